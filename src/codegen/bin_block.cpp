@@ -1,0 +1,98 @@
+#include "codegen/bin_block.h"
+
+#include <cstdlib>
+#include <cstring>
+#include <limits>
+
+#include "platform/platform.h"
+
+namespace korv {
+
+BinBlock::BinBlock(std::uint32_t initialSize, std::FILE* stream)
+    : data(static_cast<std::uint8_t*>(platform::Allocate(initialSize))),
+      size(initialSize),
+      stream(stream) {
+    if (data == nullptr) {
+        std::fprintf(stream, "Could not allocate memory for BinBlock.\n");
+        std::exit(-1);
+    }
+    std::memset(data, 0xFF, size);
+}
+
+BinBlock::~BinBlock() {
+    platform::Free(data);
+}
+
+void BinBlock::GrowBy(std::uint32_t step, std::uint64_t offset) {
+    while (offset >= size) {
+        const bool hasRoom = size <= std::numeric_limits<std::uint32_t>::max() - step;
+        void* const grown = hasRoom ? platform::Reallocate(data, size + step) : nullptr;
+        if (grown == nullptr) {
+            if (step == byteStep) {
+                std::fprintf(stream, "Could not allocate more memory! (Size=%u)\n", size);
+            } else {
+                std::fprintf(stream, "Could not allocate more memory! (Size=%d)\n",
+                             static_cast<std::int32_t>(size));
+            }
+            std::exit(-1);
+        }
+        data = static_cast<std::uint8_t*>(grown);
+        size += step;
+    }
+}
+
+std::uint32_t BinBlock::PutBytes(std::span<const std::uint8_t> bytes) {
+    const std::uint64_t end = static_cast<std::uint64_t>(position) + bytes.size();
+    if (end >= size) {
+        GrowBy(wordStep, end);
+    }
+    std::memcpy(data + position, bytes.data(), bytes.size());
+    const std::uint32_t start = position;
+    position = static_cast<std::uint32_t>(end);
+    return start;
+}
+
+std::uint32_t BinBlock::PutZeros(std::uint32_t count) {
+    const std::uint32_t start = position;
+    const std::uint64_t end = static_cast<std::uint64_t>(position) + count;
+    if (end > size) {
+        GrowBy(byteStep, end - 1);
+    }
+    std::memset(data + position, 0, count);
+    position = static_cast<std::uint32_t>(end);
+    return start;
+}
+
+std::uint32_t BinBlock::PutByteAt(std::int32_t value, std::uint32_t at) {
+    if (at != std::numeric_limits<std::uint32_t>::max()) {
+        if (at >= size) {
+            GrowBy(byteStep, at);
+        }
+        data[at] = static_cast<std::uint8_t>(value);
+    }
+    return at;
+}
+
+std::uint32_t BinBlock::PutWordAt(std::int32_t value, std::uint32_t at) {
+    if (static_cast<std::uint64_t>(at) + 1 >= size) {
+        GrowBy(wordStep, static_cast<std::uint64_t>(at) + 1);
+    }
+    data[at] = static_cast<std::uint8_t>(value);
+    data[at + 1] = static_cast<std::uint8_t>(value >> 8);
+    return at;
+}
+
+std::int32_t BinBlock::WriteTo(std::FILE* file) const {
+    std::fwrite(data, 1, position, file);
+    return 0;
+}
+
+std::int32_t BinBlock::DumpStatus(std::FILE* output) const {
+    if (output == nullptr) {
+        return -1;
+    }
+    std::fprintf(output, "   Block size: %5u.\n   Position:   %5u,\n", size, position);
+    return 0;
+}
+
+}  // namespace korv

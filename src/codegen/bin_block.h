@@ -1,0 +1,74 @@
+/// The growing buffer into which the whole run assembles. It knows offsets in the target, and
+/// nothing of addresses: the location counter is another number, which its users move, and neither
+/// is computed from the other.
+#pragma once
+
+#include <cstdint>
+#include <cstdio>
+#include <span>
+
+namespace korv {
+
+class BinBlock {
+  public:
+    /// A buffer of `initialSize` bytes, filled with 0xFF. `stream`, not owned, hears of a failed
+    /// allocation, which ends the process, here and in every other operation.
+    BinBlock(std::uint32_t initialSize, std::FILE* stream);
+    ~BinBlock();
+    BinBlock(const BinBlock&) = delete;
+    BinBlock& operator=(const BinBlock&) = delete;
+
+    /// Appends take the low bits of a value, unchecked. Result: the offset of the first byte.
+    std::uint32_t PutByte(std::int32_t value) {
+        if (position >= size) [[unlikely]] {
+            GrowBy(byteStep, position);
+        }
+        data[position] = static_cast<std::uint8_t>(value);
+        return position++;
+    }
+    /// Low byte first.
+    std::uint32_t PutWord(std::int32_t value) {
+        if (static_cast<std::uint64_t>(position) + 1 >= size) [[unlikely]] {
+            GrowBy(wordStep, static_cast<std::uint64_t>(position) + 1);
+        }
+        data[position] = static_cast<std::uint8_t>(value);
+        data[position + 1] = static_cast<std::uint8_t>(value >> 8);
+        position += 2;
+        return position - 2;
+    }
+    std::uint32_t PutBytes(std::span<const std::uint8_t> bytes);
+    /// Appends `count` zero bytes, with the same growth as that many calls of `PutByte`.
+    std::uint32_t PutZeros(std::uint32_t count);
+
+    /// Overwrites; neither moves `Position`. A position of all bits set writes nothing. Result:
+    /// `at`.
+    std::uint32_t PutByteAt(std::int32_t value, std::uint32_t at);
+    std::uint32_t PutWordAt(std::int32_t value, std::uint32_t at);
+
+    /// Number of bytes appended so far.
+    [[nodiscard]] std::uint32_t Position() const { return position; }
+    /// The byte at `offset`, 0xFF behind the last one.
+    [[nodiscard]] std::uint8_t At(std::uint32_t offset) const {
+        return offset < position ? data[offset] : 0xFF;
+    }
+
+    /// Writes all bytes to `file`. Result: 0; whether the write succeeded, the file knows.
+    std::int32_t WriteTo(std::FILE* file) const;
+    /// Prints the lines of the status dump. Result: 0, or -1 for a null stream.
+    std::int32_t DumpStatus(std::FILE* stream) const;
+
+  private:
+    // Single bytes grow the buffer in small steps, everything else in larger ones.
+    static constexpr std::uint32_t byteStep = 4096;
+    static constexpr std::uint32_t wordStep = 16384;
+
+    // Grows in steps of `step` until `offset` lies inside the buffer.
+    void GrowBy(std::uint32_t step, std::uint64_t offset);
+
+    std::uint8_t* data;  // owned
+    std::uint32_t size;  // bytes allocated
+    std::uint32_t position = 0;
+    std::FILE* stream;
+};
+
+}  // namespace korv

@@ -1,0 +1,216 @@
+// LD: one mnemonic for the whole load group. The destination decides; its source then has the
+// shapes that the processor's load group lists for it.
+
+#include "codegen/handlers.h"
+#include "codegen/operand_forms.h"
+#include "driver/assembler.h"
+
+namespace korv {
+namespace {
+
+constexpr std::uint8_t storeOpcode = 0x70;  // LD (HL),r and LD (IX+d),r
+constexpr std::uint8_t storeImmediateOpcode = 0x36;
+
+constexpr OperandForm toAccumulator{0, 0x78,        0x3E,
+                                    0, ALLOW_FIELD, FORM_IMM8 | FORM_IX | FORM_IY | FORM_DIRECT};
+constexpr OperandForm toMemory{
+    0, storeOpcode, storeImmediateOpcode, 0, ALLOW_A | ALLOW_B_TO_L, FORM_IMM8};
+
+constexpr OperandForm ToRegister(std::int32_t reg) {
+    return {0,
+            static_cast<std::uint8_t>(0x40 + 8 * reg),
+            static_cast<std::uint8_t>(0x06 + 8 * reg),
+            0,
+            ALLOW_FIELD,
+            FORM_IMM8 | FORM_IX | FORM_IY};
+}
+
+// Emits one or two opcode bytes; the first one is left out if it is 0.
+void EmitOpcode(CAssembler* assembler, std::uint8_t prefix, std::int32_t opcode) {
+    if (prefix != 0) {
+        assembler->EmitByte(prefix);
+    }
+    assembler->EmitByte(opcode);
+}
+
+// The shapes in which only A may be the source, or a register other than those of the opcode field.
+std::int32_t LoadFromAccumulator(CAssembler* assembler, const lsArg& src, std::uint8_t prefix,
+                                 std::int32_t opcode) {
+    if (src.reg != REG_A) {
+        return MSG_ILLEGAL_ARGUMENT;
+    }
+    EmitOpcode(assembler, prefix, opcode);
+    return 0;
+}
+
+std::int32_t LoadAccumulator(CAssembler* assembler, CStatement* statement, const lsArg& src) {
+    switch (src.reg) {
+        case REG_BC_INDIRECT:
+            EmitOpcode(assembler, 0, 0x0A);
+            return 0;
+        case REG_DE_INDIRECT:
+            EmitOpcode(assembler, 0, 0x1A);
+            return 0;
+        case REG_I:
+            EmitOpcode(assembler, PREFIX_ED, 0x57);
+            return 0;
+        case REG_R:
+            EmitOpcode(assembler, PREFIX_ED, 0x5F);
+            return 0;
+        default:
+            return EncodeOperand(assembler, statement, src, toAccumulator);
+    }
+}
+
+// The pairs, from an immediate word or from memory. A value outside 16 bits is cut without a word.
+std::int32_t LoadPair(CAssembler* assembler, CStatement* statement, const lsArg& dst,
+                      const lsArg& src) {
+    if (!src.IsPlainValue()) {
+        return MSG_ILLEGAL_ARGUMENT;
+    }
+    const bool isMemory = src.reg == REG_DIRECT;
+    const bool isIndex = dst.reg == REG_IX || dst.reg == REG_IY;
+    if (isIndex) {
+        assembler->EmitByte(IndexPrefix(dst.reg));
+    }
+    if (isMemory && (isIndex || dst.reg == REG_HL)) {
+        assembler->EmitByte(0x2A);
+    } else if (isMemory) {
+        EmitOpcode(assembler, PREFIX_ED, 0x4B + PairField(dst.reg));
+    } else {
+        assembler->EmitByte(0x01 + PairField(dst.reg));
+    }
+    const std::uint32_t position = assembler->EmitWord(src.value);
+    if (src.status != MSG_UNRESOLVED) {
+        return src.status;
+    }
+    FileCopiedPatch(assembler, statement, src.Text(), src.unresolvedString.View(), position,
+                    PF_16BIT);
+    return 0;
+}
+
+std::int32_t LoadStackPointer(CAssembler* assembler, CStatement* statement, const lsArg& dst,
+                              const lsArg& src) {
+    constexpr std::int32_t opcode = 0xF9;
+    switch (src.reg) {
+        case REG_HL:
+            EmitOpcode(assembler, 0, opcode);
+            return 0;
+        case REG_IX:
+        case REG_IY:
+            EmitOpcode(assembler, IndexPrefix(src.reg), opcode);
+            return 0;
+        default:
+            return LoadPair(assembler, statement, dst, src);
+    }
+}
+
+std::int32_t StoreIndexed(CAssembler* assembler, CStatement* statement, const lsArg& dst,
+                          const lsArg& src) {
+    assembler->EmitByte(IndexPrefix(dst.reg));
+    const bool isImmediate = src.reg == REG_NONE && src.IsValue();
+    if (IsByteRegister(src.reg)) {
+        assembler->EmitByte(storeOpcode + src.reg);
+    } else if (isImmediate) {
+        assembler->EmitByte(storeImmediateOpcode);
+    } else {
+        assembler->ReportError(statement, MSG_ILLEGAL_ARGUMENT, src.Text());
+        return 0;
+    }
+    WarnIfOutside(assembler, statement, dst, signedByteRange, dst.value);
+    const std::uint32_t displacementPosition = assembler->EmitByte(dst.value);
+    if (dst.status == MSG_UNRESOLVED) {
+        FileExpressionPatch(assembler, statement, dst, displacementPosition, PF_SIGNED | PF_8BIT);
+    } else if (dst.status != 0) {
+        return dst.status;
+    }
+    if (!isImmediate) {
+        return 0;
+    }
+    if (!byteRange.Holds(src.value)) {  // an error here, a warning everywhere else
+        return byteRange.message;
+    }
+    const std::uint32_t position = assembler->EmitByte(src.value);
+    if (src.status == MSG_UNRESOLVED) {
+        FilePatch(assembler, statement, src, position, PF_8BIT);
+    } else if (src.status != 0) {
+        const bool isGeneral = src.status == MSG_GENERAL_FAILURE;
+        assembler->ReportError(statement, isGeneral ? MSG_ILLEGAL_ARGUMENT : src.status,
+                               src.Text());
+    }
+    return 0;
+}
+
+std::int32_t StoreDirect(CAssembler* assembler, CStatement* statement, const lsArg& dst,
+                         const lsArg& src) {
+    switch (src.reg) {
+        case REG_A:
+            EmitOpcode(assembler, 0, 0x32);
+            break;
+        case REG_HL:
+            EmitOpcode(assembler, 0, 0x22);
+            break;
+        case REG_IX:
+        case REG_IY:
+            EmitOpcode(assembler, IndexPrefix(src.reg), 0x22);
+            break;
+        case REG_BC:
+        case REG_DE:
+        case REG_SP:
+            EmitOpcode(assembler, PREFIX_ED, 0x43 + PairField(src.reg));
+            break;
+        default:
+            return MSG_ILLEGAL_ARGUMENT;
+    }
+    WarnIfOutside(assembler, statement, dst, wordRange, dst.value);
+    const std::uint32_t position = assembler->EmitWord(dst.value);
+    if (dst.status != MSG_UNRESOLVED) {
+        return dst.status;
+    }
+    FilePatch(assembler, statement, dst, position, PF_16BIT);
+    return 0;
+}
+
+}  // namespace
+
+std::int32_t HandleLd(CAssembler* assembler, CStatement* statement) {
+    if (const std::int32_t result = BeginStatement(assembler, statement, twoOperands);
+        result != 0) {
+        return result;
+    }
+    const lsArg& dst = *statement->args.Arg(1);
+    const lsArg& src = *statement->args.Arg(2);
+    switch (dst.reg) {
+        case REG_A:
+            return LoadAccumulator(assembler, statement, src);
+        case REG_HL_INDIRECT:
+            return EncodeOperand(assembler, statement, src, toMemory);
+        case REG_R:
+            return LoadFromAccumulator(assembler, src, PREFIX_ED, 0x4F);
+        case REG_I:
+            return LoadFromAccumulator(assembler, src, PREFIX_ED, 0x47);
+        case REG_BC_INDIRECT:
+            return LoadFromAccumulator(assembler, src, 0, 0x02);
+        case REG_DE_INDIRECT:
+            return LoadFromAccumulator(assembler, src, 0, 0x12);
+        case REG_BC:
+        case REG_DE:
+        case REG_HL:
+        case REG_IX:
+        case REG_IY:
+            return LoadPair(assembler, statement, dst, src);
+        case REG_SP:
+            return LoadStackPointer(assembler, statement, dst, src);
+        case REG_IX_INDEXED:
+        case REG_IY_INDEXED:
+            return StoreIndexed(assembler, statement, dst, src);
+        case REG_DIRECT:
+            return StoreDirect(assembler, statement, dst, src);
+        default:
+            return IsByteRegister(dst.reg)
+                       ? EncodeOperand(assembler, statement, src, ToRegister(dst.reg))
+                       : MSG_ILLEGAL_ARGUMENT;
+    }
+}
+
+}  // namespace korv

@@ -1,0 +1,106 @@
+/// The encoders that whole families of instructions share: one classified operand becomes bytes,
+/// with the checks, the messages and the patch that belong to it. A handler calls one of them as
+/// its last act and returns its result.
+#pragma once
+
+#include <cstdint>
+
+#include "codegen/value_range.h"
+#include "expr/operands.h"
+#include "symbols/patch.h"
+
+namespace korv {
+
+class CAssembler;
+struct CStatement;
+
+/// Prefixes of the processor's opcode tables.
+inline constexpr std::uint8_t PREFIX_IX = 0xDD;
+inline constexpr std::uint8_t PREFIX_IY = 0xFD;
+inline constexpr std::uint8_t PREFIX_CB = 0xCB;
+inline constexpr std::uint8_t PREFIX_ED = 0xED;
+
+/// Bits of `OperandForm::allowed`.
+inline constexpr std::uint32_t ALLOW_A = 0x0001;
+inline constexpr std::uint32_t ALLOW_B_TO_L = 0x007E;
+inline constexpr std::uint32_t ALLOW_HL_INDIRECT = 0x0080;
+inline constexpr std::uint32_t ALLOW_AF = 0x0100;
+inline constexpr std::uint32_t ALLOW_BC = 0x0200;
+inline constexpr std::uint32_t ALLOW_DE = 0x0400;
+inline constexpr std::uint32_t ALLOW_HL = 0x0800;
+inline constexpr std::uint32_t ALLOW_IX = 0x1000;
+inline constexpr std::uint32_t ALLOW_IY = 0x2000;
+inline constexpr std::uint32_t ALLOW_SP = 0x4000;
+/// The operands that the register field of an opcode can name.
+inline constexpr std::uint32_t ALLOW_FIELD = ALLOW_A | ALLOW_B_TO_L | ALLOW_HL_INDIRECT;
+
+/// Bits of `OperandForm::forms`.
+inline constexpr std::uint32_t FORM_IMM8 = 0x001;  ///< an immediate byte may stand here
+inline constexpr std::uint32_t FORM_IX = 0x004;    ///< (IX+d) may stand here
+inline constexpr std::uint32_t FORM_IY = 0x008;    ///< (IY+d) may stand here
+inline constexpr std::uint32_t FORM_DIRECT =
+    0x020;  ///< LD A,(nn): (nn) may stand here, its opcode is fixed
+inline constexpr std::uint32_t FORM_PREFIX = 0x100;  ///< `prefix` goes first
+
+/// Which operands an instruction allows in one place, and its opcodes.
+struct OperandForm {
+    std::uint8_t shift;            ///< left shift of the operand's number into the opcode
+    std::uint8_t opcode;           ///< of the register forms, without the number
+    std::uint8_t immediateOpcode;  ///< of the immediate form
+    std::uint8_t prefix;           ///< emitted first with FORM_PREFIX
+    std::uint32_t allowed;         ///< ALLOW_* bits
+    std::uint32_t forms;           ///< FORM_* bits
+};
+
+/// The byte that selects `reg`, one of the codes of IX or IY in any form.
+[[nodiscard]] constexpr std::uint8_t IndexPrefix(std::int32_t reg) {
+    return reg == REG_IX || reg == REG_IX_INDIRECT || reg == REG_IX_INDEXED ? PREFIX_IX : PREFIX_IY;
+}
+
+/// Whether `reg` is the code of B, C, D, E, H, L, (HL) or A; the code is then the number in the
+/// opcode.
+[[nodiscard]] constexpr bool IsFieldRegister(std::int32_t reg) {
+    return reg >= 0 && reg <= 7;
+}
+/// The same without (HL).
+[[nodiscard]] constexpr bool IsByteRegister(std::int32_t reg) {
+    return IsFieldRegister(reg) && reg != REG_HL_INDIRECT;
+}
+/// The number of a pair's code in bits 4 and 5 of an opcode.
+[[nodiscard]] constexpr std::int32_t PairField(std::int32_t reg) {
+    return (reg & 0xFF) << 4;
+}
+
+/// Encodes `arg` as `form` says. Result: 0 or a message number.
+[[nodiscard]] std::int32_t EncodeOperand(CAssembler* assembler, CStatement* statement,
+                                         const lsArg& arg, const OperandForm& form);
+
+/// Encodes operand `n` of the group `group` of accumulator operations (bits 5 to 3 of the opcode).
+[[nodiscard]] std::int32_t EncodeAccumulatorOp(CAssembler* assembler, CStatement* statement,
+                                               std::int32_t n, std::int32_t group);
+
+/// Encodes the group with the prefix CB. `kind` is "B" for BIT, "R" for RES, "S" for SET, with the
+/// operand in place 2, or "X" for rotates and shifts, with the operand in place 1; `field` is the
+/// number in bits 5 to 3.
+[[nodiscard]] std::int32_t ProcessBSR_Ex(CAssembler* assembler, CStatement* statement, char kind,
+                                         std::int32_t field);
+
+/// Warns with the text of `arg` when `value` is outside `range`.
+void WarnIfOutside(CAssembler* assembler, const CStatement* statement, const lsArg& arg,
+                   const ValueRange& range, std::int32_t value);
+
+/// Files a patch for `arg`, which has no value yet, at `position` of the image. The first form
+/// keeps the whole text of the operand, by a further reference; the others copy the text that they
+/// evaluate again: the expression alone, or the whole.
+std::int32_t FilePatch(CAssembler* assembler, const CStatement* statement, const lsArg& arg,
+                       std::uint32_t position, std::uint32_t kind);
+std::int32_t FileExpressionPatch(CAssembler* assembler, const CStatement* statement,
+                                 const lsArg& arg, std::uint32_t position, std::uint32_t kind);
+std::int32_t FileCopiedPatch(CAssembler* assembler, const CStatement* statement,
+                             std::string_view expression, std::string_view unresolved,
+                             std::uint32_t position, std::uint32_t kind);
+
+/// The statement as the origin of a patch.
+[[nodiscard]] PatchOrigin OriginOf(const CStatement& statement);
+
+}  // namespace korv

@@ -1,0 +1,88 @@
+// The decision tree of the vocabulary, made by the compiler from the keyword table: so there is no
+// generator to install and nothing to edit, and the tree cannot differ from the table.
+//
+// A node is a range of the sorted table whose words agree in their first `depth` characters. The
+// next character of the token is read once; a binary decision over the candidates at that depth
+// picks the range in which it agrees, and the terminator is a candidate like any other, so that IN
+// is told from INC and INCLUDE. After inlining this is nothing but comparisons and jumps.
+
+#include "codegen/recogniser.h"
+
+#include <algorithm>
+
+#include "codegen/keywords.h"
+
+namespace korv {
+namespace {
+
+// The character of word `row` at `depth`, the terminator included.
+constexpr char CharacterAt(std::size_t row, std::size_t depth) {
+    const std::string_view word = keywords[row].word;
+    return depth < word.size() ? word[depth] : '\0';
+}
+
+static_assert(std::is_sorted(keywords.begin(), keywords.end(),
+                             [](const Keyword& a, const Keyword& b) { return a.word <= b.word; }),
+              "the keyword table is out of order, or holds a word twice");
+
+// One past the last row from `first` on, below `end`, that has the same character at `depth` as row
+// `first`.
+constexpr std::size_t EndOfBranch(std::size_t first, std::size_t end, std::size_t depth) {
+    std::size_t row = first;
+    while (row < end && CharacterAt(row, depth) == CharacterAt(first, depth)) {
+        ++row;
+    }
+    return row;
+}
+
+// A row in the middle of the range that begins a branch.
+constexpr std::size_t Pivot(std::size_t first, std::size_t end, std::size_t depth) {
+    std::size_t row = first + (end - first) / 2;
+    while (row > first && CharacterAt(row - 1, depth) == CharacterAt(row, depth)) {
+        --row;
+    }
+    return row;
+}
+
+template <std::size_t first, std::size_t end, std::size_t depth>
+inline InstructionHandler Decide(const char* token);
+
+// `c` is the character of the token at `depth`.
+template <std::size_t first, std::size_t end, std::size_t depth>
+inline InstructionHandler DecideOn(char c, const char* token) {
+    if constexpr (first == end) {
+        return nullptr;
+    } else {
+        constexpr std::size_t pivot = Pivot(first, end, depth);
+        constexpr std::size_t pivotEnd = EndOfBranch(pivot, end, depth);
+        constexpr char pivotCharacter = CharacterAt(pivot, depth);
+        if (c == pivotCharacter) {
+            if constexpr (pivotCharacter == '\0') {
+                return keywords[pivot].handler;
+            } else {
+                return Decide<pivot, pivotEnd, depth + 1>(token);
+            }
+        }
+        if constexpr (pivot == first) {
+            return DecideOn<pivotEnd, end, depth>(c, token);
+        } else if constexpr (pivotEnd == end) {
+            return DecideOn<first, pivot, depth>(c, token);
+        } else {
+            return c < pivotCharacter ? DecideOn<first, pivot, depth>(c, token)
+                                      : DecideOn<pivotEnd, end, depth>(c, token);
+        }
+    }
+}
+
+template <std::size_t first, std::size_t end, std::size_t depth>
+inline InstructionHandler Decide(const char* token) {
+    return DecideOn<first, end, depth>(token[depth], token);
+}
+
+}  // namespace
+
+InstructionHandler RecogniseInstruction(const char* token) {
+    return Decide<0, keywords.size(), 0>(token);
+}
+
+}  // namespace korv

@@ -1,0 +1,34 @@
+/// The ranges of values that a byte or a word can hold, each with the message of a value outside.
+#pragma once
+
+#include <cstdint>
+
+#include "diagnostics/message_numbers.h"
+
+namespace korv {
+
+struct ValueRange {
+    std::int32_t low;
+    std::int32_t high;
+    std::int32_t message;
+
+    [[nodiscard]] constexpr bool Holds(std::int32_t value) const {
+        return value >= low && value <= high;
+    }
+};
+
+inline constexpr ValueRange byteRange{-128, 255, MSG_NOT_BYTE};
+inline constexpr ValueRange signedByteRange{-128, 127, MSG_NOT_SIGNED_BYTE};
+inline constexpr ValueRange wordRange{-32768, 65535, MSG_NOT_WORD};
+inline constexpr ValueRange signedWordRange{-32768, 32767, MSG_NOT_SIGNED_WORD};
+/// Data bytes and port numbers: the same values as `byteRange`, but here a value outside is an
+/// error.
+inline constexpr ValueRange dataByteRange{-128, 255, MSG_NOT_UNSIGNED_BYTE};
+
+/// Distance of a relative jump at `address` to `target`, counted from behind its two bytes.
+[[nodiscard]] constexpr std::int32_t RelativeOffset(std::int32_t target, std::int32_t address) {
+    return static_cast<std::int32_t>(static_cast<std::uint32_t>(target) -
+                                     static_cast<std::uint32_t>(address) - 2);
+}
+
+}  // namespace korv

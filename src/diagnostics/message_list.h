@@ -1,0 +1,65 @@
+/// The bounded lists of errors and warnings. Reporting prints nothing and stops nothing: it appends
+/// a record, and the lists are printed when all the source has been read.
+#pragma once
+
+#include <cstdint>
+#include <cstdio>
+#include <memory>
+#include <string_view>
+
+#include "diagnostics/message_numbers.h"
+
+namespace korv {
+
+class CFileNameRegistry;
+
+struct CMessage {
+    std::int32_t number = 0;  ///< row of MESSAGE_TABLE; below 0: an internal error without a row
+    std::unique_ptr<char[]> text;  ///< the detail shown in brackets, or null
+    std::int32_t file = 0;         ///< file number, 0 for none
+    std::int32_t line = 0;         ///< line number, 0 for none
+};
+
+inline constexpr std::int32_t ML_ERROR = 0;
+inline constexpr std::int32_t ML_WARNING = 1;
+
+class CMessageList {
+  public:
+    /// An empty list of errors with room for `capacity` messages. The records are made here, so
+    /// that a report needs no memory but for its text: the list has to work just when there is none
+    /// left.
+    explicit CMessageList(std::int32_t capacity);
+
+    /// The registry, not owned, that turns file numbers into names when the list is printed.
+    void SetFileNames(const CFileNameRegistry* registry) { fileNames = registry; }
+
+    /// ML_ERROR, ML_WARNING; anything else is a fatal error. Result: the kind before.
+    std::int32_t SetKind(std::int32_t newKind);
+
+    /// Reports message `number`; `text` is copied. A view without data means that there is no text
+    /// and no brackets; an empty text gives empty brackets. Result: as `Add`. Nobody has to look at
+    /// it.
+    std::int32_t Report(std::int32_t number, std::string_view text, std::int32_t file,
+                        std::int32_t line);
+
+    /// Takes over `message`. Result: 0, or -1 when the list was full and the message is dropped.
+    std::int32_t Add(CMessage message);
+
+    [[nodiscard]] std::int32_t Count() const { return count; }
+
+    /// Prints the first `limit` messages, -1 for all, a line each. Result: 0.
+    std::int32_t Print(std::FILE* stream, std::int32_t limit) const;
+
+  private:
+    std::int32_t capacity;
+    std::int32_t count = 0;
+    std::int32_t kind = ML_ERROR;
+    const char* kindName = "error";
+    std::unique_ptr<CMessage[]> messages;          // `capacity` records in the order of reporting
+    const CFileNameRegistry* fileNames = nullptr;  // not owned
+};
+
+/// For `Report`: a message without a text.
+inline constexpr std::string_view noText{};
+
+}  // namespace korv

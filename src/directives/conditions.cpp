@@ -1,0 +1,91 @@
+// Conditional assembly: one flag, and a stack of one byte per open IF. IF sets the flag from its
+// own condition alone and keeps the state around it for ENDIF; so a true IF in a skipped block is
+// assembled. The stack belongs to the run and not to a file: a level may be opened in one file and
+// closed in another.
+
+#include "codegen/handlers.h"
+#include "driver/assembler.h"
+
+namespace korv {
+namespace {
+
+// Bits of a level's state byte.
+constexpr std::uint8_t wasAssembling = 0x02;  // when its IF was met
+constexpr std::uint8_t isTrue = 0x04;         // its condition
+constexpr std::uint8_t hasElse = 0x08;        // its ELSE has been seen
+
+constexpr OperandCount noOperands{0, 0};
+
+std::int32_t BeginCondition(CAssembler* assembler, CStatement* statement, OperandCount wanted) {
+    if (statement->label != nullptr) {
+        assembler->ReportError(statement, MSG_LABEL_NOT_ALLOWED, noText);
+    }
+    SplitOperands(assembler, statement, &statement->args, 1);
+    return CheckCount(statement->args, wanted);
+}
+
+std::uint8_t& TopLevel(CAssembler* assembler) {
+    return assembler->conditionStack[static_cast<std::size_t>(assembler->conditionDepth - 1)];
+}
+
+}  // namespace
+
+std::int32_t HandleIf(CAssembler* assembler, CStatement* statement) {
+    if (const std::int32_t result = BeginCondition(assembler, statement, oneOperand); result != 0) {
+        return result;
+    }
+    if (assembler->conditionDepth == maxConditions) {
+        return MSG_CONDITIONS_TOO_DEEP;
+    }
+    const lsArg& arg = *statement->args.Arg(1);
+    if (!arg.IsValue()) {
+        return MSG_ILLEGAL_ARGUMENT;
+    }
+    if (arg.status != 0) {  // a condition cannot wait: it is false
+        assembler->ReportWarning(statement, arg.status, arg.Text());
+    }
+    const bool holds = arg.value != 0;
+    ++assembler->conditionDepth;
+    TopLevel(assembler) = static_cast<std::uint8_t>(
+        (assembler->assembling != 0 ? wasAssembling : 0) | (holds ? isTrue : 0));
+    assembler->assembling = holds ? 1 : 0;
+    return 0;
+}
+
+std::int32_t HandleElse(CAssembler* assembler, CStatement* statement) {
+    if (const std::int32_t result = BeginCondition(assembler, statement, noOperands); result != 0) {
+        return result;
+    }
+    if (assembler->conditionDepth == 0) {
+        return MSG_NOT_IN_CONDITION;
+    }
+    std::uint8_t& level = TopLevel(assembler);
+    if ((level & hasElse) != 0) {
+        return MSG_ILLEGAL_ELSE;
+    }
+    assembler->assembling = (level & isTrue) != 0 ? 0 : 1;
+    level |= hasElse;
+    return 0;
+}
+
+std::int32_t HandleEndif(CAssembler* assembler, CStatement* statement) {
+    if (const std::int32_t result = BeginCondition(assembler, statement, noOperands); result != 0) {
+        return result;
+    }
+    if (assembler->conditionDepth == 0) {
+        return MSG_NOT_IN_CONDITION;
+    }
+    assembler->assembling = (TopLevel(assembler) & wasAssembling) != 0 ? 1 : 0;
+    --assembler->conditionDepth;
+    return 0;
+}
+
+std::int32_t HandleEnd(CAssembler* assembler, CStatement* statement) {
+    if (const std::int32_t result = BeginStatement(assembler, statement, noOperands); result != 0) {
+        return result;
+    }
+    assembler->flags.Set(RF_END);
+    return 0;
+}
+
+}  // namespace korv

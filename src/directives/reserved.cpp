@@ -1,0 +1,113 @@
+// Commands whose names are taken. BINCLUDE works; the others have fixed answers and read no
+// operands.
+
+#include <algorithm>
+#include <span>
+#include <string>
+
+#include "codegen/handlers.h"
+#include "driver/assembler.h"
+#include "platform/platform.h"
+
+namespace korv {
+namespace {
+
+std::int32_t AnswerNotImplemented(CAssembler* assembler, CStatement* statement) {
+    DefineLineLabel(assembler, statement);
+    return MSG_NOT_IMPLEMENTED;
+}
+
+// All bytes of a file, in memory.
+class FileContents {
+  public:
+    FileContents() = default;
+    ~FileContents() { platform::Free(data); }
+    FileContents(const FileContents&) = delete;
+    FileContents& operator=(const FileContents&) = delete;
+
+    // False: the file cannot be opened, or not be read to its end.
+    bool Read(const std::string& path) {
+        platform::InputFile file;
+        if (!file.Open(path)) {
+            return false;
+        }
+        std::size_t capacity = 0;
+        for (;;) {
+            if (count == capacity) {
+                capacity = std::max<std::size_t>(2 * capacity, file.Size() + 4096);
+                void* const grown = platform::Reallocate(data, capacity);
+                if (grown == nullptr) {
+                    return false;
+                }
+                data = static_cast<std::uint8_t*>(grown);
+            }
+            const std::size_t got = file.Read(data + count, capacity - count);
+            if (got == 0) {
+                return !file.Failed();
+            }
+            count += got;
+        }
+    }
+
+    [[nodiscard]] std::span<const std::uint8_t> Bytes() const { return {data, count}; }
+
+  private:
+    std::uint8_t* data = nullptr;
+    std::size_t count = 0;
+};
+
+}  // namespace
+
+std::int32_t HandleDd(CAssembler* assembler, CStatement* statement) {
+    return AnswerNotImplemented(assembler, statement);
+}
+
+std::int32_t HandleProc(CAssembler* assembler, CStatement* statement) {
+    return AnswerNotImplemented(assembler, statement);
+}
+
+std::int32_t HandleEndp(CAssembler* assembler, CStatement* statement) {
+    return AnswerNotImplemented(assembler, statement);
+}
+
+std::int32_t HandleMacOn(CAssembler* assembler, CStatement* statement) {
+    return AnswerNotImplemented(assembler, statement);
+}
+
+std::int32_t HandleMacOff(CAssembler* assembler, CStatement* statement) {
+    return AnswerNotImplemented(assembler, statement);
+}
+
+// These two leave a label to the statement loop.
+std::int32_t HandleMacro(CAssembler*, CStatement*) {
+    return MSG_NOT_IMPLEMENTED;
+}
+
+std::int32_t HandleEndm(CAssembler*, CStatement*) {
+    return MSG_NOT_IN_MACRO;
+}
+
+// The bytes of a file as they are. The file is looked up like a source, and is none: it has no
+// number and no depth, and the progress meter does not count it. It is read whole before anything
+// is emitted.
+std::int32_t HandleBinclude(CAssembler* assembler, CStatement* statement) {
+    if (const std::int32_t result = BeginStatement(assembler, statement, oneOperand); result != 0) {
+        return result;
+    }
+    const lsArg& arg = *statement->args.Arg(1);
+    std::string_view name = arg.Text();
+    if ((arg.flags & LA_QUOTED) != 0 && name.size() > 1) {
+        name = name.substr(1, name.size() - 2);
+    }
+    std::string path;
+    FileContents contents;
+    if (!platform::FullPath(name, &path) || !contents.Read(path)) {
+        assembler->ReportError(statement, MSG_CANNOT_OPEN, arg.Text());
+        return 0;
+    }
+    assembler->binary.PutBytes(contents.Bytes());
+    assembler->location += static_cast<std::uint32_t>(contents.Bytes().size());
+    return 0;
+}
+
+}  // namespace korv

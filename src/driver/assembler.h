@@ -1,0 +1,195 @@
+/// The one object of a run. Every handler, manager and reader reaches what it needs through it.
+#pragma once
+
+#include <array>
+#include <atomic>
+#include <cstdint>
+#include <cstdio>
+#include <ctime>
+#include <string>
+#include <string_view>
+
+#include "codegen/bin_block.h"
+#include "codegen/handler.h"
+#include "codegen/value_range.h"
+#include "diagnostics/message_list.h"
+#include "driver/statement.h"
+#include "source/file_name_registry.h"
+#include "symbols/identifier_manager.h"
+
+namespace korv {
+
+class CSourceFile;
+
+inline constexpr std::uint32_t RF_ABORT = 0x0001;  ///< stop after the current statement
+inline constexpr std::uint32_t RF_DEBUG = 0x0002;  ///< collect the debug stream, write Debug.Out
+inline constexpr std::uint32_t RF_DEBUG_SYMBOLS =
+    0x0004;  ///< ... with events of identifiers and files
+inline constexpr std::uint32_t RF_NO_DEBUG_RECORD =
+    0x0008;                                         ///< the current statement gets no debug record
+inline constexpr std::uint32_t RF_LABELS = 0x0010;  ///< write Labels.Out
+inline constexpr std::uint32_t RF_PROGRESS = 0x0040;     ///< show the progress meter
+inline constexpr std::uint32_t RF_TIME = 0x0080;         ///< print the time display
+inline constexpr std::uint32_t RF_MESSAGES = 0x0100;     ///< print the result messages
+inline constexpr std::uint32_t RF_END = 0x0200;          ///< END was executed: all reading stops
+inline constexpr std::uint32_t RF_NO_WARNINGS = 0x0400;  ///< warnings are collected, not printed
+inline constexpr std::uint32_t RF_BINARY = 0x0800;       ///< .bin target with a load header
+inline constexpr std::uint32_t RF_MACRO_BODY =
+    0x1000;  ///< a macro body is recorded; nothing sets it
+inline constexpr std::uint32_t RF_SYSTEM_IDS = 0x2000;  ///< load the reserved words
+
+/// The flags word. The console's side sets a bit at any moment, so every change is one atomic
+/// operation. Nothing else is ordered by it: the bit itself is all that is said.
+class FlagsWord {
+  public:
+    [[nodiscard]] std::uint32_t Load() const { return bits.load(std::memory_order_relaxed); }
+    [[nodiscard]] bool Has(std::uint32_t mask) const { return (Load() & mask) != 0; }
+    void Set(std::uint32_t mask) { bits.fetch_or(mask, std::memory_order_relaxed); }
+    void Clear(std::uint32_t mask) { bits.fetch_and(~mask, std::memory_order_relaxed); }
+
+  private:
+    std::atomic<std::uint32_t> bits{0};
+    static_assert(std::atomic<std::uint32_t>::is_always_lock_free);
+};
+
+/// Open source files, the main file included.
+inline constexpr std::int32_t maxFileDepthAllowed = 10;
+/// Open levels of IF.
+inline constexpr std::int32_t maxConditions = 32;
+/// Where a .com image is loaded, and a .bin image that no ORG has placed.
+inline constexpr std::uint32_t comStart = 256;
+inline constexpr std::uint32_t binaryStart = 16384;
+
+class CAssembler {
+  public:
+    /// A run that reports to `stream`, which is not owned.
+    explicit CAssembler(std::FILE* stream);
+    /// Prints the time display and flushes all output streams.
+    virtual ~CAssembler();
+    CAssembler(const CAssembler&) = delete;
+    CAssembler& operator=(const CAssembler&) = delete;
+
+    // ---- driver/run.cpp: the run
+
+    /// Set a size in bytes, if `n` is above 0. Result: the old one.
+    std::uint32_t SetFileBufferSize(std::int32_t n);
+    std::int32_t SetLineBufferSize(std::int32_t n);
+    /// Turns the letters of `flagString` (see driver/command_line.h) into the flags word and runs.
+    /// An empty source is "Main.Kor", an empty target is derived from the source. Result: as `Run`.
+    std::int32_t RunFromCommandLine(std::string_view source, std::string_view target,
+                                    std::string_view flagString);
+    /// Assembles `sourceName`, once in the life of the object. Result: 0, whatever happened.
+    std::int32_t Run();
+
+    // ---- driver/statement_loop.cpp
+
+    /// What the loop over one file leaves behind.
+    struct FileOutcome {
+        std::int32_t lineCounter = 1;   ///< number of the next line
+        std::uint32_t bytesOfLine = 0;  ///< bytes of the last line read
+    };
+    /// Assembles the statements of `file`, up to its end or to what stops it.
+    FileOutcome RunStatements(CSourceFile* file, CStatement* statement);
+
+    // ---- driver/reports.cpp: what a run leaves besides its target
+
+    void WriteDebugFile();
+    /// Result: whether there were any.
+    [[nodiscard]] bool ReportErrors();
+    void ReportWarnings();
+    void WriteLabelFile();
+    void ReportCounts();
+    void WriteTarget(bool gotErrors);
+    /// Prints the progress meter.
+    virtual void Progress();
+    /// Prints where the run stands and what memory it holds; null is the stream of the run. Result:
+    /// 0.
+    std::int32_t StatusDump(std::FILE* stream);
+
+    // ---- source/include_files.cpp
+
+    /// Enters the file `name`, main or included, assembles it and leaves it, with the current
+    /// directory following. Result: 0, or why it could not be opened: 10 or 52.
+    std::int32_t AssembleIncludeFile(std::string_view name);
+
+    // ---- expr/scanner.cpp
+
+    /// Evaluates the expression `text`. Result: 0 with the value; 12 when a name has no value yet,
+    /// which comes back in `unresolved` (null: not wanted) as a view that is valid as long as
+    /// `text` and until the next scan; 20 bad expression; 24 number without digits; 25 too many
+    /// nodes; 55 number above 65535. `value` is 0 unless it is 0.
+    [[nodiscard]] std::int32_t ScanExpression(std::string_view text, std::int32_t* value,
+                                              std::string_view* unresolved);
+    /// Evaluates one value token, which is not empty. Result: 0, 12, 20, 24 or 55; `value` is set
+    /// with 0 only.
+    [[nodiscard]] std::int32_t ParseValue(std::string_view token, std::int32_t* value);
+
+    // ---- symbols/system_identifiers.cpp
+
+    /// Enters the version identifiers.
+    void LoadSystemIdentifiers();
+    /// Enters the words of `list`, separated by tabs, as reserved. Result: their number.
+    std::int32_t LoadSystemIdentifiersFromString(std::string_view list);
+
+    // ---- codegen: emission
+
+    /// Append to the image and move `location`. Bits beyond the width are dropped. Result: the
+    /// offset in the image of what was written, which is what a patch needs.
+    std::uint32_t EmitByte(std::int32_t value) {
+        ++location;
+        return binary.PutByte(value);
+    }
+    std::uint32_t EmitWord(std::int32_t value) {
+        location += 2;
+        return binary.PutWord(value);
+    }
+
+    /// Report to a list, at the place of `statement`.
+    void ReportError(const CStatement* statement, std::int32_t number, std::string_view text) {
+        errors.Report(number, text, statement->fileName, statement->lineNumber);
+    }
+    void ReportWarning(const CStatement* statement, std::int32_t number, std::string_view text) {
+        warnings.Report(number, text, statement->fileName, statement->lineNumber);
+    }
+
+    FlagsWord flags;                    ///< RF_* bits; RF_ABORT is set from the console's side too
+    std::int32_t totalLines = 0;        ///< line counters of the files that have ended, summed
+    std::int32_t fileDepth = 0;         ///< source files open now
+    std::int32_t maxFileDepth = 0;      ///< highest `fileDepth` reached
+    std::int32_t lineBufferSize = 256;  ///< longest logical line in bytes
+    std::int32_t assembling = 1;  ///< 0 while a condition skips statements; written by conditions
+    std::int32_t conditionDepth = 0;  ///< open levels of IF; written by conditions
+    std::array<std::uint8_t, maxConditions>
+        conditionStack{};    ///< a state byte a level; written by conditions
+    std::string sourceName;  ///< main source file, as typed
+    std::string targetName;  ///< target file, given or derived
+    std::uint32_t location =
+        comStart;  ///< Z80 address of the next byte; written by emission, ORG, data
+    std::uint32_t statementAddress = 0;  ///< `location` at the start of the current statement
+    const char* currentFileName =
+        nullptr;  ///< full path of the file being read; `fileNames` owns it
+    CMessageList errors;
+    CMessageList warnings;
+    CFileNameRegistry fileNames;
+    std::FILE* output;  ///< where all console reports go; not owned
+    BinBlock binary;
+    CIdentifierManager identifiers;
+    std::FILE* debugStream = nullptr;      ///< temporary; owned; null without RF_DEBUG
+    std::string targetDirectory;           ///< directory of `targetName`, with its separator
+    std::time_t startTime;                 ///< for the time display
+    std::uint32_t fileBufferSize = 65536;  ///< upper bound of a read buffer in bytes
+    void* currentMacro = nullptr;          ///< the macro being recorded; no command records one
+    std::int32_t startAddress = -1;  ///< start of the target; -1: no ORG fixed it; written by ORG
+    std::uint32_t bytesRead = 0;     ///< source bytes consumed, for the progress meter
+    std::uint32_t bytesTotal = 0;    ///< sizes of all source files opened, for the progress meter
+    std::uint32_t binarySizeAtLineStart = 0;  ///< for the debug record; one for all nested files
+
+  private:
+    void SetFlagsFrom(std::string_view flagString);
+    void AssembleSource();
+    std::int32_t OpenAndRun(const std::string& path, std::int32_t fileNumber);
+
+    WordBuffer closedToken;  // a token of the scanner whose closing quote was supplied
+};
+
+}  // namespace korv

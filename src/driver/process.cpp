@@ -1,0 +1,116 @@
+#include "driver/process.h"
+
+#include <array>
+#include <atomic>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <string_view>
+
+#include "driver/assembler.h"
+#include "driver/command_line.h"
+#include "platform/platform.h"
+
+namespace korv {
+namespace {
+
+// The run in progress, null at all other times; the only way from the hooks to a run. Atomic, since
+// a console event may come at any moment.
+std::atomic<CAssembler*> theAssembler = nullptr;
+
+constexpr std::string_view title = "Brelloc Korv v2.00.025 *FAST*";
+
+void RunAssembler(const CommandLine& commandLine) {
+    const auto textOf = [](const char* word) { return word == nullptr ? "" : word; };
+    const auto assembler = std::make_unique<CAssembler>(stdout);
+    theAssembler = assembler.get();
+    assembler->SetFileBufferSize(commandLine.fileBufferRequest);
+    assembler->SetLineBufferSize(commandLine.lineBufferRequest);
+    assembler->RunFromCommandLine(textOf(commandLine.sourceArgument),
+                                  textOf(commandLine.targetArgument),
+                                  commandLine.flagString.View());
+    theAssembler = nullptr;  // before the object goes: no hook may reach it any more
+}
+
+}  // namespace
+
+int RunProcess(int argumentCount, char** arguments) {
+    static bool isExitRegistered = false;
+    const platform::AllocationFailureHook previousHook =
+        platform::SetAllocationFailureHook(OnAllocationFailure);
+    if (!isExitRegistered) {
+        isExitRegistered = true;
+        std::atexit(OnExit);
+    }
+    std::array<char, 256> titleBuffer;
+    if (const char* const line = MakeTitle(titleBuffer.data(), titleBuffer.size() - 1)) {
+        platform::SetConsoleTitle(line);
+        std::printf("%s\n", line);
+    }
+    const CommandLine commandLine = ParseCommandLine(argumentCount, arguments);
+    platform::SetConsoleHandler(OnConsoleEvent);
+    if (commandLine.helpWanted) {
+        std::fputs(helpText, stdout);
+    } else {
+        RunAssembler(commandLine);
+        if (commandLine.waitWanted) {
+            std::printf("Press a key to continue...\r");
+            platform::WaitForKey();
+        }
+        std::printf("%26s\r", "");  // wipes the progress meter or the prompt
+    }
+    platform::SetConsoleHandler(nullptr);
+    platform::SetAllocationFailureHook(previousHook);
+    return 0;
+}
+
+char* MakeTitle(char* buffer, std::size_t capacity) {
+    if (title.size() > capacity) {
+        return nullptr;
+    }
+    std::memcpy(buffer, title.data(), title.size());
+    buffer[title.size()] = '\0';
+    return buffer;
+}
+
+int OnAllocationFailure(std::size_t size) {
+    std::printf("[ERROR!] Failed to allocate %zu bytes.\n", size);
+    if (CAssembler* const assembler = theAssembler) {
+        assembler->StatusDump(nullptr);
+        assembler->flags.Set(RF_ABORT);
+    }
+    return 0;
+}
+
+void OnExit() {
+    if (CAssembler* const assembler = theAssembler) {
+        assembler->StatusDump(nullptr);
+    }
+}
+
+int OnConsoleEvent(int event) {
+    switch (event) {
+        case platform::EVENT_CTRL_C:
+        case platform::EVENT_CTRL_BREAK:
+            platform::WriteFromHandler("Break received! Aborting program...\n");
+            break;
+        case platform::EVENT_CLOSE:
+            platform::WriteFromHandler("Close received! Aborting program...\n");
+            break;
+        case platform::EVENT_LOGOFF:
+            platform::WriteFromHandler("Logoff received! Aborting program...\n");
+            break;
+        case platform::EVENT_SHUTDOWN:
+            platform::WriteFromHandler("Shutdown received! Aborting program...\n");
+            break;
+        default:
+            return 0;
+    }
+    if (CAssembler* const assembler = theAssembler) {
+        assembler->flags.Set(RF_ABORT);
+    }
+    return 1;
+}
+
+}  // namespace korv

@@ -1,0 +1,176 @@
+// The run, from its first step to its last.
+
+#include <cstdio>
+#include <ctime>
+
+#include "driver/assembler.h"
+#include "expr/tmp_string.h"
+#include "platform/platform.h"
+#include "symbols/system_identifiers.h"
+
+namespace korv {
+namespace {
+
+constexpr std::int32_t maxMessages = 50;
+constexpr std::int32_t bucketCount = 211;
+constexpr std::uint32_t initialBinarySize = 4096;
+constexpr std::string_view defaultSource = "Main.Kor";
+
+// What a letter of the flag string does to the flags word; the upper-case letter sets, the
+// lower-case one clears.
+struct FlagLetter {
+    char letter;
+    std::uint32_t set;
+    std::uint32_t clear;
+};
+constexpr FlagLetter flagLetters[] = {
+    {'B', RF_BINARY, RF_BINARY},
+    {'D', RF_DEBUG, RF_DEBUG},
+    {'I', RF_SYSTEM_IDS, RF_SYSTEM_IDS},
+    {'L', RF_LABELS, RF_LABELS},
+    {'M', RF_MESSAGES, RF_MESSAGES},
+    {'P', RF_PROGRESS, RF_PROGRESS},
+    {'S', RF_DEBUG | RF_DEBUG_SYMBOLS, RF_DEBUG_SYMBOLS},
+    {'T', RF_TIME, RF_TIME},
+    {'W', RF_NO_WARNINGS, RF_NO_WARNINGS},
+};
+
+}  // namespace
+
+CAssembler::CAssembler(std::FILE* stream)
+    : errors(maxMessages),
+      warnings(maxMessages),
+      output(stream),
+      binary(initialBinarySize, stream),
+      identifiers(stream, bucketCount),
+      startTime(std::time(nullptr)) {
+    identifiers.SetLists(&errors, &warnings);
+    identifiers.SetFileNames(&fileNames);
+    identifiers.SetTarget(&binary);
+    identifiers.SetAssembler(this);
+    errors.SetFileNames(&fileNames);
+    warnings.SetFileNames(&fileNames);
+    errors.SetKind(ML_ERROR);
+    warnings.SetKind(ML_WARNING);
+}
+
+CAssembler::~CAssembler() {
+    if (debugStream != nullptr) {
+        std::fclose(debugStream);
+    }
+    if (flags.Has(RF_TIME)) {
+        std::fprintf(output, "[Korv] System has been online for %1.0f seconds.\n",
+                     std::difftime(std::time(nullptr), startTime));
+    }
+    std::fflush(nullptr);
+}
+
+std::uint32_t CAssembler::SetFileBufferSize(std::int32_t n) {
+    const std::uint32_t old = fileBufferSize;
+    fileBufferSize = n > 0 ? static_cast<std::uint32_t>(n) : old;
+    return old;
+}
+
+std::int32_t CAssembler::SetLineBufferSize(std::int32_t n) {
+    const std::int32_t old = lineBufferSize;
+    lineBufferSize = n > 0 ? n : old;
+    return old;
+}
+
+void CAssembler::SetFlagsFrom(std::string_view flagString) {
+    std::uint32_t bits = RF_SYSTEM_IDS;
+    for (const char c : flagString) {
+        bool isKnown = c == ' ';
+        for (const FlagLetter& row : flagLetters) {
+            if (c == row.letter) {
+                bits |= row.set;
+                isKnown = true;
+            } else if (c == row.letter + ('a' - 'A')) {
+                bits &= ~row.clear;
+                isKnown = true;
+            }
+        }
+        if (!isKnown) {
+            std::fprintf(output, "Unrecognized flag encountered: %c\n", c);
+        }
+    }
+    flags.Set(bits);
+}
+
+std::int32_t CAssembler::RunFromCommandLine(std::string_view source, std::string_view target,
+                                            std::string_view flagString) {
+    sourceName = source.empty() ? defaultSource : source;
+    targetName = target;
+    SetFlagsFrom(flagString);
+    return Run();
+}
+
+std::int32_t CAssembler::Run() {
+    if (targetName.empty()) {
+        const platform::PathParts parts = platform::SplitPath(sourceName);
+        targetName = parts.directory;
+        targetName += parts.baseName;
+        targetName += flags.Has(RF_BINARY) ? ".bin" : ".com";
+    }
+    if (sourceName.empty()) {
+        errors.Report(MSG_NO_SOURCE_NAME, noText, 0, 0);
+    } else if (sourceName == targetName) {
+        errors.Report(MSG_SOURCE_IS_TARGET, noText, 0, 0);
+    } else {
+        AssembleSource();
+    }
+
+    const bool gotErrors = ReportErrors();
+    if (!flags.Has(RF_NO_WARNINGS)) {
+        ReportWarnings();
+    }
+    if (flags.Has(RF_LABELS)) {
+        WriteLabelFile();
+    }
+    if (flags.Has(RF_MESSAGES)) {
+        ReportCounts();
+    }
+    WriteTarget(gotErrors);
+
+    identifiers.ReleasePatches();  // they hold temporary strings
+    CtmpStringManager::ReleaseAll();
+    std::fflush(nullptr);
+    return 0;
+}
+
+// All of the run that depends on the source, up to the last message.
+void CAssembler::AssembleSource() {
+    if (flags.Has(RF_MESSAGES)) {
+        std::fprintf(output, "[Korv] Transforming '%s' into '%s'.\n", sourceName.c_str(),
+                     targetName.c_str());
+    }
+    targetDirectory = platform::SplitPath(targetName).directory;
+    if (flags.Has(RF_DEBUG)) {
+        debugStream = std::tmpfile();
+        if (debugStream != nullptr && flags.Has(RF_DEBUG_SYMBOLS)) {
+            identifiers.SetLog(debugStream);
+        }
+    }
+    LoadSystemIdentifiers();
+    if (flags.Has(RF_SYSTEM_IDS)) {
+        LoadSystemIdentifiersFromString(reservedWords);
+    }
+    if (flags.Has(RF_BINARY)) {
+        location = binaryStart;
+    }
+    std::fflush(output);  // what a break event prints goes past the buffer, and belongs behind this
+
+    const std::int32_t status = AssembleIncludeFile(sourceName);
+    if (status == MSG_CANNOT_OPEN) {
+        errors.Report(status, sourceName, 0, 0);
+    } else if (status != 0) {
+        errors.Report(status, noText, 0, 0);
+    }
+    identifiers.ReportUnresolved();
+    if (flags.Has(RF_ABORT)) {
+        errors.Report(MSG_ABORTED, noText, 0, 0);
+    }
+    WriteDebugFile();
+}
+
+}  // namespace korv

@@ -1,0 +1,46 @@
+/// Reduces the nodes of one expression to its value.
+#pragma once
+
+#include <cstdint>
+
+namespace korv {
+
+inline constexpr std::int32_t NODE_VALUE = 0x23;
+inline constexpr std::int32_t NODE_OPERATOR = 0x21;
+
+/// Operator codes: the operator's character, or a letter for the words and the forms of two
+/// characters.
+inline constexpr std::int32_t OP_OPEN = '(';
+inline constexpr std::int32_t OP_CLOSE = ')';
+inline constexpr std::int32_t OP_EXP = 'E';
+inline constexpr std::int32_t OP_MULTIPLY = '*';
+inline constexpr std::int32_t OP_DIVIDE = '/';
+inline constexpr std::int32_t OP_MODULO = 'M';
+inline constexpr std::int32_t OP_PLUS = '+';
+inline constexpr std::int32_t OP_MINUS = '-';
+inline constexpr std::int32_t OP_SHIFT_LEFT = 'L';
+inline constexpr std::int32_t OP_SHIFT_RIGHT = 'R';
+inline constexpr std::int32_t OP_AND = '&';
+inline constexpr std::int32_t OP_XOR = '^';
+inline constexpr std::int32_t OP_OR = '|';
+inline constexpr std::int32_t OP_NOT = '!';
+inline constexpr std::int32_t OP_LESS = '<';
+inline constexpr std::int32_t OP_GREATER = '>';
+inline constexpr std::int32_t OP_EQUAL = '=';
+inline constexpr std::int32_t OP_LESS_EQUAL = 'S';
+inline constexpr std::int32_t OP_GREATER_EQUAL = 'G';
+
+struct ExprNode {
+    std::int32_t value;     ///< the number, or the code of the operator
+    std::int32_t type;      ///< NODE_VALUE or NODE_OPERATOR
+    std::int32_t priority;  ///< of an operator, higher binds tighter; 0 for a value from the text
+    std::int32_t prev;      ///< index of the left neighbour, -1 for none
+    std::int32_t next;      ///< index of the right neighbour, -1 for none
+};
+
+/// Works in place on the first `count` of the `capacity` elements at `nodes`, which stand in source
+/// order with `value`, `type` and `priority` set. Result: 0 with the value in `nodes[0].value`,
+/// or 20. Numbers are signed 32-bit and wrap.
+[[nodiscard]] std::int32_t ReduceNodes(ExprNode* nodes, std::int32_t capacity, std::int32_t count);
+
+}  // namespace korv

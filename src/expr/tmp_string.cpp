@@ -1,0 +1,95 @@
+#include "expr/tmp_string.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <new>
+
+#include "platform/platform.h"
+
+namespace korv {
+namespace {
+constexpr std::size_t blockSize = 16384;
+}
+
+CtmpStringBlock* CtmpStringManager::head = nullptr;
+CtmpStringBlock* CtmpStringManager::current = nullptr;
+std::int32_t CtmpStringManager::blockCount = 0;
+
+void CtmpStringManager::MakeBlock(std::size_t size) {
+    auto* const block = new (std::nothrow) CtmpStringBlock;
+    char* const data = block == nullptr ? nullptr : static_cast<char*>(platform::Allocate(size));
+    if (data == nullptr) {
+        delete block;
+        std::printf("Could not allocate memory for CtmpStringBlock!\n");
+        std::exit(-1);
+    }
+    block->data = data;
+    block->size = static_cast<std::int64_t>(size);
+    block->next = head;
+    if (head != nullptr) {
+        head->previous = block;
+    }
+    head = current = block;
+    ++blockCount;
+}
+
+void CtmpStringManager::FreeBlock(CtmpStringBlock* block) {
+    if (block->next != nullptr) {
+        block->next->previous = block->previous;
+    }
+    (block->previous == nullptr ? head : block->previous->next) = block->next;
+    if (current == block) {
+        current = head;
+    }
+    --blockCount;
+    platform::Free(block->data);
+    delete block;
+}
+
+void CtmpStringManager::Alloc(std::size_t count, CtmpString* handle) {
+    const auto wanted = static_cast<std::int64_t>(count);
+    if (head == nullptr) {
+        MakeBlock(blockSize);
+    }
+    if (current->used + wanted > current->size) {
+        current->isFull = 1;
+        MakeBlock(std::max(blockSize, count));
+        // A string longer than a block has one of its own, which nothing else can enter.
+        current->isFull = count > blockSize ? 1 : 0;
+    }
+    handle->text = current->data + current->used;
+    handle->length = count - 1;
+    handle->block = current;
+    current->used += wanted;
+    ++current->refCount;
+}
+
+void CtmpStringManager::ReleaseAll() {
+    while (head != nullptr) {
+        FreeBlock(head);
+    }
+}
+
+std::int32_t CtmpStringManager::DumpStatus(std::FILE* stream) {
+    if (stream == nullptr) {
+        return -1;
+    }
+    std::fprintf(stream, "   Block Count: %5d.\n", blockCount);
+    for (const CtmpStringBlock* block = head; block != nullptr; block = block->next) {
+        std::fprintf(stream, "     Size: %5lld, Reference count: %5d, IsFull: %d.\n",
+                     static_cast<long long>(block->size), block->refCount, block->isFull);
+    }
+    return 0;
+}
+
+void CtmpString::Assign(std::string_view source) {
+    if (source.data() == nullptr) {
+        return;
+    }
+    CtmpStringManager::Alloc(source.size() + 1, this);
+    std::memcpy(text, source.data(), source.size());
+    text[source.size()] = '\0';
+}
+
+}  // namespace korv

@@ -1,0 +1,93 @@
+/// Text that outlives its statement: handles on strings in blocks of 16384 bytes that are filled
+/// from front to back. A string costs no allocation of its own and never moves. A block counts its
+/// live references, and goes when it is full and the last of them is released. All handles of the
+/// process share one pool.
+#pragma once
+
+#include <cstdint>
+#include <cstdio>
+#include <string_view>
+
+namespace korv {
+
+class CtmpString;
+
+struct CtmpStringBlock {
+    std::int32_t refCount = 0;  ///< handles with a reference on this block
+    char* data = nullptr;       ///< owned
+    std::int64_t used = 0;      ///< bytes handed out; only grows
+    std::int64_t size = 0;  ///< bytes of `data`: 16384, more for a string that is longer than that
+    CtmpStringBlock* next = nullptr;      ///< the next older block
+    CtmpStringBlock* previous = nullptr;  ///< the next newer block
+    std::int32_t isFull = 0;              ///< 1 once a request did not fit
+};
+
+/// The pool. Process-wide: patches of one run and operands of the next statement share it. One
+/// thread uses it.
+class CtmpStringManager {
+  public:
+    /// Takes `count` bytes from the pool for `handle`, which holds no reference. Ends the process
+    /// when there is no memory for a block.
+    static void Alloc(std::size_t count, CtmpString* handle);
+
+    /// Frees every block, whatever its count. No handle may be released behind this: all holders
+    /// are gone before.
+    static void ReleaseAll();
+
+    /// Writes the number of blocks and a line for each, the newest first. Result: 0, or -1 for a
+    /// null stream.
+    static std::int32_t DumpStatus(std::FILE* stream);
+
+  private:
+    friend class CtmpString;
+    static void MakeBlock(std::size_t size);
+    static void FreeBlock(CtmpStringBlock* block);
+
+    static CtmpStringBlock* head;     // the newest block
+    static CtmpStringBlock* current;  // the block that takes new strings
+    static std::int32_t blockCount;
+};
+
+class CtmpString {
+  public:
+    CtmpString() = default;
+    /// Copies `source` into the pool; without data the handle is empty.
+    explicit CtmpString(std::string_view source) { Assign(source); }
+    /// Shares the text of `other`: a further reference on its block.
+    CtmpString(const CtmpString& other)
+        : text(other.text), length(other.length), block(other.block) {
+        if (block != nullptr) {
+            ++block->refCount;
+        }
+    }
+    CtmpString& operator=(const CtmpString&) = delete;
+    ~CtmpString() { Release(); }
+
+    /// Copies `source` into the pool. For a handle that holds no reference.
+    void Assign(std::string_view source);
+
+    /// Drops the reference; the handle is empty then.
+    void Release() {
+        if (block != nullptr) {
+            if (--block->refCount == 0 && block->isFull != 0) {
+                CtmpStringManager::FreeBlock(block);
+            }
+            block = nullptr;
+            text = nullptr;
+            length = 0;
+        }
+    }
+
+    /// The terminated text, valid as long as the handle holds its reference; null for an empty
+    /// handle.
+    [[nodiscard]] const char* c_str() const { return text; }
+    [[nodiscard]] std::string_view View() const { return {text, length}; }
+
+  private:
+    friend class CtmpStringManager;
+    char* text = nullptr;
+    std::size_t length = 0;
+    CtmpStringBlock* block = nullptr;
+};
+
+}  // namespace korv

@@ -1,0 +1,95 @@
+// One road for all memory, so that the failure hook hears of every allocation that fails, those of
+// `new` included. Nothing here throws: where `new` has no memory, the hook has printed what there
+// is to say, and the process ends.
+
+#include <cstdlib>
+#include <new>
+
+#include "platform/platform.h"
+
+namespace korv::platform {
+namespace {
+
+// Process-wide, as the allocator itself is.
+AllocationFailureHook failureHook = nullptr;
+std::int64_t failCountdown = 0;  // for tests: 1 means that the next allocation fails
+bool failAllBehind = false;
+
+bool FailsOnPurpose() {
+    if (failCountdown == 0 || --failCountdown != 0) {
+        return false;
+    }
+    failCountdown = failAllBehind ? 1 : 0;
+    return true;
+}
+
+// Calls the hook once for a failure; an allocation that fails inside the hook is not reported
+// again.
+void ReportFailure(std::size_t size) {
+    const AllocationFailureHook hook = failureHook;
+    failureHook = nullptr;
+    if (hook != nullptr) {
+        hook(size);
+    }
+    failureHook = hook;
+}
+
+}  // namespace
+
+AllocationFailureHook SetAllocationFailureHook(AllocationFailureHook hook) {
+    const AllocationFailureHook previous = failureHook;
+    failureHook = hook;
+    return previous;
+}
+
+void* Reallocate(void* memory, std::size_t size) {
+    void* const result = FailsOnPurpose() ? nullptr : std::realloc(memory, size == 0 ? 1 : size);
+    if (result == nullptr) {
+        ReportFailure(size);
+    }
+    return result;
+}
+
+void* Allocate(std::size_t size) {
+    return Reallocate(nullptr, size);
+}
+
+void Free(void* memory) {
+    std::free(memory);
+}
+
+void FailAllocation(std::int64_t n, bool andAllBehind) {
+    failCountdown = n;
+    failAllBehind = andAllBehind;
+}
+
+}  // namespace korv::platform
+
+void* operator new(std::size_t size) {
+    void* const memory = korv::platform::Allocate(size);
+    if (memory == nullptr) {
+        std::exit(-1);
+    }
+    return memory;
+}
+void* operator new[](std::size_t size) {
+    return operator new(size);
+}
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+    return korv::platform::Allocate(size);
+}
+void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
+    return korv::platform::Allocate(size);
+}
+void operator delete(void* memory) noexcept {
+    std::free(memory);
+}
+void operator delete[](void* memory) noexcept {
+    std::free(memory);
+}
+void operator delete(void* memory, std::size_t) noexcept {
+    std::free(memory);
+}
+void operator delete[](void* memory, std::size_t) noexcept {
+    std::free(memory);
+}

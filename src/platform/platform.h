@@ -1,0 +1,143 @@
+/// All that Korv needs of the operating system. No other folder includes a system header or tests
+/// for a system; a port writes a second implementation of this header.
+///
+/// File names: both `/` and `\` separate components. Texts keep what was typed; the separator is
+/// translated for the call to the system only. Names to be read are found without regard to ASCII
+/// case, names to be written are taken exactly as spelled, so that a run never overwrites a file
+/// whose name differs in case.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <string>
+#include <string_view>
+
+namespace korv::platform {
+
+// ----------------------------------------------------------------------------------------------------
+// memory
+
+/// Called with the size in bytes of every allocation that fails, those of `new` included. Its
+/// result is not used: nothing is tried again.
+using AllocationFailureHook = int (*)(std::size_t size);
+
+/// Installs `hook` (null: none). Result: the previous one.
+AllocationFailureHook SetAllocationFailureHook(AllocationFailureHook hook);
+
+/// Memory from the general allocator; null after the hook has had its turn. A size of 0 is taken
+/// as 1.
+[[nodiscard]] void* Allocate(std::size_t size);
+
+/// Like `Allocate`, keeping the contents. On failure the result is null and `memory` stays valid.
+[[nodiscard]] void* Reallocate(void* memory, std::size_t size);
+
+void Free(void* memory);
+
+/// For tests: lets the n-th allocation from here on fail, and every later one too if
+/// `andAllBehind`. 0 ends it.
+void FailAllocation(std::int64_t n, bool andAllBehind);
+
+// ----------------------------------------------------------------------------------------------------
+// paths
+
+/// The pieces of a file name as views of the given text; joined they give it again. There are no
+/// drives here.
+struct PathParts {
+    std::string_view directory;  ///< up to and with the last separator; empty for none
+    std::string_view baseName;   ///< without the last "." and what follows
+    std::string_view extension;  ///< with its "."; empty for none
+};
+
+[[nodiscard]] PathParts SplitPath(std::string_view path);
+
+/// Whether `word` of the command line, which begins with "/", is an absolute file name and no
+/// switch: the part up to its last "/" is longer than that one "/" and is an existing directory.
+[[nodiscard]] bool IsAbsoluteFileName(const char* word);
+
+/// Forms the full path of a file to be read: the current directory joined with `name`, "." and ".."
+/// removed as text; spelled as on disk where the file is found, else as written. False: the current
+/// directory cannot be had, or the path is longer than the system allows.
+[[nodiscard]] bool FullPath(std::string_view name, std::string* path);
+
+/// Makes `directory` the current one, found without regard to case. False: there is none, or it
+/// cannot be entered.
+[[nodiscard]] bool ChangeDirectory(std::string_view directory);
+
+/// Remembers the current directory, also one without a name, and can go back to it.
+class SavedDirectory {
+  public:
+    SavedDirectory();
+    ~SavedDirectory();
+    SavedDirectory(const SavedDirectory&) = delete;
+    SavedDirectory& operator=(const SavedDirectory&) = delete;
+    void Restore() const;
+
+  private:
+    int handle;  // -1: it could not be had, Restore does nothing
+};
+
+// ----------------------------------------------------------------------------------------------------
+// files
+
+/// A file read as a stream of bytes. A directory does not open.
+class InputFile {
+  public:
+    InputFile() = default;
+    ~InputFile();
+    InputFile(const InputFile&) = delete;
+    InputFile& operator=(const InputFile&) = delete;
+
+    /// Opens `name`, taken exactly as spelled. Called once.
+    bool Open(std::string_view name);
+    [[nodiscard]] bool IsOpen() const { return handle >= 0; }
+    /// Whether the file has a size; a pipe or a device has none.
+    [[nodiscard]] bool HasSize() const { return hasSize; }
+    /// Size in bytes when opened, 0 without one.
+    [[nodiscard]] std::uint64_t Size() const { return size; }
+    /// Reads up to `count` bytes. Result: their number, 0 at the end of the file or on a read
+    /// error.
+    std::size_t Read(void* buffer, std::size_t count);
+    /// Whether a read has failed; the end of the file is no failure.
+    [[nodiscard]] bool Failed() const { return failed; }
+
+  private:
+    int handle = -1;
+    bool hasSize = false;
+    bool failed = false;
+    std::uint64_t size = 0;
+};
+
+enum class FileMode { text, binary };
+
+/// Opens `name` for writing, empties it. Null: it cannot be opened. The caller closes it.
+[[nodiscard]] std::FILE* OpenForWriting(std::string_view name, FileMode mode);
+
+// ----------------------------------------------------------------------------------------------------
+// console
+
+/// Sets the title of the console's window, if standard output is a console.
+void SetConsoleTitle(const char* title);
+
+/// Events of the console: break keys and requests to end.
+inline constexpr int EVENT_CTRL_C = 0;
+inline constexpr int EVENT_CTRL_BREAK = 1;
+inline constexpr int EVENT_CLOSE = 2;
+inline constexpr int EVENT_LOGOFF = 5;
+inline constexpr int EVENT_SHUTDOWN = 6;
+
+/// Called with an event at any moment, between any two instructions of the program: it may use
+/// nothing but lock-free atomics and `WriteFromHandler`. Result: 1 when the event was handled.
+using ConsoleHandler = int (*)(int event);
+
+/// Installs `handler`; null puts back what there was before the first one.
+void SetConsoleHandler(ConsoleHandler handler);
+
+/// Writes to standard output from within a `ConsoleHandler`, past all buffers.
+void WriteFromHandler(std::string_view text);
+
+/// Waits for one key and takes it: on a console without the return key, elsewhere one byte or the
+/// end of the input.
+void WaitForKey();
+
+}  // namespace korv::platform

@@ -1,0 +1,53 @@
+/// The classes of characters, the one answer of reader, statement loop, operand code and scanner to
+/// "what is this character". No locale is asked. Bytes from 0x80 up have no class.
+#pragma once
+
+#include <array>
+#include <cstdint>
+
+namespace korv {
+
+inline constexpr std::uint8_t CC_LETTER = 0x01;  ///< A to Z, a to z
+inline constexpr std::uint8_t CC_DIGIT = 0x02;   ///< 0 to 9
+inline constexpr std::uint8_t CC_HEX = 0x04;     ///< 0 to 9, A to F, a to i, "?", "@", "_"
+inline constexpr std::uint8_t CC_BLANK = 0x08;   ///< tab, vertical tab, space
+inline constexpr std::uint8_t CC_LOWER = 0x10;   ///< a to z
+
+/// What a name goes on with, and a label is made of.
+inline constexpr std::uint8_t CC_NAME = CC_LETTER | CC_DIGIT | CC_HEX;
+/// What a name begins with: letters, digits, "?", "@" and "_".
+inline constexpr std::uint8_t CC_NAME_START = CC_LETTER | CC_HEX;
+
+/// Bits CC_*, indexed by the character as an unsigned byte.
+inline constexpr auto charClass = [] {
+    std::array<std::uint8_t, 256> table{};
+    for (unsigned c = 0; c < 26; ++c) {
+        table['A' + c] |= CC_LETTER;
+        table['a' + c] |= CC_LETTER | CC_LOWER;
+    }
+    for (unsigned c = '0'; c <= '9'; ++c) {
+        table[c] |= CC_DIGIT | CC_HEX;
+    }
+    for (unsigned c = 'A'; c <= 'F'; ++c) {
+        table[c] |= CC_HEX;
+    }
+    for (unsigned c = 'a'; c <= 'i'; ++c) {  // up to i, unlike A to F: sources in use rely on it
+        table[c] |= CC_HEX;
+    }
+    for (const char c : {'?', '@', '_'}) {
+        table[static_cast<std::uint8_t>(c)] |= CC_HEX;
+    }
+    for (const char c : {'\t', '\v', ' '}) {
+        table[static_cast<std::uint8_t>(c)] |= CC_BLANK;
+    }
+    return table;
+}();
+
+[[nodiscard]] constexpr bool HasClass(char c, std::uint8_t mask) noexcept {
+    return (charClass[static_cast<unsigned char>(c)] & mask) != 0;
+}
+
+static_assert(HasClass('7', CC_DIGIT) && HasClass('i', CC_HEX) && !HasClass('G', CC_HEX));
+static_assert(!HasClass('\n', CC_BLANK) && !HasClass('\xE4', 0xFF));
+
+}  // namespace korv

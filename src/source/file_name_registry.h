@@ -1,0 +1,31 @@
+/// The files of a run, numbered in the order of opening, so that messages, identifiers and patches
+/// can name a file by a number. A file opened twice has two numbers.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+
+namespace korv {
+
+class CFileNameRegistry {
+  public:
+    CFileNameRegistry() = default;
+    ~CFileNameRegistry();
+    CFileNameRegistry(const CFileNameRegistry&) = delete;
+    CFileNameRegistry& operator=(const CFileNameRegistry&) = delete;
+
+    /// Takes over `name`. Result: its number, from 1. When the table cannot grow, that is said on
+    /// standard output, the name is released and the number is 0.
+    std::int32_t AddName(std::unique_ptr<char[]> name);
+
+    /// The text for a message, valid as long as the registry: the name, or a phrase for 0 (no file)
+    /// and for a number that was never given out.
+    [[nodiscard]] const char* NameOf(std::int32_t number) const;
+
+  private:
+    std::int32_t capacity = 0;                 // slots in `names`; grows by 10
+    std::unique_ptr<char[]>* names = nullptr;  // owned; slot n - 1 holds the name with the number n
+    std::int32_t count = 0;
+};
+
+}  // namespace korv

@@ -1,0 +1,100 @@
+// Entering and leaving source files. The main file and an include file are entered the same way:
+// the current directory follows the file being read, so a name in an INCLUDE is relative to the
+// file that holds it.
+
+#include <cstring>
+#include <memory>
+#include <new>
+
+#include "codegen/handlers.h"
+#include "driver/assembler.h"
+#include "platform/platform.h"
+#include "source/source_file.h"
+
+namespace korv {
+namespace {
+
+std::unique_ptr<char[]> CopyOf(const std::string& text) {
+    std::unique_ptr<char[]> copy(new (std::nothrow) char[text.size() + 1]);
+    if (copy != nullptr) {
+        std::memcpy(copy.get(), text.c_str(), text.size() + 1);
+    }
+    return copy;
+}
+
+void TraceFile(const CAssembler& assembler, const char* format, std::string_view name) {
+    if (assembler.flags.Has(RF_DEBUG_SYMBOLS) && assembler.debugStream != nullptr) {
+        std::fprintf(assembler.debugStream, format, static_cast<int>(name.size()), name.data());
+    }
+}
+
+}  // namespace
+
+std::int32_t CAssembler::AssembleIncludeFile(std::string_view name) {
+    ++fileDepth;
+    maxFileDepth = std::max(maxFileDepth, fileDepth);
+    const platform::SavedDirectory savedDirectory;
+    const char* const savedFileName = currentFileName;
+    std::int32_t status = MSG_CANNOT_OPEN;
+    std::string path;
+    if (!platform::FullPath(name, &path)) {
+        errors.Report(MSG_CANNOT_GET_DIRECTORY, noText, 0, 0);
+    } else {
+        if (!platform::ChangeDirectory(platform::SplitPath(path).directory)) {
+            errors.Report(MSG_CANNOT_CHANGE_DIRECTORY, path, 0, 0);
+        }
+        std::int32_t fileNumber = 0;
+        if (std::unique_ptr<char[]> copy = CopyOf(path); copy != nullptr) {
+            fileNumber = fileNames.AddName(std::move(copy));
+        }
+        currentFileName = fileNames.NameOf(fileNumber);
+        status = OpenAndRun(path, fileNumber);
+    }
+    --fileDepth;
+    savedDirectory.Restore();
+    currentFileName = savedFileName;
+    return status;
+}
+
+// Result: 0, or why the file could not be opened or not be read.
+std::int32_t CAssembler::OpenAndRun(const std::string& path, std::int32_t fileNumber) {
+    CSourceFile file(path, fileBufferSize);
+    if (file.IsOpen() == 0) {
+        return file.OpenStatus();
+    }
+    bytesTotal += file.FileSize();
+    const std::unique_ptr<char[]> line(
+        new (std::nothrow) char[static_cast<std::size_t>(lineBufferSize) + 1]);
+    if (line == nullptr) {
+        return MSG_OUT_OF_MEMORY;
+    }
+    CStatement statement(this, line.get(), fileNumber);
+    const FileOutcome outcome = RunStatements(&file, &statement);
+    bytesRead += outcome.bytesOfLine;
+    if (flags.Has(RF_PROGRESS)) {
+        Progress();
+    }
+    totalLines += outcome.lineCounter;
+    return 0;
+}
+
+std::int32_t HandleInclude(CAssembler* assembler, CStatement* statement) {
+    if (const std::int32_t result = BeginStatement(assembler, statement, oneOperand); result != 0) {
+        return result;
+    }
+    // The text as written: what it would be as an expression does not matter, and quotes are part
+    // of the name.
+    const std::string_view name = statement->args.Arg(1)->Text();
+    TraceFile(*assembler, "INCLUDING '%.*s'.\n", name);
+    if (assembler->fileDepth == maxFileDepthAllowed) {
+        assembler->ReportError(statement, MSG_FILES_TOO_DEEP, noText);
+        return 0;
+    }
+    const std::int32_t status = assembler->AssembleIncludeFile(name);
+    TraceFile(*assembler, "Closing '%.*s'.\n", name);
+    // The lines of the file have their own records; this one would show their bytes again.
+    assembler->flags.Set(RF_NO_DEBUG_RECORD);
+    return status;
+}
+
+}  // namespace korv

@@ -1,0 +1,49 @@
+/// One source file as logical lines: read in large blocks, cleaned in the same pass that cuts the
+/// lines.
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+#include "platform/platform.h"
+
+namespace korv {
+
+class CSourceFile {
+  public:
+    /// Opens the file `name`, exactly as spelled, with a read buffer of at most `maxBufferSize`
+    /// bytes. A file without a size, such as a pipe, gets a buffer of just that size.
+    CSourceFile(std::string_view name, std::uint32_t maxBufferSize);
+    ~CSourceFile();
+    CSourceFile(const CSourceFile&) = delete;
+    CSourceFile& operator=(const CSourceFile&) = delete;
+
+    /// Fills `line`, which has room for `maxLength` + 1 characters, with the next logical line as
+    /// terminated text: letters outside double quotes in upper case; comment, carriage returns and
+    /// trailing blanks gone; physical lines that end in a backslash joined. A line of only blanks
+    /// keeps them. Result: 0, -1 at the end of the file, 41 when the line takes more than
+    /// `maxLength` bytes of the file. `bytesOut` receives the bytes taken from the file and
+    /// `linesOut` the line feeds among them, unless it is 41.
+    [[nodiscard]] std::int32_t ReadLine(char* line, std::uint32_t maxLength,
+                                        std::uint32_t* bytesOut, std::uint32_t* linesOut);
+
+    /// Size of the file in bytes when it was opened; 0 when it is not open or has no size.
+    [[nodiscard]] std::uint32_t FileSize() const { return fileSize; }
+    /// 1 when both the file and its buffer are there, else 0.
+    [[nodiscard]] std::int32_t IsOpen() const { return OpenStatus() == 0 ? 1 : 0; }
+    /// 10: the file cannot be opened; 52: no memory for its buffer; else 0.
+    [[nodiscard]] std::int32_t OpenStatus() const;
+
+  private:
+    // Reads the next block. False at the end of the file.
+    bool Fill();
+
+    platform::InputFile stream;
+    std::uint8_t* buffer = nullptr;  // owned
+    std::uint32_t bufferSize = 0;    // bytes; 0 if there is no buffer
+    const std::uint8_t* readPosition = nullptr;
+    const std::uint8_t* endOfData = nullptr;
+    std::uint32_t fileSize = 0;
+};
+
+}  // namespace korv

@@ -1,0 +1,102 @@
+/// The note of a value that waits: where it goes in the target, the text that will give it, how to
+/// check and write it.
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+#include "expr/tmp_string.h"
+
+namespace korv {
+
+struct CIdentifier;
+class CPatchInfoMemBlock;
+
+/// Bits of `CPatchInfo::flags`.
+inline constexpr std::uint32_t PF_EQU =
+    0x002;  ///< the value defines an identifier; nothing is written
+inline constexpr std::uint32_t PF_8BIT = 0x008;   ///< one byte at `position`
+inline constexpr std::uint32_t PF_16BIT = 0x010;  ///< a word at `position`, low byte first
+inline constexpr std::uint32_t PF_RELATIVE =
+    0x100;  ///< the byte is the distance from the statement's address + 2
+inline constexpr std::uint32_t PF_SIGNED = 0x400;  ///< the range check is signed
+
+/// `position` of a patch that writes nothing.
+inline constexpr std::uint32_t noPosition = 0xFFFFFFFF;
+
+/// The statement that holds a reference; a late message points there and not at the definition.
+struct PatchOrigin {
+    std::int32_t address;  ///< location counter at its start
+    std::int32_t file;
+    std::int32_t line;
+};
+
+/// Lives in a slot of a `CPatchInfoMemBlock`: made by `AllocPatchInfo`, given back by
+/// `FreePatchInfo`, which releases its strings. In between it hangs on the chain of exactly one
+/// identifier, which owns it.
+class CPatchInfo {
+  public:
+    /// A patch that takes over the references of the given handles. `name` is empty unless `flags`
+    /// has PF_EQU.
+    CPatchInfo(CPatchInfoMemBlock* owner, std::uint32_t slot, std::uint32_t position,
+               CtmpString expression, std::uint32_t flags, PatchOrigin origin, CtmpString name)
+        : owner(owner),
+          slot(slot),
+          position(position),
+          expression(expression),
+          name(name),
+          flags(flags),
+          origin(origin) {}
+    CPatchInfo(const CPatchInfo&) = delete;
+    CPatchInfo& operator=(const CPatchInfo&) = delete;
+
+    CPatchInfoMemBlock* const owner;    ///< the block in which the record lives
+    const std::uint32_t slot;           ///< its index there
+    CPatchInfo* next = nullptr;         ///< next patch of the identifier's chain
+    CIdentifier* identifier = nullptr;  ///< the one on whose chain it hangs; not owned
+    CPatchInfo* parent =
+        nullptr;  ///< while an EQU is worked: the patch that gave the EQU its value
+    const std::uint32_t position;  ///< offset in the target of what is overwritten
+    const CtmpString expression;   ///< the text to evaluate again
+    const CtmpString name;         ///< PF_EQU: the identifier that the value defines; else empty
+    const std::uint32_t flags;     ///< PF_* bits
+    const PatchOrigin origin;
+};
+
+/// Records for 256 patches, of which at most 255 are in use at a time. Slots are given out from a
+/// ring, and those that come back are used again in that order. The blocks belong to the process
+/// and live until it ends.
+class CPatchInfoMemBlock {
+  public:
+    static constexpr std::uint32_t slotCount = 256;
+
+    /// Makes a patch. Ends the process when there is no memory for a further block.
+    static CPatchInfo* AllocPatchInfo(std::uint32_t position, const CtmpString& expression,
+                                      std::uint32_t flags, PatchOrigin origin,
+                                      const CtmpString& name);
+
+    /// Releases the strings of `patch` and gives its slot back.
+    static void FreePatchInfo(CPatchInfo* patch);
+
+    /// Blocks that exist. For tests.
+    static std::int32_t BlockCount();
+
+  private:
+    CPatchInfoMemBlock() = default;
+    [[nodiscard]] bool HasRoom() const { return head != tail; }
+    static void MakeBlock();
+    static void ReleaseBlocks();
+
+    std::uint32_t head = 0;  // ring index of the next free slot; the ring is empty at `tail`
+    std::uint32_t tail = slotCount - 1;       // ring index of the slot given back last
+    std::uint32_t ring[slotCount];            // free slots
+    CPatchInfo* records = nullptr;            // owned, raw memory for `slotCount` records
+    CPatchInfoMemBlock* nextBlock = nullptr;  // all blocks
+    CPatchInfoMemBlock* nextWithRoom =
+        nullptr;  // blocks with a free slot, the one to take from first
+
+    static CPatchInfoMemBlock* blocks;
+    static CPatchInfoMemBlock* blocksWithRoom;
+};
+
+}  // namespace korv

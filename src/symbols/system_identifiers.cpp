@@ -1,0 +1,52 @@
+// What a source may not define: the version identifiers, which expressions can read, and the
+// reserved words, which have no value. They do nothing but keep those names from being labels;
+// mnemonics are found by the recogniser.
+
+#include "symbols/system_identifiers.h"
+
+#include <array>
+
+#include "driver/assembler.h"
+
+namespace korv {
+namespace {
+
+struct VersionIdentifier {
+    std::string_view name;
+    std::int32_t value;
+};
+
+// The version 2.00.025.
+constexpr std::array versionIdentifiers = {
+    VersionIdentifier{"KORV_VER", 2},
+    VersionIdentifier{"KORV", 2},
+    VersionIdentifier{"KORV_LOW", 0},
+    VersionIdentifier{"KORV_BUILD", 25},
+};
+
+}  // namespace
+
+void CAssembler::LoadSystemIdentifiers() {
+    std::int32_t result = 0;
+    for (const VersionIdentifier& row : versionIdentifiers) {
+        result |= identifiers.AddID({row.name, 0, 0, row.value, IDS_SYSTEM});
+    }
+    if (result != 0) {
+        errors.Report(MSG_SYSTEM_ERROR, "LoadSystemIdentifiers (version info) failed!", 0, 0);
+    }
+}
+
+std::int32_t CAssembler::LoadSystemIdentifiersFromString(std::string_view list) {
+    std::int32_t count = 0;
+    while (!list.empty()) {
+        const std::size_t end = std::min(list.find('\t'), list.size());
+        if (identifiers.AddID({list.substr(0, end), 0, 0, 0, IDS_RESERVED_WORD}) != 0) {
+            errors.Report(MSG_SYSTEM_ERROR, "LoadSystemIdentifiersFromString->AddID failed!", 0, 0);
+        }
+        ++count;
+        list.remove_prefix(std::min(end + 1, list.size()));
+    }
+    return count;
+}
+
+}  // namespace korv

@@ -1,0 +1,107 @@
+// Every example assembles without a message and does on a Z80 what it says. Typed text is not
+// echoed.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <string>
+
+#include "emulator.h"
+#include "run.h"
+
+namespace korv_test {
+
+namespace {
+
+/// What sieve.kor prints, found by trial division.
+std::string Primes() {
+    std::string text;
+    int count = 0;
+    for (int n = 2; n < 1000; ++n) {
+        bool isPrime = true;
+        for (int divisor = 2; divisor * divisor <= n; ++divisor) {
+            isPrime = isPrime && n % divisor != 0;
+        }
+        if (isPrime) {
+            text += (count++ % 10 == 0 ? "\n" : " ") + std::to_string(n);
+        }
+    }
+    return text.substr(1) + "\n" + std::to_string(count) + " primes below 1000\n";
+}
+
+const std::string GUESS = "Your guess? \n";
+const std::string GAME = "I think of a number from 1 to 100.\n" + GUESS;
+const std::string NO_NUMBER = "That is no number.\n" + GUESS;
+
+struct Program {
+    const char* name;
+    const char* input;
+    std::string output;  // with line feeds where the program writes carriage return and line feed
+};
+
+// clang-format off
+const Program PROGRAMS[] = {
+    {"hello", "", "Hello, world!\n"},
+    {"sieve", "", Primes()},
+    {"sort", "pear\nfig\nPlum\n$1, fig\nfigs\nfig\n\n",
+        "\n\n\n\n\n\n\n$1, fig\nPlum\nfig\nfig\nfigs\npear\n"},
+    {"guess", "Ada\n50\n97\n256\n9x\n94\ny89\nYes\n",
+        "Who are you? \n" + GAME + "Too low.\n" + GUESS + "Too high.\n" + GUESS + NO_NUMBER +
+        NO_NUMBER + "Right! You took 3 guesses.\nOnce more (Y/N)? \n" + GAME +
+        "Right! You took 1 guess.\nOnce more (Y/N)? \n" + GAME + NO_NUMBER + "It was 64.\n"},
+    {"dump", "e 8000 4b 6F 72 76 100\nD 8000\nf 8021 1E ff\nd\nE 8000 X\nz\n?\nq\nz\n", ">\n>\n"
+        "8000 4B 6F 72 76 00 00 00 00 00 00 00 00 00 00 00 00 Korv............\n"
+        "8010 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 ................\n>\n>\n"
+        "8020 00 FF FF FF FF FF FF FF FF FF FF FF FF FF FF FF ................\n"
+        "8030 FF FF FF FF FF FF FF FF FF FF FF FF FF FF FF 00 ................\n"
+        ">\nWhat?\n>\nWhat?\n>\n"
+        "D [address]\nE address byte ...\nF address count byte\nQ\n>\n"},
+};
+// clang-format on
+
+/// The target of one example; `format` is the switch for the kind of target.
+std::string Assemble(const std::string& name, const char* format) {
+    const TempDir directory;
+    const RunResult run = RunKorv({ExamplesDirectory() + "/" + name + ".kor", "OUT.IMG", format});
+    EXPECT_EQ(run.console.find(" : error X"), std::string::npos) << run.console;
+    EXPECT_EQ(run.console.find(" : warning X"), std::string::npos) << run.console;
+    return run.target.value_or("");
+}
+
+class ExampleTest : public testing::TestWithParam<Program> {};
+
+TEST_P(ExampleTest, PrintsWhatItShould) {
+    Emulator emulator;
+    EXPECT_TRUE(emulator.RunCom(Assemble(GetParam().name, "/b-"), GetParam().input));
+    std::string expected;
+    for (const char c : GetParam().output) {
+        expected += c == '\n' ? "\r\n" : std::string(1, c);
+    }
+    EXPECT_EQ(emulator.Output(), expected);
+}
+
+INSTANTIATE_TEST_SUITE_P(Examples, ExampleTest, testing::ValuesIn(PROGRAMS),
+                         [](const auto& row) { return row.param.name; });
+
+TEST(LoaderExampleTest, UnpacksItsBlock) {
+    Emulator emulator;
+    ASSERT_TRUE(emulator.RunBin(Assemble("loader", "/b")));
+    const std::string line(29, '=');
+    const std::string block = line + " Korv " + line + std::string(64, ' ') + std::string(64, '=');
+    EXPECT_EQ(emulator.Memory(0xC000, block.size() + 1), block + '\0');
+    EXPECT_EQ(emulator.Byte(0x8000), 0U);
+    EXPECT_EQ(emulator.Word(0x8001), 0x97C3U);  // by Python: binascii.crc_hqx(block, 0xFFFF)
+    EXPECT_EQ(emulator.Word(0x8003), block.size());
+}
+
+TEST(ExamplesTest, HaveACaseEach) {
+    const std::filesystem::directory_iterator files(ExamplesDirectory());
+    EXPECT_EQ(std::count_if(begin(files), end(files),
+                            [](const auto& file) { return file.path().extension() == ".kor"; }),
+              std::ssize(PROGRAMS) + 1);
+}
+
+}  // namespace
+
+}  // namespace korv_test

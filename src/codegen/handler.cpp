@@ -40,13 +40,13 @@ const char* FindOperandEnd(const char* start) {
 }  // namespace
 
 void DefineLineLabel(CAssembler* assembler, CStatement* statement) {
-    if (statement->label == nullptr) {
+    if (!statement->HasLabel()) {
         return;
     }
     statement->flags |= SF_LABEL_DEFINED;
-    const std::int32_t result = assembler->identifiers.AddID(
-        {statement->Label(), statement->lineNumber, statement->fileName,
-         static_cast<std::int32_t>(statement->address), IDS_LABEL});
+    const std::int32_t result =
+        assembler->identifiers.AddID({statement->label, statement->lineNumber, statement->fileName,
+                                      static_cast<std::int32_t>(statement->address), IDS_LABEL});
     if (result != 0) {
         assembler->ReportError(statement, result, noText);
     }

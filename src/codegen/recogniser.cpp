@@ -11,6 +11,7 @@
 #include <algorithm>
 
 #include "codegen/keywords.h"
+#include "source/char_class.h"
 
 namespace korv {
 namespace {
@@ -45,44 +46,44 @@ constexpr std::size_t Pivot(std::size_t first, std::size_t end, std::size_t dept
 }
 
 template <std::size_t first, std::size_t end, std::size_t depth>
-inline InstructionHandler Decide(const char* token);
+inline Recognised Decide(const char* text);
 
-// `c` is the character of the token at `depth`.
+// `c` is the character of the text at `depth`.
 template <std::size_t first, std::size_t end, std::size_t depth>
-inline InstructionHandler DecideOn(char c, const char* token) {
+inline Recognised DecideOn(char c, const char* text) {
     if constexpr (first == end) {
-        return nullptr;
+        return {nullptr, 0};
     } else {
         constexpr std::size_t pivot = Pivot(first, end, depth);
         constexpr std::size_t pivotEnd = EndOfBranch(pivot, end, depth);
         constexpr char pivotCharacter = CharacterAt(pivot, depth);
-        if (c == pivotCharacter) {
-            if constexpr (pivotCharacter == '\0') {
-                return keywords[pivot].handler;
-            } else {
-                return Decide<pivot, pivotEnd, depth + 1>(token);
+        if constexpr (pivotCharacter == '\0') {
+            if (c == '\0' || HasClass(c, CC_BLANK)) {
+                return {keywords[pivot].handler, depth};
             }
+        } else if (c == pivotCharacter) {
+            return Decide<pivot, pivotEnd, depth + 1>(text);
         }
         if constexpr (pivot == first) {
-            return DecideOn<pivotEnd, end, depth>(c, token);
+            return DecideOn<pivotEnd, end, depth>(c, text);
         } else if constexpr (pivotEnd == end) {
-            return DecideOn<first, pivot, depth>(c, token);
+            return DecideOn<first, pivot, depth>(c, text);
         } else {
-            return c < pivotCharacter ? DecideOn<first, pivot, depth>(c, token)
-                                      : DecideOn<pivotEnd, end, depth>(c, token);
+            return c < pivotCharacter ? DecideOn<first, pivot, depth>(c, text)
+                                      : DecideOn<pivotEnd, end, depth>(c, text);
         }
     }
 }
 
 template <std::size_t first, std::size_t end, std::size_t depth>
-inline InstructionHandler Decide(const char* token) {
-    return DecideOn<first, end, depth>(token[depth], token);
+inline Recognised Decide(const char* text) {
+    return DecideOn<first, end, depth>(text[depth], text);
 }
 
 }  // namespace
 
-InstructionHandler RecogniseInstruction(const char* token) {
-    return Decide<0, keywords.size(), 0>(token);
+Recognised RecogniseInstruction(const char* text) {
+    return Decide<0, keywords.size(), 0>(text);
 }
 
 }  // namespace korv

@@ -5,8 +5,14 @@
 
 namespace korv {
 
-/// The handler of the keyword `token`, which is terminated and in upper case, or null. The match is
-/// exact and whole.
-[[nodiscard]] InstructionHandler RecogniseInstruction(const char* token);
+/// The keyword that a text begins with.
+struct Recognised {
+    InstructionHandler handler;  ///< null: none
+    std::uint32_t length;        ///< of the keyword in characters
+};
+
+/// The keyword at the start of `text`, which is in upper case, up to a blank or the terminator. The
+/// match is exact and whole.
+[[nodiscard]] Recognised RecogniseInstruction(const char* text);
 
 }  // namespace korv

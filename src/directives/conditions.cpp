@@ -17,7 +17,7 @@ constexpr std::uint8_t hasElse = 0x08;        // its ELSE has been seen
 constexpr OperandCount noOperands{0, 0};
 
 std::int32_t BeginCondition(CAssembler* assembler, CStatement* statement, OperandCount wanted) {
-    if (statement->label != nullptr) {
+    if (statement->HasLabel()) {
         assembler->ReportError(statement, MSG_LABEL_NOT_ALLOWED, noText);
     }
     SplitOperands(assembler, statement, &statement->args, 1);

@@ -48,7 +48,7 @@ std::int32_t HandleEqu(CAssembler* assembler, CStatement* statement) {
     if (const std::int32_t result = BeginWithoutLabel(assembler, statement); result != 0) {
         return result;
     }
-    if (statement->label == nullptr) {
+    if (!statement->HasLabel()) {
         return MSG_NO_LABEL;
     }
     statement->flags |= SF_LABEL_DEFINED;
@@ -59,10 +59,10 @@ std::int32_t HandleEqu(CAssembler* assembler, CStatement* statement) {
         assembler->identifiers.AddPatch(arg.unresolvedString.View(),
                                         CPatchInfoMemBlock::AllocPatchInfo(
                                             noPosition, arg.textString, PF_EQU | PF_16BIT,
-                                            OriginOf(*statement), CtmpString(statement->Label())));
+                                            OriginOf(*statement), CtmpString(statement->label)));
     }
     const std::int32_t result = assembler->identifiers.AddID(
-        {statement->Label(), statement->lineNumber, statement->fileName, isWaiting ? -1 : arg.value,
+        {statement->label, statement->lineNumber, statement->fileName, isWaiting ? -1 : arg.value,
          isWaiting ? IDS_EQU_WAITING : IDS_EQU});
     if (result != 0) {
         assembler->ReportError(statement, result, noText);

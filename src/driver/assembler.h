@@ -189,7 +189,8 @@ class CAssembler {
     void AssembleSource();
     std::int32_t OpenAndRun(const std::string& path, std::int32_t fileNumber);
 
-    WordBuffer closedToken;  // a token of the scanner whose closing quote was supplied
+    std::array<char, maxWord + 1>
+        closedToken;  // a token of the scanner whose closing quote was supplied
 };
 
 }  // namespace korv

@@ -1,7 +1,6 @@
 /// The record of one statement, which every handler gets.
 #pragma once
 
-#include <array>
 #include <cstdint>
 #include <string_view>
 
@@ -12,30 +11,24 @@ namespace korv {
 /// Longest label, mnemonic or token of an expression, in characters.
 inline constexpr std::size_t maxWord = 256;
 
-/// Room for such a word and its terminator.
-using WordBuffer = std::array<char, maxWord + 1>;
-
 struct CStatement {
     /// `line` is the buffer of the logical lines, not owned; `file` the number of the source file.
     CStatement(CAssembler* assembler, char* line, std::int32_t file)
         : text(line), fileName(file), args(assembler) {}
 
-    std::uint32_t position = 0;  ///< index into `text` of the next character; behind a word it is
-                                 ///< one past its terminator
-    char* text;                  ///< the logical line, terminated; not owned
-    WordBuffer token;            ///< the word read last, terminated
-    std::int32_t tokenLength = 0;
-    char terminator = '\xFF';  ///< what ended the word; 0: the end of the line; 0xFF: no word yet
-    const char* label = nullptr;  ///< label of the line or null; in `labelBuffer`
-    std::uint32_t labelLength = 0;
+    std::uint32_t position = 0;   ///< index into `text` of the next character; behind a word it is
+                                  ///< one past its terminator
+    char* text;                   ///< the logical line, terminated; not owned
+    std::string_view token;       ///< the word read last, in `text`; at most 256 characters
+    char terminator = '\xFF';     ///< what ended it; 0: the end of the line; 0xFF: no word yet
+    std::string_view label;       ///< label of the line, in `text`; without data for none
     std::uint32_t flags = 0;      ///< SF_* bits
     std::int32_t lineNumber = 0;  ///< of its first physical line, from 1
     std::int32_t fileName;        ///< number of the file, from 1
     std::uint32_t address = 0;    ///< the location counter at its start
     KO_Args args;                 ///< its operands
-    WordBuffer labelBuffer;
 
-    [[nodiscard]] std::string_view Label() const { return {label, labelLength}; }
+    [[nodiscard]] bool HasLabel() const { return label.data() != nullptr; }
 };
 
 /// Bits of `CStatement::flags`.

@@ -3,7 +3,7 @@
 // left open is done here: the label, the message for a bad result, the debug record. On its normal
 // path the loop allocates nothing.
 
-#include <cstring>
+#include <algorithm>
 
 #include "codegen/handlers.h"
 #include "codegen/recogniser.h"
@@ -15,43 +15,36 @@
 namespace korv {
 namespace {
 
-// Keeps `word` in `buffer`, terminated, cut to what fits. Result: its length there.
-std::size_t StoreWord(std::string_view word, WordBuffer* buffer) {
-    const std::size_t length = std::min(word.size(), maxWord);
-    std::memcpy(buffer->data(), word.data(), length);
-    (*buffer)[length] = '\0';
-    return length;
+const char* SkipBlanks(const char* text) {
+    while (HasClass(*text, CC_BLANK)) {
+        ++text;
+    }
+    return text;
 }
 
-// Reads a word that `endsAt` ends: moves `position` behind its terminator and keeps the word as the
-// token. Result: the whole word, in the line.
-template <typename Predicate>
-std::string_view ReadWord(CStatement* statement, Predicate endsAt) {
-    const char* start = statement->text + statement->position;
-    while (HasClass(*start, CC_BLANK)) {
-        ++start;
-    }
-    const char* end = start;
-    while (!endsAt(*end)) {
-        ++end;
-    }
-    const std::string_view word(start, static_cast<std::size_t>(end - start));
+// Takes the characters from `start` to `end` as the word read last, cut to what a word may have.
+void TakeWord(CStatement* statement, const char* start, const char* end) {
+    statement->token = {start, std::min(static_cast<std::size_t>(end - start), maxWord)};
     statement->terminator = *end;
     statement->position = static_cast<std::uint32_t>(end + 1 - statement->text);
-    statement->tokenLength = static_cast<std::int32_t>(StoreWord(word, &statement->token));
-    return word;
 }
 
+// The label begins with the line.
 void CutLabel(CAssembler* assembler, CStatement* statement) {
-    const std::string_view word = ReadWord(statement, [](char c) { return !HasClass(c, CC_NAME); });
-    if (statement->terminator != ':') {
+    const char* const start = statement->text;
+    const char* end = start + 1;
+    while (HasClass(*end, CC_NAME)) {
+        ++end;
+    }
+    TakeWord(statement, start, end);
+    statement->label = statement->token;
+    if (*end != ':') {
         assembler->ReportWarning(statement, MSG_LABEL_WITHOUT_COLON, noText);
     }
-    if (word.size() > maxWord) {
+    if (const std::string_view word(start, static_cast<std::size_t>(end - start));
+        word.size() > maxWord) {
         assembler->ReportError(statement, MSG_LABEL_TOO_LONG, word);
     }
-    statement->labelLength = static_cast<std::uint32_t>(StoreWord(word, &statement->labelBuffer));
-    statement->label = statement->labelBuffer.data();
 }
 
 // While a condition skips statements, these alone run.
@@ -61,19 +54,24 @@ bool RunsWhileSkipping(InstructionHandler handler) {
 
 // Cuts the mnemonic and runs its handler. Result: the handler's, 0 if there is nothing to run.
 std::int32_t RunHandler(CAssembler* assembler, CStatement* statement) {
-    ReadWord(statement, [](char c) { return c == '\0' || HasClass(c, CC_BLANK); });
-    if (statement->tokenLength == 0) {
+    const char* const start = SkipBlanks(statement->text + statement->position);
+    const Recognised keyword = RecogniseInstruction(start);
+    if (keyword.handler == nullptr) {
+        const char* end = start;
+        while (*end != '\0' && !HasClass(*end, CC_BLANK)) {
+            ++end;
+        }
+        TakeWord(statement, start, end);
+        if (!statement->token.empty()) {
+            assembler->ReportError(statement, MSG_UNKNOWN_INSTRUCTION, statement->token);
+        }
         return 0;
     }
-    const InstructionHandler handler = RecogniseInstruction(statement->token.data());
-    if (handler == nullptr) {
-        assembler->ReportError(statement, MSG_UNKNOWN_INSTRUCTION, statement->token.data());
+    TakeWord(statement, start, start + keyword.length);
+    if (assembler->assembling == 0 && !RunsWhileSkipping(keyword.handler)) {
         return 0;
     }
-    if (assembler->assembling == 0 && !RunsWhileSkipping(handler)) {
-        return 0;
-    }
-    return handler(assembler, statement);
+    return keyword.handler(assembler, statement);
 }
 
 // One statement, from its cleaned line, which is not empty.
@@ -102,10 +100,9 @@ void Assemble(CAssembler* assembler, CStatement* statement) {
 
 void ResetStatement(CStatement* statement, std::int32_t lineNumber) {
     statement->position = 0;
-    statement->token[0] = '\0';
-    statement->tokenLength = 0;
+    statement->token = {};
     statement->terminator = '\xFF';
-    statement->label = nullptr;
+    statement->label = {};
     statement->flags = 0;
     statement->lineNumber = lineNumber;
     statement->args.Clear();

@@ -207,15 +207,13 @@ PatchOrigin OriginOf(const CStatement& statement) {
 std::int32_t FilePatch(CAssembler* assembler, const CStatement* statement, const lsArg& arg,
                        std::uint32_t position, std::uint32_t kind) {
     return assembler->identifiers.AddPatch(
-        arg.unresolvedString.View(),
-        CPatchInfoMemBlock::AllocPatchInfo(position, arg.textString, kind, OriginOf(*statement),
-                                           CtmpString()));
+        arg.unresolved, CPatchInfoMemBlock::AllocPatchInfo(position, arg.textString, kind,
+                                                           OriginOf(*statement), CtmpString()));
 }
 
 std::int32_t FileExpressionPatch(CAssembler* assembler, const CStatement* statement,
                                  const lsArg& arg, std::uint32_t position, std::uint32_t kind) {
-    return FileCopiedPatch(assembler, statement, arg.expressionString.View(),
-                           arg.unresolvedString.View(), position, kind);
+    return FileCopiedPatch(assembler, statement, arg.expression, arg.unresolved, position, kind);
 }
 
 std::int32_t FileCopiedPatch(CAssembler* assembler, const CStatement* statement,

@@ -56,10 +56,10 @@ std::int32_t HandleEqu(CAssembler* assembler, CStatement* statement) {
     const bool isWaiting = arg.status == MSG_UNRESOLVED;
     if (isWaiting) {
         // The patch goes first: an EQU on its own name thus waits for itself.
-        assembler->identifiers.AddPatch(arg.unresolvedString.View(),
-                                        CPatchInfoMemBlock::AllocPatchInfo(
-                                            noPosition, arg.textString, PF_EQU | PF_16BIT,
-                                            OriginOf(*statement), CtmpString(statement->label)));
+        assembler->identifiers.AddPatch(
+            arg.unresolved,
+            CPatchInfoMemBlock::AllocPatchInfo(noPosition, arg.textString, PF_EQU | PF_16BIT,
+                                               OriginOf(*statement), CtmpString(statement->label)));
     }
     const std::int32_t result = assembler->identifiers.AddID(
         {statement->label, statement->lineNumber, statement->fileName, isWaiting ? -1 : arg.value,

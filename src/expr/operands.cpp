@@ -62,18 +62,15 @@ std::string_view InnerExpression(std::string_view text, std::int32_t* code) {
 }  // namespace
 
 void lsArg::Reset() {
-    condition = -1;
-    text = nullptr;
     textString.Release();
-    length = 0;
+    closedName.Release();
     next = nullptr;
-    status = 0;
+    condition = -1;
     reg = REG_NONE;
+    status = 0;
     flags = 0;
     kind = KIND_NONE;
     value = 0;
-    expressionString.Release();
-    unresolvedString.Release();
 }
 
 std::int32_t KO_Args::Add(std::string_view source, std::int32_t classify) {
@@ -84,8 +81,6 @@ std::int32_t KO_Args::Add(std::string_view source, std::int32_t classify) {
         std::exit(-1);
     }
     arg->textString.Assign(source);
-    arg->text = arg->textString.c_str();
-    arg->length = static_cast<std::int32_t>(source.size());
     // From here on the text is the copy: what it is evaluated from lives as long as the operand.
     const std::string_view text = arg->Text();
     const bool isIndirect = text.front() == '(' && text.back() == ')';
@@ -112,13 +107,17 @@ std::int32_t KO_Args::Add(std::string_view source, std::int32_t classify) {
                     return -1;
                 }
             }
-            std::string_view unresolved = "";
-            arg->status = owner->ScanExpression(expression, &arg->value, &unresolved);
+            arg->status = owner->ScanExpression(expression, &arg->value, &arg->unresolved);
             if (arg->status == 0) {
                 arg->flags |= LA_CONSTANT;
             } else {
-                arg->expressionString.Assign(expression);
-                arg->unresolvedString.Assign(unresolved);
+                arg->expression = expression;
+                if (arg->status == MSG_UNRESOLVED && arg->unresolved.back() == '"' &&
+                    text.back() != '"') {
+                    // Its closing quote was supplied: it does not lie in the text.
+                    arg->closedName.Assign(arg->unresolved);
+                    arg->unresolved = arg->closedName.View();
+                }
             }
             arg->kind = KIND_VALUE;
         }
@@ -144,7 +143,7 @@ lsArg* KO_Args::Arg(std::int32_t n) {
 
 const char* KO_Args::Text(std::int32_t n) {
     const lsArg* const arg = Arg(n);
-    return arg == nullptr ? nullptr : arg->text;
+    return arg == nullptr ? nullptr : arg->textString.c_str();
 }
 
 void KO_Args::Clear() {

@@ -28,19 +28,17 @@ inline constexpr std::int32_t KIND_CONDITION = 4;
 /// reference or a copy.
 class lsArg {
   public:
-    std::int32_t condition = -1;    ///< condition number 0 to 7, or -1
-    const char* text = nullptr;     ///< as written, terminated; lies in `textString`
-    CtmpString textString;          ///< holds `text`; patches take a further reference
-    std::int32_t length = 0;        ///< of `text`
-    lsArg* next = nullptr;          ///< next record of the overflow chain
-    std::int32_t status = 0;        ///< of ScanExpression; 0 if it succeeded or was not called
-    std::int32_t reg = REG_NONE;    ///< REG_* code
-    std::uint32_t flags = 0;        ///< LA_* bits
+    CtmpString textString;        ///< the operand as written; patches take a further reference
+    std::string_view expression;  ///< the part of it given to ScanExpression, if `status` is not 0
+    std::string_view unresolved;  ///< the name in it that has no value yet, if `status` is 12
+    CtmpString closedName;        ///< holds `unresolved` where it is not part of the text
+    lsArg* next = nullptr;        ///< next record of the overflow chain
+    std::int32_t condition = -1;  ///< condition number 0 to 7, or -1
+    std::int32_t reg = REG_NONE;  ///< REG_* code
+    std::int32_t status = 0;      ///< of ScanExpression; 0 if it succeeded or was not called
+    std::uint32_t flags = 0;      ///< LA_* bits
     std::int32_t kind = KIND_NONE;  ///< KIND_*
     std::int32_t value = 0;         ///< of the expression; 0 unless `status` is 0
-    CtmpString expressionString;    ///< the text given to ScanExpression, if `status` is not 0
-    CtmpString
-        unresolvedString;  ///< the name that has no value yet; empty text unless `status` is 12
 
     [[nodiscard]] std::string_view Text() const { return textString.View(); }
     [[nodiscard]] bool IsRegister() const { return kind == KIND_REGISTER; }

@@ -51,7 +51,20 @@ constexpr std::array words = {
     OperatorRow{"EXP", {OP_EXP, 13}},
 };
 
+// First characters of the words, and of the words in dots.
+constexpr auto beginsWord = [] {
+    std::array<bool, 256> table{};
+    for (const OperatorRow& row : words) {
+        table[static_cast<std::uint8_t>(row.spelling[0])] = true;
+    }
+    table['.'] = true;
+    return table;
+}();
+
 Operator FindWord(std::string_view token) {
+    if (token.size() > 5 || !beginsWord[static_cast<std::uint8_t>(token.front())]) {
+        return {};
+    }
     if (token.size() > 2 && token.front() == '.' && token.back() == '.') {
         token = token.substr(1, token.size() - 2);
     }
@@ -100,6 +113,16 @@ class TokenReader {
   public:
     explicit TokenReader(std::string_view text)
         : position(text.data()), end(text.data() + text.size()) {}
+
+    // Whether the whole text is one token of ordinary characters, as most expressions are.
+    [[nodiscard]] static bool IsOneToken(std::string_view text) {
+        for (const char c : text) {
+            if (actions[static_cast<std::uint8_t>(c)] != Action::append) {
+                return false;
+            }
+        }
+        return !text.empty() && text.size() <= maxWord;
+    }
 
     // Reads the next token, which may be empty, and the operator that ended it.
     void Next() {
@@ -278,7 +301,6 @@ class Nodes {
         return ++count < maxNodes;
     }
     [[nodiscard]] bool Store(Operator op) { return Store(NODE_OPERATOR, op.code, op.priority); }
-    [[nodiscard]] bool IsEmpty() const { return count == 0; }
 
     std::int32_t Reduce(std::int32_t* value) {
         const std::int32_t result = ReduceNodes(nodes.data(), maxNodes, count);
@@ -298,6 +320,13 @@ class Nodes {
 std::int32_t CAssembler::ScanExpression(std::string_view text, std::int32_t* value,
                                         std::string_view* unresolved) {
     *value = 0;
+    if (TokenReader::IsOneToken(text) && FindWord(text).code == 0) {
+        const std::int32_t status = ParseValue(text, value);
+        if (status == MSG_UNRESOLVED && unresolved != nullptr) {
+            *unresolved = text;
+        }
+        return status;
+    }
     Nodes nodes;
     TokenReader reader(text);
     for (;;) {
@@ -324,10 +353,6 @@ std::int32_t CAssembler::ScanExpression(std::string_view text, std::int32_t* val
                         *unresolved = token;
                     }
                     return status;
-                }
-                if (reader.isAtEnd && nodes.IsEmpty()) {  // most expressions are one value
-                    *value = number;
-                    return 0;
                 }
                 if (!nodes.Store(NODE_VALUE, number, 0)) {
                     return MSG_TOO_COMPLEX;

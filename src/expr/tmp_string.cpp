@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <cstring>
 #include <new>
 
 #include "platform/platform.h"
@@ -47,22 +46,17 @@ void CtmpStringManager::FreeBlock(CtmpStringBlock* block) {
     delete block;
 }
 
-void CtmpStringManager::Alloc(std::size_t count, CtmpString* handle) {
-    const auto wanted = static_cast<std::int64_t>(count);
+// Makes a current block in which `count` bytes fit.
+void CtmpStringManager::MakeRoom(std::size_t count) {
     if (head == nullptr) {
         MakeBlock(blockSize);
     }
-    if (current->used + wanted > current->size) {
+    if (current->used + static_cast<std::int64_t>(count) > current->size) {
         current->isFull = 1;
         MakeBlock(std::max(blockSize, count));
         // A string longer than a block has one of its own, which nothing else can enter.
         current->isFull = count > blockSize ? 1 : 0;
     }
-    handle->text = current->data + current->used;
-    handle->length = count - 1;
-    handle->block = current;
-    current->used += wanted;
-    ++current->refCount;
 }
 
 void CtmpStringManager::ReleaseAll() {
@@ -81,15 +75,6 @@ std::int32_t CtmpStringManager::DumpStatus(std::FILE* stream) {
                      static_cast<long long>(block->size), block->refCount, block->isFull);
     }
     return 0;
-}
-
-void CtmpString::Assign(std::string_view source) {
-    if (source.data() == nullptr) {
-        return;
-    }
-    CtmpStringManager::Alloc(source.size() + 1, this);
-    std::memcpy(text, source.data(), source.size());
-    text[source.size()] = '\0';
 }
 
 }  // namespace korv

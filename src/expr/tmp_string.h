@@ -8,6 +8,8 @@
 #include <cstdio>
 #include <string_view>
 
+#include "source/short_text.h"
+
 namespace korv {
 
 class CtmpString;
@@ -26,9 +28,19 @@ struct CtmpStringBlock {
 /// thread uses it.
 class CtmpStringManager {
   public:
-    /// Takes `count` bytes from the pool for `handle`, which holds no reference. Ends the process
-    /// when there is no memory for a block.
-    static void Alloc(std::size_t count, CtmpString* handle);
+    /// Takes `count` bytes from the pool and a reference on the block that has them. Ends the
+    /// process when there is no memory for a block.
+    static char* Alloc(std::size_t count, CtmpStringBlock** block) {
+        if (current == nullptr || current->used + static_cast<std::int64_t>(count) > current->size)
+            [[unlikely]] {
+            MakeRoom(count);
+        }
+        char* const text = current->data + current->used;
+        current->used += static_cast<std::int64_t>(count);
+        ++current->refCount;
+        *block = current;
+        return text;
+    }
 
     /// Frees every block, whatever its count. No handle may be released behind this: all holders
     /// are gone before.
@@ -40,6 +52,7 @@ class CtmpStringManager {
 
   private:
     friend class CtmpString;
+    static void MakeRoom(std::size_t count);
     static void MakeBlock(std::size_t size);
     static void FreeBlock(CtmpStringBlock* block);
 
@@ -63,8 +76,15 @@ class CtmpString {
     CtmpString& operator=(const CtmpString&) = delete;
     ~CtmpString() { Release(); }
 
-    /// Copies `source` into the pool. For a handle that holds no reference.
-    void Assign(std::string_view source);
+    /// Copies `source` into the pool, terminated. For a handle that holds no reference.
+    void Assign(std::string_view source) {
+        if (source.data() != nullptr) {
+            text = CtmpStringManager::Alloc(source.size() + 1, &block);
+            length = source.size();
+            CopyText(text, source);
+            text[length] = '\0';
+        }
+    }
 
     /// Drops the reference; the handle is empty then.
     void Release() {
@@ -84,7 +104,6 @@ class CtmpString {
     [[nodiscard]] std::string_view View() const { return {text, length}; }
 
   private:
-    friend class CtmpStringManager;
     char* text = nullptr;
     std::size_t length = 0;
     CtmpStringBlock* block = nullptr;

@@ -11,6 +11,8 @@
 #include "source/source_file.h"
 
 #include <algorithm>
+#include <bit>
+#include <cstring>
 #include <limits>
 
 #include "diagnostics/message_numbers.h"
@@ -19,25 +21,45 @@
 namespace korv {
 namespace {
 
-// What is stored for a byte; 0 for the bytes that need attention.
-using RunTable = std::array<std::uint8_t, 256>;
+constexpr char endOfText = 0x1A;  // ends a text file on some old systems; here it is nothing
 
-constexpr RunTable MakeRunTable(bool isFolding, std::string_view attention) {
-    RunTable table{};
-    for (unsigned c = 1; c < table.size(); ++c) {
-        const bool isLower = (charClass[c] & CC_LOWER) != 0;
-        table[c] = static_cast<std::uint8_t>(isFolding && isLower ? c - 32 : c);
-    }
-    for (const char c : attention) {
-        table[static_cast<std::uint8_t>(c)] = 0;
-    }
-    return table;
+// What the bytes ahead belong to.
+enum class Run { plain, string, comment };
+
+constexpr std::size_t chunkSize = 16;
+static_assert(chunkSize == readSlack);
+using Chunk __attribute__((vector_size(chunkSize))) = std::uint8_t;
+
+Chunk All(char c) {
+    return Chunk{} + static_cast<std::uint8_t>(c);
 }
 
-constexpr char endOfText = 0x1A;  // ends a text file on some old systems; here it is nothing
-constexpr RunTable plainRun = MakeRunTable(true, "\n\r\x1A\";");
-constexpr RunTable stringRun = MakeRunTable(false, "\n\r\x1A\"");
-constexpr RunTable commentRun = MakeRunTable(false, "\n\r\x1A");
+// Copies the bytes at `from` up to the first one that needs attention, at most a chunk; of plain
+// text with its letters raised. A whole chunk is read and written in any case. Result: the number
+// of bytes that count.
+template <Run run>
+std::size_t CopyRun(const std::uint8_t* from, char* to) {
+    Chunk bytes;
+    std::memcpy(&bytes, from, chunkSize);
+    auto attention = (bytes == All('\n')) | (bytes == All('\r')) | (bytes == All(endOfText));
+    if constexpr (run != Run::comment) {
+        attention |= bytes == All('"');
+    }
+    if constexpr (run == Run::plain) {
+        attention |= bytes == All(';');
+        const Chunk isLower = reinterpret_cast<Chunk>(bytes - All('a') < All('z' - 'a' + 1));
+        bytes -= isLower & All('a' - 'A');
+    }
+    std::memcpy(to, &bytes, chunkSize);
+    std::uint64_t halves[2];
+    std::memcpy(halves, &attention, chunkSize);
+    const auto firstIn = [](std::uint64_t half) {
+        const int bits = std::endian::native == std::endian::little ? std::countr_zero(half)
+                                                                    : std::countl_zero(half);
+        return static_cast<std::size_t>(bits) / 8;
+    };
+    return halves[0] != 0 ? firstIn(halves[0]) : 8 + firstIn(halves[1]);
+}
 
 }  // namespace
 
@@ -49,7 +71,7 @@ CSourceFile::CSourceFile(std::string_view name, std::uint32_t maxBufferSize) {
     fileSize = static_cast<std::uint32_t>(std::min(stream.Size(), most));
     const std::uint32_t wanted =
         stream.HasSize() ? std::min(maxBufferSize, fileSize) : maxBufferSize;
-    buffer = static_cast<std::uint8_t*>(platform::Allocate(wanted));
+    buffer = static_cast<std::uint8_t*>(platform::Allocate(std::size_t{wanted} + readSlack));
     if (buffer != nullptr) {
         bufferSize = wanted;
     }
@@ -68,7 +90,9 @@ std::int32_t CSourceFile::OpenStatus() const {
 
 bool CSourceFile::Fill() {
     readPosition = buffer;
-    endOfData = buffer + stream.Read(buffer, bufferSize);
+    const std::size_t count = stream.Read(buffer, bufferSize);
+    endOfData = buffer + count;
+    std::memset(buffer + count, '\n', readSlack);  // stops a run at the end of the data
     return readPosition != endOfData;
 }
 
@@ -83,7 +107,7 @@ std::int32_t CSourceFile::ReadLine(char* line, std::uint32_t maxLength, std::uin
     std::uint32_t total = 0;
     std::uint32_t lines = 0;
     std::int32_t result = 0;
-    const std::uint8_t* run = plainRun.data();
+    Run run = Run::plain;
     const auto findLastSignificant = [&] {
         char* end = out;
         while (end != segment && HasClass(end[-1], CC_BLANK)) {
@@ -92,6 +116,35 @@ std::int32_t CSourceFile::ReadLine(char* line, std::uint32_t maxLength, std::uin
         return end == segment ? lastSignificant : end - 1;
     };
 
+    if (readPosition != endOfData) {
+        // Most lines are plain text in one piece: they end here.
+        const std::uint8_t* next = readPosition;
+        const std::uint8_t* const end =
+            next + std::min(static_cast<std::size_t>(endOfData - next), std::size_t{maxLength});
+        std::size_t count = 0;
+        do {
+            count = CopyRun<Run::plain>(next, out);
+            next += count;
+            out += count;
+        } while (count == chunkSize && next < end);
+        if (next < end && *next == '\n') {
+            char* last = out;
+            while (last != line && HasClass(last[-1], CC_BLANK)) {
+                --last;
+            }
+            if (last == line) {
+                last = out;  // only blanks: they stay
+            }
+            if (last == line || last[-1] != '\\') {
+                *last = '\0';
+                *bytesOut = static_cast<std::uint32_t>(next + 1 - readPosition);
+                *linesOut = 1;
+                readPosition = next + 1;
+                return 0;
+            }
+        }
+        out = line;
+    }
     *line = '\0';
     if (IsOpen() == 0) {
         return -1;
@@ -106,8 +159,13 @@ std::int32_t CSourceFile::ReadLine(char* line, std::uint32_t maxLength, std::uin
             start +
             std::min<std::size_t>(static_cast<std::size_t>(endOfData - start), maxLength - used);
         const std::uint8_t* next = start;
-        while (next != end && run[*next] != 0) {
-            *out++ = static_cast<char>(run[*next++]);
+        for (std::size_t count = chunkSize; count == chunkSize && next != end;) {
+            count = run == Run::plain    ? CopyRun<Run::plain>(next, out)
+                    : run == Run::string ? CopyRun<Run::string>(next, out)
+                                         : CopyRun<Run::comment>(next, out);
+            count = std::min(count, static_cast<std::size_t>(end - next));
+            next += count;
+            out += count;
         }
         const auto length = static_cast<std::uint32_t>(next - start);
         used += length;
@@ -126,7 +184,9 @@ std::int32_t CSourceFile::ReadLine(char* line, std::uint32_t maxLength, std::uin
         if (c == '\n') {
             ++lines;
             char* const last = findLastSignificant();
-            if (last == nullptr || *last != '\\') {
+            // Where nothing was stored behind a continuation, its backslash still stands.
+            const bool isStanding = last != nullptr && out == last;
+            if (!isStanding && (last == nullptr || *last != '\\')) {
                 break;
             }
             used -= static_cast<std::uint32_t>(out - last);
@@ -136,11 +196,11 @@ std::int32_t CSourceFile::ReadLine(char* line, std::uint32_t maxLength, std::uin
         } else {
             if (c == '"') {
                 inString = !inString;
-                run = inString ? stringRun.data() : plainRun.data();
+                run = inString ? Run::string : Run::plain;
             } else if (c == ';') {
                 char* const last = findLastSignificant();
                 commentStart = last == nullptr ? line : last + 1;
-                run = commentRun.data();
+                run = Run::comment;
             }
             *out++ = c;
         }

@@ -2,12 +2,17 @@
 /// lines.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string_view>
 
 #include "platform/platform.h"
 
 namespace korv {
+
+/// A line buffer has room for this many bytes behind its last character and terminator: what lies
+/// there is undefined.
+inline constexpr std::size_t readSlack = 16;
 
 class CSourceFile {
   public:
@@ -18,12 +23,12 @@ class CSourceFile {
     CSourceFile(const CSourceFile&) = delete;
     CSourceFile& operator=(const CSourceFile&) = delete;
 
-    /// Fills `line`, which has room for `maxLength` + 1 characters, with the next logical line as
-    /// terminated text: letters outside double quotes in upper case; comment, carriage returns and
-    /// trailing blanks gone; physical lines that end in a backslash joined. A line of only blanks
-    /// keeps them. Result: 0, -1 at the end of the file, 41 when the line takes more than
-    /// `maxLength` bytes of the file. `bytesOut` receives the bytes taken from the file and
-    /// `linesOut` the line feeds among them, unless it is 41.
+    /// Fills `line`, which has room for `maxLength` + 1 + `readSlack` characters, with the next
+    /// logical line as terminated text: letters outside double quotes in upper case; comment,
+    /// carriage returns and trailing blanks gone; physical lines that end in a backslash joined. A
+    /// line of only blanks keeps them. Result: 0, -1 at the end of the file, 41 when the line takes
+    /// more than `maxLength` bytes of the file. `bytesOut` receives the bytes taken from the file
+    /// and `linesOut` the line feeds among them, unless it is 41.
     [[nodiscard]] std::int32_t ReadLine(char* line, std::uint32_t maxLength,
                                         std::uint32_t* bytesOut, std::uint32_t* linesOut);
 

@@ -83,8 +83,13 @@ std::int32_t CIdentifierManager::Apply(CPatchInfo* patch, CIdentifier** resolved
     }
     std::int32_t value = 0;
     std::string_view unresolved;
-    const std::int32_t status =
-        assembler->ScanExpression(patch->expression.View(), &value, &unresolved);
+    std::int32_t status = 0;
+    if (patch->expression.View().size() == patch->identifier->nameLength) {
+        value = patch->identifier->value;  // the expression is the name that it waited for
+        patch->identifier->flags |= IDF_USED;
+    } else {
+        status = assembler->ScanExpression(patch->expression.View(), &value, &unresolved);
+    }
     if (status == MSG_UNRESOLVED) {
         AddPatch(unresolved, CPatchInfoMemBlock::AllocPatchInfo(
                                  patch->position, CtmpString(patch->expression.View()),

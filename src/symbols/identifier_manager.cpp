@@ -13,17 +13,11 @@
 #include "diagnostics/message_list.h"
 #include "platform/platform.h"
 #include "source/file_name_registry.h"
+#include "source/short_text.h"
 #include "symbols/patch.h"
 
 namespace korv {
 namespace {
-
-template <typename Word>
-std::uint64_t Load(const char* from) {
-    Word word;
-    std::memcpy(&word, from, sizeof word);
-    return word;
-}
 
 // Hash of a name for the index, taken in pieces of up to 8 bytes. Independent of the order of the
 // listing.
@@ -34,15 +28,18 @@ std::uint64_t HashOf(std::string_view name) {
     std::size_t left = name.size();
     std::uint64_t hash = left;
     for (; left > 8; left -= 8, next += 8) {
-        hash = (hash ^ Load<std::uint64_t>(next)) * multiplier;
+        hash = (hash ^ LoadWord<std::uint64_t>(next)) * multiplier;
         hash ^= hash >> 32;
     }
     std::uint64_t tail = 0;  // the last 1 to 8 bytes, by two loads that may overlap
     if (left >= 4) {
-        tail = Load<std::uint32_t>(next) << 32 | Load<std::uint32_t>(next + left - 4);
+        tail = static_cast<std::uint64_t>(LoadWord<std::uint32_t>(next)) << 32 |
+               LoadWord<std::uint32_t>(next + left - 4);
     } else if (left > 0) {
-        tail = Load<std::uint8_t>(next) << 16 | Load<std::uint8_t>(next + left / 2) << 8 |
-               Load<std::uint8_t>(next + left - 1);
+        const auto byteAt = [next](std::size_t i) {
+            return std::uint64_t{LoadWord<std::uint8_t>(next + i)};
+        };
+        tail = byteAt(0) << 16 | byteAt(left / 2) << 8 | byteAt(left - 1);
     }
     hash = (hash ^ tail) * multiplier;
     return hash ^ hash >> 32;
@@ -147,7 +144,7 @@ const char* CNamePool::Store(std::string_view name) {
         AddBlock(size < poolBlockSize ? poolBlockSize : size);
     }
     char* const copy = blocks->text + used;
-    std::memcpy(copy, name.data(), name.size());
+    CopyText(copy, name);
     copy[name.size()] = '\0';
     used += size;
     return copy;
@@ -193,19 +190,23 @@ CIdentifier* CIdentifierManager::Find(std::string_view name, std::uint64_t hash)
     if (indexSize == 0) {
         return nullptr;
     }
-    const auto upper = static_cast<std::uint32_t>(hash >> 32);
-    for (std::uint32_t at = static_cast<std::uint32_t>(hash);; ++at) {
+    for (auto at = static_cast<std::uint32_t>(hash);; ++at) {
         const IndexEntry& entry = index[at & (indexSize - 1)];
-        if (entry.number == 0) {
+        if (entry.record == nullptr) {
             return nullptr;
         }
-        if (entry.hash == upper) {
-            CIdentifier* const record = RecordAt(entry.number - 1);
-            if (record->Name() == name) {
-                return record;
-            }
+        if (entry.hash == hash && EqualTexts(entry.record->Name(), name)) {
+            return entry.record;
         }
     }
+}
+
+void CIdentifierManager::Insert(IndexEntry* index, std::uint32_t size, IndexEntry entry) {
+    auto at = static_cast<std::uint32_t>(entry.hash);
+    while (index[at & (size - 1)].record != nullptr) {
+        ++at;
+    }
+    index[at & (size - 1)] = entry;
 }
 
 CIdentifier* CIdentifierManager::Find(std::string_view name) const {
@@ -224,11 +225,7 @@ CIdentifier* CIdentifierManager::Enter(std::string_view name, std::uint64_t hash
     record->name = namePool.Store(name);
     record->nameLength = static_cast<std::uint32_t>(name.size());
     ++totalCount;
-    auto at = static_cast<std::uint32_t>(hash);
-    while (index[at & (indexSize - 1)].number != 0) {
-        ++at;
-    }
-    index[at & (indexSize - 1)] = {static_cast<std::uint32_t>(hash >> 32), number + 1};
+    Insert(index, indexSize, {record, hash});
     return record;
 }
 
@@ -240,13 +237,10 @@ bool CIdentifierManager::GrowIndex() {
         return false;
     }
     std::memset(grown, 0, grownSize * sizeof(IndexEntry));
-    for (std::uint32_t number = 0; number < static_cast<std::uint32_t>(totalCount); ++number) {
-        const std::uint64_t hash = HashOf(RecordAt(number)->Name());
-        auto at = static_cast<std::uint32_t>(hash);
-        while (grown[at & (grownSize - 1)].number != 0) {
-            ++at;
+    for (std::uint32_t i = 0; i < indexSize; ++i) {
+        if (index[i].record != nullptr) {
+            Insert(grown, grownSize, index[i]);
         }
-        grown[at & (grownSize - 1)] = {static_cast<std::uint32_t>(hash >> 32), number + 1};
     }
     platform::Free(index);
     index = grown;

@@ -129,11 +129,10 @@ class CIdentifierManager {
     [[nodiscard]] std::int32_t TotalCount() const { return totalCount; }
 
   private:
-    // An entry of the index: the upper half of a record's hash, and its number plus 1; 0 for a free
-    // entry.
+    // An entry of the index; without a record it is free.
     struct IndexEntry {
-        std::uint32_t hash;
-        std::uint32_t number;
+        CIdentifier* record;
+        std::uint64_t hash;
     };
     // Records are allocated by the chunk, so that they stay where they are and a number finds them.
     static constexpr std::uint32_t chunkSize = 256;
@@ -144,6 +143,7 @@ class CIdentifierManager {
     [[nodiscard]] CIdentifier* Find(std::string_view name, std::uint64_t hash) const;
     [[nodiscard]] CIdentifier* Find(std::string_view name) const;
     CIdentifier* Enter(std::string_view name, std::uint64_t hash);
+    static void Insert(IndexEntry* index, std::uint32_t size, IndexEntry entry);
     bool GrowIndex();
     bool GrowChunks();
     void LinkChains();

@@ -1,0 +1,69 @@
+/// Copying and comparing texts that are a few characters long, as nearly all names and operands
+/// are: by loads that may overlap, where a call of the general routine would cost more than the
+/// work.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <string_view>
+
+namespace korv {
+
+template <typename Word>
+[[nodiscard]] inline Word LoadWord(const char* from) {
+    Word word;
+    std::memcpy(&word, from, sizeof word);
+    return word;
+}
+
+template <typename Word>
+inline void StoreWord(char* to, Word word) {
+    std::memcpy(to, &word, sizeof word);
+}
+
+/// Copies `text` to `to`; the two do not overlap.
+inline void CopyText(char* to, std::string_view text) {
+    const char* const from = text.data();
+    const std::size_t count = text.size();
+    const auto copyEnds = [&]<typename Word>(Word first) {
+        const auto last = LoadWord<Word>(from + count - sizeof(Word));
+        StoreWord(to, first);
+        StoreWord(to + count - sizeof(Word), last);
+    };
+    if (count > 16) {
+        std::memcpy(to, from, count);
+    } else if (count >= 8) {
+        copyEnds(LoadWord<std::uint64_t>(from));
+    } else if (count >= 4) {
+        copyEnds(LoadWord<std::uint32_t>(from));
+    } else if (count > 0) {
+        to[0] = from[0];
+        to[count / 2] = from[count / 2];
+        to[count - 1] = from[count - 1];
+    }
+}
+
+[[nodiscard]] inline bool EqualTexts(std::string_view a, std::string_view b) {
+    const std::size_t count = a.size();
+    if (count != b.size()) {
+        return false;
+    }
+    const auto equalEnds = [&]<typename Word>(Word first) {
+        const std::size_t last = count - sizeof(Word);
+        return first == LoadWord<Word>(b.data()) &&
+               LoadWord<Word>(a.data() + last) == LoadWord<Word>(b.data() + last);
+    };
+    if (count > 16) {
+        return std::memcmp(a.data(), b.data(), count) == 0;
+    }
+    if (count >= 8) {
+        return equalEnds(LoadWord<std::uint64_t>(a.data()));
+    }
+    if (count >= 4) {
+        return equalEnds(LoadWord<std::uint32_t>(a.data()));
+    }
+    return count == 0 || (a[0] == b[0] && a[count / 2] == b[count / 2] && a.back() == b.back());
+}
+
+}  // namespace korv

@@ -187,6 +187,8 @@ class CAssembler {
   private:
     void SetFlagsFrom(std::string_view flagString);
     void AssembleSource();
+    std::int32_t ScanTokens(std::string_view text, std::int32_t* value,
+                            std::string_view* unresolved);
     std::int32_t OpenAndRun(const std::string& path, std::int32_t fileNumber);
 
     std::array<char, maxWord + 1>

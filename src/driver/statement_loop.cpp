@@ -68,7 +68,7 @@ std::int32_t RunHandler(CAssembler* assembler, CStatement* statement) {
         return 0;
     }
     TakeWord(statement, start, start + keyword.length);
-    if (assembler->assembling == 0 && !RunsWhileSkipping(keyword.handler)) {
+    if (assembler->assembling == 0 && !RunsWhileSkipping(keyword.handler)) [[unlikely]] {
         return 0;
     }
     return keyword.handler(assembler, statement);

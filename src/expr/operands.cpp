@@ -61,18 +61,6 @@ std::string_view InnerExpression(std::string_view text, std::int32_t* code) {
 
 }  // namespace
 
-void lsArg::Reset() {
-    textString.Release();
-    closedName.Release();
-    next = nullptr;
-    condition = -1;
-    reg = REG_NONE;
-    status = 0;
-    flags = 0;
-    kind = KIND_NONE;
-    value = 0;
-}
-
 std::int32_t KO_Args::Add(std::string_view source, std::int32_t classify) {
     const bool isInline = count < 2;
     lsArg* const arg = isInline ? &inlineArgs[count] : new (std::nothrow) lsArg;
@@ -144,19 +132,6 @@ lsArg* KO_Args::Arg(std::int32_t n) {
 const char* KO_Args::Text(std::int32_t n) {
     const lsArg* const arg = Arg(n);
     return arg == nullptr ? nullptr : arg->textString.c_str();
-}
-
-void KO_Args::Clear() {
-    for (std::int32_t i = 0; i < count && i < 2; ++i) {
-        inlineArgs[i].Reset();
-    }
-    while (head != nullptr) {
-        lsArg* const arg = head;
-        head = arg->next;
-        delete arg;
-    }
-    tail = nullptr;
-    count = 0;
 }
 
 }  // namespace korv

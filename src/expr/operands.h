@@ -54,7 +54,17 @@ class lsArg {
     }
 
     /// Back to the defaults; all references are dropped.
-    void Reset();
+    void Reset() {
+        textString.Release();
+        closedName.Release();
+        next = nullptr;
+        condition = -1;
+        reg = REG_NONE;
+        status = 0;
+        flags = 0;
+        kind = KIND_NONE;
+        value = 0;
+    }
 };
 
 /// The operand list of a statement. Operands 1 and 2 lie in it, further ones are chained; there is
@@ -93,9 +103,27 @@ class KO_Args {
     [[nodiscard]] const char* Text(std::int32_t n);
 
     /// Releases all operands.
-    void Clear();
+    void Clear() {
+        if (count != 0) {
+            inlineArgs[0].Reset();
+            if (count > 1) {
+                inlineArgs[1].Reset();
+                ReleaseOverflow();
+            }
+            count = 0;
+        }
+    }
 
   private:
+    void ReleaseOverflow() {
+        while (head != nullptr) {
+            lsArg* const arg = head;
+            head = arg->next;
+            delete arg;
+        }
+        tail = nullptr;
+    }
+
     std::int32_t count = 0;
     lsArg* head = nullptr;  // owned; the overflow chain
     lsArg* tail = nullptr;

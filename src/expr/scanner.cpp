@@ -327,6 +327,12 @@ std::int32_t CAssembler::ScanExpression(std::string_view text, std::int32_t* val
         }
         return status;
     }
+    return ScanTokens(text, value, unresolved);
+}
+
+// The same for an expression of any form.
+std::int32_t CAssembler::ScanTokens(std::string_view text, std::int32_t* value,
+                                    std::string_view* unresolved) {
     Nodes nodes;
     TokenReader reader(text);
     for (;;) {

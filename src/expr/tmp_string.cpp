@@ -46,7 +46,6 @@ void CtmpStringManager::FreeBlock(CtmpStringBlock* block) {
     delete block;
 }
 
-// Makes a current block in which `count` bytes fit.
 void CtmpStringManager::MakeRoom(std::size_t count) {
     if (head == nullptr) {
         MakeBlock(blockSize);

@@ -28,13 +28,18 @@ struct CtmpStringBlock {
 /// thread uses it.
 class CtmpStringManager {
   public:
-    /// Takes `count` bytes from the pool and a reference on the block that has them. Ends the
-    /// process when there is no memory for a block.
+    /// Whether the current block has room for `count` bytes.
+    [[nodiscard]] static bool HasRoom(std::size_t count) {
+        return current != nullptr &&
+               current->used + static_cast<std::int64_t>(count) <= current->size;
+    }
+
+    /// Makes a current block with room for `count` bytes. Ends the process when there is no memory
+    /// for it.
+    static void MakeRoom(std::size_t count);
+
+    /// Takes `count` bytes, for which there is room, and a reference on the block that has them.
     static char* Alloc(std::size_t count, CtmpStringBlock** block) {
-        if (current == nullptr || current->used + static_cast<std::int64_t>(count) > current->size)
-            [[unlikely]] {
-            MakeRoom(count);
-        }
         char* const text = current->data + current->used;
         current->used += static_cast<std::int64_t>(count);
         ++current->refCount;
@@ -52,7 +57,6 @@ class CtmpStringManager {
 
   private:
     friend class CtmpString;
-    static void MakeRoom(std::size_t count);
     static void MakeBlock(std::size_t size);
     static void FreeBlock(CtmpStringBlock* block);
 
@@ -78,12 +82,16 @@ class CtmpString {
 
     /// Copies `source` into the pool, terminated. For a handle that holds no reference.
     void Assign(std::string_view source) {
-        if (source.data() != nullptr) {
-            text = CtmpStringManager::Alloc(source.size() + 1, &block);
-            length = source.size();
-            CopyText(text, source);
-            text[length] = '\0';
+        if (source.data() == nullptr) {
+            return;
         }
+        if (!CtmpStringManager::HasRoom(source.size() + 1)) [[unlikely]] {
+            CtmpStringManager::MakeRoom(source.size() + 1);
+        }
+        text = CtmpStringManager::Alloc(source.size() + 1, &block);
+        length = source.size();
+        text[length] = '\0';
+        CopyText(text, source);
     }
 
     /// Drops the reference; the handle is empty then.

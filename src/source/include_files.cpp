@@ -64,7 +64,7 @@ std::int32_t CAssembler::OpenAndRun(const std::string& path, std::int32_t fileNu
     }
     bytesTotal += file.FileSize();
     const std::unique_ptr<char[]> line(
-        new (std::nothrow) char[static_cast<std::size_t>(lineBufferSize) + 1 + readSlack]);
+        new (std::nothrow) char[static_cast<std::size_t>(lineBufferSize) + 1]);
     if (line == nullptr) {
         return MSG_OUT_OF_MEMORY;
     }

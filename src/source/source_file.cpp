@@ -1,6 +1,7 @@
-// The reader. Every byte of the file is looked at once, here: runs of bytes that need no attention
-// are copied through a table that folds their case, and only the few that do leave the loop: line
-// feed, quote, semicolon, and the bytes that are dropped.
+// The reader. Nearly every line is plain text in one piece, perhaps with a comment behind it: it is
+// copied by the chunk, raised to upper case on the way, and only looked at more closely where a
+// chunk holds a byte that needs attention. All other lines, with strings, with continuations, at
+// the end of a block, go byte by byte.
 //
 // The hard idea is the last significant character, which decides where trailing blanks begin and
 // whether the line goes on. It is not kept up to date per byte but found when it is asked for, by
@@ -26,39 +27,79 @@ constexpr char endOfText = 0x1A;  // ends a text file on some old systems; here 
 // What the bytes ahead belong to.
 enum class Run { plain, string, comment };
 
+// Sixteen bytes that are worked at once; vectors of this kind are common to the compilers we build
+// with.
 constexpr std::size_t chunkSize = 16;
-static_assert(chunkSize == readSlack);
 using Chunk __attribute__((vector_size(chunkSize))) = std::uint8_t;
 
 Chunk All(char c) {
     return Chunk{} + static_cast<std::uint8_t>(c);
 }
 
-// Copies the bytes at `from` up to the first one that needs attention, at most a chunk; of plain
-// text with its letters raised. A whole chunk is read and written in any case. Result: the number
-// of bytes that count.
 template <Run run>
-std::size_t CopyRun(const std::uint8_t* from, char* to) {
-    Chunk bytes;
-    std::memcpy(&bytes, from, chunkSize);
+auto AttentionIn(Chunk bytes) {
     auto attention = (bytes == All('\n')) | (bytes == All('\r')) | (bytes == All(endOfText));
     if constexpr (run != Run::comment) {
         attention |= bytes == All('"');
     }
     if constexpr (run == Run::plain) {
         attention |= bytes == All(';');
-        const Chunk isLower = reinterpret_cast<Chunk>(bytes - All('a') < All('z' - 'a' + 1));
-        bytes -= isLower & All('a' - 'A');
     }
-    std::memcpy(to, &bytes, chunkSize);
+    return attention;
+}
+
+// Index of the first byte that is not 0; the size of a chunk for none.
+template <typename Mask>
+std::size_t FirstIn(Mask mask) {
     std::uint64_t halves[2];
-    std::memcpy(halves, &attention, chunkSize);
-    const auto firstIn = [](std::uint64_t half) {
-        const int bits = std::endian::native == std::endian::little ? std::countr_zero(half)
-                                                                    : std::countl_zero(half);
-        return static_cast<std::size_t>(bits) / 8;
-    };
-    return halves[0] != 0 ? firstIn(halves[0]) : 8 + firstIn(halves[1]);
+    std::memcpy(halves, &mask, chunkSize);
+    const std::uint64_t half = halves[0] != 0 ? halves[0] : halves[1];
+    const int bits = std::endian::native == std::endian::little ? std::countr_zero(half)
+                                                                : std::countl_zero(half);
+    return (halves[0] != 0 ? 0 : 8) + static_cast<std::size_t>(bits) / 8;
+}
+
+// The number of bytes at `from` up to the first one that needs attention, at most a chunk. A whole
+// chunk is read.
+template <Run run>
+std::size_t RunLength(const std::uint8_t* from) {
+    Chunk bytes;
+    std::memcpy(&bytes, from, chunkSize);
+    return FirstIn(AttentionIn<run>(bytes));
+}
+
+// Copies those bytes, with the letters raised. A whole chunk is written. Result: their number.
+template <Run run>
+std::size_t CopyRun(const std::uint8_t* from, char* to) {
+    Chunk bytes;
+    std::memcpy(&bytes, from, chunkSize);
+    const std::size_t length = FirstIn(AttentionIn<run>(bytes));
+    const auto isLower = reinterpret_cast<Chunk>(bytes - All('a') < All('z' - 'a' + 1));
+    bytes -= isLower & All('a' - 'A');
+    std::memcpy(to, &bytes, chunkSize);
+    return length;
+}
+
+// The same question and the same change for one byte.
+bool NeedsAttention(std::uint8_t byte, Run run) {
+    return byte == '\n' || byte == '\r' || byte == endOfText ||
+           (byte == '"' && run != Run::comment) || (byte == ';' && run == Run::plain);
+}
+
+char Raised(std::uint8_t byte) {
+    return static_cast<char>((charClass[byte] & CC_LOWER) != 0 ? byte - 32 : byte);
+}
+
+// The end of the text from `start` to `end` without the blanks at its end.
+char* WithoutBlanks(char* start, char* end) {
+    while (end != start && HasClass(end[-1], CC_BLANK)) {
+        --end;
+    }
+    return end;
+}
+
+bool EndsInBlankOrBackslash(const std::uint8_t* end) {
+    return end[-1] == '\\' || HasClass(static_cast<char>(end[-1]), CC_BLANK);
 }
 
 }  // namespace
@@ -71,7 +112,7 @@ CSourceFile::CSourceFile(std::string_view name, std::uint32_t maxBufferSize) {
     fileSize = static_cast<std::uint32_t>(std::min(stream.Size(), most));
     const std::uint32_t wanted =
         stream.HasSize() ? std::min(maxBufferSize, fileSize) : maxBufferSize;
-    buffer = static_cast<std::uint8_t*>(platform::Allocate(std::size_t{wanted} + readSlack));
+    buffer = static_cast<std::uint8_t*>(platform::Allocate(wanted));
     if (buffer != nullptr) {
         bufferSize = wanted;
     }
@@ -90,14 +131,74 @@ std::int32_t CSourceFile::OpenStatus() const {
 
 bool CSourceFile::Fill() {
     readPosition = buffer;
-    const std::size_t count = stream.Read(buffer, bufferSize);
-    endOfData = buffer + count;
-    std::memset(buffer + count, '\n', readSlack);  // stops a run at the end of the data
+    endOfData = buffer + stream.Read(buffer, bufferSize);
     return readPosition != endOfData;
 }
 
 std::int32_t CSourceFile::ReadLine(char* line, std::uint32_t maxLength, std::uint32_t* bytesOut,
                                    std::uint32_t* linesOut) {
+    const std::size_t length = ReadPlainLine(line, maxLength);
+    if (length == 0) [[unlikely]] {
+        return ReadAnyLine(line, maxLength, bytesOut, linesOut);
+    }
+    *bytesOut = static_cast<std::uint32_t>(length);
+    *linesOut = 1;
+    return 0;
+}
+
+// Reads the next line if it is the usual case: in one piece in the buffer, without a string and
+// without a continuation, perhaps with a comment. A chunk is read and written whole, so the end of
+// the buffer and of the longest line are not its business either. Result: the bytes of the line in
+// the file; 0: it is another case, and nothing has been read.
+inline std::size_t CSourceFile::ReadPlainLine(char* line, std::uint32_t maxLength) {
+    const std::uint8_t* next = readPosition;
+    const std::size_t available =
+        std::min(static_cast<std::size_t>(endOfData - next), std::size_t{maxLength});
+    if (available < chunkSize) {
+        return 0;
+    }
+    const std::uint8_t* const lastChunk = next + (available - chunkSize);
+    char* out = line;
+    std::size_t count = 0;
+    do {
+        count = CopyRun<Run::plain>(next, out);
+        next += count;
+        out += count;
+    } while (count == chunkSize && next <= lastChunk);
+    if (count == chunkSize) {
+        return 0;
+    }
+    const bool hasComment = *next == ';';
+    if (hasComment) {
+        for (count = chunkSize; count == chunkSize && next <= lastChunk; next += count) {
+            count = RunLength<Run::comment>(next);
+        }
+        if (count == chunkSize || EndsInBlankOrBackslash(next)) {
+            return 0;
+        }
+    }
+    const std::uint8_t* lineFeed = next;
+    if (*lineFeed == '\r' && lineFeed < lastChunk) {
+        ++lineFeed;
+    }
+    if (*lineFeed != '\n') {
+        return 0;
+    }
+    char* last = WithoutBlanks(line, out);
+    if (last == line) {
+        last = hasComment ? line : out;  // a line of only blanks keeps them
+    } else if (last[-1] == '\\' && !hasComment) {
+        return 0;
+    }
+    *last = '\0';
+    const auto length = static_cast<std::size_t>(lineFeed + 1 - readPosition);
+    readPosition = lineFeed + 1;
+    return length;
+}
+
+// Reads the next line, whatever it is.
+std::int32_t CSourceFile::ReadAnyLine(char* line, std::uint32_t maxLength, std::uint32_t* bytesOut,
+                                      std::uint32_t* linesOut) {
     char* out = line;                 // where the next character goes
     char* segment = line;             // start of the line, or of what follows the last continuation
     char* lastSignificant = nullptr;  // what it was at `segment`
@@ -109,42 +210,10 @@ std::int32_t CSourceFile::ReadLine(char* line, std::uint32_t maxLength, std::uin
     std::int32_t result = 0;
     Run run = Run::plain;
     const auto findLastSignificant = [&] {
-        char* end = out;
-        while (end != segment && HasClass(end[-1], CC_BLANK)) {
-            --end;
-        }
+        char* const end = WithoutBlanks(segment, out);
         return end == segment ? lastSignificant : end - 1;
     };
 
-    if (readPosition != endOfData) {
-        // Most lines are plain text in one piece: they end here.
-        const std::uint8_t* next = readPosition;
-        const std::uint8_t* const end =
-            next + std::min(static_cast<std::size_t>(endOfData - next), std::size_t{maxLength});
-        std::size_t count = 0;
-        do {
-            count = CopyRun<Run::plain>(next, out);
-            next += count;
-            out += count;
-        } while (count == chunkSize && next < end);
-        if (next < end && *next == '\n') {
-            char* last = out;
-            while (last != line && HasClass(last[-1], CC_BLANK)) {
-                --last;
-            }
-            if (last == line) {
-                last = out;  // only blanks: they stay
-            }
-            if (last == line || last[-1] != '\\') {
-                *last = '\0';
-                *bytesOut = static_cast<std::uint32_t>(next + 1 - readPosition);
-                *linesOut = 1;
-                readPosition = next + 1;
-                return 0;
-            }
-        }
-        out = line;
-    }
     *line = '\0';
     if (IsOpen() == 0) {
         return -1;
@@ -159,13 +228,9 @@ std::int32_t CSourceFile::ReadLine(char* line, std::uint32_t maxLength, std::uin
             start +
             std::min<std::size_t>(static_cast<std::size_t>(endOfData - start), maxLength - used);
         const std::uint8_t* next = start;
-        for (std::size_t count = chunkSize; count == chunkSize && next != end;) {
-            count = run == Run::plain    ? CopyRun<Run::plain>(next, out)
-                    : run == Run::string ? CopyRun<Run::string>(next, out)
-                                         : CopyRun<Run::comment>(next, out);
-            count = std::min(count, static_cast<std::size_t>(end - next));
-            next += count;
-            out += count;
+        while (next != end && !NeedsAttention(*next, run)) {
+            *out++ = run == Run::plain ? Raised(*next) : static_cast<char>(*next);
+            ++next;
         }
         const auto length = static_cast<std::uint32_t>(next - start);
         used += length;
@@ -184,9 +249,7 @@ std::int32_t CSourceFile::ReadLine(char* line, std::uint32_t maxLength, std::uin
         if (c == '\n') {
             ++lines;
             char* const last = findLastSignificant();
-            // Where nothing was stored behind a continuation, its backslash still stands.
-            const bool isStanding = last != nullptr && out == last;
-            if (!isStanding && (last == nullptr || *last != '\\')) {
+            if (last == nullptr || *last != '\\') {
                 break;
             }
             used -= static_cast<std::uint32_t>(out - last);

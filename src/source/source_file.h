@@ -10,10 +10,6 @@
 
 namespace korv {
 
-/// A line buffer has room for this many bytes behind its last character and terminator: what lies
-/// there is undefined.
-inline constexpr std::size_t readSlack = 16;
-
 class CSourceFile {
   public:
     /// Opens the file `name`, exactly as spelled, with a read buffer of at most `maxBufferSize`
@@ -23,7 +19,7 @@ class CSourceFile {
     CSourceFile(const CSourceFile&) = delete;
     CSourceFile& operator=(const CSourceFile&) = delete;
 
-    /// Fills `line`, which has room for `maxLength` + 1 + `readSlack` characters, with the next
+    /// Fills `line`, which has room for `maxLength` + 1 characters, with the next
     /// logical line as terminated text: letters outside double quotes in upper case; comment,
     /// carriage returns and trailing blanks gone; physical lines that end in a backslash joined. A
     /// line of only blanks keeps them. Result: 0, -1 at the end of the file, 41 when the line takes
@@ -40,6 +36,9 @@ class CSourceFile {
     [[nodiscard]] std::int32_t OpenStatus() const;
 
   private:
+    std::size_t ReadPlainLine(char* line, std::uint32_t maxLength);
+    std::int32_t ReadAnyLine(char* line, std::uint32_t maxLength, std::uint32_t* bytesOut,
+                             std::uint32_t* linesOut);
     // Reads the next block. False at the end of the file.
     bool Fill();
 

@@ -44,7 +44,7 @@ std::int32_t AssembleAccumulatorOp(CAssembler* assembler, CStatement* statement,
     if (const std::int32_t result = BeginStatement(assembler, statement, oneOperand); result != 0) {
         return result;
     }
-    return EncodeAccumulatorOp(assembler, statement, 1, group);
+    return EncodeAccumulatorOp(assembler, statement, *statement->args.Arg(1), group);
 }
 
 std::int32_t AssembleStep(CAssembler* assembler, CStatement* statement, const OperandForm& byteForm,

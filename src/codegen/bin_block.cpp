@@ -1,5 +1,6 @@
 #include "codegen/bin_block.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <limits>
@@ -54,12 +55,15 @@ std::uint32_t BinBlock::PutBytes(std::span<const std::uint8_t> bytes) {
 
 std::uint32_t BinBlock::PutZeros(std::uint32_t count) {
     const std::uint32_t start = position;
-    const std::uint64_t end = static_cast<std::uint64_t>(position) + count;
-    if (end > size) {
-        GrowBy(byteStep, end - 1);
+    while (count > 0) {
+        if (position >= size) {
+            GrowBy(byteStep, position);
+        }
+        const std::uint32_t fitting = std::min(count, size - position);
+        std::memset(data + position, 0, fitting);
+        position += fitting;
+        count -= fitting;
     }
-    std::memset(data + position, 0, count);
-    position = static_cast<std::uint32_t>(end);
     return start;
 }
 

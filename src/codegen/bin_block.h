@@ -37,7 +37,7 @@ class BinBlock {
         return position - 2;
     }
     std::uint32_t PutBytes(std::span<const std::uint8_t> bytes);
-    /// Appends `count` zero bytes, with the same growth as that many calls of `PutByte`.
+    /// Appends `count` zero bytes, just as that many calls of `PutByte` do.
     std::uint32_t PutZeros(std::uint32_t count);
 
     /// Overwrites; neither moves `Position`. A position of all bits set writes nothing. Result:

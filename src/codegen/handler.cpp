@@ -52,12 +52,11 @@ void DefineLineLabel(CAssembler* assembler, CStatement* statement) {
     }
 }
 
-std::int32_t SplitOperands(CAssembler* assembler, CStatement* statement, KO_Args* list,
-                           std::int32_t classify) {
+void SplitOperands(CAssembler* assembler, CStatement* statement) {
     // The character that ended the mnemonic: a blank, or the end of the line.
     const char* start = statement->text + statement->position - 1;
     if (*start == '\0') {
-        return 0;
+        return;
     }
     for (bool sawComma = false;; sawComma = true) {
         while (HasClass(*start, CC_BLANK)) {
@@ -71,7 +70,7 @@ std::int32_t SplitOperands(CAssembler* assembler, CStatement* statement, KO_Args
         const bool isLast = *end != ',';
         if (last != start) {
             const std::string_view text(start, static_cast<std::size_t>(last - start));
-            const std::int32_t result = list->Add(text, classify);
+            const std::int32_t result = statement->args.Add(text);
             if (result != 0 && isLast) {
                 assembler->ReportError(statement, result, noText);
             } else if (result != 0) {
@@ -82,7 +81,7 @@ std::int32_t SplitOperands(CAssembler* assembler, CStatement* statement, KO_Args
             assembler->ReportWarning(statement, MSG_EXPECTED_ARGUMENT, noText);
         }
         if (isLast) {
-            return list->Count();
+            return;
         }
         start = end + 1;
     }
@@ -97,7 +96,7 @@ std::int32_t CheckCount(const KO_Args& args, OperandCount wanted) {
 
 std::int32_t BeginStatement(CAssembler* assembler, CStatement* statement, OperandCount wanted) {
     DefineLineLabel(assembler, statement);
-    SplitOperands(assembler, statement, &statement->args, 1);
+    SplitOperands(assembler, statement);
     return CheckCount(statement->args, wanted);
 }
 

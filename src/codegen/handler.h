@@ -19,13 +19,11 @@ using InstructionHandler = std::int32_t (*)(CAssembler* assembler, CStatement* s
 /// defined.
 void DefineLineLabel(CAssembler* assembler, CStatement* statement);
 
-/// Cuts the text behind the mnemonic at its commas and adds each operand to `list`, evaluated when
-/// `classify` is 1. Reports operands that are empty or refused. Result: the number of operands in
-/// the list.
-std::int32_t SplitOperands(CAssembler* assembler, CStatement* statement, KO_Args* list,
-                           std::int32_t classify);
+/// Cuts the text behind the mnemonic at its commas and adds each operand to the list of the
+/// statement, evaluated. Reports operands that are empty or refused.
+void SplitOperands(CAssembler* assembler, CStatement* statement);
 
-/// How many operands a mnemonic takes, and what it answers to more.
+/// How many operands a mnemonic takes.
 struct OperandCount {
     std::int32_t fewest;
     std::int32_t most;

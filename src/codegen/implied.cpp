@@ -7,7 +7,7 @@ namespace korv {
 
 std::int32_t AssembleImplied(CAssembler* assembler, CStatement* statement,
                              std::span<const std::uint8_t> bytes) {
-    SplitOperands(assembler, statement, &statement->args, 1);
+    SplitOperands(assembler, statement);
     DefineLineLabel(assembler, statement);
     if (statement->args.Count() > 0) {
         return MSG_TOO_MANY_ARGUMENTS;

@@ -13,11 +13,7 @@ constexpr std::uint32_t relativeKind = PF_RELATIVE | PF_8BIT;
 // Emits the word of an absolute target and files its patch. Result: as a handler's.
 std::int32_t EmitTarget(CAssembler* assembler, CStatement* statement, const lsArg& target) {
     const std::uint32_t position = assembler->EmitWord(target.value);
-    if (target.status != MSG_UNRESOLVED) {
-        return target.status;
-    }
-    FilePatch(assembler, statement, target, position, PF_16BIT);
-    return 0;
+    return FinishOperand(assembler, statement, target, position, PF_16BIT);
 }
 
 // The distance from the statement to an address that is known.
@@ -59,7 +55,7 @@ std::int32_t HandleJp(CAssembler* assembler, CStatement* statement) {
         return MSG_ILLEGAL_ARGUMENT;
     }
     assembler->EmitByte(opcode);
-    WarnIfOutside(assembler, statement, target, wordRange, target.value);
+    WarnIfOutside(assembler, statement, target, wordRange);
     return EmitTarget(assembler, statement, target);
 }
 

@@ -33,7 +33,7 @@ void EmitOpcode(CAssembler* assembler, std::uint8_t prefix, std::int32_t opcode)
     assembler->EmitByte(opcode);
 }
 
-// The shapes in which only A may be the source, or a register other than those of the opcode field.
+// The shapes in which only A may be the source.
 std::int32_t LoadFromAccumulator(CAssembler* assembler, const lsArg& src, std::uint8_t prefix,
                                  std::int32_t opcode) {
     if (src.reg != REG_A) {
@@ -116,7 +116,7 @@ std::int32_t StoreIndexed(CAssembler* assembler, CStatement* statement, const ls
         assembler->ReportError(statement, MSG_ILLEGAL_ARGUMENT, src.Text());
         return 0;
     }
-    WarnIfOutside(assembler, statement, dst, signedByteRange, dst.value);
+    WarnIfOutside(assembler, statement, dst, signedByteRange);
     const std::uint32_t displacementPosition = assembler->EmitByte(dst.value);
     if (dst.status == MSG_UNRESOLVED) {
         FileExpressionPatch(assembler, statement, dst, displacementPosition, PF_SIGNED | PF_8BIT);
@@ -133,9 +133,7 @@ std::int32_t StoreIndexed(CAssembler* assembler, CStatement* statement, const ls
     if (src.status == MSG_UNRESOLVED) {
         FilePatch(assembler, statement, src, position, PF_8BIT);
     } else if (src.status != 0) {
-        const bool isGeneral = src.status == MSG_GENERAL_FAILURE;
-        assembler->ReportError(statement, isGeneral ? MSG_ILLEGAL_ARGUMENT : src.status,
-                               src.Text());
+        ReportFailedOperand(assembler, statement, src);
     }
     return 0;
 }
@@ -161,13 +159,9 @@ std::int32_t StoreDirect(CAssembler* assembler, CStatement* statement, const lsA
         default:
             return MSG_ILLEGAL_ARGUMENT;
     }
-    WarnIfOutside(assembler, statement, dst, wordRange, dst.value);
+    WarnIfOutside(assembler, statement, dst, wordRange);
     const std::uint32_t position = assembler->EmitWord(dst.value);
-    if (dst.status != MSG_UNRESOLVED) {
-        return dst.status;
-    }
-    FilePatch(assembler, statement, dst, position, PF_16BIT);
-    return 0;
+    return FinishOperand(assembler, statement, dst, position, PF_16BIT);
 }
 
 }  // namespace

@@ -63,18 +63,16 @@ std::int32_t EncodeImmediate(CAssembler* assembler, CStatement* statement, const
         return MSG_ILLEGAL_ARGUMENT;
     }
     assembler->EmitByte(form.immediateOpcode);
-    std::int32_t status = arg.status;
-    if (status == 0 && !arg.IsValue()) {  // a condition
-        status = MSG_ILLEGAL_ARGUMENT;
+    if (!arg.IsValue()) {  // a condition
+        return RefuseOperand(assembler, statement, arg);
     }
-    if (status == MSG_UNRESOLVED) {
+    if (arg.status == MSG_UNRESOLVED) {
         FilePatch(assembler, statement, arg, assembler->binary.Position(), PF_8BIT);
-    } else if (status != 0) {
-        assembler->ReportError(
-            statement, status == MSG_GENERAL_FAILURE ? MSG_ILLEGAL_ARGUMENT : status, arg.Text());
+    } else if (arg.status != 0) {
+        ReportFailedOperand(assembler, statement, arg);
         return 0;
     }
-    WarnIfOutside(assembler, statement, arg, byteRange, arg.value);
+    WarnIfOutside(assembler, statement, arg, byteRange);
     assembler->EmitByte(arg.value);
     return 0;
 }
@@ -93,7 +91,7 @@ std::int32_t EncodeMemory(CAssembler* assembler, CStatement* statement, const ls
         FileExpressionPatch(assembler, statement, arg, assembler->binary.Position(),
                             isIndexed ? displacementKind : PF_16BIT);
     }
-    WarnIfOutside(assembler, statement, arg, isIndexed ? signedByteRange : wordRange, arg.value);
+    WarnIfOutside(assembler, statement, arg, isIndexed ? signedByteRange : wordRange);
     if (isIndexed) {
         assembler->EmitByte(arg.value);
     } else {
@@ -122,9 +120,8 @@ std::int32_t EncodeOperand(CAssembler* assembler, CStatement* statement, const l
     return 0;
 }
 
-std::int32_t EncodeAccumulatorOp(CAssembler* assembler, CStatement* statement, std::int32_t n,
+std::int32_t EncodeAccumulatorOp(CAssembler* assembler, CStatement* statement, const lsArg& arg,
                                  std::int32_t group) {
-    const lsArg& arg = *statement->args.Arg(n);
     const std::int32_t registerOpcode = 0x80 + 8 * group;
     const std::int32_t immediateOpcode = 0xC6 + 8 * group;
     if (IsFieldRegister(arg.reg)) {
@@ -140,7 +137,7 @@ std::int32_t EncodeAccumulatorOp(CAssembler* assembler, CStatement* statement, s
     } else {
         assembler->EmitByte(immediateOpcode);
     }
-    WarnIfOutside(assembler, statement, arg, isIndexed ? signedByteRange : byteRange, arg.value);
+    WarnIfOutside(assembler, statement, arg, isIndexed ? signedByteRange : byteRange);
     const std::uint32_t position = assembler->EmitByte(arg.value);
     if (arg.status != MSG_UNRESOLVED) {
         return arg.status;
@@ -178,7 +175,7 @@ std::int32_t ProcessBSR_Ex(CAssembler* assembler, CStatement* statement, char ki
         op += REG_HL_INDIRECT;
         assembler->EmitByte(IndexPrefix(arg.reg));
         assembler->EmitByte(PREFIX_CB);
-        WarnIfOutside(assembler, statement, arg, signedByteRange, arg.value);
+        WarnIfOutside(assembler, statement, arg, signedByteRange);
         // The displacement stands before the last opcode byte.
         const std::uint32_t position = assembler->EmitByte(arg.value);
         if (arg.status == MSG_UNRESOLVED) {
@@ -194,8 +191,8 @@ std::int32_t ProcessBSR_Ex(CAssembler* assembler, CStatement* statement, char ki
 }
 
 void WarnIfOutside(CAssembler* assembler, const CStatement* statement, const lsArg& arg,
-                   const ValueRange& range, std::int32_t value) {
-    if (!range.Holds(value)) {
+                   const ValueRange& range) {
+    if (!range.Holds(arg.value)) {
         assembler->ReportWarning(statement, range.message, arg.Text());
     }
 }
@@ -222,6 +219,20 @@ std::int32_t FileCopiedPatch(CAssembler* assembler, const CStatement* statement,
     return assembler->identifiers.AddPatch(
         unresolved, CPatchInfoMemBlock::AllocPatchInfo(position, CtmpString(expression), kind,
                                                        OriginOf(*statement), CtmpString()));
+}
+
+std::int32_t FinishOperand(CAssembler* assembler, const CStatement* statement, const lsArg& arg,
+                           std::uint32_t position, std::uint32_t kind) {
+    if (arg.status != MSG_UNRESOLVED) {
+        return arg.status;
+    }
+    FilePatch(assembler, statement, arg, position, kind);
+    return 0;
+}
+
+void ReportFailedOperand(CAssembler* assembler, const CStatement* statement, const lsArg& arg) {
+    const bool isGeneral = arg.status == MSG_GENERAL_FAILURE;
+    assembler->ReportError(statement, isGeneral ? MSG_ILLEGAL_ARGUMENT : arg.status, arg.Text());
 }
 
 }  // namespace korv

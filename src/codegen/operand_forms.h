@@ -75,9 +75,9 @@ struct OperandForm {
 [[nodiscard]] std::int32_t EncodeOperand(CAssembler* assembler, CStatement* statement,
                                          const lsArg& arg, const OperandForm& form);
 
-/// Encodes operand `n` of the group `group` of accumulator operations (bits 5 to 3 of the opcode).
+/// Encodes `arg` in the group `group` of accumulator operations (bits 5 to 3 of the opcode).
 [[nodiscard]] std::int32_t EncodeAccumulatorOp(CAssembler* assembler, CStatement* statement,
-                                               std::int32_t n, std::int32_t group);
+                                               const lsArg& arg, std::int32_t group);
 
 /// Encodes the group with the prefix CB. `kind` is "B" for BIT, "R" for RES, "S" for SET, with the
 /// operand in place 2, or "X" for rotates and shifts, with the operand in place 1; `field` is the
@@ -85,9 +85,9 @@ struct OperandForm {
 [[nodiscard]] std::int32_t ProcessBSR_Ex(CAssembler* assembler, CStatement* statement, char kind,
                                          std::int32_t field);
 
-/// Warns with the text of `arg` when `value` is outside `range`.
+/// Warns with the text of `arg` when its value is outside `range`.
 void WarnIfOutside(CAssembler* assembler, const CStatement* statement, const lsArg& arg,
-                   const ValueRange& range, std::int32_t value);
+                   const ValueRange& range);
 
 /// Files a patch for `arg`, which has no value yet, at `position` of the image. The first form
 /// keeps the whole text of the operand, by a further reference; the others copy the text that they
@@ -99,6 +99,15 @@ std::int32_t FileExpressionPatch(CAssembler* assembler, const CStatement* statem
 std::int32_t FileCopiedPatch(CAssembler* assembler, const CStatement* statement,
                              std::string_view expression, std::string_view unresolved,
                              std::uint32_t position, std::uint32_t kind);
+
+/// The end of a handler whose last act was to emit the value of `arg` at `position`: files a patch
+/// if it is not known yet. Result: 0, or why the expression failed.
+[[nodiscard]] std::int32_t FinishOperand(CAssembler* assembler, const CStatement* statement,
+                                         const lsArg& arg, std::uint32_t position,
+                                         std::uint32_t kind);
+
+/// Reports that the expression of `arg` failed, with its text.
+void ReportFailedOperand(CAssembler* assembler, const CStatement* statement, const lsArg& arg);
 
 /// The statement as the origin of a patch.
 [[nodiscard]] PatchOrigin OriginOf(const CStatement& statement);

@@ -9,6 +9,7 @@
 #include "codegen/recogniser.h"
 
 #include <algorithm>
+#include <string_view>
 
 #include "codegen/keywords.h"
 #include "source/char_class.h"

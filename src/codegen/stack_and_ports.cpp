@@ -1,6 +1,8 @@
 // Stack, exchange, interrupt mode and ports. IN and OUT hold the only undocumented forms that are
 // taken: IN F,(C) and OUT (C),F, with the number 6 in the register field.
 
+#include <array>
+
 #include "codegen/handlers.h"
 #include "codegen/operand_forms.h"
 #include "driver/assembler.h"
@@ -38,11 +40,7 @@ std::int32_t AssemblePort(CAssembler* assembler, CStatement* statement, const ls
         return dataByteRange.message;
     }
     const std::uint32_t position = assembler->EmitByte(number);
-    if (port.status != MSG_UNRESOLVED) {
-        return port.status;
-    }
-    FilePatch(assembler, statement, port, position, PF_8BIT);
-    return 0;
+    return FinishOperand(assembler, statement, port, position, PF_8BIT);
 }
 
 // IN and OUT: `port` is (C) with any byte register or F, or (n) with A alone.

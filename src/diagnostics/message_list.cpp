@@ -18,7 +18,7 @@ std::int32_t CMessageList::SetKind(std::int32_t newKind) {
 
 std::int32_t CMessageList::Report(std::int32_t number, std::string_view text, std::int32_t file,
                                   std::int32_t line) {
-    if (count == capacity) {
+    if (count == capacity) {  // asked before the text is copied: a full list must cost nothing
         return -1;
     }
     CMessage message{number, nullptr, file, line};

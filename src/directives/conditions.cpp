@@ -20,7 +20,7 @@ std::int32_t BeginCondition(CAssembler* assembler, CStatement* statement, Operan
     if (statement->HasLabel()) {
         assembler->ReportError(statement, MSG_LABEL_NOT_ALLOWED, noText);
     }
-    SplitOperands(assembler, statement, &statement->args, 1);
+    SplitOperands(assembler, statement);
     return CheckCount(statement->args, wanted);
 }
 

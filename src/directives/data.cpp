@@ -1,6 +1,8 @@
 // Data: DB for bytes and strings, DW for words, DM for one text, DS for a block of zero bytes. A
 // string's text is the operand's own text with its quotes; there is no escape character.
 
+#include <limits>
+
 #include "codegen/handlers.h"
 #include "codegen/operand_forms.h"
 #include "driver/assembler.h"
@@ -8,7 +10,7 @@
 namespace korv {
 namespace {
 
-constexpr OperandCount anyNumber{1, 0x7FFFFFFF};
+constexpr OperandCount anyNumber{1, std::numeric_limits<std::int32_t>::max()};
 
 enum class StringEnd { closed, textBehind, open };
 
@@ -54,7 +56,7 @@ std::int32_t DefineWord(CAssembler* assembler, CStatement* statement, const lsAr
         assembler->ReportError(statement, MSG_ILLEGAL_ARGUMENT, arg.Text());
         return arg.status;
     }
-    WarnIfOutside(assembler, statement, arg, wordRange, arg.value);
+    WarnIfOutside(assembler, statement, arg, wordRange);
     const std::uint32_t position = assembler->EmitWord(arg.value);
     if (arg.status == MSG_UNRESOLVED) {
         FilePatch(assembler, statement, arg, position, PF_16BIT);

@@ -12,7 +12,7 @@ namespace {
 
 // Splits and counts operands where the label is not defined first.
 std::int32_t BeginWithoutLabel(CAssembler* assembler, CStatement* statement) {
-    SplitOperands(assembler, statement, &statement->args, 1);
+    SplitOperands(assembler, statement);
     return CheckCount(statement->args, oneOperand);
 }
 

@@ -30,13 +30,16 @@ void RunAssembler(const CommandLine& commandLine) {
     assembler->RunFromCommandLine(textOf(commandLine.sourceArgument),
                                   textOf(commandLine.targetArgument),
                                   commandLine.flagString.View());
-    theAssembler = nullptr;  // before the object goes: no hook may reach it any more
+    // Before the object goes, so that no hook reaches it any more; an event interrupts this thread
+    // and runs to its end.
+    theAssembler = nullptr;
 }
 
 }  // namespace
 
 int RunProcess(int argumentCount, char** arguments) {
     static bool isExitRegistered = false;
+    platform::OpenStandardStreams();
     const platform::AllocationFailureHook previousHook =
         platform::SetAllocationFailureHook(OnAllocationFailure);
     if (!isExitRegistered) {

@@ -106,18 +106,15 @@ std::int32_t CAssembler::RunFromCommandLine(std::string_view source, std::string
 }
 
 std::int32_t CAssembler::Run() {
-    if (targetName.empty()) {
-        const platform::PathParts parts = platform::SplitPath(sourceName);
-        targetName = parts.directory;
-        targetName += parts.baseName;
-        targetName += flags.Has(RF_BINARY) ? ".bin" : ".com";
-    }
     if (sourceName.empty()) {
         errors.Report(MSG_NO_SOURCE_NAME, noText, 0, 0);
-    } else if (sourceName == targetName) {
-        errors.Report(MSG_SOURCE_IS_TARGET, noText, 0, 0);
     } else {
-        AssembleSource();
+        DeriveTargetName();
+        if (sourceName == targetName || platform::WouldOverwriteSource(sourceName, targetName)) {
+            errors.Report(MSG_SOURCE_IS_TARGET, noText, 0, 0);
+        } else {
+            AssembleSource();
+        }
     }
 
     const bool gotErrors = ReportErrors();
@@ -136,6 +133,16 @@ std::int32_t CAssembler::Run() {
     CtmpStringManager::ReleaseAll();
     std::fflush(nullptr);
     return 0;
+}
+
+// A target that was not given is named after the source, and stands beside it.
+void CAssembler::DeriveTargetName() {
+    if (targetName.empty()) {
+        const platform::PathParts parts = platform::SplitPath(sourceName);
+        targetName = parts.directory;
+        targetName += parts.baseName;
+        targetName += flags.Has(RF_BINARY) ? ".bin" : ".com";
+    }
 }
 
 // All of the run that depends on the source, up to the last message.

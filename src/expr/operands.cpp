@@ -61,7 +61,22 @@ std::string_view InnerExpression(std::string_view text, std::int32_t* code) {
 
 }  // namespace
 
-std::int32_t KO_Args::Add(std::string_view source, std::int32_t classify) {
+// Makes `arg` the value of `expression`, which is part of its text, whatever becomes of it.
+void KO_Args::Evaluate(std::string_view expression, lsArg* arg) {
+    arg->kind = KIND_VALUE;
+    arg->status = owner->ScanExpression(expression, &arg->value, &arg->unresolved);
+    if (arg->status == 0) {
+        arg->flags |= LA_CONSTANT;
+        return;
+    }
+    arg->expression = expression;
+    if (owner->IsClosedToken(arg->unresolved)) {  // valid until the next scan only
+        arg->closedName.Assign(arg->unresolved);
+        arg->unresolved = arg->closedName.View();
+    }
+}
+
+std::int32_t KO_Args::Add(std::string_view source) {
     const bool isInline = count < 2;
     lsArg* const arg = isInline ? &inlineArgs[count] : new (std::nothrow) lsArg;
     if (arg == nullptr) {
@@ -78,37 +93,20 @@ std::int32_t KO_Args::Add(std::string_view source, std::int32_t classify) {
         arg->flags |= LA_QUOTED;
     }
 
-    if (classify != 0) {
-        const std::string_view name = CandidateName(text, isIndirect);
-        const OperandName* const row = name.empty() ? nullptr : FindOperandName(name);
-        if (row != nullptr) {
-            TakeName(*row, isIndirect, arg);
-        } else {
-            std::string_view expression = text;
-            if (isIndirect) {
-                expression = InnerExpression(text, &arg->reg);
-                if (expression.empty()) {
-                    arg->Reset();
-                    if (!isInline) {
-                        delete arg;
-                    }
-                    return -1;
-                }
-            }
-            arg->status = owner->ScanExpression(expression, &arg->value, &arg->unresolved);
-            if (arg->status == 0) {
-                arg->flags |= LA_CONSTANT;
-            } else {
-                arg->expression = expression;
-                if (arg->status == MSG_UNRESOLVED && arg->unresolved.back() == '"' &&
-                    text.back() != '"') {
-                    // Its closing quote was supplied: it does not lie in the text.
-                    arg->closedName.Assign(arg->unresolved);
-                    arg->unresolved = arg->closedName.View();
-                }
-            }
-            arg->kind = KIND_VALUE;
+    const std::string_view name = CandidateName(text, isIndirect);
+    const OperandName* const row = name.empty() ? nullptr : FindOperandName(name);
+    if (row != nullptr) {
+        TakeName(*row, isIndirect, arg);
+    } else if (!isIndirect) {
+        Evaluate(text, arg);
+    } else if (const std::string_view inner = InnerExpression(text, &arg->reg); !inner.empty()) {
+        Evaluate(inner, arg);
+    } else {
+        arg->Reset();
+        if (!isInline) {
+            delete arg;
         }
+        return -1;
     }
     if (!isInline) {
         (head == nullptr ? head : tail->next) = arg;
@@ -127,11 +125,6 @@ lsArg* KO_Args::Arg(std::int32_t n) {
         arg = arg->next;
     }
     return arg;
-}
-
-const char* KO_Args::Text(std::int32_t n) {
-    const lsArg* const arg = Arg(n);
-    return arg == nullptr ? nullptr : arg->textString.c_str();
 }
 
 }  // namespace korv

@@ -41,7 +41,6 @@ class lsArg {
     std::int32_t value = 0;         ///< of the expression; 0 unless `status` is 0
 
     [[nodiscard]] std::string_view Text() const { return textString.View(); }
-    [[nodiscard]] bool IsRegister() const { return kind == KIND_REGISTER; }
     [[nodiscard]] bool IsValue() const { return kind == KIND_VALUE; }
     [[nodiscard]] bool IsCondition() const { return kind == KIND_CONDITION; }
     [[nodiscard]] bool IsConstant() const { return (flags & LA_CONSTANT) != 0; }
@@ -56,6 +55,8 @@ class lsArg {
     /// Back to the defaults; all references are dropped.
     void Reset() {
         textString.Release();
+        expression = {};
+        unresolved = {};
         closedName.Release();
         next = nullptr;
         condition = -1;
@@ -77,11 +78,11 @@ class KO_Args {
     KO_Args(const KO_Args&) = delete;
     KO_Args& operator=(const KO_Args&) = delete;
 
-    /// Adds the operand `text`, which is not empty and has no blanks at its ends. With `classify` 0
-    /// only the text is kept. Result: 0, or -1 if nothing stands between its parentheses: it is not
-    /// in the list then. What becomes of its expression is in the record. Ends the process when
-    /// there is no memory for a record.
-    std::int32_t Add(std::string_view text, std::int32_t classify);
+    /// Adds the operand `text`, which is not empty and has no blanks at its ends, and evaluates it.
+    /// Result: 0, or -1 if nothing stands between its parentheses: it is not in the list then. What
+    /// becomes of its expression is in the record. Ends the process when there is no memory for a
+    /// record.
+    std::int32_t Add(std::string_view text);
 
     [[nodiscard]] std::int32_t Count() const { return count; }
 
@@ -99,9 +100,6 @@ class KO_Args {
         return arg == &inlineArgs[1] ? head : arg->next;
     }
 
-    /// Text of operand `n`, null when there is no such operand.
-    [[nodiscard]] const char* Text(std::int32_t n);
-
     /// Releases all operands.
     void Clear() {
         if (count != 0) {
@@ -115,6 +113,7 @@ class KO_Args {
     }
 
   private:
+    void Evaluate(std::string_view expression, lsArg* arg);
     void ReleaseOverflow() {
         while (head != nullptr) {
             lsArg* const arg = head;

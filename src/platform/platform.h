@@ -64,7 +64,12 @@ struct PathParts {
 /// cannot be entered.
 [[nodiscard]] bool ChangeDirectory(std::string_view directory);
 
-/// Remembers the current directory, also one without a name, and can go back to it.
+/// Whether the file that is read under the name `source` is the one that `target` names to be
+/// written, since `source` is found only when case is ignored.
+[[nodiscard]] bool WouldOverwriteSource(std::string_view source, std::string_view target);
+
+/// Remembers the current directory, also one that cannot be read or has no name, and can go back to
+/// it.
 class SavedDirectory {
   public:
     SavedDirectory();
@@ -74,7 +79,8 @@ class SavedDirectory {
     void Restore() const;
 
   private:
-    int handle;  // -1: it could not be had, Restore does nothing
+    int handle;        // -1: it could not be had
+    std::string path;  // the way back without a handle
 };
 
 // ----------------------------------------------------------------------------------------------------
@@ -95,8 +101,8 @@ class InputFile {
     [[nodiscard]] bool HasSize() const { return hasSize; }
     /// Size in bytes when opened, 0 without one.
     [[nodiscard]] std::uint64_t Size() const { return size; }
-    /// Reads up to `count` bytes. Result: their number, 0 at the end of the file or on a read
-    /// error.
+    /// Reads up to `count` bytes. Result: their number, 0 at the end of the file, on a read error,
+    /// and when a console event comes while there is nothing to read.
     std::size_t Read(void* buffer, std::size_t count);
     /// Whether a read has failed; the end of the file is no failure.
     [[nodiscard]] bool Failed() const { return failed; }
@@ -116,6 +122,10 @@ enum class FileMode { text, binary };
 // ----------------------------------------------------------------------------------------------------
 // console
 
+/// Makes sure that the standard streams are there: a file opened in the place of a missing one
+/// would get what is printed.
+void OpenStandardStreams();
+
 /// Sets the title of the console's window, if standard output is a console.
 void SetConsoleTitle(const char* title);
 
@@ -130,14 +140,15 @@ inline constexpr int EVENT_SHUTDOWN = 6;
 /// nothing but lock-free atomics and `WriteFromHandler`. Result: 1 when the event was handled.
 using ConsoleHandler = int (*)(int event);
 
-/// Installs `handler`; null puts back what there was before the first one.
+/// Installs `handler`; null puts back what there was before the first one. A close event that the
+/// process was started to ignore stays ignored.
 void SetConsoleHandler(ConsoleHandler handler);
 
 /// Writes to standard output from within a `ConsoleHandler`, past all buffers.
 void WriteFromHandler(std::string_view text);
 
 /// Waits for one key and takes it: on a console without the return key, elsewhere one byte or the
-/// end of the input.
+/// end of the input. A console event counts as a key.
 void WaitForKey();
 
 }  // namespace korv::platform

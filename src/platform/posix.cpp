@@ -31,6 +31,23 @@ bool Exists(const std::string& path) {
     return lstat(path.c_str(), &status) == 0;
 }
 
+// For a handle that serves to go back: needs no right to read the directory, where the system knows
+// such a kind.
+#ifdef O_PATH
+constexpr int directoryHandle = O_PATH;
+#else
+constexpr int directoryHandle = O_RDONLY;
+#endif
+
+bool CurrentDirectory(std::string* path) {
+    std::array<char, PATH_MAX> text;
+    if (getcwd(text.data(), text.size()) == nullptr) {
+        return false;
+    }
+    *path = text.data();
+    return true;
+}
+
 constexpr char Folded(char c) {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c;
 }
@@ -129,11 +146,9 @@ bool FullPath(std::string_view name, std::string* path) {
     const std::string translated = Translated(name);
     std::string joined;
     if (translated.empty() || translated.front() != '/') {
-        std::array<char, PATH_MAX> directory;
-        if (getcwd(directory.data(), directory.size()) == nullptr) {
+        if (!CurrentDirectory(&joined)) {
             return false;
         }
-        joined = directory.data();
         joined += '/';
     }
     joined += translated;
@@ -164,7 +179,18 @@ bool ChangeDirectory(std::string_view directory) {
     return FullPath(directory, &path) && chdir(path.c_str()) == 0;
 }
 
-SavedDirectory::SavedDirectory() : handle(open(".", O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {}
+bool WouldOverwriteSource(std::string_view source, std::string_view target) {
+    std::string sourcePath;
+    std::string targetPath;
+    return !Exists(Translated(source)) && FullPath(source, &sourcePath) &&
+           Exists(Translated(target)) && FullPath(target, &targetPath) && sourcePath == targetPath;
+}
+
+SavedDirectory::SavedDirectory() : handle(open(".", directoryHandle | O_DIRECTORY | O_CLOEXEC)) {
+    if (handle < 0) {
+        CurrentDirectory(&path);
+    }
+}
 
 SavedDirectory::~SavedDirectory() {
     if (handle >= 0) {
@@ -173,11 +199,8 @@ SavedDirectory::~SavedDirectory() {
 }
 
 void SavedDirectory::Restore() const {
-    // A directory that has become unreachable leaves the current one as it is; there is nowhere
-    // else to go.
-    if (handle >= 0 && fchdir(handle) != 0) {
-        return;
-    }
+    // Where that fails there is nowhere else to go.
+    [[maybe_unused]] const int result = handle >= 0 ? fchdir(handle) : chdir(path.c_str());
 }
 
 bool InputFile::Open(std::string_view name) {
@@ -203,16 +226,24 @@ InputFile::~InputFile() {
 std::size_t InputFile::Read(void* buffer, std::size_t count) {
     // One call moves at most this much on any POSIX system.
     constexpr std::size_t mostAtOnce = 0x40000000;
-    ssize_t got = 0;
-    do {
-        got = read(handle, buffer, std::min(count, mostAtOnce));
-    } while (got < 0 && errno == EINTR);
+    // An event that comes while the process waits here for data, as of a pipe, ends the file: the
+    // run has to end.
+    const ssize_t got = read(handle, buffer, std::min(count, mostAtOnce));
     failed = failed || got < 0;
     return got < 0 ? 0 : static_cast<std::size_t>(got);
 }
 
 std::FILE* OpenForWriting(std::string_view name, FileMode mode) {
     return std::fopen(Translated(name).c_str(), mode == FileMode::text ? "w" : "wb");
+}
+
+void OpenStandardStreams() {
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        if (fcntl(stream, F_GETFD) < 0) {
+            // The lowest free number, that is this one, stays in use.
+            [[maybe_unused]] const int opened = open("/dev/null", O_RDWR);
+        }
+    }
 }
 
 void SetConsoleTitle(const char* title) {
@@ -233,10 +264,13 @@ void SetConsoleHandler(ConsoleHandler handler) {
     consoleHandler = handler;
     struct sigaction action = {};
     action.sa_handler = OnSignal;
-    action.sa_flags = SA_RESTART;
+    action.sa_flags = 0;  // what waits for input is to wake up
     sigfillset(&action.sa_mask);
     for (std::size_t i = 0; isFirst && i < signals.size(); ++i) {
         sigaction(signals[i].number, &action, &previousActions[i]);
+        if (signals[i].event == EVENT_CLOSE && previousActions[i].sa_handler == SIG_IGN) {
+            sigaction(signals[i].number, &previousActions[i], nullptr);
+        }
     }
 }
 
@@ -264,8 +298,7 @@ void WaitForKey() {
         tcsetattr(STDIN_FILENO, TCSANOW, &oneKey);
     }
     char key = 0;
-    while (read(STDIN_FILENO, &key, 1) < 0 && errno == EINTR) {
-    }
+    [[maybe_unused]] const ssize_t got = read(STDIN_FILENO, &key, 1);
     if (isTerminal) {
         tcsetattr(STDIN_FILENO, TCSANOW, &before);
     }

@@ -2,9 +2,11 @@
 // the current directory follows the file being read, so a name in an INCLUDE is relative to the
 // file that holds it.
 
+#include <algorithm>
 #include <cstring>
 #include <memory>
 #include <new>
+#include <string>
 
 #include "codegen/handlers.h"
 #include "driver/assembler.h"

@@ -12,6 +12,7 @@
 #include "diagnostics/message_list.h"
 #include "driver/assembler.h"
 #include "source/file_name_registry.h"
+#include "source/short_text.h"
 #include "symbols/identifier_manager.h"
 #include "symbols/patch.h"
 
@@ -84,8 +85,8 @@ std::int32_t CIdentifierManager::Apply(CPatchInfo* patch, CIdentifier** resolved
     std::int32_t value = 0;
     std::string_view unresolved;
     std::int32_t status = 0;
-    if (patch->expression.View().size() == patch->identifier->nameLength) {
-        value = patch->identifier->value;  // the expression is the name that it waited for
+    if (EqualTexts(patch->expression.View(), patch->identifier->Name())) {
+        value = patch->identifier->value;  // nothing but the name that it waited for
         patch->identifier->flags |= IDF_USED;
     } else {
         status = assembler->ScanExpression(patch->expression.View(), &value, &unresolved);

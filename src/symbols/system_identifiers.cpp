@@ -4,6 +4,7 @@
 
 #include "symbols/system_identifiers.h"
 
+#include <algorithm>
 #include <array>
 
 #include "driver/assembler.h"

@@ -1,0 +1,64 @@
+"""What bench/run and bench/check share: the places, the tools, the programs, the counting."""
+import pathlib
+import re
+import shutil
+import subprocess
+import sys
+
+BENCH = pathlib.Path(__file__).resolve().parent
+ROOT = BENCH.parent
+WORK = ROOT / "build" / "bench"  # programs, images and built helpers
+KORV = ROOT / "build" / "release" / "korv"
+SHAPES = ("plain", "dense")
+
+
+def say(text):
+    """Progress: not part of the table, so not on standard output."""
+    print(text, file=sys.stderr, flush=True)
+
+
+def do(*command, **options):
+    """Runs a step that must succeed, its output kept apart from the table."""
+    subprocess.run(command, check=True, stdout=sys.stderr, **options)
+
+
+def require(tools):
+    """Installs the Debian packages whose program is missing; `tools` maps program to package."""
+    missing = sorted({package for tool, package in tools.items() if shutil.which(tool) is None})
+    if missing:
+        say("installing " + " ".join(missing))
+        do("apt-get", "update", "-qq")
+        do("apt-get", "install", "-y", "-qq", *missing)
+
+
+def release_build():
+    """The release build of korv, made if there is none. One that is there is taken as it is."""
+    if not KORV.exists():
+        do("cmake", "--preset", "release", cwd=ROOT)
+        do("cmake", "--build", "--preset", "release", cwd=ROOT)
+    built = KORV.stat().st_mtime
+    newer = [path for path in (ROOT / "src").rglob("*.*") if path.stat().st_mtime > built]
+    if newer:
+        say(f"note: {KORV} is older than {newer[0].name}; to bring it up to date: "
+            "cmake --build --preset release")
+    return KORV
+
+
+def source(lines, shape):
+    """The generated program, in WORK."""
+    WORK.mkdir(parents=True, exist_ok=True)
+    path = WORK / f"{shape}{lines}.asm"
+    with open(path, "wb") as output:
+        command = [BENCH / "generate", str(lines), "--shape", shape]
+        subprocess.run(command, check=True, stdout=output)
+    return path
+
+
+def instructions(command):
+    """Instructions that a program executes, those of the kernel not among them."""
+    valgrind = ["valgrind", "--tool=callgrind", "--callgrind-out-file=/dev/null"]
+    result = subprocess.run([*valgrind, *command], cwd=WORK, capture_output=True)
+    found = re.search(rb"Collected : (\d+)", result.stderr)
+    if not found:
+        sys.exit(f"valgrind gave no count for {command}\n{result.stderr.decode()}")
+    return int(found[1])

@@ -1,0 +1,47 @@
+// The floor under the figures of bench/run: reads the file given in large blocks, passes every byte
+// once through a table of 256 classes, and prints the sum. No assembler can look at its source with
+// less.
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+
+namespace {
+
+// Digits, letters, blanks and quotes each have a class; which numbers they are does not matter
+// here.
+constexpr auto charClass = [] {
+    std::array<std::uint8_t, 256> table{};
+    for (unsigned c = 0; c < 26; ++c) {
+        table['A' + c] = 1;
+        table['a' + c] = 17;
+    }
+    for (unsigned c = '0'; c <= '9'; ++c) {
+        table[c] = 2;
+    }
+    table['\t'] = table[' '] = 8;
+    table['"'] = table[';'] = table['\n'] = 32;
+    return table;
+}();
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    std::FILE* file = argc == 2 ? std::fopen(argv[1], "rb") : nullptr;
+    if (file == nullptr) {
+        std::fputs("usage: floor FILE\n", stderr);
+        return 1;
+    }
+    static std::array<std::uint8_t, 65536> buffer;
+    std::uint64_t sum = 0;
+    std::size_t count = 0;
+    while ((count = std::fread(buffer.data(), 1, buffer.size(), file)) > 0) {
+        for (std::size_t i = 0; i < count; ++i) {
+            sum += charClass[buffer[i]];
+        }
+    }
+    std::fclose(file);
+    std::printf("%llu\n", static_cast<unsigned long long>(sum));
+    return 0;
+}

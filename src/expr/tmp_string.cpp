@@ -46,7 +46,7 @@ void CtmpStringManager::FreeBlock(CtmpStringBlock* block) {
     delete block;
 }
 
-void CtmpStringManager::MakeRoom(std::size_t count) {
+CtmpStringBlock* CtmpStringManager::MakeRoom(std::size_t count) {
     if (head == nullptr) {
         MakeBlock(blockSize);
     }
@@ -56,6 +56,7 @@ void CtmpStringManager::MakeRoom(std::size_t count) {
         // A string longer than a block has one of its own, which nothing else can enter.
         current->isFull = count > blockSize ? 1 : 0;
     }
+    return current;
 }
 
 void CtmpStringManager::ReleaseAll() {

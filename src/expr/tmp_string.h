@@ -28,23 +28,15 @@ struct CtmpStringBlock {
 /// thread uses it.
 class CtmpStringManager {
   public:
-    /// Whether the current block has room for `count` bytes.
-    [[nodiscard]] static bool HasRoom(std::size_t count) {
-        return current != nullptr &&
-               current->used + static_cast<std::int64_t>(count) <= current->size;
-    }
-
-    /// Makes a current block with room for `count` bytes. Ends the process when there is no memory
-    /// for it.
-    static void MakeRoom(std::size_t count);
-
-    /// Takes `count` bytes, for which there is room, and a reference on the block that has them.
-    static char* Alloc(std::size_t count, CtmpStringBlock** block) {
-        char* const text = current->data + current->used;
-        current->used += static_cast<std::int64_t>(count);
-        ++current->refCount;
-        *block = current;
-        return text;
+    /// The current block, with room for `count` bytes. Ends the process when there is no memory for
+    /// one.
+    static CtmpStringBlock* BlockWithRoom(std::size_t count) {
+        CtmpStringBlock* const block = current;
+        if (block != nullptr && block->used + static_cast<std::int64_t>(count) <= block->size)
+            [[likely]] {
+            return block;
+        }
+        return MakeRoom(count);
     }
 
     /// Frees every block, whatever its count. No handle may be released behind this: all holders
@@ -57,6 +49,7 @@ class CtmpStringManager {
 
   private:
     friend class CtmpString;
+    static CtmpStringBlock* MakeRoom(std::size_t count);
     static void MakeBlock(std::size_t size);
     static void FreeBlock(CtmpStringBlock* block);
 
@@ -85,13 +78,16 @@ class CtmpString {
         if (source.data() == nullptr) {
             return;
         }
-        if (!CtmpStringManager::HasRoom(source.size() + 1)) [[unlikely]] {
-            CtmpStringManager::MakeRoom(source.size() + 1);
-        }
-        text = CtmpStringManager::Alloc(source.size() + 1, &block);
+        const std::size_t size = source.size() + 1;
+        CtmpStringBlock* const from = CtmpStringManager::BlockWithRoom(size);
+        char* const copy = from->data + from->used;
+        from->used += static_cast<std::int64_t>(size);
+        ++from->refCount;
+        block = from;
+        text = copy;
         length = source.size();
-        text[length] = '\0';
-        CopyText(text, source);
+        copy[source.size()] = '\0';
+        CopyText(copy, source);
     }
 
     /// Drops the reference; the handle is empty then.

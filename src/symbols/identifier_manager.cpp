@@ -165,7 +165,7 @@ CIdentifierManager::~CIdentifierManager() {
         platform::Free(chunks[i]);
     }
     platform::Free(chunks);
-    platform::Free(index);
+    FreeIndex();
     delete[] buckets;
 }
 
@@ -187,26 +187,22 @@ std::FILE* CIdentifierManager::SetLog(std::FILE* newLog) {
 }
 
 CIdentifier* CIdentifierManager::Find(std::string_view name, std::uint64_t hash) const {
-    if (indexSize == 0) {
-        return nullptr;
-    }
-    for (auto at = static_cast<std::uint32_t>(hash);; ++at) {
-        const IndexEntry& entry = index[at & (indexSize - 1)];
-        if (entry.record == nullptr) {
-            return nullptr;
-        }
-        if (entry.hash == hash && EqualTexts(entry.record->Name(), name)) {
+    auto at = static_cast<std::uint32_t>(hash);
+    for (;;) {
+        const IndexEntry& entry = index[at++ & indexMask];
+        if (entry.record == nullptr ||
+            (entry.hash == hash && EqualTexts(entry.record->Name(), name))) {
             return entry.record;
         }
     }
 }
 
-void CIdentifierManager::Insert(IndexEntry* index, std::uint32_t size, IndexEntry entry) {
+void CIdentifierManager::Insert(IndexEntry* index, std::uint32_t mask, IndexEntry entry) {
     auto at = static_cast<std::uint32_t>(entry.hash);
-    while (index[at & (size - 1)].record != nullptr) {
+    while (index[at & mask].record != nullptr) {
         ++at;
     }
-    index[at & (size - 1)] = entry;
+    index[at & mask] = entry;
 }
 
 CIdentifier* CIdentifierManager::Find(std::string_view name) const {
@@ -218,34 +214,41 @@ CIdentifier* CIdentifierManager::Find(std::string_view name) const {
 // statement.
 CIdentifier* CIdentifierManager::Enter(std::string_view name, std::uint64_t hash) {
     const auto number = static_cast<std::uint32_t>(totalCount);
-    if ((number >= indexSize / 2 && !GrowIndex()) || (number % chunkSize == 0 && !GrowChunks())) {
+    if ((number >= (indexMask + 1) / 2 && !GrowIndex()) ||
+        (number % chunkSize == 0 && !GrowChunks())) {
         return nullptr;
     }
     auto* const record = new (RecordAt(number)) CIdentifier;
     record->name = namePool.Store(name);
     record->nameLength = static_cast<std::uint32_t>(name.size());
     ++totalCount;
-    Insert(index, indexSize, {record, hash});
+    Insert(index, indexMask, {record, hash});
     return record;
 }
 
 bool CIdentifierManager::GrowIndex() {
-    const std::uint32_t grownSize = indexSize == 0 ? 512 : indexSize * 2;
+    const std::uint32_t grownSize = index == &freeEntry ? 512 : (indexMask + 1) * 2;
     auto* const grown =
         static_cast<IndexEntry*>(platform::Allocate(grownSize * sizeof(IndexEntry)));
     if (grown == nullptr) {
         return false;
     }
     std::memset(grown, 0, grownSize * sizeof(IndexEntry));
-    for (std::uint32_t i = 0; i < indexSize; ++i) {
+    for (std::uint32_t i = 0; i <= indexMask; ++i) {
         if (index[i].record != nullptr) {
-            Insert(grown, grownSize, index[i]);
+            Insert(grown, grownSize - 1, index[i]);
         }
     }
-    platform::Free(index);
+    FreeIndex();
     index = grown;
-    indexSize = grownSize;
+    indexMask = grownSize - 1;
     return true;
+}
+
+void CIdentifierManager::FreeIndex() {
+    if (index != &freeEntry) {
+        platform::Free(index);
+    }
 }
 
 bool CIdentifierManager::GrowChunks() {

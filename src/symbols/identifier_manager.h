@@ -143,7 +143,8 @@ class CIdentifierManager {
     [[nodiscard]] CIdentifier* Find(std::string_view name, std::uint64_t hash) const;
     [[nodiscard]] CIdentifier* Find(std::string_view name) const;
     CIdentifier* Enter(std::string_view name, std::uint64_t hash);
-    static void Insert(IndexEntry* index, std::uint32_t size, IndexEntry entry);
+    static void Insert(IndexEntry* index, std::uint32_t mask, IndexEntry entry);
+    void FreeIndex();
     bool GrowIndex();
     bool GrowChunks();
     void LinkChains();
@@ -156,9 +157,10 @@ class CIdentifierManager {
     CIdentifier**
         buckets;  // owned; heads of the sorted chains, linked when somebody looks at the order
     std::int32_t totalCount = 0;
-    std::int32_t waitingCount = 0;  // records with patches
-    IndexEntry* index = nullptr;    // owned; open addressing, a power of 2 in size
-    std::uint32_t indexSize = 0;
+    std::int32_t waitingCount = 0;    // records with patches
+    IndexEntry freeEntry{};           // the index of an empty table
+    IndexEntry* index = &freeEntry;   // owned if it is another; open addressing, at most half full
+    std::uint32_t indexMask = 0;      // its size, a power of 2, less 1
     CIdentifier** chunks = nullptr;   // owned, and so are the chunks
     std::uint32_t chunkCapacity = 0;  // entries of `chunks`
     CNamePool namePool;

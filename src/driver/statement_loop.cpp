@@ -68,8 +68,8 @@ std::int32_t RunHandler(CAssembler* assembler, CStatement* statement) {
         return 0;
     }
     TakeWord(statement, start, start + keyword.length);
-    if (assembler->assembling == 0 && !RunsWhileSkipping(keyword.handler)) [[unlikely]] {
-        return 0;
+    if (assembler->assembling == 0) [[unlikely]] {
+        return RunsWhileSkipping(keyword.handler) ? keyword.handler(assembler, statement) : 0;
     }
     return keyword.handler(assembler, statement);
 }

@@ -78,7 +78,9 @@ void KO_Args::Evaluate(std::string_view expression, lsArg* arg) {
 
 std::int32_t KO_Args::Add(std::string_view source) {
     const bool isInline = count < 2;
-    lsArg* const arg = isInline ? &inlineArgs[count] : new (std::nothrow) lsArg;
+    lsArg* const arg = count == 0   ? &inlineArgs[0]
+                       : count == 1 ? &inlineArgs[1]
+                                    : new (std::nothrow) lsArg;
     if (arg == nullptr) {
         std::printf("Could not allocate memory for lsArg!\n");
         std::exit(-1);

@@ -84,7 +84,7 @@ std::int32_t LoadPair(CAssembler* assembler, CStatement* statement, const lsArg&
     if (src.status != MSG_UNRESOLVED) {
         return src.status;
     }
-    FileCopiedPatch(assembler, statement, src.Text(), src.unresolved, position, PF_16BIT);
+    FileCopiedPatch(assembler, statement, src.Text(), src.Unresolved(), position, PF_16BIT);
     return 0;
 }
 

@@ -204,13 +204,14 @@ PatchOrigin OriginOf(const CStatement& statement) {
 std::int32_t FilePatch(CAssembler* assembler, const CStatement* statement, const lsArg& arg,
                        std::uint32_t position, std::uint32_t kind) {
     return assembler->identifiers.AddPatch(
-        arg.unresolved, CPatchInfoMemBlock::AllocPatchInfo(position, arg.textString, kind,
-                                                           OriginOf(*statement), CtmpString()));
+        arg.Unresolved(), CPatchInfoMemBlock::AllocPatchInfo(position, arg.textString, kind,
+                                                             OriginOf(*statement), CtmpString()));
 }
 
 std::int32_t FileExpressionPatch(CAssembler* assembler, const CStatement* statement,
                                  const lsArg& arg, std::uint32_t position, std::uint32_t kind) {
-    return FileCopiedPatch(assembler, statement, arg.expression, arg.unresolved, position, kind);
+    return FileCopiedPatch(assembler, statement, arg.Expression(), arg.Unresolved(), position,
+                           kind);
 }
 
 std::int32_t FileCopiedPatch(CAssembler* assembler, const CStatement* statement,

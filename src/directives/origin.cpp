@@ -57,7 +57,7 @@ std::int32_t HandleEqu(CAssembler* assembler, CStatement* statement) {
     if (isWaiting) {
         // The patch goes first: an EQU on its own name thus waits for itself.
         assembler->identifiers.AddPatch(
-            arg.unresolved,
+            arg.Unresolved(),
             CPatchInfoMemBlock::AllocPatchInfo(noPosition, arg.textString, PF_EQU | PF_16BIT,
                                                OriginOf(*statement), CtmpString(statement->label)));
     }

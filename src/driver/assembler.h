@@ -120,11 +120,6 @@ class CAssembler {
     /// nodes; 55 number above 65535. `value` is 0 unless it is 0.
     [[nodiscard]] std::int32_t ScanExpression(std::string_view text, std::int32_t* value,
                                               std::string_view* unresolved);
-    /// Whether a name that a scan gave back lies in the scanner's own buffer and not in the text,
-    /// since its closing quote was supplied.
-    [[nodiscard]] bool IsClosedToken(std::string_view name) const {
-        return name.data() == closedToken.data();
-    }
     /// Evaluates one value token, which is not empty. Result: 0, 12, 20, 24 or 55; `value` is set
     /// with 0 only.
     [[nodiscard]] std::int32_t ParseValue(std::string_view token, std::int32_t* value);

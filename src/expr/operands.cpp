@@ -63,16 +63,14 @@ std::string_view InnerExpression(std::string_view text, std::int32_t* code) {
 
 // Makes `arg` the value of `expression`, which is part of its text, whatever becomes of it.
 void KO_Args::Evaluate(std::string_view expression, lsArg* arg) {
+    std::string_view unresolved = "";
     arg->kind = KIND_VALUE;
-    arg->status = owner->ScanExpression(expression, &arg->value, &arg->unresolved);
+    arg->status = owner->ScanExpression(expression, &arg->value, &unresolved);
     if (arg->status == 0) {
         arg->flags |= LA_CONSTANT;
-        return;
-    }
-    arg->expression = expression;
-    if (owner->IsClosedToken(arg->unresolved)) {  // valid until the next scan only
-        arg->closedName.Assign(arg->unresolved);
-        arg->unresolved = arg->closedName.View();
+    } else {
+        arg->expressionString.Assign(expression);
+        arg->unresolvedString.Assign(unresolved);
     }
 }
 

@@ -29,18 +29,20 @@ inline constexpr std::int32_t KIND_CONDITION = 4;
 class lsArg {
   public:
     CtmpString textString;        ///< the operand as written; patches take a further reference
-    std::string_view expression;  ///< the part of it given to ScanExpression, if `status` is not 0
-    std::string_view unresolved;  ///< the name in it that has no value yet, if `status` is 12
-    CtmpString closedName;        ///< holds `unresolved` where it is not part of the text
-    lsArg* next = nullptr;        ///< next record of the overflow chain
-    std::int32_t condition = -1;  ///< condition number 0 to 7, or -1
-    std::int32_t reg = REG_NONE;  ///< REG_* code
-    std::int32_t status = 0;      ///< of ScanExpression; 0 if it succeeded or was not called
-    std::uint32_t flags = 0;      ///< LA_* bits
+    CtmpString expressionString;  ///< the text given to ScanExpression, if `status` is not 0
+    CtmpString
+        unresolvedString;   ///< the name in it without a value yet; empty unless `status` is 12
+    lsArg* next = nullptr;  ///< next record of the overflow chain
+    std::int32_t condition = -1;    ///< condition number 0 to 7, or -1
+    std::int32_t reg = REG_NONE;    ///< REG_* code
+    std::int32_t status = 0;        ///< of ScanExpression; 0 if it succeeded or was not called
+    std::uint32_t flags = 0;        ///< LA_* bits
     std::int32_t kind = KIND_NONE;  ///< KIND_*
     std::int32_t value = 0;         ///< of the expression; 0 unless `status` is 0
 
     [[nodiscard]] std::string_view Text() const { return textString.View(); }
+    [[nodiscard]] std::string_view Expression() const { return expressionString.View(); }
+    [[nodiscard]] std::string_view Unresolved() const { return unresolvedString.View(); }
     [[nodiscard]] bool IsValue() const { return kind == KIND_VALUE; }
     [[nodiscard]] bool IsCondition() const { return kind == KIND_CONDITION; }
     [[nodiscard]] bool IsConstant() const { return (flags & LA_CONSTANT) != 0; }
@@ -55,9 +57,8 @@ class lsArg {
     /// Back to the defaults; all references are dropped.
     void Reset() {
         textString.Release();
-        expression = {};
-        unresolved = {};
-        closedName.Release();
+        expressionString.Release();
+        unresolvedString.Release();
         next = nullptr;
         condition = -1;
         reg = REG_NONE;

@@ -1,0 +1,191 @@
+// What the program does when it dies, is broken off or waits: in a child process.
+
+#include "driver/process.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/ioctl.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <termios.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <functional>
+
+#include "platform/platform.h"
+#include "run.h"
+
+namespace korv_test {
+namespace {
+
+struct Outcome {
+    int status;  // of wait()
+    std::string console;
+};
+
+using Action = std::function<void(pid_t)>;
+
+void Nothing(pid_t) {}
+
+// Runs the program in a child: `prepare` there before it, `meanwhile` here beside it.
+Outcome RunChild(std::vector<std::string> words, const Action& prepare,
+                 const Action& meanwhile = Nothing) {
+    std::vector<char*> argv;
+    for (std::string& word : words) {
+        argv.push_back(word.data());
+    }
+    std::fflush(nullptr);
+    const pid_t child = fork();
+    if (child == 0) {
+        alarm(60);
+        dup2(open("console", O_CREAT | O_TRUNC | O_WRONLY, 0600), STDOUT_FILENO);
+        prepare(child);
+        std::exit(korv::RunProcess(static_cast<int>(argv.size()), argv.data()));
+    }
+    meanwhile(child);
+    int status = 0;
+    waitpid(child, &status, 0);
+    return {status, ReadFile("console").value_or("")};
+}
+
+void Await(const std::function<bool()>& isReached) {
+    for (int i = 0; i < 10000 && !isReached(); ++i) {
+        usleep(1000);
+    }
+}
+
+bool Contains(const std::string& text, const std::string& part) {
+    return text.find(part) != std::string::npos;
+}
+
+// What each owner of memory says when it dies.
+const std::string DEATHS[] = {
+    "Could not allocate more memory! (Size=4096)\n",  // by a byte
+    "Could not allocate more memory! (Size=8192)\n",  // by a word
+    "Could not allocate memory for BinBlock.\n",
+    "Could not allocate more memory.\n",
+    "Could not allocate memory for CPatchInfoMemBlock!\n",
+    "Could not allocate memory for CtmpStringBlock!\n",
+    "Could not allocate memory for lsArg!\n",
+    "realloc error\n",
+};
+
+TEST(FaultTest, AnyAllocationMayFailOnceOrForGood) {
+    const TempDir directory;
+    // clang-format off
+    const std::string dump =
+        "Korv Status Dump.\n----------------------------------------------------\n"
+        "   File depth:          2/2.\n   Conditional depth:   1.\n   Total Linecount:     0.\n"
+        "   Current filename:  " + directory.Path() + "/7\nTemp string info\n----------------\n"
+        "   Block Count:     1.\n     Size: 16384, Reference count:     5, IsFull: 0.\n"
+        "Identifier manager\n------------------\n   Total Count:    95.\n   Table Size:    211.\n"
+        "Binary target manager\n---------------------\n   Block size:  4096.\n   Position:    4096,\n";
+    // clang-format on
+    const std::string firstDeath =
+        "[ERROR!] Failed to allocate 8192 bytes.\n" + dump + DEATHS[0] + dump;
+    std::string source = "L0: DW F0,F1,F2\n IF 1\n INCLUDE 7\n ENDIF\n";
+    std::string included = " DS 4352-$\n DB 1\n DS 8447-$\n DW 5\n";
+    for (int i = 0; i < 1000; ++i) {
+        source += i < 20 ? std::string(200, 'N') + std::to_string(i) + ": DW F0\n" : " DW F2\n";
+        included += i < 90 ? " DB \"" + std::string(200, 'x') + "\"\n" : "";
+    }
+    source += "F0: EQU F1+1\nF1: EQU F2+1\n BINCLUDE Dat.bin\nF2 LD A,F0\n";
+    WriteFile("Good.Kor", source);
+    WriteFile("Bad.Kor", source + " FROB\n LD A,300\n JP NOWHERE\n");
+    WriteFile("7", included);
+    WriteFile("Dat.bin", "data");
+    std::string consoles;
+    for (const auto& [name, allBehind] :
+         {std::pair("Bad.Kor", false), {"Good.Kor", false}, {"Good.Kor", true}}) {
+        const std::vector<std::string> arguments = {"korv", name, "OUT.COM", "/d", "/l"};
+        WriteFile("OUT.COM", "old");
+        const auto run = [&, all = allBehind](int n) {
+            return RunChild(arguments, [n, all](pid_t) { korv::platform::FailAllocation(n, all); });
+        };
+        const auto results = [] {
+            return *ReadFile("OUT.COM") + *ReadFile("Debug.Out") + *ReadFile("Labels.Out");
+        };
+        const std::string right = run(0).console;
+        const std::string rightResults = results();
+        WriteFile("OUT.COM", "old");
+        Outcome outcome;
+        for (int n = 1; (outcome = run(n)).console != right; ++n) {
+            const std::string& console = outcome.console;
+            SCOPED_TRACE(console);
+            ASSERT_EQ("old", ReadFile("OUT.COM")) << n;
+            ASSERT_TRUE(Contains(console, "[ERROR!] Failed to allocate ")) << n;
+            ASSERT_EQ(Contains(console, "error X15 :") ? 0 : 255 << 8, outcome.status) << n;
+            EXPECT_EQ(Contains(console, DEATHS[0]), console.ends_with(firstDeath));
+            consoles += console;
+        }
+        EXPECT_EQ(0, outcome.status);
+        EXPECT_EQ(rightResults, results());
+    }
+    for (const std::string& death : DEATHS) {
+        EXPECT_TRUE(Contains(consoles, death)) << death;
+    }
+}
+
+TEST(BreakTest, EndsTheRunAndLeavesTheTarget) {
+    const TempDir directory;
+    WriteFile("OUT.COM", "old");
+    ASSERT_EQ(0, mkfifo("PIPE", 0600));
+    const std::pair<int, std::string> rows[] = {
+        {SIGINT, "Break"}, {SIGQUIT, "Break"}, {SIGHUP, "Close"}, {SIGTERM, "Shutdown"}};
+    for (const auto& [signal, word] : rows) {
+        const auto breakOff = [number = signal](pid_t child) {
+            const int pipe = open("PIPE", O_RDWR);
+            EXPECT_EQ(6, write(pipe, " DB 1\n", 6));
+            int unread = 0;
+            Await([&] { return ioctl(pipe, FIONREAD, &unread) == 0 && unread == 0; });
+            kill(child, number);
+            EXPECT_EQ(12, write(pipe, " DB 2\n FROB\n", 12));
+            close(pipe);
+        };
+        const auto [status, console] = RunChild({"korv", "PIPE", "OUT.COM"}, Nothing, breakOff);
+        EXPECT_EQ(0, status);
+        EXPECT_EQ("old", ReadFile("OUT.COM"));
+        EXPECT_TRUE(
+            Contains(console, "*\n" + word +
+                                  " received! Aborting program...\n[Korv] GOT 1 ERRORS!\n"
+                                  "Uhm, I DUNNO! ;p(0) : error X15 : Program aborted!\n---"))
+            << console;
+    }
+}
+
+TEST(WaitTest, TakesOneKey) {
+    const TempDir directory;
+    int ends[2];
+    ASSERT_EQ(0, pipe(ends));
+    EXPECT_EQ(2, write(ends[1], "ab", 2));
+    close(ends[1]);
+    const auto fromPipe = [&](pid_t) { dup2(ends[0], STDIN_FILENO); };
+    const std::string console = RunChild({"korv", "/wait"}, fromPipe).console;
+    EXPECT_TRUE(console.ends_with("\nPress a key to continue...\r" + std::string(26, ' ') + '\r'));
+    char left = 0;
+    EXPECT_EQ(1, read(ends[0], &left, 1));
+    EXPECT_EQ(0, RunChild({"korv", "/wait"}, fromPipe).status);  // the end of the input is a key
+    close(ends[0]);
+
+    const int keyboard = posix_openpt(O_RDWR | O_NOCTTY);
+    ASSERT_EQ(0, grantpt(keyboard) | unlockpt(keyboard));
+    const int terminal = open(ptsname(keyboard), O_RDWR | O_NOCTTY);
+    termios before;
+    ASSERT_EQ(0, tcgetattr(terminal, &before));
+    termios now = before;
+    const auto type = [&](pid_t) {
+        Await([&] { return tcgetattr(terminal, &now) == 0 && now.c_lflag != before.c_lflag; });
+        EXPECT_EQ(1, write(keyboard, "x", 1));  // without the return key
+    };
+    const auto fromTerminal = [&](pid_t) { dup2(terminal, STDIN_FILENO); };
+    EXPECT_EQ(0, RunChild({"korv", "/wait"}, fromTerminal, type).status);
+    EXPECT_EQ(0U, now.c_lflag & (ICANON | ECHO));
+    ASSERT_EQ(0, tcgetattr(terminal, &now));
+    EXPECT_EQ(before.c_lflag, now.c_lflag);
+    close(terminal);
+    close(keyboard);
+}
+
+}  // namespace
+}  // namespace korv_test

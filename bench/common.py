@@ -1,7 +1,6 @@
 """What bench/run and bench/check share: the places, the tools, the programs, the counting."""
 import pathlib
 import re
-import shutil
 import subprocess
 import sys
 
@@ -24,23 +23,18 @@ def do(*command, **options):
 
 def require(tools):
     """Installs the Debian packages whose program is missing; `tools` maps program to package."""
-    missing = sorted({package for tool, package in tools.items() if shutil.which(tool) is None})
-    if missing:
-        say("installing " + " ".join(missing))
-        do("apt-get", "update", "-qq")
-        do("apt-get", "install", "-y", "-qq", *missing)
+    do(ROOT / "tools" / "install", *(f"{tool}={package}" for tool, package in tools.items()))
 
 
 def release_build():
     """The release build of korv, made if there is none. One that is there is taken as it is."""
     if not KORV.exists():
-        do("cmake", "--preset", "release", cwd=ROOT)
-        do("cmake", "--build", "--preset", "release", cwd=ROOT)
+        do(ROOT / "tools" / "build", "release")
     built = KORV.stat().st_mtime
     newer = [path for path in (ROOT / "src").rglob("*.*") if path.stat().st_mtime > built]
     if newer:
         say(f"note: {KORV} is older than {newer[0].name}; to bring it up to date: "
-            "cmake --build --preset release")
+            "tools/build release")
     return KORV
 
 

@@ -1,0 +1,110 @@
+// Whole runs from any bytes: a line of switches, the main source, and behind the first byte FE the
+// source B.KOR. The sanitizers see what is wrong inside a run, the checks below what it leaves.
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <sstream>
+#include <vector>
+
+#include "driver/process.h"
+#include "platform/platform.h"
+
+namespace {
+namespace fs = std::filesystem;
+using Files = std::map<std::string, std::string>;  // contents by name
+
+const fs::path directory =
+    fs::canonical(fs::temp_directory_path()) / ("korv-fuzz-" + std::to_string(getpid()));
+int filesRead = 0;
+
+void Require(bool isTrue, const char* otherwise) {
+    if (!isTrue) {
+        std::fprintf(stderr, "korv fuzzer: %s\n", otherwise);
+        std::abort();
+    }
+}
+
+Files FilesAfterRun(std::vector<std::string> words, const Files& sources) {
+    fs::remove_all(directory);
+    fs::create_directory(directory);
+    fs::current_path(directory);
+    fs::create_symlink(".", "Sub");  // names with a directory lead to the same two sources
+    for (const auto& [name, contents] : sources) {
+        std::ofstream(name, std::ios::binary) << contents;
+    }
+    std::vector<char*> argv(words.size());
+    std::transform(words.begin(), words.end(), argv.begin(), [](auto& word) { return &word[0]; });
+    filesRead = 0;
+    const int handle = dup(STDOUT_FILENO);  // the lowest that is free
+    close(handle);
+    Require(korv::RunProcess(static_cast<int>(argv.size()), argv.data()) == 0, "exit status");
+    Require(dup(STDOUT_FILENO) == handle && close(handle) == 0, "file left open");
+    Require(fs::current_path() == directory, "directory");
+    Files files;
+    for (const fs::directory_entry& entry : fs::directory_iterator(directory)) {
+        if (std::ifstream stream(entry.path(), std::ios::binary); entry.is_regular_file()) {
+            files[entry.path().filename()].assign(std::istreambuf_iterator<char>(stream), {});
+        }
+    }
+    return files;
+}
+
+}  // namespace
+
+extern "C" {
+// One line may ask for gigabytes of zeros, and a file that includes itself twice for a thousand
+// files; both is legal and takes its time. So the linker puts these two in front of PutZeros and
+// Restore: a block has 5000 bytes at most, and a run that has read 200 files is broken off.
+std::uint32_t __real__ZN4korv8BinBlock8PutZerosEj(void*, std::uint32_t);
+std::uint32_t __wrap__ZN4korv8BinBlock8PutZerosEj(void* binary, std::uint32_t count) {
+    return __real__ZN4korv8BinBlock8PutZerosEj(binary, std::min(count, 5000U));
+}
+void __real__ZNK4korv8platform14SavedDirectory7RestoreEv(const void*);
+void __wrap__ZNK4korv8platform14SavedDirectory7RestoreEv(const void* saved) {
+    __real__ZNK4korv8platform14SavedDirectory7RestoreEv(saved);
+    korv::OnConsoleEvent(++filesRead == 200 ? korv::platform::EVENT_CTRL_C : -1);
+}
+
+// A line buffer of any size may be asked for; a big one is refused, as by a full memory.
+const char* __asan_default_options() {
+    return "allocator_may_return_null=1:max_allocation_size_mb=64";
+}
+
+int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    std::string text(data, data + size);
+    // In a source this byte can ask for gigabytes of listing, which knows its records by it.
+    std::replace(text.begin(), text.end(), '\xAE', ' ');
+    std::istringstream input(text);
+    std::string line;
+    Files sources;
+    std::getline(input, line);
+    std::getline(input, sources["Main.Kor"], '\xFE');
+    sources["B.KOR"].assign(std::istreambuf_iterator<char>(input), {});
+
+    // Any text may be a switch; other words, and the help, are a target that may be written.
+    std::vector<std::string> words = {"korv", "Main.Kor"};
+    std::istringstream lineInput(line);
+    for (std::string word; words.size() < 10 && lineInput >> word;) {
+        const bool isSwitch = word[0] == '-' && word.find_first_of("?hH") != 1;
+        words.push_back(isSwitch ? word : "Sub\\OUT.COM");
+    }
+    Files files = FilesAfterRun(words, sources);
+    // The size of the read buffer changes nothing, and nothing is left over from the run before.
+    static std::uint32_t runs = 0;
+    if (++runs % 64 == 0) {
+        words.emplace_back("-f:7");
+        Require(FilesAfterRun(words, sources) == files, "second run differs");
+    }
+    // One target or, with errors, none; and the sources are as they were.
+    const std::size_t count = files.contains("Errors.Out") ? 2 : 3;
+    std::erase_if(files, [](const auto& file) { return file.first.ends_with(".Out"); });
+    Require(files.size() == count, "a target too much or none");
+    Require(files["Main.Kor"] == sources["Main.Kor"] && files["B.KOR"] == sources["B.KOR"],
+            "source changed");
+    return 0;
+}
+}

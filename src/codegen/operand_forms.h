@@ -35,11 +35,10 @@ inline constexpr std::uint32_t ALLOW_SP = 0x4000;
 inline constexpr std::uint32_t ALLOW_FIELD = ALLOW_A | ALLOW_B_TO_L | ALLOW_HL_INDIRECT;
 
 /// Bits of `OperandForm::forms`.
-inline constexpr std::uint32_t FORM_IMM8 = 0x001;  ///< an immediate byte may stand here
-inline constexpr std::uint32_t FORM_IX = 0x004;    ///< (IX+d) may stand here
-inline constexpr std::uint32_t FORM_IY = 0x008;    ///< (IY+d) may stand here
-inline constexpr std::uint32_t FORM_DIRECT =
-    0x020;  ///< LD A,(nn): (nn) may stand here, its opcode is fixed
+inline constexpr std::uint32_t FORM_IMM8 = 0x001;    ///< an immediate byte may stand here
+inline constexpr std::uint32_t FORM_IX = 0x004;      ///< (IX+d) may stand here
+inline constexpr std::uint32_t FORM_IY = 0x008;      ///< (IY+d) may stand here
+inline constexpr std::uint32_t FORM_DIRECT = 0x020;  ///< (nn) may stand here: LD A,(nn)
 inline constexpr std::uint32_t FORM_PREFIX = 0x100;  ///< `prefix` goes first
 
 /// Which operands an instruction allows in one place, and its opcodes.

@@ -21,22 +21,21 @@ namespace korv {
 
 class CSourceFile;
 
-inline constexpr std::uint32_t RF_ABORT = 0x0001;  ///< stop after the current statement
-inline constexpr std::uint32_t RF_DEBUG = 0x0002;  ///< collect the debug stream, write Debug.Out
-inline constexpr std::uint32_t RF_DEBUG_SYMBOLS =
-    0x0004;  ///< ... with events of identifiers and files
-inline constexpr std::uint32_t RF_NO_DEBUG_RECORD =
-    0x0008;                                         ///< the current statement gets no debug record
-inline constexpr std::uint32_t RF_LABELS = 0x0010;  ///< write Labels.Out
-inline constexpr std::uint32_t RF_PROGRESS = 0x0040;     ///< show the progress meter
-inline constexpr std::uint32_t RF_TIME = 0x0080;         ///< print the time display
-inline constexpr std::uint32_t RF_MESSAGES = 0x0100;     ///< print the result messages
-inline constexpr std::uint32_t RF_END = 0x0200;          ///< END was executed: all reading stops
-inline constexpr std::uint32_t RF_NO_WARNINGS = 0x0400;  ///< warnings are collected, not printed
-inline constexpr std::uint32_t RF_BINARY = 0x0800;       ///< .bin target with a load header
-inline constexpr std::uint32_t RF_MACRO_BODY =
-    0x1000;  ///< a macro body is recorded; nothing sets it
-inline constexpr std::uint32_t RF_SYSTEM_IDS = 0x2000;  ///< load the reserved words
+// clang-format off
+inline constexpr std::uint32_t RF_ABORT           = 0x0001;  ///< stop after the current statement
+inline constexpr std::uint32_t RF_DEBUG           = 0x0002;  ///< collect the debug stream, write Debug.Out
+inline constexpr std::uint32_t RF_DEBUG_SYMBOLS   = 0x0004;  ///< ... with events of identifiers and files
+inline constexpr std::uint32_t RF_NO_DEBUG_RECORD = 0x0008;  ///< the current statement gets no debug record
+inline constexpr std::uint32_t RF_LABELS          = 0x0010;  ///< write Labels.Out
+inline constexpr std::uint32_t RF_PROGRESS        = 0x0040;  ///< show the progress meter
+inline constexpr std::uint32_t RF_TIME            = 0x0080;  ///< print the time display
+inline constexpr std::uint32_t RF_MESSAGES        = 0x0100;  ///< print the result messages
+inline constexpr std::uint32_t RF_END             = 0x0200;  ///< END was executed: all reading stops
+inline constexpr std::uint32_t RF_NO_WARNINGS     = 0x0400;  ///< warnings are collected, not printed
+inline constexpr std::uint32_t RF_BINARY          = 0x0800;  ///< .bin target with a load header
+inline constexpr std::uint32_t RF_MACRO_BODY      = 0x1000;  ///< a macro body is recorded; nothing sets it
+inline constexpr std::uint32_t RF_SYSTEM_IDS      = 0x2000;  ///< load the reserved words
+// clang-format on
 
 /// The flags word. The console's side sets a bit at any moment, so every change is one atomic
 /// operation. Nothing else is ordered by it: the bit itself is all that is said.
@@ -102,8 +101,7 @@ class CAssembler {
     void WriteTarget(bool gotErrors);
     /// Prints the progress meter.
     virtual void Progress();
-    /// Prints where the run stands and what memory it holds; null is the stream of the run. Result:
-    /// 0.
+    /// Prints where the run stands and what memory it holds; null is the run's stream. Result: 0.
     std::int32_t StatusDump(std::FILE* stream);
 
     // ---- source/include_files.cpp
@@ -152,36 +150,38 @@ class CAssembler {
         warnings.Report(number, text, statement->fileName, statement->lineNumber);
     }
 
+    // ---- the state of the run: what it is, and who may write it
+
     FlagsWord flags;                    ///< RF_* bits; RF_ABORT is set from the console's side too
     std::int32_t totalLines = 0;        ///< line counters of the files that have ended, summed
     std::int32_t fileDepth = 0;         ///< source files open now
     std::int32_t maxFileDepth = 0;      ///< highest `fileDepth` reached
     std::int32_t lineBufferSize = 256;  ///< longest logical line in bytes
-    std::int32_t assembling = 1;  ///< 0 while a condition skips statements; written by conditions
-    std::int32_t conditionDepth = 0;  ///< open levels of IF; written by conditions
-    std::array<std::uint8_t, maxConditions>
-        conditionStack{};    ///< a state byte a level; written by conditions
+    std::int32_t assembling = 1;        ///< 0 while a condition skips statements; by conditions
+    std::int32_t conditionDepth = 0;    ///< open levels of IF; by conditions
+    /// A state byte for each open level; by conditions.
+    std::array<std::uint8_t, maxConditions> conditionStack{};
     std::string sourceName;  ///< main source file, as typed
     std::string targetName;  ///< target file, given or derived
-    std::uint32_t location =
-        comStart;  ///< Z80 address of the next byte; written by emission, ORG, data
-    std::uint32_t statementAddress = 0;  ///< `location` at the start of the current statement
-    const char* currentFileName =
-        nullptr;  ///< full path of the file being read; `fileNames` owns it
+    /// Z80 address of the next byte; by emission, data and ORG.
+    std::uint32_t location = comStart;
+    std::uint32_t statementAddress = 0;  ///< `location` at the start of the statement; by the loop
+    /// Full path of the file being read, null outside of files; `fileNames` owns it.
+    const char* currentFileName = nullptr;
     CMessageList errors;
     CMessageList warnings;
     CFileNameRegistry fileNames;
     std::FILE* output;  ///< where all console reports go; not owned
     BinBlock binary;
     CIdentifierManager identifiers;
-    std::FILE* debugStream = nullptr;      ///< temporary; owned; null without RF_DEBUG
-    std::string targetDirectory;           ///< directory of `targetName`, with its separator
-    std::time_t startTime;                 ///< for the time display
-    std::uint32_t fileBufferSize = 65536;  ///< upper bound of a read buffer in bytes
-    void* currentMacro = nullptr;          ///< the macro being recorded; no command records one
-    std::int32_t startAddress = -1;  ///< start of the target; -1: no ORG fixed it; written by ORG
-    std::uint32_t bytesRead = 0;     ///< source bytes consumed, for the progress meter
-    std::uint32_t bytesTotal = 0;    ///< sizes of all source files opened, for the progress meter
+    std::FILE* debugStream = nullptr;         ///< temporary; owned; null without RF_DEBUG
+    std::string targetDirectory;              ///< directory of `targetName`, with its separator
+    std::time_t startTime;                    ///< for the time display
+    std::uint32_t fileBufferSize = 65536;     ///< upper bound of a read buffer in bytes
+    void* currentMacro = nullptr;             ///< the macro being recorded; no command records one
+    std::int32_t startAddress = -1;           ///< of the target; -1: no ORG fixed it; by ORG
+    std::uint32_t bytesRead = 0;              ///< source bytes consumed, for the progress meter
+    std::uint32_t bytesTotal = 0;             ///< sizes of all files opened, for the progress meter
     std::uint32_t binarySizeAtLineStart = 0;  ///< for the debug record; one for all nested files
 
   private:
@@ -192,8 +192,8 @@ class CAssembler {
                             std::string_view* unresolved);
     std::int32_t OpenAndRun(const std::string& path, std::int32_t fileNumber);
 
-    std::array<char, maxWord + 1>
-        closedToken;  // a token of the scanner whose closing quote was supplied
+    /// A token of the scanner whose closing quote was supplied.
+    std::array<char, maxWord + 1> closedToken;
 };
 
 }  // namespace korv

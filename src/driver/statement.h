@@ -32,7 +32,6 @@ struct CStatement {
 };
 
 /// Bits of `CStatement::flags`.
-inline constexpr std::uint32_t SF_LABEL_DEFINED =
-    0x1;  ///< a handler has defined the label, or taken it over
+inline constexpr std::uint32_t SF_LABEL_DEFINED = 0x1;  ///< the label has been taken care of
 
 }  // namespace korv

@@ -15,10 +15,7 @@ class CAssembler;
 /// Bits of `lsArg::flags`.
 inline constexpr std::uint32_t LA_INDIRECT = 0x01;  ///< in parentheses; also on every register name
 inline constexpr std::uint32_t LA_QUOTED = 0x02;    ///< begins and ends with a double quote
-inline constexpr std::uint32_t LA_CONSTANT =
-    0x04;  ///< has a value now; also on every condition name
-
-/// Values of `lsArg::kind`.
+inline constexpr std::uint32_t LA_CONSTANT = 0x04;  ///< has a value; also on conditions
 inline constexpr std::int32_t KIND_NONE = 0;
 inline constexpr std::int32_t KIND_REGISTER = 1;
 inline constexpr std::int32_t KIND_VALUE = 2;

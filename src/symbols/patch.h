@@ -13,13 +13,11 @@ struct CIdentifier;
 class CPatchInfoMemBlock;
 
 /// Bits of `CPatchInfo::flags`.
-inline constexpr std::uint32_t PF_EQU =
-    0x002;  ///< the value defines an identifier; nothing is written
-inline constexpr std::uint32_t PF_8BIT = 0x008;   ///< one byte at `position`
-inline constexpr std::uint32_t PF_16BIT = 0x010;  ///< a word at `position`, low byte first
-inline constexpr std::uint32_t PF_RELATIVE =
-    0x100;  ///< the byte is the distance from the statement's address + 2
-inline constexpr std::uint32_t PF_SIGNED = 0x400;  ///< the range check is signed
+inline constexpr std::uint32_t PF_EQU = 0x002;       ///< defines an identifier, writes nothing
+inline constexpr std::uint32_t PF_8BIT = 0x008;      ///< one byte at `position`
+inline constexpr std::uint32_t PF_16BIT = 0x010;     ///< a word at `position`, low byte first
+inline constexpr std::uint32_t PF_RELATIVE = 0x100;  ///< the byte is a distance from `address`
+inline constexpr std::uint32_t PF_SIGNED = 0x400;    ///< the range check is signed
 
 /// `position` of a patch that writes nothing.
 inline constexpr std::uint32_t noPosition = 0xFFFFFFFF;
@@ -36,10 +34,11 @@ struct PatchOrigin {
 /// identifier, which owns it.
 class CPatchInfo {
   public:
-    /// A patch that takes over the references of the given handles. `name` is empty unless `flags`
-    /// has PF_EQU.
+    /// A patch with a further reference on the texts of the given handles. `name` is empty unless
+    /// `flags` has PF_EQU.
     CPatchInfo(CPatchInfoMemBlock* owner, std::uint32_t slot, std::uint32_t position,
-               CtmpString expression, std::uint32_t flags, PatchOrigin origin, CtmpString name)
+               const CtmpString& expression, std::uint32_t flags, PatchOrigin origin,
+               const CtmpString& name)
         : owner(owner),
           slot(slot),
           position(position),
@@ -54,12 +53,11 @@ class CPatchInfo {
     const std::uint32_t slot;           ///< its index there
     CPatchInfo* next = nullptr;         ///< next patch of the identifier's chain
     CIdentifier* identifier = nullptr;  ///< the one on whose chain it hangs; not owned
-    CPatchInfo* parent =
-        nullptr;  ///< while an EQU is worked: the patch that gave the EQU its value
-    const std::uint32_t position;  ///< offset in the target of what is overwritten
-    const CtmpString expression;   ///< the text to evaluate again
-    const CtmpString name;         ///< PF_EQU: the identifier that the value defines; else empty
-    const std::uint32_t flags;     ///< PF_* bits
+    CPatchInfo* parent = nullptr;       ///< while an EQU is worked: the patch above
+    const std::uint32_t position;       ///< offset in the target of what is overwritten
+    const CtmpString expression;        ///< the text to evaluate again
+    const CtmpString name;      ///< PF_EQU: the identifier that the value defines; else empty
+    const std::uint32_t flags;  ///< PF_* bits
     const PatchOrigin origin;
 };
 
@@ -88,12 +86,11 @@ class CPatchInfoMemBlock {
     static void ReleaseBlocks();
 
     std::uint32_t head = 0;  // ring index of the next free slot; the ring is empty at `tail`
-    std::uint32_t tail = slotCount - 1;       // ring index of the slot given back last
-    std::uint32_t ring[slotCount];            // free slots
-    CPatchInfo* records = nullptr;            // owned, raw memory for `slotCount` records
-    CPatchInfoMemBlock* nextBlock = nullptr;  // all blocks
-    CPatchInfoMemBlock* nextWithRoom =
-        nullptr;  // blocks with a free slot, the one to take from first
+    std::uint32_t tail = slotCount - 1;          // ring index of the slot given back last
+    std::uint32_t ring[slotCount];               // free slots
+    CPatchInfo* records = nullptr;               // owned, raw memory for `slotCount` records
+    CPatchInfoMemBlock* nextBlock = nullptr;     // all blocks
+    CPatchInfoMemBlock* nextWithRoom = nullptr;  // blocks with a free slot
 
     static CPatchInfoMemBlock* blocks;
     static CPatchInfoMemBlock* blocksWithRoom;

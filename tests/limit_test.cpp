@@ -115,11 +115,13 @@ TEST(LimitTest, LongSources) {
     using Text = std::string;
     const auto word = [](int n) { return Text{static_cast<char>(n), static_cast<char>(n >> 8)}; };
     const auto ifs = [](Text) { return " IF 1\n"; };
+    const auto endifs = [](Text) { return " ENDIF\n"; };
     const struct {
         Text source, argument, message, image;  // a message or an image
     } rows[] = {
-        {Repeated(32, ifs) + " DB 7\n" + Repeated(32, [](Text) { return " ENDIF\n"; }), "/m-", "", "\7"},
+        {Repeated(32, ifs) + " DB 7\n" + Repeated(32, endifs), "/m-", "", "\7"},
         {Repeated(33, ifs), "/m-", "Main.Kor(33) : error X36 : ", ""},
+        {Repeated(33, ifs) + Repeated(33, endifs), "/m-", "Main.Kor(66) : error X34 : ", ""},
         {"\n\n@", "/linelen:1", "Main.Kor(3) : warning X57 : ", ""},
         {"\n\n@\n", "/linelen:1", "Main.Kor(3) : error X41 : ", ""},
         {" DB 7\n", "/linelen:2147483647", "", "\7"},

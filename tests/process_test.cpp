@@ -39,7 +39,7 @@ Outcome RunChild(std::vector<std::string> words, const Action& prepare,
     const pid_t child = fork();
     if (child == 0) {
         alarm(60);
-        dup2(open("console", O_CREAT | O_TRUNC | O_WRONLY, 0600), STDOUT_FILENO);
+        CaptureConsole();
         prepare(child);
         std::exit(korv::RunProcess(static_cast<int>(argv.size()), argv.data()));
     }

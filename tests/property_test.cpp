@@ -7,8 +7,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <filesystem>
-#include <fstream>
 #include <random>
 #include <regex>
 
@@ -33,26 +31,13 @@ std::string Joined(const Lines& lines, const std::string& end = "\n") {
     return text;
 }
 
-// All instructions of the tables with their bytes.
-std::vector<std::pair<std::string, std::string>> AllInstructions() {
-    std::vector<std::pair<std::string, std::string>> all = {{"DB 5,-128,$FF", "0580FF"},
-                                                            {"DW 1234,-2", "D204FEFF"}};
-    const std::regex row("([^#\\[]+)(\\[([^\\]]*)\\])?(.*) = (.*)");
-    for (const auto& entry : std::filesystem::directory_iterator(TestsDirectory() + "/encodings")) {
-        std::ifstream table(entry.path());
-        std::smatch match;
-        for (std::string line; std::getline(table, line);) {
-            if (std::regex_match(line, match, row)) {
-                Lines left = SplitWords(ReplaceAll(match[3], "|", " "));
-                left.resize(std::max<std::size_t>(left.size(), 1));
-                const Lines right = SplitWords(ReplaceAll(ReplaceAll(match[5], " ", ""), "|", " "));
-                for (std::size_t i = 0; i < right.size(); ++i) {
-                    all.emplace_back(match[1].str() + left.at(i) + match[4].str(), right[i]);
-                }
-            }
-        }
+// All instructions of the tables, and some data, in any order.
+std::vector<Encoding> AllInstructions() {
+    std::vector<Encoding> all = {{"DB 5,-128,$FF", "0580FF"}, {"DW 1234,-2", "D204FEFF"}};
+    for (const std::string& path : TablesIn("encodings")) {
+        const std::vector<Encoding> encodings = ReadEncodings(path);
+        all.insert(all.end(), encodings.begin(), encodings.end());
     }
-    std::sort(all.begin(), all.end());
     std::shuffle(all.begin(), all.end(), chance);
     return all;
 }
@@ -121,7 +106,7 @@ TEST(PropertyTest, HoldsForProgramsMadeByChance) {
         const TempDir directory;
         Program program;
         for (const std::size_t end = std::min(next + 40, all.size()); next < end; ++next) {
-            program.Append(all[next].first, all[next].second);
+            program.Append(all[next].instruction, all[next].bytes);
         }
         const std::string body = Joined(program.body);
         const std::string definitions = Joined(program.definitions);

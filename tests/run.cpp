@@ -1,7 +1,9 @@
 #include "run.h"
 
+#include <fcntl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
@@ -17,19 +19,15 @@ namespace {
 // The file that a run with `arguments` is to write.
 std::string TargetName(const std::vector<std::string>& arguments) {
     std::vector<std::string> names;
-    bool isBinary = false;
+    const char* extension = ".com";
     for (const std::string& word : arguments) {
-        const bool isSwitch = word[0] == '-' || (word[0] == '/' && word.rfind('/') == 0);
-        isBinary = isBinary || word.substr(1) == "b";
-        if (!isSwitch) {
+        extension = word == "/b" ? ".bin" : extension;
+        if (word[0] != '-' && (word[0] != '/' || word.rfind('/') != 0)) {
             names.push_back(word);
         }
     }
-    if (names.size() > 1) {
-        return names[1];
-    }
-    const fs::path source = names.empty() ? "Main.Kor" : names[0];
-    return (source.parent_path() / source.stem()).string() + (isBinary ? ".bin" : ".com");
+    names.resize(std::max<std::size_t>(names.size(), 1), "Main.Kor");
+    return names.size() > 1 ? names[1] : fs::path(names[0]).replace_extension(extension).string();
 }
 
 }  // namespace
@@ -41,26 +39,21 @@ RunResult RunKorv(const std::vector<std::string>& arguments) {
     for (std::string& word : words) {
         argv.push_back(word.data());
     }
-    std::fflush(stdout);
-    std::FILE* const capture = std::tmpfile();
     const int savedOutput = dup(STDOUT_FILENO);
-    dup2(fileno(capture), STDOUT_FILENO);
+    CaptureConsole();
     const int status = korv::RunProcess(static_cast<int>(argv.size()), argv.data());
     std::fflush(stdout);
     dup2(savedOutput, STDOUT_FILENO);
     close(savedOutput);
+    const std::string end = status == 0 ? "" : "exit status " + std::to_string(status) + "\n";
+    return {ReadFile("console").value_or("") + end, ReadFile(TargetName(arguments))};
+}
 
-    RunResult result;
-    std::rewind(capture);
-    for (int c = std::fgetc(capture); c != EOF; c = std::fgetc(capture)) {
-        result.console += static_cast<char>(c);
-    }
-    std::fclose(capture);
-    if (status != 0) {
-        result.console += "exit status " + std::to_string(status) + "\n";
-    }
-    result.target = ReadFile(TargetName(arguments));
-    return result;
+void CaptureConsole() {
+    std::fflush(stdout);
+    const int file = open("console", O_CREAT | O_TRUNC | O_WRONLY, 0600);
+    dup2(file, STDOUT_FILENO);
+    close(file);
 }
 
 TempDir::TempDir() : previous(fs::current_path()) {
@@ -91,14 +84,40 @@ void WriteFile(const std::string& name, std::string_view contents) {
     std::ofstream(name, std::ios::binary) << contents;
 }
 
-std::string ExamplesDirectory() {
-    return KORV_SOURCE_DIR "/examples";
+std::string ProjectPath(const std::string& part) {
+    return KORV_SOURCE_DIR "/" + part;
 }
-std::string TestsDirectory() {
-    return KORV_SOURCE_DIR "/tests";
+
+std::vector<std::string> TablesIn(const std::string& folder) {
+    std::vector<std::string> tables;
+    for (const auto& entry : fs::directory_iterator(ProjectPath("tests/" + folder))) {
+        tables.push_back(entry.path());
+    }
+    std::sort(tables.begin(), tables.end());
+    return tables;
 }
-std::string DocsDirectory() {
-    return KORV_SOURCE_DIR "/docs";
+
+std::vector<Encoding> ReadEncodings(const std::string& path) {
+    std::ifstream table(path);
+    std::vector<Encoding> encodings;
+    for (std::string line; std::getline(table, line);) {
+        if (line.empty() || line[0] == '#') {
+            continue;
+        }
+        const std::size_t equals = line.rfind(" = ");
+        const std::string left = line.substr(0, equals);
+        const std::size_t open = std::min(left.find('['), equals);
+        const std::size_t close = std::min(left.find(']'), equals);
+        std::istringstream alternatives(open < close ? left.substr(open + 1, close - open - 1)
+                                                     : "");
+        std::istringstream groups(ReplaceAll(line.substr(equals + 3), " ", ""));
+        for (std::string alternative, bytes; std::getline(groups, bytes, '|');) {
+            std::getline(alternatives, alternative, '|');
+            const std::string end = open < close ? left.substr(close + 1) : "";
+            encodings.push_back({left.substr(0, open) + alternative + end, bytes});
+        }
+    }
+    return encodings;
 }
 
 std::string ToHex(std::string_view bytes) {
@@ -110,15 +129,6 @@ std::string ToHex(std::string_view bytes) {
         hex += {digits[byte >> 4], digits[byte & 15]};
     }
     return hex;
-}
-
-std::vector<std::string> SplitWords(std::string_view text) {
-    std::istringstream stream{std::string(text)};
-    std::vector<std::string> words;
-    for (std::string word; stream >> word;) {
-        words.push_back(word);
-    }
-    return words;
 }
 
 std::string ReplaceAll(std::string text, std::string_view from, std::string_view to) {

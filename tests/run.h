@@ -14,7 +14,7 @@ struct RunResult {
     std::optional<std::string> target;  ///< bytes of the target, if there is one behind the run
 };
 
-/// Runs the program with `arguments`, in the current directory.
+/// Runs the program with `arguments`, in the current directory; leaves a file `console` there.
 RunResult RunKorv(const std::vector<std::string>& arguments);
 
 /// Enters an empty directory; leaves and removes it at the end.
@@ -34,13 +34,24 @@ class TempDir {
 std::optional<std::string> ReadFile(const std::string& name);
 /// Makes the directories of `name` as well.
 void WriteFile(const std::string& name, std::string_view contents);
-/// The absolute paths of the project's folders.
-std::string ExamplesDirectory();
-std::string TestsDirectory();
-std::string DocsDirectory();
+
+/// The absolute path of a part of the project.
+std::string ProjectPath(const std::string& part);
+/// The files in a folder of tests/, in order.
+std::vector<std::string> TablesIn(const std::string& folder);
+
+struct Encoding {
+    std::string instruction;
+    std::string bytes;  ///< hexadecimal, without blanks
+};
+
+/// A table of encodings: "LD [B|C],5 = 06 05|0E 05" is two of them.
+std::vector<Encoding> ReadEncodings(const std::string& path);
+
+/// Sends what this process prints to the file `console`.
+void CaptureConsole();
 
 std::string ToHex(std::string_view bytes);
-std::vector<std::string> SplitWords(std::string_view text);
 std::string ReplaceAll(std::string text, std::string_view from, std::string_view to);
 
 }  // namespace korv_test

@@ -7,6 +7,7 @@
 
 #include <cstdlib>
 #include <new>
+#include <utility>
 
 #include "driver/assembler.h"
 #include "source/char_class.h"
@@ -74,15 +75,31 @@ void KO_Args::Evaluate(std::string_view expression, lsArg* arg) {
     }
 }
 
-std::int32_t KO_Args::Add(std::string_view source) {
-    const bool isInline = count < 2;
-    lsArg* const arg = count == 0   ? &inlineArgs[0]
-                       : count == 1 ? &inlineArgs[1]
-                                    : new (std::nothrow) lsArg;
+KO_Args::~KO_Args() {
+    Clear();
+    while (spare != nullptr) {
+        delete std::exchange(spare, spare->next);
+    }
+}
+
+// A record for operand 3 or later, at its defaults.
+lsArg* KO_Args::NewRecord() {
+    if (spare != nullptr) {
+        lsArg* const arg = std::exchange(spare, spare->next);
+        arg->next = nullptr;
+        return arg;
+    }
+    auto* const arg = new (std::nothrow) lsArg;
     if (arg == nullptr) {
         std::printf("Could not allocate memory for lsArg!\n");
         std::exit(-1);
     }
+    return arg;
+}
+
+std::int32_t KO_Args::Add(std::string_view source) {
+    const bool isInline = count < 2;
+    lsArg* const arg = count == 0 ? &inlineArgs[0] : count == 1 ? &inlineArgs[1] : NewRecord();
     arg->textString.Assign(source);
     // From here on the text is the copy: what it is evaluated from lives as long as the operand.
     const std::string_view text = arg->Text();
@@ -104,7 +121,8 @@ std::int32_t KO_Args::Add(std::string_view source) {
     } else {
         arg->Reset();
         if (!isInline) {
-            delete arg;
+            arg->next = spare;
+            spare = arg;
         }
         return -1;
     }

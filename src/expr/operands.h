@@ -54,8 +54,10 @@ class lsArg {
     /// Back to the defaults; all references are dropped.
     void Reset() {
         textString.Release();
-        expressionString.Release();
-        unresolvedString.Release();
+        if (status != 0) {
+            expressionString.Release();
+            unresolvedString.Release();
+        }
         next = nullptr;
         condition = -1;
         reg = REG_NONE;
@@ -72,7 +74,7 @@ class KO_Args {
   public:
     /// `owner` evaluates the expressions; it is not owned.
     explicit KO_Args(CAssembler* owner) : owner(owner) {}
-    ~KO_Args() { Clear(); }
+    ~KO_Args();
     KO_Args(const KO_Args&) = delete;
     KO_Args& operator=(const KO_Args&) = delete;
 
@@ -112,11 +114,14 @@ class KO_Args {
 
   private:
     void Evaluate(std::string_view expression, lsArg* arg);
+    lsArg* NewRecord();
     void ReleaseOverflow() {
         while (head != nullptr) {
             lsArg* const arg = head;
             head = arg->next;
-            delete arg;
+            arg->Reset();
+            arg->next = spare;
+            spare = arg;
         }
         tail = nullptr;
     }
@@ -124,6 +129,7 @@ class KO_Args {
     std::int32_t count = 0;
     lsArg* head = nullptr;  // owned; the overflow chain
     lsArg* tail = nullptr;
+    lsArg* spare = nullptr;  // owned; released records, so that a line of data allocates nothing
     lsArg inlineArgs[2];
     CAssembler* owner;
 };

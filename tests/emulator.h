@@ -124,7 +124,7 @@ class Emulator {
     static constexpr int STEP_LIMIT = 5'000'000;
 
     std::array<std::uint8_t, 0x10000> memory{};
-    std::string_view pendingInput;  // the part of RunCom's `input` that is not read yet
+    std::string_view pendingInput;  // what RunCom's `input` still holds
     std::string output;
     Z80EX_CONTEXT* cpu;  // owned
 };

@@ -39,14 +39,6 @@ std::int32_t AssembleWithCarry(CAssembler* assembler, CStatement* statement,
     }
 }
 
-std::int32_t AssembleAccumulatorOp(CAssembler* assembler, CStatement* statement,
-                                   std::int32_t group) {
-    if (const std::int32_t result = BeginStatement(assembler, statement, oneOperand); result != 0) {
-        return result;
-    }
-    return EncodeAccumulatorOp(assembler, statement, *statement->args.Arg(1), group);
-}
-
 std::int32_t AssembleStep(CAssembler* assembler, CStatement* statement, const OperandForm& byteForm,
                           std::int32_t pairOpcode) {
     if (const std::int32_t result = BeginStatement(assembler, statement, oneOperand); result != 0) {
@@ -103,24 +95,12 @@ std::int32_t HandleSbc(CAssembler* assembler, CStatement* statement) {
     return AssembleWithCarry(assembler, statement, sbcA, sbcHl);
 }
 
-std::int32_t HandleSub(CAssembler* assembler, CStatement* statement) {
-    return AssembleAccumulatorOp(assembler, statement, 2);
-}
-
-std::int32_t HandleAnd(CAssembler* assembler, CStatement* statement) {
-    return AssembleAccumulatorOp(assembler, statement, 4);
-}
-
-std::int32_t HandleXor(CAssembler* assembler, CStatement* statement) {
-    return AssembleAccumulatorOp(assembler, statement, 5);
-}
-
-std::int32_t HandleOr(CAssembler* assembler, CStatement* statement) {
-    return AssembleAccumulatorOp(assembler, statement, 6);
-}
-
-std::int32_t HandleCp(CAssembler* assembler, CStatement* statement) {
-    return AssembleAccumulatorOp(assembler, statement, 7);
+std::int32_t AssembleAccumulatorOp(CAssembler* assembler, CStatement* statement,
+                                   std::int32_t group) {
+    if (const std::int32_t result = BeginStatement(assembler, statement, oneOperand); result != 0) {
+        return result;
+    }
+    return EncodeAccumulatorOp(assembler, statement, *statement->args.Arg(1), group);
 }
 
 std::int32_t HandleInc(CAssembler* assembler, CStatement* statement) {

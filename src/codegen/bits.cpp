@@ -6,7 +6,6 @@
 #include "driver/assembler.h"
 
 namespace korv {
-namespace {
 
 std::int32_t AssembleBit(CAssembler* assembler, CStatement* statement, char kind) {
     if (const std::int32_t result = BeginStatement(assembler, statement, twoOperands);
@@ -28,48 +27,6 @@ std::int32_t AssembleShift(CAssembler* assembler, CStatement* statement, std::in
         return result;
     }
     return ProcessBSR_Ex(assembler, statement, 'X', field);
-}
-
-}  // namespace
-
-std::int32_t HandleBit(CAssembler* assembler, CStatement* statement) {
-    return AssembleBit(assembler, statement, 'B');
-}
-
-std::int32_t HandleRes(CAssembler* assembler, CStatement* statement) {
-    return AssembleBit(assembler, statement, 'R');
-}
-
-std::int32_t HandleSet(CAssembler* assembler, CStatement* statement) {
-    return AssembleBit(assembler, statement, 'S');
-}
-
-std::int32_t HandleRlc(CAssembler* assembler, CStatement* statement) {
-    return AssembleShift(assembler, statement, 0);
-}
-
-std::int32_t HandleRrc(CAssembler* assembler, CStatement* statement) {
-    return AssembleShift(assembler, statement, 1);
-}
-
-std::int32_t HandleRl(CAssembler* assembler, CStatement* statement) {
-    return AssembleShift(assembler, statement, 2);
-}
-
-std::int32_t HandleRr(CAssembler* assembler, CStatement* statement) {
-    return AssembleShift(assembler, statement, 3);
-}
-
-std::int32_t HandleSla(CAssembler* assembler, CStatement* statement) {
-    return AssembleShift(assembler, statement, 4);
-}
-
-std::int32_t HandleSra(CAssembler* assembler, CStatement* statement) {
-    return AssembleShift(assembler, statement, 5);
-}
-
-std::int32_t HandleSrl(CAssembler* assembler, CStatement* statement) {
-    return AssembleShift(assembler, statement, 7);
 }
 
 }  // namespace korv

@@ -1,4 +1,5 @@
 /// All handlers, by the file that defines them. The keyword table says which word leads to which.
+/// Instructions that differ in a number alone share a template.
 #pragma once
 
 #include <cstdint>
@@ -16,26 +17,30 @@ std::int32_t HandleLd(CAssembler* assembler, CStatement* statement);
 // codegen/arithmetic.cpp
 std::int32_t HandleAdc(CAssembler* assembler, CStatement* statement);
 std::int32_t HandleAdd(CAssembler* assembler, CStatement* statement);
-std::int32_t HandleAnd(CAssembler* assembler, CStatement* statement);
-std::int32_t HandleCp(CAssembler* assembler, CStatement* statement);
 std::int32_t HandleDec(CAssembler* assembler, CStatement* statement);
 std::int32_t HandleInc(CAssembler* assembler, CStatement* statement);
-std::int32_t HandleOr(CAssembler* assembler, CStatement* statement);
 std::int32_t HandleSbc(CAssembler* assembler, CStatement* statement);
-std::int32_t HandleSub(CAssembler* assembler, CStatement* statement);
-std::int32_t HandleXor(CAssembler* assembler, CStatement* statement);
+
+/// `group` is the number in bits 5 to 3 of the opcode.
+std::int32_t AssembleAccumulatorOp(CAssembler* assembler, CStatement* statement,
+                                   std::int32_t group);
+template <std::int32_t group>
+std::int32_t HandleAccumulatorOp(CAssembler* assembler, CStatement* statement) {
+    return AssembleAccumulatorOp(assembler, statement, group);
+}
 
 // codegen/bits.cpp
-std::int32_t HandleBit(CAssembler* assembler, CStatement* statement);
-std::int32_t HandleRes(CAssembler* assembler, CStatement* statement);
-std::int32_t HandleSet(CAssembler* assembler, CStatement* statement);
-std::int32_t HandleRl(CAssembler* assembler, CStatement* statement);
-std::int32_t HandleRlc(CAssembler* assembler, CStatement* statement);
-std::int32_t HandleRr(CAssembler* assembler, CStatement* statement);
-std::int32_t HandleRrc(CAssembler* assembler, CStatement* statement);
-std::int32_t HandleSla(CAssembler* assembler, CStatement* statement);
-std::int32_t HandleSra(CAssembler* assembler, CStatement* statement);
-std::int32_t HandleSrl(CAssembler* assembler, CStatement* statement);
+/// `kind` and `field` are those of ProcessBSR_Ex.
+std::int32_t AssembleBit(CAssembler* assembler, CStatement* statement, char kind);
+std::int32_t AssembleShift(CAssembler* assembler, CStatement* statement, std::int32_t field);
+template <char kind>
+std::int32_t HandleBit(CAssembler* assembler, CStatement* statement) {
+    return AssembleBit(assembler, statement, kind);
+}
+template <std::int32_t field>
+std::int32_t HandleShift(CAssembler* assembler, CStatement* statement) {
+    return AssembleShift(assembler, statement, field);
+}
 
 // codegen/jumps.cpp
 std::int32_t HandleCall(CAssembler* assembler, CStatement* statement);

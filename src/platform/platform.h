@@ -52,7 +52,7 @@ struct PathParts {
 [[nodiscard]] PathParts SplitPath(std::string_view path);
 
 /// Whether `word` of the command line, which begins with "/", is an absolute file name and no
-/// switch: the part up to its last "/" is longer than that one "/" and is an existing directory.
+/// switch: something stands before its last "/", and that is an existing directory.
 [[nodiscard]] bool IsAbsoluteFileName(const char* word);
 
 /// Forms the full path of a file to be read: the current directory joined with `name`, "." and ".."

@@ -119,10 +119,10 @@ std::int32_t KO_Args::Add(std::string_view source) {
     } else if (const std::string_view inner = InnerExpression(text, &arg->reg); !inner.empty()) {
         Evaluate(inner, arg);
     } else {
-        arg->Reset();
-        if (!isInline) {
-            arg->next = spare;
-            spare = arg;
+        if (isInline) {
+            arg->Reset();
+        } else {
+            KeepRecord(arg);
         }
         return -1;
     }
@@ -132,17 +132,6 @@ std::int32_t KO_Args::Add(std::string_view source) {
     }
     ++count;
     return 0;
-}
-
-lsArg* KO_Args::Arg(std::int32_t n) {
-    if (n <= 2) {
-        return &inlineArgs[n - 1];
-    }
-    lsArg* arg = head;
-    for (std::int32_t i = 3; i < n && arg != nullptr; ++i) {
-        arg = arg->next;
-    }
-    return arg;
 }
 
 }  // namespace korv

@@ -86,9 +86,8 @@ class KO_Args {
 
     [[nodiscard]] std::int32_t Count() const { return count; }
 
-    /// Operand `n`, from 1. 1 and 2 always give a record, with the defaults where there is no such
-    /// operand; null for a missing operand 3 or later.
-    [[nodiscard]] lsArg* Arg(std::int32_t n);
+    /// Operand `n`, 1 or 2; with the defaults where there is no such operand.
+    [[nodiscard]] lsArg* Arg(std::int32_t n) { return &inlineArgs[n - 1]; }
 
     /// The operands in their order: the first, and the one behind `arg`; null at the end. However
     /// many there are, a step costs the same.
@@ -119,11 +118,14 @@ class KO_Args {
         while (head != nullptr) {
             lsArg* const arg = head;
             head = arg->next;
-            arg->Reset();
-            arg->next = spare;
-            spare = arg;
+            KeepRecord(arg);
         }
         tail = nullptr;
+    }
+    void KeepRecord(lsArg* arg) {
+        arg->Reset();
+        arg->next = spare;
+        spare = arg;
     }
 
     std::int32_t count = 0;

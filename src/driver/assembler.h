@@ -61,8 +61,9 @@ inline constexpr std::uint32_t binaryStart = 16384;
 
 class CAssembler {
   public:
-    /// A run that reports to `stream`, which is not owned.
-    explicit CAssembler(std::FILE* stream);
+    /// A run that reports to `stream`, which is not owned, and keeps the first `maxMessages` errors
+    /// and as many warnings.
+    explicit CAssembler(std::FILE* stream, std::int32_t maxMessages = 50);
     /// Prints the time display and flushes all output streams.
     virtual ~CAssembler();
     CAssembler(const CAssembler&) = delete;

@@ -11,7 +11,6 @@
 namespace korv {
 namespace {
 
-constexpr std::int32_t maxMessages = 50;
 constexpr std::int32_t bucketCount = 211;
 constexpr std::uint32_t initialBinarySize = 4096;
 constexpr std::string_view defaultSource = "Main.Kor";
@@ -37,7 +36,7 @@ constexpr FlagLetter flagLetters[] = {
 
 }  // namespace
 
-CAssembler::CAssembler(std::FILE* stream)
+CAssembler::CAssembler(std::FILE* stream, std::int32_t maxMessages)
     : errors(maxMessages),
       warnings(maxMessages),
       output(stream),

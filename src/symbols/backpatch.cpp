@@ -112,7 +112,7 @@ std::int32_t CIdentifierManager::Apply(CPatchInfo* patch, CIdentifier** resolved
         patch->identifier->flags |= IDF_USED;
         return WritePatch(*patch, value);
     }
-    CIdentifier* const equ = Find(patch->name.View());
+    CIdentifier* const equ = index.Find(patch->name.View());
     if (equ == nullptr) {
         errors->Report(MSG_NO_EQU_LABEL, patch->name.View(), origin.file, origin.line);
         return -1;

@@ -1,7 +1,6 @@
-// The table. A name is looked up for every label and every name in an expression, so a lookup goes
-// through an index that finds a record at once. The sorted chains of the buckets exist for the
-// order of the listing and of the reports at the end, and are linked only when somebody looks at
-// that order.
+// The table. A lookup goes through the index. The sorted chains of the buckets exist for the order
+// of the listing and of the reports at the end, and are linked only when somebody looks at that
+// order.
 
 #include "symbols/identifier_manager.h"
 
@@ -13,37 +12,10 @@
 #include "diagnostics/message_list.h"
 #include "platform/platform.h"
 #include "source/file_name_registry.h"
-#include "source/short_text.h"
 #include "symbols/patch.h"
 
 namespace korv {
 namespace {
-
-// Hash of a name for the index, taken in pieces of up to 8 bytes. Independent of the order of the
-// listing.
-std::uint64_t HashOf(std::string_view name) {
-    constexpr std::uint64_t multiplier =
-        0x9E3779B97F4A7C15;  // 2 to the 64, divided by the golden ratio
-    const char* next = name.data();
-    std::size_t left = name.size();
-    std::uint64_t hash = left;
-    for (; left > 8; left -= 8, next += 8) {
-        hash = (hash ^ LoadWord<std::uint64_t>(next)) * multiplier;
-        hash ^= hash >> 32;
-    }
-    std::uint64_t tail = 0;  // the last 1 to 8 bytes, by two loads that may overlap
-    if (left >= 4) {
-        tail = static_cast<std::uint64_t>(LoadWord<std::uint32_t>(next)) << 32 |
-               LoadWord<std::uint32_t>(next + left - 4);
-    } else if (left > 0) {
-        const auto byteAt = [next](std::size_t i) {
-            return std::uint64_t{LoadWord<std::uint8_t>(next + i)};
-        };
-        tail = byteAt(0) << 16 | byteAt(left / 2) << 8 | byteAt(left - 1);
-    }
-    hash = (hash ^ tail) * multiplier;
-    return hash ^ hash >> 32;
-}
 
 CIdentifier* Merge(CIdentifier* a, CIdentifier* b) {
     CIdentifier* merged = nullptr;
@@ -73,8 +45,7 @@ CIdentifier* Sorted(CIdentifier* chain) {
     return Merge(Sorted(chain), Sorted(second));
 }
 
-}  // namespace
-
+// The bucket of `name` among `tableSize`: the order of the listing.
 std::uint32_t BucketOf(std::string_view name, std::int32_t tableSize) {
     std::uint32_t h = 0;
     for (const char c : name) {
@@ -90,68 +61,7 @@ std::uint32_t BucketOf(std::string_view name, std::int32_t tableSize) {
     return (h & 0x7FFFFFFF) % static_cast<std::uint32_t>(tableSize);
 }
 
-void FlagString(std::uint32_t flags, char (&out)[7]) {
-    const auto has = [flags](std::uint32_t bit) { return (flags & bit) != 0; };
-    out[0] = has(IDF_LABEL) ? 'L' : has(IDF_EQU) ? 'E' : has(IDF_RESERVED) ? 'S' : '.';
-    out[1] = has(IDF_USED) ? 'U' : '.';
-    const char* const width = has(IDF_8BIT)    ? "08"
-                              : has(IDF_16BIT) ? "16"
-                              : has(IDF_32BIT) ? "32"
-                                               : "??";
-    out[2] = width[0];
-    out[3] = width[1];
-    out[4] = has(IDF_RESOLVED) ? 'R' : '.';
-    out[5] = has(IDF_INTERNAL) ? 'I' : '.';
-    out[6] = '\0';
-}
-
-// ------------------------------------------------------------------------------------------------
-// name pool
-
-struct CNamePool::Block {
-    Block* next;
-    char text[1];  // 4096 bytes, more for a name that is longer
-};
-
-namespace {
-constexpr std::size_t poolBlockSize = 4096;
-}
-
-CNamePool::CNamePool(std::FILE* console) : console(console) {
-    AddBlock(poolBlockSize);
-}
-
-CNamePool::~CNamePool() {
-    while (blocks != nullptr) {
-        platform::Free(std::exchange(blocks, blocks->next));
-    }
-}
-
-void CNamePool::AddBlock(std::size_t size) {
-    auto* const block = static_cast<Block*>(platform::Allocate(offsetof(Block, text) + size));
-    if (block == nullptr) {
-        std::fprintf(console, "Could not allocate more memory.\n");
-        std::exit(-1);
-    }
-    block->next = blocks;
-    blocks = block;
-    used = 0;
-}
-
-const char* CNamePool::Store(std::string_view name) {
-    const std::size_t size = name.size() + 1;
-    if (used + size >= poolBlockSize) {
-        AddBlock(size < poolBlockSize ? poolBlockSize : size);
-    }
-    char* const copy = blocks->text + used;
-    CopyText(copy, name);
-    copy[name.size()] = '\0';
-    used += size;
-    return copy;
-}
-
-// ------------------------------------------------------------------------------------------------
-// table
+}  // namespace
 
 CIdentifierManager::CIdentifierManager(std::FILE* console, std::int32_t tableSize)
     : tableSize(tableSize),
@@ -165,7 +75,6 @@ CIdentifierManager::~CIdentifierManager() {
         platform::Free(chunks[i]);
     }
     platform::Free(chunks);
-    FreeIndex();
     delete[] buckets;
 }
 
@@ -186,69 +95,20 @@ std::FILE* CIdentifierManager::SetLog(std::FILE* newLog) {
     return std::exchange(log, newLog);
 }
 
-CIdentifier* CIdentifierManager::Find(std::string_view name, std::uint64_t hash) const {
-    auto at = static_cast<std::uint32_t>(hash);
-    for (;;) {
-        const IndexEntry& entry = index[at++ & indexMask];
-        if (entry.record == nullptr ||
-            (entry.hash == hash && EqualTexts(entry.record->Name(), name))) {
-            return entry.record;
-        }
-    }
-}
-
-void CIdentifierManager::Insert(IndexEntry* index, std::uint32_t mask, IndexEntry entry) {
-    auto at = static_cast<std::uint32_t>(entry.hash);
-    while (index[at & mask].record != nullptr) {
-        ++at;
-    }
-    index[at & mask] = entry;
-}
-
-CIdentifier* CIdentifierManager::Find(std::string_view name) const {
-    return Find(name, HashOf(name));
-}
-
 // Makes a record for a name that is not in the table; everything but its name is at the defaults.
 // Null: there is no memory, the failure hook has heard of it, and the run ends with the current
 // statement.
-CIdentifier* CIdentifierManager::Enter(std::string_view name, std::uint64_t hash) {
+CIdentifier* CIdentifierManager::Enter(const HashedName& name) {
     const auto number = static_cast<std::uint32_t>(totalCount);
-    if ((number >= (indexMask + 1) / 2 && !GrowIndex()) ||
-        (number % chunkSize == 0 && !GrowChunks())) {
+    if (!index.MakeRoom() || (number % chunkSize == 0 && !GrowChunks())) {
         return nullptr;
     }
     auto* const record = new (RecordAt(number)) CIdentifier;
-    record->name = namePool.Store(name);
-    record->nameLength = static_cast<std::uint32_t>(name.size());
+    record->name = namePool.Store(name.text);
+    record->nameLength = static_cast<std::uint32_t>(name.text.size());
     ++totalCount;
-    Insert(index, indexMask, {record, hash});
+    index.Insert(record, name.hash);
     return record;
-}
-
-bool CIdentifierManager::GrowIndex() {
-    const std::uint32_t grownSize = index == &freeEntry ? 512 : (indexMask + 1) * 2;
-    auto* const grown =
-        static_cast<IndexEntry*>(platform::Allocate(grownSize * sizeof(IndexEntry)));
-    if (grown == nullptr) {
-        return false;
-    }
-    std::memset(grown, 0, grownSize * sizeof(IndexEntry));
-    for (std::uint32_t i = 0; i <= indexMask; ++i) {
-        if (index[i].record != nullptr) {
-            Insert(grown, grownSize - 1, index[i]);
-        }
-    }
-    FreeIndex();
-    index = grown;
-    indexMask = grownSize - 1;
-    return true;
-}
-
-void CIdentifierManager::FreeIndex() {
-    if (index != &freeEntry) {
-        platform::Free(index);
-    }
 }
 
 bool CIdentifierManager::GrowChunks() {
@@ -268,11 +128,11 @@ bool CIdentifierManager::GrowChunks() {
 }
 
 std::int32_t CIdentifierManager::AddID(const Definition& definition) {
-    const std::uint64_t hash = HashOf(definition.name);
-    CIdentifier* record = Find(definition.name, hash);
+    const HashedName name = definition.name;
+    CIdentifier* record = index.Find(name);
     const bool isNew = record == nullptr;
     if (isNew) {
-        record = Enter(definition.name, hash);
+        record = Enter(name);
         if (record == nullptr) {
             return 0;
         }
@@ -325,8 +185,8 @@ void CIdentifierManager::ApplyPatches(CIdentifier* identifier) {
     }
 }
 
-CIdentifier* CIdentifierManager::FindID(std::string_view name, bool markUsed) {
-    CIdentifier* const record = Find(name);
+CIdentifier* CIdentifierManager::FindID(const HashedName& name, bool markUsed) {
+    CIdentifier* const record = index.Find(name);
     if (record == nullptr || (record->flags & IDF_RESOLVED) == 0) {
         return nullptr;
     }
@@ -336,15 +196,14 @@ CIdentifier* CIdentifierManager::FindID(std::string_view name, bool markUsed) {
     return record;
 }
 
-std::int32_t CIdentifierManager::AddPatch(std::string_view name, CPatchInfo* patch) {
-    const std::uint64_t hash = HashOf(name);
-    CIdentifier* record = Find(name, hash);
+std::int32_t CIdentifierManager::AddPatch(const HashedName& name, CPatchInfo* patch) {
+    CIdentifier* record = index.Find(name);
     if (log != nullptr) {
-        std::fprintf(log, "Adding patch for: [%.*s] -> [%s]\n", static_cast<int>(name.size()),
-                     name.data(), patch->expression.c_str());
+        std::fprintf(log, "Adding patch for: [%.*s] -> [%s]\n", static_cast<int>(name.text.size()),
+                     name.text.data(), patch->expression.c_str());
     }
     if (record == nullptr) {
-        record = Enter(name, hash);
+        record = Enter(name);
         if (record == nullptr) {
             CPatchInfoMemBlock::FreePatchInfo(patch);
             return 0;

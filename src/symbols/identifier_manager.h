@@ -8,6 +8,10 @@
 #include <cstdio>
 #include <string_view>
 
+#include "symbols/identifier.h"
+#include "symbols/name_index.h"
+#include "symbols/name_pool.h"
+
 namespace korv {
 
 class BinBlock;
@@ -15,24 +19,6 @@ class CAssembler;
 class CFileNameRegistry;
 class CMessageList;
 class CPatchInfo;
-
-/// Bits of `CIdentifier::flags`.
-inline constexpr std::uint32_t IDF_LABEL = 0x001;  ///< defined as a label
-inline constexpr std::uint32_t IDF_EQU = 0x002;    ///< defined by EQU
-inline constexpr std::uint32_t IDF_USED = 0x004;   ///< an expression has read the value
-inline constexpr std::uint32_t IDF_8BIT = 0x008;  ///< width, for the listing; nothing sets this one
-inline constexpr std::uint32_t IDF_16BIT = 0x010;     ///< width
-inline constexpr std::uint32_t IDF_32BIT = 0x020;     ///< width; nothing sets this one
-inline constexpr std::uint32_t IDF_RESOLVED = 0x040;  ///< `value` is known
-inline constexpr std::uint32_t IDF_INTERNAL = 0x200;  ///< the system's own; left out of the listing
-inline constexpr std::uint32_t IDF_RESERVED = 0x800;  ///< may not be defined by a source line
-
-/// The states in which a record is entered. A name only referred to has no bit at all.
-inline constexpr std::uint32_t IDS_LABEL = IDF_LABEL | IDF_16BIT | IDF_RESOLVED;
-inline constexpr std::uint32_t IDS_EQU = IDF_EQU | IDF_16BIT | IDF_RESOLVED;
-inline constexpr std::uint32_t IDS_EQU_WAITING = IDF_EQU | IDF_16BIT;
-inline constexpr std::uint32_t IDS_RESERVED_WORD = IDF_RESERVED | IDF_INTERNAL;
-inline constexpr std::uint32_t IDS_SYSTEM = IDF_RESERVED | IDF_INTERNAL | IDF_RESOLVED;
 
 /// What `AddID` is given: a name and its definition. The name has to stay valid during the call
 /// only.
@@ -42,40 +28,6 @@ struct Definition {
     std::int32_t file;
     std::int32_t value;
     std::uint32_t flags;
-};
-
-struct CIdentifier {
-    CIdentifier* next = nullptr;  ///< in the bucket's chain, once the chains are linked
-    std::uint32_t flags = 0;
-    const char* name = nullptr;  ///< terminated, in the name pool; never moves
-    std::uint32_t nameLength = 0;
-    std::int32_t line = 0;          ///< of the definition; 0 for a name only referred to
-    std::int32_t file = 0;          ///< of the definition; 0 for a name only referred to
-    std::int32_t value = 0;         ///< meaningful with IDF_RESOLVED; -1 in an EQU that waits
-    CPatchInfo* patches = nullptr;  ///< owned; what waits for this name, the newest first
-
-    [[nodiscard]] std::string_view Name() const { return {name, nameLength}; }
-};
-
-/// Storage of names: blocks of 4096 bytes, filled from front to back, released as a whole.
-class CNamePool {
-  public:
-    /// Makes the first block. `console` hears of a failed allocation, which ends the process.
-    explicit CNamePool(std::FILE* console);
-    ~CNamePool();
-    CNamePool(const CNamePool&) = delete;
-    CNamePool& operator=(const CNamePool&) = delete;
-
-    /// Result: a terminated copy of `name`, valid as long as the pool.
-    const char* Store(std::string_view name);
-
-  private:
-    struct Block;
-    void AddBlock(std::size_t size);
-
-    std::FILE* console;
-    Block* blocks = nullptr;  // owned; the newest first, which is the current one
-    std::size_t used = 0;     // bytes used in it
 };
 
 class CIdentifierManager {
@@ -101,11 +53,11 @@ class CIdentifierManager {
 
     /// The record of `name` if it has a value, else null: a name that waits and one never seen are
     /// the same here. `markUsed` marks it as read.
-    CIdentifier* FindID(std::string_view name, bool markUsed);
+    CIdentifier* FindID(const HashedName& name, bool markUsed);
 
     /// Takes over `patch`, which waits for `name`, and hangs it on the record of that name, made if
     /// there is none. Result: 0, or that of `Backpatch` should the name have a value.
-    std::int32_t AddPatch(std::string_view name, CPatchInfo* patch);
+    std::int32_t AddPatch(const HashedName& name, CPatchInfo* patch);
 
     /// Evaluates a patch that its caller has taken off its chain and still owns, now that its
     /// identifier has a value; writes the result, gives it to a waiting EQU and goes on with all
@@ -129,23 +81,13 @@ class CIdentifierManager {
     [[nodiscard]] std::int32_t TotalCount() const { return totalCount; }
 
   private:
-    // An entry of the index; without a record it is free.
-    struct IndexEntry {
-        CIdentifier* record;
-        std::uint64_t hash;
-    };
     // Records are allocated by the chunk, so that they stay where they are and a number finds them.
     static constexpr std::uint32_t chunkSize = 256;
 
     [[nodiscard]] CIdentifier* RecordAt(std::uint32_t number) const {
         return &chunks[number / chunkSize][number % chunkSize];
     }
-    [[nodiscard]] CIdentifier* Find(std::string_view name, std::uint64_t hash) const;
-    [[nodiscard]] CIdentifier* Find(std::string_view name) const;
-    CIdentifier* Enter(std::string_view name, std::uint64_t hash);
-    static void Insert(IndexEntry* index, std::uint32_t mask, IndexEntry entry);
-    void FreeIndex();
-    bool GrowIndex();
+    CIdentifier* Enter(const HashedName& name);
     bool GrowChunks();
     void LinkChains();
     void ApplyPatches(CIdentifier* identifier);
@@ -154,13 +96,10 @@ class CIdentifierManager {
     void TraceText(const char* text) const;
 
     std::int32_t tableSize;
-    CIdentifier**
-        buckets;  // owned; heads of the sorted chains, linked when somebody looks at the order
+    CIdentifier** buckets;  // owned; heads of the sorted chains, once they are linked
     std::int32_t totalCount = 0;
-    std::int32_t waitingCount = 0;    // records with patches
-    IndexEntry freeEntry{};           // the index of an empty table
-    IndexEntry* index = &freeEntry;   // owned if it is another; open addressing, at most half full
-    std::uint32_t indexMask = 0;      // its size, a power of 2, less 1
+    std::int32_t waitingCount = 0;  // records with patches
+    CNameIndex index;
     CIdentifier** chunks = nullptr;   // owned, and so are the chunks
     std::uint32_t chunkCapacity = 0;  // entries of `chunks`
     CNamePool namePool;
@@ -172,11 +111,5 @@ class CIdentifierManager {
     BinBlock* target = nullptr;
     std::FILE* log = nullptr;  // the trace, or null
 };
-
-/// The bucket of `name` among `tableSize`: the order of the listing. Exposed for tests.
-[[nodiscard]] std::uint32_t BucketOf(std::string_view name, std::int32_t tableSize);
-
-/// Fills `out` with the six characters of the listing's column of flags, and a terminator.
-void FlagString(std::uint32_t flags, char (&out)[7]);
 
 }  // namespace korv

@@ -1,0 +1,47 @@
+/// The record of a name: label, EQU identifier, reserved word, version identifier, or a name that
+/// was only referred to.
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+namespace korv {
+
+class CPatchInfo;
+
+/// Bits of `CIdentifier::flags`.
+inline constexpr std::uint32_t IDF_LABEL = 0x001;  ///< defined as a label
+inline constexpr std::uint32_t IDF_EQU = 0x002;    ///< defined by EQU
+inline constexpr std::uint32_t IDF_USED = 0x004;   ///< an expression has read the value
+inline constexpr std::uint32_t IDF_8BIT = 0x008;  ///< width, for the listing; nothing sets this one
+inline constexpr std::uint32_t IDF_16BIT = 0x010;     ///< width
+inline constexpr std::uint32_t IDF_32BIT = 0x020;     ///< width; nothing sets this one
+inline constexpr std::uint32_t IDF_RESOLVED = 0x040;  ///< `value` is known
+inline constexpr std::uint32_t IDF_INTERNAL = 0x200;  ///< the system's own; left out of the listing
+inline constexpr std::uint32_t IDF_RESERVED = 0x800;  ///< may not be defined by a source line
+
+/// The states in which a record is entered. A name only referred to has no bit at all.
+inline constexpr std::uint32_t IDS_LABEL = IDF_LABEL | IDF_16BIT | IDF_RESOLVED;
+inline constexpr std::uint32_t IDS_EQU = IDF_EQU | IDF_16BIT | IDF_RESOLVED;
+inline constexpr std::uint32_t IDS_EQU_WAITING = IDF_EQU | IDF_16BIT;
+inline constexpr std::uint32_t IDS_RESERVED_WORD = IDF_RESERVED | IDF_INTERNAL;
+inline constexpr std::uint32_t IDS_SYSTEM = IDF_RESERVED | IDF_INTERNAL | IDF_RESOLVED;
+
+struct CIdentifier {
+    CIdentifier* next = nullptr;  ///< in the bucket's chain, once the chains are linked
+    std::uint32_t flags = 0;
+    const char* name = nullptr;  ///< terminated, in the name pool; never moves
+    std::uint32_t nameLength = 0;
+    std::int32_t line = 0;          ///< of the definition; 0 for a name only referred to
+    std::int32_t file = 0;          ///< of the definition; 0 for a name only referred to
+    std::int32_t value = 0;         ///< meaningful with IDF_RESOLVED; -1 in an EQU that waits
+    CPatchInfo* patches = nullptr;  ///< owned; what waits for this name, the newest first
+    void* macro = nullptr;          ///< body of a macro; always null, as no command records one
+
+    [[nodiscard]] std::string_view Name() const { return {name, nameLength}; }
+};
+
+/// Fills `out` with the six characters of the listing's column of flags, and a terminator.
+void FlagString(std::uint32_t flags, char (&out)[7]);
+
+}  // namespace korv

@@ -1,0 +1,89 @@
+/// Finds the record of a name. A name is looked up for every label and for every name in an
+/// expression, so this is a hash table with the whole hash beside each record.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+#include "source/short_text.h"
+#include "symbols/identifier.h"
+
+namespace korv {
+
+/// Hash of a name, taken in pieces of up to 8 bytes. It has nothing to do with the buckets, which
+/// give the order of the listing.
+[[nodiscard]] inline std::uint64_t HashOf(std::string_view name) {
+    constexpr std::uint64_t multiplier =
+        0x9E3779B97F4A7C15;  // 2 to the 64, divided by the golden ratio
+    const char* next = name.data();
+    std::size_t left = name.size();
+    std::uint64_t hash = left;
+    for (; left > 8; left -= 8, next += 8) {
+        hash = (hash ^ LoadWord<std::uint64_t>(next)) * multiplier;
+        hash ^= hash >> 32;
+    }
+    std::uint64_t tail = 0;  // the last 1 to 8 bytes, by two loads that may overlap
+    if (left >= 4) {
+        tail = static_cast<std::uint64_t>(LoadWord<std::uint32_t>(next)) << 32 |
+               LoadWord<std::uint32_t>(next + left - 4);
+    } else if (left > 0) {
+        const auto byteAt = [next](std::size_t i) {
+            return std::uint64_t{LoadWord<std::uint8_t>(next + i)};
+        };
+        tail = byteAt(0) << 16 | byteAt(left / 2) << 8 | byteAt(left - 1);
+    }
+    hash = (hash ^ tail) * multiplier;
+    return hash ^ hash >> 32;
+}
+
+/// A name that is looked up, with its hash. Every lookup takes a plain text as well; who asks for
+/// one name twice, first for its value and then to let a patch wait for it, makes this once.
+struct HashedName {
+    HashedName() = default;
+    HashedName(std::string_view text) : text(text), hash(HashOf(text)) {}
+    HashedName(const char* text) : HashedName(std::string_view(text)) {}
+
+    std::string_view text;
+    std::uint64_t hash = 0;
+};
+
+/// Open addressing, at most half full. Nothing is ever taken out.
+class CNameIndex {
+  public:
+    CNameIndex() = default;
+    ~CNameIndex();
+    CNameIndex(const CNameIndex&) = delete;
+    CNameIndex& operator=(const CNameIndex&) = delete;
+
+    /// The record of `name`, or null.
+    [[nodiscard]] CIdentifier* Find(const HashedName& name) const {
+        for (auto at = static_cast<std::uint32_t>(name.hash);; ++at) {
+            const Entry& entry = entries[at & mask];
+            if (entry.record == nullptr ||
+                (entry.hash == name.hash && EqualTexts(entry.record->Name(), name.text))) {
+                return entry.record;
+            }
+        }
+    }
+
+    /// Makes room for one more record. False: there is no memory for it.
+    [[nodiscard]] bool MakeRoom();
+    /// Enters `record`, not owned, whose name has the given hash and is not there yet. There is
+    /// room.
+    void Insert(CIdentifier* record, std::uint64_t hash);
+
+  private:
+    // Without a record it is free.
+    struct Entry {
+        CIdentifier* record;
+        std::uint64_t hash;
+    };
+
+    Entry freeEntry{};            // the entries of an empty index
+    Entry* entries = &freeEntry;  // owned if it is another
+    std::uint32_t mask = 0;       // their number, a power of 2, less 1
+    std::uint32_t count = 0;      // records
+};
+
+}  // namespace korv

@@ -7,6 +7,7 @@
 #include "codegen/bin_block.h"
 #include "expr/tmp_string.h"
 #include "run.h"
+#include "symbols/name_index.h"
 #include "symbols/patch.h"
 
 namespace korv_test {
@@ -50,6 +51,37 @@ TEST(BinBlockTest, GrowsInItsStepsAndNotBefore) {
         Block block(4096, stdout);
         work(block);
         EXPECT_EQ(expected, Numbers([&](std::FILE* to) { return block.DumpStatus(to); }));
+    }
+}
+
+TEST(NameIndexTest, FindsEachNameWhereverHashesCrowd) {
+    const std::function<std::uint64_t(std::uint64_t)> hashes[] = {
+        [](std::uint64_t) { return 7; },                           // no two differ
+        [](std::uint64_t i) { return i << 32; },                   // all belong to one place
+        [](std::uint64_t i) { return i << 32 | (~0U - i % 3); },   // all at the end
+        [](std::uint64_t i) { return i / 2; },                     // two to a place, in a row
+        [](std::uint64_t i) { return i * 512; },                   // apart in a large table only
+    };
+    for (const auto& hashOf : hashes) {
+        constexpr std::uint32_t count = 3000;
+        korv::CNameIndex index;
+        std::vector<std::string> texts(2 * count);
+        std::vector<korv::CIdentifier> records(count);
+        const auto find = [&](std::uint32_t i) {
+            texts[i] = "N" + std::to_string(i);
+            return index.Find({texts[i], hashOf(i)});
+        };
+        for (std::uint32_t i = 0; i < count; ++i) {
+            ASSERT_EQ(nullptr, find(i));
+            ASSERT_TRUE(index.MakeRoomFor(i + 1));
+            records[i].name = texts[i].c_str();
+            records[i].nameLength = static_cast<std::uint32_t>(texts[i].size());
+            index.Insert(&records[i], hashOf(i));
+            ASSERT_EQ(&records[i / 2], find(i / 2)) << i;
+        }
+        for (std::uint32_t i = 0; i < 2 * count; ++i) {
+            ASSERT_EQ(i < count ? &records[i] : nullptr, find(i)) << i;
+        }
     }
 }
 

@@ -54,6 +54,15 @@ void* Allocate(std::size_t size) {
     return Reallocate(nullptr, size);
 }
 
+// Memory fresh from the system is 0 already, so this is not the same as clearing it.
+void* AllocateZeroed(std::size_t size) {
+    void* const result = FailsOnPurpose() ? nullptr : std::calloc(size == 0 ? 1 : size, 1);
+    if (result == nullptr) {
+        ReportFailure(size);
+    }
+    return result;
+}
+
 void Free(void* memory) {
     std::free(memory);
 }

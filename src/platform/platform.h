@@ -28,6 +28,8 @@ AllocationFailureHook SetAllocationFailureHook(AllocationFailureHook hook);
 /// Memory from the general allocator; null after the hook has had its turn. A size of 0 is taken
 /// as 1.
 [[nodiscard]] void* Allocate(std::size_t size);
+/// Like `Allocate`; all bytes are 0.
+[[nodiscard]] void* AllocateZeroed(std::size_t size);
 
 /// Like `Allocate`, keeping the contents. On failure the result is null and `memory` stays valid.
 [[nodiscard]] void* Reallocate(void* memory, std::size_t size);

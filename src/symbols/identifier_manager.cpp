@@ -100,7 +100,7 @@ std::FILE* CIdentifierManager::SetLog(std::FILE* newLog) {
 // statement.
 CIdentifier* CIdentifierManager::Enter(const HashedName& name) {
     const auto number = static_cast<std::uint32_t>(totalCount);
-    if (!index.MakeRoom() || (number % chunkSize == 0 && !GrowChunks())) {
+    if (!index.MakeRoomFor(number + 1) || (number % chunkSize == 0 && !GrowChunks())) {
         return nullptr;
     }
     auto* const record = new (RecordAt(number)) CIdentifier;

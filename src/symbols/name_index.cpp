@@ -1,6 +1,6 @@
 #include "symbols/name_index.h"
 
-#include <cstring>
+#include <utility>
 
 #include "platform/platform.h"
 
@@ -12,39 +12,57 @@ CNameIndex::~CNameIndex() {
     }
 }
 
-bool CNameIndex::MakeRoom() {
-    if (count < (mask + 1) / 2) {
+bool CNameIndex::MakeRoomFor(std::uint32_t records) {
+    const std::uint32_t places = mask + 1;
+    if (records <= places / 2) {
         return true;
     }
-    const std::uint32_t oldSize = mask + 1;
-    const std::uint32_t size = entries == &freeEntry ? 512 : oldSize * 2;
-    auto* const grown = static_cast<Entry*>(platform::Allocate(size * sizeof(Entry)));
+    const std::uint32_t grownPlaces = entries == &freeEntry ? 512 : places * 2;
+    const std::size_t bytes = (std::size_t{grownPlaces} + longestProbe) * sizeof(Entry);
+    auto* const grown = static_cast<Entry*>(platform::AllocateZeroed(bytes));
     if (grown == nullptr) {
         return false;
     }
-    std::memset(grown, 0, size * sizeof(Entry));
-    Entry* const old = entries;
-    entries = grown;
-    mask = size - 1;
-    count = 0;
-    for (std::uint32_t i = 0; i < oldSize; ++i) {
-        if (old[i].record != nullptr) {
-            Insert(old[i].record, old[i].hash);
-        }
-    }
+    Entry* const old = std::exchange(entries, grown);
+    mask = grownPlaces - 1;
     if (old != &freeEntry) {
+        for (const Entry* entry = old; entry != old + places + longestProbe; ++entry) {
+            if (entry->record != nullptr) {
+                Insert(entry->record, entry->hash);
+            }
+        }
         platform::Free(old);
     }
+    std::erase_if(overflow, [this](const auto& name) {
+        return InsertNearPlace(name.second, name.first.hash);
+    });
     return true;
 }
 
 void CNameIndex::Insert(CIdentifier* record, std::uint64_t hash) {
-    auto at = static_cast<std::uint32_t>(hash);
-    while (entries[at & mask].record != nullptr) {
-        ++at;
+    if (!InsertNearPlace(record, hash)) {
+        overflow.emplace(HashedName(record->Name(), hash), record);
     }
-    entries[at & mask] = {record, hash};
-    ++count;
+}
+
+// False: everything near its place is taken.
+bool CNameIndex::InsertNearPlace(CIdentifier* record, std::uint64_t hash) {
+    Entry* entry = PlaceOf(hash);
+    for (int i = 0; i < longestProbe; ++i, ++entry) {
+        if (entry->record == nullptr) {
+            *entry = {record, hash};
+            return true;
+        }
+        if (entry->hash == hash) {
+            return false;
+        }
+    }
+    return false;
+}
+
+CIdentifier* CNameIndex::FindInOverflow(const HashedName& name) const {
+    const auto found = overflow.find(name);
+    return found == overflow.end() ? nullptr : found->second;
 }
 
 }  // namespace korv

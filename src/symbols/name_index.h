@@ -4,6 +4,8 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
+#include <map>
 #include <string_view>
 
 #include "source/short_text.h"
@@ -41,14 +43,19 @@ namespace korv {
 /// one name twice, first for its value and then to let a patch wait for it, makes this once.
 struct HashedName {
     HashedName() = default;
-    HashedName(std::string_view text) : text(text), hash(HashOf(text)) {}
+    HashedName(std::string_view text, std::uint64_t hash) : text(text), hash(hash) {}
+    HashedName(std::string_view text) : HashedName(text, HashOf(text)) {}
     HashedName(const char* text) : HashedName(std::string_view(text)) {}
 
     std::string_view text;
     std::uint64_t hash = 0;
 };
 
-/// Open addressing, at most half full. Nothing is ever taken out.
+/// Open addressing, at most half full; nothing is ever taken out. The hash is quick and no secret,
+/// so a source can be made whose names all belong to one place. Hence a name is at most
+/// `longestProbe` entries from its place, and those that find no room there go to a sorted tree. No
+/// names make a lookup slower than a search in that tree, and ordinary ones hardly ever get there.
+/// A secret seed would do as well, but two runs would no longer take the same steps.
 class CNameIndex {
   public:
     CNameIndex() = default;
@@ -58,32 +65,60 @@ class CNameIndex {
 
     /// The record of `name`, or null.
     [[nodiscard]] CIdentifier* Find(const HashedName& name) const {
-        for (auto at = static_cast<std::uint32_t>(name.hash);; ++at) {
-            const Entry& entry = entries[at & mask];
-            if (entry.record == nullptr ||
-                (entry.hash == name.hash && EqualTexts(entry.record->Name(), name.text))) {
-                return entry.record;
+        const Entry* entry = PlaceOf(name.hash);
+        for (int i = 0; i < longestProbe; ++i, ++entry) {
+            if (entry->record == nullptr) {
+                return nullptr;
+            }
+            if (entry->hash == name.hash) {
+                if (EqualTexts(entry->record->Name(), name.text)) {
+                    return entry->record;
+                }
+                break;
             }
         }
+        return FindInOverflow(name);
     }
 
-    /// Makes room for one more record. False: there is no memory for it.
-    [[nodiscard]] bool MakeRoom();
+    /// Makes room for so many records in all. False: there is no memory for it.
+    [[nodiscard]] bool MakeRoomFor(std::uint32_t records);
     /// Enters `record`, not owned, whose name has the given hash and is not there yet. There is
     /// room.
     void Insert(CIdentifier* record, std::uint64_t hash);
 
   private:
+    static constexpr int longestProbe = 16;
+
     // Without a record it is free.
     struct Entry {
         CIdentifier* record;
         std::uint64_t hash;
     };
+    // Any order will do. Hashes come first, as names that belong to one place differ there mostly.
+    struct AnyOrder {
+        bool operator()(const HashedName& a, const HashedName& b) const {
+            if (a.hash != b.hash) {
+                return a.hash < b.hash;
+            }
+            if (a.text.size() != b.text.size()) {
+                return a.text.size() < b.text.size();
+            }
+            return std::memcmp(a.text.data(), b.text.data(), a.text.size()) < 0;
+        }
+    };
 
-    Entry freeEntry{};            // the entries of an empty index
-    Entry* entries = &freeEntry;  // owned if it is another
-    std::uint32_t mask = 0;       // their number, a power of 2, less 1
-    std::uint32_t count = 0;      // records
+    [[nodiscard]] Entry* PlaceOf(std::uint64_t hash) const {
+        return &entries[static_cast<std::uint32_t>(hash) & mask];
+    }
+    [[nodiscard]] CIdentifier* FindInOverflow(const HashedName& name) const;
+    bool InsertNearPlace(CIdentifier* record, std::uint64_t hash);
+
+    Entry freeEntry{};  // the entries of an empty index
+    Entry* entries =
+        &freeEntry;          // owned if it is another; after the last place `longestProbe` more
+    std::uint32_t mask = 0;  // the number of places, a power of 2, less 1
+    // Names whose `longestProbe` entries are all taken by others.
+    std::map<HashedName, CIdentifier*, AnyOrder> overflow;
 };
 
 }  // namespace korv

@@ -1,32 +1,31 @@
 #include "source/file_name_registry.h"
 
 #include <cstdio>
-#include <new>
-#include <utility>
 
 #include "platform/platform.h"
 
 namespace korv {
 
 CFileNameRegistry::~CFileNameRegistry() {
-    delete[] names;
+    for (std::int32_t i = 0; i < count; ++i) {
+        delete[] names[i];
+    }
+    platform::Free(names);
 }
 
 std::int32_t CFileNameRegistry::AddName(std::unique_ptr<char[]> name) {
     if (count == capacity) {
-        constexpr std::int32_t growth = 10;
-        auto* const grown =
-            new (std::nothrow) std::unique_ptr<char[]>[static_cast<std::size_t>(capacity + growth)];
+        const std::int32_t grownCapacity = capacity == 0 ? 10 : capacity * 2;
+        void* const grown =
+            platform::Reallocate(names, static_cast<std::size_t>(grownCapacity) * sizeof(char*));
         if (grown == nullptr) {
             std::printf("realloc error\n");
             return 0;
         }
-        std::move(names, names + count, grown);
-        delete[] names;
-        names = grown;
-        capacity += growth;
+        names = static_cast<char**>(grown);
+        capacity = grownCapacity;
     }
-    names[count] = std::move(name);
+    names[count] = name.release();
     return ++count;
 }
 
@@ -34,7 +33,7 @@ const char* CFileNameRegistry::NameOf(std::int32_t number) const {
     if (number == 0) {
         return "Uhm, I DUNNO! ;p";
     }
-    return number < 0 || number > count ? "--Error--" : names[number - 1].get();
+    return number < 0 || number > count ? "--Error--" : names[number - 1];
 }
 
 }  // namespace korv

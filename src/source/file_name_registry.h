@@ -23,8 +23,8 @@ class CFileNameRegistry {
     [[nodiscard]] const char* NameOf(std::int32_t number) const;
 
   private:
-    std::int32_t capacity = 0;                 // slots in `names`; grows by 10
-    std::unique_ptr<char[]>* names = nullptr;  // owned; slot n - 1 holds the name with the number n
+    std::int32_t capacity = 0;  // slots in `names`
+    char** names = nullptr;     // owned, and so are the names; number n lies in slot n - 1
     std::int32_t count = 0;
 };
 

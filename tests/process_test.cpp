@@ -154,6 +154,22 @@ TEST(BreakTest, EndsTheRunAndLeavesTheTarget) {
     }
 }
 
+TEST(IncludeTest, FindsWhatAppearsDuringTheRun) {
+    const TempDir directory;
+    ASSERT_EQ(0, mkfifo("pause", 0600));
+    WriteFile("a.kor", " DB 1\n");
+    WriteFile("Main.Kor", " INCLUDE A.KOR\n BINCLUDE \"pause\"\n INCLUDE B.KOR\n INCLUDE A.KOR\n");
+    const auto change = [](pid_t) {
+        int pause = -1;
+        Await([&] { return (pause = open("pause", O_WRONLY | O_NONBLOCK)) >= 0; });
+        WriteFile("b.kor", " DB 2\n");
+        WriteFile("A.kor", " DB 3\n");
+        close(pause);
+    };
+    EXPECT_EQ(0, RunChild({"korv", "Main.Kor", "OUT.COM"}, Nothing, change).status);
+    EXPECT_EQ("\1\2\3", ReadFile("OUT.COM"));
+}
+
 TEST(WaitTest, TakesOneKey) {
     const TempDir directory;
     int ends[2];

@@ -101,7 +101,7 @@ std::int32_t HandleBinclude(CAssembler* assembler, CStatement* statement) {
     }
     std::string path;
     FileContents contents;
-    if (!platform::FullPath(name, &path) || !contents.Read(path)) {
+    if (!assembler->directory.FullPath(name, &path) || !contents.Read(path)) {
         assembler->ReportError(statement, MSG_CANNOT_OPEN, arg.Text());
         return 0;
     }

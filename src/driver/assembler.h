@@ -14,6 +14,7 @@
 #include "codegen/value_range.h"
 #include "diagnostics/message_list.h"
 #include "driver/statement.h"
+#include "platform/platform.h"
 #include "source/file_name_registry.h"
 #include "symbols/identifier_manager.h"
 
@@ -169,6 +170,7 @@ class CAssembler {
     std::uint32_t statementAddress = 0;  ///< `location` at the start of the statement; by the loop
     /// Full path of the file being read, null outside of files; `fileNames` owns it.
     const char* currentFileName = nullptr;
+    platform::CurrentDirectory directory;  ///< where relative names begin; by include files
     CMessageList errors;
     CMessageList warnings;
     CFileNameRegistry fileNames;

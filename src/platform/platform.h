@@ -10,6 +10,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -57,32 +58,35 @@ struct PathParts {
 /// switch: something stands before its last "/", and that is an existing directory.
 [[nodiscard]] bool IsAbsoluteFileName(const char* word);
 
-/// Forms the full path of a file to be read: the current directory joined with `name`, "." and ".."
-/// removed as text; spelled as on disk where the file is found, else as written. False: the current
-/// directory cannot be had, or the path is longer than the system allows.
-[[nodiscard]] bool FullPath(std::string_view name, std::string* path);
-
-/// Makes `directory` the current one, found without regard to case. False: there is none, or it
-/// cannot be entered.
-[[nodiscard]] bool ChangeDirectory(std::string_view directory);
-
 /// Whether the file that is read under the name `source` is the one that `target` names to be
 /// written, since `source` is found only when case is ignored.
 [[nodiscard]] bool WouldOverwriteSource(std::string_view source, std::string_view target);
 
-/// Remembers the current directory, also one that cannot be read or has no name, and can go back to
-/// it.
-class SavedDirectory {
+/// The current directory, which follows the file being read, and the way from a name to a file. One
+/// a run, and nobody else changes the current directory meanwhile.
+class CurrentDirectory {
   public:
-    SavedDirectory();
-    ~SavedDirectory();
-    SavedDirectory(const SavedDirectory&) = delete;
-    SavedDirectory& operator=(const SavedDirectory&) = delete;
-    void Restore() const;
+    CurrentDirectory();
+    ~CurrentDirectory();
+    CurrentDirectory(const CurrentDirectory&) = delete;
+    CurrentDirectory& operator=(const CurrentDirectory&) = delete;
+
+    /// Forms the full path of a file to be read: the current directory joined with `name`, "." and
+    /// ".." removed as text; spelled as on disk where the file is found, else as written. False:
+    /// the current directory cannot be had, or the path is longer than the system allows.
+    [[nodiscard]] bool FullPath(std::string_view name, std::string* path);
+
+    /// Makes the directory of `path`, which is what `FullPath` gave last, the current one, found
+    /// without regard to case. False: there is none, or it cannot be entered; the current one
+    /// stays. `Leave` belongs to each call, whatever its result.
+    [[nodiscard]] bool EnterDirectoryOf(const std::string& path);
+    /// Goes back to where the last `EnterDirectoryOf` came from, also to a directory that cannot
+    /// be read or has no name.
+    void Leave();
 
   private:
-    int handle;        // -1: it could not be had
-    std::string path;  // the way back without a handle
+    struct State;
+    std::unique_ptr<State> state;
 };
 
 // ----------------------------------------------------------------------------------------------------
@@ -103,8 +107,9 @@ class InputFile {
     [[nodiscard]] bool HasSize() const { return hasSize; }
     /// Size in bytes when opened, 0 without one.
     [[nodiscard]] std::uint64_t Size() const { return size; }
-    /// Reads up to `count` bytes. Result: their number, 0 at the end of the file, on a read error,
-    /// and when a console event comes while there is nothing to read.
+    /// Reads up to `count` bytes. Result: their number, 0 at the end of the file, which is where it
+    /// was when the file was opened, on a read error, and when a console event comes while there
+    /// is nothing to read.
     std::size_t Read(void* buffer, std::size_t count);
     /// Whether a read has failed; the end of the file is no failure.
     [[nodiscard]] bool Failed() const { return failed; }
@@ -114,6 +119,7 @@ class InputFile {
     bool hasSize = false;
     bool failed = false;
     std::uint64_t size = 0;
+    std::uint64_t taken = 0;  // bytes read
 };
 
 enum class FileMode { text, binary };

@@ -7,6 +7,7 @@
 #include <memory>
 #include <new>
 #include <string>
+#include <utility>
 
 #include "codegen/handlers.h"
 #include "driver/assembler.h"
@@ -35,26 +36,24 @@ void TraceFile(const CAssembler& assembler, const char* format, std::string_view
 std::int32_t CAssembler::AssembleIncludeFile(std::string_view name) {
     ++fileDepth;
     maxFileDepth = std::max(maxFileDepth, fileDepth);
-    const platform::SavedDirectory savedDirectory;
-    const char* const savedFileName = currentFileName;
     std::int32_t status = MSG_CANNOT_OPEN;
     std::string path;
-    if (!platform::FullPath(name, &path)) {
+    if (!directory.FullPath(name, &path)) {
         errors.Report(MSG_CANNOT_GET_DIRECTORY, noText, 0, 0);
     } else {
-        if (!platform::ChangeDirectory(platform::SplitPath(path).directory)) {
+        if (!directory.EnterDirectoryOf(path)) {
             errors.Report(MSG_CANNOT_CHANGE_DIRECTORY, path, 0, 0);
         }
         std::int32_t fileNumber = 0;
         if (std::unique_ptr<char[]> copy = CopyOf(path); copy != nullptr) {
             fileNumber = fileNames.AddName(std::move(copy));
         }
-        currentFileName = fileNames.NameOf(fileNumber);
+        const char* const includer = std::exchange(currentFileName, fileNames.NameOf(fileNumber));
         status = OpenAndRun(path, fileNumber);
+        currentFileName = includer;
+        directory.Leave();
     }
     --fileDepth;
-    savedDirectory.Restore();
-    currentFileName = savedFileName;
     return status;
 }
 

@@ -58,14 +58,14 @@ Files FilesAfterRun(std::vector<std::string> words, const Files& sources) {
 extern "C" {
 // One line may ask for gigabytes of zeros, and a file that includes itself twice for a thousand
 // files; both is legal and takes its time. So the linker puts these two in front of PutZeros and
-// Restore: a block has 5000 bytes at most, and a run that has read 200 files is broken off.
+// Leave: a block has 5000 bytes at most, and a run that has read 200 files is broken off.
 std::uint32_t __real__ZN4korv8BinBlock8PutZerosEj(void*, std::uint32_t);
 std::uint32_t __wrap__ZN4korv8BinBlock8PutZerosEj(void* binary, std::uint32_t count) {
     return __real__ZN4korv8BinBlock8PutZerosEj(binary, std::min(count, 5000U));
 }
-void __real__ZNK4korv8platform14SavedDirectory7RestoreEv(const void*);
-void __wrap__ZNK4korv8platform14SavedDirectory7RestoreEv(const void* saved) {
-    __real__ZNK4korv8platform14SavedDirectory7RestoreEv(saved);
+void __real__ZN4korv8platform16CurrentDirectory5LeaveEv(void*);
+void __wrap__ZN4korv8platform16CurrentDirectory5LeaveEv(void* directory) {
+    __real__ZN4korv8platform16CurrentDirectory5LeaveEv(directory);
     korv::OnConsoleEvent(++filesRead == 200 ? korv::platform::EVENT_CTRL_C : -1);
 }
 

@@ -1,0 +1,281 @@
+// Names of files, and the current directory, on POSIX.
+//
+// A name is found without regard to case by what the directory holds. To read a directory costs
+// more than all else that an INCLUDE asks of the system, so what was read is kept, and asked again
+// as long as the directory has not changed since, which a single call tells.
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <chrono>
+#include <climits>
+#include <compare>
+#include <map>
+#include <utility>
+#include <vector>
+
+#include "platform/platform.h"
+#include "platform/posix.h"
+
+namespace korv::platform {
+namespace {
+
+constexpr std::string_view separators = "/\\";
+
+// For a handle that serves to go back: needs no right to read the directory, where the system knows
+// such a kind.
+#ifdef O_PATH
+constexpr int directoryHandle = O_PATH;
+#else
+constexpr int directoryHandle = O_RDONLY;
+#endif
+
+bool Exists(const std::string& path) {
+    struct stat status;
+    return lstat(path.c_str(), &status) == 0;
+}
+
+std::string Joined(std::string_view directory, std::string_view name) {
+    std::string path(directory == "/" ? "" : directory);
+    path += '/';
+    path += name;
+    return path;
+}
+
+// The directory and the name of a full path that is not "/".
+std::pair<std::string, std::string> Divided(const std::string& path) {
+    const std::size_t separator = path.find_last_of('/');
+    return {path.substr(0, std::max<std::size_t>(separator, 1)), path.substr(separator + 1)};
+}
+
+std::strong_ordering CompareIgnoringCase(std::string_view a, std::string_view b) {
+    const auto folded = [](char c) { return c >= 'A' && c <= 'Z' ? c + ('a' - 'A') : c; };
+    return std::lexicographical_compare_three_way(
+        a.begin(), a.end(), b.begin(), b.end(),
+        [&](char x, char y) { return folded(x) <=> folded(y); });
+}
+
+// The names in a directory as they were when it was read.
+class Listing {
+  public:
+    // What `name` means in `directory`: an entry of exactly that name, or else the first in byte
+    // order of those that match when case is ignored; empty for none.
+    std::string Find(const std::string& directory, const std::string& name) {
+        struct stat status;
+        if (stat(directory.c_str(), &status) != 0) {
+            return {};
+        }
+        if (!IsUpToDate(status)) {
+            Read(directory, status);
+        }
+        if (!isReadable) {
+            return Exists(Joined(directory, name)) ? name : std::string();
+        }
+        const auto [first, last] = std::equal_range(
+            names.begin(), names.end(), name,
+            [](const auto& a, const auto& b) { return CompareIgnoringCase(a, b) < 0; });
+        const auto exact = std::find(first, last, name);
+        return exact != last ? *exact : first != last ? *first : std::string();
+    }
+
+  private:
+    [[nodiscard]] bool IsUpToDate(const struct stat& status) const {
+        return isSettled && status.st_dev == device && status.st_ino == inode &&
+               status.st_mtim.tv_sec == modified.tv_sec &&
+               status.st_mtim.tv_nsec == modified.tv_nsec;
+    }
+
+    // `status` is that of before the reading.
+    void Read(const std::string& directory, const struct stat& status) {
+        using namespace std::chrono;
+        const auto now = system_clock::now().time_since_epoch();
+        device = status.st_dev;
+        inode = status.st_ino;
+        modified = status.st_mtim;
+        names.clear();
+        DIR* const stream = opendir(directory.c_str());
+        isReadable = stream != nullptr;
+        if (isReadable) {
+            errno = 0;
+            while (const dirent* entry = readdir(stream)) {
+                names.emplace_back(entry->d_name);
+            }
+            isReadable = errno == 0;
+            closedir(stream);
+        }
+        std::sort(names.begin(), names.end(), [](const auto& a, const auto& b) {
+            const auto order = CompareIgnoringCase(a, b);
+            return order != 0 ? order < 0 : a < b;
+        });
+        // The time of a directory moves by the tick of a clock, and on some file systems by a
+        // second or two: what changes it after the reading, but within the tick of the last change
+        // before, does not show.
+        const auto tick = modified.tv_nsec == 0 ? milliseconds(2000) : milliseconds(20);
+        isSettled =
+            isReadable && seconds(modified.tv_sec) + nanoseconds(modified.tv_nsec) + tick < now;
+    }
+
+    std::vector<std::string> names;  // in order, case ignored; those that match in byte order
+    bool isReadable = false;
+    bool isSettled = false;  // a later change will show in the directory's time
+    dev_t device = 0;
+    ino_t inode = 0;
+    timespec modified{};
+};
+
+}  // namespace
+
+std::string Translated(std::string_view name) {
+    std::string result(name);
+    std::replace(result.begin(), result.end(), '\\', '/');
+    return result;
+}
+
+PathParts SplitPath(std::string_view path) {
+    const std::size_t separator = path.find_last_of(separators);
+    const std::size_t name = separator == std::string_view::npos ? 0 : separator + 1;
+    const std::size_t dot = std::min(path.find_last_of('.'), path.size());
+    const std::size_t extension = dot < name ? path.size() : dot;
+    return {path.substr(0, name), path.substr(name, extension - name), path.substr(extension)};
+}
+
+bool IsAbsoluteFileName(const char* word) {
+    const std::string path = word;
+    const std::size_t last = path.find_last_of('/');
+    struct stat status;
+    return last > 0 && stat(path.substr(0, last).c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+bool WouldOverwriteSource(std::string_view source, std::string_view target) {
+    CurrentDirectory directory;
+    std::string sourcePath;
+    std::string targetPath;
+    return !Exists(Translated(source)) && directory.FullPath(source, &sourcePath) &&
+           Exists(Translated(target)) && directory.FullPath(target, &targetPath) &&
+           sourcePath == targetPath;
+}
+
+struct CurrentDirectory::State {
+    // A directory on the way from the first file to the one being read.
+    struct Level {
+        std::string path;       // empty: not asked for, or it has none
+        int handle = -1;        // for the way back; opened when the directory is first left
+        bool isSecond = false;  // another than that of the level before
+    };
+
+    // Whether the path of the current directory can be had; then it is that of the last level.
+    bool HasPath() {
+        std::string& path = levels.back().path;
+        std::array<char, PATH_MAX> text;
+        if (path.empty() && getcwd(text.data(), text.size()) != nullptr) {
+            path = text.data();
+        }
+        return !path.empty();
+    }
+
+    // Spells a full path as it is on disk, component by component. False: there is no such file,
+    // `path` is unchanged.
+    bool SpellAsOnDisk(std::string* path) {
+        if (*path == levels.back().path || Exists(*path)) {
+            return true;
+        }
+        auto [directory, name] = Divided(*path);
+        if (name.empty() || !SpellAsOnDisk(&directory)) {
+            return false;
+        }
+        const std::string entry = listings[directory].Find(directory, name);
+        if (!entry.empty()) {
+            *path = Joined(directory, entry);
+        }
+        return !entry.empty();
+    }
+
+    std::vector<Level> levels{Level()};       // the first is where the run began
+    std::map<std::string, Listing> listings;  // of directories that were asked, by path
+    bool isFound = false;                     // the last full path is that of a file
+};
+
+CurrentDirectory::CurrentDirectory() : state(std::make_unique<State>()) {}
+
+CurrentDirectory::~CurrentDirectory() {
+    for (const State::Level& level : state->levels) {
+        if (level.handle >= 0) {
+            close(level.handle);
+        }
+    }
+}
+
+bool CurrentDirectory::FullPath(std::string_view name, std::string* path) {
+    const std::string translated = Translated(name);
+    std::string joined;
+    if (translated.empty() || translated.front() != '/') {
+        if (!state->HasPath()) {
+            return false;
+        }
+        joined = state->levels.back().path + '/';
+    }
+    joined += translated;
+
+    path->clear();
+    for (std::size_t start = 0; start < joined.size();) {
+        const std::size_t end = std::min(joined.find('/', start), joined.size());
+        const std::string_view component = std::string_view(joined).substr(start, end - start);
+        if (component == "..") {
+            path->erase(std::min(path->find_last_of('/'), path->size()));
+        } else if (!component.empty() && component != ".") {
+            path->append("/").append(component);
+        }
+        start = end + 1;
+    }
+    if (path->empty()) {
+        *path = "/";
+    }
+    if (path->size() >= PATH_MAX) {
+        return false;
+    }
+    state->isFound = state->SpellAsOnDisk(path);
+    return true;
+}
+
+bool CurrentDirectory::EnterDirectoryOf(const std::string& path) {
+    std::string directory = Divided(path).first;
+    // A path that leads to a file of the current directory leads there too. One that leads nowhere
+    // may not: the path of the current directory need not be passable.
+    const bool isSame =
+        state->isFound && state->HasPath() && state->levels.back().path == directory;
+    State::Level next;
+    if (!isSame) {
+        State::Level& here = state->levels.back();
+        if (here.handle < 0) {
+            here.handle = open(".", directoryHandle | O_DIRECTORY | O_CLOEXEC);
+        }
+        next.isSecond = chdir(directory.c_str()) == 0 ||
+                        (state->SpellAsOnDisk(&directory) && chdir(directory.c_str()) == 0);
+    }
+    if (!next.isSecond) {
+        next.path = state->levels.back().path;
+    }
+    state->levels.push_back(std::move(next));
+    return isSame || state->levels.back().isSecond;
+}
+
+void CurrentDirectory::Leave() {
+    const State::Level left = std::move(state->levels.back());
+    state->levels.pop_back();
+    if (left.handle >= 0) {
+        close(left.handle);
+    }
+    if (left.isSecond) {
+        const State::Level& here = state->levels.back();
+        // Where that fails there is nowhere else to go.
+        [[maybe_unused]] const int result =
+            here.handle >= 0 ? fchdir(here.handle) : chdir(here.path.c_str());
+    }
+}
+
+}  // namespace korv::platform

@@ -48,7 +48,7 @@ std::int32_t CMessageList::Print(std::FILE* stream, std::int32_t limit) const {
         if (message.number < 0) {
             std::fprintf(stream, "Illegal %s number! (Internal error.)", kindName);
         } else {
-            std::fputs(MESSAGE_TABLE[static_cast<std::size_t>(message.number)], stream);
+            std::fputs(MESSAGE_TABLE[static_cast<std::size_t>(message.number)].text, stream);
         }
         if (message.text != nullptr) {
             std::fprintf(stream, " [%s]", message.text.get());

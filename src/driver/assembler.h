@@ -74,8 +74,9 @@ class CAssembler {
     /// Set a size in bytes, if `n` is above 0. Result: the old one.
     std::uint32_t SetFileBufferSize(std::int32_t n);
     std::int32_t SetLineBufferSize(std::int32_t n);
-    /// Turns the letters of `flagString` (see driver/command_line.h) into the flags word and runs.
-    /// An empty source is "Main.Kor", an empty target is derived from the source. Result: as `Run`.
+    /// Runs with the letters of `flagString` (see driver/command_line.h) turned into the flags
+    /// word. An empty source is "Main.Kor", an empty target is derived from the source. Result: as
+    /// `Run`.
     std::int32_t RunFromCommandLine(std::string_view source, std::string_view target,
                                     std::string_view flagString);
     /// Assembles `sourceName`, once in the life of the object. Result: 0, whatever happened.
@@ -186,7 +187,6 @@ class CAssembler {
     std::uint32_t binarySizeAtLineStart = 0;  ///< for the debug record; one for all nested files
 
   private:
-    void SetFlagsFrom(std::string_view flagString);
     void DeriveTargetName();
     void AssembleSource();
     std::int32_t ScanTokens(std::string_view text, std::int32_t* value,

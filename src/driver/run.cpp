@@ -4,6 +4,7 @@
 #include <ctime>
 
 #include "driver/assembler.h"
+#include "driver/command_line.h"
 #include "expr/tmp_string.h"
 #include "platform/platform.h"
 #include "symbols/system_identifiers.h"
@@ -14,25 +15,6 @@ namespace {
 constexpr std::int32_t bucketCount = 211;
 constexpr std::uint32_t initialBinarySize = 4096;
 constexpr std::string_view defaultSource = "Main.Kor";
-
-// What a letter of the flag string does to the flags word; the upper-case letter sets, the
-// lower-case one clears.
-struct FlagLetter {
-    char letter;
-    std::uint32_t set;
-    std::uint32_t clear;
-};
-constexpr FlagLetter flagLetters[] = {
-    {'B', RF_BINARY, RF_BINARY},
-    {'D', RF_DEBUG, RF_DEBUG},
-    {'I', RF_SYSTEM_IDS, RF_SYSTEM_IDS},
-    {'L', RF_LABELS, RF_LABELS},
-    {'M', RF_MESSAGES, RF_MESSAGES},
-    {'P', RF_PROGRESS, RF_PROGRESS},
-    {'S', RF_DEBUG | RF_DEBUG_SYMBOLS, RF_DEBUG_SYMBOLS},
-    {'T', RF_TIME, RF_TIME},
-    {'W', RF_NO_WARNINGS, RF_NO_WARNINGS},
-};
 
 }  // namespace
 
@@ -76,31 +58,11 @@ std::int32_t CAssembler::SetLineBufferSize(std::int32_t n) {
     return old;
 }
 
-void CAssembler::SetFlagsFrom(std::string_view flagString) {
-    std::uint32_t bits = RF_SYSTEM_IDS;
-    for (const char c : flagString) {
-        bool isKnown = c == ' ';
-        for (const FlagLetter& row : flagLetters) {
-            if (c == row.letter) {
-                bits |= row.set;
-                isKnown = true;
-            } else if (c == row.letter + ('a' - 'A')) {
-                bits &= ~row.clear;
-                isKnown = true;
-            }
-        }
-        if (!isKnown) {
-            std::fprintf(output, "Unrecognized flag encountered: %c\n", c);
-        }
-    }
-    flags.Set(bits);
-}
-
 std::int32_t CAssembler::RunFromCommandLine(std::string_view source, std::string_view target,
                                             std::string_view flagString) {
     sourceName = source.empty() ? defaultSource : source;
     targetName = target;
-    SetFlagsFrom(flagString);
+    flags.Set(FlagsFrom(flagString, output));
     return Run();
 }
 

@@ -15,13 +15,6 @@
 namespace korv {
 namespace {
 
-const char* SkipBlanks(const char* text) {
-    while (HasClass(*text, CC_BLANK)) {
-        ++text;
-    }
-    return text;
-}
-
 // Takes the characters from `start` to `end` as the word read last, cut to what a word may have.
 void TakeWord(CStatement* statement, const char* start, const char* end) {
     statement->token = {start, std::min(static_cast<std::size_t>(end - start), maxWord)};

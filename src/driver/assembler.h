@@ -13,6 +13,7 @@
 #include "codegen/handler.h"
 #include "codegen/value_range.h"
 #include "diagnostics/message_list.h"
+#include "driver/debug_stream.h"
 #include "driver/statement.h"
 #include "source/file_name_registry.h"
 #include "symbols/identifier_manager.h"
@@ -176,7 +177,7 @@ class CAssembler {
     std::FILE* output;  ///< where all console reports go; not owned
     BinBlock binary;
     CIdentifierManager identifiers;
-    std::FILE* debugStream = nullptr;         ///< temporary; owned; null without RF_DEBUG
+    DebugStream debugStream;                  ///< with RF_DEBUG
     std::string targetDirectory;              ///< directory of `targetName`, with its separator
     std::time_t startTime;                    ///< for the time display
     std::uint32_t fileBufferSize = 65536;     ///< upper bound of a read buffer in bytes

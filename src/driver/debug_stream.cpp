@@ -3,70 +3,122 @@
 
 #include "driver/debug_stream.h"
 
-#include <array>
+#include <algorithm>
+#include <bit>
 #include <cstring>
 
 #include "codegen/bin_block.h"
+#include "diagnostics/report_writer.h"
+#include "platform/platform.h"
+#include "source/short_text.h"
 
 namespace korv {
 namespace {
 
-constexpr int recordStart = 0xAE;
-constexpr int recordEnd = 0xAF;
+constexpr char recordStart = '\xAE';
+constexpr char recordEnd = '\xAF';
+constexpr std::size_t headSize = 1 + 4;  // start byte and count
 
-// Prints the bytes of the target from `offset` on.
-void PrintBytes(const BinBlock& binary, std::uint32_t offset, std::int32_t count,
-                std::FILE* listing) {
-    constexpr char digits[] = "0123456789ABCDEF";
-    for (std::int32_t i = 0; i < count; ++i) {
-        const std::uint8_t byte = binary.At(offset + static_cast<std::uint32_t>(i));
-        std::fputc(digits[byte >> 4], listing);
-        std::fputc(digits[byte & 15], listing);
+// The text before the first `c`, all of it if there is none.
+std::string_view Before(char c, std::string_view text) {
+    return text.substr(0, std::min(text.find(c), text.size()));
+}
+
+// The lowest byte comes first, whatever the machine.
+void StoreCount(char* to, std::uint32_t count) {
+    for (int i = 0; i < 4; ++i, count >>= 8) {
+        to[i] = static_cast<char>(count);
     }
+}
+
+std::uint32_t LoadCount(const char* from) {
+    std::uint32_t count = 0;
+    for (int i = 4; i-- > 0;) {
+        count = count << 8 | static_cast<std::uint8_t>(from[i]);
+    }
+    return count;
 }
 
 }  // namespace
 
-void WriteDebugRecord(std::FILE* stream, std::uint32_t byteCount, const char* text) {
-    if (byteCount == 0 && *text == '\0') {
-        return;
-    }
-    std::fputc(recordStart, stream);
-    for (int shift = 0; shift < 32; shift += 8) {
-        std::fputc(static_cast<int>(byteCount >> shift & 0xFF), stream);
-    }
-    std::fputs(text, stream);
-    std::fputc(recordEnd, stream);
+DebugStream::~DebugStream() {
+    platform::Free(data);
 }
 
-void ConvertDebugStream(std::FILE* stream, const BinBlock& binary, std::FILE* listing) {
+bool DebugStream::Grow(std::size_t count) {
+    constexpr std::size_t firstSize = 65536;
+    const std::size_t grownSize = std::bit_ceil(std::max(used + count, firstSize));
+    void* const grown = platform::Reallocate(data, grownSize);
+    if (grown == nullptr) {
+        return false;
+    }
+    data = static_cast<char*>(grown);
+    capacity = grownSize;
+    return true;
+}
+
+char* DebugStream::Append(std::size_t count) {
+    if (count > capacity - used && !Grow(count)) {
+        return nullptr;
+    }
+    used += count;
+    return data + used - count;
+}
+
+void DebugStream::AddText(std::initializer_list<std::string_view> pieces) {
+    std::size_t size = 0;
+    for (const std::string_view piece : pieces) {
+        size += piece.size();
+    }
+    if (char* to = Append(size)) {
+        for (const std::string_view piece : pieces) {
+            CopyText(to, piece);
+            to += piece.size();
+        }
+    }
+}
+
+void DebugStream::AddRecord(std::uint32_t byteCount, std::string_view line) {
+    if (byteCount == 0 && line.empty()) {
+        return;
+    }
+    if (char* const to = Append(headSize + line.size() + 1)) {
+        to[0] = recordStart;
+        StoreCount(to + 1, byteCount);
+        CopyText(to + headSize, line);
+        to[headSize + line.size()] = recordEnd;
+    }
+}
+
+void DebugStream::WriteListing(const BinBlock& binary, std::FILE* listing) const {
+    ReportWriter out(listing);
     std::uint32_t offset = 0;
-    std::rewind(stream);
-    for (int c = std::fgetc(stream); c != EOF; c = std::fgetc(stream)) {
-        if (c != recordStart) {
-            std::fputc(c, listing);
-            continue;
-        }
-        std::array<std::uint8_t, 4> raw{};
-        if (std::fread(raw.data(), 1, raw.size(), stream) != raw.size()) {
+    std::string_view rest(data, used);
+    for (;;) {
+        const std::string_view freeText = Before(recordStart, rest);
+        out.Put(freeText);
+        rest.remove_prefix(freeText.size());
+        if (rest.size() < headSize) {
             return;
         }
-        std::uint32_t bits = 0;
-        for (std::size_t i = raw.size(); i-- > 0;) {
-            bits = bits << 8 | raw[i];
-        }
+        const std::uint32_t bits = LoadCount(rest.data() + 1);
         const auto count = static_cast<std::int32_t>(bits);
-        std::fprintf(listing, "<%02X> [", offset);
-        PrintBytes(binary, offset, count, listing);
-        offset += count > 0 ? bits : 0;
-        std::fputs("] ", listing);
-        while ((c = std::fgetc(stream)) != EOF && c != recordEnd) {
-            std::fputc(c, listing);
+        rest.remove_prefix(headSize);
+        out.Put('<');
+        out.PutHex(offset, 2);
+        out.Put("> [");
+        for (std::int32_t i = 0; i < count; ++i) {
+            out.PutByte(binary.At(offset + static_cast<std::uint32_t>(i)));
         }
-        if (c == EOF) {
+        offset += count > 0 ? bits : 0;
+        out.Put("] ");
+        const std::string_view text = Before(recordEnd, rest);
+        out.Put(text);
+        if (text.size() == rest.size()) {
             return;
         }
-        std::fputc('\n', listing);
+        out.Put('\n');
+        rest.remove_prefix(text.size() + 1);
     }
 }
 

@@ -36,9 +36,6 @@ CAssembler::CAssembler(std::FILE* stream, std::int32_t maxMessages)
 }
 
 CAssembler::~CAssembler() {
-    if (debugStream != nullptr) {
-        std::fclose(debugStream);
-    }
     if (flags.Has(RF_TIME)) {
         std::fprintf(output, "[Korv] System has been online for %1.0f seconds.\n",
                      std::difftime(std::time(nullptr), startTime));
@@ -113,11 +110,8 @@ void CAssembler::AssembleSource() {
                      targetName.c_str());
     }
     targetDirectory = platform::SplitPath(targetName).directory;
-    if (flags.Has(RF_DEBUG)) {
-        debugStream = std::tmpfile();
-        if (debugStream != nullptr && flags.Has(RF_DEBUG_SYMBOLS)) {
-            identifiers.SetLog(debugStream);
-        }
+    if (flags.Has(RF_DEBUG) && flags.Has(RF_DEBUG_SYMBOLS)) {
+        identifiers.SetLog(&debugStream);
     }
     LoadSystemIdentifiers();
     if (flags.Has(RF_SYSTEM_IDS)) {
@@ -138,7 +132,9 @@ void CAssembler::AssembleSource() {
     if (flags.Has(RF_ABORT)) {
         errors.Report(MSG_ABORTED, noText, 0, 0);
     }
-    WriteDebugFile();
+    if (flags.Has(RF_DEBUG)) {
+        WriteDebugFile();
+    }
 }
 
 }  // namespace korv

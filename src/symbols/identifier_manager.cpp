@@ -11,6 +11,8 @@
 #include <utility>
 
 #include "diagnostics/message_list.h"
+#include "diagnostics/report_writer.h"
+#include "driver/debug_stream.h"
 #include "platform/platform.h"
 #include "source/file_name_registry.h"
 #include "source/short_text.h"
@@ -182,7 +184,7 @@ CAssembler* CIdentifierManager::SetAssembler(CAssembler* newAssembler) {
     return std::exchange(assembler, newAssembler);
 }
 
-std::FILE* CIdentifierManager::SetLog(std::FILE* newLog) {
+DebugStream* CIdentifierManager::SetLog(DebugStream* newLog) {
     return std::exchange(log, newLog);
 }
 
@@ -278,14 +280,14 @@ std::int32_t CIdentifierManager::AddID(const Definition& definition) {
         }
     } else if ((record->flags & IDF_RESERVED) != 0) {
         if (log != nullptr) {
-            std::fprintf(log, "Attempt to use command/instruction as a label! [%s]\n",
-                         record->name);
+            log->AddText(
+                {"Attempt to use command/instruction as a label! [", record->Name(), "]\n"});
         }
         errors->Report(MSG_RESERVED_NAME, definition.name, definition.file, definition.line);
         return 0;
     } else if ((record->flags & (IDF_LABEL | IDF_EQU)) != 0) {
         if (log != nullptr) {
-            std::fprintf(log, "Label redefinition! [%s]\n", record->name);
+            log->AddText({"Label redefinition! [", record->Name(), "]\n"});
         }
         errors->Report(MSG_REDEFINITION, definition.name, definition.file, definition.line);
         return 0;
@@ -305,7 +307,7 @@ std::int32_t CIdentifierManager::AddID(const Definition& definition) {
 void CIdentifierManager::ApplyPatches(CIdentifier* identifier) {
     if ((identifier->flags & IDF_RESOLVED) == 0) {
         if (log != nullptr) {
-            std::fprintf(log, "Could not backpatch yet! [%s]\n", identifier->name);
+            log->AddText({"Could not backpatch yet! [", identifier->Name(), "]\n"});
         }
         return;
     }
@@ -340,8 +342,7 @@ std::int32_t CIdentifierManager::AddPatch(std::string_view name, CPatchInfo* pat
     const std::uint64_t hash = HashOf(name);
     CIdentifier* record = Find(name, hash);
     if (log != nullptr) {
-        std::fprintf(log, "Adding patch for: [%.*s] -> [%s]\n", static_cast<int>(name.size()),
-                     name.data(), patch->expression.c_str());
+        log->AddText({"Adding patch for: [", name, "] -> [", patch->expression.View(), "]\n"});
     }
     if (record == nullptr) {
         record = Enter(name, hash);
@@ -407,7 +408,8 @@ void CIdentifierManager::ReleasePatches() {
 
 std::int32_t CIdentifierManager::DumpIdentifiers(std::FILE* file) {
     LinkChains();
-    std::fprintf(file, "Identifier\t\tValue\tFlags\tFile(Line)\n");
+    ReportWriter out(file);
+    out.Put("Identifier\t\tValue\tFlags\tFile(Line)\n");
     std::int32_t count = 0;
     for (std::int32_t i = 0; i < tableSize; ++i) {
         for (const CIdentifier* record = buckets[i]; record != nullptr; record = record->next) {
@@ -417,12 +419,20 @@ std::int32_t CIdentifierManager::DumpIdentifiers(std::FILE* file) {
             ++count;
             char flagString[7];
             FlagString(record->flags, flagString);
-            std::fprintf(file, "%-15s\t %04Xh\t%s \t%13s(%d)\n", record->name,
-                         static_cast<std::uint32_t>(record->value), flagString,
-                         fileNames->NameOf(record->file), record->line);
+            out.PutLeft(record->Name(), 15);
+            out.Put("\t ");
+            out.PutHex(static_cast<std::uint32_t>(record->value), 4);
+            out.Put("h\t");
+            out.Put({flagString, 6});
+            out.Put(" \t");
+            out.PutRight(fileNames->NameOf(record->file), 13);
+            out.Put('(');
+            out.PutDecimal(record->line);
+            out.Put(")\n");
         }
     }
-    std::fprintf(file, "%d user identifiers registered.\n", count);
+    out.PutDecimal(count);
+    out.Put(" user identifiers registered.\n");
     return 0;
 }
 

@@ -15,6 +15,7 @@ class CAssembler;
 class CFileNameRegistry;
 class CMessageList;
 class CPatchInfo;
+class DebugStream;
 
 /// Bits of `CIdentifier::flags`.
 inline constexpr std::uint32_t IDF_LABEL = 0x001;  ///< defined as a label
@@ -92,7 +93,7 @@ class CIdentifierManager {
     /// These give the previous value.
     BinBlock* SetTarget(BinBlock* newTarget);
     CAssembler* SetAssembler(CAssembler* newAssembler);
-    std::FILE* SetLog(std::FILE* newLog);
+    DebugStream* SetLog(DebugStream* newLog);
 
     /// Defines a name. A name only referred to so far gets its definition, and its patches are
     /// applied, the newest first. Refusals and failures of patches go to the errors. Result: 0,
@@ -170,7 +171,7 @@ class CIdentifierManager {
     std::FILE* console;
     CAssembler* assembler = nullptr;
     BinBlock* target = nullptr;
-    std::FILE* log = nullptr;  // the trace, or null
+    DebugStream* log = nullptr;  // the trace, or null
 };
 
 /// The bucket of `name` among `tableSize`: the order of the listing. Exposed for tests.

@@ -5,91 +5,94 @@
 #include <algorithm>
 #include <array>
 #include <bit>
-#include <charconv>
 #include <cstdint>
 #include <cstdio>
+#include <cstring>
 #include <string_view>
-
-#include "source/short_text.h"
 
 namespace korv {
 
+/// These write to `to`, which has room, and give the place after what they wrote.
+inline char* PutText(char* to, std::string_view text) {
+    std::memcpy(to, text.data(), text.size());
+    return to + text.size();
+}
+
+/// The two digits of each byte.
+inline constexpr auto hexadecimal = [] {
+    constexpr char digits[] = "0123456789ABCDEF";
+    std::array<std::array<char, 2>, 256> table{};
+    for (std::size_t byte = 0; byte < table.size(); ++byte) {
+        table[byte] = {digits[byte >> 4], digits[byte & 15]};
+    }
+    return table;
+}();
+
+inline char* PutByte(char* to, std::uint8_t value) {
+    std::memcpy(to, hexadecimal[value].data(), 2);
+    return to + 2;
+}
+
+/// At least `minDigits` hexadecimal digits; has room for 8.
+inline char* PutHex(char* to, std::uint32_t value, std::size_t minDigits) {
+    char all[16];
+    for (std::size_t i = 0; i < 4; ++i) {
+        PutByte(all + 2 * i, static_cast<std::uint8_t>(value >> (24 - 8 * i)));
+    }
+    const std::size_t digits = std::max(minDigits, (std::bit_width(value) + std::size_t{3}) / 4);
+    std::memcpy(to, all + 8 - digits, 8);
+    return to + digits;
+}
+
+/// Blanks that make a text of `size` characters `width` characters long.
+inline char* PutPadding(char* to, std::size_t size, std::size_t width) {
+    for (; size < width; ++size) {
+        *to++ = ' ';
+    }
+    return to;
+}
+
 class ReportWriter {
   public:
+    static constexpr std::size_t blockSize = 16384;
+
     /// Writes to `file`, which is not owned and has to live longer.
     explicit ReportWriter(std::FILE* file) : file(file) {}
     ~ReportWriter() { Flush(); }
     ReportWriter(const ReportWriter&) = delete;
     ReportWriter& operator=(const ReportWriter&) = delete;
 
-    void Put(char c) {
-        *Room(1) = c;
-        ++used;
-    }
-    void Put(std::string_view text) {
-        while (text.size() > block.size() - used)
-            [[unlikely]] {
-                const std::size_t fitting = block.size() - used;
-                CopyText(block.data() + used, text.substr(0, fitting));
-                used += fitting;
-                Flush();
-                text.remove_prefix(fitting);
-            }
-        CopyText(block.data() + used, text);
-        used += text.size();
-    }
-    /// `text` and blanks after it, or before it, that make it `width` characters long.
-    void PutLeft(std::string_view text, std::size_t width) {
-        Put(text);
-        PutBlanks(width - std::min(width, text.size()));
-    }
-    void PutRight(std::string_view text, std::size_t width) {
-        PutBlanks(width - std::min(width, text.size()));
-        Put(text);
-    }
-    /// In hexadecimal, with at least `minDigits` digits.
-    void PutHex(std::uint32_t value, int minDigits) {
-        const int digits = std::max(minDigits, (static_cast<int>(std::bit_width(value)) + 3) / 4);
-        char* to = Room(8);
-        for (int shift = 4 * (digits - 1); shift >= 0; shift -= 4) {
-            *to++ = hexDigits[value >> shift & 15];
+    /// Where at least `count` characters can be put, at most a block. `Advance` takes them over, up
+    /// to `end`.
+    char* Room(std::size_t count) {
+        if (count > static_cast<std::size_t>(block.data() + blockSize - next)) [[unlikely]] {
+            Flush();
         }
-        used += static_cast<std::size_t>(digits);
+        return next;
     }
-    void PutByte(std::uint8_t value) {
-        char* const to = Room(2);
-        to[0] = hexDigits[value >> 4];
-        to[1] = hexDigits[value & 15];
-        used += 2;
+    void Advance(char* end) { next = end; }
+
+    void Put(char c) {
+        char* const to = Room(1);
+        *to = c;
+        Advance(to + 1);
     }
-    void PutDecimal(std::int32_t value) {
-        char* const to = Room(11);
-        used += static_cast<std::size_t>(std::to_chars(to, to + 11, value).ptr - to);
+    /// Of any length.
+    void Put(std::string_view text) {
+        if (text.size() > blockSize) [[unlikely]] {
+            Flush();
+            std::fwrite(text.data(), 1, text.size(), file);
+        } else {
+            Advance(PutText(Room(text.size()), text));
+        }
     }
 
   private:
-    static constexpr char hexDigits[] = "0123456789ABCDEF";
-
-    // The place of the next `count` characters, which are few.
-    char* Room(std::size_t count) {
-        if (count > block.size() - used) [[unlikely]] {
-            Flush();
-        }
-        return block.data() + used;
-    }
-    void PutBlanks(std::size_t count) {
-        while (count-- > 0) {
-            Put(' ');
-        }
-    }
-    void Flush() {
-        std::fwrite(block.data(), 1, used, file);
-        used = 0;
-    }
+    void Flush();
 
     std::FILE* file;
-    std::size_t used = 0;  // characters in `block` that are not written yet
-    std::array<char, 16384> block;
+    std::array<char, blockSize> block;
+    char* next = block.data();
 };
 
 }  // namespace korv

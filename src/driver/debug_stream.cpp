@@ -10,18 +10,18 @@
 #include "codegen/bin_block.h"
 #include "diagnostics/report_writer.h"
 #include "platform/platform.h"
-#include "source/short_text.h"
 
 namespace korv {
 namespace {
 
 constexpr char recordStart = '\xAE';
 constexpr char recordEnd = '\xAF';
-constexpr std::size_t headSize = 1 + 4;  // start byte and count
+constexpr std::ptrdiff_t headSize = 1 + 4;  // start byte and count
 
-// The text before the first `c`, all of it if there is none.
-std::string_view Before(char c, std::string_view text) {
-    return text.substr(0, std::min(text.find(c), text.size()));
+// The first `c` from `start` on, `end` if there is none.
+const char* Find(char c, const char* start, const char* end) {
+    const void* const found = std::memchr(start, c, static_cast<std::size_t>(end - start));
+    return found == nullptr ? end : static_cast<const char*>(found);
 }
 
 // The lowest byte comes first, whatever the machine.
@@ -37,6 +37,14 @@ std::uint32_t LoadCount(const char* from) {
         count = count << 8 | static_cast<std::uint8_t>(from[i]);
     }
     return count;
+}
+
+// The start of a line of the listing.
+void PutHead(ReportWriter* out, std::uint32_t offset) {
+    char* to = out->Room(12);
+    *to++ = '<';
+    to = PutHex(to, offset, 2);
+    out->Advance(PutText(to, "> ["));
 }
 
 }  // namespace
@@ -72,8 +80,7 @@ void DebugStream::AddText(std::initializer_list<std::string_view> pieces) {
     }
     if (char* to = Append(size)) {
         for (const std::string_view piece : pieces) {
-            CopyText(to, piece);
-            to += piece.size();
+            to = PutText(to, piece);
         }
     }
 }
@@ -82,43 +89,40 @@ void DebugStream::AddRecord(std::uint32_t byteCount, std::string_view line) {
     if (byteCount == 0 && line.empty()) {
         return;
     }
-    if (char* const to = Append(headSize + line.size() + 1)) {
+    if (char* const to = Append(static_cast<std::size_t>(headSize) + line.size() + 1)) {
         to[0] = recordStart;
         StoreCount(to + 1, byteCount);
-        CopyText(to + headSize, line);
-        to[headSize + line.size()] = recordEnd;
+        *PutText(to + headSize, line) = recordEnd;
     }
 }
 
 void DebugStream::WriteListing(const BinBlock& binary, std::FILE* listing) const {
     ReportWriter out(listing);
     std::uint32_t offset = 0;
-    std::string_view rest(data, used);
-    for (;;) {
-        const std::string_view freeText = Before(recordStart, rest);
-        out.Put(freeText);
-        rest.remove_prefix(freeText.size());
-        if (rest.size() < headSize) {
+    const char* next = data;
+    const char* const end = data + used;
+    while (next != end) {
+        if (*next != recordStart) {
+            const char* const start = Find(recordStart, next, end);
+            out.Put({next, start});
+            next = start;
+        } else if (end - next < headSize) {
             return;
+        } else {
+            const std::uint32_t bits = LoadCount(next + 1);
+            PutHead(&out, offset);
+            for (auto left = static_cast<std::int32_t>(bits); left > 0; --left) {
+                out.Advance(PutByte(out.Room(2), binary.At(offset++)));
+            }
+            out.Put("] ");
+            const char* const text = next + headSize;
+            next = Find(recordEnd, text, end);
+            out.Put({text, next});
+            if (next != end) {
+                out.Put('\n');
+                ++next;
+            }
         }
-        const std::uint32_t bits = LoadCount(rest.data() + 1);
-        const auto count = static_cast<std::int32_t>(bits);
-        rest.remove_prefix(headSize);
-        out.Put('<');
-        out.PutHex(offset, 2);
-        out.Put("> [");
-        for (std::int32_t i = 0; i < count; ++i) {
-            out.PutByte(binary.At(offset + static_cast<std::uint32_t>(i)));
-        }
-        offset += count > 0 ? bits : 0;
-        out.Put("] ");
-        const std::string_view text = Before(recordEnd, rest);
-        out.Put(text);
-        if (text.size() == rest.size()) {
-            return;
-        }
-        out.Put('\n');
-        rest.remove_prefix(text.size() + 1);
     }
 }
 

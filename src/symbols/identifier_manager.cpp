@@ -5,9 +5,11 @@
 
 #include "symbols/identifier_manager.h"
 
+#include <charconv>
 #include <cstdlib>
 #include <cstring>
 #include <new>
+#include <string>
 #include <utility>
 
 #include "diagnostics/message_list.h"
@@ -73,6 +75,25 @@ CIdentifier* Sorted(CIdentifier* chain) {
     }
     CIdentifier* const second = std::exchange(middle->next, nullptr);
     return Merge(Sorted(chain), Sorted(second));
+}
+
+// A line of the listing.
+void PutLine(ReportWriter* out, const CIdentifier& record, std::string_view fileName) {
+    out->Put(record.Name());
+    char* to = PutPadding(out->Room(80), record.nameLength, 15);
+    to = PutText(to, "\t ");
+    to = PutHex(to, static_cast<std::uint32_t>(record.value), 4);
+    to = PutText(to, "h\t");
+    char flagString[7];
+    FlagString(record.flags, flagString);
+    to = PutText(to, {flagString, 6});
+    to = PutText(to, " \t");
+    out->Advance(PutPadding(to, fileName.size(), 13));
+    out->Put(fileName);
+    to = out->Room(16);
+    *to++ = '(';
+    to = std::to_chars(to, to + 11, record.line).ptr;
+    out->Advance(PutText(to, ")\n"));
 }
 
 }  // namespace
@@ -413,25 +434,13 @@ std::int32_t CIdentifierManager::DumpIdentifiers(std::FILE* file) {
     std::int32_t count = 0;
     for (std::int32_t i = 0; i < tableSize; ++i) {
         for (const CIdentifier* record = buckets[i]; record != nullptr; record = record->next) {
-            if ((record->flags & IDF_INTERNAL) != 0) {
-                continue;
+            if ((record->flags & IDF_INTERNAL) == 0) {
+                ++count;
+                PutLine(&out, *record, fileNames->NameOf(record->file));
             }
-            ++count;
-            char flagString[7];
-            FlagString(record->flags, flagString);
-            out.PutLeft(record->Name(), 15);
-            out.Put("\t ");
-            out.PutHex(static_cast<std::uint32_t>(record->value), 4);
-            out.Put("h\t");
-            out.Put({flagString, 6});
-            out.Put(" \t");
-            out.PutRight(fileNames->NameOf(record->file), 13);
-            out.Put('(');
-            out.PutDecimal(record->line);
-            out.Put(")\n");
         }
     }
-    out.PutDecimal(count);
+    out.Put(std::to_string(count));
     out.Put(" user identifiers registered.\n");
     return 0;
 }

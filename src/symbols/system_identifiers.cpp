@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <array>
 
+#include "codegen/keywords.h"
 #include "driver/assembler.h"
 
 namespace korv {
@@ -25,7 +26,43 @@ constexpr std::array versionIdentifiers = {
     VersionIdentifier{"KORV_BUILD", 25},
 };
 
+// The reserved words are the keywords but for these, which are free as labels, and two more, which
+// are no commands.
+constexpr std::string_view freeKeywords[] = {"DEFB", "DEFD", "DEFM",    "DEFS",
+                                             "DEFW", "END",  "MAC_OFF", "MAC_ON"};
+constexpr std::string_view furtherWords[] = {"MACROS_OFF", "MACROS_ON"};
+
+constexpr void ForEachReservedWord(auto visit) {
+    for (const Keyword& keyword : keywords) {
+        if (std::find(std::begin(freeKeywords), std::end(freeKeywords), keyword.word) ==
+            std::end(freeKeywords)) {
+            visit(keyword.word);
+        }
+    }
+    for (const std::string_view word : furtherWords) {
+        visit(word);
+    }
+}
+
+constexpr std::size_t listSize = [] {
+    std::size_t size = 0;
+    ForEachReservedWord([&size](std::string_view word) { size += word.size() + 1; });
+    return size;
+}();
+
+constexpr auto list = [] {
+    std::array<char, listSize> text{};
+    char* end = text.data();
+    ForEachReservedWord([&end](std::string_view word) {
+        end = std::copy(word.begin(), word.end(), end);
+        *end++ = '\t';
+    });
+    return text;
+}();
+
 }  // namespace
+
+constexpr std::string_view reservedWords(list.data(), list.size() - 1);
 
 void CAssembler::LoadSystemIdentifiers() {
     std::int32_t result = 0;

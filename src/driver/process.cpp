@@ -64,7 +64,7 @@ int RunProcess(int argumentCount, char** arguments) {
             std::printf("Press a key to continue...\r");
             platform::WaitForKey();
         }
-        std::printf("%26s\r", "");  // wipes the progress meter or the prompt
+        std::fputs("                          \r", stdout);  // wipes the meter or the prompt
     }
     platform::SetConsoleHandler(nullptr);
     platform::SetAllocationFailureHook(previousHook);

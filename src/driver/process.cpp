@@ -5,7 +5,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <memory>
 #include <string_view>
 
 #include "driver/assembler.h"
@@ -24,13 +23,13 @@ constexpr std::string_view title = "Brelloc Korv v2.00.025 *FAST*";
 // Result: that of the run.
 std::int32_t RunAssembler(const CommandLine& commandLine) {
     const auto textOf = [](const char* word) { return word == nullptr ? "" : word; };
-    const auto assembler = std::make_unique<CAssembler>(stdout);
-    theAssembler = assembler.get();
-    assembler->SetFileBufferSize(commandLine.fileBufferRequest);
-    assembler->SetLineBufferSize(commandLine.lineBufferRequest);
+    CAssembler assembler(stdout);
+    theAssembler = &assembler;
+    assembler.SetFileBufferSize(commandLine.fileBufferRequest);
+    assembler.SetLineBufferSize(commandLine.lineBufferRequest);
     const std::int32_t result =
-        assembler->RunFromCommandLine(textOf(commandLine.sourceArgument),
-                                      textOf(commandLine.targetArgument), commandLine.flagString);
+        assembler.RunFromCommandLine(textOf(commandLine.sourceArgument),
+                                     textOf(commandLine.targetArgument), commandLine.flagString);
     // Before the object goes, so that no hook reaches it any more; an event interrupts this thread
     // and runs to its end.
     theAssembler = nullptr;

@@ -24,19 +24,17 @@ const char* Find(char c, const char* start, const char* end) {
     return found == nullptr ? end : static_cast<const char*>(found);
 }
 
-// The lowest byte comes first, whatever the machine.
+// The lowest byte comes first, whatever the machine. Written out, each is one move on most.
 void StoreCount(char* to, std::uint32_t count) {
-    for (int i = 0; i < 4; ++i, count >>= 8) {
-        to[i] = static_cast<char>(count);
-    }
+    to[0] = static_cast<char>(count);
+    to[1] = static_cast<char>(count >> 8);
+    to[2] = static_cast<char>(count >> 16);
+    to[3] = static_cast<char>(count >> 24);
 }
 
 std::uint32_t LoadCount(const char* from) {
-    std::uint32_t count = 0;
-    for (int i = 4; i-- > 0;) {
-        count = count << 8 | static_cast<std::uint8_t>(from[i]);
-    }
-    return count;
+    const auto byteAt = [from](int i) { return std::uint32_t{static_cast<std::uint8_t>(from[i])}; };
+    return byteAt(0) | byteAt(1) << 8 | byteAt(2) << 16 | byteAt(3) << 24;
 }
 
 // The start of a line of the listing.

@@ -85,7 +85,7 @@ class CAssembler {
 
     // ---- driver/statement_loop.cpp
 
-    /// What the loop over one file leaves behind.
+    /// What the loop over one file leaves.
     struct FileOutcome {
         std::int32_t lineCounter = 1;   ///< number of the next line
         std::uint32_t bytesOfLine = 0;  ///< bytes of the last line read
@@ -110,7 +110,8 @@ class CAssembler {
     // ---- source/include_files.cpp
 
     /// Enters the file `name`, main or included, assembles it and leaves it, with the current
-    /// directory following. Result: 0, or why it could not be opened: 10 or 52.
+    /// directory following. Result: 0, or why it could not be opened: MSG_CANNOT_OPEN or
+    /// MSG_OUT_OF_MEMORY.
     std::int32_t AssembleIncludeFile(std::string_view name);
 
     // ---- expr/scanner.cpp

@@ -12,9 +12,9 @@ namespace korv {
 
 class BinBlock;
 
-/// Kept in memory, which doubles as it fills. Where there is none left the failure hook ends the
-/// run with the current statement and error 15 says that it has been broken off: what finds no room
-/// is left out, and the listing shows what was there before.
+/// Kept in memory, which doubles as it fills. Where there is none left, the failure hook ends the
+/// run with the current statement, and MSG_ABORTED says that it has been broken off: what finds no
+/// room is left out, and the listing shows what was there before.
 class DebugStream {
   public:
     DebugStream() = default;

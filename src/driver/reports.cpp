@@ -1,4 +1,4 @@
-// What a run leaves behind: report files, console reports, the target.
+// What a run leaves: report files, console reports, the target.
 
 #include "driver/assembler.h"
 #include "expr/tmp_string.h"

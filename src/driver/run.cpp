@@ -31,7 +31,6 @@ CAssembler::CAssembler(std::FILE* stream, std::int32_t maxMessages)
     identifiers.SetAssembler(this);
     errors.SetFileNames(&fileNames);
     warnings.SetFileNames(&fileNames);
-    errors.SetKind(ML_ERROR);
     warnings.SetKind(ML_WARNING);
 }
 
@@ -120,7 +119,7 @@ void CAssembler::AssembleSource() {
     if (flags.Has(RF_BINARY)) {
         location = binaryStart;
     }
-    std::fflush(output);  // what a break event prints goes past the buffer, and belongs behind this
+    std::fflush(output);  // what a break event prints goes past the buffer, and belongs after this
 
     const std::int32_t status = AssembleIncludeFile(sourceName);
     if (status == MSG_CANNOT_OPEN) {

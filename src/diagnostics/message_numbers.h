@@ -3,6 +3,7 @@
 /// to. This header includes nothing of the project and is open to all folders.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 
@@ -126,16 +127,11 @@ inline constexpr auto MESSAGE_TABLE = std::to_array<MessageRow>({
     {MSG_ORG_USED, "ORG used!"},
 });
 
-static_assert(
-    [] {
-        std::int32_t number = 0;
-        for (const MessageRow& row : MESSAGE_TABLE) {
-            if (row.number != number++) {
-                return false;
-            }
-        }
-        return true;
-    }(),
-    "a row of MESSAGE_TABLE is not at the place of its number");
+static_assert(MESSAGE_TABLE[0].number == 0 &&
+                  std::ranges::adjacent_find(MESSAGE_TABLE,
+                                             [](const MessageRow& a, const MessageRow& b) {
+                                                 return b.number != a.number + 1;
+                                             }) == MESSAGE_TABLE.end(),
+              "a row of MESSAGE_TABLE is not at the place of its number");
 
 }  // namespace korv

@@ -72,11 +72,6 @@ class ReportWriter {
     }
     void Advance(char* end) { next = end; }
 
-    void Put(char c) {
-        char* const to = Room(1);
-        *to = c;
-        Advance(to + 1);
-    }
     /// Of any length.
     void Put(std::string_view text) {
         if (text.size() > blockSize) [[unlikely]] {

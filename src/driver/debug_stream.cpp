@@ -37,14 +37,6 @@ std::uint32_t LoadCount(const char* from) {
     return byteAt(0) | byteAt(1) << 8 | byteAt(2) << 16 | byteAt(3) << 24;
 }
 
-// The start of a line of the listing.
-void PutHead(ReportWriter* out, std::uint32_t offset) {
-    char* to = out->Room(12);
-    *to++ = '<';
-    to = PutHex(to, offset, 2);
-    out->Advance(PutText(to, "> ["));
-}
-
 }  // namespace
 
 DebugStream::~DebugStream() {
@@ -55,12 +47,11 @@ bool DebugStream::Grow(std::size_t count) {
     constexpr std::size_t firstSize = 65536;
     const std::size_t grownSize = std::bit_ceil(std::max(used + count, firstSize));
     void* const grown = platform::Reallocate(data, grownSize);
-    if (grown == nullptr) {
-        return false;
+    if (grown != nullptr) {
+        data = static_cast<char*>(grown);
+        capacity = grownSize;
     }
-    data = static_cast<char*>(grown);
-    capacity = grownSize;
-    return true;
+    return grown != nullptr;
 }
 
 char* DebugStream::Append(std::size_t count) {
@@ -108,16 +99,18 @@ void DebugStream::WriteListing(const BinBlock& binary, std::FILE* listing) const
             return;
         } else {
             const std::uint32_t bits = LoadCount(next + 1);
-            PutHead(&out, offset);
+            char* to = out.Room(12);
+            *to++ = '<';
+            out.Advance(PutText(PutHex(to, offset, 2), "> ["));
             for (auto left = static_cast<std::int32_t>(bits); left > 0; --left) {
                 out.Advance(PutByte(out.Room(2), binary.At(offset++)));
             }
-            out.Put("] ");
+            out.Advance(PutText(out.Room(2), "] "));
             const char* const text = next + headSize;
             next = Find(recordEnd, text, end);
             out.Put({text, next});
             if (next != end) {
-                out.Put('\n');
+                out.Advance(PutText(out.Room(1), "\n"));
                 ++next;
             }
         }

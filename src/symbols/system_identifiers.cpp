@@ -30,39 +30,31 @@ constexpr std::array versionIdentifiers = {
 // are no commands.
 constexpr std::string_view freeKeywords[] = {"DEFB", "DEFD", "DEFM",    "DEFS",
                                              "DEFW", "END",  "MAC_OFF", "MAC_ON"};
-constexpr std::string_view furtherWords[] = {"MACROS_OFF", "MACROS_ON"};
 
-constexpr void ForEachReservedWord(auto visit) {
+struct WordList {
+    std::array<char, 512> text;
+    std::size_t size;
+};
+constexpr WordList wordList = [] {
+    WordList list{};
+    const auto add = [&list](std::string_view word) {
+        for (const char c : word) {
+            list.text[list.size++] = c;
+        }
+    };
     for (const Keyword& keyword : keywords) {
-        if (std::find(std::begin(freeKeywords), std::end(freeKeywords), keyword.word) ==
-            std::end(freeKeywords)) {
-            visit(keyword.word);
+        if (std::ranges::find(freeKeywords, keyword.word) == std::end(freeKeywords)) {
+            add(keyword.word);
+            add("\t");
         }
     }
-    for (const std::string_view word : furtherWords) {
-        visit(word);
-    }
-}
-
-constexpr std::size_t listSize = [] {
-    std::size_t size = 0;
-    ForEachReservedWord([&size](std::string_view word) { size += word.size() + 1; });
-    return size;
-}();
-
-constexpr auto list = [] {
-    std::array<char, listSize> text{};
-    char* end = text.data();
-    ForEachReservedWord([&end](std::string_view word) {
-        end = std::copy(word.begin(), word.end(), end);
-        *end++ = '\t';
-    });
-    return text;
+    add("MACROS_OFF\tMACROS_ON");
+    return list;
 }();
 
 }  // namespace
 
-constexpr std::string_view reservedWords(list.data(), list.size() - 1);
+constexpr std::string_view reservedWords(wordList.text.data(), wordList.size);
 
 void CAssembler::LoadSystemIdentifiers() {
     std::int32_t result = 0;

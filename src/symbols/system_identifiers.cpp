@@ -31,17 +31,10 @@ constexpr std::array versionIdentifiers = {
 constexpr std::string_view freeKeywords[] = {"DEFB", "DEFD", "DEFM",    "DEFS",
                                              "DEFW", "END",  "MAC_OFF", "MAC_ON"};
 
-struct WordList {
-    std::array<char, 512> text;
-    std::size_t size;
-};
-constexpr WordList wordList = [] {
-    WordList list{};
-    const auto add = [&list](std::string_view word) {
-        for (const char c : word) {
-            list.text[list.size++] = c;
-        }
-    };
+constexpr auto wordList = [] {
+    std::array<char, 512> text{};
+    char* end = text.data();
+    const auto add = [&end](std::string_view word) { end = std::ranges::copy(word, end).out; };
     for (const Keyword& keyword : keywords) {
         if (std::ranges::find(freeKeywords, keyword.word) == std::end(freeKeywords)) {
             add(keyword.word);
@@ -49,12 +42,12 @@ constexpr WordList wordList = [] {
         }
     }
     add("MACROS_OFF\tMACROS_ON");
-    return list;
+    return text;
 }();
 
 }  // namespace
 
-constexpr std::string_view reservedWords(wordList.text.data(), wordList.size);
+constexpr std::string_view reservedWords = wordList.data();
 
 void CAssembler::LoadSystemIdentifiers() {
     std::int32_t result = 0;

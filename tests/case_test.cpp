@@ -38,9 +38,9 @@ std::string PrintedMessages(const std::string& line) {
     const std::size_t colon = place.rfind(':');
     std::string file = colon == std::string::npos ? "Main.Kor" : place.substr(0, colon);
     file = file == "-" ? "Uhm, I DUNNO! ;p" : file;
-    const std::string text =
-        number < 0 ? "Illegal " + kind + " number! (Internal error.)"
-                   : std::string(korv::MESSAGE_TABLE.at(static_cast<std::size_t>(number)));
+    const std::string text = number < 0
+                                 ? "Illegal " + kind + " number! (Internal error.)"
+                                 : korv::MESSAGE_TABLE.at(static_cast<std::size_t>(number)).text;
     std::string printed;
     std::istringstream lines(ReplaceAll(place.substr(colon + 1), ",", "\n"));  // npos + 1 is 0
     for (std::string lineNumber; std::getline(lines, lineNumber);) {

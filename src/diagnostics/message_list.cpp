@@ -8,8 +8,9 @@
 
 namespace korv {
 
-CMessageList::CMessageList(std::int32_t capacity)
-    : capacity(capacity), messages(new CMessage[static_cast<std::size_t>(capacity)]) {}
+CMessageList::CMessageList(std::int32_t capacity) : capacity(capacity) {
+    messages.reserve(static_cast<std::size_t>(capacity));
+}
 
 std::int32_t CMessageList::SetKind(std::int32_t newKind) {
     kindName = newKind == ML_ERROR ? "error" : newKind == ML_WARNING ? "warning" : "fatal error";
@@ -18,7 +19,7 @@ std::int32_t CMessageList::SetKind(std::int32_t newKind) {
 
 std::int32_t CMessageList::Report(std::int32_t number, std::string_view text, std::int32_t file,
                                   std::int32_t line) {
-    if (count == capacity) {  // asked before the text is copied: a full list must cost nothing
+    if (Count() == capacity) {  // asked before the text is copied: a full list must cost nothing
         return -1;
     }
     CMessage message{number, nullptr, file, line};
@@ -33,22 +34,24 @@ std::int32_t CMessageList::Report(std::int32_t number, std::string_view text, st
 }
 
 std::int32_t CMessageList::Add(CMessage message) {
-    if (count == capacity) {
+    if (Count() == capacity) {
         return -1;
     }
-    messages[static_cast<std::size_t>(count++)] = std::move(message);
+    messages.push_back(std::move(message));
     return 0;
 }
 
 std::int32_t CMessageList::Print(std::FILE* stream, std::int32_t limit) const {
-    for (std::int32_t i = 0; i < count && (limit < 0 || i < limit); ++i) {
-        const CMessage& message = messages[static_cast<std::size_t>(i)];
+    for (const CMessage& message : messages) {
+        if (limit-- == 0) {
+            break;
+        }
         std::fprintf(stream, "%s(%d) : %s X%d : ", fileNames->NameOf(message.file), message.line,
                      kindName, message.number);
         if (message.number < 0) {
             std::fprintf(stream, "Illegal %s number! (Internal error.)", kindName);
         } else {
-            std::fputs(MESSAGE_TABLE[static_cast<std::size_t>(message.number)], stream);
+            std::fputs(MESSAGE_TABLE[static_cast<std::size_t>(message.number)].text, stream);
         }
         if (message.text != nullptr) {
             std::fprintf(stream, " [%s]", message.text.get());

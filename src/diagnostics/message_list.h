@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <memory>
 #include <string_view>
+#include <vector>
 
 #include "diagnostics/message_numbers.h"
 
@@ -25,9 +26,8 @@ inline constexpr std::int32_t ML_WARNING = 1;
 
 class CMessageList {
   public:
-    /// An empty list of errors with room for `capacity` messages. The records are made here, so
-    /// that a report needs no memory but for its text: the list has to work just when there is none
-    /// left.
+    /// An empty list of errors with room for `capacity` messages. It is taken here, so that a
+    /// report needs no memory but for its text: the list has to work just when there is none left.
     explicit CMessageList(std::int32_t capacity);
 
     /// The registry, not owned, that turns file numbers into names when the list is printed.
@@ -45,17 +45,16 @@ class CMessageList {
     /// Takes over `message`. Result: 0, or -1 when the list was full and the message is dropped.
     std::int32_t Add(CMessage message);
 
-    [[nodiscard]] std::int32_t Count() const { return count; }
+    [[nodiscard]] std::int32_t Count() const { return static_cast<std::int32_t>(messages.size()); }
 
     /// Prints the first `limit` messages, -1 for all, a line each. Result: 0.
     std::int32_t Print(std::FILE* stream, std::int32_t limit) const;
 
   private:
     std::int32_t capacity;
-    std::int32_t count = 0;
     std::int32_t kind = ML_ERROR;
     const char* kindName = "error";
-    std::unique_ptr<CMessage[]> messages;          // `capacity` records in the order of reporting
+    std::vector<CMessage> messages;                // in the order of reporting
     const CFileNameRegistry* fileNames = nullptr;  // not owned
 };
 

@@ -3,75 +3,11 @@
 /// to. This header includes nothing of the project and is open to all folders.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 
 namespace korv {
-
-inline constexpr std::array MESSAGE_TABLE = {
-    "Error #0.",
-    "System Error!",
-    "*Identifiers*",
-    "*FileIO*",
-    "*BinBlock*",
-    "Error Base!",
-    "Error in line.",
-    "Missing argument.",
-    "Identifier redefinition.",
-    "Identifier registration error.",
-    "Could not open file.",  // 10
-    "No source filename.",
-    "Could not resolve label.",
-    "Too many arguments.",
-    "Argument expected.",
-    "Program aborted!",
-    "Illegal argument.",
-    "Could not resolve value immediately.",
-    "No label found on current line!",
-    "Instruction not implemented yet! *SoRrY!",
-    "Could not resolve expression.",  // 20
-    "",
-    "Not a signed 8 Bit value.",
-    "Not a 16 Bit value.",
-    "General failure!",
-    "Evaluation Stack Overflow -> Expression too complex.",
-    "System error: No Equ Label found!",
-    "Not an unsigned 8 Bit value.",
-    "Relative offset too big.",
-    "No backpatch information found! (System error!?!)",
-    "Source file is target file!",  // 30
-    "Could not change directory.",
-    "Could not get directory.",
-    "Illegal or unknown instruction.",
-    "Not in condition.",
-    "Illegal ELSE.",
-    "Conditions nested too deep.",
-    "Label too long.",
-    "Maximum file nesting depth reached.",
-    "Not a signed 16 Bit value.",
-    "Not an 8 Bit value.",  // 40
-    "Line too long.",
-    "",  // 42 is not used
-    "Label not allowed here.",
-    "Empty string not allowed.",
-    "No closing quote.",
-    "Instruction/command names not allowed as label.",
-    "ORG used after start of code, start address not changed!",
-    "ORG used in code.",
-    "MACRO nesting not supported.",
-    "No MACRO name supplied.",  // 50
-    "Not doing MACRO.",
-    "Out of Memory.",
-    "Number too long.",
-    "Illegal condition.",
-    "Error parsing number.",
-    "Warning Base!",
-    "Label not ended with ':'.",
-    "Gen80 command line skipped.",
-    "Expected argument.",
-    "ORG used!",  // 60
-};
-static_assert(MESSAGE_TABLE.size() == 61);
 
 inline constexpr std::int32_t MSG_SYSTEM_ERROR = 1;
 inline constexpr std::int32_t MSG_REDEFINITION = 8;
@@ -120,5 +56,82 @@ inline constexpr std::int32_t MSG_LABEL_WITHOUT_COLON = 57;
 inline constexpr std::int32_t MSG_COMMAND_LINE_SKIPPED = 58;
 inline constexpr std::int32_t MSG_EXPECTED_ARGUMENT = 59;
 inline constexpr std::int32_t MSG_ORG_USED = 60;
+
+struct MessageRow {
+    std::int32_t number;
+    const char* text;
+};
+
+/// The row of a number is at that index. A number that nobody reports has no name.
+inline constexpr auto MESSAGE_TABLE = std::to_array<MessageRow>({
+    {0, "Error #0."},
+    {MSG_SYSTEM_ERROR, "System Error!"},
+    {2, "*Identifiers*"},
+    {3, "*FileIO*"},
+    {4, "*BinBlock*"},
+    {5, "Error Base!"},
+    {6, "Error in line."},
+    {7, "Missing argument."},
+    {MSG_REDEFINITION, "Identifier redefinition."},
+    {9, "Identifier registration error."},
+    {MSG_CANNOT_OPEN, "Could not open file."},
+    {MSG_NO_SOURCE_NAME, "No source filename."},
+    {MSG_UNRESOLVED, "Could not resolve label."},
+    {MSG_TOO_MANY_ARGUMENTS, "Too many arguments."},
+    {MSG_ARGUMENT_EXPECTED, "Argument expected."},
+    {MSG_ABORTED, "Program aborted!"},
+    {MSG_ILLEGAL_ARGUMENT, "Illegal argument."},
+    {MSG_NOT_IMMEDIATE, "Could not resolve value immediately."},
+    {MSG_NO_LABEL, "No label found on current line!"},
+    {MSG_NOT_IMPLEMENTED, "Instruction not implemented yet! *SoRrY!"},
+    {MSG_BAD_EXPRESSION, "Could not resolve expression."},
+    {21, ""},
+    {MSG_NOT_SIGNED_BYTE, "Not a signed 8 Bit value."},
+    {MSG_NOT_WORD, "Not a 16 Bit value."},
+    {MSG_GENERAL_FAILURE, "General failure!"},
+    {MSG_TOO_COMPLEX, "Evaluation Stack Overflow -> Expression too complex."},
+    {MSG_NO_EQU_LABEL, "System error: No Equ Label found!"},
+    {MSG_NOT_UNSIGNED_BYTE, "Not an unsigned 8 Bit value."},
+    {MSG_OFFSET_TOO_BIG, "Relative offset too big."},
+    {MSG_NO_PATCHES, "No backpatch information found! (System error!?!)"},
+    {MSG_SOURCE_IS_TARGET, "Source file is target file!"},
+    {MSG_CANNOT_CHANGE_DIRECTORY, "Could not change directory."},
+    {MSG_CANNOT_GET_DIRECTORY, "Could not get directory."},
+    {MSG_UNKNOWN_INSTRUCTION, "Illegal or unknown instruction."},
+    {MSG_NOT_IN_CONDITION, "Not in condition."},
+    {MSG_ILLEGAL_ELSE, "Illegal ELSE."},
+    {MSG_CONDITIONS_TOO_DEEP, "Conditions nested too deep."},
+    {MSG_LABEL_TOO_LONG, "Label too long."},
+    {MSG_FILES_TOO_DEEP, "Maximum file nesting depth reached."},
+    {MSG_NOT_SIGNED_WORD, "Not a signed 16 Bit value."},
+    {MSG_NOT_BYTE, "Not an 8 Bit value."},
+    {MSG_LINE_TOO_LONG, "Line too long."},
+    {42, ""},  // not used
+    {MSG_LABEL_NOT_ALLOWED, "Label not allowed here."},
+    {MSG_TEXT_BEHIND_STRING, "Empty string not allowed."},
+    {MSG_NO_CLOSING_QUOTE, "No closing quote."},
+    {MSG_RESERVED_NAME, "Instruction/command names not allowed as label."},
+    {MSG_ORG_AFTER_CODE, "ORG used after start of code, start address not changed!"},
+    {MSG_ORG_IN_CODE, "ORG used in code."},
+    {49, "MACRO nesting not supported."},
+    {50, "No MACRO name supplied."},
+    {MSG_NOT_IN_MACRO, "Not doing MACRO."},
+    {MSG_OUT_OF_MEMORY, "Out of Memory."},
+    {53, "Number too long."},
+    {MSG_ILLEGAL_CONDITION, "Illegal condition."},
+    {MSG_BAD_NUMBER, "Error parsing number."},
+    {56, "Warning Base!"},
+    {MSG_LABEL_WITHOUT_COLON, "Label not ended with ':'."},
+    {MSG_COMMAND_LINE_SKIPPED, "Gen80 command line skipped."},
+    {MSG_EXPECTED_ARGUMENT, "Expected argument."},
+    {MSG_ORG_USED, "ORG used!"},
+});
+
+static_assert(MESSAGE_TABLE[0].number == 0 &&
+                  std::ranges::adjacent_find(MESSAGE_TABLE,
+                                             [](const MessageRow& a, const MessageRow& b) {
+                                                 return b.number != a.number + 1;
+                                             }) == MESSAGE_TABLE.end(),
+              "a row of MESSAGE_TABLE is not at the place of its number");
 
 }  // namespace korv

@@ -13,6 +13,7 @@
 #include "codegen/handler.h"
 #include "codegen/value_range.h"
 #include "diagnostics/message_list.h"
+#include "driver/debug_stream.h"
 #include "driver/statement.h"
 #include "platform/platform.h"
 #include "source/file_name_registry.h"
@@ -75,8 +76,9 @@ class CAssembler {
     /// Set a size in bytes, if `n` is above 0. Result: the old one.
     std::uint32_t SetFileBufferSize(std::int32_t n);
     std::int32_t SetLineBufferSize(std::int32_t n);
-    /// Turns the letters of `flagString` (see driver/command_line.h) into the flags word and runs.
-    /// An empty source is "Main.Kor", an empty target is derived from the source. Result: as `Run`.
+    /// Runs with the letters of `flagString` (see driver/command_line.h) turned into the flags
+    /// word. An empty source is "Main.Kor", an empty target is derived from the source. Result: as
+    /// `Run`.
     std::int32_t RunFromCommandLine(std::string_view source, std::string_view target,
                                     std::string_view flagString);
     /// Assembles `sourceName`, once in the life of the object. Result: 0, whatever happened.
@@ -84,7 +86,7 @@ class CAssembler {
 
     // ---- driver/statement_loop.cpp
 
-    /// What the loop over one file leaves behind.
+    /// What the loop over one file leaves.
     struct FileOutcome {
         std::int32_t lineCounter = 1;   ///< number of the next line
         std::uint32_t bytesOfLine = 0;  ///< bytes of the last line read
@@ -109,7 +111,8 @@ class CAssembler {
     // ---- source/include_files.cpp
 
     /// Enters the file `name`, main or included, assembles it and leaves it, with the current
-    /// directory following. Result: 0, or why it could not be opened: 10 or 52.
+    /// directory following. Result: 0, or why it could not be opened: MSG_CANNOT_OPEN or
+    /// MSG_OUT_OF_MEMORY.
     std::int32_t AssembleIncludeFile(std::string_view name);
 
     // ---- expr/scanner.cpp
@@ -177,7 +180,7 @@ class CAssembler {
     std::FILE* output;  ///< where all console reports go; not owned
     BinBlock binary;
     CIdentifierManager identifiers;
-    std::FILE* debugStream = nullptr;         ///< temporary; owned; null without RF_DEBUG
+    DebugStream debugStream;                  ///< with RF_DEBUG
     std::string targetDirectory;              ///< directory of `targetName`, with its separator
     std::time_t startTime;                    ///< for the time display
     std::uint32_t fileBufferSize = 65536;     ///< upper bound of a read buffer in bytes
@@ -188,7 +191,6 @@ class CAssembler {
     std::uint32_t binarySizeAtLineStart = 0;  ///< for the debug record; one for all nested files
 
   private:
-    void SetFlagsFrom(std::string_view flagString);
     void DeriveTargetName();
     void AssembleSource();
     std::int32_t ScanTokens(std::string_view text, std::int32_t* value,

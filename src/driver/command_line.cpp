@@ -1,43 +1,84 @@
 #include "driver/command_line.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <limits>
 #include <string>
 
+#include "driver/assembler.h"
 #include "platform/platform.h"
 #include "source/char_class.h"
 
 namespace korv {
 namespace {
 
-constexpr char Raised(char c) {
-    return HasClass(c, CC_LOWER) ? static_cast<char>(c - 32) : c;
+enum class Kind { onOff, trace, fileBuffer, lineBuffer, wait, help };
+
+struct Switch {
+    std::string_view word;  // in capitals, what selects it; of an on/off switch, its last character
+                            // is the letter in the flag string
+    Kind kind;
+    const char* form = nullptr;  // as the help shows it; null: not at all
+    const char* help = nullptr;
+    int place = -1;           // in the flag string
+    std::uint32_t set = 0;    // bits of the flags word, by the upper-case letter there
+    std::uint32_t clear = 0;  // ... and by the lower-case one
+};
+
+// In the order of the help.
+// clang-format off
+constexpr Switch switches[] = {
+    {"D", Kind::onOff, "/d[+|-]", "Enable/disable debug.out file.", 0, RF_DEBUG, RF_DEBUG},
+    {"DS", Kind::trace, nullptr, nullptr, 1, RF_DEBUG | RF_DEBUG_SYMBOLS, RF_DEBUG_SYMBOLS},
+    {"L", Kind::onOff, "/l[+|-]", "Enable/disable label.out file.", 2, RF_LABELS, RF_LABELS},
+    {"P", Kind::onOff, "/p[+|-]", "Enable/disable progress meter.", 3, RF_PROGRESS, RF_PROGRESS},
+    {"M", Kind::onOff, "/m[+|-]", "Enable/disable messages.", 5, RF_MESSAGES, RF_MESSAGES},
+    {"T", Kind::onOff, "/t[+|-]", "Enable/disable time display.", 4, RF_TIME, RF_TIME},
+    {"B", Kind::onOff, "/b[+|-]", "Enable/disable binary file output.", 7, RF_BINARY, RF_BINARY},
+    {"W", Kind::onOff, "/w[+|-]", "Enable/disable warning suppression.", 6, RF_NO_WARNINGS, RF_NO_WARNINGS},
+    {"I", Kind::onOff, "/i[+|-]", "Enable/disable system identifier loading.", 8, RF_SYSTEM_IDS, RF_SYSTEM_IDS},
+    {"F", Kind::fileBuffer, "/f:<n>", "Specify filebuffer size in bytes."},
+    {"LINELEN:", Kind::lineBuffer, "/linelen:<n>", "Specify linebuffer size in bytes."},
+    {"WAIT", Kind::wait, "/wait", "Enable wait when KORV is done."},
+    {"?", Kind::help, "/? /h", "Print this help message."},
+    {"H", Kind::help},
+};
+// clang-format on
+
+// The switch that `word`, in capitals and without its lead character, selects: the longest one that
+// it begins with, where /wait has to be all of it.
+const Switch* FindSwitch(std::string_view word) {
+    const Switch* found = nullptr;
+    for (const Switch& row : switches) {
+        if (word.starts_with(row.word) && (row.kind != Kind::wait || word == row.word) &&
+            (found == nullptr || found->word.size() < row.word.size())) {
+            found = &row;
+        }
+    }
+    return found;
 }
 
-std::string Raised(std::string_view word) {
+std::string InCapitals(std::string_view word) {
     std::string raised(word);
-    for (char& c : raised) {
-        c = Raised(c);
-    }
+    std::transform(raised.begin(), raised.end(), raised.begin(), [](char c) { return Raised(c); });
     return raised;
+}
+
+constexpr char Lowered(char letter) {
+    return static_cast<char>(letter + ('a' - 'A'));
 }
 
 // The number at the start of `text`: optional blanks, optional sign, digits; 0 without digits, and
 // the nearest value that fits 32 bits.
-std::int32_t ReadNumber(std::string_view text) {
+std::int32_t ReadNumber(const char* text) {
     constexpr std::int64_t highest = std::numeric_limits<std::int32_t>::max();
-    std::size_t i = 0;
-    while (i < text.size() && HasClass(text[i], CC_BLANK)) {
-        ++i;
-    }
-    const bool isNegative = i < text.size() && text[i] == '-';
-    if (i < text.size() && (text[i] == '-' || text[i] == '+')) {
-        ++i;
+    text = SkipBlanks(text);
+    const bool isNegative = *text == '-';
+    if (*text == '-' || *text == '+') {
+        ++text;
     }
     std::int64_t number = 0;
-    for (; i < text.size() && HasClass(text[i], CC_DIGIT); ++i) {
-        number = std::min(number * 10 + (text[i] - '0'), highest + 1);
+    for (; HasClass(*text, CC_DIGIT); ++text) {
+        number = std::min(number * 10 + (*text - '0'), highest + 1);
     }
     return static_cast<std::int32_t>(isNegative ? -number : std::min(number, highest));
 }
@@ -46,20 +87,9 @@ class Parser {
   public:
     void ParseWord(const char* word, int index) {
         place = index;
-        if (word[0] != '-' && word[0] != '/') {
-            ParseFileName(word);
-        } else if (word[0] == '/' && platform::IsAbsoluteFileName(word)) {
-            ParseFileName(word);
-        } else {
+        if (word[0] == '-' || (word[0] == '/' && !platform::IsAbsoluteFileName(word))) {
             ParseSwitch(word);
-        }
-    }
-
-    CommandLine result;
-
-  private:
-    void ParseFileName(const char* word) {
-        if (result.sourceArgument == nullptr) {
+        } else if (result.sourceArgument == nullptr) {
             result.sourceArgument = word;
         } else if (result.targetArgument == nullptr) {
             result.targetArgument = word;
@@ -68,124 +98,78 @@ class Parser {
         }
     }
 
-    void ParseSwitch(std::string_view word) {
-        const char letter = word.size() > 1 ? Raised(word[1]) : '\0';
-        switch (letter) {
-            case '?':
-            case 'H':
+    CommandLine result;
+
+  private:
+    void ParseSwitch(const char* typed) {
+        const std::string raised = InCapitals(typed);
+        const std::string_view word = std::string_view(raised).substr(1);
+        const Switch* const row = FindSwitch(word);
+        if (row == nullptr) {
+            std::printf("Unrecognized argument (%d).\n", place);
+            return;
+        }
+        const std::string_view rest = word.substr(row->word.size());
+        switch (row->kind) {
+            case Kind::onOff:
+                SwitchOnOrOff(*row, rest);
+                break;
+            case Kind::trace:
+                Put(*FindSwitch("D"), 'D');
+                Put(*row, 'S');
+                ReportGarbage(rest);
+                break;
+            case Kind::fileBuffer:
+                if (!rest.starts_with(':')) {
+                    std::printf("Unrecognized switch format (argument %d)!\n", place);
+                    break;
+                }
+                result.fileBufferRequest = ReadNumber(rest.data() + 1);
+                if (result.fileBufferRequest <= 0) {
+                    std::printf("%d illegal filesize! (%s)\n", result.fileBufferRequest, typed);
+                }
+                break;
+            case Kind::lineBuffer:
+                result.lineBufferRequest = ReadNumber(rest.data());
+                if (result.lineBufferRequest <= 0) {
+                    std::printf("%d illegal linesize! (%s)\n", result.lineBufferRequest,
+                                raised.c_str());
+                }
+                break;
+            case Kind::wait:
+                result.waitWanted = true;
+                break;
+            case Kind::help:
                 result.helpWanted = true;
-                if (word.size() > 2) {
-                    ReportGarbage();
-                }
-                break;
-            case 'B':
-            case 'I':
-            case 'M':
-            case 'P':
-            case 'T':
-                SwitchOnOrOff(letter, word);
-                break;
-            case 'D':
-                if (word.size() > 2 && Raised(word[2]) == 'S') {
-                    result.flagString.Put('D');
-                    result.flagString.Put('S');
-                    if (word.size() > 3) {
-                        ReportGarbage();
-                    }
-                } else {
-                    SwitchOnOrOff(letter, word);
-                }
-                break;
-            case 'F':
-                ParseFileBuffer(word);
-                break;
-            case 'L':
-                ParseL(Raised(word));
-                break;
-            case 'W':
-                if (const std::string raised = Raised(word); raised.substr(1) == "WAIT") {
-                    result.waitWanted = true;
-                } else {
-                    SwitchOnOrOff(letter, raised);
-                }
-                break;
-            default:
-                std::printf("Unrecognized argument (%d).\n", place);
+                ReportGarbage(rest);
                 break;
         }
     }
 
-    void SwitchOnOrOff(char letter, std::string_view word) {
-        if (word.size() == 2 || word[2] == '+') {
-            result.flagString.Put(letter);
-        } else if (word[2] == '-') {
-            result.flagString.Put(static_cast<char>(letter + ('a' - 'A')));
+    void SwitchOnOrOff(const Switch& row, std::string_view rest) {
+        const char letter = row.word.back();
+        if (rest.empty() || rest[0] == '+') {
+            Put(row, letter);
+        } else if (rest[0] == '-') {
+            Put(row, Lowered(letter));
         } else {
             std::printf("Unrecognized switch (argument %d)!\n", place);
         }
-        if (word.size() > 3) {
-            ReportGarbage();
-        }
+        ReportGarbage(rest.substr(std::min<std::size_t>(rest.size(), 1)));
     }
 
-    void ParseFileBuffer(std::string_view word) {
-        if (word.size() < 3 || word[2] != ':') {
-            std::printf("Unrecognized switch format (argument %d)!\n", place);
-            return;
-        }
-        result.fileBufferRequest = ReadNumber(word.substr(3));
-        if (result.fileBufferRequest <= 0) {
-            std::printf("%d illegal filesize! (%s)\n", result.fileBufferRequest, word.data());
+    void Put(const Switch& row, char letter) { result.flagString[row.place] = letter; }
+
+    void ReportGarbage(std::string_view rest) const {
+        if (!rest.empty()) {
+            std::printf("Trailing garbage in argument %d!\n", place);
         }
     }
-
-    void ParseL(const std::string& raised) {
-        constexpr std::string_view form = "LINELEN:";
-        const std::string_view word = raised;
-        if (!word.substr(1).starts_with(form)) {
-            SwitchOnOrOff('L', word);
-            return;
-        }
-        result.lineBufferRequest = ReadNumber(word.substr(1 + form.size()));
-        if (result.lineBufferRequest <= 0) {
-            std::printf("%d illegal linesize! (%s)\n", result.lineBufferRequest, raised.c_str());
-        }
-    }
-
-    void ReportGarbage() const { std::printf("Trailing garbage in argument %d!\n", place); }
 
     int place = 0;  // of the word in the argument vector
 };
 
 }  // namespace
-
-const char helpText[] =
-    "[Korv] HELP!\n"
-    "Command line:\n"
-    "  KORV [sourcefilename] [destinationfilename] [switches]\n"
-    " - if no sourcefilename is given KORV will default to 'Main.Kor'.\n"
-    " - if no destinationfilename is given KORV will default\n"
-    "   to 'sourcefilename.COM' for COM files\n"
-    "   or 'sourcefilename.BIN' for Binary files. (/b+ option)\n"
-    "\n"
-    " Switches:\n"
-    "  /d[+|-]      Enable/disable debug.out file.\n"
-    "  /l[+|-]      Enable/disable label.out file.\n"
-    "  /p[+|-]      Enable/disable progress meter.\n"
-    "  /m[+|-]      Enable/disable messages.\n"
-    "  /t[+|-]      Enable/disable time display.\n"
-    "  /b[+|-]      Enable/disable binary file output.\n"
-    "  /w[+|-]      Enable/disable warning suppression.\n"
-    "  /i[+|-]      Enable/disable system identifier loading.\n"
-    "  /f:<n>       Specify filebuffer size in bytes.\n"
-    "  /linelen:<n> Specify linebuffer size in bytes.\n"
-    "  /wait        Enable wait when KORV is done.\n"
-    "  /? /h        Print this help message.\n"
-    "\n";
-
-void FlagSlots::Put(char letter) {
-    slots[letters.find(Raised(letter))] = letter;
-}
 
 CommandLine ParseCommandLine(int argumentCount, char** arguments) {
     Parser parser;
@@ -194,6 +178,45 @@ CommandLine ParseCommandLine(int argumentCount, char** arguments) {
         parser.ParseWord(arguments[i], i);
     }
     return parser.result;
+}
+
+void PrintHelp() {
+    std::fputs(
+        "[Korv] HELP!\n"
+        "Command line:\n"
+        "  KORV [sourcefilename] [destinationfilename] [switches]\n"
+        " - if no sourcefilename is given KORV will default to 'Main.Kor'.\n"
+        " - if no destinationfilename is given KORV will default\n"
+        "   to 'sourcefilename.COM' for COM files\n"
+        "   or 'sourcefilename.BIN' for Binary files. (/b+ option)\n"
+        "\n"
+        " Switches:\n",
+        stdout);
+    for (const Switch& row : switches) {
+        if (row.form != nullptr) {
+            std::printf("  %-12s %s\n", row.form, row.help);
+        }
+    }
+    std::fputs("\n", stdout);
+}
+
+std::uint32_t FlagsFrom(std::string_view flagString, std::FILE* console) {
+    std::uint32_t bits = RF_SYSTEM_IDS;
+    for (const char c : flagString) {
+        bool isKnown = c == ' ';
+        for (std::size_t i = 0; !isKnown && i < std::size(switches); ++i) {
+            const Switch& row = switches[i];
+            const char letter = row.word.back();
+            isKnown = row.place >= 0 && (c == letter || c == Lowered(letter));
+            if (isKnown) {
+                bits = c == letter ? bits | row.set : bits & ~row.clear;
+            }
+        }
+        if (!isKnown) {
+            std::fprintf(console, "Unrecognized flag encountered: %c\n", c);
+        }
+    }
+    return bits;
 }
 
 }  // namespace korv

@@ -1,30 +1,17 @@
-/// The words of the command line.
+/// The words of the command line, and the letters that they become for a run.
 #pragma once
 
-#include <array>
 #include <cstdint>
+#include <cstdio>
 #include <string_view>
 
 namespace korv {
 
-/// One slot per switch: a blank (not given), the upper-case letter (on) or the lower-case letter
-/// (off).
-class FlagSlots {
-  public:
-    static constexpr std::string_view letters = "DSLPTMWBI";
-
-    FlagSlots() { slots.fill(' '); }
-    /// `letter` in either case goes to its slot.
-    void Put(char letter);
-    [[nodiscard]] std::string_view View() const { return {slots.data(), slots.size()}; }
-
-  private:
-    std::array<char, letters.size()> slots;
-};
-
 /// What the command line asks for.
 struct CommandLine {
-    FlagSlots flagString;
+    /// A place for each switch that a run can have on or off: a blank (not given), its upper-case
+    /// letter (on) or its lower-case letter (off).
+    char flagString[10] = "         ";
     const char* sourceArgument = nullptr;  ///< the first word that is no switch, or null; not owned
     const char* targetArgument = nullptr;  ///< the second one, or null; not owned
     std::int32_t fileBufferRequest = -1;   ///< bytes; counts when above 0
@@ -33,11 +20,15 @@ struct CommandLine {
     bool waitWanted = false;
 };
 
-/// Reads the words behind the program's name. What is wrong with a word is said on standard output,
+/// Reads the words after the program's name. What is wrong with a word is said on standard output,
 /// with its place in the argument vector, and the next word follows.
 [[nodiscard]] CommandLine ParseCommandLine(int argumentCount, char** arguments);
 
-/// All switches, printed with `/?`.
-extern const char helpText[];
+/// Prints all switches.
+void PrintHelp();
+
+/// The flags word (RF_*) that the letters of `flagString` make, from left to right, of the one that
+/// a run has by default. `console` hears of other characters than letters of switches and blanks.
+[[nodiscard]] std::uint32_t FlagsFrom(std::string_view flagString, std::FILE* console);
 
 }  // namespace korv

@@ -3,70 +3,117 @@
 
 #include "driver/debug_stream.h"
 
-#include <array>
+#include <algorithm>
+#include <bit>
 #include <cstring>
 
 #include "codegen/bin_block.h"
+#include "diagnostics/report_writer.h"
+#include "platform/platform.h"
 
 namespace korv {
 namespace {
 
-constexpr int recordStart = 0xAE;
-constexpr int recordEnd = 0xAF;
+constexpr char recordStart = '\xAE';
+constexpr char recordEnd = '\xAF';
+constexpr std::ptrdiff_t headSize = 1 + 4;  // start byte and count
 
-// Prints the bytes of the target from `offset` on.
-void PrintBytes(const BinBlock& binary, std::uint32_t offset, std::int32_t count,
-                std::FILE* listing) {
-    constexpr char digits[] = "0123456789ABCDEF";
-    for (std::int32_t i = 0; i < count; ++i) {
-        const std::uint8_t byte = binary.At(offset + static_cast<std::uint32_t>(i));
-        std::fputc(digits[byte >> 4], listing);
-        std::fputc(digits[byte & 15], listing);
-    }
+// The first `c` from `start` on, `end` if there is none.
+const char* Find(char c, const char* start, const char* end) {
+    const void* const found = std::memchr(start, c, static_cast<std::size_t>(end - start));
+    return found == nullptr ? end : static_cast<const char*>(found);
+}
+
+// The lowest byte comes first, whatever the machine. Written out, each is one move on most.
+void StoreCount(char* to, std::uint32_t count) {
+    to[0] = static_cast<char>(count);
+    to[1] = static_cast<char>(count >> 8);
+    to[2] = static_cast<char>(count >> 16);
+    to[3] = static_cast<char>(count >> 24);
+}
+
+std::uint32_t LoadCount(const char* from) {
+    const auto byteAt = [from](int i) { return std::uint32_t{static_cast<std::uint8_t>(from[i])}; };
+    return byteAt(0) | byteAt(1) << 8 | byteAt(2) << 16 | byteAt(3) << 24;
 }
 
 }  // namespace
 
-void WriteDebugRecord(std::FILE* stream, std::uint32_t byteCount, const char* text) {
-    if (byteCount == 0 && *text == '\0') {
-        return;
-    }
-    std::fputc(recordStart, stream);
-    for (int shift = 0; shift < 32; shift += 8) {
-        std::fputc(static_cast<int>(byteCount >> shift & 0xFF), stream);
-    }
-    std::fputs(text, stream);
-    std::fputc(recordEnd, stream);
+DebugStream::~DebugStream() {
+    platform::Free(data);
 }
 
-void ConvertDebugStream(std::FILE* stream, const BinBlock& binary, std::FILE* listing) {
+bool DebugStream::Grow(std::size_t count) {
+    constexpr std::size_t firstSize = 65536;
+    const std::size_t grownSize = std::bit_ceil(std::max(used + count, firstSize));
+    void* const grown = platform::Reallocate(data, grownSize);
+    if (grown != nullptr) {
+        data = static_cast<char*>(grown);
+        capacity = grownSize;
+    }
+    return grown != nullptr;
+}
+
+char* DebugStream::Append(std::size_t count) {
+    if (count > capacity - used && !Grow(count)) {
+        return nullptr;
+    }
+    used += count;
+    return data + used - count;
+}
+
+void DebugStream::AddText(std::initializer_list<std::string_view> pieces) {
+    std::size_t size = 0;
+    for (const std::string_view piece : pieces) {
+        size += piece.size();
+    }
+    if (char* to = Append(size)) {
+        for (const std::string_view piece : pieces) {
+            to = PutText(to, piece);
+        }
+    }
+}
+
+void DebugStream::AddRecord(std::uint32_t byteCount, std::string_view line) {
+    if (byteCount == 0 && line.empty()) {
+        return;
+    }
+    if (char* const to = Append(static_cast<std::size_t>(headSize) + line.size() + 1)) {
+        to[0] = recordStart;
+        StoreCount(to + 1, byteCount);
+        *PutText(to + headSize, line) = recordEnd;
+    }
+}
+
+void DebugStream::WriteListing(const BinBlock& binary, std::FILE* listing) const {
+    ReportWriter out(listing);
     std::uint32_t offset = 0;
-    std::rewind(stream);
-    for (int c = std::fgetc(stream); c != EOF; c = std::fgetc(stream)) {
-        if (c != recordStart) {
-            std::fputc(c, listing);
-            continue;
-        }
-        std::array<std::uint8_t, 4> raw{};
-        if (std::fread(raw.data(), 1, raw.size(), stream) != raw.size()) {
+    const char* next = data;
+    const char* const end = data + used;
+    while (next != end) {
+        if (*next != recordStart) {
+            const char* const start = Find(recordStart, next, end);
+            out.Put({next, start});
+            next = start;
+        } else if (end - next < headSize) {
             return;
+        } else {
+            const std::uint32_t bits = LoadCount(next + 1);
+            char* to = out.Room(12);
+            *to++ = '<';
+            out.Advance(PutText(PutHex(to, offset, 2), "> ["));
+            for (auto left = static_cast<std::int32_t>(bits); left > 0; --left) {
+                out.Advance(PutByte(out.Room(2), binary.At(offset++)));
+            }
+            out.Advance(PutText(out.Room(2), "] "));
+            const char* const text = next + headSize;
+            next = Find(recordEnd, text, end);
+            out.Put({text, next});
+            if (next != end) {
+                out.Advance(PutText(out.Room(1), "\n"));
+                ++next;
+            }
         }
-        std::uint32_t bits = 0;
-        for (std::size_t i = raw.size(); i-- > 0;) {
-            bits = bits << 8 | raw[i];
-        }
-        const auto count = static_cast<std::int32_t>(bits);
-        std::fprintf(listing, "<%02X> [", offset);
-        PrintBytes(binary, offset, count, listing);
-        offset += count > 0 ? bits : 0;
-        std::fputs("] ", listing);
-        while ((c = std::fgetc(stream)) != EOF && c != recordEnd) {
-            std::fputc(c, listing);
-        }
-        if (c == EOF) {
-            return;
-        }
-        std::fputc('\n', listing);
     }
 }
 

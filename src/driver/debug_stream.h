@@ -1,20 +1,44 @@
-/// The temporary stream behind Debug.Out: free text and line records in the order of the assembly.
-/// It holds no bytes of the target; they are fetched when the listing is written, with the patches
-/// applied.
+/// What becomes Debug.Out: free text and line records in the order of the assembly. It holds no
+/// bytes of the target; they are fetched when the listing is written, with the patches applied.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
+#include <initializer_list>
+#include <string_view>
 
 namespace korv {
 
 class BinBlock;
 
-/// Appends the record of a line that produced `byteCount` bytes; none for an empty line without
-/// bytes.
-void WriteDebugRecord(std::FILE* stream, std::uint32_t byteCount, const char* text);
+/// Kept in memory, which doubles as it fills. Where there is none left, the failure hook ends the
+/// run with the current statement, and MSG_ABORTED says that it has been broken off: what finds no
+/// room is left out, and the listing shows what was there before.
+class DebugStream {
+  public:
+    DebugStream() = default;
+    ~DebugStream();
+    DebugStream(const DebugStream&) = delete;
+    DebugStream& operator=(const DebugStream&) = delete;
 
-/// Turns all of `stream` into the lines of the listing.
-void ConvertDebugStream(std::FILE* stream, const BinBlock& binary, std::FILE* listing);
+    /// Appends free text, given in pieces.
+    void AddText(std::initializer_list<std::string_view> pieces);
+    /// Appends the record of a line that produced `byteCount` bytes; none for an empty line without
+    /// bytes.
+    void AddRecord(std::uint32_t byteCount, std::string_view line);
+
+    /// Turns all that there is into the lines of the listing.
+    void WriteListing(const BinBlock& binary, std::FILE* listing) const;
+
+  private:
+    // Where `count` bytes are appended; null: there is no room.
+    char* Append(std::size_t count);
+    bool Grow(std::size_t count);
+
+    char* data = nullptr;  // owned
+    std::size_t used = 0;
+    std::size_t capacity = 0;
+};
 
 }  // namespace korv

@@ -5,7 +5,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <memory>
 #include <string_view>
 
 #include "driver/assembler.h"
@@ -21,18 +20,20 @@ std::atomic<CAssembler*> theAssembler = nullptr;
 
 constexpr std::string_view title = "Brelloc Korv v2.00.025 *FAST*";
 
-void RunAssembler(const CommandLine& commandLine) {
+// Result: that of the run.
+std::int32_t RunAssembler(const CommandLine& commandLine) {
     const auto textOf = [](const char* word) { return word == nullptr ? "" : word; };
-    const auto assembler = std::make_unique<CAssembler>(stdout);
-    theAssembler = assembler.get();
-    assembler->SetFileBufferSize(commandLine.fileBufferRequest);
-    assembler->SetLineBufferSize(commandLine.lineBufferRequest);
-    assembler->RunFromCommandLine(textOf(commandLine.sourceArgument),
-                                  textOf(commandLine.targetArgument),
-                                  commandLine.flagString.View());
+    CAssembler assembler(stdout);
+    theAssembler = &assembler;
+    assembler.SetFileBufferSize(commandLine.fileBufferRequest);
+    assembler.SetLineBufferSize(commandLine.lineBufferRequest);
+    const std::int32_t result =
+        assembler.RunFromCommandLine(textOf(commandLine.sourceArgument),
+                                     textOf(commandLine.targetArgument), commandLine.flagString);
     // Before the object goes, so that no hook reaches it any more; an event interrupts this thread
     // and runs to its end.
     theAssembler = nullptr;
+    return result;
 }
 
 }  // namespace
@@ -52,20 +53,21 @@ int RunProcess(int argumentCount, char** arguments) {
         std::printf("%s\n", line);
     }
     const CommandLine commandLine = ParseCommandLine(argumentCount, arguments);
+    std::int32_t exitValue = 0;
     platform::SetConsoleHandler(OnConsoleEvent);
     if (commandLine.helpWanted) {
-        std::fputs(helpText, stdout);
+        PrintHelp();
     } else {
-        RunAssembler(commandLine);
+        exitValue = RunAssembler(commandLine);
         if (commandLine.waitWanted) {
             std::printf("Press a key to continue...\r");
             platform::WaitForKey();
         }
-        std::printf("%26s\r", "");  // wipes the progress meter or the prompt
+        std::fputs("                          \r", stdout);  // wipes the meter or the prompt
     }
     platform::SetConsoleHandler(nullptr);
     platform::SetAllocationFailureHook(previousHook);
-    return 0;
+    return exitValue;
 }
 
 char* MakeTitle(char* buffer, std::size_t capacity) {

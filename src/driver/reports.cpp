@@ -1,7 +1,6 @@
-// What a run leaves behind: report files, console reports, the target.
+// What a run leaves: report files, console reports, the target.
 
 #include "driver/assembler.h"
-#include "driver/debug_stream.h"
 #include "expr/tmp_string.h"
 #include "platform/platform.h"
 
@@ -18,21 +17,15 @@ void PutWordTo(std::FILE* file, std::uint32_t value) {
 }  // namespace
 
 void CAssembler::WriteDebugFile() {
-    if (debugStream == nullptr) {
-        return;
-    }
     std::FILE* const listing =
         platform::OpenForWriting(targetDirectory + "Debug.Out", platform::FileMode::text);
     if (listing == nullptr) {
         std::fprintf(output, "[Korv] Could not open 'debug.out'!\n");
-    } else {
-        ConvertDebugStream(debugStream, binary, listing);
-        std::fclose(listing);
+        return;
     }
-    identifiers.SetLog(nullptr);
-    std::fclose(debugStream);
-    debugStream = nullptr;
-    if (listing != nullptr && flags.Has(RF_MESSAGES)) {
+    debugStream.WriteListing(binary, listing);
+    std::fclose(listing);
+    if (flags.Has(RF_MESSAGES)) {
         std::fprintf(output, "[Korv] Debugfile written!\n");
     }
 }

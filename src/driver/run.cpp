@@ -4,6 +4,7 @@
 #include <ctime>
 
 #include "driver/assembler.h"
+#include "driver/command_line.h"
 #include "expr/tmp_string.h"
 #include "platform/platform.h"
 #include "symbols/system_identifiers.h"
@@ -14,25 +15,6 @@ namespace {
 constexpr std::int32_t bucketCount = 211;
 constexpr std::uint32_t initialBinarySize = 4096;
 constexpr std::string_view defaultSource = "Main.Kor";
-
-// What a letter of the flag string does to the flags word; the upper-case letter sets, the
-// lower-case one clears.
-struct FlagLetter {
-    char letter;
-    std::uint32_t set;
-    std::uint32_t clear;
-};
-constexpr FlagLetter flagLetters[] = {
-    {'B', RF_BINARY, RF_BINARY},
-    {'D', RF_DEBUG, RF_DEBUG},
-    {'I', RF_SYSTEM_IDS, RF_SYSTEM_IDS},
-    {'L', RF_LABELS, RF_LABELS},
-    {'M', RF_MESSAGES, RF_MESSAGES},
-    {'P', RF_PROGRESS, RF_PROGRESS},
-    {'S', RF_DEBUG | RF_DEBUG_SYMBOLS, RF_DEBUG_SYMBOLS},
-    {'T', RF_TIME, RF_TIME},
-    {'W', RF_NO_WARNINGS, RF_NO_WARNINGS},
-};
 
 }  // namespace
 
@@ -49,14 +31,10 @@ CAssembler::CAssembler(std::FILE* stream, std::int32_t maxMessages)
     identifiers.SetAssembler(this);
     errors.SetFileNames(&fileNames);
     warnings.SetFileNames(&fileNames);
-    errors.SetKind(ML_ERROR);
     warnings.SetKind(ML_WARNING);
 }
 
 CAssembler::~CAssembler() {
-    if (debugStream != nullptr) {
-        std::fclose(debugStream);
-    }
     if (flags.Has(RF_TIME)) {
         std::fprintf(output, "[Korv] System has been online for %1.0f seconds.\n",
                      std::difftime(std::time(nullptr), startTime));
@@ -76,31 +54,11 @@ std::int32_t CAssembler::SetLineBufferSize(std::int32_t n) {
     return old;
 }
 
-void CAssembler::SetFlagsFrom(std::string_view flagString) {
-    std::uint32_t bits = RF_SYSTEM_IDS;
-    for (const char c : flagString) {
-        bool isKnown = c == ' ';
-        for (const FlagLetter& row : flagLetters) {
-            if (c == row.letter) {
-                bits |= row.set;
-                isKnown = true;
-            } else if (c == row.letter + ('a' - 'A')) {
-                bits &= ~row.clear;
-                isKnown = true;
-            }
-        }
-        if (!isKnown) {
-            std::fprintf(output, "Unrecognized flag encountered: %c\n", c);
-        }
-    }
-    flags.Set(bits);
-}
-
 std::int32_t CAssembler::RunFromCommandLine(std::string_view source, std::string_view target,
                                             std::string_view flagString) {
     sourceName = source.empty() ? defaultSource : source;
     targetName = target;
-    SetFlagsFrom(flagString);
+    flags.Set(FlagsFrom(flagString, output));
     return Run();
 }
 
@@ -151,11 +109,8 @@ void CAssembler::AssembleSource() {
                      targetName.c_str());
     }
     targetDirectory = platform::SplitPath(targetName).directory;
-    if (flags.Has(RF_DEBUG)) {
-        debugStream = std::tmpfile();
-        if (debugStream != nullptr && flags.Has(RF_DEBUG_SYMBOLS)) {
-            identifiers.SetLog(debugStream);
-        }
+    if (flags.Has(RF_DEBUG) && flags.Has(RF_DEBUG_SYMBOLS)) {
+        identifiers.SetLog(&debugStream);
     }
     LoadSystemIdentifiers();
     if (flags.Has(RF_SYSTEM_IDS)) {
@@ -164,7 +119,7 @@ void CAssembler::AssembleSource() {
     if (flags.Has(RF_BINARY)) {
         location = binaryStart;
     }
-    std::fflush(output);  // what a break event prints goes past the buffer, and belongs behind this
+    std::fflush(output);  // what a break event prints goes past the buffer, and belongs after this
 
     const std::int32_t status = AssembleIncludeFile(sourceName);
     if (status == MSG_CANNOT_OPEN) {
@@ -176,7 +131,9 @@ void CAssembler::AssembleSource() {
     if (flags.Has(RF_ABORT)) {
         errors.Report(MSG_ABORTED, noText, 0, 0);
     }
-    WriteDebugFile();
+    if (flags.Has(RF_DEBUG)) {
+        WriteDebugFile();
+    }
 }
 
 }  // namespace korv

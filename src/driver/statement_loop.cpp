@@ -8,19 +8,11 @@
 #include "codegen/handlers.h"
 #include "codegen/recogniser.h"
 #include "driver/assembler.h"
-#include "driver/debug_stream.h"
 #include "source/char_class.h"
 #include "source/source_file.h"
 
 namespace korv {
 namespace {
-
-const char* SkipBlanks(const char* text) {
-    while (HasClass(*text, CC_BLANK)) {
-        ++text;
-    }
-    return text;
-}
 
 // Takes the characters from `start` to `end` as the word read last, cut to what a word may have.
 void TakeWord(CStatement* statement, const char* start, const char* end) {
@@ -143,9 +135,8 @@ CAssembler::FileOutcome CAssembler::RunStatements(CSourceFile* file, CStatement*
         }
         if ((bits & RF_NO_DEBUG_RECORD) != 0) {
             flags.Clear(RF_NO_DEBUG_RECORD);
-        } else if ((bits & RF_DEBUG) != 0 && debugStream != nullptr) {
-            WriteDebugRecord(debugStream, binary.Position() - binarySizeAtLineStart,
-                             statement->text);
+        } else if ((bits & RF_DEBUG) != 0) {
+            debugStream.AddRecord(binary.Position() - binarySizeAtLineStart, statement->text);
         }
         constexpr std::int32_t progressInterval = 128;  // lines
         if ((bits & RF_PROGRESS) != 0 && statement->lineNumber % progressInterval == 0) {

@@ -47,6 +47,19 @@ inline constexpr auto charClass = [] {
     return (charClass[static_cast<unsigned char>(c)] & mask) != 0;
 }
 
+/// `c`, or the capital of a letter that is none.
+[[nodiscard]] constexpr char Raised(char c) noexcept {
+    return HasClass(c, CC_LOWER) ? static_cast<char>(c - ('a' - 'A')) : c;
+}
+
+/// The first character of a terminated text that is no blank.
+[[nodiscard]] constexpr const char* SkipBlanks(const char* text) noexcept {
+    while (HasClass(*text, CC_BLANK)) {
+        ++text;
+    }
+    return text;
+}
+
 static_assert(HasClass('7', CC_DIGIT) && HasClass('i', CC_HEX) && !HasClass('G', CC_HEX));
 static_assert(!HasClass('\n', CC_BLANK) && !HasClass('\xE4', 0xFF));
 

@@ -25,9 +25,9 @@ std::unique_ptr<char[]> CopyOf(const std::string& text) {
     return copy;
 }
 
-void TraceFile(const CAssembler& assembler, const char* format, std::string_view name) {
-    if (assembler.flags.Has(RF_DEBUG_SYMBOLS) && assembler.debugStream != nullptr) {
-        std::fprintf(assembler.debugStream, format, static_cast<int>(name.size()), name.data());
+void TraceFile(CAssembler* assembler, std::string_view event, std::string_view name) {
+    if (assembler->flags.Has(RF_DEBUG_SYMBOLS)) {
+        assembler->debugStream.AddText({event, " '", name, "'.\n"});
     }
 }
 
@@ -86,13 +86,13 @@ std::int32_t HandleInclude(CAssembler* assembler, CStatement* statement) {
     // The text as written: what it would be as an expression does not matter, and quotes are part
     // of the name.
     const std::string_view name = statement->args.Arg(1)->Text();
-    TraceFile(*assembler, "INCLUDING '%.*s'.\n", name);
+    TraceFile(assembler, "INCLUDING", name);
     if (assembler->fileDepth == maxFileDepthAllowed) {
         assembler->ReportError(statement, MSG_FILES_TOO_DEEP, noText);
         return 0;
     }
     const std::int32_t status = assembler->AssembleIncludeFile(name);
-    TraceFile(*assembler, "Closing '%.*s'.\n", name);
+    TraceFile(assembler, "Closing", name);
     // The lines of the file have their own records; this one would show their bytes again.
     assembler->flags.Set(RF_NO_DEBUG_RECORD);
     return status;

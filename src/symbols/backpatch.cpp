@@ -6,11 +6,13 @@
 // being worked form a stack of their own through `parent`, from a patch to the EQU patch whose
 // value released it. A patch leaves the walk when its whole subtree is done.
 
+#include <string>
 #include <utility>
 
 #include "codegen/bin_block.h"
 #include "diagnostics/message_list.h"
 #include "driver/assembler.h"
+#include "driver/debug_stream.h"
 #include "source/file_name_registry.h"
 #include "source/short_text.h"
 #include "symbols/identifier_manager.h"
@@ -77,10 +79,9 @@ std::int32_t CIdentifierManager::Backpatch(CPatchInfo* const root) {
 // One patch without what hangs on it. If it gives an EQU its value, that comes back in
 // `resolvedEqu`, and the patches that wait for the EQU are the caller's to work.
 std::int32_t CIdentifierManager::Apply(CPatchInfo* patch, CIdentifier** resolvedEqu) {
-    const char* const expression = patch->expression.c_str();
     const PatchOrigin& origin = patch->origin;
     if (log != nullptr) {
-        std::fprintf(log, "Backpatching: [%s]\n", patch->identifier->name);
+        log->AddText({"Backpatching: [", patch->identifier->Name(), "]\n"});
     }
     std::int32_t value = 0;
     std::string_view unresolved;
@@ -96,15 +97,16 @@ std::int32_t CIdentifierManager::Apply(CPatchInfo* patch, CIdentifier** resolved
                                  patch->position, CtmpString(patch->expression.View()),
                                  patch->flags, origin, CtmpString(patch->name.View())));
         if (log != nullptr) {
-            std::fprintf(log, "No immediate patching possible! [%s] [%s]\n",
-                         patch->identifier->name, expression);
+            log->AddText({"No immediate patching possible! [", patch->identifier->Name(), "] [",
+                          patch->expression.View(), "]\n"});
         }
         return 0;
     }
     if (status != 0) {
         if (log != nullptr) {
-            std::fprintf(log, "Could not resolve expression! [%s] %s, line %d.\n", expression,
-                         fileNames->NameOf(origin.file), origin.line);
+            log->AddText({"Could not resolve expression! [", patch->expression.View(), "] ",
+                          fileNames->NameOf(origin.file), ", line ", std::to_string(origin.line),
+                          ".\n"});
         }
         return MSG_BAD_EXPRESSION;
     }
@@ -118,7 +120,7 @@ std::int32_t CIdentifierManager::Apply(CPatchInfo* patch, CIdentifier** resolved
         return -1;
     }
     if (log != nullptr) {
-        std::fprintf(log, "Backpatching EQU. [%s]\n", equ->name);
+        log->AddText({"Backpatching EQU. [", equ->Name(), "]\n"});
     }
     equ->value = value;
     equ->flags |= IDF_RESOLVED;
@@ -153,7 +155,7 @@ std::int32_t CIdentifierManager::WritePatch(const CPatchInfo& patch, std::int32_
 
 void CIdentifierManager::TraceText(const char* text) const {
     if (log != nullptr) {
-        std::fputs(text, log);
+        log->AddText({text});
     }
 }
 

@@ -4,12 +4,16 @@
 
 #include "symbols/identifier_manager.h"
 
+#include <charconv>
 #include <cstdlib>
 #include <cstring>
 #include <new>
+#include <string>
 #include <utility>
 
 #include "diagnostics/message_list.h"
+#include "diagnostics/report_writer.h"
+#include "driver/debug_stream.h"
 #include "platform/platform.h"
 #include "source/file_name_registry.h"
 #include "symbols/patch.h"
@@ -43,6 +47,25 @@ CIdentifier* Sorted(CIdentifier* chain) {
     }
     CIdentifier* const second = std::exchange(middle->next, nullptr);
     return Merge(Sorted(chain), Sorted(second));
+}
+
+// A line of the listing.
+void PutLine(ReportWriter* out, const CIdentifier& record, std::string_view fileName) {
+    out->Put(record.Name());
+    char* to = PutPadding(out->Room(80), record.nameLength, 15);
+    to = PutText(to, "\t ");
+    to = PutHex(to, static_cast<std::uint32_t>(record.value), 4);
+    to = PutText(to, "h\t");
+    char flagString[7];
+    FlagString(record.flags, flagString);
+    to = PutText(to, {flagString, 6});
+    to = PutText(to, " \t");
+    out->Advance(PutPadding(to, fileName.size(), 13));
+    out->Put(fileName);
+    to = out->Room(16);
+    *to++ = '(';
+    to = std::to_chars(to, to + 11, record.line).ptr;
+    out->Advance(PutText(to, ")\n"));
 }
 
 // The bucket of `name` among `tableSize`: the order of the listing.
@@ -91,7 +114,7 @@ CAssembler* CIdentifierManager::SetAssembler(CAssembler* newAssembler) {
     return std::exchange(assembler, newAssembler);
 }
 
-std::FILE* CIdentifierManager::SetLog(std::FILE* newLog) {
+DebugStream* CIdentifierManager::SetLog(DebugStream* newLog) {
     return std::exchange(log, newLog);
 }
 
@@ -138,14 +161,14 @@ std::int32_t CIdentifierManager::AddID(const Definition& definition) {
         }
     } else if ((record->flags & IDF_RESERVED) != 0) {
         if (log != nullptr) {
-            std::fprintf(log, "Attempt to use command/instruction as a label! [%s]\n",
-                         record->name);
+            log->AddText(
+                {"Attempt to use command/instruction as a label! [", record->Name(), "]\n"});
         }
         errors->Report(MSG_RESERVED_NAME, definition.name, definition.file, definition.line);
         return 0;
     } else if ((record->flags & (IDF_LABEL | IDF_EQU)) != 0) {
         if (log != nullptr) {
-            std::fprintf(log, "Label redefinition! [%s]\n", record->name);
+            log->AddText({"Label redefinition! [", record->Name(), "]\n"});
         }
         errors->Report(MSG_REDEFINITION, definition.name, definition.file, definition.line);
         return 0;
@@ -165,7 +188,7 @@ std::int32_t CIdentifierManager::AddID(const Definition& definition) {
 void CIdentifierManager::ApplyPatches(CIdentifier* identifier) {
     if ((identifier->flags & IDF_RESOLVED) == 0) {
         if (log != nullptr) {
-            std::fprintf(log, "Could not backpatch yet! [%s]\n", identifier->name);
+            log->AddText({"Could not backpatch yet! [", identifier->Name(), "]\n"});
         }
         return;
     }
@@ -199,8 +222,7 @@ CIdentifier* CIdentifierManager::FindID(const HashedName& name, bool markUsed) {
 std::int32_t CIdentifierManager::AddPatch(const HashedName& name, CPatchInfo* patch) {
     CIdentifier* record = index.Find(name);
     if (log != nullptr) {
-        std::fprintf(log, "Adding patch for: [%.*s] -> [%s]\n", static_cast<int>(name.text.size()),
-                     name.text.data(), patch->expression.c_str());
+        log->AddText({"Adding patch for: [", name.text, "] -> [", patch->expression.View(), "]\n"});
     }
     if (record == nullptr) {
         record = Enter(name);
@@ -266,22 +288,19 @@ void CIdentifierManager::ReleasePatches() {
 
 std::int32_t CIdentifierManager::DumpIdentifiers(std::FILE* file) {
     LinkChains();
-    std::fprintf(file, "Identifier\t\tValue\tFlags\tFile(Line)\n");
+    ReportWriter out(file);
+    out.Put("Identifier\t\tValue\tFlags\tFile(Line)\n");
     std::int32_t count = 0;
     for (std::int32_t i = 0; i < tableSize; ++i) {
         for (const CIdentifier* record = buckets[i]; record != nullptr; record = record->next) {
-            if ((record->flags & IDF_INTERNAL) != 0) {
-                continue;
+            if ((record->flags & IDF_INTERNAL) == 0) {
+                ++count;
+                PutLine(&out, *record, fileNames->NameOf(record->file));
             }
-            ++count;
-            char flagString[7];
-            FlagString(record->flags, flagString);
-            std::fprintf(file, "%-15s\t %04Xh\t%s \t%13s(%d)\n", record->name,
-                         static_cast<std::uint32_t>(record->value), flagString,
-                         fileNames->NameOf(record->file), record->line);
         }
     }
-    std::fprintf(file, "%d user identifiers registered.\n", count);
+    out.Put(std::to_string(count));
+    out.Put(" user identifiers registered.\n");
     return 0;
 }
 

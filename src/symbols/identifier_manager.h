@@ -19,6 +19,7 @@ class CAssembler;
 class CFileNameRegistry;
 class CMessageList;
 class CPatchInfo;
+class DebugStream;
 
 /// What `AddID` is given: a name and its definition. The name has to stay valid during the call
 /// only.
@@ -44,7 +45,7 @@ class CIdentifierManager {
     /// These give the previous value.
     BinBlock* SetTarget(BinBlock* newTarget);
     CAssembler* SetAssembler(CAssembler* newAssembler);
-    std::FILE* SetLog(std::FILE* newLog);
+    DebugStream* SetLog(DebugStream* newLog);
 
     /// Defines a name. A name only referred to so far gets its definition, and its patches are
     /// applied, the newest first. Refusals and failures of patches go to the errors. Result: 0,
@@ -109,7 +110,7 @@ class CIdentifierManager {
     std::FILE* console;
     CAssembler* assembler = nullptr;
     BinBlock* target = nullptr;
-    std::FILE* log = nullptr;  // the trace, or null
+    DebugStream* log = nullptr;  // the trace, or null
 };
 
 }  // namespace korv

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <array>
 
+#include "codegen/keywords.h"
 #include "driver/assembler.h"
 
 namespace korv {
@@ -25,7 +26,28 @@ constexpr std::array versionIdentifiers = {
     VersionIdentifier{"KORV_BUILD", 25},
 };
 
+// The reserved words are the keywords but for these, which are free as labels, and two more, which
+// are no commands.
+constexpr std::string_view freeKeywords[] = {"DEFB", "DEFD", "DEFM",    "DEFS",
+                                             "DEFW", "END",  "MAC_OFF", "MAC_ON"};
+
+constexpr auto wordList = [] {
+    std::array<char, 512> text{};
+    char* end = text.data();
+    const auto add = [&end](std::string_view word) { end = std::ranges::copy(word, end).out; };
+    for (const Keyword& keyword : keywords) {
+        if (std::ranges::find(freeKeywords, keyword.word) == std::end(freeKeywords)) {
+            add(keyword.word);
+            add("\t");
+        }
+    }
+    add("MACROS_OFF\tMACROS_ON");
+    return text;
+}();
+
 }  // namespace
+
+constexpr std::string_view reservedWords = wordList.data();
 
 void CAssembler::LoadSystemIdentifiers() {
     std::int32_t result = 0;

@@ -1,0 +1,93 @@
+/// The text of a report file, formatted without the general routines and written by the block,
+/// since a listing has a line for each of the source.
+#pragma once
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+#include <string_view>
+
+namespace korv {
+
+/// These write to `to`, which has room, and give the place after what they wrote.
+inline char* PutText(char* to, std::string_view text) {
+    std::memcpy(to, text.data(), text.size());
+    return to + text.size();
+}
+
+/// The two digits of each byte.
+inline constexpr auto hexadecimal = [] {
+    constexpr char digits[] = "0123456789ABCDEF";
+    std::array<std::array<char, 2>, 256> table{};
+    for (std::size_t byte = 0; byte < table.size(); ++byte) {
+        table[byte] = {digits[byte >> 4], digits[byte & 15]};
+    }
+    return table;
+}();
+
+inline char* PutByte(char* to, std::uint8_t value) {
+    std::memcpy(to, hexadecimal[value].data(), 2);
+    return to + 2;
+}
+
+/// At least `minDigits` hexadecimal digits; has room for 8.
+inline char* PutHex(char* to, std::uint32_t value, std::size_t minDigits) {
+    char all[16];
+    for (std::size_t i = 0; i < 4; ++i) {
+        PutByte(all + 2 * i, static_cast<std::uint8_t>(value >> (24 - 8 * i)));
+    }
+    const std::size_t digits = std::max(minDigits, (std::bit_width(value) + std::size_t{3}) / 4);
+    std::memcpy(to, all + 8 - digits, 8);
+    return to + digits;
+}
+
+/// Blanks that make a text of `size` characters `width` characters long.
+inline char* PutPadding(char* to, std::size_t size, std::size_t width) {
+    for (; size < width; ++size) {
+        *to++ = ' ';
+    }
+    return to;
+}
+
+class ReportWriter {
+  public:
+    static constexpr std::size_t blockSize = 16384;
+
+    /// Writes to `file`, which is not owned and has to live longer.
+    explicit ReportWriter(std::FILE* file) : file(file) {}
+    ~ReportWriter() { Flush(); }
+    ReportWriter(const ReportWriter&) = delete;
+    ReportWriter& operator=(const ReportWriter&) = delete;
+
+    /// Where at least `count` characters can be put, at most a block. `Advance` takes them over, up
+    /// to `end`.
+    char* Room(std::size_t count) {
+        if (count > static_cast<std::size_t>(block.data() + blockSize - next)) [[unlikely]] {
+            Flush();
+        }
+        return next;
+    }
+    void Advance(char* end) { next = end; }
+
+    /// Of any length.
+    void Put(std::string_view text) {
+        if (text.size() > blockSize) [[unlikely]] {
+            Flush();
+            std::fwrite(text.data(), 1, text.size(), file);
+        } else {
+            Advance(PutText(Room(text.size()), text));
+        }
+    }
+
+  private:
+    void Flush();
+
+    std::FILE* file;
+    std::array<char, blockSize> block;
+    char* next = block.data();
+};
+
+}  // namespace korv

@@ -109,7 +109,7 @@ void FillPatchBlocks() {
     using Block = korv::CPatchInfoMemBlock;
     std::vector<korv::CPatchInfo*> live;
     const auto add = [&live] {
-        live.push_back(Block::AllocPatchInfo(0, {}, 0, {}, {}));
+        live.push_back(Block::AllocPatchInfo(0, 0, {}));
         return live.back()->slot;
     };
     const int before = Block::BlockCount();

@@ -78,13 +78,13 @@ TEST(FaultTest, AnyAllocationMayFailOnceOrForGood) {
         "Korv Status Dump.\n----------------------------------------------------\n"
         "   File depth:          2/2.\n   Conditional depth:   1.\n   Total Linecount:     0.\n"
         "   Current filename:  " + directory.Path() + "/7\nTemp string info\n----------------\n"
-        "   Block Count:     1.\n     Size: 16384, Reference count:     5, IsFull: 0.\n"
+        "   Block Count:     1.\n     Size: 16384, Reference count:     1, IsFull: 0.\n"
         "Identifier manager\n------------------\n   Total Count:    95.\n   Table Size:    211.\n"
         "Binary target manager\n---------------------\n   Block size:  4096.\n   Position:    4096,\n";
     // clang-format on
     const std::string firstDeath =
         "[ERROR!] Failed to allocate 8192 bytes.\n" + dump + DEATHS[0] + dump;
-    std::string source = "L0: DW F0,F1,F2\n IF 1\n INCLUDE 7\n ENDIF\n";
+    std::string source = "L0: DW F0+0,F1,F2\n IF 1\n INCLUDE 7\n ENDIF\n";
     std::string included = " DS 4352-$\n DB 1\n DS 8447-$\n DW 5\n";
     for (int i = 0; i < 1000; ++i) {
         source += i < 20 ? std::string(200, 'N') + std::to_string(i) + ": DW F0\n" : " DW F2\n";

@@ -19,7 +19,7 @@ class BinBlock {
     BinBlock& operator=(const BinBlock&) = delete;
 
     /// Appends take the low bits of a value, unchecked. Result: the offset of the first byte.
-    std::uint32_t PutByte(std::int32_t value) {
+    [[gnu::always_inline]] std::uint32_t PutByte(std::int32_t value) {
         if (position >= size) [[unlikely]] {
             GrowBy(byteStep, position);
         }

@@ -7,11 +7,7 @@
 
 namespace korv {
 
-std::int32_t AssembleBit(CAssembler* assembler, CStatement* statement, char kind) {
-    if (const std::int32_t result = BeginStatement(assembler, statement, twoOperands);
-        result != 0) {
-        return result;
-    }
+Status AssembleBit(CAssembler* assembler, CStatement* statement, char kind) {
     const lsArg& bit = *statement->args.Arg(1);
     if (bit.status != 0) {  // the number lies in the opcode: it cannot be patched
         return MSG_NOT_IMMEDIATE;
@@ -20,13 +16,6 @@ std::int32_t AssembleBit(CAssembler* assembler, CStatement* statement, char kind
         return MSG_ILLEGAL_ARGUMENT;
     }
     return ProcessBSR_Ex(assembler, statement, kind, bit.value);
-}
-
-std::int32_t AssembleShift(CAssembler* assembler, CStatement* statement, std::int32_t field) {
-    if (const std::int32_t result = BeginStatement(assembler, statement, oneOperand); result != 0) {
-        return result;
-    }
-    return ProcessBSR_Ex(assembler, statement, 'X', field);
 }
 
 }  // namespace korv

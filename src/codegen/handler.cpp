@@ -1,50 +1,104 @@
 #include "codegen/handler.h"
 
-#include <array>
-
+#include "codegen/keywords.h"
 #include "driver/assembler.h"
+#include "expr/token.h"
 #include "source/char_class.h"
 
 namespace korv {
 namespace {
 
-// Characters at which the scan of an operand has to look up.
-constexpr auto stopsOperand = [] {
-    std::array<bool, 256> table{};
-    for (const char c : {'\0', '"', ',', ';'}) {
-        table[static_cast<std::uint8_t>(c)] = true;
-    }
-    return table;
-}();
-
-// The end of the operand that begins at `start`: its comma, a semicolon or the end of the line,
+// The end of the operand that goes on at `next`: its comma, a semicolon or the end of the line,
 // outside of quotes. A quote left open protects all that follows.
-const char* FindOperandEnd(const char* start) {
-    const char* end = start;
-    for (;;) {
-        while (!stopsOperand[static_cast<std::uint8_t>(*end)]) {
-            ++end;
+const char* FindOperandEnd(const char* next) {
+    for (;; ++next) {
+        const TokenAction action = ActionOf(*next);
+        if (action == TokenAction::separator) {
+            return next;
         }
-        if (*end != '"') {
-            return end;
-        }
-        do {
-            ++end;
-        } while (*end != '"' && *end != '\0');
-        if (*end == '"') {
-            ++end;
+        if (action == TokenAction::quote) {
+            do {
+                ++next;
+            } while (*next != '"' && *next != '\0');
+            if (*next == '\0') {
+                return next;
+            }
         }
     }
+}
+
+bool EndsOperand(char c) {
+    return ActionOf(c) == TokenAction::separator;
+}
+
+std::string_view Between(const char* start, const char* end) {
+    return {start, static_cast<std::size_t>(end - start)};
+}
+
+// An operand of any form, which begins at `start` and goes on at `next`, or is missing, which is
+// told where a comma stands at one of its sides. Result: its end.
+[[gnu::noinline]] const char* AddOperand(CAssembler* assembler, CStatement* statement,
+                                         bool isAfterComma, const char* start, const char* next) {
+    const char* const end = FindOperandEnd(next);
+    const bool isLast = *end != ',';
+    const char* last = end;
+    while (last != start && HasClass(last[-1], CC_BLANK)) {
+        --last;
+    }
+    if (last != start) {
+        const Status result = statement->args.Add(Between(start, last));
+        if (result != 0 && isLast) {
+            assembler->ReportError(statement, result, noText);
+        } else if (result != 0) {
+            assembler->ReportError(statement, MSG_SYSTEM_ERROR, "KO_Args.Add() failed!");
+        }
+    } else if (isAfterComma || !isLast) {
+        assembler->ReportWarning(statement, MSG_EXPECTED_ARGUMENT, noText);
+    }
+    return end;
+}
+
+// Cuts the text after the mnemonic at its commas and adds each operand to the list of the
+// statement, evaluated. Reports operands that are empty or refused.
+//
+// Nearly every operand is a single token, alone or in parentheses: the scan that finds its end also
+// finds that out. Any other goes on from there to its comma. `before` is what ended the mnemonic, a
+// blank or the end of the line, later the comma before an operand. Inlined, since nearly every line
+// comes here once.
+[[gnu::always_inline]] inline void SplitOperands(CAssembler* assembler, CStatement* statement,
+                                                 const char* before) {
+    if (*before == '\0') {
+        return;
+    }
+    do {
+        const bool isAfterComma = *before == ',';
+        const char* const start = SkipBlanks(before + 1);
+        if (*start != '(') {
+            before = SkipToken(start);
+            if (before != start && EndsOperand(*before)) [[likely]] {
+                statement->args.AddToken(Between(start, before));
+                continue;
+            }
+        } else {
+            before = SkipToken(start + 1);
+            if (before != start + 1 && *before == ')' && EndsOperand(before[1])) [[likely]] {
+                ++before;
+                statement->args.AddTokenInParentheses(Between(start, before));
+                continue;
+            }
+        }
+        before = AddOperand(assembler, statement, isAfterComma, start, before);
+    } while (*before == ',');
 }
 
 }  // namespace
 
 void DefineLineLabel(CAssembler* assembler, CStatement* statement) {
-    if (!statement->HasLabel()) {
+    if (!statement->HasLabel()) [[likely]] {
         return;
     }
     statement->flags |= SF_LABEL_DEFINED;
-    const std::int32_t result =
+    const Status result =
         assembler->identifiers.AddID({statement->label, statement->lineNumber, statement->fileName,
                                       static_cast<std::int32_t>(statement->address), IDS_LABEL});
     if (result != 0) {
@@ -52,52 +106,26 @@ void DefineLineLabel(CAssembler* assembler, CStatement* statement) {
     }
 }
 
-void SplitOperands(CAssembler* assembler, CStatement* statement) {
-    // The character that ended the mnemonic: a blank, or the end of the line.
-    const char* start = statement->text + statement->position - 1;
-    if (*start == '\0') {
-        return;
+Status BeginStatement(CAssembler* assembler, CStatement* statement, const Keyword& keyword,
+                      const char* end) {
+    const Frame frame = keyword.frame;
+    if (frame == Frame::labelFirst || frame == Frame::labelOnly) {
+        DefineLineLabel(assembler, statement);
+    } else if (frame == Frame::noLabel && statement->HasLabel()) {
+        assembler->ReportError(statement, MSG_LABEL_NOT_ALLOWED, noText);
     }
-    for (bool sawComma = false;; sawComma = true) {
-        while (HasClass(*start, CC_BLANK)) {
-            ++start;
-        }
-        const char* const end = FindOperandEnd(start);
-        const char* last = end;
-        while (last != start && HasClass(last[-1], CC_BLANK)) {
-            --last;
-        }
-        const bool isLast = *end != ',';
-        if (last != start) {
-            const std::string_view text(start, static_cast<std::size_t>(last - start));
-            const std::int32_t result = statement->args.Add(text);
-            if (result != 0 && isLast) {
-                assembler->ReportError(statement, result, noText);
-            } else if (result != 0) {
-                assembler->ReportError(statement, MSG_SYSTEM_ERROR, "KO_Args.Add() failed!");
-            }
-        } else if (sawComma || !isLast) {
-            // An operand that is missing before a comma is told like one behind the last.
-            assembler->ReportWarning(statement, MSG_EXPECTED_ARGUMENT, noText);
-        }
-        if (isLast) {
-            return;
-        }
-        start = end + 1;
+    if (frame == Frame::labelOnly || frame == Frame::nothing) [[unlikely]] {
+        return 0;
     }
-}
-
-std::int32_t CheckCount(const KO_Args& args, OperandCount wanted) {
-    if (args.Count() > wanted.most) {
-        return MSG_TOO_MANY_ARGUMENTS;
+    SplitOperands(assembler, statement, end);
+    if (frame == Frame::operandsFirst) {
+        DefineLineLabel(assembler, statement);
     }
-    return args.Count() < wanted.fewest ? MSG_ARGUMENT_EXPECTED : 0;
-}
-
-std::int32_t BeginStatement(CAssembler* assembler, CStatement* statement, OperandCount wanted) {
-    DefineLineLabel(assembler, statement);
-    SplitOperands(assembler, statement);
-    return CheckCount(statement->args, wanted);
+    const std::int32_t count = statement->args.Count();
+    if (count > keyword.operands.most) [[unlikely]] {
+        return keyword.operands.tooMany;
+    }
+    return count < keyword.operands.fewest ? MSG_ARGUMENT_EXPECTED : 0;
 }
 
 }  // namespace korv

@@ -1,43 +1,62 @@
-/// The frame that all handlers of instructions and directives share.
+/// The frame that all handlers of instructions and directives share: what is done before a handler
+/// begins, as the keyword's row says.
 #pragma once
 
 #include <cstdint>
+#include <limits>
 
-#include "expr/operands.h"
+#include "diagnostics/message_numbers.h"
 
 namespace korv {
 
 class CAssembler;
 struct CStatement;
 
-/// Assembles one statement. Result: 0; a message number, which the statement loop reports as an
-/// error without a text; or -1, "General failure!". What the statement has emitted by then stays.
-/// Handlers are compared by identity.
-using InstructionHandler = std::int32_t (*)(CAssembler* assembler, CStatement* statement);
+/// Assembles one statement, once its frame is done. Result: 0; a message number, which the
+/// statement loop reports as an error without a text; or -1, "General failure!". What the statement
+/// has emitted by then stays. Handlers are compared by identity.
+using InstructionHandler = Status (*)(CAssembler* assembler, CStatement* statement);
+
+/// A handler that serves several instructions, told apart by `facts`: opcodes, fields, places.
+template <auto handler, auto... facts>
+Status With(CAssembler* assembler, CStatement* statement) {
+    return handler(assembler, statement, facts...);
+}
 
 /// Defines the label of the line, if there is one, as the address of the statement, and marks it as
 /// defined.
 void DefineLineLabel(CAssembler* assembler, CStatement* statement);
 
-/// Cuts the text behind the mnemonic at its commas and adds each operand to the list of the
-/// statement, evaluated. Reports operands that are empty or refused.
-void SplitOperands(CAssembler* assembler, CStatement* statement);
-
-/// How many operands a mnemonic takes.
+/// How many operands a mnemonic takes, and what it answers to more.
 struct OperandCount {
     std::int32_t fewest;
     std::int32_t most;
+    Status tooMany = MSG_TOO_MANY_ARGUMENTS;
 };
+inline constexpr OperandCount noOperand{0, 0};
+inline constexpr OperandCount noneOrOneOperand{0, 1};
 inline constexpr OperandCount oneOperand{1, 1};
-inline constexpr OperandCount twoOperands{2, 2};
 inline constexpr OperandCount oneOrTwoOperands{1, 2};
+inline constexpr OperandCount twoOperands{2, 2};
+inline constexpr OperandCount anyOperands{1, std::numeric_limits<std::int32_t>::max()};
 
-/// 0, 13 or 14 for the operands of `args`.
-[[nodiscard]] std::int32_t CheckCount(const KO_Args& args, OperandCount wanted);
+/// What comes before a handler's own work, in its order. The count of the operands is looked at
+/// last, so a wrong one keeps neither the label from being defined nor the operands from being
+/// read.
+enum class Frame {
+    labelFirst,     ///< label, operands: a label can be an operand of its own line
+    operandsFirst,  ///< operands, label
+    operandsOnly,   ///< operands; the handler sees to the label itself
+    noLabel,        ///< operands; a label is an error here, which stops nothing
+    labelOnly,      ///< label; the rest of the line is not read
+    nothing,        ///< the rest of the line is not read, and the label is left to the loop
+};
 
-/// The start of a handler with operands: the label, so that it can be an operand of its own line,
-/// the operands, and their count. Result: 0, 13 or 14.
-[[nodiscard]] std::int32_t BeginStatement(CAssembler* assembler, CStatement* statement,
-                                          OperandCount wanted);
+struct Keyword;
+
+/// Does what the frame of `keyword` says; `end` is the character in the line that ended the word.
+/// Result: 0, or what is wrong with the number of operands.
+[[nodiscard]] Status BeginStatement(CAssembler* assembler, CStatement* statement,
+                                    const Keyword& keyword, const char* end);
 
 }  // namespace korv

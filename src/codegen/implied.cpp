@@ -1,23 +1,20 @@
-#include "codegen/implied.h"
+// The instructions without operands, which consist of their frame and one or two bytes.
 
-#include "codegen/handler.h"
+#include <array>
+
+#include "codegen/handlers.h"
 #include "driver/assembler.h"
 
 namespace korv {
 
-std::int32_t AssembleImplied(CAssembler* assembler, CStatement* statement,
-                             std::span<const std::uint8_t> bytes) {
-    SplitOperands(assembler, statement);
-    DefineLineLabel(assembler, statement);
-    if (statement->args.Count() > 0) {
-        return MSG_TOO_MANY_ARGUMENTS;
-    }
-    if (bytes.size() == 1) {
-        assembler->EmitByte(bytes[0]);
-    } else {
-        assembler->binary.PutBytes(bytes);
-        assembler->location += static_cast<std::uint32_t>(bytes.size());
-    }
+Status AssembleImplied(CAssembler* assembler, CStatement*, std::uint8_t opcode) {
+    assembler->EmitByte(opcode);
+    return 0;
+}
+
+Status AssemblePrefixed(CAssembler* assembler, CStatement*, std::uint8_t prefix,
+                        std::uint8_t opcode) {
+    assembler->EmitBytes(std::array{prefix, opcode});
     return 0;
 }
 

@@ -1,156 +1,95 @@
-// Jumps, calls and returns: the operands that are forward references most often. Each handler emits
-// its own bytes and files its own patch.
+// Jumps, calls and returns: the operands that are forward references most often.
 
 #include "codegen/handlers.h"
+#include "codegen/late_value.h"
 #include "codegen/operand_forms.h"
 #include "driver/assembler.h"
 
 namespace korv {
 namespace {
 
-constexpr std::uint32_t relativeKind = PF_RELATIVE | PF_8BIT;
-
-// Emits the word of an absolute target and files its patch. Result: as a handler's.
-std::int32_t EmitTarget(CAssembler* assembler, CStatement* statement, const lsArg& target) {
-    const std::uint32_t position = assembler->EmitWord(target.value);
-    return FinishOperand(assembler, statement, target, position, PF_16BIT);
+// The condition in bits 5 to 3 of an opcode.
+constexpr std::int32_t ConditionField(const lsArg& condition) {
+    return condition.condition * 8;
 }
 
-// The distance from the statement to an address that is known.
-std::int32_t OffsetTo(const CStatement& statement, std::int32_t target) {
-    return RelativeOffset(target, static_cast<std::int32_t>(statement.address));
+// What JP, CALL and JR have in common: a condition, if there are two operands, and a target.
+bool IsConditional(const CStatement& statement) {
+    return statement.args.Count() == 2;
+}
+
+// JP (HL), JP (IX) and JP (IY).
+bool IsRegisterJump(std::int32_t reg) {
+    return reg == REG_HL_INDIRECT || reg == REG_IX_INDIRECT || reg == REG_IY_INDIRECT;
 }
 
 }  // namespace
 
-std::int32_t HandleJp(CAssembler* assembler, CStatement* statement) {
-    if (const std::int32_t result = BeginStatement(assembler, statement, oneOrTwoOperands);
-        result != 0) {
-        return result;
-    }
+Status AssembleJp(CAssembler* assembler, CStatement* statement) {
     const lsArg& first = *statement->args.Arg(1);
-    const bool isConditional = statement->args.Count() == 2;
-    if (!isConditional) {
-        switch (first.reg) {
-            case REG_IX_INDIRECT:
-            case REG_IY_INDIRECT:
-                assembler->EmitByte(IndexPrefix(first.reg));
-                [[fallthrough]];
-            case REG_HL_INDIRECT:
-                assembler->EmitByte(0xE9);
-                return 0;
-            default:
-                break;
-        }
+    const lsArg& target = statement->args.Last();
+    const bool isConditional = IsConditional(*statement);
+    if (!isConditional && IsRegisterJump(first.reg)) {
+        const bool isIndex = first.reg != REG_HL_INDIRECT;
+        return EmitOpcode(assembler, isIndex ? IndexPrefix(first.reg) : PREFIX_NONE, 0xE9);
     }
-    std::int32_t opcode = 0xC3;
-    if (isConditional) {
-        if (!first.IsCondition()) {  // the statement goes on, with the number -1
-            assembler->ReportError(statement, MSG_ILLEGAL_CONDITION, first.Text());
-        }
-        opcode = 0xC2 | (first.IsCondition() ? first.condition : -1) * 8;
+    if (isConditional && !first.IsCondition()) {  // the statement goes on, with the number -1
+        assembler->ReportError(statement, MSG_ILLEGAL_CONDITION, first.text);
     }
-    const lsArg& target = isConditional ? *statement->args.Arg(2) : first;
     if (!target.IsPlainValue()) {
         return MSG_ILLEGAL_ARGUMENT;
     }
-    assembler->EmitByte(opcode);
-    WarnIfOutside(assembler, statement, target, wordRange);
-    return EmitTarget(assembler, statement, target);
+    assembler->EmitByte(isConditional ? 0xC2 | ConditionField(first) : 0xC3);
+    return EmitChecked<wordKind>(assembler, statement, target, PatchText::operand);
 }
 
-std::int32_t HandleCall(CAssembler* assembler, CStatement* statement) {
-    if (const std::int32_t result = BeginStatement(assembler, statement, oneOrTwoOperands);
-        result != 0) {
-        return result;
-    }
+Status AssembleCall(CAssembler* assembler, CStatement* statement) {
     const lsArg& first = *statement->args.Arg(1);
-    const bool isConditional = statement->args.Count() == 2;
-    const lsArg& target = isConditional ? *statement->args.Arg(2) : first;
+    const lsArg& target = statement->args.Last();
+    const bool isConditional = IsConditional(*statement);
     if ((isConditional && first.condition < 0) || !target.IsPlainValue()) {
         return MSG_ILLEGAL_ARGUMENT;
     }
-    assembler->EmitByte(isConditional ? 0xC4 + 8 * first.condition : 0xCD);
-    return EmitTarget(assembler, statement, target);
+    assembler->EmitByte(isConditional ? 0xC4 + ConditionField(first) : 0xCD);
+    // A known value outside 16 bits is cut without a word.
+    return EmitValue<wordKind>(assembler, statement, target, PatchText::operand);
 }
 
-std::int32_t HandleJr(CAssembler* assembler, CStatement* statement) {
-    if (const std::int32_t result = BeginStatement(assembler, statement, oneOrTwoOperands);
-        result != 0) {
-        return result;
-    }
+Status AssembleJr(CAssembler* assembler, CStatement* statement) {
     const lsArg& first = *statement->args.Arg(1);
-    const bool isConditional = statement->args.Count() == 2;
-    if (isConditional && (first.condition < 0 || first.condition > 3)) {
+    const lsArg& target = statement->args.Last();
+    const bool isConditional = IsConditional(*statement);
+    const bool isRefused = isConditional && (first.condition < 0 || first.condition > 3);
+    if (isRefused || !target.IsPlainValue()) {
         return MSG_ILLEGAL_ARGUMENT;
     }
-    const lsArg& target = isConditional ? *statement->args.Arg(2) : first;
-    if (!target.IsPlainValue()) {
-        return MSG_ILLEGAL_ARGUMENT;
-    }
-    assembler->EmitByte(isConditional ? 0x20 + 8 * first.condition : 0x18);
-    if (target.status == 0) {
-        const std::int32_t offset = OffsetTo(*statement, target.value);
-        if (!signedByteRange.Holds(offset)) {
-            return MSG_OFFSET_TOO_BIG;
-        }
-        assembler->EmitByte(offset);
-        return 0;
-    }
-    if (target.status != MSG_UNRESOLVED) {
-        return target.status;
-    }
-    const std::uint32_t position = assembler->EmitByte(0);
-    return FilePatch(assembler, statement, target, position, relativeKind);
+    assembler->EmitByte(isConditional ? 0x20 + ConditionField(first) : 0x18);
+    return EmitRelative(assembler, statement, target, MSG_OFFSET_TOO_BIG);
 }
 
-// Scans its operand as text, so that it knows no registers: DJNZ A goes to the label A.
-std::int32_t HandleDjnz(CAssembler* assembler, CStatement* statement) {
-    if (const std::int32_t result = BeginStatement(assembler, statement, oneOperand); result != 0) {
-        return result;
+// Takes its operand as text, so that it knows no registers: DJNZ A goes to the label A. What is no
+// value without parentheses is scanned as such a text.
+Status AssembleDjnz(CAssembler* assembler, CStatement* statement) {
+    lsArg& target = *statement->args.Arg(1);
+    if (!target.IsValue() || target.reg != REG_NONE) {
+        target.status = assembler->ScanExpression(target.text, &target.value, &target.unresolved);
     }
-    const lsArg& target = *statement->args.Arg(1);
     assembler->EmitByte(0x10);
-    std::int32_t value = 0;
-    std::string_view unresolved;
-    const std::int32_t status = assembler->ScanExpression(target.Text(), &value, &unresolved);
-    if (status == MSG_UNRESOLVED) {
-        FileCopiedPatch(assembler, statement, target.Text(), unresolved,
-                        assembler->binary.Position(), relativeKind);
-        assembler->EmitByte(0);
-        return 0;
-    }
-    if (status != 0) {
-        return status;
-    }
-    const std::int32_t offset = OffsetTo(*statement, value);
-    if (!signedByteRange.Holds(offset)) {
-        return MSG_NOT_BYTE;  // not the message of JR
-    }
-    assembler->EmitByte(offset);
-    return 0;
+    return EmitRelative(assembler, statement, target, MSG_NOT_BYTE);  // not the message of JR
 }
 
-std::int32_t HandleRet(CAssembler* assembler, CStatement* statement) {
-    if (const std::int32_t result = BeginStatement(assembler, statement, {0, 1}); result != 0) {
-        return result;
-    }
+Status AssembleRet(CAssembler* assembler, CStatement* statement) {
     if (statement->args.Count() == 0) {
-        assembler->EmitByte(0xC9);
-        return 0;
+        return EmitOpcode(assembler, PREFIX_NONE, 0xC9);
     }
-    const std::int32_t condition = statement->args.Arg(1)->condition;
-    if (condition < 0) {
+    const lsArg& condition = *statement->args.Arg(1);
+    if (condition.condition < 0) {
         return MSG_ILLEGAL_ARGUMENT;
     }
-    assembler->EmitByte(0xC0 + 8 * condition);
-    return 0;
+    return EmitOpcode(assembler, PREFIX_NONE, 0xC0 + ConditionField(condition));
 }
 
-std::int32_t HandleRst(CAssembler* assembler, CStatement* statement) {
-    if (const std::int32_t result = BeginStatement(assembler, statement, oneOperand); result != 0) {
-        return result;
-    }
+Status AssembleRst(CAssembler* assembler, CStatement* statement) {
     const lsArg& target = *statement->args.Arg(1);
     if (target.status != 0) {  // the address lies in the opcode: it cannot be patched
         return target.status == MSG_UNRESOLVED ? MSG_NOT_IMMEDIATE : MSG_BAD_EXPRESSION;
@@ -159,8 +98,7 @@ std::int32_t HandleRst(CAssembler* assembler, CStatement* statement) {
     if (!target.IsPlainValue() || (target.value & ~addressBits) != 0) {
         return MSG_ILLEGAL_ARGUMENT;
     }
-    assembler->EmitByte(0xC7 + target.value);
-    return 0;
+    return EmitOpcode(assembler, PREFIX_NONE, 0xC7 + target.value);
 }
 
 }  // namespace korv

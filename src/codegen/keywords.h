@@ -1,4 +1,5 @@
-/// The vocabulary: every word that may stand as a mnemonic, with its handler. To add an
+/// The vocabulary: every word that may stand as a mnemonic, with its handler: what comes before the
+/// handler's own work, how many operands it takes, and what tells it from its kin. To add an
 /// instruction, add its row. The order is that of the characters; the recogniser's tree is made
 /// from this table by the compiler, which refuses a table out of order and thereby a word given
 /// twice.
@@ -9,110 +10,136 @@
 
 #include "codegen/handler.h"
 #include "codegen/handlers.h"
-#include "codegen/implied.h"
+#include "codegen/operand_forms.h"
 
 namespace korv {
 
 struct Keyword {
     std::string_view word;
     InstructionHandler handler;
+    OperandCount operands;            ///< not looked at where the frame reads none
+    Frame frame = Frame::labelFirst;  ///< nearly all instructions and the data directives
 };
+
+/// Instructions without operands: the opcode, alone or after ED.
+template <std::uint8_t opcode>
+constexpr Keyword Implied(std::string_view word) {
+    return {word, With<AssembleImplied, opcode>, noOperand, Frame::operandsFirst};
+}
+template <std::uint8_t opcode>
+constexpr Keyword ImpliedEd(std::string_view word) {
+    return {word, With<AssemblePrefixed, PREFIX_ED, opcode>, noOperand, Frame::operandsFirst};
+}
+/// AND and its kin, and the rotates and shifts, by the number in bits 5 to 3 of their opcodes.
+template <std::int32_t group>
+constexpr Keyword AccumulatorOp(std::string_view word) {
+    return {word, With<EncodeAccumulatorOp, group>, oneOperand};
+}
+template <std::int32_t field>
+constexpr Keyword Shift(std::string_view word) {
+    return {word, With<ProcessBSR_Ex, 'X', field>, oneOperand};
+}
+/// Commands whose names are taken, with the message that they answer.
+template <Status answer>
+constexpr Keyword Reserved(std::string_view word, Frame frame = Frame::labelOnly) {
+    return {word, With<AnswerOnly, answer>, noOperand, frame};
+}
 
 // clang-format off
 inline constexpr std::array keywords = {
-    Keyword{"ADC", HandleAdc},
-    Keyword{"ADD", HandleAdd},
-    Keyword{"AND", HandleAccumulatorOp<4>},
-    Keyword{"BINCLUDE", HandleBinclude},
-    Keyword{"BIT", HandleBit<'B'>},
-    Keyword{"CALL", HandleCall},
-    Keyword{"CCF", HandleImplied<0x3F>},
-    Keyword{"COND", HandleIf},
-    Keyword{"CP", HandleAccumulatorOp<7>},
-    Keyword{"CPD", HandleImplied<0xED, 0xA9>},
-    Keyword{"CPDR", HandleImplied<0xED, 0xB9>},
-    Keyword{"CPI", HandleImplied<0xED, 0xA1>},
-    Keyword{"CPIR", HandleImplied<0xED, 0xB1>},
-    Keyword{"CPL", HandleImplied<0x2F>},
-    Keyword{"DAA", HandleImplied<0x27>},
-    Keyword{"DB", HandleDb},
-    Keyword{"DD", HandleDd},
-    Keyword{"DEC", HandleDec},
-    Keyword{"DEFB", HandleDb},
-    Keyword{"DEFD", HandleDd},
-    Keyword{"DEFM", HandleDm},
-    Keyword{"DEFS", HandleDs},
-    Keyword{"DEFW", HandleDw},
-    Keyword{"DI", HandleImplied<0xF3>},
-    Keyword{"DJNZ", HandleDjnz},
-    Keyword{"DM", HandleDm},
-    Keyword{"DS", HandleDs},
-    Keyword{"DW", HandleDw},
-    Keyword{"EI", HandleImplied<0xFB>},
-    Keyword{"ELSE", HandleElse},
-    Keyword{"END", HandleEnd},
-    Keyword{"ENDC", HandleEndif},
-    Keyword{"ENDIF", HandleEndif},
-    Keyword{"ENDM", HandleEndm},
-    Keyword{"ENDP", HandleEndp},
-    Keyword{"EQU", HandleEqu},
-    Keyword{"EX", HandleEx},
-    Keyword{"EXX", HandleImplied<0xD9>},
-    Keyword{"HALT", HandleImplied<0x76>},
-    Keyword{"IF", HandleIf},
-    Keyword{"IM", HandleIm},
-    Keyword{"IN", HandleIn},
-    Keyword{"INC", HandleInc},
-    Keyword{"INCLUDE", HandleInclude},
-    Keyword{"IND", HandleImplied<0xED, 0xAA>},
-    Keyword{"INDR", HandleImplied<0xED, 0xBA>},
-    Keyword{"INI", HandleImplied<0xED, 0xA2>},
-    Keyword{"INIR", HandleImplied<0xED, 0xB2>},
-    Keyword{"JP", HandleJp},
-    Keyword{"JR", HandleJr},
-    Keyword{"LD", HandleLd},
-    Keyword{"LDD", HandleImplied<0xED, 0xA8>},
-    Keyword{"LDDR", HandleImplied<0xED, 0xB8>},
-    Keyword{"LDI", HandleImplied<0xED, 0xA0>},
-    Keyword{"LDIR", HandleImplied<0xED, 0xB0>},
-    Keyword{"MACRO", HandleMacro},
-    Keyword{"MAC_OFF", HandleMacOff},
-    Keyword{"MAC_ON", HandleMacOn},
-    Keyword{"NEG", HandleImplied<0xED, 0x44>},
-    Keyword{"NOP", HandleImplied<0x00>},
-    Keyword{"OR", HandleAccumulatorOp<6>},
-    Keyword{"ORG", HandleOrg},
-    Keyword{"OTDR", HandleImplied<0xED, 0xBB>},
-    Keyword{"OTIR", HandleImplied<0xED, 0xB3>},
-    Keyword{"OUT", HandleOut},
-    Keyword{"OUTD", HandleImplied<0xED, 0xAB>},
-    Keyword{"OUTI", HandleImplied<0xED, 0xA3>},
-    Keyword{"POP", HandlePop},
-    Keyword{"PROC", HandleProc},
-    Keyword{"PUSH", HandlePush},
-    Keyword{"RES", HandleBit<'R'>},
-    Keyword{"RET", HandleRet},
-    Keyword{"RETI", HandleImplied<0xED, 0x4D>},
-    Keyword{"RETN", HandleImplied<0xED, 0x45>},
-    Keyword{"RL", HandleShift<2>},
-    Keyword{"RLA", HandleImplied<0x17>},
-    Keyword{"RLC", HandleShift<0>},
-    Keyword{"RLCA", HandleImplied<0x07>},
-    Keyword{"RLD", HandleImplied<0xED, 0x6F>},
-    Keyword{"RR", HandleShift<3>},
-    Keyword{"RRA", HandleImplied<0x1F>},
-    Keyword{"RRC", HandleShift<1>},
-    Keyword{"RRCA", HandleImplied<0x0F>},
-    Keyword{"RRD", HandleImplied<0xED, 0x67>},
-    Keyword{"RST", HandleRst},
-    Keyword{"SBC", HandleSbc},
-    Keyword{"SCF", HandleImplied<0x37>},
-    Keyword{"SET", HandleBit<'S'>},
-    Keyword{"SLA", HandleShift<4>},
-    Keyword{"SRA", HandleShift<5>},
-    Keyword{"SRL", HandleShift<7>},
-    Keyword{"SUB", HandleAccumulatorOp<2>},
-    Keyword{"XOR", HandleAccumulatorOp<5>},
+    Keyword{"ADC", With<AssembleWithCarry, 0x88, 0x4A>, twoOperands},
+    Keyword{"ADD", AssembleAdd, OperandCount{1, 2, MSG_ARGUMENT_EXPECTED}},
+    AccumulatorOp<4>("AND"),
+    Keyword{"BINCLUDE", AssembleBinclude, oneOperand},
+    Keyword{"BIT", With<AssembleBit, 'B'>, twoOperands},
+    Keyword{"CALL", AssembleCall, oneOrTwoOperands},
+    Implied<0x3F>("CCF"),
+    Keyword{"COND", AssembleIf, oneOperand, Frame::noLabel},
+    AccumulatorOp<7>("CP"),
+    ImpliedEd<0xA9>("CPD"),
+    ImpliedEd<0xB9>("CPDR"),
+    ImpliedEd<0xA1>("CPI"),
+    ImpliedEd<0xB1>("CPIR"),
+    Implied<0x2F>("CPL"),
+    Implied<0x27>("DAA"),
+    Keyword{"DB", AssembleDb, anyOperands},
+    Reserved<MSG_NOT_IMPLEMENTED>("DD"),
+    Keyword{"DEC", With<AssembleStep, 0x05, 0x0B>, oneOperand},
+    Keyword{"DEFB", AssembleDb, anyOperands},
+    Reserved<MSG_NOT_IMPLEMENTED>("DEFD"),
+    Keyword{"DEFM", AssembleDm, oneOperand},
+    Keyword{"DEFS", AssembleDs, oneOperand},
+    Keyword{"DEFW", AssembleDw, anyOperands},
+    Implied<0xF3>("DI"),
+    Keyword{"DJNZ", AssembleDjnz, oneOperand},
+    Keyword{"DM", AssembleDm, oneOperand},
+    Keyword{"DS", AssembleDs, oneOperand},
+    Keyword{"DW", AssembleDw, anyOperands},
+    Implied<0xFB>("EI"),
+    Keyword{"ELSE", AssembleElse, noOperand, Frame::noLabel},
+    Keyword{"END", AssembleEnd, noOperand},
+    Keyword{"ENDC", AssembleEndif, noOperand, Frame::noLabel},
+    Keyword{"ENDIF", AssembleEndif, noOperand, Frame::noLabel},
+    Reserved<MSG_NOT_IN_MACRO>("ENDM", Frame::nothing),
+    Reserved<MSG_NOT_IMPLEMENTED>("ENDP"),
+    Keyword{"EQU", AssembleEqu, oneOperand, Frame::operandsOnly},
+    Keyword{"EX", AssembleEx, twoOperands},
+    Implied<0xD9>("EXX"),
+    Implied<0x76>("HALT"),
+    Keyword{"IF", AssembleIf, oneOperand, Frame::noLabel},
+    Keyword{"IM", AssembleIm, oneOperand},
+    Keyword{"IN", With<AssembleInOut, 1, 0x40, 0xDB>, twoOperands},
+    Keyword{"INC", With<AssembleStep, 0x04, 0x03>, oneOperand},
+    Keyword{"INCLUDE", AssembleInclude, oneOperand},
+    ImpliedEd<0xAA>("IND"),
+    ImpliedEd<0xBA>("INDR"),
+    ImpliedEd<0xA2>("INI"),
+    ImpliedEd<0xB2>("INIR"),
+    Keyword{"JP", AssembleJp, oneOrTwoOperands},
+    Keyword{"JR", AssembleJr, oneOrTwoOperands},
+    Keyword{"LD", AssembleLd, twoOperands},
+    ImpliedEd<0xA8>("LDD"),
+    ImpliedEd<0xB8>("LDDR"),
+    ImpliedEd<0xA0>("LDI"),
+    ImpliedEd<0xB0>("LDIR"),
+    Reserved<MSG_NOT_IMPLEMENTED>("MACRO", Frame::nothing),
+    Reserved<MSG_NOT_IMPLEMENTED>("MAC_OFF"),
+    Reserved<MSG_NOT_IMPLEMENTED>("MAC_ON"),
+    ImpliedEd<0x44>("NEG"),
+    Implied<0x00>("NOP"),
+    AccumulatorOp<6>("OR"),
+    Keyword{"ORG", AssembleOrg, oneOperand, Frame::operandsOnly},
+    ImpliedEd<0xBB>("OTDR"),
+    ImpliedEd<0xB3>("OTIR"),
+    Keyword{"OUT", With<AssembleInOut, 2, 0x41, 0xD3>, twoOperands},
+    ImpliedEd<0xAB>("OUTD"),
+    ImpliedEd<0xA3>("OUTI"),
+    Keyword{"POP", With<AssembleStack, 0xC1>, oneOperand},
+    Reserved<MSG_NOT_IMPLEMENTED>("PROC"),
+    Keyword{"PUSH", With<AssembleStack, 0xC5>, oneOperand},
+    Keyword{"RES", With<AssembleBit, 'R'>, twoOperands},
+    Keyword{"RET", AssembleRet, noneOrOneOperand},
+    ImpliedEd<0x4D>("RETI"),
+    ImpliedEd<0x45>("RETN"),
+    Shift<2>("RL"),
+    Implied<0x17>("RLA"),
+    Shift<0>("RLC"),
+    Implied<0x07>("RLCA"),
+    ImpliedEd<0x6F>("RLD"),
+    Shift<3>("RR"),
+    Implied<0x1F>("RRA"),
+    Shift<1>("RRC"),
+    Implied<0x0F>("RRCA"),
+    ImpliedEd<0x67>("RRD"),
+    Keyword{"RST", AssembleRst, oneOperand},
+    Keyword{"SBC", With<AssembleWithCarry, 0x98, 0x42>, twoOperands},
+    Implied<0x37>("SCF"),
+    Keyword{"SET", With<AssembleBit, 'S'>, twoOperands},
+    Shift<4>("SLA"),
+    Shift<5>("SRA"),
+    Shift<7>("SRL"),
+    AccumulatorOp<2>("SUB"),
+    AccumulatorOp<5>("XOR"),
 };
 // clang-format on
 

@@ -2,7 +2,9 @@
 // shapes that the processor's load group lists for it.
 
 #include "codegen/handlers.h"
+#include "codegen/late_value.h"
 #include "codegen/operand_forms.h"
+#include "codegen/value_range.h"
 #include "driver/assembler.h"
 
 namespace korv {
@@ -25,46 +27,32 @@ constexpr OperandForm ToRegister(std::int32_t reg) {
             FORM_IMM8 | FORM_IX | FORM_IY};
 }
 
-// Emits one or two opcode bytes; the first one is left out if it is 0.
-void EmitOpcode(CAssembler* assembler, std::uint8_t prefix, std::int32_t opcode) {
-    if (prefix != 0) {
-        assembler->EmitByte(prefix);
-    }
-    assembler->EmitByte(opcode);
-}
-
 // The shapes in which only A may be the source.
-std::int32_t LoadFromAccumulator(CAssembler* assembler, const lsArg& src, std::uint8_t prefix,
-                                 std::int32_t opcode) {
+Status LoadFromAccumulator(CAssembler* assembler, const lsArg& src, std::uint8_t prefix,
+                           std::int32_t opcode) {
     if (src.reg != REG_A) {
         return MSG_ILLEGAL_ARGUMENT;
     }
-    EmitOpcode(assembler, prefix, opcode);
-    return 0;
+    return EmitOpcode(assembler, prefix, opcode);
 }
 
-std::int32_t LoadAccumulator(CAssembler* assembler, CStatement* statement, const lsArg& src) {
+Status LoadAccumulator(CAssembler* assembler, CStatement* statement, const lsArg& src) {
     switch (src.reg) {
         case REG_BC_INDIRECT:
-            EmitOpcode(assembler, 0, 0x0A);
-            return 0;
+            return EmitOpcode(assembler, PREFIX_NONE, 0x0A);
         case REG_DE_INDIRECT:
-            EmitOpcode(assembler, 0, 0x1A);
-            return 0;
+            return EmitOpcode(assembler, PREFIX_NONE, 0x1A);
         case REG_I:
-            EmitOpcode(assembler, PREFIX_ED, 0x57);
-            return 0;
+            return EmitOpcode(assembler, PREFIX_ED, 0x57);
         case REG_R:
-            EmitOpcode(assembler, PREFIX_ED, 0x5F);
-            return 0;
+            return EmitOpcode(assembler, PREFIX_ED, 0x5F);
         default:
             return EncodeOperand(assembler, statement, src, toAccumulator);
     }
 }
 
 // The pairs, from an immediate word or from memory. A value outside 16 bits is cut without a word.
-std::int32_t LoadPair(CAssembler* assembler, CStatement* statement, const lsArg& dst,
-                      const lsArg& src) {
+Status LoadPair(CAssembler* assembler, CStatement* statement, const lsArg& dst, const lsArg& src) {
     if (!src.IsPlainValue()) {
         return MSG_ILLEGAL_ARGUMENT;
     }
@@ -80,32 +68,25 @@ std::int32_t LoadPair(CAssembler* assembler, CStatement* statement, const lsArg&
     } else {
         assembler->EmitByte(0x01 + PairField(dst.reg));
     }
-    const std::uint32_t position = assembler->EmitWord(src.value);
-    if (src.status != MSG_UNRESOLVED) {
-        return src.status;
-    }
-    FileCopiedPatch(assembler, statement, src.Text(), src.Unresolved(), position, PF_16BIT);
-    return 0;
+    return EmitValue<wordKind>(assembler, statement, src, PatchText::operand);
 }
 
-std::int32_t LoadStackPointer(CAssembler* assembler, CStatement* statement, const lsArg& dst,
-                              const lsArg& src) {
+Status LoadStackPointer(CAssembler* assembler, CStatement* statement, const lsArg& dst,
+                        const lsArg& src) {
     constexpr std::int32_t opcode = 0xF9;
     switch (src.reg) {
         case REG_HL:
-            EmitOpcode(assembler, 0, opcode);
-            return 0;
+            return EmitOpcode(assembler, PREFIX_NONE, opcode);
         case REG_IX:
         case REG_IY:
-            EmitOpcode(assembler, IndexPrefix(src.reg), opcode);
-            return 0;
+            return EmitOpcode(assembler, IndexPrefix(src.reg), opcode);
         default:
             return LoadPair(assembler, statement, dst, src);
     }
 }
 
-std::int32_t StoreIndexed(CAssembler* assembler, CStatement* statement, const lsArg& dst,
-                          const lsArg& src) {
+Status StoreIndexed(CAssembler* assembler, CStatement* statement, const lsArg& dst,
+                    const lsArg& src) {
     assembler->EmitByte(IndexPrefix(dst.reg));
     const bool isImmediate = src.reg == REG_NONE && src.IsValue();
     if (IsByteRegister(src.reg)) {
@@ -113,39 +94,31 @@ std::int32_t StoreIndexed(CAssembler* assembler, CStatement* statement, const ls
     } else if (isImmediate) {
         assembler->EmitByte(storeImmediateOpcode);
     } else {
-        assembler->ReportError(statement, MSG_ILLEGAL_ARGUMENT, src.Text());
+        assembler->ReportError(statement, MSG_ILLEGAL_ARGUMENT, src.text);
         return 0;
     }
-    WarnIfOutside(assembler, statement, dst, signedByteRange);
-    const std::uint32_t displacementPosition = assembler->EmitByte(dst.value);
-    if (dst.status == MSG_UNRESOLVED) {
-        FileExpressionPatch(assembler, statement, dst, displacementPosition, PF_SIGNED | PF_8BIT);
-    } else if (dst.status != 0) {
-        return dst.status;
-    }
-    if (!isImmediate) {
-        return 0;
+    if (const Status result =
+            EmitChecked<displacementKind>(assembler, statement, dst, PatchText::expression);
+        result != 0 || !isImmediate) {
+        return result;
     }
     if (!byteRange.Holds(src.value)) {  // an error here, a warning everywhere else
         return byteRange.message;
     }
-    const std::uint32_t position = assembler->EmitByte(src.value);
-    if (src.status == MSG_UNRESOLVED) {
-        FilePatch(assembler, statement, src, position, PF_8BIT);
-    } else if (src.status != 0) {
+    if (EmitValue<byteKind>(assembler, statement, src, PatchText::operand) != 0) {
         ReportFailedOperand(assembler, statement, src);
     }
     return 0;
 }
 
-std::int32_t StoreDirect(CAssembler* assembler, CStatement* statement, const lsArg& dst,
-                         const lsArg& src) {
+Status StoreDirect(CAssembler* assembler, CStatement* statement, const lsArg& dst,
+                   const lsArg& src) {
     switch (src.reg) {
         case REG_A:
-            EmitOpcode(assembler, 0, 0x32);
+            EmitOpcode(assembler, PREFIX_NONE, 0x32);
             break;
         case REG_HL:
-            EmitOpcode(assembler, 0, 0x22);
+            EmitOpcode(assembler, PREFIX_NONE, 0x22);
             break;
         case REG_IX:
         case REG_IY:
@@ -159,18 +132,12 @@ std::int32_t StoreDirect(CAssembler* assembler, CStatement* statement, const lsA
         default:
             return MSG_ILLEGAL_ARGUMENT;
     }
-    WarnIfOutside(assembler, statement, dst, wordRange);
-    const std::uint32_t position = assembler->EmitWord(dst.value);
-    return FinishOperand(assembler, statement, dst, position, PF_16BIT);
+    return EmitChecked<wordKind>(assembler, statement, dst, PatchText::operand);
 }
 
 }  // namespace
 
-std::int32_t HandleLd(CAssembler* assembler, CStatement* statement) {
-    if (const std::int32_t result = BeginStatement(assembler, statement, twoOperands);
-        result != 0) {
-        return result;
-    }
+Status AssembleLd(CAssembler* assembler, CStatement* statement) {
     const lsArg& dst = *statement->args.Arg(1);
     const lsArg& src = *statement->args.Arg(2);
     switch (dst.reg) {
@@ -183,9 +150,9 @@ std::int32_t HandleLd(CAssembler* assembler, CStatement* statement) {
         case REG_I:
             return LoadFromAccumulator(assembler, src, PREFIX_ED, 0x47);
         case REG_BC_INDIRECT:
-            return LoadFromAccumulator(assembler, src, 0, 0x02);
+            return LoadFromAccumulator(assembler, src, PREFIX_NONE, 0x02);
         case REG_DE_INDIRECT:
-            return LoadFromAccumulator(assembler, src, 0, 0x12);
+            return LoadFromAccumulator(assembler, src, PREFIX_NONE, 0x12);
         case REG_BC:
         case REG_DE:
         case REG_HL:

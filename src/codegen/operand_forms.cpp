@@ -1,11 +1,10 @@
 #include "codegen/operand_forms.h"
 
+#include "codegen/late_value.h"
 #include "driver/assembler.h"
 
 namespace korv {
 namespace {
-
-constexpr std::uint32_t displacementKind = PF_SIGNED | PF_8BIT;
 
 // The bit of `allowed` that belongs to a register code; 0 for the codes without one.
 constexpr std::uint32_t AllowedBit(std::int32_t reg) {
@@ -46,13 +45,13 @@ constexpr std::uint32_t FormBit(std::int32_t reg) {
     }
 }
 
-std::int32_t RefuseOperand(CAssembler* assembler, const CStatement* statement, const lsArg& arg) {
-    assembler->ReportError(statement, MSG_ILLEGAL_ARGUMENT, arg.Text());
+Status RefuseOperand(CAssembler* assembler, const CStatement* statement, const lsArg& arg) {
+    assembler->ReportError(statement, MSG_ILLEGAL_ARGUMENT, arg.text);
     return 0;
 }
 
-std::int32_t EncodeImmediate(CAssembler* assembler, CStatement* statement, const lsArg& arg,
-                             const OperandForm& form) {
+Status EncodeImmediate(CAssembler* assembler, CStatement* statement, const lsArg& arg,
+                       const OperandForm& form) {
     if ((form.forms & FORM_PREFIX) != 0) {
         assembler->EmitByte(form.prefix);
     }
@@ -66,44 +65,55 @@ std::int32_t EncodeImmediate(CAssembler* assembler, CStatement* statement, const
     if (!arg.IsValue()) {  // a condition
         return RefuseOperand(assembler, statement, arg);
     }
-    if (arg.status == MSG_UNRESOLVED) {
-        FilePatch(assembler, statement, arg, assembler->binary.Position(), PF_8BIT);
-    } else if (arg.status != 0) {
+    if (arg.status != 0 && arg.status != MSG_UNRESOLVED) {
         ReportFailedOperand(assembler, statement, arg);
         return 0;
     }
-    WarnIfOutside(assembler, statement, arg, byteRange);
-    assembler->EmitByte(arg.value);
-    return 0;
+    return EmitChecked<byteKind>(assembler, statement, arg, PatchText::operand);
 }
 
-std::int32_t EncodeMemory(CAssembler* assembler, CStatement* statement, const lsArg& arg,
-                          const OperandForm& form) {
+Status EncodeMemory(CAssembler* assembler, CStatement* statement, const lsArg& arg,
+                    const OperandForm& form) {
     constexpr std::uint8_t loadDirect = 0x3A;
-    const bool isIndexed = arg.IsIndexed();
-    if (isIndexed) {
-        assembler->EmitByte(IndexPrefix(arg.reg));
-        assembler->EmitByte(REG_HL_INDIRECT << form.shift | form.opcode);
+    Status result = 0;
+    if (arg.IsIndexed()) {
+        EmitOpcode(assembler, IndexPrefix(arg.reg), REG_HL_INDIRECT << form.shift | form.opcode);
+        result = EmitChecked<displacementKind>(assembler, statement, arg, PatchText::expression);
     } else {
         assembler->EmitByte(loadDirect);
+        result = EmitChecked<wordKind>(assembler, statement, arg, PatchText::expression);
     }
-    if (arg.status == MSG_UNRESOLVED) {
-        FileExpressionPatch(assembler, statement, arg, assembler->binary.Position(),
-                            isIndexed ? displacementKind : PF_16BIT);
+    return result == 0 ? 0 : MSG_BAD_EXPRESSION;
+}
+
+// What ProcessBSR_Ex adds the register and the field to; -1 for a kind that does not exist.
+constexpr std::int32_t BitBase(char kind) {
+    switch (kind) {
+        case 'B':
+            return 0x40;
+        case 'R':
+            return 0x80;
+        case 'S':
+            return 0xC0;
+        case 'X':
+            return 0x00;
+        default:
+            return -1;
     }
-    WarnIfOutside(assembler, statement, arg, isIndexed ? signedByteRange : wordRange);
-    if (isIndexed) {
-        assembler->EmitByte(arg.value);
-    } else {
-        assembler->EmitWord(arg.value);
-    }
-    return arg.status == 0 || arg.status == MSG_UNRESOLVED ? 0 : MSG_BAD_EXPRESSION;
 }
 
 }  // namespace
 
-std::int32_t EncodeOperand(CAssembler* assembler, CStatement* statement, const lsArg& arg,
-                           const OperandForm& form) {
+Status EmitOpcode(CAssembler* assembler, std::uint8_t prefix, std::int32_t opcode) {
+    if (prefix != PREFIX_NONE) {
+        assembler->EmitByte(prefix);
+    }
+    assembler->EmitByte(opcode);
+    return 0;
+}
+
+Status EncodeOperand(CAssembler* assembler, CStatement* statement, const lsArg& arg,
+                     const OperandForm& form) {
     if (arg.reg == REG_NONE) {
         return EncodeImmediate(assembler, statement, arg, form);
     }
@@ -120,120 +130,56 @@ std::int32_t EncodeOperand(CAssembler* assembler, CStatement* statement, const l
     return 0;
 }
 
-std::int32_t EncodeAccumulatorOp(CAssembler* assembler, CStatement* statement, const lsArg& arg,
-                                 std::int32_t group) {
+Status EncodeAccumulatorOp(CAssembler* assembler, CStatement* statement, std::int32_t group) {
+    const lsArg& arg = *statement->args.Arg(1);
     const std::int32_t registerOpcode = 0x80 + 8 * group;
     const std::int32_t immediateOpcode = 0xC6 + 8 * group;
     if (IsFieldRegister(arg.reg)) {
         assembler->EmitByte(registerOpcode + arg.reg);
         return 0;
     }
-    const bool isIndexed = arg.IsIndexed();
-    if (isIndexed) {
-        assembler->EmitByte(IndexPrefix(arg.reg));
-        assembler->EmitByte(registerOpcode + REG_HL_INDIRECT);
-    } else if (arg.IsIndirect() || !arg.IsValue()) {
+    if (arg.IsIndexed()) {
+        EmitOpcode(assembler, IndexPrefix(arg.reg), registerOpcode + REG_HL_INDIRECT);
+        return EmitChecked<displacementKind>(assembler, statement, arg, PatchText::expression);
+    }
+    if (arg.IsIndirect() || !arg.IsValue()) {
         return RefuseOperand(assembler, statement, arg);
-    } else {
-        assembler->EmitByte(immediateOpcode);
     }
-    WarnIfOutside(assembler, statement, arg, isIndexed ? signedByteRange : byteRange);
-    const std::uint32_t position = assembler->EmitByte(arg.value);
-    if (arg.status != MSG_UNRESOLVED) {
-        return arg.status;
-    }
-    FileExpressionPatch(assembler, statement, arg, position,
-                        isIndexed ? displacementKind : PF_8BIT);
-    return 0;
+    assembler->EmitByte(immediateOpcode);
+    return EmitChecked<byteKind>(assembler, statement, arg, PatchText::expression);
 }
 
-std::int32_t ProcessBSR_Ex(CAssembler* assembler, CStatement* statement, char kind,
-                           std::int32_t field) {
-    std::int32_t op = 8 * field;
-    switch (kind) {
-        case 'B':
-            op += 0x40;
-            break;
-        case 'R':
-            op += 0x80;
-            break;
-        case 'S':
-            op += 0xC0;
-            break;
-        case 'X':
-            break;
-        default:
-            assembler->ReportError(statement, MSG_GENERAL_FAILURE,
-                                   "ProcessBSR_Ex -> Not BSRX in switch!");
-            return 0;
+Status ProcessBSR_Ex(CAssembler* assembler, CStatement* statement, char kind, std::int32_t field) {
+    const std::int32_t base = BitBase(kind);
+    if (base < 0) {
+        assembler->ReportError(statement, MSG_GENERAL_FAILURE,
+                               "ProcessBSR_Ex -> Not BSRX in switch!");
+        return 0;
     }
+    std::int32_t opcode = base + 8 * field;
     const lsArg& arg = *statement->args.Arg(kind == 'X' ? 1 : 2);
     if (IsFieldRegister(arg.reg)) {
-        op += arg.reg;
-        assembler->EmitByte(PREFIX_CB);
-    } else if (arg.IsIndexed()) {
-        op += REG_HL_INDIRECT;
-        assembler->EmitByte(IndexPrefix(arg.reg));
-        assembler->EmitByte(PREFIX_CB);
-        WarnIfOutside(assembler, statement, arg, signedByteRange);
+        return EmitOpcode(assembler, PREFIX_CB, opcode + arg.reg);
+    }
+    if (arg.IsIndexed()) {
+        opcode += REG_HL_INDIRECT;
+        EmitOpcode(assembler, IndexPrefix(arg.reg), PREFIX_CB);
         // The displacement stands before the last opcode byte.
-        const std::uint32_t position = assembler->EmitByte(arg.value);
-        if (arg.status == MSG_UNRESOLVED) {
-            FileExpressionPatch(assembler, statement, arg, position, displacementKind);
-        } else if (arg.status != 0) {
-            return arg.status;
+        if (const Status result =
+                EmitChecked<displacementKind>(assembler, statement, arg, PatchText::expression);
+            result != 0) {
+            return result;
         }
     } else {
         RefuseOperand(assembler, statement, arg);
     }
-    assembler->EmitByte(op);
-    return 0;
-}
-
-void WarnIfOutside(CAssembler* assembler, const CStatement* statement, const lsArg& arg,
-                   const ValueRange& range) {
-    if (!range.Holds(arg.value)) {
-        assembler->ReportWarning(statement, range.message, arg.Text());
-    }
-}
-
-PatchOrigin OriginOf(const CStatement& statement) {
-    return {static_cast<std::int32_t>(statement.address), statement.fileName, statement.lineNumber};
-}
-
-std::int32_t FilePatch(CAssembler* assembler, const CStatement* statement, const lsArg& arg,
-                       std::uint32_t position, std::uint32_t kind) {
-    return assembler->identifiers.AddPatch(
-        arg.Unresolved(), CPatchInfoMemBlock::AllocPatchInfo(position, arg.textString, kind,
-                                                             OriginOf(*statement), CtmpString()));
-}
-
-std::int32_t FileExpressionPatch(CAssembler* assembler, const CStatement* statement,
-                                 const lsArg& arg, std::uint32_t position, std::uint32_t kind) {
-    return FileCopiedPatch(assembler, statement, arg.Expression(), arg.Unresolved(), position,
-                           kind);
-}
-
-std::int32_t FileCopiedPatch(CAssembler* assembler, const CStatement* statement,
-                             std::string_view expression, std::string_view unresolved,
-                             std::uint32_t position, std::uint32_t kind) {
-    return assembler->identifiers.AddPatch(
-        unresolved, CPatchInfoMemBlock::AllocPatchInfo(position, CtmpString(expression), kind,
-                                                       OriginOf(*statement), CtmpString()));
-}
-
-std::int32_t FinishOperand(CAssembler* assembler, const CStatement* statement, const lsArg& arg,
-                           std::uint32_t position, std::uint32_t kind) {
-    if (arg.status != MSG_UNRESOLVED) {
-        return arg.status;
-    }
-    FilePatch(assembler, statement, arg, position, kind);
+    assembler->EmitByte(opcode);
     return 0;
 }
 
 void ReportFailedOperand(CAssembler* assembler, const CStatement* statement, const lsArg& arg) {
     const bool isGeneral = arg.status == MSG_GENERAL_FAILURE;
-    assembler->ReportError(statement, isGeneral ? MSG_ILLEGAL_ARGUMENT : arg.status, arg.Text());
+    assembler->ReportError(statement, isGeneral ? MSG_ILLEGAL_ARGUMENT : arg.status, arg.text);
 }
 
 }  // namespace korv

@@ -5,16 +5,15 @@
 
 #include <cstdint>
 
-#include "codegen/value_range.h"
 #include "expr/operands.h"
-#include "symbols/patch.h"
 
 namespace korv {
 
 class CAssembler;
 struct CStatement;
 
-/// Prefixes of the processor's opcode tables.
+/// Prefixes of the processor's opcode tables. 0 stands for none: no instruction has that one.
+inline constexpr std::uint8_t PREFIX_NONE = 0x00;
 inline constexpr std::uint8_t PREFIX_IX = 0xDD;
 inline constexpr std::uint8_t PREFIX_IY = 0xFD;
 inline constexpr std::uint8_t PREFIX_CB = 0xCB;
@@ -70,45 +69,24 @@ struct OperandForm {
     return (reg & 0xFF) << 4;
 }
 
-/// Encodes `arg` as `form` says. Result: 0 or a message number.
-[[nodiscard]] std::int32_t EncodeOperand(CAssembler* assembler, CStatement* statement,
-                                         const lsArg& arg, const OperandForm& form);
+/// Emits an opcode after its prefix, which may be PREFIX_NONE. Result: 0.
+Status EmitOpcode(CAssembler* assembler, std::uint8_t prefix, std::int32_t opcode);
 
-/// Encodes `arg` in the group `group` of accumulator operations (bits 5 to 3 of the opcode).
-[[nodiscard]] std::int32_t EncodeAccumulatorOp(CAssembler* assembler, CStatement* statement,
-                                               const lsArg& arg, std::int32_t group);
+/// Encodes `arg` as `form` says. Result: 0 or a message number.
+[[nodiscard]] Status EncodeOperand(CAssembler* assembler, CStatement* statement, const lsArg& arg,
+                                   const OperandForm& form);
+
+/// Encodes operand 1 in the group `group` of accumulator operations (bits 5 to 3 of the opcode).
+[[nodiscard]] Status EncodeAccumulatorOp(CAssembler* assembler, CStatement* statement,
+                                         std::int32_t group);
 
 /// Encodes the group with the prefix CB. `kind` is "B" for BIT, "R" for RES, "S" for SET, with the
 /// operand in place 2, or "X" for rotates and shifts, with the operand in place 1; `field` is the
 /// number in bits 5 to 3.
-[[nodiscard]] std::int32_t ProcessBSR_Ex(CAssembler* assembler, CStatement* statement, char kind,
-                                         std::int32_t field);
-
-/// Warns with the text of `arg` when its value is outside `range`.
-void WarnIfOutside(CAssembler* assembler, const CStatement* statement, const lsArg& arg,
-                   const ValueRange& range);
-
-/// Files a patch for `arg`, which has no value yet, at `position` of the image. The first form
-/// keeps the whole text of the operand, by a further reference; the others copy the text that they
-/// evaluate again: the expression alone, or the whole.
-std::int32_t FilePatch(CAssembler* assembler, const CStatement* statement, const lsArg& arg,
-                       std::uint32_t position, std::uint32_t kind);
-std::int32_t FileExpressionPatch(CAssembler* assembler, const CStatement* statement,
-                                 const lsArg& arg, std::uint32_t position, std::uint32_t kind);
-std::int32_t FileCopiedPatch(CAssembler* assembler, const CStatement* statement,
-                             std::string_view expression, std::string_view unresolved,
-                             std::uint32_t position, std::uint32_t kind);
-
-/// The end of a handler whose last act was to emit the value of `arg` at `position`: files a patch
-/// if it is not known yet. Result: 0, or why the expression failed.
-[[nodiscard]] std::int32_t FinishOperand(CAssembler* assembler, const CStatement* statement,
-                                         const lsArg& arg, std::uint32_t position,
-                                         std::uint32_t kind);
+[[nodiscard]] Status ProcessBSR_Ex(CAssembler* assembler, CStatement* statement, char kind,
+                                   std::int32_t field);
 
 /// Reports that the expression of `arg` failed, with its text.
 void ReportFailedOperand(CAssembler* assembler, const CStatement* statement, const lsArg& arg);
-
-/// The statement as the origin of a patch.
-[[nodiscard]] PatchOrigin OriginOf(const CStatement& statement);
 
 }  // namespace korv

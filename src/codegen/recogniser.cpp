@@ -47,20 +47,20 @@ constexpr std::size_t Pivot(std::size_t first, std::size_t end, std::size_t dept
 }
 
 template <std::size_t first, std::size_t end, std::size_t depth>
-inline Recognised Decide(const char* text);
+inline const Keyword* Decide(const char* text);
 
 // `c` is the character of the text at `depth`.
 template <std::size_t first, std::size_t end, std::size_t depth>
-inline Recognised DecideOn(char c, const char* text) {
+inline const Keyword* DecideOn(char c, const char* text) {
     if constexpr (first == end) {
-        return {nullptr, 0};
+        return nullptr;
     } else {
         constexpr std::size_t pivot = Pivot(first, end, depth);
         constexpr std::size_t pivotEnd = EndOfBranch(pivot, end, depth);
         constexpr char pivotCharacter = CharacterAt(pivot, depth);
         if constexpr (pivotCharacter == '\0') {
             if (c == '\0' || HasClass(c, CC_BLANK)) {
-                return {keywords[pivot].handler, depth};
+                return &keywords[pivot];
             }
         } else if (c == pivotCharacter) {
             return Decide<pivot, pivotEnd, depth + 1>(text);
@@ -77,13 +77,13 @@ inline Recognised DecideOn(char c, const char* text) {
 }
 
 template <std::size_t first, std::size_t end, std::size_t depth>
-inline Recognised Decide(const char* text) {
+inline const Keyword* Decide(const char* text) {
     return DecideOn<first, end, depth>(text[depth], text);
 }
 
 }  // namespace
 
-Recognised RecogniseInstruction(const char* text) {
+const Keyword* RecogniseInstruction(const char* text) {
     return Decide<0, keywords.size(), 0>(text);
 }
 

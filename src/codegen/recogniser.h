@@ -1,18 +1,12 @@
 /// From a mnemonic to its handler.
 #pragma once
 
-#include "codegen/handler.h"
+#include "codegen/keywords.h"
 
 namespace korv {
 
-/// The keyword that a text begins with.
-struct Recognised {
-    InstructionHandler handler;  ///< null: none
-    std::uint32_t length;        ///< of the keyword in characters
-};
-
-/// The keyword at the start of `text`, which is in upper case, up to a blank or the terminator. The
-/// match is exact and whole.
-[[nodiscard]] Recognised RecogniseInstruction(const char* text);
+/// The row of the keyword at the start of `text`, which is in upper case, up to a blank or the
+/// terminator; null for none. The match is exact and whole.
+[[nodiscard]] const Keyword* RecogniseInstruction(const char* text);
 
 }  // namespace korv

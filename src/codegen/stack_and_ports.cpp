@@ -4,115 +4,69 @@
 #include <array>
 
 #include "codegen/handlers.h"
+#include "codegen/late_value.h"
 #include "codegen/operand_forms.h"
+#include "codegen/value_range.h"
 #include "driver/assembler.h"
 
 namespace korv {
 namespace {
 
-std::int32_t AssembleStack(CAssembler* assembler, CStatement* statement, std::int32_t opcode) {
-    if (const std::int32_t result = BeginStatement(assembler, statement, oneOperand); result != 0) {
-        return result;
-    }
-    const std::int32_t reg = statement->args.Arg(1)->reg;
+// Emits an opcode whose HL, IX or IY is `reg`; anything else is refused.
+Status EmitWithHlOrIndex(CAssembler* assembler, std::int32_t reg, std::int32_t opcode) {
     switch (reg) {
+        case REG_HL:
+            return EmitOpcode(assembler, PREFIX_NONE, opcode);
         case REG_IX:
         case REG_IY:
-            assembler->EmitByte(IndexPrefix(reg));
-            [[fallthrough]];
-        case REG_BC:
-        case REG_DE:
-        case REG_HL:
-        case REG_AF:
-            assembler->EmitByte(opcode + PairField(reg));
-            return 0;
+            return EmitOpcode(assembler, IndexPrefix(reg), opcode);
         default:
             return MSG_ILLEGAL_ARGUMENT;
     }
 }
 
 // The form with a port number. A port out of range is an error, and its byte is not emitted.
-std::int32_t AssemblePort(CAssembler* assembler, CStatement* statement, const lsArg& port,
-                          std::int32_t opcode) {
+Status AssemblePort(CAssembler* assembler, CStatement* statement, const lsArg& port,
+                    std::int32_t opcode) {
     assembler->EmitByte(opcode);
-    const std::int32_t number = port.IsConstant() ? port.value : 0;
-    if (!dataByteRange.Holds(number)) {
+    if (!dataByteRange.Holds(port.value)) {
         return dataByteRange.message;
     }
-    const std::uint32_t position = assembler->EmitByte(number);
-    return FinishOperand(assembler, statement, port, position, PF_8BIT);
-}
-
-// IN and OUT: `port` is (C) with any byte register or F, or (n) with A alone.
-std::int32_t AssembleInOut(CAssembler* assembler, CStatement* statement, const lsArg& reg,
-                           const lsArg& port, std::int32_t registerOpcode,
-                           std::int32_t portOpcode) {
-    if (!IsByteRegister(reg.reg) && reg.reg != REG_F) {
-        return MSG_ILLEGAL_ARGUMENT;
-    }
-    if (port.reg == REG_C_INDIRECT) {
-        assembler->EmitByte(PREFIX_ED);
-        assembler->EmitByte(registerOpcode + 8 * (reg.reg & 7));
-        return 0;
-    }
-    if (reg.reg == REG_A && port.reg == REG_DIRECT) {
-        return AssemblePort(assembler, statement, port, portOpcode);
-    }
-    return MSG_ILLEGAL_ARGUMENT;
+    return EmitValue<byteKind>(assembler, statement, port, PatchText::operand);
 }
 
 }  // namespace
 
-std::int32_t HandlePush(CAssembler* assembler, CStatement* statement) {
-    return AssembleStack(assembler, statement, 0xC5);
-}
-
-std::int32_t HandlePop(CAssembler* assembler, CStatement* statement) {
-    return AssembleStack(assembler, statement, 0xC1);
-}
-
-std::int32_t HandleEx(CAssembler* assembler, CStatement* statement) {
-    if (const std::int32_t result = BeginStatement(assembler, statement, twoOperands);
-        result != 0) {
-        return result;
+Status AssembleStack(CAssembler* assembler, CStatement* statement, std::uint8_t opcode) {
+    const std::int32_t reg = statement->args.Arg(1)->reg;
+    switch (reg) {
+        case REG_BC:
+        case REG_DE:
+        case REG_AF:
+            return EmitOpcode(assembler, PREFIX_NONE, opcode + PairField(reg));
+        default:
+            return EmitWithHlOrIndex(assembler, reg, opcode + PairField(REG_HL));
     }
+}
+
+Status AssembleEx(CAssembler* assembler, CStatement* statement) {
     const lsArg& second = *statement->args.Arg(2);
     switch (statement->args.Arg(1)->reg) {
         case REG_DE:
-            if (second.reg == REG_HL) {
-                assembler->EmitByte(0xEB);
-                return 0;
-            }
-            break;
-        case REG_AF:
-            if (second.reg == REG_AF || second.Text() == "AF'") {
-                assembler->EmitByte(0x08);
-                return 0;
-            }
-            break;
+            return second.reg == REG_HL ? EmitOpcode(assembler, PREFIX_NONE, 0xEB)
+                                        : MSG_ILLEGAL_ARGUMENT;
+        case REG_AF:  // AF' is no register name: it is known by its text
+            return second.reg == REG_AF || second.text == "AF'"
+                       ? EmitOpcode(assembler, PREFIX_NONE, 0x08)
+                       : MSG_ILLEGAL_ARGUMENT;
         case REG_SP_INDIRECT:
-            switch (second.reg) {
-                case REG_IX:
-                case REG_IY:
-                    assembler->EmitByte(IndexPrefix(second.reg));
-                    [[fallthrough]];
-                case REG_HL:
-                    assembler->EmitByte(0xE3);
-                    return 0;
-                default:
-                    break;
-            }
-            break;
+            return EmitWithHlOrIndex(assembler, second.reg, 0xE3);
         default:
-            break;
+            return MSG_ILLEGAL_ARGUMENT;
     }
-    return MSG_ILLEGAL_ARGUMENT;
 }
 
-std::int32_t HandleIm(CAssembler* assembler, CStatement* statement) {
-    if (const std::int32_t result = BeginStatement(assembler, statement, oneOperand); result != 0) {
-        return result;
-    }
+Status AssembleIm(CAssembler* assembler, CStatement* statement) {
     const lsArg& mode = *statement->args.Arg(1);
     if (mode.status != 0) {  // the mode lies in the opcode: it cannot be patched
         return MSG_NOT_IMMEDIATE;
@@ -129,22 +83,21 @@ std::int32_t HandleIm(CAssembler* assembler, CStatement* statement) {
     return 0;
 }
 
-std::int32_t HandleIn(CAssembler* assembler, CStatement* statement) {
-    if (const std::int32_t result = BeginStatement(assembler, statement, twoOperands);
-        result != 0) {
-        return result;
+// The port is (C) with any byte register or F, or (n) with A alone.
+Status AssembleInOut(CAssembler* assembler, CStatement* statement, std::int32_t registerPlace,
+                     std::uint8_t registerOpcode, std::uint8_t portOpcode) {
+    const std::int32_t reg = statement->args.Arg(registerPlace)->reg;
+    const lsArg& port = *statement->args.Arg(3 - registerPlace);
+    if (!IsByteRegister(reg) && reg != REG_F) {
+        return MSG_ILLEGAL_ARGUMENT;
     }
-    return AssembleInOut(assembler, statement, *statement->args.Arg(1), *statement->args.Arg(2),
-                         0x40, 0xDB);
-}
-
-std::int32_t HandleOut(CAssembler* assembler, CStatement* statement) {
-    if (const std::int32_t result = BeginStatement(assembler, statement, twoOperands);
-        result != 0) {
-        return result;
+    if (port.reg == REG_C_INDIRECT) {
+        return EmitOpcode(assembler, PREFIX_ED, registerOpcode + 8 * (reg & 7));
     }
-    return AssembleInOut(assembler, statement, *statement->args.Arg(2), *statement->args.Arg(1),
-                         0x41, 0xD3);
+    if (reg == REG_A && port.reg == REG_DIRECT) {
+        return AssemblePort(assembler, statement, port, portOpcode);
+    }
+    return MSG_ILLEGAL_ARGUMENT;
 }
 
 }  // namespace korv

@@ -4,13 +4,14 @@
 #include <cstdint>
 
 #include "diagnostics/message_numbers.h"
+#include "symbols/patch.h"
 
 namespace korv {
 
 struct ValueRange {
     std::int32_t low;
     std::int32_t high;
-    std::int32_t message;
+    Status message;
 
     [[nodiscard]] constexpr bool Holds(std::int32_t value) const {
         return value >= low && value <= high;
@@ -24,6 +25,20 @@ inline constexpr ValueRange signedWordRange{-32768, 32767, MSG_NOT_SIGNED_WORD};
 /// Data bytes and port numbers: the same values as `byteRange`, but here a value outside is an
 /// error.
 inline constexpr ValueRange dataByteRange{-128, 255, MSG_NOT_UNSIGNED_BYTE};
+/// Distances of relative jumps; the message is that of a late one.
+inline constexpr ValueRange relativeRange{-128, 127, MSG_OFFSET_TOO_BIG};
+
+/// What a value of the kind `kind` (PF_* bits) may be, known at once or late.
+[[nodiscard]] constexpr const ValueRange& RangeOf(std::uint32_t kind) {
+    const bool isSigned = (kind & PF_SIGNED) != 0;
+    if ((kind & PF_RELATIVE) != 0) {
+        return relativeRange;
+    }
+    if ((kind & PF_8BIT) != 0) {
+        return isSigned ? signedByteRange : byteRange;
+    }
+    return isSigned ? signedWordRange : wordRange;
+}
 
 /// Distance of a relative jump at `address` to `target`, counted from behind its two bytes.
 [[nodiscard]] constexpr std::int32_t RelativeOffset(std::int32_t target, std::int32_t address) {

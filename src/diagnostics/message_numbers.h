@@ -9,6 +9,10 @@
 
 namespace korv {
 
+/// The result of what can fail: 0, a row of MESSAGE_TABLE, or -1 where the function says what that
+/// means.
+using Status = std::int32_t;
+
 inline constexpr std::int32_t MSG_SYSTEM_ERROR = 1;
 inline constexpr std::int32_t MSG_REDEFINITION = 8;
 inline constexpr std::int32_t MSG_CANNOT_OPEN = 10;

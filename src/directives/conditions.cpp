@@ -14,26 +14,13 @@ constexpr std::uint8_t wasAssembling = 0x02;  // when its IF was met
 constexpr std::uint8_t isTrue = 0x04;         // its condition
 constexpr std::uint8_t hasElse = 0x08;        // its ELSE has been seen
 
-constexpr OperandCount noOperands{0, 0};
-
-std::int32_t BeginCondition(CAssembler* assembler, CStatement* statement, OperandCount wanted) {
-    if (statement->HasLabel()) {
-        assembler->ReportError(statement, MSG_LABEL_NOT_ALLOWED, noText);
-    }
-    SplitOperands(assembler, statement);
-    return CheckCount(statement->args, wanted);
-}
-
 std::uint8_t& TopLevel(CAssembler* assembler) {
     return assembler->conditionStack[static_cast<std::size_t>(assembler->conditionDepth - 1)];
 }
 
 }  // namespace
 
-std::int32_t HandleIf(CAssembler* assembler, CStatement* statement) {
-    if (const std::int32_t result = BeginCondition(assembler, statement, oneOperand); result != 0) {
-        return result;
-    }
+Status AssembleIf(CAssembler* assembler, CStatement* statement) {
     if (assembler->conditionDepth == maxConditions) {
         return MSG_CONDITIONS_TOO_DEEP;
     }
@@ -42,7 +29,7 @@ std::int32_t HandleIf(CAssembler* assembler, CStatement* statement) {
         return MSG_ILLEGAL_ARGUMENT;
     }
     if (arg.status != 0) {  // a condition cannot wait: it is false
-        assembler->ReportWarning(statement, arg.status, arg.Text());
+        assembler->ReportWarning(statement, arg.status, arg.text);
     }
     const bool holds = arg.value != 0;
     ++assembler->conditionDepth;
@@ -52,10 +39,7 @@ std::int32_t HandleIf(CAssembler* assembler, CStatement* statement) {
     return 0;
 }
 
-std::int32_t HandleElse(CAssembler* assembler, CStatement* statement) {
-    if (const std::int32_t result = BeginCondition(assembler, statement, noOperands); result != 0) {
-        return result;
-    }
+Status AssembleElse(CAssembler* assembler, CStatement*) {
     if (assembler->conditionDepth == 0) {
         return MSG_NOT_IN_CONDITION;
     }
@@ -68,10 +52,7 @@ std::int32_t HandleElse(CAssembler* assembler, CStatement* statement) {
     return 0;
 }
 
-std::int32_t HandleEndif(CAssembler* assembler, CStatement* statement) {
-    if (const std::int32_t result = BeginCondition(assembler, statement, noOperands); result != 0) {
-        return result;
-    }
+Status AssembleEndif(CAssembler* assembler, CStatement*) {
     if (assembler->conditionDepth == 0) {
         return MSG_NOT_IN_CONDITION;
     }
@@ -80,10 +61,7 @@ std::int32_t HandleEndif(CAssembler* assembler, CStatement* statement) {
     return 0;
 }
 
-std::int32_t HandleEnd(CAssembler* assembler, CStatement* statement) {
-    if (const std::int32_t result = BeginStatement(assembler, statement, noOperands); result != 0) {
-        return result;
-    }
+Status AssembleEnd(CAssembler* assembler, CStatement*) {
     assembler->flags.Set(RF_END);
     return 0;
 }

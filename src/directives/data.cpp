@@ -1,16 +1,13 @@
 // Data: DB for bytes and strings, DW for words, DM for one text, DS for a block of zero bytes. A
 // string's text is the operand's own text with its quotes; there is no escape character.
 
-#include <limits>
-
 #include "codegen/handlers.h"
-#include "codegen/operand_forms.h"
+#include "codegen/late_value.h"
+#include "codegen/value_range.h"
 #include "driver/assembler.h"
 
 namespace korv {
 namespace {
-
-constexpr OperandCount anyNumber{1, std::numeric_limits<std::int32_t>::max()};
 
 enum class StringEnd { closed, textBehind, open };
 
@@ -27,78 +24,55 @@ StringEnd EmitString(CAssembler* assembler, std::string_view text) {
     return end + 1 == inner.size() ? StringEnd::closed : StringEnd::textBehind;
 }
 
-void DefineByte(CAssembler* assembler, CStatement* statement, const lsArg& arg,
-                std::uint32_t* last) {
-    std::int32_t status = arg.status;
-    if (status == 0 || status == MSG_UNRESOLVED) {
+// A value or a string.
+void DefineByte(CAssembler* assembler, CStatement* statement, const lsArg& arg) {
+    if (arg.status == 0 || arg.status == MSG_UNRESOLVED) {
         if (!arg.IsValue()) {
-            assembler->ReportError(statement, MSG_ILLEGAL_ARGUMENT, arg.Text());
-        } else {
-            if (!dataByteRange.Holds(arg.value)) {
-                assembler->ReportError(statement, dataByteRange.message, arg.Text());
-            }
-            *last = assembler->EmitByte(arg.value);
+            assembler->ReportError(statement, MSG_ILLEGAL_ARGUMENT, arg.text);
+            return;
         }
-    } else if (arg.Text().front() == '"') {
-        const StringEnd end = EmitString(assembler, arg.Text());
-        status = end == StringEnd::closed ? 0 : -1;
-    }
-    if (status == MSG_UNRESOLVED) {
-        FilePatch(assembler, statement, arg, *last, PF_8BIT);
-    } else if (status != 0) {
-        assembler->ReportError(statement, MSG_ILLEGAL_ARGUMENT, arg.Text());
+        if (!dataByteRange.Holds(arg.value)) {
+            assembler->ReportError(statement, dataByteRange.message, arg.text);
+        }
+        EmitValue<byteKind>(assembler, statement, arg, PatchText::operand);
+    } else if (arg.text.front() != '"' || EmitString(assembler, arg.text) != StringEnd::closed) {
+        assembler->ReportError(statement, MSG_ILLEGAL_ARGUMENT, arg.text);
     }
 }
 
 // Result: what is left of the operand's status.
-std::int32_t DefineWord(CAssembler* assembler, CStatement* statement, const lsArg& arg) {
-    if (!arg.IsValue()) {
-        assembler->ReportError(statement, MSG_ILLEGAL_ARGUMENT, arg.Text());
-        return arg.status;
+Status DefineWord(CAssembler* assembler, CStatement* statement, const lsArg& arg) {
+    Status status = arg.status;
+    if (arg.IsValue()) {
+        status = EmitChecked<wordKind>(assembler, statement, arg, PatchText::operand);
     }
-    WarnIfOutside(assembler, statement, arg, wordRange);
-    const std::uint32_t position = assembler->EmitWord(arg.value);
-    if (arg.status == MSG_UNRESOLVED) {
-        FilePatch(assembler, statement, arg, position, PF_16BIT);
-        return 0;
+    if (status != 0 || !arg.IsValue()) {
+        assembler->ReportError(statement, MSG_ILLEGAL_ARGUMENT, arg.text);
     }
-    if (arg.status != 0) {
-        assembler->ReportError(statement, MSG_ILLEGAL_ARGUMENT, arg.Text());
-    }
-    return arg.status;
+    return status;
 }
 
 }  // namespace
 
-std::int32_t HandleDb(CAssembler* assembler, CStatement* statement) {
-    if (const std::int32_t result = BeginStatement(assembler, statement, anyNumber); result != 0) {
-        return result;
-    }
-    std::uint32_t last = noPosition;  // where the latest byte of a value went
+Status AssembleDb(CAssembler* assembler, CStatement* statement) {
     KO_Args& args = statement->args;
-    for (const lsArg* arg = args.First(); arg != nullptr; arg = args.Behind(arg)) {
-        DefineByte(assembler, statement, *arg, &last);
+    for (const lsArg* arg = args.First(); arg != nullptr; arg = args.After(arg)) {
+        DefineByte(assembler, statement, *arg);
     }
     return 0;
 }
 
-std::int32_t HandleDw(CAssembler* assembler, CStatement* statement) {
-    if (const std::int32_t result = BeginStatement(assembler, statement, anyNumber); result != 0) {
-        return result;
-    }
-    std::int32_t status = 0;
+Status AssembleDw(CAssembler* assembler, CStatement* statement) {
+    Status status = 0;
     KO_Args& args = statement->args;
-    for (const lsArg* arg = args.First(); arg != nullptr; arg = args.Behind(arg)) {
+    for (const lsArg* arg = args.First(); arg != nullptr; arg = args.After(arg)) {
         status = DefineWord(assembler, statement, *arg);
     }
     return status;
 }
 
-std::int32_t HandleDm(CAssembler* assembler, CStatement* statement) {
-    if (const std::int32_t result = BeginStatement(assembler, statement, oneOperand); result != 0) {
-        return result;
-    }
-    const std::string_view text = statement->args.Arg(1)->Text();
+Status AssembleDm(CAssembler* assembler, CStatement* statement) {
+    const std::string_view text = statement->args.Arg(1)->text;
     if (text.front() != '"') {
         return MSG_ILLEGAL_ARGUMENT;
     }
@@ -115,10 +89,7 @@ std::int32_t HandleDm(CAssembler* assembler, CStatement* statement) {
     return 0;
 }
 
-std::int32_t HandleDs(CAssembler* assembler, CStatement* statement) {
-    if (const std::int32_t result = BeginStatement(assembler, statement, oneOperand); result != 0) {
-        return result;
-    }
+Status AssembleDs(CAssembler* assembler, CStatement* statement) {
     const lsArg& size = *statement->args.Arg(1);
     if (size.status != 0) {  // what follows would move: the size cannot be patched
         return size.status == MSG_UNRESOLVED ? MSG_NOT_IMMEDIATE : MSG_ILLEGAL_ARGUMENT;
@@ -127,9 +98,7 @@ std::int32_t HandleDs(CAssembler* assembler, CStatement* statement) {
         return MSG_ILLEGAL_ARGUMENT;
     }
     if (size.value > 0) {
-        const auto count = static_cast<std::uint32_t>(size.value);
-        assembler->binary.PutZeros(count);
-        assembler->location += count;
+        assembler->EmitZeros(static_cast<std::uint32_t>(size.value));
     }
     return 0;
 }

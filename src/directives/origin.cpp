@@ -4,24 +4,11 @@
 #include <cstdio>
 
 #include "codegen/handlers.h"
-#include "codegen/operand_forms.h"
+#include "codegen/late_value.h"
 #include "driver/assembler.h"
 
 namespace korv {
-namespace {
-
-// Splits and counts operands where the label is not defined first.
-std::int32_t BeginWithoutLabel(CAssembler* assembler, CStatement* statement) {
-    SplitOperands(assembler, statement);
-    return CheckCount(statement->args, oneOperand);
-}
-
-}  // namespace
-
-std::int32_t HandleOrg(CAssembler* assembler, CStatement* statement) {
-    if (const std::int32_t result = BeginWithoutLabel(assembler, statement); result != 0) {
-        return result;
-    }
+Status AssembleOrg(CAssembler* assembler, CStatement* statement) {
     const lsArg& arg = *statement->args.Arg(1);
     if (arg.status != 0) {
         return MSG_NOT_IMMEDIATE;
@@ -44,10 +31,7 @@ std::int32_t HandleOrg(CAssembler* assembler, CStatement* statement) {
     return 0;
 }
 
-std::int32_t HandleEqu(CAssembler* assembler, CStatement* statement) {
-    if (const std::int32_t result = BeginWithoutLabel(assembler, statement); result != 0) {
-        return result;
-    }
+Status AssembleEqu(CAssembler* assembler, CStatement* statement) {
     if (!statement->HasLabel()) {
         return MSG_NO_LABEL;
     }
@@ -56,12 +40,10 @@ std::int32_t HandleEqu(CAssembler* assembler, CStatement* statement) {
     const bool isWaiting = arg.status == MSG_UNRESOLVED;
     if (isWaiting) {
         // The patch goes first: an EQU on its own name thus waits for itself.
-        assembler->identifiers.AddPatch(
-            arg.Unresolved(),
-            CPatchInfoMemBlock::AllocPatchInfo(noPosition, arg.textString, PF_EQU | PF_16BIT,
-                                               OriginOf(*statement), CtmpString(statement->label)));
+        FilePatch(assembler, statement, arg.text, arg.unresolved, noPosition, PF_EQU | PF_16BIT,
+                  statement->label);
     }
-    const std::int32_t result = assembler->identifiers.AddID(
+    const Status result = assembler->identifiers.AddID(
         {statement->label, statement->lineNumber, statement->fileName, isWaiting ? -1 : arg.value,
          isWaiting ? IDS_EQU_WAITING : IDS_EQU});
     if (result != 0) {

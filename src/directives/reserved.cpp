@@ -12,11 +12,6 @@
 namespace korv {
 namespace {
 
-std::int32_t AnswerNotImplemented(CAssembler* assembler, CStatement* statement) {
-    DefineLineLabel(assembler, statement);
-    return MSG_NOT_IMPLEMENTED;
-}
-
 // All bytes of a file, in memory.
 class FileContents {
   public:
@@ -58,55 +53,26 @@ class FileContents {
 
 }  // namespace
 
-std::int32_t HandleDd(CAssembler* assembler, CStatement* statement) {
-    return AnswerNotImplemented(assembler, statement);
-}
-
-std::int32_t HandleProc(CAssembler* assembler, CStatement* statement) {
-    return AnswerNotImplemented(assembler, statement);
-}
-
-std::int32_t HandleEndp(CAssembler* assembler, CStatement* statement) {
-    return AnswerNotImplemented(assembler, statement);
-}
-
-std::int32_t HandleMacOn(CAssembler* assembler, CStatement* statement) {
-    return AnswerNotImplemented(assembler, statement);
-}
-
-std::int32_t HandleMacOff(CAssembler* assembler, CStatement* statement) {
-    return AnswerNotImplemented(assembler, statement);
-}
-
-// These two leave a label to the statement loop.
-std::int32_t HandleMacro(CAssembler*, CStatement*) {
-    return MSG_NOT_IMPLEMENTED;
-}
-
-std::int32_t HandleEndm(CAssembler*, CStatement*) {
-    return MSG_NOT_IN_MACRO;
+Status AnswerOnly(CAssembler*, CStatement*, Status answer) {
+    return answer;
 }
 
 // The bytes of a file as they are. The file is looked up like a source, and is none: it has no
 // number and no depth, and the progress meter does not count it. It is read whole before anything
 // is emitted.
-std::int32_t HandleBinclude(CAssembler* assembler, CStatement* statement) {
-    if (const std::int32_t result = BeginStatement(assembler, statement, oneOperand); result != 0) {
-        return result;
-    }
+Status AssembleBinclude(CAssembler* assembler, CStatement* statement) {
     const lsArg& arg = *statement->args.Arg(1);
-    std::string_view name = arg.Text();
-    if ((arg.flags & LA_QUOTED) != 0 && name.size() > 1) {
+    std::string_view name = arg.text;
+    if (arg.IsQuoted() && name.size() > 1) {
         name = name.substr(1, name.size() - 2);
     }
     std::string path;
     FileContents contents;
     if (!assembler->directory.FullPath(name, &path) || !contents.Read(path)) {
-        assembler->ReportError(statement, MSG_CANNOT_OPEN, arg.Text());
+        assembler->ReportError(statement, MSG_CANNOT_OPEN, arg.text);
         return 0;
     }
-    assembler->binary.PutBytes(contents.Bytes());
-    assembler->location += static_cast<std::uint32_t>(contents.Bytes().size());
+    assembler->EmitBytes(contents.Bytes());
     return 0;
 }
 

@@ -6,12 +6,11 @@
 #include <cstdint>
 #include <cstdio>
 #include <ctime>
+#include <span>
 #include <string>
 #include <string_view>
 
 #include "codegen/bin_block.h"
-#include "codegen/handler.h"
-#include "codegen/value_range.h"
 #include "diagnostics/message_list.h"
 #include "driver/debug_stream.h"
 #include "driver/statement.h"
@@ -22,6 +21,7 @@
 namespace korv {
 
 class CSourceFile;
+class WordList;
 
 // clang-format off
 inline constexpr std::uint32_t RF_ABORT           = 0x0001;  ///< stop after the current statement
@@ -117,34 +117,47 @@ class CAssembler {
 
     // ---- expr/scanner.cpp
 
-    /// Evaluates the expression `text`. Result: 0 with the value; 12 when a name has no value yet,
-    /// which comes back in `unresolved` (null: not wanted) as a view that is valid as long as
-    /// `text` and until the next scan; 20 bad expression; 24 number without digits; 25 too many
-    /// nodes; 55 number above 65535. `value` is 0 unless it is 0.
-    [[nodiscard]] std::int32_t ScanExpression(std::string_view text, std::int32_t* value,
-                                              std::string_view* unresolved);
-    /// Evaluates one value token, which is not empty. Result: 0, 12, 20, 24 or 55; `value` is set
-    /// with 0 only.
-    [[nodiscard]] std::int32_t ParseValue(std::string_view token, std::int32_t* value);
+    /// Evaluates the expression `text`. Result: 0 with the value; MSG_UNRESOLVED when a name has no
+    /// value yet, which comes back in `unresolved`, its text valid as long as `text` and until the
+    /// next scan; MSG_BAD_EXPRESSION; MSG_GENERAL_FAILURE for a number without digits;
+    /// MSG_TOO_COMPLEX for too many nodes; MSG_BAD_NUMBER above 65535. `value` is 0 unless it is 0.
+    [[nodiscard]] Status ScanExpression(std::string_view text, std::int32_t* value,
+                                        UnresolvedName* unresolved);
+    /// The same for a text that is one token (see expr/token.h). `value` is set with 0 only.
+    [[nodiscard]] Status ScanToken(std::string_view token, std::int32_t* value,
+                                   UnresolvedName* unresolved);
+    /// Evaluates one value token, which is not empty. Result: as `ScanExpression`, but for
+    /// MSG_TOO_COMPLEX; `value` is set with 0 only.
+    [[nodiscard]] Status ParseValue(std::string_view token, std::int32_t* value,
+                                    UnresolvedName* unresolved);
 
     // ---- symbols/system_identifiers.cpp
 
     /// Enters the version identifiers.
     void LoadSystemIdentifiers();
     /// Enters the words of `list`, separated by tabs, as reserved. Result: their number.
-    std::int32_t LoadSystemIdentifiersFromString(std::string_view list);
+    std::int32_t LoadSystemIdentifiersFromString(const WordList& list);
 
-    // ---- codegen: emission
+    // ---- emission
 
-    /// Append to the image and move `location`. Bits beyond the width are dropped. Result: the
-    /// offset in the image of what was written, which is what a patch needs.
-    std::uint32_t EmitByte(std::int32_t value) {
+    /// Append to the image and move `location`, and nothing else does either. Bits beyond the width
+    /// are dropped. Result: the offset in the image of what was written, which is what a patch
+    /// needs.
+    [[gnu::always_inline]] std::uint32_t EmitByte(std::int32_t value) {
         ++location;
         return binary.PutByte(value);
     }
     std::uint32_t EmitWord(std::int32_t value) {
         location += 2;
         return binary.PutWord(value);
+    }
+    std::uint32_t EmitBytes(std::span<const std::uint8_t> bytes) {
+        location += static_cast<std::uint32_t>(bytes.size());
+        return binary.PutBytes(bytes);
+    }
+    std::uint32_t EmitZeros(std::uint32_t count) {
+        location += count;
+        return binary.PutZeros(count);
     }
 
     /// Report to a list, at the place of `statement`.
@@ -168,7 +181,7 @@ class CAssembler {
     std::array<std::uint8_t, maxConditions> conditionStack{};
     std::string sourceName;  ///< main source file, as typed
     std::string targetName;  ///< target file, given or derived
-    /// Z80 address of the next byte; by emission, data and ORG.
+    /// Z80 address of the next byte; by emission and ORG.
     std::uint32_t location = comStart;
     std::uint32_t statementAddress = 0;  ///< `location` at the start of the statement; by the loop
     /// Full path of the file being read, null outside of files; `fileNames` owns it.
@@ -193,8 +206,7 @@ class CAssembler {
   private:
     void DeriveTargetName();
     void AssembleSource();
-    std::int32_t ScanTokens(std::string_view text, std::int32_t* value,
-                            std::string_view* unresolved);
+    Status ScanTokens(std::string_view text, std::int32_t* value, UnresolvedName* unresolved);
     std::int32_t OpenAndRun(const std::string& path, std::int32_t fileNumber);
 
     /// A token of the scanner whose closing quote was supplied.

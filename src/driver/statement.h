@@ -16,11 +16,7 @@ struct CStatement {
     CStatement(CAssembler* assembler, char* line, std::int32_t file)
         : text(line), fileName(file), args(assembler) {}
 
-    std::uint32_t position = 0;   ///< index into `text` of the next character; behind a word it is
-                                  ///< one past its terminator
     char* text;                   ///< the logical line, terminated; not owned
-    std::string_view token;       ///< the word read last, in `text`; at most 256 characters
-    char terminator = '\xFF';     ///< what ended it; 0: the end of the line; 0xFF: no word yet
     std::string_view label;       ///< label of the line, in `text`; without data for none
     std::uint32_t flags = 0;      ///< SF_* bits
     std::int32_t lineNumber = 0;  ///< of its first physical line, from 1

@@ -14,86 +14,84 @@
 namespace korv {
 namespace {
 
-// Takes the characters from `start` to `end` as the word read last, cut to what a word may have.
-void TakeWord(CStatement* statement, const char* start, const char* end) {
-    statement->token = {start, std::min(static_cast<std::size_t>(end - start), maxWord)};
-    statement->terminator = *end;
-    statement->position = static_cast<std::uint32_t>(end + 1 - statement->text);
+// A word, cut to what a word may have.
+std::string_view Word(const char* start, const char* end) {
+    return {start, std::min(static_cast<std::size_t>(end - start), maxWord)};
 }
 
-// The label begins with the line.
-void CutLabel(CAssembler* assembler, CStatement* statement) {
+// The label begins with the line. Result: what ended it.
+const char* CutLabel(CAssembler* assembler, CStatement* statement) {
     const char* const start = statement->text;
     const char* end = start + 1;
     while (HasClass(*end, CC_NAME)) {
         ++end;
     }
-    TakeWord(statement, start, end);
-    statement->label = statement->token;
-    if (*end != ':') {
+    statement->label = Word(start, end);
+    if (*end != ':') [[unlikely]] {
         assembler->ReportWarning(statement, MSG_LABEL_WITHOUT_COLON, noText);
     }
-    if (const std::string_view word(start, static_cast<std::size_t>(end - start));
-        word.size() > maxWord) {
-        assembler->ReportError(statement, MSG_LABEL_TOO_LONG, word);
+    if (const auto size = static_cast<std::size_t>(end - start); size > maxWord) [[unlikely]] {
+        assembler->ReportError(statement, MSG_LABEL_TOO_LONG, {start, size});
     }
+    return end;
 }
 
-// While a condition skips statements, these alone run.
-bool RunsWhileSkipping(InstructionHandler handler) {
-    return handler == HandleIf || handler == HandleElse || handler == HandleEndif;
+void ReportUnknown(CAssembler* assembler, const CStatement* statement, const char* start) {
+    const char* end = start;
+    while (*end != '\0' && !HasClass(*end, CC_BLANK)) {
+        ++end;
+    }
+    assembler->ReportError(statement, MSG_UNKNOWN_INSTRUCTION, Word(start, end));
 }
 
-// Cuts the mnemonic and runs its handler. Result: the handler's, 0 if there is nothing to run.
-std::int32_t RunHandler(CAssembler* assembler, CStatement* statement) {
-    const char* const start = SkipBlanks(statement->text + statement->position);
-    const Recognised keyword = RecogniseInstruction(start);
-    if (keyword.handler == nullptr) {
-        const char* end = start;
-        while (*end != '\0' && !HasClass(*end, CC_BLANK)) {
-            ++end;
-        }
-        TakeWord(statement, start, end);
-        if (!statement->token.empty()) {
-            assembler->ReportError(statement, MSG_UNKNOWN_INSTRUCTION, statement->token);
-        }
+// While a condition skips statements, these alone run. Kept out of the road of the others.
+[[gnu::noinline]] bool RunsWhileSkipping(InstructionHandler handler) {
+    return handler == AssembleIf || handler == AssembleElse || handler == AssembleEndif;
+}
+
+// Runs the handler of the mnemonic at `start` in its frame. Result: the handler's, 0 if there is
+// nothing to run.
+Status RunHandler(CAssembler* assembler, CStatement* statement, const char* start) {
+    const Keyword* const keyword = RecogniseInstruction(start);
+    if (keyword == nullptr) [[unlikely]] {
+        ReportUnknown(assembler, statement, start);
         return 0;
     }
-    TakeWord(statement, start, start + keyword.length);
-    if (assembler->assembling == 0) [[unlikely]] {
-        return RunsWhileSkipping(keyword.handler) ? keyword.handler(assembler, statement) : 0;
+    if (assembler->assembling == 0 && !RunsWhileSkipping(keyword->handler)) [[unlikely]] {
+        return 0;
     }
-    return keyword.handler(assembler, statement);
+    const Status result =
+        BeginStatement(assembler, statement, *keyword, start + keyword->word.size());
+    return result != 0 ? result : keyword->handler(assembler, statement);
 }
 
 // One statement, from its cleaned line, which is not empty.
 void Assemble(CAssembler* assembler, CStatement* statement) {
     statement->address = assembler->statementAddress = assembler->location;
-    char& first = statement->text[0];
-    if (first == '*') {
-        first = ' ';
+    const char* next = statement->text;
+    if (HasClass(*next, CC_NAME_START)) {
+        next = CutLabel(assembler, statement);
+        next += *next != '\0' ? 1 : 0;
+    } else if (*next == '*') [[unlikely]] {
+        statement->text[0] = ' ';
         if (statement->lineNumber == 1) {
             assembler->ReportWarning(statement, MSG_COMMAND_LINE_SKIPPED, statement->text);
             return;
         }
     }
-    if (HasClass(first, CC_NAME_START)) {
-        CutLabel(assembler, statement);
-    }
-    std::int32_t status = statement->terminator == '\0' ? 0 : RunHandler(assembler, statement);
-    if ((statement->flags & SF_LABEL_DEFINED) == 0 && assembler->assembling != 0) {
+    next = SkipBlanks(next);
+    Status status = *next != '\0' ? RunHandler(assembler, statement, next) : 0;
+    if (statement->HasLabel() && (statement->flags & SF_LABEL_DEFINED) == 0 &&
+        assembler->assembling != 0) {
         DefineLineLabel(assembler, statement);
     }
-    if (status != 0) {
+    if (status != 0) [[unlikely]] {
         status = status == -1 ? MSG_GENERAL_FAILURE : status;
         assembler->ReportError(statement, status, noText);
     }
 }
 
 void ResetStatement(CStatement* statement, std::int32_t lineNumber) {
-    statement->position = 0;
-    statement->token = {};
-    statement->terminator = '\xFF';
     statement->label = {};
     statement->flags = 0;
     statement->lineNumber = lineNumber;

@@ -2,69 +2,38 @@
 /// it is added.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <string_view>
 
+#include "diagnostics/message_numbers.h"
 #include "expr/registers.h"
-#include "expr/tmp_string.h"
+#include "expr/unresolved_name.h"
 
 namespace korv {
 
 class CAssembler;
 
-/// Bits of `lsArg::flags`.
-inline constexpr std::uint32_t LA_INDIRECT = 0x01;  ///< in parentheses; also on every register name
-inline constexpr std::uint32_t LA_QUOTED = 0x02;    ///< begins and ends with a double quote
-inline constexpr std::uint32_t LA_CONSTANT = 0x04;  ///< has a value; also on conditions
-inline constexpr std::int32_t KIND_NONE = 0;
-inline constexpr std::int32_t KIND_REGISTER = 1;
-inline constexpr std::int32_t KIND_VALUE = 2;
-inline constexpr std::int32_t KIND_CONDITION = 4;
+/// One operand. Its texts are views of the line: what outlives the statement takes a copy.
+struct lsArg : OperandClass {
+    Status status = 0;            ///< of its expression; 0 if that succeeded or there is none
+    std::int32_t value = 0;       ///< of its expression; 0 unless `status` is 0
+    std::string_view text;        ///< the operand as written
+    std::string_view expression;  ///< the part of `text` that is evaluated; set if that failed
+    UnresolvedName unresolved;    ///< the name in it without a value yet; set with MSG_UNRESOLVED
+    lsArg* next = nullptr;        ///< next record of the overflow chain
 
-/// One operand. Valid until the statement's list is cleared: what outlives the statement takes a
-/// reference or a copy.
-class lsArg {
-  public:
-    CtmpString textString;        ///< the operand as written; patches take a further reference
-    CtmpString expressionString;  ///< the text given to ScanExpression, if `status` is not 0
-    CtmpString
-        unresolvedString;   ///< the name in it without a value yet; empty unless `status` is 12
-    lsArg* next = nullptr;  ///< next record of the overflow chain
-    std::int32_t condition = -1;    ///< condition number 0 to 7, or -1
-    std::int32_t reg = REG_NONE;    ///< REG_* code
-    std::int32_t status = 0;        ///< of ScanExpression; 0 if it succeeded or was not called
-    std::uint32_t flags = 0;        ///< LA_* bits
-    std::int32_t kind = KIND_NONE;  ///< KIND_*
-    std::int32_t value = 0;         ///< of the expression; 0 unless `status` is 0
-
-    [[nodiscard]] std::string_view Text() const { return textString.View(); }
-    [[nodiscard]] std::string_view Expression() const { return expressionString.View(); }
-    [[nodiscard]] std::string_view Unresolved() const { return unresolvedString.View(); }
+    [[nodiscard]] bool IsRegister() const { return kind == KIND_REGISTER; }
     [[nodiscard]] bool IsValue() const { return kind == KIND_VALUE; }
     [[nodiscard]] bool IsCondition() const { return kind == KIND_CONDITION; }
     [[nodiscard]] bool IsConstant() const { return (flags & LA_CONSTANT) != 0; }
+    [[nodiscard]] bool IsQuoted() const { return (flags & LA_QUOTED) != 0; }
     [[nodiscard]] bool IsIndirect() const { return (flags & LA_INDIRECT) != 0; }
     /// Whether this is (IX+d) or (IY+d).
     [[nodiscard]] bool IsIndexed() const { return reg == REG_IX_INDEXED || reg == REG_IY_INDEXED; }
     /// Whether `value` may be read as a number of its own, with or without parentheses.
     [[nodiscard]] bool IsPlainValue() const {
         return IsValue() && (reg == REG_NONE || reg == REG_DIRECT);
-    }
-
-    /// Back to the defaults; all references are dropped.
-    void Reset() {
-        textString.Release();
-        if (status != 0) {
-            expressionString.Release();
-            unresolvedString.Release();
-        }
-        next = nullptr;
-        condition = -1;
-        reg = REG_NONE;
-        status = 0;
-        flags = 0;
-        kind = KIND_NONE;
-        value = 0;
     }
 };
 
@@ -78,61 +47,81 @@ class KO_Args {
     KO_Args(const KO_Args&) = delete;
     KO_Args& operator=(const KO_Args&) = delete;
 
-    /// Adds the operand `text`, which is not empty and has no blanks at its ends, and evaluates it.
-    /// Result: 0, or -1 if nothing stands between its parentheses: it is not in the list then. What
-    /// becomes of its expression is in the record. Ends the process when there is no memory for a
-    /// record.
-    std::int32_t Add(std::string_view text);
+    /// Adds the operand `text`, a part of the line which is not empty and has no blanks at its
+    /// ends, and evaluates it. Result: 0, or -1 if nothing stands between its parentheses: it is
+    /// not in the list then. What becomes of its expression is in the record. Ends the process when
+    /// there is no memory for a record.
+    Status Add(std::string_view text);
+    /// The same for a text that is one token (see expr/token.h), alone or in parentheses.
+    void AddToken(std::string_view text) { AddToken(text, text, ClassOf(text)); }
+    void AddTokenInParentheses(std::string_view text) {
+        const std::string_view token = text.substr(1, text.size() - 2);
+        AddToken(text, token, ClassInParentheses(token));
+    }
 
     [[nodiscard]] std::int32_t Count() const { return count; }
 
-    /// Operand `n`, 1 or 2; with the defaults where there is no such operand.
-    [[nodiscard]] lsArg* Arg(std::int32_t n) { return &inlineArgs[n - 1]; }
+    /// Operand `n`, from 1; null when there is none.
+    [[nodiscard]] lsArg* Arg(std::int32_t n) {
+        if (n > count) {
+            return nullptr;
+        }
+        return n <= 2 ? &inlineArgs[static_cast<std::size_t>(n - 1)] : OverflowArg(n);
+    }
+    /// The text of operand `n`; without data where there is no such operand.
+    [[nodiscard]] std::string_view Text(std::int32_t n) {
+        return n <= count ? Arg(n)->text : std::string_view();
+    }
 
-    /// The operands in their order: the first, and the one behind `arg`; null at the end. However
+    /// The operands in their order: the first, and the one after `arg`; null at the end. However
     /// many there are, a step costs the same.
-    [[nodiscard]] lsArg* First() { return count > 0 ? &inlineArgs[0] : nullptr; }
-    [[nodiscard]] lsArg* Behind(const lsArg* arg) {
+    [[nodiscard]] lsArg* First() { return count > 0 ? inlineArgs.data() : nullptr; }
+    [[nodiscard]] lsArg* After(const lsArg* arg) {
         if (arg == &inlineArgs[0]) {
             return count > 1 ? &inlineArgs[1] : nullptr;
         }
         return arg == &inlineArgs[1] ? head : arg->next;
     }
+    /// The last of them, of one or more.
+    [[nodiscard]] lsArg& Last() { return count > 2 ? *tail : inlineArgs[count > 1 ? 1 : 0]; }
 
-    /// Releases all operands.
+    /// Empties the list.
     void Clear() {
-        if (count != 0) {
-            inlineArgs[0].Reset();
-            if (count > 1) {
-                inlineArgs[1].Reset();
-                ReleaseOverflow();
-            }
-            count = 0;
+        if (count > 2) [[unlikely]] {
+            tail->next = spare;
+            spare = head;
+            head = tail = nullptr;
         }
+        count = 0;
     }
 
   private:
-    void Evaluate(std::string_view expression, lsArg* arg);
-    lsArg* NewRecord();
-    void ReleaseOverflow() {
-        while (head != nullptr) {
-            lsArg* const arg = head;
-            head = arg->next;
-            KeepRecord(arg);
+    [[nodiscard]] lsArg* OverflowArg(std::int32_t n) const;
+    // The record of a further operand. It keeps what the operand before it in this place has left,
+    // but for what is set for every operand.
+    lsArg* Append() {
+        const auto number = static_cast<std::size_t>(count++);
+        return number < inlineArgs.size() ? &inlineArgs[number] : NewRecord();
+    }
+    void AddToken(std::string_view text, std::string_view token, const OperandClass& what) {
+        lsArg* const arg = Append();
+        static_cast<OperandClass&>(*arg) = what;
+        arg->status = 0;
+        arg->value = 0;
+        arg->text = text;
+        if (arg->IsValue()) {
+            EvaluateToken(arg, token);
         }
-        tail = nullptr;
     }
-    void KeepRecord(lsArg* arg) {
-        arg->Reset();
-        arg->next = spare;
-        spare = arg;
-    }
+    void EvaluateToken(lsArg* arg, std::string_view token);
+    static void TakeStatus(lsArg* arg, std::string_view expression, Status status);
+    lsArg* NewRecord();
 
     std::int32_t count = 0;
+    std::array<lsArg, 2> inlineArgs;
     lsArg* head = nullptr;  // owned; the overflow chain
     lsArg* tail = nullptr;
     lsArg* spare = nullptr;  // owned; released records, so that a line of data allocates nothing
-    lsArg inlineArgs[2];
     CAssembler* owner;
 };
 

@@ -38,45 +38,155 @@ inline constexpr std::int32_t REG_IX_INDEXED = 0x7007;
 inline constexpr std::int32_t REG_IY_INDEXED = 0x8008;
 inline constexpr std::int32_t REG_DIRECT = 0x900F;
 
+/// Bits of `OperandClass::flags`.
+inline constexpr std::uint32_t LA_INDIRECT = 0x01;  ///< in parentheses; also on every register name
+inline constexpr std::uint32_t LA_QUOTED = 0x02;    ///< begins and ends with a double quote
+inline constexpr std::uint32_t LA_CONSTANT = 0x04;  ///< has a value; also on conditions
+inline constexpr std::int32_t KIND_NONE = 0;
+inline constexpr std::int32_t KIND_REGISTER = 1;
+inline constexpr std::int32_t KIND_VALUE = 2;
+inline constexpr std::int32_t KIND_CONDITION = 4;
+
+/// What an operand is, before its value is asked for.
+struct OperandClass {
+    std::int32_t reg = REG_NONE;    ///< REG_* code
+    std::int32_t condition = -1;    ///< condition number 0 to 7, or -1
+    std::uint32_t flags = 0;        ///< LA_* bits
+    std::int32_t kind = KIND_NONE;  ///< KIND_*
+};
+
+/// A word as it can stand in an operand, bare and in parentheses.
 struct OperandName {
     std::string_view name;
-    std::int32_t reg = REG_NONE;          ///< code of the bare name
-    std::int32_t regIndirect = REG_NONE;  ///< code of the name in parentheses
-    std::int32_t condition = -1;          ///< number in the condition field, bare
-    std::int32_t conditionIndirect = -1;  ///< the same in parentheses
+    OperandClass bare;
+    OperandClass indirect;
 };
 
 // clang-format off
+namespace operand_class {
+inline constexpr OperandClass value{REG_NONE, -1, 0, KIND_VALUE};
+inline constexpr OperandClass direct{REG_DIRECT, -1, LA_INDIRECT, KIND_VALUE};
+constexpr OperandClass Register(std::int32_t code) { return {code, -1, LA_INDIRECT, KIND_REGISTER}; }
+constexpr OperandClass Condition(std::int32_t number) { return {REG_NONE, number, LA_CONSTANT, KIND_CONDITION}; }
+constexpr OperandClass InParentheses(OperandClass bare) { bare.flags |= LA_INDIRECT; return bare; }
+
+constexpr OperandName RegisterRow(std::string_view name, std::int32_t bare, std::int32_t indirect) {
+    return {name, Register(bare), Register(indirect)};
+}
+constexpr OperandName ConditionRow(std::string_view name, std::int32_t number) {
+    return {name, Condition(number), InParentheses(Condition(number))};
+}
+}  // namespace operand_class
+
 inline constexpr std::array operandNames = {
-    OperandName{"B",  0,      0x0F00},
-    OperandName{"C",  REG_C,  REG_C_INDIRECT, 3, -1},  // bare: register and condition at once
-    OperandName{"D",  2,      0x0F02},
-    OperandName{"E",  3,      0x0F03},
-    OperandName{"H",  4,      0x0F04},
-    OperandName{"L",  5,      0x0F05},
-    OperandName{"A",  REG_A,  0x0F07},
-    OperandName{"I",  REG_I,  REG_NONE},
-    OperandName{"R",  REG_R,  REG_NONE},
-    OperandName{"F",  REG_F,  0x1F06},
-    OperandName{"M",  REG_NONE, REG_NONE, 7, 7},
-    OperandName{"P",  REG_NONE, REG_NONE, 6, 6},
-    OperandName{"Z",  REG_NONE, REG_NONE, 1, 1},
-    OperandName{"BC", REG_BC, REG_BC_INDIRECT},
-    OperandName{"DE", REG_DE, REG_DE_INDIRECT},
-    OperandName{"HL", REG_HL, REG_HL_INDIRECT},
-    OperandName{"IX", REG_IX, REG_IX_INDIRECT},
-    OperandName{"IY", REG_IY, REG_IY_INDIRECT},
-    OperandName{"SP", REG_SP, REG_SP_INDIRECT},
-    OperandName{"AF", REG_AF, 0x1003},
-    OperandName{"NC", REG_NONE, REG_NONE, 2, 2},
-    OperandName{"NZ", REG_NONE, REG_NONE, 0, 0},
-    OperandName{"PE", REG_NONE, REG_NONE, 5, 5},
-    OperandName{"PO", REG_NONE, REG_NONE, 4, 4},
-    OperandName{"FLAGS", REG_F, REG_NONE},             // F, in the long spelling
+    OperandName{"", operand_class::value, operand_class::direct},  // every other word is an expression
+    operand_class::RegisterRow("B", 0, 0x0F00),
+    OperandName{"C", {REG_C, 3, LA_INDIRECT | LA_CONSTANT, KIND_CONDITION},  // register and condition at once
+                operand_class::Register(REG_C_INDIRECT)},
+    operand_class::RegisterRow("D", 2, 0x0F02),
+    operand_class::RegisterRow("E", 3, 0x0F03),
+    operand_class::RegisterRow("H", 4, 0x0F04),
+    operand_class::RegisterRow("L", 5, 0x0F05),
+    operand_class::RegisterRow("A", REG_A, 0x0F07),
+    operand_class::RegisterRow("I", REG_I, REG_NONE),  // "(I)" and "(R)" are registers without a code
+    operand_class::RegisterRow("R", REG_R, REG_NONE),
+    operand_class::RegisterRow("F", REG_F, 0x1F06),
+    operand_class::ConditionRow("M", 7),
+    operand_class::ConditionRow("P", 6),
+    operand_class::ConditionRow("Z", 1),
+    operand_class::RegisterRow("BC", REG_BC, REG_BC_INDIRECT),
+    operand_class::RegisterRow("DE", REG_DE, REG_DE_INDIRECT),
+    operand_class::RegisterRow("HL", REG_HL, REG_HL_INDIRECT),
+    operand_class::RegisterRow("IX", REG_IX, REG_IX_INDIRECT),
+    operand_class::RegisterRow("IY", REG_IY, REG_IY_INDIRECT),
+    operand_class::RegisterRow("SP", REG_SP, REG_SP_INDIRECT),
+    operand_class::RegisterRow("AF", REG_AF, 0x1003),
+    operand_class::ConditionRow("NC", 2),
+    operand_class::ConditionRow("NZ", 0),
+    operand_class::ConditionRow("PE", 5),
+    operand_class::ConditionRow("PO", 4),
+    OperandName{"FLAGS", operand_class::Register(REG_F), operand_class::direct},  // F, in the long spelling
 };
 // clang-format on
 
-/// The row of `name`, which is 1, 2 or 5 characters long, or null.
-[[nodiscard]] const OperandName* FindOperandName(std::string_view name) noexcept;
+/// The lookup: words of one character index a table by that character, words of two a table by a
+/// hash of both, for which the compiler finds a factor without collisions. So an operand that is no
+/// name costs a load and a comparison.
+namespace operand_class {
+
+inline constexpr std::size_t pairSlots = 32;
+
+constexpr std::size_t PairSlot(std::string_view name, std::uint32_t factor) {
+    const auto key = static_cast<std::uint32_t>(static_cast<std::uint8_t>(name[0])) * factor +
+                     static_cast<std::uint8_t>(name[1]);
+    return key % pairSlots;
+}
+
+constexpr bool IsPerfect(std::uint32_t factor) {
+    std::array<bool, pairSlots> taken{};
+    for (const OperandName& row : operandNames) {
+        if (row.name.size() == 2) {
+            bool& slot = taken[PairSlot(row.name, factor)];
+            if (slot) {
+                return false;
+            }
+            slot = true;
+        }
+    }
+    return true;
+}
+
+inline constexpr std::uint32_t pairFactor = [] {
+    std::uint32_t factor = 1;
+    while (!IsPerfect(factor)) {
+        ++factor;
+    }
+    return factor;
+}();
+
+// Row numbers, indexed by the character, and by PairSlot. Row 0 is that of the words without a row.
+inline constexpr auto singleRows = [] {
+    std::array<std::uint8_t, 256> rows{};
+    for (std::size_t i = 0; i < operandNames.size(); ++i) {
+        if (const std::string_view name = operandNames[i].name; name.size() == 1) {
+            rows[static_cast<std::uint8_t>(name[0])] = static_cast<std::uint8_t>(i);
+        }
+    }
+    return rows;
+}();
+inline constexpr auto pairRows = [] {
+    std::array<std::uint8_t, pairSlots> rows{};
+    for (std::size_t i = 0; i < operandNames.size(); ++i) {
+        if (const std::string_view name = operandNames[i].name; name.size() == 2) {
+            rows[PairSlot(name, pairFactor)] = static_cast<std::uint8_t>(i);
+        }
+    }
+    return rows;
+}();
+inline constexpr std::size_t noRow = 0;
+inline constexpr std::size_t longRow = operandNames.size() - 1;
+static_assert(operandNames[noRow].name.empty() && operandNames[longRow].name == "FLAGS");
+
+[[nodiscard]] constexpr std::size_t RowOf(std::string_view token) {
+    if (token.size() > 2) {
+        return token == "FLAGS" ? longRow : noRow;
+    }
+    if (token.size() == 1) {
+        return singleRows[static_cast<std::uint8_t>(token[0])];
+    }
+    const std::size_t row = pairRows[PairSlot(token, pairFactor)];
+    const std::string_view name = operandNames[row].name;
+    return row != noRow && name[0] == token[0] && name[1] == token[1] ? row : noRow;
+}
+}  // namespace operand_class
+
+/// What the word `token` is as an operand, and what it is in parentheses. A word that is no name of
+/// the table is a value.
+[[nodiscard]] inline const OperandClass& ClassOf(std::string_view token) {
+    return operandNames[operand_class::RowOf(token)].bare;
+}
+[[nodiscard]] inline const OperandClass& ClassInParentheses(std::string_view token) {
+    return operandNames[operand_class::RowOf(token)].indirect;
+}
 
 }  // namespace korv

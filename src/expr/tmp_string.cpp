@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <cstring>
 #include <new>
 
 #include "platform/platform.h"
@@ -46,17 +47,28 @@ void CtmpStringManager::FreeBlock(CtmpStringBlock* block) {
     delete block;
 }
 
-CtmpStringBlock* CtmpStringManager::MakeRoom(std::size_t count) {
+char* CtmpStringManager::Alloc(std::size_t count, CtmpStringBlock** block) {
+    const auto size = static_cast<std::int64_t>(count);
     if (head == nullptr) {
         MakeBlock(blockSize);
     }
-    if (current->used + static_cast<std::int64_t>(count) > current->size) {
+    if (current->used + size > current->size) {
         current->isFull = 1;
         MakeBlock(std::max(blockSize, count));
         // A string longer than a block has one of its own, which nothing else can enter.
         current->isFull = count > blockSize ? 1 : 0;
     }
-    return current;
+    char* const text = current->data + current->used;
+    current->used += size;
+    ++current->refCount;
+    *block = current;
+    return text;
+}
+
+void CtmpStringManager::Release(CtmpStringBlock* block) {
+    if (--block->refCount == 0 && block->isFull != 0) {
+        FreeBlock(block);
+    }
 }
 
 void CtmpStringManager::ReleaseAll() {
@@ -75,6 +87,15 @@ std::int32_t CtmpStringManager::DumpStatus(std::FILE* stream) {
                      static_cast<long long>(block->size), block->refCount, block->isFull);
     }
     return 0;
+}
+
+void CtmpString::Assign(std::string_view source) {
+    if (source.data() != nullptr) {
+        text = CtmpStringManager::Alloc(source.size() + 1, &block);
+        length = source.size();
+        std::memcpy(text, source.data(), length);
+        text[length] = '\0';
+    }
 }
 
 }  // namespace korv

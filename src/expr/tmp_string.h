@@ -4,15 +4,12 @@
 /// process share one pool.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <string_view>
 
-#include "source/short_text.h"
-
 namespace korv {
-
-class CtmpString;
 
 struct CtmpStringBlock {
     std::int32_t refCount = 0;  ///< handles with a reference on this block
@@ -24,23 +21,20 @@ struct CtmpStringBlock {
     std::int32_t isFull = 0;              ///< 1 once a request did not fit
 };
 
-/// The pool. Process-wide: patches of one run and operands of the next statement share it. One
-/// thread uses it.
+/// The pool, and the one owner of the state of its blocks. Process-wide: patches of one run and the
+/// next share it. One thread uses it.
 class CtmpStringManager {
   public:
-    /// The current block, with room for `count` bytes. Ends the process when there is no memory for
-    /// one.
-    static CtmpStringBlock* BlockWithRoom(std::size_t count) {
-        CtmpStringBlock* const block = current;
-        if (block != nullptr && block->used + static_cast<std::int64_t>(count) <= block->size)
-            [[likely]] {
-            return block;
-        }
-        return MakeRoom(count);
-    }
+    /// Takes `count` bytes from the current block, or from a further one, with a reference on it,
+    /// which is handed out in `block`. Result: the bytes. Ends the process when there is no memory
+    /// for a block.
+    static char* Alloc(std::size_t count, CtmpStringBlock** block);
 
-    /// Frees every block, whatever its count. No handle may be released behind this: all holders
-    /// are gone before.
+    /// Drops a reference on `block`.
+    static void Release(CtmpStringBlock* block);
+
+    /// Frees every block, whatever its count. No handle may be released after this: all holders are
+    /// gone before.
     static void ReleaseAll();
 
     /// Writes the number of blocks and a line for each, the newest first. Result: 0, or -1 for a
@@ -48,8 +42,6 @@ class CtmpStringManager {
     static std::int32_t DumpStatus(std::FILE* stream);
 
   private:
-    friend class CtmpString;
-    static CtmpStringBlock* MakeRoom(std::size_t count);
     static void MakeBlock(std::size_t size);
     static void FreeBlock(CtmpStringBlock* block);
 
@@ -74,28 +66,12 @@ class CtmpString {
     ~CtmpString() { Release(); }
 
     /// Copies `source` into the pool, terminated. For a handle that holds no reference.
-    void Assign(std::string_view source) {
-        if (source.data() == nullptr) {
-            return;
-        }
-        const std::size_t size = source.size() + 1;
-        CtmpStringBlock* const from = CtmpStringManager::BlockWithRoom(size);
-        char* const copy = from->data + from->used;
-        from->used += static_cast<std::int64_t>(size);
-        ++from->refCount;
-        block = from;
-        text = copy;
-        length = source.size();
-        copy[source.size()] = '\0';
-        CopyText(copy, source);
-    }
+    void Assign(std::string_view source);
 
     /// Drops the reference; the handle is empty then.
     void Release() {
         if (block != nullptr) {
-            if (--block->refCount == 0 && block->isFull != 0) {
-                CtmpStringManager::FreeBlock(block);
-            }
+            CtmpStringManager::Release(block);
             block = nullptr;
             text = nullptr;
             length = 0;

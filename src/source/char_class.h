@@ -31,7 +31,7 @@ inline constexpr auto charClass = [] {
     for (unsigned c = 'A'; c <= 'F'; ++c) {
         table[c] |= CC_HEX;
     }
-    for (unsigned c = 'a'; c <= 'i'; ++c) {  // up to i, unlike A to F: sources in use rely on it
+    for (unsigned c = 'a'; c <= 'i'; ++c) {  // up to i, unlike A to F
         table[c] |= CC_HEX;
     }
     for (const char c : {'?', '@', '_'}) {
@@ -52,7 +52,7 @@ inline constexpr auto charClass = [] {
     return HasClass(c, CC_LOWER) ? static_cast<char>(c - ('a' - 'A')) : c;
 }
 
-/// The first character of a terminated text that is no blank.
+/// Past the blanks at `text`, which is terminated.
 [[nodiscard]] constexpr const char* SkipBlanks(const char* text) noexcept {
     while (HasClass(*text, CC_BLANK)) {
         ++text;

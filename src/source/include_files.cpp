@@ -79,13 +79,10 @@ std::int32_t CAssembler::OpenAndRun(const std::string& path, std::int32_t fileNu
     return 0;
 }
 
-std::int32_t HandleInclude(CAssembler* assembler, CStatement* statement) {
-    if (const std::int32_t result = BeginStatement(assembler, statement, oneOperand); result != 0) {
-        return result;
-    }
+Status AssembleInclude(CAssembler* assembler, CStatement* statement) {
     // The text as written: what it would be as an expression does not matter, and quotes are part
     // of the name.
-    const std::string_view name = statement->args.Arg(1)->Text();
+    const std::string_view name = statement->args.Arg(1)->text;
     TraceFile(assembler, "INCLUDING", name);
     if (assembler->fileDepth == maxFileDepthAllowed) {
         assembler->ReportError(statement, MSG_FILES_TOO_DEEP, noText);

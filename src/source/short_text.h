@@ -3,6 +3,9 @@
 /// work.
 #pragma once
 
+#include <algorithm>
+#include <array>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -11,10 +14,10 @@
 namespace korv {
 
 template <typename Word>
-[[nodiscard]] inline Word LoadWord(const char* from) {
-    Word word;
-    std::memcpy(&word, from, sizeof word);
-    return word;
+[[nodiscard]] constexpr Word LoadWord(const char* from) {
+    std::array<char, sizeof(Word)> bytes{};
+    std::copy_n(from, sizeof(Word), bytes.begin());
+    return std::bit_cast<Word>(bytes);
 }
 
 template <typename Word>
@@ -54,10 +57,12 @@ inline void CopyText(char* to, std::string_view text) {
         return first == LoadWord<Word>(b.data()) &&
                LoadWord<Word>(a.data() + last) == LoadWord<Word>(b.data() + last);
     };
-    if (count > 16) {
-        return std::memcmp(a.data(), b.data(), count) == 0;
-    }
     if (count >= 8) {
+        for (std::size_t i = 8; i + 8 < count; i += 8) {
+            if (LoadWord<std::uint64_t>(a.data() + i) != LoadWord<std::uint64_t>(b.data() + i)) {
+                return false;
+            }
+        }
         return equalEnds(LoadWord<std::uint64_t>(a.data()));
     }
     if (count >= 4) {

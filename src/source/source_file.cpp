@@ -1,13 +1,13 @@
-// The reader. Nearly every line is plain text in one piece, perhaps with a comment behind it: it is
-// copied by the chunk, raised to upper case on the way, and only looked at more closely where a
-// chunk holds a byte that needs attention. All other lines, with strings, with continuations, at
-// the end of a block, go byte by byte.
+// The reader. Nearly every line is plain text in one piece, perhaps with strings and with a
+// comment: it is copied by the chunk, raised to upper case on the way, and only looked at more
+// closely where a chunk holds a byte that needs attention. All other lines, with continuations,
+// with odd bytes, at the end of a block, go byte by byte.
 //
 // The hard idea is the last significant character, which decides where trailing blanks begin and
 // whether the line goes on. It is not kept up to date per byte but found when it is asked for, by
 // walking back over blanks from the end of what has been stored. After a continuation it is the
 // place of the backslash, and the backslash stands there until something overwrites it: hence an
-// empty line behind a continuation continues the line again.
+// empty line after a continuation continues the line again.
 
 #include "source/source_file.h"
 
@@ -51,43 +51,58 @@ auto AttentionIn(Chunk bytes) {
 // Index of the first byte that is not 0; the size of a chunk for none.
 template <typename Mask>
 std::size_t FirstIn(Mask mask) {
+#ifdef __SSE2__
+    const int bits = __builtin_ia32_pmovmskb128(
+        reinterpret_cast<__attribute__((vector_size(chunkSize))) char>(mask));
+    return static_cast<std::size_t>(
+        std::countr_zero(static_cast<unsigned>(bits) | 1U << chunkSize));
+#else
     std::uint64_t halves[2];
     std::memcpy(halves, &mask, chunkSize);
     const std::uint64_t half = halves[0] != 0 ? halves[0] : halves[1];
     const int bits = std::endian::native == std::endian::little ? std::countr_zero(half)
                                                                 : std::countl_zero(half);
     return (halves[0] != 0 ? 0 : 8) + static_cast<std::size_t>(bits) / 8;
+#endif
 }
 
-// The number of bytes at `from` up to the first one that needs attention, at most a chunk. A whole
-// chunk is read.
+// The bytes at `from` up to the first one that needs attention, at most a chunk: copies them, with
+// the letters raised in plain text; of a comment nothing is wanted. A whole chunk is read, and
+// written. Result: their number.
 template <Run run>
-std::size_t RunLength(const std::uint8_t* from) {
-    Chunk bytes;
-    std::memcpy(&bytes, from, chunkSize);
-    return FirstIn(AttentionIn<run>(bytes));
-}
-
-// Copies those bytes, with the letters raised. A whole chunk is written. Result: their number.
-template <Run run>
-std::size_t CopyRun(const std::uint8_t* from, char* to) {
+std::size_t CopyChunk(const std::uint8_t* from, char* to) {
     Chunk bytes;
     std::memcpy(&bytes, from, chunkSize);
     const std::size_t length = FirstIn(AttentionIn<run>(bytes));
-    const auto isLower = reinterpret_cast<Chunk>(bytes - All('a') < All('z' - 'a' + 1));
-    bytes -= isLower & All('a' - 'A');
-    std::memcpy(to, &bytes, chunkSize);
+    if constexpr (run == Run::plain) {
+        const auto isLower = reinterpret_cast<Chunk>(bytes - All('a') <= All('z' - 'a'));
+        bytes -= isLower & All('a' - 'A');
+    }
+    if constexpr (run != Run::comment) {
+        std::memcpy(to, &bytes, chunkSize);
+    }
     return length;
+}
+
+// Copies chunks from `*next` to `*out`, both moved on, up to a byte that needs attention. False:
+// there is none before `lastChunk`, after which no whole chunk is left.
+template <Run run>
+bool CopyRun(const std::uint8_t** next, char** out, const std::uint8_t* lastChunk) {
+    while (*next <= lastChunk) {
+        const std::size_t count = CopyChunk<run>(*next, *out);
+        *next += count;
+        *out += run == Run::comment ? 0 : count;
+        if (count != chunkSize) {
+            return true;
+        }
+    }
+    return false;
 }
 
 // The same question and the same change for one byte.
 bool NeedsAttention(std::uint8_t byte, Run run) {
     return byte == '\n' || byte == '\r' || byte == endOfText ||
            (byte == '"' && run != Run::comment) || (byte == ';' && run == Run::plain);
-}
-
-char Raised(std::uint8_t byte) {
-    return static_cast<char>((charClass[byte] & CC_LOWER) != 0 ? byte - 32 : byte);
 }
 
 // The end of the text from `start` to `end` without the blanks at its end.
@@ -122,7 +137,7 @@ CSourceFile::~CSourceFile() {
     platform::Free(buffer);
 }
 
-std::int32_t CSourceFile::OpenStatus() const {
+Status CSourceFile::OpenStatus() const {
     if (!stream.IsOpen()) {
         return MSG_CANNOT_OPEN;
     }
@@ -135,8 +150,8 @@ bool CSourceFile::Fill() {
     return readPosition != endOfData;
 }
 
-std::int32_t CSourceFile::ReadLine(char* line, std::uint32_t maxLength, std::uint32_t* bytesOut,
-                                   std::uint32_t* linesOut) {
+Status CSourceFile::ReadLine(char* line, std::uint32_t maxLength, std::uint32_t* bytesOut,
+                             std::uint32_t* linesOut) {
     const std::size_t length = ReadPlainLine(line, maxLength);
     if (length == 0) [[unlikely]] {
         return ReadAnyLine(line, maxLength, bytesOut, linesOut);
@@ -146,68 +161,85 @@ std::int32_t CSourceFile::ReadLine(char* line, std::uint32_t maxLength, std::uin
     return 0;
 }
 
-// Reads the next line if it is the usual case: in one piece in the buffer, without a string and
-// without a continuation, perhaps with a comment. A chunk is read and written whole, so the end of
-// the buffer and of the longest line are not its business either. Result: the bytes of the line in
-// the file; 0: it is another case, and nothing has been read.
+// Reads the next line if it is the usual case: in one piece in the buffer and without a
+// continuation. A chunk is read and written whole, so the end of the buffer and of the longest line
+// are not its business either. Result: the bytes of the line in the file; 0: it is another case,
+// and nothing has been read.
 inline std::size_t CSourceFile::ReadPlainLine(char* line, std::uint32_t maxLength) {
     const std::uint8_t* next = readPosition;
-    const std::size_t available =
-        std::min(static_cast<std::size_t>(endOfData - next), std::size_t{maxLength});
-    if (available < chunkSize) {
+    if (static_cast<std::size_t>(endOfData - next) < chunkSize) [[unlikely]] {
         return 0;
     }
-    const std::uint8_t* const lastChunk = next + (available - chunkSize);
-    char* out = line;
-    std::size_t count = 0;
-    do {
-        count = CopyRun<Run::plain>(next, out);
-        next += count;
-        out += count;
-    } while (count == chunkSize && next <= lastChunk);
-    if (count == chunkSize) {
+    if (maxLength < chunkSize) [[unlikely]] {
         return 0;
     }
-    const bool hasComment = *next == ';';
-    if (hasComment) {
-        for (count = chunkSize; count == chunkSize && next <= lastChunk; next += count) {
-            count = RunLength<Run::comment>(next);
-        }
-        if (count == chunkSize || EndsInBlankOrBackslash(next)) {
+    const std::size_t count = CopyChunk<Run::plain>(next, line);
+    next += count;
+    char* out = line + count;
+    bool hasComment = false;
+    if (count == chunkSize || *next != '\n') {
+        const auto available =
+            std::min(static_cast<std::size_t>(endOfData - readPosition), std::size_t{maxLength});
+        if (!CopyToLineFeed(&next, &out, readPosition + available - chunkSize, &hasComment)) {
             return 0;
         }
     }
-    const std::uint8_t* lineFeed = next;
-    if (*lineFeed == '\r' && lineFeed < lastChunk) {
-        ++lineFeed;
+    if (out == line || out[-1] <= ' ' || out[-1] == '\\') {
+        char* const last = WithoutBlanks(line, out);
+        if (last != line && last[-1] == '\\' && !hasComment) {
+            return 0;
+        }
+        if (last != line || hasComment) {  // a line of only blanks keeps them
+            out = last;
+        }
     }
-    if (*lineFeed != '\n') {
-        return 0;
-    }
-    char* last = WithoutBlanks(line, out);
-    if (last == line) {
-        last = hasComment ? line : out;  // a line of only blanks keeps them
-    } else if (last[-1] == '\\' && !hasComment) {
-        return 0;
-    }
-    *last = '\0';
-    const auto length = static_cast<std::size_t>(lineFeed + 1 - readPosition);
-    readPosition = lineFeed + 1;
+    *out = '\0';
+    const auto length = static_cast<std::size_t>(next + 1 - readPosition);
+    readPosition = next + 1;
     return length;
 }
 
+// Goes on with a line whose first chunk does not end it: strings, a comment, the carriage return of
+// its end. False: there is something else, or the line goes beyond `lastChunk`.
+bool CSourceFile::CopyToLineFeed(const std::uint8_t** next, char** out,
+                                 const std::uint8_t* lastChunk, bool* hasComment) {
+    if (!CopyRun<Run::plain>(next, out, lastChunk)) {
+        return false;
+    }
+    while (**next == '"') {  // the string, and what follows it
+        for (const Run run : {Run::string, Run::plain}) {
+            *(*out)++ = '"';
+            ++*next;
+            const bool isFound = run == Run::string ? CopyRun<Run::string>(next, out, lastChunk)
+                                                    : CopyRun<Run::plain>(next, out, lastChunk);
+            if (!isFound || (run == Run::string && **next != '"')) {
+                return false;
+            }
+        }
+    }
+    if (**next == ';') {
+        *hasComment = true;
+        if (!CopyRun<Run::comment>(next, out, lastChunk) || EndsInBlankOrBackslash(*next)) {
+            return false;
+        }
+    }
+    if (**next == '\r' && *next < lastChunk) {
+        ++*next;
+    }
+    return **next == '\n';
+}
+
 // Reads the next line, whatever it is.
-std::int32_t CSourceFile::ReadAnyLine(char* line, std::uint32_t maxLength, std::uint32_t* bytesOut,
-                                      std::uint32_t* linesOut) {
+Status CSourceFile::ReadAnyLine(char* line, std::uint32_t maxLength, std::uint32_t* bytesOut,
+                                std::uint32_t* linesOut) {
     char* out = line;                 // where the next character goes
     char* segment = line;             // start of the line, or of what follows the last continuation
     char* lastSignificant = nullptr;  // what it was at `segment`
     char* commentStart = nullptr;
-    bool inString = false;
     std::uint32_t used = 0;  // bytes charged against maxLength
     std::uint32_t total = 0;
     std::uint32_t lines = 0;
-    std::int32_t result = 0;
+    Status result = 0;
     Run run = Run::plain;
     const auto findLastSignificant = [&] {
         char* const end = WithoutBlanks(segment, out);
@@ -229,7 +261,8 @@ std::int32_t CSourceFile::ReadAnyLine(char* line, std::uint32_t maxLength, std::
             std::min<std::size_t>(static_cast<std::size_t>(endOfData - start), maxLength - used);
         const std::uint8_t* next = start;
         while (next != end && !NeedsAttention(*next, run)) {
-            *out++ = run == Run::plain ? Raised(*next) : static_cast<char>(*next);
+            *out++ =
+                run == Run::plain ? Raised(static_cast<char>(*next)) : static_cast<char>(*next);
             ++next;
         }
         const auto length = static_cast<std::uint32_t>(next - start);
@@ -258,8 +291,7 @@ std::int32_t CSourceFile::ReadAnyLine(char* line, std::uint32_t maxLength, std::
             continue;
         } else {
             if (c == '"') {
-                inString = !inString;
-                run = inString ? Run::string : Run::plain;
+                run = run == Run::string ? Run::plain : Run::string;
             } else if (c == ';') {
                 char* const last = findLastSignificant();
                 commentStart = last == nullptr ? line : last + 1;

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <string_view>
 
+#include "diagnostics/message_numbers.h"
 #include "platform/platform.h"
 
 namespace korv {
@@ -25,20 +26,22 @@ class CSourceFile {
     /// line of only blanks keeps them. Result: 0, -1 at the end of the file, 41 when the line takes
     /// more than `maxLength` bytes of the file. `bytesOut` receives the bytes taken from the file
     /// and `linesOut` the line feeds among them, unless it is 41.
-    [[nodiscard]] std::int32_t ReadLine(char* line, std::uint32_t maxLength,
-                                        std::uint32_t* bytesOut, std::uint32_t* linesOut);
+    [[nodiscard]] Status ReadLine(char* line, std::uint32_t maxLength, std::uint32_t* bytesOut,
+                                  std::uint32_t* linesOut);
 
     /// Size of the file in bytes when it was opened; 0 when it is not open or has no size.
     [[nodiscard]] std::uint32_t FileSize() const { return fileSize; }
     /// 1 when both the file and its buffer are there, else 0.
     [[nodiscard]] std::int32_t IsOpen() const { return OpenStatus() == 0 ? 1 : 0; }
     /// 10: the file cannot be opened; 52: no memory for its buffer; else 0.
-    [[nodiscard]] std::int32_t OpenStatus() const;
+    [[nodiscard]] Status OpenStatus() const;
 
   private:
     std::size_t ReadPlainLine(char* line, std::uint32_t maxLength);
-    std::int32_t ReadAnyLine(char* line, std::uint32_t maxLength, std::uint32_t* bytesOut,
-                             std::uint32_t* linesOut);
+    static bool CopyToLineFeed(const std::uint8_t** next, char** out, const std::uint8_t* lastChunk,
+                               bool* hasComment);
+    Status ReadAnyLine(char* line, std::uint32_t maxLength, std::uint32_t* bytesOut,
+                       std::uint32_t* linesOut);
     // Reads the next block. False at the end of the file.
     bool Fill();
 

@@ -30,7 +30,7 @@ inline constexpr std::uint32_t IDS_SYSTEM = IDF_RESERVED | IDF_INTERNAL | IDF_RE
 struct CIdentifier {
     CIdentifier* next = nullptr;  ///< in the bucket's chain, once the chains are linked
     std::uint32_t flags = 0;
-    const char* name = nullptr;  ///< terminated, in the name pool; never moves
+    const char* name = nullptr;  ///< in the name pool or constant; never moves
     std::uint32_t nameLength = 0;
     std::int32_t line = 0;          ///< of the definition; 0 for a name only referred to
     std::int32_t file = 0;          ///< of the definition; 0 for a name only referred to

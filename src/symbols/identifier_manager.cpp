@@ -49,6 +49,22 @@ CIdentifier* Sorted(CIdentifier* chain) {
     return Merge(Sorted(chain), Sorted(second));
 }
 
+// The bucket of `name` among `tableSize`: the order of the listing.
+std::uint32_t BucketOf(std::string_view name, std::int32_t tableSize) {
+    std::uint32_t h = 0;
+    for (const char c : name) {
+        h = h * 16 + static_cast<std::uint32_t>(static_cast<signed char>(c));
+        const std::uint32_t g = h & 0xF0000000;
+        if (g != 0) {
+            // An arithmetic shift, unlike that of the published hash: the order of listings depends
+            // on it.
+            h ^= static_cast<std::uint32_t>(static_cast<std::int32_t>(g) >> 24);
+            h ^= g;
+        }
+    }
+    return (h & 0x7FFFFFFF) % static_cast<std::uint32_t>(tableSize);
+}
+
 // A line of the listing.
 void PutLine(ReportWriter* out, const CIdentifier& record, std::string_view fileName) {
     out->Put(record.Name());
@@ -66,22 +82,6 @@ void PutLine(ReportWriter* out, const CIdentifier& record, std::string_view file
     *to++ = '(';
     to = std::to_chars(to, to + 11, record.line).ptr;
     out->Advance(PutText(to, ")\n"));
-}
-
-// The bucket of `name` among `tableSize`: the order of the listing.
-std::uint32_t BucketOf(std::string_view name, std::int32_t tableSize) {
-    std::uint32_t h = 0;
-    for (const char c : name) {
-        h = h * 16 + static_cast<std::uint32_t>(static_cast<signed char>(c));
-        const std::uint32_t g = h & 0xF0000000;
-        if (g != 0) {
-            // An arithmetic shift, unlike that of the published hash: the order of listings depends
-            // on it.
-            h ^= static_cast<std::uint32_t>(static_cast<std::int32_t>(g) >> 24);
-            h ^= g;
-        }
-    }
-    return (h & 0x7FFFFFFF) % static_cast<std::uint32_t>(tableSize);
 }
 
 }  // namespace
@@ -132,6 +132,24 @@ CIdentifier* CIdentifierManager::Enter(const HashedName& name) {
     ++totalCount;
     index.Insert(record, name.hash);
     return record;
+}
+
+void CIdentifierManager::EnterNew(std::span<const HashedName> names, std::uint32_t flags) {
+    auto number = static_cast<std::uint32_t>(totalCount);
+    if (!index.MakeRoomFor(number + static_cast<std::uint32_t>(names.size()))) {
+        return;
+    }
+    for (const HashedName& name : names) {
+        if (number % chunkSize == 0 && !GrowChunks()) {
+            return;
+        }
+        auto* const record = new (RecordAt(number++)) CIdentifier;
+        record->flags = flags;
+        record->name = name.text.data();
+        record->nameLength = static_cast<std::uint32_t>(name.text.size());
+        totalCount = static_cast<std::int32_t>(number);
+        index.Insert(record, name.hash);
+    }
 }
 
 bool CIdentifierManager::GrowChunks() {
@@ -200,7 +218,7 @@ void CIdentifierManager::ApplyPatches(CIdentifier* identifier) {
     --waitingCount;
     while (patch != nullptr) {
         CPatchInfo* const next = patch->next;
-        if (const std::int32_t result = Backpatch(patch); result != 0) {
+        if (const Status result = Backpatch(patch); result != 0) {
             errors->Report(result, identifier->Name(), patch->origin.file, patch->origin.line);
         }
         CPatchInfoMemBlock::FreePatchInfo(patch);
@@ -219,21 +237,38 @@ CIdentifier* CIdentifierManager::FindID(const HashedName& name, bool markUsed) {
     return record;
 }
 
-std::int32_t CIdentifierManager::AddPatch(const HashedName& name, CPatchInfo* patch) {
-    CIdentifier* record = index.Find(name);
-    if (log != nullptr) {
-        log->AddText({"Adding patch for: [", name.text, "] -> [", patch->expression.View(), "]\n"});
+Status CIdentifierManager::ValueOf(std::string_view name, std::int32_t* value,
+                                   UnresolvedName* unresolved) {
+    const HashedName hashed(name);
+    CIdentifier* const record = index.Find(hashed);
+    if (record == nullptr || (record->flags & IDF_RESOLVED) == 0) {
+        *unresolved = {name, hashed.hash, record, totalCount};
+        return MSG_UNRESOLVED;
+    }
+    record->flags |= IDF_USED;
+    *value = record->value;
+    return 0;
+}
+
+Status CIdentifierManager::AddPatch(const UnresolvedName& name, CPatchInfo* patch) {
+    const HashedName hashed(name.name, name.hash);
+    CIdentifier* record = name.record;
+    if (record == nullptr && name.knownNames != totalCount) {
+        record = index.Find(hashed);  // another operand may have entered it
     }
     if (record == nullptr) {
-        record = Enter(name);
-        if (record == nullptr) {
-            CPatchInfoMemBlock::FreePatchInfo(patch);
-            return 0;
-        }
+        record = Enter(hashed);
     }
     patch->identifier = record;
+    if (record == nullptr) {
+        CPatchInfoMemBlock::FreePatchInfo(patch);
+        return 0;
+    }
+    if (log != nullptr) {
+        log->AddText({"Adding patch for: [", record->Name(), "] -> [", patch->Expression(), "]\n"});
+    }
     if ((record->flags & IDF_RESOLVED) != 0) {
-        const std::int32_t result = Backpatch(patch);
+        const Status result = Backpatch(patch);
         CPatchInfoMemBlock::FreePatchInfo(patch);
         return result;
     }

@@ -6,8 +6,11 @@
 
 #include <cstdint>
 #include <cstdio>
+#include <span>
 #include <string_view>
 
+#include "diagnostics/message_numbers.h"
+#include "expr/unresolved_name.h"
 #include "symbols/identifier.h"
 #include "symbols/name_index.h"
 #include "symbols/name_pool.h"
@@ -52,20 +55,29 @@ class CIdentifierManager {
     /// always.
     std::int32_t AddID(const Definition& definition);
 
+    /// Enters names that are not there yet, without looking, with `flags` and no value. Their texts
+    /// have to live as long as the table.
+    void EnterNew(std::span<const HashedName> names, std::uint32_t flags);
+
     /// The record of `name` if it has a value, else null: a name that waits and one never seen are
     /// the same here. `markUsed` marks it as read.
     CIdentifier* FindID(const HashedName& name, bool markUsed);
 
+    /// The value of `name`, marked as read. Result: 0 with `value`, or MSG_UNRESOLVED with
+    /// `unresolved`.
+    [[nodiscard]] Status ValueOf(std::string_view name, std::int32_t* value,
+                                 UnresolvedName* unresolved);
+
     /// Takes over `patch`, which waits for `name`, and hangs it on the record of that name, made if
     /// there is none. Result: 0, or that of `Backpatch` should the name have a value.
-    std::int32_t AddPatch(const HashedName& name, CPatchInfo* patch);
+    Status AddPatch(const UnresolvedName& name, CPatchInfo* patch);
 
     /// Evaluates a patch that its caller has taken off its chain and still owns, now that its
     /// identifier has a value; writes the result, gives it to a waiting EQU and goes on with all
     /// that waits for that, or moves a copy of the patch to the next name that it waits for.
     /// Result: 0; 20 the expression is bad; 28 a relative offset is out of range; -1 a failure
     /// behind an EQU, or a patch of no known kind.
-    std::int32_t Backpatch(CPatchInfo* patch);
+    Status Backpatch(CPatchInfo* patch);
 
     /// Reports every name that something still waits for. Result: their number.
     std::int32_t ReportUnresolved();
@@ -92,8 +104,12 @@ class CIdentifierManager {
     bool GrowChunks();
     void LinkChains();
     void ApplyPatches(CIdentifier* identifier);
-    std::int32_t Apply(CPatchInfo* patch, CIdentifier** resolvedEqu);
-    std::int32_t WritePatch(const CPatchInfo& patch, std::int32_t value);
+    Status WorkReleased(CPatchInfo* root, CPatchInfo* released);
+    Status WorkPatch(CPatchInfo* patch, CPatchInfo** released);
+    CPatchInfo* LeavePatch(CPatchInfo* patch, const CPatchInfo* root, Status* result);
+    void MovePatch(const CPatchInfo& patch, const UnresolvedName& unresolved);
+    Status ResolveEqu(const CPatchInfo& patch, std::int32_t value, CPatchInfo** released);
+    Status WritePatch(const CPatchInfo& patch, std::int32_t value);
     void TraceText(const char* text) const;
 
     std::int32_t tableSize;

@@ -15,7 +15,7 @@ namespace korv {
 
 /// Hash of a name, taken in pieces of up to 8 bytes. It has nothing to do with the buckets, which
 /// give the order of the listing.
-[[nodiscard]] inline std::uint64_t HashOf(std::string_view name) {
+[[nodiscard]] constexpr std::uint64_t HashOf(std::string_view name) {
     constexpr std::uint64_t multiplier =
         0x9E3779B97F4A7C15;  // 2 to the 64, divided by the golden ratio
     const char* next = name.data();
@@ -42,10 +42,10 @@ namespace korv {
 /// A name that is looked up, with its hash. Every lookup takes a plain text as well; who asks for
 /// one name twice, first for its value and then to let a patch wait for it, makes this once.
 struct HashedName {
-    HashedName() = default;
-    HashedName(std::string_view text, std::uint64_t hash) : text(text), hash(hash) {}
-    HashedName(std::string_view text) : HashedName(text, HashOf(text)) {}
-    HashedName(const char* text) : HashedName(std::string_view(text)) {}
+    constexpr HashedName() = default;
+    constexpr HashedName(std::string_view text, std::uint64_t hash) : text(text), hash(hash) {}
+    constexpr HashedName(std::string_view text) : HashedName(text, HashOf(text)) {}
+    constexpr HashedName(const char* text) : HashedName(std::string_view(text)) {}
 
     std::string_view text;
     std::uint64_t hash = 0;

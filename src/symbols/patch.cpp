@@ -5,15 +5,19 @@
 #include <new>
 
 #include "platform/platform.h"
+#include "symbols/identifier_manager.h"
 
 namespace korv {
 
 CPatchInfoMemBlock* CPatchInfoMemBlock::blocks = nullptr;
 CPatchInfoMemBlock* CPatchInfoMemBlock::blocksWithRoom = nullptr;
 
-CPatchInfo* CPatchInfoMemBlock::AllocPatchInfo(std::uint32_t position, const CtmpString& expression,
-                                               std::uint32_t flags, PatchOrigin origin,
-                                               const CtmpString& name) {
+std::string_view CPatchInfo::Expression() const {
+    return expressionString.c_str() == nullptr ? identifier->Name() : expressionString.View();
+}
+
+CPatchInfo* CPatchInfoMemBlock::AllocPatchInfo(std::uint32_t position, std::uint32_t flags,
+                                               PatchOrigin origin) {
     if (blocksWithRoom == nullptr) {
         MakeBlock();
     }
@@ -23,8 +27,7 @@ CPatchInfo* CPatchInfoMemBlock::AllocPatchInfo(std::uint32_t position, const Ctm
     if (!block->HasRoom()) {
         blocksWithRoom = block->nextWithRoom;
     }
-    return new (&block->records[slot])
-        CPatchInfo(block, slot, position, expression, flags, origin, name);
+    return new (&block->records[slot]) CPatchInfo(block, slot, position, flags, origin);
 }
 
 void CPatchInfoMemBlock::FreePatchInfo(CPatchInfo* patch) {

@@ -18,6 +18,7 @@ inline constexpr std::uint32_t PF_8BIT = 0x008;      ///< one byte at `position`
 inline constexpr std::uint32_t PF_16BIT = 0x010;     ///< a word at `position`, low byte first
 inline constexpr std::uint32_t PF_RELATIVE = 0x100;  ///< the byte is a distance from `address`
 inline constexpr std::uint32_t PF_SIGNED = 0x400;    ///< the range check is signed
+inline constexpr std::uint32_t PF_NAME = 0x1000;     ///< the text is the name waited for, alone
 
 /// `position` of a patch that writes nothing.
 inline constexpr std::uint32_t noPosition = 0xFFFFFFFF;
@@ -34,18 +35,10 @@ struct PatchOrigin {
 /// identifier, which owns it.
 class CPatchInfo {
   public:
-    /// A patch with a further reference on the texts of the given handles. `name` is empty unless
-    /// `flags` has PF_EQU.
+    /// A patch without texts.
     CPatchInfo(CPatchInfoMemBlock* owner, std::uint32_t slot, std::uint32_t position,
-               const CtmpString& expression, std::uint32_t flags, PatchOrigin origin,
-               const CtmpString& name)
-        : owner(owner),
-          slot(slot),
-          position(position),
-          expression(expression),
-          name(name),
-          flags(flags),
-          origin(origin) {}
+               std::uint32_t flags, PatchOrigin origin)
+        : owner(owner), slot(slot), position(position), flags(flags), origin(origin) {}
     CPatchInfo(const CPatchInfo&) = delete;
     CPatchInfo& operator=(const CPatchInfo&) = delete;
 
@@ -55,10 +48,13 @@ class CPatchInfo {
     CIdentifier* identifier = nullptr;  ///< the one on whose chain it hangs; not owned
     CPatchInfo* parent = nullptr;       ///< while an EQU is worked: the patch above
     const std::uint32_t position;       ///< offset in the target of what is overwritten
-    const CtmpString expression;        ///< the text to evaluate again
-    const CtmpString name;      ///< PF_EQU: the identifier that the value defines; else empty
+    CtmpString expressionString;        ///< empty: the text is the name of `identifier`
+    CtmpString nameString;      ///< PF_EQU: the identifier that the value defines; else empty
     const std::uint32_t flags;  ///< PF_* bits
     const PatchOrigin origin;
+
+    /// The text to evaluate again, terminated.
+    [[nodiscard]] std::string_view Expression() const;
 };
 
 /// Records for 256 patches, of which at most 255 are in use at a time. Slots are given out from a
@@ -69,9 +65,8 @@ class CPatchInfoMemBlock {
     static constexpr std::uint32_t slotCount = 256;
 
     /// Makes a patch. Ends the process when there is no memory for a further block.
-    static CPatchInfo* AllocPatchInfo(std::uint32_t position, const CtmpString& expression,
-                                      std::uint32_t flags, PatchOrigin origin,
-                                      const CtmpString& name);
+    static CPatchInfo* AllocPatchInfo(std::uint32_t position, std::uint32_t flags,
+                                      PatchOrigin origin);
 
     /// Releases the strings of `patch` and gives its slot back.
     static void FreePatchInfo(CPatchInfo* patch);

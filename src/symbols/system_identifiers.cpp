@@ -47,7 +47,7 @@ constexpr auto wordList = [] {
 
 }  // namespace
 
-constexpr std::string_view reservedWords = wordList.data();
+constexpr WordList reservedWords(wordList.data());
 
 void CAssembler::LoadSystemIdentifiers() {
     std::int32_t result = 0;
@@ -59,17 +59,9 @@ void CAssembler::LoadSystemIdentifiers() {
     }
 }
 
-std::int32_t CAssembler::LoadSystemIdentifiersFromString(std::string_view list) {
-    std::int32_t count = 0;
-    while (!list.empty()) {
-        const std::size_t end = std::min(list.find('\t'), list.size());
-        if (identifiers.AddID({list.substr(0, end), 0, 0, 0, IDS_RESERVED_WORD}) != 0) {
-            errors.Report(MSG_SYSTEM_ERROR, "LoadSystemIdentifiersFromString->AddID failed!", 0, 0);
-        }
-        ++count;
-        list.remove_prefix(std::min(end + 1, list.size()));
-    }
-    return count;
+std::int32_t CAssembler::LoadSystemIdentifiersFromString(const WordList& list) {
+    identifiers.EnterNew(list.Words(), IDS_RESERVED_WORD);
+    return static_cast<std::int32_t>(list.Words().size());
 }
 
 }  // namespace korv

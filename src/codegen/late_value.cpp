@@ -1,0 +1,86 @@
+#include "codegen/late_value.h"
+
+#include "codegen/value_range.h"
+#include "driver/assembler.h"
+
+namespace korv {
+namespace {
+
+// Whether two views of one line are the same part of it.
+bool IsSamePart(std::string_view a, std::string_view b) {
+    return a.data() == b.data() && a.size() == b.size();
+}
+
+// `text` without its parentheses, if it has them.
+std::string_view WithoutParentheses(std::string_view text) {
+    return text.front() == '(' && text.back() == ')' ? text.substr(1, text.size() - 2) : text;
+}
+
+}  // namespace
+
+void FilePatch(CAssembler* assembler, const CStatement* statement, std::string_view expression,
+               const UnresolvedName& unresolved, std::uint32_t position, std::uint32_t kind,
+               std::string_view equName) {
+    const bool isName = IsSamePart(expression, unresolved.name);
+    if (isName || IsSamePart(WithoutParentheses(expression), unresolved.name)) {
+        kind |= PF_NAME;
+    }
+    CPatchInfo* const patch =
+        CPatchInfoMemBlock::AllocPatchInfo(position, kind,
+                                           {static_cast<std::int32_t>(statement->address),
+                                            statement->fileName, statement->lineNumber});
+    if (!isName) {  // else the identifier has the text
+        patch->expressionString.Assign(expression);
+    }
+    patch->nameString.Assign(equName);
+    assembler->identifiers.AddPatch(unresolved, patch);
+}
+
+template <std::uint32_t kind>
+Status EmitValue(CAssembler* assembler, const CStatement* statement, const lsArg& arg,
+                 PatchText text) {
+    const std::uint32_t position =
+        (kind & PF_16BIT) != 0 ? assembler->EmitWord(arg.value) : assembler->EmitByte(arg.value);
+    if (arg.status != MSG_UNRESOLVED) [[likely]] {
+        return arg.status;
+    }
+    FilePatch(assembler, statement, text == PatchText::operand ? arg.text : arg.expression,
+              arg.unresolved, position, kind);
+    return 0;
+}
+
+template <std::uint32_t kind>
+Status EmitChecked(CAssembler* assembler, const CStatement* statement, const lsArg& arg,
+                   PatchText text) {
+    constexpr ValueRange range = RangeOf(kind);
+    if (!range.Holds(arg.value)) [[unlikely]] {
+        assembler->ReportWarning(statement, range.message, arg.text);
+    }
+    return EmitValue<kind>(assembler, statement, arg, text);
+}
+
+template Status EmitValue<byteKind>(CAssembler*, const CStatement*, const lsArg&, PatchText);
+template Status EmitValue<wordKind>(CAssembler*, const CStatement*, const lsArg&, PatchText);
+template Status EmitChecked<byteKind>(CAssembler*, const CStatement*, const lsArg&, PatchText);
+template Status EmitChecked<wordKind>(CAssembler*, const CStatement*, const lsArg&, PatchText);
+template Status EmitChecked<displacementKind>(CAssembler*, const CStatement*, const lsArg&,
+                                              PatchText);
+
+Status EmitRelative(CAssembler* assembler, const CStatement* statement, const lsArg& arg,
+                    Status tooFar) {
+    if (arg.status == MSG_UNRESOLVED) {
+        return EmitValue<relativeKind>(assembler, statement, arg, PatchText::operand);
+    }
+    if (arg.status != 0) {
+        return arg.status;
+    }
+    const std::int32_t offset =
+        RelativeOffset(arg.value, static_cast<std::int32_t>(statement->address));
+    if (!relativeRange.Holds(offset)) {
+        return tooFar;
+    }
+    assembler->EmitByte(offset);
+    return 0;
+}
+
+}  // namespace korv

@@ -1,0 +1,53 @@
+/// The one maker of a value in the image: known or late, a handler emits it here. A value that is
+/// not known yet leaves a placeholder and a patch; what a patch then writes, and how it is checked,
+/// is decided by the same kinds.
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+#include "diagnostics/message_numbers.h"
+#include "expr/unresolved_name.h"
+#include "symbols/patch.h"
+
+namespace korv {
+
+class CAssembler;
+struct CStatement;
+struct lsArg;
+
+/// Kinds of values in the image, by what a patch of the kind is.
+inline constexpr std::uint32_t byteKind = PF_8BIT;
+inline constexpr std::uint32_t wordKind = PF_16BIT;
+inline constexpr std::uint32_t displacementKind = PF_SIGNED | PF_8BIT;
+inline constexpr std::uint32_t relativeKind = PF_RELATIVE | PF_8BIT;
+
+/// The text that a patch evaluates again and that its messages show.
+enum class PatchText {
+    operand,     ///< the whole operand, with its parentheses
+    expression,  ///< what is evaluated of it
+};
+
+/// Emits the value of `arg` in the width of `kind`, and files a patch if it is not known yet.
+/// Result: 0, or why its expression failed; then 0 has been emitted.
+template <std::uint32_t kind>
+Status EmitValue(CAssembler* assembler, const CStatement* statement, const lsArg& arg,
+                 PatchText text);
+
+/// The same, and warns first, with the text of `arg`, of a value outside the range of `kind`.
+template <std::uint32_t kind>
+[[nodiscard]] Status EmitChecked(CAssembler* assembler, const CStatement* statement,
+                                 const lsArg& arg, PatchText text);
+
+/// Emits the distance from the statement to the address `arg` as a byte. Result: 0; `tooFar` for a
+/// known one that does not fit, or why the expression failed: nothing has been emitted then.
+[[nodiscard]] Status EmitRelative(CAssembler* assembler, const CStatement* statement,
+                                  const lsArg& arg, Status tooFar);
+
+/// Files a patch of `kind` at `position` of the image: `expression` is evaluated again when
+/// `unresolved` has got its value. `equName`: the identifier that an EQU defines by it.
+void FilePatch(CAssembler* assembler, const CStatement* statement, std::string_view expression,
+               const UnresolvedName& unresolved, std::uint32_t position, std::uint32_t kind,
+               std::string_view equName = {});
+
+}  // namespace korv

@@ -1,0 +1,97 @@
+#include "expr/number.h"
+
+#include "source/char_class.h"
+
+namespace korv {
+namespace {
+
+constexpr std::int32_t maxNumber = 65535;
+
+// A digit is of class CC_HEX to base 16, where "?", "@" and "_" count by their code as letters do.
+// A dot groups the digits to base 2.
+Status ReadDigits(std::string_view digits, std::int32_t base, std::int32_t* value) {
+    if (digits.empty()) {
+        return MSG_GENERAL_FAILURE;
+    }
+    std::int32_t number = 0;
+    for (const char c : digits) {
+        std::int32_t digit = c - '0';
+        if (base == 16) {
+            if (!HasClass(c, CC_HEX)) {
+                return notANumber;
+            }
+            if (!HasClass(c, CC_DIGIT)) {
+                digit = c - 'A' + 10;
+            }
+        } else if (base == 2 && c == '.') {
+            continue;
+        } else if (digit < 0 || digit >= base) {
+            return notANumber;
+        }
+        number = number * base + digit;
+        if (number > maxNumber) {
+            return MSG_BAD_NUMBER;
+        }
+    }
+    *value = number;
+    return 0;
+}
+
+// A token whose radix its last character tells, or which is decimal. "B" is a digit too, "H" and
+// "O" are not; so it is told by what stands before it whether one of them is the suffix.
+Status ReadSuffixed(std::string_view token, std::int32_t* value) {
+    const std::size_t last = token.size() - 1;
+    const std::string_view digits = token.substr(0, last);
+    std::size_t i = 0;
+    while (i <= last && (HasClass(token[i], CC_HEX) || token[i] == '.')) {
+        ++i;
+    }
+    if (i > last) {
+        return token[last] == 'B' ? ReadDigits(digits, 2, value) : ReadDigits(token, 10, value);
+    }
+    if (i == last && token[i] == 'H') {
+        return ReadDigits(digits, 16, value);
+    }
+    if (i == last && token[i] == 'O') {
+        return ReadDigits(digits, 8, value);
+    }
+    return notANumber;
+}
+
+Status ReadRadixPrefixed(std::string_view token, std::int32_t* value) {
+    const std::string_view digits = token.substr(2);
+    switch (token[1]) {
+        case 'B':
+            return ReadDigits(digits, 2, value);
+        case 'D':
+            return ReadDigits(digits, 10, value);
+        case 'H':
+            return ReadDigits(digits, 16, value);
+        default:
+            return ReadDigits(digits, 8, value);
+    }
+}
+
+}  // namespace
+
+Status ReadNumber(std::string_view token, std::int32_t* value) {
+    switch (token.front()) {
+        case '"':
+            if (token.size() != 3 || token[2] != '"') {
+                return MSG_BAD_EXPRESSION;
+            }
+            *value = static_cast<signed char>(token[1]);
+            return 0;
+        case '$':
+        case '#':
+            return ReadDigits(token.substr(1), 16, value);
+        case '%':
+            return ReadDigits(token.substr(1), 2, value);
+        case '&':
+            return ReadRadixPrefixed(token, value);
+        default:
+            return ReadSuffixed(token, value);
+    }
+}
+
+}  // namespace korv

@@ -1,0 +1,34 @@
+/// Numbers as a source writes them: with a prefix, with a suffix, decimal, or as a character.
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+#include "diagnostics/message_numbers.h"
+#include "source/char_class.h"
+
+namespace korv {
+
+/// Result of `ReadNumber`: the token has no form of a number, and may be a name.
+inline constexpr Status notANumber = -1;
+
+/// Reads `token`, which is not empty and not "$" alone. Result: 0 with the number in `value`;
+/// MSG_GENERAL_FAILURE for a form without digits; MSG_BAD_NUMBER above 65535; MSG_BAD_EXPRESSION
+/// for a string that is not of one character; `notANumber`. `value` is set with 0 only.
+[[nodiscard]] Status ReadNumber(std::string_view token, std::int32_t* value);
+
+/// Reads `token`, of at most four characters, if it is decimal, as most numbers are. False: it is
+/// something else.
+[[nodiscard]] inline bool ReadShortDecimal(std::string_view token, std::int32_t* value) {
+    std::int32_t number = 0;
+    for (const char c : token) {
+        if (!HasClass(c, CC_DIGIT)) {
+            return false;
+        }
+        number = number * 10 + (c - '0');
+    }
+    *value = number;
+    return true;
+}
+
+}  // namespace korv

@@ -1,0 +1,113 @@
+/// The words of an expression: what each character does to them, the operators, and the reader that
+/// cuts a text into tokens. Tokens are views of the text: they are contiguous in it, but for a
+/// string that the text ends in, whose closing quote is missing. Letters arrive in upper case, so
+/// the word operators exist in upper case only.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string_view>
+
+#include "expr/evaluator.h"
+#include "source/char_class.h"
+
+namespace korv {
+
+struct Operator {
+    std::int32_t code = 0;  ///< OP_*; 0: none
+    std::int32_t priority = 0;
+};
+
+struct OperatorRow {
+    std::string_view spelling;
+    Operator op;
+};
+
+/// Operators of one character. "&" is no operator where a number prefix begins, and "<" and ">" may
+/// go on with "=".
+inline constexpr std::array symbolOperators = {
+    OperatorRow{"(", {OP_OPEN, 20}},   OperatorRow{"*", {OP_MULTIPLY, 12}},
+    OperatorRow{"/", {OP_DIVIDE, 12}}, OperatorRow{"+", {OP_PLUS, 11}},
+    OperatorRow{"-", {OP_MINUS, 11}},  OperatorRow{"&", {OP_AND, 7}},
+    OperatorRow{"^", {OP_XOR, 6}},     OperatorRow{"|", {OP_OR, 5}},
+    OperatorRow{"!", {OP_NOT, 4}},     OperatorRow{"~", {OP_NOT, 4}},
+    OperatorRow{")", {OP_CLOSE, 3}},   OperatorRow{"<", {OP_LESS, 2}},
+    OperatorRow{">", {OP_GREATER, 2}}, OperatorRow{"=", {OP_EQUAL, 1}},
+};
+
+/// What a character does to the token that is being read. The first two let it go on; a separator
+/// ends the operand around it, though, where there are several on a line.
+enum class TokenAction : std::uint8_t {
+    append,
+    separator,
+    blank,
+    symbol,
+    compare,
+    ampersand,
+    quote,
+    dot
+};
+
+inline constexpr auto tokenActions = [] {
+    std::array<TokenAction, 256> table{};
+    for (std::size_t c = 0; c < table.size(); ++c) {
+        table[c] = (charClass[c] & CC_BLANK) != 0 ? TokenAction::blank : TokenAction::append;
+    }
+    for (const OperatorRow& row : symbolOperators) {
+        table[static_cast<std::uint8_t>(row.spelling[0])] = TokenAction::symbol;
+    }
+    table['\0'] = table[','] = table[';'] = TokenAction::separator;
+    table['<'] = table['>'] = TokenAction::compare;
+    table['&'] = TokenAction::ampersand;
+    table['"'] = TokenAction::quote;
+    table['.'] = TokenAction::dot;
+    return table;
+}();
+
+[[nodiscard]] constexpr TokenAction ActionOf(char c) {
+    return tokenActions[static_cast<std::uint8_t>(c)];
+}
+
+/// Past the characters from `text` on that belong to a token wherever they stand. `text` is
+/// terminated.
+[[nodiscard]] inline const char* SkipToken(const char* text) {
+    while (ActionOf(*text) == TokenAction::append) {
+        ++text;
+    }
+    return text;
+}
+
+/// The operator that `token`, which is not empty, is as a word, bare or in dots as in ".AND.".
+[[nodiscard]] Operator FindWord(std::string_view token);
+
+/// Cuts the tokens of one text.
+class TokenReader {
+  public:
+    explicit TokenReader(std::string_view text)
+        : position(text.data()), end(text.data() + text.size()) {}
+
+    /// Reads the next token, which may be empty, and the operator that ended it.
+    void Next();
+
+    [[nodiscard]] std::string_view Token() const {
+        return {start, static_cast<std::size_t>(tokenEnd - start)};
+    }
+
+    Operator op;                     ///< that ended the token; none at a blank, a quote and the end
+    bool isAtEnd = false;            ///< the text is used up
+    bool lacksClosingQuote = false;  ///< of a token that the text ended in
+
+  private:
+    bool TakeEnd(char c);
+    void TakeString();
+    bool TakeAmpersand();
+    bool TakeDot();
+
+    const char* position;
+    const char* end;
+    const char* start = nullptr;
+    const char* tokenEnd = nullptr;
+    bool hasOpenDot = false;  // lives across tokens: only a dot that closes one clears it
+};
+
+}  // namespace korv

@@ -11,6 +11,7 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <cstring>
 #include <functional>
 
 #include "platform/platform.h"
@@ -71,7 +72,8 @@ const std::string DEATHS[] = {
     "realloc error\n",
 };
 
-TEST(FaultTest, AnyAllocationMayFailOnceOrForGood) {
+// Named so that it runs before the others: those leave blocks of patches in this process.
+TEST(FaultDeathTest, AnyAllocationMayFailOnceOrForGood) {
     const TempDir directory;
     // clang-format off
     const std::string dump =
@@ -127,6 +129,53 @@ TEST(FaultTest, AnyAllocationMayFailOnceOrForGood) {
     }
 }
 
+// What the run prints when the first allocation of `size` bytes fails.
+std::string ConsoleWithout(std::size_t size, const std::vector<std::string>& words) {
+    const std::string failure = "Failed to allocate " + std::to_string(size) + " bytes.";
+    std::string console;
+    for (int n = 1; n < 300 && !Contains(console, failure); ++n) {
+        console = RunChild(words, [n](pid_t) { korv::platform::FailAllocation(n, false); }).console;
+    }
+    return console;
+}
+
+TEST(MemoryTest, ABufferThatCannotBeHadIsOneErrorOfItsFile) {
+    const TempDir directory;
+    WriteFile("Big.Kor", std::string(777, '\n'));
+    WriteFile("A.KOR", "\n\n\n");
+    WriteFile("Main.Kor", " INCLUDE A.KOR\n INCLUDE Big.Kor\n");
+    const std::string noFile = "\nUhm, I DUNNO! ;p(0) : error X52 : Out of Memory.\n";
+    const struct {
+        std::size_t size;
+        std::vector<std::string> words;
+        std::string part;
+    } rows[] = {
+        {777, {"korv", "Big.Kor"}, noFile},
+        {7, {"korv", "Big.Kor", "/f:7"}, noFile},
+        {777, {"korv", "Big.Kor", "/f:7", "/f:0"}, noFile},
+        {1234, {"korv", "Big.Kor", "/linelen:1233"}, noFile},
+        {777, {"korv", "Main.Kor"}, "/Main.Kor(2) : error X52 : Out of Memory.\n"},
+        {777,
+         {"korv", "Main.Kor"},
+         ":     4.\n   Current filename:  " + directory.Path() + "/Big.Kor\n"},
+    };
+    for (const auto& [size, words, part] : rows) {
+        const std::string console = ConsoleWithout(size, words);
+        EXPECT_TRUE(Contains(console, part)) << part << console;
+        EXPECT_TRUE(Contains(console, ";p(0) : error X15 : Program aborted!\n")) << console;
+    }
+}
+
+TEST(DirectoryTest, ACurrentDirectoryThatIsGoneIsSaid) {
+    const TempDir directory;
+    WriteFile("gone/x", "");
+    const auto leave = [](pid_t) { EXPECT_EQ(0, chdir("gone") | unlink("x") | rmdir("../gone")); };
+    EXPECT_TRUE(Contains(RunChild({"korv", "/w"}, leave).console,
+                         "[Korv] GOT 2 ERRORS!\n"
+                         "Uhm, I DUNNO! ;p(0) : error X32 : Could not get directory.\n"
+                         "Uhm, I DUNNO! ;p(0) : error X10 : Could not open file. [Main.Kor]\n"));
+}
+
 TEST(BreakTest, EndsTheRunAndLeavesTheTarget) {
     const TempDir directory;
     WriteFile("OUT.COM", "old");
@@ -170,7 +219,7 @@ TEST(IncludeTest, FindsWhatAppearsDuringTheRun) {
     EXPECT_EQ("\1\2\3", ReadFile("OUT.COM"));
 }
 
-TEST(WaitTest, TakesOneKey) {
+TEST(WaitTest, TakesOneByteOfAPipe) {
     const TempDir directory;
     int ends[2];
     ASSERT_EQ(0, pipe(ends));
@@ -183,10 +232,16 @@ TEST(WaitTest, TakesOneKey) {
     EXPECT_EQ(1, read(ends[0], &left, 1));
     EXPECT_EQ(0, RunChild({"korv", "/wait"}, fromPipe).status);  // the end of the input is a key
     close(ends[0]);
+}
 
+TEST(WaitTest, TakesOneKeyOfATerminal) {
     const int keyboard = posix_openpt(O_RDWR | O_NOCTTY);
-    ASSERT_EQ(0, grantpt(keyboard) | unlockpt(keyboard));
-    const int terminal = open(ptsname(keyboard), O_RDWR | O_NOCTTY);
+    const bool isReady = keyboard >= 0 && grantpt(keyboard) == 0 && unlockpt(keyboard) == 0;
+    const int terminal = isReady ? open(ptsname(keyboard), O_RDWR | O_NOCTTY) : -1;
+    if (terminal < 0) {
+        GTEST_SKIP() << "No terminal can be had: " << std::strerror(errno);
+    }
+    const TempDir directory;
     termios before;
     ASSERT_EQ(0, tcgetattr(terminal, &before));
     termios now = before;

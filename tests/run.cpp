@@ -21,13 +21,15 @@ std::string TargetName(const std::vector<std::string>& arguments) {
     std::vector<std::string> names;
     const char* extension = ".com";
     for (const std::string& word : arguments) {
-        extension = word == "/b" ? ".bin" : extension;
         if (word[0] != '-' && (word[0] != '/' || word.rfind('/') != 0)) {
-            names.push_back(word);
+            names.push_back(ReplaceAll(word, "\\", "/"));
+        } else if (word.find_first_of("bB") == 1) {
+            extension = word.ends_with('-') ? ".com" : ".bin";
         }
     }
-    names.resize(std::max<std::size_t>(names.size(), 1), "Main.Kor");
-    return names.size() > 1 ? names[1] : fs::path(names[0]).replace_extension(extension).string();
+    names.resize(std::max<std::size_t>(names.size(), 2));
+    fs::path source = names[0].empty() ? "Main.Kor" : names[0];
+    return names[1].empty() ? source.replace_extension(extension).string() : names[1];
 }
 
 }  // namespace
@@ -39,6 +41,8 @@ RunResult RunKorv(const std::vector<std::string>& arguments) {
     for (std::string& word : words) {
         argv.push_back(word.data());
     }
+    const std::string target = TargetName(arguments);
+    const auto before = ReadFile(target);
     const int savedOutput = dup(STDOUT_FILENO);
     CaptureConsole();
     const int status = korv::RunProcess(static_cast<int>(argv.size()), argv.data());
@@ -46,7 +50,7 @@ RunResult RunKorv(const std::vector<std::string>& arguments) {
     dup2(savedOutput, STDOUT_FILENO);
     close(savedOutput);
     const std::string end = status == 0 ? "" : "exit status " + std::to_string(status) + "\n";
-    return {ReadFile("console").value_or("") + end, ReadFile(TargetName(arguments))};
+    return {ReadFile("console").value_or("") + end, target, before, ReadFile(target)};
 }
 
 void CaptureConsole() {
@@ -82,42 +86,6 @@ void WriteFile(const std::string& name, std::string_view contents) {
         fs::create_directories(parent);
     }
     std::ofstream(name, std::ios::binary) << contents;
-}
-
-std::string ProjectPath(const std::string& part) {
-    return KORV_SOURCE_DIR "/" + part;
-}
-
-std::vector<std::string> TablesIn(const std::string& folder) {
-    std::vector<std::string> tables;
-    for (const auto& entry : fs::directory_iterator(ProjectPath("tests/" + folder))) {
-        tables.push_back(entry.path());
-    }
-    std::sort(tables.begin(), tables.end());
-    return tables;
-}
-
-std::vector<Encoding> ReadEncodings(const std::string& path) {
-    std::ifstream table(path);
-    std::vector<Encoding> encodings;
-    for (std::string line; std::getline(table, line);) {
-        if (line.empty() || line[0] == '#') {
-            continue;
-        }
-        const std::size_t equals = line.rfind(" = ");
-        const std::string left = line.substr(0, equals);
-        const std::size_t open = std::min(left.find('['), equals);
-        const std::size_t close = std::min(left.find(']'), equals);
-        std::istringstream alternatives(open < close ? left.substr(open + 1, close - open - 1)
-                                                     : "");
-        std::istringstream groups(ReplaceAll(line.substr(equals + 3), " ", ""));
-        for (std::string alternative, bytes; std::getline(groups, bytes, '|');) {
-            std::getline(alternatives, alternative, '|');
-            const std::string end = open < close ? left.substr(close + 1) : "";
-            encodings.push_back({left.substr(0, open) + alternative + end, bytes});
-        }
-    }
-    return encodings;
 }
 
 std::string ToHex(std::string_view bytes) {

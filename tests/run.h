@@ -7,11 +7,15 @@
 #include <string_view>
 #include <vector>
 
+#include "table.h"
+
 namespace korv_test {
 
 struct RunResult {
-    std::string console;                ///< all that the run printed
-    std::optional<std::string> target;  ///< bytes of the target, if there is one behind the run
+    std::string console;  ///< all that the run printed
+    std::string targetName;
+    std::optional<std::string> before;  ///< bytes of the target, if there is one before the run
+    std::optional<std::string> target;  ///< ... and after it
 };
 
 /// Runs the program with `arguments`, in the current directory; leaves a file `console` there.
@@ -34,19 +38,6 @@ class TempDir {
 std::optional<std::string> ReadFile(const std::string& name);
 /// Makes the directories of `name` as well.
 void WriteFile(const std::string& name, std::string_view contents);
-
-/// The absolute path of a part of the project.
-std::string ProjectPath(const std::string& part);
-/// The files in a folder of tests/, in order.
-std::vector<std::string> TablesIn(const std::string& folder);
-
-struct Encoding {
-    std::string instruction;
-    std::string bytes;  ///< hexadecimal, without blanks
-};
-
-/// A table of encodings: "LD [B|C],5 = 06 05|0E 05" is two of them.
-std::vector<Encoding> ReadEncodings(const std::string& path);
 
 /// Sends what this process prints to the file `console`.
 void CaptureConsole();

@@ -1,0 +1,393 @@
+// Every keyword crossed with every pair of operands: what is accepted is what the lines of
+// encodings/ name, with any number in the place of theirs, and all else becomes what refusals.txt
+// says. Bytes and messages of each statement are compared, so that none becomes another one in
+// silence.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <bitset>
+#include <cstdio>
+#include <cstdlib>
+#include <deque>
+#include <fstream>
+#include <map>
+#include <set>
+#include <sstream>
+
+#include "codegen/keywords.h"
+#include "driver/assembler.h"
+#include "run.h"
+#include "table.h"
+
+namespace korv_test {
+namespace {
+
+// Many lines of encodings/ are one form with another number; the loss of one shows here alone.
+constexpr std::size_t namedStatements = 882;
+// The end of each source defines names, so that what waits for them gets its value late.
+constexpr const char* lateSource = "SOON: EQU 18\nLATE: EQU 300\nFAR: EQU 65535+1\n";
+const std::map<std::string, int> worth = {{"SOON", 18},    {"+SOON", 18},  {"LATE", 300},
+                                          {"-LATE", -300}, {"FAR", 65536}, {"65535+1", 65536},
+                                          {"\"A\"", 65}};
+
+using Words = std::vector<std::string>;
+
+struct Shape {
+    std::string text;             // of an operand, as written
+    std::string word;             // as matched: without the parentheses, where they mean nothing
+    std::string group;            // of those that are no value
+    int status;                   // of its expression; -1 if it is none
+    std::size_t index;            // in the sets of the rows
+    const Shape* bare = nullptr;  // the same, if its parentheses may mean nothing
+};
+using Operands = std::vector<const Shape*>;
+
+// A line of a table: statements, and what becomes of them.
+struct Row {
+    std::string line, about, mnemonics, bytes;
+    Words messages;
+    bool isAnyCount;                         // of operands
+    std::vector<std::bitset<256>> operands;  // the shapes that fit, by index
+    Words fields;  // of a named statement: which operand is a byte, word, disp, jump
+    bool isUsed;
+};
+
+struct Outcome {
+    std::string bytes;
+    std::multiset<std::string> messages;
+    std::string line;  // that says so
+};
+
+Words Split(const std::string& text, char separator) {
+    std::istringstream stream(text);
+    Words words;
+    for (std::string word; std::getline(stream, word, separator);) {
+        words.push_back(word);
+    }
+    return words;
+}
+
+std::string Hex(int value, std::size_t bytes) {
+    const char raw[] = {static_cast<char>(value), static_cast<char>(value >> 8)};
+    return ReplaceAll(ToHex({raw, bytes}), " ", "");
+}
+
+// Without parentheses; of an index the displacement only.
+std::string Inner(const std::string& text) {
+    const std::size_t sign = text.starts_with("(I") ? text.find_first_of("+-") : std::string::npos;
+    const std::size_t start = sign != std::string::npos ? sign : text[0] == '(' ? 1 : 0;
+    return text.substr(start, text.size() - start - (start == 0 ? 0 : 1));
+}
+
+// What stands for every value of that form: n, (n), (IX+n) or (IY+n).
+std::string FormOf(const std::string& text) {
+    const std::size_t cut = text.size() - Inner(text).size();
+    return cut == 0 ? "n" : cut == 2 ? "(n)" : text.substr(0, 3) + "+n)";
+}
+
+bool IsLike(const Shape& shape, const std::string& pattern) {
+    const int status = shape.status;
+    const std::string form = status < 0 ? shape.group : FormOf(shape.word);
+    const char* const state = status == 0 ? "*0" : status == 12 ? "*12" : status > 0 ? "*bad" : "";
+    return pattern == "x" || pattern == shape.word || pattern == form || pattern == state ||
+           (pattern == "(xy+n)" && form[1] == 'I');
+}
+
+// A name that nothing defines is worth 0.
+int Evaluate(const std::string& text, int address) {
+    const bool isHere = text == "$" || text.find_first_of("+-") == 1;
+    const bool isHex = text[0] == '$' && !isHere;
+    const std::string digits = text.substr(text[0] == '$' ? 1 : 0);
+    const long number = std::strtol(digits.c_str(), nullptr, isHex ? 16 : 10);
+    return worth.contains(text) ? worth.at(text)
+                                : static_cast<int>(number) + (isHere ? address : 0);
+}
+
+// What the number of an operand is in the bytes of a named statement, if no part of the opcode.
+std::string FieldOf(const std::string& operand, const Row& row) {
+    const int value = Evaluate(Inner(operand), korv::comStart);
+    const int distance = value - static_cast<int>(korv::comStart) - 2;
+    const bool isNumber = Inner(operand).find_first_of("$+-0123456789") == 0;
+    const bool isWord = row.bytes.ends_with(Hex(value, 2)) && row.fields != Words{"disp"};
+    return !isNumber                               ? ""
+           : FormOf(operand)[1] == 'I'             ? "disp"
+           : isWord                                ? "word"
+           : row.bytes.ends_with(Hex(value, 1))    ? "byte"
+           : row.bytes.ends_with(Hex(distance, 1)) ? "jump"
+                                                   : "";
+}
+
+// What each line of a source gives, but for the names that stay without a value.
+std::vector<Outcome> Assemble(const std::string& source, std::size_t lines) {
+    WriteFile("Main.Kor", source + lateSource);
+    std::FILE* const console = std::fopen("console", "w");
+    korv::CAssembler(console, static_cast<int>(4 * lines)).RunFromCommandLine("Main.Kor", "", "D");
+    std::fclose(console);
+    std::vector<Outcome> outcomes;
+    std::ifstream listing("Debug.Out");
+    for (std::string line; std::getline(listing, line);) {
+        const std::size_t open = line.find('[') + 1;
+        outcomes.push_back({line.substr(open, line.find(']') - open), {}, ""});
+    }
+    std::ifstream messages("console");
+    for (std::string line; std::getline(messages, line);) {
+        std::size_t at = 0;
+        int number = 0;
+        char kind[8];
+        const std::string message = line.substr(std::min(line.find("Main.Kor("), line.size()));
+        std::sscanf(message.c_str(), "Main.Kor(%zu) : %7s X%d", &at, kind, &number);
+        if (number != 0 && number != 12) {
+            const std::string text = message.substr(std::min(message.find(" ["), message.size()));
+            outcomes.at(at - 1).messages.insert(kind + (" " + std::to_string(number)) + text);
+        }
+    }
+    return outcomes;
+}
+
+struct Crossing {
+    std::deque<Shape> shapes;
+    Operands crossed;  // those of `shapes` that stand for themselves
+    std::deque<Row> rows;
+    std::vector<Row*> rowsOfKeyword;
+    int address = 0;
+    std::size_t statements = 0;
+    Words differences;
+
+    Crossing() {
+        std::ifstream table(ProjectPath("tests/refusals.txt"));
+        int number = 0;
+        for (std::string line; std::getline(table, line);) {
+            const std::string place = "refusals.txt:" + std::to_string(++number) + ": " + line;
+            const Words columns = Split(ReplaceAll(ReplaceAll(line, " |", "|"), "| ", "|"), '|');
+            if (line.starts_with("operands ")) {
+                AddShapes(columns);
+            } else if (!line.empty() && line[0] != '#') {
+                AddRow(place, columns);
+            }
+        }
+        const std::size_t ownRows = rows.size();
+        for (const std::string& path : TablesIn("encodings")) {
+            for (const Encoding& encoding : ReadEncodings(path)) {
+                const std::string& text = encoding.instruction;
+                const Words words = Split(text + " ", ' ');
+                AddRow(text, {"named", words[0], words.size() > 1 ? words[1] : "", encoding.bytes});
+            }
+        }
+        EXPECT_EQ(namedStatements, rows.size() - ownRows) << "statements in tests/encodings/";
+    }
+
+    void AddShapes(const Words& columns) {
+        const std::string group = columns[0].substr(columns[0].find(' ') + 1);
+        const int status = group[0] < '0' || group[0] > '9' ? -1 : std::stoi(group);
+        for (const std::string& text : Words(columns.begin() + 1, columns.end())) {
+            Shape& shape = shapes.emplace_back(Shape{text, text, group, status, shapes.size()});
+            crossed.push_back(&shape);
+            if (FormOf(text) == "(n)" && group != "(r)") {
+                const std::size_t index = shapes.size();
+                shape.bare =
+                    &shapes.emplace_back(Shape{text, Inner(text), Inner(group), status, index});
+            }
+        }
+    }
+
+    void AddRow(const std::string& line, Words columns) {
+        columns.resize(5);
+        const Words messages = Split(columns[4], '+');
+        Row& row = rows.emplace_back(Row{line,
+                                         columns[0],
+                                         "/" + columns[1] + "/",
+                                         columns[3],
+                                         messages,
+                                         columns[2] == "...",
+                                         {},
+                                         {},
+                                         false});
+        for (const std::string& operand : Split(row.isAnyCount ? "" : columns[2], ',')) {
+            row.fields.push_back(row.about == "named" ? FieldOf(operand, row) : "");
+            const std::string patterns = row.fields.back().empty() ? operand : FormOf(operand);
+            std::bitset<256>& set = row.operands.emplace_back();
+            for (const std::string& pattern : Split(patterns, '/')) {
+                for (const Shape& shape : shapes) {
+                    set[shape.index] = set[shape.index] || IsLike(shape, pattern);
+                }
+            }
+            if (set.none()) {
+                differences.push_back(line + ": no operand is crossed that is like " + operand);
+            }
+        }
+    }
+
+    const Row* First(const std::string& about, const Operands& operands) {
+        for (Row* const row : rowsOfKeyword) {
+            bool fits = row->isAnyCount || row->operands.size() == operands.size();
+            for (std::size_t i = 0; fits && i < row->operands.size(); ++i) {
+                fits = row->operands[i][operands[i]->index];
+            }
+            if (fits && row->about == about) {
+                row->isUsed = true;
+                return row;
+            }
+        }
+        return nullptr;
+    }
+
+    static void Tell(const Row* row, const Shape& first, const Shape& it, Outcome* outcome) {
+        outcome->line = row == nullptr ? "" : row->line;
+        for (std::string message : row == nullptr ? Words{"no line decides"} : row->messages) {
+            const int status = message.ends_with("S' [it]") && it.status == 24 ? 16 : it.status;
+            message = ReplaceAll(ReplaceAll(message, "S'", "S"), "S", std::to_string(status));
+            message = ReplaceAll(message, "[first]", "[" + first.text + "]");
+            message = ReplaceAll(message, "[bare]", "[" + Inner(it.text) + "]");
+            outcome->messages.insert(ReplaceAll(message, "[it]", "[" + it.text + "]"));
+        }
+    }
+
+    // A named statement, with the values of `operands` in the place of its own.
+    Outcome Accept(const Row& row, const Operands& operands) {
+        Outcome outcome{row.bytes, {row.messages.begin(), row.messages.end()}, row.line};
+        for (std::size_t i = 0; i < row.fields.size(); ++i) {
+            const std::string& field = row.fields[i];
+            const Shape& operand = *operands[i];
+            const bool isBad = operand.status != 0 && operand.status != 12;
+            int value = isBad ? 0 : Evaluate(Inner(operand.word), address);
+            value -= field == "jump" && (operand.status == 0 || value != 0) ? address + 2 : 0;
+            const std::size_t size = field.empty() ? 0 : field == "word" ? 4 : 2;
+            const std::size_t at = field == "disp" ? 4 : row.bytes.size() - size;
+            outcome.bytes.replace(at, size, Hex(value, size / 2));
+            const int low = field == "word" ? -32768 : -128;
+            const int high = field == "word" ? 65535 : field == "byte" ? 255 : 127;
+            if (!field.empty() && (isBad || value < low || value > high)) {
+                const char* const state = isBad ? "bad " : operand.status == 0 ? "wide " : "late ";
+                const Row* const exception = First(state + field, operands);
+                Tell(exception, operand, operand, &outcome);
+                if (exception != nullptr && exception->bytes == "-1") {
+                    outcome.bytes.resize(outcome.bytes.size() - 2);
+                    break;
+                }
+            }
+        }
+        return outcome;
+    }
+
+    // What the statement with these operands is to give.
+    Outcome Decide(Operands operands) {
+        const bool isBare = First("bare", operands) != nullptr;
+        for (const Shape*& operand : operands) {
+            operand = isBare && operand->bare != nullptr ? operand->bare : operand;
+        }
+        if (const Row* const named = First("named", operands)) {
+            return Accept(*named, operands);
+        }
+        const auto empty = std::ranges::find(operands, "()", &Shape::text);
+        if (empty != operands.end()) {
+            const bool isLast = empty + 1 == operands.end();
+            operands.erase(empty);
+            Outcome outcome = Decide(operands);
+            outcome.messages.insert(isLast ? "error -1" : "error 1 [KO_Args.Add() failed!]");
+            return outcome;
+        }
+        return Refuse(First("", operands), operands);
+    }
+
+    Outcome Refuse(const Row* row, Operands operands) {
+        Outcome outcome{row == nullptr ? "" : row->bytes, {}, ""};
+        const Shape& first = operands.empty() ? shapes[0] : *operands.front();
+        const Shape& last = operands.empty() ? shapes[0] : *operands.back();
+        const Words how = Split(outcome.bytes + " ", ' ');
+        if (const auto other = std::ranges::find(shapes, how.back(), &Shape::text);
+            how.size() > 1 && other != shapes.end()) {
+            (how.size() == 2 ? operands.front() : operands.back()) = &*other;
+        }
+        if (how.size() == 2) {  // "as M"
+            outcome = Decide(operands);
+        } else if (how.size() == 3) {  // "first of BC", "last of B"
+            const Row* const form = First("named", operands);
+            const std::string bytes = form == nullptr ? "  " : form->bytes;
+            outcome.bytes = bytes.substr(how[0] == "first" ? 0 : bytes.size() - 2, 2);
+        }
+        Tell(row, first, last, &outcome);
+        return outcome;
+    }
+
+    // All statements of `keyword`, in one source.
+    void Cross(const std::string& keyword) {
+        rowsOfKeyword.clear();
+        for (Row& row : rows) {
+            const std::string& words = row.mnemonics;
+            if (words == "/*/" || words.find("/" + keyword + "/") != std::string::npos) {
+                rowsOfKeyword.push_back(&row);
+            }
+        }
+        std::vector<Operands> all;
+        Words texts;
+        std::string source;
+        const auto add = [&](const Operands& operands) {
+            std::string text = keyword;
+            for (const Shape* const operand : operands) {
+                text += (text == keyword ? " " : ",") + operand->text;
+            }
+            if (Decide(operands).bytes != "undriven") {
+                all.push_back(operands);
+                texts.push_back(text);
+                source += " " + text + "\n";
+            }
+        };
+        const auto takesTwo = [](const Row* row) { return row->operands.size() == 2; };
+        const std::size_t step = std::ranges::any_of(rowsOfKeyword, takesTwo) ? 1 : 5;
+        const std::size_t n = crossed.size();
+        add({});
+        for (const Shape* const one : crossed) {
+            add({one});
+        }
+        for (std::size_t i = 0; i < n; ++i) {
+            add({crossed[i], crossed[7 * i % n], crossed[5 * i % n]});
+            for (std::size_t j = i % step; j < n; j += step) {
+                add({crossed[i], crossed[j]});
+            }
+        }
+        const std::vector<Outcome> outcomes = Assemble(source, all.size());
+        address = korv::comStart;
+        for (std::size_t i = 0; i < all.size(); ++i) {
+            Compare(texts[i], Decide(all[i]), outcomes.at(i));
+            address += static_cast<int>(outcomes[i].bytes.size() / 2);
+        }
+        statements += all.size();
+    }
+
+    void Compare(const std::string& statement, const Outcome& expected, const Outcome& got) {
+        if (expected.bytes == got.bytes && expected.messages == got.messages) {
+            return;
+        }
+        const auto told = [](const Outcome& outcome) {
+            return "[" + outcome.bytes + "] " + testing::PrintToString(outcome.messages);
+        };
+        const bool isAccepted =
+            got.messages.empty() && expected.line.find(": |") != std::string::npos;
+        const std::string text =
+            statement + " gives " + told(got) + ", not " + told(expected) + "; " + expected.line;
+        differences.insert(
+            isAccepted ? differences.begin() : differences.end(),
+            isAccepted ? "Accepted, and no line of tests/encodings/ names it: " + text : text);
+    }
+};
+
+TEST(Crossing, AcceptsWhatEncodingsName) {
+    const TempDir directory;
+    Crossing crossing;
+    for (const korv::Keyword& keyword : korv::keywords) {
+        crossing.Cross(std::string(keyword.word));
+    }
+    for (const Row& row : crossing.rows) {
+        if (!row.isUsed && row.about != "named") {
+            crossing.differences.push_back(row.line + ": this line decides no statement");
+        }
+    }
+    for (std::size_t i = 0; i < std::min<std::size_t>(crossing.differences.size(), 10); ++i) {
+        ADD_FAILURE() << crossing.differences[i];
+    }
+    EXPECT_EQ(0U, crossing.differences.size()) << "of " << crossing.statements;
+}
+
+}  // namespace
+}  // namespace korv_test

@@ -1,0 +1,259 @@
+// Asks what is missing: each keyword, message, reserved word, switch and limit has its case and its
+// place in the manual. The manual is written by hand, so it is a second opinion on every word and
+// every text. A failure names what has none.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cctype>
+#include <cstdio>
+#include <filesystem>
+#include <functional>
+#include <map>
+#include <regex>
+#include <set>
+
+#include "codegen/keywords.h"
+#include "codegen/recogniser.h"
+#include "diagnostics/message_numbers.h"
+#include "run.h"
+
+namespace korv_test {
+namespace {
+
+using Strings = std::vector<std::string>;
+using StringSet = std::set<std::string>;
+
+// All that the first group of `pattern` finds.
+template <class Container = Strings>
+Container Found(const std::string& text, const std::string& pattern) {
+    const std::regex regex(pattern);
+    return {std::sregex_token_iterator(text.begin(), text.end(), regex, 1), {}};
+}
+
+bool Contains(const std::string& text, const std::string& part) {
+    return text.find(part) != std::string::npos;
+}
+
+// The manual from a line that begins with `from` up to one that begins with `to`.
+std::string Manual(const std::string& from, const std::string& to = "\f") {
+    const std::string text = "\n" + ReadFile(ProjectPath("docs/manual.md")).value_or("") + "\n";
+    const std::size_t start = text.find("\n" + from);
+    return text.substr(start, text.find("\n" + to, start + 1) - start);
+}
+
+// The rows of the tables in a part of the manual.
+Strings Rows(const std::string& part) {
+    return Found(part, "\n(\\| [^\n]*)");
+}
+
+// The tables of cases, and the examples of the manual, which are cases too.
+std::string AllCases() {
+    std::string text;
+    for (const std::string& path : TablesIn("cases")) {
+        text += "\n" + ReplaceAll(ReadFile(path).value_or(""), "\\n", "\n    ");
+    }
+    for (const std::string& block : Found(Manual("# "), "\n```(?:korv|messages)([^`]*)")) {
+        text += block;
+    }
+    return text;
+}
+
+// clang-format off
+// What a form of the manual stands for: "LD r,(IX+d)" is "LD B,(IY-3)" too. Other signs are numbers.
+std::regex PatternOf(const std::string& form) {
+    const std::map<std::string, std::string> signs = {
+        {"r", "[A-EHL]"}, {"r'", "[A-EHL]"}, {"ss", "(BC|DE|HL|SP)"}, {"qq", "(BC|DE|HL|AF)"}, {"IX", "I[XY]"},
+        {"cc", "(N?[ZC]|P[OE]?|M)"}, {"(", "\\("}, {")", "\\)"}, {"+", "[-+]"},
+        {"x", "([A-EHL]|\\((HL|I[XY][-+][0-9]+)\\)|[-$0-9][-+0-9A-F]*)"}};
+    std::string pattern;
+    for (const std::string& part : Found(form, "([a-z]+'?|[A-Z]+|.)")) {
+        pattern += signs.contains(part) ? signs.at(part) : part[0] >= 'a' ? "[-$0-9][-+0-9A-F]*" : part;
+    }
+    return std::regex(pattern);
+}
+
+TEST(CompletenessTest, EveryInstructionHasItsTestAndItsRow) {
+    const std::string lines = ReplaceAll(AllCases(), "|", "\n     ");  // an alternative is a line too
+    const auto cases = Found<StringSet>(lines, "\n(?:    |raw )[^\\s;]*[ \t]+\\[?([A-Z_]+)");
+    std::map<std::string, std::pair<std::regex, bool>> forms;  // the bool: it has a test
+    StringSet listed;
+    for (const std::string& row : Rows(Manual("### 5.2", "### 5.8") + Manual("## 6 ", "## 7 "))) {
+        for (const std::string& form : Found(row, "`([A-Z][^`]*)`")) {
+            forms[form] = {PatternOf(form), cases.contains(form)};
+            listed.insert(form.substr(0, form.find(' ')));
+        }
+    }
+    for (const std::string& path : TablesIn("encodings")) {
+        for (const Encoding& encoding : ReadEncodings(path)) {
+            const std::string& instruction = encoding.instruction;
+            bool isListed = false;
+            for (auto& [form, state] : forms) {
+                if (form.starts_with(instruction.substr(0, 2)) && std::regex_match(instruction, state.first)) {
+                    isListed = state.second = true;
+                }
+            }
+            EXPECT_TRUE(isListed) << instruction << ": no row in chapter 5 of the manual";
+        }
+    }
+    for (const auto& [form, state] : forms) {
+        EXPECT_TRUE(state.second) << form << ": no line in tests/encodings/, no case";
+    }
+    std::map<std::string, const korv::Keyword*> rows;
+    for (const korv::Keyword& row : korv::keywords) {
+        rows.emplace(row.word, &row);
+    }
+    for (const auto& [word, row] : rows) {
+        EXPECT_TRUE(listed.contains(word)) << word << ": no row in chapters 5 and 6 of the manual";
+        for (const std::string& text : {word, word + "A", word.substr(1), word.substr(0, word.size() - 1)}) {
+            const auto known = rows.find(text);
+            EXPECT_EQ(known == rows.end() ? nullptr : known->second, korv::RecogniseInstruction((text + "\tA").c_str()))
+                << text;
+        }
+        for (std::size_t i = 0; i < word.size(); ++i) {
+            const std::string text = word.substr(0, i) + '0' + word.substr(i + 1);
+            EXPECT_EQ(nullptr, korv::RecogniseInstruction(text.c_str())) << text;
+        }
+    }
+}
+
+TEST(CompletenessTest, EveryMessageHasTheTextOfTheManualAndACase) {
+    const StringSet withoutCase = {
+        "error 15",  // a signal: process_test.cpp
+        "error 26",  // an EQU that waits always has its name
+        "error 29",  // a name without a value always has its patches
+        "error 32",  // the current directory is gone
+        "error 36",  // 33 conditions: EveryLimitHoldsAtItsValueAndNotBeyond
+        "error 52",  // no memory: process_test.cpp
+    };
+    std::map<std::string, StringSet> texts = {{"21", {""}}, {"42", {""}}};  // in the manual
+    StringSet kinds;                                                        // "error 16"
+    for (const std::string& row : Rows(Manual("| -1 "))) {
+        const Strings cells = Found(row, "\\| ([^|]*) (?=\\|)");
+        texts[cells[0]].insert(ReplaceAll(cells[2], "\\*", "*"));
+        for (const std::string& kind : Found(cells[1], "(E|W)")) {
+            kinds.insert((kind == "E" ? "error " : "warning ") + cells[0]);
+        }
+    }
+    for (const std::string& entry : Found(Manual("These texts"), "([0-9]+\\s`[^`]*)`")) {
+        texts[entry.substr(0, entry.find('`') - 1)].insert(entry.substr(entry.find('`') + 1));
+    }
+    EXPECT_EQ(1 + korv::MESSAGE_TABLE.size(), texts.size()) << "messages in the manual, and -1";
+    for (std::size_t i = 0; i < korv::MESSAGE_TABLE.size(); ++i) {
+        EXPECT_EQ(texts[std::to_string(i)], StringSet{korv::MESSAGE_TABLE.at(i).text})
+            << "message " << i << ": its text is not that of chapter 12 of the manual";
+    }
+    const auto provoked = Found<StringSet>(ReplaceAll(AllCases(), " : error X", "\nerror "),
+                                           "(?:\n|;![0-9]* )((?:error|warning) -?[0-9]+)");
+    for (const std::string& kind : kinds) {
+        EXPECT_TRUE(provoked.contains(kind) || withoutCase.contains(kind)) << kind << ": no case";
+    }
+    for (const std::string& kind : provoked) {
+        EXPECT_TRUE(kinds.contains(kind)) << kind << ": no row in chapter 12 of the manual";
+    }
+}
+
+// All that a run leaves: its console, the names and contents of its files.
+std::string Traces(const std::string& source, const Strings& arguments) {
+    const TempDir directory;
+    WriteFile("Main.Kor", source);
+    RunKorv(arguments);
+    std::string traces;
+    for (const auto& entry : std::filesystem::directory_iterator(".")) {
+        const std::string name = entry.path().filename();
+        traces += name + "\n" + ReadFile(name).value_or("") + "\n";
+    }
+    return traces;
+}
+
+TEST(CompletenessTest, EveryReservedWordIsRefusedAndFreeWithoutThem) {
+    std::string all;
+    for (const std::string& word : Found(Manual("ADC ADD AND", "```"), "([A-Z_]+)")) {
+        EXPECT_TRUE(Contains(Traces(word + ": NOP\n", {"/i"}), " error X46 : ")) << word << ": free as a label";
+        all += word + ": DB 1\n";
+    }
+    const std::string counts = "91 identifiers found, MaxFileDepth:1.\n";  // 87, and the four below
+    EXPECT_TRUE(Contains(Traces("", {"/m"}), counts)) << "other words than the manual's are reserved";
+    EXPECT_TRUE(Contains(Traces(all, {"/m", "/i-"}), counts + "88 lines processed, 87 bytes"));
+    for (const std::string word : {"KORV", "KORV_VER", "KORV_LOW", "KORV_BUILD"}) {
+        EXPECT_TRUE(Contains(Traces(word + ": NOP\n", {"/i"}), " error X46 : ")) << word;
+        EXPECT_TRUE(Contains(Traces(word + ": NOP\n", {"/i-"}), " error X46 : ")) << word;
+    }
+}
+
+TEST(CompletenessTest, EverySwitchIsOnOffOrMalformed) {
+    const std::map<std::string, std::string> signs = {  // what shows that it is on; with /w, off
+        {"/b", "Main.bin"}, {"/d", "Debug.Out"}, {"/ds", "Adding patch"}, {"/l", "Labels.Out"},
+        {"/m", "secured. (Main."}, {"/p", "100% completed.\r"}, {"/t", "been online for "},
+        {"/w", "warning X57"}, {"/i", "error X46"}, {"/?", "[Korv] HELP!\n"},
+        {"/f:<n>", "0 illegal filesize! "}, {"/linelen:<n>", "0 illegal linesize! "},  // with n = 0
+        {"/wait", "\nPress a key to continue...\r"}};
+    const std::tuple<std::string, char, std::string> endings[] = {  // ' ': as it was before
+        {"", '+', ""}, {"+", '+', ""}, {"-", '-', ""}, {"q", ' ', "Unrecognized switch (argument 3)!\n"},
+        {"+-", '+', "Trailing garbage in argument 3!\n"}, {"-+", '-', "Trailing garbage in argument 3!\n"}};
+    ASSERT_NE(nullptr, std::freopen("/dev/null", "r", stdin));  // for /wait
+    const Strings rows = Rows(Manual("| `/b`", "A word that"));
+    EXPECT_EQ(signs.size(), rows.size()) << "switches in the manual";
+    for (const std::string& row : rows) {
+        const std::string name = Found(row, "`([^`]*)`")[0];
+        ASSERT_TRUE(signs.contains(name)) << name << ": no test";
+        const auto run = [&](const Strings& words) { return Traces("SET: JP X\nX NOP\n", words); };
+        const auto isOn = [&](const std::string& traces) { return Contains(traces, signs.at(name)) != (name == "/w"); };
+        const std::string neutral = name == "/i" ? "/b-" : "/i-";
+        EXPECT_EQ(Contains(row, "**on**"), isOn(run({neutral}))) << name << " by default";
+        for (const auto& [ending, effect, complaint] : endings) {
+            for (std::string start : {name, "-" + name.substr(1)}) {
+                const bool isToggle = Contains(row, "+`");
+                const char before = isToggle && start[0] == '-' ? '-' : '+';
+                std::string word = ReplaceAll(start, "<n>", "0") + ending;
+                std::transform(word.begin(), word.end(), word.begin(), start[0] == '-' ? toupper : tolower);
+                if (isToggle || ending.empty()) {
+                    const std::string traces = run({neutral, isToggle ? name + before : "/p-", word});
+                    EXPECT_EQ((effect == ' ' ? before : effect) == '+', isOn(traces)) << name << before << " " << word;
+                    const bool complains = Contains(traces, "argument 3") && Contains(traces, complaint);
+                    EXPECT_EQ(!complaint.empty(), complains) << word;
+                }
+            }
+        }
+    }
+}
+
+TEST(CompletenessTest, EveryLimitHoldsAtItsValueAndNotBeyond) {
+    const auto times = [](int n, const std::string& text) {
+        return ReplaceAll(std::string(static_cast<std::size_t>(n), '\f'), "\f", text);
+    };
+    const auto files = [](int n) { return " DB 1\n IF $-256<" + std::to_string(n) + "\n INCLUDE Main.Kor\n ENDIF\n"; };
+    const struct {
+        std::string name;  // in chapter 11 of the manual
+        int value;
+        std::string sign;  // that a source goes beyond; after a "!", that it does not
+        std::function<std::string(int)> source;  // that goes up to n
+    } limits[] = {
+        {"line", 256, "error X41", [&](int n) { return " NOP;" + times(n - 6, "x") + "\n"; }},
+        {"label", 256, "error X37", [&](int n) { return times(n, "L") + ":\n"; }},
+        {"label", 256, "error X20", [&](int n) { return " JP " + times(n, "L") + "\n"; }},
+        {"open files", 10, "error X38", files},
+        {"open conditions", 32, "error X36", [&](int n) { return times(n, " IF 1\n"); }},
+        {"messages", 50, "!error X14", [&](int n) { return times(n - 1, " FROB\n") + " LD\n"; }},
+        {"messages", 50, "!warning X57", [&](int n) { return times(n - 1, " DB 1,\n") + "L\n"; }},
+        {"parts", 19, "error X25", [&](int n) { return " LD HL," + times(n - 1, "-") + "1\n"; }},
+        {"number", 65535, "error X55", [](int n) { return " LD HL," + std::to_string(n) + "\n"; }},
+    };
+    const Strings rows = Rows(Manual("| line, ", "The location"));
+    EXPECT_EQ(9U, rows.size()) << "limits in the manual";
+    for (const std::string& row : rows) {
+        bool isTested = Contains(row, "read buffer") || Contains(row, "memory");  // nothing shows these
+        for (const auto& [name, value, sign, source] : limits) {
+            for (int n = value - 1; row.starts_with("| " + name) && n <= value + 1; ++n) {
+                const bool isDenied = sign[0] == '!';
+                const std::string traces = Traces(source(n), {name == "line" ? "/linelen:0" : "/linelen:999"});
+                EXPECT_EQ((n > value) != isDenied, Contains(traces, sign.substr(isDenied))) << name << " " << n;
+                isTested = Contains(row, "| " + std::to_string(value));
+            }
+        }
+        EXPECT_TRUE(isTested) << row << ": no test, or of another value";
+    }
+}
+
+}  // namespace
+}  // namespace korv_test

@@ -14,8 +14,8 @@
 #include <cerrno>
 #include <chrono>
 #include <climits>
-#include <compare>
 #include <map>
+#include <set>
 #include <utility>
 #include <vector>
 
@@ -53,12 +53,26 @@ std::pair<std::string, std::string> Divided(const std::string& path) {
     return {path.substr(0, std::max<std::size_t>(separator, 1)), path.substr(separator + 1)};
 }
 
-std::strong_ordering CompareIgnoringCase(std::string_view a, std::string_view b) {
-    const auto folded = [](char c) { return c >= 'A' && c <= 'Z' ? c + ('a' - 'A') : c; };
-    return std::lexicographical_compare_three_way(
-        a.begin(), a.end(), b.begin(), b.end(),
-        [&](char x, char y) { return folded(x) <=> folded(y); });
+constexpr char Raised(char c) {
+    return c >= 'a' && c <= 'z' ? static_cast<char>(c - ('a' - 'A')) : c;
 }
+
+bool EqualIgnoringCase(std::string_view a, std::string_view b) {
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                      [](char x, char y) { return Raised(x) == Raised(y); });
+}
+
+// Brings names together that match when case is ignored, the first in byte order first.
+struct WithoutCaseFirst {
+    bool operator()(std::string_view a, std::string_view b) const {
+        for (std::size_t i = 0; i < std::min(a.size(), b.size()); ++i) {
+            if (Raised(a[i]) != Raised(b[i])) {
+                return Raised(a[i]) < Raised(b[i]);
+            }
+        }
+        return a.size() != b.size() ? a.size() < b.size() : a < b;
+    }
+};
 
 // The names in a directory as they were when it was read.
 class Listing {
@@ -76,11 +90,13 @@ class Listing {
         if (!isReadable) {
             return Exists(Joined(directory, name)) ? name : std::string();
         }
-        const auto [first, last] = std::equal_range(
-            names.begin(), names.end(), name,
-            [](const auto& a, const auto& b) { return CompareIgnoringCase(a, b) < 0; });
-        const auto exact = std::find(first, last, name);
-        return exact != last ? *exact : first != last ? *first : std::string();
+        auto found = names.find(name);
+        if (found == names.end()) {
+            std::string first = name;  // what would come first of all that match
+            std::transform(first.begin(), first.end(), first.begin(), Raised);
+            found = names.lower_bound(first);
+        }
+        return found != names.end() && EqualIgnoringCase(*found, name) ? *found : std::string();
     }
 
   private:
@@ -103,15 +119,11 @@ class Listing {
         if (isReadable) {
             errno = 0;
             while (const dirent* entry = readdir(stream)) {
-                names.emplace_back(entry->d_name);
+                names.insert(entry->d_name);
             }
             isReadable = errno == 0;
             closedir(stream);
         }
-        std::sort(names.begin(), names.end(), [](const auto& a, const auto& b) {
-            const auto order = CompareIgnoringCase(a, b);
-            return order != 0 ? order < 0 : a < b;
-        });
         // The time of a directory moves by the tick of a clock, and on some file systems by a
         // second or two: what changes it after the reading, but within the tick of the last change
         // before, does not show.
@@ -120,7 +132,7 @@ class Listing {
             isReadable && seconds(modified.tv_sec) + nanoseconds(modified.tv_nsec) + tick < now;
     }
 
-    std::vector<std::string> names;  // in order, case ignored; those that match in byte order
+    std::set<std::string, WithoutCaseFirst> names;
     bool isReadable = false;
     bool isSettled = false;  // a later change will show in the directory's time
     dev_t device = 0;

@@ -17,7 +17,7 @@ bool CNameIndex::MakeRoomFor(std::uint32_t records) {
     if (records <= places / 2) {
         return true;
     }
-    const std::uint32_t grownPlaces = entries == &freeEntry ? 512 : places * 2;
+    const std::uint32_t grownPlaces = entries == &freeEntry ? 256 : places * 2;
     const std::size_t bytes = (std::size_t{grownPlaces} + longestProbe) * sizeof(Entry);
     auto* const grown = static_cast<Entry*>(platform::AllocateZeroed(bytes));
     if (grown == nullptr) {

@@ -36,12 +36,14 @@ TEST(BinBlockTest, GrowsInItsStepsAndNotBefore) {
     const std::pair<std::function<void(Block&)>, std::string> rows[] = {
         {[](Block& b) { b.PutZeros(4096); }, "4096 4096"},
         {[](Block& b) { b.PutZeros(4096), b.PutByte(1); }, "8192 4097"},
-        {[](Block& b) { b.PutZeros(8193); }, "12288 8193"},
+        {[](Block& b) { b.PutZeros(12288); }, "12288 12288"},
+        {[](Block& b) { b.PutZeros(12289); }, "16384 12289"},
         {[](Block& b) { b.PutZeros(4094), b.PutWord(1); }, "4096 4096"},
         {[](Block& b) { b.PutZeros(4095), b.PutWord(1); }, "20480 4097"},
         {[&](Block& b) { put(b, 4095); }, "4096 4095"},  // one byte is kept to spare
         {[&](Block& b) { put(b, 4096); }, "20480 4096"},
         {[&](Block& b) { put(b, 20480); }, "36864 20480"},
+        {[](Block& b) { b.PutByteAt(1, 99999), b.PutWordAt(1, 200000); }, "200704 0"},
         {[](Block& b) { b.PutByteAt(1, 4095), b.PutWordAt(1, 4094); }, "4096 0"},
         {[](Block& b) { b.PutByteAt(1, 4096); }, "8192 0"},
         {[](Block& b) { b.PutWordAt(1, 4095); }, "20480 0"},

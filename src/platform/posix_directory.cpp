@@ -47,7 +47,7 @@ std::string Joined(std::string_view directory, std::string_view name) {
     return path;
 }
 
-// The directory and the name of a full path that is not "/".
+// The directory and the name of a full path; the name of "/" is empty.
 std::pair<std::string, std::string> Divided(const std::string& path) {
     const std::size_t separator = path.find_last_of('/');
     return {path.substr(0, std::max<std::size_t>(separator, 1)), path.substr(separator + 1)};
@@ -117,8 +117,8 @@ class Listing {
         DIR* const stream = opendir(directory.c_str());
         isReadable = stream != nullptr;
         if (isReadable) {
-            errno = 0;
-            while (const dirent* entry = readdir(stream)) {
+            const dirent* entry = nullptr;
+            while (errno = 0, (entry = readdir(stream)) != nullptr) {
                 names.insert(entry->d_name);
             }
             isReadable = errno == 0;
@@ -175,9 +175,9 @@ bool WouldOverwriteSource(std::string_view source, std::string_view target) {
 struct CurrentDirectory::State {
     // A directory on the way from the first file to the one being read.
     struct Level {
-        std::string path;       // empty: not asked for, or it has none
-        int handle = -1;        // for the way back; opened when the directory is first left
-        bool isSecond = false;  // another than that of the level before
+        std::string path;          // empty: not asked for, or it has none
+        int handle = -1;           // for the way back; opened when the directory is first left
+        bool isElsewhere = false;  // not the directory of the level before
     };
 
     // Whether the path of the current directory can be had; then it is that of the last level.
@@ -266,14 +266,14 @@ bool CurrentDirectory::EnterDirectoryOf(const std::string& path) {
         if (here.handle < 0) {
             here.handle = open(".", directoryHandle | O_DIRECTORY | O_CLOEXEC);
         }
-        next.isSecond = chdir(directory.c_str()) == 0 ||
-                        (state->SpellAsOnDisk(&directory) && chdir(directory.c_str()) == 0);
+        next.isElsewhere = chdir(directory.c_str()) == 0 ||
+                           (state->SpellAsOnDisk(&directory) && chdir(directory.c_str()) == 0);
     }
-    if (!next.isSecond) {
+    if (!next.isElsewhere) {
         next.path = state->levels.back().path;
     }
     state->levels.push_back(std::move(next));
-    return isSame || state->levels.back().isSecond;
+    return isSame || state->levels.back().isElsewhere;
 }
 
 void CurrentDirectory::Leave() {
@@ -282,7 +282,7 @@ void CurrentDirectory::Leave() {
     if (left.handle >= 0) {
         close(left.handle);
     }
-    if (left.isSecond) {
+    if (left.isElsewhere) {
         const State::Level& here = state->levels.back();
         // Where that fails there is nowhere else to go.
         [[maybe_unused]] const int result =

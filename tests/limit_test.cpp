@@ -34,13 +34,15 @@ TEST(BinBlockTest, GrowsInItsStepsAndNotBefore) {
         // what is put; then size and position
         {"zeros 4096", "4096 4096"},
         {"zeros 4096 byte 1", "8192 4097"},
-        {"zeros 8193", "12288 8193"},
+        {"zeros 12288", "12288 12288"},
+        {"zeros 12289", "16384 12289"},
         {"zeros 4094 word 1", "4096 4096"},
         {"zeros 4095 word 1", "20480 4097"},
         {"bytes 4095", "4096 4095"},  // one byte is kept to spare
         {"bytes 4096", "20480 4096"},
         {"bytes 20480", "36864 20480"},
         {"byteAt 4095 wordAt 4094", "4096 0"},
+        {"byteAt 99999 wordAt 200000", "200704 0"},
         {"byteAt 4096", "8192 0"},
         {"wordAt 4095", "20480 0"},
         {"byteAt 4294967295", "4096 0"},  // no position

@@ -62,8 +62,8 @@ bool Contains(const std::string& text, const std::string& part) {
 
 // What each owner of memory says when it dies.
 const std::string DEATHS[] = {
-    "Could not allocate more memory! (Size=4096)\n",  // by a byte
-    "Could not allocate more memory! (Size=8192)\n",  // by a word
+    "Could not allocate more memory! (Size=4096)\n",   // by many bytes, at the first step
+    "Could not allocate more memory! (Size=20480)\n",  // by a word
     "Could not allocate memory for BinBlock.\n",
     "Could not allocate more memory.\n",
     "Could not allocate memory for CPatchInfoMemBlock!\n",
@@ -87,7 +87,7 @@ TEST(FaultDeathTest, AnyAllocationMayFailOnceOrForGood) {
     const std::string firstDeath =
         "[ERROR!] Failed to allocate 8192 bytes.\n" + dump + DEATHS[0] + dump;
     std::string source = "L0: DW F0+0,F1,F2\n IF 1\n INCLUDE 7\n ENDIF\n";
-    std::string included = " DS 4352-$\n DB 1\n DS 8447-$\n DW 5\n";
+    std::string included = " DS 20735-$\n DW 5\n";
     for (int i = 0; i < 1000; ++i) {
         source += i < 20 ? std::string(200, 'N') + std::to_string(i) + ": DW F0\n" : " DW F2\n";
         included += i < 90 ? " DB \"" + std::string(200, 'x') + "\"\n" : "";
@@ -119,6 +119,7 @@ TEST(FaultDeathTest, AnyAllocationMayFailOnceOrForGood) {
             ASSERT_TRUE(Contains(console, "[ERROR!] Failed to allocate ")) << n;
             ASSERT_EQ(Contains(console, "error X15 :") ? 0 : 255 << 8, outcome.status) << n;
             EXPECT_EQ(Contains(console, DEATHS[0]), console.ends_with(firstDeath));
+            EXPECT_FALSE(Contains(console, "allocate 20480 ")) << "all steps at once are a try";
             consoles += console;
         }
         EXPECT_EQ(0, outcome.status);

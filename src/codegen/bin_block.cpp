@@ -24,7 +24,20 @@ BinBlock::~BinBlock() {
     platform::Free(data);
 }
 
+void BinBlock::GrowAtOnce(std::uint32_t step, std::uint64_t offset) {
+    const std::uint64_t wanted = (offset - size) / step + 1;
+    const std::uint64_t possible = (std::numeric_limits<std::uint32_t>::max() - size) / step;
+    const auto grownSize = static_cast<std::uint32_t>(size + std::min(wanted, possible) * step);
+    if (void* const grown = platform::TryReallocate(data, grownSize); grown != nullptr) {
+        data = static_cast<std::uint8_t*>(grown);
+        size = grownSize;
+    }
+}
+
 void BinBlock::GrowBy(std::uint32_t step, std::uint64_t offset) {
+    if (offset >= static_cast<std::uint64_t>(size) + step) {
+        GrowAtOnce(step, offset);
+    }
     while (offset >= size) {
         const bool hasRoom = size <= std::numeric_limits<std::uint32_t>::max() - step;
         void* const grown = hasRoom ? platform::Reallocate(data, size + step) : nullptr;
@@ -55,6 +68,9 @@ std::uint32_t BinBlock::PutBytes(std::span<const std::uint8_t> bytes) {
 
 std::uint32_t BinBlock::PutZeros(std::uint32_t count) {
     const std::uint32_t start = position;
+    if (const std::uint64_t end = static_cast<std::uint64_t>(position) + count; end > size) {
+        GrowAtOnce(byteStep, end - 1);
+    }
     while (count > 0) {
         if (position >= size) {
             GrowBy(byteStep, position);

@@ -62,6 +62,10 @@ class BinBlock {
     static constexpr std::uint32_t byteStep = 4096;
     static constexpr std::uint32_t wordStep = 16384;
 
+    // Tries to take all steps of `step` until `offset`, which lies outside, is inside the buffer,
+    // by one allocation. Where that fails nothing is said: the single steps follow, which tell how
+    // far the memory went.
+    void GrowAtOnce(std::uint32_t step, std::uint64_t offset);
     // Grows in steps of `step` until `offset` lies inside the buffer.
     void GrowBy(std::uint32_t step, std::uint64_t offset);
 

@@ -50,6 +50,16 @@ void* Reallocate(void* memory, std::size_t size) {
     return result;
 }
 
+// Where this one is to fail on purpose, so is the next one: a failure that nobody hears of would be
+// none.
+void* TryReallocate(void* memory, std::size_t size) {
+    if (failCountdown == 1) {
+        return nullptr;
+    }
+    failCountdown -= failCountdown > 1 ? 1 : 0;
+    return std::realloc(memory, size);
+}
+
 void* Allocate(std::size_t size) {
     return Reallocate(nullptr, size);
 }

@@ -35,6 +35,9 @@ AllocationFailureHook SetAllocationFailureHook(AllocationFailureHook hook);
 /// Like `Allocate`, keeping the contents. On failure the result is null and `memory` stays valid.
 [[nodiscard]] void* Reallocate(void* memory, std::size_t size);
 
+/// Like `Reallocate`, but the hook does not hear of a failure: the caller has another way.
+[[nodiscard]] void* TryReallocate(void* memory, std::size_t size);
+
 void Free(void* memory);
 
 /// For tests: lets the n-th allocation from here on fail, and every later one too if

@@ -14,8 +14,8 @@
 #include <cerrno>
 #include <chrono>
 #include <climits>
-#include <compare>
 #include <map>
+#include <set>
 #include <utility>
 #include <vector>
 
@@ -47,18 +47,32 @@ std::string Joined(std::string_view directory, std::string_view name) {
     return path;
 }
 
-// The directory and the name of a full path that is not "/".
+// The directory and the name of a full path; the name of "/" is empty.
 std::pair<std::string, std::string> Divided(const std::string& path) {
     const std::size_t separator = path.find_last_of('/');
     return {path.substr(0, std::max<std::size_t>(separator, 1)), path.substr(separator + 1)};
 }
 
-std::strong_ordering CompareIgnoringCase(std::string_view a, std::string_view b) {
-    const auto folded = [](char c) { return c >= 'A' && c <= 'Z' ? c + ('a' - 'A') : c; };
-    return std::lexicographical_compare_three_way(
-        a.begin(), a.end(), b.begin(), b.end(),
-        [&](char x, char y) { return folded(x) <=> folded(y); });
+constexpr char Raised(char c) {
+    return c >= 'a' && c <= 'z' ? static_cast<char>(c - ('a' - 'A')) : c;
 }
+
+bool EqualIgnoringCase(std::string_view a, std::string_view b) {
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                      [](char x, char y) { return Raised(x) == Raised(y); });
+}
+
+// Brings names together that match when case is ignored, the first in byte order first.
+struct WithoutCaseFirst {
+    bool operator()(std::string_view a, std::string_view b) const {
+        for (std::size_t i = 0; i < std::min(a.size(), b.size()); ++i) {
+            if (Raised(a[i]) != Raised(b[i])) {
+                return Raised(a[i]) < Raised(b[i]);
+            }
+        }
+        return a.size() != b.size() ? a.size() < b.size() : a < b;
+    }
+};
 
 // The names in a directory as they were when it was read.
 class Listing {
@@ -76,11 +90,13 @@ class Listing {
         if (!isReadable) {
             return Exists(Joined(directory, name)) ? name : std::string();
         }
-        const auto [first, last] = std::equal_range(
-            names.begin(), names.end(), name,
-            [](const auto& a, const auto& b) { return CompareIgnoringCase(a, b) < 0; });
-        const auto exact = std::find(first, last, name);
-        return exact != last ? *exact : first != last ? *first : std::string();
+        auto found = names.find(name);
+        if (found == names.end()) {
+            std::string first = name;  // what would come first of all that match
+            std::transform(first.begin(), first.end(), first.begin(), Raised);
+            found = names.lower_bound(first);
+        }
+        return found != names.end() && EqualIgnoringCase(*found, name) ? *found : std::string();
     }
 
   private:
@@ -101,17 +117,13 @@ class Listing {
         DIR* const stream = opendir(directory.c_str());
         isReadable = stream != nullptr;
         if (isReadable) {
-            errno = 0;
-            while (const dirent* entry = readdir(stream)) {
-                names.emplace_back(entry->d_name);
+            const dirent* entry = nullptr;
+            while (errno = 0, (entry = readdir(stream)) != nullptr) {
+                names.insert(entry->d_name);
             }
             isReadable = errno == 0;
             closedir(stream);
         }
-        std::sort(names.begin(), names.end(), [](const auto& a, const auto& b) {
-            const auto order = CompareIgnoringCase(a, b);
-            return order != 0 ? order < 0 : a < b;
-        });
         // The time of a directory moves by the tick of a clock, and on some file systems by a
         // second or two: what changes it after the reading, but within the tick of the last change
         // before, does not show.
@@ -120,7 +132,7 @@ class Listing {
             isReadable && seconds(modified.tv_sec) + nanoseconds(modified.tv_nsec) + tick < now;
     }
 
-    std::vector<std::string> names;  // in order, case ignored; those that match in byte order
+    std::set<std::string, WithoutCaseFirst> names;
     bool isReadable = false;
     bool isSettled = false;  // a later change will show in the directory's time
     dev_t device = 0;
@@ -163,9 +175,9 @@ bool WouldOverwriteSource(std::string_view source, std::string_view target) {
 struct CurrentDirectory::State {
     // A directory on the way from the first file to the one being read.
     struct Level {
-        std::string path;       // empty: not asked for, or it has none
-        int handle = -1;        // for the way back; opened when the directory is first left
-        bool isSecond = false;  // another than that of the level before
+        std::string path;          // empty: not asked for, or it has none
+        int handle = -1;           // for the way back; opened when the directory is first left
+        bool isElsewhere = false;  // not the directory of the level before
     };
 
     // Whether the path of the current directory can be had; then it is that of the last level.
@@ -254,14 +266,14 @@ bool CurrentDirectory::EnterDirectoryOf(const std::string& path) {
         if (here.handle < 0) {
             here.handle = open(".", directoryHandle | O_DIRECTORY | O_CLOEXEC);
         }
-        next.isSecond = chdir(directory.c_str()) == 0 ||
-                        (state->SpellAsOnDisk(&directory) && chdir(directory.c_str()) == 0);
+        next.isElsewhere = chdir(directory.c_str()) == 0 ||
+                           (state->SpellAsOnDisk(&directory) && chdir(directory.c_str()) == 0);
     }
-    if (!next.isSecond) {
+    if (!next.isElsewhere) {
         next.path = state->levels.back().path;
     }
     state->levels.push_back(std::move(next));
-    return isSame || state->levels.back().isSecond;
+    return isSame || state->levels.back().isElsewhere;
 }
 
 void CurrentDirectory::Leave() {
@@ -270,7 +282,7 @@ void CurrentDirectory::Leave() {
     if (left.handle >= 0) {
         close(left.handle);
     }
-    if (left.isSecond) {
+    if (left.isElsewhere) {
         const State::Level& here = state->levels.back();
         // Where that fails there is nowhere else to go.
         [[maybe_unused]] const int result =

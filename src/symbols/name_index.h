@@ -113,11 +113,11 @@ class CNameIndex {
     [[nodiscard]] CIdentifier* FindInOverflow(const HashedName& name) const;
     bool InsertNearPlace(CIdentifier* record, std::uint64_t hash);
 
-    Entry freeEntry{};  // the entries of an empty index
-    Entry* entries =
-        &freeEntry;          // owned if it is another; after the last place `longestProbe` more
-    std::uint32_t mask = 0;  // the number of places, a power of 2, less 1
-    // Names whose `longestProbe` entries are all taken by others.
+    // An empty index has this one entry. Any other has its own, `longestProbe` more than places.
+    Entry freeEntry{};
+    Entry* entries = &freeEntry;  // owned if it is another
+    std::uint32_t mask = 0;       // the number of places, a power of 2, less 1
+    // Names that found no room: all entries near their place are taken, or one has the same hash.
     std::map<HashedName, CIdentifier*, AnyOrder> overflow;
 };
 

@@ -4,6 +4,8 @@
 // silence.
 
 #include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <bitset>
@@ -23,8 +25,11 @@
 namespace korv_test {
 namespace {
 
-// Many lines of encodings/ are one form with another number; the loss of one shows here alone.
+// Statements of encodings/: many are the form of another one with other numbers, and missed here
+// only.
 constexpr std::size_t namedStatements = 882;
+// Statements that give no message, so that no operand is lost from the crossing.
+constexpr std::size_t silentStatements = 3728;
 // The end of each source defines names, so that what waits for them gets its value late.
 constexpr const char* lateSource = "SOON: EQU 18\nLATE: EQU 300\nFAR: EQU 65535+1\n";
 const std::map<std::string, int> worth = {{"SOON", 18},    {"+SOON", 18},  {"LATE", 300},
@@ -33,25 +38,24 @@ const std::map<std::string, int> worth = {{"SOON", 18},    {"+SOON", 18},  {"LAT
 
 using Words = std::vector<std::string>;
 
+// An operand.
 struct Shape {
-    std::string text;             // of an operand, as written
-    std::string word;             // as matched: without the parentheses, where they mean nothing
-    std::string group;            // of those that are no value
-    int status;                   // of its expression; -1 if it is none
-    std::size_t index;            // in the sets of the rows
-    const Shape* bare = nullptr;  // the same, if its parentheses may mean nothing
+    std::string text;
+    std::string group;  // among those that are no value
+    int status;         // of its expression; -1 if it is none
+    std::size_t index;  // in the sets of the rows
 };
 using Operands = std::vector<const Shape*>;
 
 // A line of a table: statements, and what becomes of them.
 struct Row {
-    std::string line, about, mnemonics, bytes;
-    Words messages;
-    bool isAnyCount;                         // of operands
-    std::vector<std::bitset<256>> operands;  // the shapes that fit, by index
-    Words fields;  // of a named statement: which operand is a byte, word, disp, jump
-    bool isUsed;
+    std::string line;
+    Words columns, messages;
+    std::vector<std::bitset<256>> operands = {};  // the shapes that fit, by index
+    Words fields = {};  // of a named statement: which operand is a byte, word, disp, jump
+    bool isUsed = false;
 };
+enum Column { ABOUT, MNEMONICS, OPERANDS, BYTES, MESSAGES };
 
 struct Outcome {
     std::string bytes;
@@ -86,11 +90,15 @@ std::string FormOf(const std::string& text) {
     return cut == 0 ? "n" : cut == 2 ? "(n)" : text.substr(0, 3) + "+n)";
 }
 
-bool IsLike(const Shape& shape, const std::string& pattern) {
+// Whether `pattern` stands for the operand of a statement in which parentheses may mean nothing.
+bool IsLike(const Shape& shape, const std::string& pattern, bool isBare) {
+    const bool isInner = isBare && FormOf(shape.text) == "(n)" && shape.group != "(r)";
+    const std::string word = isInner ? Inner(shape.text) : shape.text;
+    const std::string group = isInner ? Inner(shape.group) : shape.group;
     const int status = shape.status;
-    const std::string form = status < 0 ? shape.group : FormOf(shape.word);
+    const std::string form = status < 0 ? group : FormOf(word);
     const char* const state = status == 0 ? "*0" : status == 12 ? "*12" : status > 0 ? "*bad" : "";
-    return pattern == "x" || pattern == shape.word || pattern == form || pattern == state ||
+    return pattern == "x" || pattern == word || pattern == form || pattern == state ||
            (pattern == "(xy+n)" && form[1] == 'I');
 }
 
@@ -109,21 +117,27 @@ std::string FieldOf(const std::string& operand, const Row& row) {
     const int value = Evaluate(Inner(operand), korv::comStart);
     const int distance = value - static_cast<int>(korv::comStart) - 2;
     const bool isNumber = Inner(operand).find_first_of("$+-0123456789") == 0;
-    const bool isWord = row.bytes.ends_with(Hex(value, 2)) && row.fields != Words{"disp"};
-    return !isNumber                               ? ""
-           : FormOf(operand)[1] == 'I'             ? "disp"
-           : isWord                                ? "word"
-           : row.bytes.ends_with(Hex(value, 1))    ? "byte"
-           : row.bytes.ends_with(Hex(distance, 1)) ? "jump"
-                                                   : "";
+    const bool isWord = row.columns[BYTES].ends_with(Hex(value, 2)) && row.fields != Words{"disp"};
+    return !isNumber                                        ? ""
+           : FormOf(operand)[1] == 'I'                      ? "disp"
+           : isWord                                         ? "word"
+           : row.columns[BYTES].ends_with(Hex(value, 1))    ? "byte"
+           : row.columns[BYTES].ends_with(Hex(distance, 1)) ? "jump"
+                                                            : "";
 }
 
-// What each line of a source gives, but for the names that stay without a value.
+// What each line of a source gives, but for error 12 at its end, of the names that have no value.
 std::vector<Outcome> Assemble(const std::string& source, std::size_t lines) {
     WriteFile("Main.Kor", source + lateSource);
-    std::FILE* const console = std::fopen("console", "w");
-    korv::CAssembler(console, static_cast<int>(4 * lines)).RunFromCommandLine("Main.Kor", "", "D");
-    std::fclose(console);
+    const pid_t child = fork();  // whose pools do not grow for the tests that follow
+    if (child == 0) {
+        std::FILE* const console = std::fopen("console", "w");
+        korv::CAssembler assembler(console, static_cast<int>(4 * lines));
+        assembler.RunFromCommandLine("Main.Kor", "", "D");
+        std::fclose(console);
+        _exit(0);
+    }
+    waitpid(child, nullptr, 0);
     std::vector<Outcome> outcomes;
     std::ifstream listing("Debug.Out");
     for (std::string line; std::getline(listing, line);) {
@@ -147,21 +161,25 @@ std::vector<Outcome> Assemble(const std::string& source, std::size_t lines) {
 
 struct Crossing {
     std::deque<Shape> shapes;
-    Operands crossed;  // those of `shapes` that stand for themselves
+    std::string bareMnemonics;  // of statements in which parentheses mean nothing
     std::deque<Row> rows;
     std::vector<Row*> rowsOfKeyword;
     int address = 0;
-    std::size_t statements = 0;
+    std::size_t silent = 0;  // statements that gave no message
     Words differences;
 
     Crossing() {
         std::ifstream table(ProjectPath("tests/refusals.txt"));
         int number = 0;
         for (std::string line; std::getline(table, line);) {
+            const auto isRepeated = [](char a, char b) { return a == ' ' && b == ' '; };
+            line.erase(std::unique(line.begin(), line.end(), isRepeated), line.end());
             const std::string place = "refusals.txt:" + std::to_string(++number) + ": " + line;
             const Words columns = Split(ReplaceAll(ReplaceAll(line, " |", "|"), "| ", "|"), '|');
             if (line.starts_with("operands ")) {
                 AddShapes(columns);
+            } else if (line.starts_with("bare ")) {
+                bareMnemonics = "/" + columns[1] + "/";
             } else if (!line.empty() && line[0] != '#') {
                 AddRow(place, columns);
             }
@@ -180,36 +198,25 @@ struct Crossing {
     void AddShapes(const Words& columns) {
         const std::string group = columns[0].substr(columns[0].find(' ') + 1);
         const int status = group[0] < '0' || group[0] > '9' ? -1 : std::stoi(group);
-        for (const std::string& text : Words(columns.begin() + 1, columns.end())) {
-            Shape& shape = shapes.emplace_back(Shape{text, text, group, status, shapes.size()});
-            crossed.push_back(&shape);
-            if (FormOf(text) == "(n)" && group != "(r)") {
-                const std::size_t index = shapes.size();
-                shape.bare =
-                    &shapes.emplace_back(Shape{text, Inner(text), Inner(group), status, index});
-            }
+        for (std::size_t i = 1; i < columns.size(); ++i) {
+            shapes.push_back({columns[i], group, status, shapes.size()});
         }
     }
 
     void AddRow(const std::string& line, Words columns) {
-        columns.resize(5);
-        const Words messages = Split(columns[4], '+');
-        Row& row = rows.emplace_back(Row{line,
-                                         columns[0],
-                                         "/" + columns[1] + "/",
-                                         columns[3],
-                                         messages,
-                                         columns[2] == "...",
-                                         {},
-                                         {},
-                                         false});
-        for (const std::string& operand : Split(row.isAnyCount ? "" : columns[2], ',')) {
-            row.fields.push_back(row.about == "named" ? FieldOf(operand, row) : "");
+        columns.resize(MESSAGES + 1);
+        const std::string mnemonic = "/" + Split(columns[MNEMONICS], '/')[0] + "/";
+        const bool isBare = bareMnemonics.find(mnemonic) != std::string::npos;
+        const Words messages = Split(ReplaceAll(columns[MESSAGES], ", ", ","), ',');
+        Row& row = rows.emplace_back(Row{line, columns, messages});
+        const std::string operands = columns[OPERANDS] == "..." ? "" : columns[OPERANDS];
+        for (const std::string& operand : Split(operands, ',')) {
+            row.fields.push_back(columns[ABOUT] == "named" ? FieldOf(operand, row) : "");
             const std::string patterns = row.fields.back().empty() ? operand : FormOf(operand);
             std::bitset<256>& set = row.operands.emplace_back();
             for (const std::string& pattern : Split(patterns, '/')) {
                 for (const Shape& shape : shapes) {
-                    set[shape.index] = set[shape.index] || IsLike(shape, pattern);
+                    set[shape.index] = set[shape.index] || IsLike(shape, pattern, isBare);
                 }
             }
             if (set.none()) {
@@ -218,50 +225,60 @@ struct Crossing {
         }
     }
 
-    const Row* First(const std::string& about, const Operands& operands) {
+    // The line that decides about statements of the keyword at hand.
+    const Row& First(const std::string& about, const Operands& operands) {
+        static const Row none{"", Words(MESSAGES + 1), {"no line decides"}};
         for (Row* const row : rowsOfKeyword) {
-            bool fits = row->isAnyCount || row->operands.size() == operands.size();
-            for (std::size_t i = 0; fits && i < row->operands.size(); ++i) {
-                fits = row->operands[i][operands[i]->index];
+            bool fits = row->columns[ABOUT] == about;
+            if (row->columns[OPERANDS] != "...") {
+                fits = fits && row->operands.size() == operands.size();
+                for (std::size_t i = 0; fits && i < operands.size(); ++i) {
+                    fits = row->operands[i][operands[i]->index];
+                }
             }
-            if (fits && row->about == about) {
+            if (fits) {
                 row->isUsed = true;
-                return row;
+                return *row;
             }
         }
-        return nullptr;
+        return none;
     }
 
-    static void Tell(const Row* row, const Shape& first, const Shape& it, Outcome* outcome) {
-        outcome->line = row == nullptr ? "" : row->line;
-        for (std::string message : row == nullptr ? Words{"no line decides"} : row->messages) {
+    // Adds the messages of `row`; `it` is the operand that they are about.
+    static void Tell(const Row& row, const Operands& operands, const Shape& it, Outcome* outcome) {
+        outcome->line = row.line;
+        for (std::string message : row.messages) {
             const int status = message.ends_with("S' [it]") && it.status == 24 ? 16 : it.status;
             message = ReplaceAll(ReplaceAll(message, "S'", "S"), "S", std::to_string(status));
-            message = ReplaceAll(message, "[first]", "[" + first.text + "]");
             message = ReplaceAll(message, "[bare]", "[" + Inner(it.text) + "]");
-            outcome->messages.insert(ReplaceAll(message, "[it]", "[" + it.text + "]"));
+            message = ReplaceAll(message, "[it]", "[" + it.text + "]");
+            if (!operands.empty()) {
+                message = ReplaceAll(message, "[first]", "[" + operands[0]->text + "]");
+            }
+            outcome->messages.insert(message);
         }
     }
 
     // A named statement, with the values of `operands` in the place of its own.
     Outcome Accept(const Row& row, const Operands& operands) {
-        Outcome outcome{row.bytes, {row.messages.begin(), row.messages.end()}, row.line};
+        Outcome outcome{row.columns[BYTES], {}, ""};
+        Tell(row, operands, shapes[0], &outcome);
         for (std::size_t i = 0; i < row.fields.size(); ++i) {
             const std::string& field = row.fields[i];
             const Shape& operand = *operands[i];
             const bool isBad = operand.status != 0 && operand.status != 12;
-            int value = isBad ? 0 : Evaluate(Inner(operand.word), address);
+            int value = isBad ? 0 : Evaluate(Inner(operand.text), address);
             value -= field == "jump" && (operand.status == 0 || value != 0) ? address + 2 : 0;
             const std::size_t size = field.empty() ? 0 : field == "word" ? 4 : 2;
-            const std::size_t at = field == "disp" ? 4 : row.bytes.size() - size;
+            const std::size_t at = field == "disp" ? 4 : outcome.bytes.size() - size;
             outcome.bytes.replace(at, size, Hex(value, size / 2));
             const int low = field == "word" ? -32768 : -128;
             const int high = field == "word" ? 65535 : field == "byte" ? 255 : 127;
             if (!field.empty() && (isBad || value < low || value > high)) {
                 const char* const state = isBad ? "bad " : operand.status == 0 ? "wide " : "late ";
-                const Row* const exception = First(state + field, operands);
-                Tell(exception, operand, operand, &outcome);
-                if (exception != nullptr && exception->bytes == "-1") {
+                const Row& exception = First(state + field, operands);
+                Tell(exception, operands, operand, &outcome);
+                if (exception.columns[BYTES] == "-1") {
                     outcome.bytes.resize(outcome.bytes.size() - 2);
                     break;
                 }
@@ -272,12 +289,8 @@ struct Crossing {
 
     // What the statement with these operands is to give.
     Outcome Decide(Operands operands) {
-        const bool isBare = First("bare", operands) != nullptr;
-        for (const Shape*& operand : operands) {
-            operand = isBare && operand->bare != nullptr ? operand->bare : operand;
-        }
-        if (const Row* const named = First("named", operands)) {
-            return Accept(*named, operands);
+        if (const Row& named = First("named", operands); !named.line.empty()) {
+            return Accept(named, operands);
         }
         const auto empty = std::ranges::find(operands, "()", &Shape::text);
         if (empty != operands.end()) {
@@ -287,26 +300,16 @@ struct Crossing {
             outcome.messages.insert(isLast ? "error -1" : "error 1 [KO_Args.Add() failed!]");
             return outcome;
         }
-        return Refuse(First("", operands), operands);
-    }
-
-    Outcome Refuse(const Row* row, Operands operands) {
-        Outcome outcome{row == nullptr ? "" : row->bytes, {}, ""};
-        const Shape& first = operands.empty() ? shapes[0] : *operands.front();
-        const Shape& last = operands.empty() ? shapes[0] : *operands.back();
-        const Words how = Split(outcome.bytes + " ", ' ');
-        if (const auto other = std::ranges::find(shapes, how.back(), &Shape::text);
-            how.size() > 1 && other != shapes.end()) {
-            (how.size() == 2 ? operands.front() : operands.back()) = &*other;
+        const Row& row = First("refused", operands);
+        Outcome outcome{row.columns[BYTES], {}, ""};
+        Tell(row, operands, operands.empty() ? shapes[0] : *operands.back(), &outcome);
+        if (const std::size_t of = outcome.bytes.find(" of "); of != std::string::npos) {
+            operands.back() =
+                &*std::ranges::find(shapes, outcome.bytes.substr(of + 4), &Shape::text);
+            const std::string& bytes = First("named", operands).columns[BYTES];
+            const bool isLast = outcome.bytes.starts_with("last") && !bytes.empty();
+            outcome.bytes = bytes.substr(isLast ? bytes.size() - 2 : 0, 2);
         }
-        if (how.size() == 2) {  // "as M"
-            outcome = Decide(operands);
-        } else if (how.size() == 3) {  // "first of BC", "last of B"
-            const Row* const form = First("named", operands);
-            const std::string bytes = form == nullptr ? "  " : form->bytes;
-            outcome.bytes = bytes.substr(how[0] == "first" ? 0 : bytes.size() - 2, 2);
-        }
-        Tell(row, first, last, &outcome);
         return outcome;
     }
 
@@ -314,7 +317,7 @@ struct Crossing {
     void Cross(const std::string& keyword) {
         rowsOfKeyword.clear();
         for (Row& row : rows) {
-            const std::string& words = row.mnemonics;
+            const std::string words = "/" + row.columns[MNEMONICS] + "/";
             if (words == "/*/" || words.find("/" + keyword + "/") != std::string::npos) {
                 rowsOfKeyword.push_back(&row);
             }
@@ -335,15 +338,15 @@ struct Crossing {
         };
         const auto takesTwo = [](const Row* row) { return row->operands.size() == 2; };
         const std::size_t step = std::ranges::any_of(rowsOfKeyword, takesTwo) ? 1 : 5;
-        const std::size_t n = crossed.size();
+        const std::size_t n = shapes.size();
         add({});
-        for (const Shape* const one : crossed) {
-            add({one});
+        for (const Shape& one : shapes) {
+            add({&one});
         }
         for (std::size_t i = 0; i < n; ++i) {
-            add({crossed[i], crossed[7 * i % n], crossed[5 * i % n]});
+            add({&shapes[i], &shapes[7 * i % n], &shapes[5 * i % n]});
             for (std::size_t j = i % step; j < n; j += step) {
-                add({crossed[i], crossed[j]});
+                add({&shapes[i], &shapes[j]});
             }
         }
         const std::vector<Outcome> outcomes = Assemble(source, all.size());
@@ -351,8 +354,8 @@ struct Crossing {
         for (std::size_t i = 0; i < all.size(); ++i) {
             Compare(texts[i], Decide(all[i]), outcomes.at(i));
             address += static_cast<int>(outcomes[i].bytes.size() / 2);
+            silent += std::size_t{outcomes[i].messages.empty()};
         }
-        statements += all.size();
     }
 
     void Compare(const std::string& statement, const Outcome& expected, const Outcome& got) {
@@ -363,7 +366,7 @@ struct Crossing {
             return "[" + outcome.bytes + "] " + testing::PrintToString(outcome.messages);
         };
         const bool isAccepted =
-            got.messages.empty() && expected.line.find(": |") != std::string::npos;
+            got.messages.empty() && expected.line.find(": refused") != std::string::npos;
         const std::string text =
             statement + " gives " + told(got) + ", not " + told(expected) + "; " + expected.line;
         differences.insert(
@@ -372,21 +375,22 @@ struct Crossing {
     }
 };
 
-TEST(Crossing, AcceptsWhatEncodingsName) {
+TEST(CrossingTest, AcceptsWhatEncodingsName) {
     const TempDir directory;
     Crossing crossing;
     for (const korv::Keyword& keyword : korv::keywords) {
         crossing.Cross(std::string(keyword.word));
     }
     for (const Row& row : crossing.rows) {
-        if (!row.isUsed && row.about != "named") {
+        if (!row.isUsed && row.line.starts_with("refusals.txt:")) {
             crossing.differences.push_back(row.line + ": this line decides no statement");
         }
     }
     for (std::size_t i = 0; i < std::min<std::size_t>(crossing.differences.size(), 10); ++i) {
         ADD_FAILURE() << crossing.differences[i];
     }
-    EXPECT_EQ(0U, crossing.differences.size()) << "of " << crossing.statements;
+    EXPECT_EQ(0U, crossing.differences.size());
+    EXPECT_EQ(silentStatements, crossing.silent);
 }
 
 }  // namespace

@@ -1,4 +1,5 @@
 """What bench/run and bench/check share: the places, the tools, the programs, the counting."""
+import os
 import pathlib
 import re
 import subprocess
@@ -38,6 +39,14 @@ def release_build():
     return KORV
 
 
+def built(helper):
+    """The helper program of that name, made anew; it may use the headers of korv."""
+    WORK.mkdir(parents=True, exist_ok=True)
+    do("g++", "-O2", "-std=c++20", "-static", f"-I{ROOT / 'src'}", "-o", WORK / helper,
+       BENCH / f"{helper}.cpp")
+    return WORK / helper
+
+
 def source(lines, shape):
     """The generated program, in WORK."""
     WORK.mkdir(parents=True, exist_ok=True)
@@ -49,9 +58,13 @@ def source(lines, shape):
 
 
 def instructions(command):
-    """Instructions that a program executes, those of the kernel not among them."""
+    """Instructions that a program executes, those of the kernel not among them.
+
+    The environment is empty but for the path: the C library looks at each variable.
+    """
+    clean = {"PATH": os.environ["PATH"]}
     valgrind = ["valgrind", "--tool=callgrind", "--callgrind-out-file=/dev/null"]
-    result = subprocess.run([*valgrind, *command], cwd=WORK, capture_output=True)
+    result = subprocess.run([*valgrind, *command], cwd=WORK, env=clean, capture_output=True)
     found = re.search(rb"Collected : (\d+)", result.stderr)
     if not found:
         sys.exit(f"valgrind gave no count for {command}\n{result.stderr.decode()}")

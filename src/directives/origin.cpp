@@ -26,9 +26,7 @@ Status AssembleOrg(CAssembler* assembler, CStatement* statement) {
         assembler->ReportWarning(statement, MSG_ORG_AFTER_CODE, text);
         assembler->startAddress = static_cast<std::int32_t>(binaryStart);
     }
-    // The label gets the address of the statement, that is the location from before.
-    DefineLineLabel(assembler, statement);
-    return 0;
+    return 0;  // the label gets the address of the statement, that is the location from before
 }
 
 Status AssembleEqu(CAssembler* assembler, CStatement* statement) {

@@ -1,0 +1,25 @@
+// Writes labels whose hashes agree in their low bits, so that all belong to one place of the index.
+// Built against the program's own hash, so that it aims at what is there.
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <string_view>
+
+#include "symbols/name_index.h"
+
+int main(int argc, char** argv) {
+    constexpr std::uint64_t lowBits = 0xFFFF;  // more than the places for half as many names
+    constexpr std::uint64_t place = 0x1234;
+    const int names = argc > 1 ? std::atoi(argv[1]) : 0;
+    char name[] = "AAAAAAAA";
+    const std::string_view text(name, 8);
+    for (int found = 0; found < names;) {
+        for (char* letter = name + 7; ++*letter > 'Z';) {
+            *letter-- = 'A';
+        }
+        if ((korv::HashOf(text) & lowBits) == place) {
+            std::printf("%s:\n", name);
+            ++found;
+        }
+    }
+}

@@ -14,7 +14,7 @@ namespace korv_test {
 /// memory cleared and ends when the program returns to address 0.
 ///
 /// The console calls are 1 (key), 2 (character), 9 (text up to "$"), 10 (line) and 0 (leave). Input
-/// is not echoed, so that `Output` is the program's own text; behind its end come keys 1AH and
+/// is not echoed, so that `Output` is the program's own text; after its end come keys 1AH and
 /// empty lines. A call leaves rubbish in all registers but IX, IY and SP, as a program must expect
 /// of the system.
 class Emulator {

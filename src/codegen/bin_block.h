@@ -47,7 +47,7 @@ class BinBlock {
 
     /// Number of bytes appended so far.
     [[nodiscard]] std::uint32_t Position() const { return position; }
-    /// The byte at `offset`, 0xFF behind the last one.
+    /// The byte at `offset`, 0xFF after the last one.
     [[nodiscard]] std::uint8_t At(std::uint32_t offset) const {
         return offset < position ? data[offset] : 0xFF;
     }

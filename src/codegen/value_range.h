@@ -40,7 +40,7 @@ inline constexpr ValueRange relativeRange{-128, 127, MSG_OFFSET_TOO_BIG};
     return isSigned ? signedWordRange : wordRange;
 }
 
-/// Distance of a relative jump at `address` to `target`, counted from behind its two bytes.
+/// Distance of a relative jump at `address` to `target`, counted from after its two bytes.
 [[nodiscard]] constexpr std::int32_t RelativeOffset(std::int32_t target, std::int32_t address) {
     return static_cast<std::int32_t>(static_cast<std::uint32_t>(target) -
                                      static_cast<std::uint32_t>(address) - 2);

@@ -47,7 +47,7 @@ inline constexpr std::int32_t MSG_NOT_SIGNED_WORD = 39;
 inline constexpr std::int32_t MSG_NOT_BYTE = 40;
 inline constexpr std::int32_t MSG_LINE_TOO_LONG = 41;
 inline constexpr std::int32_t MSG_LABEL_NOT_ALLOWED = 43;
-inline constexpr std::int32_t MSG_TEXT_BEHIND_STRING = 44;
+inline constexpr std::int32_t MSG_TEXT_AFTER_STRING = 44;
 inline constexpr std::int32_t MSG_NO_CLOSING_QUOTE = 45;
 inline constexpr std::int32_t MSG_RESERVED_NAME = 46;
 inline constexpr std::int32_t MSG_ORG_AFTER_CODE = 47;
@@ -112,7 +112,7 @@ inline constexpr auto MESSAGE_TABLE = std::to_array<MessageRow>({
     {MSG_LINE_TOO_LONG, "Line too long."},
     {42, ""},  // not used
     {MSG_LABEL_NOT_ALLOWED, "Label not allowed here."},
-    {MSG_TEXT_BEHIND_STRING, "Empty string not allowed."},
+    {MSG_TEXT_AFTER_STRING, "Empty string not allowed."},
     {MSG_NO_CLOSING_QUOTE, "No closing quote."},
     {MSG_RESERVED_NAME, "Instruction/command names not allowed as label."},
     {MSG_ORG_AFTER_CODE, "ORG used after start of code, start address not changed!"},

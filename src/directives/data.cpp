@@ -9,7 +9,7 @@
 namespace korv {
 namespace {
 
-enum class StringEnd { closed, textBehind, open };
+enum class StringEnd { closed, textAfter, open };
 
 // Emits the bytes of a string, whose text begins with its quote, up to the quote that closes it.
 StringEnd EmitString(CAssembler* assembler, std::string_view text) {
@@ -21,7 +21,7 @@ StringEnd EmitString(CAssembler* assembler, std::string_view text) {
     if (end == std::string_view::npos) {
         return StringEnd::open;
     }
-    return end + 1 == inner.size() ? StringEnd::closed : StringEnd::textBehind;
+    return end + 1 == inner.size() ? StringEnd::closed : StringEnd::textAfter;
 }
 
 // A value or a string.
@@ -79,8 +79,8 @@ Status AssembleDm(CAssembler* assembler, CStatement* statement) {
     switch (EmitString(assembler, text)) {
         case StringEnd::closed:
             break;
-        case StringEnd::textBehind:
-            assembler->ReportError(statement, MSG_TEXT_BEHIND_STRING, text);
+        case StringEnd::textAfter:
+            assembler->ReportError(statement, MSG_TEXT_AFTER_STRING, text);
             break;
         case StringEnd::open:
             assembler->ReportWarning(statement, MSG_NO_CLOSING_QUOTE, text);

@@ -29,7 +29,7 @@ class FileContents {
         std::size_t capacity = 0;
         for (;;) {
             if (count == capacity) {
-                capacity = std::max<std::size_t>(2 * capacity, file.Size() + 4096);
+                capacity = std::max(2 * capacity, static_cast<std::size_t>(file.Size()) + 4096);
                 void* const grown = platform::Reallocate(data, capacity);
                 if (grown == nullptr) {
                     return false;

@@ -104,7 +104,7 @@ void TokenReader::TakeString() {
     tokenEnd = position;
 }
 
-// "&B", "&D", "&H" and "&O" belong to the token, even behind other characters.
+// "&B", "&D", "&H" and "&O" belong to the token, even after other characters.
 bool TokenReader::TakeAmpersand() {
     if (end - position > 1 && IsRadixLetter(position[1])) {
         position += 2;

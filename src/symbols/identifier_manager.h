@@ -76,7 +76,7 @@ class CIdentifierManager {
     /// identifier has a value; writes the result, gives it to a waiting EQU and goes on with all
     /// that waits for that, or moves a copy of the patch to the next name that it waits for.
     /// Result: 0; 20 the expression is bad; 28 a relative offset is out of range; -1 a failure
-    /// behind an EQU, or a patch of no known kind.
+    /// after an EQU, or a patch of no known kind.
     Status Backpatch(CPatchInfo* patch);
 
     /// Reports every name that something still waits for. Result: their number.

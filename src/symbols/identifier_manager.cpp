@@ -4,13 +4,10 @@
 
 #include "symbols/identifier_manager.h"
 
-#include <cstdlib>
-#include <cstring>
-#include <new>
+#include <algorithm>
 #include <utility>
 
 #include "diagnostics/message_list.h"
-#include "platform/platform.h"
 #include "source/file_name_registry.h"
 #include "symbols/patch.h"
 
@@ -61,21 +58,32 @@ std::uint32_t BucketOf(std::string_view name, std::int32_t tableSize) {
     return (h & 0x7FFFFFFF) % static_cast<std::uint32_t>(tableSize);
 }
 
+// Fills `out` with the six characters of the listing's column of flags, and a terminator.
+void FlagString(std::uint32_t flags, char (&out)[7]) {
+    const auto has = [flags](std::uint32_t bit) { return (flags & bit) != 0; };
+    out[0] = has(IDF_LABEL) ? 'L' : has(IDF_EQU) ? 'E' : has(IDF_RESERVED) ? 'S' : '.';
+    out[1] = has(IDF_USED) ? 'U' : '.';
+    const char* const width = has(IDF_8BIT)    ? "08"
+                              : has(IDF_16BIT) ? "16"
+                              : has(IDF_32BIT) ? "32"
+                                               : "??";
+    out[2] = width[0];
+    out[3] = width[1];
+    out[4] = has(IDF_RESOLVED) ? 'R' : '.';
+    out[5] = has(IDF_INTERNAL) ? 'I' : '.';
+    out[6] = '\0';
+}
+
 }  // namespace
 
 CIdentifierManager::CIdentifierManager(std::FILE* console, std::int32_t tableSize)
     : tableSize(tableSize),
-      buckets(new CIdentifier*[static_cast<std::size_t>(tableSize)]()),
+      buckets(static_cast<std::size_t>(tableSize)),
       namePool(console),
       console(console) {}
 
 CIdentifierManager::~CIdentifierManager() {
     ReleasePatches();
-    for (std::uint32_t i = 0; i * chunkSize < static_cast<std::uint32_t>(totalCount); ++i) {
-        platform::Free(chunks[i]);
-    }
-    platform::Free(chunks);
-    delete[] buckets;
 }
 
 void CIdentifierManager::SetLists(CMessageList* newErrors, CMessageList* newWarnings) {
@@ -96,35 +104,15 @@ std::FILE* CIdentifierManager::SetLog(std::FILE* newLog) {
 }
 
 // Makes a record for a name that is not in the table; everything but its name is at the defaults.
-// Null: there is no memory, the failure hook has heard of it, and the run ends with the current
-// statement.
 CIdentifier* CIdentifierManager::Enter(const HashedName& name) {
-    const auto number = static_cast<std::uint32_t>(totalCount);
-    if (!index.MakeRoomFor(number + 1) || (number % chunkSize == 0 && !GrowChunks())) {
-        return nullptr;
+    if (static_cast<std::uint32_t>(totalCount) % chunkSize == 0) {
+        chunks.emplace_back(new CIdentifier[chunkSize]);
     }
-    auto* const record = new (RecordAt(number)) CIdentifier;
+    CIdentifier* const record = RecordAt(totalCount++);
     record->name = namePool.Store(name.text);
     record->nameLength = static_cast<std::uint32_t>(name.text.size());
-    ++totalCount;
     index.Insert(record, name.hash);
     return record;
-}
-
-bool CIdentifierManager::GrowChunks() {
-    const std::uint32_t chunkNumber = static_cast<std::uint32_t>(totalCount) / chunkSize;
-    if (chunkNumber == chunkCapacity) {
-        const std::uint32_t grownCapacity = chunkCapacity == 0 ? 16 : chunkCapacity * 2;
-        void* const grown = platform::Reallocate(chunks, grownCapacity * sizeof(CIdentifier*));
-        if (grown == nullptr) {
-            return false;
-        }
-        chunks = static_cast<CIdentifier**>(grown);
-        chunkCapacity = grownCapacity;
-    }
-    void* const chunk = platform::Allocate(chunkSize * sizeof(CIdentifier));
-    chunks[chunkNumber] = static_cast<CIdentifier*>(chunk);
-    return chunk != nullptr;
 }
 
 std::int32_t CIdentifierManager::AddID(const Definition& definition) {
@@ -133,9 +121,6 @@ std::int32_t CIdentifierManager::AddID(const Definition& definition) {
     const bool isNew = record == nullptr;
     if (isNew) {
         record = Enter(name);
-        if (record == nullptr) {
-            return 0;
-        }
     } else if ((record->flags & IDF_RESERVED) != 0) {
         if (log != nullptr) {
             std::fprintf(log, "Attempt to use command/instruction as a label! [%s]\n",
@@ -204,10 +189,6 @@ std::int32_t CIdentifierManager::AddPatch(const HashedName& name, CPatchInfo* pa
     }
     if (record == nullptr) {
         record = Enter(name);
-        if (record == nullptr) {
-            CPatchInfoMemBlock::FreePatchInfo(patch);
-            return 0;
-        }
     }
     patch->identifier = record;
     if ((record->flags & IDF_RESOLVED) != 0) {
@@ -225,15 +206,12 @@ std::int32_t CIdentifierManager::AddPatch(const HashedName& name, CPatchInfo* pa
 
 // Links all records into the chains of their buckets, sorted by name.
 void CIdentifierManager::LinkChains() {
-    const auto bucketCount = static_cast<std::size_t>(tableSize);
-    std::memset(buckets, 0, bucketCount * sizeof *buckets);
-    for (std::uint32_t number = 0; number < static_cast<std::uint32_t>(totalCount); ++number) {
+    std::fill(buckets.begin(), buckets.end(), nullptr);
+    for (std::int32_t number = 0; number < totalCount; ++number) {
         CIdentifier* const record = RecordAt(number);
         record->next = std::exchange(buckets[BucketOf(record->Name(), tableSize)], record);
     }
-    for (std::size_t i = 0; i < bucketCount; ++i) {
-        buckets[i] = Sorted(buckets[i]);
-    }
+    std::transform(buckets.begin(), buckets.end(), buckets.begin(), Sorted);
 }
 
 std::int32_t CIdentifierManager::ReportUnresolved() {
@@ -242,8 +220,8 @@ std::int32_t CIdentifierManager::ReportUnresolved() {
     }
     LinkChains();
     std::int32_t count = 0;
-    for (std::int32_t i = 0; i < tableSize; ++i) {
-        for (const CIdentifier* record = buckets[i]; record != nullptr; record = record->next) {
+    for (const CIdentifier* record : buckets) {
+        for (; record != nullptr; record = record->next) {
             if (record->patches != nullptr) {
                 const PatchOrigin& origin = record->patches->origin;
                 errors->Report(MSG_UNRESOLVED, record->Name(), origin.file, origin.line);
@@ -255,7 +233,7 @@ std::int32_t CIdentifierManager::ReportUnresolved() {
 }
 
 void CIdentifierManager::ReleasePatches() {
-    for (std::uint32_t number = 0; waitingCount > 0; ++number) {
+    for (std::int32_t number = 0; waitingCount > 0; ++number) {
         CPatchInfo* patch = std::exchange(RecordAt(number)->patches, nullptr);
         waitingCount -= patch == nullptr ? 0 : 1;
         while (patch != nullptr) {
@@ -268,8 +246,8 @@ std::int32_t CIdentifierManager::DumpIdentifiers(std::FILE* file) {
     LinkChains();
     std::fprintf(file, "Identifier\t\tValue\tFlags\tFile(Line)\n");
     std::int32_t count = 0;
-    for (std::int32_t i = 0; i < tableSize; ++i) {
-        for (const CIdentifier* record = buckets[i]; record != nullptr; record = record->next) {
+    for (const CIdentifier* record : buckets) {
+        for (; record != nullptr; record = record->next) {
             if ((record->flags & IDF_INTERNAL) != 0) {
                 continue;
             }

@@ -4,6 +4,7 @@
 
 #include <cstdlib>
 #include <new>
+#include <utility>
 
 #include "platform/platform.h"
 
@@ -23,31 +24,25 @@ bool FailsOnPurpose() {
     return true;
 }
 
-// Calls the hook once for a failure; an allocation that fails inside the hook is not reported
+// Calls the hook if `memory` is null; an allocation that fails inside the hook is not reported
 // again.
-void ReportFailure(std::size_t size) {
-    const AllocationFailureHook hook = failureHook;
-    failureHook = nullptr;
-    if (hook != nullptr) {
+void* Reported(void* memory, std::size_t size) {
+    if (memory == nullptr && failureHook != nullptr) {
+        const AllocationFailureHook hook = std::exchange(failureHook, nullptr);
         hook(size);
+        failureHook = hook;
     }
-    failureHook = hook;
+    return memory;
 }
 
 }  // namespace
 
 AllocationFailureHook SetAllocationFailureHook(AllocationFailureHook hook) {
-    const AllocationFailureHook previous = failureHook;
-    failureHook = hook;
-    return previous;
+    return std::exchange(failureHook, hook);
 }
 
 void* Reallocate(void* memory, std::size_t size) {
-    void* const result = FailsOnPurpose() ? nullptr : std::realloc(memory, size == 0 ? 1 : size);
-    if (result == nullptr) {
-        ReportFailure(size);
-    }
-    return result;
+    return Reported(FailsOnPurpose() ? nullptr : std::realloc(memory, size == 0 ? 1 : size), size);
 }
 
 // Where this one is to fail on purpose, so is the next one: a failure that nobody hears of would be
@@ -66,11 +61,7 @@ void* Allocate(std::size_t size) {
 
 // Memory fresh from the system is 0 already, so this is not the same as clearing it.
 void* AllocateZeroed(std::size_t size) {
-    void* const result = FailsOnPurpose() ? nullptr : std::calloc(size == 0 ? 1 : size, 1);
-    if (result == nullptr) {
-        ReportFailure(size);
-    }
-    return result;
+    return Reported(FailsOnPurpose() ? nullptr : std::calloc(size, 1), size);
 }
 
 void Free(void* memory) {

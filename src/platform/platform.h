@@ -29,7 +29,7 @@ AllocationFailureHook SetAllocationFailureHook(AllocationFailureHook hook);
 /// Memory from the general allocator; null after the hook has had its turn. A size of 0 is taken
 /// as 1.
 [[nodiscard]] void* Allocate(std::size_t size);
-/// Like `Allocate`; all bytes are 0.
+/// Like `Allocate`; all bytes are 0, and there is at least one.
 [[nodiscard]] void* AllocateZeroed(std::size_t size);
 
 /// Like `Allocate`, keeping the contents. On failure the result is null and `memory` stays valid.

@@ -53,26 +53,13 @@ std::pair<std::string, std::string> Divided(const std::string& path) {
     return {path.substr(0, std::max<std::size_t>(separator, 1)), path.substr(separator + 1)};
 }
 
-constexpr char Raised(char c) {
-    return c >= 'a' && c <= 'z' ? static_cast<char>(c - ('a' - 'A')) : c;
+std::string Raised(std::string_view name) {
+    std::string result(name);
+    std::transform(result.begin(), result.end(), result.begin(), [](char c) {
+        return c >= 'a' && c <= 'z' ? static_cast<char>(c - ('a' - 'A')) : c;
+    });
+    return result;
 }
-
-bool EqualIgnoringCase(std::string_view a, std::string_view b) {
-    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                      [](char x, char y) { return Raised(x) == Raised(y); });
-}
-
-// Brings names together that match when case is ignored, the first in byte order first.
-struct WithoutCaseFirst {
-    bool operator()(std::string_view a, std::string_view b) const {
-        for (std::size_t i = 0; i < std::min(a.size(), b.size()); ++i) {
-            if (Raised(a[i]) != Raised(b[i])) {
-                return Raised(a[i]) < Raised(b[i]);
-            }
-        }
-        return a.size() != b.size() ? a.size() < b.size() : a < b;
-    }
-};
 
 // The names in a directory as they were when it was read.
 class Listing {
@@ -90,36 +77,33 @@ class Listing {
         if (!isReadable) {
             return Exists(Joined(directory, name)) ? name : std::string();
         }
-        auto found = names.find(name);
+        const std::string raised = Raised(name);
+        auto found = names.find({raised, name});
         if (found == names.end()) {
-            std::string first = name;  // what would come first of all that match
-            std::transform(first.begin(), first.end(), first.begin(), Raised);
-            found = names.lower_bound(first);
+            found = names.lower_bound({raised, {}});
         }
-        return found != names.end() && EqualIgnoringCase(*found, name) ? *found : std::string();
+        return found != names.end() && found->first == raised ? found->second : std::string();
     }
 
   private:
     [[nodiscard]] bool IsUpToDate(const struct stat& status) const {
-        return isSettled && status.st_dev == device && status.st_ino == inode &&
-               status.st_mtim.tv_sec == modified.tv_sec &&
-               status.st_mtim.tv_nsec == modified.tv_nsec;
+        return isReadable && isSettled && status.st_dev == before.st_dev &&
+               status.st_ino == before.st_ino && status.st_mtim.tv_sec == before.st_mtim.tv_sec &&
+               status.st_mtim.tv_nsec == before.st_mtim.tv_nsec;
     }
 
     // `status` is that of before the reading.
     void Read(const std::string& directory, const struct stat& status) {
         using namespace std::chrono;
         const auto now = system_clock::now().time_since_epoch();
-        device = status.st_dev;
-        inode = status.st_ino;
-        modified = status.st_mtim;
+        before = status;
         names.clear();
         DIR* const stream = opendir(directory.c_str());
         isReadable = stream != nullptr;
         if (isReadable) {
             const dirent* entry = nullptr;
             while (errno = 0, (entry = readdir(stream)) != nullptr) {
-                names.insert(entry->d_name);
+                names.emplace(Raised(entry->d_name), entry->d_name);
             }
             isReadable = errno == 0;
             closedir(stream);
@@ -127,17 +111,15 @@ class Listing {
         // The time of a directory moves by the tick of a clock, and on some file systems by a
         // second or two: what changes it after the reading, but within the tick of the last change
         // before, does not show.
-        const auto tick = modified.tv_nsec == 0 ? milliseconds(2000) : milliseconds(20);
-        isSettled =
-            isReadable && seconds(modified.tv_sec) + nanoseconds(modified.tv_nsec) + tick < now;
+        const timespec& changed = status.st_mtim;
+        const auto tick = changed.tv_nsec == 0 ? milliseconds(2000) : milliseconds(20);
+        isSettled = seconds(changed.tv_sec) + nanoseconds(changed.tv_nsec) + tick < now;
     }
 
-    std::set<std::string, WithoutCaseFirst> names;
+    std::set<std::pair<std::string, std::string>> names;  // in capitals, and as they are
     bool isReadable = false;
     bool isSettled = false;  // a later change will show in the directory's time
-    dev_t device = 0;
-    ino_t inode = 0;
-    timespec modified{};
+    struct stat before {};   // of the directory, before it was read
 };
 
 }  // namespace

@@ -41,7 +41,4 @@ struct CIdentifier {
     [[nodiscard]] std::string_view Name() const { return {name, nameLength}; }
 };
 
-/// Fills `out` with the six characters of the listing's column of flags, and a terminator.
-void FlagString(std::uint32_t flags, char (&out)[7]);
-
 }  // namespace korv

@@ -4,17 +4,14 @@
 
 #include "symbols/identifier_manager.h"
 
+#include <algorithm>
 #include <charconv>
-#include <cstdlib>
-#include <cstring>
-#include <new>
 #include <string>
 #include <utility>
 
 #include "diagnostics/message_list.h"
 #include "diagnostics/report_writer.h"
 #include "driver/debug_stream.h"
-#include "platform/platform.h"
 #include "source/file_name_registry.h"
 #include "symbols/patch.h"
 
@@ -65,6 +62,22 @@ std::uint32_t BucketOf(std::string_view name, std::int32_t tableSize) {
     return (h & 0x7FFFFFFF) % static_cast<std::uint32_t>(tableSize);
 }
 
+// Fills `out` with the six characters of the listing's column of flags, and a terminator.
+void FlagString(std::uint32_t flags, char (&out)[7]) {
+    const auto has = [flags](std::uint32_t bit) { return (flags & bit) != 0; };
+    out[0] = has(IDF_LABEL) ? 'L' : has(IDF_EQU) ? 'E' : has(IDF_RESERVED) ? 'S' : '.';
+    out[1] = has(IDF_USED) ? 'U' : '.';
+    const char* const width = has(IDF_8BIT)    ? "08"
+                              : has(IDF_16BIT) ? "16"
+                              : has(IDF_32BIT) ? "32"
+                                               : "??";
+    out[2] = width[0];
+    out[3] = width[1];
+    out[4] = has(IDF_RESOLVED) ? 'R' : '.';
+    out[5] = has(IDF_INTERNAL) ? 'I' : '.';
+    out[6] = '\0';
+}
+
 // A line of the listing.
 void PutLine(ReportWriter* out, const CIdentifier& record, std::string_view fileName) {
     out->Put(record.Name());
@@ -88,17 +101,12 @@ void PutLine(ReportWriter* out, const CIdentifier& record, std::string_view file
 
 CIdentifierManager::CIdentifierManager(std::FILE* console, std::int32_t tableSize)
     : tableSize(tableSize),
-      buckets(new CIdentifier*[static_cast<std::size_t>(tableSize)]()),
+      buckets(static_cast<std::size_t>(tableSize)),
       namePool(console),
       console(console) {}
 
 CIdentifierManager::~CIdentifierManager() {
     ReleasePatches();
-    for (std::uint32_t i = 0; i * chunkSize < static_cast<std::uint32_t>(totalCount); ++i) {
-        platform::Free(chunks[i]);
-    }
-    platform::Free(chunks);
-    delete[] buckets;
 }
 
 void CIdentifierManager::SetLists(CMessageList* newErrors, CMessageList* newWarnings) {
@@ -119,53 +127,26 @@ DebugStream* CIdentifierManager::SetLog(DebugStream* newLog) {
 }
 
 // Makes a record for a name that is not in the table; everything but its name is at the defaults.
-// Null: there is no memory, the failure hook has heard of it, and the run ends with the current
-// statement.
 CIdentifier* CIdentifierManager::Enter(const HashedName& name) {
-    const auto number = static_cast<std::uint32_t>(totalCount);
-    if (!index.MakeRoomFor(number + 1) || (number % chunkSize == 0 && !GrowChunks())) {
-        return nullptr;
+    return AddRecord(name, namePool.Store(name.text));
+}
+
+// The same, with a text of the name that stays.
+CIdentifier* CIdentifierManager::AddRecord(const HashedName& name, const char* text) {
+    if (static_cast<std::uint32_t>(totalCount) % chunkSize == 0) {
+        chunks.emplace_back(new CIdentifier[chunkSize]);
     }
-    auto* const record = new (RecordAt(number)) CIdentifier;
-    record->name = namePool.Store(name.text);
+    CIdentifier* const record = RecordAt(totalCount++);
+    record->name = text;
     record->nameLength = static_cast<std::uint32_t>(name.text.size());
-    ++totalCount;
     index.Insert(record, name.hash);
     return record;
 }
 
 void CIdentifierManager::EnterNew(std::span<const HashedName> names, std::uint32_t flags) {
-    auto number = static_cast<std::uint32_t>(totalCount);
-    if (!index.MakeRoomFor(number + static_cast<std::uint32_t>(names.size()))) {
-        return;
-    }
     for (const HashedName& name : names) {
-        if (number % chunkSize == 0 && !GrowChunks()) {
-            return;
-        }
-        auto* const record = new (RecordAt(number++)) CIdentifier;
-        record->flags = flags;
-        record->name = name.text.data();
-        record->nameLength = static_cast<std::uint32_t>(name.text.size());
-        totalCount = static_cast<std::int32_t>(number);
-        index.Insert(record, name.hash);
+        AddRecord(name, name.text.data())->flags = flags;
     }
-}
-
-bool CIdentifierManager::GrowChunks() {
-    const std::uint32_t chunkNumber = static_cast<std::uint32_t>(totalCount) / chunkSize;
-    if (chunkNumber == chunkCapacity) {
-        const std::uint32_t grownCapacity = chunkCapacity == 0 ? 16 : chunkCapacity * 2;
-        void* const grown = platform::Reallocate(chunks, grownCapacity * sizeof(CIdentifier*));
-        if (grown == nullptr) {
-            return false;
-        }
-        chunks = static_cast<CIdentifier**>(grown);
-        chunkCapacity = grownCapacity;
-    }
-    void* const chunk = platform::Allocate(chunkSize * sizeof(CIdentifier));
-    chunks[chunkNumber] = static_cast<CIdentifier*>(chunk);
-    return chunk != nullptr;
 }
 
 std::int32_t CIdentifierManager::AddID(const Definition& definition) {
@@ -174,9 +155,6 @@ std::int32_t CIdentifierManager::AddID(const Definition& definition) {
     const bool isNew = record == nullptr;
     if (isNew) {
         record = Enter(name);
-        if (record == nullptr) {
-            return 0;
-        }
     } else if ((record->flags & IDF_RESERVED) != 0) {
         if (log != nullptr) {
             log->AddText(
@@ -260,10 +238,6 @@ Status CIdentifierManager::AddPatch(const UnresolvedName& name, CPatchInfo* patc
         record = Enter(hashed);
     }
     patch->identifier = record;
-    if (record == nullptr) {
-        CPatchInfoMemBlock::FreePatchInfo(patch);
-        return 0;
-    }
     if (log != nullptr) {
         log->AddText({"Adding patch for: [", record->Name(), "] -> [", patch->Expression(), "]\n"});
     }
@@ -282,15 +256,12 @@ Status CIdentifierManager::AddPatch(const UnresolvedName& name, CPatchInfo* patc
 
 // Links all records into the chains of their buckets, sorted by name.
 void CIdentifierManager::LinkChains() {
-    const auto bucketCount = static_cast<std::size_t>(tableSize);
-    std::memset(buckets, 0, bucketCount * sizeof *buckets);
-    for (std::uint32_t number = 0; number < static_cast<std::uint32_t>(totalCount); ++number) {
+    std::fill(buckets.begin(), buckets.end(), nullptr);
+    for (std::int32_t number = 0; number < totalCount; ++number) {
         CIdentifier* const record = RecordAt(number);
         record->next = std::exchange(buckets[BucketOf(record->Name(), tableSize)], record);
     }
-    for (std::size_t i = 0; i < bucketCount; ++i) {
-        buckets[i] = Sorted(buckets[i]);
-    }
+    std::transform(buckets.begin(), buckets.end(), buckets.begin(), Sorted);
 }
 
 std::int32_t CIdentifierManager::ReportUnresolved() {
@@ -299,8 +270,8 @@ std::int32_t CIdentifierManager::ReportUnresolved() {
     }
     LinkChains();
     std::int32_t count = 0;
-    for (std::int32_t i = 0; i < tableSize; ++i) {
-        for (const CIdentifier* record = buckets[i]; record != nullptr; record = record->next) {
+    for (const CIdentifier* record : buckets) {
+        for (; record != nullptr; record = record->next) {
             if (record->patches != nullptr) {
                 const PatchOrigin& origin = record->patches->origin;
                 errors->Report(MSG_UNRESOLVED, record->Name(), origin.file, origin.line);
@@ -312,7 +283,7 @@ std::int32_t CIdentifierManager::ReportUnresolved() {
 }
 
 void CIdentifierManager::ReleasePatches() {
-    for (std::uint32_t number = 0; waitingCount > 0; ++number) {
+    for (std::int32_t number = 0; waitingCount > 0; ++number) {
         CPatchInfo* patch = std::exchange(RecordAt(number)->patches, nullptr);
         waitingCount -= patch == nullptr ? 0 : 1;
         while (patch != nullptr) {
@@ -326,8 +297,8 @@ std::int32_t CIdentifierManager::DumpIdentifiers(std::FILE* file) {
     ReportWriter out(file);
     out.Put("Identifier\t\tValue\tFlags\tFile(Line)\n");
     std::int32_t count = 0;
-    for (std::int32_t i = 0; i < tableSize; ++i) {
-        for (const CIdentifier* record = buckets[i]; record != nullptr; record = record->next) {
+    for (const CIdentifier* record : buckets) {
+        for (; record != nullptr; record = record->next) {
             if ((record->flags & IDF_INTERNAL) == 0) {
                 ++count;
                 PutLine(&out, *record, fileNames->NameOf(record->file));

@@ -6,8 +6,10 @@
 
 #include <cstdint>
 #include <cstdio>
+#include <memory>
 #include <span>
 #include <string_view>
+#include <vector>
 
 #include "diagnostics/message_numbers.h"
 #include "expr/unresolved_name.h"
@@ -94,14 +96,14 @@ class CIdentifierManager {
     [[nodiscard]] std::int32_t TotalCount() const { return totalCount; }
 
   private:
-    // Records are allocated by the chunk, so that they stay where they are and a number finds them.
-    static constexpr std::uint32_t chunkSize = 256;
+    static constexpr std::uint32_t chunkSize = 64;
 
-    [[nodiscard]] CIdentifier* RecordAt(std::uint32_t number) const {
-        return &chunks[number / chunkSize][number % chunkSize];
+    [[nodiscard]] CIdentifier* RecordAt(std::int32_t number) const {
+        const auto n = static_cast<std::uint32_t>(number);
+        return &chunks[n / chunkSize][n % chunkSize];
     }
     CIdentifier* Enter(const HashedName& name);
-    bool GrowChunks();
+    CIdentifier* AddRecord(const HashedName& name, const char* text);
     void LinkChains();
     void ApplyPatches(CIdentifier* identifier);
     Status WorkReleased(CPatchInfo* root, CPatchInfo* released);
@@ -113,12 +115,12 @@ class CIdentifierManager {
     void TraceText(const char* text) const;
 
     std::int32_t tableSize;
-    CIdentifier** buckets;  // owned; heads of the sorted chains, once they are linked
+    std::vector<CIdentifier*> buckets;  // heads of the sorted chains, once they are linked
+    // Records stay where they are, and a number finds them.
+    std::vector<std::unique_ptr<CIdentifier[]>> chunks;
     std::int32_t totalCount = 0;
     std::int32_t waitingCount = 0;  // records with patches
     CNameIndex index;
-    CIdentifier** chunks = nullptr;   // owned, and so are the chunks
-    std::uint32_t chunkCapacity = 0;  // entries of `chunks`
     CNamePool namePool;
     CMessageList* errors = nullptr;
     CMessageList* warnings = nullptr;

@@ -1,5 +1,6 @@
 #include "symbols/name_index.h"
 
+#include <cstdlib>
 #include <utility>
 
 #include "platform/platform.h"
@@ -12,48 +13,52 @@ CNameIndex::~CNameIndex() {
     }
 }
 
-bool CNameIndex::MakeRoomFor(std::uint32_t records) {
-    const std::uint32_t places = mask + 1;
-    if (records <= places / 2) {
-        return true;
+void CNameIndex::Insert(CIdentifier* record, std::uint64_t hash) {
+    if (++count > (mask + 1) / 2) {
+        Grow();
     }
-    const std::uint32_t grownPlaces = entries == &freeEntry ? 256 : places * 2;
-    const std::size_t bytes = (std::size_t{grownPlaces} + longestProbe) * sizeof(Entry);
-    auto* const grown = static_cast<Entry*>(platform::AllocateZeroed(bytes));
+    Place({record, hash});
+}
+
+void CNameIndex::Grow() {
+    const bool isFirst = entries == &freeEntry;
+    const std::uint32_t places = isFirst ? 256 : (mask + 1) * 2;
+    void* const grown =
+        platform::AllocateZeroed((std::size_t{places} + longestProbe) * sizeof(Entry));
     if (grown == nullptr) {
-        return false;
+        std::exit(-1);
     }
-    Entry* const old = std::exchange(entries, grown);
-    mask = grownPlaces - 1;
-    if (old != &freeEntry) {
-        for (const Entry* entry = old; entry != old + places + longestProbe; ++entry) {
-            if (entry->record != nullptr) {
-                Insert(entry->record, entry->hash);
-            }
+    Entry* const old = std::exchange(entries, static_cast<Entry*>(grown));
+    Entry* const oldEnd = isFirst ? old : old + mask + 1 + longestProbe;
+    mask = places - 1;
+    for (const Entry* entry = old; entry != oldEnd; ++entry) {
+        if (entry->record != nullptr) {
+            Place(*entry);
         }
+    }
+    if (!isFirst) {
         platform::Free(old);
     }
-    std::erase_if(overflow, [this](const auto& name) {
-        return InsertNearPlace(name.second, name.first.hash);
+    std::erase_if(overflow, [this](const auto& entry) {
+        return PlaceNear({entry.second, entry.first.hash});
     });
-    return true;
 }
 
-void CNameIndex::Insert(CIdentifier* record, std::uint64_t hash) {
-    if (!InsertNearPlace(record, hash)) {
-        overflow.emplace(HashedName(record->Name(), hash), record);
+void CNameIndex::Place(const Entry& entry) {
+    if (!PlaceNear(entry)) {
+        overflow.emplace(HashedName(entry.record->Name(), entry.hash), entry.record);
     }
 }
 
-// False: everything near its place is taken.
-bool CNameIndex::InsertNearPlace(CIdentifier* record, std::uint64_t hash) {
-    Entry* entry = PlaceOf(hash);
-    for (int i = 0; i < longestProbe; ++i, ++entry) {
-        if (entry->record == nullptr) {
-            *entry = {record, hash};
+// False: there is no room near its place.
+bool CNameIndex::PlaceNear(const Entry& entry) {
+    Entry* at = PlaceOf(entry.hash);
+    for (int i = 0; i < longestProbe; ++i, ++at) {
+        if (at->record == nullptr) {
+            *at = entry;
             return true;
         }
-        if (entry->hash == hash) {
+        if (at->hash == entry.hash) {
             return false;
         }
     }

@@ -2,9 +2,9 @@
 /// expression, so this is a hash table with the whole hash beside each record.
 #pragma once
 
+#include <compare>
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 #include <map>
 #include <string_view>
 
@@ -47,6 +47,14 @@ struct HashedName {
     constexpr HashedName(std::string_view text) : HashedName(text, HashOf(text)) {}
     constexpr HashedName(const char* text) : HashedName(std::string_view(text)) {}
 
+    /// Any order will do, and this is a quick one.
+    friend bool operator<(const HashedName& a, const HashedName& b) {
+        return a.hash != b.hash ? a.hash < b.hash
+               : a.text.size() != b.text.size()
+                   ? a.text.size() < b.text.size()
+                   : std::memcmp(a.text.data(), b.text.data(), a.text.size()) < 0;
+    }
+
     std::string_view text;
     std::uint64_t hash = 0;
 };
@@ -80,10 +88,7 @@ class CNameIndex {
         return FindInOverflow(name);
     }
 
-    /// Makes room for so many records in all. False: there is no memory for it.
-    [[nodiscard]] bool MakeRoomFor(std::uint32_t records);
-    /// Enters `record`, not owned, whose name has the given hash and is not there yet. There is
-    /// room.
+    /// Enters `record`, not owned, whose name has the given hash and is not there yet.
     void Insert(CIdentifier* record, std::uint64_t hash);
 
   private:
@@ -94,31 +99,21 @@ class CNameIndex {
         CIdentifier* record;
         std::uint64_t hash;
     };
-    // Any order will do. Hashes come first, as names that belong to one place differ there mostly.
-    struct AnyOrder {
-        bool operator()(const HashedName& a, const HashedName& b) const {
-            if (a.hash != b.hash) {
-                return a.hash < b.hash;
-            }
-            if (a.text.size() != b.text.size()) {
-                return a.text.size() < b.text.size();
-            }
-            return std::memcmp(a.text.data(), b.text.data(), a.text.size()) < 0;
-        }
-    };
-
     [[nodiscard]] Entry* PlaceOf(std::uint64_t hash) const {
         return &entries[static_cast<std::uint32_t>(hash) & mask];
     }
     [[nodiscard]] CIdentifier* FindInOverflow(const HashedName& name) const;
-    bool InsertNearPlace(CIdentifier* record, std::uint64_t hash);
+    void Grow();
+    void Place(const Entry& entry);
+    bool PlaceNear(const Entry& entry);
 
     // An empty index has this one entry. Any other has its own, `longestProbe` more than places.
     Entry freeEntry{};
     Entry* entries = &freeEntry;  // owned if it is another
     std::uint32_t mask = 0;       // the number of places, a power of 2, less 1
+    std::uint32_t count = 0;      // records
     // Names that found no room: all entries near their place are taken, or one has the same hash.
-    std::map<HashedName, CIdentifier*, AnyOrder> overflow;
+    std::map<HashedName, CIdentifier*> overflow;
 };
 
 }  // namespace korv

@@ -303,9 +303,11 @@ struct Crossing {
         const Row& row = First("refused", operands);
         Outcome outcome{row.columns[BYTES], {}, ""};
         Tell(row, operands, operands.empty() ? shapes[0] : *operands.back(), &outcome);
-        if (const std::size_t of = outcome.bytes.find(" of "); of != std::string::npos) {
-            operands.back() =
-                &*std::ranges::find(shapes, outcome.bytes.substr(of + 4), &Shape::text);
+        if (outcome.bytes.find(" of ") != std::string::npos) {
+            for (const Shape& shape : shapes) {
+                operands.back() =
+                    outcome.bytes.ends_with(" " + shape.text) ? &shape : operands.back();
+            }
             const std::string& bytes = First("named", operands).columns[BYTES];
             const bool isLast = outcome.bytes.starts_with("last") && !bytes.empty();
             outcome.bytes = bytes.substr(isLast ? bytes.size() - 2 : 0, 2);

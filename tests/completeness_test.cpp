@@ -16,6 +16,7 @@
 #include "codegen/keywords.h"
 #include "codegen/recogniser.h"
 #include "diagnostics/message_numbers.h"
+#include "driver/command_line.h"
 #include "run.h"
 
 namespace korv_test {
@@ -192,6 +193,7 @@ TEST(CompletenessTest, EverySwitchIsOnOffOrMalformed) {
         {"", '+', ""}, {"+", '+', ""}, {"-", '-', ""}, {"q", ' ', "Unrecognized switch (argument 3)!\n"},
         {"+-", '+', "Trailing garbage in argument 3!\n"}, {"-+", '-', "Trailing garbage in argument 3!\n"}};
     ASSERT_NE(nullptr, std::freopen("/dev/null", "r", stdin));  // for /wait
+    EXPECT_EQ(0U, korv::FlagsFrom("dslpmtbwi", stdout)) << "the letters of a caller's flag string";
     const Strings rows = Rows(Manual("| `/b`", "A word that"));
     EXPECT_EQ(signs.size(), rows.size()) << "switches in the manual";
     for (const std::string& row : rows) {

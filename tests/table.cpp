@@ -112,6 +112,7 @@ class CaseReader {
         const std::map<std::string, std::string> outputs = {
             {"console", ""}, {"labels", "Labels.Out"}, {"debug", "Debug.Out"}, {"output", rest}};
         if (word == "raw") {
+            Require(rest.find('\n') >= rest.size() - 1, "more than a line");
             *block += rest;
         } else if (word == "args") {
             Require(!std::exchange(hasArguments, true), "given twice");

@@ -41,6 +41,7 @@ TEST(TableTest, RefusesCasesByTableAndLine) {
         {"", {"bytes 00", "# byte\nbytes 00\n\n\ncase B\nbytes none"}},
         {"T:3: unknown word", {"byte 00", "\tNOP\nbytes 00", "   NOP\nbytes 00"}},
         {"T:3: unknown escape", {"raw \\q", "raw \\", "raw \\x4G", "raw \\#"}},
+        {"T:3: more than a line", {"raw NOP\\nHALT\\n"}},
         {"T:3: \\{ without its *count}", {"    \\{NOP}", "bytes \\{00 *}"}},
         {"T:3: alternatives twice", {"    LD [A|B],[C|D]"}},
         {"T:3: no bytes", {"bytes 0", "bytes 0G", "bytes none 00", "bytes 00 none"}},

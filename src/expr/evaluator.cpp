@@ -10,6 +10,7 @@
 
 #include <cmath>
 #include <limits>
+#include <optional>
 
 #include "diagnostics/message_numbers.h"
 
@@ -33,63 +34,33 @@ std::int32_t Exponential(std::int32_t exponent) {
     return Wrapped(static_cast<std::uint32_t>(static_cast<std::int64_t>(power)));
 }
 
-// Applies a binary operator. False: there is no result.
-bool Operate(std::int32_t code, std::int32_t left, std::int32_t right, std::int32_t* result) {
+// The result of a binary operator; none: there is no such operator, or no result.
+std::optional<std::int32_t> Applied(std::int32_t code, std::int32_t left, std::int32_t right) {
     const auto l = static_cast<std::uint32_t>(left);
     const auto r = static_cast<std::uint32_t>(right);
+    const bool divides =
+        right != 0 && (right != -1 || left != std::numeric_limits<std::int32_t>::min());
+    // clang-format off
     switch (code) {
-        case OP_PLUS:
-            *result = Wrapped(l + r);
-            return true;
-        case OP_MINUS:
-            *result = Wrapped(l - r);
-            return true;
-        case OP_MULTIPLY:
-            *result = Wrapped(l * r);
-            return true;
-        case OP_DIVIDE:
-        case OP_MODULO:
-            if (right == 0 || (right == -1 && left == std::numeric_limits<std::int32_t>::min())) {
-                return false;
-            }
-            *result = code == OP_DIVIDE ? left / right : left % right;
-            return true;
-        case OP_SHIFT_LEFT:
-            *result = Wrapped(l << (r & 31));
-            return true;
-        case OP_SHIFT_RIGHT:
-            *result = left >> (r & 31);
-            return true;
-        case OP_AND:
-            *result = Wrapped(l & r);
-            return true;
-        case OP_XOR:
-            *result = Wrapped(l ^ r);
-            return true;
-        case OP_OR:
-            *result = Wrapped(l | r);
-            return true;
-        case OP_LESS:
-            *result = left < right ? 1 : 0;
-            return true;
-        case OP_GREATER:
-            *result = left > right ? 1 : 0;
-            return true;
-        case OP_LESS_EQUAL:
-            *result = left <= right ? 1 : 0;
-            return true;
-        case OP_GREATER_EQUAL:
-            *result = left >= right ? 1 : 0;
-            return true;
-        case OP_EQUAL:
-            *result = left == right ? 1 : 0;
-            return true;
-        case OP_EXP:
-            *result = Exponential(right);
-            return true;
-        default:
-            return false;
+        case OP_PLUS: return Wrapped(l + r);
+        case OP_MINUS: return Wrapped(l - r);
+        case OP_MULTIPLY: return Wrapped(l * r);
+        case OP_DIVIDE: return divides ? std::optional(left / right) : std::nullopt;
+        case OP_MODULO: return divides ? std::optional(left % right) : std::nullopt;
+        case OP_SHIFT_LEFT: return Wrapped(l << (r & 31));
+        case OP_SHIFT_RIGHT: return left >> (r & 31);
+        case OP_AND: return Wrapped(l & r);
+        case OP_XOR: return Wrapped(l ^ r);
+        case OP_OR: return Wrapped(l | r);
+        case OP_LESS: return left < right ? 1 : 0;
+        case OP_GREATER: return left > right ? 1 : 0;
+        case OP_LESS_EQUAL: return left <= right ? 1 : 0;
+        case OP_GREATER_EQUAL: return left >= right ? 1 : 0;
+        case OP_EQUAL: return left == right ? 1 : 0;
+        case OP_EXP: return Exponential(right);
+        default: return std::nullopt;
     }
+    // clang-format on
 }
 
 class NodeList {
@@ -154,10 +125,11 @@ class NodeList {
         if (!IsValue(right)) {
             return right;  // a bracket or a sign on the right is worked first
         }
-        std::int32_t& result = nodes[left].value;
-        if (!Operate(nodes[at].value, result, nodes[right].value, &result)) {
+        const auto result = Applied(nodes[at].value, nodes[left].value, nodes[right].value);
+        if (!result) {
             return failed;
         }
+        nodes[left].value = *result;
         Remove(at);
         Remove(right);
         return left;

@@ -14,13 +14,13 @@ namespace {
 // Process-wide, as the allocator itself is.
 AllocationFailureHook failureHook = nullptr;
 std::int64_t failCountdown = 0;  // for tests: 1 means that the next allocation fails
-bool failAllBehind = false;
+bool failAllAfter = false;
 
 bool FailsOnPurpose() {
     if (failCountdown == 0 || --failCountdown != 0) {
         return false;
     }
-    failCountdown = failAllBehind ? 1 : 0;
+    failCountdown = failAllAfter ? 1 : 0;
     return true;
 }
 
@@ -68,9 +68,9 @@ void Free(void* memory) {
     std::free(memory);
 }
 
-void FailAllocation(std::int64_t n, bool andAllBehind) {
+void FailAllocation(std::int64_t n, bool andAllAfter) {
     failCountdown = n;
-    failAllBehind = andAllBehind;
+    failAllAfter = andAllAfter;
 }
 
 }  // namespace korv::platform

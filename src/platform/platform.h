@@ -41,8 +41,8 @@ AllocationFailureHook SetAllocationFailureHook(AllocationFailureHook hook);
 void Free(void* memory);
 
 /// For tests: lets the n-th allocation from here on fail, and every later one too if
-/// `andAllBehind`. 0 ends it.
-void FailAllocation(std::int64_t n, bool andAllBehind);
+/// `andAllAfter`. 0 ends it.
+void FailAllocation(std::int64_t n, bool andAllAfter);
 
 // ----------------------------------------------------------------------------------------------------
 // paths

@@ -98,12 +98,8 @@ void DefineLineLabel(CAssembler* assembler, CStatement* statement) {
         return;
     }
     statement->flags |= SF_LABEL_DEFINED;
-    const Status result =
-        assembler->identifiers.AddID({statement->label, statement->lineNumber, statement->fileName,
-                                      static_cast<std::int32_t>(statement->address), IDS_LABEL});
-    if (result != 0) {
-        assembler->ReportError(statement, result, noText);
-    }
+    assembler->identifiers.AddID({statement->label, statement->lineNumber, statement->fileName,
+                                  static_cast<std::int32_t>(statement->address), IDS_LABEL});
 }
 
 Status BeginStatement(CAssembler* assembler, CStatement* statement, const Keyword& keyword,

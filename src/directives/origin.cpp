@@ -41,12 +41,9 @@ Status AssembleEqu(CAssembler* assembler, CStatement* statement) {
         FilePatch(assembler, statement, arg.text, arg.unresolved, noPosition, PF_EQU | PF_16BIT,
                   statement->label);
     }
-    const Status result = assembler->identifiers.AddID(
-        {statement->label, statement->lineNumber, statement->fileName, isWaiting ? -1 : arg.value,
-         isWaiting ? IDS_EQU_WAITING : IDS_EQU});
-    if (result != 0) {
-        assembler->ReportError(statement, result, noText);
-    }
+    assembler->identifiers.AddID({statement->label, statement->lineNumber, statement->fileName,
+                                  isWaiting ? -1 : arg.value,
+                                  isWaiting ? IDS_EQU_WAITING : IDS_EQU});
     return isWaiting ? 0 : arg.status;
 }
 

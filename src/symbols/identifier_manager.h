@@ -53,8 +53,8 @@ class CIdentifierManager {
     DebugStream* SetLog(DebugStream* newLog);
 
     /// Defines a name. A name only referred to so far gets its definition, and its patches are
-    /// applied, the newest first. Refusals and failures of patches go to the errors. Result: 0,
-    /// always.
+    /// applied, the newest first. Refusals and failures of patches go to the errors, by this
+    /// function itself; so the result is always 0.
     std::int32_t AddID(const Definition& definition);
 
     /// Enters names that are not there yet, without looking, with `flags` and no value. Their texts

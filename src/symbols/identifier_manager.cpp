@@ -5,6 +5,7 @@
 #include "symbols/identifier_manager.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <string>
 #include <utility>
@@ -62,20 +63,22 @@ std::uint32_t BucketOf(std::string_view name, std::int32_t tableSize) {
     return (h & 0x7FFFFFFF) % static_cast<std::uint32_t>(tableSize);
 }
 
-// Fills `out` with the six characters of the listing's column of flags, and a terminator.
-void FlagString(std::uint32_t flags, char (&out)[7]) {
+// The listing's column of flags.
+std::array<char, 6> FlagString(std::uint32_t flags) {
     const auto has = [flags](std::uint32_t bit) { return (flags & bit) != 0; };
-    out[0] = has(IDF_LABEL) ? 'L' : has(IDF_EQU) ? 'E' : has(IDF_RESERVED) ? 'S' : '.';
-    out[1] = has(IDF_USED) ? 'U' : '.';
     const char* const width = has(IDF_8BIT)    ? "08"
                               : has(IDF_16BIT) ? "16"
                               : has(IDF_32BIT) ? "32"
                                                : "??";
-    out[2] = width[0];
-    out[3] = width[1];
-    out[4] = has(IDF_RESOLVED) ? 'R' : '.';
-    out[5] = has(IDF_INTERNAL) ? 'I' : '.';
-    out[6] = '\0';
+    return {has(IDF_LABEL)      ? 'L'
+            : has(IDF_EQU)      ? 'E'
+            : has(IDF_RESERVED) ? 'S'
+                                : '.',
+            has(IDF_USED) ? 'U' : '.',
+            width[0],
+            width[1],
+            has(IDF_RESOLVED) ? 'R' : '.',
+            has(IDF_INTERNAL) ? 'I' : '.'};
 }
 
 // A line of the listing.
@@ -85,9 +88,8 @@ void PutLine(ReportWriter* out, const CIdentifier& record, std::string_view file
     to = PutText(to, "\t ");
     to = PutHex(to, static_cast<std::uint32_t>(record.value), 4);
     to = PutText(to, "h\t");
-    char flagString[7];
-    FlagString(record.flags, flagString);
-    to = PutText(to, {flagString, 6});
+    const std::array<char, 6> flagString = FlagString(record.flags);
+    to = PutText(to, {flagString.data(), flagString.size()});
     to = PutText(to, " \t");
     out->Advance(PutPadding(to, fileName.size(), 13));
     out->Put(fileName);

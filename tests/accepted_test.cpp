@@ -4,11 +4,8 @@
 // silence.
 
 #include <gtest/gtest.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <algorithm>
-#include <bitset>
 #include <cctype>
 #include <cstdio>
 #include <cstdlib>
@@ -43,7 +40,6 @@ struct Shape {
     std::string text;
     std::string group;  // among those that are no value
     int status;         // of its expression; -1 if it is none
-    std::size_t index;  // in the sets of the rows
 };
 using Operands = std::vector<const Shape*>;
 
@@ -51,7 +47,7 @@ using Operands = std::vector<const Shape*>;
 struct Row {
     std::string line;
     Words columns;
-    std::vector<std::bitset<256>> operands = {};  // the shapes that fit, by index
+    std::vector<std::set<const Shape*>> operands = {};  // those that fit
     Words fields = {};  // of a named statement: which operand is a byte, word, disp, jump
     bool isUsed = false;
 };
@@ -132,15 +128,9 @@ std::string FieldOf(const std::string& operand, const Row& row) {
 // What each line of a source gives, but for error 12 at its end, of the names that have no value.
 std::vector<Outcome> Assemble(const std::string& source, std::size_t lines) {
     WriteFile("Main.Kor", source + lateSource);
-    const pid_t child = fork();  // whose pools do not grow for the tests that follow
-    if (child == 0) {
-        std::FILE* const console = std::fopen("console", "w");
-        korv::CAssembler assembler(console, static_cast<int>(4 * lines));
-        assembler.RunFromCommandLine("Main.Kor", "", "D");
-        std::fclose(console);
-        _exit(0);
-    }
-    waitpid(child, nullptr, 0);
+    std::FILE* const console = std::fopen("console", "w");
+    korv::CAssembler(console, static_cast<int>(4 * lines)).RunFromCommandLine("Main.Kor", "", "D");
+    std::fclose(console);
     std::vector<Outcome> outcomes;
     std::ifstream listing("Debug.Out");
     for (std::string line; std::getline(listing, line);) {
@@ -187,7 +177,7 @@ struct Crossing {
                 const std::string group = columns[0].substr(columns[0].find(' ') + 1);
                 const int status = std::isdigit(group[0]) != 0 ? std::stoi(group) : -1;
                 for (std::size_t i = 1; i < columns.size(); ++i) {
-                    shapes.push_back({columns[i], group, status, shapes.size()});
+                    shapes.push_back({columns[i], group, status});
                 }
             } else if (line.starts_with("bare ")) {
                 bareMnemonics = "/" + columns[1] + "/";
@@ -214,13 +204,15 @@ struct Crossing {
         for (const std::string& operand : Split(operands, ',')) {
             row.fields.push_back(columns[ABOUT] == "named" ? FieldOf(operand, row) : "");
             const std::string patterns = row.fields.back().empty() ? operand : FormOf(operand);
-            std::bitset<256>& set = row.operands.emplace_back();
+            std::set<const Shape*>& set = row.operands.emplace_back();
             for (const std::string& pattern : Split(patterns, '/')) {
                 for (const Shape& shape : shapes) {
-                    set[shape.index] = set[shape.index] || IsLike(shape, pattern, isBare);
+                    if (IsLike(shape, pattern, isBare)) {
+                        set.insert(&shape);
+                    }
                 }
             }
-            if (set.none()) {
+            if (set.empty()) {
                 Differ(line + ": no operand is crossed that is like " + operand);
             }
         }
@@ -229,15 +221,11 @@ struct Crossing {
     // The line that decides about statements of the keyword at hand.
     const Row& First(const std::string& about, const Operands& operands) {
         static const Row none{"", {"", "", "", "", "no line decides"}};
+        const auto isIn = [](const Shape* shape, const auto& set) { return set.contains(shape); };
         for (Row* const row : rowsOfKeyword) {
-            bool fits = row->columns[ABOUT] == about;
-            if (row->columns[OPERANDS] != "...") {
-                fits = fits && row->operands.size() == operands.size();
-                for (std::size_t i = 0; fits && i < operands.size(); ++i) {
-                    fits = row->operands[i][operands[i]->index];
-                }
-            }
-            if (fits) {
+            if (row->columns[ABOUT] == about &&
+                (row->columns[OPERANDS] == "..." ||
+                 std::ranges::equal(operands, row->operands, isIn))) {
                 row->isUsed = true;
                 return *row;
             }

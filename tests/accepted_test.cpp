@@ -241,10 +241,8 @@ struct Crossing {
             message = ReplaceAll(ReplaceAll(message, "S'", "S"), "S", std::to_string(status));
             message = ReplaceAll(message, "[bare]", "[" + Inner(it.text) + "]");
             message = ReplaceAll(message, "[it]", "[" + it.text + "]");
-            if (!operands.empty()) {
-                message = ReplaceAll(message, "[first]", "[" + operands[0]->text + "]");
-            }
-            outcome->messages.insert(message);
+            const Shape& first = operands.empty() ? it : *operands[0];
+            outcome->messages.insert(ReplaceAll(message, "[first]", "[" + first.text + "]"));
         }
     }
 
@@ -295,7 +293,8 @@ struct Crossing {
         if (const Words words = Split(outcome.bytes, ' '); words.size() == 3) {
             operands.back() = &*std::ranges::find(shapes, words[2], &Shape::text);
             const std::string& bytes = First("named", operands).columns[BYTES];
-            outcome.bytes = bytes.substr(words[0] == "last" ? bytes.size() - 2 : 0, 2);
+            outcome.bytes =
+                bytes.substr(words[0] == "last" && !bytes.empty() ? bytes.size() - 2 : 0, 2);
         }
         return outcome;
     }
@@ -325,10 +324,8 @@ struct Crossing {
         const std::size_t step = std::ranges::any_of(rowsOfKeyword, takesTwo) ? 1 : 5;
         const std::size_t n = shapes.size();
         add({});
-        for (const Shape& one : shapes) {
-            add({&one});
-        }
         for (std::size_t i = 0; i < n; ++i) {
+            add({&shapes[i]});
             add({&shapes[i], &shapes[7 * i % n], &shapes[5 * i % n]});
             for (std::size_t j = i % step; j < n; j += step) {
                 add({&shapes[i], &shapes[j]});

@@ -29,9 +29,10 @@ struct Outcome {
 using Words = std::vector<std::string>;
 using Action = std::function<void(pid_t)>;
 
+void Nothing(pid_t) {}
+
 // Runs the program in a child: `prepare` there before it, `meanwhile` here beside it.
-Outcome RunChild(
-    Words words, const Action& prepare, const Action& meanwhile = [](pid_t) {}) {
+Outcome RunChild(Words words, const Action& prepare, const Action& meanwhile = Nothing) {
     std::vector<char*> argv;
     for (std::string& word : words) {
         argv.push_back(word.data());
@@ -89,9 +90,9 @@ TEST(FaultDeathTest, AnyAllocationMayFailOnceOrForGood) {
     Words consoles;
     for (const auto& [name, allBehind] :
          {std::pair("Bad.Kor", false), {"Good.Kor", false}, {"Good.Kor", true}}) {
-        const auto run = [&, all = allBehind](int n) {
+        const auto run = [&, file = name, all = allBehind](int n) {
             WriteFile("OUT.COM", "old");
-            return RunChild({"korv", name, "OUT.COM", "/d", "/l", "/f:777", "/linelen:1233",
+            return RunChild({"korv", file, "OUT.COM", "/d", "/l", "/f:777", "/linelen:1233",
                              all ? "/f:0" : "/p-"},
                             [n, all](pid_t) { korv::platform::FailAllocation(n, all); });
         };
@@ -166,8 +167,7 @@ TEST(BreakTest, EndsTheRunAndLeavesTheTarget) {
             EXPECT_EQ(12, write(pipe, " DB 2\n FROB\n", 12));
             close(pipe);
         };
-        const auto [status, console] = RunChild(
-            {"korv", "PIPE", "OUT.COM"}, [](pid_t) {}, breakOff);
+        const auto [status, console] = RunChild({"korv", "PIPE", "OUT.COM"}, Nothing, breakOff);
         EXPECT_EQ(0, status);
         EXPECT_EQ("old", ReadFile("OUT.COM"));
         EXPECT_TRUE(Contains(console, "*\n" + word + end)) << console;
@@ -186,9 +186,7 @@ TEST(IncludeTest, FindsWhatAppearsDuringTheRun) {
         WriteFile("A.kor", " DB 3\n");
         close(pause);
     };
-    EXPECT_EQ(0, RunChild(
-                     {"korv", "Main.Kor", "OUT.COM"}, [](pid_t) {}, change)
-                     .status);
+    EXPECT_EQ(0, RunChild({"korv", "Main.Kor", "OUT.COM"}, Nothing, change).status);
     EXPECT_EQ("\1\2\3", ReadFile("OUT.COM"));
 }
 

@@ -19,7 +19,7 @@ struct RunResult {
 };
 
 /// Runs the program with `arguments`, in the current directory; leaves a file `console` there.
-RunResult RunKorv(const std::vector<std::string>& arguments);
+RunResult RunKorv(std::vector<std::string> arguments);
 
 /// Enters an empty directory; leaves and removes it at the end.
 class TempDir {
@@ -43,6 +43,6 @@ void WriteFile(const std::string& name, std::string_view contents);
 void CaptureConsole();
 
 std::string ToHex(std::string_view bytes);
-std::string ReplaceAll(std::string text, std::string_view from, std::string_view to);
+std::string ReplaceAll(const std::string& text, std::string_view from, std::string_view to);
 
 }  // namespace korv_test

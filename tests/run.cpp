@@ -41,7 +41,6 @@ RunResult RunKorv(std::vector<std::string> arguments) {
         argv.push_back(word.data());
     }
     const std::string target = TargetName(arguments);
-    const auto before = ReadFile(target);
     const int savedOutput = dup(STDOUT_FILENO);
     CaptureConsole();
     const int status = korv::RunProcess(static_cast<int>(argv.size()), argv.data());
@@ -49,7 +48,7 @@ RunResult RunKorv(std::vector<std::string> arguments) {
     dup2(savedOutput, STDOUT_FILENO);
     close(savedOutput);
     const std::string end = status == 0 ? "" : "exit status " + std::to_string(status) + "\n";
-    return {ReadFile("console").value_or("") + end, target, before, ReadFile(target)};
+    return {ReadFile("console").value_or("") + end, target, ReadFile(target)};
 }
 
 void CaptureConsole() {

@@ -14,8 +14,7 @@ namespace korv_test {
 struct RunResult {
     std::string console;  ///< all that the run printed
     std::string targetName;
-    std::optional<std::string> before;  ///< bytes of the target, if there is one before the run
-    std::optional<std::string> target;  ///< ... and after it
+    std::optional<std::string> target;  ///< its bytes, if there is one after the run
 };
 
 /// Runs the program with `arguments`, in the current directory; leaves a file `console` there.

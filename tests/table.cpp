@@ -139,7 +139,7 @@ class CaseReader {
             test.bytes = test.bytes.value_or("") + rest;
             Require(test.bytes == "none" || IsBytes(*test.bytes), "no bytes");
         } else if (word == "error" || word == "warning") {
-            AddMessage(" " + line, "");
+            AddMessage(" " + word + " " + rest, "");
         } else if (word == "file") {
             Require(!rest.empty(), "no name");
             Open(rest, &test.files);
@@ -311,9 +311,7 @@ std::vector<Encoding> ReadEncodings(const std::string& path) {
         Require(equals != std::string::npos, "no \" = \"");
         const auto instructions = Alternatives(line.text.substr(0, equals));
         const auto groups = Split(ReplaceAll(line.text.substr(equals + 3), " ", ""), '|');
-        Require(instructions.size() == groups.size(),
-                std::to_string(instructions.size()) + " instructions, " +
-                    std::to_string(groups.size()) + " groups of bytes");
+        Require(instructions.size() == groups.size(), "unequal groups");
         for (std::size_t i = 0; i < groups.size(); ++i) {
             Require(!groups[i].empty() && IsBytes(groups[i]), "no bytes");
             encodings.push_back({instructions[i].first, groups[i], line.place});

@@ -180,22 +180,19 @@ class CaseReader {
         }
         lines.pop_back();
         for (const std::string& line : Split(lines, '\n')) {
-            const std::string marks = line.substr(std::min(line.find(";!"), line.size()));
-            std::string source = line.substr(0, line.size() - marks.size());
-            source.erase(marks.empty() ? source.size() : source.find_last_not_of(' ') + 1);
+            const auto parts = Split(ReplaceAll(line, ";!", "\n"), '\n');  // the source, its marks
+            const bool isMarked = parts.size() > 1;
+            std::string source = parts[0];
+            source.erase(isMarked ? source.find_last_not_of(' ') + 1 : source.size());
             for (const auto& [text, part] : Alternatives(source)) {
                 // Marks alone belong to the line before.
-                *block += source.empty() && !marks.empty() ? "" : text + "\n";
-                TakeMarks(ReplaceAll(marks, "[=]", "[" + part + "]"));
+                *block += isMarked && source.empty() ? "" : text + "\n";
+                const auto number = std::count(block->begin(), block->end(), '\n');
+                for (std::size_t i = 1; i < parts.size(); ++i) {
+                    AddMessage(ReplaceAll(parts[i], "[=]", "[" + part + "]"),
+                               file + "(" + std::to_string(number) + ")");
+                }
             }
-        }
-    }
-
-    void TakeMarks(const std::string& marks) {
-        const std::vector<std::string> parts = Split(ReplaceAll(marks, ";!", "\n"), '\n');
-        for (std::size_t i = 1; i < parts.size(); ++i) {
-            const auto line = std::count(block->begin(), block->end(), '\n');
-            AddMessage(parts[i], file + "(" + std::to_string(line) + ")");
         }
     }
 

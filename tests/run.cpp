@@ -7,7 +7,7 @@
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
-#include <sstream>
+#include <iterator>
 
 #include "driver/process.h"
 
@@ -34,15 +34,13 @@ std::string TargetName(const std::vector<std::string>& arguments) {
 
 }  // namespace
 
-RunResult RunKorv(const std::vector<std::string>& arguments) {
-    std::vector<std::string> words = {"korv"};
-    words.insert(words.end(), arguments.begin(), arguments.end());
-    std::vector<char*> argv;
-    for (std::string& word : words) {
+RunResult RunKorv(std::vector<std::string> arguments) {
+    std::string program = "korv";
+    std::vector<char*> argv = {program.data()};
+    for (std::string& word : arguments) {
         argv.push_back(word.data());
     }
     const std::string target = TargetName(arguments);
-    const auto before = ReadFile(target);
     const int savedOutput = dup(STDOUT_FILENO);
     CaptureConsole();
     const int status = korv::RunProcess(static_cast<int>(argv.size()), argv.data());
@@ -50,7 +48,7 @@ RunResult RunKorv(const std::vector<std::string>& arguments) {
     dup2(savedOutput, STDOUT_FILENO);
     close(savedOutput);
     const std::string end = status == 0 ? "" : "exit status " + std::to_string(status) + "\n";
-    return {ReadFile("console").value_or("") + end, target, before, ReadFile(target)};
+    return {ReadFile("console").value_or("") + end, target, ReadFile(target)};
 }
 
 void CaptureConsole() {
@@ -73,12 +71,8 @@ TempDir::~TempDir() {
 
 std::optional<std::string> ReadFile(const std::string& name) {
     std::ifstream file(name, std::ios::binary);
-    if (!file) {
-        return std::nullopt;
-    }
-    std::ostringstream contents;
-    contents << file.rdbuf();
-    return contents.str();
+    return file ? std::optional(std::string(std::istreambuf_iterator<char>(file), {}))
+                : std::nullopt;
 }
 
 void WriteFile(const std::string& name, std::string_view contents) {
@@ -89,21 +83,22 @@ void WriteFile(const std::string& name, std::string_view contents) {
 }
 
 std::string ToHex(std::string_view bytes) {
-    constexpr char digits[] = "0123456789ABCDEF";
     std::string hex;
     for (const char c : bytes) {
-        const auto byte = static_cast<unsigned char>(c);
         hex += hex.empty() ? "" : " ";
-        hex += {digits[byte >> 4], digits[byte & 15]};
+        hex += {"0123456789ABCDEF"[c >> 4 & 15], "0123456789ABCDEF"[c & 15]};
     }
     return hex;
 }
 
-std::string ReplaceAll(std::string text, std::string_view from, std::string_view to) {
-    for (std::size_t at = 0; (at = text.find(from, at)) != std::string::npos; at += to.size()) {
-        text.replace(at, from.size(), to);
+std::string ReplaceAll(const std::string& text, std::string_view from, std::string_view to) {
+    std::string result;
+    std::size_t done = 0;
+    for (std::size_t at = 0; (at = text.find(from, done)) != std::string::npos;) {
+        result.append(text, done, at - done) += to;
+        done = at + from.size();
     }
-    return text;
+    return result.append(text, done);
 }
 
 }  // namespace korv_test

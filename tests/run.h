@@ -14,12 +14,11 @@ namespace korv_test {
 struct RunResult {
     std::string console;  ///< all that the run printed
     std::string targetName;
-    std::optional<std::string> before;  ///< bytes of the target, if there is one before the run
-    std::optional<std::string> target;  ///< ... and after it
+    std::optional<std::string> target;  ///< its bytes, if there is one after the run
 };
 
 /// Runs the program with `arguments`, in the current directory; leaves a file `console` there.
-RunResult RunKorv(const std::vector<std::string>& arguments);
+RunResult RunKorv(std::vector<std::string> arguments);
 
 /// Enters an empty directory; leaves and removes it at the end.
 class TempDir {
@@ -43,6 +42,6 @@ void WriteFile(const std::string& name, std::string_view contents);
 void CaptureConsole();
 
 std::string ToHex(std::string_view bytes);
-std::string ReplaceAll(std::string text, std::string_view from, std::string_view to);
+std::string ReplaceAll(const std::string& text, std::string_view from, std::string_view to);
 
 }  // namespace korv_test

@@ -8,15 +8,12 @@
 #include <set>
 #include <sstream>
 #include <stdexcept>
-#include <utility>
 
 #include "diagnostics/message_numbers.h"
 #include "run.h"
 
 namespace korv_test {
 namespace {
-namespace fs = std::filesystem;
-using namespace std::string_literals;
 
 void Require(bool isTrue, const std::string& otherwise) {
     if (!isTrue) {
@@ -24,22 +21,33 @@ void Require(bool isTrue, const std::string& otherwise) {
     }
 }
 
-// Does `work` on a line; what is thrown there gets the line's place.
+// What `work` throws gets the place of its line.
 template <typename Work>
-void ReadLine(const TableLine& line, const Work& work) {
-    try {
-        work(line.text);
-    } catch (const std::exception& refusal) {
-        throw std::runtime_error(line.Place() + ": " + refusal.what());
+void ForEachLine(const std::vector<TableLine>& lines, const Work& work) {
+    for (const TableLine& line : lines) {
+        try {
+            work(line);
+        } catch (const std::exception& refusal) {
+            throw std::runtime_error(line.place + ": " + refusal.what());
+        }
     }
 }
 
-bool IsHex(const std::string& text) {
-    return !text.empty() && text.find_first_not_of("0123456789ABCDEF") == std::string::npos;
+std::vector<TableLine> ReadLines(const std::string& path) {
+    std::ifstream stream(path);
+    std::vector<TableLine> lines;
+    for (std::string text; std::getline(stream, text);) {
+        lines.push_back({path + ":" + std::to_string(lines.size() + 1), text});
+    }
+    return lines;
+}
+
+bool IsBytes(const std::string& text) {
+    return text.size() % 2 == 0 && text.find_first_not_of("0123456789ABCDEF") == std::string::npos;
 }
 
 std::vector<std::string> Split(const std::string& text, char at) {
-    std::istringstream stream(text);
+    std::istringstream stream(text + at);
     std::vector<std::string> parts;
     for (std::string part; std::getline(stream, part, at);) {
         parts.push_back(part);
@@ -57,47 +65,53 @@ std::vector<std::pair<std::string, std::string>> Alternatives(const std::string&
     }
     Require(!std::regex_search(match[0].second, line.end(), bracket), "alternatives twice");
     std::vector<std::pair<std::string, std::string>> all;
-    for (const std::string& text : Split(match.str(1) + "|", '|')) {
+    for (const std::string& text : Split(match[1], '|')) {
         all.emplace_back(match.prefix().str() + text + match.suffix().str(), text);
     }
     return all;
 }
 
-// The text with its repetitions written out: "\{ IF 1\n*33}". Inside them every escape is known,
-// and "\#" and "\+" are the number of the repetition, from 0 and from 1.
-std::string Expanded(std::string_view text, bool knowsEscapes, int repetition = -1) {
-    static const std::regex repetitionEnd(R"(\*([0-9]{1,7})\})");
+std::string Unescaped(const std::string& text) {
     constexpr std::string_view letters = "rntv0\\";
     constexpr std::string_view meanings("\r\n\t\v\0\\", letters.size());
     std::string result;
     for (std::size_t i = 0; i < text.size(); ++i) {
-        const std::string_view next = text.substr(i + 1, 1);
-        if (text[i] != '\\' || (!knowsEscapes && next != "{")) {
+        if (text[i] != '\\') {
             result += text[i];
             continue;
         }
-        ++i;
-        if (next == "{") {
-            std::cmatch end;
-            Require(std::regex_search(text.begin() + i + 1, text.end(), end, repetitionEnd),
-                    "\\{ without its *count}");
-            const std::string_view body(text.begin() + i + 1, end[0].first);
-            for (int n = 0, count = std::stoi(end[1]); n < count; ++n) {
-                result += Expanded(body, true, n);
-            }
-            i += body.size() + static_cast<std::size_t>(end.length());
-        } else if ((next == "#" || next == "+") && repetition >= 0) {
-            result += std::to_string(repetition + (next == "+" ? 1 : 0));
-        } else if (next == "x" && IsHex(std::string(text.substr(i + 1, 2)))) {
-            result += static_cast<char>(std::stoi(std::string(text.substr(i + 1, 2)), nullptr, 16));
+        const std::string hex = text.substr(std::min(i + 2, text.size()), 2);
+        const std::size_t letter = letters.find(text[++i]);
+        if (text[i] == 'x' && hex.size() == 2 && IsBytes(hex)) {
+            result += static_cast<char>(std::stoi(hex, nullptr, 16));
             i += 2;
         } else {
-            Require(!next.empty() && letters.find(next) != std::string_view::npos,
-                    "unknown escape");
-            result += meanings[letters.find(next)];
+            Require(letter != std::string_view::npos, "unknown escape");
+            result += meanings[letter];
         }
     }
     return result;
+}
+
+// With the repetitions written out: "\{L\#: DB \#\n*9}". Only they know escapes, unless `isRaw`.
+std::string Expanded(std::string text, bool isRaw) {
+    static const std::regex endForm(R"(\*([0-9]{1,7})\})");
+    for (std::size_t at = 0; (at = text.find("\\{", at)) != std::string::npos;) {
+        std::smatch end;
+        Require(std::regex_search(text.cbegin() + static_cast<std::ptrdiff_t>(at) + 2, text.cend(),
+                                  end, endForm),
+                "\\{ without its *count}");
+        const std::string body = end.prefix();
+        std::string all;
+        for (int n = 0, count = std::stoi(end[1]); n < count; ++n) {
+            const std::string first = ReplaceAll(body, "\\#", std::to_string(n));
+            const std::string one = ReplaceAll(first, "\\+", std::to_string(n + 1));
+            all += isRaw ? one : Unescaped(one);
+        }
+        text.replace(at, 2 + body.size() + end[0].str().size(), all);
+        at += all.size();
+    }
+    return isRaw ? Unescaped(text) : text;
 }
 
 class CaseReader {
@@ -107,7 +121,7 @@ class CaseReader {
             return TakeIndented(Expanded(line.substr(4), false));
         }
         const std::string word = line.substr(0, line.find(' '));
-        const std::string rest =
+        std::string rest =
             Expanded(line.substr(std::min(word.size() + 1, line.size())), word == "raw");
         const std::map<std::string, std::string> outputs = {
             {"console", ""}, {"labels", "Labels.Out"}, {"debug", "Debug.Out"}, {"output", rest}};
@@ -115,14 +129,17 @@ class CaseReader {
             Require(rest.find('\n') >= rest.size() - 1, "more than a line");
             *block += rest;
         } else if (word == "args") {
-            Require(!std::exchange(hasArguments, true), "given twice");
+            Require(!test.arguments, "given twice");
             std::istringstream words(rest);
-            test.arguments.assign(std::istream_iterator<std::string>(words), {});
-            std::replace(test.arguments.begin(), test.arguments.end(), "\"\""s, ""s);
+            auto& arguments = test.arguments.emplace(std::istream_iterator<std::string>(words),
+                                                     std::istream_iterator<std::string>());
+            std::replace(arguments.begin(), arguments.end(), std::string("\"\""), std::string());
         } else if (word == "bytes") {
-            TakeBytes(rest);
+            std::erase(rest, ' ');
+            test.bytes = test.bytes.value_or("") + rest;
+            Require(test.bytes == "none" || IsBytes(*test.bytes), "no bytes");
         } else if (word == "error" || word == "warning") {
-            AddMessages(" " + word + " " + rest, "");
+            AddMessage(" " + word + " " + rest, "");
         } else if (word == "file") {
             Require(!rest.empty(), "no name");
             Open(rest, &test.files);
@@ -161,74 +178,73 @@ class CaseReader {
             *block += lines;
             return;
         }
+        lines.pop_back();
         for (const std::string& line : Split(lines, '\n')) {
-            const std::string marks = line.substr(std::min(line.find(";!"), line.size()));
-            std::string source = line.substr(0, line.size() - marks.size());
-            source.erase(marks.empty() ? source.size() : source.find_last_not_of(' ') + 1);
-            if (source.empty() && !marks.empty()) {
-                TakeMarks(marks);  // of the line before
-                continue;
-            }
+            const auto parts = Split(ReplaceAll(line, ";!", "\n"), '\n');  // the source, its marks
+            const bool isMarked = parts.size() > 1;
+            std::string source = parts[0];
+            source.erase(isMarked ? source.find_last_not_of(' ') + 1 : source.size());
             for (const auto& [text, part] : Alternatives(source)) {
-                *block += text + "\n";
-                TakeMarks(ReplaceAll(ReplaceAll(marks, "[=]", "[" + part + "]"), "{=}", part));
+                // Marks alone belong to the line before.
+                *block += isMarked && source.empty() ? "" : text + "\n";
+                const auto number = std::count(block->begin(), block->end(), '\n');
+                for (std::size_t i = 1; i < parts.size(); ++i) {
+                    AddMessage(ReplaceAll(parts[i], "[=]", "[" + part + "]"),
+                               file + "(" + std::to_string(number) + ")");
+                }
             }
         }
     }
 
-    void TakeMarks(const std::string& marks) {
-        const std::vector<std::string> parts = Split(ReplaceAll(marks, ";!", "\n"), '\n');
-        for (std::size_t i = 1; i < parts.size(); ++i) {
-            const auto line = std::count(block->begin(), block->end(), '\n');
-            AddMessages(parts[i], file + ":" + std::to_string(line));
-        }
-    }
-
-    // "1 error 16 [NZ]" from a mark, with its `place`, or " error 16 B.KOR:7,8 [A] [B]" without.
-    // The console shows a line for each place and text; errors are first, then lower digits.
-    void AddMessages(const std::string& text, const std::string& place) {
+    // "1 error 16 [NZ]" of a mark at `place`, or " error 16 B.KOR:7 [NZ]", which tells its own.
+    void AddMessage(const std::string& text, std::string place) {
         static const std::regex form(
-            R"(([0-9]?) (error|warning) (-?[0-9]+)(?: (\S*[0-9]))?((?: \[.*\])?) *)");
-        static const std::regex placeForm(R"((?:(.+):)?([0-9]+(?:,[0-9]+)*))");
+            R"(([0-9]?) (error|warning) (-?[0-9]{1,3})( (?:([\w.-]+):)?([0-9]+))?( \[.*\])? *)");
         std::smatch match;
-        std::smatch where;
         Require(std::regex_match(text, match, form),
                 "no message: " + text.substr(text.find(' ') + 1));
-        const std::string given = place.empty() ? match.str(4) : place;
-        Require(place.empty() == match[4].matched && std::regex_match(given, where, placeForm),
-                "no place, or two");
+        Require(place.empty() == match[4].matched, "no place, or two");
+        if (place.empty()) {
+            const std::string name = match[5].matched ? match.str(5) : "Main.Kor";
+            place = (name == "-" ? "Uhm, I DUNNO! ;p" : name) + "(" + match.str(6) + ")";
+        }
         const auto number = static_cast<std::size_t>(std::stoi(match[3]) + 1);
         Require(number <= korv::MESSAGE_TABLE.size(), "no such message");
         const std::string kind = match[2];
-        const std::string name = where[1] == "-"    ? "Uhm, I DUNNO! ;p"
-                                 : where[1].matched ? where.str(1)
-                                                    : "Main.Kor";
-        for (const std::string& line : Split(where[2], ',')) {
-            const std::string head =
-                name + "(" + line + ") : " + kind + " X" + match.str(3) + " : " +
-                (number == 0 ? "Illegal " + kind + " number! (Internal error.)"
-                             : std::string(korv::MESSAGE_TABLE.at(number - 1).text));
-            messages[kind + match.str(1)] +=
-                head + ReplaceAll(match[5], "] [", "]\n" + head + " [") + "\n";
-        }
-    }
-
-    void TakeBytes(const std::string& text) {
-        std::istringstream words(text);
-        std::string& bytes = test.bytes ? *test.bytes : test.bytes.emplace();
-        for (std::string word; words >> word;) {
-            const bool isNone = word == "none" && bytes.empty();
-            Require(isNone || (word.size() == 2 && IsHex(word) && bytes != "none"), "no bytes");
-            bytes += (bytes.empty() ? "" : " ") + word;
-        }
+        messages[kind + match.str(1)] +=
+            place + " : " + kind + " X" + match.str(3) + " : " +
+            (number == 0 ? "Illegal " + kind + " number! (Internal error.)"
+                         : std::string(korv::MESSAGE_TABLE.at(number - 1).text)) +
+            match.str(7) + "\n";
     }
 
     Case test;
     std::string file = "Main.Kor";  // that is open, without its directory; empty: an output
     std::string* block = &test.files[file];
     std::map<std::string, std::string> messages;  // as printed; by "error", "error1", ...
-    bool hasArguments = false;
 };
+
+// "```korv SWITCHES" with a source, then "```bytes" or "```messages", as lines of a table.
+std::vector<TableLine> ManualAsTable(const std::vector<TableLine>& manual) {
+    const std::map<std::string, std::string> starts = {
+        {"```korv", "    "}, {"```bytes", "bytes "}, {"```messages", ""}};
+    std::vector<TableLine> table;
+    std::string fence;
+    for (const auto& [place, text] : manual) {
+        if (!text.starts_with("```")) {
+            if (starts.contains(fence)) {
+                table.push_back({place, starts.at(fence) + text});
+            }
+            continue;
+        }
+        fence = text.substr(0, text.find(' '));
+        if (fence == "```korv") {
+            table.push_back({place, "case line " + place});
+            table.push_back({place, "args Main.Kor" + text.substr(fence.size())});
+        }
+    }
+    return table;
+}
 
 }  // namespace
 
@@ -237,63 +253,31 @@ std::string ProjectPath(const std::string& part) {
 }
 
 std::vector<std::string> TablesIn(const std::string& folder) {
-    std::vector<std::string> tables;
-    for (const auto& entry : fs::directory_iterator(ProjectPath("tests/" + folder))) {
-        tables.push_back(entry.path());
+    std::set<std::string> tables;
+    for (const auto& entry : std::filesystem::directory_iterator(ProjectPath("tests/" + folder))) {
+        tables.insert(entry.path());
     }
-    std::sort(tables.begin(), tables.end());
-    return tables;
+    return {tables.begin(), tables.end()};
 }
 
-TableLines ReadLines(const std::string& table, std::istream&& stream) {
-    TableLines lines;
-    for (TableLine line{table, 1, ""}; std::getline(stream, line.text); ++line.number) {
-        lines.push_back(line);
-    }
-    return lines;
-}
-
-TableLines ReadLines(const std::string& path) {
-    return ReadLines(path, std::ifstream(path));
-}
-
-// "```korv SWITCHES" with a source, then "```bytes" or "```messages".
-TableLines ManualAsTable(const TableLines& manual) {
-    TableLines table;
-    std::string fence;
-    for (TableLine line : manual) {
-        if (line.text.starts_with("```")) {
-            fence = fence.empty() ? line.text.substr(3) + " " : "";
-            if (fence.starts_with("korv ")) {
-                table.push_back(
-                    {line.table, line.number, "case line " + std::to_string(line.number)});
-                line.text = "args Main.Kor" + fence.substr(4);
-                table.push_back(line);
-            }
-        } else if (fence.starts_with("korv ") || fence == "bytes " || fence == "messages ") {
-            line.text.insert(0, fence == "bytes " ? fence : fence == "messages " ? "" : "    ");
-            table.push_back(line);
-        }
-    }
-    return table;
-}
-
-std::vector<Block> SplitIntoBlocks(const TableLines& lines) {
+std::vector<Block> ReadBlocks(const std::string& path) {
     std::vector<Block> blocks;
     std::set<std::string> titles;
-    bool mayGoOn = false;
-    for (const TableLine& line : lines) {
-        const bool isTitle = line.text.starts_with("case ");
-        if (isTitle || (!mayGoOn && !line.text.empty() && line.text[0] != '#')) {
-            blocks.emplace_back().title = line.text.substr(isTitle ? 5 : 0);
-            blocks.back().fault = isTitle ? "" : "outside a case";
-            blocks.back().fault +=
-                titles.insert(blocks.back().title).second ? "" : "a title of another case";
+    bool isOpen = false;
+    const std::vector<TableLine> lines = ReadLines(path);
+    for (TableLine line : path.ends_with(".md") ? ManualAsTable(lines) : lines) {
+        const bool isEmpty = line.text.empty();
+        if (line.text.starts_with('#')) {
+            continue;
         }
-        mayGoOn = isTitle || (mayGoOn && !line.text.empty());
-        if (!line.text.empty() && line.text[0] != '#') {
-            blocks.back().lines.push_back(line);
+        if (line.text.starts_with("case ")) {
+            isOpen = false;
+            line.text.insert(0, titles.insert(line.text).second ? "" : "again ");
         }
+        if (!isEmpty) {
+            (isOpen ? blocks.back() : blocks.emplace_back()).push_back(line);
+        }
+        isOpen = !isEmpty;
     }
     return blocks;
 }
@@ -301,46 +285,36 @@ std::vector<Block> SplitIntoBlocks(const TableLines& lines) {
 Case ReadCase(const Block& block) {
     CaseReader reader;
     Case test;
-    for (const TableLine& line : block.lines) {
-        ReadLine(line, [&](const std::string& text) {
-            Require(block.fault.empty(), block.fault);
-            if (&line != &block.lines.front()) {
-                reader.Take(text);
-            }
-            if (&line == &block.lines.back()) {
-                test = reader.Finished();
-            }
-        });
-    }
+    ForEachLine(block, [&](const TableLine& line) {
+        if (&line == &block.front()) {
+            Require(line.text.starts_with("case "), "outside a case, or a title of another case");
+        } else {
+            reader.Take(line.text);
+        }
+        if (&line == &block.back()) {
+            test = reader.Finished();
+        }
+    });
     return test;
 }
 
-std::vector<Encoding> ReadEncodings(const TableLines& lines) {
-    std::vector<Encoding> encodings;
-    for (const TableLine& line : lines) {
-        ReadLine(line, [&](const std::string& text) {
-            if (text.empty() || text[0] == '#') {
-                return;
-            }
-            const std::size_t equals = text.rfind(" = ");
-            Require(equals != std::string::npos, "no \" = \"");
-            const auto instructions = Alternatives(text.substr(0, equals));
-            const std::vector<std::string> groups =
-                Split(ReplaceAll(text.substr(equals + 3), " ", "") + "|", '|');
-            Require(instructions.size() == groups.size(),
-                    std::to_string(instructions.size()) + " instructions, " +
-                        std::to_string(groups.size()) + " groups of bytes");
-            for (std::size_t i = 0; i < groups.size(); ++i) {
-                Require(IsHex(groups[i]) && groups[i].size() % 2 == 0, "no bytes");
-                encodings.push_back({instructions[i].first, groups[i], line});
-            }
-        });
-    }
-    return encodings;
-}
-
 std::vector<Encoding> ReadEncodings(const std::string& path) {
-    return ReadEncodings(ReadLines(path));
+    std::vector<Encoding> encodings;
+    ForEachLine(ReadLines(path), [&](const TableLine& line) {
+        if (line.text.empty() || line.text[0] == '#') {
+            return;
+        }
+        const std::size_t equals = line.text.rfind(" = ");
+        Require(equals != std::string::npos, "no \" = \"");
+        const auto instructions = Alternatives(line.text.substr(0, equals));
+        const auto groups = Split(ReplaceAll(line.text.substr(equals + 3), " ", ""), '|');
+        Require(instructions.size() == groups.size(), "unequal groups");
+        for (std::size_t i = 0; i < groups.size(); ++i) {
+            Require(!groups[i].empty() && IsBytes(groups[i]), "no bytes");
+            encodings.push_back({instructions[i].first, groups[i], line.place});
+        }
+    });
+    return encodings;
 }
 
 }  // namespace korv_test

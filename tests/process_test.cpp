@@ -155,9 +155,16 @@ TEST(BreakTest, EndsTheRunAndLeavesTheTarget) {
     const std::string end =
         " received! Aborting program...\n[Korv] GOT 1 ERRORS!\n"
         "Uhm, I DUNNO! ;p(0) : error X15 : Program aborted!\n---";
-    const std::pair<int, std::string> rows[] = {
-        {SIGINT, "Break"}, {SIGQUIT, "Break"}, {SIGHUP, "Close"}, {SIGTERM, "Shutdown"}};
-    for (const auto& [signal, word] : rows) {
+    const std::tuple<int, sighandler_t, std::string> rows[] = {
+        {SIGINT, SIG_IGN, "*\nBreak" + end},
+        {SIGQUIT, SIG_DFL, "*\nBreak" + end},
+        {SIGHUP, SIG_DFL, "*\nClose" + end},
+        {SIGHUP, SIG_IGN, "(3) : error X33"},  // as under nohup: the run goes on
+        {SIGTERM, SIG_DFL, "*\nShutdown" + end}};
+    for (const auto& [signal, before, expected] : rows) {
+        const auto prepare = [number = signal, handler = before](pid_t) {
+            EXPECT_NE(SIG_ERR, std::signal(number, handler));
+        };
         const auto breakOff = [number = signal](pid_t child) {
             const int pipe = open("PIPE", O_RDWR);
             EXPECT_EQ(6, write(pipe, " DB 1\n", 6));
@@ -167,10 +174,10 @@ TEST(BreakTest, EndsTheRunAndLeavesTheTarget) {
             EXPECT_EQ(12, write(pipe, " DB 2\n FROB\n", 12));
             close(pipe);
         };
-        const auto [status, console] = RunChild({"korv", "PIPE", "OUT.COM"}, Nothing, breakOff);
+        const auto [status, console] = RunChild({"korv", "PIPE", "OUT.COM"}, prepare, breakOff);
         EXPECT_EQ(0, status);
         EXPECT_EQ("old", ReadFile("OUT.COM"));
-        EXPECT_TRUE(Contains(console, "*\n" + word + end)) << console;
+        EXPECT_TRUE(Contains(console, expected)) << console;
     }
 }
 

@@ -19,7 +19,7 @@ struct lsArg : OperandClass {
     Status status = 0;            ///< of its expression; 0 if that succeeded or there is none
     std::int32_t value = 0;       ///< of its expression; 0 unless `status` is 0
     std::string_view text;        ///< the operand as written
-    std::string_view expression;  ///< the part of `text` that is evaluated; set if that failed
+    std::string_view expression;  ///< what of `text` is evaluated; set if that failed
     UnresolvedName unresolved;    ///< the name in it without a value yet; set with MSG_UNRESOLVED
     lsArg* next = nullptr;        ///< next record of the overflow chain
 

@@ -135,6 +135,9 @@ class CaseReader {
                                                      std::istream_iterator<std::string>());
             std::replace(arguments.begin(), arguments.end(), std::string("\"\""), std::string());
         } else if (word == "bytes") {
+            for (const std::string& pair : Split(rest, ' ')) {
+                Require(pair.size() == 2 || pair.empty() || rest == "none", "no bytes");
+            }
             std::erase(rest, ' ');
             test.bytes = test.bytes.value_or("") + rest;
             Require(test.bytes == "none" || IsBytes(*test.bytes), "no bytes");

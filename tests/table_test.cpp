@@ -47,7 +47,7 @@ TEST(TableTest, RefusesCasesByTableAndLine) {
         {"T:3: more than a line", {"raw NOP\\nHALT\\n"}},
         {"T:3: \\{ without its *count}", {"    \\{NOP}", "bytes \\{00 *}"}},
         {"T:3: alternatives twice", {"    LD [A|B],[C|D]"}},
-        {"T:3: no bytes", {"bytes 0", "bytes 0G", "bytes none 00", "bytes 00 none"}},
+        {"T:3: no bytes", {"bytes 0", "bytes 0 0", "bytes 0000", "bytes 0G", "bytes none 00", "bytes 00 none"}},
         {"T:3: no message: eror 33", {"    FROB ;! eror 33", "    ;! error 33 ;! eror 33"}},
         {"T:3: no message: error 33 FROB", {"    FROB ;! error 33 FROB", "error 33 FROB"}},
         {"T:3: no place, or two", {"error 33 [FROB]", "    FROB ;! error 33 7"}},

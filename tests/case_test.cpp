@@ -112,35 +112,6 @@ INSTANTIATE_TEST_SUITE_P(Tables, CaseTest, testing::ValuesIn(AllBlocks()), [](co
     return TestName(test.param.front().place + " " + test.param.front().text);
 });
 
-class EncodingsTest : public testing::TestWithParam<std::string> {};
-
-// All instructions of a table in one source; the listing tells each one's bytes.
-TEST_P(EncodingsTest, Hold) {
-    const std::vector<Encoding> encodings = ReadEncodings(GetParam());
-    const TempDir directory;
-    std::string source;
-    for (const Encoding& encoding : encodings) {
-        source += " " + encoding.instruction + "\n";
-    }
-    WriteFile("Main.Kor", source);
-    std::istringstream messages(MessagesIn(RunKorv({"Main.Kor", "/d"}).console));
-    std::istringstream listing(ReadFile("Debug.Out").value_or(""));
-    std::map<std::string, std::string> told;
-    for (std::string line; std::getline(messages, line);) {
-        told[line.substr(0, line.find(' '))] += "\n" + line;  // "Main.Kor(7)"
-    }
-    int number = 0;
-    for (const auto& [instruction, bytes, place] : encodings) {
-        std::string got;  // "<0100> [3E05]  LD A,5"
-        std::getline(listing, got);
-        got.erase(0, got.find('[')) += told["Main.Kor(" + std::to_string(++number) + ")"];
-        EXPECT_EQ("[" + bytes + "]  " + instruction, got) << place;
-    }
-}
-
-INSTANTIATE_TEST_SUITE_P(Tables, EncodingsTest, testing::ValuesIn(TablesIn("encodings")),
-                         [](const auto& test) { return TestName(test.param); });
-
 }  // namespace
 }  // namespace korv_test
 

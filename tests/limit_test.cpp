@@ -4,13 +4,10 @@
 
 #include <functional>
 #include <map>
-#include <set>
 #include <sstream>
 
 #include "codegen/bin_block.h"
-#include "expr/tmp_string.h"
 #include "symbols/name_index.h"
-#include "symbols/patch.h"
 
 namespace korv_test {
 namespace {
@@ -82,47 +79,6 @@ TEST(NameIndexTest, FindsEachNameWhereverHashesCrowd) {
             ASSERT_EQ(nullptr, index.Find({other, hashOf(i)})) << i;
         }
     }
-}
-
-TEST(TmpStringTest, ABlockGoesWhenItIsFullAndUnused) {
-    // The number of blocks; of each, the newest first, size, references and full mark.
-    const auto status = [] { return Numbers(korv::CtmpStringManager::DumpStatus); };
-    const std::string full(16383, 'x');  // and its terminator
-    korv::CtmpString first(full);
-    EXPECT_EQ("1 16384 1 0", status());
-    korv::CtmpString shared(first);
-    korv::CtmpString second("");
-    EXPECT_EQ("2 16384 1 0 16384 2 1", status());
-    first.Release();
-    EXPECT_EQ(full, shared.View());
-    shared.Release();
-    EXPECT_EQ("1 16384 1 0", status());
-    korv::CtmpString longer(full + "yz");
-    EXPECT_EQ("2 16386 1 1 16384 1 1", status());
-    EXPECT_EQ(full + "yz", longer.c_str());
-    longer.Release();
-    EXPECT_EQ("1 16384 1 1", status());
-    korv::CtmpString(full).Release();
-    EXPECT_EQ("2 16384 0 0 16384 1 1", status());  // not known to be full
-    second.Release();
-    korv::CtmpStringManager::ReleaseAll();
-}
-
-TEST(PatchTest, ABlockHas255LivePatches) {
-    using Block = korv::CPatchInfoMemBlock;
-    const int before = Block::BlockCount();
-    std::vector<korv::CPatchInfo*> live;
-    for (int count = before + 1; count < before + 4; ++count) {
-        while (Block::BlockCount() < count) {
-            live.push_back(Block::AllocPatchInfo(0, 0, {}));
-        }
-        EXPECT_EQ((count - 1) * 255 + 1, std::ssize(live));
-        EXPECT_EQ(live.size(), std::set(live.begin(), live.end()).size());
-        const auto kept = live.begin() + std::min<std::ptrdiff_t>(300, std::ssize(live));
-        std::for_each(live.begin(), kept, Block::FreePatchInfo);  // and there is room again
-        live.erase(live.begin(), kept);
-    }
-    std::for_each(live.begin(), live.end(), Block::FreePatchInfo);
 }
 
 }  // namespace

@@ -1,7 +1,6 @@
-// Every keyword crossed with every pair of operands: what is accepted is what the lines of
-// encodings/ name, with any number in the place of theirs, and all else becomes what refusals.txt
-// says. Bytes and messages of each statement are compared, so that none becomes another one in
-// silence.
+// Every keyword crossed with every pair of operands: what is accepted is what the lines of encodings/ name, with any
+// number in the place of theirs, and all else becomes what refusals.txt says. Bytes and messages of each statement are
+// compared, so that none becomes another one in silence.
 
 #include <gtest/gtest.h>
 
@@ -12,6 +11,7 @@
 #include <deque>
 #include <fstream>
 #include <map>
+#include <regex>
 #include <set>
 #include <sstream>
 
@@ -23,17 +23,13 @@
 namespace korv_test {
 namespace {
 
-// The statements of encodings/, since many are the form of another one with other numbers and would
-// be missed nowhere else; and those without a message, so that no operand is lost from the
-// crossing.
+// The statements of encodings/, since many are the form of another one with other numbers and would be missed nowhere
+// else; and those without a message, so that no operand is lost from the crossing.
 constexpr const char* counts = "882 named, 4610 silent";
 // The end of each source defines names, so that what waits for them gets its value late.
 constexpr const char* lateSource = "SOON: EQU 18\nLATE: EQU 300\nFAR: EQU 65535+1\n";
-const std::map<std::string, int> worth = {{"SOON", 18},    {"+SOON", 18},  {"LATE", 300},
-                                          {"-LATE", -300}, {"FAR", 65536}, {"65535+1", 65536},
-                                          {"\"A\"", 65}};
-
-using Words = std::vector<std::string>;
+const std::map<std::string, int> worth = {{"SOON", 18},   {"+SOON", 18},      {"LATE", 300}, {"-LATE", -300},
+                                          {"FAR", 65536}, {"65535+1", 65536}, {"\"A\"", 65}};
 
 // An operand.
 struct Shape {
@@ -46,9 +42,9 @@ using Operands = std::vector<const Shape*>;
 // A line of a table: statements, and what becomes of them.
 struct Row {
     std::string line;
-    Words columns;
+    Strings columns;
     std::vector<std::set<const Shape*>> operands = {};  // those that fit
-    Words fields = {};  // of a named statement: which operand is a byte, word, disp, jump
+    Strings fields = {};  // of a named statement: which operand is a byte, word, disp, jump
     bool isUsed = false;
 };
 enum Column { ABOUT, MNEMONICS, OPERANDS, BYTES, MESSAGES };
@@ -58,17 +54,6 @@ struct Outcome {
     std::multiset<std::string> messages;
     std::string line;  // that says so
 };
-
-// The words of a text, without the blanks around them.
-Words Split(const std::string& text, char separator) {
-    std::istringstream stream(text);
-    Words words;
-    for (std::string word; std::getline(stream, word, separator);) {
-        word.erase(word.find_last_not_of(' ') + 1);
-        words.push_back(word.substr(std::min(word.find_first_not_of(' '), word.size())));
-    }
-    return words;
-}
 
 std::string Hex(int value, std::size_t bytes) {
     const char raw[] = {static_cast<char>(value), static_cast<char>(value >> 8)};
@@ -116,7 +101,7 @@ std::string FieldOf(const std::string& operand, const Row& row) {
     const int value = Evaluate(Inner(operand), korv::comStart);
     const int distance = value - static_cast<int>(korv::comStart) - 2;
     const bool isNumber = Inner(operand).find_first_of("$+-0123456789") == 0;
-    const bool isWord = row.columns[BYTES].ends_with(Hex(value, 2)) && row.fields != Words{"disp"};
+    const bool isWord = row.columns[BYTES].ends_with(Hex(value, 2)) && row.fields != Strings{"disp"};
     return !isNumber                                        ? ""
            : FormOf(operand)[1] == 'I'                      ? "disp"
            : isWord                                         ? "word"
@@ -142,8 +127,7 @@ std::vector<Outcome> Assemble(const std::string& source, std::size_t lines) {
         int number = 0;
         char kind[8];
         line.erase(0, line.find("Main.Kor("));
-        if (std::sscanf(line.c_str(), "Main.Kor(%zu) : %7s X%d", &at, kind, &number) == 3 &&
-            number != 12) {
+        if (std::sscanf(line.c_str(), "Main.Kor(%zu) : %7s X%d", &at, kind, &number) == 3 && number != 12) {
             const std::string text = line.substr(std::min(line.find(" ["), line.size()));
             outcomes.at(at - 1).messages.insert(kind + (" " + std::to_string(number)) + text);
         }
@@ -172,7 +156,7 @@ struct Crossing {
         int number = 0;
         for (std::string line; std::getline(table, line);) {
             const std::string place = "refusals.txt:" + std::to_string(++number) + ": ";
-            const Words columns = Split(line, '|');
+            const Strings columns = Split(std::regex_replace(line, std::regex(" *([|,]) *"), "$1"), '|');
             if (line.starts_with("operands ")) {
                 const std::string group = columns[0].substr(columns[0].find(' ') + 1);
                 const int status = std::isdigit(group[0]) != 0 ? std::stoi(group) : -1;
@@ -188,20 +172,20 @@ struct Crossing {
         for (const std::string& path : TablesIn("encodings")) {
             for (const Encoding& encoding : ReadEncodings(path)) {
                 const std::string& text = encoding.instruction;
-                const Words words = Split(text + " ", ' ');
-                AddRow(text, {"named", words[0], words.size() > 1 ? words[1] : "", encoding.bytes});
+                const Strings words = Split(text + " ", ' ');
+                AddRow(text, {"named", words[0], words[1], encoding.bytes});
                 encodings.push_back(encoding);
             }
         }
     }
 
-    void AddRow(const std::string& line, Words columns) {
+    void AddRow(const std::string& line, Strings columns) {
         columns.resize(MESSAGES + 1);
         const std::string mnemonic = "/" + Split(columns[MNEMONICS], '/')[0] + "/";
         const bool isBare = bareMnemonics.find(mnemonic) != std::string::npos;
         Row& row = rows.emplace_back(Row{line, columns});
-        const std::string operands = columns[OPERANDS] == "..." ? "" : columns[OPERANDS];
-        for (const std::string& operand : Split(operands, ',')) {
+        const bool hasNone = columns[OPERANDS].empty() || columns[OPERANDS] == "...";
+        for (const std::string& operand : hasNone ? Strings() : Split(columns[OPERANDS], ',')) {
             row.fields.push_back(columns[ABOUT] == "named" ? FieldOf(operand, row) : "");
             const std::string patterns = row.fields.back().empty() ? operand : FormOf(operand);
             std::set<const Shape*>& set = row.operands.emplace_back();
@@ -224,8 +208,7 @@ struct Crossing {
         const auto isIn = [](const Shape* shape, const auto& set) { return set.contains(shape); };
         for (Row* const row : rowsOfKeyword) {
             if (row->columns[ABOUT] == about &&
-                (row->columns[OPERANDS] == "..." ||
-                 std::ranges::equal(operands, row->operands, isIn))) {
+                (row->columns[OPERANDS] == "..." || std::ranges::equal(operands, row->operands, isIn))) {
                 row->isUsed = true;
                 return *row;
             }
@@ -236,7 +219,7 @@ struct Crossing {
     // Adds the messages of `row`; `it` is the operand that they are about.
     static void Tell(const Row& row, const Operands& operands, const Shape& it, Outcome* outcome) {
         outcome->line = row.line;
-        for (std::string message : Split(row.columns[MESSAGES], ',')) {
+        for (std::string message : row.columns[MESSAGES].empty() ? Strings() : Split(row.columns[MESSAGES], ',')) {
             const int status = message.ends_with("S' [it]") && it.status == 24 ? 16 : it.status;
             message = ReplaceAll(ReplaceAll(message, "S'", "S"), "S", std::to_string(status));
             message = ReplaceAll(message, "[bare]", "[" + Inner(it.text) + "]");
@@ -290,11 +273,10 @@ struct Crossing {
         const Row& row = First("refused", operands);
         Outcome outcome{row.columns[BYTES], {}, ""};
         Tell(row, operands, operands.empty() ? shapes[0] : *operands.back(), &outcome);
-        if (const Words words = Split(outcome.bytes, ' '); words.size() == 3) {
+        if (const Strings words = Split(outcome.bytes, ' '); words.size() == 3) {
             operands.back() = &*std::ranges::find(shapes, words[2], &Shape::text);
             const std::string& bytes = First("named", operands).columns[BYTES];
-            outcome.bytes =
-                bytes.substr(words[0] == "last" && !bytes.empty() ? bytes.size() - 2 : 0, 2);
+            outcome.bytes = bytes.substr(words[0] == "last" && !bytes.empty() ? bytes.size() - 2 : 0, 2);
         }
         return outcome;
     }
@@ -347,8 +329,8 @@ struct Crossing {
             const Outcome& got = outcomes.at(i);
             if (expected.bytes != got.bytes || expected.messages != got.messages) {
                 using testing::PrintToString;
-                Differ(text + " gives " + got.bytes + PrintToString(got.messages) + ", not " +
-                       expected.bytes + PrintToString(expected.messages) + "; " + expected.line);
+                Differ(text + " gives " + got.bytes + PrintToString(got.messages) + ", not " + expected.bytes +
+                       PrintToString(expected.messages) + "; " + expected.line);
             }
             silent += std::size_t{got.messages.empty()};
         }
@@ -367,8 +349,8 @@ TEST(CrossingTest, AcceptsWhatEncodingsName) {
         }
     }
     EXPECT_EQ(0U, crossing.differences);
-    EXPECT_EQ(counts, std::to_string(crossing.encodings.size()) + " named, " +
-                          std::to_string(crossing.silent) + " silent");
+    EXPECT_EQ(counts,
+              std::to_string(crossing.encodings.size()) + " named, " + std::to_string(crossing.silent) + " silent");
 }
 
 }  // namespace

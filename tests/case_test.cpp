@@ -1,5 +1,5 @@
-// The tables under tests/: every case becomes a test of its own, named after its table, line and
-// title. The examples of the manual are cases too.
+// The tables under tests/: every case becomes a test of its own, named after its table, line and title. The examples of
+// the manual are cases too.
 
 #include <gtest/gtest.h>
 
@@ -33,8 +33,8 @@ std::string MessagesIn(const std::string& console) {
     return messages;
 }
 
-// The console output of which a case tells `lines`: the title is in front, the clearing line at the
-// end, which the help does without.
+// The console output of which a case tells `lines`: the title is in front, the clearing line at the end, which the help
+// does without.
 std::string Console(const std::string& lines) {
     const bool isHelp = lines.find("[Korv] HELP!\n") != std::string::npos;
     return "Brelloc Korv v2.00.025 *FAST*\n" + lines + (isHelp ? "" : std::string(26, ' ') + "\r");
@@ -62,10 +62,8 @@ TEST_P(CaseTest, Holds) {
     for (const auto& [name, contents] : test.files) {
         WriteFile(name, contents);
     }
-    const RunResult result = RunKorv(test.arguments.value_or(std::vector<std::string>{"Main.Kor"}));
-    const auto here = [&](const std::string& text) {
-        return ReplaceAll(text, "$DIR", directory.Path());
-    };
+    const RunResult result = RunKorv(test.arguments.value_or(Strings{"Main.Kor"}));
+    const auto here = [&](const std::string& text) { return ReplaceAll(text, "$DIR", directory.Path()); };
     if (!test.outputs.contains("")) {
         ASSERT_EQ(here(test.messages), MessagesIn(result.console)) << result.console;
     }

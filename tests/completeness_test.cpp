@@ -1,6 +1,6 @@
-// Asks what is missing: each keyword, message, reserved word, switch and limit has its case and its
-// place in the manual. The manual is written by hand, so it is a second opinion on every word and
-// every text. A failure names what has none.
+// Asks what is missing: each keyword, message, reserved word, switch and limit has its case and its place in the
+// manual. The manual is written by hand, so it is a second opinion on every word and every text. A failure names what
+// has none.
 
 #include <gtest/gtest.h>
 
@@ -22,7 +22,6 @@
 namespace korv_test {
 namespace {
 
-using Strings = std::vector<std::string>;
 using StringSet = std::set<std::string>;
 
 // All that the first group of `pattern` finds.
@@ -30,10 +29,6 @@ template <class Container = Strings>
 Container Found(const std::string& text, const std::string& pattern) {
     const std::regex regex(pattern);
     return {std::sregex_token_iterator(text.begin(), text.end(), regex, 1), {}};
-}
-
-bool Contains(const std::string& text, const std::string& part) {
-    return text.find(part) != std::string::npos;
 }
 
 // The manual from a line that begins with `from` up to one that begins with `to`.

@@ -1,5 +1,4 @@
-// Every example assembles without a message and does on a Z80 what it says. Typed text is not
-// echoed.
+// Every example assembles without a message and does on a Z80 what it says. Typed text is not echoed.
 
 #include <gtest/gtest.h>
 #include <z80ex/z80ex.h>
@@ -13,9 +12,9 @@
 namespace korv_test {
 namespace {
 
-// A Z80 with 64 KiB of RAM and as much of CP/M as a console program needs: its calls 0 (leave), 1
-// (key), 2 (character), 9 (text up to "$") and 10 (line). Input is not echoed, so that `output` is
-// the program's own text; after its end come keys 1AH and empty lines.
+// A Z80 with 64 KiB of RAM and as much of CP/M as a console program needs: its calls 0 (leave), 1 (key), 2 (character),
+// 9 (text up to "$") and 10 (line). Input is not echoed, so that `output` is the program's own text; after its end come
+// keys 1AH and empty lines.
 struct Emulator {
     static constexpr unsigned systemEntry = 5;
     static constexpr unsigned stackTop = 0xFF00;  // the word 0 there is the return address
@@ -24,11 +23,8 @@ struct Emulator {
     std::string_view input;  // what is left of it; lines end in a line feed
     std::unique_ptr<Z80EX_CONTEXT, decltype(&z80ex_destroy)> cpu = {
         z80ex_create(
-            [](auto*, Z80EX_WORD at, int, void* ram) { return static_cast<Z80EX_BYTE*>(ram)[at]; },
-            memory.data(),
-            [](auto*, Z80EX_WORD at, Z80EX_BYTE value, void* ram) {
-                static_cast<Z80EX_BYTE*>(ram)[at] = value;
-            },
+            [](auto*, Z80EX_WORD at, int, void* ram) { return static_cast<Z80EX_BYTE*>(ram)[at]; }, memory.data(),
+            [](auto*, Z80EX_WORD at, Z80EX_BYTE value, void* ram) { static_cast<Z80EX_BYTE*>(ram)[at] = value; },
             memory.data(), [](auto*, Z80EX_WORD, void*) -> Z80EX_BYTE { return 0xFF; }, nullptr,
             [](auto*, Z80EX_WORD, Z80EX_BYTE, void*) {}, nullptr, nullptr, nullptr),
         z80ex_destroy};

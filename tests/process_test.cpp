@@ -26,13 +26,12 @@ struct Outcome {
     std::string console;
 };
 
-using Words = std::vector<std::string>;
 using Action = std::function<void(pid_t)>;
 
 void Nothing(pid_t) {}
 
 // Runs the program in a child: `prepare` there before it, `meanwhile` here beside it.
-Outcome RunChild(Words words, const Action& prepare, const Action& meanwhile = Nothing) {
+Outcome RunChild(Strings words, const Action& prepare, const Action& meanwhile = Nothing) {
     std::vector<char*> argv;
     for (std::string& word : words) {
         argv.push_back(word.data());
@@ -57,10 +56,6 @@ void Await(const std::function<bool()>& isReached) {
     }
 }
 
-bool Contains(const std::string& text, const std::string& part) {
-    return text.find(part) != std::string::npos;
-}
-
 // Named so that it runs before the others: those leave blocks of patches in this process.
 TEST(FaultDeathTest, AnyAllocationMayFailOnceOrForGood) {
     const TempDir directory;
@@ -74,8 +69,7 @@ TEST(FaultDeathTest, AnyAllocationMayFailOnceOrForGood) {
         "Binary target manager\n---------------------\n   Block size:  4096.\n   Position:    4096,\n";
     // clang-format on
     const std::string death = "Could not allocate more memory! (Size=4096)\n";
-    const std::string firstDeath =
-        "[ERROR!] Failed to allocate 8192 bytes.\n" + dump + death + dump;
+    const std::string firstDeath = "[ERROR!] Failed to allocate 8192 bytes.\n" + dump + death + dump;
     std::string source = "L0: DW F0+0,F1,F2\n IF 1\n INCLUDE 7\n ENDIF\n";
     std::string included = " DS 20735-$\n DW 5\n";
     for (int i = 0; i < 1000; ++i) {
@@ -87,18 +81,14 @@ TEST(FaultDeathTest, AnyAllocationMayFailOnceOrForGood) {
     WriteFile("Bad.Kor", source + " FROB\n LD A,300\n JP NOWHERE\n");
     WriteFile("7", included);
     WriteFile("Dat.bin", "data");
-    Words consoles;
-    for (const auto& [name, allBehind] :
-         {std::pair("Bad.Kor", false), {"Good.Kor", false}, {"Good.Kor", true}}) {
+    Strings consoles;
+    for (const auto& [name, allBehind] : {std::pair("Bad.Kor", false), {"Good.Kor", false}, {"Good.Kor", true}}) {
         const auto run = [&, file = name, all = allBehind](int n) {
             WriteFile("OUT.COM", "old");
-            return RunChild({"korv", file, "OUT.COM", "/d", "/l", "/f:777", "/linelen:1233",
-                             all ? "/f:0" : "/p-"},
+            return RunChild({"korv", file, "OUT.COM", "/d", "/l", "/f:777", "/linelen:1233", all ? "/f:0" : "/p-"},
                             [n, all](pid_t) { korv::platform::FailAllocation(n, all); });
         };
-        const auto results = [] {
-            return *ReadFile("OUT.COM") + *ReadFile("Debug.Out") + *ReadFile("Labels.Out");
-        };
+        const auto results = [] { return *ReadFile("OUT.COM") + *ReadFile("Debug.Out") + *ReadFile("Labels.Out"); };
         const std::string right = run(0).console;
         const std::string rightResults = results();
         Outcome outcome;

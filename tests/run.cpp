@@ -17,8 +17,8 @@ namespace fs = std::filesystem;
 namespace {
 
 // The file that a run with `arguments` is to write.
-std::string TargetName(const std::vector<std::string>& arguments) {
-    std::vector<std::string> names;
+std::string TargetName(const Strings& arguments) {
+    Strings names;
     const char* extension = ".com";
     for (const std::string& word : arguments) {
         if (word[0] != '-' && (word[0] != '/' || word.rfind('/') != 0)) {
@@ -34,7 +34,7 @@ std::string TargetName(const std::vector<std::string>& arguments) {
 
 }  // namespace
 
-RunResult RunKorv(std::vector<std::string> arguments) {
+RunResult RunKorv(Strings arguments) {
     std::string program = "korv";
     std::vector<char*> argv = {program.data()};
     for (std::string& word : arguments) {
@@ -71,8 +71,7 @@ TempDir::~TempDir() {
 
 std::optional<std::string> ReadFile(const std::string& name) {
     std::ifstream file(name, std::ios::binary);
-    return file ? std::optional(std::string(std::istreambuf_iterator<char>(file), {}))
-                : std::nullopt;
+    return file ? std::optional(std::string(std::istreambuf_iterator<char>(file), {})) : std::nullopt;
 }
 
 void WriteFile(const std::string& name, std::string_view contents) {
@@ -80,6 +79,10 @@ void WriteFile(const std::string& name, std::string_view contents) {
         fs::create_directories(parent);
     }
     std::ofstream(name, std::ios::binary) << contents;
+}
+
+bool Contains(const std::string& text, const std::string& part) {
+    return text.find(part) != std::string::npos;
 }
 
 std::string ToHex(std::string_view bytes) {

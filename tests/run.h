@@ -1,5 +1,4 @@
-/// Running the program from a test: in this process, in an empty directory, with its console output
-/// captured.
+/// Running the program from a test: in this process, in an empty directory, with its console output captured.
 #pragma once
 
 #include <optional>
@@ -18,7 +17,7 @@ struct RunResult {
 };
 
 /// Runs the program with `arguments`, in the current directory; leaves a file `console` there.
-RunResult RunKorv(std::vector<std::string> arguments);
+RunResult RunKorv(Strings arguments);
 
 /// Enters an empty directory; leaves and removes it at the end.
 class TempDir {
@@ -41,6 +40,7 @@ void WriteFile(const std::string& name, std::string_view contents);
 /// Sends what this process prints to the file `console`.
 void CaptureConsole();
 
+bool Contains(const std::string& text, const std::string& part);
 std::string ToHex(std::string_view bytes);
 std::string ReplaceAll(const std::string& text, std::string_view from, std::string_view to);
 

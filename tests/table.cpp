@@ -46,17 +46,8 @@ bool IsBytes(const std::string& text) {
     return text.size() % 2 == 0 && text.find_first_not_of("0123456789ABCDEF") == std::string::npos;
 }
 
-std::vector<std::string> Split(const std::string& text, char at) {
-    std::istringstream stream(text + at);
-    std::vector<std::string> parts;
-    for (std::string part; std::getline(stream, part, at);) {
-        parts.push_back(part);
-    }
-    return parts;
-}
-
-// "LD [B|C],5" is two lines, each with its alternative. A line without brackets is itself, and has
-// "=", so that "[=]" in its messages stays as it is.
+// "LD [B|C],5" is two lines, each with its alternative. A line without brackets is itself, and has "=", so that "[=]"
+// in its messages stays as it is.
 std::vector<std::pair<std::string, std::string>> Alternatives(const std::string& line) {
     static const std::regex bracket(R"(\[([^\[\]]*\|[^\[\]]*)\])");
     std::smatch match;
@@ -98,8 +89,7 @@ std::string Expanded(std::string text, bool isRaw) {
     static const std::regex endForm(R"(\*([0-9]{1,7})\})");
     for (std::size_t at = 0; (at = text.find("\\{", at)) != std::string::npos;) {
         std::smatch end;
-        Require(std::regex_search(text.cbegin() + static_cast<std::ptrdiff_t>(at) + 2, text.cend(),
-                                  end, endForm),
+        Require(std::regex_search(text.cbegin() + static_cast<std::ptrdiff_t>(at) + 2, text.cend(), end, endForm),
                 "\\{ without its *count}");
         const std::string body = end.prefix();
         std::string all;
@@ -121,8 +111,7 @@ class CaseReader {
             return TakeIndented(Expanded(line.substr(4), false));
         }
         const std::string word = line.substr(0, line.find(' '));
-        std::string rest =
-            Expanded(line.substr(std::min(word.size() + 1, line.size())), word == "raw");
+        std::string rest = Expanded(line.substr(std::min(word.size() + 1, line.size())), word == "raw");
         const std::map<std::string, std::string> outputs = {
             {"console", ""}, {"labels", "Labels.Out"}, {"debug", "Debug.Out"}, {"output", rest}};
         if (word == "raw") {
@@ -131,8 +120,8 @@ class CaseReader {
         } else if (word == "args") {
             Require(!test.arguments, "given twice");
             std::istringstream words(rest);
-            auto& arguments = test.arguments.emplace(std::istream_iterator<std::string>(words),
-                                                     std::istream_iterator<std::string>());
+            auto& arguments =
+                test.arguments.emplace(std::istream_iterator<std::string>(words), std::istream_iterator<std::string>());
             std::replace(arguments.begin(), arguments.end(), std::string("\"\""), std::string());
         } else if (word == "bytes") {
             for (const std::string& pair : Split(rest, ' ')) {
@@ -204,8 +193,7 @@ class CaseReader {
         static const std::regex form(
             R"(([0-9]?) (error|warning) (-?[0-9]{1,3})( (?:([\w.-]+):)?([0-9]+))?( \[.*\])? *)");
         std::smatch match;
-        Require(std::regex_match(text, match, form),
-                "no message: " + text.substr(text.find(' ') + 1));
+        Require(std::regex_match(text, match, form), "no message: " + text.substr(text.find(' ') + 1));
         Require(place.empty() == match[4].matched, "no place, or two");
         if (place.empty()) {
             const std::string name = match[5].matched ? match.str(5) : "Main.Kor";
@@ -214,11 +202,10 @@ class CaseReader {
         const auto number = static_cast<std::size_t>(std::stoi(match[3]) + 1);
         Require(number <= korv::MESSAGE_TABLE.size(), "no such message");
         const std::string kind = match[2];
-        messages[kind + match.str(1)] +=
-            place + " : " + kind + " X" + match.str(3) + " : " +
-            (number == 0 ? "Illegal " + kind + " number! (Internal error.)"
-                         : std::string(korv::MESSAGE_TABLE.at(number - 1).text)) +
-            match.str(7) + "\n";
+        messages[kind + match.str(1)] += place + " : " + kind + " X" + match.str(3) + " : " +
+                                         (number == 0 ? "Illegal " + kind + " number! (Internal error.)"
+                                                      : std::string(korv::MESSAGE_TABLE.at(number - 1).text)) +
+                                         match.str(7) + "\n";
     }
 
     Case test;
@@ -251,11 +238,20 @@ std::vector<TableLine> ManualAsTable(const std::vector<TableLine>& manual) {
 
 }  // namespace
 
+Strings Split(const std::string& text, char at) {
+    std::istringstream stream(text + at);
+    Strings parts;
+    for (std::string part; std::getline(stream, part, at);) {
+        parts.push_back(part);
+    }
+    return parts;
+}
+
 std::string ProjectPath(const std::string& part) {
     return KORV_SOURCE_DIR "/" + part;
 }
 
-std::vector<std::string> TablesIn(const std::string& folder) {
+Strings TablesIn(const std::string& folder) {
     std::set<std::string> tables;
     for (const auto& entry : std::filesystem::directory_iterator(ProjectPath("tests/" + folder))) {
         tables.insert(entry.path());

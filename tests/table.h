@@ -1,5 +1,5 @@
-/// The text tables of the tests; README.md tells their form. Whatever a reader does not understand
-/// it refuses by an exception with table and line, in the one test that needs it.
+/// The text tables of the tests; README.md tells their form. Whatever a reader does not understand it refuses by an
+/// exception with table and line, in the one test that needs it.
 #pragma once
 
 #include <map>
@@ -9,16 +9,21 @@
 
 namespace korv_test {
 
+using Strings = std::vector<std::string>;
+
 struct TableLine {
     std::string place;  ///< "TABLE:LINE"
     std::string text;
 };
 using Block = std::vector<TableLine>;  ///< a case as it stands in its table, without comments
 
+/// The parts of `text` between the characters `at`: one more than there are of these.
+Strings Split(const std::string& text, char at);
+
 /// The absolute path of a part of the project.
 std::string ProjectPath(const std::string& part);
 /// The files in a folder of tests/, in order.
-std::vector<std::string> TablesIn(const std::string& folder);
+Strings TablesIn(const std::string& folder);
 
 /// The cases of a table, or of the fenced blocks of a manual (.md).
 std::vector<Block> ReadBlocks(const std::string& path);
@@ -26,10 +31,10 @@ std::vector<Block> ReadBlocks(const std::string& path);
 /// A case as it is run.
 struct Case {
     std::map<std::string, std::string> files;  ///< contents by name
-    std::optional<std::vector<std::string>> arguments;
-    std::string messages;              ///< as printed, without directories: errors, then warnings
-    bool hasError = false;             ///< among what is expected
-    std::optional<std::string> bytes;  ///< of the target in hexadecimal, or "none"
+    std::optional<Strings> arguments;
+    std::string messages;                        ///< as printed, without directories: errors, then warnings
+    bool hasError = false;                       ///< among what is expected
+    std::optional<std::string> bytes;            ///< of the target in hexadecimal, or "none"
     std::map<std::string, std::string> outputs;  ///< expected contents by name; "" is the console
 };
 

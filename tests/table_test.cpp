@@ -1,5 +1,5 @@
-// The reader of tables: what it makes of a case, and that it refuses, by table and line, whatever
-// would otherwise be an expectation that nobody looks at.
+// The reader of tables: what it makes of a case, and that it refuses, by table and line, whatever would otherwise be an
+// expectation that nobody looks at.
 
 #include "table.h"
 
@@ -22,7 +22,7 @@ std::vector<Case> ReadCases(const std::string& path) {
 
 // Two lines, then each text in turn, make a table: where it is refused, and why.
 void ExpectRefusals(const std::string& start, const std::function<void(std::string)>& reader,
-                    const std::vector<std::pair<std::string, std::vector<std::string>>>& rows) {
+                    const std::vector<std::pair<std::string, Strings>>& rows) {
     const TempDir directory;
     for (const auto& [refusal, texts] : rows) {
         for (const std::string& text : texts) {
@@ -85,7 +85,7 @@ TEST(TableTest, MakesACaseOfItsLines) {
     const Case test = ReadCases("T")[0];
     EXPECT_EQ("FROB X\nFROB YZ\n", test.files.at("B"));
     EXPECT_EQ(" L0: 1\n L1: 2\n L2: 3\n La\\a\\\r\xE4\nDB \"\\\n", test.files.at("Main.Kor"));
-    EXPECT_EQ((std::vector<std::string>{"a", ""}), test.arguments);
+    EXPECT_EQ((Strings{"a", ""}), test.arguments);
     EXPECT_EQ(
         "Main.Kor(4) : error X1 : System Error! [zzz]\n"
         "Main.Kor(5) : error X2 : *Identifiers* [=]\n"

@@ -1,5 +1,5 @@
-// Whole runs from any bytes: a line of switches, the main source, and behind the first byte FE the
-// source B.KOR. The sanitizers see what is wrong inside a run, the checks below what it leaves.
+// Whole runs from any bytes: a line of switches, the main source, and behind the first byte FE the source B.KOR. The
+// sanitizers see what is wrong inside a run, the checks below what it leaves.
 
 #include <unistd.h>
 
@@ -17,8 +17,7 @@ namespace {
 namespace fs = std::filesystem;
 using Files = std::map<std::string, std::string>;  // contents by name
 
-const fs::path directory =
-    fs::canonical(fs::temp_directory_path()) / ("korv-fuzz-" + std::to_string(getpid()));
+const fs::path directory = fs::canonical(fs::temp_directory_path()) / ("korv-fuzz-" + std::to_string(getpid()));
 int filesRead = 0;
 
 void Require(bool isTrue, const char* otherwise) {
@@ -56,9 +55,9 @@ Files FilesAfterRun(std::vector<std::string> words, const Files& sources) {
 }  // namespace
 
 extern "C" {
-// One line may ask for gigabytes of zeros, and a file that includes itself twice for a thousand
-// files; both is legal and takes its time. So the linker puts these two in front of PutZeros and
-// Leave: a block has 5000 bytes at most, and a run that has read 200 files is broken off.
+// One line may ask for gigabytes of zeros, and a file that includes itself twice for a thousand files; both is legal
+// and takes its time. So the linker puts these two in front of PutZeros and Leave: a block has 5000 bytes at most, and
+// a run that has read 200 files is broken off.
 std::uint32_t __real__ZN4korv8BinBlock8PutZerosEj(void*, std::uint32_t);
 std::uint32_t __wrap__ZN4korv8BinBlock8PutZerosEj(void* binary, std::uint32_t count) {
     return __real__ZN4korv8BinBlock8PutZerosEj(binary, std::min(count, 5000U));
@@ -103,8 +102,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::size_t count = files.contains("Errors.Out") ? 2 : 3;
     std::erase_if(files, [](const auto& file) { return file.first.ends_with(".Out"); });
     Require(files.size() == count, "a target too much or none");
-    Require(files["Main.Kor"] == sources["Main.Kor"] && files["B.KOR"] == sources["B.KOR"],
-            "source changed");
+    Require(files["Main.Kor"] == sources["Main.Kor"] && files["B.KOR"] == sources["B.KOR"], "source changed");
     return 0;
 }
 }

@@ -4,10 +4,12 @@
 
 #include <functional>
 #include <map>
+#include <set>
 #include <sstream>
 
 #include "codegen/bin_block.h"
 #include "symbols/name_index.h"
+#include "symbols/patch.h"
 
 namespace korv_test {
 namespace {
@@ -79,6 +81,25 @@ TEST(NameIndexTest, FindsEachNameWhereverHashesCrowd) {
             ASSERT_EQ(nullptr, index.Find({other, hashOf(i)})) << i;
         }
     }
+}
+
+TEST(PatchTest, ABlockHas255PatchesAndTakesFreedOnesBack) {
+    using Block = korv::CPatchInfoMemBlock;
+    const int before = Block::BlockCount();
+    std::vector<korv::CPatchInfo*> live;
+    const auto usedUpTo = [&](int count) {
+        while (Block::BlockCount() < count) {
+            live.push_back(Block::AllocPatchInfo(0, 0, {}));
+        }
+        EXPECT_EQ(live.size(), std::set(live.begin(), live.end()).size());
+        return live.size();
+    };
+    const std::size_t first = usedUpTo(before + 1);
+    EXPECT_EQ(first + 255, usedUpTo(before + 2));
+    std::for_each(live.begin(), live.end(), Block::FreePatchInfo);
+    live.clear();
+    EXPECT_EQ(first + 2 * 255, usedUpTo(before + 3));
+    std::for_each(live.begin(), live.end(), Block::FreePatchInfo);
 }
 
 }  // namespace

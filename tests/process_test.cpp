@@ -64,13 +64,16 @@ TEST(FaultDeathTest, AnyAllocationMayFailOnceOrForGood) {
         "Korv Status Dump.\n----------------------------------------------------\n"
         "   File depth:          2/2.\n   Conditional depth:   1.\n   Total Linecount:     0.\n"
         "   Current filename:  " + directory.Path() + "/7\nTemp string info\n----------------\n"
-        "   Block Count:     1.\n     Size: 16384, Reference count:     1, IsFull: 0.\n"
+        "   Block Count:     2.\n     Size: 16384, Reference count:     2, IsFull: 0.\n"
+        "     Size: 16384, Reference count:    15, IsFull: 1.\n"
         "Identifier manager\n------------------\n   Total Count:    95.\n   Table Size:    211.\n"
         "Binary target manager\n---------------------\n   Block size:  4096.\n   Position:    4096,\n";
     // clang-format on
     const std::string death = "Could not allocate more memory! (Size=4096)\n";
     const std::string firstDeath = "[ERROR!] Failed to allocate 8192 bytes.\n" + dump + death + dump;
-    std::string source = "L0: DW F0+0,F1,F2\n IF 1\n INCLUDE 7\n ENDIF\n";
+    const std::string use = " DW F0+" + std::string(1100, '0') + "\n";  // of 16, the 15th is too much for a block
+    std::string source =
+        "L0: DW F0+0,F1,F2\n" + ReplaceAll(std::string(16, 'x'), "x", use) + " IF 1\n INCLUDE 7\n ENDIF\n";
     std::string included = " DS 20735-$\n DW 5\n";
     for (int i = 0; i < 1000; ++i) {
         source += i < 20 ? std::string(200, 'N') + std::to_string(i) + ": DW F0\n" : " DW F2\n";
@@ -117,7 +120,7 @@ TEST(FaultDeathTest, AnyAllocationMayFailOnceOrForGood) {
         {"", "Could not allocate memory for lsArg!\n"},
         {"", "realloc error\n"},
         {" 777 ", noFile}, {" 1234 ", noFile}, {" " + std::to_string(source.size()) + " ", noFile},
-        {" 777 ", "/Bad.Kor(3)" + line}, {" 4 ", "   Total Linecount:    93.\n"},
+        {" 777 ", "/Bad.Kor(19)" + line}, {" 4 ", "   Total Linecount:    93.\n"},
     };
     // clang-format on
     for (const auto& [size, part] : rows) {

@@ -25,7 +25,7 @@ namespace {
 
 // The statements of encodings/, since many are the form of another one with other numbers and would be missed nowhere
 // else; and those without a message, so that no operand is lost from the crossing.
-constexpr const char* counts = "882 named, 4610 silent";
+constexpr const char* counts = "854 named, 4582 silent";
 // The end of each source defines names, so that what waits for them gets its value late.
 constexpr const char* lateSource = "SOON: EQU 18\nLATE: EQU 300\nFAR: EQU 65535+1\n";
 const std::map<std::string, int> worth = {{"SOON", 18},   {"+SOON", 18},      {"LATE", 300}, {"-LATE", -300},

@@ -112,8 +112,6 @@ class CaseReader {
         }
         const std::string word = line.substr(0, line.find(' '));
         std::string rest = Expanded(line.substr(std::min(word.size() + 1, line.size())), word == "raw");
-        const std::map<std::string, std::string> outputs = {
-            {"console", ""}, {"labels", "Labels.Out"}, {"debug", "Debug.Out"}, {"output", rest}};
         if (word == "raw") {
             Require(rest.find('\n') >= rest.size() - 1, "more than a line");
             *block += rest;
@@ -137,9 +135,9 @@ class CaseReader {
             Open(rest, &test.files);
             file = rest.substr(rest.rfind('/') + 1);
         } else {
-            Require(outputs.contains(word), "unknown word");
-            Require(rest.empty() != (word == "output"), "a name for \"output\" only");
-            Open(outputs.at(word), &test.outputs);
+            Require(word == "console" || word == "output", "unknown word");
+            Require(rest.empty() == (word == "console"), "a name for \"output\" only");
+            Open(rest, &test.outputs);
             file.clear();
         }
     }

@@ -54,7 +54,7 @@ TEST(TableTest, RefusesCasesByTableAndLine) {
         {"T:3: no such message", {"    FROB ;! error 99", "warning 99 1", "error -2 1"}},
         {"T:3: nothing is expected", {"args /d", "    NOP"}},
         {"T:3: no name", {"file"}},
-        {"T:3: a name for \"output\" only", {"labels x", "output"}},
+        {"T:3: a name for \"output\" only", {"console x", "output"}},
         {"T:3: given twice", {"file Main.Kor"}},
         {"T:4: given twice", {"file X\nfile X", "output X\noutput X", "args /d\nargs /l"}},
         {"T:4: bytes beside an error", {"bytes 00\nerror 16 1"}},

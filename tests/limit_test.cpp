@@ -5,7 +5,6 @@
 #include <functional>
 #include <map>
 #include <set>
-#include <sstream>
 
 #include "codegen/bin_block.h"
 #include "symbols/name_index.h"
@@ -14,47 +13,35 @@
 namespace korv_test {
 namespace {
 
-// The numbers that `dump` prints.
-std::string Numbers(const std::function<int(std::FILE*)>& dump) {
-    std::FILE* const stream = std::tmpfile();
-    EXPECT_EQ(-1, dump(nullptr));
-    EXPECT_EQ(0, dump(stream));
-    std::rewind(stream);
-    std::string numbers;
-    for (int number = 0; std::fscanf(stream, "%*[^0-9]%d", &number) == 1;) {
-        numbers += (numbers.empty() ? "" : " ") + std::to_string(number);
-    }
-    std::fclose(stream);
-    return numbers;
-}
-
 TEST(BinBlockTest, GrowsInItsStepsAndNotBefore) {
     const std::vector<std::uint8_t> ones(20480, 1);
-    const std::map<std::string, std::string> rows = {
-        // what is put, at a place or behind the last; then size and position
-        {"zeros 4096 byte 1", "8192 4097"},
-        {"zeros 12289", "16384 12289"},
-        {"zeros 4094 word 1", "4096 4096"},
-        {"zeros 4095 word 1", "20480 4097"},
-        {"ones 4095", "4096 4095"},  // one byte is kept to spare
-        {"ones 20480", "36864 20480"},
-        {"byteAt 4095 wordAt 4094", "4096 0"},
-        {"byteAt 99999 wordAt 102399", "118784 0"},
-        {"byteAt 4294967295", "4096 0"},  // no position
+    const struct {
+        std::function<void(korv::BinBlock*)> put;
+        unsigned size, position;
+    } rows[] = {
+        {[](auto* block) { block->PutZeros(4096), block->PutByte(1); }, 8192, 4097},
+        {[](auto* block) { block->PutZeros(12289); }, 16384, 12289},
+        {[](auto* block) { block->PutZeros(4094), block->PutWord(1); }, 4096, 4096},
+        {[](auto* block) { block->PutZeros(4095), block->PutWord(1); }, 20480, 4097},
+        {[&](auto* block) { block->PutBytes(std::span(ones).first(4095)); }, 4096, 4095},  // one byte is to spare
+        {[&](auto* block) { block->PutBytes(std::span(ones).first(4096)); }, 20480, 4096},
+        {[&](auto* block) { block->PutBytes(ones); }, 36864, 20480},
+        {[](auto* block) { block->PutByteAt(1, 4095), block->PutWordAt(1, 4094); }, 4096, 0},
+        {[](auto* block) { block->PutByteAt(1, 99999), block->PutWordAt(1, 102399); }, 118784, 0},
+        {[](auto* block) { block->PutByteAt(1, 4294967295); }, 4096, 0},  // no position
     };
-    for (const auto& [work, expected] : rows) {
+    for (const auto& [put, size, position] : rows) {
         korv::BinBlock block(4096, stdout);
-        std::istringstream words(work);
-        std::uint32_t n = 0;
-        for (std::string word; words >> word >> n;) {
-            word == "zeros"    ? block.PutZeros(n)
-            : word == "byte"   ? block.PutByte(1)
-            : word == "word"   ? block.PutWord(1)
-            : word == "ones"   ? block.PutBytes(std::span(ones).first(n))
-            : word == "byteAt" ? block.PutByteAt(1, n)
-                               : block.PutWordAt(1, n);
-        }
-        EXPECT_EQ(expected, Numbers([&](std::FILE* to) { return block.DumpStatus(to); })) << work;
+        put(&block);
+        std::FILE* const dump = std::tmpfile();
+        EXPECT_EQ(-1, block.DumpStatus(nullptr));
+        EXPECT_EQ(0, block.DumpStatus(dump));
+        std::rewind(dump);
+        unsigned numbers[2] = {};
+        EXPECT_EQ(2, std::fscanf(dump, " Block size: %u. Position: %u", &numbers[0], &numbers[1]));
+        std::fclose(dump);
+        EXPECT_EQ(size, numbers[0]) << position;
+        EXPECT_EQ(position, numbers[1]) << size;
     }
 }
 

@@ -3,7 +3,6 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
@@ -14,41 +13,21 @@
 namespace korv_test {
 namespace fs = std::filesystem;
 
-namespace {
-
-// The file that a run with `arguments` is to write.
-std::string TargetName(const Strings& arguments) {
-    Strings names;
-    const char* extension = ".com";
-    for (const std::string& word : arguments) {
-        if (word[0] != '-' && (word[0] != '/' || word.rfind('/') != 0)) {
-            names.push_back(ReplaceAll(word, "\\", "/"));
-        } else if (word.find_first_of("bB") == 1) {
-            extension = word.ends_with('-') ? ".com" : ".bin";
-        }
-    }
-    names.resize(std::max<std::size_t>(names.size(), 2));
-    fs::path source = names[0].empty() ? "Main.Kor" : names[0];
-    return names[1].empty() ? source.replace_extension(extension).string() : names[1];
-}
-
-}  // namespace
-
-RunResult RunKorv(Strings arguments) {
+std::string RunKorv(Strings arguments) {
     std::string program = "korv";
     std::vector<char*> argv = {program.data()};
     for (std::string& word : arguments) {
         argv.push_back(word.data());
     }
-    const std::string target = TargetName(arguments);
     const int savedOutput = dup(STDOUT_FILENO);
     CaptureConsole();
-    const int status = korv::RunProcess(static_cast<int>(argv.size()), argv.data());
+    if (const int status = korv::RunProcess(static_cast<int>(argv.size()), argv.data()); status != 0) {
+        std::printf("exit status %d\n", status);
+    }
     std::fflush(stdout);
     dup2(savedOutput, STDOUT_FILENO);
     close(savedOutput);
-    const std::string end = status == 0 ? "" : "exit status " + std::to_string(status) + "\n";
-    return {ReadFile("console").value_or("") + end, target, ReadFile(target)};
+    return ReadFile("console").value_or("");
 }
 
 void CaptureConsole() {

@@ -10,14 +10,9 @@
 
 namespace korv_test {
 
-struct RunResult {
-    std::string console;  ///< all that the run printed
-    std::string targetName;
-    std::optional<std::string> target;  ///< its bytes, if there is one after the run
-};
-
-/// Runs the program with `arguments`, in the current directory; leaves a file `console` there.
-RunResult RunKorv(Strings arguments);
+/// Runs the program with `arguments`, in the current directory. Result: what it printed, which a file `console` there
+/// holds too.
+std::string RunKorv(Strings arguments);
 
 /// Enters an empty directory; leaves and removes it at the end.
 class TempDir {

@@ -116,11 +116,9 @@ class CaseReader {
             Require(rest.find('\n') >= rest.size() - 1, "more than a line");
             *block += rest;
         } else if (word == "args") {
-            Require(!test.arguments, "given twice");
-            std::istringstream words(rest);
-            auto& arguments =
-                test.arguments.emplace(std::istream_iterator<std::string>(words), std::istream_iterator<std::string>());
-            std::replace(arguments.begin(), arguments.end(), std::string("\"\""), std::string());
+            Require(test.arguments == Case().arguments, "given twice");
+            test.arguments = rest.empty() ? Strings() : Split(rest, ' ');
+            std::replace(test.arguments.begin(), test.arguments.end(), std::string("\"\""), std::string());
         } else if (word == "bytes") {
             for (const std::string& pair : Split(rest, ' ')) {
                 Require(pair.size() == 2 || pair.empty() || rest == "none", "no bytes");
@@ -137,7 +135,7 @@ class CaseReader {
         } else {
             Require(word == "console" || word == "output", "unknown word");
             Require(rest.empty() == (word == "console"), "a name for \"output\" only");
-            Open(rest, &test.outputs);
+            Open(rest.empty() ? word : rest, &test.outputs);
             file.clear();
         }
     }
@@ -146,11 +144,20 @@ class CaseReader {
         for (const auto& [order, text] : messages) {
             test.messages += text;
         }
-        const std::string told = test.outputs.contains("") ? test.outputs[""] : test.messages;
+        const std::string told = test.outputs.contains("console") ? test.outputs["console"] : test.messages;
         test.hasError = told.find(") : error X") != std::string::npos;
         Require(messages.empty() || told == test.messages, "messages beside the console");
         Require(!test.hasError || test.bytes.value_or("none") == "none", "bytes beside an error");
         Require(test.bytes || !told.empty() || !test.outputs.empty(), "nothing is expected");
+        static const std::regex name("[^-/].*|/.*/.*|");
+        Strings names;
+        std::copy_if(test.arguments.begin(), test.arguments.end(), std::back_inserter(names),
+                     [](const std::string& word) { return std::regex_match(word, name); });
+        const auto isBinary = std::count(test.arguments.begin(), test.arguments.end(), "/b");
+        names.resize(std::max<std::size_t>(names.size(), 2));
+        std::filesystem::path source = names[0].empty() ? "Main.Kor" : ReplaceAll(names[0], "\\", "/");
+        test.target = names[1].empty() ? source.replace_extension(isBinary != 0 ? ".bin" : ".com").string() : names[1];
+        Require(!test.bytes || !test.outputs.contains(test.target), "given twice");
         return test;
     }
 

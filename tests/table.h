@@ -31,11 +31,12 @@ std::vector<Block> ReadBlocks(const std::string& path);
 /// A case as it is run.
 struct Case {
     std::map<std::string, std::string> files;  ///< contents by name
-    std::optional<Strings> arguments;
+    Strings arguments = {"Main.Kor"};
+    std::string target;                          ///< the name of the file that they ask for
     std::string messages;                        ///< as printed, without directories: errors, then warnings
     bool hasError = false;                       ///< among what is expected
     std::optional<std::string> bytes;            ///< of the target in hexadecimal, or "none"
-    std::map<std::string, std::string> outputs;  ///< expected contents by name; "" is the console
+    std::map<std::string, std::string> outputs;  ///< expected contents by name; "console" as in README.md
 };
 
 Case ReadCase(const Block& block);

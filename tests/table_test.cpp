@@ -56,7 +56,7 @@ TEST(TableTest, RefusesCasesByTableAndLine) {
         {"T:3: no name", {"file"}},
         {"T:3: a name for \"output\" only", {"console x", "output"}},
         {"T:3: given twice", {"file Main.Kor"}},
-        {"T:4: given twice", {"file X\nfile X", "output X\noutput X", "args /d\nargs /l"}},
+        {"T:4: given twice", {"file X\nfile X", "output X\noutput X", "args /d\nargs /l", "bytes 00\noutput Main.com"}},
         {"T:4: bytes beside an error", {"bytes 00\nerror 16 1"}},
         {"T:4: messages beside the console", {"error 16 1\nconsole", "    FROB ;! error 33\nconsole"}},
         {"T:5: bytes beside an error", {"bytes 00\nconsole\n    M(1) : error X16 : Q"}},

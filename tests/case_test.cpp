@@ -41,17 +41,13 @@ std::string Console(const std::string& lines) {
 }
 
 std::vector<Block> AllBlocks() {
-    std::vector<Block> blocks = ReadBlocks(ProjectPath("docs/manual.md"));
-    for (const std::string& path : TablesIn("cases")) {
-        const std::vector<Block> more = ReadBlocks(path);
-        blocks.insert(blocks.end(), more.begin(), more.end());
+    Strings tables = TablesIn("cases");
+    tables.push_back(ProjectPath("docs/manual.md"));
+    std::vector<Block> blocks;
+    for (const std::string& path : tables) {
+        std::ranges::move(ReadBlocks(path), std::back_inserter(blocks));
     }
     return blocks;
-}
-
-// "cases_txt_12_case_a_title" of the path and what follows it.
-std::string TestName(const std::string& place) {
-    return std::regex_replace(fs::path(place).filename().string(), std::regex("[^A-Za-z0-9]"), "_");
 }
 
 class CaseTest : public testing::TestWithParam<Block> {};
@@ -97,8 +93,10 @@ TEST_P(CaseTest, Holds) {
     }
 }
 
+// "commandline_txt_12_case_a_title".
 INSTANTIATE_TEST_SUITE_P(Tables, CaseTest, testing::ValuesIn(AllBlocks()), [](const auto& test) {
-    return TestName(test.param.front().place + " " + test.param.front().text);
+    const fs::path name = test.param.front().place + " " + test.param.front().text;
+    return std::regex_replace(name.filename().string(), std::regex("[^A-Za-z0-9]"), "_");
 });
 
 }  // namespace

@@ -72,16 +72,14 @@ struct Emulator {
     }
 };
 
-/// What sieve.kor prints, found by trial division.
+/// What sieve.kor prints.
 std::string Primes() {
     std::string text;
     int count = 0;
-    for (int n = 2; n < 1000; ++n) {
-        bool isPrime = true;
-        for (int divisor = 2; divisor * divisor <= n; ++divisor) {
-            isPrime = isPrime && n % divisor != 0;
+    for (int n = 2, divisor; n < 1000; ++n) {
+        for (divisor = 2; n % divisor != 0; ++divisor) {
         }
-        if (isPrime) {
+        if (divisor == n) {
             text += (count++ % 10 == 0 ? "\n" : " ") + std::to_string(n);
         }
     }

@@ -113,12 +113,9 @@ TEST(FaultDeathTest, AnyAllocationMayFailOnceOrForGood) {
     const std::pair<std::string, std::string> rows[] = {
         // the size that cannot be had, what is printed then
         {"", "Could not allocate more memory! (Size=20480)\n"},  // by a word
-        {"", "Could not allocate memory for BinBlock.\n"},
-        {"", "Could not allocate more memory.\n"},
-        {"", "Could not allocate memory for CPatchInfoMemBlock!\n"},
-        {"", "Could not allocate memory for CtmpStringBlock!\n"},
-        {"", "Could not allocate memory for lsArg!\n"},
-        {"", "realloc error\n"},
+        {"", "Could not allocate memory for BinBlock.\n"}, {"", "Could not allocate more memory.\n"},
+        {"", "Could not allocate memory for CPatchInfoMemBlock!\n"}, {"", "realloc error\n"},
+        {"", "Could not allocate memory for CtmpStringBlock!\n"}, {"", "Could not allocate memory for lsArg!\n"},
         {" 777 ", noFile}, {" 1234 ", noFile}, {" " + std::to_string(source.size()) + " ", noFile},
         {" 777 ", "/Bad.Kor(19)" + line}, {" 4 ", "   Total Linecount:    93.\n"},
     };

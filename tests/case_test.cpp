@@ -95,8 +95,9 @@ TEST_P(CaseTest, Holds) {
 
 // "commandline_txt_12_case_a_title".
 INSTANTIATE_TEST_SUITE_P(Tables, CaseTest, testing::ValuesIn(AllBlocks()), [](const auto& test) {
-    const fs::path name = test.param.front().place + " " + test.param.front().text;
-    return std::regex_replace(name.filename().string(), std::regex("[^A-Za-z0-9]"), "_");
+    const TableLine& line = test.param.front();
+    const std::string name = line.place.substr(line.place.rfind('/') + 1) + " " + line.text;
+    return std::regex_replace(name, std::regex("[^A-Za-z0-9]"), "_");
 });
 
 }  // namespace

@@ -106,6 +106,17 @@ std::string Expanded(std::string text, bool isRaw) {
 
 class CaseReader {
   public:
+    // "case TITLE; korv WORDS".
+    void Begin(const std::string& line) {
+        const std::size_t command = line.find("; korv");
+        Require(line.starts_with("case "), "outside a case, or a title of another case");
+        if (command != std::string::npos) {
+            test.arguments = Split(line.substr(command + 2), ' ');
+            test.arguments.erase(test.arguments.begin());
+            std::ranges::replace(test.arguments, "\"\"", "");
+        }
+    }
+
     void Take(const std::string& line) {
         if (line.starts_with("    ")) {
             return TakeIndented(Expanded(line.substr(4), false));
@@ -115,10 +126,6 @@ class CaseReader {
         if (word == "raw") {
             Require(rest.find('\n') >= rest.size() - 1, "more than a line");
             *block += rest;
-        } else if (word == "args") {
-            Require(test.arguments == Case().arguments, "given twice");
-            test.arguments = rest.empty() ? Strings() : Split(rest, ' ');
-            std::replace(test.arguments.begin(), test.arguments.end(), std::string("\"\""), std::string());
         } else if (word == "bytes") {
             for (const std::string& pair : Split(rest, ' ')) {
                 Require(pair.size() == 2 || pair.empty() || rest == "none", "no bytes");
@@ -234,8 +241,7 @@ std::vector<TableLine> ManualAsTable(const std::vector<TableLine>& manual) {
         }
         fence = text.substr(0, text.find(' '));
         if (fence == "```korv") {
-            table.push_back({place, "case line " + place});
-            table.push_back({place, "args Main.Kor" + text.substr(fence.size())});
+            table.push_back({place, "case line " + place + "; korv Main.Kor" + text.substr(fence.size())});
         }
     }
     return table;
@@ -291,7 +297,7 @@ Case ReadCase(const Block& block) {
     Case test;
     ForEachLine(block, [&](const TableLine& line) {
         if (&line == &block.front()) {
-            Require(line.text.starts_with("case "), "outside a case, or a title of another case");
+            reader.Begin(line.text);
         } else {
             reader.Take(line.text);
         }

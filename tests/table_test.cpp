@@ -52,11 +52,11 @@ TEST(TableTest, RefusesCasesByTableAndLine) {
         {"T:3: no message: error 33 FROB", {"    FROB ;! error 33 FROB", "error 33 FROB"}},
         {"T:3: no place, or two", {"error 33 [FROB]", "    FROB ;! error 33 7"}},
         {"T:3: no such message", {"    FROB ;! error 99", "warning 99 1", "error -2 1"}},
-        {"T:3: nothing is expected", {"args /d", "    NOP"}},
+        {"T:3: nothing is expected", {"    NOP"}},
         {"T:3: no name", {"file"}},
         {"T:3: a name for \"output\" only", {"console x", "output"}},
         {"T:3: given twice", {"file Main.Kor"}},
-        {"T:4: given twice", {"file X\nfile X", "output X\noutput X", "args /d\nargs /l", "bytes 00\noutput Main.com"}},
+        {"T:4: given twice", {"file X\nfile X", "output X\noutput X", "bytes 00\noutput Main.com"}},
         {"T:4: bytes beside an error", {"bytes 00\nerror 16 1"}},
         {"T:4: messages beside the console", {"error 16 1\nconsole", "    FROB ;! error 33\nconsole"}},
         {"T:5: bytes beside an error", {"bytes 00\nconsole\n    M(1) : error X16 : Q"}},
@@ -78,10 +78,10 @@ TEST(TableTest, RefusesEncodingsByTableAndLine) {
 TEST(TableTest, MakesACaseOfItsLines) {
     const TempDir directory;
     WriteFile("T",
-              "# a comment\ncase A\nfile B\n    FROB [X|YZ] ;!1 error 33 [=] ;! warning 2 [=]\n"
+              "# a comment\ncase A; korv a \"\"\nfile B\n    FROB [X|YZ] ;!1 error 33 [=] ;! warning 2 [=]\n"
               "file Main.Kor\n    \\{ L\\#: \\+\\n*3}\nraw  L\\{a\\\\*2}\\r\\xE4\\n\n"
               "         ;! error 1 [\\{z*3}]\n    DB \"\\ ;! error 2 [=]\n"
-              "args a \"\"\nerror -1 -:0\n");
+              "error -1 -:0\n");
     const Case test = ReadCases("T")[0];
     EXPECT_EQ("FROB X\nFROB YZ\n", test.files.at("B"));
     EXPECT_EQ(" L0: 1\n L1: 2\n L2: 3\n La\\a\\\r\xE4\nDB \"\\\n", test.files.at("Main.Kor"));

@@ -1,5 +1,5 @@
 // The tables under tests/: every case becomes a test of its own, named after its table, line and title. The examples of
-// the manual are cases too.
+// the manual are cases too. And what the reader of tables makes of them.
 
 #include <gtest/gtest.h>
 
@@ -99,6 +99,78 @@ INSTANTIATE_TEST_SUITE_P(Tables, CaseTest, testing::ValuesIn(AllBlocks()), [](co
     const std::string name = line.place.substr(line.place.rfind('/') + 1) + " " + line.text;
     return std::regex_replace(name, std::regex("[^A-Za-z0-9]"), "_");
 });
+
+// What is wrong in a table is refused, by table and line.
+TEST(TableTest, RefusesWhatWouldBeAnExpectationThatNobodyLooksAt) {
+    // clang-format off
+    const std::string inCase = "case A\n    NOP\n", inEncodings = "# I and R\n\n";
+    const std::tuple<std::string, std::string, Strings> rows[] = {  // what follows that, and why it is refused
+        {inCase, "", {"bytes 00", "# byte\nbytes 00\n\n\ncase B\nbytes none"}},
+        {inCase, "T:3: unknown word", {"byte 00", "\tNOP\nbytes 00", "   NOP\nbytes 00"}},
+        {inCase, "T:3: unknown escape", {"raw \\q", "raw \\", "raw \\x4G", "raw \\#"}},
+        {inCase, "T:3: more than a line", {"raw NOP\\nHALT\\n"}},
+        {inCase, "T:3: \\{ without its *count}", {"    \\{NOP}", "bytes \\{00 *}"}},
+        {inCase, "T:3: alternatives twice", {"    LD [A|B],[C|D]"}},
+        {inCase, "T:3: no bytes", {"bytes 0", "bytes 0 0", "bytes 0000", "bytes 0G", "bytes none 00", "bytes 00 none"}},
+        {inCase, "T:3: no message: eror 33", {"    FROB ;! eror 33", "    ;! error 33 ;! eror 33"}},
+        {inCase, "T:3: no message: error 33 FROB", {"    FROB ;! error 33 FROB", "error 33 FROB"}},
+        {inCase, "T:3: no place, or two", {"error 33 [FROB]", "    FROB ;! error 33 7"}},
+        {inCase, "T:3: no such message", {"    FROB ;! error 99", "warning 99 1", "error -2 1"}},
+        {inCase, "T:3: nothing is expected", {"    NOP"}},
+        {inCase, "T:3: no name", {"file"}},
+        {inCase, "T:3: a name for \"output\" only", {"console x", "output"}},
+        {inCase, "T:3: given twice", {"file Main.Kor"}},
+        {inCase, "T:4: given twice", {"file X\nfile X", "output X\noutput X", "bytes 00\noutput Main.com"}},
+        {inCase, "T:4: bytes beside an error", {"bytes 00\nerror 16 1"}},
+        {inCase, "T:4: messages beside the console", {"error 16 1\nconsole", "    FROB ;! error 33\nconsole"}},
+        {inCase, "T:5: bytes beside an error", {"bytes 00\nconsole\n    M(1) : error X16 : Q"}},
+        {inCase, "T:5: outside a case, or a title of another case", {"bytes 00\n\n    NOP", "bytes 00\n\ncase A"}},
+        {inEncodings, "", {"LD I,A = ED 47"}},
+        {inEncodings, "T:3: unequal groups", {"LD [I|R],A = ED 47", "LD I,A = ED 47|ED 4F"}},
+        {inEncodings, "T:3: alternatives twice", {"LD [I|R],[A|B] = ED 47|ED 4F"}},
+        {inEncodings, "T:3: no bytes", {"LD [I|R],A = ED 47|", "LD I,A = ED 4", "LD I,A = ED 4G"}},
+        {inEncodings, "T:3: no \" = \"", {"LD I,A =ED 47", "LD I,A"}},
+    };
+    // clang-format on
+    const TempDir directory;
+    for (const auto& [start, refusal, texts] : rows) {
+        for (const std::string& text : texts) {
+            WriteFile("T", start + text);
+            std::string got;
+            try {
+                if (start == inEncodings) {
+                    ReadEncodings("T");
+                } else {
+                    std::ranges::for_each(ReadBlocks("T"), ReadCase);
+                }
+            } catch (const std::exception& exception) {
+                got = exception.what();
+            }
+            EXPECT_EQ(refusal, got) << text;
+        }
+    }
+}
+
+TEST(TableTest, MakesACaseOfItsLines) {
+    const TempDir directory;
+    WriteFile("T",
+              "# a comment\ncase A; korv a \"\"\nfile B\n    FROB [X|YZ] ;!1 error 33 [=] ;! warning 2 [=]\n"
+              "file Main.Kor\n    \\{ L\\#: \\+\\n*3}\nraw  L\\{a\\\\*2}\\r\\xE4\\n\n"
+              "         ;! error 1 [\\{z*3}]\n    DB \"\\ ;! error 2 [=]\n"
+              "error -1 -:0\n");
+    const Case test = ReadCase(ReadBlocks("T")[0]);
+    EXPECT_EQ("FROB X\nFROB YZ\n", test.files.at("B"));
+    EXPECT_EQ(" L0: 1\n L1: 2\n L2: 3\n La\\a\\\r\xE4\nDB \"\\\n", test.files.at("Main.Kor"));
+    EXPECT_EQ((Strings{"a", ""}), test.arguments);
+    EXPECT_EQ(
+        "Main.Kor(4) : error X1 : System Error! [zzz]\n"
+        "Main.Kor(5) : error X2 : *Identifiers* [=]\n"
+        "Uhm, I DUNNO! ;p(0) : error X-1 : Illegal error number! (Internal error.)\n"
+        "B(1) : error X33 : Illegal or unknown instruction. [X]\n"
+        "B(2) : error X33 : Illegal or unknown instruction. [YZ]\n"
+        "B(1) : warning X2 : *Identifiers* [X]\nB(2) : warning X2 : *Identifiers* [YZ]\n",
+        test.messages);
+}
 
 }  // namespace
 }  // namespace korv_test

@@ -13,7 +13,6 @@
 #include <map>
 #include <regex>
 #include <set>
-#include <sstream>
 
 #include "codegen/keywords.h"
 #include "driver/assembler.h"
@@ -54,7 +53,7 @@ struct Outcome {
 
 std::string Hex(int value, std::size_t bytes) {
     const char raw[] = {static_cast<char>(value), static_cast<char>(value >> 8)};
-    return ReplaceAll(ToHex({raw, bytes}), " ", "");
+    return ToHex({raw, bytes});
 }
 
 // Without parentheses; of an index the displacement only.

@@ -139,7 +139,7 @@ TEST(ExamplesTest, PrintWhatTheyShould) {
 
 TEST(LoaderExampleTest, UnpacksItsBlock) {
     const std::string image = Assemble("loader", "/b");
-    ASSERT_EQ("FE 00 80 78 80 05 80", ToHex(image.substr(0, 7)));  // first, last, entry
+    ASSERT_EQ("FE008078800580", ToHex(image.substr(0, 7)));  // first, last, entry
     ASSERT_EQ(0x79U, image.size() - 7);
     Emulator emulator;
     ASSERT_TRUE(emulator.Run(image.substr(7), 0x8000, 0x8005));
@@ -147,7 +147,7 @@ TEST(LoaderExampleTest, UnpacksItsBlock) {
     const std::string block = line + " Korv " + line + std::string(64, ' ') + std::string(64, '=');
     EXPECT_EQ(emulator.memory.substr(0xC000, block.size() + 1), block + '\0');
     // Status 0, the CRC (by Python: binascii.crc_hqx(block, 0xFFFF)) and the size.
-    EXPECT_EQ(ToHex(emulator.memory.substr(0x8000, 5)), "00 C3 97 C0 00");
+    EXPECT_EQ(ToHex(emulator.memory.substr(0x8000, 5)), "00C397C000");
 }
 
 }  // namespace

@@ -67,7 +67,6 @@ bool Contains(const std::string& text, const std::string& part) {
 std::string ToHex(std::string_view bytes) {
     std::string hex;
     for (const char c : bytes) {
-        hex += hex.empty() ? "" : " ";
         hex += {"0123456789ABCDEF"[c >> 4 & 15], "0123456789ABCDEF"[c & 15]};
     }
     return hex;

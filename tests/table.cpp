@@ -124,7 +124,6 @@ class CaseReader {
         const std::string word = line.substr(0, line.find(' '));
         std::string rest = Expanded(line.substr(std::min(word.size() + 1, line.size())), word == "raw");
         if (word == "raw") {
-            Require(rest.find('\n') >= rest.size() - 1, "more than a line");
             *block += rest;
         } else if (word == "bytes") {
             for (const std::string& pair : Split(rest, ' ')) {

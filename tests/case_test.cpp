@@ -105,8 +105,8 @@ TEST(TableTest, RefusesWhatWouldBeAnExpectationThatNobodyLooksAt) {
     // clang-format off
     const std::string inCase = "case A\n    NOP\n", inEncodings = "# I and R\n\n";
     const std::tuple<std::string, std::string, Strings> rows[] = {  // what follows that, and why it is refused
-        {inCase, "", {"bytes 00", "# byte\nbytes 00\n\n\ncase B\nbytes none"}},
-        {inCase, "T:3: unknown word", {"byte 00", "\tNOP\nbytes 00", "   NOP\nbytes 00"}},
+        {inCase, "", {"bytes 00", "bytes 00\n\n\ncase B\nbytes none"}},
+        {inCase, "T:3: unknown word", {"byte 00", "# byte", "\tNOP\nbytes 00", "   NOP\nbytes 00"}},
         {inCase, "T:3: unknown escape", {"raw \\q", "raw \\", "raw \\x4G", "raw \\#"}},
         {inCase, "T:3: \\{ without its *count}", {"    \\{NOP}", "bytes \\{00 *}"}},
         {inCase, "T:3: alternatives twice", {"    LD [A|B],[C|D]"}},
@@ -153,10 +153,9 @@ TEST(TableTest, RefusesWhatWouldBeAnExpectationThatNobodyLooksAt) {
 TEST(TableTest, MakesACaseOfItsLines) {
     const TempDir directory;
     WriteFile("T",
-              "# a comment\ncase A; korv a \"\"\nfile B\n    FROB [X|YZ] ;!1 error 33 [=] ;! warning 2 [=]\n"
-              "file Main.Kor\n    \\{ L\\#: \\+\\n*3}\nraw  L\\{a\\\\*2}\\r\\xE4\\n\n"
-              "         ;! error 1 [\\{z*3}]\n    DB \"\\ ;! error 2 [=]\n"
-              "error -1 -:0\n");
+              "case A; korv a \"\"\n    \\{ L\\#: \\+\\n*3}\nraw  L\\{a\\\\*2}\\r\\xE4\\n\n"
+              "         ;! error 1 [\\{z*3}]\n    DB \"\\ ;! error 2 [=]\nerror -1 -:0\n"
+              "file B\n    FROB [X|YZ] ;!1 error 33 [=] ;! warning 2 [=]\n");
     const Case test = ReadCase(ReadBlocks("T")[0]);
     EXPECT_EQ("FROB X\nFROB YZ\n", test.files.at("B"));
     EXPECT_EQ(" L0: 1\n L1: 2\n L2: 3\n La\\a\\\r\xE4\nDB \"\\\n", test.files.at("Main.Kor"));

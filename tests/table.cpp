@@ -169,8 +169,7 @@ class CaseReader {
 
   private:
     void Open(const std::string& name, std::map<std::string, std::string>* texts) {
-        const bool isNew = texts->try_emplace(name).second;
-        Require(isNew || (name == "Main.Kor" && test.files[name].empty()), "given twice");
+        Require(texts->try_emplace(name).second, "given twice");
         block = &(*texts)[name];
     }
 
@@ -276,9 +275,6 @@ std::vector<Block> ReadBlocks(const std::string& path) {
     const std::vector<TableLine> lines = ReadLines(path);
     for (TableLine line : path.ends_with(".md") ? ManualAsTable(lines) : lines) {
         const bool isEmpty = line.text.empty();
-        if (line.text.starts_with('#')) {
-            continue;
-        }
         if (line.text.starts_with("case ")) {
             isOpen = false;
             line.text.insert(0, titles.insert(line.text).second ? "" : "again ");

@@ -64,8 +64,8 @@ std::int32_t CAssembler::OpenAndRun(const std::string& path, std::int32_t fileNu
         return file.OpenStatus();
     }
     bytesTotal += file.FileSize();
-    const std::unique_ptr<char[]> line(
-        new (std::nothrow) char[static_cast<std::size_t>(lineBufferSize) + 1]);
+    const std::unique_ptr<char[]> line(new (std::nothrow) char[std::max(
+        static_cast<std::size_t>(lineBufferSize) + 1, CSourceFile::leastRoom)]);
     if (line == nullptr) {
         return MSG_OUT_OF_MEMORY;
     }
@@ -82,7 +82,7 @@ std::int32_t CAssembler::OpenAndRun(const std::string& path, std::int32_t fileNu
 Status AssembleInclude(CAssembler* assembler, CStatement* statement) {
     // The text as written: what it would be as an expression does not matter, and quotes are part
     // of the name.
-    const std::string_view name = statement->args.Arg(1)->text;
+    const std::string_view name = statement->args[1].text;
     TraceFile(assembler, "INCLUDING", name);
     if (assembler->fileDepth == maxFileDepthAllowed) {
         assembler->ReportError(statement, MSG_FILES_TOO_DEEP, noText);

@@ -17,11 +17,8 @@ std::int32_t CMessageList::SetKind(std::int32_t newKind) {
     return std::exchange(kind, newKind);
 }
 
-std::int32_t CMessageList::Report(std::int32_t number, std::string_view text, std::int32_t file,
-                                  std::int32_t line) {
-    if (Count() == capacity) {  // asked before the text is copied: a full list must cost nothing
-        return -1;
-    }
+std::int32_t CMessageList::AddCopy(std::int32_t number, std::string_view text, std::int32_t file,
+                                   std::int32_t line) {
     CMessage message{number, nullptr, file, line};
     if (text.data() != nullptr) {
         message.text.reset(new (std::nothrow) char[text.size() + 1]);

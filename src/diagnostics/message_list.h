@@ -40,7 +40,9 @@ class CMessageList {
     /// and no brackets; an empty text gives empty brackets. Result: as `Add`. Nobody has to look at
     /// it.
     std::int32_t Report(std::int32_t number, std::string_view text, std::int32_t file,
-                        std::int32_t line);
+                        std::int32_t line) {
+        return Count() == capacity ? -1 : AddCopy(number, text, file, line);  // costs nothing then
+    }
 
     /// Takes over `message`. Result: 0, or -1 when the list was full and the message is dropped.
     std::int32_t Add(CMessage message);
@@ -51,6 +53,9 @@ class CMessageList {
     std::int32_t Print(std::FILE* stream, std::int32_t limit) const;
 
   private:
+    std::int32_t AddCopy(std::int32_t number, std::string_view text, std::int32_t file,
+                         std::int32_t line);
+
     std::int32_t capacity;
     std::int32_t kind = ML_ERROR;
     const char* kindName = "error";

@@ -72,7 +72,7 @@ Status AssembleDw(CAssembler* assembler, CStatement* statement) {
 }
 
 Status AssembleDm(CAssembler* assembler, CStatement* statement) {
-    const std::string_view text = statement->args.Arg(1)->text;
+    const std::string_view text = statement->args[1].text;
     if (text.front() != '"') {
         return MSG_ILLEGAL_ARGUMENT;
     }
@@ -90,7 +90,7 @@ Status AssembleDm(CAssembler* assembler, CStatement* statement) {
 }
 
 Status AssembleDs(CAssembler* assembler, CStatement* statement) {
-    const lsArg& size = *statement->args.Arg(1);
+    const lsArg& size = statement->args[1];
     if (size.status != 0) {  // what follows would move: the size cannot be patched
         return size.status == MSG_UNRESOLVED ? MSG_NOT_IMMEDIATE : MSG_ILLEGAL_ARGUMENT;
     }

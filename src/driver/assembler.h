@@ -147,6 +147,14 @@ class CAssembler {
         ++location;
         return binary.PutByte(value);
     }
+    /// An opcode, after its prefix if that is not 0. Result: 0, as the last act of a handler.
+    Status EmitOpcode(std::uint8_t prefix, std::int32_t opcode) {
+        if (prefix != 0) {
+            EmitByte(prefix);
+        }
+        EmitByte(opcode);
+        return 0;
+    }
     std::uint32_t EmitWord(std::int32_t value) {
         location += 2;
         return binary.PutWord(value);
@@ -201,11 +209,12 @@ class CAssembler {
     std::int32_t startAddress = -1;           ///< of the target; -1: no ORG fixed it; by ORG
     std::uint32_t bytesRead = 0;              ///< source bytes consumed, for the progress meter
     std::uint32_t bytesTotal = 0;             ///< sizes of all files opened, for the progress meter
-    std::uint32_t binarySizeAtLineStart = 0;  ///< for the debug record; one for all nested files
+    std::uint32_t binarySizeAtLineStart = 0;  ///< for the debug record; with RF_DEBUG only
 
   private:
     void DeriveTargetName();
     void AssembleSource();
+    Status ScanOtherToken(std::string_view token, std::int32_t* value, UnresolvedName* unresolved);
     Status ScanTokens(std::string_view text, std::int32_t* value, UnresolvedName* unresolved);
     std::int32_t OpenAndRun(const std::string& path, std::int32_t fileNumber);
 

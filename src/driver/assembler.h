@@ -187,6 +187,7 @@ class CAssembler {
     /// Full path of the file being read, null outside of files; `fileNames` owns it.
     const char* currentFileName = nullptr;
     platform::CurrentDirectory directory;  ///< where relative names begin; by include files
+    platform::FileSet filesRead;           ///< which no report may be written over
     CMessageList errors;
     CMessageList warnings;
     CFileNameRegistry fileNames;
@@ -205,6 +206,7 @@ class CAssembler {
 
   private:
     void DeriveTargetName();
+    bool Commit(platform::OutputFile* file, const std::string& name);
     void AssembleSource();
     Status ScanTokens(std::string_view text, std::int32_t* value, UnresolvedName* unresolved);
     std::int32_t OpenAndRun(const std::string& path, std::int32_t fileNumber);

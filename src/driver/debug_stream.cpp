@@ -85,7 +85,7 @@ void DebugStream::AddRecord(std::uint32_t byteCount, std::string_view line) {
     }
 }
 
-void DebugStream::WriteListing(const BinBlock& binary, std::FILE* listing) const {
+void DebugStream::WriteListing(const BinBlock& binary, platform::OutputFile* listing) const {
     ReportWriter out(listing);
     std::uint32_t offset = 0;
     const char* next = data;

@@ -8,6 +8,8 @@
 #include <initializer_list>
 #include <string_view>
 
+#include "platform/platform.h"
+
 namespace korv {
 
 class BinBlock;
@@ -29,7 +31,7 @@ class DebugStream {
     void AddRecord(std::uint32_t byteCount, std::string_view line);
 
     /// Turns all that there is into the lines of the listing.
-    void WriteListing(const BinBlock& binary, std::FILE* listing) const;
+    void WriteListing(const BinBlock& binary, platform::OutputFile* listing) const;
 
   private:
     // Where `count` bytes are appended; null: there is no room.

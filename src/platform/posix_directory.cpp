@@ -47,12 +47,6 @@ std::string Joined(std::string_view directory, std::string_view name) {
     return path;
 }
 
-// The directory and the name of a full path; the name of "/" is empty.
-std::pair<std::string, std::string> Divided(const std::string& path) {
-    const std::size_t separator = path.find_last_of('/');
-    return {path.substr(0, std::max<std::size_t>(separator, 1)), path.substr(separator + 1)};
-}
-
 std::string Raised(std::string_view name) {
     std::string result(name);
     std::transform(result.begin(), result.end(), result.begin(), [](char c) {
@@ -128,6 +122,11 @@ std::string Translated(std::string_view name) {
     std::string result(name);
     std::replace(result.begin(), result.end(), '\\', '/');
     return result;
+}
+
+std::pair<std::string, std::string> Divided(const std::string& path) {
+    const std::size_t separator = path.find_last_of('/');
+    return {path.substr(0, std::max<std::size_t>(separator, 1)), path.substr(separator + 1)};
 }
 
 PathParts SplitPath(std::string_view path) {

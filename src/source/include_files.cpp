@@ -63,6 +63,7 @@ std::int32_t CAssembler::OpenAndRun(const std::string& path, std::int32_t fileNu
     if (file.IsOpen() == 0) {
         return file.OpenStatus();
     }
+    filesRead.insert(file.Stream().Identity());
     bytesTotal += file.FileSize();
     const std::unique_ptr<char[]> line(
         new (std::nothrow) char[static_cast<std::size_t>(lineBufferSize) + 1]);

@@ -1,18 +1,18 @@
 // What a run leaves: report files, console reports, the target.
 
+#include <algorithm>
 #include <array>
 
 #include "diagnostics/report_writer.h"
 #include "driver/assembler.h"
 #include "expr/tmp_string.h"
 #include "platform/platform.h"
+#include "source/char_class.h"
 
 namespace korv {
 namespace {
 
 constexpr char rule[] = "-------------------------------------------------------------------\n";
-
-using Kind = platform::OutputFile::Kind;
 
 // The load header of a binary target.
 std::array<std::uint8_t, 7> LoadHeader(std::uint32_t start, std::uint32_t end, std::uint32_t exec) {
@@ -23,11 +23,28 @@ std::array<std::uint8_t, 7> LoadHeader(std::uint32_t start, std::uint32_t end, s
 
 }  // namespace
 
+// A name that differs from that of the source in case only may find the very same file.
+bool CAssembler::OpenTarget(platform::OutputFile* file) {
+    const bool mayBeSource = std::ranges::equal(sourceName, targetName, {}, Raised, Raised);
+    return directory.Reaches(targetName) &&
+           file->Open(targetName, platform::OutputFile::Kind::target,
+                      mayBeSource ? filesRead : platform::FileSet());
+}
+
+bool CAssembler::OpenReport(platform::OutputFile* file, const std::string& name) {
+    return directory.Reaches(name) &&
+           file->Open(name, platform::OutputFile::Kind::report, filesRead);
+}
+
+void CAssembler::ReportUnwritten(const std::string& name) {
+    PrintTexts(output, "[Korv] Could not write %.\n", {name});
+}
+
 // The last step of each file that is written. Result: whether it is there.
 bool CAssembler::Commit(platform::OutputFile* file, const std::string& name) {
     const bool isWritten = file->Commit();
     if (!isWritten) {
-        PrintTexts(output, "[Korv] Could not write %.\n", {name});
+        ReportUnwritten(name);
     }
     return isWritten;
 }
@@ -35,12 +52,18 @@ bool CAssembler::Commit(platform::OutputFile* file, const std::string& name) {
 void CAssembler::WriteDebugFile() {
     const std::string name = targetDirectory + "Debug.Out";
     platform::OutputFile listing;
-    if (!listing.Open(name, Kind::report, filesRead)) {
+    if (!OpenReport(&listing, name)) {
         std::fprintf(output, "[Korv] Could not open 'debug.out'!\n");
         return;
     }
-    debugStream.WriteListing(binary, &listing);
-    if (Commit(&listing, name) && flags.Has(RF_MESSAGES)) {
+    // A run that has been aborted has its listing too; what is asked here is whether this goes on.
+    const bool wasAborted = (flags.Clear(RF_ABORT) & RF_ABORT) != 0;
+    debugStream.WriteListing(this, &listing);
+    const bool isWhole = !flags.Has(RF_ABORT);
+    flags.Set(wasAborted ? RF_ABORT : 0);
+    if (!isWhole) {
+        ReportUnwritten(name);
+    } else if (Commit(&listing, name) && flags.Has(RF_MESSAGES)) {
         std::fprintf(output, "[Korv] Debugfile written!\n");
     }
 }
@@ -54,7 +77,7 @@ bool CAssembler::ReportErrors() {
     std::fputs(rule, output);
     const std::string name = "Errors.Out";
     platform::OutputFile file;
-    if (file.Open(name, Kind::report, filesRead)) {
+    if (OpenReport(&file, name)) {
         errors.Print(ReportWriter(&file), -1);
         if (Commit(&file, name)) {
             std::fprintf(output, "[Korv] Errors.Out written!\n");
@@ -74,7 +97,7 @@ void CAssembler::ReportWarnings() {
 void CAssembler::WriteLabelFile() {
     const std::string name = targetDirectory + "Labels.Out";
     platform::OutputFile file;
-    if (!file.Open(name, Kind::report, filesRead)) {
+    if (!OpenReport(&file, name)) {
         std::fprintf(output, "Could not create file Labels.Out.\n");
         return;
     }
@@ -92,14 +115,15 @@ void CAssembler::ReportCounts() {
 }
 
 void CAssembler::WriteTarget(bool gotErrors) {
-    // A break after the last look at the flag has no message; it keeps the target from being
-    // written all the same.
-    if (gotErrors || flags.Has(RF_ABORT)) {
+    platform::OutputFile file;
+    const bool isOpen = !gotErrors && !flags.Has(RF_ABORT) && OpenTarget(&file);
+    // A break up to here, though it may have no message any more, keeps the target from being
+    // written. One that comes later is passed over.
+    if (gotErrors || (flags.Set(RF_SETTLED) & RF_ABORT) != 0) {
         std::fprintf(output, "[Korv] Got errors! Binary output NOT saved to disk!\n");
         return;
     }
-    platform::OutputFile file;
-    if (!file.Open(targetName, Kind::target, {})) {
+    if (!isOpen) {
         PrintTexts(output, "[Korv] Could not open %.\n", {targetName});
         return;
     }

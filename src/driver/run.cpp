@@ -68,7 +68,7 @@ std::int32_t CAssembler::Run() {
         errors.Report(MSG_NO_SOURCE_NAME, noText, 0, 0);
     } else {
         DeriveTargetName();
-        if (sourceName == targetName || platform::WouldOverwriteSource(sourceName, targetName)) {
+        if (sourceName == targetName) {
             errors.Report(MSG_SOURCE_IS_TARGET, noText, 0, 0);
         } else {
             AssembleSource();

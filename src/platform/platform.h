@@ -63,10 +63,6 @@ struct PathParts {
 /// switch: something stands before its last "/", and that is an existing directory.
 [[nodiscard]] bool IsAbsoluteFileName(const char* word);
 
-/// Whether the file that is read under the name `source` is the one that `target` names to be
-/// written, since `source` is found only when case is ignored.
-[[nodiscard]] bool WouldOverwriteSource(std::string_view source, std::string_view target);
-
 /// The current directory, which follows the file being read, and the way from a name to a file. One
 /// a run, and nobody else changes the current directory meanwhile.
 class CurrentDirectory {
@@ -86,8 +82,13 @@ class CurrentDirectory {
     /// stays. `Leave` belongs to each call, whatever its result.
     [[nodiscard]] bool EnterDirectoryOf(const std::string& path);
     /// Goes back to where the last `EnterDirectoryOf` came from, also to a directory that cannot
-    /// be read or has no name.
-    void Leave();
+    /// be read or has no name. False: that fails.
+    [[nodiscard]] bool Leave();
+    /// The path of the directory that `Leave` leads to; empty if it was never asked for, or has
+    /// none.
+    [[nodiscard]] std::string_view Path() const;
+    /// Whether `name` means what it should: a relative one does not once a `Leave` has failed.
+    [[nodiscard]] bool Reaches(std::string_view name) const;
 
   private:
     struct State;

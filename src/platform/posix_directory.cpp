@@ -144,15 +144,6 @@ bool IsAbsoluteFileName(const char* word) {
     return last > 0 && stat(path.substr(0, last).c_str(), &status) == 0 && S_ISDIR(status.st_mode);
 }
 
-bool WouldOverwriteSource(std::string_view source, std::string_view target) {
-    CurrentDirectory directory;
-    std::string sourcePath;
-    std::string targetPath;
-    return !Exists(Translated(source)) && directory.FullPath(source, &sourcePath) &&
-           Exists(Translated(target)) && directory.FullPath(target, &targetPath) &&
-           sourcePath == targetPath;
-}
-
 struct CurrentDirectory::State {
     // A directory on the way from the first file to the one being read.
     struct Level {
@@ -191,6 +182,7 @@ struct CurrentDirectory::State {
     std::vector<Level> levels{Level()};       // the first is where the run began
     std::map<std::string, Listing> listings;  // of directories that were asked, by path
     bool isFound = false;                     // the last full path is that of a file
+    bool isLost = false;                      // the current directory is not that of the last level
 };
 
 CurrentDirectory::CurrentDirectory() : state(std::make_unique<State>()) {}
@@ -245,10 +237,14 @@ bool CurrentDirectory::EnterDirectoryOf(const std::string& path) {
     if (!isSame) {
         State::Level& here = state->levels.back();
         if (here.handle < 0) {
-            here.handle = open(".", directoryHandle | O_DIRECTORY | O_CLOEXEC);
+            here.handle =
+                Requested([] { return open(".", directoryHandle | O_DIRECTORY | O_CLOEXEC); });
         }
-        next.isElsewhere = chdir(directory.c_str()) == 0 ||
-                           (state->SpellAsOnDisk(&directory) && chdir(directory.c_str()) == 0);
+        const auto enter = [&directory] {
+            return Requested([&] { return chdir(directory.c_str()); }) == 0;
+        };
+        const bool hasWayBack = here.handle >= 0 || state->HasPath();
+        next.isElsewhere = hasWayBack && (enter() || (state->SpellAsOnDisk(&directory) && enter()));
     }
     if (!next.isElsewhere) {
         next.path = state->levels.back().path;
@@ -257,18 +253,29 @@ bool CurrentDirectory::EnterDirectoryOf(const std::string& path) {
     return isSame || state->levels.back().isElsewhere;
 }
 
-void CurrentDirectory::Leave() {
+bool CurrentDirectory::Leave() {
     const State::Level left = std::move(state->levels.back());
     state->levels.pop_back();
     if (left.handle >= 0) {
         close(left.handle);
     }
-    if (left.isElsewhere) {
-        const State::Level& here = state->levels.back();
-        // Where that fails there is nowhere else to go.
-        [[maybe_unused]] const int result =
-            here.handle >= 0 ? fchdir(here.handle) : chdir(here.path.c_str());
+    if (!left.isElsewhere) {
+        return true;
     }
+    const State::Level& here = state->levels.back();
+    const bool isBack =
+        Requested(
+            [&] { return here.handle >= 0 ? fchdir(here.handle) : chdir(here.path.c_str()); }) == 0;
+    state->isLost = state->isLost || !isBack;
+    return isBack;
+}
+
+std::string_view CurrentDirectory::Path() const {
+    return state->levels.back().path;
+}
+
+bool CurrentDirectory::Reaches(std::string_view name) const {
+    return !state->isLost || name.starts_with('/') || name.starts_with('\\');
 }
 
 }  // namespace korv::platform

@@ -63,10 +63,10 @@ std::uint32_t __real__ZN4korv8BinBlock8PutZerosEj(void*, std::uint32_t);
 std::uint32_t __wrap__ZN4korv8BinBlock8PutZerosEj(void* binary, std::uint32_t count) {
     return __real__ZN4korv8BinBlock8PutZerosEj(binary, std::min(count, 5000U));
 }
-void __real__ZN4korv8platform16CurrentDirectory5LeaveEv(void*);
-void __wrap__ZN4korv8platform16CurrentDirectory5LeaveEv(void* directory) {
-    __real__ZN4korv8platform16CurrentDirectory5LeaveEv(directory);
+bool __real__ZN4korv8platform16CurrentDirectory5LeaveEv(void*);
+bool __wrap__ZN4korv8platform16CurrentDirectory5LeaveEv(void* directory) {
     korv::OnConsoleEvent(++filesRead == 200 ? korv::platform::EVENT_CTRL_C : -1);
+    return __real__ZN4korv8platform16CurrentDirectory5LeaveEv(directory);
 }
 
 // A line buffer of any size may be asked for; a big one is refused, as by a full memory.

@@ -2,22 +2,25 @@
 #pragma once
 
 #include <cstdint>
+#include <utility>
 
 namespace korv::platform {
 
 class FaultPoint {
   public:
     /// From here on the n-th call of `Hits` is true, and every later one too if `andAllAfter`. 0
-    /// ends it.
-    void Set(std::int64_t n, bool andAllAfter) {
+    /// ends it. Result: whether one has been true since the last `Set`.
+    bool Set(std::int64_t n, bool andAllAfter) {
         countdown = n;
         hitsAllAfter = andAllAfter;
+        return std::exchange(hasHit, false);
     }
     bool Hits() {
         if (countdown == 0 || --countdown != 0) {
             return false;
         }
         countdown = hitsAllAfter ? 1 : 0;
+        hasHit = true;
         return true;
     }
     /// Whether the next call of `Hits` is true; where it is not, this one stands for it.
@@ -32,6 +35,7 @@ class FaultPoint {
   private:
     std::int64_t countdown = 0;  // 1 means the next call
     bool hitsAllAfter = false;
+    bool hasHit = false;
 };
 
 }  // namespace korv::platform

@@ -182,9 +182,16 @@ class OutputFile {
     OutputFile* next = nullptr;  // in the list of those that would be left if the process ended
 };
 
-/// For tests: lets the n-th request from here on that opens, reads, writes, closes or renames a
-/// file, or looks for one, fail, and every later one too if `andAllAfter`. 0 ends it.
-void FailFileRequest(std::int64_t n, bool andAllAfter);
+/// For tests: what happens at the n-th request from here on that looks for, opens, reads, writes,
+/// closes or renames a file, or changes the directory.
+enum class RequestFault {
+    failsOnce,
+    failsForGood,  ///< this one and all later ones
+    isBroken,      ///< a console event comes just before it
+};
+
+/// 0 ends it. Result: whether the request asked for last has come.
+bool FaultFileRequest(std::int64_t n, RequestFault fault);
 
 // ----------------------------------------------------------------------------------------------------
 // console

@@ -37,6 +37,7 @@ std::atomic<bool> hasEventCome = false;
 sigset_t previousMask;
 
 FaultPoint faults;
+RequestFault fault = RequestFault::failsOnce;
 
 void OnSignal(int number) {
     hasEventCome = true;
@@ -51,12 +52,18 @@ void OnSignal(int number) {
 
 }  // namespace
 
-void FailFileRequest(std::int64_t n, bool andAllAfter) {
-    faults.Set(n, andAllAfter);
+bool FaultFileRequest(std::int64_t n, RequestFault newFault) {
+    fault = newFault;
+    return faults.Set(n, fault == RequestFault::failsForGood);
 }
 
 bool FailsOnPurpose() {
-    return faults.Hits();
+    const bool isHit = faults.Hits();
+    if (isHit && fault == RequestFault::isBroken) {
+        std::raise(SIGINT);
+        return false;
+    }
+    return isHit;
 }
 
 bool HasEventCome() {

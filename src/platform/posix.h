@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <utility>
 
 #include "platform/platform.h"
@@ -28,17 +29,22 @@ namespace korv::platform {
 /// Whether a console event has come since a handler was installed.
 [[nodiscard]] bool HasEventCome();
 
-/// The result of `request`, a call that gives -1 on failure and sets `errno`; made again when a
-/// signal has broken it off. After a console event that is its failure: the run has to end.
+/// The result of `request`, a call that gives -1 or null on failure and sets `errno`; made again
+/// when a signal has broken it off. After a console event that is its failure: the run has to end.
 template <typename Request>
 [[nodiscard]] auto Requested(Request request) {
+    using Result = decltype(request());
+    Result failure{};
+    if constexpr (std::is_integral_v<Result>) {
+        failure = -1;
+    }
     for (;;) {
         if (FailsOnPurpose()) {
             errno = EIO;
-            return decltype(request()){-1};
+            return failure;
         }
-        const auto result = request();
-        if (result != -1 || errno != EINTR || HasEventCome()) {
+        const Result result = request();
+        if (result != failure || errno != EINTR || HasEventCome()) {
             return result;
         }
     }

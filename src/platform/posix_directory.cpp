@@ -37,7 +37,7 @@ constexpr int directoryHandle = O_RDONLY;
 
 bool Exists(const std::string& path) {
     struct stat status;
-    return lstat(path.c_str(), &status) == 0;
+    return Requested([&] { return lstat(path.c_str(), &status); }) == 0;
 }
 
 std::string Joined(std::string_view directory, std::string_view name) {
@@ -62,7 +62,7 @@ class Listing {
     // order of those that match when case is ignored; empty for none.
     std::string Find(const std::string& directory, const std::string& name) {
         struct stat status;
-        if (stat(directory.c_str(), &status) != 0) {
+        if (Requested([&] { return stat(directory.c_str(), &status); }) != 0) {
             return {};
         }
         if (!IsUpToDate(status)) {
@@ -92,11 +92,14 @@ class Listing {
         const auto now = system_clock::now().time_since_epoch();
         before = status;
         names.clear();
-        DIR* const stream = opendir(directory.c_str());
+        DIR* const stream = Requested([&] { return opendir(directory.c_str()); });
         isReadable = stream != nullptr;
         if (isReadable) {
-            const dirent* entry = nullptr;
-            while (errno = 0, (entry = readdir(stream)) != nullptr) {
+            const auto next = [stream] {
+                errno = 0;  // by which an error differs from the end
+                return readdir(stream);
+            };
+            while (const dirent* const entry = Requested(next)) {
                 names.emplace(Raised(entry->d_name), entry->d_name);
             }
             isReadable = errno == 0;
@@ -156,7 +159,8 @@ struct CurrentDirectory::State {
     bool HasPath() {
         std::string& path = levels.back().path;
         std::array<char, PATH_MAX> text;
-        if (path.empty() && getcwd(text.data(), text.size()) != nullptr) {
+        const auto ask = [&text] { return getcwd(text.data(), text.size()); };
+        if (path.empty() && Requested(ask) != nullptr) {
             path = text.data();
         }
         return !path.empty();

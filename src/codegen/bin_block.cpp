@@ -5,8 +5,6 @@
 #include <cstring>
 #include <limits>
 
-#include "platform/platform.h"
-
 namespace korv {
 
 BinBlock::BinBlock(std::uint32_t initialSize, std::FILE* stream)
@@ -113,8 +111,8 @@ std::uint32_t BinBlock::PutWordAt(std::int32_t value, std::uint32_t at) {
     return at;
 }
 
-std::int32_t BinBlock::WriteTo(std::FILE* file) const {
-    std::fwrite(data, 1, position, file);
+std::int32_t BinBlock::WriteTo(platform::OutputFile* file) const {
+    file->Write(data, position);
     return 0;
 }
 

@@ -7,6 +7,8 @@
 #include <cstdio>
 #include <span>
 
+#include "platform/platform.h"
+
 namespace korv {
 
 class BinBlock {
@@ -55,7 +57,7 @@ class BinBlock {
     }
 
     /// Writes all bytes to `file`. Result: 0; whether the write succeeded, the file knows.
-    std::int32_t WriteTo(std::FILE* file) const;
+    std::int32_t WriteTo(platform::OutputFile* file) const;
     /// Prints the lines of the status dump. Result: 0, or -1 for a null stream.
     std::int32_t DumpStatus(std::FILE* stream) const;
 

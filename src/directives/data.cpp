@@ -1,6 +1,8 @@
 // Data: DB for bytes and strings, DW for words, DM for one text, DS for a block of zero bytes. A
 // string's text is the operand's own text with its quotes; there is no escape character.
 
+#include <algorithm>
+
 #include "codegen/handlers.h"
 #include "codegen/late_value.h"
 #include "codegen/value_range.h"
@@ -97,8 +99,11 @@ Status AssembleDs(CAssembler* assembler, CStatement* statement) {
     if (!size.IsValue()) {
         return MSG_ILLEGAL_ARGUMENT;
     }
-    if (size.value > 0) {
-        assembler->EmitZeros(static_cast<std::uint32_t>(size.value));
+    constexpr std::int32_t blockSize = 0x8000000;  // filled in less time than anybody would wait
+    for (std::int32_t left = size.value; left > 0 && !assembler->flags.Has(RF_ABORT);) {
+        const std::int32_t count = std::min(left, blockSize);
+        assembler->EmitZeros(static_cast<std::uint32_t>(count));
+        left -= count;
     }
     return 0;
 }

@@ -36,6 +36,8 @@ class CSourceFile {
     [[nodiscard]] std::uint32_t FileSize() const { return fileSize; }
     /// 1 when both the file and its buffer are there, else 0.
     [[nodiscard]] std::int32_t IsOpen() const { return OpenStatus() == 0 ? 1 : 0; }
+    /// The file itself: which one it is, and whether a read has failed.
+    [[nodiscard]] const platform::InputFile& Stream() const { return stream; }
     /// 10: the file cannot be opened; 52: no memory for its buffer; else 0.
     [[nodiscard]] Status OpenStatus() const;
 

@@ -302,7 +302,7 @@ void CIdentifierManager::ReleasePatches() {
     }
 }
 
-std::int32_t CIdentifierManager::DumpIdentifiers(std::FILE* file) {
+std::int32_t CIdentifierManager::DumpIdentifiers(platform::OutputFile* file) {
     LinkChains();
     ReportWriter out(file);
     out.Put("Identifier\t\tValue\tFlags\tFile(Line)\n");

@@ -25,6 +25,9 @@ class CFileNameRegistry;
 class CMessageList;
 class CPatchInfo;
 class DebugStream;
+namespace platform {
+class OutputFile;
+}
 
 /// What `AddID` is given: a name and its definition. The name has to stay valid during the call
 /// only.
@@ -99,7 +102,7 @@ class CIdentifierManager {
     void ReleasePatches();
 
     /// Prints the body of the identifier list, in the order of the buckets. Result: 0.
-    std::int32_t DumpIdentifiers(std::FILE* file);
+    std::int32_t DumpIdentifiers(platform::OutputFile* file);
     /// Prints the lines of the status dump. Result: 0, or -1 for a null stream.
     std::int32_t DumpStatus(std::FILE* stream) const;
 

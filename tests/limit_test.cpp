@@ -56,14 +56,14 @@ TEST(NameIndexTest, FindsEachNameWhereverHashesCrowd) {
         korv::CNameIndex index;
         std::map<std::string, korv::CIdentifier> records;
         for (std::uint32_t i = 0; i < 3000; ++i) {
-            const auto& [name, record] = *records.try_emplace("N" + std::to_string(i)).first;
+            const auto& [name, record] = *records.try_emplace("LONGNAME" + std::to_string(i)).first;
             ASSERT_EQ(nullptr, index.Find({name, hashOf(i)}));
             records[name].name = name.c_str();
             records[name].nameLength = static_cast<std::uint32_t>(name.size());
             index.Insert(&records[name], hashOf(i));
         }
         for (std::uint32_t i = 0; i < 3000; ++i) {
-            const std::string name = "N" + std::to_string(i), other = "M" + name.substr(1);
+            const std::string name = "LONGNAME" + std::to_string(i), other = "M" + name.substr(1);
             ASSERT_EQ(&records[name], index.Find({name, hashOf(i)})) << i;
             ASSERT_EQ(nullptr, index.Find({other, hashOf(i)})) << i;
         }

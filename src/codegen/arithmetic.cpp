@@ -33,7 +33,7 @@ Status AssembleAdd(CAssembler* assembler, CStatement* statement) {
     if (statement->args.Count() == 1) {
         return EncodeOperand(assembler, statement, last, toA);
     }
-    switch (statement->args.Arg(1)->reg) {
+    switch (statement->args[1].reg) {
         case REG_A:
             return EncodeOperand(assembler, statement, last, toA);
         case REG_HL:
@@ -49,8 +49,8 @@ Status AssembleAdd(CAssembler* assembler, CStatement* statement) {
 
 Status AssembleWithCarry(CAssembler* assembler, CStatement* statement, std::uint8_t byteOpcode,
                          std::uint8_t pairOpcode) {
-    const lsArg& second = *statement->args.Arg(2);
-    switch (statement->args.Arg(1)->reg) {
+    const lsArg& second = statement->args[2];
+    switch (statement->args[1].reg) {
         case REG_A:
             return EncodeOperand(assembler, statement, second, ByteForm(byteOpcode));
         case REG_HL:
@@ -63,16 +63,16 @@ Status AssembleWithCarry(CAssembler* assembler, CStatement* statement, std::uint
 
 Status AssembleStep(CAssembler* assembler, CStatement* statement, std::uint8_t byteOpcode,
                     std::uint8_t pairOpcode) {
-    const lsArg& arg = *statement->args.Arg(1);
+    const lsArg& arg = statement->args[1];
     switch (arg.reg) {
         case REG_IX:
         case REG_IY:
-            return EmitOpcode(assembler, IndexPrefix(arg.reg), pairOpcode + PairField(REG_HL));
+            return assembler->EmitOpcode(IndexPrefix(arg.reg), pairOpcode + PairField(REG_HL));
         case REG_BC:
         case REG_DE:
         case REG_HL:
         case REG_SP:
-            return EmitOpcode(assembler, PREFIX_NONE, pairOpcode + PairField(arg.reg));
+            return assembler->EmitOpcode(PREFIX_NONE, pairOpcode + PairField(arg.reg));
         default:
             return EncodeOperand(assembler, statement, arg,
                                  {3, byteOpcode, 0, PREFIX_NONE, ALLOW_FIELD, FORM_IX | FORM_IY});

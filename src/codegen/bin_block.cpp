@@ -5,8 +5,6 @@
 #include <cstring>
 #include <limits>
 
-#include "platform/platform.h"
-
 namespace korv {
 
 BinBlock::BinBlock(std::uint32_t initialSize, std::FILE* stream)
@@ -55,6 +53,16 @@ void BinBlock::GrowBy(std::uint32_t step, std::uint64_t offset) {
     }
 }
 
+std::uint32_t BinBlock::GrowAndPutByte(std::int32_t value) {
+    GrowBy(byteStep, position);
+    return PutByte(value);
+}
+
+std::uint32_t BinBlock::GrowAndPutWord(std::int32_t value) {
+    GrowBy(wordStep, static_cast<std::uint64_t>(position) + 1);
+    return PutWord(value);
+}
+
 std::uint32_t BinBlock::PutBytes(std::span<const std::uint8_t> bytes) {
     const std::uint64_t end = static_cast<std::uint64_t>(position) + bytes.size();
     if (end >= size) {
@@ -97,13 +105,14 @@ std::uint32_t BinBlock::PutWordAt(std::int32_t value, std::uint32_t at) {
     if (static_cast<std::uint64_t>(at) + 1 >= size) {
         GrowBy(wordStep, static_cast<std::uint64_t>(at) + 1);
     }
-    data[at] = static_cast<std::uint8_t>(value);
-    data[at + 1] = static_cast<std::uint8_t>(value >> 8);
+    std::uint8_t* const to = data + at;
+    to[0] = static_cast<std::uint8_t>(value);
+    to[1] = static_cast<std::uint8_t>(value >> 8);
     return at;
 }
 
-std::int32_t BinBlock::WriteTo(std::FILE* file) const {
-    std::fwrite(data, 1, position, file);
+std::int32_t BinBlock::WriteTo(platform::OutputFile* file) const {
+    file->Write(data, position);
     return 0;
 }
 

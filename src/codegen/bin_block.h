@@ -7,6 +7,8 @@
 #include <cstdio>
 #include <span>
 
+#include "platform/platform.h"
+
 namespace korv {
 
 class BinBlock {
@@ -21,20 +23,22 @@ class BinBlock {
     /// Appends take the low bits of a value, unchecked. Result: the offset of the first byte.
     [[gnu::always_inline]] std::uint32_t PutByte(std::int32_t value) {
         if (position >= size) [[unlikely]] {
-            GrowBy(byteStep, position);
+            return GrowAndPutByte(value);
         }
         data[position] = static_cast<std::uint8_t>(value);
         return position++;
     }
     /// Low byte first.
     std::uint32_t PutWord(std::int32_t value) {
-        if (static_cast<std::uint64_t>(position) + 1 >= size) [[unlikely]] {
-            GrowBy(wordStep, static_cast<std::uint64_t>(position) + 1);
+        const std::uint32_t start = position;
+        if (start + 1 >= size) [[unlikely]] {
+            return GrowAndPutWord(value);
         }
-        data[position] = static_cast<std::uint8_t>(value);
-        data[position + 1] = static_cast<std::uint8_t>(value >> 8);
-        position += 2;
-        return position - 2;
+        position = start + 2;
+        std::uint8_t* const to = data + start;
+        to[0] = static_cast<std::uint8_t>(value);
+        to[1] = static_cast<std::uint8_t>(value >> 8);
+        return start;
     }
     std::uint32_t PutBytes(std::span<const std::uint8_t> bytes);
     /// Appends `count` zero bytes, just as that many calls of `PutByte` do.
@@ -53,7 +57,7 @@ class BinBlock {
     }
 
     /// Writes all bytes to `file`. Result: 0; whether the write succeeded, the file knows.
-    std::int32_t WriteTo(std::FILE* file) const;
+    std::int32_t WriteTo(platform::OutputFile* file) const;
     /// Prints the lines of the status dump. Result: 0, or -1 for a null stream.
     std::int32_t DumpStatus(std::FILE* stream) const;
 
@@ -68,6 +72,9 @@ class BinBlock {
     void GrowAtOnce(std::uint32_t step, std::uint64_t offset);
     // Grows in steps of `step` until `offset` lies inside the buffer.
     void GrowBy(std::uint32_t step, std::uint64_t offset);
+    // The rare case of an append ends with it, so that the usual one is free of calls.
+    std::uint32_t GrowAndPutByte(std::int32_t value);
+    std::uint32_t GrowAndPutWord(std::int32_t value);
 
     std::uint8_t* data;  // owned
     std::uint32_t size;  // bytes allocated

@@ -75,7 +75,7 @@ std::string_view Between(const char* start, const char* end) {
         const char* const start = SkipBlanks(before + 1);
         if (*start != '(') {
             before = SkipToken(start);
-            if (before != start && EndsOperand(*before)) [[likely]] {
+            if (EndsOperand(*before) && before != start) [[likely]] {
                 statement->args.AddToken(Between(start, before));
                 continue;
             }
@@ -105,12 +105,14 @@ void DefineLineLabel(CAssembler* assembler, CStatement* statement) {
 Status BeginStatement(CAssembler* assembler, CStatement* statement, const Keyword& keyword,
                       const char* end) {
     const Frame frame = keyword.frame;
-    if (frame == Frame::labelFirst || frame == Frame::labelOnly) {
-        DefineLineLabel(assembler, statement);
-    } else if (frame == Frame::noLabel && statement->HasLabel()) {
-        assembler->ReportError(statement, MSG_LABEL_NOT_ALLOWED, noText);
+    if (statement->HasLabel()) [[unlikely]] {
+        if (frame == Frame::labelFirst || frame == Frame::labelOnly) {
+            DefineLineLabel(assembler, statement);
+        } else if (frame == Frame::noLabel) {
+            assembler->ReportError(statement, MSG_LABEL_NOT_ALLOWED, noText);
+        }
     }
-    if (frame == Frame::labelOnly || frame == Frame::nothing) [[unlikely]] {
+    if (frame >= Frame::labelOnly) [[unlikely]] {
         return 0;
     }
     SplitOperands(assembler, statement, end);

@@ -48,8 +48,9 @@ enum class Frame {
     operandsFirst,  ///< operands, label
     operandsOnly,   ///< operands; the handler sees to the label itself
     noLabel,        ///< operands; a label is an error here, which stops nothing
-    labelOnly,      ///< label; the rest of the line is not read
-    nothing,        ///< the rest of the line is not read, and the label is left to the loop
+    // from here on the rest of the line is not read
+    labelOnly,  ///< label
+    nothing,    ///< the label is left to the loop
 };
 
 struct Keyword;

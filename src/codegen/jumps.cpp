@@ -26,12 +26,12 @@ bool IsRegisterJump(std::int32_t reg) {
 }  // namespace
 
 Status AssembleJp(CAssembler* assembler, CStatement* statement) {
-    const lsArg& first = *statement->args.Arg(1);
+    const lsArg& first = statement->args[1];
     const lsArg& target = statement->args.Last();
     const bool isConditional = IsConditional(*statement);
     if (!isConditional && IsRegisterJump(first.reg)) {
         const bool isIndex = first.reg != REG_HL_INDIRECT;
-        return EmitOpcode(assembler, isIndex ? IndexPrefix(first.reg) : PREFIX_NONE, 0xE9);
+        return assembler->EmitOpcode(isIndex ? IndexPrefix(first.reg) : PREFIX_NONE, 0xE9);
     }
     if (isConditional && !first.IsCondition()) {  // the statement goes on, with the number -1
         assembler->ReportError(statement, MSG_ILLEGAL_CONDITION, first.text);
@@ -44,7 +44,7 @@ Status AssembleJp(CAssembler* assembler, CStatement* statement) {
 }
 
 Status AssembleCall(CAssembler* assembler, CStatement* statement) {
-    const lsArg& first = *statement->args.Arg(1);
+    const lsArg& first = statement->args[1];
     const lsArg& target = statement->args.Last();
     const bool isConditional = IsConditional(*statement);
     if ((isConditional && first.condition < 0) || !target.IsPlainValue()) {
@@ -56,7 +56,7 @@ Status AssembleCall(CAssembler* assembler, CStatement* statement) {
 }
 
 Status AssembleJr(CAssembler* assembler, CStatement* statement) {
-    const lsArg& first = *statement->args.Arg(1);
+    const lsArg& first = statement->args[1];
     const lsArg& target = statement->args.Last();
     const bool isConditional = IsConditional(*statement);
     const bool isRefused = isConditional && (first.condition < 0 || first.condition > 3);
@@ -70,7 +70,7 @@ Status AssembleJr(CAssembler* assembler, CStatement* statement) {
 // Takes its operand as text, so that it knows no registers: DJNZ A goes to the label A. What is no
 // value without parentheses is scanned as such a text.
 Status AssembleDjnz(CAssembler* assembler, CStatement* statement) {
-    lsArg& target = *statement->args.Arg(1);
+    lsArg& target = statement->args[1];
     if (!target.IsValue() || target.reg != REG_NONE) {
         target.status = assembler->ScanExpression(target.text, &target.value, &target.unresolved);
     }
@@ -80,17 +80,17 @@ Status AssembleDjnz(CAssembler* assembler, CStatement* statement) {
 
 Status AssembleRet(CAssembler* assembler, CStatement* statement) {
     if (statement->args.Count() == 0) {
-        return EmitOpcode(assembler, PREFIX_NONE, 0xC9);
+        return assembler->EmitOpcode(PREFIX_NONE, 0xC9);
     }
-    const lsArg& condition = *statement->args.Arg(1);
+    const lsArg& condition = statement->args[1];
     if (condition.condition < 0) {
         return MSG_ILLEGAL_ARGUMENT;
     }
-    return EmitOpcode(assembler, PREFIX_NONE, 0xC0 + ConditionField(condition));
+    return assembler->EmitOpcode(PREFIX_NONE, 0xC0 + ConditionField(condition));
 }
 
 Status AssembleRst(CAssembler* assembler, CStatement* statement) {
-    const lsArg& target = *statement->args.Arg(1);
+    const lsArg& target = statement->args[1];
     if (target.status != 0) {  // the address lies in the opcode: it cannot be patched
         return target.status == MSG_UNRESOLVED ? MSG_NOT_IMMEDIATE : MSG_BAD_EXPRESSION;
     }
@@ -98,7 +98,7 @@ Status AssembleRst(CAssembler* assembler, CStatement* statement) {
     if (!target.IsPlainValue() || (target.value & ~addressBits) != 0) {
         return MSG_ILLEGAL_ARGUMENT;
     }
-    return EmitOpcode(assembler, PREFIX_NONE, 0xC7 + target.value);
+    return assembler->EmitOpcode(PREFIX_NONE, 0xC7 + target.value);
 }
 
 }  // namespace korv

@@ -18,9 +18,10 @@ std::string_view WithoutParentheses(std::string_view text) {
 
 }  // namespace
 
-void FilePatch(CAssembler* assembler, const CStatement* statement, std::string_view expression,
-               const UnresolvedName& unresolved, std::uint32_t position, std::uint32_t kind,
-               std::string_view equName) {
+void FilePatch(CAssembler* assembler, const CStatement* statement, const lsArg& arg, PatchText text,
+               std::uint32_t position, std::uint32_t kind) {
+    const std::string_view expression = text == PatchText::operand ? arg.text : arg.expression;
+    const UnresolvedName& unresolved = arg.unresolved;
     const bool isName = IsSamePart(expression, unresolved.name);
     if (isName || IsSamePart(WithoutParentheses(expression), unresolved.name)) {
         kind |= PF_NAME;
@@ -32,7 +33,9 @@ void FilePatch(CAssembler* assembler, const CStatement* statement, std::string_v
     if (!isName) {  // else the identifier has the text
         patch->expressionString.Assign(expression);
     }
-    patch->nameString.Assign(equName);
+    if ((kind & PF_EQU) != 0) {
+        patch->nameString.Assign(statement->label);
+    }
     assembler->identifiers.AddPatch(unresolved, patch);
 }
 
@@ -44,8 +47,7 @@ Status EmitValue(CAssembler* assembler, const CStatement* statement, const lsArg
     if (arg.status != MSG_UNRESOLVED) [[likely]] {
         return arg.status;
     }
-    FilePatch(assembler, statement, text == PatchText::operand ? arg.text : arg.expression,
-              arg.unresolved, position, kind);
+    FilePatch(assembler, statement, arg, text, position, kind);
     return 0;
 }
 

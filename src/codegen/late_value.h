@@ -4,10 +4,8 @@
 #pragma once
 
 #include <cstdint>
-#include <string_view>
 
 #include "diagnostics/message_numbers.h"
-#include "expr/unresolved_name.h"
 #include "symbols/patch.h"
 
 namespace korv {
@@ -44,10 +42,9 @@ template <std::uint32_t kind>
 [[nodiscard]] Status EmitRelative(CAssembler* assembler, const CStatement* statement,
                                   const lsArg& arg, Status tooFar);
 
-/// Files a patch of `kind` at `position` of the image: `expression` is evaluated again when
-/// `unresolved` has got its value. `equName`: the identifier that an EQU defines by it.
-void FilePatch(CAssembler* assembler, const CStatement* statement, std::string_view expression,
-               const UnresolvedName& unresolved, std::uint32_t position, std::uint32_t kind,
-               std::string_view equName = {});
+/// Files a patch of `kind` at `position` of the image: `text` of `arg` is evaluated again when the
+/// name that `arg` waits for has got its value. With PF_EQU that gives the label its value.
+void FilePatch(CAssembler* assembler, const CStatement* statement, const lsArg& arg, PatchText text,
+               std::uint32_t position, std::uint32_t kind);
 
 }  // namespace korv

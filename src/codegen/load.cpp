@@ -1,6 +1,8 @@
 // LD: one mnemonic for the whole load group. The destination decides; its source then has the
 // shapes that the processor's load group lists for it.
 
+#include <array>
+
 #include "codegen/handlers.h"
 #include "codegen/late_value.h"
 #include "codegen/operand_forms.h"
@@ -18,14 +20,19 @@ constexpr OperandForm toAccumulator{0, 0x78,        0x3E,
 constexpr OperandForm toMemory{
     0, storeOpcode, storeImmediateOpcode, 0, ALLOW_A | ALLOW_B_TO_L, FORM_IMM8};
 
-constexpr OperandForm ToRegister(std::int32_t reg) {
-    return {0,
-            static_cast<std::uint8_t>(0x40 + 8 * reg),
-            static_cast<std::uint8_t>(0x06 + 8 * reg),
-            0,
-            ALLOW_FIELD,
-            FORM_IMM8 | FORM_IX | FORM_IY};
-}
+// By the number of the register.
+constexpr auto toRegister = [] {
+    std::array<OperandForm, 8> forms{};
+    for (std::uint8_t reg = 0; reg < forms.size(); ++reg) {
+        forms[reg] = {0,
+                      static_cast<std::uint8_t>(0x40 + 8 * reg),
+                      static_cast<std::uint8_t>(0x06 + 8 * reg),
+                      0,
+                      ALLOW_FIELD,
+                      FORM_IMM8 | FORM_IX | FORM_IY};
+    }
+    return forms;
+}();
 
 // The shapes in which only A may be the source.
 Status LoadFromAccumulator(CAssembler* assembler, const lsArg& src, std::uint8_t prefix,
@@ -33,19 +40,19 @@ Status LoadFromAccumulator(CAssembler* assembler, const lsArg& src, std::uint8_t
     if (src.reg != REG_A) {
         return MSG_ILLEGAL_ARGUMENT;
     }
-    return EmitOpcode(assembler, prefix, opcode);
+    return assembler->EmitOpcode(prefix, opcode);
 }
 
 Status LoadAccumulator(CAssembler* assembler, CStatement* statement, const lsArg& src) {
     switch (src.reg) {
         case REG_BC_INDIRECT:
-            return EmitOpcode(assembler, PREFIX_NONE, 0x0A);
+            return assembler->EmitOpcode(PREFIX_NONE, 0x0A);
         case REG_DE_INDIRECT:
-            return EmitOpcode(assembler, PREFIX_NONE, 0x1A);
+            return assembler->EmitOpcode(PREFIX_NONE, 0x1A);
         case REG_I:
-            return EmitOpcode(assembler, PREFIX_ED, 0x57);
+            return assembler->EmitOpcode(PREFIX_ED, 0x57);
         case REG_R:
-            return EmitOpcode(assembler, PREFIX_ED, 0x5F);
+            return assembler->EmitOpcode(PREFIX_ED, 0x5F);
         default:
             return EncodeOperand(assembler, statement, src, toAccumulator);
     }
@@ -64,7 +71,7 @@ Status LoadPair(CAssembler* assembler, CStatement* statement, const lsArg& dst, 
     if (isMemory && (isIndex || dst.reg == REG_HL)) {
         assembler->EmitByte(0x2A);
     } else if (isMemory) {
-        EmitOpcode(assembler, PREFIX_ED, 0x4B + PairField(dst.reg));
+        assembler->EmitOpcode(PREFIX_ED, 0x4B + PairField(dst.reg));
     } else {
         assembler->EmitByte(0x01 + PairField(dst.reg));
     }
@@ -76,10 +83,10 @@ Status LoadStackPointer(CAssembler* assembler, CStatement* statement, const lsAr
     constexpr std::int32_t opcode = 0xF9;
     switch (src.reg) {
         case REG_HL:
-            return EmitOpcode(assembler, PREFIX_NONE, opcode);
+            return assembler->EmitOpcode(PREFIX_NONE, opcode);
         case REG_IX:
         case REG_IY:
-            return EmitOpcode(assembler, IndexPrefix(src.reg), opcode);
+            return assembler->EmitOpcode(IndexPrefix(src.reg), opcode);
         default:
             return LoadPair(assembler, statement, dst, src);
     }
@@ -115,19 +122,19 @@ Status StoreDirect(CAssembler* assembler, CStatement* statement, const lsArg& ds
                    const lsArg& src) {
     switch (src.reg) {
         case REG_A:
-            EmitOpcode(assembler, PREFIX_NONE, 0x32);
+            assembler->EmitOpcode(PREFIX_NONE, 0x32);
             break;
         case REG_HL:
-            EmitOpcode(assembler, PREFIX_NONE, 0x22);
+            assembler->EmitOpcode(PREFIX_NONE, 0x22);
             break;
         case REG_IX:
         case REG_IY:
-            EmitOpcode(assembler, IndexPrefix(src.reg), 0x22);
+            assembler->EmitOpcode(IndexPrefix(src.reg), 0x22);
             break;
         case REG_BC:
         case REG_DE:
         case REG_SP:
-            EmitOpcode(assembler, PREFIX_ED, 0x43 + PairField(src.reg));
+            assembler->EmitOpcode(PREFIX_ED, 0x43 + PairField(src.reg));
             break;
         default:
             return MSG_ILLEGAL_ARGUMENT;
@@ -138,11 +145,16 @@ Status StoreDirect(CAssembler* assembler, CStatement* statement, const lsArg& ds
 }  // namespace
 
 Status AssembleLd(CAssembler* assembler, CStatement* statement) {
-    const lsArg& dst = *statement->args.Arg(1);
-    const lsArg& src = *statement->args.Arg(2);
+    const lsArg& dst = statement->args[1];
+    const lsArg& src = statement->args[2];
+    if (dst.reg == REG_A) {
+        return LoadAccumulator(assembler, statement, src);
+    }
+    if (IsByteRegister(dst.reg)) {
+        return EncodeOperand(assembler, statement, src,
+                             toRegister[static_cast<std::size_t>(dst.reg)]);
+    }
     switch (dst.reg) {
-        case REG_A:
-            return LoadAccumulator(assembler, statement, src);
         case REG_HL_INDIRECT:
             return EncodeOperand(assembler, statement, src, toMemory);
         case REG_R:
@@ -167,9 +179,7 @@ Status AssembleLd(CAssembler* assembler, CStatement* statement) {
         case REG_DIRECT:
             return StoreDirect(assembler, statement, dst, src);
         default:
-            return IsByteRegister(dst.reg)
-                       ? EncodeOperand(assembler, statement, src, ToRegister(dst.reg))
-                       : MSG_ILLEGAL_ARGUMENT;
+            return MSG_ILLEGAL_ARGUMENT;
     }
 }
 

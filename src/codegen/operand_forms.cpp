@@ -8,9 +8,10 @@ namespace {
 
 // The bit of `allowed` that belongs to a register code; 0 for the codes without one.
 constexpr std::uint32_t AllowedBit(std::int32_t reg) {
+    if (IsFieldRegister(reg)) {
+        return reg == REG_A ? ALLOW_A : 2U << reg;
+    }
     switch (reg) {
-        case REG_A:
-            return ALLOW_A;
         case REG_AF:
             return ALLOW_AF;
         case REG_BC:
@@ -26,7 +27,7 @@ constexpr std::uint32_t AllowedBit(std::int32_t reg) {
         case REG_SP:
             return ALLOW_SP;
         default:
-            return IsFieldRegister(reg) ? 2U << reg : 0;
+            return 0;
     }
 }
 static_assert(AllowedBit(REG_HL_INDIRECT) == ALLOW_HL_INDIRECT && AllowedBit(0) == 0x0002);
@@ -45,13 +46,14 @@ constexpr std::uint32_t FormBit(std::int32_t reg) {
     }
 }
 
-Status RefuseOperand(CAssembler* assembler, const CStatement* statement, const lsArg& arg) {
+[[gnu::noinline]] Status RefuseOperand(CAssembler* assembler, const CStatement* statement,
+                                       const lsArg& arg) {
     assembler->ReportError(statement, MSG_ILLEGAL_ARGUMENT, arg.text);
     return 0;
 }
 
-Status EncodeImmediate(CAssembler* assembler, CStatement* statement, const lsArg& arg,
-                       const OperandForm& form) {
+[[gnu::noinline]] Status EncodeImmediate(CAssembler* assembler, CStatement* statement,
+                                         const lsArg& arg, const OperandForm& form) {
     if ((form.forms & FORM_PREFIX) != 0) {
         assembler->EmitByte(form.prefix);
     }
@@ -72,12 +74,12 @@ Status EncodeImmediate(CAssembler* assembler, CStatement* statement, const lsArg
     return EmitChecked<byteKind>(assembler, statement, arg, PatchText::operand);
 }
 
-Status EncodeMemory(CAssembler* assembler, CStatement* statement, const lsArg& arg,
-                    const OperandForm& form) {
+[[gnu::noinline]] Status EncodeMemory(CAssembler* assembler, CStatement* statement,
+                                      const lsArg& arg, const OperandForm& form) {
     constexpr std::uint8_t loadDirect = 0x3A;
     Status result = 0;
     if (arg.IsIndexed()) {
-        EmitOpcode(assembler, IndexPrefix(arg.reg), REG_HL_INDIRECT << form.shift | form.opcode);
+        assembler->EmitOpcode(IndexPrefix(arg.reg), REG_HL_INDIRECT << form.shift | form.opcode);
         result = EmitChecked<displacementKind>(assembler, statement, arg, PatchText::expression);
     } else {
         assembler->EmitByte(loadDirect);
@@ -104,34 +106,26 @@ constexpr std::int32_t BitBase(char kind) {
 
 }  // namespace
 
-Status EmitOpcode(CAssembler* assembler, std::uint8_t prefix, std::int32_t opcode) {
-    if (prefix != PREFIX_NONE) {
-        assembler->EmitByte(prefix);
-    }
-    assembler->EmitByte(opcode);
-    return 0;
-}
-
 Status EncodeOperand(CAssembler* assembler, CStatement* statement, const lsArg& arg,
                      const OperandForm& form) {
+    if ((form.allowed & AllowedBit(arg.reg)) != 0) [[likely]] {
+        if ((form.forms & FORM_PREFIX) != 0) {
+            assembler->EmitByte(form.prefix);
+        }
+        assembler->EmitByte((arg.reg & 0xFF) << form.shift | form.opcode);
+        return 0;
+    }
     if (arg.reg == REG_NONE) {
         return EncodeImmediate(assembler, statement, arg, form);
     }
     if ((form.forms & FormBit(arg.reg)) != 0) {
         return EncodeMemory(assembler, statement, arg, form);
     }
-    if ((form.allowed & AllowedBit(arg.reg)) == 0) {
-        return RefuseOperand(assembler, statement, arg);
-    }
-    if ((form.forms & FORM_PREFIX) != 0) {
-        assembler->EmitByte(form.prefix);
-    }
-    assembler->EmitByte((arg.reg & 0xFF) << form.shift | form.opcode);
-    return 0;
+    return RefuseOperand(assembler, statement, arg);
 }
 
 Status EncodeAccumulatorOp(CAssembler* assembler, CStatement* statement, std::int32_t group) {
-    const lsArg& arg = *statement->args.Arg(1);
+    const lsArg& arg = statement->args[1];
     const std::int32_t registerOpcode = 0x80 + 8 * group;
     const std::int32_t immediateOpcode = 0xC6 + 8 * group;
     if (IsFieldRegister(arg.reg)) {
@@ -139,7 +133,7 @@ Status EncodeAccumulatorOp(CAssembler* assembler, CStatement* statement, std::in
         return 0;
     }
     if (arg.IsIndexed()) {
-        EmitOpcode(assembler, IndexPrefix(arg.reg), registerOpcode + REG_HL_INDIRECT);
+        assembler->EmitOpcode(IndexPrefix(arg.reg), registerOpcode + REG_HL_INDIRECT);
         return EmitChecked<displacementKind>(assembler, statement, arg, PatchText::expression);
     }
     if (arg.IsIndirect() || !arg.IsValue()) {
@@ -157,13 +151,13 @@ Status ProcessBSR_Ex(CAssembler* assembler, CStatement* statement, char kind, st
         return 0;
     }
     std::int32_t opcode = base + 8 * field;
-    const lsArg& arg = *statement->args.Arg(kind == 'X' ? 1 : 2);
+    const lsArg& arg = statement->args[kind == 'X' ? 1 : 2];
     if (IsFieldRegister(arg.reg)) {
-        return EmitOpcode(assembler, PREFIX_CB, opcode + arg.reg);
+        return assembler->EmitOpcode(PREFIX_CB, opcode + arg.reg);
     }
     if (arg.IsIndexed()) {
         opcode += REG_HL_INDIRECT;
-        EmitOpcode(assembler, IndexPrefix(arg.reg), PREFIX_CB);
+        assembler->EmitOpcode(IndexPrefix(arg.reg), PREFIX_CB);
         // The displacement stands before the last opcode byte.
         if (const Status result =
                 EmitChecked<displacementKind>(assembler, statement, arg, PatchText::expression);

@@ -69,9 +69,6 @@ struct OperandForm {
     return (reg & 0xFF) << 4;
 }
 
-/// Emits an opcode after its prefix, which may be PREFIX_NONE. Result: 0.
-Status EmitOpcode(CAssembler* assembler, std::uint8_t prefix, std::int32_t opcode);
-
 /// Encodes `arg` as `form` says. Result: 0 or a message number.
 [[nodiscard]] Status EncodeOperand(CAssembler* assembler, CStatement* statement, const lsArg& arg,
                                    const OperandForm& form);

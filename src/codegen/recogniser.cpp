@@ -37,9 +37,13 @@ constexpr std::size_t EndOfBranch(std::size_t first, std::size_t end, std::size_
     return row;
 }
 
-// A row in the middle of the range that begins a branch.
+// A row of the range that begins a branch: in the middle, but for LD, which is every third
+// statement of a program and asked for first.
 constexpr std::size_t Pivot(std::size_t first, std::size_t end, std::size_t depth) {
     std::size_t row = first + (end - first) / 2;
+    for (std::size_t i = first; i < end; ++i) {
+        row = keywords[i].word == "LD" ? i : row;
+    }
     while (row > first && CharacterAt(row - 1, depth) == CharacterAt(row, depth)) {
         --row;
     }

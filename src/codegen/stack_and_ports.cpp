@@ -16,10 +16,10 @@ namespace {
 Status EmitWithHlOrIndex(CAssembler* assembler, std::int32_t reg, std::int32_t opcode) {
     switch (reg) {
         case REG_HL:
-            return EmitOpcode(assembler, PREFIX_NONE, opcode);
+            return assembler->EmitOpcode(PREFIX_NONE, opcode);
         case REG_IX:
         case REG_IY:
-            return EmitOpcode(assembler, IndexPrefix(reg), opcode);
+            return assembler->EmitOpcode(IndexPrefix(reg), opcode);
         default:
             return MSG_ILLEGAL_ARGUMENT;
     }
@@ -38,26 +38,26 @@ Status AssemblePort(CAssembler* assembler, CStatement* statement, const lsArg& p
 }  // namespace
 
 Status AssembleStack(CAssembler* assembler, CStatement* statement, std::uint8_t opcode) {
-    const std::int32_t reg = statement->args.Arg(1)->reg;
+    const std::int32_t reg = statement->args[1].reg;
     switch (reg) {
         case REG_BC:
         case REG_DE:
         case REG_AF:
-            return EmitOpcode(assembler, PREFIX_NONE, opcode + PairField(reg));
+            return assembler->EmitOpcode(PREFIX_NONE, opcode + PairField(reg));
         default:
             return EmitWithHlOrIndex(assembler, reg, opcode + PairField(REG_HL));
     }
 }
 
 Status AssembleEx(CAssembler* assembler, CStatement* statement) {
-    const lsArg& second = *statement->args.Arg(2);
-    switch (statement->args.Arg(1)->reg) {
+    const lsArg& second = statement->args[2];
+    switch (statement->args[1].reg) {
         case REG_DE:
-            return second.reg == REG_HL ? EmitOpcode(assembler, PREFIX_NONE, 0xEB)
+            return second.reg == REG_HL ? assembler->EmitOpcode(PREFIX_NONE, 0xEB)
                                         : MSG_ILLEGAL_ARGUMENT;
         case REG_AF:  // AF' is no register name: it is known by its text
             return second.reg == REG_AF || second.text == "AF'"
-                       ? EmitOpcode(assembler, PREFIX_NONE, 0x08)
+                       ? assembler->EmitOpcode(PREFIX_NONE, 0x08)
                        : MSG_ILLEGAL_ARGUMENT;
         case REG_SP_INDIRECT:
             return EmitWithHlOrIndex(assembler, second.reg, 0xE3);
@@ -67,7 +67,7 @@ Status AssembleEx(CAssembler* assembler, CStatement* statement) {
 }
 
 Status AssembleIm(CAssembler* assembler, CStatement* statement) {
-    const lsArg& mode = *statement->args.Arg(1);
+    const lsArg& mode = statement->args[1];
     if (mode.status != 0) {  // the mode lies in the opcode: it cannot be patched
         return MSG_NOT_IMMEDIATE;
     }
@@ -86,13 +86,13 @@ Status AssembleIm(CAssembler* assembler, CStatement* statement) {
 // The port is (C) with any byte register or F, or (n) with A alone.
 Status AssembleInOut(CAssembler* assembler, CStatement* statement, std::int32_t registerPlace,
                      std::uint8_t registerOpcode, std::uint8_t portOpcode) {
-    const std::int32_t reg = statement->args.Arg(registerPlace)->reg;
-    const lsArg& port = *statement->args.Arg(3 - registerPlace);
+    const std::int32_t reg = statement->args[registerPlace].reg;
+    const lsArg& port = statement->args[3 - registerPlace];
     if (!IsByteRegister(reg) && reg != REG_F) {
         return MSG_ILLEGAL_ARGUMENT;
     }
     if (port.reg == REG_C_INDIRECT) {
-        return EmitOpcode(assembler, PREFIX_ED, registerOpcode + 8 * (reg & 7));
+        return assembler->EmitOpcode(PREFIX_ED, registerOpcode + 8 * (reg & 7));
     }
     if (reg == REG_A && port.reg == REG_DIRECT) {
         return AssemblePort(assembler, statement, port, portOpcode);

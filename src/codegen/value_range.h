@@ -28,16 +28,16 @@ inline constexpr ValueRange dataByteRange{-128, 255, MSG_NOT_UNSIGNED_BYTE};
 /// Distances of relative jumps; the message is that of a late one.
 inline constexpr ValueRange relativeRange{-128, 127, MSG_OFFSET_TOO_BIG};
 
+/// Indexed by PF_8BIT, and by PF_SIGNED.
+inline constexpr ValueRange widthRanges[2][2] = {{wordRange, signedWordRange},
+                                                 {byteRange, signedByteRange}};
+
 /// What a value of the kind `kind` (PF_* bits) may be, known at once or late.
 [[nodiscard]] constexpr const ValueRange& RangeOf(std::uint32_t kind) {
-    const bool isSigned = (kind & PF_SIGNED) != 0;
     if ((kind & PF_RELATIVE) != 0) {
         return relativeRange;
     }
-    if ((kind & PF_8BIT) != 0) {
-        return isSigned ? signedByteRange : byteRange;
-    }
-    return isSigned ? signedWordRange : wordRange;
+    return widthRanges[kind / PF_8BIT % 2][kind / PF_SIGNED % 2];
 }
 
 /// Distance of a relative jump at `address` to `target`, counted from after its two bytes.

@@ -1,9 +1,12 @@
 #include "diagnostics/message_list.h"
 
+#include <array>
+#include <cstdio>
 #include <cstring>
 #include <new>
 #include <utility>
 
+#include "diagnostics/report_writer.h"
 #include "source/file_name_registry.h"
 
 namespace korv {
@@ -17,11 +20,8 @@ std::int32_t CMessageList::SetKind(std::int32_t newKind) {
     return std::exchange(kind, newKind);
 }
 
-std::int32_t CMessageList::Report(std::int32_t number, std::string_view text, std::int32_t file,
-                                  std::int32_t line) {
-    if (Count() == capacity) {  // asked before the text is copied: a full list must cost nothing
-        return -1;
-    }
+std::int32_t CMessageList::AddCopy(std::int32_t number, std::string_view text, std::int32_t file,
+                                   std::int32_t line) {
     CMessage message{number, nullptr, file, line};
     if (text.data() != nullptr) {
         message.text.reset(new (std::nothrow) char[text.size() + 1]);
@@ -41,22 +41,29 @@ std::int32_t CMessageList::Add(CMessage message) {
     return 0;
 }
 
-std::int32_t CMessageList::Print(std::FILE* stream, std::int32_t limit) const {
+std::int32_t CMessageList::Print(ReportWriter&& to, std::int32_t limit) const {
     for (const CMessage& message : messages) {
         if (limit-- == 0) {
             break;
         }
-        std::fprintf(stream, "%s(%d) : %s X%d : ", fileNames->NameOf(message.file), message.line,
-                     kindName, message.number);
+        std::array<char, 64> text;
+        const auto putFormatted = [&](const char* format, auto... values) {
+            std::snprintf(text.data(), text.size(), format, values...);
+            to.Put(text.data());
+        };
+        to.PutForeign(fileNames->NameOf(message.file));
+        putFormatted("(%d) : %s X%d : ", message.line, kindName, message.number);
         if (message.number < 0) {
-            std::fprintf(stream, "Illegal %s number! (Internal error.)", kindName);
+            putFormatted("Illegal %s number! (Internal error.)", kindName);
         } else {
-            std::fputs(MESSAGE_TABLE[static_cast<std::size_t>(message.number)].text, stream);
+            to.Put(MESSAGE_TABLE[static_cast<std::size_t>(message.number)].text);
         }
         if (message.text != nullptr) {
-            std::fprintf(stream, " [%s]", message.text.get());
+            to.Put(" [");
+            to.PutForeign(message.text.get());
+            to.Put("]");
         }
-        std::fputc('\n', stream);
+        to.Put("\n");
     }
     return 0;
 }

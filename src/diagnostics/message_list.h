@@ -3,7 +3,6 @@
 #pragma once
 
 #include <cstdint>
-#include <cstdio>
 #include <memory>
 #include <string_view>
 #include <vector>
@@ -13,6 +12,7 @@
 namespace korv {
 
 class CFileNameRegistry;
+class ReportWriter;
 
 struct CMessage {
     std::int32_t number = 0;  ///< row of MESSAGE_TABLE; below 0: an internal error without a row
@@ -40,7 +40,9 @@ class CMessageList {
     /// and no brackets; an empty text gives empty brackets. Result: as `Add`. Nobody has to look at
     /// it.
     std::int32_t Report(std::int32_t number, std::string_view text, std::int32_t file,
-                        std::int32_t line);
+                        std::int32_t line) {
+        return Count() == capacity ? -1 : AddCopy(number, text, file, line);  // costs nothing then
+    }
 
     /// Takes over `message`. Result: 0, or -1 when the list was full and the message is dropped.
     std::int32_t Add(CMessage message);
@@ -48,9 +50,12 @@ class CMessageList {
     [[nodiscard]] std::int32_t Count() const { return static_cast<std::int32_t>(messages.size()); }
 
     /// Prints the first `limit` messages, -1 for all, a line each. Result: 0.
-    std::int32_t Print(std::FILE* stream, std::int32_t limit) const;
+    std::int32_t Print(ReportWriter&& to, std::int32_t limit) const;
 
   private:
+    std::int32_t AddCopy(std::int32_t number, std::string_view text, std::int32_t file,
+                         std::int32_t line);
+
     std::int32_t capacity;
     std::int32_t kind = ML_ERROR;
     const char* kindName = "error";

@@ -1,5 +1,5 @@
-/// The text of a report file, formatted without the general routines and written by the block,
-/// since a listing has a line for each of the source.
+/// The text of a report, formatted without the general routines and written by the block, since a
+/// listing has a line for each of the source.
 #pragma once
 
 #include <algorithm>
@@ -8,7 +8,10 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
+#include <initializer_list>
 #include <string_view>
+
+#include "platform/platform.h"
 
 namespace korv {
 
@@ -56,8 +59,10 @@ class ReportWriter {
   public:
     static constexpr std::size_t blockSize = 16384;
 
-    /// Writes to `file`, which is not owned and has to live longer.
-    explicit ReportWriter(std::FILE* file) : file(file) {}
+    /// Writes to a file, or to the console. Neither is owned, and each has to live longer.
+    explicit ReportWriter(platform::OutputFile* file) : file(file) {}
+    explicit ReportWriter(std::FILE* console)
+        : console(console), isTerminal(platform::IsTerminal(console)) {}
     ~ReportWriter() { Flush(); }
     ReportWriter(const ReportWriter&) = delete;
     ReportWriter& operator=(const ReportWriter&) = delete;
@@ -76,18 +81,31 @@ class ReportWriter {
     void Put(std::string_view text) {
         if (text.size() > blockSize) [[unlikely]] {
             Flush();
-            std::fwrite(text.data(), 1, text.size(), file);
+            Write(text);
         } else {
             Advance(PutText(Room(text.size()), text));
         }
     }
 
+    /// The same for a text from a source or of a file name. A terminal gets none of its control
+    /// characters, nor bytes that are no UTF-8, but "\xHH" for them, so that no text can pass for
+    /// ours or speak to the terminal.
+    void PutForeign(std::string_view text);
+
   private:
     void Flush();
+    void Write(std::string_view text);
 
-    std::FILE* file;
+    platform::OutputFile* file = nullptr;
+    std::FILE* console = nullptr;
+    bool isTerminal = false;
     std::array<char, blockSize> block;
     char* next = block.data();
 };
+
+/// Prints `format` on the console with `texts`, which are from a source or of file names, in the
+/// places of its "%".
+void PrintTexts(std::FILE* console, std::string_view format,
+                std::initializer_list<std::string_view> texts);
 
 }  // namespace korv

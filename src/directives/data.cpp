@@ -1,6 +1,8 @@
 // Data: DB for bytes and strings, DW for words, DM for one text, DS for a block of zero bytes. A
 // string's text is the operand's own text with its quotes; there is no escape character.
 
+#include <algorithm>
+
 #include "codegen/handlers.h"
 #include "codegen/late_value.h"
 #include "codegen/value_range.h"
@@ -72,7 +74,7 @@ Status AssembleDw(CAssembler* assembler, CStatement* statement) {
 }
 
 Status AssembleDm(CAssembler* assembler, CStatement* statement) {
-    const std::string_view text = statement->args.Arg(1)->text;
+    const std::string_view text = statement->args[1].text;
     if (text.front() != '"') {
         return MSG_ILLEGAL_ARGUMENT;
     }
@@ -90,15 +92,18 @@ Status AssembleDm(CAssembler* assembler, CStatement* statement) {
 }
 
 Status AssembleDs(CAssembler* assembler, CStatement* statement) {
-    const lsArg& size = *statement->args.Arg(1);
+    const lsArg& size = statement->args[1];
     if (size.status != 0) {  // what follows would move: the size cannot be patched
         return size.status == MSG_UNRESOLVED ? MSG_NOT_IMMEDIATE : MSG_ILLEGAL_ARGUMENT;
     }
     if (!size.IsValue()) {
         return MSG_ILLEGAL_ARGUMENT;
     }
-    if (size.value > 0) {
-        assembler->EmitZeros(static_cast<std::uint32_t>(size.value));
+    constexpr std::int32_t blockSize = 0x8000000;  // filled in less time than anybody would wait
+    for (std::int32_t left = size.value; left > 0 && !assembler->flags.Has(RF_ABORT);) {
+        const std::int32_t count = std::min(left, blockSize);
+        assembler->EmitZeros(static_cast<std::uint32_t>(count));
+        left -= count;
     }
     return 0;
 }

@@ -9,7 +9,7 @@
 
 namespace korv {
 Status AssembleOrg(CAssembler* assembler, CStatement* statement) {
-    const lsArg& arg = *statement->args.Arg(1);
+    const lsArg& arg = statement->args[1];
     if (arg.status != 0) {
         return MSG_NOT_IMMEDIATE;
     }
@@ -34,12 +34,11 @@ Status AssembleEqu(CAssembler* assembler, CStatement* statement) {
         return MSG_NO_LABEL;
     }
     statement->flags |= SF_LABEL_DEFINED;
-    const lsArg& arg = *statement->args.Arg(1);
+    const lsArg& arg = statement->args[1];
     const bool isWaiting = arg.status == MSG_UNRESOLVED;
     if (isWaiting) {
         // The patch goes first: an EQU on its own name thus waits for itself.
-        FilePatch(assembler, statement, arg.text, arg.unresolved, noPosition, PF_EQU | PF_16BIT,
-                  statement->label);
+        FilePatch(assembler, statement, arg, PatchText::operand, noPosition, PF_EQU | PF_16BIT);
     }
     assembler->identifiers.AddID({statement->label, statement->lineNumber, statement->fileName,
                                   isWaiting ? -1 : arg.value,

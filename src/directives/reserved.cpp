@@ -20,14 +20,16 @@ class FileContents {
     FileContents(const FileContents&) = delete;
     FileContents& operator=(const FileContents&) = delete;
 
-    // False: the file cannot be opened, or not be read to its end.
-    bool Read(const std::string& path) {
+    // False: the file cannot be opened, or not be read to its end. An abort is an end too.
+    bool Read(CAssembler* assembler, const std::string& path) {
         platform::InputFile file;
         if (!file.Open(path)) {
             return false;
         }
+        assembler->filesRead.insert(file.Identity());
+        constexpr std::size_t blockSize = 0x1000000;  // takes no time that anybody would wait
         std::size_t capacity = 0;
-        for (;;) {
+        while (!assembler->flags.Has(RF_ABORT)) {
             if (count == capacity) {
                 capacity = std::max(2 * capacity, static_cast<std::size_t>(file.Size()) + 4096);
                 void* const grown = platform::Reallocate(data, capacity);
@@ -36,12 +38,13 @@ class FileContents {
                 }
                 data = static_cast<std::uint8_t*>(grown);
             }
-            const std::size_t got = file.Read(data + count, capacity - count);
+            const std::size_t got = file.Read(data + count, std::min(capacity - count, blockSize));
             if (got == 0) {
                 return !file.Failed();
             }
             count += got;
         }
+        return true;
     }
 
     [[nodiscard]] std::span<const std::uint8_t> Bytes() const { return {data, count}; }
@@ -61,18 +64,20 @@ Status AnswerOnly(CAssembler*, CStatement*, Status answer) {
 // number and no depth, and the progress meter does not count it. It is read whole before anything
 // is emitted.
 Status AssembleBinclude(CAssembler* assembler, CStatement* statement) {
-    const lsArg& arg = *statement->args.Arg(1);
+    const lsArg& arg = statement->args[1];
     std::string_view name = arg.text;
     if (arg.IsQuoted() && name.size() > 1) {
         name = name.substr(1, name.size() - 2);
     }
     std::string path;
     FileContents contents;
-    if (!assembler->directory.FullPath(name, &path) || !contents.Read(path)) {
+    platform::CurrentDirectory& directory = assembler->directory;
+    if (!directory.Reaches(name) || !directory.FullPath(name, &path) ||
+        !contents.Read(assembler, path)) {
         assembler->ReportError(statement, MSG_CANNOT_OPEN, arg.text);
-        return 0;
+    } else if (!assembler->flags.Has(RF_ABORT)) {  // which may have left a part of it
+        assembler->EmitBytes(contents.Bytes());
     }
-    assembler->EmitBytes(contents.Bytes());
     return 0;
 }
 

@@ -37,6 +37,7 @@ inline constexpr std::uint32_t RF_NO_WARNINGS     = 0x0400;  ///< warnings are c
 inline constexpr std::uint32_t RF_BINARY          = 0x0800;  ///< .bin target with a load header
 inline constexpr std::uint32_t RF_MACRO_BODY      = 0x1000;  ///< a macro body is recorded; nothing sets it
 inline constexpr std::uint32_t RF_SYSTEM_IDS      = 0x2000;  ///< load the reserved words
+inline constexpr std::uint32_t RF_SETTLED         = 0x4000;  ///< the target is being written: too late to abort
 // clang-format on
 
 /// The flags word. The console's side sets a bit at any moment, so every change is one atomic
@@ -45,8 +46,11 @@ class FlagsWord {
   public:
     [[nodiscard]] std::uint32_t Load() const { return bits.load(std::memory_order_relaxed); }
     [[nodiscard]] bool Has(std::uint32_t mask) const { return (Load() & mask) != 0; }
-    void Set(std::uint32_t mask) { bits.fetch_or(mask, std::memory_order_relaxed); }
-    void Clear(std::uint32_t mask) { bits.fetch_and(~mask, std::memory_order_relaxed); }
+    /// Result of both: the bits as they were before.
+    std::uint32_t Set(std::uint32_t mask) { return bits.fetch_or(mask, std::memory_order_relaxed); }
+    std::uint32_t Clear(std::uint32_t mask) {
+        return bits.fetch_and(~mask, std::memory_order_relaxed);
+    }
 
   private:
     std::atomic<std::uint32_t> bits{0};
@@ -147,6 +151,14 @@ class CAssembler {
         ++location;
         return binary.PutByte(value);
     }
+    /// An opcode, after its prefix if that is not 0. Result: 0, as the last act of a handler.
+    Status EmitOpcode(std::uint8_t prefix, std::int32_t opcode) {
+        if (prefix != 0) {
+            EmitByte(prefix);
+        }
+        EmitByte(opcode);
+        return 0;
+    }
     std::uint32_t EmitWord(std::int32_t value) {
         location += 2;
         return binary.PutWord(value);
@@ -187,6 +199,7 @@ class CAssembler {
     /// Full path of the file being read, null outside of files; `fileNames` owns it.
     const char* currentFileName = nullptr;
     platform::CurrentDirectory directory;  ///< where relative names begin; by include files
+    platform::FileSet filesRead;           ///< which no report may be written over
     CMessageList errors;
     CMessageList warnings;
     CFileNameRegistry fileNames;
@@ -201,12 +214,18 @@ class CAssembler {
     std::int32_t startAddress = -1;           ///< of the target; -1: no ORG fixed it; by ORG
     std::uint32_t bytesRead = 0;              ///< source bytes consumed, for the progress meter
     std::uint32_t bytesTotal = 0;             ///< sizes of all files opened, for the progress meter
-    std::uint32_t binarySizeAtLineStart = 0;  ///< for the debug record; one for all nested files
+    std::uint32_t binarySizeAtLineStart = 0;  ///< for the debug record; with RF_DEBUG only
 
   private:
     void DeriveTargetName();
+    bool OpenTarget(platform::OutputFile* file);
+    bool OpenReport(platform::OutputFile* file, const std::string& name);
+    bool Commit(platform::OutputFile* file, const std::string& name);
+    void ReportUnwritten(const std::string& name);
     void AssembleSource();
+    Status ScanOtherToken(std::string_view token, std::int32_t* value, UnresolvedName* unresolved);
     Status ScanTokens(std::string_view text, std::int32_t* value, UnresolvedName* unresolved);
+    std::int32_t EnterFile(std::string_view name);
     std::int32_t OpenAndRun(const std::string& path, std::int32_t fileNumber);
 
     /// A token of the scanner whose closing quote was supplied.

@@ -4,6 +4,7 @@
 #include <limits>
 #include <string>
 
+#include "diagnostics/report_writer.h"
 #include "driver/assembler.h"
 #include "platform/platform.h"
 #include "source/char_class.h"
@@ -126,14 +127,13 @@ class Parser {
                 }
                 result.fileBufferRequest = ReadNumber(rest.data() + 1);
                 if (result.fileBufferRequest <= 0) {
-                    std::printf("%d illegal filesize! (%s)\n", result.fileBufferRequest, typed);
+                    ReportSize(result.fileBufferRequest, " illegal filesize! (%)\n", typed);
                 }
                 break;
             case Kind::lineBuffer:
                 result.lineBufferRequest = ReadNumber(rest.data());
                 if (result.lineBufferRequest <= 0) {
-                    std::printf("%d illegal linesize! (%s)\n", result.lineBufferRequest,
-                                raised.c_str());
+                    ReportSize(result.lineBufferRequest, " illegal linesize! (%)\n", raised);
                 }
                 break;
             case Kind::wait:
@@ -159,6 +159,11 @@ class Parser {
     }
 
     void Put(const Switch& row, char letter) { result.flagString[row.place] = letter; }
+
+    static void ReportSize(std::int32_t size, std::string_view format, std::string_view word) {
+        std::printf("%d", size);
+        PrintTexts(stdout, format, {word});
+    }
 
     void ReportGarbage(std::string_view rest) const {
         if (!rest.empty()) {

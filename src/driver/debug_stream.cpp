@@ -9,6 +9,7 @@
 
 #include "codegen/bin_block.h"
 #include "diagnostics/report_writer.h"
+#include "driver/assembler.h"
 #include "platform/platform.h"
 
 namespace korv {
@@ -36,6 +37,38 @@ std::uint32_t LoadCount(const char* from) {
     const auto byteAt = [from](int i) { return std::uint32_t{static_cast<std::uint8_t>(from[i])}; };
     return byteAt(0) | byteAt(1) << 8 | byteAt(2) << 16 | byteAt(3) << 24;
 }
+
+// The bytes of the image, one record after the other.
+class ListedBytes {
+  public:
+    explicit ListedBytes(const BinBlock& binary) : binary(binary) {}
+
+    // Of the next one, as it is shown.
+    [[nodiscard]] std::uint32_t Offset() const { return static_cast<std::uint32_t>(offset); }
+
+    // Those of a record that claims `bits`, a signed number, of them. It may claim more than there
+    // are: bytes of a source can pass for a record.
+    void Put(std::uint32_t bits, const FlagsWord& flags, ReportWriter* out) {
+        const std::uint64_t count = bits < 0x80000000 ? bits : 0;
+        const std::uint64_t inside =
+            std::min(count, binary.Position() - std::min<std::uint64_t>(offset, binary.Position()));
+        const std::uint64_t outside = std::min(count - inside, mostOutside);
+        mostOutside -= outside;
+        std::uint64_t next = offset;
+        offset += count;
+        for (std::uint64_t left = inside + outside; left > 0 && !flags.Has(RF_ABORT);) {
+            for (std::uint64_t piece = std::min<std::uint64_t>(left, 4096); piece > 0; --piece) {
+                out->Advance(PutByte(out->Room(2), binary.At(static_cast<std::uint32_t>(next++))));
+                --left;
+            }
+        }
+    }
+
+  private:
+    const BinBlock& binary;
+    std::uint64_t offset = 0;
+    std::uint64_t mostOutside = 65536;  // bytes after the image that are still shown
+};
 
 }  // namespace
 
@@ -85,12 +118,12 @@ void DebugStream::AddRecord(std::uint32_t byteCount, std::string_view line) {
     }
 }
 
-void DebugStream::WriteListing(const BinBlock& binary, std::FILE* listing) const {
+void DebugStream::WriteListing(const CAssembler* assembler, platform::OutputFile* listing) const {
     ReportWriter out(listing);
-    std::uint32_t offset = 0;
+    ListedBytes bytes(assembler->binary);
     const char* next = data;
     const char* const end = data + used;
-    while (next != end) {
+    while (next != end && !assembler->flags.Has(RF_ABORT)) {
         if (*next != recordStart) {
             const char* const start = Find(recordStart, next, end);
             out.Put({next, start});
@@ -98,13 +131,10 @@ void DebugStream::WriteListing(const BinBlock& binary, std::FILE* listing) const
         } else if (end - next < headSize) {
             return;
         } else {
-            const std::uint32_t bits = LoadCount(next + 1);
             char* to = out.Room(12);
             *to++ = '<';
-            out.Advance(PutText(PutHex(to, offset, 2), "> ["));
-            for (auto left = static_cast<std::int32_t>(bits); left > 0; --left) {
-                out.Advance(PutByte(out.Room(2), binary.At(offset++)));
-            }
+            out.Advance(PutText(PutHex(to, bytes.Offset(), 2), "> ["));
+            bytes.Put(LoadCount(next + 1), assembler->flags, &out);
             out.Advance(PutText(out.Room(2), "] "));
             const char* const text = next + headSize;
             next = Find(recordEnd, text, end);

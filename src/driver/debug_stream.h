@@ -8,9 +8,11 @@
 #include <initializer_list>
 #include <string_view>
 
+#include "platform/platform.h"
+
 namespace korv {
 
-class BinBlock;
+class CAssembler;
 
 /// Kept in memory, which doubles as it fills. Where there is none left, the failure hook ends the
 /// run with the current statement, and MSG_ABORTED says that it has been broken off: what finds no
@@ -28,8 +30,9 @@ class DebugStream {
     /// bytes.
     void AddRecord(std::uint32_t byteCount, std::string_view line);
 
-    /// Turns all that there is into the lines of the listing.
-    void WriteListing(const BinBlock& binary, std::FILE* listing) const;
+    /// Turns all that there is into the lines of the listing, with the bytes of the image of
+    /// `assembler`; RF_ABORT ends it early.
+    void WriteListing(const CAssembler* assembler, platform::OutputFile* listing) const;
 
   private:
     // Where `count` bytes are appended; null: there is no room.

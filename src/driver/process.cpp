@@ -17,6 +17,9 @@ namespace {
 // The run in progress, null at all other times; the only way from the hooks to a run. Atomic, since
 // a console event may come at any moment.
 std::atomic<CAssembler*> theAssembler = nullptr;
+// What happens, and has happened, outside of it: a console event has come; the target is settled.
+std::atomic<bool> hasEventCome = false;
+std::atomic<bool> isSettled = false;
 
 constexpr std::string_view title = "Brelloc Korv v2.00.025 *FAST*";
 
@@ -25,6 +28,9 @@ std::int32_t RunAssembler(const CommandLine& commandLine) {
     const auto textOf = [](const char* word) { return word == nullptr ? "" : word; };
     CAssembler assembler(stdout);
     theAssembler = &assembler;
+    if (hasEventCome) {
+        assembler.flags.Set(RF_ABORT);
+    }
     assembler.SetFileBufferSize(commandLine.fileBufferRequest);
     assembler.SetLineBufferSize(commandLine.lineBufferRequest);
     const std::int32_t result =
@@ -32,6 +38,7 @@ std::int32_t RunAssembler(const CommandLine& commandLine) {
                                      textOf(commandLine.targetArgument), commandLine.flagString);
     // Before the object goes, so that no hook reaches it any more; an event interrupts this thread
     // and runs to its end.
+    isSettled = assembler.flags.Has(RF_SETTLED);
     theAssembler = nullptr;
     return result;
 }
@@ -54,6 +61,7 @@ int RunProcess(int argumentCount, char** arguments) {
     }
     const CommandLine commandLine = ParseCommandLine(argumentCount, arguments);
     std::int32_t exitValue = 0;
+    hasEventCome = false;
     platform::SetConsoleHandler(OnConsoleEvent);
     if (commandLine.helpWanted) {
         PrintHelp();
@@ -66,6 +74,7 @@ int RunProcess(int argumentCount, char** arguments) {
         std::fputs("                          \r", stdout);  // wipes the meter or the prompt
     }
     platform::SetConsoleHandler(nullptr);
+    isSettled = false;
     platform::SetAllocationFailureHook(previousHook);
     return exitValue;
 }
@@ -95,25 +104,31 @@ void OnExit() {
 }
 
 int OnConsoleEvent(int event) {
+    std::string_view text;
     switch (event) {
         case platform::EVENT_CTRL_C:
         case platform::EVENT_CTRL_BREAK:
-            platform::WriteFromHandler("Break received! Aborting program...\n");
+            text = "Break received! Aborting program...\n";
             break;
         case platform::EVENT_CLOSE:
-            platform::WriteFromHandler("Close received! Aborting program...\n");
+            text = "Close received! Aborting program...\n";
             break;
         case platform::EVENT_LOGOFF:
-            platform::WriteFromHandler("Logoff received! Aborting program...\n");
+            text = "Logoff received! Aborting program...\n";
             break;
         case platform::EVENT_SHUTDOWN:
-            platform::WriteFromHandler("Shutdown received! Aborting program...\n");
+            text = "Shutdown received! Aborting program...\n";
             break;
         default:
             return 0;
     }
-    if (CAssembler* const assembler = theAssembler) {
-        assembler->flags.Set(RF_ABORT);
+    hasEventCome = true;
+    CAssembler* const assembler = theAssembler;
+    const bool isTooLate = assembler == nullptr
+                               ? isSettled.load()
+                               : (assembler->flags.Set(RF_ABORT) & RF_SETTLED) != 0;
+    if (!isTooLate) {  // what is done is not said to be undone
+        platform::WriteFromHandler(text);
     }
     return 1;
 }

@@ -1,31 +1,69 @@
 // What a run leaves: report files, console reports, the target.
 
+#include <algorithm>
+#include <array>
+
+#include "diagnostics/report_writer.h"
 #include "driver/assembler.h"
 #include "expr/tmp_string.h"
 #include "platform/platform.h"
+#include "source/char_class.h"
 
 namespace korv {
 namespace {
 
 constexpr char rule[] = "-------------------------------------------------------------------\n";
 
-void PutWordTo(std::FILE* file, std::uint32_t value) {
-    std::fputc(static_cast<int>(value & 0xFF), file);
-    std::fputc(static_cast<int>(value >> 8 & 0xFF), file);
+// The load header of a binary target.
+std::array<std::uint8_t, 7> LoadHeader(std::uint32_t start, std::uint32_t end, std::uint32_t exec) {
+    const auto byte = [](std::uint32_t value) { return static_cast<std::uint8_t>(value); };
+    return {0xFE,           byte(start), byte(start >> 8), byte(end),
+            byte(end >> 8), byte(exec),  byte(exec >> 8)};
 }
 
 }  // namespace
 
+// A name that differs from that of the source in case only may find the very same file.
+bool CAssembler::OpenTarget(platform::OutputFile* file) {
+    const bool mayBeSource = std::ranges::equal(sourceName, targetName, {}, Raised, Raised);
+    return directory.Reaches(targetName) &&
+           file->Open(targetName, platform::OutputFile::Kind::target,
+                      mayBeSource ? filesRead : platform::FileSet());
+}
+
+bool CAssembler::OpenReport(platform::OutputFile* file, const std::string& name) {
+    return directory.Reaches(name) &&
+           file->Open(name, platform::OutputFile::Kind::report, filesRead);
+}
+
+void CAssembler::ReportUnwritten(const std::string& name) {
+    PrintTexts(output, "[Korv] Could not write %.\n", {name});
+}
+
+// The last step of each file that is written. Result: whether it is there.
+bool CAssembler::Commit(platform::OutputFile* file, const std::string& name) {
+    const bool isWritten = file->Commit();
+    if (!isWritten) {
+        ReportUnwritten(name);
+    }
+    return isWritten;
+}
+
 void CAssembler::WriteDebugFile() {
-    std::FILE* const listing =
-        platform::OpenForWriting(targetDirectory + "Debug.Out", platform::FileMode::text);
-    if (listing == nullptr) {
+    const std::string name = targetDirectory + "Debug.Out";
+    platform::OutputFile listing;
+    if (!OpenReport(&listing, name)) {
         std::fprintf(output, "[Korv] Could not open 'debug.out'!\n");
         return;
     }
-    debugStream.WriteListing(binary, listing);
-    std::fclose(listing);
-    if (flags.Has(RF_MESSAGES)) {
+    // A run that has been aborted has its listing too; what is asked here is whether this goes on.
+    const bool wasAborted = (flags.Clear(RF_ABORT) & RF_ABORT) != 0;
+    debugStream.WriteListing(this, &listing);
+    const bool isWhole = !flags.Has(RF_ABORT);
+    flags.Set(wasAborted ? RF_ABORT : 0);
+    if (!isWhole) {
+        ReportUnwritten(name);
+    } else if (Commit(&listing, name) && flags.Has(RF_MESSAGES)) {
         std::fprintf(output, "[Korv] Debugfile written!\n");
     }
 }
@@ -35,12 +73,15 @@ bool CAssembler::ReportErrors() {
         return false;
     }
     std::fprintf(output, "[Korv] GOT %d ERRORS!\n", errors.Count());
-    errors.Print(output, -1);
+    errors.Print(ReportWriter(output), -1);
     std::fputs(rule, output);
-    if (std::FILE* const file = platform::OpenForWriting("Errors.Out", platform::FileMode::text)) {
-        errors.Print(file, -1);
-        std::fclose(file);
-        std::fprintf(output, "[Korv] Errors.Out written!\n");
+    const std::string name = "Errors.Out";
+    platform::OutputFile file;
+    if (OpenReport(&file, name)) {
+        errors.Print(ReportWriter(&file), -1);
+        if (Commit(&file, name)) {
+            std::fprintf(output, "[Korv] Errors.Out written!\n");
+        }
     }
     return true;
 }
@@ -48,21 +89,20 @@ bool CAssembler::ReportErrors() {
 void CAssembler::ReportWarnings() {
     if (warnings.Count() > 0) {
         std::fprintf(output, "[Korv] Got %d Warnings!\n", warnings.Count());
-        warnings.Print(output, -1);
+        warnings.Print(ReportWriter(output), -1);
         std::fputs(rule, output);
     }
 }
 
 void CAssembler::WriteLabelFile() {
-    std::FILE* const file =
-        platform::OpenForWriting(targetDirectory + "Labels.Out", platform::FileMode::text);
-    if (file == nullptr) {
+    const std::string name = targetDirectory + "Labels.Out";
+    platform::OutputFile file;
+    if (!OpenReport(&file, name)) {
         std::fprintf(output, "Could not create file Labels.Out.\n");
         return;
     }
-    identifiers.DumpIdentifiers(file);
-    std::fclose(file);
-    if (flags.Has(RF_MESSAGES)) {
+    identifiers.DumpIdentifiers(&file);
+    if (Commit(&file, name) && flags.Has(RF_MESSAGES)) {
         std::fprintf(output, "[Korv] Labels.Out written.\n");
     }
 }
@@ -75,30 +115,30 @@ void CAssembler::ReportCounts() {
 }
 
 void CAssembler::WriteTarget(bool gotErrors) {
-    // A break after the last look at the flag has no message; it keeps the target from being
-    // written all the same.
-    if (gotErrors || flags.Has(RF_ABORT)) {
+    platform::OutputFile file;
+    const bool isOpen = !gotErrors && !flags.Has(RF_ABORT) && OpenTarget(&file);
+    // A break up to here, though it may have no message any more, keeps the target from being
+    // written. One that comes later is passed over.
+    if (gotErrors || (flags.Set(RF_SETTLED) & RF_ABORT) != 0) {
         std::fprintf(output, "[Korv] Got errors! Binary output NOT saved to disk!\n");
         return;
     }
-    std::FILE* const file = platform::OpenForWriting(targetName, platform::FileMode::binary);
-    if (file == nullptr) {
-        std::fprintf(output, "[Korv] Could not open %s.\n", targetName.c_str());
+    if (!isOpen) {
+        PrintTexts(output, "[Korv] Could not open %.\n", {targetName});
         return;
     }
     if (flags.Has(RF_BINARY)) {
         const std::uint32_t start =
             startAddress == -1 ? binaryStart : static_cast<std::uint32_t>(startAddress);
         const CIdentifier* const exec = identifiers.FindID("EXEC", /*markUsed=*/true);
-        std::fputc(0xFE, file);
-        PutWordTo(file, start);
-        PutWordTo(file, binary.Position() + start - 1);
-        PutWordTo(file, exec == nullptr ? start : static_cast<std::uint32_t>(exec->value));
+        const auto header =
+            LoadHeader(start, binary.Position() + start - 1,
+                       exec == nullptr ? start : static_cast<std::uint32_t>(exec->value));
+        file.Write(header.data(), header.size());
     }
-    binary.WriteTo(file);
-    std::fclose(file);
-    if (flags.Has(RF_MESSAGES)) {
-        std::fprintf(output, "[Korv] Binary target secured. (%s)\n", targetName.c_str());
+    binary.WriteTo(&file);
+    if (Commit(&file, targetName) && flags.Has(RF_MESSAGES)) {
+        PrintTexts(output, "[Korv] Binary target secured. (%)\n", {targetName});
     }
 }
 
@@ -115,8 +155,8 @@ std::int32_t CAssembler::StatusDump(std::FILE* stream) {
     std::fprintf(to, "   File depth:        %3d/%d.\n", fileDepth, maxFileDepth);
     std::fprintf(to, "   Conditional depth: %3d.\n", conditionDepth);
     std::fprintf(to, "   Total Linecount:   %3d.\n", totalLines);
-    std::fprintf(to, "   Current filename:  %s\n",
-                 currentFileName == nullptr ? "(none)" : currentFileName);
+    PrintTexts(to, "   Current filename:  %\n",
+               {currentFileName == nullptr ? "(none)" : currentFileName});
     std::fputs("Temp string info\n----------------\n", to);
     CtmpStringManager::DumpStatus(to);
     std::fputs("Identifier manager\n------------------\n", to);

@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <ctime>
 
+#include "diagnostics/report_writer.h"
 #include "driver/assembler.h"
 #include "driver/command_line.h"
 #include "expr/tmp_string.h"
@@ -67,7 +68,7 @@ std::int32_t CAssembler::Run() {
         errors.Report(MSG_NO_SOURCE_NAME, noText, 0, 0);
     } else {
         DeriveTargetName();
-        if (sourceName == targetName || platform::WouldOverwriteSource(sourceName, targetName)) {
+        if (sourceName == targetName) {
             errors.Report(MSG_SOURCE_IS_TARGET, noText, 0, 0);
         } else {
             AssembleSource();
@@ -105,8 +106,7 @@ void CAssembler::DeriveTargetName() {
 // All of the run that depends on the source, up to the last message.
 void CAssembler::AssembleSource() {
     if (flags.Has(RF_MESSAGES)) {
-        std::fprintf(output, "[Korv] Transforming '%s' into '%s'.\n", sourceName.c_str(),
-                     targetName.c_str());
+        PrintTexts(output, "[Korv] Transforming '%' into '%'.\n", {sourceName, targetName});
     }
     targetDirectory = platform::SplitPath(targetName).directory;
     if (flags.Has(RF_DEBUG) && flags.Has(RF_DEBUG_SYMBOLS)) {

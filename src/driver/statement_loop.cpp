@@ -111,7 +111,6 @@ CAssembler::FileOutcome CAssembler::RunStatements(CSourceFile* file, CStatement*
     for (;;) {
         outcome.bytesOfLine = 0;
         std::uint32_t linesOfLine = 0;
-        binarySizeAtLineStart = binary.Position();
         ResetStatement(statement, outcome.lineCounter);
         const std::int32_t readResult =
             file->ReadLine(statement->text, static_cast<std::uint32_t>(lineBufferSize),
@@ -136,6 +135,7 @@ CAssembler::FileOutcome CAssembler::RunStatements(CSourceFile* file, CStatement*
         } else if ((bits & RF_DEBUG) != 0) {
             debugStream.AddRecord(binary.Position() - binarySizeAtLineStart, statement->text);
         }
+        binarySizeAtLineStart = binary.Position();
         constexpr std::int32_t progressInterval = 128;  // lines
         if ((bits & RF_PROGRESS) != 0 && statement->lineNumber % progressInterval == 0) {
             Progress();

@@ -68,6 +68,10 @@ class KO_Args {
         }
         return n <= 2 ? &inlineArgs[static_cast<std::size_t>(n - 1)] : OverflowArg(n);
     }
+    /// Operand `n`, 1 or 2, of a statement that has it.
+    [[nodiscard]] lsArg& operator[](std::int32_t n) {
+        return inlineArgs[static_cast<std::size_t>(n - 1)];
+    }
     /// The text of operand `n`; without data where there is no such operand.
     [[nodiscard]] std::string_view Text(std::int32_t n) {
         return n <= count ? Arg(n)->text : std::string_view();

@@ -72,22 +72,27 @@ Status CAssembler::ScanExpression(std::string_view text, std::int32_t* value,
     return ScanTokens(text, value, unresolved);
 }
 
-// What begins with a letter is a name, or an operator alone, unless it is hexadecimal with its
-// suffix or a suffix alone. Names and short decimal numbers, as nearly all tokens are, end here.
+// Short decimal numbers and names, as nearly all tokens are, end here. What begins with a letter is
+// a name unless it is hexadecimal with its suffix.
 Status CAssembler::ScanToken(std::string_view token, std::int32_t* value,
                              UnresolvedName* unresolved) {
     const std::size_t size = token.size();
-    if (HasClass(token.front(), CC_LETTER)) {
-        if (size <= 3 && FindWord(token).code != 0) {
-            return MSG_BAD_EXPRESSION;
-        }
-        if (size >= 2 && size <= maxWord && token.back() != 'H') [[likely]] {
-            return identifiers.ValueOf(token, value, unresolved);
-        }
-    } else if (size <= 4 && ReadShortDecimal(token, value)) {
+    if (size <= 4 && ReadShortDecimal(token, value)) {
         return 0;
     }
-    return size > maxWord ? MSG_BAD_EXPRESSION : ParseValue(token, value, unresolved);
+    if (size > 3 && size <= maxWord && HasClass(token.front(), CC_LETTER) && token.back() != 'H') {
+        return identifiers.ValueOf(token, value, unresolved);
+    }
+    return ScanOtherToken(token, value, unresolved);
+}
+
+// The same for all others, words that may be operators among them.
+[[gnu::noinline]] Status CAssembler::ScanOtherToken(std::string_view token, std::int32_t* value,
+                                                    UnresolvedName* unresolved) {
+    if (token.size() > maxWord || FindWord(token).code != 0) {
+        return MSG_BAD_EXPRESSION;
+    }
+    return ParseValue(token, value, unresolved);
 }
 
 // An expression of any form.
@@ -113,7 +118,7 @@ Status CAssembler::ScanTokens(std::string_view text, std::int32_t* value,
                 }
             } else {
                 std::int32_t number = 0;
-                if (const Status status = ParseValue(token, &number, unresolved); status != 0) {
+                if (const Status status = ScanToken(token, &number, unresolved); status != 0) {
                     return status;
                 }
                 if (!nodes.Store(NODE_VALUE, number, 0)) {

@@ -89,13 +89,11 @@ std::int32_t CtmpStringManager::DumpStatus(std::FILE* stream) {
     return 0;
 }
 
-void CtmpString::Assign(std::string_view source) {
-    if (source.data() != nullptr) {
-        text = CtmpStringManager::Alloc(source.size() + 1, &block);
-        length = source.size();
-        std::memcpy(text, source.data(), length);
-        text[length] = '\0';
-    }
+void CtmpString::Copy(std::string_view source) {
+    text = CtmpStringManager::Alloc(source.size() + 1, &block);
+    length = source.size();
+    std::memcpy(text, source.data(), length);
+    text[length] = '\0';
 }
 
 }  // namespace korv

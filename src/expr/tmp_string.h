@@ -65,8 +65,13 @@ class CtmpString {
     CtmpString& operator=(const CtmpString&) = delete;
     ~CtmpString() { Release(); }
 
-    /// Copies `source` into the pool, terminated. For a handle that holds no reference.
-    void Assign(std::string_view source);
+    /// Copies `source` into the pool, terminated; nothing without data. For a handle that holds no
+    /// reference.
+    void Assign(std::string_view source) {
+        if (source.data() != nullptr) {
+            Copy(source);
+        }
+    }
 
     /// Drops the reference; the handle is empty then.
     void Release() {
@@ -84,6 +89,8 @@ class CtmpString {
     [[nodiscard]] std::string_view View() const { return {text, length}; }
 
   private:
+    void Copy(std::string_view source);
+
     char* text = nullptr;
     std::size_t length = 0;
     CtmpStringBlock* block = nullptr;

@@ -6,6 +6,7 @@
 #include <new>
 #include <utility>
 
+#include "platform/fault_point.h"
 #include "platform/platform.h"
 
 namespace korv::platform {
@@ -13,16 +14,7 @@ namespace {
 
 // Process-wide, as the allocator itself is.
 AllocationFailureHook failureHook = nullptr;
-std::int64_t failCountdown = 0;  // for tests: 1 means that the next allocation fails
-bool failAllAfter = false;
-
-bool FailsOnPurpose() {
-    if (failCountdown == 0 || --failCountdown != 0) {
-        return false;
-    }
-    failCountdown = failAllAfter ? 1 : 0;
-    return true;
-}
+FaultPoint faults;
 
 // Calls the hook if `memory` is null; an allocation that fails inside the hook is not reported
 // again.
@@ -42,17 +34,13 @@ AllocationFailureHook SetAllocationFailureHook(AllocationFailureHook hook) {
 }
 
 void* Reallocate(void* memory, std::size_t size) {
-    return Reported(FailsOnPurpose() ? nullptr : std::realloc(memory, size == 0 ? 1 : size), size);
+    return Reported(faults.Hits() ? nullptr : std::realloc(memory, size == 0 ? 1 : size), size);
 }
 
 // Where this one is to fail on purpose, so is the next one: a failure that nobody hears of would be
 // none.
 void* TryReallocate(void* memory, std::size_t size) {
-    if (failCountdown == 1) {
-        return nullptr;
-    }
-    failCountdown -= failCountdown > 1 ? 1 : 0;
-    return std::realloc(memory, size);
+    return faults.IsNext() ? nullptr : std::realloc(memory, size);
 }
 
 void* Allocate(std::size_t size) {
@@ -61,7 +49,7 @@ void* Allocate(std::size_t size) {
 
 // Memory fresh from the system is 0 already, so this is not the same as clearing it.
 void* AllocateZeroed(std::size_t size) {
-    return Reported(FailsOnPurpose() ? nullptr : std::calloc(size, 1), size);
+    return Reported(faults.Hits() ? nullptr : std::calloc(size, 1), size);
 }
 
 void Free(void* memory) {
@@ -69,8 +57,7 @@ void Free(void* memory) {
 }
 
 void FailAllocation(std::int64_t n, bool andAllAfter) {
-    failCountdown = n;
-    failAllAfter = andAllAfter;
+    faults.Set(n, andAllAfter);
 }
 
 }  // namespace korv::platform

@@ -7,10 +7,12 @@
 /// whose name differs in case.
 #pragma once
 
+#include <compare>
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <memory>
+#include <set>
 #include <string>
 #include <string_view>
 
@@ -61,10 +63,6 @@ struct PathParts {
 /// switch: something stands before its last "/", and that is an existing directory.
 [[nodiscard]] bool IsAbsoluteFileName(const char* word);
 
-/// Whether the file that is read under the name `source` is the one that `target` names to be
-/// written, since `source` is found only when case is ignored.
-[[nodiscard]] bool WouldOverwriteSource(std::string_view source, std::string_view target);
-
 /// The current directory, which follows the file being read, and the way from a name to a file. One
 /// a run, and nobody else changes the current directory meanwhile.
 class CurrentDirectory {
@@ -84,8 +82,13 @@ class CurrentDirectory {
     /// stays. `Leave` belongs to each call, whatever its result.
     [[nodiscard]] bool EnterDirectoryOf(const std::string& path);
     /// Goes back to where the last `EnterDirectoryOf` came from, also to a directory that cannot
-    /// be read or has no name.
-    void Leave();
+    /// be read or has no name. False: that fails.
+    [[nodiscard]] bool Leave();
+    /// The path of the directory that `Leave` leads to; empty if it was never asked for, or has
+    /// none.
+    [[nodiscard]] std::string_view Path() const;
+    /// Whether `name` means what it should: a relative one does not once a `Leave` has failed.
+    [[nodiscard]] bool Reaches(std::string_view name) const;
 
   private:
     struct State;
@@ -94,6 +97,14 @@ class CurrentDirectory {
 
 // ----------------------------------------------------------------------------------------------------
 // files
+
+/// What tells a file from all others, whatever its name; the system's own numbers.
+struct FileIdentity {
+    std::uint64_t device = 0;
+    std::uint64_t number = 0;
+    auto operator<=>(const FileIdentity&) const = default;
+};
+using FileSet = std::set<FileIdentity>;
 
 /// A file read as a stream of bytes. A directory does not open.
 class InputFile {
@@ -110,11 +121,13 @@ class InputFile {
     [[nodiscard]] bool HasSize() const { return hasSize; }
     /// Size in bytes when opened, 0 without one.
     [[nodiscard]] std::uint64_t Size() const { return size; }
+    /// Of the file that was opened.
+    [[nodiscard]] const FileIdentity& Identity() const { return identity; }
     /// Reads up to `count` bytes. Result: their number, 0 at the end of the file, which is where it
-    /// was when the file was opened, on a read error, and when a console event comes while there
-    /// is nothing to read.
+    /// was when the file was opened, on a read error, which ends the file, and when a console event
+    /// comes while there is nothing to read.
     std::size_t Read(void* buffer, std::size_t count);
-    /// Whether a read has failed; the end of the file is no failure.
+    /// Whether a read has failed; the end of the file is no failure, nor is a console event.
     [[nodiscard]] bool Failed() const { return failed; }
 
   private:
@@ -123,19 +136,72 @@ class InputFile {
     bool failed = false;
     std::uint64_t size = 0;
     std::uint64_t taken = 0;  // bytes read
+    FileIdentity identity;
 };
 
-enum class FileMode { text, binary };
+/// A file that is written. Its bytes go to a new file in the same directory, and `Commit` gives
+/// that one its name, in one step: until then, and where anything fails, nothing appears and what
+/// stood there before is whole. What was there keeps its permissions. A device, a pipe, and a file
+/// that a new one cannot take the place of (the directory does not let it, or its owner cannot be
+/// kept) are written where they are, from the first `Write` on. However the process ends, short of
+/// being killed outright, no unfinished file is left.
+class OutputFile {
+  public:
+    enum class Kind {
+        target,  ///< the bytes as they are; goes where a symbolic link of that name points
+        report,  ///< text, with the line ends of the system; replaces such a link
+    };
 
-/// Opens `name` for writing, empties it. Null: it cannot be opened. The caller closes it.
-[[nodiscard]] std::FILE* OpenForWriting(std::string_view name, FileMode mode);
+    OutputFile() = default;
+    ~OutputFile();  ///< Gives up what has not been committed.
+    OutputFile(const OutputFile&) = delete;
+    OutputFile& operator=(const OutputFile&) = delete;
+
+    /// Opens `name`, taken exactly as spelled, unless it leads to one of the files of `kept`.
+    /// Called once. False: it cannot be opened; so does a file that may not be written, also where
+    /// it could be replaced. Nothing else may be called then.
+    [[nodiscard]] bool Open(std::string_view name, Kind kind, const FileSet& kept);
+    /// Appends. What fails is kept for `Commit`; later calls do nothing then.
+    void Write(const void* bytes, std::size_t count);
+    /// Ends the file. True: all its bytes are there under its name.
+    [[nodiscard]] bool Commit();
+
+  private:
+    bool CreateTemporary(bool isForOwner);
+    void Forget();
+    void GiveUp();
+    void Empty();
+    static void RemoveAll();
+
+    int handle = -1;
+    bool isEmptied = true;       // false: it is written in place, and the old bytes are in the way
+    bool hasFailed = false;      // some byte is not there
+    bool isTemporary = false;    // the name is yet to be given
+    std::string path;            // where the file is to be
+    std::string temporary;       // where it is until then
+    OutputFile* next = nullptr;  // in the list of those that would be left if the process ended
+};
+
+/// For tests: what happens at the n-th request from here on that looks for, opens, reads, writes,
+/// closes or renames a file, or changes the directory.
+enum class RequestFault {
+    failsOnce,
+    failsForGood,  ///< this one and all later ones
+    isBroken,      ///< a console event comes just before it
+};
+
+/// 0 ends it. Result: whether the request asked for last has come.
+bool FaultFileRequest(std::int64_t n, RequestFault fault);
 
 // ----------------------------------------------------------------------------------------------------
 // console
 
-/// Makes sure that the standard streams are there: a file opened in the place of a missing one
-/// would get what is printed.
+/// Makes sure that the standard streams are there, since a file opened in the place of a missing
+/// one would get what is printed, and that no write ends the process.
 void OpenStandardStreams();
+
+/// Whether `stream` goes to a terminal: a person sees what is written, and control characters act.
+[[nodiscard]] bool IsTerminal(std::FILE* stream);
 
 /// Sets the title of the console's window, if standard output is a console.
 void SetConsoleTitle(const char* title);

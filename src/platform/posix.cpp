@@ -13,6 +13,7 @@
 #include <cerrno>
 #include <csignal>
 
+#include "platform/fault_point.h"
 #include "platform/platform.h"
 
 namespace korv::platform {
@@ -32,8 +33,14 @@ constexpr std::array<Signal, 4> signals = {{
 // Process-wide, as signal dispositions are.
 std::atomic<ConsoleHandler> consoleHandler = nullptr;
 std::array<struct sigaction, signals.size()> previousActions;
+std::atomic<bool> hasEventCome = false;
+sigset_t previousMask;
+
+FaultPoint faults;
+RequestFault fault = RequestFault::failsOnce;
 
 void OnSignal(int number) {
+    hasEventCome = true;
     const int savedError = errno;
     for (const Signal& signal : signals) {
         if (signal.number == number) {
@@ -45,16 +52,59 @@ void OnSignal(int number) {
 
 }  // namespace
 
+bool FaultFileRequest(std::int64_t n, RequestFault newFault) {
+    fault = newFault;
+    return faults.Set(n, fault == RequestFault::failsForGood);
+}
+
+bool FailsOnPurpose() {
+    const bool isHit = faults.Hits();
+    if (isHit && fault == RequestFault::isBroken) {
+        std::raise(SIGINT);
+        return false;
+    }
+    return isHit;
+}
+
+bool HasEventCome() {
+    return hasEventCome;
+}
+
+bool Close(int handle) {
+    // Broken off by a signal it is closed too, and what was written is with the system.
+    const bool isClosed = close(handle) == 0 || errno == EINTR;
+    return !FailsOnPurpose() && isClosed;
+}
+
+void HoldSignals() {
+    sigset_t held;
+    sigfillset(&held);
+    for (const int stop : {SIGTSTP, SIGTTIN, SIGTTOU}) {
+        sigdelset(&held, stop);
+    }
+    for (std::size_t i = 0; consoleHandler != nullptr && i < signals.size(); ++i) {
+        sigdelset(&held, signals[i].number);
+    }
+    sigprocmask(SIG_BLOCK, &held, &previousMask);
+}
+
+void ReleaseSignals() {
+    sigprocmask(SIG_SETMASK, &previousMask, nullptr);
+}
+
 bool InputFile::Open(std::string_view name) {
-    handle = open(Translated(name).c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY);
+    const std::string path = Translated(name);
+    handle = Requested([&] { return open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY); });
     struct stat status;
-    if (handle >= 0 && (fstat(handle, &status) != 0 || S_ISDIR(status.st_mode))) {
+    if (handle >= 0 &&
+        (Requested([&] { return fstat(handle, &status); }) != 0 || S_ISDIR(status.st_mode))) {
         close(handle);
         handle = -1;
     }
-    if (handle >= 0 && S_ISREG(status.st_mode)) {
-        hasSize = true;
-        size = static_cast<std::uint64_t>(status.st_size);
+    if (handle >= 0) {
+        identity = IdentityOf(status);
+        hasSize = S_ISREG(status.st_mode);
+        size = hasSize ? static_cast<std::uint64_t>(status.st_size) : 0;
     }
     return IsOpen();
 }
@@ -71,23 +121,18 @@ std::size_t InputFile::Read(void* buffer, std::size_t count) {
     if (size != 0) {
         // Nobody has to ask for the end of a file whose size is known.
         wanted = std::min(wanted, size - taken);
-        if (wanted == 0) {
-            return 0;
-        }
     }
-    // An event that comes while the process waits here for data, as of a pipe, ends the file: the
-    // run has to end.
-    const ssize_t got = read(handle, buffer, static_cast<std::size_t>(wanted));
+    if (wanted == 0 || failed) {
+        return 0;
+    }
+    const ssize_t got =
+        Requested([&] { return read(handle, buffer, static_cast<std::size_t>(wanted)); });
     if (got < 0) {
-        failed = true;
+        failed = errno != EINTR;
         return 0;
     }
     taken += static_cast<std::uint64_t>(got);
     return static_cast<std::size_t>(got);
-}
-
-std::FILE* OpenForWriting(std::string_view name, FileMode mode) {
-    return std::fopen(Translated(name).c_str(), mode == FileMode::text ? "w" : "wb");
 }
 
 void OpenStandardStreams() {
@@ -97,10 +142,18 @@ void OpenStandardStreams() {
             [[maybe_unused]] const int opened = open("/dev/null", O_RDWR);
         }
     }
+    // A write that fails is to say so, and not to end the process.
+    for (const int number : {SIGXFSZ, SIGPIPE}) {
+        std::signal(number, SIG_IGN);
+    }
+}
+
+bool IsTerminal(std::FILE* stream) {
+    return isatty(fileno(stream)) != 0;
 }
 
 void SetConsoleTitle(const char* title) {
-    if (isatty(STDOUT_FILENO) != 0) {
+    if (IsTerminal(stdout)) {
         std::printf("\033]0;%s\a", title);
     }
 }
@@ -114,6 +167,7 @@ void SetConsoleHandler(ConsoleHandler handler) {
         return;
     }
     const bool isFirst = consoleHandler == nullptr;
+    hasEventCome = false;
     consoleHandler = handler;
     struct sigaction action = {};
     action.sa_handler = OnSignal;

@@ -37,7 +37,7 @@ constexpr int directoryHandle = O_RDONLY;
 
 bool Exists(const std::string& path) {
     struct stat status;
-    return lstat(path.c_str(), &status) == 0;
+    return Requested([&] { return lstat(path.c_str(), &status); }) == 0;
 }
 
 std::string Joined(std::string_view directory, std::string_view name) {
@@ -45,12 +45,6 @@ std::string Joined(std::string_view directory, std::string_view name) {
     path += '/';
     path += name;
     return path;
-}
-
-// The directory and the name of a full path; the name of "/" is empty.
-std::pair<std::string, std::string> Divided(const std::string& path) {
-    const std::size_t separator = path.find_last_of('/');
-    return {path.substr(0, std::max<std::size_t>(separator, 1)), path.substr(separator + 1)};
 }
 
 std::string Raised(std::string_view name) {
@@ -68,7 +62,7 @@ class Listing {
     // order of those that match when case is ignored; empty for none.
     std::string Find(const std::string& directory, const std::string& name) {
         struct stat status;
-        if (stat(directory.c_str(), &status) != 0) {
+        if (Requested([&] { return stat(directory.c_str(), &status); }) != 0) {
             return {};
         }
         if (!IsUpToDate(status)) {
@@ -98,11 +92,14 @@ class Listing {
         const auto now = system_clock::now().time_since_epoch();
         before = status;
         names.clear();
-        DIR* const stream = opendir(directory.c_str());
+        DIR* const stream = Requested([&] { return opendir(directory.c_str()); });
         isReadable = stream != nullptr;
         if (isReadable) {
-            const dirent* entry = nullptr;
-            while (errno = 0, (entry = readdir(stream)) != nullptr) {
+            const auto next = [stream] {
+                errno = 0;  // by which an error differs from the end
+                return readdir(stream);
+            };
+            while (const dirent* const entry = Requested(next)) {
                 names.emplace(Raised(entry->d_name), entry->d_name);
             }
             isReadable = errno == 0;
@@ -130,6 +127,11 @@ std::string Translated(std::string_view name) {
     return result;
 }
 
+std::pair<std::string, std::string> Divided(const std::string& path) {
+    const std::size_t separator = path.find_last_of('/');
+    return {path.substr(0, std::max<std::size_t>(separator, 1)), path.substr(separator + 1)};
+}
+
 PathParts SplitPath(std::string_view path) {
     const std::size_t separator = path.find_last_of(separators);
     const std::size_t name = separator == std::string_view::npos ? 0 : separator + 1;
@@ -145,15 +147,6 @@ bool IsAbsoluteFileName(const char* word) {
     return last > 0 && stat(path.substr(0, last).c_str(), &status) == 0 && S_ISDIR(status.st_mode);
 }
 
-bool WouldOverwriteSource(std::string_view source, std::string_view target) {
-    CurrentDirectory directory;
-    std::string sourcePath;
-    std::string targetPath;
-    return !Exists(Translated(source)) && directory.FullPath(source, &sourcePath) &&
-           Exists(Translated(target)) && directory.FullPath(target, &targetPath) &&
-           sourcePath == targetPath;
-}
-
 struct CurrentDirectory::State {
     // A directory on the way from the first file to the one being read.
     struct Level {
@@ -166,7 +159,8 @@ struct CurrentDirectory::State {
     bool HasPath() {
         std::string& path = levels.back().path;
         std::array<char, PATH_MAX> text;
-        if (path.empty() && getcwd(text.data(), text.size()) != nullptr) {
+        const auto ask = [&text] { return getcwd(text.data(), text.size()); };
+        if (path.empty() && Requested(ask) != nullptr) {
             path = text.data();
         }
         return !path.empty();
@@ -192,6 +186,7 @@ struct CurrentDirectory::State {
     std::vector<Level> levels{Level()};       // the first is where the run began
     std::map<std::string, Listing> listings;  // of directories that were asked, by path
     bool isFound = false;                     // the last full path is that of a file
+    bool isLost = false;                      // the current directory is not that of the last level
 };
 
 CurrentDirectory::CurrentDirectory() : state(std::make_unique<State>()) {}
@@ -246,10 +241,14 @@ bool CurrentDirectory::EnterDirectoryOf(const std::string& path) {
     if (!isSame) {
         State::Level& here = state->levels.back();
         if (here.handle < 0) {
-            here.handle = open(".", directoryHandle | O_DIRECTORY | O_CLOEXEC);
+            here.handle =
+                Requested([] { return open(".", directoryHandle | O_DIRECTORY | O_CLOEXEC); });
         }
-        next.isElsewhere = chdir(directory.c_str()) == 0 ||
-                           (state->SpellAsOnDisk(&directory) && chdir(directory.c_str()) == 0);
+        const auto enter = [&directory] {
+            return Requested([&] { return chdir(directory.c_str()); }) == 0;
+        };
+        const bool hasWayBack = here.handle >= 0 || state->HasPath();
+        next.isElsewhere = hasWayBack && (enter() || (state->SpellAsOnDisk(&directory) && enter()));
     }
     if (!next.isElsewhere) {
         next.path = state->levels.back().path;
@@ -258,18 +257,29 @@ bool CurrentDirectory::EnterDirectoryOf(const std::string& path) {
     return isSame || state->levels.back().isElsewhere;
 }
 
-void CurrentDirectory::Leave() {
+bool CurrentDirectory::Leave() {
     const State::Level left = std::move(state->levels.back());
     state->levels.pop_back();
     if (left.handle >= 0) {
         close(left.handle);
     }
-    if (left.isElsewhere) {
-        const State::Level& here = state->levels.back();
-        // Where that fails there is nowhere else to go.
-        [[maybe_unused]] const int result =
-            here.handle >= 0 ? fchdir(here.handle) : chdir(here.path.c_str());
+    if (!left.isElsewhere) {
+        return true;
     }
+    const State::Level& here = state->levels.back();
+    const bool isBack =
+        Requested(
+            [&] { return here.handle >= 0 ? fchdir(here.handle) : chdir(here.path.c_str()); }) == 0;
+    state->isLost = state->isLost || !isBack;
+    return isBack;
+}
+
+std::string_view CurrentDirectory::Path() const {
+    return state->levels.back().path;
+}
+
+bool CurrentDirectory::Reaches(std::string_view name) const {
+    return !state->isLost || name.starts_with('/') || name.starts_with('\\');
 }
 
 }  // namespace korv::platform

@@ -36,24 +36,31 @@ void TraceFile(CAssembler* assembler, std::string_view event, std::string_view n
 std::int32_t CAssembler::AssembleIncludeFile(std::string_view name) {
     ++fileDepth;
     maxFileDepth = std::max(maxFileDepth, fileDepth);
-    std::int32_t status = MSG_CANNOT_OPEN;
+    const std::int32_t status = directory.Reaches(name) ? EnterFile(name) : MSG_CANNOT_OPEN;
+    --fileDepth;
+    return status;
+}
+
+// Result: as `AssembleIncludeFile`.
+std::int32_t CAssembler::EnterFile(std::string_view name) {
     std::string path;
     if (!directory.FullPath(name, &path)) {
         errors.Report(MSG_CANNOT_GET_DIRECTORY, noText, 0, 0);
-    } else {
-        if (!directory.EnterDirectoryOf(path)) {
-            errors.Report(MSG_CANNOT_CHANGE_DIRECTORY, path, 0, 0);
-        }
-        std::int32_t fileNumber = 0;
-        if (std::unique_ptr<char[]> copy = CopyOf(path); copy != nullptr) {
-            fileNumber = fileNames.AddName(std::move(copy));
-        }
-        const char* const includer = std::exchange(currentFileName, fileNames.NameOf(fileNumber));
-        status = OpenAndRun(path, fileNumber);
-        currentFileName = includer;
-        directory.Leave();
+        return MSG_CANNOT_OPEN;
     }
-    --fileDepth;
+    if (!directory.EnterDirectoryOf(path)) {
+        errors.Report(MSG_CANNOT_CHANGE_DIRECTORY, path, 0, 0);
+    }
+    std::int32_t fileNumber = 0;
+    if (std::unique_ptr<char[]> copy = CopyOf(path); copy != nullptr) {
+        fileNumber = fileNames.AddName(std::move(copy));
+    }
+    const char* const includer = std::exchange(currentFileName, fileNames.NameOf(fileNumber));
+    const std::int32_t status = OpenAndRun(path, fileNumber);
+    currentFileName = includer;
+    if (!directory.Leave()) {
+        errors.Report(MSG_CANNOT_CHANGE_DIRECTORY, directory.Path(), 0, 0);
+    }
     return status;
 }
 
@@ -63,14 +70,18 @@ std::int32_t CAssembler::OpenAndRun(const std::string& path, std::int32_t fileNu
     if (file.IsOpen() == 0) {
         return file.OpenStatus();
     }
+    filesRead.insert(file.Stream().Identity());
     bytesTotal += file.FileSize();
-    const std::unique_ptr<char[]> line(
-        new (std::nothrow) char[static_cast<std::size_t>(lineBufferSize) + 1]);
+    const std::unique_ptr<char[]> line(new (std::nothrow) char[std::max(
+        static_cast<std::size_t>(lineBufferSize) + 1, CSourceFile::leastRoom)]);
     if (line == nullptr) {
         return MSG_OUT_OF_MEMORY;
     }
     CStatement statement(this, line.get(), fileNumber);
     const FileOutcome outcome = RunStatements(&file, &statement);
+    if (file.Stream().Failed()) {
+        errors.Report(MSG_CANNOT_OPEN, path, fileNumber, outcome.lineCounter);
+    }
     bytesRead += outcome.bytesOfLine;
     if (flags.Has(RF_PROGRESS)) {
         Progress();
@@ -82,7 +93,7 @@ std::int32_t CAssembler::OpenAndRun(const std::string& path, std::int32_t fileNu
 Status AssembleInclude(CAssembler* assembler, CStatement* statement) {
     // The text as written: what it would be as an expression does not matter, and quotes are part
     // of the name.
-    const std::string_view name = statement->args.Arg(1)->text;
+    const std::string_view name = statement->args[1].text;
     TraceFile(assembler, "INCLUDING", name);
     if (assembler->fileDepth == maxFileDepthAllowed) {
         assembler->ReportError(statement, MSG_FILES_TOO_DEEP, noText);

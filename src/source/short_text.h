@@ -47,28 +47,17 @@ inline void CopyText(char* to, std::string_view text) {
     }
 }
 
-[[nodiscard]] inline bool EqualTexts(std::string_view a, std::string_view b) {
-    const std::size_t count = a.size();
-    if (count != b.size()) {
-        return false;
-    }
-    const auto equalEnds = [&]<typename Word>(Word first) {
-        const std::size_t last = count - sizeof(Word);
-        return first == LoadWord<Word>(b.data()) &&
-               LoadWord<Word>(a.data() + last) == LoadWord<Word>(b.data() + last);
+/// Whether `text`, of more than 8 characters, stands at `other`.
+[[nodiscard]] inline bool EqualTexts(const char* other, std::string_view text) {
+    const auto differAt = [&](std::size_t i) {
+        return LoadWord<std::uint64_t>(other + i) != LoadWord<std::uint64_t>(text.data() + i);
     };
-    if (count >= 8) {
-        for (std::size_t i = 8; i + 8 < count; i += 8) {
-            if (LoadWord<std::uint64_t>(a.data() + i) != LoadWord<std::uint64_t>(b.data() + i)) {
-                return false;
-            }
+    for (std::size_t i = 0; i + 8 < text.size(); i += 8) {
+        if (differAt(i)) {
+            return false;
         }
-        return equalEnds(LoadWord<std::uint64_t>(a.data()));
     }
-    if (count >= 4) {
-        return equalEnds(LoadWord<std::uint32_t>(a.data()));
-    }
-    return count == 0 || (a[0] == b[0] && a[count / 2] == b[count / 2] && a.back() == b.back());
+    return !differAt(text.size() - 8);
 }
 
 }  // namespace korv

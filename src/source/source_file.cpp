@@ -31,6 +31,7 @@ enum class Run { plain, string, comment };
 // with.
 constexpr std::size_t chunkSize = 16;
 using Chunk __attribute__((vector_size(chunkSize))) = std::uint8_t;
+using SignedChunk __attribute__((vector_size(chunkSize))) = std::int8_t;
 // How a call passes them differs between targets; these calls all stay in this file.
 #pragma GCC diagnostic ignored "-Wpsabi"
 
@@ -38,9 +39,19 @@ Chunk All(char c) {
     return Chunk{} + static_cast<std::uint8_t>(c);
 }
 
+// The bytes from `first` to `last`. Moved to the lowest of the signed numbers, which are what
+// machines compare.
+template <char first, char last>
+auto Between(Chunk bytes) {
+    constexpr int lowest = -128;
+    return reinterpret_cast<SignedChunk>(bytes + All(static_cast<char>(lowest - first))) <
+           SignedChunk{} + static_cast<std::int8_t>(lowest + last - first + 1);
+}
+
+// The bytes that need attention, and with them a few control characters that hardly ever occur.
 template <Run run>
 auto AttentionIn(Chunk bytes) {
-    auto attention = (bytes == All('\n')) | (bytes == All('\r')) | (bytes == All(endOfText));
+    auto attention = Between<'\n', endOfText>(bytes);
     if constexpr (run != Run::comment) {
         attention |= bytes == All('"');
     }
@@ -77,8 +88,7 @@ std::size_t CopyChunk(const std::uint8_t* from, char* to) {
     std::memcpy(&bytes, from, chunkSize);
     const std::size_t length = FirstIn(AttentionIn<run>(bytes));
     if constexpr (run == Run::plain) {
-        const auto isLower = reinterpret_cast<Chunk>(bytes - All('a') <= All('z' - 'a'));
-        bytes -= isLower & All('a' - 'A');
+        bytes -= reinterpret_cast<Chunk>(Between<'a', 'z'>(bytes)) & All('a' - 'A');
     }
     if constexpr (run != Run::comment) {
         std::memcpy(to, &bytes, chunkSize);
@@ -115,10 +125,6 @@ char* WithoutBlanks(char* start, char* end) {
     return end;
 }
 
-bool EndsInBlankOrBackslash(const std::uint8_t* end) {
-    return end[-1] == '\\' || HasClass(static_cast<char>(end[-1]), CC_BLANK);
-}
-
 }  // namespace
 
 CSourceFile::CSourceFile(std::string_view name, std::uint32_t maxBufferSize) {
@@ -147,49 +153,46 @@ Status CSourceFile::OpenStatus() const {
 }
 
 bool CSourceFile::Fill() {
+    const std::size_t count = stream.Read(buffer, bufferSize);
     readPosition = buffer;
-    endOfData = buffer + stream.Read(buffer, bufferSize);
-    return readPosition != endOfData;
+    endOfData = buffer + count;
+    endOfChunks = buffer + (count > chunkSize ? count - chunkSize : 0);
+    return count != 0;
 }
 
 Status CSourceFile::ReadLine(char* line, std::uint32_t maxLength, std::uint32_t* bytesOut,
                              std::uint32_t* linesOut) {
-    const std::size_t length = ReadPlainLine(line, maxLength);
-    if (length == 0) [[unlikely]] {
-        return ReadAnyLine(line, maxLength, bytesOut, linesOut);
+    if (ReadPlainLine(line, maxLength, bytesOut)) [[likely]] {
+        *linesOut = 1;
+        return 0;
     }
-    *bytesOut = static_cast<std::uint32_t>(length);
-    *linesOut = 1;
-    return 0;
+    std::uint32_t bytes = *bytesOut;
+    std::uint32_t lines = *linesOut;
+    const Status result = ReadAnyLine(line, maxLength, &bytes, &lines);
+    *bytesOut = bytes;
+    *linesOut = lines;
+    return result;
 }
 
 // Reads the next line if it is the usual case: in one piece in the buffer and without a
-// continuation. A chunk is read and written whole, so the end of the buffer and of the longest line
-// are not its business either. Result: the bytes of the line in the file; 0: it is another case,
-// and nothing has been read.
-inline std::size_t CSourceFile::ReadPlainLine(char* line, std::uint32_t maxLength) {
+// continuation. False: it is another case, and nothing has been read.
+inline bool CSourceFile::ReadPlainLine(char* line, std::uint32_t maxLength,
+                                       std::uint32_t* bytesOut) {
     const std::uint8_t* next = readPosition;
-    if (static_cast<std::size_t>(endOfData - next) < chunkSize) [[unlikely]] {
-        return 0;
-    }
-    if (maxLength < chunkSize) [[unlikely]] {
-        return 0;
+    if (next >= endOfChunks) [[unlikely]] {
+        return false;
     }
     const std::size_t count = CopyChunk<Run::plain>(next, line);
     next += count;
     char* out = line + count;
     bool hasComment = false;
-    if (count == chunkSize || *next != '\n') {
-        const auto available =
-            std::min(static_cast<std::size_t>(endOfData - readPosition), std::size_t{maxLength});
-        if (!CopyToLineFeed(&next, &out, readPosition + available - chunkSize, &hasComment)) {
-            return 0;
-        }
+    if (*next != '\n' && !CopyToLineFeed(&next, &out, maxLength, &hasComment)) {
+        return false;
     }
-    if (out == line || out[-1] <= ' ' || out[-1] == '\\') {
+    if (out == line || HasClass(out[-1], CC_BLANK | CC_BACKSLASH)) [[unlikely]] {
         char* const last = WithoutBlanks(line, out);
         if (last != line && last[-1] == '\\' && !hasComment) {
-            return 0;
+            return false;
         }
         if (last != line || hasComment) {  // a line of only blanks keeps them
             out = last;
@@ -197,14 +200,25 @@ inline std::size_t CSourceFile::ReadPlainLine(char* line, std::uint32_t maxLengt
     }
     *out = '\0';
     const auto length = static_cast<std::size_t>(next + 1 - readPosition);
+    if (length > maxLength) [[unlikely]] {
+        return false;
+    }
     readPosition = next + 1;
-    return length;
+    *bytesOut = static_cast<std::uint32_t>(length);
+    return true;
 }
 
 // Goes on with a line whose first chunk does not end it: strings, a comment, the carriage return of
-// its end. False: there is something else, or the line goes beyond `lastChunk`.
-bool CSourceFile::CopyToLineFeed(const std::uint8_t** next, char** out,
-                                 const std::uint8_t* lastChunk, bool* hasComment) {
+// its end. A chunk is read and written whole, so the end of the buffer and of the longest line are
+// not its business. False: it comes near them, or there is something else.
+bool CSourceFile::CopyToLineFeed(const std::uint8_t** next, char** out, std::uint32_t maxLength,
+                                 bool* hasComment) {
+    if (maxLength < chunkSize) {
+        return false;
+    }
+    const auto room = std::min(static_cast<std::size_t>(endOfChunks - readPosition),
+                               std::size_t{maxLength} - chunkSize);
+    const std::uint8_t* const lastChunk = readPosition + room;
     if (!CopyRun<Run::plain>(next, out, lastChunk)) {
         return false;
     }
@@ -221,7 +235,8 @@ bool CSourceFile::CopyToLineFeed(const std::uint8_t** next, char** out,
     }
     if (**next == ';') {
         *hasComment = true;
-        if (!CopyRun<Run::comment>(next, out, lastChunk) || EndsInBlankOrBackslash(*next)) {
+        if (!CopyRun<Run::comment>(next, out, lastChunk) ||
+            HasClass(static_cast<char>((*next)[-1]), CC_BLANK | CC_BACKSLASH)) {
             return false;
         }
     }

@@ -20,8 +20,11 @@ class CSourceFile {
     CSourceFile(const CSourceFile&) = delete;
     CSourceFile& operator=(const CSourceFile&) = delete;
 
-    /// Fills `line`, which has room for `maxLength` + 1 characters, with the next
-    /// logical line as terminated text: letters outside double quotes in upper case; comment,
+    /// The least that a line needs room for, however short the longest may be.
+    static constexpr std::size_t leastRoom = 32;
+
+    /// Fills `line`, which has room for `maxLength` + 1 characters and for `leastRoom`, with the
+    /// next logical line as terminated text: letters outside double quotes in upper case; comment,
     /// carriage returns and trailing blanks gone; physical lines that end in a backslash joined. A
     /// line of only blanks keeps them. Result: 0, -1 at the end of the file, 41 when the line takes
     /// more than `maxLength` bytes of the file. `bytesOut` receives the bytes taken from the file
@@ -33,13 +36,15 @@ class CSourceFile {
     [[nodiscard]] std::uint32_t FileSize() const { return fileSize; }
     /// 1 when both the file and its buffer are there, else 0.
     [[nodiscard]] std::int32_t IsOpen() const { return OpenStatus() == 0 ? 1 : 0; }
+    /// The file itself: which one it is, and whether a read has failed.
+    [[nodiscard]] const platform::InputFile& Stream() const { return stream; }
     /// 10: the file cannot be opened; 52: no memory for its buffer; else 0.
     [[nodiscard]] Status OpenStatus() const;
 
   private:
-    std::size_t ReadPlainLine(char* line, std::uint32_t maxLength);
-    static bool CopyToLineFeed(const std::uint8_t** next, char** out, const std::uint8_t* lastChunk,
-                               bool* hasComment);
+    bool ReadPlainLine(char* line, std::uint32_t maxLength, std::uint32_t* bytesOut);
+    bool CopyToLineFeed(const std::uint8_t** next, char** out, std::uint32_t maxLength,
+                        bool* hasComment);
     Status ReadAnyLine(char* line, std::uint32_t maxLength, std::uint32_t* bytesOut,
                        std::uint32_t* linesOut);
     // Reads the next block. False at the end of the file.
@@ -50,6 +55,8 @@ class CSourceFile {
     std::uint32_t bufferSize = 0;    // bytes; 0 if there is no buffer
     const std::uint8_t* readPosition = nullptr;
     const std::uint8_t* endOfData = nullptr;
+    // A chunk that starts before this is there whole, and a further byte.
+    const std::uint8_t* endOfChunks = nullptr;
     std::uint32_t fileSize = 0;
 };
 

@@ -30,7 +30,7 @@ Status CIdentifierManager::Backpatch(CPatchInfo* const root) {
 }
 
 // Works the chain `released`, which the EQU patch `root` has set free, and all that comes of it.
-Status CIdentifierManager::WorkReleased(CPatchInfo* root, CPatchInfo* released) {
+[[gnu::noinline]] Status CIdentifierManager::WorkReleased(CPatchInfo* root, CPatchInfo* released) {
     CPatchInfo* patch = root;
     Status result = 0;
     do {
@@ -51,29 +51,37 @@ Status CIdentifierManager::WorkReleased(CPatchInfo* root, CPatchInfo* released) 
 // Evaluates one patch and writes its value, or gives it to an EQU: what waited for that comes back
 // in `released`.
 Status CIdentifierManager::WorkPatch(CPatchInfo* patch, CPatchInfo** released) {
-    if (log != nullptr) {
+    if (log != nullptr) [[unlikely]] {
         log->AddText({"Backpatching: [", patch->identifier->Name(), "]\n"});
     }
     std::int32_t value = patch->identifier->value;
     if ((patch->flags & PF_NAME) == 0) {
-        UnresolvedName unresolved;
-        const Status status = assembler->ScanExpression(patch->Expression(), &value, &unresolved);
-        if (status == MSG_UNRESOLVED) {
-            MovePatch(*patch, unresolved);
-            return 0;
-        }
+        std::int32_t evaluated = 0;
+        const Status status = EvaluatePatch(*patch, &evaluated);
         if (status != 0) {
-            if (log != nullptr) {
-                log->AddText({"Could not resolve expression! [", patch->Expression(), "] ",
-                              fileNames->NameOf(patch->origin.file), ", line ",
-                              std::to_string(patch->origin.line), ".\n"});
-            }
-            return MSG_BAD_EXPRESSION;
+            return status == MSG_UNRESOLVED ? 0 : MSG_BAD_EXPRESSION;
         }
+        value = evaluated;
     }
     patch->identifier->flags |= IDF_USED;
     return (patch->flags & PF_EQU) == 0 ? WritePatch(*patch, value)
                                         : ResolveEqu(*patch, value, released);
+}
+
+// The value of the text of `patch`. Result: that of the scan; with MSG_UNRESOLVED a copy waits for
+// the next name.
+[[gnu::noinline]] Status CIdentifierManager::EvaluatePatch(const CPatchInfo& patch,
+                                                           std::int32_t* value) {
+    UnresolvedName unresolved;
+    const Status status = assembler->ScanExpression(patch.Expression(), value, &unresolved);
+    if (status == MSG_UNRESOLVED) {
+        MovePatch(patch, unresolved);
+    } else if (status != 0 && log != nullptr) {
+        log->AddText({"Could not resolve expression! [", patch.Expression(), "] ",
+                      fileNames->NameOf(patch.origin.file), ", line ",
+                      std::to_string(patch.origin.line), ".\n"});
+    }
+    return status;
 }
 
 // The patch has been worked, with `result`. Goes on with the next one of its chain; where there is
@@ -118,8 +126,8 @@ void CIdentifierManager::MovePatch(const CPatchInfo& patch, const UnresolvedName
 }
 
 // Gives the EQU of `patch` its value.
-Status CIdentifierManager::ResolveEqu(const CPatchInfo& patch, std::int32_t value,
-                                      CPatchInfo** released) {
+[[gnu::noinline]] Status CIdentifierManager::ResolveEqu(const CPatchInfo& patch, std::int32_t value,
+                                                        CPatchInfo** released) {
     const std::string_view name = patch.nameString.View();
     CIdentifier* const equ = index.Find(name);
     if (equ == nullptr) {

@@ -129,12 +129,9 @@ DebugStream* CIdentifierManager::SetLog(DebugStream* newLog) {
 }
 
 // Makes a record for a name that is not in the table; everything but its name is at the defaults.
-CIdentifier* CIdentifierManager::Enter(const HashedName& name) {
-    return AddRecord(name, namePool.Store(name.text));
-}
-
-// The same, with a text of the name that stays.
-CIdentifier* CIdentifierManager::AddRecord(const HashedName& name, const char* text) {
+// `text` is the name, and stays.
+[[gnu::always_inline]] inline CIdentifier* CIdentifierManager::AddRecord(const HashedName& name,
+                                                                         const char* text) {
     if (static_cast<std::uint32_t>(totalCount) % chunkSize == 0) {
         chunks.emplace_back(new CIdentifier[chunkSize]);
     }
@@ -143,6 +140,11 @@ CIdentifier* CIdentifierManager::AddRecord(const HashedName& name, const char* t
     record->nameLength = static_cast<std::uint32_t>(name.text.size());
     index.Insert(record, name.hash);
     return record;
+}
+
+// The same, with a copy of the name.
+[[gnu::noinline]] CIdentifier* CIdentifierManager::Enter(const HashedName& name) {
+    return AddRecord(name, namePool.Store(name.text));
 }
 
 void CIdentifierManager::EnterNew(std::span<const HashedName> names, std::uint32_t flags) {
@@ -198,12 +200,18 @@ void CIdentifierManager::ApplyPatches(CIdentifier* identifier) {
     --waitingCount;
     while (patch != nullptr) {
         CPatchInfo* const next = patch->next;
-        if (const Status result = Backpatch(patch); result != 0) {
-            errors->Report(result, identifier->Name(), patch->origin.file, patch->origin.line);
+        const PatchOrigin origin = patch->origin;
+        if (const Status result = ApplyPatch(patch); result != 0) {
+            errors->Report(result, identifier->Name(), origin.file, origin.line);
         }
-        CPatchInfoMemBlock::FreePatchInfo(patch);
         patch = next;
     }
+}
+
+Status CIdentifierManager::ApplyPatch(CPatchInfo* patch) {
+    const Status result = Backpatch(patch);
+    CPatchInfoMemBlock::FreePatchInfo(patch);
+    return result;
 }
 
 CIdentifier* CIdentifierManager::FindID(const HashedName& name, bool markUsed) {
@@ -217,43 +225,43 @@ CIdentifier* CIdentifierManager::FindID(const HashedName& name, bool markUsed) {
     return record;
 }
 
-Status CIdentifierManager::ValueOf(std::string_view name, std::int32_t* value,
-                                   UnresolvedName* unresolved) {
-    const HashedName hashed(name);
-    CIdentifier* const record = index.Find(hashed);
-    if (record == nullptr || (record->flags & IDF_RESOLVED) == 0) {
-        *unresolved = {name, hashed.hash, record, totalCount};
+// Goes on with a lookup of `unresolved` that has found nothing near its place.
+[[gnu::noinline]] Status CIdentifierManager::ValueFromOverflow(std::int32_t* value,
+                                                               UnresolvedName* unresolved) {
+    unresolved->record = index.FindInOverflow({unresolved->name, unresolved->hash});
+    if (unresolved->record == nullptr || (unresolved->record->flags & IDF_RESOLVED) == 0) {
         return MSG_UNRESOLVED;
     }
-    record->flags |= IDF_USED;
-    *value = record->value;
+    unresolved->record->flags |= IDF_USED;
+    *value = unresolved->record->value;
     return 0;
 }
 
-Status CIdentifierManager::AddPatch(const UnresolvedName& name, CPatchInfo* patch) {
+// The record of a name that its lookup has missed; made unless another operand has entered it.
+CIdentifier* CIdentifierManager::RecordOf(const UnresolvedName& name) {
     const HashedName hashed(name.name, name.hash);
-    CIdentifier* record = name.record;
-    if (record == nullptr && name.knownNames != totalCount) {
-        record = index.Find(hashed);  // another operand may have entered it
-    }
-    if (record == nullptr) {
-        record = Enter(hashed);
-    }
+    CIdentifier* const record = name.knownNames != totalCount ? index.Find(hashed) : nullptr;
+    return record != nullptr ? record : Enter(hashed);
+}
+
+Status CIdentifierManager::AddPatch(const UnresolvedName& name, CPatchInfo* patch) {
+    CIdentifier* const record = name.record != nullptr ? name.record : RecordOf(name);
     patch->identifier = record;
-    if (log != nullptr) {
-        log->AddText({"Adding patch for: [", record->Name(), "] -> [", patch->Expression(), "]\n"});
+    if (log != nullptr) [[unlikely]] {
+        TraceNewPatch(*patch);
     }
-    if ((record->flags & IDF_RESOLVED) != 0) {
-        const Status result = Backpatch(patch);
-        CPatchInfoMemBlock::FreePatchInfo(patch);
-        return result;
+    if ((record->flags & IDF_RESOLVED) != 0) [[unlikely]] {
+        return ApplyPatch(patch);
     }
-    if (record->patches == nullptr) {
-        ++waitingCount;
-    }
+    waitingCount += record->patches == nullptr ? 1 : 0;
     patch->next = record->patches;
     record->patches = patch;
     return 0;
+}
+
+void CIdentifierManager::TraceNewPatch(const CPatchInfo& patch) const {
+    log->AddText(
+        {"Adding patch for: [", patch.identifier->Name(), "] -> [", patch.Expression(), "]\n"});
 }
 
 // Links all records into the chains of their buckets, sorted by name.
@@ -294,7 +302,7 @@ void CIdentifierManager::ReleasePatches() {
     }
 }
 
-std::int32_t CIdentifierManager::DumpIdentifiers(std::FILE* file) {
+std::int32_t CIdentifierManager::DumpIdentifiers(platform::OutputFile* file) {
     LinkChains();
     ReportWriter out(file);
     out.Put("Identifier\t\tValue\tFlags\tFile(Line)\n");

@@ -25,6 +25,9 @@ class CFileNameRegistry;
 class CMessageList;
 class CPatchInfo;
 class DebugStream;
+namespace platform {
+class OutputFile;
+}
 
 /// What `AddID` is given: a name and its definition. The name has to stay valid during the call
 /// only.
@@ -68,7 +71,18 @@ class CIdentifierManager {
     /// The value of `name`, marked as read. Result: 0 with `value`, or MSG_UNRESOLVED with
     /// `unresolved`.
     [[nodiscard]] Status ValueOf(std::string_view name, std::int32_t* value,
-                                 UnresolvedName* unresolved);
+                                 UnresolvedName* unresolved) {
+        const HashedName hashed(name);
+        CIdentifier* const record = index.FindNear(hashed);
+        if (record == nullptr || (record->flags & IDF_RESOLVED) == 0) {
+            *unresolved = {name, hashed.hash, record, totalCount};
+            const bool isMissed = record == nullptr && index.HasOverflow();
+            return isMissed ? ValueFromOverflow(value, unresolved) : MSG_UNRESOLVED;
+        }
+        record->flags |= IDF_USED;
+        *value = record->value;
+        return 0;
+    }
 
     /// Takes over `patch`, which waits for `name`, and hangs it on the record of that name, made if
     /// there is none. Result: 0, or that of `Backpatch` should the name have a value.
@@ -88,7 +102,7 @@ class CIdentifierManager {
     void ReleasePatches();
 
     /// Prints the body of the identifier list, in the order of the buckets. Result: 0.
-    std::int32_t DumpIdentifiers(std::FILE* file);
+    std::int32_t DumpIdentifiers(platform::OutputFile* file);
     /// Prints the lines of the status dump. Result: 0, or -1 for a null stream.
     std::int32_t DumpStatus(std::FILE* stream) const;
 
@@ -104,10 +118,15 @@ class CIdentifierManager {
     }
     CIdentifier* Enter(const HashedName& name);
     CIdentifier* AddRecord(const HashedName& name, const char* text);
+    Status ValueFromOverflow(std::int32_t* value, UnresolvedName* unresolved);
+    CIdentifier* RecordOf(const UnresolvedName& name);
+    void TraceNewPatch(const CPatchInfo& patch) const;
     void LinkChains();
     void ApplyPatches(CIdentifier* identifier);
+    Status ApplyPatch(CPatchInfo* patch);
     Status WorkReleased(CPatchInfo* root, CPatchInfo* released);
     Status WorkPatch(CPatchInfo* patch, CPatchInfo** released);
+    Status EvaluatePatch(const CPatchInfo& patch, std::int32_t* value);
     CPatchInfo* LeavePatch(CPatchInfo* patch, const CPatchInfo* root, Status* result);
     void MovePatch(const CPatchInfo& patch, const UnresolvedName& unresolved);
     Status ResolveEqu(const CPatchInfo& patch, std::int32_t value, CPatchInfo** released);

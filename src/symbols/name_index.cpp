@@ -8,35 +8,27 @@
 namespace korv {
 
 CNameIndex::~CNameIndex() {
-    if (entries != &freeEntry) {
+    if (entries != firstEntries.data()) {
         platform::Free(entries);
     }
 }
 
-void CNameIndex::Insert(CIdentifier* record, std::uint64_t hash) {
-    if (++count > (mask + 1) / 2) {
-        Grow();
-    }
-    Place({record, hash});
-}
-
-void CNameIndex::Grow() {
-    const bool isFirst = entries == &freeEntry;
-    const std::uint32_t places = isFirst ? 256 : (mask + 1) * 2;
+[[gnu::noinline]] void CNameIndex::Grow() {
+    const std::uint32_t places = (mask + 1) * 4;
     void* const grown =
         platform::AllocateZeroed((std::size_t{places} + longestProbe) * sizeof(Entry));
     if (grown == nullptr) {
         std::exit(-1);
     }
     Entry* const old = std::exchange(entries, static_cast<Entry*>(grown));
-    Entry* const oldEnd = isFirst ? old : old + mask + 1 + longestProbe;
+    const Entry* const oldEnd = old + mask + 1 + longestProbe;
     mask = places - 1;
     for (const Entry* entry = old; entry != oldEnd; ++entry) {
         if (entry->record != nullptr) {
             Place(*entry);
         }
     }
-    if (!isFirst) {
+    if (old != firstEntries.data()) {
         platform::Free(old);
     }
     std::erase_if(overflow, [this](const auto& entry) {
@@ -44,25 +36,8 @@ void CNameIndex::Grow() {
     });
 }
 
-void CNameIndex::Place(const Entry& entry) {
-    if (!PlaceNear(entry)) {
-        overflow.emplace(HashedName(entry.record->Name(), entry.hash), entry.record);
-    }
-}
-
-// False: there is no room near its place.
-bool CNameIndex::PlaceNear(const Entry& entry) {
-    Entry* at = PlaceOf(entry.hash);
-    for (int i = 0; i < longestProbe; ++i, ++at) {
-        if (at->record == nullptr) {
-            *at = entry;
-            return true;
-        }
-        if (at->hash == entry.hash) {
-            return false;
-        }
-    }
-    return false;
+[[gnu::noinline]] void CNameIndex::AddToOverflow(const Entry& entry) {
+    overflow.emplace(HashedName(entry.record->Name(), entry.hash), entry.record);
 }
 
 CIdentifier* CNameIndex::FindInOverflow(const HashedName& name) const {

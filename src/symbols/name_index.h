@@ -2,6 +2,7 @@
 /// expression, so this is a hash table with the whole hash beside each record.
 #pragma once
 
+#include <array>
 #include <compare>
 #include <cstddef>
 #include <cstdint>
@@ -73,46 +74,80 @@ class CNameIndex {
 
     /// The record of `name`, or null.
     [[nodiscard]] CIdentifier* Find(const HashedName& name) const {
+        CIdentifier* const record = FindNear(name);
+        return record == nullptr && HasOverflow() ? FindInOverflow(name) : record;
+    }
+
+    /// The same in two steps, for who looks up a name a line: the first finds nearly all, and calls
+    /// nothing.
+    [[nodiscard]] CIdentifier* FindNear(const HashedName& name) const {
         const Entry* entry = PlaceOf(name.hash);
         for (int i = 0; i < longestProbe; ++i, ++entry) {
             if (entry->record == nullptr) {
                 return nullptr;
             }
-            if (entry->hash == name.hash) {
-                if (EqualTexts(entry->record->Name(), name.text)) {
-                    return entry->record;
-                }
-                break;
+            if (entry->hash == name.hash && IsName(*entry->record, name.text)) {
+                return entry->record;
             }
         }
-        return FindInOverflow(name);
+        return nullptr;
     }
+    [[nodiscard]] bool HasOverflow() const { return !overflow.empty(); }
+    [[nodiscard]] CIdentifier* FindInOverflow(const HashedName& name) const;
 
     /// Enters `record`, not owned, whose name has the given hash and is not there yet.
-    void Insert(CIdentifier* record, std::uint64_t hash);
+    void Insert(CIdentifier* record, std::uint64_t hash) {
+        if (++count > (mask + 1) / 2) [[unlikely]] {
+            Grow();
+        }
+        Place({record, hash});
+    }
 
   private:
     static constexpr int longestProbe = 16;
 
     // Without a record it is free.
     struct Entry {
-        CIdentifier* record;
-        std::uint64_t hash;
+        CIdentifier* record = nullptr;
+        std::uint64_t hash = 0;
     };
     [[nodiscard]] Entry* PlaceOf(std::uint64_t hash) const {
         return &entries[static_cast<std::uint32_t>(hash) & mask];
     }
-    [[nodiscard]] CIdentifier* FindInOverflow(const HashedName& name) const;
+    // Whether `record`, which has the hash of `text`, is it. The hash of up to 8 characters comes
+    // from no other text of that length: every step of it can be undone.
+    [[nodiscard]] static bool IsName(const CIdentifier& record, std::string_view text) {
+        return record.nameLength == text.size() &&
+               (text.size() <= 8 || EqualTexts(record.name, text));
+    }
     void Grow();
-    void Place(const Entry& entry);
-    bool PlaceNear(const Entry& entry);
+    void Place(const Entry& entry) {
+        if (!PlaceNear(entry)) [[unlikely]] {
+            AddToOverflow(entry);
+        }
+    }
+    // False: there is no room near its place.
+    bool PlaceNear(const Entry& entry) {
+        Entry* at = PlaceOf(entry.hash);
+        for (int i = 0; i < longestProbe; ++i, ++at) {
+            if (at->record == nullptr) {
+                *at = entry;
+                return true;
+            }
+        }
+        return false;
+    }
+    void AddToOverflow(const Entry& entry);
 
-    // An empty index has this one entry. Any other has its own, `longestProbe` more than places.
-    Entry freeEntry{};
-    Entry* entries = &freeEntry;  // owned if it is another
-    std::uint32_t mask = 0;       // the number of places, a power of 2, less 1
-    std::uint32_t count = 0;      // records
-    // Names that found no room: all entries near their place are taken, or one has the same hash.
+    static constexpr std::uint32_t firstPlaces = 256;
+
+    // There are `longestProbe` more of them than places. The first ones are part of the index: a
+    // run without many names allocates none.
+    std::array<Entry, firstPlaces + longestProbe> firstEntries{};
+    Entry* entries = firstEntries.data();  // owned if they are others
+    std::uint32_t mask = firstPlaces - 1;  // the number of places, a power of 2, less 1
+    std::uint32_t count = 0;               // records
+    // Names that found no room: all entries near their place are taken.
     std::map<HashedName, CIdentifier*> overflow;
 };
 

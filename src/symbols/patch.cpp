@@ -16,32 +16,6 @@ std::string_view CPatchInfo::Expression() const {
     return expressionString.c_str() == nullptr ? identifier->Name() : expressionString.View();
 }
 
-CPatchInfo* CPatchInfoMemBlock::AllocPatchInfo(std::uint32_t position, std::uint32_t flags,
-                                               PatchOrigin origin) {
-    if (blocksWithRoom == nullptr) {
-        MakeBlock();
-    }
-    CPatchInfoMemBlock* const block = blocksWithRoom;
-    const std::uint32_t slot = block->ring[block->head];
-    block->head = (block->head + 1) % slotCount;
-    if (!block->HasRoom()) {
-        blocksWithRoom = block->nextWithRoom;
-    }
-    return new (&block->records[slot]) CPatchInfo(block, slot, position, flags, origin);
-}
-
-void CPatchInfoMemBlock::FreePatchInfo(CPatchInfo* patch) {
-    CPatchInfoMemBlock* const block = patch->owner;
-    const std::uint32_t slot = patch->slot;
-    patch->~CPatchInfo();
-    if (!block->HasRoom()) {
-        block->nextWithRoom = blocksWithRoom;
-        blocksWithRoom = block;
-    }
-    block->tail = (block->tail + 1) % slotCount;
-    block->ring[block->tail] = slot;
-}
-
 void CPatchInfoMemBlock::MakeBlock() {
     static bool isReleaseRegistered = false;
     if (!isReleaseRegistered) {

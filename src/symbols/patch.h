@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <new>
 #include <string_view>
 
 #include "expr/tmp_string.h"
@@ -37,7 +38,7 @@ class CPatchInfo {
   public:
     /// A patch without texts.
     CPatchInfo(CPatchInfoMemBlock* owner, std::uint32_t slot, std::uint32_t position,
-               std::uint32_t flags, PatchOrigin origin)
+               std::uint32_t flags, const PatchOrigin& origin)
         : owner(owner), slot(slot), position(position), flags(flags), origin(origin) {}
     CPatchInfo(const CPatchInfo&) = delete;
     CPatchInfo& operator=(const CPatchInfo&) = delete;
@@ -66,10 +67,31 @@ class CPatchInfoMemBlock {
 
     /// Makes a patch. Ends the process when there is no memory for a further block.
     static CPatchInfo* AllocPatchInfo(std::uint32_t position, std::uint32_t flags,
-                                      PatchOrigin origin);
+                                      const PatchOrigin& origin) {
+        if (blocksWithRoom == nullptr) [[unlikely]] {
+            MakeBlock();
+        }
+        CPatchInfoMemBlock* const block = blocksWithRoom;
+        const std::uint32_t slot = block->ring[block->head];
+        block->head = (block->head + 1) % slotCount;
+        if (!block->HasRoom()) [[unlikely]] {
+            blocksWithRoom = block->nextWithRoom;
+        }
+        return new (&block->records[slot]) CPatchInfo(block, slot, position, flags, origin);
+    }
 
     /// Releases the strings of `patch` and gives its slot back.
-    static void FreePatchInfo(CPatchInfo* patch);
+    static void FreePatchInfo(CPatchInfo* patch) {
+        CPatchInfoMemBlock* const block = patch->owner;
+        const std::uint32_t slot = patch->slot;
+        patch->~CPatchInfo();
+        if (!block->HasRoom()) [[unlikely]] {
+            block->nextWithRoom = blocksWithRoom;
+            blocksWithRoom = block;
+        }
+        block->tail = (block->tail + 1) % slotCount;
+        block->ring[block->tail] = slot;
+    }
 
     /// Blocks that exist. For tests.
     static std::int32_t BlockCount();

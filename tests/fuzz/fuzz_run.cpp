@@ -1,5 +1,5 @@
-// Whole runs from any bytes: a line of switches, the main source, and behind the first byte FE the source B.KOR. The
-// sanitizers see what is wrong inside a run, the checks below what it leaves.
+// Whole runs from any bytes: a line of switches, the main source, and after each of the first bytes FE another file.
+// The sanitizers see what is wrong inside a run, the checks below what it leaves.
 
 #include <unistd.h>
 
@@ -31,7 +31,7 @@ Files FilesAfterRun(std::vector<std::string> words, const Files& sources) {
     fs::remove_all(directory);
     fs::create_directory(directory);
     fs::current_path(directory);
-    fs::create_symlink(".", "Sub");  // names with a directory lead to the same two sources
+    fs::create_symlink(".", "Sub");  // names with a directory lead to the same sources
     for (const auto& [name, contents] : sources) {
         std::ofstream(name, std::ios::binary) << contents;
     }
@@ -62,10 +62,10 @@ std::uint32_t __real__ZN4korv8BinBlock8PutZerosEj(void*, std::uint32_t);
 std::uint32_t __wrap__ZN4korv8BinBlock8PutZerosEj(void* binary, std::uint32_t count) {
     return __real__ZN4korv8BinBlock8PutZerosEj(binary, std::min(count, 5000U));
 }
-void __real__ZN4korv8platform16CurrentDirectory5LeaveEv(void*);
-void __wrap__ZN4korv8platform16CurrentDirectory5LeaveEv(void* directory) {
-    __real__ZN4korv8platform16CurrentDirectory5LeaveEv(directory);
+bool __real__ZN4korv8platform16CurrentDirectory5LeaveEv(void*);
+bool __wrap__ZN4korv8platform16CurrentDirectory5LeaveEv(void* directory) {
     korv::OnConsoleEvent(++filesRead == 200 ? korv::platform::EVENT_CTRL_C : -1);
+    return __real__ZN4korv8platform16CurrentDirectory5LeaveEv(directory);
 }
 
 // A line buffer of any size may be asked for; a big one is refused, as by a full memory.
@@ -74,15 +74,14 @@ const char* __asan_default_options() {
 }
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    std::string text(data, data + size);
-    // In a source this byte can ask for gigabytes of listing, which knows its records by it.
-    std::replace(text.begin(), text.end(), '\xAE', ' ');
-    std::istringstream input(text);
+    std::istringstream input(std::string(data, data + size));
     std::string line;
     Files sources;
     std::getline(input, line);
-    std::getline(input, sources["Main.Kor"], '\xFE');
-    sources["B.KOR"].assign(std::istreambuf_iterator<char>(input), {});
+    for (const char* name : {"Main.Kor", "B.KOR", "C.KOR"}) {
+        std::getline(input, sources[name], '\xFE');
+    }
+    sources["DAT"].assign(std::istreambuf_iterator<char>(input), {});
 
     // Any text may be a switch; other words, and the help, are a target that may be written.
     std::vector<std::string> words = {"korv", "Main.Kor"};
@@ -99,10 +98,12 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
         Require(FilesAfterRun(words, sources) == files, "second run differs");
     }
     // One target or, with errors, none; and the sources are as they were.
-    const std::size_t count = files.contains("Errors.Out") ? 2 : 3;
+    const std::size_t count = sources.size() + (files.contains("Errors.Out") ? 0 : 1);
     std::erase_if(files, [](const auto& file) { return file.first.ends_with(".Out"); });
     Require(files.size() == count, "a target too much or none");
-    Require(files["Main.Kor"] == sources["Main.Kor"] && files["B.KOR"] == sources["B.KOR"], "source changed");
+    for (const auto& source : sources) {
+        Require(files[source.first] == source.second, "source changed");
+    }
     return 0;
 }
 }

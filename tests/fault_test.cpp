@@ -1,0 +1,212 @@
+// What a run leaves when the system fails it: each request that it makes fails in turn.
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <map>
+
+#include "diagnostics/report_writer.h"
+#include "driver/process.h"
+#include "platform/platform.h"
+#include "run.h"
+
+namespace korv_test {
+namespace {
+namespace fs = std::filesystem;
+using korv::platform::RequestFault;
+using Files = std::map<std::string, std::string>;
+
+// The part of `console` that lists the errors.
+std::string ErrorsIn(const std::string& console) {
+    const std::size_t start = std::min(console.find("[Korv] GOT"), console.size());
+    return console.substr(start, console.find("---", start) - start);
+}
+
+Files FilesHere() {
+    Files files;
+    for (const fs::directory_entry& entry : fs::recursive_directory_iterator(".")) {
+        if (entry.is_regular_file() && entry.path() != "./console") {
+            files[entry.path().string().substr(2)] = *ReadFile(entry.path());
+        }
+    }
+    return files;
+}
+
+// The files that a run writes, and what it says of each that is there.
+const std::pair<const char*, const char*> written[] = {
+    {"out/OUT.COM", "[Korv] Binary target secured. (out/OUT.COM)\n"},
+    {"out/Debug.Out", "[Korv] Debugfile written!\n"},
+    {"out/Labels.Out", "[Korv] Labels.Out written.\n"},
+    {"Errors.Out", "[Korv] Errors.Out written!\n"},
+};
+
+TEST(FaultTest, AnyRequestMayFailOnceOrForGoodOrBeBrokenOff) {
+    std::string consoles;
+    // One source without and one with an error, and files there already or not.
+    for (const char* line : {"", " FROB\n"}) {
+        for (const bool isFirst : {false, true}) {
+            const TempDir directory;
+            Files sources = {{"sub/b.kor", " DB 1\n BINCLUDE \"dat\"\n DB 2\n"}, {"sub/dat", "data"}};
+            sources["main.kor"] = std::string(" INCLUDE SUB\\B.KOR\nAT: DW AT\n") + line;
+            for (const auto& [name, contents] : sources) {
+                WriteFile(name, contents);
+            }
+            const auto run = [&](int n, RequestFault fault) {
+                for (const auto& [name, message] : written) {
+                    WriteFile(name, "old");
+                    if (isFirst) {
+                        fs::remove(name);
+                    }
+                }
+                korv::platform::FaultFileRequest(n, fault);
+                RunKorv({"Main.Kor", "out/OUT.COM", "/d", "/l", "/m", "/f:4"});
+                fs::current_path(directory.Path());  // there may have been no way back
+                return *ReadFile("console");
+            };
+            const Files before = (run(0, {}), FilesHere());
+            const std::string right = run(0, {});
+            for (const RequestFault fault :
+                 {RequestFault::failsOnce, RequestFault::failsForGood, RequestFault::isBroken}) {
+                for (int n = 1;; ++n) {
+                    const std::string console = run(n, fault);
+                    if (!korv::platform::FaultFileRequest(0, {})) {
+                        ASSERT_GT(n, 40);
+                        break;
+                    }
+                    SCOPED_TRACE(std::to_string(n) + console);
+                    Files files = FilesHere();
+                    for (const auto& [name, message] : written) {
+                        const bool isSaid = Contains(console, message);
+                        const auto file = files.find(name);
+                        if (!isSaid) {
+                            ASSERT_EQ(isFirst ? files.end() : file, file) << name;
+                            ASSERT_EQ(isFirst ? "" : "old", isFirst ? "" : file->second) << name;
+                        } else if (ErrorsIn(console) == ErrorsIn(right)) {
+                            ASSERT_EQ(before.at(name), file->second) << name;
+                        } else {
+                            ASSERT_TRUE(file != files.end() && file->second != "old") << name;
+                        }
+                        files.erase(name);
+                    }
+                    ASSERT_EQ(sources, files);
+                    if (fault == RequestFault::isBroken && !Contains(console, "Aborting")) {
+                        ASSERT_EQ(right, console);  // too late, and so it is not said
+                    }
+                    ASSERT_FALSE(Contains(console, "Aborting") && Contains(console, "secured"));
+                    ASSERT_TRUE(Contains(console, "secured") || Contains(console, "NOT saved") ||
+                                Contains(console, "[Korv] Could not open out/OUT.COM.\n") ||
+                                Contains(console, "[Korv] Could not write out/OUT.COM.\n"));
+                    consoles += ReplaceAll(console, directory.Path(), "$DIR");
+                }
+            }
+        }
+    }
+    for (const char* message : {
+             "[Korv] Could not write out/OUT.COM.\n",
+             "[Korv] Could not write out/Debug.Out.\n",
+             "[Korv] Could not write out/Labels.Out.\n",
+             "[Korv] Could not write Errors.Out.\n",
+             "[Korv] Could not open out/OUT.COM.\n",
+             "$DIR/main.kor(2) : error X10 : Could not open file. [$DIR/main.kor]\n",
+             "$DIR/sub/b.kor(2) : error X10 : Could not open file. [\"dat\"]\n",
+             "(0) : error X31 : Could not change directory. [$DIR]\n",
+             "(0) : error X32 : Could not get directory.\n",
+         }) {
+        EXPECT_TRUE(Contains(consoles, message)) << message;
+    }
+}
+
+// The superuser may do everything, so these runs are somebody else's.
+class AsNobody {
+  public:
+    AsNobody() { EXPECT_EQ(0, isRoot ? setresuid(nobody, nobody, 0) : 0); }
+    ~AsNobody() { EXPECT_EQ(0, isRoot ? setresuid(0, 0, 0) : 0); }
+
+  private:
+    static constexpr uid_t nobody = 65534;
+    const bool isRoot = getuid() == 0;
+};
+
+TEST(OutputTest, KeepsWhatIsNotItsOwn) {
+    // What a shell does before the run, the arguments after the source, a part of the console, and
+    // what a shell finds true afterwards.
+    using Row = std::tuple<std::string, Strings, const char*, std::string>;
+    const char* const secured = "[Korv] Binary target secured. (";
+    const char* const noReports = "[Korv] Could not open 'debug.out'!\nCould not create file Labels.Out.\n";
+    // clang-format off
+    const Row rows[] = {
+        {"chmod 640 old", {"old"}, secured, "test `stat -c %a old` = 640 && ! grep old old"},
+        {"chmod 444 old", {"old"}, "[Korv] Could not open old.\n", "grep old old"},
+        {"chmod 555 .", {"old", "/d", "/l"}, noReports, "! grep old old; test -s old"},
+        {"chmod 555 .", {"new"}, "[Korv] Could not open new.\n", "test ! -e new"},
+        {"ln -s old a; ln -s a b", {"b"}, secured, "test -h b -a -h a -a ! -h old && ! grep old old"},
+        {"mkdir sub; ln -s sub/new a", {"a"}, secured, "test -h a -a -s sub/new"},
+        {"ln -s a b; ln -s b a", {"a"}, "[Korv] Could not open a.\n", "test -h a"},
+        {"ln -s /dev/null a", {"a"}, secured, "test -h a -a -c /dev/null"},
+        {"echo ' DS 9999' >Main.Kor", {"old"}, "[Korv] Could not write old.\n", "grep old old && test ! -e korv*"},
+        {"mkdir Debug.Out", {"a", "/d"}, "[Korv] Could not open 'debug.out'!\n", "test -s a"},
+        {"mkfifo Labels.Out; cat Labels.Out >b&", {"a", "/l"}, secured, "sleep 0.1; grep user b && test -p Labels.Out"},
+        {"ln -s old Debug.Out", {"a", "/d"}, secured, "test ! -h Debug.Out && grep RET Debug.Out && grep old old"},
+        {"ln Main.Kor Debug.Out; ln Main.Kor Labels.Out", {"a", "/d", "/l"}, noReports, "grep RET Main.Kor"},
+        {"cp old Errors.Out; echo ' BINCLUDE ERRORS.OUT\n FROB' >Main.Kor", {"a"}, "[FROB]", "grep old Errors.Out"},
+        {"touch korv$PPID.tmp", {"a"}, secured, "test -s a -a ! -s korv*.tmp"},
+    };
+    // clang-format on
+    rlimit most;
+    ASSERT_EQ(0, getrlimit(RLIMIT_FSIZE, &most));
+    const rlimit pages = {8192, most.rlim_max};
+    for (const auto& [arrangement, words, part, truth] : rows) {
+        const AsNobody nobody;
+        const TempDir directory;
+        WriteFile("Main.Kor", " RET\n");
+        WriteFile("old", "old");
+        WriteFile("console", "");
+        SCOPED_TRACE(arrangement);
+        ASSERT_EQ(0, std::system(arrangement.c_str()));
+        Strings arguments = {"Main.Kor", "/m"};
+        arguments.insert(arguments.end(), words.begin(), words.end());
+        setrlimit(RLIMIT_FSIZE, &pages);
+        const std::string console = RunKorv(arguments);
+        setrlimit(RLIMIT_FSIZE, &most);
+        EXPECT_TRUE(Contains(console, part)) << console;
+        EXPECT_EQ(0, std::system(("(" + truth + ") >console").c_str()));
+        EXPECT_EQ(0, std::system("chmod 755 ."));
+    }
+}
+
+TEST(TerminalTest, GetsNoControlCharacters) {
+    const int master = posix_openpt(O_RDWR | O_NOCTTY);
+    const bool isReady = master >= 0 && grantpt(master) == 0 && unlockpt(master) == 0;
+    std::FILE* const terminal = isReady ? std::fopen(ptsname(master), "r+") : nullptr;
+    if (terminal == nullptr) {
+        GTEST_SKIP() << "No terminal can be had";
+    }
+    const std::pair<std::string, std::string> rows[] = {
+        {"a\tb\x7F~", "a\\x09b\\x7F~"},
+        {"\n[Korv] \x1B[2J", "\\x0A[Korv] \\x1B[2J"},
+        {"gr\xC3\xB6\xC3\x9F"
+         "e \xE2\x82\xAC \xF0\x9F\x98\x80",
+         "größe € 😀"},
+        {"\xC2\x9F\xC2\xA0\xC2", "\\xC2\\x9F\u00A0\\xC2"},
+        {"\x80\xC1\xBF\xE0\x9F\xBF\xED\xA0\x80", "\\x80\\xC1\\xBF\\xE0\\x9F\\xBF\\xED\\xA0\\x80"},
+        {"\xF4\x8F\xBF\xBF\xF4\x90\x80\x80\xFF", "\xF4\x8F\xBF\xBF\\xF4\\x90\\x80\\x80\\xFF"},
+        {"\xE2\x82x\xF0\x9F\x98", "\\xE2\\x82x\\xF0\\x9F\\x98"},
+    };
+    for (const auto& [text, shown] : rows) {
+        korv::PrintTexts(terminal, "<%>", {text});
+        std::fflush(terminal);
+        std::string got(256, '\0');
+        got.resize(static_cast<std::size_t>(std::max<ssize_t>(0, read(master, got.data(), got.size()))));
+        EXPECT_EQ("<" + shown + ">", got);
+    }
+    std::fclose(terminal);
+    close(master);
+}
+
+}  // namespace
+}  // namespace korv_test

@@ -133,11 +133,10 @@ DebugStream* CIdentifierManager::SetLog(DebugStream* newLog) {
 [[gnu::always_inline]] inline CIdentifier* CIdentifierManager::AddRecord(const HashedName& name,
                                                                          const char* text) {
     if (static_cast<std::uint32_t>(totalCount) % chunkSize == 0) {
-        chunks.emplace_back(new CIdentifier[chunkSize]);
+        chunks.push_back(std::make_unique_for_overwrite<Chunk>());
     }
-    CIdentifier* const record = RecordAt(totalCount++);
-    record->name = text;
-    record->nameLength = static_cast<std::uint32_t>(name.text.size());
+    auto* const record = new (RecordAt(totalCount++))
+        CIdentifier{.name = text, .nameLength = static_cast<std::uint32_t>(name.text.size())};
     index.Insert(record, name.hash);
     return record;
 }

@@ -4,6 +4,7 @@
 /// filled in.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <memory>
@@ -110,11 +111,17 @@ class CIdentifierManager {
     [[nodiscard]] std::int32_t TotalCount() const { return totalCount; }
 
   private:
-    static constexpr std::uint32_t chunkSize = 64;
+    // Room for records. The first has some for a small program, beside the names that every run
+    // has.
+    static constexpr std::uint32_t chunkSize = 128;
+    struct Chunk {
+        [[nodiscard]] CIdentifier* Records() { return reinterpret_cast<CIdentifier*>(memory); }
+        alignas(CIdentifier) std::byte memory[chunkSize * sizeof(CIdentifier)];
+    };
 
     [[nodiscard]] CIdentifier* RecordAt(std::int32_t number) const {
         const auto n = static_cast<std::uint32_t>(number);
-        return &chunks[n / chunkSize][n % chunkSize];
+        return &chunks[n / chunkSize]->Records()[n % chunkSize];
     }
     CIdentifier* Enter(const HashedName& name);
     CIdentifier* AddRecord(const HashedName& name, const char* text);
@@ -136,7 +143,7 @@ class CIdentifierManager {
     std::int32_t tableSize;
     std::vector<CIdentifier*> buckets;  // heads of the sorted chains, once they are linked
     // Records stay where they are, and a number finds them.
-    std::vector<std::unique_ptr<CIdentifier[]>> chunks;
+    std::vector<std::unique_ptr<Chunk>> chunks;
     std::int32_t totalCount = 0;
     std::int32_t waitingCount = 0;  // records with patches
     CNameIndex index;

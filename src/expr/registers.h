@@ -109,40 +109,16 @@ inline constexpr std::array operandNames = {
 };
 // clang-format on
 
-/// The lookup: words of one character index a table by that character, words of two a table by a
-/// hash of both, for which the compiler finds a factor without collisions. So an operand that is no
-/// name costs a load and a comparison.
+/// The lookup: words of one character index a table by that character, words of two a table by the
+/// low bits of both, which tell letters apart. So an operand that is no name costs a load and a
+/// comparison.
 namespace operand_class {
 
-inline constexpr std::size_t pairSlots = 32;
-
-constexpr std::size_t PairSlot(std::string_view name, std::uint32_t factor) {
-    const auto key = static_cast<std::uint32_t>(static_cast<std::uint8_t>(name[0])) * factor +
-                     static_cast<std::uint8_t>(name[1]);
-    return key % pairSlots;
+constexpr std::size_t PairSlot(std::string_view name) {
+    constexpr std::size_t letters = 32;
+    return static_cast<std::uint8_t>(name[0]) % letters * letters +
+           static_cast<std::uint8_t>(name[1]) % letters;
 }
-
-constexpr bool IsPerfect(std::uint32_t factor) {
-    std::array<bool, pairSlots> taken{};
-    for (const OperandName& row : operandNames) {
-        if (row.name.size() == 2) {
-            bool& slot = taken[PairSlot(row.name, factor)];
-            if (slot) {
-                return false;
-            }
-            slot = true;
-        }
-    }
-    return true;
-}
-
-inline constexpr std::uint32_t pairFactor = [] {
-    std::uint32_t factor = 1;
-    while (!IsPerfect(factor)) {
-        ++factor;
-    }
-    return factor;
-}();
 
 // Row numbers, indexed by the character, and by PairSlot. Row 0 is that of the words without a row.
 inline constexpr auto singleRows = [] {
@@ -155,10 +131,10 @@ inline constexpr auto singleRows = [] {
     return rows;
 }();
 inline constexpr auto pairRows = [] {
-    std::array<std::uint8_t, pairSlots> rows{};
+    std::array<std::uint8_t, 1024> rows{};
     for (std::size_t i = 0; i < operandNames.size(); ++i) {
         if (const std::string_view name = operandNames[i].name; name.size() == 2) {
-            rows[PairSlot(name, pairFactor)] = static_cast<std::uint8_t>(i);
+            rows[PairSlot(name)] = static_cast<std::uint8_t>(i);
         }
     }
     return rows;
@@ -174,7 +150,7 @@ static_assert(operandNames[noRow].name.empty() && operandNames[longRow].name == 
     if (token.size() == 1) {
         return singleRows[static_cast<std::uint8_t>(token[0])];
     }
-    const std::size_t row = pairRows[PairSlot(token, pairFactor)];
+    const std::size_t row = pairRows[PairSlot(token)];
     const std::string_view name = operandNames[row].name;
     return row != noRow && name[0] == token[0] && name[1] == token[1] ? row : noRow;
 }

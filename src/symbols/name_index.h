@@ -2,17 +2,27 @@
 /// expression, so this is a hash table with the whole hash beside each record.
 #pragma once
 
+#include <algorithm>
 #include <array>
+#include <bit>
 #include <compare>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <map>
 #include <string_view>
 
-#include "source/short_text.h"
 #include "symbols/identifier.h"
 
 namespace korv {
+
+/// The bytes at `from` as a number, in the order of the machine: for hashing and comparing only.
+template <typename Word>
+[[nodiscard]] constexpr Word LoadWord(const char* from) {
+    std::array<char, sizeof(Word)> bytes{};
+    std::copy_n(from, sizeof(Word), bytes.begin());
+    return std::bit_cast<Word>(bytes);
+}
 
 /// Hash of a name, taken in pieces of up to 8 bytes. It has nothing to do with the buckets, which
 /// give the order of the listing.
@@ -38,6 +48,20 @@ namespace korv {
     }
     hash = (hash ^ tail) * multiplier;
     return hash ^ hash >> 32;
+}
+
+/// Whether `text`, of more than 8 characters, stands at `other`. By 8 characters at a time, since
+/// the call of the general routine would cost more than the work.
+[[nodiscard]] inline bool EqualTexts(const char* other, std::string_view text) {
+    const auto differAt = [&](std::size_t i) {
+        return LoadWord<std::uint64_t>(other + i) != LoadWord<std::uint64_t>(text.data() + i);
+    };
+    for (std::size_t i = 0; i + 8 < text.size(); i += 8) {
+        if (differAt(i)) {
+            return false;
+        }
+    }
+    return !differAt(text.size() - 8);
 }
 
 /// A name that is looked up, with its hash. Every lookup takes a plain text as well; who asks for

@@ -1,10 +1,10 @@
 #include "symbols/name_pool.h"
 
 #include <cstdlib>
+#include <cstring>
 #include <utility>
 
 #include "platform/platform.h"
-#include "source/short_text.h"
 
 namespace korv {
 
@@ -44,7 +44,7 @@ const char* CNamePool::Store(std::string_view name) {
         AddBlock(size < blockSize ? blockSize : size);
     }
     char* const copy = blocks->text + used;
-    CopyText(copy, name);
+    std::memcpy(copy, name.data(), name.size());
     copy[name.size()] = '\0';
     used += size;
     return copy;

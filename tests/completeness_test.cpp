@@ -1,4 +1,4 @@
-// Asks what is missing: each keyword, message, reserved word, switch and limit has its case and its place in the
+// Asks what is missing: each keyword, message, reserved word and switch has its case and its place in the
 // manual. The manual is written by hand, so it is a second opinion on every word and every text. A failure names what
 // has none.
 

@@ -128,16 +128,6 @@ TEST(FaultDeathTest, AnyAllocationMayFailOnceOrForGood) {
     }
 }
 
-TEST(DirectoryTest, ACurrentDirectoryThatIsGoneIsSaid) {
-    const TempDir directory;
-    WriteFile("gone/x", "");
-    const auto leave = [](pid_t) { EXPECT_EQ(0, chdir("gone") | unlink("x") | rmdir("../gone")); };
-    EXPECT_TRUE(Contains(RunChild({"korv", "/w"}, leave).console,
-                         "[Korv] GOT 2 ERRORS!\n"
-                         "Uhm, I DUNNO! ;p(0) : error X32 : Could not get directory.\n"
-                         "Uhm, I DUNNO! ;p(0) : error X10 : Could not open file. [Main.Kor]\n"));
-}
-
 TEST(BreakTest, EndsTheRunAndLeavesTheTarget) {
     const TempDir directory;
     WriteFile("OUT.COM", "old");

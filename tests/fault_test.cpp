@@ -3,7 +3,6 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cstdlib>
@@ -11,7 +10,6 @@
 #include <map>
 
 #include "diagnostics/report_writer.h"
-#include "driver/process.h"
 #include "platform/platform.h"
 #include "run.h"
 
@@ -21,110 +19,111 @@ namespace fs = std::filesystem;
 using korv::platform::RequestFault;
 using Files = std::map<std::string, std::string>;
 
+const std::string none = "none";  // instead of the contents of a file that is not there
+
 bool Contains(const std::string& text, const std::string& part) {
     return text.find(part) != std::string::npos;
 }
 
-// The part of `console` that lists the errors.
-std::string ErrorsIn(const std::string& console) {
-    const std::size_t start = std::min(console.find("[Korv] GOT"), console.size());
-    return console.substr(start, console.find("---", start) - start);
-}
-
-Files FilesHere() {
-    Files files;
-    for (const fs::directory_entry& entry : fs::recursive_directory_iterator(".")) {
-        if (entry.is_regular_file() && entry.path() != "./console") {
-            files[entry.path().string().substr(2)] = *ReadFile(entry.path());
-        }
-    }
-    return files;
-}
-
 // The files that a run writes, and what it says of each that is there.
-const std::pair<const char*, const char*> written[] = {
+const std::pair<std::string, std::string> written[] = {
     {"out/OUT.COM", "[Korv] Binary target secured. (out/OUT.COM)\n"},
     {"out/Debug.Out", "[Korv] Debugfile written!\n"},
     {"out/Labels.Out", "[Korv] Labels.Out written.\n"},
     {"Errors.Out", "[Korv] Errors.Out written!\n"},
 };
+std::string consoles;  // of all runs
 
-TEST(FaultTest, AnyRequestMayFailOnceOrForGoodOrBeBrokenOff) {
-    std::string consoles;
-    // One source without and one with an error, and files there already or not.
-    for (const char* line : {"", " FROB\n"}) {
-        for (const bool isFirst : {false, true}) {
-            const TempDir directory;
-            Files sources = {{"sub/b.kor", " DB 1\n BINCLUDE \"dat\"\n DB 2\n"},
-                             {"sub/dat", "data"}};
-            sources["main.kor"] = std::string(" INCLUDE SUB\\B.KOR\nAT: DW AT\n") + line;
-            for (const auto& [name, contents] : sources) {
-                WriteFile(name, contents);
-            }
-            const auto run = [&](int n, RequestFault fault) {
-                for (const auto& [name, message] : written) {
-                    WriteFile(name, "old");
-                    if (isFirst) {
-                        fs::remove(name);
-                    }
-                }
-                korv::platform::FaultFileRequest(n, fault);
-                RunKorv({"Main.Kor", "out/OUT.COM", "/d", "/l", "/m", "/f:4"});
-                fs::current_path(directory.Path());  // there may have been no way back
-                return *ReadFile("console");
-            };
-            const Files before = (run(0, {}), FilesHere());
-            const std::string right = run(0, {});
-            for (const RequestFault fault :
-                 {RequestFault::failsOnce, RequestFault::failsForGood, RequestFault::isBroken}) {
-                for (int n = 1;; ++n) {
-                    const std::string console = run(n, fault);
-                    if (!korv::platform::FaultFileRequest(0, {})) {
-                        ASSERT_GT(n, 40);
-                        break;
-                    }
-                    SCOPED_TRACE(std::to_string(n) + console);
-                    Files files = FilesHere();
-                    for (const auto& [name, message] : written) {
-                        const bool isSaid = Contains(console, message);
-                        const auto file = files.find(name);
-                        if (!isSaid) {
-                            ASSERT_EQ(isFirst ? files.end() : file, file) << name;
-                            ASSERT_EQ(isFirst ? "" : "old", isFirst ? "" : file->second) << name;
-                        } else if (ErrorsIn(console) == ErrorsIn(right)) {
-                            ASSERT_EQ(before.at(name), file->second) << name;
-                        } else {
-                            ASSERT_TRUE(file != files.end() && file->second != "old") << name;
-                        }
-                        files.erase(name);
-                    }
-                    ASSERT_EQ(sources, files);
-                    if (fault == RequestFault::isBroken && !Contains(console, "Aborting")) {
-                        ASSERT_EQ(right, console);  // too late, and so it is not said
-                    }
-                    ASSERT_FALSE(Contains(console, "Aborting") && Contains(console, "secured"));
-                    ASSERT_TRUE(Contains(console, "secured") || Contains(console, "NOT saved") ||
-                                Contains(console, "[Korv] Could not open out/OUT.COM.\n") ||
-                                Contains(console, "[Korv] Could not write out/OUT.COM.\n"));
-                    consoles += ReplaceAll(console, directory.Path(), "$DIR");
-                }
-            }
+// The last line of the source, what stood at the place of those files, what happens to a request.
+using Row = std::tuple<std::string, std::string, RequestFault>;
+class FaultTest : public testing::TestWithParam<Row> {
+  public:
+    static void TearDownTestSuite() {
+        for (const char* message :
+             {"[Korv] Could not write out/OUT.COM.\n", "[Korv] Could not write out/Debug.Out.\n",
+              "[Korv] Could not write out/Labels.Out.\n", "[Korv] Could not write Errors.Out.\n",
+              "[Korv] Could not open out/OUT.COM.\n",
+              "/main.kor(2) : error X10 : Could not open file. [$DIR/main.kor]\n",
+              "/sub/b.kor(2) : error X10 : Could not open file. [\"dat\"]\n",
+              "(0) : error X31 : Could not change directory. [$DIR]\n",
+              "(0) : error X32 : Could not get directory.\n"}) {
+            EXPECT_TRUE(Contains(consoles, message)) << message;
         }
     }
-    for (const char* message : {
-             "[Korv] Could not write out/OUT.COM.\n",
-             "[Korv] Could not write out/Debug.Out.\n",
-             "[Korv] Could not write out/Labels.Out.\n",
-             "[Korv] Could not write Errors.Out.\n",
-             "[Korv] Could not open out/OUT.COM.\n",
-             "$DIR/main.kor(2) : error X10 : Could not open file. [$DIR/main.kor]\n",
-             "$DIR/sub/b.kor(2) : error X10 : Could not open file. [\"dat\"]\n",
-             "(0) : error X31 : Could not change directory. [$DIR]\n",
-             "(0) : error X32 : Could not get directory.\n",
-         }) {
-        EXPECT_TRUE(Contains(consoles, message)) << message;
+};
+
+TEST_P(FaultTest, LeavesWhatItSays) {
+    const auto& [lastLine, old, fault] = GetParam();
+    const TempDir directory;
+    const Files sources = {{"main.kor", " INCLUDE SUB\\B.KOR\nAT: DW AT\n" + lastLine},
+                           {"sub/b.kor", " DB 1\n BINCLUDE \"dat\"\n DB 2\n"},
+                           {"sub/dat", "data"}};
+    std::string console;
+    const auto run = [&, what = fault, before = old](int n) {
+        Files files = sources;
+        for (const auto& [name, message] : written) {
+            files[name] = before;
+        }
+        for (const auto& [name, contents] : files) {
+            WriteFile(name, contents);
+            contents == none ? fs::remove(name) : false;
+        }
+        korv::platform::FaultFileRequest(n, what);
+        RunKorv({"Main.Kor", "out/OUT.COM", "/d", "/l", "/m", "/f:4"});
+        fs::current_path(directory.Path());  // there may have been no way back
+        console = *ReadFile("console");
+        files.clear();
+        for (const fs::directory_entry& entry : fs::recursive_directory_iterator(".")) {
+            if (entry.is_regular_file() && entry.path() != "./console") {
+                files[entry.path().string().substr(2)] = *ReadFile(entry.path());
+            }
+        }
+        return files;
+    };
+    const auto errors = [&] {
+        const std::size_t start = std::min(console.find("[Korv] GOT"), console.size());
+        return console.substr(start, console.find("---", start) - start);
+    };
+    Files rightFiles = run(0);
+    const std::string right = console;
+    const std::string rightErrors = errors();
+    for (int n = 1;; ++n) {
+        Files files = run(n);
+        if (!korv::platform::FaultFileRequest(0, {})) {
+            ASSERT_GT(n, 40);
+            break;
+        }
+        SCOPED_TRACE(std::to_string(n) + console);
+        for (const auto& [name, message] : written) {
+            const std::string now = files.try_emplace(name, none).first->second;
+            files.erase(name);
+            if (!Contains(console, message)) {
+                ASSERT_EQ(old, now) << name;
+            } else if (errors() == rightErrors) {
+                ASSERT_EQ(rightFiles[name], now) << name;
+            } else {
+                ASSERT_NE(old, now) << name;
+            }
+        }
+        ASSERT_EQ(sources, files);
+        const bool isAborted = Contains(console, "Aborting");
+        ASSERT_FALSE(isAborted && Contains(console, "secured"));
+        if (fault == RequestFault::isBroken && !isAborted) {  // too late, and so it is not said
+            ASSERT_EQ(right, console);
+        }
+        ASSERT_TRUE(Contains(console, "secured") || Contains(console, "NOT saved") ||
+                    Contains(console, "[Korv] Could not open out/OUT.COM.\n") ||
+                    Contains(console, "[Korv] Could not write out/OUT.COM.\n"));
+        consoles += ReplaceAll(console, directory.Path(), "$DIR");
     }
 }
+
+INSTANTIATE_TEST_SUITE_P(Any, FaultTest,
+                         testing::Combine(testing::Values("", " FROB\n"),
+                                          testing::Values("old", none),
+                                          testing::Values(RequestFault::failsOnce,
+                                                          RequestFault::failsForGood,
+                                                          RequestFault::isBroken)));
 
 // The superuser may do everything, so these runs are somebody else's.
 class AsNobody {
@@ -138,14 +137,13 @@ class AsNobody {
 };
 
 TEST(OutputTest, KeepsWhatIsNotItsOwn) {
-    // What a shell does before the run, the arguments after the source, a part of the console, and
-    // what a shell finds true afterwards.
-    using Row = std::tuple<std::string, std::vector<std::string>, const char*, std::string>;
     const char* const secured = "[Korv] Binary target secured. (";
     const char* const noReports =
         "[Korv] Could not open 'debug.out'!\nCould not create file Labels.Out.\n";
     // clang-format off
-    const Row rows[] = {
+    // What a shell does before the run, the arguments after the source, a part of the console, and
+    // what a shell finds true afterwards.
+    const std::tuple<std::string, std::vector<std::string>, const char*, std::string> rows[] = {
         {"chmod 640 old", {"old"}, secured, "test `stat -c %a old` = 640 && ! grep old old"},
         {"chmod 444 old", {"old"}, "[Korv] Could not open old.\n", "grep old old"},
         {"chmod 555 .", {"old", "/d", "/l"}, noReports, "! grep old old; test -s old"},

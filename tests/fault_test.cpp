@@ -3,8 +3,10 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <map>
@@ -180,6 +182,26 @@ TEST(OutputTest, KeepsWhatIsNotItsOwn) {
         EXPECT_TRUE(Contains(console, part)) << console;
         EXPECT_EQ(0, std::system(("(" + truth + ") >console").c_str()));
         EXPECT_EQ(0, std::system("chmod 755 ."));
+    }
+}
+
+TEST(OutputTest, LeavesNothingWhenTheProcessEnds) {
+    for (const bool isLast : {false, true}) {
+        const TempDir directory;
+        const pid_t child = fork();
+        if (child == 0) {
+            korv::platform::OutputFile files[2];
+            bool isRight = files[0].Open("a", {}, {}) && files[1].Open("b", {}, {});
+            std::raise(SIGUSR1);  // which waits as long as a file is unfinished
+            files[0].Write("text", 4);
+            isRight = isRight && files[0].Commit() && (!isLast || files[1].Commit());
+            std::exit(isRight ? 0 : 1);
+        }
+        int status = 0;
+        waitpid(child, &status, 0);
+        EXPECT_EQ(isLast ? SIGUSR1 : 0, status);
+        EXPECT_EQ("text", ReadFile("a"));
+        EXPECT_EQ(isLast ? 2 : 1, std::distance(fs::directory_iterator("."), {}));
     }
 }
 

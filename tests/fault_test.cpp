@@ -127,15 +127,25 @@ INSTANTIATE_TEST_SUITE_P(Any, FaultTest,
                                                           RequestFault::failsForGood,
                                                           RequestFault::isBroken)));
 
-// The superuser may do everything, so these runs are somebody else's.
+// The superuser may do everything, so these runs are somebody else's, in directories for all.
 class AsNobody {
   public:
-    AsNobody() { EXPECT_EQ(0, isRoot ? setresuid(nobody, nobody, 0) : 0); }
-    ~AsNobody() { EXPECT_EQ(0, isRoot ? setresuid(0, 0, 0) : 0); }
+    AsNobody() {
+        fs::current_path("/tmp");
+        setenv("TMPDIR", "/tmp", 1);
+        EXPECT_EQ(0, isRoot ? setreuid(nobody, 0) | seteuid(nobody) : 0);
+    }
+    ~AsNobody() {
+        EXPECT_EQ(0, isRoot ? seteuid(0) | setreuid(0, 0) : 0);
+        setenv("TMPDIR", temporary.c_str(), 1);
+        fs::current_path(previous);
+    }
 
   private:
     static constexpr uid_t nobody = 65534;
     const bool isRoot = getuid() == 0;
+    const std::string temporary = fs::temp_directory_path();
+    const fs::path previous = fs::current_path();
 };
 
 TEST(OutputTest, KeepsWhatIsNotItsOwn) {

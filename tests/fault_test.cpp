@@ -218,7 +218,8 @@ TEST(OutputTest, LeavesNothingWhenTheProcessEnds) {
 TEST(TerminalTest, GetsNoControlCharacters) {
     const int master = posix_openpt(O_RDWR | O_NOCTTY);
     const bool isReady = master >= 0 && grantpt(master) == 0 && unlockpt(master) == 0;
-    std::FILE* const terminal = isReady ? std::fopen(ptsname(master), "r+") : nullptr;
+    std::FILE* const terminal =
+        isReady ? fdopen(open(ptsname(master), O_RDWR | O_NOCTTY), "r+") : nullptr;
     if (terminal == nullptr) {
         GTEST_SKIP() << "No terminal can be had";
     }

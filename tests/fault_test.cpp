@@ -3,15 +3,15 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
-#include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <map>
 
 #include "diagnostics/report_writer.h"
-#include "driver/process.h"
 #include "platform/platform.h"
 #include "run.h"
 
@@ -21,128 +21,139 @@ namespace fs = std::filesystem;
 using korv::platform::RequestFault;
 using Files = std::map<std::string, std::string>;
 
-// The part of `console` that lists the errors.
-std::string ErrorsIn(const std::string& console) {
-    const std::size_t start = std::min(console.find("[Korv] GOT"), console.size());
-    return console.substr(start, console.find("---", start) - start);
-}
-
-Files FilesHere() {
-    Files files;
-    for (const fs::directory_entry& entry : fs::recursive_directory_iterator(".")) {
-        if (entry.is_regular_file() && entry.path() != "./console") {
-            files[entry.path().string().substr(2)] = *ReadFile(entry.path());
-        }
-    }
-    return files;
-}
+const std::string none = "none";  // instead of the contents of a file that is not there
 
 // The files that a run writes, and what it says of each that is there.
-const std::pair<const char*, const char*> written[] = {
+const std::pair<std::string, std::string> written[] = {
     {"out/OUT.COM", "[Korv] Binary target secured. (out/OUT.COM)\n"},
     {"out/Debug.Out", "[Korv] Debugfile written!\n"},
     {"out/Labels.Out", "[Korv] Labels.Out written.\n"},
     {"Errors.Out", "[Korv] Errors.Out written!\n"},
 };
+std::string consoles;  // of all runs
 
-TEST(FaultTest, AnyRequestMayFailOnceOrForGoodOrBeBrokenOff) {
-    std::string consoles;
-    // One source without and one with an error, and files there already or not.
-    for (const char* line : {"", " FROB\n"}) {
-        for (const bool isFirst : {false, true}) {
-            const TempDir directory;
-            Files sources = {{"sub/b.kor", " DB 1\n BINCLUDE \"dat\"\n DB 2\n"}, {"sub/dat", "data"}};
-            sources["main.kor"] = std::string(" INCLUDE SUB\\B.KOR\nAT: DW AT\n") + line;
-            for (const auto& [name, contents] : sources) {
-                WriteFile(name, contents);
-            }
-            const auto run = [&](int n, RequestFault fault) {
-                for (const auto& [name, message] : written) {
-                    WriteFile(name, "old");
-                    if (isFirst) {
-                        fs::remove(name);
-                    }
-                }
-                korv::platform::FaultFileRequest(n, fault);
-                RunKorv({"Main.Kor", "out/OUT.COM", "/d", "/l", "/m", "/f:4"});
-                fs::current_path(directory.Path());  // there may have been no way back
-                return *ReadFile("console");
-            };
-            const Files before = (run(0, {}), FilesHere());
-            const std::string right = run(0, {});
-            for (const RequestFault fault :
-                 {RequestFault::failsOnce, RequestFault::failsForGood, RequestFault::isBroken}) {
-                for (int n = 1;; ++n) {
-                    const std::string console = run(n, fault);
-                    if (!korv::platform::FaultFileRequest(0, {})) {
-                        ASSERT_GT(n, 40);
-                        break;
-                    }
-                    SCOPED_TRACE(std::to_string(n) + console);
-                    Files files = FilesHere();
-                    for (const auto& [name, message] : written) {
-                        const bool isSaid = Contains(console, message);
-                        const auto file = files.find(name);
-                        if (!isSaid) {
-                            ASSERT_EQ(isFirst ? files.end() : file, file) << name;
-                            ASSERT_EQ(isFirst ? "" : "old", isFirst ? "" : file->second) << name;
-                        } else if (ErrorsIn(console) == ErrorsIn(right)) {
-                            ASSERT_EQ(before.at(name), file->second) << name;
-                        } else {
-                            ASSERT_TRUE(file != files.end() && file->second != "old") << name;
-                        }
-                        files.erase(name);
-                    }
-                    ASSERT_EQ(sources, files);
-                    if (fault == RequestFault::isBroken && !Contains(console, "Aborting")) {
-                        ASSERT_EQ(right, console);  // too late, and so it is not said
-                    }
-                    ASSERT_FALSE(Contains(console, "Aborting") && Contains(console, "secured"));
-                    ASSERT_TRUE(Contains(console, "secured") || Contains(console, "NOT saved") ||
-                                Contains(console, "[Korv] Could not open out/OUT.COM.\n") ||
-                                Contains(console, "[Korv] Could not write out/OUT.COM.\n"));
-                    consoles += ReplaceAll(console, directory.Path(), "$DIR");
-                }
-            }
+// The last line of the source, what stood at the place of those files, what happens to a request.
+using Row = std::tuple<std::string, std::string, RequestFault>;
+class FaultTest : public testing::TestWithParam<Row> {
+  public:
+    static void TearDownTestSuite() {
+        for (const char* message : {"[Korv] Could not write out/OUT.COM.\n", "[Korv] Could not write out/Debug.Out.\n",
+                                    "[Korv] Could not write out/Labels.Out.\n", "[Korv] Could not write Errors.Out.\n",
+                                    "[Korv] Could not open out/OUT.COM.\n",
+                                    "/main.kor(2) : error X10 : Could not open file. [$DIR/main.kor]\n",
+                                    "/sub/b.kor(2) : error X10 : Could not open file. [\"dat\"]\n",
+                                    "(0) : error X31 : Could not change directory. [$DIR]\n",
+                                    "(0) : error X32 : Could not get directory.\n"}) {
+            EXPECT_TRUE(Contains(consoles, message)) << message;
         }
     }
-    for (const char* message : {
-             "[Korv] Could not write out/OUT.COM.\n",
-             "[Korv] Could not write out/Debug.Out.\n",
-             "[Korv] Could not write out/Labels.Out.\n",
-             "[Korv] Could not write Errors.Out.\n",
-             "[Korv] Could not open out/OUT.COM.\n",
-             "$DIR/main.kor(2) : error X10 : Could not open file. [$DIR/main.kor]\n",
-             "$DIR/sub/b.kor(2) : error X10 : Could not open file. [\"dat\"]\n",
-             "(0) : error X31 : Could not change directory. [$DIR]\n",
-             "(0) : error X32 : Could not get directory.\n",
-         }) {
-        EXPECT_TRUE(Contains(consoles, message)) << message;
+};
+
+TEST_P(FaultTest, LeavesWhatItSays) {
+    const auto& [lastLine, old, fault] = GetParam();
+    const TempDir directory;
+    const Files sources = {{"main.kor", " INCLUDE SUB\\B.KOR\nAT: DW AT\n" + lastLine},
+                           {"sub/b.kor", " DB 1\n BINCLUDE \"dat\"\n DB 2\n"},
+                           {"sub/dat", "data"}};
+    std::string console;
+    const auto run = [&, what = fault, before = old](int n) {
+        Files files = sources;
+        for (const auto& [name, message] : written) {
+            files[name] = before;
+        }
+        for (const auto& [name, contents] : files) {
+            WriteFile(name, contents);
+            fs::permissions(name, fs::perms(0640));
+            contents == none ? fs::remove(name) : false;
+        }
+        korv::platform::FaultFileRequest(n, what);
+        RunKorv({"Main.Kor", "out/OUT.COM", "/d", "/l", "/m", "/f:4"});
+        fs::current_path(directory.Path());  // there may have been no way back
+        console = *ReadFile("console");
+        files.clear();
+        for (const fs::directory_entry& entry : fs::recursive_directory_iterator(".")) {
+            if (entry.is_regular_file() && entry.path() != "./console") {
+                files[entry.path().string().substr(2)] = *ReadFile(entry.path());
+                const bool isChanged = before != none && entry.status().permissions() != fs::perms(0640);
+                EXPECT_FALSE(isChanged) << entry << n;
+            }
+        }
+        return files;
+    };
+    const auto errors = [&] {
+        const std::size_t start = std::min(console.find("[Korv] GOT"), console.size());
+        return console.substr(start, console.find("---", start) - start);
+    };
+    Files rightFiles = run(0);
+    const std::string right = console;
+    const std::string rightErrors = errors();
+    for (int n = 1;; ++n) {
+        Files files = run(n);
+        if (!korv::platform::FaultFileRequest(0, {})) {
+            ASSERT_GT(n, 40);
+            break;
+        }
+        SCOPED_TRACE(std::to_string(n) + console);
+        for (const auto& [name, message] : written) {
+            const std::string now = files.try_emplace(name, none).first->second;
+            files.erase(name);
+            if (!Contains(console, message)) {
+                ASSERT_EQ(old, now) << name;
+            } else if (errors() == rightErrors) {
+                ASSERT_EQ(rightFiles[name], now) << name;
+            } else {
+                ASSERT_NE(old, now) << name;
+            }
+        }
+        ASSERT_EQ(sources, files);
+        const bool isAborted = Contains(console, "Aborting");
+        ASSERT_FALSE(isAborted && Contains(console, "secured"));
+        if (fault == RequestFault::isBroken && !isAborted) {  // too late, and so it is not said
+            ASSERT_EQ(right, console);
+        }
+        ASSERT_TRUE(Contains(console, "secured") || Contains(console, "NOT saved") ||
+                    Contains(console, "[Korv] Could not open out/OUT.COM.\n") ||
+                    Contains(console, "[Korv] Could not write out/OUT.COM.\n"));
+        consoles += ReplaceAll(console, directory.Path(), "$DIR");
     }
 }
 
-// The superuser may do everything, so these runs are somebody else's.
+INSTANTIATE_TEST_SUITE_P(Any, FaultTest,
+                         testing::Combine(testing::Values("", " FROB\n"), testing::Values("old", none),
+                                          testing::Values(RequestFault::failsOnce, RequestFault::failsForGood,
+                                                          RequestFault::isBroken)));
+
+// The superuser may do everything, so these runs are somebody else's, in directories for all.
 class AsNobody {
   public:
-    AsNobody() { EXPECT_EQ(0, isRoot ? setresuid(nobody, nobody, 0) : 0); }
-    ~AsNobody() { EXPECT_EQ(0, isRoot ? setresuid(0, 0, 0) : 0); }
+    AsNobody() {
+        fs::current_path("/tmp");
+        setenv("TMPDIR", "/tmp", 1);
+        EXPECT_EQ(0, isRoot ? setreuid(nobody, 0) | seteuid(nobody) : 0);
+    }
+    ~AsNobody() {
+        EXPECT_EQ(0, isRoot ? seteuid(0) | setreuid(0, 0) : 0);
+        setenv("TMPDIR", temporary.c_str(), 1);
+        fs::current_path(previous);
+    }
 
   private:
     static constexpr uid_t nobody = 65534;
     const bool isRoot = getuid() == 0;
+    const std::string temporary = fs::temp_directory_path();
+    const fs::path previous = fs::current_path();
 };
 
 TEST(OutputTest, KeepsWhatIsNotItsOwn) {
-    // What a shell does before the run, the arguments after the source, a part of the console, and
-    // what a shell finds true afterwards.
-    using Row = std::tuple<std::string, Strings, const char*, std::string>;
     const char* const secured = "[Korv] Binary target secured. (";
     const char* const noReports = "[Korv] Could not open 'debug.out'!\nCould not create file Labels.Out.\n";
     // clang-format off
-    const Row rows[] = {
+    // What a shell does before the run, the arguments after the source, a part of the console, and
+    // what a shell finds true afterwards.
+    const std::tuple<std::string, Strings, const char*, std::string> rows[] = {
         {"chmod 640 old", {"old"}, secured, "test `stat -c %a old` = 640 && ! grep old old"},
         {"chmod 444 old", {"old"}, "[Korv] Could not open old.\n", "grep old old"},
-        {"chmod 555 .", {"old", "/d", "/l"}, noReports, "! grep old old; test -s old"},
+        {"chmod 555 .", {"old", "/d", "/l"}, noReports, "test -s old && ! grep old old"},
         {"chmod 555 .", {"new"}, "[Korv] Could not open new.\n", "test ! -e new"},
         {"ln -s old a; ln -s a b", {"b"}, secured, "test -h b -a -h a -a ! -h old && ! grep old old"},
         {"mkdir sub; ln -s sub/new a", {"a"}, secured, "test -h a -a -s sub/new"},
@@ -179,10 +190,30 @@ TEST(OutputTest, KeepsWhatIsNotItsOwn) {
     }
 }
 
+TEST(OutputTest, LeavesNothingWhenTheProcessEnds) {
+    for (const bool isLast : {false, true}) {
+        const TempDir directory;
+        const pid_t child = fork();
+        if (child == 0) {
+            korv::platform::OutputFile files[2];
+            bool isRight = files[0].Open("a", {}, {}) && files[1].Open("b", {}, {});
+            std::raise(SIGUSR1);  // which waits as long as a file is unfinished
+            files[0].Write("text", 4);
+            isRight = isRight && files[0].Commit() && (!isLast || files[1].Commit());
+            std::exit(isRight ? 0 : 1);
+        }
+        int status = 0;
+        waitpid(child, &status, 0);
+        EXPECT_EQ(isLast ? SIGUSR1 : 0, status);
+        EXPECT_EQ("text", ReadFile("a"));
+        EXPECT_EQ(isLast ? 2 : 1, std::distance(fs::directory_iterator("."), {}));
+    }
+}
+
 TEST(TerminalTest, GetsNoControlCharacters) {
     const int master = posix_openpt(O_RDWR | O_NOCTTY);
     const bool isReady = master >= 0 && grantpt(master) == 0 && unlockpt(master) == 0;
-    std::FILE* const terminal = isReady ? std::fopen(ptsname(master), "r+") : nullptr;
+    std::FILE* const terminal = isReady ? fdopen(open(ptsname(master), O_RDWR | O_NOCTTY), "r+") : nullptr;
     if (terminal == nullptr) {
         GTEST_SKIP() << "No terminal can be had";
     }

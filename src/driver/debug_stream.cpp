@@ -33,42 +33,16 @@ void StoreCount(char* to, std::uint32_t count) {
     to[3] = static_cast<char>(count >> 24);
 }
 
+// It is a signed number; what is below 0 counts as none.
 std::uint32_t LoadCount(const char* from) {
     const auto byteAt = [from](int i) { return std::uint32_t{static_cast<std::uint8_t>(from[i])}; };
-    return byteAt(0) | byteAt(1) << 8 | byteAt(2) << 16 | byteAt(3) << 24;
+    const std::uint32_t count = byteAt(0) | byteAt(1) << 8 | byteAt(2) << 16 | byteAt(3) << 24;
+    return count < 0x80000000 ? count : 0;
 }
 
-// The bytes of the image, one record after the other.
-class ListedBytes {
-  public:
-    explicit ListedBytes(const BinBlock& binary) : binary(binary) {}
-
-    // Of the next one, as it is shown.
-    [[nodiscard]] std::uint32_t Offset() const { return static_cast<std::uint32_t>(offset); }
-
-    // Those of a record that claims `bits`, a signed number, of them. It may claim more than there
-    // are: bytes of a source can pass for a record.
-    void Put(std::uint32_t bits, const FlagsWord& flags, ReportWriter* out) {
-        const std::uint64_t count = bits < 0x80000000 ? bits : 0;
-        const std::uint64_t inside =
-            std::min(count, binary.Position() - std::min<std::uint64_t>(offset, binary.Position()));
-        const std::uint64_t outside = std::min(count - inside, mostOutside);
-        mostOutside -= outside;
-        std::uint64_t next = offset;
-        offset += count;
-        for (std::uint64_t left = inside + outside; left > 0 && !flags.Has(RF_ABORT);) {
-            for (std::uint64_t piece = std::min<std::uint64_t>(left, 4096); piece > 0; --piece) {
-                out->Advance(PutByte(out->Room(2), binary.At(static_cast<std::uint32_t>(next++))));
-                --left;
-            }
-        }
-    }
-
-  private:
-    const BinBlock& binary;
-    std::uint64_t offset = 0;
-    std::uint64_t mostOutside = 65536;  // bytes after the image that are still shown
-};
+// A record may claim more bytes than the image has, since bytes of a source can pass for one: after
+// the image so many are shown.
+constexpr std::uint64_t mostOutside = 65536;
 
 }  // namespace
 
@@ -120,10 +94,12 @@ void DebugStream::AddRecord(std::uint32_t byteCount, std::string_view line) {
 
 void DebugStream::WriteListing(const CAssembler* assembler, platform::OutputFile* listing) const {
     ReportWriter out(listing);
-    ListedBytes bytes(assembler->binary);
+    const BinBlock& binary = assembler->binary;
+    const FlagsWord& flags = assembler->flags;
+    std::uint64_t offset = 0;
     const char* next = data;
     const char* const end = data + used;
-    while (next != end && !assembler->flags.Has(RF_ABORT)) {
+    while (next != end && !flags.Has(RF_ABORT)) {
         if (*next != recordStart) {
             const char* const start = Find(recordStart, next, end);
             out.Put({next, start});
@@ -133,8 +109,13 @@ void DebugStream::WriteListing(const CAssembler* assembler, platform::OutputFile
         } else {
             char* to = out.Room(12);
             *to++ = '<';
-            out.Advance(PutText(PutHex(to, bytes.Offset(), 2), "> ["));
-            bytes.Put(LoadCount(next + 1), assembler->flags, &out);
+            out.Advance(PutText(PutHex(to, static_cast<std::uint32_t>(offset), 2), "> ["));
+            const std::uint64_t following = offset + LoadCount(next + 1);
+            const std::uint64_t shown = std::min(following, binary.Position() + mostOutside);
+            for (; offset < shown && !flags.Has(RF_ABORT); ++offset) {
+                out.Advance(PutByte(out.Room(2), binary.At(static_cast<std::uint32_t>(offset))));
+            }
+            offset = following;
             out.Advance(PutText(out.Room(2), "] "));
             const char* const text = next + headSize;
             next = Find(recordEnd, text, end);

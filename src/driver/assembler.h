@@ -21,6 +21,7 @@
 namespace korv {
 
 class CSourceFile;
+class RunObserver;
 class WordList;
 
 // clang-format off
@@ -38,6 +39,7 @@ inline constexpr std::uint32_t RF_BINARY          = 0x0800;  ///< .bin target wi
 inline constexpr std::uint32_t RF_MACRO_BODY      = 0x1000;  ///< a macro body is recorded; nothing sets it
 inline constexpr std::uint32_t RF_SYSTEM_IDS      = 0x2000;  ///< load the reserved words
 inline constexpr std::uint32_t RF_SETTLED         = 0x4000;  ///< the target is being written: too late to abort
+inline constexpr std::uint32_t RF_OBSERVED        = 0x8000;  ///< there is an observer
 // clang-format on
 
 /// The flags word. The console's side sets a bit at any moment, so every change is one atomic
@@ -87,6 +89,12 @@ class CAssembler {
                                     std::string_view flagString);
     /// Assembles `sourceName`, once in the life of the object. Result: 0, whatever happened.
     std::int32_t Run();
+
+    /// For a front end that sees to names, reports and outputs itself: lets `newObserver`, not
+    /// owned, hear of the run, which `AssembleSource` then does by itself: all that depends on the
+    /// source, up to the last message.
+    void Observe(RunObserver* newObserver);
+    void AssembleSource();
 
     // ---- driver/statement_loop.cpp
 
@@ -198,6 +206,9 @@ class CAssembler {
     std::uint32_t statementAddress = 0;  ///< `location` at the start of the statement; by the loop
     /// Full path of the file being read, null outside of files; `fileNames` owns it.
     const char* currentFileName = nullptr;
+    /// The statement being assembled, null outside of files; by include files.
+    const CStatement* statement = nullptr;
+    RunObserver* observer = nullptr;       ///< not owned; null for none; by `Observe`
     platform::CurrentDirectory directory;  ///< where relative names begin; by include files
     platform::FileSet filesRead;           ///< which no report may be written over
     CMessageList errors;
@@ -222,7 +233,6 @@ class CAssembler {
     bool OpenReport(platform::OutputFile* file, const std::string& name);
     bool Commit(platform::OutputFile* file, const std::string& name);
     void ReportUnwritten(const std::string& name);
-    void AssembleSource();
     Status ScanOtherToken(std::string_view token, std::int32_t* value, UnresolvedName* unresolved);
     Status ScanTokens(std::string_view text, std::int32_t* value, UnresolvedName* unresolved);
     std::int32_t EnterFile(std::string_view name);

@@ -11,6 +11,7 @@
 
 #include "codegen/handlers.h"
 #include "driver/assembler.h"
+#include "driver/run_observer.h"
 #include "platform/platform.h"
 #include "source/source_file.h"
 
@@ -77,8 +78,13 @@ std::int32_t CAssembler::OpenAndRun(const std::string& path, std::int32_t fileNu
     if (line == nullptr) {
         return MSG_OUT_OF_MEMORY;
     }
-    CStatement statement(this, line.get(), fileNumber);
-    const FileOutcome outcome = RunStatements(&file, &statement);
+    if (observer != nullptr) {
+        observer->OnFile(path, fileNumber);
+    }
+    CStatement ofFile(this, line.get(), fileNumber);
+    const CStatement* const includer = std::exchange(statement, &ofFile);
+    const FileOutcome outcome = RunStatements(&file, &ofFile);
+    statement = includer;
     if (file.Stream().Failed()) {
         errors.Report(MSG_CANNOT_OPEN, path, fileNumber, outcome.lineCounter);
     }

@@ -72,8 +72,7 @@ Status AssembleBinclude(CAssembler* assembler, CStatement* statement) {
     }
     std::string path;
     FileContents contents;
-    platform::CurrentDirectory& directory = assembler->directory;
-    if (!directory.Reaches(name) || !directory.FullPath(name, &path) ||
+    if (!assembler->directory.Reaches(name) || !assembler->FindFile(name, &path) ||
         !contents.Read(assembler, path)) {
         assembler->ReportError(statement, MSG_CANNOT_OPEN, arg.text);
     } else if (!assembler->flags.Has(RF_ABORT)) {  // which may have left a part of it

@@ -9,6 +9,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "codegen/bin_block.h"
 #include "diagnostics/message_list.h"
@@ -126,6 +127,10 @@ class CAssembler {
     /// directory following. Result: 0, or why it could not be opened: MSG_CANNOT_OPEN or
     /// MSG_OUT_OF_MEMORY.
     std::int32_t AssembleIncludeFile(std::string_view name);
+    /// The full path of the file `name` that is to be read: from the directory of the file being
+    /// read, or, where there is none, from the first of `searchDirectories` that holds it. False:
+    /// it cannot be formed.
+    [[nodiscard]] bool FindFile(std::string_view name, std::string* path);
 
     // ---- expr/scanner.cpp
 
@@ -208,9 +213,10 @@ class CAssembler {
     const char* currentFileName = nullptr;
     /// The statement being assembled, null outside of files; by include files.
     const CStatement* statement = nullptr;
-    RunObserver* observer = nullptr;       ///< not owned; null for none; by `Observe`
-    platform::CurrentDirectory directory;  ///< where relative names begin; by include files
-    platform::FileSet filesRead;           ///< which no report may be written over
+    RunObserver* observer = nullptr;             ///< not owned; null for none; by `Observe`
+    std::vector<std::string> searchDirectories;  ///< full paths; by a front end
+    platform::CurrentDirectory directory;        ///< where relative names begin; by include files
+    platform::FileSet filesRead;                 ///< which no report may be written over
     CMessageList errors;
     CMessageList warnings;
     CFileNameRegistry fileNames;

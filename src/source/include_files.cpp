@@ -45,7 +45,7 @@ std::int32_t CAssembler::AssembleIncludeFile(std::string_view name) {
 // Result: as `AssembleIncludeFile`.
 std::int32_t CAssembler::EnterFile(std::string_view name) {
     std::string path;
-    if (!directory.FullPath(name, &path)) {
+    if (!FindFile(name, &path)) {
         errors.Report(MSG_CANNOT_GET_DIRECTORY, noText, 0, 0);
         return MSG_CANNOT_OPEN;
     }
@@ -63,6 +63,22 @@ std::int32_t CAssembler::EnterFile(std::string_view name) {
         errors.Report(MSG_CANNOT_CHANGE_DIRECTORY, directory.Path(), 0, 0);
     }
     return status;
+}
+
+bool CAssembler::FindFile(std::string_view name, std::string* path) {
+    if (!directory.FullPath(name, path)) {
+        return false;
+    }
+    const bool isAbsolute = name.starts_with('/') || name.starts_with('\\');
+    if (directory.IsFound() || isAbsolute || statement == nullptr) {  // the main file stands alone
+        return true;
+    }
+    for (const std::string& elsewhere : searchDirectories) {
+        if (directory.FullPath(elsewhere + '/' + std::string(name), path) && directory.IsFound()) {
+            return true;
+        }
+    }
+    return directory.FullPath(name, path);
 }
 
 // Result: 0, or why the file could not be opened or not be read.

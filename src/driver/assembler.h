@@ -213,7 +213,9 @@ class CAssembler {
     const char* currentFileName = nullptr;
     /// The statement being assembled, null outside of files; by include files.
     const CStatement* statement = nullptr;
-    RunObserver* observer = nullptr;             ///< not owned; null for none; by `Observe`
+    RunObserver* observer = nullptr;  ///< not owned; null for none; by `Observe`
+    /// What the main file holds if it is not read by its name; not owned, by a front end.
+    const std::string* mainText = nullptr;
     std::vector<std::string> searchDirectories;  ///< full paths; by a front end
     platform::CurrentDirectory directory;        ///< where relative names begin; by include files
     platform::FileSet filesRead;                 ///< which no report may be written over

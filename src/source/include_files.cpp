@@ -83,7 +83,9 @@ bool CAssembler::FindFile(std::string_view name, std::string* path) {
 
 // Result: 0, or why the file could not be opened or not be read.
 std::int32_t CAssembler::OpenAndRun(const std::string& path, std::int32_t fileNumber) {
-    CSourceFile file(path, fileBufferSize);
+    CSourceFile file = mainText != nullptr && statement == nullptr
+                           ? CSourceFile(*mainText)
+                           : CSourceFile(path, fileBufferSize);
     if (file.IsOpen() == 0) {
         return file.OpenStatus();
     }

@@ -116,6 +116,9 @@ class CAssembler {
     void WriteLabelFile();
     void ReportCounts();
     void WriteTarget(bool gotErrors);
+    /// What stands before the bytes of a binary target: a sign, load address, end, start of the
+    /// program.
+    [[nodiscard]] std::array<std::uint8_t, 7> LoadHeader();
     /// Prints the progress meter.
     virtual void Progress();
     /// Prints where the run stands and what memory it holds; null is the run's stream. Result: 0.
@@ -212,7 +215,7 @@ class CAssembler {
     /// Full path of the file being read, null outside of files; `fileNames` owns it.
     const char* currentFileName = nullptr;
     /// The statement being assembled, null outside of files; by include files.
-    const CStatement* statement = nullptr;
+    CStatement* statement = nullptr;
     RunObserver* observer = nullptr;  ///< not owned; null for none; by `Observe`
     /// What the main file holds if it is not read by its name; not owned, by a front end.
     const std::string* mainText = nullptr;

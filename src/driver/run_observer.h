@@ -22,10 +22,10 @@ class RunObserver : public MessageReceiver {
     virtual void OnFile(const std::string& path, std::int32_t number) = 0;
 
     /// `statement` is about to append `count` bytes at once. False: it appends none.
-    virtual bool OnBlock(const CStatement& statement, std::int32_t count) = 0;
+    virtual bool OnBlock(CStatement& statement, std::int32_t count) = 0;
 
     /// `statement`, of `lineCount` physical lines, has been assembled, also one without text.
-    virtual void OnStatement(const CStatement& statement, std::uint32_t lineCount) = 0;
+    virtual void OnStatement(CStatement& statement, std::uint32_t lineCount) = 0;
 
   protected:
     ~RunObserver() = default;

@@ -100,7 +100,7 @@ std::int32_t CAssembler::OpenAndRun(const std::string& path, std::int32_t fileNu
         observer->OnFile(path, fileNumber);
     }
     CStatement ofFile(this, line.get(), fileNumber);
-    const CStatement* const includer = std::exchange(statement, &ofFile);
+    CStatement* const includer = std::exchange(statement, &ofFile);
     const FileOutcome outcome = RunStatements(&file, &ofFile);
     statement = includer;
     if (file.Stream().Failed()) {

@@ -33,9 +33,8 @@ std::string_view OperandThat(CStatement* statement, const LineParts& parts, IsMe
 // The first operand that is one too many.
 std::string_view Surplus(CStatement* statement, const LineParts& parts) {
     const Keyword* const keyword = RecogniseInstruction(parts.word.data());
-    const std::string_view text =
-        keyword == nullptr ? "" : statement->args.Text(keyword->operands.most + 1);
-    return text.empty() ? WordOrLabel(parts) : text;
+    const bool isThere = keyword != nullptr && keyword->operands.most < statement->args.Count();
+    return isThere ? statement->args.Text(keyword->operands.most + 1) : WordOrLabel(parts);
 }
 
 }  // namespace

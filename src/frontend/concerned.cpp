@@ -2,8 +2,7 @@
 
 #include <algorithm>
 
-#include "codegen/recogniser.h"
-#include "codegen/value_range.h"
+#include "codegen/keywords.h"
 #include "driver/assembler.h"
 #include "frontend/line_parts.h"
 
@@ -32,7 +31,7 @@ std::string_view OperandThat(CStatement* statement, const LineParts& parts, IsMe
 
 // The first operand that is one too many.
 std::string_view Surplus(CStatement* statement, const LineParts& parts) {
-    const Keyword* const keyword = RecogniseInstruction(parts.word.data());
+    const Keyword* const keyword = FindKeyword(parts.word);
     const bool isThere = keyword != nullptr && keyword->operands.most < statement->args.Count();
     return isThere ? statement->args.Text(keyword->operands.most + 1) : WordOrLabel(parts);
 }

@@ -12,10 +12,6 @@
 namespace korv {
 namespace {
 
-bool IsKeyword(std::string_view word) {
-    return std::ranges::find(keywords, word, &Keyword::word) != keywords.end();
-}
-
 // Keeps the word that is nearest to one.
 class Nearest {
   public:
@@ -122,8 +118,8 @@ std::string QuotedInclude(CAssembler* assembler, const Fault& fault) {
 }
 
 std::string OperandCounts(const Fault& fault) {
-    const auto* const row = std::ranges::find(keywords, fault.parts.word, &Keyword::word);
-    if (row == keywords.end()) {
+    const Keyword* const row = FindKeyword(fault.parts.word);
+    if (row == nullptr) {
         return "";
     }
     const auto [fewest, most, tooMany] = row->operands;
@@ -141,7 +137,7 @@ std::string OperandCounts(const Fault& fault) {
 // What the number alone decides, with a look at the rest of the run.
 std::string OwnHint(CAssembler* assembler, const Messages& messages, const Fault& fault) {
     const LineParts& parts = fault.parts;
-    const bool startsWithKeyword = !parts.hasColon && IsKeyword(parts.label);
+    const bool startsWithKeyword = !parts.hasColon && FindKeyword(parts.label) != nullptr;
     if ((fault.number == MSG_RESERVED_NAME || fault.number == MSG_UNKNOWN_INSTRUCTION) &&
         startsWithKeyword) {
         return "only labels begin in column 1: indent " + std::string(parts.label);

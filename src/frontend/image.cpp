@@ -39,12 +39,8 @@ std::string ImageBytes(CAssembler* assembler) {
         const auto header = assembler->LoadHeader();
         image.assign(header.begin(), header.end());
     }
-    const BinBlock& binary = assembler->binary;
-    image.reserve(image.size() + binary.Position());
-    for (std::uint32_t i = 0; i < binary.Position(); ++i) {
-        image += static_cast<char>(binary.At(i));
-    }
-    return image;
+    const std::span<const std::uint8_t> bytes = assembler->binary.Bytes();
+    return image.append(bytes.begin(), bytes.end());
 }
 
 std::string HexText(const std::string& image, const std::vector<Block>& blocks) {

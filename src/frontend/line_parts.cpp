@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "codegen/keywords.h"
 #include "source/char_class.h"
 
 namespace korv {
@@ -86,6 +87,11 @@ LineParts SplitLine(std::string_view line) {
         }
     }
     return parts;
+}
+
+const Keyword* FindKeyword(std::string_view word) {
+    const auto* const row = std::ranges::lower_bound(keywords, word, {}, &Keyword::word);
+    return row != keywords.end() && row->word == word ? row : nullptr;
 }
 
 std::size_t FindWhole(std::string_view where, std::string_view text) {

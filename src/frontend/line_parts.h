@@ -7,6 +7,8 @@
 
 namespace korv {
 
+struct Keyword;
+
 /// All are views of the line; what is not there is empty, at the place where it would be.
 struct LineParts {
     std::string_view label;  ///< without its colon
@@ -17,6 +19,10 @@ struct LineParts {
 };
 
 [[nodiscard]] LineParts SplitLine(std::string_view line);
+
+/// The row of a mnemonic, or null. The recogniser itself is left to the loop over the statements,
+/// into which the compiler builds it as long as nobody else asks it.
+[[nodiscard]] const Keyword* FindKeyword(std::string_view word);
 
 /// Where `text` stands in `where` as a word of its own, outside of strings if it is none; npos: it
 /// does not.

@@ -4,7 +4,6 @@
 #include <tuple>
 #include <utility>
 
-#include "codegen/recogniser.h"
 #include "diagnostics/report_writer.h"
 #include "driver/assembler.h"
 #include "expr/number.h"
@@ -102,17 +101,23 @@ void RunWatch::OnFile(const std::string& path, std::int32_t number) {
     if (includer != nullptr) {
         place.file = includer->fileName;
         place.line = includer->lineNumber;
-        Record(*includer, 1, 0);  // before the lines of the file
-        includes.push_back(includer);
+        if (settings.keepsRecords) {
+            Record(*includer, 1, 0);
+            includes.push_back(includer);
+        }
     }
     messages->AddFile(number, path, place);
 }
 
+// Keeps the record of a statement that has been assembled or, if it includes a file, of one that is
+// yet to be, so that it stands before those of the file.
 void RunWatch::Record(const CStatement& statement, std::uint32_t lineCount, std::uint32_t count) {
-    if (settings.keepsRecords) {
-        records.push_back({statement.fileName, statement.lineNumber, lineCount,
-                           assembler->location - count, imageSize, count});
+    if (!includes.empty() && includes.back() == &statement) {
+        includes.pop_back();
+        return;
     }
+    records.push_back({statement.fileName, statement.lineNumber, lineCount,
+                       assembler->location - count, imageSize, count});
 }
 
 bool RunWatch::OnBlock(CStatement& statement, std::int32_t count) {
@@ -122,21 +127,6 @@ bool RunWatch::OnBlock(CStatement& statement, std::int32_t count) {
     }
     StopAtSize(statement);
     return false;
-}
-
-void RunWatch::OnStatement(CStatement& statement, std::uint32_t lineCount) {
-    const std::uint32_t count = assembler->binary.Position() - imageSize;
-    if (!includes.empty() && includes.back() == &statement) {
-        includes.pop_back();
-    } else {
-        Record(statement, lineCount, count);
-    }
-    imageSize += count;
-    CheckStatement(&statement, lineCount, count);
-    isFaulty = false;
-    if (imageSize > settings.maxImage && !isStopped) {
-        StopAtSize(statement);
-    }
 }
 
 void RunWatch::StopAtSize(const CStatement& statement) {
@@ -171,7 +161,7 @@ void RunWatch::OnMessage(std::int32_t kind, std::int32_t number, std::string_vie
     if (kind == ML_WARNING) {
         report.warning = WarningOf(number);
         if (report.warning == Warning::labelWithoutColon && report.statement != nullptr &&
-            RecogniseInstruction(live->label.data()) != nullptr) {
+            FindKeyword(live->label) != nullptr) {
             report.warning = Warning::keywordLabel;
         }
     }

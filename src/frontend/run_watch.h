@@ -101,7 +101,8 @@ class RunWatch : public RunObserver {
     static MessagePlace PlaceIn(const CStatement& statement, std::string_view part);
 
     // In statement_checks.cpp.
-    void CheckStatement(CStatement* statement, std::uint32_t lineCount, std::uint32_t count);
+    void CheckLabel(const CStatement& statement);
+    void CheckOperands(CStatement* statement, std::uint32_t count);
     void CheckOperand(const CStatement& statement, const lsArg& arg);
     void CheckComment(const CStatement& statement);
     void CheckOrg(const CStatement& statement);
@@ -119,6 +120,7 @@ class RunWatch : public RunObserver {
                                   // not to be what it says
     std::uint32_t imageSize = 0;  // after the last statement
     std::int32_t wasAssembling = 1;
+    std::int32_t levelCount = 0;  // of `levels`
     std::vector<Level> levels;
     std::vector<std::string> files;
     std::set<std::string> seenFiles;

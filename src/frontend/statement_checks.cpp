@@ -1,9 +1,8 @@
 // What a statement is looked at for once it has been assembled: where its bytes are not what its
-// line says, and the core has no report for it. All of it is rare; the questions that every
-// statement is asked are in `CheckStatement`.
+// line says, and the core has no report for it.
 
 #include "codegen/handlers.h"
-#include "codegen/recogniser.h"
+#include "codegen/keywords.h"
 #include "codegen/value_range.h"
 #include "driver/assembler.h"
 #include "expr/number.h"
@@ -15,8 +14,7 @@ namespace korv {
 namespace {
 
 InstructionHandler HandlerOf(const CStatement& statement) {
-    const std::string_view word = SplitLine(statement.text).word;
-    const Keyword* const keyword = word.empty() ? nullptr : RecogniseInstruction(word.data());
+    const Keyword* const keyword = FindKeyword(SplitLine(statement.text).word);
     return keyword == nullptr ? nullptr : keyword->handler;
 }
 
@@ -30,11 +28,9 @@ bool ReadsAsNumber(std::string_view label) {
     return mayBe && label.size() > 1 && ReadNumber(label, &value) != notANumber;
 }
 
-bool HoldsLocation(std::string_view expression) {
-    if (expression.find('$') == std::string_view::npos) {
-        return false;
-    }
-    for (TokenReader reader(expression); !reader.isAtEnd;) {
+// Whether "$" alone stands in the expression of `arg`, which waits for a name.
+bool HoldsLocation(const lsArg& arg) {
+    for (TokenReader reader(arg.expression); !reader.isAtEnd;) {
         reader.Next();
         if (reader.Token() == "$") {
             return true;
@@ -43,38 +39,74 @@ bool HoldsLocation(std::string_view expression) {
     return false;
 }
 
+// Whether `arg` waits for more than a name alone.
+bool IsLateExpression(const lsArg& arg) {
+    return arg.status == MSG_UNRESOLVED && arg.expression.size() != arg.unresolved.name.size();
+}
+
+// Whether `arg`, of a statement with `count` bytes, calls for a closer look. Of operands after the
+// second, which belong to data, only `IsLateExpression` is of interest: the rest is told there.
+bool IsOdd(const lsArg& arg, std::uint32_t count) {
+    return IsLateExpression(arg) || (arg.IsValue() ? !wordRange.Holds(arg.value) : count == 0);
+}
+
 }  // namespace
 
-void RunWatch::CheckStatement(CStatement* statement, std::uint32_t lineCount, std::uint32_t count) {
+// Every statement comes here, so what is rare stands elsewhere.
+void RunWatch::OnStatement(CStatement& statement, std::uint32_t lineCount) {
+    const std::uint32_t count = assembler->binary.Position() - imageSize;
+    if (settings.keepsRecords) {
+        Record(statement, lineCount, count);
+    }
+    imageSize += count;
     if (lineCount > 1) {
-        CheckComment(*statement);
+        CheckComment(statement);
     }
-    if (statement->text[0] == '\0') {
-        return;
+    if (statement.text[0] != '\0') {
+        if (assembler->assembling != wasAssembling || assembler->conditionDepth != levelCount) {
+            CheckConditions(statement);
+        }
+        if (statement.HasLabel()) {
+            CheckLabel(statement);
+        }
+        if (assembler->location != statement.address + count) {
+            CheckOrg(statement);
+        }
+        KO_Args& args = statement.args;
+        const std::int32_t operands = args.Count();
+        if (operands > 0 && (operands > 2 || IsOdd(*args.Arg(1), count) ||
+                             (operands > 1 && IsOdd(*args.Arg(2), count)))) {
+            CheckOperands(&statement, count);
+        }
     }
-    if (assembler->assembling != wasAssembling ||
-        static_cast<std::size_t>(assembler->conditionDepth) != levels.size()) {
-        CheckConditions(*statement);
+    isFaulty = false;
+    if (imageSize > settings.maxImage && !isStopped) {
+        StopAtSize(statement);
     }
-    if (statement->HasLabel() && assembler->assembling != 0 && ReadsAsNumber(statement->label)) {
-        WarnAbout(Warning::numberLabel, *statement, statement->label, std::string(statement->label),
+}
+
+void RunWatch::CheckLabel(const CStatement& statement) {
+    if (ReadsAsNumber(statement.label) && assembler->assembling != 0) {
+        WarnAbout(Warning::numberLabel, statement, statement.label, std::string(statement.label),
                   "");
     }
-    if (assembler->location != statement->address + count && !settings.followsOrg) {
-        CheckOrg(*statement);
+}
+
+void RunWatch::CheckOperands(CStatement* statement, std::uint32_t count) {
+    if (isFaulty) {  // it is known not to be what it says
+        return;
     }
     std::int32_t number = 0;
     for (const lsArg* arg = statement->args.First(); arg != nullptr;
          arg = statement->args.After(arg)) {
-        if (arg->status == MSG_UNRESOLVED && !isFaulty && HoldsLocation(arg->expression)) {
+        ++number;
+        if (!IsLateExpression(*arg)) {
+            if (number <= 2 && IsOdd(*arg, count)) {
+                CheckOperand(*statement, *arg);
+            }
+        } else if (HoldsLocation(*arg)) {
             WarnAbout(Warning::lateLocation, *statement, arg->text, std::string(arg->text),
                       "put a label in front of this line and write it for the $");
-        }
-        if (++number > 2) {
-            continue;
-        }
-        if (arg->IsValue() ? !wordRange.Holds(arg->value) : count == 0) {
-            CheckOperand(*statement, *arg);
         }
     }
 }
@@ -82,9 +114,6 @@ void RunWatch::CheckStatement(CStatement* statement, std::uint32_t lineCount, st
 // `arg` has a value that no word holds, or is a register of a statement without bytes.
 void RunWatch::CheckOperand(const CStatement& statement, const lsArg& arg) {
     const InstructionHandler handler = HandlerOf(statement);
-    if (isFaulty) {
-        return;
-    }
     if (arg.IsValue() && (handler == AssembleLd || handler == AssembleCall)) {
         WarnAbout(Warning::truncated, statement, arg.text,
                   std::string(arg.text) + " is " + std::to_string(arg.value), "");
@@ -110,7 +139,8 @@ void RunWatch::CheckComment(const CStatement& statement) {
 }
 
 void RunWatch::CheckOrg(const CStatement& statement) {
-    if (imageSize != 0 && !isFaulty && HandlerOf(statement) == AssembleOrg) {
+    if (imageSize != 0 && !settings.followsOrg && !isFaulty &&
+        HandlerOf(statement) == AssembleOrg) {
         const std::string_view address = SplitLine(statement.text).rest;
         WarnAbout(Warning::orgGap, statement, address, std::string(address),
                   "fill the gap by DS, or choose Intel HEX, which has addresses");
@@ -122,6 +152,7 @@ void RunWatch::CheckConditions(const CStatement& statement) {
     const auto depth = static_cast<std::size_t>(assembler->conditionDepth);
     const bool isOn = assembler->assembling != 0;
     wasAssembling = assembler->assembling;
+    levelCount = assembler->conditionDepth;
     if (depth < levels.size()) {
         levels.pop_back();
         return;

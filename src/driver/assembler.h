@@ -214,8 +214,6 @@ class CAssembler {
     std::uint32_t statementAddress = 0;  ///< `location` at the start of the statement; by the loop
     /// Full path of the file being read, null outside of files; `fileNames` owns it.
     const char* currentFileName = nullptr;
-    /// The statement being assembled, null outside of files; by include files.
-    CStatement* statement = nullptr;
     RunObserver* observer = nullptr;  ///< not owned; null for none; by `Observe`
     /// What the main file holds if it is not read by its name; not owned, by a front end.
     const std::string* mainText = nullptr;

@@ -17,9 +17,10 @@ class RunObserver : public MessageReceiver {
     /// The names that every run has are in the table, and nothing has been read yet.
     virtual void OnStart() = 0;
 
-    /// The file `path` has been opened: a source with its number, from within the statement that
-    /// includes it, or, with the number 0, a file whose bytes are included.
-    virtual void OnFile(const std::string& path, std::int32_t number) = 0;
+    /// The file `path` has been opened: a source with its number, whose lines will be assembled in
+    /// `statement` until `OnFileEnd`; or, with the number 0 and null, one whose bytes are included.
+    virtual void OnFile(const std::string& path, std::int32_t number, CStatement* statement) = 0;
+    virtual void OnFileEnd() = 0;
 
     /// `statement` is about to append `count` bytes at once. False: it appends none.
     virtual bool OnBlock(CStatement& statement, std::int32_t count) = 0;

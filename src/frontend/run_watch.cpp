@@ -89,8 +89,7 @@ void RunWatch::Stop() {
     assembler->flags.Set(RF_END);
 }
 
-void RunWatch::OnFile(const std::string& path, std::int32_t number) {
-    CStatement* const includer = assembler->statement;
+void RunWatch::OnFile(const std::string& path, std::int32_t number, CStatement* statement) {
     if (seenFiles.insert(path).second) {
         files.push_back(path);
     }
@@ -98,7 +97,7 @@ void RunWatch::OnFile(const std::string& path, std::int32_t number) {
         return;
     }
     MessagePlace place;
-    if (includer != nullptr) {
+    if (const CStatement* const includer = Live()) {
         place.file = includer->fileName;
         place.line = includer->lineNumber;
         if (settings.keepsRecords) {
@@ -107,6 +106,11 @@ void RunWatch::OnFile(const std::string& path, std::int32_t number) {
         }
     }
     messages->AddFile(number, path, place);
+    statements.push_back(statement);
+}
+
+void RunWatch::OnFileEnd() {
+    statements.pop_back();
 }
 
 // Keeps the record of a statement that has been assembled or, if it includes a file, of one that is
@@ -148,7 +152,7 @@ void RunWatch::OnMessage(std::int32_t kind, std::int32_t number, std::string_vie
     if (isStopped) {
         return;
     }
-    CStatement* const live = assembler->statement;
+    CStatement* const live = Live();
     if (number == MSG_CANNOT_OPEN && file == 0) {
         isWithoutSource = true;  // which needs no place
         return;

@@ -65,7 +65,8 @@ class RunWatch : public RunObserver {
     void OnMessage(std::int32_t kind, std::int32_t number, std::string_view text, std::int32_t file,
                    std::int32_t line) override;
     void OnStart() override;
-    void OnFile(const std::string& path, std::int32_t number) override;
+    void OnFile(const std::string& path, std::int32_t number, CStatement* statement) override;
+    void OnFileEnd() override;
     bool OnBlock(CStatement& statement, std::int32_t count) override;
     void OnStatement(CStatement& statement, std::uint32_t lineCount) override;
 
@@ -86,6 +87,10 @@ class RunWatch : public RunObserver {
         bool isLiveOutside;  // the same for the IF itself
     };
 
+    // The statement being assembled; null outside of files.
+    [[nodiscard]] CStatement* Live() const {
+        return statements.empty() ? nullptr : statements.back();
+    }
     std::string Define(std::string_view define);
     void Stop();
     void StopAtSize(const CStatement& statement);
@@ -122,6 +127,7 @@ class RunWatch : public RunObserver {
     std::int32_t wasAssembling = 1;
     std::int32_t levelCount = 0;  // of `levels`
     std::vector<Level> levels;
+    std::vector<CStatement*> statements;  // of the open files, the last one's is being assembled
     std::vector<std::string> files;
     std::set<std::string> seenFiles;
     std::vector<const CStatement*> includes;  // those in hand, which have their records

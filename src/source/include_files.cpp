@@ -70,7 +70,8 @@ bool CAssembler::FindFile(std::string_view name, std::string* path) {
         return false;
     }
     const bool isAbsolute = name.starts_with('/') || name.starts_with('\\');
-    if (directory.IsFound() || isAbsolute || statement == nullptr) {  // the main file stands alone
+    if (directory.IsFound() || isAbsolute ||
+        currentFileName == nullptr) {  // the main file stands alone
         return true;
     }
     for (const std::string& elsewhere : searchDirectories) {
@@ -83,9 +84,8 @@ bool CAssembler::FindFile(std::string_view name, std::string* path) {
 
 // Result: 0, or why the file could not be opened or not be read.
 std::int32_t CAssembler::OpenAndRun(const std::string& path, std::int32_t fileNumber) {
-    CSourceFile file = mainText != nullptr && statement == nullptr
-                           ? CSourceFile(*mainText)
-                           : CSourceFile(path, fileBufferSize);
+    CSourceFile file = mainText != nullptr && fileDepth == 1 ? CSourceFile(*mainText)
+                                                             : CSourceFile(path, fileBufferSize);
     if (file.IsOpen() == 0) {
         return file.OpenStatus();
     }
@@ -96,13 +96,14 @@ std::int32_t CAssembler::OpenAndRun(const std::string& path, std::int32_t fileNu
     if (line == nullptr) {
         return MSG_OUT_OF_MEMORY;
     }
+    CStatement statement(this, line.get(), fileNumber);
     if (observer != nullptr) {
-        observer->OnFile(path, fileNumber);
+        observer->OnFile(path, fileNumber, &statement);
     }
-    CStatement ofFile(this, line.get(), fileNumber);
-    CStatement* const includer = std::exchange(statement, &ofFile);
-    const FileOutcome outcome = RunStatements(&file, &ofFile);
-    statement = includer;
+    const FileOutcome outcome = RunStatements(&file, &statement);
+    if (observer != nullptr) {
+        observer->OnFileEnd();
+    }
     if (file.Stream().Failed()) {
         errors.Report(MSG_CANNOT_OPEN, path, fileNumber, outcome.lineCounter);
     }

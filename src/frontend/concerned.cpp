@@ -36,6 +36,16 @@ std::string_view Surplus(CStatement* statement, const LineParts& parts) {
     return isThere ? statement->args.Text(keyword->operands.most + 1) : WordOrLabel(parts);
 }
 
+// The comma at which an operand is missing.
+std::string_view CommaOfNothing(const LineParts& parts) {
+    const auto empty = std::ranges::find(parts.operands, std::string_view());
+    const std::size_t end = empty == parts.operands.end()
+                                ? 0
+                                : static_cast<std::size_t>(empty->data() - parts.rest.data());
+    const std::size_t before = parts.rest.substr(0, end).rfind(',');
+    return parts.rest.substr(before == std::string_view::npos ? 0 : before, 1);
+}
+
 }  // namespace
 
 std::string_view Concerned(CStatement* statement, const LineParts& parts, std::int32_t number) {
@@ -46,10 +56,8 @@ std::string_view Concerned(CStatement* statement, const LineParts& parts, std::i
         case MSG_TOO_MANY_ARGUMENTS:
         case MSG_ARGUMENT_EXPECTED:  // which ADD says to too many as well
             return Surplus(statement, parts);
-        case MSG_EXPECTED_ARGUMENT: {
-            const auto empty = std::ranges::find(parts.operands, std::string_view());
-            return empty == parts.operands.end() ? AllOperands(parts) : *empty;
-        }
+        case MSG_EXPECTED_ARGUMENT:
+            return CommaOfNothing(parts);
         case MSG_NOT_IMMEDIATE:
             return OperandThat(statement, parts, [](const lsArg& arg) { return arg.status != 0; });
         case MSG_BAD_EXPRESSION:

@@ -16,7 +16,7 @@ namespace {
 class Nearest {
   public:
     explicit Nearest(std::string_view wanted)
-        : wanted(wanted), best(wanted.size() < 4 ? 2 : 3) {}  // one step less is near enough
+        : wanted(wanted), best(wanted.size() < 6 ? 2 : 3) {}  // one step less is near enough
 
     void Try(std::string_view word) {
         if (word.size() + best > wanted.size() && wanted.size() + best > word.size() &&

@@ -135,7 +135,7 @@ bool RunWatch::OnBlock(CStatement& statement, std::int32_t count) {
 
 void RunWatch::StopAtSize(const CStatement& statement) {
     Message message;
-    message.place = {statement.fileName, statement.lineNumber};
+    message.place = PlaceIn(statement, SplitLine(statement.text).word);
     message.text = "The image is longer than " + std::to_string(settings.maxImage) + " bytes.";
     message.code = "max-image";
     message.note = "--max-image allows another length";
@@ -213,7 +213,8 @@ void RunWatch::Print(const Report& report) {
             message.detail = parts.label;
         }
     } else if (messages->IsOpen()) {
-        const Fault fault{report.number, parts, concerned, report.statement == nullptr};
+        const Fault fault{report.number, parts, report.text.empty() ? concerned : report.text,
+                          report.statement == nullptr};
         message.note = HintFor(assembler, *messages, fault);
     }
     messages->Print(message);
@@ -258,17 +259,27 @@ std::vector<Block> RunWatch::Blocks() {
             done += count;
         }
     }
-    std::vector<Block> sorted = blocks;
-    std::ranges::sort(sorted, {}, &Block::address);
-    std::uint32_t end = 0;
-    for (const Block& block : sorted) {
-        if (block.address < end) {
-            char address[16];
-            Warn(Warning::overlap, block.place, {address, PutHex(address, block.address, 4)}, "");
-        }
-        end = std::max(end, block.address + block.count);
-    }
+    CheckOverlaps(blocks);
     return blocks;
+}
+
+// Of two blocks that have addresses in common, the second one in the source is blamed.
+void RunWatch::CheckOverlaps(std::vector<Block> blocks) {
+    std::ranges::sort(blocks, {}, &Block::address);
+    const Block* last = nullptr;  // the one that reaches furthest so far
+    for (const Block& block : blocks) {
+        if (last != nullptr && block.address < last->address + last->count) {
+            const Block& second = block.offset > last->offset ? block : *last;
+            const LogicalLine line =
+                messages->texts.Of(second.place.file).Logical(second.place.line);
+            char address[16];
+            Warn(Warning::overlap, PlaceOf(second.place, line.text, SplitLine(line.text).word),
+                 {address, PutHex(address, block.address, 4)}, "");
+        }
+        if (last == nullptr || block.address + block.count > last->address + last->count) {
+            last = &block;
+        }
+    }
 }
 
 void RunWatch::Finish() {

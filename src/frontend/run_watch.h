@@ -105,6 +105,8 @@ class RunWatch : public RunObserver {
     // `part` is a view of the line.
     static MessagePlace PlaceIn(const CStatement& statement, std::string_view part);
 
+    void CheckOverlaps(std::vector<Block> blocks);
+
     // In statement_checks.cpp.
     void CheckLabel(const CStatement& statement);
     void CheckOperands(CStatement* statement, std::uint32_t count);

@@ -177,6 +177,13 @@ TEST(FrontendTest, StrangeLinesAreWarnedOfAndOthersAreNot) {
     }
 }
 
+TEST(FrontendTest, BytesThatHideTextAreWarnedOf) {
+    const std::string printed = PrintedFor(std::string(" NOP\r| A\0B|; c\r NOP\r|", 20));
+    EXPECT_TRUE(Contains(printed, "a.kor:2:3: warning: a byte 0 hides the rest of its line [null-byte]")) << printed;
+    EXPECT_TRUE(Contains(printed, "a.kor:3:4: warning: a carriage return alone ends no line [carriage-return]")) << printed;
+    EXPECT_EQ("", PrintedFor(" NOP\r|; c\r\r|\r| NOP\r"));
+}
+
 TEST(FrontendTest, WhatIsWrongWithTheCommandLineIsSaidAndNothingIsWritten) {
     const std::pair<const char*, const char*> rows[] = {
         {"", "no source"}, {"a.kor b.kor", "b.kor"}, {"-x a.kor", "-x"}, {"none.kor", "cannot read none.kor"}, {"sub", "cannot read sub"},

@@ -92,6 +92,9 @@ void RunWatch::Stop() {
 void RunWatch::OnFile(const std::string& path, std::int32_t number, CStatement* statement) {
     if (seenFiles.insert(path).second) {
         files.push_back(path);
+        if (number != 0) {
+            sources.push_back(number);
+        }
     }
     if (number == 0) {
         return;
@@ -291,6 +294,9 @@ void RunWatch::Finish() {
     });
     for (const Report& report : unresolved) {
         Print(report);
+    }
+    for (const std::int32_t source : sources) {
+        CheckBytes(source);
     }
     for (const Level& level : levels) {
         Message message;

@@ -111,6 +111,7 @@ class RunWatch : public RunObserver {
     void CheckLabel(const CStatement& statement);
     void CheckOperands(CStatement* statement, std::uint32_t count);
     void CheckOperand(const CStatement& statement, const lsArg& arg);
+    void CheckBytes(std::int32_t file);
     void CheckComment(const CStatement& statement);
     void CheckOrg(const CStatement& statement);
     void CheckConditions(const CStatement& statement);
@@ -132,6 +133,7 @@ class RunWatch : public RunObserver {
     std::vector<CStatement*> statements;  // of the open files, the last one's is being assembled
     std::vector<std::string> files;
     std::set<std::string> seenFiles;
+    std::vector<std::int32_t> sources;  // the numbers of `files`, of those that were assembled
     std::vector<const CStatement*> includes;  // those in hand, which have their records
     std::vector<StatementRecord> records;
     std::vector<Report> unresolved;  // at the end of the run, to be sorted

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <system_error>
 #include <utility>
 
@@ -131,17 +130,24 @@ void SourceTexts::SetText(std::int32_t number, const std::string& contents) {
 
 const SourceText& SourceTexts::Of(std::int32_t number) {
     const auto found = texts.find(number);
-    if (found != texts.end()) {
-        return found->second;
+    return found != texts.end() ? found->second
+                                : texts.emplace(number, SourceText(Contents(number))).first->second;
+}
+
+std::string SourceTexts::Contents(std::int32_t number) {
+    if (const auto found = texts.find(number); found != texts.end()) {
+        return found->second.Contents();
     }
     // Another kind of file was read once, and has no end or nothing more to give.
     std::string contents;
     std::error_code failure;
     if (std::filesystem::is_regular_file(paths[number], failure)) {
         std::ifstream file(paths[number], std::ios::binary);
-        contents.assign(std::istreambuf_iterator<char>(file), {});
+        contents.resize(std::filesystem::file_size(paths[number], failure));
+        file.read(contents.data(), static_cast<std::streamsize>(contents.size()));
+        contents.resize(static_cast<std::size_t>(file.gcount()));
     }
-    return texts.emplace(number, SourceText(std::move(contents))).first->second;
+    return contents;
 }
 
 }  // namespace korv

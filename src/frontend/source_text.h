@@ -26,6 +26,7 @@ class SourceText {
   public:
     explicit SourceText(std::string contents);
 
+    [[nodiscard]] const std::string& Contents() const { return contents; }
     /// Physical line `number`, from 1, without its end; empty after the last one.
     [[nodiscard]] std::string_view Line(std::int32_t number) const;
     /// The logical line that begins at physical line `number`.
@@ -44,7 +45,9 @@ class SourceTexts {
     /// Gives the text of file `number` instead.
     void SetText(std::int32_t number, const std::string& contents);
 
-    /// A file that can no longer be read is empty.
+    /// All bytes of file `number`. A file that can no longer be read is empty.
+    [[nodiscard]] std::string Contents(std::int32_t number);
+    /// The same, divided into lines.
     [[nodiscard]] const SourceText& Of(std::int32_t number);
 
   private:

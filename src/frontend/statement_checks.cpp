@@ -1,6 +1,8 @@
 // What a statement is looked at for once it has been assembled: where its bytes are not what its
 // line says, and the core has no report for it.
 
+#include <algorithm>
+
 #include "codegen/handlers.h"
 #include "codegen/keywords.h"
 #include "codegen/value_range.h"
@@ -134,6 +136,30 @@ void RunWatch::CheckComment(const CStatement& statement) {
             MessagePlace at{statement.fileName, statement.lineNumber};
             at.exact = place;
             Warn(Warning::continuedComment, at, "", "end the comment with another character");
+        }
+    }
+}
+
+// Bytes that the reader passes over or takes for the end of a text. They make a file that no
+// editor shows as it is read: the first of each kind is told.
+void RunWatch::CheckBytes(std::int32_t file) {
+    const std::string text = messages->texts.Contents(file);
+    const auto warn = [&](Warning warning, std::size_t at) {
+        const auto line =
+            1 + std::count(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(at), '\n');
+        const std::size_t start = at == 0 ? 0 : text.rfind('\n', at - 1) + 1;
+        MessagePlace place{file, static_cast<std::int32_t>(line)};
+        place.exact = LogicalLine::Place{place.line, at - start};
+        Warn(warning, place, "", "");
+    };
+    if (const std::size_t at = text.find('\0'); at != std::string::npos) {
+        warn(Warning::nullByte, at);
+    }
+    for (std::size_t at = 0; (at = text.find('\r', at)) != std::string::npos; ++at) {
+        const std::size_t next = text.find_first_not_of('\r', at);
+        if (next != std::string::npos && text[next] != '\n') {
+            warn(Warning::carriageReturn, at);
+            break;
         }
     }
 }

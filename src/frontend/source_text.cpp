@@ -1,11 +1,13 @@
 #include "frontend/source_text.h"
 
 #include <algorithm>
+#include <array>
 #include <filesystem>
 #include <fstream>
 #include <system_error>
 #include <utility>
 
+#include "platform/platform.h"
 #include "source/char_class.h"
 
 namespace korv {
@@ -132,6 +134,30 @@ const SourceText& SourceTexts::Of(std::int32_t number) {
     const auto found = texts.find(number);
     return found != texts.end() ? found->second
                                 : texts.emplace(number, SourceText(Contents(number))).first->second;
+}
+
+bool SourceTexts::MayHideText(std::int32_t number) {
+    const auto mayHide = [](std::string_view block) {
+        std::size_t at = 0;
+        while ((at = block.find('\r', at)) != std::string_view::npos &&
+               block.substr(++at).starts_with('\n')) {
+        }
+        return at != std::string_view::npos || block.find('\0') != std::string_view::npos;
+    };
+    if (const auto found = texts.find(number); found != texts.end()) {
+        return mayHide(found->second.Contents());
+    }
+    platform::InputFile file;
+    std::error_code failure;
+    if (std::filesystem::is_regular_file(paths[number], failure) && file.Open(paths[number])) {
+        std::array<char, 65536> block;
+        while (const std::size_t count = file.Read(block.data(), block.size())) {
+            if (mayHide({block.data(), count})) {
+                return true;
+            }
+        }
+    }
+    return false;
 }
 
 std::string SourceTexts::Contents(std::int32_t number) {

@@ -45,6 +45,9 @@ class SourceTexts {
     /// Gives the text of file `number` instead.
     void SetText(std::int32_t number, const std::string& contents);
 
+    /// Whether file `number` holds a byte 0, or a carriage return without a line feed; it may say
+    /// so of others too. Reads the file and keeps nothing.
+    [[nodiscard]] bool MayHideText(std::int32_t number);
     /// All bytes of file `number`. A file that can no longer be read is empty.
     [[nodiscard]] std::string Contents(std::int32_t number);
     /// The same, divided into lines.

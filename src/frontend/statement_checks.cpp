@@ -143,6 +143,9 @@ void RunWatch::CheckComment(const CStatement& statement) {
 // Bytes that the reader passes over or takes for the end of a text. They make a file that no
 // editor shows as it is read: the first of each kind is told.
 void RunWatch::CheckBytes(std::int32_t file) {
+    if (!messages->texts.MayHideText(file)) {
+        return;
+    }
     const std::string text = messages->texts.Contents(file);
     const auto warn = [&](Warning warning, std::size_t at) {
         const auto line =

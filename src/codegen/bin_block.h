@@ -56,6 +56,9 @@ class BinBlock {
         return offset < position ? data[offset] : 0xFF;
     }
 
+    /// All bytes, until the next is appended.
+    [[nodiscard]] std::span<const std::uint8_t> Bytes() const { return {data, position}; }
+
     /// Writes all bytes to `file`. Result: 0; whether the write succeeded, the file knows.
     std::int32_t WriteTo(platform::OutputFile* file) const;
     /// Prints the lines of the status dump. Result: 0, or -1 for a null stream.

@@ -3,6 +3,7 @@
 #include <array>
 #include <cstdio>
 #include <cstring>
+#include <limits>
 #include <new>
 #include <utility>
 
@@ -15,6 +16,11 @@ CMessageList::CMessageList(std::int32_t capacity) : capacity(capacity) {
     messages.reserve(static_cast<std::size_t>(capacity));
 }
 
+void CMessageList::SetReceiver(MessageReceiver* newReceiver) {
+    receiver = newReceiver;
+    capacity = std::numeric_limits<std::int32_t>::max();
+}
+
 std::int32_t CMessageList::SetKind(std::int32_t newKind) {
     kindName = newKind == ML_ERROR ? "error" : newKind == ML_WARNING ? "warning" : "fatal error";
     return std::exchange(kind, newKind);
@@ -22,6 +28,10 @@ std::int32_t CMessageList::SetKind(std::int32_t newKind) {
 
 std::int32_t CMessageList::AddCopy(std::int32_t number, std::string_view text, std::int32_t file,
                                    std::int32_t line) {
+    if (receiver != nullptr) {
+        receiver->OnMessage(kind, number, text, file, line);
+        return 0;
+    }
     CMessage message{number, nullptr, file, line};
     if (text.data() != nullptr) {
         message.text.reset(new (std::nothrow) char[text.size() + 1]);

@@ -24,6 +24,19 @@ struct CMessage {
 inline constexpr std::int32_t ML_ERROR = 0;
 inline constexpr std::int32_t ML_WARNING = 1;
 
+/// Takes the messages in the order in which they arise, errors and warnings together and however
+/// many there are.
+class MessageReceiver {
+  public:
+    /// `kind` is that of the list; the others are as given to `Report`. So where `text` is a part
+    /// of the statement's line, it is a view of that line.
+    virtual void OnMessage(std::int32_t kind, std::int32_t number, std::string_view text,
+                           std::int32_t file, std::int32_t line) = 0;
+
+  protected:
+    ~MessageReceiver() = default;
+};
+
 class CMessageList {
   public:
     /// An empty list of errors with room for `capacity` messages. It is taken here, so that a
@@ -32,6 +45,9 @@ class CMessageList {
 
     /// The registry, not owned, that turns file numbers into names when the list is printed.
     void SetFileNames(const CFileNameRegistry* registry) { fileNames = registry; }
+
+    /// Gives all reports to `newReceiver`, not owned, in place of keeping them.
+    void SetReceiver(MessageReceiver* newReceiver);
 
     /// ML_ERROR, ML_WARNING; anything else is a fatal error. Result: the kind before.
     std::int32_t SetKind(std::int32_t newKind);
@@ -61,6 +77,7 @@ class CMessageList {
     const char* kindName = "error";
     std::vector<CMessage> messages;                // in the order of reporting
     const CFileNameRegistry* fileNames = nullptr;  // not owned
+    MessageReceiver* receiver = nullptr;           // not owned
 };
 
 /// For `Report`: a message without a text.

@@ -7,6 +7,7 @@
 
 #include "codegen/handlers.h"
 #include "driver/assembler.h"
+#include "driver/run_observer.h"
 #include "platform/platform.h"
 
 namespace korv {
@@ -71,11 +72,13 @@ Status AssembleBinclude(CAssembler* assembler, CStatement* statement) {
     }
     std::string path;
     FileContents contents;
-    platform::CurrentDirectory& directory = assembler->directory;
-    if (!directory.Reaches(name) || !directory.FullPath(name, &path) ||
+    if (!assembler->directory.Reaches(name) || !assembler->FindFile(name, &path) ||
         !contents.Read(assembler, path)) {
         assembler->ReportError(statement, MSG_CANNOT_OPEN, arg.text);
     } else if (!assembler->flags.Has(RF_ABORT)) {  // which may have left a part of it
+        if (assembler->observer != nullptr) {
+            assembler->observer->OnFile(path, 0, nullptr);
+        }
         assembler->EmitBytes(contents.Bytes());
     }
     return 0;

@@ -9,6 +9,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "codegen/bin_block.h"
 #include "diagnostics/message_list.h"
@@ -21,6 +22,7 @@
 namespace korv {
 
 class CSourceFile;
+class RunObserver;
 class WordList;
 
 // clang-format off
@@ -38,6 +40,7 @@ inline constexpr std::uint32_t RF_BINARY          = 0x0800;  ///< .bin target wi
 inline constexpr std::uint32_t RF_MACRO_BODY      = 0x1000;  ///< a macro body is recorded; nothing sets it
 inline constexpr std::uint32_t RF_SYSTEM_IDS      = 0x2000;  ///< load the reserved words
 inline constexpr std::uint32_t RF_SETTLED         = 0x4000;  ///< the target is being written: too late to abort
+inline constexpr std::uint32_t RF_OBSERVED        = 0x8000;  ///< there is an observer
 // clang-format on
 
 /// The flags word. The console's side sets a bit at any moment, so every change is one atomic
@@ -88,6 +91,12 @@ class CAssembler {
     /// Assembles `sourceName`, once in the life of the object. Result: 0, whatever happened.
     std::int32_t Run();
 
+    /// For a front end that sees to names, reports and outputs itself: lets `newObserver`, not
+    /// owned, hear of the run, which `AssembleSource` then does by itself: all that depends on the
+    /// source, up to the last message.
+    void Observe(RunObserver* newObserver);
+    void AssembleSource();
+
     // ---- driver/statement_loop.cpp
 
     /// What the loop over one file leaves.
@@ -107,6 +116,9 @@ class CAssembler {
     void WriteLabelFile();
     void ReportCounts();
     void WriteTarget(bool gotErrors);
+    /// What stands before the bytes of a binary target: a sign, load address, end, start of the
+    /// program.
+    [[nodiscard]] std::array<std::uint8_t, 7> LoadHeader();
     /// Prints the progress meter.
     virtual void Progress();
     /// Prints where the run stands and what memory it holds; null is the run's stream. Result: 0.
@@ -118,6 +130,10 @@ class CAssembler {
     /// directory following. Result: 0, or why it could not be opened: MSG_CANNOT_OPEN or
     /// MSG_OUT_OF_MEMORY.
     std::int32_t AssembleIncludeFile(std::string_view name);
+    /// The full path of the file `name` that is to be read: from the directory of the file being
+    /// read, or, where there is none, from the first of `searchDirectories` that holds it. False:
+    /// it cannot be formed.
+    [[nodiscard]] bool FindFile(std::string_view name, std::string* path);
 
     // ---- expr/scanner.cpp
 
@@ -198,8 +214,12 @@ class CAssembler {
     std::uint32_t statementAddress = 0;  ///< `location` at the start of the statement; by the loop
     /// Full path of the file being read, null outside of files; `fileNames` owns it.
     const char* currentFileName = nullptr;
-    platform::CurrentDirectory directory;  ///< where relative names begin; by include files
-    platform::FileSet filesRead;           ///< which no report may be written over
+    RunObserver* observer = nullptr;  ///< not owned; null for none; by `Observe`
+    /// What the main file holds if it is not read by its name; not owned, by a front end.
+    const std::string* mainText = nullptr;
+    std::vector<std::string> searchDirectories;  ///< full paths; by a front end
+    platform::CurrentDirectory directory;        ///< where relative names begin; by include files
+    platform::FileSet filesRead;                 ///< which no report may be written over
     CMessageList errors;
     CMessageList warnings;
     CFileNameRegistry fileNames;
@@ -222,7 +242,6 @@ class CAssembler {
     bool OpenReport(platform::OutputFile* file, const std::string& name);
     bool Commit(platform::OutputFile* file, const std::string& name);
     void ReportUnwritten(const std::string& name);
-    void AssembleSource();
     Status ScanOtherToken(std::string_view token, std::int32_t* value, UnresolvedName* unresolved);
     Status ScanTokens(std::string_view text, std::int32_t* value, UnresolvedName* unresolved);
     std::int32_t EnterFile(std::string_view name);

@@ -1,7 +1,6 @@
 // What a run leaves: report files, console reports, the target.
 
 #include <algorithm>
-#include <array>
 
 #include "diagnostics/report_writer.h"
 #include "driver/assembler.h"
@@ -13,13 +12,6 @@ namespace korv {
 namespace {
 
 constexpr char rule[] = "-------------------------------------------------------------------\n";
-
-// The load header of a binary target.
-std::array<std::uint8_t, 7> LoadHeader(std::uint32_t start, std::uint32_t end, std::uint32_t exec) {
-    const auto byte = [](std::uint32_t value) { return static_cast<std::uint8_t>(value); };
-    return {0xFE,           byte(start), byte(start >> 8), byte(end),
-            byte(end >> 8), byte(exec),  byte(exec >> 8)};
-}
 
 }  // namespace
 
@@ -114,6 +106,17 @@ void CAssembler::ReportCounts() {
     std::fprintf(output, "%u bytes generated.\n", binary.Position());
 }
 
+std::array<std::uint8_t, 7> CAssembler::LoadHeader() {
+    const std::uint32_t start =
+        startAddress == -1 ? binaryStart : static_cast<std::uint32_t>(startAddress);
+    const std::uint32_t end = binary.Position() + start - 1;
+    const CIdentifier* const name = identifiers.FindID("EXEC", /*markUsed=*/true);
+    const std::uint32_t exec = name == nullptr ? start : static_cast<std::uint32_t>(name->value);
+    const auto byte = [](std::uint32_t value) { return static_cast<std::uint8_t>(value); };
+    return {0xFE,           byte(start), byte(start >> 8), byte(end),
+            byte(end >> 8), byte(exec),  byte(exec >> 8)};
+}
+
 void CAssembler::WriteTarget(bool gotErrors) {
     platform::OutputFile file;
     const bool isOpen = !gotErrors && !flags.Has(RF_ABORT) && OpenTarget(&file);
@@ -128,12 +131,7 @@ void CAssembler::WriteTarget(bool gotErrors) {
         return;
     }
     if (flags.Has(RF_BINARY)) {
-        const std::uint32_t start =
-            startAddress == -1 ? binaryStart : static_cast<std::uint32_t>(startAddress);
-        const CIdentifier* const exec = identifiers.FindID("EXEC", /*markUsed=*/true);
-        const auto header =
-            LoadHeader(start, binary.Position() + start - 1,
-                       exec == nullptr ? start : static_cast<std::uint32_t>(exec->value));
+        const auto header = LoadHeader();
         file.Write(header.data(), header.size());
     }
     binary.WriteTo(&file);

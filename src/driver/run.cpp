@@ -6,6 +6,7 @@
 #include "diagnostics/report_writer.h"
 #include "driver/assembler.h"
 #include "driver/command_line.h"
+#include "driver/run_observer.h"
 #include "expr/tmp_string.h"
 #include "platform/platform.h"
 #include "symbols/system_identifiers.h"
@@ -93,6 +94,13 @@ std::int32_t CAssembler::Run() {
     return 0;
 }
 
+void CAssembler::Observe(RunObserver* newObserver) {
+    observer = newObserver;
+    errors.SetReceiver(newObserver);
+    warnings.SetReceiver(newObserver);
+    flags.Set(RF_OBSERVED);
+}
+
 // A target that was not given is named after the source, and stands beside it.
 void CAssembler::DeriveTargetName() {
     if (targetName.empty()) {
@@ -103,7 +111,6 @@ void CAssembler::DeriveTargetName() {
     }
 }
 
-// All of the run that depends on the source, up to the last message.
 void CAssembler::AssembleSource() {
     if (flags.Has(RF_MESSAGES)) {
         PrintTexts(output, "[Korv] Transforming '%' into '%'.\n", {sourceName, targetName});
@@ -118,6 +125,9 @@ void CAssembler::AssembleSource() {
     }
     if (flags.Has(RF_BINARY)) {
         location = binaryStart;
+    }
+    if (observer != nullptr) {
+        observer->OnStart();
     }
     std::fflush(output);  // what a break event prints goes past the buffer, and belongs after this
 

@@ -8,6 +8,7 @@
 #include "codegen/handlers.h"
 #include "codegen/recogniser.h"
 #include "driver/assembler.h"
+#include "driver/run_observer.h"
 #include "source/char_class.h"
 #include "source/source_file.h"
 
@@ -103,7 +104,8 @@ void ResetStatement(CStatement* statement, std::int32_t lineNumber) {
 CAssembler::FileOutcome CAssembler::RunStatements(CSourceFile* file, CStatement* statement) {
     constexpr std::uint32_t stops = RF_ABORT | RF_END;
     // Whatever needs more than the statement itself: one test on the normal path.
-    constexpr std::uint32_t extras = stops | RF_DEBUG | RF_NO_DEBUG_RECORD | RF_PROGRESS;
+    constexpr std::uint32_t extras =
+        stops | RF_DEBUG | RF_NO_DEBUG_RECORD | RF_PROGRESS | RF_OBSERVED;
     FileOutcome outcome;
     if (flags.Has(stops)) {
         return outcome;
@@ -129,6 +131,9 @@ CAssembler::FileOutcome CAssembler::RunStatements(CSourceFile* file, CStatement*
         const std::uint32_t bits = flags.Load();
         if ((bits & extras) == 0) [[likely]] {
             continue;
+        }
+        if ((bits & RF_OBSERVED) != 0) {
+            observer->OnStatement(*statement, linesOfLine);
         }
         if ((bits & RF_NO_DEBUG_RECORD) != 0) {
             flags.Clear(RF_NO_DEBUG_RECORD);

@@ -77,6 +77,9 @@ class CurrentDirectory {
     /// the current directory cannot be had, or the path is longer than the system allows.
     [[nodiscard]] bool FullPath(std::string_view name, std::string* path);
 
+    /// Whether the path that `FullPath` gave last is that of a file.
+    [[nodiscard]] bool IsFound() const;
+
     /// Makes the directory of `path`, which is what `FullPath` gave last, the current one, found
     /// without regard to case. False: there is none, or it cannot be entered; the current one
     /// stays. `Leave` belongs to each call, whatever its result.

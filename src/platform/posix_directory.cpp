@@ -231,6 +231,10 @@ bool CurrentDirectory::FullPath(std::string_view name, std::string* path) {
     return true;
 }
 
+bool CurrentDirectory::IsFound() const {
+    return state->isFound;
+}
+
 bool CurrentDirectory::EnterDirectoryOf(const std::string& path) {
     std::string directory = Divided(path).first;
     // A path that leads to a file of the current directory leads there too. One that leads nowhere

@@ -11,6 +11,7 @@
 
 #include "codegen/handlers.h"
 #include "driver/assembler.h"
+#include "driver/run_observer.h"
 #include "platform/platform.h"
 #include "source/source_file.h"
 
@@ -44,7 +45,7 @@ std::int32_t CAssembler::AssembleIncludeFile(std::string_view name) {
 // Result: as `AssembleIncludeFile`.
 std::int32_t CAssembler::EnterFile(std::string_view name) {
     std::string path;
-    if (!directory.FullPath(name, &path)) {
+    if (!FindFile(name, &path)) {
         errors.Report(MSG_CANNOT_GET_DIRECTORY, noText, 0, 0);
         return MSG_CANNOT_OPEN;
     }
@@ -64,9 +65,27 @@ std::int32_t CAssembler::EnterFile(std::string_view name) {
     return status;
 }
 
+bool CAssembler::FindFile(std::string_view name, std::string* path) {
+    if (!directory.FullPath(name, path)) {
+        return false;
+    }
+    const bool isAbsolute = name.starts_with('/') || name.starts_with('\\');
+    if (directory.IsFound() || isAbsolute ||
+        currentFileName == nullptr) {  // the main file stands alone
+        return true;
+    }
+    for (const std::string& elsewhere : searchDirectories) {
+        if (directory.FullPath(elsewhere + '/' + std::string(name), path) && directory.IsFound()) {
+            return true;
+        }
+    }
+    return directory.FullPath(name, path);
+}
+
 // Result: 0, or why the file could not be opened or not be read.
 std::int32_t CAssembler::OpenAndRun(const std::string& path, std::int32_t fileNumber) {
-    CSourceFile file(path, fileBufferSize);
+    CSourceFile file = mainText != nullptr && fileDepth == 1 ? CSourceFile(*mainText)
+                                                             : CSourceFile(path, fileBufferSize);
     if (file.IsOpen() == 0) {
         return file.OpenStatus();
     }
@@ -78,7 +97,13 @@ std::int32_t CAssembler::OpenAndRun(const std::string& path, std::int32_t fileNu
         return MSG_OUT_OF_MEMORY;
     }
     CStatement statement(this, line.get(), fileNumber);
+    if (observer != nullptr) {
+        observer->OnFile(path, fileNumber, &statement);
+    }
     const FileOutcome outcome = RunStatements(&file, &statement);
+    if (observer != nullptr) {
+        observer->OnFileEnd();
+    }
     if (file.Stream().Failed()) {
         errors.Report(MSG_CANNOT_OPEN, path, fileNumber, outcome.lineCounter);
     }

@@ -141,19 +141,32 @@ CSourceFile::CSourceFile(std::string_view name, std::uint32_t maxBufferSize) {
     }
 }
 
+CSourceFile::CSourceFile(std::string_view contents) : isInMemory(true) {
+    buffer = static_cast<std::uint8_t*>(platform::Allocate(contents.size()));
+    if (buffer != nullptr) {
+        contents.copy(reinterpret_cast<char*>(buffer), contents.size());
+        fileSize = bufferSize = static_cast<std::uint32_t>(contents.size());
+        TakeBlock(contents.size());
+    }
+}
+
 CSourceFile::~CSourceFile() {
     platform::Free(buffer);
 }
 
 Status CSourceFile::OpenStatus() const {
-    if (!stream.IsOpen()) {
+    if (!stream.IsOpen() && !isInMemory) {
         return MSG_CANNOT_OPEN;
     }
     return buffer == nullptr ? MSG_OUT_OF_MEMORY : 0;
 }
 
 bool CSourceFile::Fill() {
-    const std::size_t count = stream.Read(buffer, bufferSize);
+    return !isInMemory && TakeBlock(stream.Read(buffer, bufferSize));
+}
+
+// The buffer has been filled with `count` bytes. Result: whether there are any.
+bool CSourceFile::TakeBlock(std::size_t count) {
     readPosition = buffer;
     endOfData = buffer + count;
     endOfChunks = buffer + (count > chunkSize ? count - chunkSize : 0);

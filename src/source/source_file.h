@@ -16,6 +16,8 @@ class CSourceFile {
     /// Opens the file `name`, exactly as spelled, with a read buffer of at most `maxBufferSize`
     /// bytes. A file without a size, such as a pipe, gets a buffer of just that size.
     CSourceFile(std::string_view name, std::uint32_t maxBufferSize);
+    /// A file that holds `contents`, which are copied: what has been read by other means.
+    explicit CSourceFile(std::string_view contents);
     ~CSourceFile();
     CSourceFile(const CSourceFile&) = delete;
     CSourceFile& operator=(const CSourceFile&) = delete;
@@ -49,6 +51,7 @@ class CSourceFile {
                        std::uint32_t* linesOut);
     // Reads the next block. False at the end of the file.
     bool Fill();
+    bool TakeBlock(std::size_t count);
 
     platform::InputFile stream;
     std::uint8_t* buffer = nullptr;  // owned
@@ -58,6 +61,7 @@ class CSourceFile {
     // A chunk that starts before this is there whole, and a further byte.
     const std::uint8_t* endOfChunks = nullptr;
     std::uint32_t fileSize = 0;
+    bool isInMemory = false;  // all of it is in the buffer, there is no stream
 };
 
 }  // namespace korv

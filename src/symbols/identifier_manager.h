@@ -109,6 +109,8 @@ class CIdentifierManager {
 
     /// Records in the table, of every kind.
     [[nodiscard]] std::int32_t TotalCount() const { return totalCount; }
+    /// The record `number`, from 0, in the order in which the names were met.
+    [[nodiscard]] const CIdentifier& Record(std::int32_t number) const { return *RecordAt(number); }
 
   private:
     // Room for records. The first has some for a small program, beside the names that every run

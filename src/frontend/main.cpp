@@ -1,0 +1,5 @@
+#include "frontend/frontend.h"
+
+int main(int argumentCount, char** arguments) {
+    return korv::RunFrontend(argumentCount, arguments);
+}

@@ -1,0 +1,201 @@
+// What a statement is looked at for once it has been assembled: where its bytes are not what its
+// line says, and the core has no report for it.
+
+#include <algorithm>
+
+#include "codegen/handlers.h"
+#include "codegen/keywords.h"
+#include "codegen/value_range.h"
+#include "driver/assembler.h"
+#include "expr/number.h"
+#include "expr/token.h"
+#include "frontend/run_watch.h"
+#include "source/char_class.h"
+
+namespace korv {
+namespace {
+
+InstructionHandler HandlerOf(const CStatement& statement) {
+    const Keyword* const keyword = FindKeyword(SplitLine(statement.text).word);
+    return keyword == nullptr ? nullptr : keyword->handler;
+}
+
+// Whether the label would be a number in an expression. Only a number ends in a digit and begins
+// with one, or ends in the letter of its radix.
+bool ReadsAsNumber(std::string_view label) {
+    const char last = label.back();
+    const bool mayBe = HasClass(last, CC_DIGIT) ? HasClass(label.front(), CC_DIGIT)
+                                                : last == 'H' || last == 'B' || last == 'O';
+    std::int32_t value = 0;
+    return mayBe && label.size() > 1 && ReadNumber(label, &value) != notANumber;
+}
+
+// Whether "$" alone stands in the expression of `arg`, which waits for a name.
+bool HoldsLocation(const lsArg& arg) {
+    for (TokenReader reader(arg.expression); !reader.isAtEnd;) {
+        reader.Next();
+        if (reader.Token() == "$") {
+            return true;
+        }
+    }
+    return false;
+}
+
+// Whether `arg` waits for more than a name alone.
+bool IsLateExpression(const lsArg& arg) {
+    return arg.status == MSG_UNRESOLVED && arg.expression.size() != arg.unresolved.name.size();
+}
+
+// Whether `arg`, of a statement with `count` bytes, calls for a closer look. Of operands after the
+// second, which belong to data, only `IsLateExpression` is of interest: the rest is told there.
+bool IsOdd(const lsArg& arg, std::uint32_t count) {
+    return IsLateExpression(arg) || (arg.IsValue() ? !wordRange.Holds(arg.value) : count == 0);
+}
+
+}  // namespace
+
+// Every statement comes here, so what is rare stands elsewhere.
+void RunWatch::OnStatement(CStatement& statement, std::uint32_t lineCount) {
+    const std::uint32_t count = assembler->binary.Position() - imageSize;
+    if (settings.keepsRecords) {
+        Record(statement, lineCount, count);
+    }
+    imageSize += count;
+    if (lineCount > 1) {
+        CheckComment(statement);
+    }
+    if (statement.text[0] != '\0') {
+        if (assembler->assembling != wasAssembling || assembler->conditionDepth != levelCount) {
+            CheckConditions(statement);
+        }
+        if (statement.HasLabel()) {
+            CheckLabel(statement);
+        }
+        if (assembler->location != statement.address + count) {
+            CheckOrg(statement);
+        }
+        KO_Args& args = statement.args;
+        const std::int32_t operands = args.Count();
+        if (operands > 0 && (operands > 2 || IsOdd(*args.Arg(1), count) ||
+                             (operands > 1 && IsOdd(*args.Arg(2), count)))) {
+            CheckOperands(&statement, count);
+        }
+    }
+    isFaulty = false;
+    if (imageSize > settings.maxImage && !isStopped) {
+        StopAtSize(statement);
+    }
+}
+
+void RunWatch::CheckLabel(const CStatement& statement) {
+    if (ReadsAsNumber(statement.label) && assembler->assembling != 0) {
+        WarnAbout(Warning::numberLabel, statement, statement.label, std::string(statement.label),
+                  "");
+    }
+}
+
+void RunWatch::CheckOperands(CStatement* statement, std::uint32_t count) {
+    if (isFaulty) {  // it is known not to be what it says
+        return;
+    }
+    std::int32_t number = 0;
+    for (const lsArg* arg = statement->args.First(); arg != nullptr;
+         arg = statement->args.After(arg)) {
+        ++number;
+        if (!IsLateExpression(*arg)) {
+            if (number <= 2 && IsOdd(*arg, count)) {
+                CheckOperand(*statement, *arg);
+            }
+        } else if (HoldsLocation(*arg)) {
+            WarnAbout(Warning::lateLocation, *statement, arg->text, std::string(arg->text),
+                      "put a label in front of this line and write it for the $");
+        }
+    }
+}
+
+// `arg` has a value that no word holds, or is a register of a statement without bytes.
+void RunWatch::CheckOperand(const CStatement& statement, const lsArg& arg) {
+    const InstructionHandler handler = HandlerOf(statement);
+    if (arg.IsValue() && (handler == AssembleLd || handler == AssembleCall)) {
+        WarnAbout(Warning::truncated, statement, arg.text,
+                  std::string(arg.text) + " is " + std::to_string(arg.value), "");
+    }
+    if (!arg.IsValue() && (handler == AssembleEqu || handler == AssembleOrg)) {
+        WarnAbout(Warning::registerValue, statement, arg.text, std::string(arg.text), "");
+    }
+}
+
+// A comment that goes on over nothing, or over another comment, takes nothing away.
+void RunWatch::CheckComment(const CStatement& statement) {
+    const SourceText& text = messages->texts.Of(statement.fileName);
+    for (const LogicalLine::Place& place : text.Logical(statement.lineNumber).continuedComments) {
+        const std::string_view taken = text.Line(place.line + 1);
+        const auto start = std::ranges::find_if_not(
+            taken, [](char c) { return HasClass(c, CC_BLANK) || c == '\\'; });
+        if (start != taken.end() && *start != ';') {
+            MessagePlace at{statement.fileName, statement.lineNumber};
+            at.exact = place;
+            Warn(Warning::continuedComment, at, "", "end the comment with another character");
+        }
+    }
+}
+
+// Bytes that the reader passes over or takes for the end of a text. They make a file that no
+// editor shows as it is read: the first of each kind is told.
+void RunWatch::CheckBytes(std::int32_t file) {
+    if (!messages->texts.MayHideText(file)) {
+        return;
+    }
+    const std::string text = messages->texts.Contents(file);
+    const auto warn = [&](Warning warning, std::size_t at) {
+        const auto line =
+            1 + std::count(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(at), '\n');
+        const std::size_t start = at == 0 ? 0 : text.rfind('\n', at - 1) + 1;
+        MessagePlace place{file, static_cast<std::int32_t>(line)};
+        place.exact = LogicalLine::Place{place.line, at - start};
+        Warn(warning, place, "", "");
+    };
+    if (const std::size_t at = text.find('\0'); at != std::string::npos) {
+        warn(Warning::nullByte, at);
+    }
+    for (std::size_t at = 0; (at = text.find('\r', at)) != std::string::npos; ++at) {
+        const std::size_t next = text.find_first_not_of('\r', at);
+        if (next != std::string::npos && text[next] != '\n') {
+            warn(Warning::carriageReturn, at);
+            break;
+        }
+    }
+}
+
+void RunWatch::CheckOrg(const CStatement& statement) {
+    if (imageSize != 0 && !settings.followsOrg && !isFaulty &&
+        HandlerOf(statement) == AssembleOrg) {
+        const std::string_view address = SplitLine(statement.text).rest;
+        WarnAbout(Warning::orgGap, statement, address, std::string(address),
+                  "fill the gap by DS, or choose Intel HEX, which has addresses");
+    }
+}
+
+// An IF, ELSE or ENDIF has moved the state. What follows an IF depends on that one alone.
+void RunWatch::CheckConditions(const CStatement& statement) {
+    const auto depth = static_cast<std::size_t>(assembler->conditionDepth);
+    const bool isOn = assembler->assembling != 0;
+    wasAssembling = assembler->assembling;
+    levelCount = assembler->conditionDepth;
+    if (depth < levels.size()) {
+        levels.pop_back();
+        return;
+    }
+    if (depth > levels.size()) {
+        const bool isLiveOutside = levels.empty() || levels.back().isLive;
+        levels.push_back(
+            {PlaceIn(statement, SplitLine(statement.text).word), false, isLiveOutside});
+    }
+    Level& level = levels.back();
+    level.isLive = level.isLiveOutside && isOn;
+    if (isOn && !level.isLiveOutside) {
+        WarnAbout(Warning::nestedIf, statement, "", "", "combine the conditions by AND");
+    }
+}
+
+}  // namespace korv

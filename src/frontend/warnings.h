@@ -1,0 +1,93 @@
+/// The warnings by name: those that the core reports by number, and those that only this front end
+/// gives.
+#pragma once
+
+#include <array>
+#include <bitset>
+#include <cstdint>
+#include <optional>
+#include <string_view>
+
+namespace korv {
+
+enum class Warning : std::uint8_t {
+    lateLocation,
+    truncated,
+    continuedComment,
+    orgGap,
+    numberLabel,
+    registerValue,
+    nestedIf,
+    keywordLabel,
+    nullByte,
+    carriageReturn,
+    overlap,
+    range,
+    openString,
+    emptyOperand,
+    skippedLine,
+    labelWithoutColon,
+    org,
+};
+
+struct WarningRow {
+    std::string_view name;
+    bool isOn;  ///< unless -W says otherwise
+    std::string_view meaning;
+};
+
+// clang-format off
+/// In the order of `Warning`.
+inline constexpr std::array warningTable = {
+    WarningRow{"late-location", true, "$ in an expression that waits for a name is the place where that is defined"},
+    WarningRow{"truncated", true, "a known value is cut to 16 bits"},
+    WarningRow{"continued-comment", true, "a comment that ends with a backslash takes the next line with it"},
+    WarningRow{"org-gap", true, "ORG after code leaves no gap in the image"},
+    WarningRow{"number-label", true, "a label reads as a number where it is used"},
+    WarningRow{"register-value", true, "a register as a value is 0"},
+    WarningRow{"nested-if", true, "a block inside one that is skipped is assembled"},
+    WarningRow{"keyword-label", true, "an instruction in column 1 is a label"},
+    WarningRow{"null-byte", true, "a byte 0 hides the rest of its line"},
+    WarningRow{"carriage-return", true, "a carriage return alone ends no line"},
+    WarningRow{"overlap", true, "two blocks of an Intel HEX file have the same addresses"},
+    WarningRow{"range", true, "a value is cut to the bits that there are"},
+    WarningRow{"open-string", true, "a string is not closed"},
+    WarningRow{"empty-operand", true, "an operand between commas is missing"},
+    WarningRow{"skipped-line", true, "the first line begins with * and is skipped"},
+    WarningRow{"label-without-colon", false, "a label has no colon"},
+    WarningRow{"org", false, "ORG is used"},
+};
+// clang-format on
+static_assert(warningTable.size() == static_cast<std::size_t>(Warning::org) + 1);
+
+[[nodiscard]] constexpr const WarningRow& RowOf(Warning warning) {
+    return warningTable[static_cast<std::size_t>(warning)];
+}
+
+/// The warning that the core's warning `number` is; none: it is an error here, since the condition
+/// of an IF that has no value decides what is assembled.
+[[nodiscard]] std::optional<Warning> WarningOf(std::int32_t number);
+
+/// Which warnings are wanted, and which of them are errors.
+class WarningChoice {
+  public:
+    WarningChoice();
+
+    /// Takes the word of a -W: NAME, no-NAME, error, error=NAME, no-error=NAME. False: there is no
+    /// such warning.
+    [[nodiscard]] bool Take(std::string_view word);
+    /// -w: none is wanted.
+    void TakeNone();
+
+    [[nodiscard]] bool IsOn(Warning warning) const { return on[Index(warning)]; }
+    [[nodiscard]] bool IsError(Warning warning) const { return errors[Index(warning)]; }
+
+  private:
+    using Set = std::bitset<warningTable.size()>;
+    static std::size_t Index(Warning warning) { return static_cast<std::size_t>(warning); }
+
+    Set on;
+    Set errors;
+};
+
+}  // namespace korv

@@ -1,0 +1,223 @@
+// korv-as: its runs in tables of their own, and beside korv on all sources of the others.
+
+#include "frontend/frontend.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <regex>
+
+#include "frontend/hint_table.h"
+#include "run.h"
+
+namespace korv_test {
+namespace {
+
+namespace fs = std::filesystem;
+
+// Runs korv-as in the current directory, a file `stdin` there being its input. Result: what it printed on both streams,
+// then its exit status if that is not 0.
+std::string RunAs(Strings arguments) {
+    std::string program = "korv-as";
+    std::vector<char*> argv = {program.data()};
+    std::ranges::transform(arguments, std::back_inserter(argv), [](std::string& word) { return word.data(); });
+    std::fflush(stdout);
+    const int saved[] = {dup(STDOUT_FILENO), dup(STDERR_FILENO)};
+    const int console = open("console", O_CREAT | O_TRUNC | O_WRONLY | O_APPEND, 0600);
+    dup2(console, STDOUT_FILENO);
+    dup2(console, STDERR_FILENO);
+    EXPECT_NE(nullptr, std::freopen(fs::exists("stdin") ? "stdin" : "/dev/null", "r", stdin));
+    const int status = korv::RunFrontend(static_cast<int>(argv.size()), argv.data());
+    std::fflush(stdout);
+    dup2(saved[0], STDOUT_FILENO);
+    dup2(saved[1], STDERR_FILENO);
+    for (const int handle : {saved[0], saved[1], console}) {
+        close(handle);
+    }
+    const std::string printed = ReadFile("console").value_or("");
+    fs::remove("console");
+    return printed + (status == 0 ? "" : "exit status " + std::to_string(status) + "\n");
+}
+
+std::map<std::string, std::string> FilesHere() {
+    std::map<std::string, std::string> files;
+    for (const auto& entry : fs::recursive_directory_iterator(".")) {
+        if (!entry.is_directory()) {
+            files[entry.path().lexically_normal()] = ReadFile(entry.path()).value_or("unreadable");
+        }
+    }
+    return files;
+}
+
+class FrontendTest : public testing::TestWithParam<Block> {};
+
+// A case as those of korv, with the whole of its console and of all files that it leaves.
+TEST_P(FrontendTest, Holds) {
+    const Case test = ReadCase(GetParam());
+    const TempDir directory;
+    std::map<std::string, std::string> expected = test.files;
+    for (const auto& [name, contents] : test.files) {
+        WriteFile(name, contents);
+    }
+    for (const auto& [name, contents] : test.outputs) {
+        expected[name] = contents;
+    }
+    const std::string console = expected["console"];
+    expected.erase("console");
+    EXPECT_EQ(console, RunAs(test.arguments));
+    EXPECT_EQ(expected, FilesHere());
+}
+
+INSTANTIATE_TEST_SUITE_P(Tables, FrontendTest, testing::ValuesIn(ReadBlocks(ProjectPath("tests/frontend/runs.txt"))));
+
+Strings AllTables() {
+    Strings tables = {ProjectPath("docs/manual.md")};
+    for (const std::string folder : {"cases", "encodings"}) {
+        std::ranges::move(TablesIn(folder), std::back_inserter(tables));
+    }
+    return tables;
+}
+
+// The cases of a table; all instructions of a table of encodings are one.
+std::vector<Case> CasesOf(const std::string& table) {
+    std::vector<Case> cases;
+    if (Contains(table, "/encodings/")) {
+        std::string& source = cases.emplace_back().files["Main.Kor"];
+        for (const Encoding& encoding : ReadEncodings(table)) {
+            source += " " + encoding.instruction + "\n";
+        }
+    } else {
+        std::ranges::transform(ReadBlocks(table), std::back_inserter(cases), ReadCase);
+    }
+    return cases;
+}
+
+class FrontendPromiseTest : public testing::TestWithParam<std::string> {};
+
+// For every source of the tables: the image of korv or none; and none only where korv-as has an error that korv has
+// not.
+TEST_P(FrontendPromiseTest, EverySourceGivesTheImageOfKorvOrNone) {
+    const std::regex stricter("error: .*(\\[(open-if|max-image)\\]|\n *(IF|COND) )", std::regex::icase);
+    int images = 0;
+    for (const Case& test : CasesOf(GetParam())) {
+        for (const std::string format : {"com", "bin"}) {
+            const TempDir directory;
+            for (const auto& [name, contents] : test.files) {
+                WriteFile(name, contents);
+            }
+            RunKorv({"Main.Kor", "KORV.IMG", format == "com" ? "/b-" : "/b"});
+            const std::string printed = RunAs({"Main.Kor", "-o", "AS.IMG", "-f", format, "--max-errors", "0"});
+            const auto image = ReadFile("KORV.IMG"), own = ReadFile("AS.IMG");
+            const bool isNone = !own && (!image || std::regex_search(printed, stricter));
+            EXPECT_TRUE(own ? own == image : isNone) << test.files.at("Main.Kor") << printed;
+            EXPECT_EQ(own.has_value(), !Contains(printed, "exit status")) << printed;
+            images += own.has_value() ? 1 : 0;
+        }
+    }
+    EXPECT_EQ(images == 0, Contains(GetParam(), "conditions.txt")) << "whose sources that assemble leave an IF open";
+}
+
+INSTANTIATE_TEST_SUITE_P(Tables, FrontendPromiseTest, testing::ValuesIn(AllTables()));
+
+// What korv-as prints for a source, in which "|" ends a line.
+std::string PrintedFor(const std::string& source, const std::string& words = "") {
+    const TempDir directory;
+    WriteFile("defs.kor", "");
+    WriteFile("a.kor", ReplaceAll(source, "|", "\n") + "\n");
+    return RunAs(Split("a.kor" + words, ' '));
+}
+
+// clang-format off
+TEST(FrontendTest, EachMistakeGetsItsNote) {
+    std::vector<std::pair<std::string, std::string>> rows = {
+        {" INCLUDE \"DEFS.kor\"", "write the name without quotes: INCLUDE DEFS.kor"}, {" LOD A,5", "did you mean LD?"},
+        {" PUHS HL", "did you mean PUSH?"}, {"LOOP1: NOP| JP LOPO1", "did you mean LOOP1?"}, {" LD A", "LD takes two operands"},
+        {" JP", "JP takes one or two operands"}, {" DB", "DB takes one operand or more"}, {" NEG A", "NEG takes no operand"},
+        {"LD A,5", "only labels begin in column 1: indent LD"}, {"DEFB 5", "only labels begin in column 1: indent DEFB"},
+        {"X: NOP|X: NOP", "the first definition is a.kor:1"}, {"LD: NOP", "rename it, as LD1"}, {" RET 1,2", "RET takes no or one operand"},
+        {ReplaceAll(std::string(33, 'x'), "x", " IF 1|"), "is an ENDIF missing?"},
+        {std::string(256, ';'), "a line has 255 bytes with its comment, and ends with a line feed"}};
+    for (const korv::HintRow& row : korv::hintTable) {
+        rows.emplace_back(row.example, row.note);
+    }
+    for (const auto& [source, note] : rows) {
+        const std::string pattern = std::regex_replace(note, std::regex(R"([^\w %])"), "\\$&");
+        const std::regex printed("note: " + std::regex_replace(pattern, std::regex("%[wc12]"), ".+") + "\n");
+        EXPECT_TRUE(source.empty() || std::regex_search(PrintedFor(source), printed)) << source << ": " << note;
+    }
+    EXPECT_TRUE(Contains(PrintedFor("A1: NOP", " -D A1"), "note: -D has defined it\n"));
+    EXPECT_FALSE(Contains(PrintedFor(" FROB 1| JP LATER"), "note:")) << "nothing is near";
+}
+
+// The places and names of all messages for a source, an "!" before those that are errors.
+TEST(FrontendTest, StrangeLinesAreWarnedOfAndOthersAreNot) {
+    const char* rows[][3] = {
+        {"", " DB FWD-$|FWD: DW $-FWD,FWD-$1|X: EQU LATE*$|LATE: JP NONE+$", "1:5 late-location, 3:8 late-location, 4:10 late-location, !4:10 X12"},
+        {"", " LD BC,35000*2| LD (35000*2),A| CALL -32769| LD IX,(65535+1)", "1:8 truncated, 2:5 X23, 3:7 truncated, 4:8 truncated"},
+        {"", " DS 35000*1| LD HL,65535| LD DE,-32768|X: EQU 35000*2| JP X", "5:5 X23"},
+        {"", " NOP ; a \\| HALT|; b \\|  ; c \\||; d \\\r| DB 1|  DB 2, \\|3", "1:10 continued-comment, 6:5 continued-comment"},
+        {"", " ORG 5| NOP| ORG $| ORG 9000H", "4:6 org-gap"},
+        {" -f hex -o h", " NOP| ORG 200H| NOP| ORG 1FFH| DW 1| ORG 0FFFFH| DW 1| ORG 0| NOP", "9:2 overlap, 5:2 overlap"},
+        {" -f bin -W org", " NOP| ORG 5| NOP| ORG 7", "2:6 X47, 4:6 X48, 4:6 org-gap"},
+        {"", "EACH: NOP|12:|1B: EQU 1|H: EQU 1|EACHX: NOP|A_H: NOP|99999: NOP", "1:1 number-label, 2:1 number-label, 3:1 number-label, 6:1 number-label, 7:1 number-label"},
+        {"", "R: EQU HL|S: EQU NZ|T: EQU (C)| ORG B| PUSH HL|U: EQU B+1", "1:8 register-value, 2:8 register-value, 3:8 register-value, 4:6 register-value, !6:8 X24"},
+        {"", " IF 0| IF 1| ENDIF| IF 0| ELSE| ENDIF| ELSE| IF 1| ENDIF| ENDIF| IF 1| ENDIF", "2:2 nested-if, 5:2 nested-if"},
+        {"", "END|ENDX|Defb:| LD A,300| DM \"a| DB 1,,2| DB 1,", "1:1 keyword-label, 4:7 X40, 5:5 X45, 6:6 X59, 7:6 X59"},
+        {" -W org -W label-without-colon", "*|X NOP| ORG 300H", "1:1 X58, 2:1 X57, 3:6 X60, 3:6 org-gap"},
+        {" -W error=range -W no-org-gap", " LD A,300| ORG 5| DB 1,", "!1:7 X40, 3:6 X59"},
+        {" -Werror -W no-error=empty-operand -W no-open-string -W no-skipped-line", "* x| LD A,300| DB 1,| DM \"a", "!2:7 X40, 3:6 X59"},
+        {" -w -W range", "* x| LD A,300|END| DB 1,", ""},
+        {"", " IF 1| IF X| ELSE| ENDIF|Y: IF 1", "!2:5 X12, !5:1 X43, !1:2 open-if, !5:4 open-if"},
+        {" --max-image 3", " DW 1| DS 1| DS 0|", ""},
+        {" --max-image 3", " DW 1| DS 65535*32767| FROB", "!2:2 max-image"},
+        {" --max-image 3", " DW 1| DW FWD| FROB", "!2:2 max-image"},
+        {" --max-errors 2", " FROB| DB 1,| FROB| DB 1,| FROB", "!1:2 X33, 2:6 X59, !3:2 X33"},
+    };
+    const std::regex message("a\\.kor:([0-9:]+): (error|warning): .* \\[([\\w-]+)\\]\n");
+    for (const auto& [words, source, messages] : rows) {
+        const std::string printed = PrintedFor(source, words);
+        std::string got;
+        for (std::sregex_iterator it(printed.begin(), printed.end(), message), end; it != end; ++it) {
+            got += (got.empty() ? "" : ", ") + std::string(it->str(2) == "error" ? "!" : "") + it->str(1) + " " + it->str(3);
+        }
+        EXPECT_EQ(messages, got) << source << "\n" << printed;
+        EXPECT_EQ(Contains(got, "!"), Contains(printed, "exit status 1")) << printed;
+    }
+}
+
+TEST(FrontendTest, BytesThatHideTextAreWarnedOf) {
+    const std::string printed = PrintedFor(std::string(" NOP\r| A\0B|; c\r NOP\r|", 20));
+    EXPECT_TRUE(Contains(printed, "a.kor:2:3: warning: a byte 0 hides the rest of its line [null-byte]")) << printed;
+    EXPECT_TRUE(Contains(printed, "a.kor:3:4: warning: a carriage return alone ends no line [carriage-return]")) << printed;
+    EXPECT_EQ("", PrintedFor(" NOP\r|; c\r\r|\r| NOP\r"));
+}
+
+TEST(FrontendTest, WhatIsWrongWithTheCommandLineIsSaidAndNothingIsWritten) {
+    const std::pair<const char*, const char*> rows[] = {
+        {"", "no source"}, {"a.kor b.kor", "b.kor"}, {"-x a.kor", "-x"}, {"none.kor", "cannot read none.kor"}, {"sub", "cannot read sub"},
+        {"-", "give -o"}, {"-f elf a.kor", "elf"}, {"-W foo a.kor", "-W foo"}, {"-W error=foo a.kor", "error=foo"},
+        {"a.kor -o a.kor", "a.kor is a file that was read"}, {"a.kor -l sub/link", "was read"}, {"a.kor --symbols data.bin", "was read"},
+        {"a.kor -o b -l ./b", "two outputs"}, {"a.kor -o - -l -", "two outputs"}, {"a.kor -o - -M d", "dependencies"},
+        {"a.kor -o no/a.com", "cannot write no/a.com"}, {"a.kor -l sub", "cannot write sub"}, {"-D =1 a.kor", "no name"},
+        {"-D 1 a.kor", "no name"}, {"-D A.B a.kor", "no name"}, {"-D A=X a.kor", "Could not resolve label"}, {"-D A -D A a.kor", "redefinition"},
+        {"-D NOP a.kor", "not allowed as label"}, {"--max-errors x a.kor", "max-errors"}, {"--color red a.kor", "red"}};
+    for (const auto& [words, complaint] : rows) {
+        const TempDir directory;
+        WriteFile("a.kor", " NOP\n BINCLUDE data.bin\n");
+        WriteFile("data.bin", "x");
+        WriteFile("sub/x", "");
+        fs::create_hard_link("a.kor", "sub/link");
+        const auto before = FilesHere();
+        const std::string printed = RunAs(words[0] == '\0' ? Strings() : Split(words, ' '));
+        const std::regex expected("korv-as: error: .*" + std::string(complaint) + ".*\nexit status 2\n$");
+        EXPECT_TRUE(std::regex_search(printed, expected)) << words << "\n" << printed;
+        EXPECT_EQ(before, FilesHere()) << words;
+    }
+}
+// clang-format on
+
+}  // namespace
+}  // namespace korv_test

@@ -3,6 +3,13 @@ if exists('current_compiler')
   finish
 endif
 let current_compiler = 'korv'
+let s:saved_cpo = &cpo
+set cpo&vim
 
 CompilerSet makeprg=korv\ %:S
-CompilerSet errorformat=%f(%l)\ :\ %trror\ X%n\ :\ %m,%f(%l)\ :\ %tarning\ X%n\ :\ %m,%-G%.%#
+" One message has a number below 0.
+CompilerSet errorformat=%f(%l)\ :\ %trror\ X%n\ :\ %m,%f(%l)\ :\ %trror\ X-%n\ :\ %m,
+    \%f(%l)\ :\ %tarning\ X%n\ :\ %m,%-G%.%#
+
+let &cpo = s:saved_cpo
+unlet s:saved_cpo

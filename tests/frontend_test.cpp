@@ -1,10 +1,6 @@
 // korv-as: its runs in tables of their own, and beside korv on all sources of the others.
 
-#include "frontend/frontend.h"
-
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <filesystem>
@@ -17,30 +13,6 @@ namespace korv_test {
 namespace {
 
 namespace fs = std::filesystem;
-
-// Runs korv-as in the current directory, a file `stdin` there being its input. Result: what it printed on both streams,
-// then its exit status if that is not 0.
-std::string RunAs(Strings arguments) {
-    std::string program = "korv-as";
-    std::vector<char*> argv = {program.data()};
-    std::ranges::transform(arguments, std::back_inserter(argv), [](std::string& word) { return word.data(); });
-    std::fflush(stdout);
-    const int saved[] = {dup(STDOUT_FILENO), dup(STDERR_FILENO)};
-    const int console = open("console", O_CREAT | O_TRUNC | O_WRONLY | O_APPEND, 0600);
-    dup2(console, STDOUT_FILENO);
-    dup2(console, STDERR_FILENO);
-    EXPECT_NE(nullptr, std::freopen(fs::exists("stdin") ? "stdin" : "/dev/null", "r", stdin));
-    const int status = korv::RunFrontend(static_cast<int>(argv.size()), argv.data());
-    std::fflush(stdout);
-    dup2(saved[0], STDOUT_FILENO);
-    dup2(saved[1], STDERR_FILENO);
-    for (const int handle : {saved[0], saved[1], console}) {
-        close(handle);
-    }
-    const std::string printed = ReadFile("console").value_or("");
-    fs::remove("console");
-    return printed + (status == 0 ? "" : "exit status " + std::to_string(status) + "\n");
-}
 
 std::map<std::string, std::string> FilesHere() {
     std::map<std::string, std::string> files;
@@ -67,7 +39,7 @@ TEST_P(FrontendTest, Holds) {
     }
     const std::string console = expected["console"];
     expected.erase("console");
-    EXPECT_EQ(console, RunAs(test.arguments));
+    EXPECT_EQ(console, RunKorvAs(test.arguments));
     EXPECT_EQ(expected, FilesHere());
 }
 
@@ -109,7 +81,7 @@ TEST_P(FrontendPromiseTest, EverySourceGivesTheImageOfKorvOrNone) {
                 WriteFile(name, contents);
             }
             RunKorv({"Main.Kor", "KORV.IMG", format == "com" ? "/b-" : "/b"});
-            const std::string printed = RunAs({"Main.Kor", "-o", "AS.IMG", "-f", format, "--max-errors", "0"});
+            const std::string printed = RunKorvAs({"Main.Kor", "-o", "AS.IMG", "-f", format, "--max-errors", "0"});
             const auto image = ReadFile("KORV.IMG"), own = ReadFile("AS.IMG");
             const bool isNone = !own && (!image || std::regex_search(printed, stricter));
             EXPECT_TRUE(own ? own == image : isNone) << test.files.at("Main.Kor") << printed;
@@ -127,7 +99,7 @@ std::string PrintedFor(const std::string& source, const std::string& words = "")
     const TempDir directory;
     WriteFile("defs.kor", "");
     WriteFile("a.kor", ReplaceAll(source, "|", "\n") + "\n");
-    return RunAs(Split("a.kor" + words, ' '));
+    return RunKorvAs(Split("a.kor" + words, ' '));
 }
 
 // clang-format off
@@ -211,7 +183,7 @@ TEST(FrontendTest, WhatIsWrongWithTheCommandLineIsSaidAndNothingIsWritten) {
         WriteFile("sub/x", "");
         fs::create_hard_link("a.kor", "sub/link");
         const auto before = FilesHere();
-        const std::string printed = RunAs(words[0] == '\0' ? Strings() : Split(words, ' '));
+        const std::string printed = RunKorvAs(words[0] == '\0' ? Strings() : Split(words, ' '));
         const std::regex expected("korv-as: error: .*" + std::string(complaint) + ".*\nexit status 2\n$");
         EXPECT_TRUE(std::regex_search(printed, expected)) << words << "\n" << printed;
         EXPECT_EQ(before, FilesHere()) << words;

@@ -1,14 +1,17 @@
 #include "run.h"
 
 #include <fcntl.h>
+#include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 
 #include "driver/process.h"
+#include "frontend/frontend.h"
 
 namespace korv_test {
 namespace fs = std::filesystem;
@@ -35,6 +38,28 @@ void CaptureConsole() {
     const int file = open("console", O_CREAT | O_TRUNC | O_WRONLY, 0600);
     dup2(file, STDOUT_FILENO);
     close(file);
+}
+
+std::string RunKorvAs(Strings arguments) {
+    std::string program = "korv-as";
+    std::vector<char*> argv = {program.data()};
+    std::ranges::transform(arguments, std::back_inserter(argv), [](std::string& word) { return word.data(); });
+    std::fflush(stdout);
+    const int saved[] = {dup(STDOUT_FILENO), dup(STDERR_FILENO)};
+    const int console = open("console", O_CREAT | O_TRUNC | O_WRONLY | O_APPEND, 0600);
+    dup2(console, STDOUT_FILENO);
+    dup2(console, STDERR_FILENO);
+    EXPECT_NE(nullptr, std::freopen(fs::exists("stdin") ? "stdin" : "/dev/null", "r", stdin));
+    const int status = korv::RunFrontend(static_cast<int>(argv.size()), argv.data());
+    std::fflush(stdout);
+    dup2(saved[0], STDOUT_FILENO);
+    dup2(saved[1], STDERR_FILENO);
+    for (const int handle : {saved[0], saved[1], console}) {
+        close(handle);
+    }
+    const std::string printed = ReadFile("console").value_or("");
+    fs::remove("console");
+    return printed + (status == 0 ? "" : "exit status " + std::to_string(status) + "\n");
 }
 
 TempDir::TempDir() : previous(fs::current_path()) {

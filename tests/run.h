@@ -13,6 +13,9 @@ namespace korv_test {
 /// Runs the program with `arguments`, in the current directory. Result: what it printed, which a file `console` there
 /// holds too.
 std::string RunKorv(Strings arguments);
+/// The same for korv-as, where a file `stdin` in the current directory is the input: what it printed on both streams,
+/// then its exit status if that is not 0. No file stays.
+std::string RunKorvAs(Strings arguments);
 
 /// Enters an empty directory; leaves and removes it at the end.
 class TempDir {

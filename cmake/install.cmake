@@ -1,0 +1,37 @@
+# What goes where: `cmake --install`, and `cpack` for a .deb. Vim looks into share/vim/vimfiles of its own prefix (on
+# Debian, Fedora and Arch /usr); no other editor has a place that all its users share, so their files lie in share/korv
+# and are named there. The doc folder has the manual and whole programs.
+include(GNUInstallDirs)
+set(KORV_DATA ${CMAKE_INSTALL_DATADIR}/korv)
+install(TARGETS korv)
+if(TARGET korv-as)
+  install(TARGETS korv-as)
+endif()
+install(FILES docs/man1/korv.1 docs/man1/korv-as.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+install(FILES LICENSE CHANGELOG.md docs/manual.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DOCDIR} FILES_MATCHING PATTERN *.kor)
+install(DIRECTORY editors/vim/ DESTINATION ${CMAKE_INSTALL_DATADIR}/vim/vimfiles)
+install(DIRECTORY editors/vscode editors/github DESTINATION ${KORV_DATA})
+
+set(CPACK_GENERATOR DEB)
+set(CPACK_PACKAGE_NAME korv)
+set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "cross-assembler for the Z80")
+set(CPACK_STRIP_FILES ON)
+set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE
+                                                WORLD_READ WORLD_EXECUTE)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
+set(CPACK_DEBIAN_PACKAGE_SECTION devel)
+set(CPACK_DEBIAN_PACKAGE_MAINTAINER "the Korv maintainers <maintainers@korv.invalid>" CACHE STRING
+    "Name and address in the .deb")
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PACKAGE_DESCRIPTION "Korv reads a source for the Zilog Z80 once and writes one flat image:
+a CP/M .com or a .bin with a load header, and with korv-as also Intel HEX.
+
+korv answers a person at a console. korv-as is for builds and editors: exit
+status, messages with file, line and column, dependencies for make and ninja,
+a listing and a symbol file. Files for vim, for Visual Studio Code and for the
+checks of GitHub are included.")
+set(CPACK_PRE_BUILD_SCRIPTS ${CMAKE_SOURCE_DIR}/cmake/debian.cmake)
+include(CPack)

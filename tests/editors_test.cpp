@@ -1,0 +1,130 @@
+// The files under editors/: their words are those of the language, none missing and none too many,
+// and their patterns read what the programs print.
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <regex>
+#include <set>
+#include <sstream>
+
+#include "codegen/keywords.h"
+#include "expr/registers.h"
+#include "expr/token.h"
+#include "run.h"
+
+namespace korv_test {
+namespace {
+
+using StringSet = std::set<std::string>;
+
+std::string Editor(const std::string& name) {
+    return ReadFile(ProjectPath("editors/" + name)).value_or("");
+}
+
+// The words in all that the first group of `pattern` finds.
+StringSet WordsIn(const std::string& text, const std::string& pattern) {
+    const std::regex list(pattern);
+    const std::regex word("[A-Z_]+");
+    StringSet words;
+    for (std::sregex_iterator at(text.begin(), text.end(), list), end; at != end; ++at) {
+        const std::string found = (*at)[1];
+        words.insert(std::sregex_token_iterator(found.begin(), found.end(), word), {});
+    }
+    return words;
+}
+
+TEST(EditorsTest, ColourEveryWordAndNoOther) {
+    StringSet words = {"KORV", "KORV_VER", "KORV_LOW", "KORV_BUILD"};
+    for (const korv::Keyword& row : korv::keywords) {
+        words.emplace(row.word);
+    }
+    for (const korv::OperandName& row : korv::operandNames) {
+        words.emplace(row.name);
+    }
+    words.erase("");
+    for (const std::string word : {"AND", "EXP", "MOD", "OR", "SHL", "SHR", "XOR"}) {
+        EXPECT_NE(0, korv::FindWord(word).code) << word;
+        words.insert(word);
+    }
+    EXPECT_EQ(words, WordsIn(Editor("vim/syntax/korv.vim"), "syntax keyword korv\\w+( .*)"));
+    EXPECT_EQ(words, WordsIn(Editor("vscode/syntaxes/korv.tmLanguage.json"), "\\(\\?:([A-Z_|]+)\\)"));
+}
+
+// What a matcher of JSON makes of `output`: a line of "file|line|column|severity|code|message" for
+// each line that its pattern fits.
+std::string Matched(const std::string& matcher, const std::string& output) {
+    const auto group = [&](const std::string& key, const std::string& form) {
+        std::smatch found;
+        return std::regex_search(matcher, found, std::regex("\"" + key + "\": " + form)) ? found.str(1) : "";
+    };
+    const std::regex pattern(ReplaceAll(group("regexp", "\"(.*)\""), "\\\\", "\\"));
+    std::istringstream lines(output);
+    std::string all;
+    for (std::string line; std::getline(lines, line);) {
+        std::smatch match;
+        if (std::regex_match(line, match, pattern)) {
+            for (const std::string key : {"file", "line", "column", "severity", "code", "message"}) {
+                const std::string number = group(key, "([0-9])");
+                all += (number.empty() ? "" : match.str(std::stoul(number))) + (key == "message" ? "\n" : "|");
+            }
+        }
+    }
+    return all;
+}
+
+// The same by the errorformat of a vim compiler, where a severity is a letter.
+std::string MatchedByVim(const std::string& compiler, const std::string& output) {
+    WriteFile("output", output);
+    WriteFile("script", "set rtp^=" + ProjectPath("editors/vim") + "\ncompiler " + compiler + R"(
+cgetfile output
+let valid = filter(getqflist(), 'v:val.valid')
+call writefile(map(valid, 'join([bufname(v:val.bufnr), v:val.lnum, v:val.col, v:val.type, v:val.nr, v:val.text], "|")'), 'matched')
+qa!
+)");
+    EXPECT_EQ(0, std::system("vim -Nu NONE -es -S script </dev/null >/dev/null 2>&1"));
+    return ReadFile("matched").value_or("");
+}
+
+TEST(EditorsTest, ReadWhatIsPrinted) {
+    const TempDir directory;
+    WriteFile("Main.Kor", " INCLUDE sub/b (1).kor\n DB 1,\n LD A,()\n");
+    WriteFile("sub/b (1).kor", " FROB B\n");
+    const std::string package = Editor("vscode/package.json");
+    const std::string ofKorv = RunKorv({"Main.Kor"}), ofKorvAs = RunKorvAs({"Main.Kor"});
+    const auto here = [&](const std::string& text) { return ReplaceAll(text, "$DIR", directory.Path()); };
+    EXPECT_EQ(here("$DIR/sub/b (1).kor|1||error|33|Illegal or unknown instruction. [FROB]\n"
+                   "$DIR/Main.Kor|3||error|-1|Illegal error number! (Internal error.)\n"
+                   "$DIR/Main.Kor|3||error|14|Argument expected.\n"
+                   "$DIR/Main.Kor|2||warning|59|Expected argument.\n"),
+              Matched(package.substr(package.find("\"source\": \"korv\"")), ofKorv));
+    const std::string messages =
+        "sub/b (1).kor|1|2|error|X33|Illegal or unknown instruction: FROB\n"
+        "Main.Kor|2|6|warning|X59|Expected argument.\n"
+        "Main.Kor|3|5|error|X-1|Illegal error number! (Internal error.)\n"
+        "Main.Kor|3|2|error|X14|Argument expected.\n";
+    EXPECT_EQ(messages, Matched(Editor("github/korv-as.json"), ofKorvAs));
+    std::string withNotes = messages;
+    withNotes.insert(withNotes.find("Main.Kor|3|2"), "Main.Kor|3|5|note||fill the brackets\n");
+    EXPECT_EQ(withNotes + "Main.Kor|3|2|note||LD takes two operands\n",
+              Matched(package.substr(package.find("\"source\": \"korv-as\"")), ofKorvAs));
+    if (std::system("command -v vim >/dev/null") != 0) {
+        GTEST_SKIP() << "no vim here: its compiler files are not read";
+    }
+    EXPECT_EQ(here("$DIR/sub/b (1).kor|1|0|e|33|Illegal or unknown instruction. [FROB]\n"
+                   "$DIR/Main.Kor|3|0|e|1|Illegal error number! (Internal error.)\n"
+                   "$DIR/Main.Kor|3|0|e|14|Argument expected.\n"
+                   "$DIR/Main.Kor|2|0|w|59|Expected argument.\n"),
+              MatchedByVim("korv", ofKorv));
+    EXPECT_EQ(
+        "sub/b (1).kor|1|2|e|-1|Illegal or unknown instruction: FROB [X33]\n"
+        "Main.Kor|2|6|w|-1|Expected argument. [X59]\n"
+        "Main.Kor|3|5|e|-1|Illegal error number! (Internal error.) [X-1]\n"
+        "Main.Kor|3|5|n|-1|fill the brackets\n"
+        "Main.Kor|3|2|e|-1|Argument expected. [X14]\n"
+        "Main.Kor|3|2|n|-1|LD takes two operands\n",
+        MatchedByVim("korv-as", ofKorvAs));
+}
+
+}  // namespace
+}  // namespace korv_test

@@ -136,13 +136,14 @@ TEST(FrontendTest, StrangeLinesAreWarnedOfAndOthersAreNot) {
         {" -f bin -W org", " NOP| ORG 5| NOP| ORG 7", "2:6 X47, 4:6 X48, 4:6 org-gap"},
         {"", "EACH: NOP|12:|1B: EQU 1|H: EQU 1|EACHX: NOP|A_H: NOP|99999: NOP", "1:1 number-label, 2:1 number-label, 3:1 number-label, 6:1 number-label, 7:1 number-label"},
         {"", "R: EQU HL|S: EQU NZ|T: EQU (C)| ORG B| PUSH HL|U: EQU B+1", "1:8 register-value, 2:8 register-value, 3:8 register-value, 4:6 register-value, !6:8 X24"},
-        {"", " IF 0| IF 1| ENDIF| IF 0| ELSE| ENDIF| ELSE| IF 1| ENDIF| ENDIF| IF 1| ENDIF", "2:2 nested-if, 5:2 nested-if"},
+        {"", " IF 0| IF 1| IF 1| ENDIF| ENDIF| IF 0| ELSE| ENDIF| ELSE| IF 1| ENDIF| ENDIF", "2:2 nested-if, 3:2 nested-if, 7:2 nested-if"},
         {"", "END|ENDX|Defb:| LD A,300| DM \"a| DB 1,,2| DB 1,", "1:1 keyword-label, 4:7 X40, 5:5 X45, 6:6 X59, 7:6 X59"},
         {" -W org -W label-without-colon", "*|X NOP| ORG 300H", "1:1 X58, 2:1 X57, 3:6 X60, 3:6 org-gap"},
         {" -W error=range -W no-org-gap", " LD A,300| ORG 5| DB 1,", "!1:7 X40, 3:6 X59"},
         {" -Werror -W no-error=empty-operand -W no-open-string -W no-skipped-line", "* x| LD A,300| DB 1,| DM \"a", "!2:7 X40, 3:6 X59"},
         {" -w -W range", "* x| LD A,300|END| DB 1,", ""},
         {"", " IF 1| IF X| ELSE| ENDIF|Y: IF 1", "!2:5 X12, !5:1 X43, !1:2 open-if, !5:4 open-if"},
+        {"", " JP B1| JP A1| DB \"B1\",XB1,B1|XB1: EQU 5", "!2:5 X12, !3:14 X12"},
         {" --max-image 3", " DW 1| DS 1| DS 0|", ""},
         {" --max-image 3", " DW 1| DS 65535*32767| FROB", "!2:2 max-image"},
         {" --max-image 3", " DW 1| DW FWD| FROB", "!2:2 max-image"},
@@ -169,7 +170,7 @@ TEST(FrontendTest, BytesThatHideTextAreWarnedOf) {
 
 TEST(FrontendTest, WhatIsWrongWithTheCommandLineIsSaidAndNothingIsWritten) {
     const std::pair<const char*, const char*> rows[] = {
-        {"", "no source"}, {"a.kor b.kor", "b.kor"}, {"-x a.kor", "-x"}, {"none.kor", "cannot read none.kor"}, {"sub", "cannot read sub"},
+        {"", "no source"}, {"a.kor b.kor", "b.kor"}, {"-x a.kor", "-x"}, {"none.kor", "cannot read none.kor"}, {"sub", "cannot read sub"}, {"-I sub x", "cannot read x"},
         {"-", "give -o"}, {"-f elf a.kor", "elf"}, {"-W foo a.kor", "-W foo"}, {"-W error=foo a.kor", "error=foo"},
         {"a.kor -o a.kor", "a.kor is a file that was read"}, {"a.kor -l sub/link", "was read"}, {"a.kor --symbols data.bin", "was read"},
         {"a.kor -o b -l ./b", "two outputs"}, {"a.kor -o - -l -", "two outputs"}, {"a.kor -o - -M d", "dependencies"},

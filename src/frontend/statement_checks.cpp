@@ -87,14 +87,14 @@ void RunWatch::OnStatement(CStatement& statement, std::uint32_t lineCount) {
     }
 }
 
-void RunWatch::CheckLabel(const CStatement& statement) {
+[[gnu::noinline]] void RunWatch::CheckLabel(const CStatement& statement) {
     if (ReadsAsNumber(statement.label) && assembler->assembling != 0) {
         WarnAbout(Warning::numberLabel, statement, statement.label, std::string(statement.label),
                   "");
     }
 }
 
-void RunWatch::CheckOperands(CStatement* statement, std::uint32_t count) {
+[[gnu::noinline]] void RunWatch::CheckOperands(CStatement* statement, std::uint32_t count) {
     if (isFaulty) {  // it is known not to be what it says
         return;
     }
@@ -126,7 +126,7 @@ void RunWatch::CheckOperand(const CStatement& statement, const lsArg& arg) {
 }
 
 // A comment that goes on over nothing, or over another comment, takes nothing away.
-void RunWatch::CheckComment(const CStatement& statement) {
+[[gnu::noinline]] void RunWatch::CheckComment(const CStatement& statement) {
     const SourceText& text = messages->texts.Of(statement.fileName);
     for (const LogicalLine::Place& place : text.Logical(statement.lineNumber).continuedComments) {
         const std::string_view taken = text.Line(place.line + 1);
@@ -167,7 +167,7 @@ void RunWatch::CheckBytes(std::int32_t file) {
     }
 }
 
-void RunWatch::CheckOrg(const CStatement& statement) {
+[[gnu::noinline]] void RunWatch::CheckOrg(const CStatement& statement) {
     if (imageSize != 0 && !settings.followsOrg && !isFaulty &&
         HandlerOf(statement) == AssembleOrg) {
         const std::string_view address = SplitLine(statement.text).rest;
@@ -177,7 +177,7 @@ void RunWatch::CheckOrg(const CStatement& statement) {
 }
 
 // An IF, ELSE or ENDIF has moved the state. What follows an IF depends on that one alone.
-void RunWatch::CheckConditions(const CStatement& statement) {
+[[gnu::noinline]] void RunWatch::CheckConditions(const CStatement& statement) {
     const auto depth = static_cast<std::size_t>(assembler->conditionDepth);
     const bool isOn = assembler->assembling != 0;
     wasAssembling = assembler->assembling;

@@ -1,17 +1,17 @@
 # What goes where: `cmake --install`, and `cpack` for a .deb. Vim looks into share/vim/vimfiles of its own prefix (on
-# Debian, Fedora and Arch /usr); no other editor has a place that all its users share, so their files lie in share/korv
-# and are named there. The doc folder has the manual and whole programs.
+# Debian, Fedora and Arch /usr). No other editor has a place that all its users share: those files lie in share/korv, and
+# the manual says what to do with them. The doc folder has the manual and whole programs.
 include(GNUInstallDirs)
-set(KORV_DATA ${CMAKE_INSTALL_DATADIR}/korv)
 install(TARGETS korv)
+install(FILES docs/man1/korv.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 if(TARGET korv-as)
   install(TARGETS korv-as)
+  install(FILES docs/man1/korv-as.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 endif()
-install(FILES docs/man1/korv.1 docs/man1/korv-as.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 install(FILES LICENSE CHANGELOG.md docs/manual.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DOCDIR} FILES_MATCHING PATTERN *.kor)
 install(DIRECTORY editors/vim/ DESTINATION ${CMAKE_INSTALL_DATADIR}/vim/vimfiles)
-install(DIRECTORY editors/vscode editors/github DESTINATION ${KORV_DATA})
+install(DIRECTORY editors/vscode editors/github DESTINATION ${CMAKE_INSTALL_DATADIR}/korv)
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME korv)

@@ -1,6 +1,6 @@
-// Asks what is missing: each keyword, message, reserved word and switch has its case and its place in the
-// manual. The manual is written by hand, so it is a second opinion on every word and every text. A failure names what
-// has none.
+// Asks what is missing: each keyword, message, reserved word and switch has its case and its place in the manual, each
+// option its place there and in the man page. The manual is written by hand, so it is a second opinion on every word
+// and every text. A failure names what has none.
 
 #include <gtest/gtest.h>
 
@@ -17,6 +17,7 @@
 #include "codegen/recogniser.h"
 #include "diagnostics/message_numbers.h"
 #include "driver/command_line.h"
+#include "frontend/warnings.h"
 #include "run.h"
 
 namespace korv_test {
@@ -183,9 +184,11 @@ TEST(CompletenessTest, EverySwitchIsOnOffOrMalformed) {
     EXPECT_EQ(0U, korv::FlagsFrom("dslpmtbwi", stdout)) << "the letters of a caller's flag string";
     const Strings rows = Rows(Manual("| `/b`", "A word that"));
     EXPECT_EQ(signs.size(), rows.size()) << "switches in the manual";
+    const std::string page = ReadFile(ProjectPath("docs/man1/korv.1")).value_or("");
     for (const std::string& row : rows) {
         const std::string name = Found(row, "`([^`]*)`")[0];
         ASSERT_TRUE(signs.contains(name)) << name << ": no test";
+        EXPECT_TRUE(Contains(ReplaceAll(page, "\n", " "), ".It Cm " + name.substr(0, name.find(':')) + " ")) << name;
         const auto run = [&](const Strings& words) { return Traces("SET: JP X\nX NOP\n", words); };
         const auto isOn = [&](const std::string& traces) { return Contains(traces, signs.at(name)) != (name == "/w"); };
         const std::string neutral = name == "/i" ? "/b-" : "/i-";
@@ -204,6 +207,23 @@ TEST(CompletenessTest, EverySwitchIsOnOffOrMalformed) {
                 }
             }
         }
+    }
+}
+
+TEST(CompletenessTest, EveryOptionAndWarningOfKorvAsStandsInTheManualAndTheManPage) {
+    const TempDir directory;
+    const std::string manual = Manual("## 13", "## 14");
+    const std::string page = ReplaceAll(ReadFile(ProjectPath("docs/man1/korv-as.1")).value_or(""), "\n", " ");
+    const Strings options = Found(RunKorvAs({"--help"}), "(?:\n  |,)(-[-A-Za-z]+)");
+    EXPECT_EQ(18U, options.size());
+    for (const std::string& option : options) {
+        EXPECT_TRUE(Contains(manual, "`" + option)) << option;
+        EXPECT_TRUE(Contains(page, (option[1] == '-' ? " Fl Fl " + option.substr(2) : " Fl " + option.substr(1)) + " ")) << option;
+    }
+    for (const korv::WarningRow& row : korv::warningTable) {
+        const std::string name(row.name);
+        EXPECT_TRUE(Contains(manual, "\n| `" + name + (row.isOn ? "` | on | " : "` | off | "))) << name;
+        EXPECT_TRUE(Contains(page, ".It Cm " + name + " ")) << name;
     }
 }
 

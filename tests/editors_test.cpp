@@ -122,8 +122,9 @@ TEST(EditorsTest, ReadWhatIsPrinted) {
         "Main.Kor|3|5|e|-1|Illegal error number! (Internal error.) [X-1]\n"
         "Main.Kor|3|5|n|-1|fill the brackets\n"
         "Main.Kor|3|2|e|-1|Argument expected. [X14]\n"
-        "Main.Kor|3|2|n|-1|LD takes two operands\n",
-        MatchedByVim("korv-as", ofKorvAs));
+        "Main.Kor|3|2|n|-1|LD takes two operands\n"
+        "|0|0|e|-1|cannot read none.kor\n",
+        MatchedByVim("korv-as", ofKorvAs + RunKorvAs({"none.kor"})));
 }
 
 }  // namespace

@@ -7,7 +7,6 @@
 #include <regex>
 
 #include "frontend/hint_table.h"
-#include "frontend/warnings.h"
 #include "run.h"
 
 namespace korv_test {
@@ -192,16 +191,6 @@ TEST(FrontendTest, WhatIsWrongWithTheCommandLineIsSaidAndNothingIsWritten) {
     }
 }
 // clang-format on
-
-TEST(WarningsTest, AreToldByTheManualAndTheManPage) {
-    const std::string manual = ReadFile(ProjectPath("docs/manual.md")).value_or("");
-    const std::string page = ReadFile(ProjectPath("docs/man1/korv-as.1")).value_or("");
-    for (const korv::WarningRow& row : korv::warningTable) {
-        const std::string name(row.name);
-        EXPECT_TRUE(Contains(manual, "\n| `" + name + (row.isOn ? "` | on | " : "` | off | "))) << name;
-        EXPECT_TRUE(Contains(page, "\n.It Cm " + name + "\n")) << name;
-    }
-}
 
 }  // namespace
 }  // namespace korv_test

@@ -70,6 +70,14 @@ bool TakeSource(const std::string& source, std::string* text, bool* failed) {
     return true;
 }
 
+// Where a link leads that leads to nothing yet.
+fs::path Target(const std::string& name) {
+    std::error_code failure;
+    const fs::path path = fs::absolute(name, failure);
+    const fs::path link = fs::read_symlink(path, failure);
+    return failure ? path : path.parent_path() / link;
+}
+
 bool IsSameFile(const std::string& a, const std::string& b) {
     std::error_code failure;
     if (a == standardStream || b == standardStream) {
@@ -78,8 +86,7 @@ bool IsSameFile(const std::string& a, const std::string& b) {
     if (fs::exists(a, failure) && fs::exists(b, failure)) {
         return fs::is_regular_file(a, failure) && fs::equivalent(a, b, failure);
     }
-    return fs::absolute(a, failure).lexically_normal() ==
-           fs::absolute(b, failure).lexically_normal();
+    return fs::weakly_canonical(Target(a), failure) == fs::weakly_canonical(Target(b), failure);
 }
 
 // Whether an output is a file that has been read, or two are one; says which.
@@ -123,7 +130,7 @@ bool WriteAll(const std::vector<Output>& outputs, const platform::FileSet& files
     for (std::size_t i = outputs.size(); i-- > 0;) {
         const bool isStream = outputs[i].name == standardStream;
         if (isStream ? !WriteToStandardOutput(outputs[i].contents) : !files[i]->Commit()) {
-            PrintFailure("cannot write " + outputs[i].name);
+            PrintFailure("cannot write " + (isStream ? "standard output" : outputs[i].name));
             return false;
         }
     }

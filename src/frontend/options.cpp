@@ -14,13 +14,15 @@ namespace {
 
 constexpr const char* version = "korv-as 2.00.025";
 
-const std::map<std::string, ImageFormat> formats = {
+template <typename Choice>
+using Words = std::map<std::string, Choice>;
+
+const Words<ImageFormat> formats = {
     {"com", ImageFormat::com}, {"bin", ImageFormat::bin}, {"hex", ImageFormat::hex}};
-const std::map<std::string, SymbolFormat> symbolFormats = {{"equ", SymbolFormat::equ},
-                                                           {"sym", SymbolFormat::sym}};
-const std::map<std::string, ColorChoice> colors = {{"auto", ColorChoice::automatic},
-                                                   {"always", ColorChoice::always},
-                                                   {"never", ColorChoice::never}};
+const Words<SymbolFormat> symbolFormats = {{"equ", SymbolFormat::equ}, {"sym", SymbolFormat::sym}};
+const Words<ColorChoice> colors = {{"auto", ColorChoice::automatic},
+                                   {"always", ColorChoice::always},
+                                   {"never", ColorChoice::never}};
 
 std::string WarningHelp() {
     std::string text = "Warnings, for -W (those with * are on):\n";
@@ -44,6 +46,34 @@ std::optional<ImageFormat> FormatOf(const std::string& name) {
     return found == formats.end() ? std::nullopt : std::optional(found->second);
 }
 
+// An option with one word of a few; the last one given counts.
+template <typename Choice>
+CLI::Option* AddChoice(CLI::App* app, const char* name, const Words<Choice>& words, Choice* choice,
+                       const char* help) {
+    const auto take = [&words, choice, name](const std::string& word) {
+        const auto found = words.find(word);
+        if (found == words.end()) {
+            std::string all;
+            for (const auto& row : words) {
+                all += (all.empty() ? "" : ", ") + row.first;
+            }
+            throw CLI::ValidationError(name, word + " is none of " + all);
+        }
+        *choice = found->second;
+    };
+    return app->add_option_function<std::string>(name, take, help)->take_last();
+}
+
+// An option with a number; the last one given counts.
+void AddNumber(CLI::App* app, const char* name, std::uint64_t* number, const char* help) {
+    const auto isNumber = [](const std::string& word) {
+        const bool isOne = !word.empty() && word.size() <= 18 &&
+                           std::ranges::all_of(word, [](char c) { return HasClass(c, CC_DIGIT); });
+        return isOne ? "" : word + " is no number";
+    };
+    app->add_option(name, *number, help)->take_last()->check(isNumber);
+}
+
 // What depends on several words. Result: what is wrong with them; empty: nothing.
 std::string Complete(Options* options, bool isFormatGiven) {
     if (options->source.empty()) {
@@ -51,6 +81,12 @@ std::string Complete(Options* options, bool isFormatGiven) {
     }
     if (!isFormatGiven) {
         options->format = FormatOf(options->output).value_or(ImageFormat::com);
+    }
+    for (std::string* const name :
+         {&options->output, &options->depfile, &options->listing, &options->symbols}) {
+        if (*name == "/dev/stdout") {  // what else goes there stays
+            *name = standardStream;
+        }
     }
     if (options->output.empty()) {
         if (options->source == standardStream) {
@@ -84,24 +120,22 @@ std::optional<int> ReadOptions(int argumentCount, char** arguments, Options* opt
     app.add_option("FILE", options->source, "the source; - is standard input");
     app.add_option("-o", options->output,
                    "the image; - is standard output; default: beside the source");
-    auto* const format = app.add_option("-f,--format", options->format,
-                                        "com, bin (with load header) or hex (Intel HEX); default: "
-                                        "by the extension of -o, else com");
-    format->transform(CLI::CheckedTransformer(formats).description(""));
+    const auto* const format =
+        AddChoice(&app, "-f,--format", formats, &options->format,
+                  "com, bin (with load header) or hex (Intel HEX); default: by the extension of "
+                  "-o, else com");
     list("-D", &options->defines, "NAME or NAME=EXPRESSION: a name defined before the first line");
     list("-I", &options->includes, "DIR: where INCLUDE and BINCLUDE look too");
     app.add_option("-M,--depfile", options->depfile, "write dependencies for make and ninja");
     app.add_option("-l,--listing", options->listing, "write a listing");
     app.add_option("--symbols", options->symbols, "write names and values");
-    app.add_option("--symbol-format", options->symbolFormat,
-                   "equ (assembles again) or sym (BANK:ADDR NAME)")
-        ->transform(CLI::CheckedTransformer(symbolFormats).description(""));
+    AddChoice(&app, "--symbol-format", symbolFormats, &options->symbolFormat,
+              "equ (assembles again) or sym (BANK:ADDR NAME)");
     list("-W", &warningWords, "NAME, no-NAME, error, error=NAME: see below");
     app.add_flag("-w", isQuiet, "no warnings");
-    app.add_option("--max-errors", options->maxErrors, "print no more; 0: all; default 100");
-    app.add_option("--max-image", options->maxImage, "longest image in bytes; default 65536");
-    app.add_option("--color", options->color, "auto, always or never")
-        ->transform(CLI::CheckedTransformer(colors).description(""));
+    AddNumber(&app, "--max-errors", &options->maxErrors, "print no more; 0: all; default 100");
+    AddNumber(&app, "--max-image", &options->maxImage, "longest image in bytes; default 65536");
+    AddChoice(&app, "--color", colors, &options->color, "auto, always or never");
     try {
         app.parse(argumentCount, arguments);
     } catch (const CLI::ParseError& end) {

@@ -113,6 +113,9 @@ void RunWatch::OnFile(const std::string& path, std::int32_t number, CStatement* 
 }
 
 void RunWatch::OnFileEnd() {
+    if (statements.size() > 1 && assembler->flags.Has(RF_END) && !isStopped) {
+        CheckEnd(*statements.back());
+    }
     statements.pop_back();
 }
 
@@ -172,6 +175,10 @@ void RunWatch::OnMessage(std::int32_t kind, std::int32_t number, std::string_vie
             report.warning = Warning::keywordLabel;
         }
     }
+    if (number == MSG_ORG_IN_CODE && assembler->binary.Position() == 0 &&
+        assembler->startAddress != static_cast<std::int32_t>(assembler->location)) {
+        report.warning = Warning::orgGap;  // the header keeps the address of the first ORG
+    }
     if (report.statement != nullptr &&
         (!report.warning || report.warning == Warning::range || number == MSG_ORG_AFTER_CODE)) {
         isFaulty = true;
@@ -214,6 +221,8 @@ void RunWatch::Print(const Report& report) {
             message.text = RowOf(Warning::keywordLabel).meaning;
             message.code = RowOf(Warning::keywordLabel).name;
             message.detail = parts.label;
+        } else if (report.number == MSG_ORG_IN_CODE && *report.warning == Warning::orgGap) {
+            message.note = "the image is loaded where the first ORG says";
         }
     } else if (messages->IsOpen()) {
         const Fault fault{report.number, parts, report.text.empty() ? concerned : report.text,

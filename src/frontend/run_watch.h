@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <optional>
 #include <set>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -109,8 +110,9 @@ class RunWatch : public RunObserver {
 
     // In statement_checks.cpp.
     void CheckLabel(const CStatement& statement);
-    void CheckOperands(CStatement* statement, std::uint32_t count);
+    void CheckOperands(CStatement* statement, std::span<const std::uint8_t> bytes);
     void CheckOperand(const CStatement& statement, const lsArg& arg);
+    void CheckEnd(const CStatement& statement);
     void CheckBytes(std::int32_t file);
     void CheckComment(const CStatement& statement);
     void CheckOrg(const CStatement& statement);

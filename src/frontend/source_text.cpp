@@ -142,7 +142,8 @@ bool SourceTexts::MayHideText(std::int32_t number) {
         while ((at = block.find('\r', at)) != std::string_view::npos &&
                block.substr(++at).starts_with('\n')) {
         }
-        return at != std::string_view::npos || block.find('\0') != std::string_view::npos;
+        return at != std::string_view::npos || block.find('\0') != std::string_view::npos ||
+               block.find('\x1A') != std::string_view::npos;
     };
     if (const auto found = texts.find(number); found != texts.end()) {
         return mayHide(found->second.Contents());

@@ -2,9 +2,12 @@
 // line says, and the core has no report for it.
 
 #include <algorithm>
+#include <initializer_list>
+#include <span>
 
 #include "codegen/handlers.h"
 #include "codegen/keywords.h"
+#include "codegen/operand_forms.h"
 #include "codegen/value_range.h"
 #include "driver/assembler.h"
 #include "expr/number.h"
@@ -46,10 +49,40 @@ bool IsLateExpression(const lsArg& arg) {
     return arg.status == MSG_UNRESOLVED && arg.expression.size() != arg.unresolved.name.size();
 }
 
-// Whether `arg`, of a statement with `count` bytes, calls for a closer look. Of operands after the
-// second, which belong to data, only `IsLateExpression` is of interest: the rest is told there.
-bool IsOdd(const lsArg& arg, std::uint32_t count) {
-    return IsLateExpression(arg) || (arg.IsValue() ? !wordRange.Holds(arg.value) : count == 0);
+// Whether `arg`, of a statement with the bytes `bytes`, calls for a closer look.
+bool IsOdd(const lsArg& arg, std::span<const std::uint8_t> bytes) {
+    if (!arg.IsValue()) {
+        return bytes.empty();
+    }
+    return IsLateExpression(arg) || !wordRange.Holds(arg.value) ||
+           (arg.value < 0 && bytes.empty()) ||
+           (arg.text.front() == '"' && arg.text.back() != '"') ||
+           (arg.IsIndexed() && (bytes.empty() || (bytes[0] != PREFIX_IX && bytes[0] != PREFIX_IY)));
+}
+
+// Whether a string that is a value lacks its second quote.
+bool IsOpenString(const lsArg& arg) {
+    return arg.status == 0 && arg.IsValue() && std::ranges::count(arg.text, '"') % 2 != 0;
+}
+
+// What makes the condition `text` mean something else than it does in other languages; empty:
+// nothing.
+std::string_view SurpriseIn(std::string_view text) {
+    bool isCompared = false;
+    for (TokenReader reader(text); !reader.isAtEnd;) {
+        reader.Next();
+        const Operator word = reader.Token().empty() ? Operator() : FindWord(reader.Token());
+        for (const Operator& op : {word, reader.op}) {
+            if (op.code == OP_NOT) {
+                return "! turns every bit, and !1 is true: write X=0";
+            }
+            if (isCompared && (op.code == OP_AND || op.code == OP_OR || op.code == OP_XOR)) {
+                return "comparisons bind less than AND and OR: give each a name by EQU";
+            }
+            isCompared = isCompared || (op.code != 0 && op.priority <= 2);
+        }
+    }
+    return "";
 }
 
 }  // namespace
@@ -76,9 +109,10 @@ void RunWatch::OnStatement(CStatement& statement, std::uint32_t lineCount) {
         }
         KO_Args& args = statement.args;
         const std::int32_t operands = args.Count();
-        if (operands > 0 && (operands > 2 || IsOdd(*args.Arg(1), count) ||
-                             (operands > 1 && IsOdd(*args.Arg(2), count)))) {
-            CheckOperands(&statement, count);
+        const auto bytes = assembler->binary.Bytes().last(count);
+        if (operands > 0 &&
+            (operands > 2 || IsOdd(args[1], bytes) || (operands > 1 && IsOdd(args[2], bytes)))) {
+            CheckOperands(&statement, bytes);
         }
     }
     isFaulty = false;
@@ -94,16 +128,15 @@ void RunWatch::OnStatement(CStatement& statement, std::uint32_t lineCount) {
     }
 }
 
-[[gnu::noinline]] void RunWatch::CheckOperands(CStatement* statement, std::uint32_t count) {
+[[gnu::noinline]] void RunWatch::CheckOperands(CStatement* statement,
+                                               std::span<const std::uint8_t> bytes) {
     if (isFaulty) {  // it is known not to be what it says
         return;
     }
-    std::int32_t number = 0;
     for (const lsArg* arg = statement->args.First(); arg != nullptr;
          arg = statement->args.After(arg)) {
-        ++number;
         if (!IsLateExpression(*arg)) {
-            if (number <= 2 && IsOdd(*arg, count)) {
+            if (IsOdd(*arg, bytes)) {
                 CheckOperand(*statement, *arg);
             }
         } else if (HoldsLocation(*arg)) {
@@ -113,15 +146,28 @@ void RunWatch::OnStatement(CStatement& statement, std::uint32_t lineCount) {
     }
 }
 
-// `arg` has a value that no word holds, or is a register of a statement without bytes.
+// `arg` waits for nothing. What is a value reads 0 for a register, and no word for a register that
+// has a displacement.
 void RunWatch::CheckOperand(const CStatement& statement, const lsArg& arg) {
     const InstructionHandler handler = HandlerOf(statement);
-    if (arg.IsValue() && (handler == AssembleLd || handler == AssembleCall)) {
-        WarnAbout(Warning::truncated, statement, arg.text,
-                  std::string(arg.text) + " is " + std::to_string(arg.value), "");
+    const auto isOneOf = [handler](std::initializer_list<InstructionHandler> handlers) {
+        return std::ranges::find(handlers, handler) != handlers.end();
+    };
+    const std::string text(arg.text);
+    if (IsOpenString(arg)) {
+        WarnAbout(Warning::openString, statement, arg.text, text, "");
     }
-    if (!arg.IsValue() && (handler == AssembleEqu || handler == AssembleOrg)) {
-        WarnAbout(Warning::registerValue, statement, arg.text, std::string(arg.text), "");
+    const bool isRegister =
+        arg.IsIndexed()
+            ? isOneOf({AssembleDb, AssembleDw, AssembleDs, AssembleEqu, AssembleOrg, AssembleIf})
+            : isOneOf({AssembleEqu, AssembleOrg}) && !arg.IsValue();
+    if (isRegister) {
+        WarnAbout(Warning::registerValue, statement, arg.text, text, "");
+    } else if (isOneOf({AssembleLd, AssembleCall, AssembleOrg}) && !wordRange.Holds(arg.value)) {
+        WarnAbout(Warning::truncated, statement, arg.text,
+                  text + " is " + std::to_string(arg.value), "");
+    } else if (handler == AssembleDs && arg.value < 0) {
+        WarnAbout(Warning::negativeSize, statement, arg.text, text, "");
     }
 }
 
@@ -165,6 +211,11 @@ void RunWatch::CheckBytes(std::int32_t file) {
             break;
         }
     }
+    const std::size_t mark = text.find('\x1A');
+    if (mark != std::string::npos &&
+        text.find_first_not_of("\x1A \t\r\n", mark) != std::string::npos) {
+        warn(Warning::endMark, mark);
+    }
 }
 
 [[gnu::noinline]] void RunWatch::CheckOrg(const CStatement& statement) {
@@ -173,6 +224,13 @@ void RunWatch::CheckBytes(std::int32_t file) {
         const std::string_view address = SplitLine(statement.text).rest;
         WarnAbout(Warning::orgGap, statement, address, std::string(address),
                   "fill the gap by DS, or choose Intel HEX, which has addresses");
+    }
+}
+
+// The run ends with `statement`, of an included file, or with a file that it includes.
+void RunWatch::CheckEnd(const CStatement& statement) {
+    if (HandlerOf(statement) == AssembleEnd) {
+        WarnAbout(Warning::earlyEnd, statement, "", "", "END is for the main file");
     }
 }
 
@@ -188,8 +246,12 @@ void RunWatch::CheckBytes(std::int32_t file) {
     }
     if (depth > levels.size()) {
         const bool isLiveOutside = levels.empty() || levels.back().isLive;
-        levels.push_back(
-            {PlaceIn(statement, SplitLine(statement.text).word), false, isLiveOutside});
+        const LineParts parts = SplitLine(statement.text);
+        levels.push_back({PlaceIn(statement, parts.word), false, isLiveOutside});
+        const std::string_view surprise = isFaulty ? "" : SurpriseIn(parts.rest);
+        if (!surprise.empty()) {
+            WarnAbout(Warning::condition, statement, parts.rest, std::string(parts.rest), surprise);
+        }
     }
     Level& level = levels.back();
     level.isLive = level.isLiveOutside && isOn;

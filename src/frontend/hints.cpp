@@ -85,7 +85,17 @@ std::string Filled(std::string_view note, const Fault& fault) {
     return text;
 }
 
-bool Fits(const HintRow& row, const Fault& fault) {
+// The operands with nothing beside their commas, as the table has them.
+std::string Joined(const LineParts& parts) {
+    std::string text;
+    for (const std::string_view operand : parts.operands) {
+        text.append(text.empty() && operand.data() == parts.rest.data() ? "" : ",").append(operand);
+    }
+    return text;
+}
+
+// `rest` is `Joined` of the line.
+bool Fits(const HintRow& row, const Fault& fault, std::string_view rest) {
     if ((row.number != anyNumber && row.number != fault.number) ||
         !Matches(fault.parts.word, row.words)) {
         return false;
@@ -98,7 +108,7 @@ bool Fits(const HintRow& row, const Fault& fault) {
                 return Matches(operand, row.pattern);
             });
         case Subject::rest:
-            return Matches(fault.parts.rest, row.pattern);
+            return Matches(rest, row.pattern);
     }
     return false;
 }
@@ -164,8 +174,9 @@ std::string HintFor(CAssembler* assembler, const Messages& messages, const Fault
     if (!hint.empty()) {
         return hint;
     }
+    const std::string rest = Joined(fault.parts);
     const auto* const row = std::ranges::find_if(
-        hintTable, [&fault](const HintRow& each) { return Fits(each, fault); });
+        hintTable, [&fault, &rest](const HintRow& each) { return Fits(each, fault, rest); });
     if (row != hintTable.end()) {
         return Filled(row->note, fault);
     }

@@ -154,7 +154,7 @@ void RunWatch::CheckOperand(const CStatement& statement, const lsArg& arg) {
         return std::ranges::find(handlers, handler) != handlers.end();
     };
     const std::string text(arg.text);
-    if (IsOpenString(arg)) {
+    if (IsOpenString(arg) && handler != AssembleDm) {  // which has said so
         WarnAbout(Warning::openString, statement, arg.text, text, "");
     }
     const bool isRegister =

@@ -14,7 +14,7 @@ namespace {
 std::string Escaped(const std::string& name) {
     std::string text;
     for (const char c : name) {
-        text += c == '$' ? "$" : c == ' ' || c == '#' ? "\\" : "";
+        text += c == '$' ? "$" : c == ' ' || c == '#' || c == ':' ? "\\" : "";
         text += c;
     }
     return text;

@@ -136,6 +136,10 @@ TEST(FrontendTest, StrangeLinesAreWarnedOfAndOthersAreNot) {
         {" -f bin -W org", " NOP| ORG 5| NOP| ORG 7", "2:6 X47, 4:6 X48, 4:6 org-gap"},
         {"", "EACH: NOP|12:|1B: EQU 1|H: EQU 1|EACHX: NOP|A_H: NOP|99999: NOP", "1:1 number-label, 2:1 number-label, 3:1 number-label, 6:1 number-label, 7:1 number-label"},
         {"", "R: EQU HL|S: EQU NZ|T: EQU (C)| ORG B| PUSH HL|U: EQU B+1", "1:8 register-value, 2:8 register-value, 3:8 register-value, 4:6 register-value, !6:8 X24"},
+        {" -W no-org-gap", " DB (IX+5)| DW 1,(IY-1)| DS (IX+1)| ORG (IX+1)| BIT 1,(IX+1)", "1:5 register-value, 2:7 register-value, 3:5 register-value, 4:6 register-value"},
+        {"", " IF !1| ENDIF| IF 1<2 OR 3| ENDIF| IF 1 AND 2=2| ENDIF", "1:5 condition, 3:5 condition"},
+        {" -W no-org-gap", " DS 0-1| LD A,\"a| DB 1,2,\"b| DB \"a\"| ORG 35000*2", "1:5 negative-size, 2:7 open-string, 3:9 open-string, 5:6 truncated"},
+        {" -f bin -W no-org", " ORG 5| ORG 5| ORG 7", "3:6 X48"},
         {"", " IF 0| IF 1| IF 1| ENDIF| ENDIF| IF 0| ELSE| ENDIF| ELSE| IF 1| ENDIF| ENDIF", "2:2 nested-if, 3:2 nested-if, 7:2 nested-if"},
         {"", "END|ENDX|Defb:| LD A,300| DM \"a| DB 1,,2| DB 1,", "1:1 keyword-label, 4:7 X40, 5:5 X45, 6:6 X59, 7:6 X59"},
         {" -W org -W label-without-colon", "*|X NOP| ORG 300H", "1:1 X58, 2:1 X57, 3:6 X60, 3:6 org-gap"},
@@ -165,7 +169,8 @@ TEST(FrontendTest, BytesThatHideTextAreWarnedOf) {
     const std::string printed = PrintedFor(std::string(" NOP\r| A\0B|; c\r NOP\r|", 20));
     EXPECT_TRUE(Contains(printed, "a.kor:2:3: warning: a byte 0 hides the rest of its line [null-byte]")) << printed;
     EXPECT_TRUE(Contains(printed, "a.kor:3:4: warning: a carriage return alone ends no line [carriage-return]")) << printed;
-    EXPECT_EQ("", PrintedFor(" NOP\r|; c\r\r|\r| NOP\r"));
+    EXPECT_EQ("", PrintedFor(" NOP\r|; c\r\r|\r| NOP\r|\x1A\x1A"));
+    EXPECT_TRUE(Contains(PrintedFor(" DB \"\x1A\""), "a.kor:1:6: warning: a byte 1AH ends no file and is dropped [end-mark]"));
 }
 
 TEST(FrontendTest, WhatIsWrongWithTheCommandLineIsSaidAndNothingIsWritten) {
@@ -176,13 +181,15 @@ TEST(FrontendTest, WhatIsWrongWithTheCommandLineIsSaidAndNothingIsWritten) {
         {"a.kor -o b -l ./b", "two outputs"}, {"a.kor -o - -l -", "two outputs"}, {"a.kor -o - -M d", "dependencies"},
         {"a.kor -o no/a.com", "cannot write no/a.com"}, {"a.kor -l sub", "cannot write sub"}, {"-D =1 a.kor", "no name"},
         {"-D 1 a.kor", "no name"}, {"-D A.B a.kor", "no name"}, {"-D A=X a.kor", "Could not resolve label"}, {"-D A -D A a.kor", "redefinition"},
-        {"-D NOP a.kor", "not allowed as label"}, {"--max-errors x a.kor", "max-errors"}, {"--color red a.kor", "red"}};
+        {"-D NOP a.kor", "not allowed as label"}, {"--max-errors x a.kor", "max-errors"}, {"--color red a.kor", "red is none of always, auto, never"}, {"--max-image -1 a.kor", "-1 is no number"},
+        {"a.kor -o new -l sub/to", "two outputs"}, {"a.kor -o - -l /dev/stdout", "two outputs"}};
     for (const auto& [words, complaint] : rows) {
         const TempDir directory;
         WriteFile("a.kor", " NOP\n BINCLUDE data.bin\n");
         WriteFile("data.bin", "x");
         WriteFile("sub/x", "");
         fs::create_hard_link("a.kor", "sub/link");
+        fs::create_symlink("../new", "sub/to");
         const auto before = FilesHere();
         const std::string printed = RunKorvAs(words[0] == '\0' ? Strings() : Split(words, ' '));
         const std::regex expected("korv-as: error: .*" + std::string(complaint) + ".*\nexit status 2\n$");

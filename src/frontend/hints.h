@@ -18,7 +18,7 @@ class Messages;
 struct Fault {
     Status number;
     const LineParts& parts;      ///< of its line
-    std::string_view concerned;  ///< the part of the line that it points to
+    std::string_view concerned;  ///< what of the line it points to
     bool isLate;                 ///< the line is not the one being assembled
 };
 

@@ -19,7 +19,7 @@ enum class Severity : std::uint8_t { error, warning };
 struct MessagePlace {
     std::int32_t file = 0;   ///< 0: no place at all
     std::int32_t line = 0;   ///< its first physical line
-    std::size_t offset = 0;  ///< of the part in the cleaned line
+    std::size_t offset = 0;  ///< its start in the cleaned line
     std::size_t length = 1;
     std::optional<LogicalLine::Place> exact = {};  ///< of what the cleaned line has no more
 };

@@ -28,6 +28,7 @@ struct HintRow {
 inline constexpr auto hintTable = std::to_array<HintRow>({
     // Whatever the number: spellings of other assemblers.
     {anyNumber, "*", Subject::rest, "* //*|* /\\**", "a comment begins with a semicolon", " LD A,5 // five"},
+    {anyNumber, "*", Subject::rest, "*\xE2\x80*|*\xC2\xA0*", "quotes, dashes and blanks are those of ASCII: write them anew", " DB \xE2\x80\x9C" "A\xE2\x80\x9D"},
     {anyNumber, "EX", Subject::rest, "*AF*,*AF*", "the one form is EX AF,AF'", " EX AF,AF'X"},
     {anyNumber, "*", Subject::concerned, "0X*", "hexadecimal is 0FFH, $FF or #FF", " LD A,0x12"},
     {anyNumber, "*", Subject::rest, "0X#*|*,0X*|*(0X*|*+0X*|*-0X*|* 0X*", "hexadecimal is 0FFH, $FF or #FF", " LD HL,0x1234"},
@@ -83,7 +84,7 @@ inline constexpr auto hintTable = std::to_array<HintRow>({
     {MSG_TOO_MANY_ARGUMENTS, "DM|DEFM", Subject::rest, "*", "%w takes one string; DB takes several operands", " DM \"a\",\"b\""},
     {MSG_TOO_MANY_ARGUMENTS, "DJNZ", Subject::rest, "B,*", "B is not written: DJNZ %2", " DJNZ B,X|X: NOP"},
     {MSG_TOO_MANY_ARGUMENTS, "END", Subject::rest, "*", "END takes no operand; the start of a .bin is the label EXEC", " END START"},
-    {MSG_TOO_MANY_ARGUMENTS, "RL*|RR*|SLA|SRA|SRL|BIT|SET|RES", Subject::rest, "*", "the undocumented form that copies to a register is not known", " RL A,B"},
+    {MSG_TOO_MANY_ARGUMENTS, "RL|RLC|RR|RRC|SLA|SRA|SRL|BIT|SET|RES", Subject::rest, "*", "the undocumented form that copies to a register is not known", " RL A,B"},
     {MSG_ARGUMENT_EXPECTED, "ADC|SBC", Subject::rest, "?*", "the accumulator is written here: %w A,%1", " ADC B"},
     {MSG_ARGUMENT_EXPECTED, "*", Subject::rest, "^ *|^^ *|(*) *", "is a comma missing?", " LD A B"},
     {MSG_ARGUMENT_EXPECTED, "IN|OUT", Subject::rest, "(C)|F,(C)", "write IN F,(C) or OUT (C),F", " IN (C)"},
@@ -108,7 +109,8 @@ inline constexpr auto hintTable = std::to_array<HintRow>({
     {MSG_ILLEGAL_ARGUMENT, "LD", Subject::rest, "^^,?", "a pair takes no single register: load its halves", " LD HL, A"},
     {MSG_ILLEGAL_ARGUMENT, "LD", Subject::rest, "?,BC|?,DE|?,HL|?,SP|?,IX|?,IY", "a single register takes no pair: take one of its halves", " LD A,HL"},
     {MSG_ILLEGAL_ARGUMENT, "LD", Subject::rest, "^^,(*)", "a pair is loaded from an address only; by a register its halves, as LD E,(HL)", " LD DE,(HL)"},
-    {MSG_ILLEGAL_ARGUMENT, "ADD|ADC|SBC", Subject::rest, "HL,*|IX,*|IY,*", "%w %1 takes a pair", " ADD HL,5"},
+    {MSG_ILLEGAL_ARGUMENT, "ADD", Subject::rest, "HL,*|IX,*|IY,*", "ADD %1 takes BC, DE, SP and %1", " ADD HL,5"},
+    {MSG_ILLEGAL_ARGUMENT, "ADC|SBC", Subject::rest, "HL,*", "%w HL takes BC, DE, HL and SP", " SBC HL, IX"},
     {MSG_ILLEGAL_ARGUMENT, "ADD|ADC|SBC", Subject::rest, "A,(*)", "of memory %w takes (HL), (IX+d) and (IY+d); load it first", " ADD A,(1234)"},
     {MSG_ILLEGAL_ARGUMENT, "ADD", Subject::rest, "*", "ADD adds bytes to A, and pairs to HL, IX and IY", " ADD A,HL"},
     {MSG_ILLEGAL_ARGUMENT, "ADC|SBC", Subject::rest, "*", "%w takes bytes for A, and pairs for HL", " ADC B,C"},

@@ -148,10 +148,10 @@ void Messages::Print(const Message& message) {
     }
     pen.Own(message.code.empty() ? "" : " [" + message.code + "]").Own("\n");
     if (!line.empty()) {
-        const std::size_t room = std::max(line.size(), start.column + 1) - start.column;
-        pen.Line(line).Own(Indent(line.substr(0, start.column)));
-        pen.Style("32").Own(
-            "^" + std::string(std::min(std::max<std::size_t>(at.length, 1), room) - 1, '~'));
+        const std::size_t column = std::min(start.column, line.size());
+        const std::size_t width = Indent(line.substr(column, at.length)).size();
+        pen.Line(line).Own(Indent(line.substr(0, column)));
+        pen.Style("32").Own("^" + std::string(std::max<std::size_t>(width, 1) - 1, '~'));
         pen.Style("0").Own("\n");
     }
     if (!message.note.empty()) {

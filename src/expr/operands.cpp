@@ -16,13 +16,6 @@
 namespace korv {
 namespace {
 
-std::string_view WithoutLeadingBlanks(std::string_view text) {
-    while (!text.empty() && HasClass(text.front(), CC_BLANK)) {
-        text.remove_prefix(1);
-    }
-    return text;
-}
-
 // Whether `inner`, which stands in parentheses, begins with IX or IY and the sign of a
 // displacement, perhaps after blanks. Then the expression begins at that sign.
 bool TakeIndexName(std::string_view* inner) {

@@ -9,15 +9,8 @@
 namespace korv {
 namespace {
 
-std::string_view TrimmedFront(std::string_view text) {
-    while (!text.empty() && HasClass(text.front(), CC_BLANK)) {
-        text.remove_prefix(1);
-    }
-    return text;
-}
-
 std::string_view Trimmed(std::string_view text) {
-    text = TrimmedFront(text);
+    text = WithoutLeadingBlanks(text);
     while (!text.empty() && HasClass(text.back(), CC_BLANK)) {
         text.remove_suffix(1);
     }
@@ -70,7 +63,7 @@ LineParts SplitLine(std::string_view line) {
     } else if (line.starts_with('*')) {
         line.remove_prefix(1);
     }
-    line = TrimmedFront(line);
+    line = WithoutLeadingBlanks(line);
     parts.word = Prefix(line, [](char c) { return !HasClass(c, CC_BLANK); });
     parts.rest = Trimmed(line.substr(parts.word.size()));
     if (parts.rest.empty()) {

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstdint>
+#include <string_view>
 
 namespace korv {
 
@@ -58,6 +59,14 @@ inline constexpr auto charClass = [] {
 [[nodiscard]] constexpr const char* SkipBlanks(const char* text) noexcept {
     while (HasClass(*text, CC_BLANK)) {
         ++text;
+    }
+    return text;
+}
+
+/// `text` without the blanks at its start.
+[[nodiscard]] constexpr std::string_view WithoutLeadingBlanks(std::string_view text) noexcept {
+    while (!text.empty() && HasClass(text.front(), CC_BLANK)) {
+        text.remove_prefix(1);
     }
     return text;
 }

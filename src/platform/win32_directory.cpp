@@ -15,6 +15,7 @@ namespace korv::platform {
 namespace {
 
 constexpr std::size_t driveLength = 2;
+constexpr std::size_t longestPath = 32767 - 5;  // of the system, less what `Unlimited` adds
 
 bool IsSeparator(wchar_t c) {
     return c == L'/' || c == L'\\';
@@ -169,7 +170,7 @@ CurrentDirectory::~CurrentDirectory() = default;
 
 bool CurrentDirectory::FullPath(std::string_view name, std::string* path) {
     std::wstring full = FullName(state->Joined(Wide(name)));
-    if (FailsOnPurpose() || !HasDrive(full)) {
+    if (FailsOnPurpose() || !HasDrive(full) || full.size() > longestPath) {
         return false;
     }
     state->isFound = state->SpellAsOnDisk(&full);

@@ -27,7 +27,7 @@ std::string MessagesIn(const std::string& console) {
     for (std::string line; std::getline(stream, line);) {
         const std::size_t end = std::min(line.find(") : error X"), line.find(") : warning X"));
         if (end != std::string::npos) {
-            messages += line.substr(line.rfind('/', end) + 1) + "\n";
+            messages += line.substr(line.find_last_of("/\\", end) + 1) + "\n";
         }
     }
     return messages;
@@ -59,7 +59,7 @@ TEST_P(CaseTest, Holds) {
         WriteFile(name, contents);
     }
     const std::string console = RunKorv(test.arguments);
-    const auto here = [&](const std::string& text) { return ReplaceAll(text, "$DIR", directory.Path()); };
+    const auto here = [&](const std::string& text) { return Shown(text, directory.Path()); };
     // The sources stay as they were, unless they are said to be written over.
     std::map<std::string, std::string> expected = test.files, got;
     for (const auto& [name, contents] : test.outputs) {
@@ -67,7 +67,8 @@ TEST_P(CaseTest, Holds) {
     }
     for (const auto& entry : fs::recursive_directory_iterator(".")) {
         if (!entry.is_directory()) {
-            got[entry.path().lexically_normal()] = ReadFile(entry.path()).value_or("unreadable");
+            const std::string name = entry.path().lexically_normal().generic_string();
+            got[name] = ReadFile(name).value_or("unreadable");
         }
     }
     if (!test.outputs.contains("console")) {

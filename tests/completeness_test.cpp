@@ -153,7 +153,7 @@ std::string Traces(const std::string& source, const Strings& arguments) {
     RunKorv(arguments);
     std::string traces;
     for (const auto& entry : std::filesystem::directory_iterator(".")) {
-        const std::string name = entry.path().filename();
+        const std::string name = entry.path().filename().string();
         traces += name + "\n" + ReadFile(name).value_or("") + "\n";
     }
     return traces;
@@ -180,7 +180,7 @@ TEST(CompletenessTest, EverySwitchIsOnOffOrMalformed) {
     const std::tuple<std::string, char, std::string> endings[] = {  // ' ': as it was before
         {"", '+', ""}, {"+", '+', ""}, {"-", '-', ""}, {"q", ' ', "Unrecognized switch (argument 3)!\n"},
         {"+-", '+', "Trailing garbage in argument 3!\n"}, {"-+", '-', "Trailing garbage in argument 3!\n"}};
-    ASSERT_NE(nullptr, std::freopen("/dev/null", "r", stdin));  // for /wait
+    ASSERT_NE(nullptr, std::freopen(nullDevice, "r", stdin));  // for /wait
     EXPECT_EQ(0U, korv::FlagsFrom("dslpmtbwi", stdout)) << "the letters of a caller's flag string";
     const Strings rows = Rows(Manual("| `/b`", "A word that"));
     EXPECT_EQ(signs.size(), rows.size()) << "switches in the manual";

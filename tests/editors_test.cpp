@@ -70,7 +70,7 @@ std::string Matched(const std::string& matcher, const std::string& output) {
             }
         }
     }
-    return all;
+    return ReplaceAll(all, "\\", "/");
 }
 
 // The same by the errorformat of a vim compiler, where a severity is a letter.
@@ -92,7 +92,9 @@ TEST(EditorsTest, ReadWhatIsPrinted) {
     WriteFile("sub/b (1).kor", " FROB B\n");
     const std::string package = Editor("vscode/package.json");
     const std::string ofKorv = RunKorv({"Main.Kor"}), ofKorvAs = RunKorvAs({"Main.Kor"});
-    const auto here = [&](const std::string& text) { return ReplaceAll(text, "$DIR", directory.Path()); };
+    const auto here = [&](const std::string& text) {
+        return ReplaceAll(text, "$DIR", ReplaceAll(directory.Path(), "\\", "/"));
+    };
     EXPECT_EQ(here("$DIR/sub/b (1).kor|1||error|33|Illegal or unknown instruction. [FROB]\n"
                    "$DIR/Main.Kor|3||error|-1|Illegal error number! (Internal error.)\n"
                    "$DIR/Main.Kor|3||error|14|Argument expected.\n"

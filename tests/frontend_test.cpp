@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <ranges>
 #include <regex>
 
 #include "frontend/hint_table.h"
@@ -18,7 +19,8 @@ std::map<std::string, std::string> FilesHere() {
     std::map<std::string, std::string> files;
     for (const auto& entry : fs::recursive_directory_iterator(".")) {
         if (!entry.is_directory()) {
-            files[entry.path().lexically_normal()] = ReadFile(entry.path()).value_or("unreadable");
+            const std::string name = entry.path().lexically_normal().generic_string();
+            files[name] = ReadFile(name).value_or("unreadable");
         }
     }
     return files;
@@ -39,7 +41,9 @@ TEST_P(FrontendTest, Holds) {
     }
     const std::string console = expected["console"];
     expected.erase("console");
-    EXPECT_EQ(console, RunKorvAs(test.arguments));
+    Strings names;
+    std::ranges::copy(test.files | std::views::keys, std::back_inserter(names));
+    EXPECT_EQ(Shown(console, "", names), RunKorvAs(test.arguments));
     EXPECT_EQ(expected, FilesHere());
 }
 

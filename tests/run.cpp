@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
@@ -12,6 +13,10 @@
 
 #include "driver/process.h"
 #include "frontend/frontend.h"
+
+#ifndef O_BINARY
+#define O_BINARY 0
+#endif
 
 namespace korv_test {
 namespace fs = std::filesystem;
@@ -35,7 +40,7 @@ std::string RunKorv(Strings arguments) {
 
 void CaptureConsole() {
     std::fflush(stdout);
-    const int file = open("console", O_CREAT | O_TRUNC | O_WRONLY, 0600);
+    const int file = open("console", O_CREAT | O_TRUNC | O_WRONLY | O_BINARY, 0600);
     dup2(file, STDOUT_FILENO);
     close(file);
 }
@@ -46,25 +51,30 @@ std::string RunKorvAs(Strings arguments) {
     std::ranges::transform(arguments, std::back_inserter(argv), [](std::string& word) { return word.data(); });
     std::fflush(stdout);
     const int saved[] = {dup(STDOUT_FILENO), dup(STDERR_FILENO)};
-    const int console = open("console", O_CREAT | O_TRUNC | O_WRONLY | O_APPEND, 0600);
+    const int console = open("console", O_CREAT | O_TRUNC | O_WRONLY | O_BINARY | O_APPEND, 0600);
     dup2(console, STDOUT_FILENO);
     dup2(console, STDERR_FILENO);
-    EXPECT_NE(nullptr, std::freopen(fs::exists("stdin") ? "stdin" : "/dev/null", "r", stdin));
+    EXPECT_NE(nullptr, std::freopen(fs::exists("stdin") ? "stdin" : nullDevice, "r", stdin));
     const int status = korv::RunFrontend(static_cast<int>(argv.size()), argv.data());
-    std::fflush(stdout);
+    std::fflush(nullptr);
     dup2(saved[0], STDOUT_FILENO);
     dup2(saved[1], STDERR_FILENO);
     for (const int handle : {saved[0], saved[1], console}) {
         close(handle);
     }
+    EXPECT_NE(nullptr, std::freopen(nullDevice, "r", stdin));  // a file that is open cannot go everywhere
     const std::string printed = ReadFile("console").value_or("");
     fs::remove("console");
     return printed + (status == 0 ? "" : "exit status " + std::to_string(status) + "\n");
 }
 
-TempDir::TempDir() : previous(fs::current_path()) {
-    std::string pattern = fs::temp_directory_path() / "korv-test-XXXXXX";
-    path = fs::canonical(mkdtemp(pattern.data()));
+TempDir::TempDir() : previous(fs::current_path().string()) {
+    auto number = std::chrono::steady_clock::now().time_since_epoch().count();
+    const std::string start = (fs::temp_directory_path() / "korv-test-").string();
+    while (!fs::create_directory(start + std::to_string(number))) {
+        ++number;
+    }
+    path = fs::canonical(start + std::to_string(number)).string();
     fs::current_path(path);
 }
 
@@ -73,8 +83,18 @@ TempDir::~TempDir() {
     fs::remove_all(path);
 }
 
+std::string Shown(std::string text, const std::string& directory, Strings names) {
+    for (std::size_t at = 0; (at = text.find("$DIR/", at)) != std::string::npos; ++at) {
+        names.push_back(text.substr(at, text.find_first_of("(],'\n", at) - at));
+    }
+    for (const std::string& name : names) {
+        text = ReplaceAll(text, name, fs::path(name).make_preferred().string());
+    }
+    return ReplaceAll(text, "$DIR", directory);
+}
+
 std::optional<std::string> ReadFile(const std::string& name) {
-    std::ifstream file(name, std::ios::binary);
+    std::ifstream file(name, name.ends_with(".Out") ? std::ios::in : std::ios::binary);
     return file ? std::optional(std::string(std::istreambuf_iterator<char>(file), {})) : std::nullopt;
 }
 

@@ -10,6 +10,14 @@
 
 namespace korv_test {
 
+#ifdef _WIN32
+inline constexpr bool isWindows = true;
+inline constexpr const char* nullDevice = "NUL";
+#else
+inline constexpr bool isWindows = false;
+inline constexpr const char* nullDevice = "/dev/null";
+#endif
+
 /// Runs the program with `arguments`, in the current directory. Result: what it printed, which a file `console` there
 /// holds too.
 std::string RunKorv(Strings arguments);
@@ -31,6 +39,10 @@ class TempDir {
     std::string path;
 };
 
+/// `text` with `directory` for each "$DIR", and "$DIR/a/b", like each of `names`, as the system writes it.
+std::string Shown(std::string text, const std::string& directory, Strings names = {});
+
+/// A report, which is a file *.Out, with the line ends of all systems.
 std::optional<std::string> ReadFile(const std::string& name);
 /// Makes the directories of `name` as well.
 void WriteFile(const std::string& name, std::string_view contents);

@@ -263,7 +263,7 @@ std::string ProjectPath(const std::string& part) {
 Strings TablesIn(const std::string& folder) {
     std::set<std::string> tables;
     for (const auto& entry : std::filesystem::directory_iterator(ProjectPath("tests/" + folder))) {
-        tables.insert(entry.path());
+        tables.insert(entry.path().generic_string());
     }
     return {tables.begin(), tables.end()};
 }

@@ -36,10 +36,10 @@ std::int32_t RunAssembler(const CommandLine& commandLine) {
     const std::int32_t result =
         assembler.RunFromCommandLine(textOf(commandLine.sourceArgument),
                                      textOf(commandLine.targetArgument), commandLine.flagString);
-    // Before the object goes, so that no hook reaches it any more; an event interrupts this thread
-    // and runs to its end.
+    // Before the object goes, so that no hook reaches it any more.
     isSettled = assembler.flags.Has(RF_SETTLED);
     theAssembler = nullptr;
+    platform::AwaitConsoleHandler();
     return result;
 }
 

@@ -1,12 +1,9 @@
 // What a run leaves: report files, console reports, the target.
 
-#include <algorithm>
-
 #include "diagnostics/report_writer.h"
 #include "driver/assembler.h"
 #include "expr/tmp_string.h"
 #include "platform/platform.h"
-#include "source/char_class.h"
 
 namespace korv {
 namespace {
@@ -15,9 +12,8 @@ constexpr char rule[] = "-------------------------------------------------------
 
 }  // namespace
 
-// A name that differs from that of the source in case only may find the very same file.
 bool CAssembler::OpenTarget(platform::OutputFile* file) {
-    const bool mayBeSource = std::ranges::equal(sourceName, targetName, {}, Raised, Raised);
+    const bool mayBeSource = platform::MayBeOneFile(sourceName, targetName);
     return directory.Reaches(targetName) &&
            file->Open(targetName, platform::OutputFile::Kind::target,
                       mayBeSource ? filesRead : platform::FileSet());

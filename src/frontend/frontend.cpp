@@ -6,11 +6,9 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
 #include <memory>
 #include <span>
 #include <string>
-#include <system_error>
 #include <vector>
 
 #include "driver/assembler.h"
@@ -22,8 +20,6 @@
 #include "platform/platform.h"
 
 namespace korv {
-namespace fs = std::filesystem;
-
 namespace {
 
 struct Output {
@@ -34,59 +30,45 @@ struct Output {
 bool IsColored(ColorChoice choice) {
     const char* const noColor = std::getenv("NO_COLOR");
     return choice == ColorChoice::automatic
-               ? platform::IsTerminal(stderr) && (noColor == nullptr || *noColor == '\0')
+               ? platform::TakesColors(stderr) && (noColor == nullptr || *noColor == '\0')
                : choice == ColorChoice::always;
 }
 
-// All of standard input, or of a source that can be read once only. False: it cannot be read, or is
-// longer than any source.
-bool ReadAll(std::FILE* file, std::string* text) {
+// All that `read` gives, a block at a time. False: that is longer than any source.
+template <typename Read>
+bool ReadAll(Read read, std::string* text) {
     constexpr std::size_t longest = 0x10000000;
     char block[65536];
-    for (std::size_t count = 0; (count = std::fread(block, 1, sizeof block, file)) != 0;) {
+    for (std::size_t count = 0; (count = read(block, sizeof block)) != 0;) {
         text->append(block, count);
         if (text->size() > longest) {
             return false;
         }
     }
-    return std::ferror(file) == 0;
+    return true;
 }
 
 // Reads what cannot be read again for messages. Result: whether `text` is the source.
 bool TakeSource(const std::string& source, std::string* text, bool* failed) {
-    std::error_code failure;
     if (source == standardStream) {
-        *failed = !ReadAll(stdin, text);
+        platform::MakeBinary(stdin);
+        const auto read = [](char* to, std::size_t count) {
+            return std::fread(to, 1, count, stdin);
+        };
+        *failed = !ReadAll(read, text) || std::ferror(stdin) != 0;
         return true;
     }
-    if (!fs::is_fifo(source, failure)) {
+    if (platform::KindOf(source) != platform::FileKind::pipe) {
         return false;
     }
-    std::FILE* const pipe = std::fopen(source.c_str(), "rb");
-    *failed = pipe == nullptr || !ReadAll(pipe, text);
-    if (pipe != nullptr) {
-        std::fclose(pipe);
-    }
+    platform::InputFile pipe;
+    const auto read = [&pipe](char* to, std::size_t count) { return pipe.Read(to, count); };
+    *failed = !pipe.Open(source) || !ReadAll(read, text) || pipe.Failed();
     return true;
 }
 
-// Where a link leads that leads to nothing yet.
-fs::path Target(const std::string& name) {
-    std::error_code failure;
-    const fs::path path = fs::absolute(name, failure);
-    const fs::path link = fs::read_symlink(path, failure);
-    return failure ? path : path.parent_path() / link;
-}
-
 bool IsSameFile(const std::string& a, const std::string& b) {
-    std::error_code failure;
-    if (a == standardStream || b == standardStream) {
-        return a == b;
-    }
-    if (fs::exists(a, failure) && fs::exists(b, failure)) {
-        return fs::is_regular_file(a, failure) && fs::equivalent(a, b, failure);
-    }
-    return fs::weakly_canonical(Target(a), failure) == fs::weakly_canonical(Target(b), failure);
+    return a == standardStream || b == standardStream ? a == b : platform::LeadToOneFile(a, b);
 }
 
 // Whether an output is a file that has been read, or two are one; says which.
@@ -109,6 +91,7 @@ bool AreRefused(const std::vector<Output>& outputs, const std::vector<std::strin
 }
 
 bool WriteToStandardOutput(const std::string& contents) {
+    platform::MakeBinary(stdout);
     return std::fwrite(contents.data(), 1, contents.size(), stdout) == contents.size() &&
            std::fflush(stdout) == 0;
 }
@@ -172,9 +155,11 @@ class Frontend {
 
   private:
     void Assemble() {
-        std::error_code failure;
         for (const std::string& directory : options.includes) {
-            assembler.searchDirectories.push_back(fs::absolute(directory, failure).string());
+            std::string path;
+            if (assembler.directory.FullPath(directory, &path)) {
+                assembler.searchDirectories.push_back(path);
+            }
         }
         assembler.sourceName = options.source;
         assembler.flags.Set(RF_SYSTEM_IDS | (options.format == ImageFormat::bin ? RF_BINARY : 0));

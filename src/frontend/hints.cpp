@@ -1,8 +1,6 @@
 #include "frontend/hints.h"
 
 #include <algorithm>
-#include <filesystem>
-#include <system_error>
 
 #include "codegen/keywords.h"
 #include "driver/assembler.h"
@@ -121,9 +119,8 @@ std::string QuotedInclude(CAssembler* assembler, const Fault& fault) {
     }
     name = name.substr(1, name.size() - 2);
     std::string path;
-    std::error_code failure;
     const bool isThere =
-        assembler->FindFile(name, &path) && std::filesystem::is_regular_file(path, failure);
+        assembler->FindFile(name, &path) && platform::KindOf(path) == platform::FileKind::regular;
     return isThere ? "write the name without quotes: INCLUDE " + std::string(name) : "";
 }
 

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <system_error>
 
 #include "diagnostics/report_writer.h"
+#include "platform/platform.h"
 
 namespace korv {
 namespace fs = std::filesystem;
@@ -61,6 +61,11 @@ std::string Indent(std::string_view line) {
     return blanks;
 }
 
+// Its narrow characters would be those of some other code where names are wide.
+fs::path PathOf(const std::string& name) {
+    return std::u8string(name.begin(), name.end());
+}
+
 std::string Counted(std::uint64_t count, std::string_view what) {
     return std::to_string(count) + " " + std::string(what) + (count == 1 ? "" : "s");
 }
@@ -69,8 +74,10 @@ std::string Counted(std::uint64_t count, std::string_view what) {
 
 Messages::Messages(std::FILE* stream, bool isColored, std::uint64_t maxErrors)
     : stream(stream), isColored(isColored), maxErrors(maxErrors) {
-    std::error_code failure;
-    startDirectory = fs::current_path(failure).string();
+    platform::CurrentDirectory directory;
+    if (!directory.FullPath(".", &startDirectory)) {
+        startDirectory.clear();
+    }
 }
 
 void Messages::AddFile(std::int32_t number, const std::string& path, const MessagePlace& place) {
@@ -82,7 +89,8 @@ void Messages::AddFile(std::int32_t number, const std::string& path, const Messa
 }
 
 std::string Messages::TypedName(const std::string& path) const {
-    std::string relative = fs::path(path).lexically_relative(startDirectory).string();
+    const std::u8string shown = PathOf(path).lexically_relative(PathOf(startDirectory)).u8string();
+    const std::string relative(shown.begin(), shown.end());
     return relative.empty() || relative.size() > path.size() ? path : relative;
 }
 

@@ -2,9 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <filesystem>
-#include <fstream>
-#include <system_error>
 #include <utility>
 
 #include "platform/platform.h"
@@ -91,6 +88,11 @@ class LineCleaner {
     bool isComment = false;
 };
 
+// Another kind of file was read once, and has no end or nothing more to give.
+bool OpenAgain(const std::string& path, platform::InputFile* file) {
+    return platform::KindOf(path) == platform::FileKind::regular && file->Open(path);
+}
+
 }  // namespace
 
 SourceText::SourceText(std::string newContents) : contents(std::move(newContents)), starts{0} {
@@ -149,8 +151,7 @@ bool SourceTexts::MayHideText(std::int32_t number) {
         return mayHide(found->second.Contents());
     }
     platform::InputFile file;
-    std::error_code failure;
-    if (std::filesystem::is_regular_file(paths[number], failure) && file.Open(paths[number])) {
+    if (OpenAgain(paths[number], &file)) {
         std::array<char, 65536> block;
         while (const std::size_t count = file.Read(block.data(), block.size())) {
             if (mayHide({block.data(), count})) {
@@ -165,14 +166,15 @@ std::string SourceTexts::Contents(std::int32_t number) {
     if (const auto found = texts.find(number); found != texts.end()) {
         return found->second.Contents();
     }
-    // Another kind of file was read once, and has no end or nothing more to give.
     std::string contents;
-    std::error_code failure;
-    if (std::filesystem::is_regular_file(paths[number], failure)) {
-        std::ifstream file(paths[number], std::ios::binary);
-        contents.resize(std::filesystem::file_size(paths[number], failure));
-        file.read(contents.data(), static_cast<std::streamsize>(contents.size()));
-        contents.resize(static_cast<std::size_t>(file.gcount()));
+    platform::InputFile file;
+    if (OpenAgain(paths[number], &file)) {
+        std::size_t count = 0, got = 0;
+        contents.resize(static_cast<std::size_t>(file.Size()));
+        while ((got = file.Read(contents.data() + count, contents.size() - count)) != 0) {
+            count += got;
+        }
+        contents.resize(count);
     }
     return contents;
 }

@@ -1,6 +1,8 @@
 // Dependencies, listing and symbols.
 
 #include <algorithm>
+#include <filesystem>
+#include <string>
 #include <tuple>
 
 #include "diagnostics/report_writer.h"
@@ -45,14 +47,16 @@ std::string Expression(std::int32_t value) {
 }  // namespace
 
 std::string DependencyText(const std::string& target, const std::vector<std::string>& files) {
-    std::string text = Escaped(target) + ":";
+    // The target as the rule has it that gave its name, the others as rules on every system do.
+    std::string text = Escaped(target) + ":", rules;
     for (const std::string& file : files) {
-        text += " \\\n  " + Escaped(file);
+        const std::u8string name =
+            std::filesystem::path(std::u8string(file.begin(), file.end())).generic_u8string();
+        const std::string escaped = Escaped({name.begin(), name.end()});
+        text += " \\\n  " + escaped;
+        rules += "\n" + escaped + ":\n";
     }
-    text += "\n";
-    for (const std::string& file : files) {
-        text += "\n" + Escaped(file) + ":\n";
-    }
+    text += "\n" + rules;
     return text;
 }
 

@@ -1,10 +1,12 @@
 /// All that Korv needs of the operating system. No other folder includes a system header or tests
-/// for a system; a port writes a second implementation of this header.
+/// for a system; each system has its own implementation of this header, in posix*.cpp and
+/// win32*.cpp.
 ///
 /// File names: both `/` and `\` separate components. Texts keep what was typed; the separator is
 /// translated for the call to the system only. Names to be read are found without regard to ASCII
-/// case, names to be written are taken exactly as spelled, so that a run never overwrites a file
-/// whose name differs in case.
+/// case, names to be written are taken exactly as spelled. No file that a run has read is ever
+/// written over because names differ in case only. Texts, names among them, are UTF-8 where the
+/// system asks.
 #pragma once
 
 #include <compare>
@@ -49,10 +51,10 @@ void FailAllocation(std::int64_t n, bool andAllAfter);
 // ----------------------------------------------------------------------------------------------------
 // paths
 
-/// The pieces of a file name as views of the given text; joined they give it again. There are no
-/// drives here.
+/// The pieces of a file name as views of the given text; joined they give it again.
 struct PathParts {
-    std::string_view directory;  ///< up to and with the last separator; empty for none
+    std::string_view directory;  ///< up to and with the last separator, or the colon of a drive
+                                 ///< where there are drives; empty for none
     std::string_view baseName;   ///< without the last "." and what follows
     std::string_view extension;  ///< with its "."; empty for none
 };
@@ -60,8 +62,23 @@ struct PathParts {
 [[nodiscard]] PathParts SplitPath(std::string_view path);
 
 /// Whether `word` of the command line, which begins with "/", is an absolute file name and no
-/// switch: something stands before its last "/", and that is an existing directory.
+/// switch: something stands before its last "/", and that is an existing directory. Never so where
+/// there are drives.
 [[nodiscard]] bool IsAbsoluteFileName(const char* word);
+
+/// Whether `name` means the same wherever the current directory is, but for a drive.
+[[nodiscard]] bool IsAbsolutePath(std::string_view name);
+
+/// Whether a file that was read as `source` may have to be kept from being written as `target`:
+/// where case makes files differ, names that differ in nothing else; elsewhere, any.
+[[nodiscard]] bool MayBeOneFile(std::string_view source, std::string_view target);
+
+/// Whether two names lead to one regular file, or to one place where there is none yet.
+[[nodiscard]] bool LeadToOneFile(std::string_view a, std::string_view b);
+
+/// What a name leads to; to ask does not open it.
+enum class FileKind { none, regular, pipe, other };
+[[nodiscard]] FileKind KindOf(std::string_view name);
 
 /// The current directory, which follows the file being read, and the way from a name to a file. One
 /// a run, and nobody else changes the current directory meanwhile.
@@ -170,7 +187,7 @@ class OutputFile {
     [[nodiscard]] bool Commit();
 
   private:
-    bool CreateTemporary(bool isForOwner);
+    bool CreateTemporary(unsigned mode);  // of the new file; the system's own numbers
     void Forget();
     void GiveUp();
     void Empty();
@@ -206,7 +223,13 @@ void OpenStandardStreams();
 /// Whether `stream` goes to a terminal: a person sees what is written, and control characters act.
 [[nodiscard]] bool IsTerminal(std::FILE* stream);
 
-/// Sets the title of the console's window, if standard output is a console.
+/// Whether `stream` goes to a terminal that takes the sequences for colours; lets it, if need be.
+[[nodiscard]] bool TakesColors(std::FILE* stream);
+
+/// From here on `stream`, a standard stream, is one of bytes, whose line ends nobody changes.
+void MakeBinary(std::FILE* stream);
+
+/// Sets the title of the console's window, if there is one.
 void SetConsoleTitle(const char* title);
 
 /// Events of the console: break keys and requests to end.
@@ -216,13 +239,18 @@ inline constexpr int EVENT_CLOSE = 2;
 inline constexpr int EVENT_LOGOFF = 5;
 inline constexpr int EVENT_SHUTDOWN = 6;
 
-/// Called with an event at any moment, between any two instructions of the program: it may use
-/// nothing but lock-free atomics and `WriteFromHandler`. Result: 1 when the event was handled.
+/// Called with an event at any moment, between any two instructions of the program or beside them
+/// on a thread of its own: it may use nothing but lock-free atomics and `WriteFromHandler`. Result:
+/// 1 when the event was handled; where the process would end with that, it waits until the program
+/// has come to its own end.
 using ConsoleHandler = int (*)(int event);
 
 /// Installs `handler`; null puts back what there was before the first one. A close event that the
 /// process was started to ignore stays ignored.
 void SetConsoleHandler(ConsoleHandler handler);
+
+/// Waits until no handler runs that has begun before: what it might reach may go then.
+void AwaitConsoleHandler();
 
 /// Writes to standard output from within a `ConsoleHandler`, past all buffers.
 void WriteFromHandler(std::string_view text);

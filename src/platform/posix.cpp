@@ -13,7 +13,6 @@
 #include <cerrno>
 #include <csignal>
 
-#include "platform/fault_point.h"
 #include "platform/platform.h"
 
 namespace korv::platform {
@@ -36,9 +35,6 @@ std::array<struct sigaction, signals.size()> previousActions;
 std::atomic<bool> hasEventCome = false;
 sigset_t previousMask;
 
-FaultPoint faults;
-RequestFault fault = RequestFault::failsOnce;
-
 void OnSignal(int number) {
     hasEventCome = true;
     const int savedError = errno;
@@ -52,18 +48,8 @@ void OnSignal(int number) {
 
 }  // namespace
 
-bool FaultFileRequest(std::int64_t n, RequestFault newFault) {
-    fault = newFault;
-    return faults.Set(n, fault == RequestFault::failsForGood);
-}
-
-bool FailsOnPurpose() {
-    const bool isHit = faults.Hits();
-    if (isHit && fault == RequestFault::isBroken) {
-        std::raise(SIGINT);
-        return false;
-    }
-    return isHit;
+void BreakOff() {
+    std::raise(SIGINT);
 }
 
 bool HasEventCome() {
@@ -152,6 +138,12 @@ bool IsTerminal(std::FILE* stream) {
     return isatty(fileno(stream)) != 0;
 }
 
+bool TakesColors(std::FILE* stream) {
+    return IsTerminal(stream);
+}
+
+void MakeBinary(std::FILE*) {}  // as all are
+
 void SetConsoleTitle(const char* title) {
     if (IsTerminal(stdout)) {
         std::printf("\033]0;%s\a", title);
@@ -180,6 +172,8 @@ void SetConsoleHandler(ConsoleHandler handler) {
         }
     }
 }
+
+void AwaitConsoleHandler() {}  // it interrupts the program and runs to its end
 
 void WriteFromHandler(std::string_view text) {
     while (!text.empty()) {

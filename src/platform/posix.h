@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "platform/platform.h"
+#include "platform/shared.h"
 
 namespace korv::platform {
 
@@ -22,9 +23,6 @@ namespace korv::platform {
 [[nodiscard]] inline FileIdentity IdentityOf(const struct stat& status) {
     return {static_cast<std::uint64_t>(status.st_dev), static_cast<std::uint64_t>(status.st_ino)};
 }
-
-/// Whether a request fails on purpose.
-[[nodiscard]] bool FailsOnPurpose();
 
 /// Whether a console event has come since a handler was installed.
 [[nodiscard]] bool HasEventCome();

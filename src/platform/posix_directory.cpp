@@ -14,8 +14,10 @@
 #include <cerrno>
 #include <chrono>
 #include <climits>
+#include <filesystem>
 #include <map>
 #include <set>
+#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -23,9 +25,8 @@
 #include "platform/posix.h"
 
 namespace korv::platform {
+namespace fs = std::filesystem;
 namespace {
-
-constexpr std::string_view separators = "/\\";
 
 // For a handle that serves to go back: needs no right to read the directory, where the system knows
 // such a kind.
@@ -132,12 +133,8 @@ std::pair<std::string, std::string> Divided(const std::string& path) {
     return {path.substr(0, std::max<std::size_t>(separator, 1)), path.substr(separator + 1)};
 }
 
-PathParts SplitPath(std::string_view path) {
-    const std::size_t separator = path.find_last_of(separators);
-    const std::size_t name = separator == std::string_view::npos ? 0 : separator + 1;
-    const std::size_t dot = std::min(path.find_last_of('.'), path.size());
-    const std::size_t extension = dot < name ? path.size() : dot;
-    return {path.substr(0, name), path.substr(name, extension - name), path.substr(extension)};
+std::size_t DriveLength(std::string_view) {
+    return 0;
 }
 
 bool IsAbsoluteFileName(const char* word) {
@@ -145,6 +142,35 @@ bool IsAbsoluteFileName(const char* word) {
     const std::size_t last = path.find_last_of('/');
     struct stat status;
     return last > 0 && stat(path.substr(0, last).c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+bool MayBeOneFile(std::string_view source, std::string_view target) {
+    return Raised(source) == Raised(target);
+}
+
+FileKind KindOf(std::string_view name) {
+    struct stat status;
+    if (stat(Translated(name).c_str(), &status) != 0) {
+        return FileKind::none;
+    }
+    return S_ISREG(status.st_mode)    ? FileKind::regular
+           : S_ISFIFO(status.st_mode) ? FileKind::pipe
+                                      : FileKind::other;
+}
+
+bool LeadToOneFile(std::string_view a, std::string_view b) {
+    const std::string first = Translated(a), second = Translated(b);
+    struct stat one, other;
+    if (stat(first.c_str(), &one) == 0 && stat(second.c_str(), &other) == 0) {
+        return S_ISREG(one.st_mode) && IdentityOf(one) == IdentityOf(other);
+    }
+    std::error_code failure;
+    const auto placeOf = [&failure](const std::string& name) {  // where a link leads to nothing yet
+        const fs::path path = fs::absolute(name, failure);
+        const fs::path link = fs::read_symlink(path, failure);
+        return fs::weakly_canonical(failure ? path : path.parent_path() / link, failure);
+    };
+    return placeOf(first) == placeOf(second);
 }
 
 struct CurrentDirectory::State {
@@ -283,7 +309,7 @@ std::string_view CurrentDirectory::Path() const {
 }
 
 bool CurrentDirectory::Reaches(std::string_view name) const {
-    return !state->isLost || name.starts_with('/') || name.starts_with('\\');
+    return !state->isLost || IsAbsolutePath(name);
 }
 
 }  // namespace korv::platform

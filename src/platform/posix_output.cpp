@@ -114,9 +114,8 @@ void OutputFile::RemoveAll() {
 }
 
 // Creates a file in the directory of `path`. False: there is none, and `errno` says why.
-bool OutputFile::CreateTemporary(bool isForOwner) {
+bool OutputFile::CreateTemporary(unsigned mode) {
     [[maybe_unused]] static const int registered = std::atexit(RemoveAll);
-    const mode_t mode = isForOwner ? 0600 : 0666;
     const std::size_t directory = path.find_last_of('/') + 1;
     if (unfinished == nullptr) {
         HoldSignals();
@@ -184,7 +183,7 @@ bool OutputFile::Open(std::string_view name, Kind kind, const FileSet& kept) {
     const bool isRegular = place.exists && S_ISREG(place.status.st_mode);
     if (place.isNamed && (isRegular || !place.exists)) {
         // Nobody else may look into the new file until it is like the old one.
-        if (!CreateTemporary(/*isForOwner=*/place.exists) && !IsRefused(errno)) {
+        if (!CreateTemporary(place.exists ? 0600 : 0666) && !IsRefused(errno)) {
             CloseIfOpen(old);
             return false;
         }

@@ -69,8 +69,7 @@ bool CAssembler::FindFile(std::string_view name, std::string* path) {
     if (!directory.FullPath(name, path)) {
         return false;
     }
-    const bool isAbsolute = name.starts_with('/') || name.starts_with('\\');
-    if (directory.IsFound() || isAbsolute ||
+    if (directory.IsFound() || platform::IsAbsolutePath(name) ||
         currentFileName == nullptr) {  // the main file stands alone
         return true;
     }

@@ -1,0 +1,70 @@
+/// What the files of the Win32 implementation share. The system is called with wide characters,
+/// since only these calls take all names and long ones; all other texts are UTF-8, and so is the
+/// code page of the process, by its manifest.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <type_traits>
+
+#ifndef NOMINMAX
+#define NOMINMAX
+#endif
+#define WIN32_LEAN_AND_MEAN
+#include <windows.h>
+#undef SetConsoleTitle  // a macro, which would rename our own
+
+#include "platform/platform.h"
+#include "platform/shared.h"
+
+namespace korv::platform {
+
+[[nodiscard]] std::wstring Wide(std::string_view text);
+[[nodiscard]] std::string Narrow(std::wstring_view wide);
+
+/// The full path of `name` as the system makes it, from the current directory of the process; a
+/// device has one that begins with `\\.\`. Empty: there is none.
+[[nodiscard]] std::wstring FullName(const std::wstring& name);
+
+/// A full path in the form that is not cut at 260 characters.
+[[nodiscard]] std::wstring Unlimited(const std::wstring& path);
+
+/// Like `CreateFileW`, shared with everybody; it is no directory that opens. An invalid handle:
+/// it cannot be opened.
+[[nodiscard]] HANDLE OpenHandle(const std::wstring& path, DWORD access, DWORD disposition,
+                                DWORD attributes);
+
+/// The identity of an open file. False: the system does not say.
+[[nodiscard]] bool Identify(HANDLE file, FileIdentity* identity, DWORD* attributes = nullptr);
+
+/// The result of `request`, a call that gives 0 or an invalid handle on failure.
+template <typename Request>
+[[nodiscard]] auto Requested(Request request) -> decltype(request()) {
+    using Result = decltype(request());
+    if (!FailsOnPurpose()) {
+        return request();
+    }
+    SetLastError(ERROR_IO_DEVICE);
+    if constexpr (std::is_same_v<Result, HANDLE>) {
+        return INVALID_HANDLE_VALUE;
+    } else {
+        return Result{};
+    }
+}
+
+/// What a call of the system that fills a buffer gives; empty for a failure. `call` takes the size
+/// and the buffer, and gives the length, or the size that it needs.
+template <typename Call>
+[[nodiscard]] std::wstring Filled(Call call) {
+    std::wstring text(MAX_PATH, L'\0');
+    for (;;) {
+        const DWORD length = call(static_cast<DWORD>(text.size()), text.data());
+        const bool fits = length < text.size();
+        text.resize(length);
+        if (fits) {
+            return text;
+        }
+    }
+}
+
+}  // namespace korv::platform

@@ -1,0 +1,171 @@
+// The console on Win32. Its events come on threads of the system's own.
+
+#include <fcntl.h>
+#include <io.h>
+
+#include <atomic>
+#include <cstdlib>
+#include <utility>
+
+#include "platform/platform.h"
+#include "platform/win32.h"
+
+// Words of the command line are no patterns: "/?" is a switch.
+extern "C" int _dowildcard;
+int _dowildcard = 0;
+
+namespace korv::platform {
+namespace {
+
+// Process-wide, as the console is.
+std::atomic<ConsoleHandler> consoleHandler = nullptr;
+SRWLOCK handlerLock = SRWLOCK_INIT;  // held while it runs
+HANDLE eventHasCome = nullptr;
+UINT codePage = 0;               // of the console, to be put back; 0: it was not changed
+HANDLE coloredOutput = nullptr;  // whose mode is to be put back
+DWORD outputMode = 0;
+
+HANDLE HandleOf(std::FILE* stream) {
+    return reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(stream)));
+}
+
+BOOL WINAPI OnConsoleEvent(DWORD event) {
+    AcquireSRWLockExclusive(&handlerLock);
+    const ConsoleHandler handler = consoleHandler;
+    const bool isHandled = handler != nullptr && handler(static_cast<int>(event)) != 0;
+    ReleaseSRWLockExclusive(&handlerLock);
+    if (!isHandled) {
+        return FALSE;
+    }
+    SetEvent(eventHasCome);
+    if (event >= CTRL_CLOSE_EVENT) {
+        Sleep(INFINITE);  // the process would end with the return from here, and not with the run
+    }
+    return TRUE;
+}
+
+void PutBack() {
+    if (codePage != 0) {
+        SetConsoleOutputCP(codePage);
+    }
+    if (coloredOutput != nullptr) {
+        SetConsoleMode(coloredOutput, outputMode);
+    }
+}
+
+DWORD WINAPI TakeByte(void* input) {
+    char key = 0;
+    DWORD count = 0;
+    return ReadFile(input, &key, 1, &count, nullptr) != 0 ? 0 : 1;
+}
+
+// Waits for a key with a character: those that only shift others have none, and a key that goes up
+// belongs to what was typed before.
+void TakeKey(HANDLE input) {
+    const HANDLE awaited[] = {input, eventHasCome};
+    INPUT_RECORD record = {};
+    DWORD count = 1;
+    while (WaitForMultipleObjects(eventHasCome == nullptr ? 1 : 2, awaited, FALSE, INFINITE) ==
+               WAIT_OBJECT_0 &&
+           ReadConsoleInputW(input, &record, 1, &count) != 0) {
+        const KEY_EVENT_RECORD& key = record.Event.KeyEvent;
+        if (record.EventType == KEY_EVENT && key.bKeyDown != 0 && key.uChar.UnicodeChar != 0) {
+            return;
+        }
+    }
+}
+
+}  // namespace
+
+void BreakOff() {
+    OnConsoleEvent(CTRL_C_EVENT);
+}
+
+void OpenStandardStreams() {
+    // The library keeps the numbers of missing streams. On a console it would make a call of the
+    // system for each character, and characters come in several bytes.
+    static bool isDone = false;
+    if (std::exchange(isDone, true)) {
+        return;
+    }
+    for (std::FILE* const stream : {stdout, stderr}) {
+        if (IsTerminal(stream)) {
+            std::setvbuf(stream, nullptr, _IOFBF, 4096);
+            codePage = codePage == 0 ? GetConsoleOutputCP() : codePage;
+            SetConsoleOutputCP(CP_UTF8);
+        }
+    }
+    std::atexit(PutBack);
+}
+
+bool IsTerminal(std::FILE* stream) {
+    DWORD mode = 0;
+    return GetConsoleMode(HandleOf(stream), &mode) != 0;
+}
+
+bool TakesColors(std::FILE* stream) {
+    const HANDLE output = HandleOf(stream);
+    if (coloredOutput == nullptr && GetConsoleMode(output, &outputMode) != 0) {
+        const DWORD mode =
+            outputMode | ENABLE_PROCESSED_OUTPUT | ENABLE_VIRTUAL_TERMINAL_PROCESSING;
+        coloredOutput = SetConsoleMode(output, mode) != 0 ? output : nullptr;
+    }
+    return coloredOutput != nullptr && coloredOutput == output;
+}
+
+void MakeBinary(std::FILE* stream) {
+    std::fflush(stream);
+    _setmode(_fileno(stream), _O_BINARY);
+}
+
+void SetConsoleTitle(const char* title) {
+    SetConsoleTitleW(Wide(title).c_str());
+}
+
+void SetConsoleHandler(ConsoleHandler handler) {
+    if (eventHasCome == nullptr) {
+        eventHasCome = CreateEventW(nullptr, /*bManualReset=*/TRUE, FALSE, nullptr);
+    }
+    const ConsoleHandler previous = consoleHandler.exchange(handler);
+    if (handler != nullptr) {
+        ResetEvent(eventHasCome);
+    } else {
+        AwaitConsoleHandler();
+    }
+    if ((previous == nullptr) != (handler == nullptr)) {
+        SetConsoleCtrlHandler(OnConsoleEvent, handler != nullptr);
+    }
+}
+
+void AwaitConsoleHandler() {
+    AcquireSRWLockExclusive(&handlerLock);
+    ReleaseSRWLockExclusive(&handlerLock);
+}
+
+void WriteFromHandler(std::string_view text) {
+    // By the number, which knows whether line ends are to be changed. Its lock is held by nobody
+    // who waits for a handler.
+    [[maybe_unused]] const int written =
+        _write(_fileno(stdout), text.data(), static_cast<unsigned>(text.size()));
+}
+
+void WaitForKey() {
+    std::fflush(stdout);
+    const HANDLE input = HandleOf(stdin);
+    DWORD mode = 0;
+    if (GetConsoleMode(input, &mode) != 0) {
+        SetConsoleMode(input, ENABLE_PROCESSED_INPUT);  // a break key is an event
+        TakeKey(input);
+        SetConsoleMode(input, mode);
+        return;
+    }
+    // Beside this thread, since an event counts as a key too.
+    const HANDLE reader = CreateThread(nullptr, 0, TakeByte, input, 0, nullptr);
+    if (reader != nullptr) {
+        const HANDLE awaited[] = {reader, eventHasCome};
+        WaitForMultipleObjects(eventHasCome == nullptr ? 1 : 2, awaited, FALSE, INFINITE);
+        CloseHandle(reader);
+    }
+}
+
+}  // namespace korv::platform

@@ -1,0 +1,206 @@
+// Names of files, and the current directory, on Win32.
+//
+// The current directory of the process stays where it is: no path of more than 260 characters can
+// be made the current one, while a full path may have 32767. What is current is a text here.
+
+#include <algorithm>
+#include <cwctype>
+#include <utility>
+#include <vector>
+
+#include "platform/platform.h"
+#include "platform/win32.h"
+
+namespace korv::platform {
+namespace {
+
+constexpr std::size_t driveLength = 2;
+constexpr std::size_t longestPath = 32767 - 5;  // of the system, less what `Unlimited` adds
+
+bool IsSeparator(wchar_t c) {
+    return c == L'/' || c == L'\\';
+}
+
+bool HasDrive(const std::wstring& path) {
+    return path.size() >= driveLength && std::iswalpha(path[0]) != 0 && path[1] == L':';
+}
+
+// The directory of a full path; that of a drive keeps its separator.
+std::wstring DirectoryOf(const std::wstring& path) {
+    const std::size_t separator = path.find_last_of(L'\\');
+    return path.substr(0, std::max(separator, driveLength + 1));
+}
+
+DWORD AttributesOf(const std::wstring& path) {
+    return GetFileAttributesW(Unlimited(path).c_str());
+}
+
+bool IsDirectory(const std::wstring& path) {
+    const DWORD attributes = FailsOnPurpose() ? INVALID_FILE_ATTRIBUTES : AttributesOf(path);
+    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+}
+
+// How its directory spells the last component of `path`. False: there is no such entry.
+bool Spell(const std::wstring& path, std::wstring* component) {
+    WIN32_FIND_DATAW entry;
+    const HANDLE search =
+        Requested([&] { return FindFirstFileW(Unlimited(path).c_str(), &entry); });
+    if (search == INVALID_HANDLE_VALUE) {
+        // A directory that may be passed but not be read.
+        return GetLastError() == ERROR_ACCESS_DENIED &&
+               AttributesOf(path) != INVALID_FILE_ATTRIBUTES;
+    }
+    FindClose(search);
+    *component = entry.cFileName;
+    return true;
+}
+
+HANDLE OpenToIdentify(std::string_view name) {
+    return OpenHandle(Unlimited(FullName(Wide(name))), 0, OPEN_EXISTING,
+                      FILE_FLAG_BACKUP_SEMANTICS);
+}
+
+}  // namespace
+
+std::size_t DriveLength(std::string_view name) {
+    return HasDrive(Wide(name.substr(0, driveLength))) ? driveLength : 0;
+}
+
+bool IsAbsoluteFileName(const char*) {
+    return false;
+}
+
+bool MayBeOneFile(std::string_view, std::string_view) {
+    return true;
+}
+
+FileKind KindOf(std::string_view name) {
+    const std::wstring path = FullName(Wide(name));
+    const DWORD attributes = HasDrive(path) ? AttributesOf(path) : INVALID_FILE_ATTRIBUTES;
+    if (attributes == INVALID_FILE_ATTRIBUTES) {
+        return FileKind::none;
+    }
+    return (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0 ? FileKind::other : FileKind::regular;
+}
+
+bool LeadToOneFile(std::string_view a, std::string_view b) {
+    const HANDLE handles[] = {OpenToIdentify(a), OpenToIdentify(b)};
+    FileIdentity one, other;
+    bool areKnown = true, areFiles = true;
+    for (const HANDLE handle : handles) {
+        DWORD attributes = 0;
+        areKnown = areKnown && handle != INVALID_HANDLE_VALUE;
+        areFiles = areFiles && areKnown && GetFileType(handle) == FILE_TYPE_DISK &&
+                   Identify(handle, handle == handles[0] ? &one : &other, &attributes) &&
+                   (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
+    }
+    for (const HANDLE handle : handles) {
+        if (handle != INVALID_HANDLE_VALUE) {
+            CloseHandle(handle);
+        }
+    }
+    if (areKnown) {
+        return areFiles && one == other;
+    }
+    const std::wstring first = FullName(Wide(a)), second = FullName(Wide(b));
+    return CompareStringOrdinal(first.c_str(), -1, second.c_str(), -1, TRUE) == CSTR_EQUAL;
+}
+
+struct CurrentDirectory::State {
+    // What the system is to make a full path of.
+    [[nodiscard]] std::wstring Joined(const std::wstring& name) const {
+        const std::wstring here = Wide(levels.back());
+        const bool isRooted = !name.empty() && IsSeparator(name[0]);
+        if (isRooted) {
+            const bool isShare = name.size() > 1 && IsSeparator(name[1]);
+            return isShare ? name : here.substr(0, driveLength) + name;
+        }
+        if (!HasDrive(name)) {
+            // A device is one wherever it is named.
+            return FullName(name).starts_with(L"\\\\.\\") ? name : here + L'\\' + name;
+        }
+        const bool isHere = std::towupper(name[0]) == std::towupper(here[0]) &&
+                            !(name.size() > driveLength && IsSeparator(name[driveLength]));
+        return isHere ? here + L'\\' + name.substr(driveLength) : name;
+    }
+
+    // Spells a full path as it is on disk, component by component. False: there is no such file,
+    // `path` is unchanged.
+    bool SpellAsOnDisk(std::wstring* path) const {
+        if (path->find_first_of(L"*?<>\"|") != std::wstring::npos) {
+            return false;  // it would be taken for a pattern, and no file has such a name
+        }
+        const std::wstring here = Wide(levels.back());  // which is spelled so
+        std::wstring spelled = path->substr(0, driveLength);
+        spelled[0] = static_cast<wchar_t>(std::towupper(spelled[0]));
+        if (path->starts_with(here + L'\\')) {
+            spelled = here;
+        }
+        for (std::size_t start = spelled.size() + 1; start < path->size();) {
+            const std::size_t end = std::min(path->find(L'\\', start), path->size());
+            std::wstring component = path->substr(start, end - start);
+            if (!Spell(spelled + L'\\' + component, &component)) {
+                return false;
+            }
+            spelled += L'\\' + component;
+            start = end + 1;
+        }
+        const bool isRoot = spelled.size() == driveLength;
+        if (isRoot && !IsDirectory(spelled + L'\\')) {
+            return false;
+        }
+        *path = spelled + (isRoot ? L"\\" : L"");
+        return true;
+    }
+
+    // Full paths of the directories on the way from the first file to the one being read; the first
+    // is where the run began.
+    std::vector<std::string> levels{Narrow(FullName(L"."))};
+    bool isFound = false;  // the last full path is that of a file
+};
+
+CurrentDirectory::CurrentDirectory() : state(std::make_unique<State>()) {
+    std::wstring start = Wide(state->levels[0]);
+    if (HasDrive(start) && state->SpellAsOnDisk(&start)) {
+        state->levels[0] = Narrow(start);
+    }
+}
+
+CurrentDirectory::~CurrentDirectory() = default;
+
+bool CurrentDirectory::FullPath(std::string_view name, std::string* path) {
+    std::wstring full = FullName(state->Joined(Wide(name)));
+    if (FailsOnPurpose() || !HasDrive(full) || full.size() > longestPath) {
+        return false;
+    }
+    state->isFound = state->SpellAsOnDisk(&full);
+    *path = Narrow(full);
+    return true;
+}
+
+bool CurrentDirectory::IsFound() const {
+    return state->isFound;
+}
+
+bool CurrentDirectory::EnterDirectoryOf(const std::string& path) {
+    std::wstring directory = DirectoryOf(Wide(path));
+    const bool isSame = Narrow(directory) == state->levels.back();
+    const bool isThere = isSame || (state->SpellAsOnDisk(&directory) && IsDirectory(directory));
+    state->levels.push_back(isThere ? Narrow(directory) : state->levels.back());
+    return isThere;
+}
+
+bool CurrentDirectory::Leave() {
+    state->levels.pop_back();
+    return true;
+}
+
+std::string_view CurrentDirectory::Path() const {
+    return state->levels.back();
+}
+
+bool CurrentDirectory::Reaches(std::string_view) const {
+    return true;
+}
+
+}  // namespace korv::platform

@@ -10,7 +10,10 @@
 #include <cstdint>
 #include <cstring>
 #include <map>
+#include <memory>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "symbols/identifier.h"
 
@@ -82,6 +85,38 @@ struct HashedName {
 
     std::string_view text;
     std::uint64_t hash = 0;
+};
+
+/// Memory for the nodes of a tree, in blocks that go when it has gone. A source may send all its
+/// names there, and each would cost a call of the general allocator.
+class NodeBlocks {
+  public:
+    void* Take(std::size_t size) {
+        if (used + size > blockSize) {
+            blocks.push_back(std::make_unique_for_overwrite<std::byte[]>(blockSize));
+            used = 0;
+        }
+        return blocks.back().get() + std::exchange(used, used + size);
+    }
+
+  private:
+    static constexpr std::size_t blockSize = 16384;
+    std::vector<std::unique_ptr<std::byte[]>> blocks;
+    std::size_t used = blockSize;  // bytes of the last one
+};
+
+template <typename T>
+struct NodeAllocator {
+    using value_type = T;
+
+    explicit NodeAllocator(NodeBlocks* blocks) : blocks(blocks) {}
+    template <typename Other>
+    explicit NodeAllocator(const NodeAllocator<Other>& other) : blocks(other.blocks) {}
+    T* allocate(std::size_t count) { return static_cast<T*>(blocks->Take(count * sizeof(T))); }
+    void deallocate(T*, std::size_t) {}  // few are taken out while the tree lives
+    friend bool operator==(const NodeAllocator&, const NodeAllocator&) = default;
+
+    NodeBlocks* blocks;
 };
 
 /// Open addressing, at most half full; nothing is ever taken out. The hash is quick and no secret,
@@ -172,7 +207,10 @@ class CNameIndex {
     std::uint32_t mask = firstPlaces - 1;  // the number of places, a power of 2, less 1
     std::uint32_t count = 0;               // records
     // Names that found no room: all entries near their place are taken.
-    std::map<HashedName, CIdentifier*> overflow;
+    NodeBlocks nodes;
+    std::map<HashedName, CIdentifier*, std::less<>,
+             NodeAllocator<std::pair<const HashedName, CIdentifier*>>>
+        overflow{NodeAllocator<std::pair<const HashedName, CIdentifier*>>(&nodes)};
 };
 
 }  // namespace korv

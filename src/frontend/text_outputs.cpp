@@ -7,15 +7,17 @@
 
 #include "diagnostics/report_writer.h"
 #include "frontend/outputs.h"
+#include "platform/platform.h"
 #include "symbols/identifier_manager.h"
 
 namespace korv {
 namespace {
 
-// A name as make and ninja read it.
+// A name as make and ninja read it; the colon of a drive they know.
 std::string Escaped(const std::string& name) {
-    std::string text;
-    for (const char c : name) {
+    const std::size_t drive = platform::DriveLength(name);
+    std::string text = name.substr(0, drive);
+    for (const char c : name.substr(drive)) {
         text += c == '$' ? "$" : c == ' ' || c == '#' || c == ':' ? "\\" : "";
         text += c;
     }

@@ -61,6 +61,10 @@ struct PathParts {
 
 [[nodiscard]] PathParts SplitPath(std::string_view path);
 
+/// Characters of the drive at the start of a name, with its colon; 0 where there is none, or are no
+/// drives.
+[[nodiscard]] std::size_t DriveLength(std::string_view name);
+
 /// Whether `word` of the command line, which begins with "/", is an absolute file name and no
 /// switch: something stands before its last "/", and that is an existing directory. Never so where
 /// there are drives.

@@ -36,6 +36,22 @@ constexpr int directoryHandle = O_PATH;
 constexpr int directoryHandle = O_RDONLY;
 #endif
 
+// Where the system itself finds names without regard to case, what is found may be spelled
+// otherwise.
+#ifdef __APPLE__
+constexpr bool mayFindOtherCase = true;
+#else
+constexpr bool mayFindOtherCase = false;
+#endif
+
+timespec TimeOfChange(const struct stat& status) {
+#ifdef __APPLE__
+    return status.st_mtimespec;
+#else
+    return status.st_mtim;
+#endif
+}
+
 bool Exists(const std::string& path) {
     struct stat status;
     return Requested([&] { return lstat(path.c_str(), &status); }) == 0;
@@ -83,8 +99,9 @@ class Listing {
   private:
     [[nodiscard]] bool IsUpToDate(const struct stat& status) const {
         return isReadable && isSettled && status.st_dev == before.st_dev &&
-               status.st_ino == before.st_ino && status.st_mtim.tv_sec == before.st_mtim.tv_sec &&
-               status.st_mtim.tv_nsec == before.st_mtim.tv_nsec;
+               status.st_ino == before.st_ino &&
+               TimeOfChange(status).tv_sec == TimeOfChange(before).tv_sec &&
+               TimeOfChange(status).tv_nsec == TimeOfChange(before).tv_nsec;
     }
 
     // `status` is that of before the reading.
@@ -109,7 +126,7 @@ class Listing {
         // The time of a directory moves by the tick of a clock, and on some file systems by a
         // second or two: what changes it after the reading, but within the tick of the last change
         // before, does not show.
-        const timespec& changed = status.st_mtim;
+        const timespec changed = TimeOfChange(status);
         const auto tick = changed.tv_nsec == 0 ? milliseconds(2000) : milliseconds(20);
         isSettled = seconds(changed.tv_sec) + nanoseconds(changed.tv_nsec) + tick < now;
     }
@@ -195,11 +212,12 @@ struct CurrentDirectory::State {
     // Spells a full path as it is on disk, component by component. False: there is no such file,
     // `path` is unchanged.
     bool SpellAsOnDisk(std::string* path) {
-        if (*path == levels.back().path || Exists(*path)) {
+        auto [directory, name] = Divided(*path);
+        const bool isRoot = name.empty();
+        if (isRoot || *path == levels.back().path || (!mayFindOtherCase && Exists(*path))) {
             return true;
         }
-        auto [directory, name] = Divided(*path);
-        if (name.empty() || !SpellAsOnDisk(&directory)) {
+        if (!SpellAsOnDisk(&directory)) {
             return false;
         }
         const std::string entry = listings[directory].Find(directory, name);

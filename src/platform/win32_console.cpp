@@ -45,6 +45,7 @@ BOOL WINAPI OnConsoleEvent(DWORD event) {
 }
 
 void PutBack() {
+    std::fflush(nullptr);
     if (codePage != 0) {
         SetConsoleOutputCP(codePage);
     }
@@ -83,7 +84,8 @@ void BreakOff() {
 
 void OpenStandardStreams() {
     // The library keeps the numbers of missing streams. On a console it would make a call of the
-    // system for each character, and characters come in several bytes.
+    // system for each character, and take each byte of one for a character of its own; line ends
+    // the console sees to.
     static bool isDone = false;
     if (std::exchange(isDone, true)) {
         return;
@@ -91,6 +93,7 @@ void OpenStandardStreams() {
     for (std::FILE* const stream : {stdout, stderr}) {
         if (IsTerminal(stream)) {
             std::setvbuf(stream, nullptr, _IOFBF, 4096);
+            MakeBinary(stream);
             codePage = codePage == 0 ? GetConsoleOutputCP() : codePage;
             SetConsoleOutputCP(CP_UTF8);
         }

@@ -287,6 +287,12 @@ std::vector<Block> ReadBlocks(const std::string& path) {
     return blocks;
 }
 
+std::string TestName(const Block& block) {
+    const TableLine& line = block.front();
+    const std::string name = line.place.substr(line.place.rfind('/') + 1) + " " + line.text;
+    return std::regex_replace(name, std::regex("[^A-Za-z0-9]"), "_");
+}
+
 Case ReadCase(const Block& block) {
     CaseReader reader;
     Case test;

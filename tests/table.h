@@ -28,6 +28,9 @@ Strings TablesIn(const std::string& folder);
 /// The cases of a table, or of the fenced blocks of a manual (.md).
 std::vector<Block> ReadBlocks(const std::string& path);
 
+/// The name of its test: the table, the line and the title.
+std::string TestName(const Block& block);
+
 /// A case as it is run.
 struct Case {
     std::map<std::string, std::string> files;  ///< contents by name

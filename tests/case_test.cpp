@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <filesystem>
 #include <map>
-#include <regex>
 #include <sstream>
 
 #include "run.h"
@@ -94,12 +93,8 @@ TEST_P(CaseTest, Holds) {
     }
 }
 
-// "commandline_txt_12_case_a_title".
-INSTANTIATE_TEST_SUITE_P(Tables, CaseTest, testing::ValuesIn(AllBlocks()), [](const auto& test) {
-    const TableLine& line = test.param.front();
-    const std::string name = line.place.substr(line.place.rfind('/') + 1) + " " + line.text;
-    return std::regex_replace(name, std::regex("[^A-Za-z0-9]"), "_");
-});
+INSTANTIATE_TEST_SUITE_P(Tables, CaseTest, testing::ValuesIn(AllBlocks()),
+                         [](const auto& test) { return TestName(test.param); });
 
 // What is wrong in a table is refused, by table and line.
 TEST(TableTest, RefusesWhatWouldBeAnExpectationThatNobodyLooksAt) {

@@ -47,7 +47,8 @@ TEST_P(FrontendTest, Holds) {
     EXPECT_EQ(expected, FilesHere());
 }
 
-INSTANTIATE_TEST_SUITE_P(Tables, FrontendTest, testing::ValuesIn(ReadBlocks(ProjectPath("tests/frontend/runs.txt"))));
+INSTANTIATE_TEST_SUITE_P(Tables, FrontendTest, testing::ValuesIn(ReadBlocks(ProjectPath("tests/frontend/runs.txt"))),
+                         [](const auto& test) { return TestName(test.param); });
 
 Strings AllTables() {
     Strings tables = {ProjectPath("docs/manual.md")};
@@ -193,7 +194,11 @@ TEST(FrontendTest, WhatIsWrongWithTheCommandLineIsSaidAndNothingIsWritten) {
         WriteFile("data.bin", "x");
         WriteFile("sub/x", "");
         fs::create_hard_link("a.kor", "sub/link");
-        fs::create_symlink("../new", "sub/to");
+        if (!isWindows) {
+            fs::create_symlink("../new", "sub/to");
+        } else if (std::string_view(words).ends_with("sub/to") || std::string_view(words).ends_with("/dev/stdout")) {
+            continue;
+        }
         const auto before = FilesHere();
         const std::string printed = RunKorvAs(words[0] == '\0' ? Strings() : Split(words, ' '));
         const std::regex expected("korv-as: error: .*" + std::string(complaint) + ".*\nexit status 2\n$");

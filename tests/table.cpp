@@ -268,6 +268,12 @@ Strings TablesIn(const std::string& folder) {
     return {tables.begin(), tables.end()};
 }
 
+std::string TestName(const Block& block) {
+    const std::string& place = block.front().place;
+    const std::string name = place.substr(place.rfind('/') + 1) + " " + block.front().text;
+    return std::regex_replace(name, std::regex("[^A-Za-z0-9]"), "_");
+}
+
 std::vector<Block> ReadBlocks(const std::string& path) {
     std::vector<Block> blocks;
     std::set<std::string> titles;

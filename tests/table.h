@@ -25,6 +25,9 @@ std::string ProjectPath(const std::string& part);
 /// The files in a folder of tests/, in order.
 Strings TablesIn(const std::string& folder);
 
+/// The name of the test that a block is: "commandline_txt_12_case_a_title".
+std::string TestName(const Block& block);
+
 /// The cases of a table, or of the fenced blocks of a manual (.md).
 std::vector<Block> ReadBlocks(const std::string& path);
 

@@ -212,11 +212,11 @@ struct CurrentDirectory::State {
     // Spells a full path as it is on disk, component by component. False: there is no such file,
     // `path` is unchanged.
     bool SpellAsOnDisk(std::string* path) {
-        auto [directory, name] = Divided(*path);
-        const bool isRoot = name.empty();
+        const bool isRoot = path->size() == 1;
         if (isRoot || *path == levels.back().path || (!mayFindOtherCase && Exists(*path))) {
             return true;
         }
+        auto [directory, name] = Divided(*path);
         if (!SpellAsOnDisk(&directory)) {
             return false;
         }

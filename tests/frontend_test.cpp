@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <ranges>
 #include <regex>
 
 #include "frontend/hint_table.h"
@@ -42,7 +41,9 @@ TEST_P(FrontendTest, Holds) {
     const std::string console = expected["console"];
     expected.erase("console");
     Strings names;
-    std::ranges::copy(test.files | std::views::keys, std::back_inserter(names));
+    for (const auto& file : test.files) {
+        names.push_back(file.first);
+    }
     EXPECT_EQ(Shown(console, "", names), RunKorvAs(test.arguments));
     EXPECT_EQ(expected, FilesHere());
 }

@@ -23,7 +23,7 @@ namespace korv {
 
 class CSourceFile;
 class RunObserver;
-class WordList;
+class WordSet;
 
 // clang-format off
 inline constexpr std::uint32_t RF_ABORT           = 0x0001;  ///< stop after the current statement
@@ -155,8 +155,8 @@ class CAssembler {
 
     /// Enters the version identifiers.
     void LoadSystemIdentifiers();
-    /// Enters the words of `list`, separated by tabs, as reserved. Result: their number.
-    std::int32_t LoadSystemIdentifiersFromString(const WordList& list);
+    /// Reserves the words of `list`. Result: their number.
+    std::int32_t LoadSystemIdentifiersFromString(const WordSet& list);
 
     // ---- emission
 

@@ -45,7 +45,7 @@ std::string NearestKeyword(std::string_view word) {
 
 std::string NearestName(const CIdentifierManager& names, std::string_view name) {
     Nearest nearest(name);
-    for (std::int32_t i = 0; i < names.TotalCount(); ++i) {
+    for (std::int32_t i = 0; i < names.RecordCount(); ++i) {
         const CIdentifier& record = names.Record(i);
         if ((record.flags & IDF_RESOLVED) != 0) {
             nearest.Try(record.Name());

@@ -94,7 +94,7 @@ std::string ListingText(const std::string& image, const std::vector<StatementRec
 std::string SymbolText(const CIdentifierManager& names, SymbolFormat format) {
     constexpr std::size_t longestName = 230;  // the line must not be too long
     std::vector<const CIdentifier*> records;
-    for (std::int32_t i = 0; i < names.TotalCount(); ++i) {
+    for (std::int32_t i = 0; i < names.RecordCount(); ++i) {
         const CIdentifier& record = names.Record(i);
         if ((record.flags & IDF_RESOLVED) != 0 && (record.flags & IDF_INTERNAL) == 0) {
             records.push_back(&record);

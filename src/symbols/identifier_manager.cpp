@@ -102,10 +102,9 @@ void PutLine(ReportWriter* out, const CIdentifier& record, std::string_view file
 }  // namespace
 
 CIdentifierManager::CIdentifierManager(std::FILE* console, std::int32_t tableSize)
-    : tableSize(tableSize),
-      buckets(static_cast<std::size_t>(tableSize)),
-      namePool(console),
-      console(console) {}
+    : tableSize(tableSize), namePool(console), console(console) {
+    buckets.reserve(static_cast<std::size_t>(tableSize));
+}
 
 CIdentifierManager::~CIdentifierManager() {
     ReleasePatches();
@@ -128,28 +127,20 @@ DebugStream* CIdentifierManager::SetLog(DebugStream* newLog) {
     return std::exchange(log, newLog);
 }
 
-// Makes a record for a name that is not in the table; everything but its name is at the defaults.
-// `text` is the name, and stays.
-[[gnu::always_inline]] inline CIdentifier* CIdentifierManager::AddRecord(const HashedName& name,
-                                                                         const char* text) {
-    if (static_cast<std::uint32_t>(totalCount) % chunkSize == 0) {
+// Makes a record for a name that is not in the table.
+[[gnu::noinline]] CIdentifier* CIdentifierManager::Enter(const HashedName& name) {
+    if (static_cast<std::uint32_t>(recordCount) % chunkSize == 0) {
         chunks.push_back(std::make_unique_for_overwrite<Chunk>());
     }
-    auto* const record = new (RecordAt(totalCount++))
-        CIdentifier{.name = text, .nameLength = static_cast<std::uint32_t>(name.text.size())};
+    auto* const record = new (RecordAt(recordCount++))
+        CIdentifier{.name = namePool.Store(name.text),
+                    .nameLength = static_cast<std::uint32_t>(name.text.size())};
+    if (reservedWords != nullptr && reservedWords->Has(name)) {
+        record->flags = IDS_RESERVED_WORD;
+        --unmetCount;
+    }
     index.Insert(record, name.hash);
     return record;
-}
-
-// The same, with a copy of the name.
-[[gnu::noinline]] CIdentifier* CIdentifierManager::Enter(const HashedName& name) {
-    return AddRecord(name, namePool.Store(name.text));
-}
-
-void CIdentifierManager::EnterNew(std::span<const HashedName> names, std::uint32_t flags) {
-    for (const HashedName& name : names) {
-        AddRecord(name, name.text.data())->flags = flags;
-    }
 }
 
 std::int32_t CIdentifierManager::AddID(const Definition& definition) {
@@ -158,18 +149,9 @@ std::int32_t CIdentifierManager::AddID(const Definition& definition) {
     const bool isNew = record == nullptr;
     if (isNew) {
         record = Enter(name);
-    } else if ((record->flags & IDF_RESERVED) != 0) {
-        if (log != nullptr) {
-            log->AddText(
-                {"Attempt to use command/instruction as a label! [", record->Name(), "]\n"});
-        }
-        errors->Report(MSG_RESERVED_NAME, definition.name, definition.file, definition.line);
-        return 0;
-    } else if ((record->flags & (IDF_LABEL | IDF_EQU)) != 0) {
-        if (log != nullptr) {
-            log->AddText({"Label redefinition! [", record->Name(), "]\n"});
-        }
-        errors->Report(MSG_REDEFINITION, definition.name, definition.file, definition.line);
+    }
+    if ((record->flags & (IDF_RESERVED | IDF_LABEL | IDF_EQU)) != 0) [[unlikely]] {
+        Refuse(definition, (record->flags & IDF_RESERVED) != 0);
         return 0;
     }
     record->flags |= definition.flags;
@@ -180,6 +162,17 @@ std::int32_t CIdentifierManager::AddID(const Definition& definition) {
         ApplyPatches(record);
     }
     return 0;
+}
+
+// Reports that `definition` is of a name which may not be defined, or not again.
+void CIdentifierManager::Refuse(const Definition& definition, bool isReserved) {
+    if (log != nullptr) {
+        log->AddText({isReserved ? "Attempt to use command/instruction as a label! ["
+                                 : "Label redefinition! [",
+                      definition.name, "]\n"});
+    }
+    errors->Report(isReserved ? MSG_RESERVED_NAME : MSG_REDEFINITION, definition.name,
+                   definition.file, definition.line);
 }
 
 // `identifier` was only referred to and has got its definition: what waits for it gets its turn, if
@@ -239,7 +232,7 @@ CIdentifier* CIdentifierManager::FindID(const HashedName& name, bool markUsed) {
 // The record of a name that its lookup has missed; made unless another operand has entered it.
 CIdentifier* CIdentifierManager::RecordOf(const UnresolvedName& name) {
     const HashedName hashed(name.name, name.hash);
-    CIdentifier* const record = name.knownNames != totalCount ? index.Find(hashed) : nullptr;
+    CIdentifier* const record = name.knownNames != recordCount ? index.Find(hashed) : nullptr;
     return record != nullptr ? record : Enter(hashed);
 }
 
@@ -265,8 +258,8 @@ void CIdentifierManager::TraceNewPatch(const CPatchInfo& patch) const {
 
 // Links all records into the chains of their buckets, sorted by name.
 void CIdentifierManager::LinkChains() {
-    std::fill(buckets.begin(), buckets.end(), nullptr);
-    for (std::int32_t number = 0; number < totalCount; ++number) {
+    buckets.assign(static_cast<std::size_t>(tableSize), nullptr);
+    for (std::int32_t number = 0; number < recordCount; ++number) {
         CIdentifier* const record = RecordAt(number);
         record->next = std::exchange(buckets[BucketOf(record->Name(), tableSize)], record);
     }
@@ -323,7 +316,7 @@ std::int32_t CIdentifierManager::DumpStatus(std::FILE* stream) const {
     if (stream == nullptr) {
         return -1;
     }
-    std::fprintf(stream, "   Total Count: %5d.\n   Table Size:  %5d.\n", totalCount, tableSize);
+    std::fprintf(stream, "   Total Count: %5d.\n   Table Size:  %5d.\n", TotalCount(), tableSize);
     return 0;
 }
 

@@ -8,7 +8,6 @@
 #include <cstdint>
 #include <cstdio>
 #include <memory>
-#include <span>
 #include <string_view>
 #include <vector>
 
@@ -17,6 +16,7 @@
 #include "symbols/identifier.h"
 #include "symbols/name_index.h"
 #include "symbols/name_pool.h"
+#include "symbols/system_identifiers.h"
 
 namespace korv {
 
@@ -61,9 +61,12 @@ class CIdentifierManager {
     /// function itself; so the result is always 0.
     std::int32_t AddID(const Definition& definition);
 
-    /// Enters names that are not there yet, without looking, with `flags` and no value. Their texts
-    /// have to live as long as the table.
-    void EnterNew(std::span<const HashedName> names, std::uint32_t flags);
+    /// Reserves `words`, which have to live as long as the table and are none of its names yet.
+    /// They count as entered, but a record is made only of those that a source names.
+    void Reserve(const WordSet& words) {
+        reservedWords = &words;
+        unmetCount = words.Count();
+    }
 
     /// The record of `name` if it has a value, else null: a name that waits and one never seen are
     /// the same here. `markUsed` marks it as read.
@@ -76,7 +79,7 @@ class CIdentifierManager {
         const HashedName hashed(name);
         CIdentifier* const record = index.FindNear(hashed);
         if (record == nullptr || (record->flags & IDF_RESOLVED) == 0) {
-            *unresolved = {name, hashed.hash, record, totalCount};
+            *unresolved = {name, hashed.hash, record, recordCount};
             const bool isMissed = record == nullptr && index.HasOverflow();
             return isMissed ? ValueFromOverflow(value, unresolved) : MSG_UNRESOLVED;
         }
@@ -108,14 +111,15 @@ class CIdentifierManager {
     std::int32_t DumpStatus(std::FILE* stream) const;
 
     /// Records in the table, of every kind.
-    [[nodiscard]] std::int32_t TotalCount() const { return totalCount; }
+    [[nodiscard]] std::int32_t TotalCount() const { return recordCount + unmetCount; }
+    /// Those but for reserved words that nobody has named.
+    [[nodiscard]] std::int32_t RecordCount() const { return recordCount; }
     /// The record `number`, from 0, in the order in which the names were met.
     [[nodiscard]] const CIdentifier& Record(std::int32_t number) const { return *RecordAt(number); }
 
   private:
-    // Room for records. The first has some for a small program, beside the names that every run
-    // has.
-    static constexpr std::uint32_t chunkSize = 128;
+    // Room for records.
+    static constexpr std::uint32_t chunkSize = 256;
     struct Chunk {
         [[nodiscard]] CIdentifier* Records() { return reinterpret_cast<CIdentifier*>(memory); }
         alignas(CIdentifier) std::byte memory[chunkSize * sizeof(CIdentifier)];
@@ -126,7 +130,7 @@ class CIdentifierManager {
         return &chunks[n / chunkSize]->Records()[n % chunkSize];
     }
     CIdentifier* Enter(const HashedName& name);
-    CIdentifier* AddRecord(const HashedName& name, const char* text);
+    void Refuse(const Definition& definition, bool isReserved);
     Status ValueFromOverflow(std::int32_t* value, UnresolvedName* unresolved);
     CIdentifier* RecordOf(const UnresolvedName& name);
     void TraceNewPatch(const CPatchInfo& patch) const;
@@ -143,11 +147,13 @@ class CIdentifierManager {
     void TraceText(const char* text) const;
 
     std::int32_t tableSize;
-    std::vector<CIdentifier*> buckets;  // heads of the sorted chains, once they are linked
+    std::vector<CIdentifier*> buckets;  // heads of the sorted chains; empty until they are linked
     // Records stay where they are, and a number finds them.
     std::vector<std::unique_ptr<Chunk>> chunks;
-    std::int32_t totalCount = 0;
-    std::int32_t waitingCount = 0;  // records with patches
+    std::int32_t recordCount = 0;
+    std::int32_t waitingCount = 0;           // records with patches
+    const WordSet* reservedWords = nullptr;  // not owned
+    std::int32_t unmetCount = 0;             // reserved words without a record
     CNameIndex index;
     CNamePool namePool;
     CMessageList* errors = nullptr;

@@ -22,6 +22,7 @@ CNameIndex::~CNameIndex() {
     }
     Entry* const old = std::exchange(entries, static_cast<Entry*>(grown));
     const Entry* const oldEnd = old + mask + 1 + longestProbe;
+    left += places / 2 - (mask + 1) / 2;
     mask = places - 1;
     for (const Entry* entry = old; entry != oldEnd; ++entry) {
         if (entry->record != nullptr) {
@@ -36,7 +37,7 @@ CNameIndex::~CNameIndex() {
     });
 }
 
-[[gnu::noinline]] void CNameIndex::AddToOverflow(const Entry& entry) {
+[[gnu::noinline]] void CNameIndex::AddToOverflow(Entry entry) {
     overflow.emplace(HashedName(entry.record->Name(), entry.hash), entry.record);
 }
 

@@ -156,9 +156,10 @@ class CNameIndex {
 
     /// Enters `record`, not owned, whose name has the given hash and is not there yet.
     void Insert(CIdentifier* record, std::uint64_t hash) {
-        if (++count > (mask + 1) / 2) [[unlikely]] {
+        if (left == 0) [[unlikely]] {
             Grow();
         }
+        --left;
         Place({record, hash});
     }
 
@@ -180,13 +181,13 @@ class CNameIndex {
                (text.size() <= 8 || EqualTexts(record.name, text));
     }
     void Grow();
-    void Place(const Entry& entry) {
+    void Place(Entry entry) {
         if (!PlaceNear(entry)) [[unlikely]] {
             AddToOverflow(entry);
         }
     }
     // False: there is no room near its place.
-    bool PlaceNear(const Entry& entry) {
+    bool PlaceNear(Entry entry) {
         Entry* at = PlaceOf(entry.hash);
         for (int i = 0; i < longestProbe; ++i, ++at) {
             if (at->record == nullptr) {
@@ -196,7 +197,7 @@ class CNameIndex {
         }
         return false;
     }
-    void AddToOverflow(const Entry& entry);
+    void AddToOverflow(Entry entry);
 
     static constexpr std::uint32_t firstPlaces = 256;
 
@@ -205,7 +206,7 @@ class CNameIndex {
     std::array<Entry, firstPlaces + longestProbe> firstEntries{};
     Entry* entries = firstEntries.data();  // owned if they are others
     std::uint32_t mask = firstPlaces - 1;  // the number of places, a power of 2, less 1
-    std::uint32_t count = 0;               // records
+    std::uint32_t left = firstPlaces / 2;  // places to take before there are to be more
     // Names that found no room: all entries near their place are taken.
     NodeBlocks nodes;
     std::map<HashedName, CIdentifier*, std::less<>,

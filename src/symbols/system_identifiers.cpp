@@ -47,7 +47,7 @@ constexpr auto wordList = [] {
 
 }  // namespace
 
-constexpr WordList reservedWords(wordList.data());
+constexpr WordSet reservedWords(wordList.data());
 
 void CAssembler::LoadSystemIdentifiers() {
     std::int32_t result = 0;
@@ -59,9 +59,9 @@ void CAssembler::LoadSystemIdentifiers() {
     }
 }
 
-std::int32_t CAssembler::LoadSystemIdentifiersFromString(const WordList& list) {
-    identifiers.EnterNew(list.Words(), IDS_RESERVED_WORD);
-    return static_cast<std::int32_t>(list.Words().size());
+std::int32_t CAssembler::LoadSystemIdentifiersFromString(const WordSet& list) {
+    identifiers.Reserve(list);
+    return list.Count();
 }
 
 }  // namespace korv

@@ -4,30 +4,46 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
-#include <span>
+#include <cstdint>
 #include <string_view>
 
 #include "symbols/name_index.h"
 
 namespace korv {
 
-/// The words of a constant text, in which one tab stands between two. The compiler cuts and hashes
-/// them: every run enters the reserved words, and most runs are short.
-class WordList {
+/// The words of a constant text, in which one tab stands between two. The compiler cuts, hashes and
+/// places them: every run reserves the same words, and most runs are short.
+class WordSet {
   public:
-    consteval WordList(const char* text) {
+    consteval WordSet(const char* text) {
         for (std::string_view rest = text; !rest.empty(); ++count) {
-            words[count] = rest.substr(0, rest.find('\t'));
-            rest.remove_prefix(std::min(words[count].text.size() + 1, rest.size()));
+            const HashedName word = rest.substr(0, rest.find('\t'));
+            rest.remove_prefix(std::min(word.text.size() + 1, rest.size()));
+            std::size_t place = word.hash % words.size();
+            while (words[place].hash != 0) {
+                place = (place + 1) % words.size();
+            }
+            words[place] = word;
         }
     }
-    [[nodiscard]] std::span<const HashedName> Words() const { return {words.data(), count}; }
+    [[nodiscard]] bool Has(const HashedName& name) const {
+        std::size_t place = name.hash % words.size();
+        while (words[place].hash != 0) {
+            if (words[place].hash == name.hash) {
+                return words[place].text == name.text;
+            }
+            place = (place + 1) % words.size();
+        }
+        return false;
+    }
+    [[nodiscard]] std::int32_t Count() const { return count; }
 
   private:
-    std::array<HashedName, 128> words;
-    std::size_t count = 0;
+    std::array<HashedName, 256>
+        words;  // each at the first free place from its own, where hash is 0
+    std::int32_t count = 0;
 };
 
-extern const WordList reservedWords;
+extern const WordSet reservedWords;
 
 }  // namespace korv

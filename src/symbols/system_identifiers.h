@@ -19,28 +19,25 @@ class WordSet {
         for (std::string_view rest = text; !rest.empty(); ++count) {
             const HashedName word = rest.substr(0, rest.find('\t'));
             rest.remove_prefix(std::min(word.text.size() + 1, rest.size()));
-            std::size_t place = word.hash % words.size();
-            while (words[place].hash != 0) {
-                place = (place + 1) % words.size();
-            }
-            words[place] = word;
+            words[PlaceOf(word)] = word;
         }
     }
     [[nodiscard]] bool Has(const HashedName& name) const {
-        std::size_t place = name.hash % words.size();
-        while (words[place].hash != 0) {
-            if (words[place].hash == name.hash) {
-                return words[place].text == name.text;
-            }
-            place = (place + 1) % words.size();
-        }
-        return false;
+        return words[PlaceOf(name)].text == name.text;
     }
     [[nodiscard]] std::int32_t Count() const { return count; }
 
   private:
-    std::array<HashedName, 256>
-        words;  // each at the first free place from its own, where hash is 0
+    // Where `name` stands or would stand: at the first free place from its own.
+    [[nodiscard]] constexpr std::size_t PlaceOf(const HashedName& name) const {
+        std::size_t place = name.hash % words.size();
+        while (words[place].hash != 0 && words[place].hash != name.hash) {
+            place = (place + 1) % words.size();
+        }
+        return place;
+    }
+
+    std::array<HashedName, 512> words;  // free where the hash is 0
     std::int32_t count = 0;
 };
 

@@ -244,24 +244,23 @@ CurrentDirectory::~CurrentDirectory() {
 }
 
 bool CurrentDirectory::FullPath(std::string_view name, std::string* path) {
-    const std::string translated = Translated(name);
-    std::string joined;
-    if (translated.empty() || translated.front() != '/') {
+    path->clear();
+    if (!IsAbsolutePath(name)) {
         if (!state->HasPath()) {
             return false;
         }
-        joined = state->levels.back().path + '/';
+        *path = state->levels.back().path;
     }
-    joined += translated;
-
-    path->clear();
-    for (std::size_t start = 0; start < joined.size();) {
-        const std::size_t end = std::min(joined.find('/', start), joined.size());
-        const std::string_view component = std::string_view(joined).substr(start, end - start);
+    for (std::size_t start = 0; start < name.size();) {
+        const std::size_t end = std::min(name.find_first_of(separators, start), name.size());
+        const std::string_view component = name.substr(start, end - start);
         if (component == "..") {
             path->erase(std::min(path->find_last_of('/'), path->size()));
         } else if (!component.empty() && component != ".") {
-            path->append("/").append(component);
+            if (*path != "/") {
+                *path += '/';
+            }
+            *path += component;
         }
         start = end + 1;
     }

@@ -119,7 +119,7 @@ class CIdentifierManager {
 
   private:
     // Room for records.
-    static constexpr std::uint32_t chunkSize = 256;
+    static constexpr std::uint32_t chunkSize = 512;
     struct Chunk {
         [[nodiscard]] CIdentifier* Records() { return reinterpret_cast<CIdentifier*>(memory); }
         alignas(CIdentifier) std::byte memory[chunkSize * sizeof(CIdentifier)];

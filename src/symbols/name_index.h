@@ -199,7 +199,7 @@ class CNameIndex {
     }
     void AddToOverflow(Entry entry);
 
-    static constexpr std::uint32_t firstPlaces = 256;
+    static constexpr std::uint32_t firstPlaces = 128;
 
     // There are `longestProbe` more of them than places. The first ones are part of the index: a
     // run without many names allocates none.

@@ -236,21 +236,6 @@ CIdentifier* CIdentifierManager::RecordOf(const UnresolvedName& name) {
     return record != nullptr ? record : Enter(hashed);
 }
 
-Status CIdentifierManager::AddPatch(const UnresolvedName& name, CPatchInfo* patch) {
-    CIdentifier* const record = name.record != nullptr ? name.record : RecordOf(name);
-    patch->identifier = record;
-    if (log != nullptr) [[unlikely]] {
-        TraceNewPatch(*patch);
-    }
-    if ((record->flags & IDF_RESOLVED) != 0) [[unlikely]] {
-        return ApplyPatch(patch);
-    }
-    waitingCount += record->patches == nullptr ? 1 : 0;
-    patch->next = record->patches;
-    record->patches = patch;
-    return 0;
-}
-
 void CIdentifierManager::TraceNewPatch(const CPatchInfo& patch) const {
     log->AddText(
         {"Adding patch for: [", patch.identifier->Name(), "] -> [", patch.Expression(), "]\n"});

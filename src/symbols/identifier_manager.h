@@ -16,6 +16,7 @@
 #include "symbols/identifier.h"
 #include "symbols/name_index.h"
 #include "symbols/name_pool.h"
+#include "symbols/patch.h"
 #include "symbols/system_identifiers.h"
 
 namespace korv {
@@ -24,7 +25,6 @@ class BinBlock;
 class CAssembler;
 class CFileNameRegistry;
 class CMessageList;
-class CPatchInfo;
 class DebugStream;
 namespace platform {
 class OutputFile;
@@ -90,7 +90,20 @@ class CIdentifierManager {
 
     /// Takes over `patch`, which waits for `name`, and hangs it on the record of that name, made if
     /// there is none. Result: 0, or that of `Backpatch` should the name have a value.
-    Status AddPatch(const UnresolvedName& name, CPatchInfo* patch);
+    Status AddPatch(const UnresolvedName& name, CPatchInfo* patch) {
+        CIdentifier* const record = name.record != nullptr ? name.record : RecordOf(name);
+        patch->identifier = record;
+        if (log != nullptr) [[unlikely]] {
+            TraceNewPatch(*patch);
+        }
+        if ((record->flags & IDF_RESOLVED) != 0) [[unlikely]] {
+            return ApplyPatch(patch);
+        }
+        waitingCount += record->patches == nullptr ? 1 : 0;
+        patch->next = record->patches;
+        record->patches = patch;
+        return 0;
+    }
 
     /// Evaluates a patch that its caller has taken off its chain and still owns, now that its
     /// identifier has a value; writes the result, gives it to a waiting EQU and goes on with all

@@ -11,26 +11,13 @@ constexpr std::uint32_t AllowedBit(std::int32_t reg) {
     if (IsFieldRegister(reg)) {
         return reg == REG_A ? ALLOW_A : 2U << reg;
     }
-    switch (reg) {
-        case REG_AF:
-            return ALLOW_AF;
-        case REG_BC:
-            return ALLOW_BC;
-        case REG_DE:
-            return ALLOW_DE;
-        case REG_HL:
-            return ALLOW_HL;
-        case REG_IX:
-            return ALLOW_IX;
-        case REG_IY:
-            return ALLOW_IY;
-        case REG_SP:
-            return ALLOW_SP;
-        default:
-            return 0;
+    if (!IsPair(reg)) {
+        return 0;
     }
+    return reg == REG_AF ? ALLOW_AF : ALLOW_AF << (reg >> 8);  // the high byte counts the pairs
 }
 static_assert(AllowedBit(REG_HL_INDIRECT) == ALLOW_HL_INDIRECT && AllowedBit(0) == 0x0002);
+static_assert(AllowedBit(REG_BC) == ALLOW_BC && AllowedBit(REG_SP) == ALLOW_SP);
 
 // The form bit of an operand that holds an expression in parentheses.
 constexpr std::uint32_t FormBit(std::int32_t reg) {

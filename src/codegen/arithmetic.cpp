@@ -30,10 +30,7 @@ Status AssembleAdd(CAssembler* assembler, CStatement* statement) {
     static constexpr OperandForm toIx = PairForm(PREFIX_IX, 0x09, ALLOW_IX);
     static constexpr OperandForm toIy = PairForm(PREFIX_IY, 0x09, ALLOW_IY);
     const lsArg& last = statement->args.Last();
-    if (statement->args.Count() == 1) {
-        return EncodeOperand(assembler, statement, last, toA);
-    }
-    switch (statement->args[1].reg) {
+    switch (statement->args.Count() == 1 ? REG_A : statement->args[1].reg) {
         case REG_A:
             return EncodeOperand(assembler, statement, last, toA);
         case REG_HL:

@@ -30,10 +30,7 @@ Status AssembleAdd(CAssembler* assembler, CStatement* statement) {
     static constexpr OperandForm toIx = PairForm(PREFIX_IX, 0x09, ALLOW_IX);
     static constexpr OperandForm toIy = PairForm(PREFIX_IY, 0x09, ALLOW_IY);
     const lsArg& last = statement->args.Last();
-    if (statement->args.Count() == 1) {
-        return EncodeOperand(assembler, statement, last, toA);
-    }
-    switch (statement->args[1].reg) {
+    switch (statement->args.Count() == 1 ? REG_A : statement->args[1].reg) {
         case REG_A:
             return EncodeOperand(assembler, statement, last, toA);
         case REG_HL:
@@ -64,19 +61,11 @@ Status AssembleWithCarry(CAssembler* assembler, CStatement* statement, std::uint
 Status AssembleStep(CAssembler* assembler, CStatement* statement, std::uint8_t byteOpcode,
                     std::uint8_t pairOpcode) {
     const lsArg& arg = statement->args[1];
-    switch (arg.reg) {
-        case REG_IX:
-        case REG_IY:
-            return assembler->EmitOpcode(IndexPrefix(arg.reg), pairOpcode + PairField(REG_HL));
-        case REG_BC:
-        case REG_DE:
-        case REG_HL:
-        case REG_SP:
-            return assembler->EmitOpcode(PREFIX_NONE, pairOpcode + PairField(arg.reg));
-        default:
-            return EncodeOperand(assembler, statement, arg,
-                                 {3, byteOpcode, 0, PREFIX_NONE, ALLOW_FIELD, FORM_IX | FORM_IY});
+    if (IsPair(arg.reg) && arg.reg != REG_AF) {
+        return assembler->EmitOpcode(IndexPrefix(arg.reg), pairOpcode + PairField(arg.reg));
     }
+    return EncodeOperand(assembler, statement, arg,
+                         {3, byteOpcode, 0, PREFIX_NONE, ALLOW_FIELD, FORM_IX | FORM_IY});
 }
 
 }  // namespace korv

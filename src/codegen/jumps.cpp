@@ -30,8 +30,7 @@ Status AssembleJp(CAssembler* assembler, CStatement* statement) {
     const lsArg& target = statement->args.Last();
     const bool isConditional = IsConditional(*statement);
     if (!isConditional && IsRegisterJump(first.reg)) {
-        const bool isIndex = first.reg != REG_HL_INDIRECT;
-        return assembler->EmitOpcode(isIndex ? IndexPrefix(first.reg) : PREFIX_NONE, 0xE9);
+        return assembler->EmitOpcode(IndexPrefix(first.reg), 0xE9);
     }
     if (isConditional && !first.IsCondition()) {  // the statement goes on, with the number -1
         assembler->ReportError(statement, MSG_ILLEGAL_CONDITION, first.text);

@@ -46,9 +46,8 @@ Status LoadFromAccumulator(CAssembler* assembler, const lsArg& src, std::uint8_t
 Status LoadAccumulator(CAssembler* assembler, CStatement* statement, const lsArg& src) {
     switch (src.reg) {
         case REG_BC_INDIRECT:
-            return assembler->EmitOpcode(PREFIX_NONE, 0x0A);
         case REG_DE_INDIRECT:
-            return assembler->EmitOpcode(PREFIX_NONE, 0x1A);
+            return assembler->EmitOpcode(PREFIX_NONE, 0x0A + PairField(src.reg));
         case REG_I:
             return assembler->EmitOpcode(PREFIX_ED, 0x57);
         case REG_R:
@@ -58,38 +57,23 @@ Status LoadAccumulator(CAssembler* assembler, CStatement* statement, const lsArg
     }
 }
 
-// The pairs, from an immediate word or from memory. A value outside 16 bits is cut without a word.
+// The pairs, from an immediate word or from memory; SP from HL, IX or IY too. A value outside 16
+// bits is cut without a word.
 Status LoadPair(CAssembler* assembler, CStatement* statement, const lsArg& dst, const lsArg& src) {
+    if (dst.reg == REG_SP && IsHlOrIndex(src.reg)) {
+        return assembler->EmitOpcode(IndexPrefix(src.reg), 0xF9);
+    }
     if (!src.IsPlainValue()) {
         return MSG_ILLEGAL_ARGUMENT;
     }
-    const bool isMemory = src.reg == REG_DIRECT;
-    const bool isIndex = dst.reg == REG_IX || dst.reg == REG_IY;
-    if (isIndex) {
-        assembler->EmitByte(IndexPrefix(dst.reg));
-    }
-    if (isMemory && (isIndex || dst.reg == REG_HL)) {
-        assembler->EmitByte(0x2A);
-    } else if (isMemory) {
-        assembler->EmitOpcode(PREFIX_ED, 0x4B + PairField(dst.reg));
+    if (src.reg != REG_DIRECT) {
+        assembler->EmitOpcode(IndexPrefix(dst.reg), 0x01 + PairField(dst.reg));
+    } else if (IsHlOrIndex(dst.reg)) {
+        assembler->EmitOpcode(IndexPrefix(dst.reg), 0x2A);
     } else {
-        assembler->EmitByte(0x01 + PairField(dst.reg));
+        assembler->EmitOpcode(PREFIX_ED, 0x4B + PairField(dst.reg));
     }
     return EmitValue<wordKind>(assembler, statement, src, PatchText::operand);
-}
-
-Status LoadStackPointer(CAssembler* assembler, CStatement* statement, const lsArg& dst,
-                        const lsArg& src) {
-    constexpr std::int32_t opcode = 0xF9;
-    switch (src.reg) {
-        case REG_HL:
-            return assembler->EmitOpcode(PREFIX_NONE, opcode);
-        case REG_IX:
-        case REG_IY:
-            return assembler->EmitOpcode(IndexPrefix(src.reg), opcode);
-        default:
-            return LoadPair(assembler, statement, dst, src);
-    }
 }
 
 Status StoreIndexed(CAssembler* assembler, CStatement* statement, const lsArg& dst,
@@ -120,24 +104,14 @@ Status StoreIndexed(CAssembler* assembler, CStatement* statement, const lsArg& d
 
 Status StoreDirect(CAssembler* assembler, CStatement* statement, const lsArg& dst,
                    const lsArg& src) {
-    switch (src.reg) {
-        case REG_A:
-            assembler->EmitOpcode(PREFIX_NONE, 0x32);
-            break;
-        case REG_HL:
-            assembler->EmitOpcode(PREFIX_NONE, 0x22);
-            break;
-        case REG_IX:
-        case REG_IY:
-            assembler->EmitOpcode(IndexPrefix(src.reg), 0x22);
-            break;
-        case REG_BC:
-        case REG_DE:
-        case REG_SP:
-            assembler->EmitOpcode(PREFIX_ED, 0x43 + PairField(src.reg));
-            break;
-        default:
-            return MSG_ILLEGAL_ARGUMENT;
+    if (src.reg == REG_A) {
+        assembler->EmitByte(0x32);
+    } else if (IsHlOrIndex(src.reg)) {
+        assembler->EmitOpcode(IndexPrefix(src.reg), 0x22);
+    } else if (IsPair(src.reg) && src.reg != REG_AF) {
+        assembler->EmitOpcode(PREFIX_ED, 0x43 + PairField(src.reg));
+    } else {
+        return MSG_ILLEGAL_ARGUMENT;
     }
     return EmitChecked<wordKind>(assembler, statement, dst, PatchText::operand);
 }
@@ -154,6 +128,9 @@ Status AssembleLd(CAssembler* assembler, CStatement* statement) {
         return EncodeOperand(assembler, statement, src,
                              toRegister[static_cast<std::size_t>(dst.reg)]);
     }
+    if (IsPair(dst.reg) && dst.reg != REG_AF) {
+        return LoadPair(assembler, statement, dst, src);
+    }
     switch (dst.reg) {
         case REG_HL_INDIRECT:
             return EncodeOperand(assembler, statement, src, toMemory);
@@ -162,17 +139,8 @@ Status AssembleLd(CAssembler* assembler, CStatement* statement) {
         case REG_I:
             return LoadFromAccumulator(assembler, src, PREFIX_ED, 0x47);
         case REG_BC_INDIRECT:
-            return LoadFromAccumulator(assembler, src, PREFIX_NONE, 0x02);
         case REG_DE_INDIRECT:
-            return LoadFromAccumulator(assembler, src, PREFIX_NONE, 0x12);
-        case REG_BC:
-        case REG_DE:
-        case REG_HL:
-        case REG_IX:
-        case REG_IY:
-            return LoadPair(assembler, statement, dst, src);
-        case REG_SP:
-            return LoadStackPointer(assembler, statement, dst, src);
+            return LoadFromAccumulator(assembler, src, PREFIX_NONE, 0x02 + PairField(dst.reg));
         case REG_IX_INDEXED:
         case REG_IY_INDEXED:
             return StoreIndexed(assembler, statement, dst, src);

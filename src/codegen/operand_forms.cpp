@@ -11,39 +11,20 @@ constexpr std::uint32_t AllowedBit(std::int32_t reg) {
     if (IsFieldRegister(reg)) {
         return reg == REG_A ? ALLOW_A : 2U << reg;
     }
-    switch (reg) {
-        case REG_AF:
-            return ALLOW_AF;
-        case REG_BC:
-            return ALLOW_BC;
-        case REG_DE:
-            return ALLOW_DE;
-        case REG_HL:
-            return ALLOW_HL;
-        case REG_IX:
-            return ALLOW_IX;
-        case REG_IY:
-            return ALLOW_IY;
-        case REG_SP:
-            return ALLOW_SP;
-        default:
-            return 0;
+    if (!IsPair(reg)) {
+        return 0;
     }
+    return reg == REG_AF ? ALLOW_AF : ALLOW_AF << (reg >> 8);  // the high byte counts the pairs
 }
 static_assert(AllowedBit(REG_HL_INDIRECT) == ALLOW_HL_INDIRECT && AllowedBit(0) == 0x0002);
+static_assert(AllowedBit(REG_BC) == ALLOW_BC && AllowedBit(REG_SP) == ALLOW_SP);
 
 // The form bit of an operand that holds an expression in parentheses.
 constexpr std::uint32_t FormBit(std::int32_t reg) {
-    switch (reg) {
-        case REG_IX_INDEXED:
-            return FORM_IX;
-        case REG_IY_INDEXED:
-            return FORM_IY;
-        case REG_DIRECT:
-            return FORM_DIRECT;
-        default:
-            return 0;
-    }
+    return reg == REG_IX_INDEXED   ? FORM_IX
+           : reg == REG_IY_INDEXED ? FORM_IY
+           : reg == REG_DIRECT     ? FORM_DIRECT
+                                   : 0;
 }
 
 [[gnu::noinline]] Status RefuseOperand(CAssembler* assembler, const CStatement* statement,
@@ -88,22 +69,6 @@ constexpr std::uint32_t FormBit(std::int32_t reg) {
     return result == 0 ? 0 : MSG_BAD_EXPRESSION;
 }
 
-// What ProcessBSR_Ex adds the register and the field to; -1 for a kind that does not exist.
-constexpr std::int32_t BitBase(char kind) {
-    switch (kind) {
-        case 'B':
-            return 0x40;
-        case 'R':
-            return 0x80;
-        case 'S':
-            return 0xC0;
-        case 'X':
-            return 0x00;
-        default:
-            return -1;
-    }
-}
-
 }  // namespace
 
 Status EncodeOperand(CAssembler* assembler, CStatement* statement, const lsArg& arg,
@@ -144,7 +109,11 @@ Status EncodeAccumulatorOp(CAssembler* assembler, CStatement* statement, std::in
 }
 
 Status ProcessBSR_Ex(CAssembler* assembler, CStatement* statement, char kind, std::int32_t field) {
-    const std::int32_t base = BitBase(kind);
+    const std::int32_t base = kind == 'X'   ? 0x00
+                              : kind == 'B' ? 0x40
+                              : kind == 'R' ? 0x80
+                              : kind == 'S' ? 0xC0
+                                            : -1;
     if (base < 0) {
         assembler->ReportError(statement, MSG_GENERAL_FAILURE,
                                "ProcessBSR_Ex -> Not BSRX in switch!");

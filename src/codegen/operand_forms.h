@@ -50,9 +50,20 @@ struct OperandForm {
     std::uint32_t forms;           ///< FORM_* bits
 };
 
-/// The byte that selects `reg`, one of the codes of IX or IY in any form.
+/// The byte that selects IX or IY, if `reg` is one of its codes in any form.
 [[nodiscard]] constexpr std::uint8_t IndexPrefix(std::int32_t reg) {
-    return reg == REG_IX || reg == REG_IX_INDIRECT || reg == REG_IX_INDEXED ? PREFIX_IX : PREFIX_IY;
+    switch (reg) {
+        case REG_IX:
+        case REG_IX_INDIRECT:
+        case REG_IX_INDEXED:
+            return PREFIX_IX;
+        case REG_IY:
+        case REG_IY_INDIRECT:
+        case REG_IY_INDEXED:
+            return PREFIX_IY;
+        default:
+            return PREFIX_NONE;
+    }
 }
 
 /// Whether `reg` is the code of B, C, D, E, H, L, (HL) or A; the code is then the number in the
@@ -63,6 +74,14 @@ struct OperandForm {
 /// The same without (HL).
 [[nodiscard]] constexpr bool IsByteRegister(std::int32_t reg) {
     return IsFieldRegister(reg) && reg != REG_HL_INDIRECT;
+}
+/// Whether `reg` is the code of BC, DE, HL, IX, IY, SP or AF.
+[[nodiscard]] constexpr bool IsPair(std::int32_t reg) {
+    return reg >= REG_BC && reg <= REG_AF;
+}
+/// Whether `reg` is the code of HL, or of IX or IY, which take its place after a prefix.
+[[nodiscard]] constexpr bool IsHlOrIndex(std::int32_t reg) {
+    return reg >= REG_HL && reg <= REG_IY;
 }
 /// The number of a pair's code in bits 4 and 5 of an opcode.
 [[nodiscard]] constexpr std::int32_t PairField(std::int32_t reg) {

@@ -50,12 +50,9 @@ constexpr std::size_t Pivot(std::size_t first, std::size_t end, std::size_t dept
     return row;
 }
 
-template <std::size_t first, std::size_t end, std::size_t depth>
-inline const Keyword* Decide(const char* text);
-
 // `c` is the character of the text at `depth`.
 template <std::size_t first, std::size_t end, std::size_t depth>
-inline const Keyword* DecideOn(char c, const char* text) {
+inline const Keyword* Decide(char c, const char* text) {
     if constexpr (first == end) {
         return nullptr;
     } else {
@@ -67,28 +64,23 @@ inline const Keyword* DecideOn(char c, const char* text) {
                 return &keywords[pivot];
             }
         } else if (c == pivotCharacter) {
-            return Decide<pivot, pivotEnd, depth + 1>(text);
+            return Decide<pivot, pivotEnd, depth + 1>(text[depth + 1], text);
         }
         if constexpr (pivot == first) {
-            return DecideOn<pivotEnd, end, depth>(c, text);
+            return Decide<pivotEnd, end, depth>(c, text);
         } else if constexpr (pivotEnd == end) {
-            return DecideOn<first, pivot, depth>(c, text);
+            return Decide<first, pivot, depth>(c, text);
         } else {
-            return c < pivotCharacter ? DecideOn<first, pivot, depth>(c, text)
-                                      : DecideOn<pivotEnd, end, depth>(c, text);
+            return c < pivotCharacter ? Decide<first, pivot, depth>(c, text)
+                                      : Decide<pivotEnd, end, depth>(c, text);
         }
     }
-}
-
-template <std::size_t first, std::size_t end, std::size_t depth>
-inline const Keyword* Decide(const char* text) {
-    return DecideOn<first, end, depth>(text[depth], text);
 }
 
 }  // namespace
 
 const Keyword* RecogniseInstruction(const char* text) {
-    return Decide<0, keywords.size(), 0>(text);
+    return Decide<0, keywords.size(), 0>(text[0], text);
 }
 
 }  // namespace korv

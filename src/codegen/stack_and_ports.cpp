@@ -10,43 +10,12 @@
 #include "driver/assembler.h"
 
 namespace korv {
-namespace {
-
-// Emits an opcode whose HL, IX or IY is `reg`; anything else is refused.
-Status EmitWithHlOrIndex(CAssembler* assembler, std::int32_t reg, std::int32_t opcode) {
-    switch (reg) {
-        case REG_HL:
-            return assembler->EmitOpcode(PREFIX_NONE, opcode);
-        case REG_IX:
-        case REG_IY:
-            return assembler->EmitOpcode(IndexPrefix(reg), opcode);
-        default:
-            return MSG_ILLEGAL_ARGUMENT;
-    }
-}
-
-// The form with a port number. A port out of range is an error, and its byte is not emitted.
-Status AssemblePort(CAssembler* assembler, CStatement* statement, const lsArg& port,
-                    std::int32_t opcode) {
-    assembler->EmitByte(opcode);
-    if (!dataByteRange.Holds(port.value)) {
-        return dataByteRange.message;
-    }
-    return EmitValue<byteKind>(assembler, statement, port, PatchText::operand);
-}
-
-}  // namespace
-
 Status AssembleStack(CAssembler* assembler, CStatement* statement, std::uint8_t opcode) {
     const std::int32_t reg = statement->args[1].reg;
-    switch (reg) {
-        case REG_BC:
-        case REG_DE:
-        case REG_AF:
-            return assembler->EmitOpcode(PREFIX_NONE, opcode + PairField(reg));
-        default:
-            return EmitWithHlOrIndex(assembler, reg, opcode + PairField(REG_HL));
+    if (!IsPair(reg) || reg == REG_SP) {
+        return MSG_ILLEGAL_ARGUMENT;
     }
+    return assembler->EmitOpcode(IndexPrefix(reg), opcode + PairField(reg));
 }
 
 Status AssembleEx(CAssembler* assembler, CStatement* statement) {
@@ -60,7 +29,8 @@ Status AssembleEx(CAssembler* assembler, CStatement* statement) {
                        ? assembler->EmitOpcode(PREFIX_NONE, 0x08)
                        : MSG_ILLEGAL_ARGUMENT;
         case REG_SP_INDIRECT:
-            return EmitWithHlOrIndex(assembler, second.reg, 0xE3);
+            return IsHlOrIndex(second.reg) ? assembler->EmitOpcode(IndexPrefix(second.reg), 0xE3)
+                                           : MSG_ILLEGAL_ARGUMENT;
         default:
             return MSG_ILLEGAL_ARGUMENT;
     }
@@ -83,7 +53,8 @@ Status AssembleIm(CAssembler* assembler, CStatement* statement) {
     return 0;
 }
 
-// The port is (C) with any byte register or F, or (n) with A alone.
+// The port is (C) with any byte register or F, or (n) with A alone. A number out of range is an
+// error, and its byte is not emitted.
 Status AssembleInOut(CAssembler* assembler, CStatement* statement, std::int32_t registerPlace,
                      std::uint8_t registerOpcode, std::uint8_t portOpcode) {
     const std::int32_t reg = statement->args[registerPlace].reg;
@@ -94,10 +65,14 @@ Status AssembleInOut(CAssembler* assembler, CStatement* statement, std::int32_t 
     if (port.reg == REG_C_INDIRECT) {
         return assembler->EmitOpcode(PREFIX_ED, registerOpcode + 8 * (reg & 7));
     }
-    if (reg == REG_A && port.reg == REG_DIRECT) {
-        return AssemblePort(assembler, statement, port, portOpcode);
+    if (reg != REG_A || port.reg != REG_DIRECT) {
+        return MSG_ILLEGAL_ARGUMENT;
     }
-    return MSG_ILLEGAL_ARGUMENT;
+    assembler->EmitByte(portOpcode);
+    if (!dataByteRange.Holds(port.value)) {
+        return dataByteRange.message;
+    }
+    return EmitValue<byteKind>(assembler, statement, port, PatchText::operand);
 }
 
 }  // namespace korv

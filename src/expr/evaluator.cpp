@@ -17,8 +17,7 @@
 namespace korv {
 namespace {
 
-constexpr std::int32_t none = -1;
-constexpr std::int32_t failed = -2;  // of a step: the walk fails
+constexpr std::int32_t none = -1;  // no node
 
 std::int32_t Wrapped(std::uint32_t value) {
     return static_cast<std::int32_t>(value);
@@ -28,13 +27,12 @@ std::int32_t Wrapped(std::uint32_t value) {
 std::int32_t Exponential(std::int32_t exponent) {
     constexpr double limit = 9223372036854775808.0;  // 2 to the 63
     const double power = std::exp(static_cast<double>(exponent));
-    if (!(power < limit)) {
-        return 0;
-    }
-    return Wrapped(static_cast<std::uint32_t>(static_cast<std::int64_t>(power)));
+    return power < limit ? Wrapped(static_cast<std::uint32_t>(static_cast<std::int64_t>(power)))
+                         : 0;
 }
 
-// The result of a binary operator; none: there is no such operator, or no result.
+// The result of an operator, of a unary one with 0 on its left; none: there is no such operator, or
+// no result.
 std::optional<std::int32_t> Applied(std::int32_t code, std::int32_t left, std::int32_t right) {
     const auto l = static_cast<std::uint32_t>(left);
     const auto r = static_cast<std::uint32_t>(right);
@@ -58,6 +56,7 @@ std::optional<std::int32_t> Applied(std::int32_t code, std::int32_t left, std::i
         case OP_GREATER_EQUAL: return left >= right ? 1 : 0;
         case OP_EQUAL: return left == right ? 1 : 0;
         case OP_EXP: return Exponential(right);
+        case OP_NOT: return ~right;
         default: return std::nullopt;
     }
     // clang-format on
@@ -72,97 +71,72 @@ class NodeList {
         }
     }
 
-    [[nodiscard]] bool IsAlone(std::int32_t at) const {
-        return Prev(at) == none && Next(at) == none;
-    }
-    [[nodiscard]] bool IsValue(std::int32_t at) const { return nodes[at].type == NODE_VALUE; }
-
-    // One step at a value or an operator. Result: the node where the cursor goes, or `failed`.
-    [[nodiscard]] std::int32_t StepAtValue(std::int32_t at) const {
-        if (Prev(at) != none) {
-            return Prev(at);
-        }
-        return IsValue(Next(at)) ? failed : Next(at);
+    // Whether the value `at` is all that is left.
+    [[nodiscard]] bool IsResult(std::int32_t at) const {
+        return IsValue(at) && nodes[at].prev == none && nodes[at].next == none;
     }
 
-    std::int32_t StepAtOperator(std::int32_t at) {
-        const std::int32_t right = Next(at);
-        if (right == none) {  // every operator wants something to its right, and so does a ")" that
-                              // nothing opened
-            return failed;
+    // One step at a node. Result: the node where the cursor goes; none: the walk fails.
+    std::int32_t Step(std::int32_t at) {
+        const std::int32_t left = nodes[at].prev;
+        const std::int32_t right = nodes[at].next;
+        if (IsValue(at) && left != none) {
+            return left;
         }
-        const std::int32_t following = IsValue(right) ? Next(right) : none;
-        if (following != none) {
-            if (nodes[following].priority > nodes[at].priority) {
-                return following;
-            }
-            if (IsValue(following)) {
-                return failed;
-            }
+        if (IsValue(at)) {
+            return IsValue(right) ? none : right;
         }
-        const std::int32_t left = Prev(at);
-        const bool hasLeftValue = left != none && IsValue(left);
-        switch (nodes[at].value) {
-            case OP_OPEN:
-                return StepAtBracket(at, right);
-            case OP_CLOSE:
-                return failed;
-            case OP_NOT:
-                return StepAtUnary(at, right);
-            case OP_PLUS:
-            case OP_MINUS:
-                return hasLeftValue ? StepAtBinary(at, left, right) : StepAtUnary(at, right);
-            default:
-                return hasLeftValue ? StepAtBinary(at, left, right) : failed;
+        if (right == none || nodes[at].value == OP_CLOSE) {
+            return none;  // every operator wants something to its right; a ")" is its bracket's
         }
-    }
-
-  private:
-    [[nodiscard]] std::int32_t Prev(std::int32_t at) const { return nodes[at].prev; }
-    [[nodiscard]] std::int32_t Next(std::int32_t at) const { return nodes[at].next; }
-
-    std::int32_t StepAtBinary(std::int32_t at, std::int32_t left, std::int32_t right) {
         if (!IsValue(right)) {
             return right;  // a bracket or a sign on the right is worked first
         }
-        const auto result = Applied(nodes[at].value, nodes[left].value, nodes[right].value);
-        if (!result) {
-            return failed;
+        const std::int32_t following = nodes[right].next;
+        if (following != none && nodes[following].priority > nodes[at].priority) {
+            return following;
         }
-        nodes[left].value = *result;
-        Remove(at);
-        Remove(right);
-        return left;
+        if (following != none && IsValue(following)) {
+            return none;
+        }
+        return nodes[at].value == OP_OPEN ? CloseBracket(at, right) : Apply(at, left, right);
     }
 
-    std::int32_t StepAtUnary(std::int32_t at, std::int32_t right) {
-        if (!IsValue(right)) {
-            return right;
-        }
-        const std::int32_t code = nodes[at].value;
-        const auto operand = static_cast<std::uint32_t>(nodes[right].value);
-        MakeValue(at, Wrapped(code == OP_NOT     ? ~operand
-                              : code == OP_MINUS ? 0 - operand
-                                                 : operand));
-        Remove(right);
-        return at;
-    }
+  private:
+    [[nodiscard]] bool IsValue(std::int32_t at) const { return nodes[at].type == NODE_VALUE; }
 
-    std::int32_t StepAtBracket(std::int32_t at, std::int32_t right) {
-        if (!IsValue(right)) {
-            return nodes[right].value == OP_CLOSE ? failed : right;
-        }
-        const std::int32_t following = Next(right);
-        if (following == none) {
-            return failed;
-        }
-        if (nodes[following].value != OP_CLOSE) {
+    // The bracket that opens at `at` before the value `right`; where something else than its end
+    // follows, that is worked first.
+    std::int32_t CloseBracket(std::int32_t at, std::int32_t right) {
+        const std::int32_t following = nodes[right].next;
+        if (following == none || nodes[following].value != OP_CLOSE) {
             return following;
         }
         MakeValue(at, nodes[right].value);
         Remove(right);
         Remove(following);
         return at;
+    }
+
+    // The operator `at` before the value `right`, unary where it may be and no value stands to its
+    // left.
+    std::int32_t Apply(std::int32_t at, std::int32_t left, std::int32_t right) {
+        const std::int32_t code = nodes[at].value;
+        const bool isBinary = code != OP_NOT && left != none && IsValue(left);
+        if (!isBinary && code != OP_NOT && code != OP_PLUS && code != OP_MINUS) {
+            return none;
+        }
+        const auto result = Applied(code, isBinary ? nodes[left].value : 0, nodes[right].value);
+        if (!result) {
+            return none;
+        }
+        const std::int32_t target = isBinary ? left : at;
+        MakeValue(target, *result);
+        Remove(right);
+        if (isBinary) {
+            Remove(at);
+        }
+        return target;
     }
 
     // The node keeps its priority.
@@ -172,15 +146,14 @@ class NodeList {
     }
 
     void Remove(std::int32_t at) {
-        const std::int32_t prev = Prev(at);
-        const std::int32_t next = Next(at);
+        const std::int32_t prev = nodes[at].prev;
+        const std::int32_t next = nodes[at].next;
         if (prev != none) {
             nodes[prev].next = next;
         }
         if (next != none) {
             nodes[next].prev = prev;
         }
-        nodes[at] = {0, 0, 0, none, none};
     }
 
     ExprNode* nodes;
@@ -194,17 +167,11 @@ std::int32_t ReduceNodes(ExprNode* nodes, std::int32_t capacity, std::int32_t co
     }
     NodeList list(nodes, count);
     std::int32_t cursor = 0;
-    for (std::int32_t budget = capacity * 16; budget > 0; --budget) {
-        if (!list.IsValue(cursor)) {
-            cursor = list.StepAtOperator(cursor);
-        } else if (list.IsAlone(cursor)) {
+    for (std::int32_t budget = capacity * 16; budget > 0 && cursor != none; --budget) {
+        if (list.IsResult(cursor)) {
             return 0;
-        } else {
-            cursor = list.StepAtValue(cursor);
         }
-        if (cursor == failed) {
-            break;
-        }
+        cursor = list.Step(cursor);
     }
     return MSG_BAD_EXPRESSION;
 }

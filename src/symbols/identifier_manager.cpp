@@ -106,27 +106,6 @@ CIdentifierManager::CIdentifierManager(std::FILE* console, std::int32_t tableSiz
     buckets.reserve(static_cast<std::size_t>(tableSize));
 }
 
-CIdentifierManager::~CIdentifierManager() {
-    ReleasePatches();
-}
-
-void CIdentifierManager::SetLists(CMessageList* newErrors, CMessageList* newWarnings) {
-    errors = newErrors;
-    warnings = newWarnings;
-}
-
-BinBlock* CIdentifierManager::SetTarget(BinBlock* newTarget) {
-    return std::exchange(target, newTarget);
-}
-
-CAssembler* CIdentifierManager::SetAssembler(CAssembler* newAssembler) {
-    return std::exchange(assembler, newAssembler);
-}
-
-DebugStream* CIdentifierManager::SetLog(DebugStream* newLog) {
-    return std::exchange(log, newLog);
-}
-
 // Makes a record for a name that is not in the table.
 [[gnu::noinline]] CIdentifier* CIdentifierManager::Enter(const HashedName& name) {
     if (static_cast<std::uint32_t>(recordCount) % chunkSize == 0) {

@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <memory>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "diagnostics/message_numbers.h"
@@ -44,17 +45,22 @@ class CIdentifierManager {
   public:
     /// An empty table whose listing has `tableSize` buckets. `console` is not owned.
     CIdentifierManager(std::FILE* console, std::int32_t tableSize);
-    ~CIdentifierManager();
+    ~CIdentifierManager() { ReleasePatches(); }
     CIdentifierManager(const CIdentifierManager&) = delete;
     CIdentifierManager& operator=(const CIdentifierManager&) = delete;
 
     /// What the manager works with; none is owned, all are set before the first name enters.
-    void SetLists(CMessageList* newErrors, CMessageList* newWarnings);
+    void SetLists(CMessageList* newErrors, CMessageList* newWarnings) {
+        errors = newErrors;
+        warnings = newWarnings;
+    }
     void SetFileNames(const CFileNameRegistry* registry) { fileNames = registry; }
     /// These give the previous value.
-    BinBlock* SetTarget(BinBlock* newTarget);
-    CAssembler* SetAssembler(CAssembler* newAssembler);
-    DebugStream* SetLog(DebugStream* newLog);
+    BinBlock* SetTarget(BinBlock* newTarget) { return std::exchange(target, newTarget); }
+    CAssembler* SetAssembler(CAssembler* newAssembler) {
+        return std::exchange(assembler, newAssembler);
+    }
+    DebugStream* SetLog(DebugStream* newLog) { return std::exchange(log, newLog); }
 
     /// Defines a name. A name only referred to so far gets its definition, and its patches are
     /// applied, the newest first. Refusals and failures of patches go to the errors, by this

@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <new>
+#include <numeric>
 
 #include "platform/platform.h"
 #include "symbols/identifier_manager.h"
@@ -31,9 +32,7 @@ void CPatchInfoMemBlock::MakeBlock() {
         std::exit(-1);
     }
     block->records = static_cast<CPatchInfo*>(memory);
-    for (std::uint32_t i = 0; i < slotCount; ++i) {
-        block->ring[i] = i;
-    }
+    std::iota(block->ring, block->ring + slotCount, 0U);
     block->nextBlock = blocks;
     blocks = block;
     block->nextWithRoom = blocksWithRoom;

@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <limits>
+#include <utility>
 
 namespace korv {
 
@@ -40,12 +41,9 @@ void BinBlock::GrowBy(std::uint32_t step, std::uint64_t offset) {
         const bool hasRoom = size <= std::numeric_limits<std::uint32_t>::max() - step;
         void* const grown = hasRoom ? platform::Reallocate(data, size + step) : nullptr;
         if (grown == nullptr) {
-            if (step == byteStep) {
-                std::fprintf(stream, "Could not allocate more memory! (Size=%u)\n", size);
-            } else {
-                std::fprintf(stream, "Could not allocate more memory! (Size=%d)\n",
-                             static_cast<std::int32_t>(size));
-            }
+            const bool isByte = step == byteStep;  // the sizes of words are signed
+            std::fprintf(stream, "Could not allocate more memory! (Size=%lld)\n",
+                         isByte ? static_cast<long long>(size) : static_cast<std::int32_t>(size));
             std::exit(-1);
         }
         data = static_cast<std::uint8_t*>(grown);
@@ -65,13 +63,9 @@ std::uint32_t BinBlock::GrowAndPutWord(std::int32_t value) {
 
 std::uint32_t BinBlock::PutBytes(std::span<const std::uint8_t> bytes) {
     const std::uint64_t end = static_cast<std::uint64_t>(position) + bytes.size();
-    if (end >= size) {
-        GrowBy(wordStep, end);
-    }
+    Reserve(wordStep, end);
     std::memcpy(data + position, bytes.data(), bytes.size());
-    const std::uint32_t start = position;
-    position = static_cast<std::uint32_t>(end);
-    return start;
+    return std::exchange(position, static_cast<std::uint32_t>(end));
 }
 
 std::uint32_t BinBlock::PutZeros(std::uint32_t count) {
@@ -80,9 +74,7 @@ std::uint32_t BinBlock::PutZeros(std::uint32_t count) {
         GrowAtOnce(byteStep, end - 1);
     }
     while (count > 0) {
-        if (position >= size) {
-            GrowBy(byteStep, position);
-        }
+        Reserve(byteStep, position);
         const std::uint32_t fitting = std::min(count, size - position);
         std::memset(data + position, 0, fitting);
         position += fitting;
@@ -93,18 +85,14 @@ std::uint32_t BinBlock::PutZeros(std::uint32_t count) {
 
 std::uint32_t BinBlock::PutByteAt(std::int32_t value, std::uint32_t at) {
     if (at != std::numeric_limits<std::uint32_t>::max()) {
-        if (at >= size) {
-            GrowBy(byteStep, at);
-        }
+        Reserve(byteStep, at);
         data[at] = static_cast<std::uint8_t>(value);
     }
     return at;
 }
 
 std::uint32_t BinBlock::PutWordAt(std::int32_t value, std::uint32_t at) {
-    if (static_cast<std::uint64_t>(at) + 1 >= size) {
-        GrowBy(wordStep, static_cast<std::uint64_t>(at) + 1);
-    }
+    Reserve(wordStep, static_cast<std::uint64_t>(at) + 1);
     std::uint8_t* const to = data + at;
     to[0] = static_cast<std::uint8_t>(value);
     to[1] = static_cast<std::uint8_t>(value >> 8);

@@ -75,6 +75,12 @@ class BinBlock {
     void GrowAtOnce(std::uint32_t step, std::uint64_t offset);
     // Grows in steps of `step` until `offset` lies inside the buffer.
     void GrowBy(std::uint32_t step, std::uint64_t offset);
+    // The same where it mostly does already.
+    void Reserve(std::uint32_t step, std::uint64_t offset) {
+        if (offset >= size) {
+            GrowBy(step, offset);
+        }
+    }
     // The rare case of an append ends with it, so that the usual one is free of calls.
     std::uint32_t GrowAndPutByte(std::int32_t value);
     std::uint32_t GrowAndPutWord(std::int32_t value);

@@ -8,31 +8,24 @@
 namespace korv {
 namespace {
 
-// The end of the operand that goes on at `next`: its comma, a semicolon or the end of the line,
-// outside of quotes. A quote left open protects all that follows.
-const char* FindOperandEnd(const char* next) {
-    for (;; ++next) {
-        const TokenAction action = ActionOf(*next);
-        if (action == TokenAction::separator) {
-            return next;
-        }
-        if (action == TokenAction::quote) {
-            do {
-                ++next;
-            } while (*next != '"' && *next != '\0');
-            if (*next == '\0') {
-                return next;
-            }
-        }
-    }
-}
-
 bool EndsOperand(char c) {
     return ActionOf(c) == TokenAction::separator;
 }
 
-std::string_view Between(const char* start, const char* end) {
-    return {start, static_cast<std::size_t>(end - start)};
+// The end of the operand that goes on at `next`: its comma, a semicolon or the end of the line,
+// outside of quotes. A quote left open protects all that follows.
+const char* FindOperandEnd(const char* next) {
+    for (; !EndsOperand(*next); ++next) {
+        if (*next == '"') {
+            do {
+                ++next;
+            } while (*next != '"' && *next != '\0');
+            if (*next == '\0') {
+                break;
+            }
+        }
+    }
+    return next;
 }
 
 // An operand of any form, which begins at `start` and goes on at `next`, or is missing, which is
@@ -46,11 +39,9 @@ std::string_view Between(const char* start, const char* end) {
         --last;
     }
     if (last != start) {
-        const Status result = statement->args.Add(Between(start, last));
-        if (result != 0 && isLast) {
-            assembler->ReportError(statement, result, noText);
-        } else if (result != 0) {
-            assembler->ReportError(statement, MSG_SYSTEM_ERROR, "KO_Args.Add() failed!");
+        if (const Status result = statement->args.Add({start, last}); result != 0) {
+            assembler->ReportError(statement, isLast ? result : MSG_SYSTEM_ERROR,
+                                   isLast ? noText : "KO_Args.Add() failed!");
         }
     } else if (isAfterComma || !isLast) {
         assembler->ReportWarning(statement, MSG_EXPECTED_ARGUMENT, noText);
@@ -76,14 +67,14 @@ std::string_view Between(const char* start, const char* end) {
         if (*start != '(') {
             before = SkipToken(start);
             if (EndsOperand(*before) && before != start) [[likely]] {
-                statement->args.AddToken(Between(start, before));
+                statement->args.AddToken({start, before});
                 continue;
             }
         } else {
             before = SkipToken(start + 1);
             if (before != start + 1 && *before == ')' && EndsOperand(before[1])) [[likely]] {
                 ++before;
-                statement->args.AddTokenInParentheses(Between(start, before));
+                statement->args.AddTokenInParentheses({start, before});
                 continue;
             }
         }

@@ -45,10 +45,8 @@ void DefineByte(CAssembler* assembler, CStatement* statement, const lsArg& arg) 
 
 // Result: what is left of the operand's status.
 Status DefineWord(CAssembler* assembler, CStatement* statement, const lsArg& arg) {
-    Status status = arg.status;
-    if (arg.IsValue()) {
-        status = EmitChecked<wordKind>(assembler, statement, arg, PatchText::operand);
-    }
+    const Status status =
+        arg.IsValue() ? EmitChecked<wordKind>(assembler, statement, arg, PatchText::operand) : 0;
     if (status != 0 || !arg.IsValue()) {
         assembler->ReportError(statement, MSG_ILLEGAL_ARGUMENT, arg.text);
     }
@@ -79,15 +77,11 @@ Status AssembleDm(CAssembler* assembler, CStatement* statement) {
     if (text.front() != '"') {
         return MSG_ILLEGAL_ARGUMENT;
     }
-    switch (EmitString(assembler, text)) {
-        case StringEnd::closed:
-            break;
-        case StringEnd::textAfter:
-            assembler->ReportError(statement, MSG_TEXT_AFTER_STRING, text);
-            break;
-        case StringEnd::open:
-            assembler->ReportWarning(statement, MSG_NO_CLOSING_QUOTE, text);
-            break;
+    const StringEnd end = EmitString(assembler, text);
+    if (end == StringEnd::textAfter) {
+        assembler->ReportError(statement, MSG_TEXT_AFTER_STRING, text);
+    } else if (end == StringEnd::open) {
+        assembler->ReportWarning(statement, MSG_NO_CLOSING_QUOTE, text);
     }
     return 0;
 }

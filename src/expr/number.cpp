@@ -1,5 +1,7 @@
 #include "expr/number.h"
 
+#include <algorithm>
+
 #include "source/char_class.h"
 
 namespace korv {
@@ -15,18 +17,15 @@ Status ReadDigits(std::string_view digits, std::int32_t base, std::int32_t* valu
     }
     std::int32_t number = 0;
     for (const char c : digits) {
+        if (base == 2 && c == '.') {
+            continue;
+        }
         std::int32_t digit = c - '0';
-        if (base == 16) {
-            if (!HasClass(c, CC_HEX)) {
+        if (digit < 0 || digit >= std::min(base, 10)) {
+            if (base != 16 || !HasClass(c, CC_HEX)) {
                 return notANumber;
             }
-            if (!HasClass(c, CC_DIGIT)) {
-                digit = c - 'A' + 10;
-            }
-        } else if (base == 2 && c == '.') {
-            continue;
-        } else if (digit < 0 || digit >= base) {
-            return notANumber;
+            digit = c - 'A' + 10;
         }
         number = number * base + digit;
         if (number > maxNumber) {
@@ -49,27 +48,10 @@ Status ReadSuffixed(std::string_view token, std::int32_t* value) {
     if (i > last) {
         return token[last] == 'B' ? ReadDigits(digits, 2, value) : ReadDigits(token, 10, value);
     }
-    if (i == last && token[i] == 'H') {
-        return ReadDigits(digits, 16, value);
-    }
-    if (i == last && token[i] == 'O') {
-        return ReadDigits(digits, 8, value);
+    if (i == last && (token[i] == 'H' || token[i] == 'O')) {
+        return ReadDigits(digits, RadixOf(token[i]), value);
     }
     return notANumber;
-}
-
-Status ReadRadixPrefixed(std::string_view token, std::int32_t* value) {
-    const std::string_view digits = token.substr(2);
-    switch (token[1]) {
-        case 'B':
-            return ReadDigits(digits, 2, value);
-        case 'D':
-            return ReadDigits(digits, 10, value);
-        case 'H':
-            return ReadDigits(digits, 16, value);
-        default:
-            return ReadDigits(digits, 8, value);
-    }
 }
 
 }  // namespace
@@ -88,7 +70,7 @@ Status ReadNumber(std::string_view token, std::int32_t* value) {
         case '%':
             return ReadDigits(token.substr(1), 2, value);
         case '&':
-            return ReadRadixPrefixed(token, value);
+            return ReadDigits(token.substr(2), RadixOf(token[1]), value);
         default:
             return ReadSuffixed(token, value);
     }

@@ -12,6 +12,11 @@ namespace korv {
 /// Result of `ReadNumber`: the token has no form of a number, and may be a name.
 inline constexpr Status notANumber = -1;
 
+/// The base that a letter tells, after "&" or at the end of a number; 0: none.
+[[nodiscard]] constexpr std::int32_t RadixOf(char letter) {
+    return letter == 'B' ? 2 : letter == 'O' ? 8 : letter == 'D' ? 10 : letter == 'H' ? 16 : 0;
+}
+
 /// Reads `token`, which is not empty and not "$" alone. Result: 0 with the number in `value`;
 /// MSG_GENERAL_FAILURE for a form without digits; MSG_BAD_NUMBER above 65535; MSG_BAD_EXPRESSION
 /// for a string that is not of one character; `notANumber`. `value` is set with 0 only.

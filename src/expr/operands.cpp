@@ -30,6 +30,16 @@ bool TakeIndexName(std::string_view* inner) {
     return true;
 }
 
+// What has become of the expression of `arg`.
+inline void TakeStatus(lsArg* arg, std::string_view expression, Status status) {
+    arg->status = status;
+    if (status == 0) [[likely]] {
+        arg->flags |= LA_CONSTANT;
+    } else {
+        arg->expression = expression;
+    }
+}
+
 }  // namespace
 
 KO_Args::~KO_Args() {
@@ -55,16 +65,6 @@ lsArg* KO_Args::NewRecord() {
     (head == nullptr ? head : tail->next) = arg;
     tail = arg;
     return arg;
-}
-
-// What has become of the expression of `arg`.
-inline void KO_Args::TakeStatus(lsArg* arg, std::string_view expression, Status status) {
-    arg->status = status;
-    if (status == 0) [[likely]] {
-        arg->flags |= LA_CONSTANT;
-    } else {
-        arg->expression = expression;
-    }
 }
 
 void KO_Args::EvaluateToken(lsArg* arg, std::string_view token) {
@@ -98,10 +98,10 @@ Status KO_Args::Add(std::string_view text) {
     return 0;
 }
 
-lsArg* KO_Args::OverflowArg(std::int32_t n) const {
-    lsArg* arg = head;
-    for (; n > 3; --n) {
-        arg = arg->next;
+lsArg* KO_Args::Arg(std::int32_t n) {
+    lsArg* arg = First();
+    for (; n > 1 && arg != nullptr; --n) {
+        arg = After(arg);
     }
     return arg;
 }

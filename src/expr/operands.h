@@ -62,12 +62,7 @@ class KO_Args {
     [[nodiscard]] std::int32_t Count() const { return count; }
 
     /// Operand `n`, from 1; null when there is none.
-    [[nodiscard]] lsArg* Arg(std::int32_t n) {
-        if (n > count) {
-            return nullptr;
-        }
-        return n <= 2 ? &inlineArgs[static_cast<std::size_t>(n - 1)] : OverflowArg(n);
-    }
+    [[nodiscard]] lsArg* Arg(std::int32_t n);
     /// Operand `n`, 1 or 2, of a statement that has it.
     [[nodiscard]] lsArg& operator[](std::int32_t n) {
         return inlineArgs[static_cast<std::size_t>(n - 1)];
@@ -100,7 +95,6 @@ class KO_Args {
     }
 
   private:
-    [[nodiscard]] lsArg* OverflowArg(std::int32_t n) const;
     // The record of a further operand. It keeps what the operand before it in this place has left,
     // but for what is set for every operand.
     lsArg* Append() {
@@ -118,7 +112,6 @@ class KO_Args {
         }
     }
     void EvaluateToken(lsArg* arg, std::string_view token);
-    static void TakeStatus(lsArg* arg, std::string_view expression, Status status);
     lsArg* NewRecord();
 
     std::int32_t count = 0;

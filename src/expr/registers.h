@@ -67,14 +67,13 @@ namespace operand_class {
 inline constexpr OperandClass value{REG_NONE, -1, 0, KIND_VALUE};
 inline constexpr OperandClass direct{REG_DIRECT, -1, LA_INDIRECT, KIND_VALUE};
 constexpr OperandClass Register(std::int32_t code) { return {code, -1, LA_INDIRECT, KIND_REGISTER}; }
-constexpr OperandClass Condition(std::int32_t number) { return {REG_NONE, number, LA_CONSTANT, KIND_CONDITION}; }
-constexpr OperandClass InParentheses(OperandClass bare) { bare.flags |= LA_INDIRECT; return bare; }
 
 constexpr OperandName RegisterRow(std::string_view name, std::int32_t bare, std::int32_t indirect) {
     return {name, Register(bare), Register(indirect)};
 }
 constexpr OperandName ConditionRow(std::string_view name, std::int32_t number) {
-    return {name, Condition(number), InParentheses(Condition(number))};
+    return {name, {REG_NONE, number, LA_CONSTANT, KIND_CONDITION},
+            {REG_NONE, number, LA_CONSTANT | LA_INDIRECT, KIND_CONDITION}};
 }
 }  // namespace operand_class
 
@@ -109,35 +108,31 @@ inline constexpr std::array operandNames = {
 };
 // clang-format on
 
-/// The lookup: words of one character index a table by that character, words of two a table by the
-/// low bits of both, which tell letters apart. So an operand that is no name costs a load and a
-/// comparison.
+/// The lookup: words of two characters index a table by the low bits of both, which tell letters
+/// apart, words of one a further part of it by that character. So an operand that is no name costs
+/// a load and a comparison.
 namespace operand_class {
 
-constexpr std::size_t PairSlot(std::string_view name) {
-    constexpr std::size_t letters = 32;
-    return static_cast<std::uint8_t>(name[0]) % letters * letters +
-           static_cast<std::uint8_t>(name[1]) % letters;
+inline constexpr std::size_t letters = 32;
+inline constexpr std::size_t pairs = letters * letters;
+
+constexpr std::size_t SlotOf(std::string_view name) {
+    const auto first = static_cast<std::uint8_t>(name[0]);
+    if (name.size() == 1) {
+        return pairs + first;
+    }
+    return first % letters * letters + static_cast<std::uint8_t>(name[1]) % letters;
 }
 
-// Row numbers, indexed by the character, and by PairSlot. Row 0 is that of the words without a row.
-inline constexpr auto singleRows = [] {
-    std::array<std::uint8_t, 256> rows{};
+// Row numbers, indexed by SlotOf. Row 0 is that of the words without a row.
+inline constexpr auto rowsBySlot = [] {
+    std::array<std::uint8_t, pairs + 256> table{};
     for (std::size_t i = 0; i < operandNames.size(); ++i) {
-        if (const std::string_view name = operandNames[i].name; name.size() == 1) {
-            rows[static_cast<std::uint8_t>(name[0])] = static_cast<std::uint8_t>(i);
+        if (const auto name = operandNames[i].name; name.size() == 1 || name.size() == 2) {
+            table[SlotOf(name)] = static_cast<std::uint8_t>(i);
         }
     }
-    return rows;
-}();
-inline constexpr auto pairRows = [] {
-    std::array<std::uint8_t, 1024> rows{};
-    for (std::size_t i = 0; i < operandNames.size(); ++i) {
-        if (const std::string_view name = operandNames[i].name; name.size() == 2) {
-            rows[PairSlot(name)] = static_cast<std::uint8_t>(i);
-        }
-    }
-    return rows;
+    return table;
 }();
 inline constexpr std::size_t noRow = 0;
 inline constexpr std::size_t longRow = operandNames.size() - 1;
@@ -148,9 +143,9 @@ static_assert(operandNames[noRow].name.empty() && operandNames[longRow].name == 
         return token == "FLAGS" ? longRow : noRow;
     }
     if (token.size() == 1) {
-        return singleRows[static_cast<std::uint8_t>(token[0])];
+        return rowsBySlot[SlotOf(token)];
     }
-    const std::size_t row = pairRows[PairSlot(token)];
+    const std::size_t row = rowsBySlot[SlotOf(token)];
     const std::string_view name = operandNames[row].name;
     return row != noRow && name[0] == token[0] && name[1] == token[1] ? row : noRow;
 }

@@ -3,6 +3,7 @@
 // without a value ends the scan with that name; the whole text is scanned again when the name has
 // got its value.
 
+#include <algorithm>
 #include <array>
 
 #include "driver/assembler.h"
@@ -18,52 +19,26 @@ constexpr std::int32_t maxNodes = 20;  // of one expression; the 20th is one too
 
 // Whether the whole text is one token, as most expressions are.
 bool IsOneToken(std::string_view text) {
-    for (const char c : text) {
-        if (ActionOf(c) > TokenAction::separator) {
-            return false;
-        }
-    }
-    return !text.empty();
+    return !text.empty() &&
+           std::ranges::all_of(text, [](char c) { return ActionOf(c) <= TokenAction::separator; });
 }
 
 bool IsOneString(std::string_view text) {
     return text.size() > 1 && text.front() == '"' && text.find('"', 1) == text.size() - 1;
 }
 
-// The nodes of the expression so far.
-class Nodes {
-  public:
-    // False: there is no room for a further one.
-    [[nodiscard]] bool Store(std::int32_t type, std::int32_t value, std::int32_t priority) {
-        nodes[static_cast<std::size_t>(count)] = {value, type, priority, -1, -1};
-        return ++count < maxNodes;
-    }
-    [[nodiscard]] bool Store(Operator op) { return Store(NODE_OPERATOR, op.code, op.priority); }
-
-    Status Reduce(std::int32_t* value) {
-        const Status result = ReduceNodes(nodes.data(), maxNodes, count);
-        if (result == 0) {
-            *value = nodes[0].value;
-        }
-        return result;
-    }
-
-  private:
-    std::array<ExprNode, maxNodes> nodes;
-    std::int32_t count = 0;
-};
-
 }  // namespace
 
 Status CAssembler::ScanExpression(std::string_view text, std::int32_t* value,
                                   UnresolvedName* unresolved) {
     *value = 0;
+    // A displacement has a sign before its token.
     const bool hasSign = text.size() > 1 && (text.front() == '+' || text.front() == '-');
-    if (IsOneToken(hasSign ? text.substr(1) : text)) {  // a displacement has a sign
-        const bool isNegative = text.front() == '-';
-        const Status status = ScanToken(hasSign ? text.substr(1) : text, value, unresolved);
-        *value = static_cast<std::int32_t>(isNegative ? 0 - static_cast<std::uint32_t>(*value)
-                                                      : static_cast<std::uint32_t>(*value));
+    if (const auto token = text.substr(hasSign ? 1 : 0); IsOneToken(token)) {
+        const Status status = ScanToken(token, value, unresolved);
+        if (text.front() == '-') {
+            *value = static_cast<std::int32_t>(0 - static_cast<std::uint32_t>(*value));
+        }
         return status;
     }
     if (IsOneString(text)) {
@@ -98,9 +73,13 @@ Status CAssembler::ScanToken(std::string_view token, std::int32_t* value,
 // An expression of any form.
 Status CAssembler::ScanTokens(std::string_view text, std::int32_t* value,
                               UnresolvedName* unresolved) {
-    Nodes nodes;
+    std::array<ExprNode, maxNodes + 1> nodes;  // one token and its operator may be one too many
+    std::int32_t count = 0;
+    const auto store = [&](std::int32_t type, std::int32_t content, std::int32_t priority) {
+        nodes[static_cast<std::size_t>(count++)] = {content, type, priority, -1, -1};
+    };
     TokenReader reader(text);
-    for (;;) {
+    do {
         reader.Next();
         std::string_view token = reader.Token();
         if (token.size() + (reader.lacksClosingQuote ? 1 : 0) > maxWord) {
@@ -111,28 +90,28 @@ Status CAssembler::ScanTokens(std::string_view text, std::int32_t* value,
             closedToken[token.size()] = '"';
             token = {closedToken.data(), token.size() + 1};
         }
-        if (!token.empty()) {
-            if (const Operator word = FindWord(token); word.code != 0) {
-                if (!nodes.Store(word)) {
-                    return MSG_TOO_COMPLEX;
-                }
-            } else {
-                std::int32_t number = 0;
-                if (const Status status = ScanToken(token, &number, unresolved); status != 0) {
-                    return status;
-                }
-                if (!nodes.Store(NODE_VALUE, number, 0)) {
-                    return MSG_TOO_COMPLEX;
-                }
+        const Operator word = FindWord(token);
+        if (word.code != 0) {
+            store(NODE_OPERATOR, word.code, word.priority);
+        } else if (!token.empty()) {
+            std::int32_t number = 0;
+            if (const Status status = ScanToken(token, &number, unresolved); status != 0) {
+                return status;
             }
+            store(NODE_VALUE, number, 0);
         }
-        if (reader.op.code != 0 && !nodes.Store(reader.op)) {
-            return MSG_TOO_COMPLEX;
+        if (reader.op.code != 0) {
+            store(NODE_OPERATOR, reader.op.code, reader.op.priority);
         }
-        if (reader.isAtEnd) {
-            return nodes.Reduce(value);
-        }
+    } while (!reader.isAtEnd && count < maxNodes);
+    if (count >= maxNodes) {
+        return MSG_TOO_COMPLEX;
     }
+    const Status status = ReduceNodes(nodes.data(), maxNodes, count);
+    if (status == 0) {
+        *value = nodes[0].value;
+    }
+    return status;
 }
 
 Status CAssembler::ParseValue(std::string_view token, std::int32_t* value,

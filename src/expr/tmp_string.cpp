@@ -25,7 +25,7 @@ void CtmpStringManager::MakeBlock(std::size_t size) {
         std::exit(-1);
     }
     block->data = data;
-    block->size = static_cast<std::int64_t>(size);
+    block->size = size;
     block->next = head;
     if (head != nullptr) {
         head->previous = block;
@@ -48,18 +48,17 @@ void CtmpStringManager::FreeBlock(CtmpStringBlock* block) {
 }
 
 char* CtmpStringManager::Alloc(std::size_t count, CtmpStringBlock** block) {
-    const auto size = static_cast<std::int64_t>(count);
     if (head == nullptr) {
         MakeBlock(blockSize);
     }
-    if (current->used + size > current->size) {
+    if (current->used + count > current->size) {
         current->isFull = 1;
         MakeBlock(std::max(blockSize, count));
         // A string longer than a block has one of its own, which nothing else can enter.
         current->isFull = count > blockSize ? 1 : 0;
     }
     char* const text = current->data + current->used;
-    current->used += size;
+    current->used += count;
     ++current->refCount;
     *block = current;
     return text;
@@ -83,13 +82,16 @@ std::int32_t CtmpStringManager::DumpStatus(std::FILE* stream) {
     }
     std::fprintf(stream, "   Block Count: %5d.\n", blockCount);
     for (const CtmpStringBlock* block = head; block != nullptr; block = block->next) {
-        std::fprintf(stream, "     Size: %5lld, Reference count: %5d, IsFull: %d.\n",
-                     static_cast<long long>(block->size), block->refCount, block->isFull);
+        std::fprintf(stream, "     Size: %5zu, Reference count: %5d, IsFull: %d.\n", block->size,
+                     block->refCount, block->isFull);
     }
     return 0;
 }
 
-void CtmpString::Copy(std::string_view source) {
+void CtmpString::Assign(std::string_view source) {
+    if (source.data() == nullptr) {
+        return;
+    }
     text = CtmpStringManager::Alloc(source.size() + 1, &block);
     length = source.size();
     std::memcpy(text, source.data(), length);

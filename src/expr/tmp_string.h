@@ -14,8 +14,8 @@ namespace korv {
 struct CtmpStringBlock {
     std::int32_t refCount = 0;  ///< handles with a reference on this block
     char* data = nullptr;       ///< owned
-    std::int64_t used = 0;      ///< bytes handed out; only grows
-    std::int64_t size = 0;  ///< bytes of `data`: 16384, more for a string that is longer than that
+    std::size_t used = 0;       ///< bytes handed out; only grows
+    std::size_t size = 0;  ///< bytes of `data`: 16384, more for a string that is longer than that
     CtmpStringBlock* next = nullptr;      ///< the next older block
     CtmpStringBlock* previous = nullptr;  ///< the next newer block
     std::int32_t isFull = 0;              ///< 1 once a request did not fit
@@ -67,11 +67,7 @@ class CtmpString {
 
     /// Copies `source` into the pool, terminated; nothing without data. For a handle that holds no
     /// reference.
-    void Assign(std::string_view source) {
-        if (source.data() != nullptr) {
-            Copy(source);
-        }
-    }
+    void Assign(std::string_view source);
 
     /// Drops the reference; the handle is empty then.
     void Release() {
@@ -89,8 +85,6 @@ class CtmpString {
     [[nodiscard]] std::string_view View() const { return {text, length}; }
 
   private:
-    void Copy(std::string_view source);
-
     char* text = nullptr;
     std::size_t length = 0;
     CtmpStringBlock* block = nullptr;

@@ -1,5 +1,7 @@
 #include "expr/token.h"
 
+#include "expr/number.h"
+
 namespace korv {
 namespace {
 
@@ -31,14 +33,11 @@ constexpr auto symbolOf = [] {
     return table;
 }();
 
-constexpr bool IsRadixLetter(char c) {
-    return c == 'B' || c == 'D' || c == 'H' || c == 'O';
-}
-
 }  // namespace
 
 Operator FindWord(std::string_view token) {
-    if (token.size() > 5 || !beginsWord[static_cast<std::uint8_t>(token.front())]) {
+    if (token.empty() || token.size() > 5 ||
+        !beginsWord[static_cast<std::uint8_t>(token.front())]) {
         return {};
     }
     if (token.size() > 2 && token.front() == '.' && token.back() == '.') {
@@ -84,7 +83,7 @@ bool TokenReader::TakeEnd(char c) {
     op = symbolOf[static_cast<std::uint8_t>(c)];  // none for a blank and a quote
     if (c == '"') {
         TakeString();
-    } else if (ActionOf(c) == TokenAction::compare && position != end && *position == '=') {
+    } else if (position != end && *position == '=' && (c == '<' || c == '>')) {
         ++position;
         op = c == '<' ? lessEqual : greaterEqual;
     }
@@ -106,7 +105,7 @@ void TokenReader::TakeString() {
 
 // "&B", "&D", "&H" and "&O" belong to the token, even after other characters.
 bool TokenReader::TakeAmpersand() {
-    if (end - position > 1 && IsRadixLetter(position[1])) {
+    if (end - position > 1 && RadixOf(position[1]) != 0) {
         position += 2;
         return false;
     }

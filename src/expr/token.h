@@ -40,26 +40,22 @@ inline constexpr std::array symbolOperators = {
 enum class TokenAction : std::uint8_t {
     append,
     separator,
-    blank,
-    symbol,
-    compare,
+    ending,  ///< a blank, an operator, a quote
     ampersand,
-    quote,
     dot
 };
 
 inline constexpr auto tokenActions = [] {
     std::array<TokenAction, 256> table{};
     for (std::size_t c = 0; c < table.size(); ++c) {
-        table[c] = (charClass[c] & CC_BLANK) != 0 ? TokenAction::blank : TokenAction::append;
+        table[c] = (charClass[c] & CC_BLANK) != 0 ? TokenAction::ending : TokenAction::append;
     }
     for (const OperatorRow& row : symbolOperators) {
-        table[static_cast<std::uint8_t>(row.spelling[0])] = TokenAction::symbol;
+        table[static_cast<std::uint8_t>(row.spelling[0])] = TokenAction::ending;
     }
     table['\0'] = table[','] = table[';'] = TokenAction::separator;
-    table['<'] = table['>'] = TokenAction::compare;
     table['&'] = TokenAction::ampersand;
-    table['"'] = TokenAction::quote;
+    table['"'] = TokenAction::ending;
     table['.'] = TokenAction::dot;
     return table;
 }();
@@ -80,7 +76,7 @@ inline constexpr auto tokenActions = [] {
     }
 }
 
-/// The operator that `token`, which is not empty, is as a word, bare or in dots as in ".AND.".
+/// The operator that `token` is as a word, bare or in dots as in ".AND.".
 [[nodiscard]] Operator FindWord(std::string_view token);
 
 /// Cuts the tokens of one text.

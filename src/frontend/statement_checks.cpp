@@ -71,7 +71,7 @@ std::string_view SurpriseIn(std::string_view text) {
     bool isCompared = false;
     for (TokenReader reader(text); !reader.isAtEnd;) {
         reader.Next();
-        const Operator word = reader.Token().empty() ? Operator() : FindWord(reader.Token());
+        const Operator word = FindWord(reader.Token());
         for (const Operator& op : {word, reader.op}) {
             if (op.code == OP_NOT) {
                 return "! turns every bit, and !1 is true: write X=0";

@@ -21,11 +21,6 @@ void CMessageList::SetReceiver(MessageReceiver* newReceiver) {
     capacity = std::numeric_limits<std::int32_t>::max();
 }
 
-std::int32_t CMessageList::SetKind(std::int32_t newKind) {
-    kindName = newKind == ML_ERROR ? "error" : newKind == ML_WARNING ? "warning" : "fatal error";
-    return std::exchange(kind, newKind);
-}
-
 std::int32_t CMessageList::AddCopy(std::int32_t number, std::string_view text, std::int32_t file,
                                    std::int32_t line) {
     if (receiver != nullptr) {
@@ -52,6 +47,9 @@ std::int32_t CMessageList::Add(CMessage message) {
 }
 
 std::int32_t CMessageList::Print(ReportWriter&& to, std::int32_t limit) const {
+    const char* const kindName = kind == ML_ERROR     ? "error"
+                                 : kind == ML_WARNING ? "warning"
+                                                      : "fatal error";
     for (const CMessage& message : messages) {
         if (limit-- == 0) {
             break;

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <memory>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "diagnostics/message_numbers.h"
@@ -50,7 +51,7 @@ class CMessageList {
     void SetReceiver(MessageReceiver* newReceiver);
 
     /// ML_ERROR, ML_WARNING; anything else is a fatal error. Result: the kind before.
-    std::int32_t SetKind(std::int32_t newKind);
+    std::int32_t SetKind(std::int32_t newKind) { return std::exchange(kind, newKind); }
 
     /// Reports message `number`; `text` is copied. A view without data means that there is no text
     /// and no brackets; an empty text gives empty brackets. Result: as `Add`. Nobody has to look at
@@ -74,7 +75,6 @@ class CMessageList {
 
     std::int32_t capacity;
     std::int32_t kind = ML_ERROR;
-    const char* kindName = "error";
     std::vector<CMessage> messages;                // in the order of reporting
     const CFileNameRegistry* fileNames = nullptr;  // not owned
     MessageReceiver* receiver = nullptr;           // not owned

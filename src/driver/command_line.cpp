@@ -208,16 +208,16 @@ void PrintHelp() {
 std::uint32_t FlagsFrom(std::string_view flagString, std::FILE* console) {
     std::uint32_t bits = RF_SYSTEM_IDS;
     for (const char c : flagString) {
-        bool isKnown = c == ' ';
-        for (std::size_t i = 0; !isKnown && i < std::size(switches); ++i) {
-            const Switch& row = switches[i];
-            const char letter = row.word.back();
-            isKnown = row.place >= 0 && (c == letter || c == Lowered(letter));
-            if (isKnown) {
-                bits = c == letter ? bits | row.set : bits & ~row.clear;
-            }
+        if (c == ' ') {
+            continue;
         }
-        if (!isKnown) {
+        const auto row = std::ranges::find_if(switches, [c](const Switch& candidate) {
+            const char letter = candidate.word.back();
+            return candidate.place >= 0 && (c == letter || c == Lowered(letter));
+        });
+        if (row != std::end(switches)) {
+            bits = c == row->word.back() ? bits | row->set : bits & ~row->clear;
+        } else {
             std::fprintf(console, "Unrecognized flag encountered: %c\n", c);
         }
     }

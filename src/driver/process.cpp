@@ -1,5 +1,6 @@
 #include "driver/process.h"
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <cstdio>
@@ -22,6 +23,18 @@ std::atomic<bool> hasEventCome = false;
 std::atomic<bool> isSettled = false;
 
 constexpr std::string_view title = "Brelloc Korv v2.00.025 *FAST*";
+
+struct EventText {
+    int event;
+    std::string_view text;
+};
+constexpr EventText eventTexts[] = {
+    {platform::EVENT_CTRL_C, "Break received! Aborting program...\n"},
+    {platform::EVENT_CTRL_BREAK, "Break received! Aborting program...\n"},
+    {platform::EVENT_CLOSE, "Close received! Aborting program...\n"},
+    {platform::EVENT_LOGOFF, "Logoff received! Aborting program...\n"},
+    {platform::EVENT_SHUTDOWN, "Shutdown received! Aborting program...\n"},
+};
 
 // Result: that of the run.
 std::int32_t RunAssembler(const CommandLine& commandLine) {
@@ -46,14 +59,10 @@ std::int32_t RunAssembler(const CommandLine& commandLine) {
 }  // namespace
 
 int RunProcess(int argumentCount, char** arguments) {
-    static bool isExitRegistered = false;
     platform::OpenStandardStreams();
     const platform::AllocationFailureHook previousHook =
         platform::SetAllocationFailureHook(OnAllocationFailure);
-    if (!isExitRegistered) {
-        isExitRegistered = true;
-        std::atexit(OnExit);
-    }
+    [[maybe_unused]] static const int registered = std::atexit(OnExit);
     std::array<char, 256> titleBuffer;
     if (const char* const line = MakeTitle(titleBuffer.data(), titleBuffer.size() - 1)) {
         platform::SetConsoleTitle(line);
@@ -104,23 +113,9 @@ void OnExit() {
 }
 
 int OnConsoleEvent(int event) {
-    std::string_view text;
-    switch (event) {
-        case platform::EVENT_CTRL_C:
-        case platform::EVENT_CTRL_BREAK:
-            text = "Break received! Aborting program...\n";
-            break;
-        case platform::EVENT_CLOSE:
-            text = "Close received! Aborting program...\n";
-            break;
-        case platform::EVENT_LOGOFF:
-            text = "Logoff received! Aborting program...\n";
-            break;
-        case platform::EVENT_SHUTDOWN:
-            text = "Shutdown received! Aborting program...\n";
-            break;
-        default:
-            return 0;
+    const auto row = std::ranges::find(eventTexts, event, &EventText::event);
+    if (row == std::end(eventTexts)) {
+        return 0;
     }
     hasEventCome = true;
     CAssembler* const assembler = theAssembler;
@@ -128,7 +123,7 @@ int OnConsoleEvent(int event) {
                                ? isSettled.load()
                                : (assembler->flags.Set(RF_ABORT) & RF_SETTLED) != 0;
     if (!isTooLate) {  // what is done is not said to be undone
-        platform::WriteFromHandler(text);
+        platform::WriteFromHandler(row->text);
     }
     return 1;
 }

@@ -2,6 +2,7 @@
 
 #include <cstdio>
 #include <ctime>
+#include <utility>
 
 #include "diagnostics/report_writer.h"
 #include "driver/assembler.h"
@@ -45,15 +46,11 @@ CAssembler::~CAssembler() {
 }
 
 std::uint32_t CAssembler::SetFileBufferSize(std::int32_t n) {
-    const std::uint32_t old = fileBufferSize;
-    fileBufferSize = n > 0 ? static_cast<std::uint32_t>(n) : old;
-    return old;
+    return std::exchange(fileBufferSize, n > 0 ? static_cast<std::uint32_t>(n) : fileBufferSize);
 }
 
 std::int32_t CAssembler::SetLineBufferSize(std::int32_t n) {
-    const std::int32_t old = lineBufferSize;
-    lineBufferSize = n > 0 ? n : old;
-    return old;
+    return std::exchange(lineBufferSize, n > 0 ? n : lineBufferSize);
 }
 
 std::int32_t CAssembler::RunFromCommandLine(std::string_view source, std::string_view target,
@@ -132,10 +129,8 @@ void CAssembler::AssembleSource() {
     std::fflush(output);  // what a break event prints goes past the buffer, and belongs after this
 
     const std::int32_t status = AssembleIncludeFile(sourceName);
-    if (status == MSG_CANNOT_OPEN) {
-        errors.Report(status, sourceName, 0, 0);
-    } else if (status != 0) {
-        errors.Report(status, noText, 0, 0);
+    if (status != 0) {
+        errors.Report(status, status == MSG_CANNOT_OPEN ? sourceName : noText, 0, 0);
     }
     identifiers.ReportUnresolved();
     if (flags.Has(RF_ABORT)) {

@@ -136,9 +136,7 @@ CSourceFile::CSourceFile(std::string_view name, std::uint32_t maxBufferSize) {
     const std::uint32_t wanted =
         stream.HasSize() ? std::min(maxBufferSize, fileSize) : maxBufferSize;
     buffer = static_cast<std::uint8_t*>(platform::Allocate(wanted));
-    if (buffer != nullptr) {
-        bufferSize = wanted;
-    }
+    bufferSize = wanted;
 }
 
 CSourceFile::CSourceFile(std::string_view contents) : isInMemory(true) {

@@ -55,7 +55,7 @@ class CSourceFile {
 
     platform::InputFile stream;
     std::uint8_t* buffer = nullptr;  // owned
-    std::uint32_t bufferSize = 0;    // bytes; 0 if there is no buffer
+    std::uint32_t bufferSize = 0;    // bytes; counts if there is a buffer
     const std::uint8_t* readPosition = nullptr;
     const std::uint8_t* endOfData = nullptr;
     // A chunk that starts before this is there whole, and a further byte.

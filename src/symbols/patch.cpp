@@ -18,11 +18,7 @@ std::string_view CPatchInfo::Expression() const {
 }
 
 void CPatchInfoMemBlock::MakeBlock() {
-    static bool isReleaseRegistered = false;
-    if (!isReleaseRegistered) {
-        isReleaseRegistered = true;
-        std::atexit(ReleaseBlocks);
-    }
+    [[maybe_unused]] static const int registered = std::atexit(ReleaseBlocks);
     auto* const block = new (std::nothrow) CPatchInfoMemBlock;
     void* const memory =
         block == nullptr ? nullptr : platform::Allocate(slotCount * sizeof(CPatchInfo));

@@ -177,12 +177,7 @@ Status CSourceFile::ReadLine(char* line, std::uint32_t maxLength, std::uint32_t*
         *linesOut = 1;
         return 0;
     }
-    std::uint32_t bytes = *bytesOut;
-    std::uint32_t lines = *linesOut;
-    const Status result = ReadAnyLine(line, maxLength, &bytes, &lines);
-    *bytesOut = bytes;
-    *linesOut = lines;
-    return result;
+    return ReadAnyLine(line, maxLength, bytesOut, linesOut);
 }
 
 // Reads the next line if it is the usual case: in one piece in the buffer and without a

@@ -50,6 +50,16 @@ struct OperandForm {
     std::uint32_t forms;           ///< FORM_* bits
 };
 
+/// The form of an operand that is any byte: in a register, in memory, or immediate.
+[[nodiscard]] constexpr OperandForm ByteForm(std::int32_t opcode, std::int32_t immediateOpcode) {
+    return {0,
+            static_cast<std::uint8_t>(opcode),
+            static_cast<std::uint8_t>(immediateOpcode),
+            PREFIX_NONE,
+            ALLOW_FIELD,
+            FORM_IMM8 | FORM_IX | FORM_IY};
+}
+
 /// The byte that selects IX or IY, if `reg` is one of its codes in any form.
 [[nodiscard]] constexpr std::uint8_t IndexPrefix(std::int32_t reg) {
     switch (reg) {

@@ -98,6 +98,19 @@ struct OperandForm {
     return (reg & 0xFF) << 4;
 }
 
+/// The bit of `OperandForm::allowed` that belongs to `reg`; 0 for the codes without one.
+[[nodiscard]] constexpr std::uint32_t AllowedBit(std::int32_t reg) {
+    if (IsFieldRegister(reg)) {
+        return reg == REG_A ? ALLOW_A : 2U << reg;
+    }
+    if (!IsPair(reg)) {
+        return 0;
+    }
+    return reg == REG_AF ? ALLOW_AF : ALLOW_AF << (reg >> 8);  // the high byte counts the pairs
+}
+static_assert(AllowedBit(REG_HL_INDIRECT) == ALLOW_HL_INDIRECT && AllowedBit(0) == 0x0002);
+static_assert(AllowedBit(REG_BC) == ALLOW_BC && AllowedBit(REG_SP) == ALLOW_SP);
+
 /// Encodes `arg` as `form` says. Result: 0 or a message number.
 [[nodiscard]] Status EncodeOperand(CAssembler* assembler, CStatement* statement, const lsArg& arg,
                                    const OperandForm& form);

@@ -10,38 +10,26 @@ namespace {
 
 constexpr std::uint32_t pairs = ALLOW_BC | ALLOW_DE | ALLOW_SP;
 
-constexpr OperandForm ByteForm(std::int32_t opcode) {
-    return {0,
-            static_cast<std::uint8_t>(opcode),
-            static_cast<std::uint8_t>(opcode + 0x46),  // 80 and C6, 88 and CE, 98 and DE
-            PREFIX_NONE,
-            ALLOW_FIELD,
-            FORM_IMM8 | FORM_IX | FORM_IY};
-}
-constexpr OperandForm PairForm(std::uint8_t prefix, std::uint8_t opcode, std::uint32_t allowed) {
-    return {4, opcode, 0, prefix, pairs | allowed, prefix == PREFIX_NONE ? 0 : FORM_PREFIX};
+constexpr std::int32_t toImmediate = 0x46;  // from 80 to C6, 88 to CE, 98 to DE
+
+// To HL, IX or IY: the other operand may be the same register.
+constexpr OperandForm PairForm(std::uint8_t prefix, std::uint8_t opcode, std::int32_t to) {
+    return {4, opcode, 0, prefix, pairs | AllowedBit(to), prefix == PREFIX_NONE ? 0 : FORM_PREFIX};
 }
 
 }  // namespace
 
 Status AssembleAdd(CAssembler* assembler, CStatement* statement) {
-    static constexpr OperandForm toA = ByteForm(0x80);
-    static constexpr OperandForm toHl = PairForm(PREFIX_NONE, 0x09, ALLOW_HL);
-    static constexpr OperandForm toIx = PairForm(PREFIX_IX, 0x09, ALLOW_IX);
-    static constexpr OperandForm toIy = PairForm(PREFIX_IY, 0x09, ALLOW_IY);
+    static constexpr OperandForm toA = ByteForm(0x80, 0xC6);
+    const std::int32_t to = statement->args.Count() == 1 ? REG_A : statement->args[1].reg;
     const lsArg& last = statement->args.Last();
-    switch (statement->args.Count() == 1 ? REG_A : statement->args[1].reg) {
-        case REG_A:
-            return EncodeOperand(assembler, statement, last, toA);
-        case REG_HL:
-            return EncodeOperand(assembler, statement, last, toHl);
-        case REG_IX:
-            return EncodeOperand(assembler, statement, last, toIx);
-        case REG_IY:
-            return EncodeOperand(assembler, statement, last, toIy);
-        default:
-            return MSG_ILLEGAL_ARGUMENT;
+    if (to == REG_A) {
+        return EncodeOperand(assembler, statement, last, toA);
     }
+    if (!IsHlOrIndex(to)) {
+        return MSG_ILLEGAL_ARGUMENT;
+    }
+    return EncodeOperand(assembler, statement, last, PairForm(IndexPrefix(to), 0x09, to));
 }
 
 Status AssembleWithCarry(CAssembler* assembler, CStatement* statement, std::uint8_t byteOpcode,
@@ -49,10 +37,11 @@ Status AssembleWithCarry(CAssembler* assembler, CStatement* statement, std::uint
     const lsArg& second = statement->args[2];
     switch (statement->args[1].reg) {
         case REG_A:
-            return EncodeOperand(assembler, statement, second, ByteForm(byteOpcode));
+            return EncodeOperand(assembler, statement, second,
+                                 ByteForm(byteOpcode, byteOpcode + toImmediate));
         case REG_HL:
             return EncodeOperand(assembler, statement, second,
-                                 PairForm(PREFIX_ED, pairOpcode, ALLOW_HL));
+                                 PairForm(PREFIX_ED, pairOpcode, REG_HL));
         default:
             return MSG_ILLEGAL_ARGUMENT;
     }

@@ -3,6 +3,7 @@
 #include <array>
 
 #include "codegen/handlers.h"
+#include "codegen/operand_forms.h"
 #include "driver/assembler.h"
 
 namespace korv {
@@ -12,9 +13,8 @@ Status AssembleImplied(CAssembler* assembler, CStatement*, std::uint8_t opcode) 
     return 0;
 }
 
-Status AssemblePrefixed(CAssembler* assembler, CStatement*, std::uint8_t prefix,
-                        std::uint8_t opcode) {
-    assembler->EmitBytes(std::array{prefix, opcode});
+Status AssembleImpliedEd(CAssembler* assembler, CStatement*, std::uint8_t opcode) {
+    assembler->EmitBytes(std::array{PREFIX_ED, opcode});
     return 0;
 }
 

@@ -28,7 +28,7 @@ constexpr Keyword Implied(std::string_view word) {
 }
 template <std::uint8_t opcode>
 constexpr Keyword ImpliedEd(std::string_view word) {
-    return {word, With<AssemblePrefixed, PREFIX_ED, opcode>, noOperand, Frame::operandsFirst};
+    return {word, With<AssembleImpliedEd, opcode>, noOperand, Frame::operandsFirst};
 }
 /// AND and its kin, and the rotates and shifts, by the number in bits 5 to 3 of their opcodes.
 template <std::int32_t group>

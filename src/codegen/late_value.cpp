@@ -26,10 +26,8 @@ void FilePatch(CAssembler* assembler, const CStatement* statement, const lsArg& 
     if (isName || IsSamePart(WithoutParentheses(expression), unresolved.name)) {
         kind |= PF_NAME;
     }
-    CPatchInfo* const patch =
-        CPatchInfoMemBlock::AllocPatchInfo(position, kind,
-                                           {static_cast<std::int32_t>(statement->address),
-                                            statement->fileName, statement->lineNumber});
+    CPatchInfo* const patch = CPatchInfoMemBlock::AllocPatchInfo(
+        position, kind, {statement->address, statement->fileName, statement->lineNumber});
     if (!isName) {  // else the identifier has the text
         patch->expressionString.Assign(expression);
     }
@@ -76,8 +74,7 @@ Status EmitRelative(CAssembler* assembler, const CStatement* statement, const ls
     if (arg.status != 0) {
         return arg.status;
     }
-    const std::int32_t offset =
-        RelativeOffset(arg.value, static_cast<std::int32_t>(statement->address));
+    const std::int32_t offset = RelativeOffset(arg.value, statement->address);
     if (!relativeRange.Holds(offset)) {
         return tooFar;
     }

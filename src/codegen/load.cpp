@@ -24,12 +24,7 @@ constexpr OperandForm toMemory{
 constexpr auto toRegister = [] {
     std::array<OperandForm, 8> forms{};
     for (std::uint8_t reg = 0; reg < forms.size(); ++reg) {
-        forms[reg] = {0,
-                      static_cast<std::uint8_t>(0x40 + 8 * reg),
-                      static_cast<std::uint8_t>(0x06 + 8 * reg),
-                      0,
-                      ALLOW_FIELD,
-                      FORM_IMM8 | FORM_IX | FORM_IY};
+        forms[reg] = ByteForm(0x40 + 8 * reg, 0x06 + 8 * reg);
     }
     return forms;
 }();

@@ -6,19 +6,6 @@
 namespace korv {
 namespace {
 
-// The bit of `allowed` that belongs to a register code; 0 for the codes without one.
-constexpr std::uint32_t AllowedBit(std::int32_t reg) {
-    if (IsFieldRegister(reg)) {
-        return reg == REG_A ? ALLOW_A : 2U << reg;
-    }
-    if (!IsPair(reg)) {
-        return 0;
-    }
-    return reg == REG_AF ? ALLOW_AF : ALLOW_AF << (reg >> 8);  // the high byte counts the pairs
-}
-static_assert(AllowedBit(REG_HL_INDIRECT) == ALLOW_HL_INDIRECT && AllowedBit(0) == 0x0002);
-static_assert(AllowedBit(REG_BC) == ALLOW_BC && AllowedBit(REG_SP) == ALLOW_SP);
-
 // The form bit of an operand that holds an expression in parentheses.
 constexpr std::uint32_t FormBit(std::int32_t reg) {
     return reg == REG_IX_INDEXED   ? FORM_IX

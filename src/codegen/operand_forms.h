@@ -50,6 +50,16 @@ struct OperandForm {
     std::uint32_t forms;           ///< FORM_* bits
 };
 
+/// The form of an operand that is any byte: in a register, in memory, or immediate.
+[[nodiscard]] constexpr OperandForm ByteForm(std::int32_t opcode, std::int32_t immediateOpcode) {
+    return {0,
+            static_cast<std::uint8_t>(opcode),
+            static_cast<std::uint8_t>(immediateOpcode),
+            PREFIX_NONE,
+            ALLOW_FIELD,
+            FORM_IMM8 | FORM_IX | FORM_IY};
+}
+
 /// The byte that selects IX or IY, if `reg` is one of its codes in any form.
 [[nodiscard]] constexpr std::uint8_t IndexPrefix(std::int32_t reg) {
     switch (reg) {
@@ -87,6 +97,19 @@ struct OperandForm {
 [[nodiscard]] constexpr std::int32_t PairField(std::int32_t reg) {
     return (reg & 0xFF) << 4;
 }
+
+/// The bit of `OperandForm::allowed` that belongs to `reg`; 0 for the codes without one.
+[[nodiscard]] constexpr std::uint32_t AllowedBit(std::int32_t reg) {
+    if (IsFieldRegister(reg)) {
+        return reg == REG_A ? ALLOW_A : 2U << reg;
+    }
+    if (!IsPair(reg)) {
+        return 0;
+    }
+    return reg == REG_AF ? ALLOW_AF : ALLOW_AF << (reg >> 8);  // the high byte counts the pairs
+}
+static_assert(AllowedBit(REG_HL_INDIRECT) == ALLOW_HL_INDIRECT && AllowedBit(0) == 0x0002);
+static_assert(AllowedBit(REG_BC) == ALLOW_BC && AllowedBit(REG_SP) == ALLOW_SP);
 
 /// Encodes `arg` as `form` says. Result: 0 or a message number.
 [[nodiscard]] Status EncodeOperand(CAssembler* assembler, CStatement* statement, const lsArg& arg,

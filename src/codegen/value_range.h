@@ -41,9 +41,8 @@ inline constexpr ValueRange widthRanges[2][2] = {{wordRange, signedWordRange},
 }
 
 /// Distance of a relative jump at `address` to `target`, counted from after its two bytes.
-[[nodiscard]] constexpr std::int32_t RelativeOffset(std::int32_t target, std::int32_t address) {
-    return static_cast<std::int32_t>(static_cast<std::uint32_t>(target) -
-                                     static_cast<std::uint32_t>(address) - 2);
+[[nodiscard]] constexpr std::int32_t RelativeOffset(std::int32_t target, std::uint32_t address) {
+    return static_cast<std::int32_t>(static_cast<std::uint32_t>(target) - address - 2);
 }
 
 }  // namespace korv

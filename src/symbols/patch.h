@@ -26,7 +26,7 @@ inline constexpr std::uint32_t noPosition = 0xFFFFFFFF;
 
 /// The statement that holds a reference; a late message points there and not at the definition.
 struct PatchOrigin {
-    std::int32_t address;  ///< location counter at its start
+    std::uint32_t address;  ///< location counter at its start
     std::int32_t file;
     std::int32_t line;
 };

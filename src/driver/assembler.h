@@ -75,8 +75,6 @@ class CAssembler {
     explicit CAssembler(std::FILE* stream, std::int32_t maxMessages = 50);
     /// Prints the time display and flushes all output streams.
     virtual ~CAssembler();
-    CAssembler(const CAssembler&) = delete;
-    CAssembler& operator=(const CAssembler&) = delete;
 
     // ---- driver/run.cpp: the run
 

@@ -15,6 +15,7 @@
 #include <bit>
 #include <cstring>
 #include <limits>
+#include <new>
 
 #include "diagnostics/message_numbers.h"
 #include "source/char_class.h"
@@ -133,23 +134,17 @@ CSourceFile::CSourceFile(std::string_view name, std::uint32_t maxBufferSize) {
     }
     constexpr std::uint64_t most = std::numeric_limits<std::uint32_t>::max();
     fileSize = static_cast<std::uint32_t>(std::min(stream.Size(), most));
-    const std::uint32_t wanted =
-        stream.HasSize() ? std::min(maxBufferSize, fileSize) : maxBufferSize;
-    buffer = static_cast<std::uint8_t*>(platform::Allocate(wanted));
-    bufferSize = wanted;
+    bufferSize = stream.HasSize() ? std::min(maxBufferSize, fileSize) : maxBufferSize;
+    buffer.reset(new (std::nothrow) std::uint8_t[bufferSize]);
 }
 
 CSourceFile::CSourceFile(std::string_view contents) : isInMemory(true) {
-    buffer = static_cast<std::uint8_t*>(platform::Allocate(contents.size()));
+    buffer.reset(new (std::nothrow) std::uint8_t[contents.size()]);
     if (buffer != nullptr) {
-        contents.copy(reinterpret_cast<char*>(buffer), contents.size());
+        contents.copy(reinterpret_cast<char*>(buffer.get()), contents.size());
         fileSize = bufferSize = static_cast<std::uint32_t>(contents.size());
         TakeBlock(contents.size());
     }
-}
-
-CSourceFile::~CSourceFile() {
-    platform::Free(buffer);
 }
 
 Status CSourceFile::OpenStatus() const {
@@ -160,14 +155,14 @@ Status CSourceFile::OpenStatus() const {
 }
 
 bool CSourceFile::Fill() {
-    return !isInMemory && TakeBlock(stream.Read(buffer, bufferSize));
+    return !isInMemory && TakeBlock(stream.Read(buffer.get(), bufferSize));
 }
 
 // The buffer has been filled with `count` bytes. Result: whether there are any.
 bool CSourceFile::TakeBlock(std::size_t count) {
-    readPosition = buffer;
-    endOfData = buffer + count;
-    endOfChunks = buffer + (count > chunkSize ? count - chunkSize : 0);
+    readPosition = buffer.get();
+    endOfData = readPosition + count;
+    endOfChunks = readPosition + (count > chunkSize ? count - chunkSize : 0);
     return count != 0;
 }
 

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string_view>
 
 #include "diagnostics/message_numbers.h"
@@ -18,9 +19,6 @@ class CSourceFile {
     CSourceFile(std::string_view name, std::uint32_t maxBufferSize);
     /// A file that holds `contents`, which are copied: what has been read by other means.
     explicit CSourceFile(std::string_view contents);
-    ~CSourceFile();
-    CSourceFile(const CSourceFile&) = delete;
-    CSourceFile& operator=(const CSourceFile&) = delete;
 
     /// The least that a line needs room for, however short the longest may be.
     static constexpr std::size_t leastRoom = 32;
@@ -54,8 +52,8 @@ class CSourceFile {
     bool TakeBlock(std::size_t count);
 
     platform::InputFile stream;
-    std::uint8_t* buffer = nullptr;  // owned
-    std::uint32_t bufferSize = 0;    // bytes; counts if there is a buffer
+    std::unique_ptr<std::uint8_t[]> buffer;
+    std::uint32_t bufferSize = 0;  // bytes; counts if there is a buffer
     const std::uint8_t* readPosition = nullptr;
     const std::uint8_t* endOfData = nullptr;
     // A chunk that starts before this is there whole, and a further byte.

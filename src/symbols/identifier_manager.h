@@ -46,8 +46,6 @@ class CIdentifierManager {
     /// An empty table whose listing has `tableSize` buckets. `console` is not owned.
     CIdentifierManager(std::FILE* console, std::int32_t tableSize);
     ~CIdentifierManager() { ReleasePatches(); }
-    CIdentifierManager(const CIdentifierManager&) = delete;
-    CIdentifierManager& operator=(const CIdentifierManager&) = delete;
 
     /// What the manager works with; none is owned, all are set before the first name enters.
     void SetLists(CMessageList* newErrors, CMessageList* newWarnings) {

@@ -138,7 +138,7 @@ inline constexpr std::size_t noRow = 0;
 inline constexpr std::size_t longRow = operandNames.size() - 1;
 static_assert(operandNames[noRow].name.empty() && operandNames[longRow].name == "FLAGS");
 
-[[nodiscard]] constexpr std::size_t RowOf(std::string_view token) {
+[[nodiscard, gnu::always_inline]] constexpr std::size_t RowOf(std::string_view token) {
     if (token.size() > 2) {
         return token == "FLAGS" ? longRow : noRow;
     }

@@ -136,7 +136,7 @@ class CIdentifierManager {
 
   private:
     // Room for records.
-    static constexpr std::uint32_t chunkSize = 512;
+    static constexpr std::uint32_t chunkSize = 128;
     struct Chunk {
         [[nodiscard]] CIdentifier* Records() { return reinterpret_cast<CIdentifier*>(memory); }
         alignas(CIdentifier) std::byte memory[chunkSize * sizeof(CIdentifier)];

@@ -2,7 +2,7 @@
 #pragma once
 
 #include <cstdint>
-#include <utility>
+#include <limits>
 
 namespace korv::platform {
 
@@ -11,31 +11,27 @@ class FaultPoint {
     /// From here on the n-th call of `Hits` is true, and every later one too if `andAllAfter`. 0
     /// ends it. Result: whether one has been true since the last `Set`.
     bool Set(std::int64_t n, bool andAllAfter) {
-        countdown = n;
-        hitsAllAfter = andAllAfter;
-        return std::exchange(hasHit, false);
+        const bool hasHit = first != 0 && calls >= first;
+        first = n;
+        last = andAllAfter && n != 0 ? std::numeric_limits<std::int64_t>::max() : n;
+        calls = 0;
+        return hasHit;
     }
     bool Hits() {
-        if (countdown == 0 || --countdown != 0) {
-            return false;
-        }
-        countdown = hitsAllAfter ? 1 : 0;
-        hasHit = true;
-        return true;
+        ++calls;
+        return first <= calls && calls <= last;
     }
     /// Whether the next call of `Hits` is true; where it is not, this one stands for it.
     bool IsNext() {
-        if (countdown == 1) {
-            return true;
-        }
-        countdown -= countdown > 1 ? 1 : 0;
-        return false;
+        const bool isHit = Hits();
+        calls -= isHit ? 1 : 0;
+        return isHit;
     }
 
   private:
-    std::int64_t countdown = 0;  // 1 means the next call
-    bool hitsAllAfter = false;
-    bool hasHit = false;
+    std::int64_t first = 0;  // call that is true, and the last one; 0 for none
+    std::int64_t last = 0;
+    std::int64_t calls = 0;
 };
 
 }  // namespace korv::platform

@@ -17,6 +17,7 @@
 #include <set>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace korv::platform {
 
@@ -80,8 +81,8 @@ struct PathParts {
 /// Whether two names lead to one regular file, or to one place where there is none yet.
 [[nodiscard]] bool LeadToOneFile(std::string_view a, std::string_view b);
 
-/// What a name leads to; to ask does not open it.
-enum class FileKind { none, regular, pipe, other };
+/// What a name leads to, nothing among the others; to ask does not open it.
+enum class FileKind { regular, pipe, other };
 [[nodiscard]] FileKind KindOf(std::string_view name);
 
 /// The current directory, which follows the file being read, and the way from a name to a file. One
@@ -90,8 +91,6 @@ class CurrentDirectory {
   public:
     CurrentDirectory();
     ~CurrentDirectory();
-    CurrentDirectory(const CurrentDirectory&) = delete;
-    CurrentDirectory& operator=(const CurrentDirectory&) = delete;
 
     /// Forms the full path of a file to be read: the current directory joined with `name`, "." and
     /// ".." removed as text; spelled as on disk where the file is found, else as written. False:
@@ -99,7 +98,7 @@ class CurrentDirectory {
     [[nodiscard]] bool FullPath(std::string_view name, std::string* path);
 
     /// Whether the path that `FullPath` gave last is that of a file.
-    [[nodiscard]] bool IsFound() const;
+    [[nodiscard]] bool IsFound() const { return isFound; }
 
     /// Makes the directory of `path`, which is what `FullPath` gave last, the current one, found
     /// without regard to case. False: there is none, or it cannot be entered; the current one
@@ -112,11 +111,15 @@ class CurrentDirectory {
     /// none.
     [[nodiscard]] std::string_view Path() const;
     /// Whether `name` means what it should: a relative one does not once a `Leave` has failed.
-    [[nodiscard]] bool Reaches(std::string_view name) const;
+    [[nodiscard]] bool Reaches(std::string_view name) const {
+        return !isLost || IsAbsolutePath(name);
+    }
 
   private:
     struct State;
     std::unique_ptr<State> state;
+    bool isFound = false;  // the last full path is that of a file
+    bool isLost = false;   // a `Leave` has failed
 };
 
 // ----------------------------------------------------------------------------------------------------
@@ -130,14 +133,27 @@ struct FileIdentity {
 };
 using FileSet = std::set<FileIdentity>;
 
+/// An open file by its number, -1 for none; closed with its owner.
+class FileHandle {
+  public:
+    explicit FileHandle(int number = -1) : number(number) {}
+    FileHandle(FileHandle&& other) noexcept : number(other.Release()) {}
+    FileHandle& operator=(FileHandle&& other) noexcept {
+        std::swap(number, other.number);
+        return *this;
+    }
+    ~FileHandle();
+    operator int() const { return number; }
+    /// The number, for whoever closes the file.
+    [[nodiscard]] int Release() { return std::exchange(number, -1); }
+
+  private:
+    int number;
+};
+
 /// A file read as a stream of bytes. A directory does not open.
 class InputFile {
   public:
-    InputFile() = default;
-    ~InputFile();
-    InputFile(const InputFile&) = delete;
-    InputFile& operator=(const InputFile&) = delete;
-
     /// Opens `name`, taken exactly as spelled. Called once.
     bool Open(std::string_view name);
     [[nodiscard]] bool IsOpen() const { return handle >= 0; }
@@ -155,7 +171,7 @@ class InputFile {
     [[nodiscard]] bool Failed() const { return failed; }
 
   private:
-    int handle = -1;
+    FileHandle handle;
     bool hasSize = false;
     bool failed = false;
     std::uint64_t size = 0;
@@ -176,10 +192,7 @@ class OutputFile {
         report,  ///< text, with the line ends of the system; replaces such a link
     };
 
-    OutputFile() = default;
-    ~OutputFile();  ///< Gives up what has not been committed.
-    OutputFile(const OutputFile&) = delete;
-    OutputFile& operator=(const OutputFile&) = delete;
+    ~OutputFile() { GiveUp(); }  ///< Gives up what has not been committed.
 
     /// Opens `name`, taken exactly as spelled, unless it leads to one of the files of `kept`.
     /// Called once. False: it cannot be opened; so does a file that may not be written, also where
@@ -194,10 +207,9 @@ class OutputFile {
     bool CreateTemporary(unsigned mode);  // of the new file; the system's own numbers
     void Forget();
     void GiveUp();
-    void Empty();
     static void RemoveAll();
 
-    int handle = -1;
+    FileHandle handle;
     bool isEmptied = true;       // false: it is written in place, and the old bytes are in the way
     bool hasFailed = false;      // some byte is not there
     bool isTemporary = false;    // the name is yet to be given
@@ -249,8 +261,8 @@ inline constexpr int EVENT_SHUTDOWN = 6;
 /// has come to its own end.
 using ConsoleHandler = int (*)(int event);
 
-/// Installs `handler`; null puts back what there was before the first one. A close event that the
-/// process was started to ignore stays ignored.
+/// Installs `handler` where there is none; null takes it away and puts back what there was before.
+/// A close event that the process was started to ignore stays ignored.
 void SetConsoleHandler(ConsoleHandler handler);
 
 /// Waits until no handler runs that has begun before: what it might reach may go then.

@@ -7,31 +7,28 @@
 #include <termios.h>
 #include <unistd.h>
 
-#include <algorithm>
-#include <array>
 #include <atomic>
 #include <cerrno>
 #include <csignal>
+#include <utility>
 
 #include "platform/platform.h"
 
 namespace korv::platform {
 namespace {
 
+// Process-wide, as signal dispositions are.
 struct Signal {
     int number;
     int event;
-};
-constexpr std::array<Signal, 4> signals = {{
+    struct sigaction previous {};
+} signals[] = {
     {SIGINT, EVENT_CTRL_C},
     {SIGQUIT, EVENT_CTRL_BREAK},
     {SIGHUP, EVENT_CLOSE},
     {SIGTERM, EVENT_SHUTDOWN},
-}};
-
-// Process-wide, as signal dispositions are.
+};
 std::atomic<ConsoleHandler> consoleHandler = nullptr;
-std::array<struct sigaction, signals.size()> previousActions;
 std::atomic<bool> hasEventCome = false;
 sigset_t previousMask;
 
@@ -56,20 +53,16 @@ bool HasEventCome() {
     return hasEventCome;
 }
 
-bool Close(int handle) {
-    // Broken off by a signal it is closed too, and what was written is with the system.
-    const bool isClosed = close(handle) == 0 || errno == EINTR;
-    return !FailsOnPurpose() && isClosed;
-}
-
 void HoldSignals() {
     sigset_t held;
     sigfillset(&held);
     for (const int stop : {SIGTSTP, SIGTTIN, SIGTTOU}) {
         sigdelset(&held, stop);
     }
-    for (std::size_t i = 0; consoleHandler != nullptr && i < signals.size(); ++i) {
-        sigdelset(&held, signals[i].number);
+    if (consoleHandler != nullptr) {
+        for (const Signal& signal : signals) {
+            sigdelset(&held, signal.number);
+        }
     }
     sigprocmask(SIG_BLOCK, &held, &previousMask);
 }
@@ -78,47 +71,31 @@ void ReleaseSignals() {
     sigprocmask(SIG_SETMASK, &previousMask, nullptr);
 }
 
+FileHandle::~FileHandle() {
+    if (number >= 0) {
+        close(number);
+    }
+}
+
 bool InputFile::Open(std::string_view name) {
     const std::string path = Translated(name);
-    handle = Requested([&] { return open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY); });
+    handle =
+        FileHandle(Requested([&] { return open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY); }));
     struct stat status;
-    if (handle >= 0 &&
-        (Requested([&] { return fstat(handle, &status); }) != 0 || S_ISDIR(status.st_mode))) {
-        close(handle);
-        handle = -1;
+    if (handle < 0 || Requested([&] { return fstat(handle, &status); }) != 0 ||
+        S_ISDIR(status.st_mode)) {
+        handle = FileHandle();
+        return false;
     }
-    if (handle >= 0) {
-        identity = IdentityOf(status);
-        hasSize = S_ISREG(status.st_mode);
-        size = hasSize ? static_cast<std::uint64_t>(status.st_size) : 0;
-    }
-    return IsOpen();
+    identity = IdentityOf(status);
+    hasSize = S_ISREG(status.st_mode);
+    size = hasSize ? static_cast<std::uint64_t>(status.st_size) : 0;
+    return true;
 }
 
-InputFile::~InputFile() {
-    if (handle >= 0) {
-        close(handle);
-    }
-}
-
-std::size_t InputFile::Read(void* buffer, std::size_t count) {
-    // One call moves at most this much on any POSIX system.
-    std::uint64_t wanted = std::min<std::uint64_t>(count, 0x40000000);
-    if (size != 0) {
-        // Nobody has to ask for the end of a file whose size is known.
-        wanted = std::min(wanted, size - taken);
-    }
-    if (wanted == 0 || failed) {
-        return 0;
-    }
-    const ssize_t got =
-        Requested([&] { return read(handle, buffer, static_cast<std::size_t>(wanted)); });
-    if (got < 0) {
-        failed = errno != EINTR;
-        return 0;
-    }
-    taken += static_cast<std::uint64_t>(got);
-    return static_cast<std::size_t>(got);
+std::ptrdiff_t ReadSome(int handle, void* buffer, std::size_t count) {
+    const ssize_t got = Requested([&] { return read(handle, buffer, count); });
+    return got < 0 && errno == EINTR ? 0 : got;
 }
 
 void OpenStandardStreams() {
@@ -129,9 +106,8 @@ void OpenStandardStreams() {
         }
     }
     // A write that fails is to say so, and not to end the process.
-    for (const int number : {SIGXFSZ, SIGPIPE}) {
-        std::signal(number, SIG_IGN);
-    }
+    std::signal(SIGXFSZ, SIG_IGN);
+    std::signal(SIGPIPE, SIG_IGN);
 }
 
 bool IsTerminal(std::FILE* stream) {
@@ -152,23 +128,21 @@ void SetConsoleTitle(const char* title) {
 
 void SetConsoleHandler(ConsoleHandler handler) {
     if (handler == nullptr) {
-        for (std::size_t i = 0; consoleHandler != nullptr && i < signals.size(); ++i) {
-            sigaction(signals[i].number, &previousActions[i], nullptr);
+        for (const Signal& signal : signals) {
+            sigaction(signal.number, &signal.previous, nullptr);
         }
         consoleHandler = nullptr;
         return;
     }
-    const bool isFirst = consoleHandler == nullptr;
     hasEventCome = false;
     consoleHandler = handler;
-    struct sigaction action = {};
+    struct sigaction action = {};  // without flags: what waits for input is to wake up
     action.sa_handler = OnSignal;
-    action.sa_flags = 0;  // what waits for input is to wake up
     sigfillset(&action.sa_mask);
-    for (std::size_t i = 0; isFirst && i < signals.size(); ++i) {
-        sigaction(signals[i].number, &action, &previousActions[i]);
-        if (signals[i].event == EVENT_CLOSE && previousActions[i].sa_handler == SIG_IGN) {
-            sigaction(signals[i].number, &previousActions[i], nullptr);
+    for (Signal& signal : signals) {
+        sigaction(signal.number, &action, &signal.previous);
+        if (signal.event == EVENT_CLOSE && signal.previous.sa_handler == SIG_IGN) {
+            sigaction(signal.number, &signal.previous, nullptr);
         }
     }
 }

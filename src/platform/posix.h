@@ -6,8 +6,6 @@
 #include <cerrno>
 #include <string>
 #include <string_view>
-#include <type_traits>
-#include <utility>
 
 #include "platform/platform.h"
 #include "platform/shared.h"
@@ -17,8 +15,9 @@ namespace korv::platform {
 /// `name` with the separators of the system.
 [[nodiscard]] std::string Translated(std::string_view name);
 
-/// The directory and the name of a path that holds a "/"; the name of "/" is empty.
-[[nodiscard]] std::pair<std::string, std::string> Divided(const std::string& path);
+/// Makes `path` where a symbolic link of that name leads to, in as many steps as it takes. False:
+/// it leads nowhere that has a name.
+bool FollowLinks(std::string* path);
 
 [[nodiscard]] inline FileIdentity IdentityOf(const struct stat& status) {
     return {static_cast<std::uint64_t>(status.st_dev), static_cast<std::uint64_t>(status.st_ino)};
@@ -27,29 +26,21 @@ namespace korv::platform {
 /// Whether a console event has come since a handler was installed.
 [[nodiscard]] bool HasEventCome();
 
-/// The result of `request`, a call that gives -1 or null on failure and sets `errno`; made again
-/// when a signal has broken it off. After a console event that is its failure: the run has to end.
+/// The result of `request`, a call that gives -1 on failure and sets `errno`; made again when a
+/// signal has broken it off. After a console event that is its failure: the run has to end.
 template <typename Request>
-[[nodiscard]] auto Requested(Request request) {
-    using Result = decltype(request());
-    Result failure{};
-    if constexpr (std::is_integral_v<Result>) {
-        failure = -1;
-    }
+[[nodiscard]] auto Requested(Request request) -> decltype(request()) {
     for (;;) {
         if (FailsOnPurpose()) {
             errno = EIO;
-            return failure;
+            return -1;
         }
-        const Result result = request();
-        if (result != failure || errno != EINTR || HasEventCome()) {
+        const auto result = request();
+        if (result != -1 || errno != EINTR || HasEventCome()) {
             return result;
         }
     }
 }
-
-/// Closes `handle`. False: what has been written may be lost. It is closed all the same.
-[[nodiscard]] bool Close(int handle);
 
 /// Keeps signals that end the process waiting, but for console events, which do not end it.
 void HoldSignals();

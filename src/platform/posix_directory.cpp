@@ -11,9 +11,9 @@
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
 #include <chrono>
 #include <climits>
+#include <cstdlib>
 #include <filesystem>
 #include <map>
 #include <set>
@@ -24,32 +24,29 @@
 #include "platform/platform.h"
 #include "platform/posix.h"
 
+// For a handle that serves to go back: needs no right to read the directory, where the system knows
+// such a kind.
+#ifndef O_PATH
+#define O_PATH O_RDONLY
+#endif
+
 namespace korv::platform {
 namespace fs = std::filesystem;
 namespace {
 
-// For a handle that serves to go back: needs no right to read the directory, where the system knows
-// such a kind.
-#ifdef O_PATH
-constexpr int directoryHandle = O_PATH;
-#else
-constexpr int directoryHandle = O_RDONLY;
-#endif
+using std::chrono::nanoseconds;
 
-// Where the system itself finds names without regard to case, what is found may be spelled
-// otherwise.
+// macOS finds names without regard to case itself, so what is found may be spelled otherwise; and
+// the time of a change has another name there.
 #ifdef __APPLE__
+#define st_mtim st_mtimespec
 constexpr bool mayFindOtherCase = true;
 #else
 constexpr bool mayFindOtherCase = false;
 #endif
 
-timespec TimeOfChange(const struct stat& status) {
-#ifdef __APPLE__
-    return status.st_mtimespec;
-#else
-    return status.st_mtim;
-#endif
+nanoseconds TimeOfChange(const struct stat& status) {
+    return std::chrono::seconds(status.st_mtim.tv_sec) + nanoseconds(status.st_mtim.tv_nsec);
 }
 
 bool Exists(const std::string& path) {
@@ -58,83 +55,76 @@ bool Exists(const std::string& path) {
 }
 
 std::string Joined(std::string_view directory, std::string_view name) {
-    std::string path(directory == "/" ? "" : directory);
-    path += '/';
-    path += name;
-    return path;
+    return std::string(directory == "/" ? "" : directory).append("/").append(name);
 }
 
-std::string Raised(std::string_view name) {
-    std::string result(name);
-    std::transform(result.begin(), result.end(), result.begin(), [](char c) {
-        return c >= 'a' && c <= 'z' ? static_cast<char>(c - ('a' - 'A')) : c;
-    });
-    return result;
+std::string Raised(std::string name) {
+    for (char& c : name) {
+        c = c >= 'a' && c <= 'z' ? static_cast<char>(c - ('a' - 'A')) : c;
+    }
+    return name;
+}
+
+// The directory and the name of a path that holds a "/"; the name of "/" is empty.
+std::pair<std::string, std::string> Divided(const std::string& path) {
+    const std::size_t separator = path.find_last_of('/');
+    return {path.substr(0, std::max<std::size_t>(separator, 1)), path.substr(separator + 1)};
 }
 
 // The names in a directory as they were when it was read.
 class Listing {
   public:
-    // What `name` means in `directory`: an entry of exactly that name, or else the first in byte
-    // order of those that match when case is ignored; empty for none.
-    std::string Find(const std::string& directory, const std::string& name) {
+    // Spells `name` as what it means in `directory`: an entry of exactly that name, or else the
+    // first in byte order of those that match when case is ignored. False: there is none.
+    bool Find(const std::string& directory, std::string* name) {
         struct stat status;
-        if (Requested([&] { return stat(directory.c_str(), &status); }) != 0) {
-            return {};
+        const bool isThere = Requested([&] { return stat(directory.c_str(), &status); }) == 0;
+        const bool isKnown =
+            isThere && IdentityOf(status) == identity && TimeOfChange(status) == changed;
+        if (!isKnown && !(isThere && Read(directory, status))) {
+            return Exists(Joined(directory, *name));
         }
-        if (!IsUpToDate(status)) {
-            Read(directory, status);
-        }
-        if (!isReadable) {
-            return Exists(Joined(directory, name)) ? name : std::string();
-        }
-        const std::string raised = Raised(name);
-        auto found = names.find({raised, name});
+        const std::string raised = Raised(*name);
+        auto found = names.find({raised, *name});
         if (found == names.end()) {
             found = names.lower_bound({raised, {}});
         }
-        return found != names.end() && found->first == raised ? found->second : std::string();
+        if (found == names.end() || found->first != raised) {
+            return false;
+        }
+        *name = found->second;
+        return true;
     }
 
   private:
-    [[nodiscard]] bool IsUpToDate(const struct stat& status) const {
-        return isReadable && isSettled && status.st_dev == before.st_dev &&
-               status.st_ino == before.st_ino &&
-               TimeOfChange(status).tv_sec == TimeOfChange(before).tv_sec &&
-               TimeOfChange(status).tv_nsec == TimeOfChange(before).tv_nsec;
-    }
-
-    // `status` is that of before the reading.
-    void Read(const std::string& directory, const struct stat& status) {
+    // `status` is that of before the reading. False: it cannot be read.
+    bool Read(const std::string& directory, const struct stat& status) {
         using namespace std::chrono;
         const auto now = system_clock::now().time_since_epoch();
-        before = status;
         names.clear();
-        DIR* const stream = Requested([&] { return opendir(directory.c_str()); });
-        isReadable = stream != nullptr;
-        if (isReadable) {
-            const auto next = [stream] {
-                errno = 0;  // by which an error differs from the end
-                return readdir(stream);
-            };
-            while (const dirent* const entry = Requested(next)) {
-                names.emplace(Raised(entry->d_name), entry->d_name);
-            }
-            isReadable = errno == 0;
-            closedir(stream);
+        dirent** entries = nullptr;
+        const int count =
+            Requested([&] { return scandir(directory.c_str(), &entries, nullptr, nullptr); });
+        for (int i = 0; i < count; ++i) {
+            names.emplace(Raised(entries[i]->d_name), entries[i]->d_name);
+            std::free(entries[i]);
         }
+        std::free(entries);
         // The time of a directory moves by the tick of a clock, and on some file systems by a
         // second or two: what changes it after the reading, but within the tick of the last change
         // before, does not show.
-        const timespec changed = TimeOfChange(status);
-        const auto tick = changed.tv_nsec == 0 ? milliseconds(2000) : milliseconds(20);
-        isSettled = seconds(changed.tv_sec) + nanoseconds(changed.tv_nsec) + tick < now;
+        const nanoseconds time = TimeOfChange(status);
+        const auto tick = time % seconds(1) == seconds(0) ? milliseconds(2000) : milliseconds(20);
+        const bool isSettled = count >= 0 && time + tick < now;
+        identity = isSettled ? IdentityOf(status) : FileIdentity();
+        changed = time;
+        return count >= 0;
     }
 
     std::set<std::pair<std::string, std::string>> names;  // in capitals, and as they are
-    bool isReadable = false;
-    bool isSettled = false;  // a later change will show in the directory's time
-    struct stat before {};   // of the directory, before it was read
+    // Of the directory, before it was read; none where a later change might not show in its time.
+    FileIdentity identity;
+    nanoseconds changed{};
 };
 
 }  // namespace
@@ -143,11 +133,6 @@ std::string Translated(std::string_view name) {
     std::string result(name);
     std::replace(result.begin(), result.end(), '\\', '/');
     return result;
-}
-
-std::pair<std::string, std::string> Divided(const std::string& path) {
-    const std::size_t separator = path.find_last_of('/');
-    return {path.substr(0, std::max<std::size_t>(separator, 1)), path.substr(separator + 1)};
 }
 
 std::size_t DriveLength(std::string_view) {
@@ -162,48 +147,45 @@ bool IsAbsoluteFileName(const char* word) {
 }
 
 bool MayBeOneFile(std::string_view source, std::string_view target) {
-    return Raised(source) == Raised(target);
+    return Raised(std::string(source)) == Raised(std::string(target));
 }
 
 FileKind KindOf(std::string_view name) {
     struct stat status;
-    if (stat(Translated(name).c_str(), &status) != 0) {
-        return FileKind::none;
-    }
-    return S_ISREG(status.st_mode)    ? FileKind::regular
-           : S_ISFIFO(status.st_mode) ? FileKind::pipe
-                                      : FileKind::other;
+    const bool exists = stat(Translated(name).c_str(), &status) == 0;
+    return exists && S_ISREG(status.st_mode)    ? FileKind::regular
+           : exists && S_ISFIFO(status.st_mode) ? FileKind::pipe
+                                                : FileKind::other;
 }
 
 bool LeadToOneFile(std::string_view a, std::string_view b) {
-    const std::string first = Translated(a), second = Translated(b);
+    std::string first = Translated(a), second = Translated(b);
     struct stat one, other;
     if (stat(first.c_str(), &one) == 0 && stat(second.c_str(), &other) == 0) {
         return S_ISREG(one.st_mode) && IdentityOf(one) == IdentityOf(other);
     }
     std::error_code failure;
-    const auto placeOf = [&failure](const std::string& name) {  // where a link leads to nothing yet
-        const fs::path path = fs::absolute(name, failure);
-        const fs::path link = fs::read_symlink(path, failure);
-        return fs::weakly_canonical(failure ? path : path.parent_path() / link, failure);
+    const auto placeOf = [&failure](std::string* name) {  // where a link leads to nothing yet
+        FollowLinks(name);
+        return fs::weakly_canonical(fs::absolute(*name, failure), failure);
     };
-    return placeOf(first) == placeOf(second);
+    return placeOf(&first) == placeOf(&second);
 }
 
 struct CurrentDirectory::State {
     // A directory on the way from the first file to the one being read.
     struct Level {
-        std::string path;          // empty: not asked for, or it has none
-        int handle = -1;           // for the way back; opened when the directory is first left
-        bool isElsewhere = false;  // not the directory of the level before
+        std::string path;   // empty: not asked for, or it has none
+        FileHandle handle;  // for the way back; opened when the directory is first left
+        int stays = 0;      // calls of `EnterDirectoryOf` that are not ended and led nowhere else
     };
 
     // Whether the path of the current directory can be had; then it is that of the last level.
     bool HasPath() {
         std::string& path = levels.back().path;
         std::array<char, PATH_MAX> text;
-        const auto ask = [&text] { return getcwd(text.data(), text.size()); };
-        if (path.empty() && Requested(ask) != nullptr) {
+        const auto ask = [&text] { return getcwd(text.data(), text.size()) != nullptr ? 0 : -1; };
+        if (path.empty() && Requested(ask) == 0) {
             path = text.data();
         }
         return !path.empty();
@@ -217,42 +199,29 @@ struct CurrentDirectory::State {
             return true;
         }
         auto [directory, name] = Divided(*path);
-        if (!SpellAsOnDisk(&directory)) {
+        if (!SpellAsOnDisk(&directory) || !listings[directory].Find(directory, &name)) {
             return false;
         }
-        const std::string entry = listings[directory].Find(directory, name);
-        if (!entry.empty()) {
-            *path = Joined(directory, entry);
-        }
-        return !entry.empty();
+        *path = Joined(directory, name);
+        return true;
     }
 
-    std::vector<Level> levels{Level()};       // the first is where the run began
-    std::map<std::string, Listing> listings;  // of directories that were asked, by path
-    bool isFound = false;                     // the last full path is that of a file
-    bool isLost = false;                      // the current directory is not that of the last level
+    std::vector<Level> levels = std::vector<Level>(1);  // the first is where the run began
+    std::map<std::string, Listing> listings;            // of directories that were asked, by path
 };
 
 CurrentDirectory::CurrentDirectory() : state(std::make_unique<State>()) {}
 
-CurrentDirectory::~CurrentDirectory() {
-    for (const State::Level& level : state->levels) {
-        if (level.handle >= 0) {
-            close(level.handle);
-        }
-    }
-}
+CurrentDirectory::~CurrentDirectory() = default;
 
 bool CurrentDirectory::FullPath(std::string_view name, std::string* path) {
-    const std::string translated = Translated(name);
-    std::string joined;
-    if (translated.empty() || translated.front() != '/') {
+    std::string joined = Translated(name);
+    if (!joined.starts_with('/')) {
         if (!state->HasPath()) {
             return false;
         }
-        joined = state->levels.back().path + '/';
+        joined.insert(0, state->levels.back().path + '/');
     }
-    joined += translated;
 
     path->clear();
     for (std::size_t start = 0; start < joined.size();) {
@@ -268,66 +237,50 @@ bool CurrentDirectory::FullPath(std::string_view name, std::string* path) {
     if (path->empty()) {
         *path = "/";
     }
-    if (path->size() >= PATH_MAX) {
-        return false;
-    }
-    state->isFound = state->SpellAsOnDisk(path);
-    return true;
-}
-
-bool CurrentDirectory::IsFound() const {
-    return state->isFound;
+    const bool fits = path->size() < PATH_MAX;
+    isFound = fits && state->SpellAsOnDisk(path);
+    return fits;
 }
 
 bool CurrentDirectory::EnterDirectoryOf(const std::string& path) {
+    State::Level& here = state->levels.back();
     std::string directory = Divided(path).first;
     // A path that leads to a file of the current directory leads there too. One that leads nowhere
     // may not: the path of the current directory need not be passable.
-    const bool isSame =
-        state->isFound && state->HasPath() && state->levels.back().path == directory;
-    State::Level next;
-    if (!isSame) {
-        State::Level& here = state->levels.back();
-        if (here.handle < 0) {
-            here.handle =
-                Requested([] { return open(".", directoryHandle | O_DIRECTORY | O_CLOEXEC); });
-        }
-        const auto enter = [&directory] {
-            return Requested([&] { return chdir(directory.c_str()); }) == 0;
-        };
-        const bool hasWayBack = here.handle >= 0 || state->HasPath();
-        next.isElsewhere = hasWayBack && (enter() || (state->SpellAsOnDisk(&directory) && enter()));
+    if (isFound && state->HasPath() && here.path == directory) {
+        ++here.stays;
+        return true;
     }
-    if (!next.isElsewhere) {
-        next.path = state->levels.back().path;
+    if (here.handle < 0) {
+        here.handle =
+            FileHandle(Requested([] { return open(".", O_PATH | O_DIRECTORY | O_CLOEXEC); }));
     }
-    state->levels.push_back(std::move(next));
-    return isSame || state->levels.back().isElsewhere;
+    const auto enter = [&] { return Requested([&] { return chdir(directory.c_str()); }) == 0; };
+    const bool hasWayBack = here.handle >= 0 || state->HasPath();
+    if (hasWayBack && (enter() || (state->SpellAsOnDisk(&directory) && enter()))) {
+        state->levels.emplace_back();
+        return true;
+    }
+    ++here.stays;
+    return false;
 }
 
 bool CurrentDirectory::Leave() {
-    const State::Level left = std::move(state->levels.back());
-    state->levels.pop_back();
-    if (left.handle >= 0) {
-        close(left.handle);
-    }
-    if (!left.isElsewhere) {
+    if (state->levels.back().stays > 0) {
+        --state->levels.back().stays;
         return true;
     }
+    state->levels.pop_back();
     const State::Level& here = state->levels.back();
     const bool isBack =
         Requested(
             [&] { return here.handle >= 0 ? fchdir(here.handle) : chdir(here.path.c_str()); }) == 0;
-    state->isLost = state->isLost || !isBack;
+    isLost = isLost || !isBack;
     return isBack;
 }
 
 std::string_view CurrentDirectory::Path() const {
     return state->levels.back().path;
-}
-
-bool CurrentDirectory::Reaches(std::string_view name) const {
-    return !state->isLost || IsAbsolutePath(name);
 }
 
 }  // namespace korv::platform

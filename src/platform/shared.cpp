@@ -1,6 +1,8 @@
 #include "platform/shared.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <utility>
 
 #include "platform/fault_point.h"
 #include "platform/platform.h"
@@ -10,6 +12,8 @@ namespace {
 
 FaultPoint faults;
 RequestFault fault = RequestFault::failsOnce;
+
+constexpr std::size_t mostAtOnce = 0x10000000;  // bytes that one call moves on any system
 
 }  // namespace
 
@@ -23,6 +27,37 @@ PathParts SplitPath(std::string_view path) {
 
 bool IsAbsolutePath(std::string_view name) {
     return DriveLength(name) != 0 || name.starts_with('/') || name.starts_with('\\');
+}
+
+std::size_t InputFile::Read(void* buffer, std::size_t count) {
+    std::uint64_t wanted = std::min(count, mostAtOnce);
+    if (size != 0) {
+        // Nobody has to ask for the end of a file whose size is known.
+        wanted = std::min(wanted, size - taken);
+    }
+    if (wanted == 0 || failed) {
+        return 0;
+    }
+    const std::ptrdiff_t got = ReadSome(handle, buffer, static_cast<std::size_t>(wanted));
+    failed = got < 0;
+    const std::size_t bytes = failed ? 0 : static_cast<std::size_t>(got);
+    taken += bytes;
+    return bytes;
+}
+
+void OutputFile::Write(const void* bytes, std::size_t count) {
+    const char* from = static_cast<const char*>(bytes);
+    if (!std::exchange(isEmptied, true)) {
+        hasFailed = !Empty(handle);
+    }
+    while (count > 0 && !hasFailed) {
+        const std::ptrdiff_t written = WriteSome(handle, from, std::min(count, mostAtOnce));
+        hasFailed = written <= 0;
+        if (!hasFailed) {
+            from += written;
+            count -= static_cast<std::size_t>(written);
+        }
+    }
 }
 
 bool FaultFileRequest(std::int64_t n, RequestFault newFault) {

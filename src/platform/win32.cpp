@@ -5,8 +5,8 @@
 #include <fcntl.h>
 #include <io.h>
 
-#include <algorithm>
 #include <cstdint>
+#include <utility>
 
 #include "platform/platform.h"
 
@@ -43,11 +43,20 @@ std::wstring Unlimited(const std::wstring& path) {
     return isShare ? L"\\\\?\\UNC" + path.substr(1) : path;
 }
 
-HANDLE OpenHandle(const std::wstring& path, DWORD access, DWORD disposition, DWORD attributes) {
+OwnedHandle OpenHandle(const std::wstring& path, DWORD access, DWORD disposition,
+                       DWORD attributes) {
     constexpr DWORD shared = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-    return Requested([&] {
+    return OwnedHandle(Requested([&] {
         return CreateFileW(path.c_str(), access, shared, nullptr, disposition, attributes, nullptr);
-    });
+    }));
+}
+
+FileHandle Numbered(OwnedHandle file) {
+    FileHandle number(_open_osfhandle(reinterpret_cast<std::intptr_t>(file.get()), _O_BINARY));
+    if (number >= 0) {
+        static_cast<void>(file.release());
+    }
+    return number;
 }
 
 bool Identify(HANDLE file, FileIdentity* identity, DWORD* attributes) {
@@ -64,42 +73,28 @@ bool Identify(HANDLE file, FileIdentity* identity, DWORD* attributes) {
 }
 
 bool InputFile::Open(std::string_view name) {
-    const HANDLE file = OpenHandle(Unlimited(FullName(Wide(name))), GENERIC_READ, OPEN_EXISTING,
-                                   FILE_FLAG_SEQUENTIAL_SCAN);
-    if (file == INVALID_HANDLE_VALUE) {
+    OwnedHandle file = OpenHandle(Unlimited(FullName(Wide(name))), GENERIC_READ, OPEN_EXISTING,
+                                  FILE_FLAG_SEQUENTIAL_SCAN);
+    if (file.get() == INVALID_HANDLE_VALUE) {
         return false;
     }
     LARGE_INTEGER bytes = {};
-    hasSize = GetFileType(file) == FILE_TYPE_DISK;
-    if (!hasSize || (Identify(file, &identity) && GetFileSizeEx(file, &bytes) != 0)) {
+    hasSize = GetFileType(file.get()) == FILE_TYPE_DISK;
+    if (!hasSize || (Identify(file.get(), &identity) && GetFileSizeEx(file.get(), &bytes) != 0)) {
         size = static_cast<std::uint64_t>(bytes.QuadPart);
-        handle = _open_osfhandle(reinterpret_cast<std::intptr_t>(file), _O_RDONLY | _O_BINARY);
-    }
-    if (handle < 0) {
-        CloseHandle(file);
+        handle = Numbered(std::move(file));
     }
     return IsOpen();
 }
 
-InputFile::~InputFile() {
-    if (handle >= 0) {
-        _close(handle);
+FileHandle::~FileHandle() {
+    if (number >= 0) {
+        _close(number);
     }
 }
 
-std::size_t InputFile::Read(void* buffer, std::size_t count) {
-    std::uint64_t wanted = std::min<std::uint64_t>(count, 0x40000000);
-    if (hasSize) {
-        wanted = std::min(wanted, size - taken);
-    }
-    if (wanted == 0 || failed) {
-        return 0;
-    }
-    const int got = FailsOnPurpose() ? -1 : _read(handle, buffer, static_cast<unsigned>(wanted));
-    failed = got < 0;
-    const std::size_t bytes = failed ? 0 : static_cast<std::size_t>(got);
-    taken += bytes;
-    return bytes;
+std::ptrdiff_t ReadSome(int handle, void* buffer, std::size_t count) {
+    return FailsOnPurpose() ? -1 : _read(handle, buffer, static_cast<unsigned>(count));
 }
 
 }  // namespace korv::platform

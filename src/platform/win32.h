@@ -3,6 +3,7 @@
 /// code page of the process, by its manifest.
 #pragma once
 
+#include <memory>
 #include <string>
 #include <string_view>
 #include <type_traits>
@@ -29,10 +30,23 @@ namespace korv::platform {
 /// A full path in the form that is not cut at 260 characters.
 [[nodiscard]] std::wstring Unlimited(const std::wstring& path);
 
+struct HandleCloser {
+    void operator()(HANDLE handle) const {
+        if (handle != INVALID_HANDLE_VALUE) {
+            CloseHandle(handle);
+        }
+    }
+};
+/// An open file by its handle, which is invalid for none.
+using OwnedHandle = std::unique_ptr<void, HandleCloser>;
+
 /// Like `CreateFileW`, shared with everybody; it is no directory that opens. An invalid handle:
 /// it cannot be opened.
-[[nodiscard]] HANDLE OpenHandle(const std::wstring& path, DWORD access, DWORD disposition,
-                                DWORD attributes);
+[[nodiscard]] OwnedHandle OpenHandle(const std::wstring& path, DWORD access, DWORD disposition,
+                                     DWORD attributes);
+
+/// An open file by a number, whose bytes are read and written as they are.
+[[nodiscard]] FileHandle Numbered(OwnedHandle file);
 
 /// The identity of an open file. False: the system does not say.
 [[nodiscard]] bool Identify(HANDLE file, FileIdentity* identity, DWORD* attributes = nullptr);

@@ -55,7 +55,7 @@ bool Spell(const std::wstring& path, std::wstring* component) {
     return true;
 }
 
-HANDLE OpenToIdentify(std::string_view name) {
+OwnedHandle OpenToIdentify(std::string_view name) {
     return OpenHandle(Unlimited(FullName(Wide(name))), 0, OPEN_EXISTING,
                       FILE_FLAG_BACKUP_SEMANTICS);
 }
@@ -77,30 +77,20 @@ bool MayBeOneFile(std::string_view, std::string_view) {
 FileKind KindOf(std::string_view name) {
     const std::wstring path = FullName(Wide(name));
     const DWORD attributes = HasDrive(path) ? AttributesOf(path) : INVALID_FILE_ATTRIBUTES;
-    if (attributes == INVALID_FILE_ATTRIBUTES) {
-        return FileKind::none;
-    }
+    static_assert((INVALID_FILE_ATTRIBUTES & FILE_ATTRIBUTE_DIRECTORY) != 0);
     return (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0 ? FileKind::other : FileKind::regular;
 }
 
 bool LeadToOneFile(std::string_view a, std::string_view b) {
-    const HANDLE handles[] = {OpenToIdentify(a), OpenToIdentify(b)};
-    FileIdentity one, other;
-    bool areKnown = true, areFiles = true;
-    for (const HANDLE handle : handles) {
+    const OwnedHandle one = OpenToIdentify(a), other = OpenToIdentify(b);
+    if (one.get() != INVALID_HANDLE_VALUE && other.get() != INVALID_HANDLE_VALUE) {
+        FileIdentity identities[2];
         DWORD attributes = 0;
-        areKnown = areKnown && handle != INVALID_HANDLE_VALUE;
-        areFiles = areFiles && areKnown && GetFileType(handle) == FILE_TYPE_DISK &&
-                   Identify(handle, handle == handles[0] ? &one : &other, &attributes) &&
-                   (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
-    }
-    for (const HANDLE handle : handles) {
-        if (handle != INVALID_HANDLE_VALUE) {
-            CloseHandle(handle);
-        }
-    }
-    if (areKnown) {
-        return areFiles && one == other;
+        return GetFileType(one.get()) == FILE_TYPE_DISK &&
+               GetFileType(other.get()) == FILE_TYPE_DISK &&
+               Identify(one.get(), &identities[0], &attributes) &&
+               (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0 &&
+               Identify(other.get(), &identities[1]) && identities[0] == identities[1];
     }
     const std::wstring first = FullName(Wide(a)), second = FullName(Wide(b));
     return CompareStringOrdinal(first.c_str(), -1, second.c_str(), -1, TRUE) == CSTR_EQUAL;
@@ -156,7 +146,6 @@ struct CurrentDirectory::State {
     // Full paths of the directories on the way from the first file to the one being read; the first
     // is where the run began.
     std::vector<std::string> levels{Narrow(FullName(L"."))};
-    bool isFound = false;  // the last full path is that of a file
 };
 
 CurrentDirectory::CurrentDirectory() : state(std::make_unique<State>()) {
@@ -173,13 +162,9 @@ bool CurrentDirectory::FullPath(std::string_view name, std::string* path) {
     if (FailsOnPurpose() || !HasDrive(full) || full.size() > longestPath) {
         return false;
     }
-    state->isFound = state->SpellAsOnDisk(&full);
+    isFound = state->SpellAsOnDisk(&full);
     *path = Narrow(full);
     return true;
-}
-
-bool CurrentDirectory::IsFound() const {
-    return state->isFound;
 }
 
 bool CurrentDirectory::EnterDirectoryOf(const std::string& path) {
@@ -197,10 +182,6 @@ bool CurrentDirectory::Leave() {
 
 std::string_view CurrentDirectory::Path() const {
     return state->levels.back();
-}
-
-bool CurrentDirectory::Reaches(std::string_view) const {
-    return true;
 }
 
 }  // namespace korv::platform

@@ -5,10 +5,7 @@
 #include <fcntl.h>
 #include <io.h>
 
-#include <algorithm>
 #include <cstddef>
-#include <cstdint>
-#include <cstdio>
 #include <string>
 #include <utility>
 #include <vector>
@@ -31,14 +28,6 @@ bool IsRefused(DWORD error) {
 
 HANDLE HandleOf(int file) {
     return reinterpret_cast<HANDLE>(_get_osfhandle(file));
-}
-
-int NumberOf(HANDLE file) {
-    const int number = _open_osfhandle(reinterpret_cast<std::intptr_t>(file), _O_BINARY);
-    if (number < 0) {
-        CloseHandle(file);
-    }
-    return number;
 }
 
 bool MarkAsDeleted(HANDLE file, bool isDeleted) {
@@ -73,14 +62,14 @@ bool MakeAlike(HANDLE file, HANDLE old) {
 
 // What a name leads to.
 struct Place {
-    HANDLE handle = INVALID_HANDLE_VALUE;  // of what is there, open for writing
+    OwnedHandle handle;         // of what is there, open for writing
     bool isKnown = true;        // false: it may not be written, or there is no such place
     bool isFile = false;        // and no device
     bool isReplaceable = true;  // a new file can be put there
     DWORD attributes = 0;
     FileIdentity identity;
 
-    [[nodiscard]] bool Exists() const { return handle != INVALID_HANDLE_VALUE; }
+    [[nodiscard]] bool Exists() const { return handle.get() != INVALID_HANDLE_VALUE; }
 };
 
 Place Find(const std::wstring& path, OutputFile::Kind kind) {
@@ -97,8 +86,9 @@ Place Find(const std::wstring& path, OutputFile::Kind kind) {
         place.isKnown = place.isReplaceable && error == ERROR_FILE_NOT_FOUND;
         return place;
     }
-    place.isFile = GetFileType(place.handle) == FILE_TYPE_DISK;
-    place.isKnown = !place.isFile || Identify(place.handle, &place.identity, &place.attributes);
+    place.isFile = GetFileType(place.handle.get()) == FILE_TYPE_DISK;
+    place.isKnown =
+        !place.isFile || Identify(place.handle.get(), &place.identity, &place.attributes);
     return place;
 }
 
@@ -115,70 +105,58 @@ std::wstring PathOf(HANDLE file) {
 bool OutputFile::CreateTemporary(unsigned mode) {
     constexpr DWORD access = GENERIC_WRITE | DELETE | WRITE_DAC;
     const std::size_t directory = path.find_last_of('\\') + 1;
-    HANDLE file = INVALID_HANDLE_VALUE;
+    OwnedHandle file(INVALID_HANDLE_VALUE);
+    const auto isThere = [&file] { return file.get() != INVALID_HANDLE_VALUE; };
     // Names that are taken may be those of other processes that had the same number.
-    for (DWORD i = 0;
-         i < 100 && file == INVALID_HANDLE_VALUE && (i == 0 || GetLastError() == ERROR_FILE_EXISTS);
+    for (DWORD i = 0; i < 100 && !isThere() && (i == 0 || GetLastError() == ERROR_FILE_EXISTS);
          ++i) {
         temporary.assign(path, 0, directory).append("korv");
         temporary.append(std::to_string(GetCurrentProcessId() + i)).append(".tmp");
         file = OpenHandle(Wide(temporary), access, CREATE_NEW, mode);
     }
-    if (file != INVALID_HANDLE_VALUE && !MarkAsDeleted(file, true)) {
+    if (isThere() && !MarkAsDeleted(file.get(), true)) {
         const DWORD error = GetLastError();
-        CloseHandle(file);
+        file.reset(INVALID_HANDLE_VALUE);
         DeleteFileW(Wide(temporary).c_str());
         SetLastError(error);
         return false;
     }
-    handle = file == INVALID_HANDLE_VALUE ? -1 : NumberOf(file);
+    if (isThere()) {
+        handle = Numbered(std::move(file));
+    }
     isTemporary = handle >= 0;
     return isTemporary;
 }
 
 void OutputFile::GiveUp() {
-    if (handle >= 0) {
-        _close(std::exchange(handle, -1));
-    }
+    handle = FileHandle();
     if (std::exchange(isTemporary, false)) {
         DeleteFileW(Wide(temporary).c_str());  // gone already, but if the mark could not be set
     }
 }
 
-OutputFile::~OutputFile() {
-    GiveUp();
-}
-
 bool OutputFile::Open(std::string_view name, Kind kind, const FileSet& kept) {
     std::wstring full = Unlimited(FullName(Wide(name)));
-    const Place place = Find(full, kind);
+    Place place = Find(full, kind);
     if (!place.isKnown || (place.isFile && kept.contains(place.identity))) {
-        if (place.Exists()) {
-            CloseHandle(place.handle);
-        }
         return false;
     }
     if (place.isFile && kind == Kind::target) {
-        const std::wstring end = PathOf(place.handle);
+        const std::wstring end = PathOf(place.handle.get());
         full = end.empty() ? full : end;
     }
     path = Narrow(full);
     if (place.isReplaceable && (place.isFile || !place.Exists())) {
         const DWORD attributes = (place.attributes & keptAttributes) | FILE_ATTRIBUTE_ARCHIVE;
         if (!CreateTemporary(attributes) && !IsRefused(GetLastError())) {
-            if (place.Exists()) {
-                CloseHandle(place.handle);
-            }
             return false;
         }
-        if (isTemporary && place.Exists() && !MakeAlike(HandleOf(handle), place.handle)) {
+        if (isTemporary && place.Exists() && !MakeAlike(HandleOf(handle), place.handle.get())) {
             GiveUp();
         }
     }
-    if (isTemporary && place.Exists()) {
-        CloseHandle(place.handle);
-    } else if (!isTemporary && place.Exists()) {
-        handle = NumberOf(place.handle);
+    if (!isTemporary && place.Exists()) {
+        handle = Numbered(std::move(place.handle));
         isEmptied = !place.isFile;
     }
     if (handle >= 0 && kind == Kind::report) {
@@ -187,30 +165,16 @@ bool OutputFile::Open(std::string_view name, Kind kind, const FileSet& kept) {
     return handle >= 0;
 }
 
-void OutputFile::Empty() {
-    if (!isEmptied) {
-        isEmptied = true;
-        hasFailed = FailsOnPurpose() || _chsize_s(handle, 0) != 0;
-    }
+bool Empty(int handle) {
+    return !FailsOnPurpose() && _chsize_s(handle, 0) == 0;
 }
 
-void OutputFile::Write(const void* bytes, std::size_t count) {
-    constexpr std::size_t mostAtOnce = 0x10000000;
-    const char* from = static_cast<const char*>(bytes);
-    Empty();
-    while (count > 0 && !hasFailed) {
-        const auto wanted = static_cast<unsigned>(std::min(count, mostAtOnce));
-        const int written = FailsOnPurpose() ? -1 : _write(handle, from, wanted);
-        hasFailed = written <= 0;
-        if (!hasFailed) {
-            from += written;
-            count -= static_cast<std::size_t>(written);
-        }
-    }
+std::ptrdiff_t WriteSome(int handle, const void* buffer, std::size_t count) {
+    return FailsOnPurpose() ? -1 : _write(handle, buffer, static_cast<unsigned>(count));
 }
 
 bool OutputFile::Commit() {
-    Empty();
+    Write(nullptr, 0);  // an empty file is one too
     bool isWhole = !hasFailed;
     if (isWhole && isTemporary) {
         isWhole = MarkAsDeleted(HandleOf(handle), false) &&

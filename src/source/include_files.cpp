@@ -81,8 +81,10 @@ bool CAssembler::FindFile(std::string_view name, std::string* path) {
     return directory.FullPath(name, path);
 }
 
-// Result: 0, or why the file could not be opened or not be read.
-std::int32_t CAssembler::OpenAndRun(const std::string& path, std::int32_t fileNumber) {
+// Result: 0, or why the file could not be opened or not be read. Holds the loop over the
+// statements, from which what is done once a file would take registers.
+[[gnu::noinline]] std::int32_t CAssembler::OpenAndRun(const std::string& path,
+                                                      std::int32_t fileNumber) {
     CSourceFile file = mainText != nullptr && fileDepth == 1 ? CSourceFile(*mainText)
                                                              : CSourceFile(path, fileBufferSize);
     if (file.IsOpen() == 0) {

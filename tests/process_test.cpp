@@ -140,7 +140,7 @@ TEST(BreakTest, EndsTheRunAndLeavesTheTarget) {
     const std::string end =
         " received! Aborting program...\n[Korv] GOT 1 ERRORS!\n"
         "Uhm, I DUNNO! ;p(0) : error X15 : Program aborted!\n---";
-    const std::tuple<int, sighandler_t, std::string> rows[] = {
+    const std::tuple<int, void (*)(int), std::string> rows[] = {
         {SIGINT, SIG_IGN, "*\nBreak" + end},
         {SIGQUIT, SIG_DFL, "*\nBreak" + end},
         {SIGHUP, SIG_DFL, "*\nClose" + end},

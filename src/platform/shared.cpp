@@ -1,6 +1,8 @@
 #include "platform/shared.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <utility>
 
 #include "platform/fault_point.h"
 #include "platform/platform.h"

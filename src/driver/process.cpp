@@ -1,12 +1,14 @@
 #include "driver/process.h"
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
+#include <iterator>
 #include <string_view>
 
+#include "diagnostics/report_writer.h"
 #include "driver/assembler.h"
 #include "driver/command_line.h"
 #include "platform/platform.h"
@@ -23,9 +25,20 @@ std::atomic<bool> isSettled = false;
 
 constexpr std::string_view title = "Brelloc Korv v2.00.025 *FAST*";
 
+struct Event {
+    int number;
+    std::string_view text;
+};
+constexpr Event events[] = {
+    {platform::EVENT_CTRL_C, "Break received! Aborting program...\n"},
+    {platform::EVENT_CTRL_BREAK, "Break received! Aborting program...\n"},
+    {platform::EVENT_CLOSE, "Close received! Aborting program...\n"},
+    {platform::EVENT_LOGOFF, "Logoff received! Aborting program...\n"},
+    {platform::EVENT_SHUTDOWN, "Shutdown received! Aborting program...\n"},
+};
+
 // Result: that of the run.
 std::int32_t RunAssembler(const CommandLine& commandLine) {
-    const auto textOf = [](const char* word) { return word == nullptr ? "" : word; };
     CAssembler assembler(stdout);
     theAssembler = &assembler;
     if (hasEventCome) {
@@ -33,9 +46,8 @@ std::int32_t RunAssembler(const CommandLine& commandLine) {
     }
     assembler.SetFileBufferSize(commandLine.fileBufferRequest);
     assembler.SetLineBufferSize(commandLine.lineBufferRequest);
-    const std::int32_t result =
-        assembler.RunFromCommandLine(textOf(commandLine.sourceArgument),
-                                     textOf(commandLine.targetArgument), commandLine.flagString);
+    const std::int32_t result = assembler.RunFromCommandLine(
+        commandLine.sourceArgument, commandLine.targetArgument, commandLine.flagString);
     // Before the object goes, so that no hook reaches it any more.
     isSettled = assembler.flags.Has(RF_SETTLED);
     theAssembler = nullptr;
@@ -46,14 +58,10 @@ std::int32_t RunAssembler(const CommandLine& commandLine) {
 }  // namespace
 
 int RunProcess(int argumentCount, char** arguments) {
-    static bool isExitRegistered = false;
     platform::OpenStandardStreams();
     const platform::AllocationFailureHook previousHook =
         platform::SetAllocationFailureHook(OnAllocationFailure);
-    if (!isExitRegistered) {
-        isExitRegistered = true;
-        std::atexit(OnExit);
-    }
+    [[maybe_unused]] static const int registration = std::atexit(OnExit);  // once a process
     std::array<char, 256> titleBuffer;
     if (const char* const line = MakeTitle(titleBuffer.data(), titleBuffer.size() - 1)) {
         platform::SetConsoleTitle(line);
@@ -83,8 +91,7 @@ char* MakeTitle(char* buffer, std::size_t capacity) {
     if (title.size() > capacity) {
         return nullptr;
     }
-    std::memcpy(buffer, title.data(), title.size());
-    buffer[title.size()] = '\0';
+    *PutText(buffer, title) = '\0';
     return buffer;
 }
 
@@ -104,23 +111,9 @@ void OnExit() {
 }
 
 int OnConsoleEvent(int event) {
-    std::string_view text;
-    switch (event) {
-        case platform::EVENT_CTRL_C:
-        case platform::EVENT_CTRL_BREAK:
-            text = "Break received! Aborting program...\n";
-            break;
-        case platform::EVENT_CLOSE:
-            text = "Close received! Aborting program...\n";
-            break;
-        case platform::EVENT_LOGOFF:
-            text = "Logoff received! Aborting program...\n";
-            break;
-        case platform::EVENT_SHUTDOWN:
-            text = "Shutdown received! Aborting program...\n";
-            break;
-        default:
-            return 0;
+    const auto* const row = std::ranges::find(events, event, &Event::number);
+    if (row == std::end(events)) {
+        return 0;
     }
     hasEventCome = true;
     CAssembler* const assembler = theAssembler;
@@ -128,7 +121,7 @@ int OnConsoleEvent(int event) {
                                ? isSettled.load()
                                : (assembler->flags.Set(RF_ABORT) & RF_SETTLED) != 0;
     if (!isTooLate) {  // what is done is not said to be undone
-        platform::WriteFromHandler(text);
+        platform::WriteFromHandler(row->text);
     }
     return 1;
 }

@@ -2,6 +2,7 @@
 
 #include <cstdio>
 #include <ctime>
+#include <utility>
 
 #include "diagnostics/report_writer.h"
 #include "driver/assembler.h"
@@ -45,15 +46,11 @@ CAssembler::~CAssembler() {
 }
 
 std::uint32_t CAssembler::SetFileBufferSize(std::int32_t n) {
-    const std::uint32_t old = fileBufferSize;
-    fileBufferSize = n > 0 ? static_cast<std::uint32_t>(n) : old;
-    return old;
+    return std::exchange(fileBufferSize, n > 0 ? static_cast<std::uint32_t>(n) : fileBufferSize);
 }
 
 std::int32_t CAssembler::SetLineBufferSize(std::int32_t n) {
-    const std::int32_t old = lineBufferSize;
-    lineBufferSize = n > 0 ? n : old;
-    return old;
+    return std::exchange(lineBufferSize, n > 0 ? n : lineBufferSize);
 }
 
 std::int32_t CAssembler::RunFromCommandLine(std::string_view source, std::string_view target,
@@ -65,18 +62,21 @@ std::int32_t CAssembler::RunFromCommandLine(std::string_view source, std::string
 }
 
 std::int32_t CAssembler::Run() {
+    if (targetName.empty()) {  // it is named after the source, and stands beside it
+        const platform::PathParts parts = platform::SplitPath(sourceName);
+        targetName = parts.directory;
+        targetName += parts.baseName;
+        targetName += flags.Has(RF_BINARY) ? ".bin" : ".com";
+    }
     if (sourceName.empty()) {
         errors.Report(MSG_NO_SOURCE_NAME, noText, 0, 0);
+    } else if (sourceName == targetName) {
+        errors.Report(MSG_SOURCE_IS_TARGET, noText, 0, 0);
     } else {
-        DeriveTargetName();
-        if (sourceName == targetName) {
-            errors.Report(MSG_SOURCE_IS_TARGET, noText, 0, 0);
-        } else {
-            AssembleSource();
-        }
+        AssembleSource();
     }
 
-    const bool gotErrors = ReportErrors();
+    ReportErrors();
     if (!flags.Has(RF_NO_WARNINGS)) {
         ReportWarnings();
     }
@@ -86,7 +86,7 @@ std::int32_t CAssembler::Run() {
     if (flags.Has(RF_MESSAGES)) {
         ReportCounts();
     }
-    WriteTarget(gotErrors);
+    WriteTarget();
 
     identifiers.ReleasePatches();  // they hold temporary strings
     CtmpStringManager::ReleaseAll();
@@ -99,16 +99,6 @@ void CAssembler::Observe(RunObserver* newObserver) {
     errors.SetReceiver(newObserver);
     warnings.SetReceiver(newObserver);
     flags.Set(RF_OBSERVED);
-}
-
-// A target that was not given is named after the source, and stands beside it.
-void CAssembler::DeriveTargetName() {
-    if (targetName.empty()) {
-        const platform::PathParts parts = platform::SplitPath(sourceName);
-        targetName = parts.directory;
-        targetName += parts.baseName;
-        targetName += flags.Has(RF_BINARY) ? ".bin" : ".com";
-    }
 }
 
 void CAssembler::AssembleSource() {
@@ -132,10 +122,8 @@ void CAssembler::AssembleSource() {
     std::fflush(output);  // what a break event prints goes past the buffer, and belongs after this
 
     const std::int32_t status = AssembleIncludeFile(sourceName);
-    if (status == MSG_CANNOT_OPEN) {
-        errors.Report(status, sourceName, 0, 0);
-    } else if (status != 0) {
-        errors.Report(status, noText, 0, 0);
+    if (status != 0) {
+        errors.Report(status, status == MSG_CANNOT_OPEN ? sourceName : noText, 0, 0);
     }
     identifiers.ReportUnresolved();
     if (flags.Has(RF_ABORT)) {

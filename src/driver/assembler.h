@@ -108,12 +108,11 @@ class CAssembler {
     // ---- driver/reports.cpp: what a run leaves besides its target
 
     void WriteDebugFile();
-    /// Result: whether there were any.
-    [[nodiscard]] bool ReportErrors();
+    void ReportErrors();
     void ReportWarnings();
     void WriteLabelFile();
     void ReportCounts();
-    void WriteTarget(bool gotErrors);
+    void WriteTarget();
     /// What stands before the bytes of a binary target: a sign, load address, end, start of the
     /// program.
     [[nodiscard]] std::array<std::uint8_t, 7> LoadHeader();
@@ -235,11 +234,9 @@ class CAssembler {
     std::uint32_t binarySizeAtLineStart = 0;  ///< for the debug record; with RF_DEBUG only
 
   private:
-    void DeriveTargetName();
-    bool OpenTarget(platform::OutputFile* file);
-    bool OpenReport(platform::OutputFile* file, const std::string& name);
-    bool Commit(platform::OutputFile* file, const std::string& name);
-    void ReportUnwritten(const std::string& name);
+    bool Open(platform::OutputFile* file, const std::string& name,
+              platform::OutputFile::Kind kind = platform::OutputFile::Kind::report);
+    bool Commit(platform::OutputFile* file, const std::string& name, bool isWhole = true);
     Status ScanOtherToken(std::string_view token, std::int32_t* value, UnresolvedName* unresolved);
     Status ScanTokens(std::string_view text, std::int32_t* value, UnresolvedName* unresolved);
     std::int32_t EnterFile(std::string_view name);

@@ -1,6 +1,8 @@
 #include "driver/command_line.h"
 
 #include <algorithm>
+#include <cstdlib>
+#include <iterator>
 #include <limits>
 #include <string>
 
@@ -25,7 +27,7 @@ struct Switch {
     std::uint32_t clear = 0;  // ... and by the lower-case one
 };
 
-// In the order of the help.
+// In the order of the help; a word that begins with another one comes after it.
 // clang-format off
 constexpr Switch switches[] = {
     {"D", Kind::onOff, "/d[+|-]", "Enable/disable debug.out file.", 0, RF_DEBUG, RF_DEBUG},
@@ -50,38 +52,21 @@ constexpr Switch switches[] = {
 const Switch* FindSwitch(std::string_view word) {
     const Switch* found = nullptr;
     for (const Switch& row : switches) {
-        if (word.starts_with(row.word) && (row.kind != Kind::wait || word == row.word) &&
-            (found == nullptr || found->word.size() < row.word.size())) {
+        if (word.starts_with(row.word) && (row.kind != Kind::wait || word == row.word)) {
             found = &row;
         }
     }
     return found;
 }
 
-std::string InCapitals(std::string_view word) {
-    std::string raised(word);
-    std::transform(raised.begin(), raised.end(), raised.begin(), [](char c) { return Raised(c); });
-    return raised;
-}
-
-constexpr char Lowered(char letter) {
-    return static_cast<char>(letter + ('a' - 'A'));
-}
-
 // The number at the start of `text`: optional blanks, optional sign, digits; 0 without digits, and
 // the nearest value that fits 32 bits.
 std::int32_t ReadNumber(const char* text) {
-    constexpr std::int64_t highest = std::numeric_limits<std::int32_t>::max();
     text = SkipBlanks(text);
-    const bool isNegative = *text == '-';
-    if (*text == '-' || *text == '+') {
-        ++text;
-    }
-    std::int64_t number = 0;
-    for (; HasClass(*text, CC_DIGIT); ++text) {
-        number = std::min(number * 10 + (*text - '0'), highest + 1);
-    }
-    return static_cast<std::int32_t>(isNegative ? -number : std::min(number, highest));
+    // A line end is no blank here, but one to the library.
+    const long long number = *text < ' ' ? 0 : std::strtoll(text, nullptr, 10);
+    using Limits = std::numeric_limits<std::int32_t>;
+    return static_cast<std::int32_t>(std::clamp<long long>(number, Limits::min(), Limits::max()));
 }
 
 class Parser {
@@ -90,9 +75,9 @@ class Parser {
         place = index;
         if (word[0] == '-' || (word[0] == '/' && !platform::IsAbsoluteFileName(word))) {
             ParseSwitch(word);
-        } else if (result.sourceArgument == nullptr) {
+        } else if (result.sourceArgument.data() == nullptr) {
             result.sourceArgument = word;
-        } else if (result.targetArgument == nullptr) {
+        } else if (result.targetArgument.data() == nullptr) {
             result.targetArgument = word;
         } else {
             std::printf("Unrecognized argument %d!\n", place);
@@ -103,72 +88,65 @@ class Parser {
 
   private:
     void ParseSwitch(const char* typed) {
-        const std::string raised = InCapitals(typed);
-        const std::string_view word = std::string_view(raised).substr(1);
-        const Switch* const row = FindSwitch(word);
+        std::string word(typed);
+        std::ranges::transform(word, word.begin(), Raised);
+        const Switch* const row = FindSwitch(word.c_str() + 1);
         if (row == nullptr) {
             std::printf("Unrecognized argument (%d).\n", place);
             return;
         }
-        const std::string_view rest = word.substr(row->word.size());
+        std::string_view rest = std::string_view(word).substr(1 + row->word.size());
         switch (row->kind) {
             case Kind::onOff:
                 SwitchOnOrOff(*row, rest);
+                rest.remove_prefix(std::min<std::size_t>(rest.size(), 1));
                 break;
             case Kind::trace:
-                Put(*FindSwitch("D"), 'D');
-                Put(*row, 'S');
-                ReportGarbage(rest);
+                Put(*FindSwitch("D"), true);
+                Put(*row, true);
                 break;
             case Kind::fileBuffer:
-                if (!rest.starts_with(':')) {
+                if (rest.starts_with(':')) {
+                    result.fileBufferRequest = ReadSize(rest.data() + 1, "filesize", typed);
+                } else {
                     std::printf("Unrecognized switch format (argument %d)!\n", place);
-                    break;
                 }
-                result.fileBufferRequest = ReadNumber(rest.data() + 1);
-                if (result.fileBufferRequest <= 0) {
-                    ReportSize(result.fileBufferRequest, " illegal filesize! (%)\n", typed);
-                }
-                break;
+                return;
             case Kind::lineBuffer:
-                result.lineBufferRequest = ReadNumber(rest.data());
-                if (result.lineBufferRequest <= 0) {
-                    ReportSize(result.lineBufferRequest, " illegal linesize! (%)\n", raised);
-                }
-                break;
+                result.lineBufferRequest = ReadSize(rest.data(), "linesize", word);
+                return;
             case Kind::wait:
                 result.waitWanted = true;
                 break;
             case Kind::help:
                 result.helpWanted = true;
-                ReportGarbage(rest);
                 break;
+        }
+        if (!rest.empty()) {
+            std::printf("Trailing garbage in argument %d!\n", place);
         }
     }
 
     void SwitchOnOrOff(const Switch& row, std::string_view rest) {
-        const char letter = row.word.back();
-        if (rest.empty() || rest[0] == '+') {
-            Put(row, letter);
-        } else if (rest[0] == '-') {
-            Put(row, Lowered(letter));
+        const bool isOn = rest.empty() || rest[0] == '+';
+        if (isOn || rest[0] == '-') {
+            Put(row, isOn);
         } else {
             std::printf("Unrecognized switch (argument %d)!\n", place);
         }
-        ReportGarbage(rest.substr(std::min<std::size_t>(rest.size(), 1)));
     }
 
-    void Put(const Switch& row, char letter) { result.flagString[row.place] = letter; }
-
-    static void ReportSize(std::int32_t size, std::string_view format, std::string_view word) {
-        std::printf("%d", size);
-        PrintTexts(stdout, format, {word});
+    void Put(const Switch& row, bool isOn) {
+        const char letter = row.word.back();
+        result.flagString[row.place] = isOn ? letter : static_cast<char>(letter + ('a' - 'A'));
     }
 
-    void ReportGarbage(std::string_view rest) const {
-        if (!rest.empty()) {
-            std::printf("Trailing garbage in argument %d!\n", place);
+    static std::int32_t ReadSize(const char* text, const char* what, std::string_view word) {
+        const std::int32_t size = ReadNumber(text);
+        if (size <= 0) {
+            PrintTexts(stdout, "% illegal %! (%)\n", {std::to_string(size), what, word});
         }
+        return size;
     }
 
     int place = 0;  // of the word in the argument vector
@@ -211,12 +189,11 @@ std::uint32_t FlagsFrom(std::string_view flagString, std::FILE* console) {
         if (c == ' ') {
             continue;
         }
-        const auto row = std::ranges::find_if(switches, [c](const Switch& candidate) {
-            const char letter = candidate.word.back();
-            return candidate.place >= 0 && (c == letter || c == Lowered(letter));
+        const auto* const row = std::ranges::find_if(switches, [c](const Switch& candidate) {
+            return candidate.place >= 0 && Raised(c) == candidate.word.back();
         });
         if (row != std::end(switches)) {
-            bits = c == row->word.back() ? bits | row->set : bits & ~row->clear;
+            bits = HasClass(c, CC_LOWER) ? bits & ~row->clear : bits | row->set;
         } else {
             std::fprintf(console, "Unrecognized flag encountered: %c\n", c);
         }

@@ -12,10 +12,10 @@ struct CommandLine {
     /// A place for each switch that a run can have on or off: a blank (not given), its upper-case
     /// letter (on) or its lower-case letter (off).
     char flagString[10] = "         ";
-    const char* sourceArgument = nullptr;  ///< the first word that is no switch, or null; not owned
-    const char* targetArgument = nullptr;  ///< the second one, or null; not owned
-    std::int32_t fileBufferRequest = -1;   ///< bytes; counts when above 0
-    std::int32_t lineBufferRequest = -1;   ///< bytes; counts when above 0
+    std::string_view sourceArgument;      ///< the first word that is no switch; null for none
+    std::string_view targetArgument;      ///< the second one; null for none
+    std::int32_t fileBufferRequest = -1;  ///< bytes; counts when above 0
+    std::int32_t lineBufferRequest = -1;  ///< bytes; counts when above 0
     bool helpWanted = false;
     bool waitWanted = false;
 };

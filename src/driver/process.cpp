@@ -5,9 +5,10 @@
 #include <atomic>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
+#include <iterator>
 #include <string_view>
 
+#include "diagnostics/report_writer.h"
 #include "driver/assembler.h"
 #include "driver/command_line.h"
 #include "platform/platform.h"
@@ -24,11 +25,11 @@ std::atomic<bool> isSettled = false;
 
 constexpr std::string_view title = "Brelloc Korv v2.00.025 *FAST*";
 
-struct EventText {
-    int event;
+struct Event {
+    int number;
     std::string_view text;
 };
-constexpr EventText eventTexts[] = {
+constexpr Event events[] = {
     {platform::EVENT_CTRL_C, "Break received! Aborting program...\n"},
     {platform::EVENT_CTRL_BREAK, "Break received! Aborting program...\n"},
     {platform::EVENT_CLOSE, "Close received! Aborting program...\n"},
@@ -38,7 +39,6 @@ constexpr EventText eventTexts[] = {
 
 // Result: that of the run.
 std::int32_t RunAssembler(const CommandLine& commandLine) {
-    const auto textOf = [](const char* word) { return word == nullptr ? "" : word; };
     CAssembler assembler(stdout);
     theAssembler = &assembler;
     if (hasEventCome) {
@@ -46,9 +46,8 @@ std::int32_t RunAssembler(const CommandLine& commandLine) {
     }
     assembler.SetFileBufferSize(commandLine.fileBufferRequest);
     assembler.SetLineBufferSize(commandLine.lineBufferRequest);
-    const std::int32_t result =
-        assembler.RunFromCommandLine(textOf(commandLine.sourceArgument),
-                                     textOf(commandLine.targetArgument), commandLine.flagString);
+    const std::int32_t result = assembler.RunFromCommandLine(
+        commandLine.sourceArgument, commandLine.targetArgument, commandLine.flagString);
     // Before the object goes, so that no hook reaches it any more.
     isSettled = assembler.flags.Has(RF_SETTLED);
     theAssembler = nullptr;
@@ -62,7 +61,7 @@ int RunProcess(int argumentCount, char** arguments) {
     platform::OpenStandardStreams();
     const platform::AllocationFailureHook previousHook =
         platform::SetAllocationFailureHook(OnAllocationFailure);
-    [[maybe_unused]] static const int registered = std::atexit(OnExit);
+    [[maybe_unused]] static const int registration = std::atexit(OnExit);  // once a process
     std::array<char, 256> titleBuffer;
     if (const char* const line = MakeTitle(titleBuffer.data(), titleBuffer.size() - 1)) {
         platform::SetConsoleTitle(line);
@@ -92,8 +91,7 @@ char* MakeTitle(char* buffer, std::size_t capacity) {
     if (title.size() > capacity) {
         return nullptr;
     }
-    std::memcpy(buffer, title.data(), title.size());
-    buffer[title.size()] = '\0';
+    *PutText(buffer, title) = '\0';
     return buffer;
 }
 
@@ -113,8 +111,8 @@ void OnExit() {
 }
 
 int OnConsoleEvent(int event) {
-    const auto row = std::ranges::find(eventTexts, event, &EventText::event);
-    if (row == std::end(eventTexts)) {
+    const auto* const row = std::ranges::find(events, event, &Event::number);
+    if (row == std::end(events)) {
         return 0;
     }
     hasEventCome = true;

@@ -12,27 +12,20 @@ constexpr char rule[] = "-------------------------------------------------------
 
 }  // namespace
 
-bool CAssembler::OpenTarget(platform::OutputFile* file) {
-    const bool mayBeSource = platform::MayBeOneFile(sourceName, targetName);
-    return directory.Reaches(targetName) &&
-           file->Open(targetName, platform::OutputFile::Kind::target,
-                      mayBeSource ? filesRead : platform::FileSet());
-}
-
-bool CAssembler::OpenReport(platform::OutputFile* file, const std::string& name) {
+// A target may take the place of a file that was read, if that is none of the same name.
+bool CAssembler::Open(platform::OutputFile* file, const std::string& name,
+                      platform::OutputFile::Kind kind) {
+    const bool isKept =
+        kind == platform::OutputFile::Kind::report || platform::MayBeOneFile(sourceName, name);
     return directory.Reaches(name) &&
-           file->Open(name, platform::OutputFile::Kind::report, filesRead);
+           file->Open(name, kind, isKept ? filesRead : platform::FileSet());
 }
 
-void CAssembler::ReportUnwritten(const std::string& name) {
-    PrintTexts(output, "[Korv] Could not write %.\n", {name});
-}
-
-// The last step of each file that is written. Result: whether it is there.
-bool CAssembler::Commit(platform::OutputFile* file, const std::string& name) {
-    const bool isWritten = file->Commit();
+// The last step of each file that is written, if it is whole. Result: whether it is there.
+bool CAssembler::Commit(platform::OutputFile* file, const std::string& name, bool isWhole) {
+    const bool isWritten = isWhole && file->Commit();
     if (!isWritten) {
-        ReportUnwritten(name);
+        PrintTexts(output, "[Korv] Could not write %.\n", {name});
     }
     return isWritten;
 }
@@ -40,38 +33,34 @@ bool CAssembler::Commit(platform::OutputFile* file, const std::string& name) {
 void CAssembler::WriteDebugFile() {
     const std::string name = targetDirectory + "Debug.Out";
     platform::OutputFile listing;
-    if (!OpenReport(&listing, name)) {
+    if (!Open(&listing, name)) {
         std::fprintf(output, "[Korv] Could not open 'debug.out'!\n");
         return;
     }
     // A run that has been aborted has its listing too; what is asked here is whether this goes on.
-    const bool wasAborted = (flags.Clear(RF_ABORT) & RF_ABORT) != 0;
+    const std::uint32_t aborted = flags.Clear(RF_ABORT) & RF_ABORT;
     debugStream.WriteListing(this, &listing);
-    const bool isWhole = !flags.Has(RF_ABORT);
-    flags.Set(wasAborted ? RF_ABORT : 0);
-    if (!isWhole) {
-        ReportUnwritten(name);
-    } else if (Commit(&listing, name) && flags.Has(RF_MESSAGES)) {
+    const bool isWhole = (flags.Set(aborted) & RF_ABORT) == 0;
+    if (Commit(&listing, name, isWhole) && flags.Has(RF_MESSAGES)) {
         std::fprintf(output, "[Korv] Debugfile written!\n");
     }
 }
 
-bool CAssembler::ReportErrors() {
+void CAssembler::ReportErrors() {
     if (errors.Count() == 0) {
-        return false;
+        return;
     }
     std::fprintf(output, "[Korv] GOT %d ERRORS!\n", errors.Count());
     errors.Print(ReportWriter(output), -1);
     std::fputs(rule, output);
     const std::string name = "Errors.Out";
     platform::OutputFile file;
-    if (OpenReport(&file, name)) {
+    if (Open(&file, name)) {
         errors.Print(ReportWriter(&file), -1);
         if (Commit(&file, name)) {
             std::fprintf(output, "[Korv] Errors.Out written!\n");
         }
     }
-    return true;
 }
 
 void CAssembler::ReportWarnings() {
@@ -85,7 +74,7 @@ void CAssembler::ReportWarnings() {
 void CAssembler::WriteLabelFile() {
     const std::string name = targetDirectory + "Labels.Out";
     platform::OutputFile file;
-    if (!OpenReport(&file, name)) {
+    if (!Open(&file, name)) {
         std::fprintf(output, "Could not create file Labels.Out.\n");
         return;
     }
@@ -98,8 +87,8 @@ void CAssembler::WriteLabelFile() {
 void CAssembler::ReportCounts() {
     std::fprintf(output, "%d identifiers found, MaxFileDepth:%d.\n", identifiers.TotalCount(),
                  maxFileDepth);
-    std::fprintf(output, "%d lines processed, ", totalLines);
-    std::fprintf(output, "%u bytes generated.\n", binary.Position());
+    std::fprintf(output, "%d lines processed, %u bytes generated.\n", totalLines,
+                 binary.Position());
 }
 
 std::array<std::uint8_t, 7> CAssembler::LoadHeader() {
@@ -113,9 +102,11 @@ std::array<std::uint8_t, 7> CAssembler::LoadHeader() {
             byte(end >> 8), byte(exec),  byte(exec >> 8)};
 }
 
-void CAssembler::WriteTarget(bool gotErrors) {
+void CAssembler::WriteTarget() {
+    const bool gotErrors = errors.Count() > 0;
     platform::OutputFile file;
-    const bool isOpen = !gotErrors && !flags.Has(RF_ABORT) && OpenTarget(&file);
+    const bool isOpen = !gotErrors && !flags.Has(RF_ABORT) &&
+                        Open(&file, targetName, platform::OutputFile::Kind::target);
     // A break up to here, though it may have no message any more, keeps the target from being
     // written. One that comes later is passed over.
     if (gotErrors || (flags.Set(RF_SETTLED) & RF_ABORT) != 0) {

@@ -62,18 +62,21 @@ std::int32_t CAssembler::RunFromCommandLine(std::string_view source, std::string
 }
 
 std::int32_t CAssembler::Run() {
+    if (targetName.empty()) {  // it is named after the source, and stands beside it
+        const platform::PathParts parts = platform::SplitPath(sourceName);
+        targetName = parts.directory;
+        targetName += parts.baseName;
+        targetName += flags.Has(RF_BINARY) ? ".bin" : ".com";
+    }
     if (sourceName.empty()) {
         errors.Report(MSG_NO_SOURCE_NAME, noText, 0, 0);
+    } else if (sourceName == targetName) {
+        errors.Report(MSG_SOURCE_IS_TARGET, noText, 0, 0);
     } else {
-        DeriveTargetName();
-        if (sourceName == targetName) {
-            errors.Report(MSG_SOURCE_IS_TARGET, noText, 0, 0);
-        } else {
-            AssembleSource();
-        }
+        AssembleSource();
     }
 
-    const bool gotErrors = ReportErrors();
+    ReportErrors();
     if (!flags.Has(RF_NO_WARNINGS)) {
         ReportWarnings();
     }
@@ -83,7 +86,7 @@ std::int32_t CAssembler::Run() {
     if (flags.Has(RF_MESSAGES)) {
         ReportCounts();
     }
-    WriteTarget(gotErrors);
+    WriteTarget();
 
     identifiers.ReleasePatches();  // they hold temporary strings
     CtmpStringManager::ReleaseAll();
@@ -96,16 +99,6 @@ void CAssembler::Observe(RunObserver* newObserver) {
     errors.SetReceiver(newObserver);
     warnings.SetReceiver(newObserver);
     flags.Set(RF_OBSERVED);
-}
-
-// A target that was not given is named after the source, and stands beside it.
-void CAssembler::DeriveTargetName() {
-    if (targetName.empty()) {
-        const platform::PathParts parts = platform::SplitPath(sourceName);
-        targetName = parts.directory;
-        targetName += parts.baseName;
-        targetName += flags.Has(RF_BINARY) ? ".bin" : ".com";
-    }
 }
 
 void CAssembler::AssembleSource() {

@@ -81,14 +81,13 @@ void Assemble(CAssembler* assembler, CStatement* statement) {
         }
     }
     next = SkipBlanks(next);
-    Status status = *next != '\0' ? RunHandler(assembler, statement, next) : 0;
+    const Status status = *next != '\0' ? RunHandler(assembler, statement, next) : 0;
     if (statement->HasLabel() && (statement->flags & SF_LABEL_DEFINED) == 0 &&
         assembler->assembling != 0) {
         DefineLineLabel(assembler, statement);
     }
     if (status != 0) [[unlikely]] {
-        status = status == -1 ? MSG_GENERAL_FAILURE : status;
-        assembler->ReportError(statement, status, noText);
+        assembler->ReportError(statement, status == -1 ? MSG_GENERAL_FAILURE : status, noText);
     }
 }
 

@@ -3,8 +3,10 @@
 #pragma once
 
 #include <cstdint>
+#include <limits>
 #include <memory>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "diagnostics/message_numbers.h"
@@ -47,10 +49,13 @@ class CMessageList {
     void SetFileNames(const CFileNameRegistry* registry) { fileNames = registry; }
 
     /// Gives all reports to `newReceiver`, not owned, in place of keeping them.
-    void SetReceiver(MessageReceiver* newReceiver);
+    void SetReceiver(MessageReceiver* newReceiver) {
+        receiver = newReceiver;
+        capacity = std::numeric_limits<std::int32_t>::max();
+    }
 
     /// ML_ERROR, ML_WARNING; anything else is a fatal error. Result: the kind before.
-    std::int32_t SetKind(std::int32_t newKind);
+    std::int32_t SetKind(std::int32_t newKind) { return std::exchange(kind, newKind); }
 
     /// Reports message `number`; `text` is copied. A view without data means that there is no text
     /// and no brackets; an empty text gives empty brackets. Result: as `Add`. Nobody has to look at
@@ -74,7 +79,6 @@ class CMessageList {
 
     std::int32_t capacity;
     std::int32_t kind = ML_ERROR;
-    const char* kindName = "error";
     std::vector<CMessage> messages;                // in the order of reporting
     const CFileNameRegistry* fileNames = nullptr;  // not owned
     MessageReceiver* receiver = nullptr;           // not owned

@@ -2,9 +2,6 @@
 
 #include <array>
 #include <cstdio>
-#include <cstring>
-#include <limits>
-#include <new>
 #include <utility>
 
 #include "diagnostics/report_writer.h"
@@ -16,26 +13,13 @@ CMessageList::CMessageList(std::int32_t capacity) : capacity(capacity) {
     messages.reserve(static_cast<std::size_t>(capacity));
 }
 
-void CMessageList::SetReceiver(MessageReceiver* newReceiver) {
-    receiver = newReceiver;
-    capacity = std::numeric_limits<std::int32_t>::max();
-}
-
 std::int32_t CMessageList::AddCopy(std::int32_t number, std::string_view text, std::int32_t file,
                                    std::int32_t line) {
     if (receiver != nullptr) {
         receiver->OnMessage(kind, number, text, file, line);
         return 0;
     }
-    CMessage message{number, nullptr, file, line};
-    if (text.data() != nullptr) {
-        message.text.reset(new (std::nothrow) char[text.size() + 1]);
-        if (message.text != nullptr) {
-            std::memcpy(message.text.get(), text.data(), text.size());
-            message.text[text.size()] = '\0';
-        }
-    }
-    return Add(std::move(message));
+    return Add({number, text.data() != nullptr ? CopyOf(text) : nullptr, file, line});
 }
 
 std::int32_t CMessageList::Add(CMessage message) {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <limits>
 #include <memory>
 #include <string_view>
 #include <utility>
@@ -48,7 +49,10 @@ class CMessageList {
     void SetFileNames(const CFileNameRegistry* registry) { fileNames = registry; }
 
     /// Gives all reports to `newReceiver`, not owned, in place of keeping them.
-    void SetReceiver(MessageReceiver* newReceiver);
+    void SetReceiver(MessageReceiver* newReceiver) {
+        receiver = newReceiver;
+        capacity = std::numeric_limits<std::int32_t>::max();
+    }
 
     /// ML_ERROR, ML_WARNING; anything else is a fatal error. Result: the kind before.
     std::int32_t SetKind(std::int32_t newKind) { return std::exchange(kind, newKind); }

@@ -36,23 +36,18 @@ inline char* PutByte(char* to, std::uint8_t value) {
     return to + 2;
 }
 
-/// At least `minDigits` hexadecimal digits; has room for 8.
+/// At least `minDigits` hexadecimal digits.
 inline char* PutHex(char* to, std::uint32_t value, std::size_t minDigits) {
-    char all[16];
-    for (std::size_t i = 0; i < 4; ++i) {
-        PutByte(all + 2 * i, static_cast<std::uint8_t>(value >> (24 - 8 * i)));
-    }
     const std::size_t digits = std::max(minDigits, (std::bit_width(value) + std::size_t{3}) / 4);
-    std::memcpy(to, all + 8 - digits, 8);
+    for (std::size_t i = digits; i-- > 0; value >>= 4) {
+        to[i] = hexadecimal[value & 15][1];
+    }
     return to + digits;
 }
 
 /// Blanks that make a text of `size` characters `width` characters long.
 inline char* PutPadding(char* to, std::size_t size, std::size_t width) {
-    for (; size < width; ++size) {
-        *to++ = ' ';
-    }
-    return to;
+    return std::fill_n(to, std::max(size, width) - size, ' ');
 }
 
 class ReportWriter {

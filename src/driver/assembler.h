@@ -97,13 +97,9 @@ class CAssembler {
 
     // ---- driver/statement_loop.cpp
 
-    /// What the loop over one file leaves.
-    struct FileOutcome {
-        std::int32_t lineCounter = 1;   ///< number of the next line
-        std::uint32_t bytesOfLine = 0;  ///< bytes of the last line read
-    };
-    /// Assembles the statements of `file`, up to its end or to what stops it.
-    FileOutcome RunStatements(CSourceFile* file, CStatement* statement);
+    /// Assembles the statements of `file`, up to its end or to what stops it. Result: the number of
+    /// the next line.
+    std::int32_t RunStatements(CSourceFile* file, CStatement* statement);
 
     // ---- driver/reports.cpp: what a run leaves besides its target
 

@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <bit>
-#include <cstring>
 
 #include "codegen/bin_block.h"
 #include "diagnostics/report_writer.h"
@@ -17,12 +16,13 @@ namespace {
 
 constexpr char recordStart = '\xAE';
 constexpr char recordEnd = '\xAF';
-constexpr std::ptrdiff_t headSize = 1 + 4;  // start byte and count
+constexpr std::size_t headSize = 1 + 4;  // start byte and count
 
-// The first `c` from `start` on, `end` if there is none.
-const char* Find(char c, const char* start, const char* end) {
-    const void* const found = std::memchr(start, c, static_cast<std::size_t>(end - start));
-    return found == nullptr ? end : static_cast<const char*>(found);
+// Takes from the start of `text` what stands before the first `c`, all of it if there is none.
+std::string_view TakeUpTo(char c, std::string_view* text) {
+    const std::string_view taken = text->substr(0, text->find(c));
+    text->remove_prefix(taken.size());
+    return taken;
 }
 
 // The lowest byte comes first, whatever the machine. Written out, each is one move on most.
@@ -50,20 +50,16 @@ DebugStream::~DebugStream() {
     platform::Free(data);
 }
 
-bool DebugStream::Grow(std::size_t count) {
-    constexpr std::size_t firstSize = 65536;
-    const std::size_t grownSize = std::bit_ceil(std::max(used + count, firstSize));
-    void* const grown = platform::Reallocate(data, grownSize);
-    if (grown != nullptr) {
+char* DebugStream::Append(std::size_t count) {
+    if (count > capacity - used) {
+        constexpr std::size_t firstSize = 65536;
+        const std::size_t grownSize = std::bit_ceil(std::max(used + count, firstSize));
+        void* const grown = platform::Reallocate(data, grownSize);
+        if (grown == nullptr) {
+            return nullptr;
+        }
         data = static_cast<char*>(grown);
         capacity = grownSize;
-    }
-    return grown != nullptr;
-}
-
-char* DebugStream::Append(std::size_t count) {
-    if (count > capacity - used && !Grow(count)) {
-        return nullptr;
     }
     used += count;
     return data + used - count;
@@ -85,7 +81,7 @@ void DebugStream::AddRecord(std::uint32_t byteCount, std::string_view line) {
     if (byteCount == 0 && line.empty()) {
         return;
     }
-    if (char* const to = Append(static_cast<std::size_t>(headSize) + line.size() + 1)) {
+    if (char* const to = Append(headSize + line.size() + 1)) {
         to[0] = recordStart;
         StoreCount(to + 1, byteCount);
         *PutText(to + headSize, line) = recordEnd;
@@ -97,33 +93,27 @@ void DebugStream::WriteListing(const CAssembler* assembler, platform::OutputFile
     const BinBlock& binary = assembler->binary;
     const FlagsWord& flags = assembler->flags;
     std::uint64_t offset = 0;
-    const char* next = data;
-    const char* const end = data + used;
-    while (next != end && !flags.Has(RF_ABORT)) {
-        if (*next != recordStart) {
-            const char* const start = Find(recordStart, next, end);
-            out.Put({next, start});
-            next = start;
-        } else if (end - next < headSize) {
+    std::string_view rest(data, used);
+    while (!rest.empty() && !flags.Has(RF_ABORT)) {
+        out.Put(TakeUpTo(recordStart, &rest));
+        if (rest.size() < headSize) {
             return;
-        } else {
-            char* to = out.Room(12);
-            *to++ = '<';
-            out.Advance(PutText(PutHex(to, static_cast<std::uint32_t>(offset), 2), "> ["));
-            const std::uint64_t following = offset + LoadCount(next + 1);
-            const std::uint64_t shown = std::min(following, binary.Position() + mostOutside);
-            for (; offset < shown && !flags.Has(RF_ABORT); ++offset) {
-                out.Advance(PutByte(out.Room(2), binary.At(static_cast<std::uint32_t>(offset))));
-            }
-            offset = following;
-            out.Advance(PutText(out.Room(2), "] "));
-            const char* const text = next + headSize;
-            next = Find(recordEnd, text, end);
-            out.Put({text, next});
-            if (next != end) {
-                out.Advance(PutText(out.Room(1), "\n"));
-                ++next;
-            }
+        }
+        char* to = out.Room(12);
+        *to++ = '<';
+        out.Advance(PutText(PutHex(to, static_cast<std::uint32_t>(offset), 2), "> ["));
+        const std::uint64_t following = offset + LoadCount(rest.data() + 1);
+        const std::uint64_t shown = std::min(following, binary.Position() + mostOutside);
+        for (; offset < shown && !flags.Has(RF_ABORT); ++offset) {
+            out.Advance(PutByte(out.Room(2), binary.At(static_cast<std::uint32_t>(offset))));
+        }
+        offset = following;
+        out.Put("] ");
+        rest.remove_prefix(headSize);
+        out.Put(TakeUpTo(recordEnd, &rest));
+        if (!rest.empty()) {
+            out.Put("\n");
+            rest.remove_prefix(1);
         }
     }
 }

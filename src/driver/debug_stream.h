@@ -4,7 +4,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
 #include <initializer_list>
 #include <string_view>
 
@@ -37,7 +36,6 @@ class DebugStream {
   private:
     // Where `count` bytes are appended; null: there is no room.
     char* Append(std::size_t count);
-    bool Grow(std::size_t count);
 
     char* data = nullptr;  // owned
     std::size_t used = 0;

@@ -91,42 +91,38 @@ void Assemble(CAssembler* assembler, CStatement* statement) {
     }
 }
 
-void ResetStatement(CStatement* statement, std::int32_t lineNumber) {
-    statement->label = {};
-    statement->flags = 0;
-    statement->lineNumber = lineNumber;
-    statement->args.Clear();
-}
-
 }  // namespace
 
-CAssembler::FileOutcome CAssembler::RunStatements(CSourceFile* file, CStatement* statement) {
+std::int32_t CAssembler::RunStatements(CSourceFile* file, CStatement* statement) {
     constexpr std::uint32_t stops = RF_ABORT | RF_END;
     // Whatever needs more than the statement itself: one test on the normal path.
     constexpr std::uint32_t extras =
         stops | RF_DEBUG | RF_NO_DEBUG_RECORD | RF_PROGRESS | RF_OBSERVED;
-    FileOutcome outcome;
+    std::int32_t lineCounter = 1;
     if (flags.Has(stops)) {
-        return outcome;
+        return lineCounter;
     }
     for (;;) {
-        outcome.bytesOfLine = 0;
+        std::uint32_t bytesOfLine = 0;
         std::uint32_t linesOfLine = 0;
-        ResetStatement(statement, outcome.lineCounter);
+        statement->label = {};
+        statement->flags = 0;
+        statement->lineNumber = lineCounter;
+        statement->args.Clear();
         const std::int32_t readResult =
             file->ReadLine(statement->text, static_cast<std::uint32_t>(lineBufferSize),
-                           &outcome.bytesOfLine, &linesOfLine);
+                           &bytesOfLine, &linesOfLine);
         if (readResult != 0) {
             if (readResult > 0) {
                 ReportError(statement, readResult, noText);
             }
-            return outcome;
+            return lineCounter;
         }
         if (statement->text[0] != '\0') {
             Assemble(this, statement);
         }
-        bytesRead += outcome.bytesOfLine;
-        outcome.lineCounter += static_cast<std::int32_t>(linesOfLine);
+        bytesRead += bytesOfLine;
+        lineCounter += static_cast<std::int32_t>(linesOfLine);
         const std::uint32_t bits = flags.Load();
         if ((bits & extras) == 0) [[likely]] {
             continue;
@@ -145,7 +141,8 @@ CAssembler::FileOutcome CAssembler::RunStatements(CSourceFile* file, CStatement*
             Progress();
         }
         if ((bits & stops) != 0) {
-            return outcome;
+            bytesRead += bytesOfLine;  // the meter has the line that stops the reading twice
+            return lineCounter;
         }
     }
 }

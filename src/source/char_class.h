@@ -23,26 +23,17 @@ inline constexpr std::uint8_t CC_NAME_START = CC_LETTER | CC_HEX;
 /// Bits CC_*, indexed by the character as an unsigned byte.
 inline constexpr auto charClass = [] {
     std::array<std::uint8_t, 256> table{};
-    for (unsigned c = 0; c < 26; ++c) {
-        table['A' + c] |= CC_LETTER;
-        table['a' + c] |= CC_LETTER | CC_LOWER;
-    }
-    for (unsigned c = '0'; c <= '9'; ++c) {
-        table[c] |= CC_DIGIT | CC_HEX;
-    }
-    for (unsigned c = 'A'; c <= 'F'; ++c) {
-        table[c] |= CC_HEX;
-    }
-    for (unsigned c = 'a'; c <= 'i'; ++c) {  // up to i, unlike A to F
-        table[c] |= CC_HEX;
-    }
-    for (const char c : {'?', '@', '_'}) {
-        table[static_cast<std::uint8_t>(c)] |= CC_HEX;
-    }
-    for (const char c : {'\t', '\v', ' '}) {
-        table[static_cast<std::uint8_t>(c)] |= CC_BLANK;
-    }
-    table['\\'] = CC_BACKSLASH;
+    const auto add = [&table](std::string_view characters, std::uint8_t bits) {
+        for (const char c : characters) {
+            table[static_cast<std::uint8_t>(c)] |= bits;
+        }
+    };
+    add("ABCDEFGHIJKLMNOPQRSTUVWXYZ", CC_LETTER);
+    add("abcdefghijklmnopqrstuvwxyz", CC_LETTER | CC_LOWER);
+    add("0123456789", CC_DIGIT | CC_HEX);
+    add("ABCDEFabcdefghi?@_", CC_HEX);  // up to i, unlike A to F
+    add("\t\v ", CC_BLANK);
+    add("\\", CC_BACKSLASH);
     return table;
 }();
 

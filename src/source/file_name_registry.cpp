@@ -1,10 +1,19 @@
 #include "source/file_name_registry.h"
 
 #include <cstdio>
+#include <new>
 
 #include "platform/platform.h"
 
 namespace korv {
+
+std::unique_ptr<char[]> CopyOf(std::string_view text) {
+    std::unique_ptr<char[]> copy(new (std::nothrow) char[text.size() + 1]);
+    if (copy != nullptr) {
+        copy[text.copy(copy.get(), text.size())] = '\0';
+    }
+    return copy;
+}
 
 CFileNameRegistry::~CFileNameRegistry() {
     for (std::int32_t i = 0; i < count; ++i) {

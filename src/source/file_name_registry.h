@@ -4,8 +4,12 @@
 
 #include <cstdint>
 #include <memory>
+#include <string_view>
 
 namespace korv {
+
+/// A copy of `text`, terminated; null when there is no memory for it.
+[[nodiscard]] std::unique_ptr<char[]> CopyOf(std::string_view text);
 
 class CFileNameRegistry {
   public:

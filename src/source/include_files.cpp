@@ -3,7 +3,6 @@
 // file that holds it.
 
 #include <algorithm>
-#include <cstring>
 #include <memory>
 #include <new>
 #include <string>
@@ -17,14 +16,6 @@
 
 namespace korv {
 namespace {
-
-std::unique_ptr<char[]> CopyOf(const std::string& text) {
-    std::unique_ptr<char[]> copy(new (std::nothrow) char[text.size() + 1]);
-    if (copy != nullptr) {
-        std::memcpy(copy.get(), text.c_str(), text.size() + 1);
-    }
-    return copy;
-}
 
 void TraceFile(CAssembler* assembler, std::string_view event, std::string_view name) {
     if (assembler->flags.Has(RF_DEBUG_SYMBOLS)) {
@@ -99,18 +90,17 @@ std::int32_t CAssembler::OpenAndRun(const std::string& path, std::int32_t fileNu
     if (observer != nullptr) {
         observer->OnFile(path, fileNumber, &statement);
     }
-    const FileOutcome outcome = RunStatements(&file, &statement);
+    const std::int32_t lineCounter = RunStatements(&file, &statement);
     if (observer != nullptr) {
         observer->OnFileEnd();
     }
     if (file.Stream().Failed()) {
-        errors.Report(MSG_CANNOT_OPEN, path, fileNumber, outcome.lineCounter);
+        errors.Report(MSG_CANNOT_OPEN, path, fileNumber, lineCounter);
     }
-    bytesRead += outcome.bytesOfLine;
     if (flags.Has(RF_PROGRESS)) {
         Progress();
     }
-    totalLines += outcome.lineCounter;
+    totalLines += lineCounter;
     return 0;
 }
 

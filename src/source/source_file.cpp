@@ -135,34 +135,25 @@ CSourceFile::CSourceFile(std::string_view name, std::uint32_t maxBufferSize) {
     constexpr std::uint64_t most = std::numeric_limits<std::uint32_t>::max();
     fileSize = static_cast<std::uint32_t>(std::min(stream.Size(), most));
     bufferSize = stream.HasSize() ? std::min(maxBufferSize, fileSize) : maxBufferSize;
-    buffer.reset(new (std::nothrow) std::uint8_t[bufferSize]);
+    buffer = static_cast<std::uint8_t*>(platform::Allocate(bufferSize));
 }
 
-CSourceFile::CSourceFile(std::string_view contents) : isInMemory(true) {
-    buffer.reset(new (std::nothrow) std::uint8_t[contents.size()]);
-    if (buffer != nullptr) {
-        contents.copy(reinterpret_cast<char*>(buffer.get()), contents.size());
-        fileSize = bufferSize = static_cast<std::uint32_t>(contents.size());
-        TakeBlock(contents.size());
-    }
+CSourceFile::CSourceFile(std::string_view contents)
+    : fileSize(static_cast<std::uint32_t>(contents.size())), isInMemory(true) {
+    TakeBlock(reinterpret_cast<const std::uint8_t*>(contents.data()), contents.size());
 }
 
 Status CSourceFile::OpenStatus() const {
-    if (!stream.IsOpen() && !isInMemory) {
-        return MSG_CANNOT_OPEN;
-    }
-    return buffer == nullptr ? MSG_OUT_OF_MEMORY : 0;
+    return buffer != nullptr || isInMemory ? 0
+           : stream.IsOpen()               ? MSG_OUT_OF_MEMORY
+                                           : MSG_CANNOT_OPEN;
 }
 
-bool CSourceFile::Fill() {
-    return !isInMemory && TakeBlock(stream.Read(buffer.get(), bufferSize));
-}
-
-// The buffer has been filled with `count` bytes. Result: whether there are any.
-bool CSourceFile::TakeBlock(std::size_t count) {
-    readPosition = buffer.get();
-    endOfData = readPosition + count;
-    endOfChunks = readPosition + (count > chunkSize ? count - chunkSize : 0);
+// The next `count` bytes are at `block`. Result: whether there are any.
+bool CSourceFile::TakeBlock(const std::uint8_t* block, std::size_t count) {
+    readPosition = block;
+    endOfData = block + count;
+    endOfChunks = block + (count > chunkSize ? count - chunkSize : 0);
     return count != 0;
 }
 
@@ -254,8 +245,8 @@ Status CSourceFile::ReadAnyLine(char* line, std::uint32_t maxLength, std::uint32
     char* segment = line;             // start of the line, or of what follows the last continuation
     char* lastSignificant = nullptr;  // what it was at `segment`
     char* commentStart = nullptr;
-    std::uint32_t used = 0;  // bytes charged against maxLength
-    std::uint32_t total = 0;
+    std::uint32_t total = 0;     // bytes taken from the file
+    std::uint32_t released = 0;  // those of them that do not count against maxLength any more
     std::uint32_t lines = 0;
     Status result = 0;
     Run run = Run::plain;
@@ -269,23 +260,22 @@ Status CSourceFile::ReadAnyLine(char* line, std::uint32_t maxLength, std::uint32
         return -1;
     }
     for (;;) {
-        if (readPosition == endOfData && !Fill()) {
+        if (readPosition == endOfData &&
+            (isInMemory || !TakeBlock(buffer, stream.Read(buffer, bufferSize)))) {
             result = total == 0 ? -1 : 0;
             break;
         }
         const std::uint8_t* const start = readPosition;
         const std::uint8_t* const end =
-            start +
-            std::min<std::size_t>(static_cast<std::size_t>(endOfData - start), maxLength - used);
+            start + std::min<std::size_t>(static_cast<std::size_t>(endOfData - start),
+                                          maxLength + released - total);
         const std::uint8_t* next = start;
         while (next != end && !NeedsAttention(*next, run)) {
             *out++ =
                 run == Run::plain ? Raised(static_cast<char>(*next)) : static_cast<char>(*next);
             ++next;
         }
-        const auto length = static_cast<std::uint32_t>(next - start);
-        used += length;
-        total += length;
+        total += static_cast<std::uint32_t>(next - start);
         readPosition = next;
         if (next == end) {
             if (next == endOfData) {
@@ -295,7 +285,6 @@ Status CSourceFile::ReadAnyLine(char* line, std::uint32_t maxLength, std::uint32
         }
 
         const char c = static_cast<char>(*readPosition++);
-        ++used;
         ++total;
         if (c == '\n') {
             ++lines;
@@ -303,11 +292,9 @@ Status CSourceFile::ReadAnyLine(char* line, std::uint32_t maxLength, std::uint32
             if (last == nullptr || *last != '\\') {
                 break;
             }
-            used -= static_cast<std::uint32_t>(out - last);
+            released += static_cast<std::uint32_t>(out - last);
             lastSignificant = segment = out = last;
-        } else if (c == '\r' || c == endOfText) {
-            continue;
-        } else {
+        } else if (c != '\r' && c != endOfText) {
             if (c == '"') {
                 run = run == Run::string ? Run::plain : Run::string;
             } else if (c == ';') {

@@ -17,8 +17,9 @@ class CSourceFile {
     /// Opens the file `name`, exactly as spelled, with a read buffer of at most `maxBufferSize`
     /// bytes. A file without a size, such as a pipe, gets a buffer of just that size.
     CSourceFile(std::string_view name, std::uint32_t maxBufferSize);
-    /// A file that holds `contents`, which are copied: what has been read by other means.
+    /// A file that holds `contents`, which are not owned: what has been read by other means.
     explicit CSourceFile(std::string_view contents);
+    ~CSourceFile();
 
     /// The least that a line needs room for, however short the longest may be.
     static constexpr std::size_t leastRoom = 32;
@@ -47,19 +48,17 @@ class CSourceFile {
                         bool* hasComment);
     Status ReadAnyLine(char* line, std::uint32_t maxLength, std::uint32_t* bytesOut,
                        std::uint32_t* linesOut);
-    // Reads the next block. False at the end of the file.
-    bool Fill();
-    bool TakeBlock(std::size_t count);
+    bool TakeBlock(const std::uint8_t* block, std::size_t count);
 
     platform::InputFile stream;
-    std::unique_ptr<std::uint8_t[]> buffer;
-    std::uint32_t bufferSize = 0;  // bytes; counts if there is a buffer
+    std::uint8_t* buffer = nullptr;  // owned
+    std::uint32_t bufferSize = 0;    // bytes
     const std::uint8_t* readPosition = nullptr;
     const std::uint8_t* endOfData = nullptr;
     // A chunk that starts before this is there whole, and a further byte.
     const std::uint8_t* endOfChunks = nullptr;
     std::uint32_t fileSize = 0;
-    bool isInMemory = false;  // all of it is in the buffer, there is no stream
+    bool isInMemory = false;  // all of it is there, and neither stream nor buffer
 };
 
 }  // namespace korv

@@ -135,7 +135,7 @@ CSourceFile::CSourceFile(std::string_view name, std::uint32_t maxBufferSize) {
     constexpr std::uint64_t most = std::numeric_limits<std::uint32_t>::max();
     fileSize = static_cast<std::uint32_t>(std::min(stream.Size(), most));
     bufferSize = stream.HasSize() ? std::min(maxBufferSize, fileSize) : maxBufferSize;
-    buffer = static_cast<std::uint8_t*>(platform::Allocate(bufferSize));
+    buffer.reset(new (std::nothrow) std::uint8_t[bufferSize]);
 }
 
 CSourceFile::CSourceFile(std::string_view contents)
@@ -261,7 +261,7 @@ Status CSourceFile::ReadAnyLine(char* line, std::uint32_t maxLength, std::uint32
     }
     for (;;) {
         if (readPosition == endOfData &&
-            (isInMemory || !TakeBlock(buffer, stream.Read(buffer, bufferSize)))) {
+            (isInMemory || !TakeBlock(buffer.get(), stream.Read(buffer.get(), bufferSize)))) {
             result = total == 0 ? -1 : 0;
             break;
         }

@@ -19,7 +19,6 @@ class CSourceFile {
     CSourceFile(std::string_view name, std::uint32_t maxBufferSize);
     /// A file that holds `contents`, which are not owned: what has been read by other means.
     explicit CSourceFile(std::string_view contents);
-    ~CSourceFile();
 
     /// The least that a line needs room for, however short the longest may be.
     static constexpr std::size_t leastRoom = 32;
@@ -51,8 +50,8 @@ class CSourceFile {
     bool TakeBlock(const std::uint8_t* block, std::size_t count);
 
     platform::InputFile stream;
-    std::uint8_t* buffer = nullptr;  // owned
-    std::uint32_t bufferSize = 0;    // bytes
+    std::unique_ptr<std::uint8_t[]> buffer;
+    std::uint32_t bufferSize = 0;  // bytes
     const std::uint8_t* readPosition = nullptr;
     const std::uint8_t* endOfData = nullptr;
     // A chunk that starts before this is there whole, and a further byte.

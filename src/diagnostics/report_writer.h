@@ -36,12 +36,14 @@ inline char* PutByte(char* to, std::uint8_t value) {
     return to + 2;
 }
 
-/// At least `minDigits` hexadecimal digits.
+/// At least `minDigits` hexadecimal digits; has room for 8.
 inline char* PutHex(char* to, std::uint32_t value, std::size_t minDigits) {
-    const std::size_t digits = std::max(minDigits, (std::bit_width(value) + std::size_t{3}) / 4);
-    for (std::size_t i = digits; i-- > 0; value >>= 4) {
-        to[i] = hexadecimal[value & 15][1];
+    char all[16];
+    for (std::size_t i = 0; i < 4; ++i) {
+        PutByte(all + 2 * i, static_cast<std::uint8_t>(value >> (24 - 8 * i)));
     }
+    const std::size_t digits = std::max(minDigits, (std::bit_width(value) + std::size_t{3}) / 4);
+    std::memcpy(to, all + 8 - digits, 8);
     return to + digits;
 }
 

@@ -95,7 +95,10 @@ void DebugStream::WriteListing(const CAssembler* assembler, platform::OutputFile
     std::uint64_t offset = 0;
     std::string_view rest(data, used);
     while (!rest.empty() && !flags.Has(RF_ABORT)) {
-        out.Put(TakeUpTo(recordStart, &rest));
+        if (rest.front() != recordStart) {
+            out.Put(TakeUpTo(recordStart, &rest));
+            continue;
+        }
         if (rest.size() < headSize) {
             return;
         }

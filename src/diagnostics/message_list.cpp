@@ -2,7 +2,6 @@
 
 #include <array>
 #include <cstdio>
-#include <utility>
 
 #include "diagnostics/report_writer.h"
 #include "source/file_name_registry.h"

@@ -9,7 +9,6 @@
 #include "codegen/bin_block.h"
 #include "diagnostics/report_writer.h"
 #include "driver/assembler.h"
-#include "platform/platform.h"
 
 namespace korv {
 namespace {

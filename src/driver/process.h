@@ -5,8 +5,6 @@
 
 namespace korv {
 
-class CAssembler;
-
 /// All that the program does. Result: the exit status, 0 also for a run with errors.
 int RunProcess(int argumentCount, char** arguments);
 

@@ -17,7 +17,6 @@
 #include <limits>
 #include <new>
 
-#include "diagnostics/message_numbers.h"
 #include "source/char_class.h"
 
 namespace korv {
@@ -159,17 +158,15 @@ bool CSourceFile::TakeBlock(const std::uint8_t* block, std::size_t count) {
 
 Status CSourceFile::ReadLine(char* line, std::uint32_t maxLength, std::uint32_t* bytesOut,
                              std::uint32_t* linesOut) {
-    if (ReadPlainLine(line, maxLength, bytesOut)) [[likely]] {
-        *linesOut = 1;
-        return 0;
-    }
-    return ReadAnyLine(line, maxLength, bytesOut, linesOut);
+    return ReadPlainLine(line, maxLength, bytesOut, linesOut)
+               ? 0
+               : ReadAnyLine(line, maxLength, bytesOut, linesOut);
 }
 
 // Reads the next line if it is the usual case: in one piece in the buffer and without a
 // continuation. False: it is another case, and nothing has been read.
-inline bool CSourceFile::ReadPlainLine(char* line, std::uint32_t maxLength,
-                                       std::uint32_t* bytesOut) {
+inline bool CSourceFile::ReadPlainLine(char* line, std::uint32_t maxLength, std::uint32_t* bytesOut,
+                                       std::uint32_t* linesOut) {
     const std::uint8_t* next = readPosition;
     if (next >= endOfChunks) [[unlikely]] {
         return false;
@@ -197,6 +194,7 @@ inline bool CSourceFile::ReadPlainLine(char* line, std::uint32_t maxLength,
     }
     readPosition = next + 1;
     *bytesOut = static_cast<std::uint32_t>(length);
+    *linesOut = 1;
     return true;
 }
 

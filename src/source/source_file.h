@@ -42,7 +42,8 @@ class CSourceFile {
     [[nodiscard]] Status OpenStatus() const;
 
   private:
-    bool ReadPlainLine(char* line, std::uint32_t maxLength, std::uint32_t* bytesOut);
+    bool ReadPlainLine(char* line, std::uint32_t maxLength, std::uint32_t* bytesOut,
+                       std::uint32_t* linesOut);
     bool CopyToLineFeed(const std::uint8_t** next, char** out, std::uint32_t maxLength,
                         bool* hasComment);
     Status ReadAnyLine(char* line, std::uint32_t maxLength, std::uint32_t* bytesOut,

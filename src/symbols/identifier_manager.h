@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "diagnostics/message_numbers.h"
+#include "diagnostics/source_place.h"
 #include "expr/unresolved_name.h"
 #include "symbols/identifier.h"
 #include "symbols/name_index.h"
@@ -35,8 +36,7 @@ class OutputFile;
 /// only.
 struct Definition {
     std::string_view name;
-    std::int32_t line;
-    std::int32_t file;
+    SourcePlace place;
     std::int32_t value;
     std::uint32_t flags;
 };

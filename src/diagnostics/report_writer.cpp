@@ -1,34 +1,29 @@
 #include "diagnostics/report_writer.h"
 
 namespace korv {
-namespace {
-
-// The bytes of the UTF-8 character at the start of `text`, which is not empty; 0 for what is none,
-// or a control character.
-std::size_t PrintableSize(std::string_view text) {
+PrintableCharacter FirstCharacter(std::string_view text) {
     const auto byteAt = [text](std::size_t i) {
         return i < text.size() ? static_cast<std::uint8_t>(text[i]) : std::uint8_t{0};
     };
     const std::uint8_t first = byteAt(0);
     if (first < 0x80) {
-        return first >= ' ' && first != 0x7F ? 1 : 0;
+        return {first >= ' ' && first != 0x7F ? 1U : 0U, first};
     }
     const std::size_t size = first < 0xC2 ? 0 : first < 0xE0 ? 2 : first < 0xF0 ? 3 : 4;
-    std::uint32_t code = first & (0x7F >> size);
+    char32_t code = first & (0x7F >> size);
     for (std::size_t i = 1; i < size; ++i) {
         if ((byteAt(i) & 0xC0) != 0x80) {
-            return 0;
+            return {0, first};
         }
         code = code << 6 | (byteAt(i) & 0x3F);
     }
     // Neither the second set of control characters, nor a longer form than needed, nor half of a
-    // pair, nor what lies beyond the last character.
-    constexpr std::uint32_t lowest[] = {~0U, ~0U, 0xA0, 0x800, 0x10000};
+    // pair, nor a number above the last character's.
+    constexpr char32_t lowest[] = {~0U, ~0U, 0xA0, 0x800, 0x10000};
     const bool isHalf = code >= 0xD800 && code < 0xE000;
-    return size != 0 && code >= lowest[size] && !isHalf && code < 0x110000 ? size : 0;
+    const bool isCharacter = size != 0 && code >= lowest[size] && !isHalf && code < 0x110000;
+    return {isCharacter ? size : 0, code};
 }
-
-}  // namespace
 
 void ReportWriter::Flush() {
     Write({block.data(), next});
@@ -49,7 +44,7 @@ void ReportWriter::PutForeign(std::string_view text) {
         return;
     }
     while (!text.empty()) {
-        const std::size_t size = PrintableSize(text);
+        const std::size_t size = FirstCharacter(text).size;
         if (size != 0) {
             Put(text.substr(0, size));
         } else {

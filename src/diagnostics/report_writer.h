@@ -52,6 +52,14 @@ inline char* PutPadding(char* to, std::size_t size, std::size_t width) {
     return std::fill_n(to, std::max(size, width) - size, ' ');
 }
 
+/// The UTF-8 character at the start of a text.
+struct PrintableCharacter {
+    std::size_t size;  ///< in bytes; 0 for a control character, or what is no UTF-8
+    char32_t code;
+};
+/// `text` is not empty.
+[[nodiscard]] PrintableCharacter FirstCharacter(std::string_view text);
+
 class ReportWriter {
   public:
     static constexpr std::size_t blockSize = 16384;

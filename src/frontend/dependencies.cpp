@@ -1,0 +1,97 @@
+// Names come from sources that a user may not have written, and make runs commands that it finds in
+// a rule. So only those characters are let through that GNU make 4.3 and ninja 1.11 both read back
+// as they were; each was tried with the programs themselves.
+
+#include "frontend/dependencies.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <string_view>
+
+#include "platform/platform.h"
+
+namespace korv {
+namespace {
+
+// Ninja ends a name at any other character, and make has its own use for "%", "=", "*", "?", "[",
+// "&", ";" and "|". Neither has a way to escape all of them.
+bool IsPlain(char c) {
+    constexpr std::string_view signs = "+,-./@_~(){}!]";
+    return static_cast<unsigned char>(c) >= 0x80 || (c >= '0' && c <= '9') ||
+           (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') ||
+           signs.find(c) != std::string_view::npos;
+}
+
+bool IsEscapable(char c) {
+    return c == ' ' || c == '#' || c == ':' || c == '$';
+}
+
+// A target that make takes for an instruction, as ".SUFFIXES", or for the word of a directive.
+bool IsSpecial(std::string_view name) {
+    while (name.starts_with("./")) {
+        name.remove_prefix(2);
+    }
+    const auto isLarge = [](char c) { return (c >= 'A' && c <= 'Z') || c == '_'; };
+    return name == "define" || (name.starts_with('.') && name.size() > 1 &&
+                                std::ranges::all_of(name.substr(1), isLarge));
+}
+
+bool IsWritable(std::string_view name) {
+    for (std::size_t i = 0; i < name.size(); ++i) {
+        const char next = i + 1 < name.size() ? name[i + 1] : '\0';
+        // A backslash is one if it could not escape what follows.
+        const bool isOrdinary = name[i] == '\\' && (next == '\\' || IsPlain(next));
+        if (!isOrdinary && !IsPlain(name[i]) && !IsEscapable(name[i])) {
+            return false;
+        }
+    }
+    // A home directory, a member of an archive, and what would run into the line end or the colon.
+    return !name.starts_with('~') && !name.ends_with(')') && !name.ends_with(' ') &&
+           !name.ends_with(':') && !IsSpecial(name);
+}
+
+// Both programs know the colon of a drive.
+std::string Escaped(std::string_view name) {
+    const std::size_t drive = platform::DriveLength(name);
+    std::string text(name.substr(0, drive));
+    for (const char c : name.substr(drive)) {
+        if (IsEscapable(c)) {
+            text += c == '$' ? '$' : '\\';
+        }
+        text += c;
+    }
+    return text;
+}
+
+// A name as rules on every system have it.
+std::string Generic(const std::string& name) {
+    const std::filesystem::path path(std::u8string(name.begin(), name.end()));
+    const std::u8string text = path.generic_u8string();
+    return {text.begin(), text.end()};
+}
+
+}  // namespace
+
+Dependencies DependenciesOf(const Analysis& analysis, const std::string& target) {
+    const auto refusal = [](const std::string& name) {
+        return "cannot write dependencies: make or ninja would misread the name '" + name + "'";
+    };
+    if (!IsWritable(std::string_view(target).substr(platform::DriveLength(target)))) {
+        return {"", refusal(target)};
+    }
+    std::string text = Escaped(target) + ":", rules;
+    for (const SourceFile& file : analysis.files) {
+        if (file.isStandardInput) {
+            continue;
+        }
+        const std::string name = Generic(file.name);
+        if (!IsWritable(std::string_view(name).substr(platform::DriveLength(name)))) {
+            return {"", refusal(file.name)};
+        }
+        text += " \\\n  " + Escaped(name);
+        rules += "\n" + Escaped(name) + ":\n";
+    }
+    return {text + "\n" + rules, ""};
+}
+
+}  // namespace korv

@@ -1,0 +1,19 @@
+/// The image as the bytes of a file, in each of the formats of `korv-as`.
+#pragma once
+
+#include <string>
+
+#include "frontend/analysis.h"
+
+namespace korv {
+
+/// A .com: the image alone.
+[[nodiscard]] std::string ComImage(const Analysis& analysis);
+
+/// A .bin: the load header, which `analysis` has, and the image.
+[[nodiscard]] std::string BinImage(const Analysis& analysis);
+
+/// Intel HEX: records of up to 16 bytes, each block at its address, and the end record.
+[[nodiscard]] std::string HexImage(const Analysis& analysis);
+
+}  // namespace korv

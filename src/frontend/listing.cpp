@@ -1,0 +1,245 @@
+// Columns: address, offset in the image, bytes, T-states, file and line, source. The source begins
+// at a multiple of 8 columns, the same one in every line, so that its tabs fall where they do in
+// an editor.
+
+#include "frontend/listing.h"
+
+#include <algorithm>
+#include <string_view>
+#include <tuple>
+#include <utility>
+
+#include "diagnostics/report_writer.h"
+#include "frontend/message_printer.h"
+#include "frontend/terminal_text.h"
+
+namespace korv {
+namespace {
+
+constexpr std::uint32_t bytesPerRow = 8;
+constexpr std::size_t bytesColumn = 13;
+constexpr std::size_t cyclesColumn = bytesColumn + 2 * bytesPerRow + 2;
+constexpr std::size_t cyclesWidth = 7;
+
+std::string_view KindText(NameKind kind) {
+    switch (kind) {
+        case NameKind::label:
+            return "label";
+        case NameKind::constant:
+            return "EQU";
+        case NameKind::commandLine:
+            return "-D";
+        case NameKind::internal:
+            return "internal";
+        case NameKind::undefined:
+            return "undefined";
+    }
+    return {};
+}
+
+std::string Hex(std::uint32_t value, std::size_t minDigits) {
+    char digits[16];
+    return {digits, PutHex(digits, value, minDigits)};
+}
+
+std::string ValueText(const Name& name) {
+    if (!name.hasValue) {
+        return "-";
+    }
+    const bool isWord = name.value >= 0 && name.value <= 0xFFFF;
+    return isWord ? Hex(static_cast<std::uint32_t>(name.value), 4) : std::to_string(name.value);
+}
+
+class Listing {
+  public:
+    Listing(const Analysis& analysis, const CyclesOf& cyclesOf)
+        : analysis(analysis), cyclesOf(cyclesOf) {
+        placeColumn = cyclesColumn + (cyclesOf ? cyclesWidth : 0);
+        std::size_t widest = 0;
+        for (const SourceFile& file : analysis.files) {
+            const std::size_t digits = std::to_string(file.text->LineCount()).size();
+            widest = std::max(widest, EndColumn(file.name, 0, false) + 1 + digits);
+        }
+        constexpr std::size_t widestPlace = 64;  // a longer one moves its own line only
+        sourceColumn = (placeColumn + std::min(widest, widestPlace) + 2 + 7) / 8 * 8;
+        SortMessages();
+    }
+
+    std::string Text() {
+        Begin("Addr Offset  Bytes");
+        PadTo(cyclesColumn).append(cyclesOf ? "T" : "");
+        PadTo(placeColumn).append("File:Line");
+        PadTo(sourceColumn).append("Source\n");
+        for (const Statement& statement : analysis.statements) {
+            AddStatement(statement);
+            AddMessages(statement);
+        }
+        AddMessagesLeft();
+        AddNames();
+        AddUnusedNames();
+        return std::move(text);
+    }
+
+  private:
+    using MessageKey = std::pair<std::int32_t, std::int32_t>;  // opening and line
+
+    MessageKey KeyOf(std::size_t number) const {
+        const Message& message = analysis.messages[number];
+        return {message.opening, message.place.line};
+    }
+
+    void SortMessages() {
+        for (std::size_t i = 0; i < analysis.messages.size(); ++i) {
+            messages.push_back(i);
+        }
+        std::ranges::stable_sort(messages, {}, [this](std::size_t i) { return KeyOf(i); });
+        isListed.resize(messages.size());
+    }
+
+    void Begin(std::string_view start) {
+        lineStart = text.size();
+        text += start;
+    }
+    // Appends blanks up to `column` of the line that was begun.
+    std::string& PadTo(std::size_t column) {
+        const std::size_t size = text.size() - lineStart;
+        return text.append(std::max(column, size) - size, ' ');
+    }
+
+    void AddStatement(const Statement& statement) {
+        const std::uint32_t rows = (statement.count + bytesPerRow - 1) / bytesPerRow;
+        for (std::uint32_t row = 0; row < std::max({rows, statement.lineCount, 1U}); ++row) {
+            Begin("");
+            if (row == 0 || row < rows) {
+                AddBytes(statement, row * bytesPerRow);
+            }
+            if (row == 0 && cyclesOf && statement.kind == StatementKind::instruction) {
+                PadTo(cyclesColumn) += cyclesOf(BytesOf(statement, 0, statement.count));
+            }
+            if (row < std::max(statement.lineCount, 1U)) {
+                AddSource(statement, statement.line + static_cast<std::int32_t>(row));
+            }
+            text += '\n';
+        }
+    }
+
+    // Up to `count` bytes from `done` on; fewer if the image ends before, as after an error.
+    std::span<const std::uint8_t> BytesOf(const Statement& statement, std::uint32_t done,
+                                          std::uint32_t count) const {
+        const std::size_t start =
+            std::min<std::size_t>(statement.offset + done, analysis.image.size());
+        const std::size_t size = std::min(count, statement.count - done);
+        return std::span(analysis.image)
+            .subspan(start)
+            .first(std::min(size, analysis.image.size() - start));
+    }
+
+    void AddBytes(const Statement& statement, std::uint32_t done) {
+        char row[8 + 1 + 8 + 2 + 2 * bytesPerRow + 8];
+        char* to = PutHex(row, (statement.address + done) & 0xFFFF, 4);
+        *to++ = ' ';
+        to = PutHex(to, statement.offset + done, 6);
+        const auto bytes = BytesOf(statement, done, bytesPerRow);
+        to = PutText(to, bytes.empty() ? "" : "  ");
+        for (const std::uint8_t byte : bytes) {
+            to = PutByte(to, byte);
+        }
+        text.append(row, to);
+    }
+
+    void AddSource(const Statement& statement, std::int32_t line) {
+        const Opening& opening = analysis.openings[static_cast<std::size_t>(statement.opening)];
+        const Place place{opening.file, line};
+        const std::string name = analysis.LineName(place);
+        PadTo(placeColumn) += name;
+        const std::string_view source = analysis.LineOf(place);
+        if (!source.empty()) {
+            // A name may have characters of more than one byte.
+            lineStart += name.size() - EndColumn(name, 0, false);
+            PadTo(std::max(sourceColumn, text.size() - lineStart + 2)) += source;
+        }
+    }
+
+    // The messages for the lines of `statement`.
+    void AddMessages(const Statement& statement) {
+        const MessageKey first{statement.opening, statement.line};
+        const MessageKey last{
+            statement.opening,
+            statement.line + static_cast<std::int32_t>(std::max(statement.lineCount, 1U)) - 1};
+        const auto key = [this](std::size_t i) { return KeyOf(i); };
+        auto next = std::ranges::lower_bound(messages, first, {}, key);
+        for (; next != messages.end() && KeyOf(*next) <= last; ++next) {
+            AddMessage(*next);
+        }
+    }
+
+    void AddMessagesLeft() {
+        for (std::size_t i = 0; i < isListed.size(); ++i) {
+            AddMessage(i);
+        }
+    }
+
+    void AddMessage(std::size_t number) {
+        if (!isListed[number]) {
+            isListed[number] = true;
+            const Message& message = analysis.messages[number];
+            text += "*** " + MessageLine(analysis, message);
+            text += message.note.empty() ? "" : "*** note: " + message.note + "\n";
+        }
+    }
+
+    static bool IsListed(const Name& name) { return name.kind != NameKind::internal; }
+
+    void AddNames() {
+        std::size_t longest = 4;
+        for (const Name& name : analysis.names) {
+            longest = std::max(longest, IsListed(name) ? name.text.size() : 0);
+        }
+        constexpr std::size_t longestColumn = 40;
+        const std::size_t valueColumn = std::min(longest, longestColumn) + 2;
+        const auto add = [&](std::string_view name, std::string_view value, std::string_view kind,
+                             std::string_view uses, std::string_view place) {
+            Begin(name);
+            PadTo(std::max(valueColumn, name.size() + 2)).append(value);
+            PadTo(valueColumn + 8).append(" ").append(kind);
+            PadTo(valueColumn + 20).append(uses);
+            PadTo(valueColumn + 26).append(" ").append(place).append("\n");
+        };
+        text += "\n";
+        add("Name", "Value", "Kind", "Uses", "File:Line");
+        for (const Name& name : analysis.names) {
+            if (IsListed(name)) {
+                const bool hasPlace = name.definition.IsSomewhere();
+                add(name.text, ValueText(name), KindText(name.kind),
+                    std::to_string(name.uses.size()),
+                    hasPlace ? analysis.LineName(name.definition) : "-");
+            }
+        }
+    }
+
+    void AddUnusedNames() {
+        std::string unused;
+        for (const Name& name : analysis.names) {
+            const bool isUsed = name.isUsed || !name.uses.empty() || !name.hasValue;
+            unused += IsListed(name) && !isUsed ? "  " + name.text + "\n" : "";
+        }
+        text += unused.empty() ? "" : "\nNever used\n" + unused;
+    }
+
+    const Analysis& analysis;
+    const CyclesOf& cyclesOf;
+    std::size_t placeColumn = 0;  // from 0
+    std::size_t sourceColumn = 0;
+    std::vector<std::size_t> messages;  // their numbers, by opening and line
+    std::vector<bool> isListed;         // by the numbers of the messages
+    std::string text;
+    std::size_t lineStart = 0;  // offset of the line that was begun
+};
+
+}  // namespace
+
+std::string ListingText(const Analysis& analysis, const CyclesOf& cyclesOf) {
+    return Listing(analysis, cyclesOf).Text();
+}
+
+}  // namespace korv

@@ -32,6 +32,8 @@ enum class Warning : std::uint8_t {
     skippedLine,
     labelWithoutColon,
     org,
+    unusedLabel,
+    symbolRange,
 };
 
 struct WarningRow {
@@ -64,9 +66,11 @@ inline constexpr std::array warningTable = {
     WarningRow{"skipped-line", true, "the first line begins with * and is skipped"},
     WarningRow{"label-without-colon", false, "a label has no colon"},
     WarningRow{"org", false, "ORG is used"},
+    WarningRow{"unused-label", false, "no expression uses a label or EQU"},
+    WarningRow{"symbol-range", true, "the symbol format cannot hold some symbols"},
 };
 // clang-format on
-static_assert(warningTable.size() == static_cast<std::size_t>(Warning::org) + 1);
+static_assert(warningTable.size() == static_cast<std::size_t>(Warning::symbolRange) + 1);
 
 [[nodiscard]] constexpr const WarningRow& RowOf(Warning warning) {
     return warningTable[static_cast<std::size_t>(warning)];

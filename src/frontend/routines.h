@@ -1,0 +1,23 @@
+/// The parts of a program from label to label.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "frontend/analysis.h"
+
+namespace korv {
+
+/// What follows a label, up to the next one or to an ORG that continues elsewhere.
+struct Routine {
+    const Name* label = nullptr;
+    std::uint32_t address = 0;
+    std::uint32_t count = 0;  ///< bytes; more than 0
+    std::uint64_t least = 0;  ///< T-states of all its instructions, each executed once,
+    std::uint64_t most = 0;   ///< with no condition met and with every one
+};
+
+/// In the order of the source. Needs `Wanted::statements` and `Wanted::names`.
+[[nodiscard]] std::vector<Routine> RoutinesOf(const Analysis& analysis);
+
+}  // namespace korv

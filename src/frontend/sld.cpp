@@ -1,0 +1,150 @@
+// A line of SLD has eight fields: file, line, file and line of a definition (not used here: "" and
+// 0), page, value, type, data. A "|" separates them, so none may hold one, nor a line end.
+
+#include "frontend/sld.h"
+
+#include <array>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "source/char_class.h"
+
+namespace korv {
+namespace {
+
+constexpr std::array<std::string_view, 3> keywordsOfComments = {"WPMEM", "LOGPOINT", "ASSERTION"};
+constexpr std::uint32_t addressMask = 0xFFFF;
+
+std::string Field(std::string_view text) {
+    std::string field(text);
+    for (char& c : field) {
+        c = c == '|' ? '!' : c == '\n' || c == '\r' ? ' ' : c;
+    }
+    return field;
+}
+
+struct Line {
+    std::int32_t file = 0;
+    std::int32_t line = 0;
+    std::int32_t page = 0;
+    std::int64_t value = 0;
+    char type = 'T';
+    std::string_view data = {};
+};
+
+class SldWriter {
+  public:
+    explicit SldWriter(const Analysis& analysis) : analysis(analysis) {
+        for (const SourceFile& file : analysis.files) {
+            fileFields.push_back(Field(file.name));
+        }
+    }
+
+    void Put(const Line& line) {
+        text += fileFields[static_cast<std::size_t>(line.file)] + "|" + std::to_string(line.line) +
+                "||0|" + std::to_string(line.page) + "|" + std::to_string(line.value) + "|";
+        text += line.type;
+        text.append("|").append(line.data).append("\n");
+    }
+
+    void PutStatement(const Statement& statement) {
+        const std::int32_t file =
+            analysis.openings[static_cast<std::size_t>(statement.opening)].file;
+        const std::uint32_t address = statement.address & addressMask;
+        if (statement.kind == StatementKind::instruction && statement.count != 0) {
+            Put({.file = file, .line = statement.line, .value = address});
+        }
+        PutKeywordComment(file, statement, address);
+    }
+
+    void PutName(const Name& name) {
+        const bool isConstant = name.kind == NameKind::constant;
+        if (!name.hasValue || !name.definition.IsSomewhere() ||
+            (!isConstant && name.kind != NameKind::label)) {
+            return;
+        }
+        std::string data = "," + Field(name.text) + ",,";  // no module, no local part
+        data += isConstant ? "+equ" : "";
+        data += isConstant && name.isUsed ? "," : "";
+        data += name.isUsed ? "+used" : "";
+        Put({.file = name.definition.file,
+             .line = name.definition.line,
+             .page = isConstant ? -1 : 0,
+             .value = isConstant ? name.value : std::int64_t{name.value & 0xFFFF},
+             .type = 'L',
+             .data = data});
+    }
+
+    std::string text = "|SLD.data.version|1\n||K|KEYWORDS|WPMEM,LOGPOINT,ASSERTION\n";
+
+  private:
+    void PutKeywordComment(std::int32_t file, const Statement& statement, std::uint32_t address);
+
+    const Analysis& analysis;
+    std::vector<std::string> fileFields;
+};
+
+bool HoldsKeyword(std::string_view comment) {
+    for (const std::string_view word : keywordsOfComments) {
+        for (std::size_t at = 0; (at = comment.find(word, at)) != std::string_view::npos;) {
+            const bool isStart = at == 0 || !HasClass(comment[at - 1], CC_NAME);
+            at += word.size();
+            if (isStart && (at == comment.size() || !HasClass(comment[at], CC_NAME))) {
+                return true;
+            }
+        }
+    }
+    return false;
+}
+
+// A comment begins at a semicolon outside double quotes. All that follows in the statement belongs
+// to it, since a backslash at its end continues it.
+void SldWriter::PutKeywordComment(std::int32_t file, const Statement& statement,
+                                  std::uint32_t address) {
+    const StoredText& source = *analysis.files[static_cast<std::size_t>(file)].text;
+    std::string comment;
+    std::int32_t start = 0;  // its line; 0 before it
+    bool isString = false;
+    const auto end = static_cast<std::int64_t>(statement.line) + statement.lineCount;
+    for (std::int32_t number = statement.line; number < end; ++number) {
+        const std::string_view line = source.Line(number);
+        if (start != 0) {
+            comment.append(" ").append(line);
+            continue;
+        }
+        for (std::size_t i = 0; i < line.size() && start == 0; ++i) {
+            isString = isString != (line[i] == '"');
+            if (line[i] == ';' && !isString) {
+                comment = line.substr(i);
+                start = number;
+            }
+        }
+    }
+    if (HoldsKeyword(comment)) {
+        const std::string data = Field(comment);
+        Put({.file = file, .line = start, .value = address, .type = 'K', .data = data});
+    }
+}
+
+}  // namespace
+
+std::string SldText(const Analysis& analysis) {
+    SldWriter writer(analysis);
+    writer.Put({.line = 1,
+                .page = -1,
+                .value = -1,
+                .type = 'Z',
+                .data = "pages.size:65536,pages.count:32,slots.count:1,slots.adr:0"});
+    for (const Statement& statement : analysis.statements) {
+        if (!statement.isSkipped) {
+            writer.PutStatement(statement);
+        }
+    }
+    for (const Name& name : analysis.names) {
+        writer.PutName(name);
+    }
+    return std::move(writer.text);
+}
+
+}  // namespace korv

@@ -1,0 +1,44 @@
+/// The forms of a symbol file: names and values for debuggers and emulators.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "frontend/analysis.h"
+
+namespace korv {
+
+enum class SymbolFormat : std::uint8_t { equ, sym, noi, cspect };
+
+struct SymbolFormatRow {
+    SymbolFormat format;
+    std::string_view name;       ///< as the command line takes it
+    std::string_view extension;  ///< that its readers expect, without the dot
+    std::string_view readers;    ///< programs, separated by commas
+    std::string_view header;     ///< lines before the first symbol
+    bool hasAllValues;           ///< false: only those from 0 to FFFFH
+    bool (*allows)(std::string_view name);
+    void (*put)(std::string* text, const Name& name);  ///< its line
+};
+
+/// One row for each value of `SymbolFormat`, in its order.
+[[nodiscard]] std::span<const SymbolFormatRow> SymbolFormats();
+[[nodiscard]] const SymbolFormatRow& RowOf(SymbolFormat format);
+
+struct SymbolFile {
+    std::string text;
+    std::size_t droppedNames = 0;   ///< that the format does not allow
+    std::size_t droppedValues = 0;  ///< that the format cannot hold, of names that it allows
+
+    /// How many are missing, for one warning, as "2 values, 1 name"; empty for none.
+    [[nodiscard]] std::string Dropped() const;
+};
+
+/// The names of the source and of -D that have a value, by value, then by name. Needs
+/// `Wanted::names`.
+[[nodiscard]] SymbolFile SymbolText(const Analysis& analysis, SymbolFormat format);
+
+}  // namespace korv

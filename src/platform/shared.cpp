@@ -45,6 +45,63 @@ std::size_t InputFile::Read(void* buffer, std::size_t count) {
     return bytes;
 }
 
+bool OutputFile::Open(std::string_view name, Kind kind, const FileSet& kept) {
+    OutputPlace place;
+    place.kind = kind;
+    place.path = name;
+    if (!FindPlace(kept, &place)) {
+        return false;
+    }
+    path = place.path;
+    const bool isThere = place.handle >= 0;
+    if (place.isReplaceable && (place.isRegular || !isThere)) {
+        if (!CreateTemporary(place)) {
+            return false;
+        }
+        if (isThere && handle >= 0 && !MakeAlike(handle, place)) {
+            GiveUp();
+        }
+    }
+    if (handle < 0) {
+        handle = std::move(place.handle);
+        isEmptied = !place.isRegular;
+    }
+    return handle >= 0;
+}
+
+// False: there is no new file, and what is at the place must not be written either.
+bool OutputFile::CreateTemporary(const OutputPlace& place) {
+    Creation creation = Creation::nameIsTaken;
+    // Names that are taken are left over from a process that was killed, or belong to one with the
+    // same number.
+    for (unsigned i = 0; i < 100 && creation == Creation::nameIsTaken; ++i) {
+        temporary = place.directory + "korv" + std::to_string(ProcessNumber() + i) + ".tmp";
+        creation = Create(temporary, place, &handle);
+    }
+    if (creation != Creation::done) {
+        temporary.clear();
+    }
+    return creation == Creation::done || creation == Creation::isRefused;
+}
+
+void OutputFile::GiveUp() {
+    handle = FileHandle();
+    if (!temporary.empty()) {
+        Remove(temporary);
+        temporary.clear();
+    }
+}
+
+bool OutputFile::Commit() {
+    Write(nullptr, 0);  // an empty file is one too
+    const bool isWhole = !hasFailed && PutInPlace(&handle, temporary, path);
+    if (isWhole) {
+        temporary.clear();
+    }
+    GiveUp();
+    return isWhole;
+}
+
 void OutputFile::Write(const void* bytes, std::size_t count) {
     const char* from = static_cast<const char*>(bytes);
     if (!std::exchange(isEmptied, true)) {

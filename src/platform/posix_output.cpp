@@ -145,10 +145,15 @@ void OutputFile::GiveUp() {
     }
 }
 
-bool OutputFile::Open(std::string_view name, Kind kind, const FileSet& kept) {
+// False: `errno` says why.
+bool OutputFile::TryOpen(std::string_view name, Kind kind, const FileSet& kept) {
     const Place place = Find(name, kind);
-    if (!place.isKnown || (place.exists && (S_ISDIR(place.status.st_mode) ||
-                                            kept.contains(IdentityOf(place.status))))) {
+    if (!place.isKnown) {
+        return false;
+    }
+    const bool isDirectory = place.exists && S_ISDIR(place.status.st_mode);
+    if (isDirectory || (place.exists && kept.contains(IdentityOf(place.status)))) {
+        errno = isDirectory ? EISDIR : EPERM;
         return false;
     }
     path = place.path;
@@ -189,10 +194,11 @@ bool OutputFile::Commit() {
     Write(nullptr, 0);  // an empty file is one too
     // Broken off by a signal it is closed too, and what was written is with the system.
     const bool isClosed = close(handle.Release()) == 0 || errno == EINTR;
-    const bool isWhole = !FailsOnPurpose() && isClosed && !hasFailed &&
+    const bool isWhole = !FailsOnPurpose() && isClosed && error == 0 &&
                          (!isTemporary || Requested([&] {
                                               return std::rename(temporary.c_str(), path.c_str());
                                           }) == 0);
+    error = isWhole || error != 0 ? error : LastError();
     if (isWhole && isTemporary) {
         Forget();
     }

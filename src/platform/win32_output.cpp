@@ -135,10 +135,15 @@ void OutputFile::GiveUp() {
     }
 }
 
-bool OutputFile::Open(std::string_view name, Kind kind, const FileSet& kept) {
+// False: the last error says why.
+bool OutputFile::TryOpen(std::string_view name, Kind kind, const FileSet& kept) {
     std::wstring full = Unlimited(FullName(Wide(name)));
     Place place = Find(full, kind);
-    if (!place.isKnown || (place.isFile && kept.contains(place.identity))) {
+    if (!place.isKnown) {
+        return false;
+    }
+    if (place.isFile && kept.contains(place.identity)) {
+        SetLastError(ERROR_ACCESS_DENIED);
         return false;
     }
     if (place.isFile && kind == Kind::target) {
@@ -175,7 +180,7 @@ std::ptrdiff_t WriteSome(int handle, const void* buffer, std::size_t count) {
 
 bool OutputFile::Commit() {
     Write(nullptr, 0);  // an empty file is one too
-    bool isWhole = !hasFailed;
+    bool isWhole = error == 0;
     if (isWhole && isTemporary) {
         isWhole = MarkAsDeleted(HandleOf(handle), false) &&
                   Requested([this] {
@@ -183,6 +188,7 @@ bool OutputFile::Commit() {
                                          MOVEFILE_REPLACE_EXISTING);
                   }) != 0;
         isTemporary = !isWhole;
+        error = isWhole ? 0 : LastError();
     }
     GiveUp();
     return isWhole;

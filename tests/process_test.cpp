@@ -20,6 +20,7 @@
 
 #include "diagnostics/report_writer.h"
 #include "driver/assembler.h"
+#include "frontend/frontend.h"
 #include "platform/platform.h"
 #include "run.h"
 
@@ -368,6 +369,38 @@ TEST(TerminalTest, GetsNoControlCharacters) {
     }
     std::fclose(terminal);
     close(master);
+}
+
+// With standard output on a full disk.
+TEST(FrontendProcessTest, WhyAFileCannotBeReadOrWrittenIsSaid) {
+    const std::string full = ": No space left on device", denied = ": Permission denied";
+    const std::pair<std::string, std::string> rows[] = {{"-h", "write standard output" + full},
+                                                        {"-V", "write standard output" + full},
+                                                        {"a.kor -o -", "write standard output" + full},
+                                                        {"a.kor -o /dev/full", "write /dev/full" + full},
+                                                        {"secret.kor", "read secret.kor" + denied},
+                                                        {"SECRET.KOR", "read SECRET.KOR" + denied},
+                                                        {"@secret.kor", "read secret.kor" + denied},
+                                                        {"a.kor -o old", "write old" + denied},
+                                                        {"a.kor", "write a.com" + denied}};
+    const AsNobody nobody;
+    const TempDir directory;
+    for (const char* const name : {"a.kor", "secret.kor", "old"}) {
+        WriteFile(name, " NOP\n");
+    }
+    ASSERT_EQ(0, std::system("chmod 0 secret.kor; chmod 444 old; chmod 555 ."));
+    for (const auto& [words, message] : rows) {
+        std::string line = "korv-as " + words;
+        const auto run = [&line] {
+            EXPECT_NE(nullptr, std::freopen("/dev/full", "w", stdout));
+            Strings parts = Split(line, ' ');
+            std::vector<char*> argv;
+            std::ranges::transform(parts, std::back_inserter(argv), [](std::string& word) { return word.data(); });
+            std::_Exit(korv::RunFrontend(static_cast<int>(argv.size()), argv.data()));
+        };
+        EXPECT_EXIT(run(), testing::ExitedWithCode(2), "korv-as: error: cannot " + message + "\n$") << words;
+    }
+    EXPECT_EQ(0, std::system("chmod 755 ."));
 }
 
 }  // namespace

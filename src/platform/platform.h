@@ -200,13 +200,16 @@ class InputFile {
     /// was when the file was opened, on a read error, which ends the file, and when a console event
     /// comes while there is nothing to read.
     std::size_t Read(void* buffer, std::size_t count);
-    /// Whether a read has failed; the end of the file is no failure, nor is a console event.
-    [[nodiscard]] bool Failed() const { return failed; }
+    /// Whether `Open` or a read has failed; the end of the file is no failure, nor is a console
+    /// event.
+    [[nodiscard]] bool Failed() const { return error != 0; }
+    /// Why, in the system's words.
+    [[nodiscard]] std::string Reason() const;
 
   private:
     FileHandle handle;
     bool hasSize = false;
-    bool failed = false;
+    int error = 0;  // the system's number of the failure; 0: there is none
     std::uint64_t size = 0;
     std::uint64_t taken = 0;  // bytes read
     FileIdentity identity;
@@ -235,16 +238,19 @@ class OutputFile {
     void Write(const void* bytes, std::size_t count);
     /// Ends the file. True: all its bytes are there under its name.
     [[nodiscard]] bool Commit();
+    /// Why `Open` or `Commit` has failed, in the system's words.
+    [[nodiscard]] std::string Reason() const;
 
   private:
+    bool TryOpen(std::string_view name, Kind kind, const FileSet& kept);
     bool CreateTemporary(const struct OutputPlace& place);
     void GiveUp();
 
     FileHandle handle;
-    bool isEmptied = true;   // false: it is written in place, and the old bytes are in the way
-    bool hasFailed = false;  // some byte is not there
-    std::string path;        // where the file is to be
-    std::string temporary;   // where it is until then; empty: it is written in place
+    bool isEmptied = true;  // false: it is written in place, and the old bytes are in the way
+    int error = 0;          // the system's number of the first failure; 0: there is none
+    std::string path;       // where the file is to be
+    std::string temporary;  // where it is until then; empty: it is written in place
 };
 
 /// For tests: what happens at the n-th request from here on that looks for, opens, reads, writes,

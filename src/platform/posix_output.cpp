@@ -98,8 +98,12 @@ bool FindPlace(const FileSet& kept, OutputPlace* place) {
             FollowLink(place, &target);
         }
     }
-    if (!target.isKnown || (target.exists && (S_ISDIR(target.status.st_mode) ||
-                                              kept.contains(IdentityOf(target.status))))) {
+    if (!target.isKnown) {
+        return false;
+    }
+    const bool isDirectory = target.exists && S_ISDIR(target.status.st_mode);
+    if (isDirectory || (target.exists && kept.contains(IdentityOf(target.status)))) {
+        errno = isDirectory ? EISDIR : EPERM;
         return false;
     }
     place->directory = place->path.substr(0, place->path.find_last_of('/') + 1);
@@ -126,6 +130,7 @@ Creation Create(const std::string& temporary, const OutputPlace& place, FileHand
         return Creation::done;
     }
     Forget(temporary);
+    errno = error;
     return error == EEXIST    ? Creation::nameIsTaken
            : IsRefused(error) ? Creation::isRefused
                               : Creation::failed;

@@ -14,6 +14,9 @@ inline constexpr std::string_view separators = "/\\";
 /// Whether a request fails on purpose.
 [[nodiscard]] bool FailsOnPurpose();
 
+/// The system's number of the failure of the last request; never 0.
+[[nodiscard]] int LastError();
+
 /// Makes a console event come.
 void BreakOff();
 

@@ -76,6 +76,7 @@ bool InputFile::Open(std::string_view name) {
     OwnedHandle file = OpenHandle(Unlimited(FullName(Wide(name))), GENERIC_READ, OPEN_EXISTING,
                                   FILE_FLAG_SEQUENTIAL_SCAN);
     if (file.get() == INVALID_HANDLE_VALUE) {
+        error = LastError();
         return false;
     }
     LARGE_INTEGER bytes = {};
@@ -84,7 +85,13 @@ bool InputFile::Open(std::string_view name) {
         size = static_cast<std::uint64_t>(bytes.QuadPart);
         handle = Numbered(std::move(file), _O_BINARY);
     }
+    error = IsOpen() ? 0 : LastError();
     return IsOpen();
+}
+
+int LastError() {
+    const DWORD error = GetLastError();
+    return static_cast<int>(error != ERROR_SUCCESS ? error : ERROR_IO_DEVICE);
 }
 
 FileHandle::~FileHandle() {

@@ -79,8 +79,11 @@ bool FindPlace(const FileSet& kept, OutputPlace* place) {
     if (IsThere(file)) {
         FileIdentity identity;
         place->isRegular = GetFileType(file.get()) == FILE_TYPE_DISK;
-        if (place->isRegular &&
-            (!Identify(file.get(), &identity, &attributes) || kept.contains(identity))) {
+        if (place->isRegular && !Identify(file.get(), &identity, &attributes)) {
+            return false;
+        }
+        if (place->isRegular && kept.contains(identity)) {
+            SetLastError(ERROR_ACCESS_DENIED);
             return false;
         }
         if (const std::wstring end = PathOf(file.get());
@@ -89,6 +92,7 @@ bool FindPlace(const FileSet& kept, OutputPlace* place) {
         }
         place->handle = Numbered(std::move(file), ModeOf(place->kind));
     } else if (!place->isReplaceable || error != ERROR_FILE_NOT_FOUND) {
+        SetLastError(error);
         return false;
     }
     place->path = Narrow(path);

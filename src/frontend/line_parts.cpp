@@ -1,9 +1,7 @@
 #include "frontend/line_parts.h"
 
 #include <algorithm>
-#include <array>
 
-#include "codegen/keywords.h"
 #include "source/char_class.h"
 
 namespace korv {
@@ -82,11 +80,6 @@ LineParts SplitLine(std::string_view line) {
     return parts;
 }
 
-const Keyword* FindKeyword(std::string_view word) {
-    const auto* const row = std::ranges::lower_bound(keywords, word, {}, &Keyword::word);
-    return row != keywords.end() && row->word == word ? row : nullptr;
-}
-
 std::size_t FindWhole(std::string_view where, std::string_view text) {
     if (text.empty()) {
         return std::string_view::npos;
@@ -120,26 +113,6 @@ bool Matches(std::string_view text, std::string_view pattern) {
         }
         pattern.remove_prefix(end + 1);
     }
-}
-
-std::size_t EditDistance(std::string_view a, std::string_view b) {
-    std::array<std::array<std::size_t, longestCompared + 1>, longestCompared + 1> steps;
-    for (std::size_t i = 0; i <= a.size(); ++i) {
-        for (std::size_t k = 0; k <= b.size(); ++k) {
-            std::size_t& best = steps[i][k];
-            if (i == 0 || k == 0) {
-                best = i + k;
-                continue;
-            }
-            const std::size_t isOther = a[i - 1] == b[k - 1] ? 0 : 1;
-            best =
-                std::min({steps[i - 1][k] + 1, steps[i][k - 1] + 1, steps[i - 1][k - 1] + isOther});
-            if (i > 1 && k > 1 && a[i - 1] == b[k - 2] && a[i - 2] == b[k - 1]) {
-                best = std::min(best, steps[i - 2][k - 2] + 1);
-            }
-        }
-    }
-    return steps[a.size()][b.size()];
 }
 
 }  // namespace korv

@@ -5,9 +5,10 @@
 #include <string_view>
 #include <vector>
 
-namespace korv {
+#include "frontend/nearest.h"
+#include "frontend/statement_view.h"
 
-struct Keyword;
+namespace korv {
 
 /// All are views of the line; what is not there is empty, at the place where it would be.
 struct LineParts {
@@ -20,10 +21,6 @@ struct LineParts {
 
 [[nodiscard]] LineParts SplitLine(std::string_view line);
 
-/// The row of a mnemonic, or null. The recogniser itself is left to the loop over the statements,
-/// into which the compiler builds it as long as nobody else asks it.
-[[nodiscard]] const Keyword* FindKeyword(std::string_view word);
-
 /// Where `text` stands in `where` as a word of its own, outside of strings if it is none; npos: it
 /// does not.
 [[nodiscard]] std::size_t FindWhole(std::string_view where, std::string_view text);
@@ -31,10 +28,5 @@ struct LineParts {
 /// Whether `text` is as `pattern` says: "*" is any characters, "?" one, "#" a digit, "^" a letter,
 /// "|" parts alternatives, and a backslash takes away what a character means.
 [[nodiscard]] bool Matches(std::string_view text, std::string_view pattern);
-
-/// The steps (characters put in, left out, changed, or two swapped) from one word to another,
-/// neither longer than this.
-inline constexpr std::size_t longestCompared = 32;
-[[nodiscard]] std::size_t EditDistance(std::string_view a, std::string_view b);
 
 }  // namespace korv

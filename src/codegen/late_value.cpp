@@ -21,9 +21,8 @@ std::string_view WithoutParentheses(std::string_view text) {
 void FilePatch(CAssembler* assembler, const CStatement* statement, const lsArg& arg, PatchText text,
                std::uint32_t position, std::uint32_t kind) {
     const std::string_view expression = text == PatchText::operand ? arg.text : arg.expression;
-    const UnresolvedName& unresolved = arg.unresolved;
-    const bool isName = IsSamePart(expression, unresolved.name);
-    if (isName || IsSamePart(WithoutParentheses(expression), unresolved.name)) {
+    const bool isName = IsSamePart(expression, arg.fault);
+    if (isName || IsSamePart(WithoutParentheses(expression), arg.fault)) {
         kind |= PF_NAME;
     }
     CPatchInfo* const patch = CPatchInfoMemBlock::AllocPatchInfo(
@@ -34,7 +33,7 @@ void FilePatch(CAssembler* assembler, const CStatement* statement, const lsArg& 
     if ((kind & PF_EQU) != 0) {
         patch->nameString.Assign(statement->label);
     }
-    assembler->identifiers.AddPatch(unresolved, patch);
+    assembler->identifiers.AddPatch(arg.fault, patch);
 }
 
 template <std::uint32_t kind>

@@ -72,10 +72,10 @@ Status CIdentifierManager::WorkPatch(CPatchInfo* patch, CPatchInfo** released) {
 // the next name.
 [[gnu::noinline]] Status CIdentifierManager::EvaluatePatch(const CPatchInfo& patch,
                                                            std::int32_t* value) {
-    UnresolvedName unresolved;
-    const Status status = assembler->ScanExpression(patch.Expression(), value, &unresolved);
+    std::string_view fault;
+    const Status status = assembler->ScanExpression(patch.Expression(), value, &fault);
     if (status == MSG_UNRESOLVED) {
-        MovePatch(patch, unresolved);
+        MovePatch(patch, fault);
     } else if (status != 0 && log != nullptr) {
         log->AddText({"Could not resolve expression! [", patch.Expression(), "] ",
                       fileNames->NameOf(patch.origin.file), ", line ",
@@ -113,12 +113,12 @@ CPatchInfo* CIdentifierManager::LeavePatch(CPatchInfo* patch, const CPatchInfo* 
 }
 
 // Files a copy of `patch` under the next name that its expression waits for.
-void CIdentifierManager::MovePatch(const CPatchInfo& patch, const UnresolvedName& unresolved) {
+void CIdentifierManager::MovePatch(const CPatchInfo& patch, std::string_view name) {
     CPatchInfo* const copy =
         CPatchInfoMemBlock::AllocPatchInfo(patch.position, patch.flags, patch.origin);
     copy->expressionString.Assign(patch.Expression());
     copy->nameString.Assign(patch.nameString.View());
-    AddPatch(unresolved, copy);
+    AddPatch(name, copy);
     if (log != nullptr) {
         log->AddText({"No immediate patching possible! [", patch.identifier->Name(), "] [",
                       patch.Expression(), "]\n"});

@@ -185,39 +185,20 @@ Status CIdentifierManager::ApplyPatch(CPatchInfo* patch) {
     return result;
 }
 
-CIdentifier* CIdentifierManager::FindID(const HashedName& name, bool markUsed) {
-    CIdentifier* const record = index.Find(name);
-    if (record == nullptr || (record->flags & IDF_RESOLVED) == 0) {
-        return nullptr;
+Status CIdentifierManager::AddPatch(std::string_view name, CPatchInfo* patch) {
+    const HashedName hashed = name;
+    CIdentifier* const known = index.Find(hashed);
+    CIdentifier* const record = known != nullptr ? known : Enter(hashed);
+    patch->identifier = record;
+    if (log != nullptr) [[unlikely]] {
+        log->AddText({"Adding patch for: [", name, "] -> [", patch->Expression(), "]\n"});
     }
-    if (markUsed) {
-        record->flags |= IDF_USED;
+    if ((record->flags & IDF_RESOLVED) != 0) [[unlikely]] {
+        return ApplyPatch(patch);
     }
-    return record;
-}
-
-// Goes on with a lookup of `unresolved` that has found nothing near its place.
-[[gnu::noinline]] Status CIdentifierManager::ValueFromOverflow(std::int32_t* value,
-                                                               UnresolvedName* unresolved) {
-    unresolved->record = index.FindInOverflow({unresolved->name, unresolved->hash});
-    if (unresolved->record == nullptr || (unresolved->record->flags & IDF_RESOLVED) == 0) {
-        return MSG_UNRESOLVED;
-    }
-    unresolved->record->flags |= IDF_USED;
-    *value = unresolved->record->value;
+    waitingCount += record->patches == nullptr ? 1 : 0;
+    patch->next = std::exchange(record->patches, patch);
     return 0;
-}
-
-// The record of a name that its lookup has missed; made unless another operand has entered it.
-CIdentifier* CIdentifierManager::RecordOf(const UnresolvedName& name) {
-    const HashedName hashed(name.name, name.hash);
-    CIdentifier* const record = name.knownNames != recordCount ? index.Find(hashed) : nullptr;
-    return record != nullptr ? record : Enter(hashed);
-}
-
-void CIdentifierManager::TraceNewPatch(const CPatchInfo& patch) const {
-    log->AddText(
-        {"Adding patch for: [", patch.identifier->Name(), "] -> [", patch.Expression(), "]\n"});
 }
 
 // Links all records into the chains of their buckets, sorted by name.

@@ -13,7 +13,6 @@
 #include <vector>
 
 #include "diagnostics/message_numbers.h"
-#include "expr/unresolved_name.h"
 #include "symbols/identifier.h"
 #include "symbols/name_index.h"
 #include "symbols/name_pool.h"
@@ -74,40 +73,28 @@ class CIdentifierManager {
 
     /// The record of `name` if it has a value, else null: a name that waits and one never seen are
     /// the same here. `markUsed` marks it as read.
-    CIdentifier* FindID(const HashedName& name, bool markUsed);
-
-    /// The value of `name`, marked as read. Result: 0 with `value`, or MSG_UNRESOLVED with
-    /// `unresolved`.
-    [[nodiscard]] Status ValueOf(std::string_view name, std::int32_t* value,
-                                 UnresolvedName* unresolved) {
-        const HashedName hashed(name);
-        CIdentifier* const record = index.FindNear(hashed);
+    CIdentifier* FindID(const HashedName& name, bool markUsed) {
+        CIdentifier* const record = index.Find(name);
         if (record == nullptr || (record->flags & IDF_RESOLVED) == 0) {
-            *unresolved = {name, hashed.hash, record, recordCount};
-            const bool isMissed = record == nullptr && index.HasOverflow();
-            return isMissed ? ValueFromOverflow(value, unresolved) : MSG_UNRESOLVED;
+            return nullptr;
         }
-        record->flags |= IDF_USED;
+        record->flags |= markUsed ? IDF_USED : 0;
+        return record;
+    }
+
+    /// The value of `name`, marked as read. Result: 0 with `value`, or MSG_UNRESOLVED.
+    [[nodiscard]] Status ValueOf(std::string_view name, std::int32_t* value) {
+        const CIdentifier* const record = FindID(name, /*markUsed=*/true);
+        if (record == nullptr) {
+            return MSG_UNRESOLVED;
+        }
         *value = record->value;
         return 0;
     }
 
     /// Takes over `patch`, which waits for `name`, and hangs it on the record of that name, made if
     /// there is none. Result: 0, or that of `Backpatch` should the name have a value.
-    Status AddPatch(const UnresolvedName& name, CPatchInfo* patch) {
-        CIdentifier* const record = name.record != nullptr ? name.record : RecordOf(name);
-        patch->identifier = record;
-        if (log != nullptr) [[unlikely]] {
-            TraceNewPatch(*patch);
-        }
-        if ((record->flags & IDF_RESOLVED) != 0) [[unlikely]] {
-            return ApplyPatch(patch);
-        }
-        waitingCount += record->patches == nullptr ? 1 : 0;
-        patch->next = record->patches;
-        record->patches = patch;
-        return 0;
-    }
+    Status AddPatch(std::string_view name, CPatchInfo* patch);
 
     /// Evaluates a patch that its caller has taken off its chain and still owns, now that its
     /// identifier has a value; writes the result, gives it to a waiting EQU and goes on with all
@@ -148,9 +135,6 @@ class CIdentifierManager {
     }
     CIdentifier* Enter(const HashedName& name);
     void Refuse(const Definition& definition, bool isReserved);
-    Status ValueFromOverflow(std::int32_t* value, UnresolvedName* unresolved);
-    CIdentifier* RecordOf(const UnresolvedName& name);
-    void TraceNewPatch(const CPatchInfo& patch) const;
     void LinkChains();
     void ApplyPatches(CIdentifier* identifier);
     Status ApplyPatch(CPatchInfo* patch);
@@ -158,7 +142,7 @@ class CIdentifierManager {
     Status WorkPatch(CPatchInfo* patch, CPatchInfo** released);
     Status EvaluatePatch(const CPatchInfo& patch, std::int32_t* value);
     CPatchInfo* LeavePatch(CPatchInfo* patch, const CPatchInfo* root, Status* result);
-    void MovePatch(const CPatchInfo& patch, const UnresolvedName& unresolved);
+    void MovePatch(const CPatchInfo& patch, std::string_view name);
     Status ResolveEqu(const CPatchInfo& patch, std::int32_t value, CPatchInfo** released);
     Status WritePatch(const CPatchInfo& patch, std::int32_t value);
     void TraceText(const char* text) const;

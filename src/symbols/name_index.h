@@ -133,13 +133,6 @@ class CNameIndex {
 
     /// The record of `name`, or null.
     [[nodiscard]] CIdentifier* Find(const HashedName& name) const {
-        CIdentifier* const record = FindNear(name);
-        return record == nullptr && HasOverflow() ? FindInOverflow(name) : record;
-    }
-
-    /// The same in two steps, for who looks up a name a line: the first finds nearly all, and calls
-    /// nothing.
-    [[nodiscard]] CIdentifier* FindNear(const HashedName& name) const {
         const Entry* entry = PlaceOf(name.hash);
         for (int i = 0; i < longestProbe; ++i, ++entry) {
             if (entry->record == nullptr) {
@@ -149,10 +142,8 @@ class CNameIndex {
                 return entry->record;
             }
         }
-        return nullptr;
+        return FindInOverflow(name);
     }
-    [[nodiscard]] bool HasOverflow() const { return !overflow.empty(); }
-    [[nodiscard]] CIdentifier* FindInOverflow(const HashedName& name) const;
 
     /// Enters `record`, not owned, whose name has the given hash and is not there yet.
     void Insert(CIdentifier* record, std::uint64_t hash) {
@@ -180,6 +171,7 @@ class CNameIndex {
         return record.nameLength == text.size() &&
                (text.size() <= 8 || EqualTexts(record.name, text));
     }
+    [[nodiscard]] CIdentifier* FindInOverflow(const HashedName& name) const;
     void Grow();
     void Place(Entry entry) {
         if (!PlaceNear(entry)) [[unlikely]] {

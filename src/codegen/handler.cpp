@@ -28,10 +28,10 @@ const char* FindOperandEnd(const char* next) {
     return next;
 }
 
-// An operand of any form, which begins at `start` and goes on at `next`, or is missing, which is
-// told where a comma stands at one of its sides. Result: its end.
+// Adds an operand of any form, which begins at `start` and goes on at `next`. A missing one is
+// reported if there is a comma at one of its sides. Result: the end of the operand.
 [[gnu::noinline]] const char* AddOperand(CAssembler* assembler, CStatement* statement,
-                                         bool isAfterComma, const char* start, const char* next) {
+                                         const char* start, const char* next) {
     const char* const end = FindOperandEnd(next);
     const bool isLast = *end != ',';
     const char* last = end;
@@ -41,10 +41,16 @@ const char* FindOperandEnd(const char* next) {
     if (last != start) {
         if (const Status result = statement->args.Add({start, last}); result != 0) {
             assembler->ReportError(statement, isLast ? result : MSG_SYSTEM_ERROR,
-                                   isLast ? noText : "KO_Args.Add() failed!");
+                                   isLast ? noText : "KO_Args.Add() failed!", {start, last});
         }
-    } else if (isAfterComma || !isLast) {
-        assembler->ReportWarning(statement, MSG_EXPECTED_ARGUMENT, noText);
+        return end;
+    }
+    const char* before = start - 1;  // the comma before it, or what ended the mnemonic
+    while (HasClass(*before, CC_BLANK) && before != statement->text) {
+        --before;
+    }
+    if (const char* const comma = *before == ',' ? before : end; *comma == ',') {
+        assembler->ReportWarning(statement, MSG_EXPECTED_ARGUMENT, noText, {comma, 1});
     }
     return end;
 }
@@ -62,7 +68,6 @@ const char* FindOperandEnd(const char* next) {
         return;
     }
     do {
-        const bool isAfterComma = *before == ',';
         const char* const start = SkipBlanks(before + 1);
         if (*start != '(') {
             before = SkipToken(start);
@@ -78,7 +83,7 @@ const char* FindOperandEnd(const char* next) {
                 continue;
             }
         }
-        before = AddOperand(assembler, statement, isAfterComma, start, before);
+        before = AddOperand(assembler, statement, start, before);
     } while (*before == ',');
 }
 
@@ -89,8 +94,10 @@ void DefineLineLabel(CAssembler* assembler, CStatement* statement) {
         return;
     }
     statement->flags |= SF_LABEL_DEFINED;
-    assembler->identifiers.AddID({statement->label, statement->lineNumber, statement->fileName,
-                                  static_cast<std::int32_t>(statement->address), IDS_LABEL});
+    assembler->identifiers.AddID({.name = statement->label,
+                                  .place = statement->LabelPlace(),
+                                  .value = static_cast<std::int32_t>(statement->address),
+                                  .flags = IDS_LABEL});
 }
 
 Status BeginStatement(CAssembler* assembler, CStatement* statement, const Keyword& keyword,
@@ -100,7 +107,7 @@ Status BeginStatement(CAssembler* assembler, CStatement* statement, const Keywor
         if (frame == Frame::labelFirst || frame == Frame::labelOnly) {
             DefineLineLabel(assembler, statement);
         } else if (frame == Frame::noLabel) {
-            assembler->ReportError(statement, MSG_LABEL_NOT_ALLOWED, noText);
+            assembler->ReportError(statement, MSG_LABEL_NOT_ALLOWED, noText, statement->label);
         }
     }
     if (frame >= Frame::labelOnly) [[unlikely]] {

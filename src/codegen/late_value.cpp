@@ -26,7 +26,8 @@ void FilePatch(CAssembler* assembler, const CStatement* statement, const lsArg& 
         kind |= PF_NAME;
     }
     CPatchInfo* const patch = CPatchInfoMemBlock::AllocPatchInfo(
-        position, kind, {statement->address, statement->fileName, statement->lineNumber});
+        position, kind,
+        {statement->address, {.file = statement->fileName, .line = statement->lineNumber}});
     if (!isName) {  // else the identifier has the text
         patch->expressionString.Assign(expression);
     }

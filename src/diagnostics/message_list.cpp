@@ -12,13 +12,13 @@ CMessageList::CMessageList(std::int32_t capacity) : capacity(capacity) {
     messages.reserve(static_cast<std::size_t>(capacity));
 }
 
-std::int32_t CMessageList::AddCopy(std::int32_t number, std::string_view text, std::int32_t file,
-                                   std::int32_t line) {
+std::int32_t CMessageList::AddCopy(std::int32_t number, std::string_view text,
+                                   const SourcePlace& place) {
     if (receiver != nullptr) {
-        receiver->OnMessage(kind, number, text, file, line);
+        receiver->OnMessage(kind, number, text, place);
         return 0;
     }
-    return Add({number, text.data() != nullptr ? CopyOf(text) : nullptr, file, line});
+    return Add({number, text.data() != nullptr ? CopyOf(text) : nullptr, place});
 }
 
 std::int32_t CMessageList::Add(CMessage message) {
@@ -42,8 +42,8 @@ std::int32_t CMessageList::Print(ReportWriter&& to, std::int32_t limit) const {
             std::snprintf(text.data(), text.size(), format, values...);
             to.Put(text.data());
         };
-        to.PutForeign(fileNames->NameOf(message.file));
-        putFormatted("(%d) : %s X%d : ", message.line, kindName, message.number);
+        to.PutForeign(fileNames->NameOf(message.place.file));
+        putFormatted("(%d) : %s X%d : ", message.place.line, kindName, message.number);
         if (message.number < 0) {
             putFormatted("Illegal %s number! (Internal error.)", kindName);
         } else {

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "diagnostics/message_numbers.h"
+#include "diagnostics/source_place.h"
 
 namespace korv {
 
@@ -19,8 +20,7 @@ class ReportWriter;
 struct CMessage {
     std::int32_t number = 0;  ///< row of MESSAGE_TABLE; below 0: an internal error without a row
     std::unique_ptr<char[]> text;  ///< the detail shown in brackets, or null
-    std::int32_t file = 0;         ///< file number, 0 for none
-    std::int32_t line = 0;         ///< line number, 0 for none
+    SourcePlace place;
 };
 
 inline constexpr std::int32_t ML_ERROR = 0;
@@ -30,10 +30,9 @@ inline constexpr std::int32_t ML_WARNING = 1;
 /// many there are.
 class MessageReceiver {
   public:
-    /// `kind` is that of the list; the others are as given to `Report`. So where `text` is a part
-    /// of the statement's line, it is a view of that line.
+    /// `kind` is that of the list; the others are as given to `Report`.
     virtual void OnMessage(std::int32_t kind, std::int32_t number, std::string_view text,
-                           std::int32_t file, std::int32_t line) = 0;
+                           const SourcePlace& place) = 0;
 
   protected:
     ~MessageReceiver() = default;
@@ -60,9 +59,8 @@ class CMessageList {
     /// Reports message `number`; `text` is copied. A view without data means that there is no text
     /// and no brackets; an empty text gives empty brackets. Result: as `Add`. Nobody has to look at
     /// it.
-    std::int32_t Report(std::int32_t number, std::string_view text, std::int32_t file,
-                        std::int32_t line) {
-        return Count() == capacity ? -1 : AddCopy(number, text, file, line);  // costs nothing then
+    std::int32_t Report(std::int32_t number, std::string_view text, const SourcePlace& place = {}) {
+        return Count() == capacity ? -1 : AddCopy(number, text, place);  // costs nothing then
     }
 
     /// Takes over `message`. Result: 0, or -1 when the list was full and the message is dropped.
@@ -74,8 +72,7 @@ class CMessageList {
     std::int32_t Print(ReportWriter&& to, std::int32_t limit) const;
 
   private:
-    std::int32_t AddCopy(std::int32_t number, std::string_view text, std::int32_t file,
-                         std::int32_t line);
+    std::int32_t AddCopy(std::int32_t number, std::string_view text, const SourcePlace& place);
 
     std::int32_t capacity;
     std::int32_t kind = ML_ERROR;

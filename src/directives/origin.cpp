@@ -17,13 +17,13 @@ Status AssembleOrg(CAssembler* assembler, CStatement* statement) {
     char text[16];
     std::snprintf(text, sizeof text, "%XH", assembler->location);
     if (!assembler->flags.Has(RF_BINARY)) {
-        assembler->ReportWarning(statement, MSG_ORG_USED, text);
+        assembler->ReportWarning(statement, MSG_ORG_USED, text, arg.text);
     } else if (assembler->startAddress != -1) {
-        assembler->ReportWarning(statement, MSG_ORG_IN_CODE, text);
+        assembler->ReportWarning(statement, MSG_ORG_IN_CODE, text, arg.text);
     } else if (assembler->binary.Position() == 0) {
         assembler->startAddress = arg.value;
     } else {
-        assembler->ReportWarning(statement, MSG_ORG_AFTER_CODE, text);
+        assembler->ReportWarning(statement, MSG_ORG_AFTER_CODE, text, arg.text);
         assembler->startAddress = static_cast<std::int32_t>(binaryStart);
     }
     return 0;  // the label gets the address of the statement, that is the location from before
@@ -40,9 +40,10 @@ Status AssembleEqu(CAssembler* assembler, CStatement* statement) {
         // The patch goes first: an EQU on its own name thus waits for itself.
         FilePatch(assembler, statement, arg, PatchText::operand, noPosition, PF_EQU | PF_16BIT);
     }
-    assembler->identifiers.AddID({statement->label, statement->lineNumber, statement->fileName,
-                                  isWaiting ? -1 : arg.value,
-                                  isWaiting ? IDS_EQU_WAITING : IDS_EQU});
+    assembler->identifiers.AddID({.name = statement->label,
+                                  .place = statement->LabelPlace(),
+                                  .value = isWaiting ? -1 : arg.value,
+                                  .flags = isWaiting ? IDS_EQU_WAITING : IDS_EQU});
     return isWaiting ? 0 : arg.status;
 }
 

@@ -178,12 +178,17 @@ class CAssembler {
         return binary.PutZeros(count);
     }
 
-    /// Report to a list, at the place of `statement`.
+    /// Report to a list, with `text` in brackets, about `part` of the line of `statement`.
+    [[gnu::cold]] void ReportError(const CStatement* statement, std::int32_t number,
+                                   std::string_view text, std::string_view part);
+    [[gnu::cold]] void ReportWarning(const CStatement* statement, std::int32_t number,
+                                     std::string_view text, std::string_view part);
+    /// The same where `text` is that part.
     void ReportError(const CStatement* statement, std::int32_t number, std::string_view text) {
-        errors.Report(number, text, statement->fileName, statement->lineNumber);
+        ReportError(statement, number, text, text);
     }
     void ReportWarning(const CStatement* statement, std::int32_t number, std::string_view text) {
-        warnings.Report(number, text, statement->fileName, statement->lineNumber);
+        ReportWarning(statement, number, text, text);
     }
 
     // ---- the state of the run: what it is, and who may write it

@@ -30,6 +30,16 @@ bool CAssembler::Commit(platform::OutputFile* file, const std::string& name, boo
     return isWritten;
 }
 
+void CAssembler::ReportError(const CStatement* statement, std::int32_t number,
+                             std::string_view text, std::string_view part) {
+    errors.Report(number, text, statement->PlaceOf(part));
+}
+
+void CAssembler::ReportWarning(const CStatement* statement, std::int32_t number,
+                               std::string_view text, std::string_view part) {
+    warnings.Report(number, text, statement->PlaceOf(part));
+}
+
 void CAssembler::WriteDebugFile() {
     const std::string name = targetDirectory + "Debug.Out";
     platform::OutputFile listing;

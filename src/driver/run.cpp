@@ -69,9 +69,9 @@ std::int32_t CAssembler::Run() {
         targetName += flags.Has(RF_BINARY) ? ".bin" : ".com";
     }
     if (sourceName.empty()) {
-        errors.Report(MSG_NO_SOURCE_NAME, noText, 0, 0);
+        errors.Report(MSG_NO_SOURCE_NAME, noText);
     } else if (sourceName == targetName) {
-        errors.Report(MSG_SOURCE_IS_TARGET, noText, 0, 0);
+        errors.Report(MSG_SOURCE_IS_TARGET, noText);
     } else {
         AssembleSource();
     }
@@ -123,11 +123,11 @@ void CAssembler::AssembleSource() {
 
     const std::int32_t status = AssembleIncludeFile(sourceName);
     if (status != 0) {
-        errors.Report(status, status == MSG_CANNOT_OPEN ? sourceName : noText, 0, 0);
+        errors.Report(status, status == MSG_CANNOT_OPEN ? sourceName : noText);
     }
     identifiers.ReportUnresolved();
     if (flags.Has(RF_ABORT)) {
-        errors.Report(MSG_ABORTED, noText, 0, 0);
+        errors.Report(MSG_ABORTED, noText);
     }
     if (flags.Has(RF_DEBUG)) {
         WriteDebugFile();

@@ -2,8 +2,10 @@
 #pragma once
 
 #include <cstdint>
+#include <cstring>
 #include <string_view>
 
+#include "diagnostics/source_place.h"
 #include "expr/operands.h"
 
 namespace korv {
@@ -25,6 +27,24 @@ struct CStatement {
     KO_Args args;                 ///< its operands
 
     [[nodiscard]] bool HasLabel() const { return label.data() != nullptr; }
+
+    /// The place of the label, at the start of the line.
+    [[nodiscard]] SourcePlace LabelPlace() const {
+        return {fileName, lineNumber, 0, static_cast<std::uint32_t>(label.size())};
+    }
+    /// The place of `part` in the line. A text that is not in the line, such as none, gives the
+    /// statement as a whole.
+    [[nodiscard]] SourcePlace PlaceOf(std::string_view part) const {
+        // Compared as numbers: the part may belong to another text.
+        const auto start = reinterpret_cast<std::uintptr_t>(text);
+        const auto at = reinterpret_cast<std::uintptr_t>(part.data());
+        SourcePlace place{.file = fileName, .line = lineNumber};
+        if (at >= start && at <= start + std::strlen(text)) {
+            place.offset = static_cast<std::uint32_t>(at - start);
+            place.length = static_cast<std::uint32_t>(part.size());
+        }
+        return place;
+    }
 };
 
 /// Bits of `CStatement::flags`.

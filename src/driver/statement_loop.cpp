@@ -29,7 +29,7 @@ const char* CutLabel(CAssembler* assembler, CStatement* statement) {
     }
     statement->label = Word(start, end);
     if (*end != ':') [[unlikely]] {
-        assembler->ReportWarning(statement, MSG_LABEL_WITHOUT_COLON, noText);
+        assembler->ReportWarning(statement, MSG_LABEL_WITHOUT_COLON, noText, statement->label);
     }
     if (const auto size = static_cast<std::size_t>(end - start); size > maxWord) [[unlikely]] {
         assembler->ReportError(statement, MSG_LABEL_TOO_LONG, {start, size});
@@ -43,6 +43,17 @@ void ReportUnknown(CAssembler* assembler, const CStatement* statement, const cha
         ++end;
     }
     assembler->ReportError(statement, MSG_UNKNOWN_INSTRUCTION, Word(start, end));
+}
+
+// The part of the line that the result of a handler is about: the operand whose expression has
+// failed so, if there is one.
+std::string_view PartOf(CStatement* statement, Status status) {
+    KO_Args& args = statement->args;
+    const lsArg* arg = args.First();
+    while (arg != nullptr && arg->status != status) {
+        arg = args.After(arg);
+    }
+    return arg == nullptr ? noText : arg->text;
 }
 
 // While a condition skips statements, these alone run. Kept out of the road of the others.
@@ -87,7 +98,8 @@ void Assemble(CAssembler* assembler, CStatement* statement) {
         DefineLineLabel(assembler, statement);
     }
     if (status != 0) [[unlikely]] {
-        assembler->ReportError(statement, status == -1 ? MSG_GENERAL_FAILURE : status, noText);
+        assembler->ReportError(statement, status == -1 ? MSG_GENERAL_FAILURE : status, noText,
+                               PartOf(statement, status));
     }
 }
 

@@ -79,7 +79,7 @@ std::string RunWatch::Define(std::string_view define) {
         }
     }
     failureText.clear();
-    assembler->identifiers.AddID({name, 0, 0, value, IDS_EQU});
+    assembler->identifiers.AddID({.name = name, .place = {}, .value = value, .flags = IDS_EQU});
     return failureText;
 }
 
@@ -150,7 +150,7 @@ void RunWatch::StopAtSize(const CStatement& statement) {
 }
 
 void RunWatch::OnMessage(std::int32_t kind, std::int32_t number, std::string_view text,
-                         std::int32_t file, std::int32_t line) {
+                         const SourcePlace& at) {
     if (isDefining) {
         failureText = TextOf(number);
         return;
@@ -159,12 +159,12 @@ void RunWatch::OnMessage(std::int32_t kind, std::int32_t number, std::string_vie
         return;
     }
     CStatement* const live = Live();
-    if (number == MSG_CANNOT_OPEN && file == 0) {
+    if (number == MSG_CANNOT_OPEN && at.file == 0) {
         isWithoutSource = true;  // which needs no place
         return;
     }
-    Report report{{}, number, std::string(text), {file, line}, live, text};
-    if (live == nullptr || file != live->fileName || line != live->lineNumber ||
+    Report report{{}, number, std::string(text), {at.file, at.line}, live, text};
+    if (live == nullptr || at.file != live->fileName || at.line != live->lineNumber ||
         number == MSG_LINE_TOO_LONG) {  // which leaves no text
         report.statement = nullptr;
     }

@@ -63,8 +63,8 @@ class RunWatch : public RunObserver {
     /// The blocks of the image, in the order of the source; warns of those that overlap.
     std::vector<Block> Blocks();
 
-    void OnMessage(std::int32_t kind, std::int32_t number, std::string_view text, std::int32_t file,
-                   std::int32_t line) override;
+    void OnMessage(std::int32_t kind, std::int32_t number, std::string_view text,
+                   const SourcePlace& place) override;
     void OnStart() override;
     void OnFile(const std::string& path, std::int32_t number, CStatement* statement) override;
     void OnFileEnd() override;

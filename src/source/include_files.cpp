@@ -37,11 +37,11 @@ std::int32_t CAssembler::AssembleIncludeFile(std::string_view name) {
 std::int32_t CAssembler::EnterFile(std::string_view name) {
     std::string path;
     if (!FindFile(name, &path)) {
-        errors.Report(MSG_CANNOT_GET_DIRECTORY, noText, 0, 0);
+        errors.Report(MSG_CANNOT_GET_DIRECTORY, noText);
         return MSG_CANNOT_OPEN;
     }
     if (!directory.EnterDirectoryOf(path)) {
-        errors.Report(MSG_CANNOT_CHANGE_DIRECTORY, path, 0, 0);
+        errors.Report(MSG_CANNOT_CHANGE_DIRECTORY, path);
     }
     std::int32_t fileNumber = 0;
     if (std::unique_ptr<char[]> copy = CopyOf(path); copy != nullptr) {
@@ -51,7 +51,7 @@ std::int32_t CAssembler::EnterFile(std::string_view name) {
     const std::int32_t status = OpenAndRun(path, fileNumber);
     currentFileName = includer;
     if (!directory.Leave()) {
-        errors.Report(MSG_CANNOT_CHANGE_DIRECTORY, directory.Path(), 0, 0);
+        errors.Report(MSG_CANNOT_CHANGE_DIRECTORY, directory.Path());
     }
     return status;
 }
@@ -95,7 +95,7 @@ std::int32_t CAssembler::OpenAndRun(const std::string& path, std::int32_t fileNu
         observer->OnFileEnd();
     }
     if (file.Stream().Failed()) {
-        errors.Report(MSG_CANNOT_OPEN, path, fileNumber, lineCounter);
+        errors.Report(MSG_CANNOT_OPEN, path, {.file = fileNumber, .line = lineCounter});
     }
     if (flags.Has(RF_PROGRESS)) {
         Progress();
@@ -110,7 +110,7 @@ Status AssembleInclude(CAssembler* assembler, CStatement* statement) {
     const std::string_view name = statement->args.First().text;
     TraceFile(assembler, "INCLUDING", name);
     if (assembler->fileDepth == maxFileDepthAllowed) {
-        assembler->ReportError(statement, MSG_FILES_TOO_DEEP, noText);
+        assembler->ReportError(statement, MSG_FILES_TOO_DEEP, noText, name);
         return 0;
     }
     const std::int32_t status = assembler->AssembleIncludeFile(name);

@@ -78,8 +78,8 @@ Status CIdentifierManager::WorkPatch(CPatchInfo* patch, CPatchInfo** released) {
         MovePatch(patch, fault);
     } else if (status != 0 && log != nullptr) {
         log->AddText({"Could not resolve expression! [", patch.Expression(), "] ",
-                      fileNames->NameOf(patch.origin.file), ", line ",
-                      std::to_string(patch.origin.line), ".\n"});
+                      fileNames->NameOf(patch.origin.place.file), ", line ",
+                      std::to_string(patch.origin.place.line), ".\n"});
     }
     return status;
 }
@@ -131,7 +131,7 @@ void CIdentifierManager::MovePatch(const CPatchInfo& patch, std::string_view nam
     const std::string_view name = patch.nameString.View();
     CIdentifier* const equ = index.Find(name);
     if (equ == nullptr) {
-        errors->Report(MSG_NO_EQU_LABEL, name, patch.origin.file, patch.origin.line);
+        errors->Report(MSG_NO_EQU_LABEL, name, patch.origin.place);
         return -1;
     }
     if (log != nullptr) {
@@ -160,11 +160,12 @@ Status CIdentifierManager::WritePatch(const CPatchInfo& patch, std::int32_t valu
     }
     if ((patch.flags & (PF_8BIT | PF_16BIT)) == 0) {
         std::fprintf(console, "*scream* Erhm, WHAT am I supposed to do? [%s] %s, line %d.\n",
-                     patch.Expression().data(), fileNames->NameOf(origin.file), origin.line);
+                     patch.Expression().data(), fileNames->NameOf(origin.place.file),
+                     origin.place.line);
         return -1;
     }
     if (!range.Holds(value)) {
-        warnings->Report(range.message, patch.Expression(), origin.file, origin.line);
+        warnings->Report(range.message, patch.Expression(), origin.place);
     }
     if ((patch.flags & PF_8BIT) != 0) {
         target->PutByteAt(value, patch.position);

@@ -134,8 +134,8 @@ std::int32_t CIdentifierManager::AddID(const Definition& definition) {
         return 0;
     }
     record->flags |= definition.flags;
-    record->line = definition.line;
-    record->file = definition.file;
+    record->line = definition.place.line;
+    record->file = definition.place.file;
     record->value = definition.value;
     if (!isNew) {
         ApplyPatches(record);
@@ -151,7 +151,7 @@ void CIdentifierManager::Refuse(const Definition& definition, bool isReserved) {
                       definition.name, "]\n"});
     }
     errors->Report(isReserved ? MSG_RESERVED_NAME : MSG_REDEFINITION, definition.name,
-                   definition.file, definition.line);
+                   definition.place);
 }
 
 // `identifier` was only referred to and has got its definition: what waits for it gets its turn, if
@@ -165,15 +165,16 @@ void CIdentifierManager::ApplyPatches(CIdentifier* identifier) {
     }
     CPatchInfo* patch = std::exchange(identifier->patches, nullptr);
     if (patch == nullptr) {
-        errors->Report(MSG_NO_PATCHES, identifier->Name(), identifier->file, identifier->line);
+        errors->Report(MSG_NO_PATCHES, identifier->Name(),
+                       {.file = identifier->file, .line = identifier->line});
         return;
     }
     --waitingCount;
     while (patch != nullptr) {
         CPatchInfo* const next = patch->next;
-        const PatchOrigin origin = patch->origin;
+        const SourcePlace place = patch->origin.place;
         if (const Status result = ApplyPatch(patch); result != 0) {
-            errors->Report(result, identifier->Name(), origin.file, origin.line);
+            errors->Report(result, identifier->Name(), place);
         }
         patch = next;
     }
@@ -220,8 +221,7 @@ std::int32_t CIdentifierManager::ReportUnresolved() {
     for (const CIdentifier* record : buckets) {
         for (; record != nullptr; record = record->next) {
             if (record->patches != nullptr) {
-                const PatchOrigin& origin = record->patches->origin;
-                errors->Report(MSG_UNRESOLVED, record->Name(), origin.file, origin.line);
+                errors->Report(MSG_UNRESOLVED, record->Name(), record->patches->origin.place);
                 ++count;
             }
         }

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "diagnostics/message_numbers.h"
+#include "diagnostics/source_place.h"
 #include "symbols/identifier.h"
 #include "symbols/name_index.h"
 #include "symbols/name_pool.h"
@@ -34,8 +35,7 @@ class OutputFile;
 /// only.
 struct Definition {
     std::string_view name;
-    std::int32_t line;
-    std::int32_t file;
+    SourcePlace place;
     std::int32_t value;
     std::uint32_t flags;
 };

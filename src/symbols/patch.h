@@ -6,6 +6,7 @@
 #include <new>
 #include <string_view>
 
+#include "diagnostics/source_place.h"
 #include "expr/tmp_string.h"
 
 namespace korv {
@@ -27,8 +28,7 @@ inline constexpr std::uint32_t noPosition = 0xFFFFFFFF;
 /// The statement that holds a reference; a late message points there and not at the definition.
 struct PatchOrigin {
     std::uint32_t address;  ///< location counter at its start
-    std::int32_t file;
-    std::int32_t line;
+    SourcePlace place;
 };
 
 /// Lives in a slot of a `CPatchInfoMemBlock`: made by `AllocPatchInfo`, given back by

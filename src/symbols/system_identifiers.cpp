@@ -52,10 +52,11 @@ constexpr WordSet reservedWords(wordList.data());
 void CAssembler::LoadSystemIdentifiers() {
     std::int32_t result = 0;
     for (const VersionIdentifier& row : versionIdentifiers) {
-        result |= identifiers.AddID({row.name, 0, 0, row.value, IDS_SYSTEM});
+        result |= identifiers.AddID(
+            {.name = row.name, .place = {}, .value = row.value, .flags = IDS_SYSTEM});
     }
     if (result != 0) {
-        errors.Report(MSG_SYSTEM_ERROR, "LoadSystemIdentifiers (version info) failed!", 0, 0);
+        errors.Report(MSG_SYSTEM_ERROR, "LoadSystemIdentifiers (version info) failed!");
     }
 }
 

@@ -26,13 +26,15 @@ void FilePatch(CAssembler* assembler, const CStatement* statement, const lsArg& 
         kind |= PF_NAME;
     }
     CPatchInfo* const patch = CPatchInfoMemBlock::AllocPatchInfo(
-        position, kind,
-        {statement->address, {.file = statement->fileName, .line = statement->lineNumber}});
+        position, kind, statement->address,
+        {.file = statement->fileName,
+         .line = statement->lineNumber,
+         .offset = static_cast<std::uint32_t>(expression.data() - statement->text)});
     if (!isName) {  // else the identifier has the text
-        patch->expressionString.Assign(expression);
+        patch->expression.Assign(expression);
     }
     if ((kind & PF_EQU) != 0) {
-        patch->nameString.Assign(statement->label);
+        patch->name.Assign(statement->label);
     }
     assembler->identifiers.AddPatch(arg.fault, patch);
 }

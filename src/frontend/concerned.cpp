@@ -20,10 +20,9 @@ std::string_view AllOperands(const LineParts& parts) {
 // The first operand for which `isMeant` holds; all of them if there is none.
 template <typename IsMeant>
 std::string_view OperandThat(CStatement* statement, const LineParts& parts, IsMeant isMeant) {
-    for (const lsArg* arg = statement->args.First(); arg != nullptr;
-         arg = statement->args.After(arg)) {
-        if (isMeant(*arg)) {
-            return arg->text;
+    for (const lsArg& arg : statement->args) {
+        if (isMeant(arg)) {
+            return arg.text;
         }
     }
     return AllOperands(parts);

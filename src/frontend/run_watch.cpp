@@ -72,8 +72,8 @@ std::string RunWatch::Define(std::string_view define) {
     }
     if (sign != std::string_view::npos) {
         const std::string expression = RaisedOutsideStrings(define.substr(sign + 1));
-        UnresolvedName unresolved;
-        const Status status = assembler->ScanExpression(expression, &value, &unresolved);
+        std::string_view fault;
+        const Status status = assembler->ScanExpression(expression, &value, &fault);
         if (status != 0) {
             return TextOf(status);
         }

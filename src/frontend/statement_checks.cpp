@@ -46,7 +46,7 @@ bool HoldsLocation(const lsArg& arg) {
 
 // Whether `arg` waits for more than a name alone.
 bool IsLateExpression(const lsArg& arg) {
-    return arg.status == MSG_UNRESOLVED && arg.expression.size() != arg.unresolved.name.size();
+    return arg.status == MSG_UNRESOLVED && arg.expression.size() != arg.fault.size();
 }
 
 // Whether `arg`, of a statement with the bytes `bytes`, calls for a closer look.
@@ -110,8 +110,8 @@ void RunWatch::OnStatement(CStatement& statement, std::uint32_t lineCount) {
         KO_Args& args = statement.args;
         const std::int32_t operands = args.Count();
         const auto bytes = assembler->binary.Bytes().last(count);
-        if (operands > 0 &&
-            (operands > 2 || IsOdd(args[1], bytes) || (operands > 1 && IsOdd(args[2], bytes)))) {
+        if (operands > 0 && (operands > 2 || IsOdd(args.First(), bytes) ||
+                             (operands > 1 && IsOdd(args.Second(), bytes)))) {
             CheckOperands(&statement, bytes);
         }
     }
@@ -133,14 +133,13 @@ void RunWatch::OnStatement(CStatement& statement, std::uint32_t lineCount) {
     if (isFaulty) {  // it is known not to be what it says
         return;
     }
-    for (const lsArg* arg = statement->args.First(); arg != nullptr;
-         arg = statement->args.After(arg)) {
-        if (!IsLateExpression(*arg)) {
-            if (IsOdd(*arg, bytes)) {
-                CheckOperand(*statement, *arg);
+    for (const lsArg& arg : statement->args) {
+        if (!IsLateExpression(arg)) {
+            if (IsOdd(arg, bytes)) {
+                CheckOperand(*statement, arg);
             }
-        } else if (HoldsLocation(*arg)) {
-            WarnAbout(Warning::lateLocation, *statement, arg->text, std::string(arg->text),
+        } else if (HoldsLocation(arg)) {
+            WarnAbout(Warning::lateLocation, *statement, arg.text, std::string(arg.text),
                       "put a label in front of this line and write it for the $");
         }
     }

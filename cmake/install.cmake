@@ -7,6 +7,12 @@ install(FILES docs/man1/korv.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 if(TARGET korv-as)
   install(TARGETS korv-as)
   install(FILES docs/man1/korv-as.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+  # Where each shell looks for the files of other packages; Debian's zsh has another place, see debian.cmake.
+  set(completions ${CMAKE_SOURCE_DIR}/editors/completions)
+  install(FILES ${completions}/korv-as.bash DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
+          RENAME korv-as)
+  install(FILES ${completions}/_korv-as DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/site-functions)
+  install(FILES ${completions}/korv-as.fish DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
 endif()
 install(FILES LICENSE CHANGELOG.md docs/manual.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DOCDIR} FILES_MATCHING PATTERN *.kor)

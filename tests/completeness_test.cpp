@@ -17,6 +17,7 @@
 #include "codegen/recogniser.h"
 #include "diagnostics/message_numbers.h"
 #include "driver/command_line.h"
+#include "frontend/option_table.h"
 #include "frontend/warnings.h"
 #include "run.h"
 
@@ -212,21 +213,38 @@ TEST(CompletenessTest, EverySwitchIsOnOffOrMalformed) {
     }
 }
 
-TEST(CompletenessTest, EveryOptionAndWarningOfKorvAsStandsInTheManualAndTheManPage) {
-    const TempDir directory;
-    const std::string manual = Manual("## 13", "## 14");
-    const std::string page = ReplaceAll(ReadFile(ProjectPath("docs/man1/korv-as.1")).value_or(""), "\n", " ");
-    const Strings options = Found(RunKorvAs({"--help"}), "(?:\n  |,)(-[-A-Za-z]+)");
-    EXPECT_EQ(18U, options.size());
-    for (const std::string& option : options) {
-        EXPECT_TRUE(Contains(manual, "`" + option)) << option;
-        EXPECT_TRUE(Contains(page, (option[1] == '-' ? " Fl Fl " + option.substr(2) : " Fl " + option.substr(1)) + " ")) << option;
+TEST(CompletenessTest, EveryOptionAndWarningOfKorvAsStandsWhereAUserLooks) {
+    // Files, with what comes before a letter and before a long name; a separator follows both.
+    const std::string texts[][3] = {{Manual("## 13", "### 13.1"), "`-", "`--"},
+                                    {"docs/man1/korv-as.1", " Fl ", " Fl Fl "},
+                                    {"editors/completions/korv-as.bash", " -", " --"},
+                                    {"editors/completions/_korv-as", "['{*]-", "[,']--"},
+                                    {"editors/completions/korv-as.fish", " -s ", " -l "}};
+    for (const auto& [name, letter, longName] : texts) {
+        const std::string text = ReadFile(ProjectPath(name)).value_or(name);
+        const auto has = [&text](const std::string& pattern) {
+            return std::regex_search(ReplaceAll(text, "\n", " "), std::regex(pattern));
+        };
+        for (const korv::OptionRow& row : korv::optionTable) {
+            EXPECT_TRUE(row.letter == '\0' || has(letter + row.letter + "[^-\\w]")) << name << ": " << row.letter;
+            EXPECT_TRUE(row.name.empty() || has(longName + std::string(row.name) + "[^-\\w]")) << name << ": " << row.name;
+            const auto choices = row.Choices();
+            for (const std::string_view choice : choices.size() > 1 ? choices : decltype(choices)()) {
+                EXPECT_TRUE(has("[^-\\w]" + std::string(choice) + "[^-\\w]")) << name << ": " << choice;
+            }
+        }
+        for (const korv::WarningRow& row : korv::warningTable) {
+            EXPECT_TRUE(letter == "`-" || has("[ \"]" + std::string(row.name) + "[^-\\w]")) << name << ": " << row.name;
+        }
+        EXPECT_TRUE(has("no-error")) << name;
     }
+    const std::string manual = Manual("### 13.2", "## 14");
     for (const korv::WarningRow& row : korv::warningTable) {
-        const std::string name(row.name);
-        EXPECT_TRUE(Contains(manual, "\n| `" + name + (row.isOn ? "` | on | " : "` | off | "))) << name;
-        EXPECT_TRUE(Contains(page, ".It Cm " + name + " ")) << name;
+        EXPECT_TRUE(Contains(manual, "\n| `" + std::string(row.name) + (row.isOn ? "` | on | " : "` | off | "))) << row.name;
     }
+    EXPECT_EQ(RunKorvAs({"--help"}), RunKorvAs({"-h", "--none"}));
+    EXPECT_EQ(Strings(), Found(RunKorvAs({"-h"}), "(.{81,})\n")) << "lines of --help";
+    EXPECT_EQ("korv-as 2.00.025\n", RunKorvAs({"-wV"}));
 }
 
 }  // namespace

@@ -125,8 +125,36 @@ TEST(EditorsTest, ReadWhatIsPrinted) {
         "Main.Kor|3|5|n|-1|fill the brackets\n"
         "Main.Kor|3|2|e|-1|Argument expected. [X14]\n"
         "Main.Kor|3|2|n|-1|LD takes two operands\n"
-        "|0|0|e|-1|cannot read none.kor\n",
+        "|0|0|e|-1|cannot read none.kor: No such file or directory\n",
         MatchedByVim("korv-as", ofKorvAs + RunKorvAs({"none.kor"})));
+}
+
+// What bash proposes for the last word of a command line, in which it parts words at "=" and "@".
+TEST(EditorsTest, BashCompletesOptionsArgumentsAndFiles) {
+    if (std::system("bash -c 'type mapfile compgen' >/dev/null 2>&1") != 0) {
+        GTEST_SKIP() << "no bash here";
+    }
+    const TempDir directory;
+    WriteFile("a b.kor", "");
+    WriteFile("sub/c", "");
+    // clang-format off
+    const std::pair<const char*, const char*> rows[] = {
+        {"--symbol-f", "--symbol-format"}, {"-V", "-V"}, {"a.kor --no", "--no-reserved"}, {"-f ", "com bin hex"},
+        {"--color = a", "auto always"}, {"-W nu", "number-label null-byte"}, {"-W error = ra", "range"},
+        {"-W no-ra", "no-range"}, {"--max-errors ", ""}, {"-I ", "sub"}, {"a", "a b.kor"},
+        {"--listing = a", "a b.kor"}, {"@ @su", "@sub"}};
+    // clang-format on
+    for (const auto& [words, proposed] : rows) {
+        WriteFile("script", "source " + ProjectPath("editors/completions/korv-as.bash") + "\nIFS=' '; set -f; words='" +
+                                words +
+                                R"('
+COMP_WORDS=(korv-as ${words% *} "${words##* }"); [[ $words == *' '* ]] || COMP_WORDS=(korv-as "$words")
+COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); set +f
+_korv_as korv-as "${COMP_WORDS[COMP_CWORD]}" "${COMP_WORDS[COMP_CWORD - 1]}"
+printf %s "${COMPREPLY[*]}" >proposed)");
+        EXPECT_EQ(0, std::system("bash script"));
+        EXPECT_EQ(proposed, ReadFile("proposed").value_or("none")) << words;
+    }
 }
 
 }  // namespace

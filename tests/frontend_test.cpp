@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <regex>
 
+#include "frontend/argument_files.h"
 #include "frontend/hint_table.h"
 #include "run.h"
 
@@ -181,19 +182,27 @@ TEST(FrontendTest, BytesThatHideTextAreWarnedOf) {
 
 TEST(FrontendTest, WhatIsWrongWithTheCommandLineIsSaidAndNothingIsWritten) {
     const std::pair<const char*, const char*> rows[] = {
-        {"", "no source"}, {"a.kor b.kor", "b.kor"}, {"-x a.kor", "-x"}, {"none.kor", "cannot read none.kor"}, {"sub", "cannot read sub"}, {"-I sub x", "cannot read x"},
-        {"-", "give -o"}, {"-f elf a.kor", "elf"}, {"-W foo a.kor", "-W foo"}, {"-W error=foo a.kor", "error=foo"},
+        {"", "no source"}, {"a.kor b.kor", "one source file at a time: 'a.kor' and 'b.kor' are given"}, {"-x a.kor", "unknown option '-x'; --help"},
+        {"--form hex a.kor", "unknown option '--form'; did you mean '--format'?"}, {"--lsiting=x a.kor", "'--lsiting'; did you mean '--listing'?"},
+        {"-wv a.kor", "'-v'; did you mean '-V'?"}, {"-symbols x", "'-symbols'; did you mean '--symbols'?"}, {"-- -x", "cannot read -x"},
+        {"a.kor --listing", "missing FILE after '--listing'"}, {"-M -o b a.kor", "missing FILE after '-M'"}, {"-w -I", "missing DIR after '-I'"},
+        {"a.kor -o ", "empty FILE after '-o'"}, {"-w ", "the name of the source is empty"}, {"--help=x", "takes no argument: 'x'"},
+        {"none.kor", "cannot read none.kor: No such file or directory"}, {"sub", isWindows ? "cannot read sub" : "cannot read sub: Is a directory"}, {"-I sub x", "cannot read x"},
+        {"-", "use -o"}, {"-f elf a.kor", "'elf' is not com, bin or hex"}, {"-W foo a.kor", "unknown warning 'foo'"}, {"-W error=rage a.kor", "'rage'; did you mean 'range'?"},
         {"a.kor -o a.kor", "a.kor is a file that was read"}, {"a.kor -l sub/link", "was read"}, {"a.kor --symbols data.bin", "was read"},
         {"a.kor -o b -l ./b", "two outputs"}, {"a.kor -o - -l -", "two outputs"}, {"a.kor -o - -M d", "dependencies"},
-        {"a.kor -o no/a.com", "cannot write no/a.com"}, {"a.kor -l sub", "cannot write sub"}, {"-D =1 a.kor", "no name"},
-        {"-D 1 a.kor", "no name"}, {"-D A.B a.kor", "no name"}, {"-D A=X a.kor", "Could not resolve label"}, {"-D A -D A a.kor", "redefinition"},
-        {"-D NOP a.kor", "not allowed as label"}, {"--max-errors x a.kor", "max-errors"}, {"--color red a.kor", "red is none of always, auto, never"}, {"--max-image -1 a.kor", "-1 is no number"},
-        {"a.kor -o new -l sub/to", "two outputs"}, {"a.kor -o - -l /dev/stdout", "two outputs"}};
+        {"a.kor -o no/a.com", "cannot write no/a.com: No such file or directory"}, {"a.kor -l sub", isWindows ? "cannot write sub" : "cannot write sub: Is a directory"},
+        {"-D =1 a.kor", "no name"}, {"-D 1 a.kor", "no name"}, {"-D A.B a.kor", "no name"}, {"-D A=X a.kor", "Could not resolve label"}, {"-D A -D A a.kor", "redefinition"},
+        {"-D NOP a.kor", "not allowed as label"}, {"--max-errors 9x a.kor", "--max-errors: '9x' is not a number from 0 to 4294967295"}, {"--color red a.kor", "'red' is not auto, always or never"},
+        {"--max-image -1 a.kor", "--max-image: '-1' is not a number from 0 to"}, {"--line-length=0 a.kor", "'0' is not a number from 1 to 65536"}, {"--line-length 65537 a.kor", "to 65536"},
+        {"a.kor -o new -l sub/to", "two outputs"}, {"a.kor -o - -l /dev/stdout", "two outputs"}, {"@ a.kor", "missing FILE after '@'"},
+        {"a.kor @none", "cannot read none: No such file or directory"}, {"@sub/x", "sub/x: argument files are nested more than 10 deep"}, {"@open", "open, line 3: missing closing quote"}};
     for (const auto& [words, complaint] : rows) {
         const TempDir directory;
         WriteFile("a.kor", " NOP\n BINCLUDE data.bin\n");
         WriteFile("data.bin", "x");
-        WriteFile("sub/x", "");
+        WriteFile("sub/x", "@sub/x");
+        WriteFile("open", "a.kor\n-o b\nx\"y\n\n");
         fs::create_hard_link("a.kor", "sub/link");
         if (isWindows && (Contains(words, "sub/to") || Contains(words, "/dev/"))) {
             continue;  // not everybody may make a link there
@@ -201,10 +210,39 @@ TEST(FrontendTest, WhatIsWrongWithTheCommandLineIsSaidAndNothingIsWritten) {
         isWindows ? void() : fs::create_symlink("../new", "sub/to");
         const auto before = FilesHere();
         const std::string printed = RunKorvAs(words[0] == '\0' ? Strings() : Split(words, ' '));
-        const std::regex expected("korv-as: error: .*" + std::string(complaint) + ".*\nexit status 2\n$");
-        EXPECT_TRUE(std::regex_search(printed, expected)) << words << "\n" << printed;
+        EXPECT_TRUE(std::regex_match(printed, std::regex("(.*\n)*korv-as: error: .*\nexit status 2\n"))) << printed;
+        EXPECT_TRUE(Contains(printed, complaint)) << words << "\n" << printed;
         EXPECT_EQ(before, FilesHere()) << words;
     }
+}
+
+TEST(FrontendTest, ArgumentFilesAreCutIntoWordsAsThoseOfGnu) {
+    const std::pair<std::string, const char*> rows[] = {
+        {"\xEF\xBB\xBF# all\n -I  lib\t-w\r\n\t# more\n\na#b #c\n#", "-I|lib|-w|a#b|#c|"}, {"ab # c\n#d", "ab|#|c|"}, {"", ""},
+        {"'a \"b'c \"d 'e\"f '' \"\\\"\"", "a \"bc|d 'ef||\"|"}, {"a\\ b 'c\\'d' \\\\e \\#", "a b|c'd|\\e|#|"}, {"a \\\n b\\\r\nc\\", "a|b|c|"},
+        {"a\n\n'b\n", "a|b\n|line 3: missing closing quote"}, {std::string("a\n\0", 3), "line 2: byte 0 in a text"}};
+    for (const auto& [text, expected] : rows) {
+        Strings words;
+        const std::string failure = korv::SplitWords(text, &words);
+        std::string got;
+        for (const std::string& word : words) {
+            got += word + "|";
+        }
+        EXPECT_EQ(expected, got + failure) << text;
+    }
+}
+
+// Files that name each other again and again are read for a while only.
+TEST(FrontendTest, ArgumentFilesEndAtTenDeepAndAtAMegabyte) {
+    const TempDir directory;
+    for (int i = 1; i <= 10; ++i) {
+        const std::string next = "@" + std::to_string(i + 1) + "\n";
+        WriteFile(std::to_string(i), i == 10 ? "a.kor" : next);
+        WriteFile("all/" + std::to_string(i), i == 10 ? "" : ReplaceAll(std::string(1000, 'x'), "x", "@all/" + next.substr(1)));
+    }
+    WriteFile("a.kor", " RET\n");
+    EXPECT_EQ("", RunKorvAs({"@1"}));
+    EXPECT_TRUE(Contains(RunKorvAs({"@all/1"}), "the argument files have more than 1048576 bytes")) << "or it would not end";
 }
 // clang-format on
 

@@ -47,6 +47,12 @@ struct Opening {
     Place includedAt;                 ///< the INCLUDE; nowhere for the main file
 };
 
+/// The name of a file in an INCLUDE or BINCLUDE, and the file that was read for it.
+struct FileUse {
+    Place place;
+    std::int32_t file = noIndex;  ///< index in `files`
+};
+
 enum class StatementKind : std::uint8_t {
     blank,        ///< nothing, or only a comment
     label,        ///< a label alone
@@ -143,6 +149,7 @@ struct LoadHeader {
 struct Analysis {
     std::vector<SourceFile> files;      ///< those that were read; the main file first
     std::vector<Opening> openings;      ///< in the order of opening
+    std::vector<FileUse> fileUses;      ///< with `Wanted::uses` only
     std::vector<Statement> statements;  ///< with `Wanted::statements` only
     std::vector<Message> messages;      ///< in the order in which they are printed
     std::vector<Name> names;            ///< by text; with `Wanted::names` only

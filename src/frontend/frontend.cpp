@@ -4,14 +4,17 @@
 #include "frontend/frontend.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
 #include <span>
 #include <string>
+#include <system_error>
 #include <vector>
 
 #include "driver/assembler.h"
+#include "driver/disk_store.h"
 #include "expr/tmp_string.h"
 #include "frontend/messages.h"
 #include "frontend/options.h"
@@ -48,14 +51,19 @@ bool ReadAll(Read read, std::string* text) {
     return true;
 }
 
-// Reads what cannot be read again for messages. Result: whether `text` is the source.
-bool TakeSource(const std::string& source, std::string* text, bool* failed) {
+// Reads what cannot be read again for messages. Result: whether `text` is the source, or would be,
+// but for `failure`.
+bool TakeSource(const std::string& source, std::string* text, std::string* failure) {
+    constexpr const char* tooLong = "it is too long";
     if (source == standardStream) {
         platform::MakeBinary(stdin);
         const auto read = [](char* to, std::size_t count) {
             return std::fread(to, 1, count, stdin);
         };
-        *failed = !ReadAll(read, text) || std::ferror(stdin) != 0;
+        const bool isAll = ReadAll(read, text);
+        *failure = std::ferror(stdin) != 0 ? std::generic_category().message(errno)
+                   : isAll                 ? ""
+                                           : tooLong;
         return true;
     }
     if (platform::KindOf(source) != platform::FileKind::pipe) {
@@ -63,7 +71,8 @@ bool TakeSource(const std::string& source, std::string* text, bool* failed) {
     }
     platform::InputFile pipe;
     const auto read = [&pipe](char* to, std::size_t count) { return pipe.Read(to, count); };
-    *failed = !pipe.Open(source) || !ReadAll(read, text) || pipe.Failed();
+    const bool isAll = !pipe.Open(source) || ReadAll(read, text);
+    *failure = pipe.Failed() ? pipe.Reason() : isAll ? "" : tooLong;
     return true;
 }
 
@@ -90,10 +99,18 @@ bool AreRefused(const std::vector<Output>& outputs, const std::vector<std::strin
     return false;
 }
 
+void PrintUnwritten(const std::string& name, const std::string& reason) {
+    PrintFailure("cannot write " + name + ": " + reason);
+}
+
 bool WriteToStandardOutput(const std::string& contents) {
     platform::MakeBinary(stdout);
-    return std::fwrite(contents.data(), 1, contents.size(), stdout) == contents.size() &&
-           std::fflush(stdout) == 0;
+    if (std::fwrite(contents.data(), 1, contents.size(), stdout) == contents.size() &&
+        std::fflush(stdout) == 0) {
+        return true;
+    }
+    PrintUnwritten("standard output", std::generic_category().message(errno));
+    return false;
 }
 
 // The image, which is the first, gets its name last.
@@ -105,20 +122,60 @@ bool WriteAll(const std::vector<Output>& outputs, const platform::FileSet& files
             continue;
         }
         if (!files.back()->Open(output.name, platform::OutputFile::Kind::target, filesRead)) {
-            PrintFailure("cannot write " + output.name);
+            PrintUnwritten(output.name, files.back()->Reason());
             return false;
         }
         files.back()->Write(output.contents.data(), output.contents.size());
     }
     for (std::size_t i = outputs.size(); i-- > 0;) {
-        const bool isStream = outputs[i].name == standardStream;
-        if (isStream ? !WriteToStandardOutput(outputs[i].contents) : !files[i]->Commit()) {
-            PrintFailure("cannot write " + (isStream ? "standard output" : outputs[i].name));
+        if (outputs[i].name == standardStream) {
+            if (!WriteToStandardOutput(outputs[i].contents)) {
+                return false;
+            }
+        } else if (!files[i]->Commit()) {
+            PrintUnwritten(outputs[i].name, files[i]->Reason());
             return false;
         }
     }
     return true;
 }
+
+// The disk, with directories to search, and a main file that may have been read before.
+class Sources : public DiskStore {
+  public:
+    using DiskStore::DiskStore;
+
+    void AddDirectory(std::string_view name) {
+        if (std::string path = directory.FullPath(name).path; !path.empty()) {
+            searched.push_back(std::move(path));
+        }
+    }
+    CSourceFile Open(const std::string& path, std::uint32_t bufferSize) override {
+        const std::string* const text = std::exchange(mainText, nullptr);
+        return text != nullptr ? CSourceFile::OfText(*text) : DiskStore::Open(path, bufferSize);
+    }
+
+    const std::string* mainText = nullptr;  // not owned; null: the main file is read by its name
+
+  private:
+    platform::FoundPath Locate(std::string_view name) override {
+        platform::FoundPath found = directory.FullPath(name);
+        if (std::exchange(isMain, false) || found.path.empty() || found.isFile ||
+            platform::IsAbsolutePath(name)) {
+            return found;
+        }
+        for (const std::string& elsewhere : searched) {
+            platform::FoundPath other = directory.FullPath(elsewhere + '/' + std::string(name));
+            if (other.isFile) {
+                return other;
+            }
+        }
+        return found;
+    }
+
+    std::vector<std::string> searched;  // full paths
+    bool isMain = true;                 // the next name is that of the main file
+};
 
 class Frontend {
   public:
@@ -133,17 +190,19 @@ class Frontend {
 
     int Run() {
         std::string text;
-        bool failed = false;
-        if (TakeSource(options.source, &text, &failed)) {
+        std::string failure;
+        if (TakeSource(options.source, &text, &failure)) {
             isFromStream = true;
-            assembler.mainText = &text;
+            sources.mainText = &text;
             messages.texts.SetText(1, text);
             if (options.source == standardStream) {
                 messages.SetStandardInput();
             }
         }
-        if (failed) {
-            PrintFailure("cannot read " + options.source);
+        if (!failure.empty()) {
+            PrintFailure("cannot read " +
+                         (options.source == standardStream ? "standard input" : options.source) +
+                         ": " + failure);
             return statusFailure;
         }
         Assemble();
@@ -156,13 +215,13 @@ class Frontend {
   private:
     void Assemble() {
         for (const std::string& directory : options.includes) {
-            std::string path;
-            if (assembler.directory.FullPath(directory, &path)) {
-                assembler.searchDirectories.push_back(path);
-            }
+            sources.AddDirectory(directory);
         }
+        assembler.sources = &sources;
         assembler.sourceName = options.source;
-        assembler.flags.Set(RF_SYSTEM_IDS | (options.format == ImageFormat::bin ? RF_BINARY : 0));
+        assembler.flags.Set((options.hasFreeNames ? 0 : RF_SYSTEM_IDS) |
+                            (options.format == ImageFormat::bin ? RF_BINARY : 0));
+        assembler.SetLineBufferSize(static_cast<std::int32_t>(options.lineLength));
         assembler.AssembleSource();
         watch.Finish();
     }
@@ -173,7 +232,7 @@ class Frontend {
             return statusFailure;
         }
         if (watch.IsWithoutSource()) {
-            PrintFailure("cannot read " + options.source);
+            PrintUnreadSource();
             return statusFailure;
         }
         const std::vector<Output> outputs =
@@ -183,8 +242,17 @@ class Frontend {
             return statusErrors;
         }
         const bool isDone =
-            !AreRefused(outputs, ReadNames()) && WriteAll(outputs, assembler.filesRead);
+            !AreRefused(outputs, ReadNames()) && WriteAll(outputs, sources.FilesRead());
         return isDone ? statusDone : statusFailure;
+    }
+
+    // The run does not keep the reason; the system gives it again.
+    void PrintUnreadSource() {
+        std::string path;
+        platform::InputFile file;
+        const bool isNamed = assembler.directory.FullPath(options.source, &path);
+        const bool isKnown = !file.Open(isNamed ? path : options.source);
+        PrintFailure("cannot read " + options.source + (isKnown ? ": " + file.Reason() : ""));
     }
 
     // What is to be written; warns of an image that has no single meaning.
@@ -225,6 +293,7 @@ class Frontend {
     Options options;
     Messages messages;
     CAssembler assembler;
+    Sources sources{&assembler.flags};
     RunWatch watch;
     bool isFromStream = false;
 };
@@ -234,10 +303,20 @@ class Frontend {
 int RunFrontend(int argumentCount, char** arguments) {
     platform::OpenStandardStreams();
     Options options;
-    if (const std::optional<int> status = ReadOptions(argumentCount, arguments, &options)) {
-        return *status;
+    if (const std::string failure = ReadOptions(argumentCount, arguments, &options);
+        !failure.empty()) {
+        PrintFailure(failure);
+        return statusFailure;
     }
-    return Frontend(std::move(options)).Run();
+    switch (options.request) {
+        case Request::assemble:
+            return Frontend(std::move(options)).Run();
+        case Request::printHelp:
+            return WriteToStandardOutput(HelpText()) ? statusDone : statusFailure;
+        case Request::printVersion:
+            return WriteToStandardOutput(VersionText()) ? statusDone : statusFailure;
+    }
+    return statusFailure;
 }
 
 }  // namespace korv

@@ -6,34 +6,10 @@
 #include "driver/assembler.h"
 #include "frontend/hint_table.h"
 #include "frontend/messages.h"
+#include "frontend/nearest.h"
 
 namespace korv {
 namespace {
-
-// Keeps the word that is nearest to one.
-class Nearest {
-  public:
-    explicit Nearest(std::string_view wanted)
-        : wanted(wanted), best(wanted.size() < 6 ? 2 : 3) {}  // one step less is near enough
-
-    void Try(std::string_view word) {
-        if (word.size() + best > wanted.size() && wanted.size() + best > word.size() &&
-            word.size() <= longestCompared && wanted.size() <= longestCompared) {
-            if (const std::size_t steps = EditDistance(wanted, word); steps < best) {
-                best = steps;
-                found = word;
-            }
-        }
-    }
-    [[nodiscard]] std::string Question() const {
-        return found.empty() || wanted.size() < 2 ? "" : "did you mean " + std::string(found) + "?";
-    }
-
-  private:
-    std::string_view wanted;
-    std::size_t best;
-    std::string_view found;
-};
 
 std::string NearestKeyword(std::string_view word) {
     Nearest nearest(word);
@@ -119,8 +95,8 @@ std::string QuotedInclude(CAssembler* assembler, const Fault& fault) {
     }
     name = name.substr(1, name.size() - 2);
     std::string path;
-    const bool isThere =
-        assembler->FindFile(name, &path) && platform::KindOf(path) == platform::FileKind::regular;
+    const bool isThere = assembler->sources->Find(name, &path) == 0 &&
+                         platform::KindOf(path) == platform::FileKind::regular;
     return isThere ? "write the name without quotes: INCLUDE " + std::string(name) : "";
 }
 

@@ -1,165 +1,263 @@
+// Reads the command line by the table of options. The rules are those of GNU programs: options and
+// the source in any order, letters together ("-wl list"), "--name=value" or "--name value", and
+// only files after "--".
+
 #include "frontend/options.h"
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
-#include <cstdio>
-#include <map>
+#include <optional>
+#include <utility>
 
-#include "frontend/messages.h"
+#include "frontend/argument_files.h"
+#include "frontend/nearest.h"
+#include "frontend/option_table.h"
 #include "platform/platform.h"
 #include "source/char_class.h"
 
 namespace korv {
 namespace {
 
-constexpr const char* version = "korv-as 2.00.025";
+constexpr std::string_view seeHelp = "; --help lists the options";
 
-template <typename Choice>
-using Words = std::map<std::string, Choice>;
-
-const Words<ImageFormat> formats = {
-    {"com", ImageFormat::com}, {"bin", ImageFormat::bin}, {"hex", ImageFormat::hex}};
-const Words<SymbolFormat> symbolFormats = {{"equ", SymbolFormat::equ}, {"sym", SymbolFormat::sym}};
-const Words<ColorChoice> colors = {{"auto", ColorChoice::automatic},
-                                   {"always", ColorChoice::always},
-                                   {"never", ColorChoice::never}};
-
-std::string WarningHelp() {
-    std::string text = "Warnings, for -W (those with * are on):\n";
-    for (const WarningRow& row : warningTable) {
-        std::string name = (row.isOn ? "  * " : "    ") + std::string(row.name);
-        name.resize(std::max<std::size_t>(name.size() + 1, 30), ' ');
-        text += name.append(row.meaning) + "\n";
-    }
-    return text +
-           "\nExit status: 0 assembled, 1 errors in the source, 2 wrong use or a file that "
-           "cannot be read or written.";
+const OptionRow* RowOf(char letter) {
+    const auto row = std::ranges::find(optionTable, letter, &OptionRow::letter);
+    return row == optionTable.end() || letter == '\0' ? nullptr : &*row;
 }
 
-// The format whose extension `name` has.
-std::optional<ImageFormat> FormatOf(const std::string& name) {
-    std::string extension(platform::SplitPath(name).extension);
-    std::ranges::transform(extension, extension.begin(), [](char c) {
-        return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
-    });
-    const auto found = extension.empty() ? formats.end() : formats.find(extension.substr(1));
-    return found == formats.end() ? std::nullopt : std::optional(found->second);
+const OptionRow* RowOf(std::string_view name) {
+    const auto row = std::ranges::find(optionTable, name, &OptionRow::name);
+    return row == optionTable.end() || name.empty() ? nullptr : &*row;
 }
 
-// An option with one word of a few; the last one given counts.
-template <typename Choice>
-CLI::Option* AddChoice(CLI::App* app, const char* name, const Words<Choice>& words, Choice* choice,
-                       const char* help) {
-    const auto take = [&words, choice, name](const std::string& word) {
-        const auto found = words.find(word);
-        if (found == words.end()) {
-            std::string all;
-            for (const auto& row : words) {
-                all += (all.empty() ? "" : ", ") + row.first;
-            }
-            throw CLI::ValidationError(name, word + " is none of " + all);
+// The name in "--name" and "--name=value".
+std::string_view LongName(std::string_view word) {
+    return word.substr(2, word.find('=') - 2);
+}
+
+bool IsOption(std::string_view word) {
+    return word == "--" || (word.starts_with("--")
+                                ? RowOf(LongName(word)) != nullptr
+                                : word.size() > 1 && word[0] == '-' && RowOf(word[1]) != nullptr);
+}
+
+std::string Unknown(std::string_view word) {
+    const std::string_view typed = word.substr(0, word.find('='));
+    const std::string_view name =
+        typed.substr(std::min(typed.find_first_not_of('-'), typed.size()));
+    std::string meant;
+    Nearest nearest(name);
+    for (const OptionRow& row : optionTable) {
+        nearest.Try(row.name);
+        const bool isStart = name.size() > 1 && row.name.starts_with(name);
+        const bool isOtherCase = name.size() == 1 && Raised(row.letter) == Raised(name[0]);
+        if (meant.empty() && (isStart || isOtherCase)) {
+            meant = isStart ? "--" + std::string(row.name) : std::string{'-', row.letter};
         }
-        *choice = found->second;
-    };
-    return app->add_option_function<std::string>(name, take, help)->take_last();
+    }
+    if (!nearest.Found().empty()) {
+        meant = "--" + std::string(nearest.Found());
+    }
+    return "unknown option " + Quoted(typed) +
+           (meant.empty() ? std::string(seeHelp) : "; did you mean " + Quoted(meant) + "?");
 }
 
-// An option with a number; the last one given counts.
-void AddNumber(CLI::App* app, const char* name, std::uint64_t* number, const char* help) {
-    const auto isNumber = [](const std::string& word) {
-        const bool isOne = !word.empty() && word.size() <= 18 &&
-                           std::ranges::all_of(word, [](char c) { return HasClass(c, CC_DIGIT); });
-        return isOne ? "" : word + " is no number";
-    };
-    app->add_option(name, *number, help)->take_last()->check(isNumber);
+class Parser {
+  public:
+    Parser(const std::vector<std::string>& words, Options* options)
+        : words(words), options(options) {}
+
+    // Result, here and below: what is wrong, or empty.
+    std::string Parse() {
+        std::string failure;
+        bool areOptionsOver = false;
+        for (; at < words.size() && failure.empty() && options->request == Request::assemble;
+             ++at) {
+            const std::string_view word = words[at];
+            if (!areOptionsOver && word == "--") {
+                areOptionsOver = true;
+            } else if (areOptionsOver || word.size() < 2 || word[0] != '-') {
+                failure = TakeSource(word);
+            } else {
+                failure = word.starts_with("--") ? TakeLong(word) : TakeLetters(word);
+            }
+        }
+        return failure;
+    }
+
+  private:
+    std::string TakeSource(std::string_view word) {
+        if (word.empty()) {
+            return "the name of the source is empty";
+        }
+        if (!options->source.empty()) {
+            return "one source file at a time: " + Quoted(options->source) + " and " +
+                   Quoted(word) + " are given";
+        }
+        options->source = word;
+        return "";
+    }
+
+    std::string TakeLong(std::string_view word) {
+        const std::string_view name = LongName(word);
+        const OptionRow* const row = RowOf(name);
+        if (row == nullptr) {
+            return Unknown(word);
+        }
+        const std::size_t end = 2 + name.size();
+        return Take(*row, word.substr(0, end),
+                    end < word.size() ? std::optional(word.substr(end + 1)) : std::nullopt);
+    }
+
+    std::string TakeLetters(std::string_view word) {
+        for (std::size_t i = 1; i < word.size(); ++i) {
+            const OptionRow* const row = RowOf(word[i]);
+            const std::string spelled = {'-', word[i]};
+            if (row == nullptr) {
+                return Unknown(i == 1 ? word : std::string_view(spelled));
+            }
+            if (row->NeedsArgument()) {
+                const std::string_view rest = word.substr(i + 1);
+                return Take(*row, spelled, rest.empty() ? std::nullopt : std::optional(rest));
+            }
+            if (std::string failure = Take(*row, spelled, std::nullopt); !failure.empty()) {
+                return failure;
+            }
+        }
+        return "";
+    }
+
+    // `attached` is the argument in the same word.
+    std::string Take(const OptionRow& row, std::string_view spelled,
+                     std::optional<std::string_view> attached) {
+        if (row.argument.empty() && attached) {
+            return std::string(spelled) + " takes no argument: " + Quoted(*attached);
+        }
+        if (row.NeedsArgument() && !attached) {
+            // A name that is an option was hardly meant; "./-o" and "--listing=-o" are possible.
+            if (at + 1 == words.size() || IsOption(words[at + 1])) {
+                return "missing " + std::string(row.argument) + " after " + Quoted(spelled);
+            }
+            attached = words[++at];
+        }
+        if (row.NeedsArgument() && attached->empty()) {
+            return "empty " + std::string(row.argument) + " after " + Quoted(spelled);
+        }
+        const std::string failure = row.take(row, attached.value_or(""), options);
+        return failure.empty() ? "" : std::string(spelled) + ": " + failure;
+    }
+
+    const std::vector<std::string>& words;
+    std::size_t at = 0;
+    Options* options;
+};
+
+// The extension of a format is its word on the command line.
+std::string ExtensionOf(ImageFormat format) {
+    return "." + std::string(RowOf("format")->Choices()[static_cast<std::size_t>(format)]);
 }
 
-// What depends on several words. Result: what is wrong with them; empty: nothing.
-std::string Complete(Options* options, bool isFormatGiven) {
+ImageFormat FormatOf(std::string_view name) {
+    const std::string_view extension = platform::SplitPath(name).extension;
+    for (const ImageFormat format : {ImageFormat::bin, ImageFormat::hex}) {
+        if (std::ranges::equal(extension, ExtensionOf(format), {}, Raised, Raised)) {
+            return format;
+        }
+    }
+    return ImageFormat::com;
+}
+
+// Settles what depends on several words.
+std::string Complete(Options* options) {
     if (options->source.empty()) {
-        return "no source is given; --help tells the options";
+        return "no source file is given" + std::string(seeHelp);
     }
-    if (!isFormatGiven) {
-        options->format = FormatOf(options->output).value_or(ImageFormat::com);
+    if (options->isQuiet) {
+        options->warnings.TakeNone();
     }
+    options->format = options->wantedFormat.value_or(FormatOf(options->output));
     for (std::string* const name :
          {&options->output, &options->depfile, &options->listing, &options->symbols}) {
-        if (*name == "/dev/stdout") {  // what else goes there stays
+        if (*name == "/dev/stdout") {  // what else is written there is kept
             *name = standardStream;
         }
     }
     if (options->output.empty()) {
         if (options->source == standardStream) {
-            return "standard input has no name to derive that of the image from: give -o";
+            return "standard input has no name from which to derive that of the image; use -o";
         }
         const platform::PathParts parts = platform::SplitPath(options->source);
-        const auto named =
-            std::ranges::find(formats, options->format, [](const auto& row) { return row.second; });
-        options->output =
-            std::string(parts.directory) + std::string(parts.baseName) + "." + named->first;
+        options->output = std::string(parts.directory) + std::string(parts.baseName) +
+                          ExtensionOf(options->format);
     }
     if (!options->depfile.empty() && options->output == standardStream) {
-        return "dependencies need a target with a name: give -o";
+        return "dependencies need a target with a name; use -o";
     }
     return "";
 }
 
+// Appends `left` and, from column 34 on, `right` in lines of at most 80 characters.
+void AddHelp(std::string_view left, std::string_view right, std::string* text) {
+    constexpr std::size_t column = 34;
+    constexpr std::size_t width = 80 - column;
+    std::string start(left);
+    if (start.size() > column - 2) {
+        *text += start + "\n";
+        start.clear();
+    }
+    while (!right.empty()) {
+        std::size_t end = right.size();
+        if (end > width) {
+            end = right.rfind(' ', width);
+        }
+        start.resize(column, ' ');
+        *text += start.append(right.substr(0, end)) + "\n";
+        start.clear();
+        right.remove_prefix(std::min(end + 1, right.size()));
+    }
+}
+
 }  // namespace
 
-std::optional<int> ReadOptions(int argumentCount, char** arguments, Options* options) {
-    CLI::App app("Assembles one source for the Z80 into one image.", "korv-as");
-    std::vector<std::string> warningWords;
-    bool isQuiet = false;
-    const auto list = [&app](const char* name, std::vector<std::string>* words, const char* help) {
-        return app.add_option(name, *words, help)->allow_extra_args(false);
-    };
-    app.set_help_flag("--help", "print this");
-    app.set_version_flag("--version", version, "print the version");
-    app.footer(WarningHelp());
-    app.get_formatter()->column_width(34);
-    app.add_option("FILE", options->source, "the source; - is standard input");
-    app.add_option("-o", options->output,
-                   "the image; - is standard output; default: beside the source");
-    const auto* const format =
-        AddChoice(&app, "-f,--format", formats, &options->format,
-                  "com, bin (with load header) or hex (Intel HEX); default: by the extension of "
-                  "-o, else com");
-    list("-D", &options->defines, "NAME or NAME=EXPRESSION: a name defined before the first line");
-    list("-I", &options->includes, "DIR: where INCLUDE and BINCLUDE look too");
-    app.add_option("-M,--depfile", options->depfile, "write dependencies for make and ninja");
-    app.add_option("-l,--listing", options->listing, "write a listing");
-    app.add_option("--symbols", options->symbols, "write names and values");
-    AddChoice(&app, "--symbol-format", symbolFormats, &options->symbolFormat,
-              "equ (assembles again) or sym (BANK:ADDR NAME)");
-    list("-W", &warningWords, "NAME, no-NAME, error, error=NAME: see below");
-    app.add_flag("-w", isQuiet, "no warnings");
-    AddNumber(&app, "--max-errors", &options->maxErrors, "print no more; 0: all; default 100");
-    AddNumber(&app, "--max-image", &options->maxImage, "longest image in bytes; default 65536");
-    AddChoice(&app, "--color", colors, &options->color, "auto, always or never");
-    try {
-        app.parse(argumentCount, arguments);
-    } catch (const CLI::ParseError& end) {
-        if (end.get_exit_code() == 0) {
-            return app.exit(end);
+std::string TakeWords(const std::vector<std::string>& words, Options* options) {
+    std::string failure = Parser(words, options).Parse();
+    if (failure.empty() && options->request == Request::assemble) {
+        failure = Complete(options);
+    }
+    return failure;
+}
+
+std::string ReadOptions(int argumentCount, char** arguments, Options* options) {
+    std::vector<std::string> words(arguments + std::min(argumentCount, 1),
+                                   arguments + argumentCount);
+    const std::string failure = ExpandArgumentFiles(&words);
+    return failure.empty() ? TakeWords(words, options) : failure;
+}
+
+std::string HelpText() {
+    std::string text =
+        "Usage: korv-as [OPTION]... FILE\n"
+        "Assembles the Z80 source FILE, or standard input if it is -, into one image.\n\n";
+    for (const OptionRow& row : optionTable) {
+        std::string left = row.letter == '\0' ? "    " : std::string{' ', ' ', '-', row.letter};
+        if (!row.name.empty()) {
+            left.append(row.letter == '\0' ? "  --" : ", --").append(row.name);
         }
-        PrintFailure(std::string(end.what()) + "; --help tells the options");
-        return statusFailure;
+        left.append(row.NeedsArgument() ? " " : "").append(row.argument);
+        AddHelp(left, row.help, &text);
     }
-    for (const std::string& word : warningWords) {
-        if (!options->warnings.Take(word)) {
-            PrintFailure("-W " + word + ": there is no such warning; --help tells them");
-            return statusFailure;
-        }
+    AddHelp("  @FILE",
+            "take further words from FILE, quoted as in a shell; # begins a comment line", &text);
+    text += "\nWarnings, for -W; those with * are on by default:\n";
+    for (const WarningRow& row : warningTable) {
+        AddHelp((row.isOn ? "  * " : "    ") + std::string(row.name), row.meaning, &text);
     }
-    if (isQuiet) {
-        options->warnings.TakeNone();
-    }
-    const std::string failure = Complete(options, format->count() > 0);
-    if (!failure.empty()) {
-        PrintFailure(failure);
-        return statusFailure;
-    }
-    return std::nullopt;
+    return text +
+           "\nExit status: 0 assembled; 1 errors in the source; 2 wrong use, or a file that\n"
+           "cannot be read or written.\n";
+}
+
+std::string VersionText() {
+    return "korv-as 2.00.025\n";
 }
 
 }  // namespace korv

@@ -14,6 +14,9 @@ enum class ImageFormat : std::uint8_t { com, bin, hex };
 enum class SymbolFormat : std::uint8_t { equ, sym };
 enum class ColorChoice : std::uint8_t { automatic, always, never };
 
+/// What the program is asked to do.
+enum class Request : std::uint8_t { assemble, printHelp, printVersion };
+
 /// The exit statuses.
 inline constexpr int statusDone = 0;
 inline constexpr int statusErrors = 1;   ///< in the source
@@ -23,23 +26,35 @@ inline constexpr int statusFailure = 2;  ///< wrong use, or a file that cannot b
 inline constexpr const char* standardStream = "-";
 
 struct Options {
+    Request request = Request::assemble;  ///< if it is another one, nothing else counts
     std::string source;
-    std::string output;  ///< the image; never empty
-    ImageFormat format = ImageFormat::com;
-    std::vector<std::string> defines;
-    std::vector<std::string> includes;
-    std::string depfile;  ///< this one and the next two: empty for none
+    std::string output;                       ///< the image; never empty
+    std::optional<ImageFormat> wantedFormat;  ///< none: by the extension of `output`
+    ImageFormat format = ImageFormat::com;    ///< of the image
+    std::vector<std::string> defines;         ///< NAME or NAME=EXPRESSION
+    std::vector<std::string> includes;        ///< directories
+    std::string depfile;                      ///< this one and the next two: empty for none
     std::string listing;
     std::string symbols;
     SymbolFormat symbolFormat = SymbolFormat::equ;
     WarningChoice warnings;
-    std::uint64_t maxErrors = 100;  ///< 0 for all
-    std::uint64_t maxImage = 65536;
+    bool isQuiet = false;            ///< no warnings at all
+    std::uint64_t lineLength = 256;  ///< longest line in bytes, with its comment and its end
+    bool hasFreeNames = false;       ///< reserved words may be labels
+    std::uint64_t maxErrors = 100;   ///< 0 for all
+    std::uint64_t maxImage = 65536;  ///< bytes
     ColorChoice color = ColorChoice::automatic;
 };
 
-/// Reads the command line. Result: nothing, and `options` is complete; or the exit status of a run
-/// that has done what it was asked (help, version) or has said what is wrong.
-[[nodiscard]] std::optional<int> ReadOptions(int argumentCount, char** arguments, Options* options);
+/// Takes the words of a command line, without the name of the program and with no @FILE among them.
+/// Result: what is wrong with them, and `options` is of no use; empty: nothing, and it is complete.
+[[nodiscard]] std::string TakeWords(const std::vector<std::string>& words, Options* options);
+
+/// The same for the words that `main` gets, after each @FILE has been replaced by its words.
+[[nodiscard]] std::string ReadOptions(int argumentCount, char** arguments, Options* options);
+
+/// The texts of --help and --version.
+[[nodiscard]] std::string HelpText();
+[[nodiscard]] std::string VersionText();
 
 }  // namespace korv

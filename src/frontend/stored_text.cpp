@@ -25,8 +25,9 @@ std::size_t StoredText::LineStart(std::int32_t number) const {
 }
 
 std::string_view StoredText::Line(std::int32_t number) const {
-    const std::string_view rest = std::string_view(bytes).substr(LineStart(number));
-    std::string_view line = rest.substr(0, rest.find('\n'));
+    const std::size_t start = LineStart(number);
+    std::string_view line(bytes.data() + start, LineStart(number + 1) - start);
+    line.remove_suffix(line.ends_with('\n') ? 1 : 0);
     line.remove_suffix(line.ends_with('\r') ? 1 : 0);
     return line;
 }

@@ -45,6 +45,10 @@ void OnSignal(int number) {
 
 }  // namespace
 
+int LastError() {
+    return errno != 0 ? errno : EIO;
+}
+
 void BreakOff() {
     std::raise(SIGINT);
 }
@@ -82,8 +86,9 @@ bool InputFile::Open(std::string_view name) {
     handle =
         FileHandle(Requested([&] { return open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY); }));
     struct stat status;
-    if (handle < 0 || Requested([&] { return fstat(handle, &status); }) != 0 ||
-        S_ISDIR(status.st_mode)) {
+    const bool isKnown = handle >= 0 && Requested([&] { return fstat(handle, &status); }) == 0;
+    if (!isKnown || S_ISDIR(status.st_mode)) {
+        error = isKnown ? EISDIR : LastError();
         handle = FileHandle();
         return false;
     }

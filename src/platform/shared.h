@@ -2,7 +2,10 @@
 #pragma once
 
 #include <cstddef>
+#include <string>
 #include <string_view>
+
+#include "platform/platform.h"
 
 namespace korv::platform {
 
@@ -10,6 +13,9 @@ inline constexpr std::string_view separators = "/\\";
 
 /// Whether a request fails on purpose.
 [[nodiscard]] bool FailsOnPurpose();
+
+/// The system's number of the failure of the last request; never 0.
+[[nodiscard]] int LastError();
 
 /// Makes a console event come.
 void BreakOff();
@@ -21,5 +27,40 @@ void BreakOff();
 
 /// Makes an open file one without bytes.
 [[nodiscard]] bool Empty(int handle);
+
+// What `OutputFile` asks of a system.
+
+/// What the name of an output leads to.
+struct OutputPlace {
+    OutputFile::Kind kind{};
+    std::string path;           ///< where a new file is to be
+    std::string directory;      ///< of `path`, with its separator
+    FileHandle handle;          ///< of what is there, open for writing; none: there is nothing
+    bool isRegular = false;     ///< what is there is a file, and no device or pipe
+    bool isReplaceable = true;  ///< a new file can take that name
+    unsigned mode = 0;          ///< permissions or attributes of a new file, in the system's bits
+};
+
+/// Looks for what `place->path`, at first as it was typed, leads to. False: it may not be written,
+/// or is one of the files of `kept`, or the system does not say.
+[[nodiscard]] bool FindPlace(const FileSet& kept, OutputPlace* place);
+
+enum class Creation {
+    done,
+    nameIsTaken,
+    isRefused,  ///< by the directory: what is there already can be written all the same
+    failed,     ///< what is there would only be lost
+};
+/// Creates `temporary`, which is removed if the process ends before `PutInPlace` or `Remove`.
+[[nodiscard]] Creation Create(const std::string& temporary, const OutputPlace& place,
+                              FileHandle* handle);
+/// Gives a new file the owner and the permissions of what is at `place`. False: that cannot be.
+[[nodiscard]] bool MakeAlike(int handle, const OutputPlace& place);
+/// Ends a file, and gives `temporary`, if it is not empty, the name `path`.
+[[nodiscard]] bool PutInPlace(FileHandle* handle, const std::string& temporary,
+                              const std::string& path);
+void Remove(const std::string& temporary);
+/// The number of the process, from which names of temporary files are made.
+[[nodiscard]] unsigned long ProcessNumber();
 
 }  // namespace korv::platform

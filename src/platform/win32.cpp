@@ -51,8 +51,8 @@ OwnedHandle OpenHandle(const std::wstring& path, DWORD access, DWORD disposition
     }));
 }
 
-FileHandle Numbered(OwnedHandle file) {
-    FileHandle number(_open_osfhandle(reinterpret_cast<std::intptr_t>(file.get()), _O_BINARY));
+FileHandle Numbered(OwnedHandle file, int mode) {
+    FileHandle number(_open_osfhandle(reinterpret_cast<std::intptr_t>(file.get()), mode));
     if (number >= 0) {
         static_cast<void>(file.release());
     }
@@ -76,15 +76,22 @@ bool InputFile::Open(std::string_view name) {
     OwnedHandle file = OpenHandle(Unlimited(FullName(Wide(name))), GENERIC_READ, OPEN_EXISTING,
                                   FILE_FLAG_SEQUENTIAL_SCAN);
     if (file.get() == INVALID_HANDLE_VALUE) {
+        error = LastError();
         return false;
     }
     LARGE_INTEGER bytes = {};
     hasSize = GetFileType(file.get()) == FILE_TYPE_DISK;
     if (!hasSize || (Identify(file.get(), &identity) && GetFileSizeEx(file.get(), &bytes) != 0)) {
         size = static_cast<std::uint64_t>(bytes.QuadPart);
-        handle = Numbered(std::move(file));
+        handle = Numbered(std::move(file), _O_BINARY);
     }
+    error = IsOpen() ? 0 : LastError();
     return IsOpen();
+}
+
+int LastError() {
+    const DWORD error = GetLastError();
+    return static_cast<int>(error != ERROR_SUCCESS ? error : ERROR_IO_DEVICE);
 }
 
 FileHandle::~FileHandle() {

@@ -1,0 +1,45 @@
+# bash completion for korv-as
+
+_korv_as()
+{
+    local options="-o -f --format -D -I -M --depfile -l --listing --symbols --symbol-format -W -w
+        --line-length --no-reserved --max-errors --max-image --color -h --help -V --version"
+    local warnings="late-location truncated continued-comment org-gap number-label register-value
+        nested-if condition early-end negative-size keyword-label null-byte carriage-return end-mark
+        overlap range open-string empty-operand skipped-line label-without-colon org"
+    local current=$2 previous=$3 words= kind= warning
+
+    if [[ $previous == "=" ]]; then # which bash takes for a word
+        previous=${COMP_WORDS[COMP_CWORD - 2]}
+    fi
+    case $previous in
+        -f | --format) words="com bin hex" ;;
+        --symbol-format) words="equ sym" ;;
+        --color) words="auto always never" ;;
+        -W)
+            words="error no-error $warnings"
+            for warning in $warnings; do
+                words+=" no-$warning"
+            done
+            ;;
+        error | no-error) words=$warnings ;;
+        -D | --line-length | --max-errors | --max-image) ;;
+        -I) kind=-d ;;
+        *)
+            case $current in
+                -*) words=$options ;;
+                *) kind=-f ;;
+            esac
+            ;;
+    esac
+    if [[ $current == @* ]]; then
+        mapfile -t COMPREPLY < <(compgen -P @ -f -- "${current#@}")
+    elif [[ -n $kind ]]; then
+        compopt -o filenames 2>/dev/null
+        mapfile -t COMPREPLY < <(compgen "$kind" -- "$current")
+    else
+        mapfile -t COMPREPLY < <(compgen -W "$words" -- "$current")
+    fi
+}
+
+complete -F _korv_as korv-as

@@ -1,0 +1,454 @@
+// The observer of a run. Reports are kept until their statement has been assembled, since the first
+// of them may be the consequence of a later one; then those that only follow from another are
+// dropped, and the others become messages with a place in the file and a note.
+
+#include "frontend/analyser.h"
+
+#include <algorithm>
+#include <tuple>
+#include <unordered_map>
+#include <utility>
+
+#include "codegen/handlers.h"
+#include "codegen/keywords.h"
+#include "driver/assembler.h"
+#include "driver/run_observer.h"
+#include "expr/number.h"
+#include "expr/tmp_string.h"
+#include "frontend/checks.h"
+#include "frontend/condition_watch.h"
+#include "frontend/file_store.h"
+#include "frontend/logical_line.h"
+#include "frontend/message_maker.h"
+#include "frontend/name_collector.h"
+#include "source/char_class.h"
+
+namespace korv {
+namespace {
+
+// A definition of the command line as the reader would have cleaned it.
+std::string RaisedOutsideStrings(std::string_view text) {
+    std::string raised(text);
+    bool isString = false;
+    for (char& c : raised) {
+        isString = isString != (c == '"');
+        c = isString ? c : Raised(c);
+    }
+    return raised;
+}
+
+// The mnemonic in the line of `statement`, or what is in its place; empty for none.
+std::string_view MnemonicOf(const CStatement& statement) {
+    const char* start = statement.text;
+    if (statement.HasLabel()) {
+        start = statement.label.data() + statement.label.size();
+        start += *start != '\0' ? 1 : 0;
+    }
+    start = SkipBlanks(start);
+    const char* end = start;
+    while (*end != '\0' && !HasClass(*end, CC_BLANK)) {
+        ++end;
+    }
+    return {start, end};
+}
+
+StatementKind KindOf(const CStatement& statement, std::string_view mnemonic,
+                     const Keyword* keyword) {
+    if (mnemonic.empty()) {
+        return statement.HasLabel() ? StatementKind::label : StatementKind::blank;
+    }
+    if (keyword == nullptr) {
+        return StatementKind::unknown;
+    }
+    switch (keyword->group) {
+        case KeywordGroup::instruction:
+            return StatementKind::instruction;
+        case KeywordGroup::data:
+            return StatementKind::data;
+        case KeywordGroup::space:
+            return StatementKind::space;
+        case KeywordGroup::directive:
+            break;
+    }
+    return StatementKind::directive;
+}
+
+// More files than any program opens. A file that includes itself several times would open millions.
+constexpr std::size_t maxOpenings = 65536;
+
+class Analyser : public RunObserver {
+  public:
+    Analyser(const Options& options, FileStore* store, const Wanted& wanted);
+    Analysis Run();
+
+    void OnMessage(std::int32_t kind, std::int32_t number, std::string_view text,
+                   const SourcePlace& place) override;
+    void OnStart() override;
+    void OnFile(const std::string& path, std::int32_t number, CStatement* statement) override;
+    void OnFileEnd() override;
+    void OnIncludedBytes(const std::string& path) override;
+    void OnStatement(CStatement& statement, std::uint32_t lineCount) override;
+
+  private:
+    // A source that is being read.
+    struct Level {
+        CStatement* statement;  // in hand
+        std::int32_t opening;
+        std::vector<Report> reports = {};  // of the statement
+        bool isRecorded = false;           // the statement is an INCLUDE and has its record
+    };
+    std::string Define(std::string_view define);
+    void Stop(const CStatement& statement, std::string text, std::string code, std::string note);
+    std::int32_t FileAt(const std::string& path, bool isBinary);
+    void AddFileUse(const CStatement& statement, std::int32_t file);
+    bool TakeReports(Level* level);
+    void Record(const CStatement& statement, std::uint32_t lineCount, std::uint32_t count);
+    void CheckStatement(CStatement* statement, std::uint32_t count);
+    void CheckOrg(const CStatement& statement);
+    void Warn(const CStatement& statement, const Findings& findings);
+    void WarnOfBytes(std::int32_t opening, const std::vector<ByteFinding>& findings);
+    void Finish();
+
+    const Options& options;
+    const Wanted wanted;
+    FileStore* const store;
+    Analysis analysis;
+    CAssembler assembler;
+    MessageMaker maker;
+    BlockBuilder blocks;
+    std::vector<Level> levels;  // the last one's statement is being assembled
+    ConditionWatch conditions;
+    std::unordered_map<std::string, std::int32_t> fileIndex;  // by full path
+    NameCollector names;
+    std::vector<Report> unresolved;  // found at the end of the run
+    std::string defineFailure;       // of the definition being made
+    bool isDefining = false;
+    bool isStopped = false;       // what is still reported follows from that
+    std::uint32_t imageSize = 0;  // after the last statement
+};
+
+Analyser::Analyser(const Options& options, FileStore* store, const Wanted& wanted)
+    : options(options),
+      wanted(wanted),
+      store(store),
+      assembler(stderr),
+      maker(&analysis, &assembler, store, &options.warnings) {
+    analysis.errorLimit = options.maxErrors;
+    assembler.sources = store;
+    assembler.sourceName = options.source;
+    assembler.maxImage = options.maxImage;
+    assembler.SetLineBufferSize(static_cast<std::int32_t>(options.lineLength));
+    assembler.flags.Set((options.hasFreeNames ? 0 : RF_SYSTEM_IDS) |
+                        (options.format == ImageFormat::bin ? RF_BINARY : 0));
+    assembler.Observe(this);
+}
+
+Analysis Analyser::Run() {
+    assembler.AssembleSource();
+    if (analysis.failure.empty()) {
+        Finish();
+    }
+    assembler.identifiers.ReleasePatches();  // they hold temporary strings
+    CtmpStringManager::ReleaseAll();
+    return std::move(analysis);
+}
+
+void Analyser::OnStart() {
+    assembler.statementAddress = assembler.location;  // for a $
+    isDefining = true;
+    for (const std::string& define : options.defines) {
+        if (const std::string reason = Define(define); !reason.empty()) {
+            analysis.failure = "-D " + define + ": " + reason;
+            isStopped = true;
+            assembler.flags.Set(RF_END);
+            break;
+        }
+    }
+    isDefining = false;
+}
+
+// Result: why `define`, NAME or NAME=EXPRESSION, cannot be made; empty: it has been.
+std::string Analyser::Define(std::string_view define) {
+    const std::size_t sign = define.find('=');
+    const std::string name = RaisedOutsideStrings(define.substr(0, sign));
+    const auto isNamePart = [](char c) { return HasClass(c, CC_NAME); };
+    std::int32_t value = 1;
+    if (name.empty() || !std::ranges::all_of(name, isNamePart) || name.size() > maxWord ||
+        ReadNumber(name, &value) != notANumber) {
+        return "'" + name + "' is not a name";
+    }
+    if (sign != std::string_view::npos) {
+        const std::string expression = RaisedOutsideStrings(define.substr(sign + 1));
+        UnresolvedName unknown;
+        const Status status = assembler.ScanExpression(expression, &value, &unknown);
+        if (status != 0) {
+            return MessageText(status);
+        }
+    }
+    defineFailure.clear();
+    assembler.identifiers.AddID({.name = name, .place = {}, .value = value, .flags = IDS_EQU});
+    return defineFailure;
+}
+
+// Ends the run with an error about `statement`.
+void Analyser::Stop(const CStatement& statement, std::string text, std::string code,
+                    std::string note) {
+    Message message;
+    message.place = maker.PlaceOf({statement.fileName, statement.lineNumber});
+    message.opening = statement.fileName - 1;
+    message.text = std::move(text);
+    message.code = std::move(code);
+    message.note = std::move(note);
+    maker.AddMessage(std::move(message));
+    isStopped = true;
+    assembler.flags.Set(RF_END);
+}
+
+// Index of the file at `path`, which has been read.
+std::int32_t Analyser::FileAt(const std::string& path, bool isBinary) {
+    const auto [found, isNew] =
+        fileIndex.emplace(path, static_cast<std::int32_t>(analysis.files.size()));
+    if (isNew) {
+        const bool isInput = analysis.files.empty() && options.source == standardStream;
+        analysis.files.push_back(
+            {store->TextOf(path), isInput ? "<stdin>" : store->ShownName(path), isBinary, isInput});
+    }
+    SourceFile& file = analysis.files[static_cast<std::size_t>(found->second)];
+    file.isBinary = file.isBinary && isBinary;
+    return found->second;
+}
+
+void Analyser::OnFile(const std::string& path, std::int32_t number, CStatement* statement) {
+    Opening opening{.file = FileAt(path, /*isBinary=*/false)};
+    if (!levels.empty()) {
+        Level& outer = levels.back();
+        opening.includer = outer.opening;
+        opening.includedAt =
+            maker.PlaceOf({outer.statement->fileName, outer.statement->lineNumber});
+        if (wanted.statements) {
+            Record(*outer.statement, 1, 0);
+            outer.isRecorded = true;
+        }
+        AddFileUse(*outer.statement, opening.file);
+        if (analysis.openings.size() == maxOpenings) {
+            Stop(*outer.statement, "too many files are included", "max-files",
+                 "check whether a file includes itself");
+        }
+    }
+    analysis.openings.push_back(opening);  // the core numbers its files in this order
+    levels.push_back({statement, number - 1});
+}
+
+void Analyser::OnFileEnd() {
+    Level& level = levels.back();
+    TakeReports(&level);
+    if (levels.size() > 1 && assembler.flags.Has(RF_END) && !isStopped) {
+        const StatementView view = CutStatement(level.statement->text);
+        if (view.keyword != nullptr && view.keyword->handler == AssembleEnd) {
+            Warn(*level.statement, {{Warning::earlyEnd, {}, "", "use END in the main file only"}});
+        }
+    }
+    levels.pop_back();
+}
+
+void Analyser::OnIncludedBytes(const std::string& path) {
+    AddFileUse(*levels.back().statement, FileAt(path, /*isBinary=*/true));
+}
+
+// `statement` has read the file that its operand names.
+void Analyser::AddFileUse(const CStatement& statement, std::int32_t file) {
+    if (wanted.uses) {
+        const std::string_view name = CutStatement(statement.text).rest;
+        analysis.fileUses.push_back({maker.PlaceOf(statement.PlaceOf(name)), file});
+    }
+}
+
+void Analyser::OnMessage(std::int32_t kind, std::int32_t number, std::string_view text,
+                         const SourcePlace& place) {
+    if (isDefining) {
+        defineFailure = MessageText(number);
+        return;
+    }
+    if (isStopped) {
+        return;
+    }
+    if (place.file == 0) {  // the main file cannot be had
+        if (analysis.failure.empty()) {
+            analysis.failure = "cannot read " + options.source + ": " + store->Failure();
+        }
+        return;
+    }
+    Report report{kind == ML_WARNING, number, std::string(text), place};
+    const CStatement* const live = levels.empty() ? nullptr : levels.back().statement;
+    report.isLate =
+        live == nullptr || place.file != live->fileName || place.line != live->lineNumber;
+    if (number == MSG_CANNOT_OPEN) {
+        report.reason = store->Failure();
+    }
+    if (live != nullptr) {
+        levels.back().reports.push_back(std::move(report));
+    } else {
+        unresolved.push_back(std::move(report));
+    }
+}
+
+// The messages of the reports on the statement of `level`, now that all of them are known. Result:
+// whether one says that its bytes are not what it seems to say.
+bool Analyser::TakeReports(Level* level) {
+    bool isFaulty = false;
+    std::vector<Report> reports = std::exchange(level->reports, {});
+    const auto isError = [](const Report& report) { return !report.isWarning && !report.isLate; };
+    const bool hasError = std::ranges::any_of(reports, isError);
+    for (const Report& report : reports) {
+        isFaulty = isFaulty || (!report.isLate &&
+                                (!report.isWarning || WarningOf(report.number) == Warning::range ||
+                                 report.number == MSG_ORG_AFTER_CODE));
+        // A label without a colon is the reason of an error in its line, which says so.
+        if (!hasError || report.number != MSG_LABEL_WITHOUT_COLON) {
+            maker.Add(report);
+        }
+    }
+    return isFaulty;
+}
+
+// Adds the record of a statement that has been assembled or, if it includes a file, of one that is
+// yet to be, so that it comes before those of the file.
+void Analyser::Record(const CStatement& statement, std::uint32_t lineCount, std::uint32_t count) {
+    const std::string_view mnemonic = MnemonicOf(statement);
+    const Keyword* const keyword = FindKeyword(mnemonic);
+    const Statement record{
+        .opening = statement.fileName - 1,
+        .line = statement.lineNumber,
+        .lineCount = lineCount,
+        .address = assembler.location - count,
+        .offset = imageSize,
+        .count = count,
+        .kind = KindOf(statement, mnemonic, keyword),
+        .isSkipped = assembler.assembling == 0 && !conditions.HasChanged(assembler),
+        .keyword = keyword};
+    analysis.statements.push_back(record);
+    if (count != 0) {
+        const Opening& opening = analysis.openings[static_cast<std::size_t>(record.opening)];
+        blocks.Add(record.address, record.offset, count, {opening.file, record.line},
+                   record.opening);
+    }
+}
+
+// Every statement comes here, so what is rare is done elsewhere.
+void Analyser::OnStatement(CStatement& statement, std::uint32_t lineCount) {
+    const std::uint32_t count = assembler.binary.Position() - imageSize;
+    Level& level = levels.back();
+    if (wanted.statements && !std::exchange(level.isRecorded, false)) {
+        Record(statement, lineCount, count);
+    }
+    imageSize += count;
+    const bool isFaulty = !level.reports.empty() && TakeReports(&level);
+    if (lineCount > 1) {
+        const StoredText& text = maker.TextOf(level.opening);
+        WarnOfBytes(level.opening,
+                    CheckComments(text, maker.places.LineAt(text, statement.lineNumber)));
+    }
+    if (statement.text[0] != '\0') {
+        if (wanted.uses) {
+            names.AddUses(statement, assembler.assembling == 0, &maker);
+        }
+        if (conditions.HasChanged(assembler)) {
+            Findings findings = conditions.Follow(assembler, statement);
+            if (!isFaulty) {
+                Warn(statement, findings);
+            }
+        }
+        if (!isFaulty && assembler.assembling != 0) {
+            CheckStatement(&statement, count);
+        }
+    }
+    if (imageSize > options.maxImage && !isStopped) {
+        Stop(statement, "the image is longer than " + Counted(options.maxImage, "byte"),
+             "max-image", "use --max-image to allow another length");
+    }
+}
+
+// Looks at a statement that was assembled without an error.
+void Analyser::CheckStatement(CStatement* statement, std::uint32_t count) {
+    const auto bytes = assembler.binary.Bytes().last(count);
+    KO_Args& args = statement->args;
+    const std::int32_t operands = args.Count();
+    if (statement->HasLabel() && MayBeMisread(statement->label)) {
+        Warn(*statement, LabelFindings(statement->label));
+    }
+    if (operands > 0 && (operands > 2 || IsOdd(*args.First(), bytes) ||
+                         (operands > 1 && IsOdd(*args.After(args.First()), bytes)))) {
+        Findings findings;
+        CheckOperands(&args, FindKeyword(MnemonicOf(*statement)), bytes, &findings);
+        Warn(*statement, findings);
+    }
+    if (assembler.location != statement->address + count && imageSize != 0 &&
+        options.format != ImageFormat::hex) {
+        CheckOrg(*statement);
+    }
+}
+
+void Analyser::CheckOrg(const CStatement& statement) {
+    const StatementView view = CutStatement(statement.text);
+    if (view.keyword != nullptr && view.keyword->handler == AssembleOrg) {
+        Warn(statement, {{Warning::orgGap, view.rest, std::string(view.rest),
+                          "fill the gap with DS, or use --format hex, which has addresses"}});
+    }
+}
+
+void Analyser::Warn(const CStatement& statement, const Findings& findings) {
+    for (const Finding& finding : findings) {
+        maker.Warn(finding.warning, maker.PlaceOf(statement.PlaceOf(finding.part)),
+                   statement.fileName - 1, finding.detail, finding.note);
+    }
+}
+
+void Analyser::WarnOfBytes(std::int32_t opening, const std::vector<ByteFinding>& findings) {
+    const std::int32_t file = analysis.openings[static_cast<std::size_t>(opening)].file;
+    for (const ByteFinding& finding : findings) {
+        const bool isComment = finding.warning == Warning::continuedComment;
+        maker.Warn(finding.warning, {file, finding.line, finding.column, 1}, opening, "",
+                   isComment ? "end the comment with another character" : "");
+    }
+}
+
+// What can be reported only when all has been read.
+void Analyser::Finish() {
+    if (!isStopped) {
+        std::ranges::sort(unresolved, {}, [](const Report& report) {
+            return std::tuple(report.place.file, report.place.line, report.place.offset,
+                              report.text);
+        });
+        std::ranges::for_each(unresolved, [this](const Report& report) { maker.Add(report); });
+        std::unordered_set<std::int32_t> checked;
+        for (std::size_t i = 0; i < analysis.openings.size(); ++i) {
+            const auto opening = static_cast<std::int32_t>(i);
+            if (checked.insert(analysis.openings[i].file).second) {
+                WarnOfBytes(opening, CheckBytes(maker.TextOf(opening)));
+            }
+        }
+        for (const SourcePlace& place : conditions.Open()) {
+            Message message{.place = maker.PlaceOf(place), .opening = place.file - 1};
+            message.text = "this IF has no ENDIF";
+            message.code = "open-if";
+            maker.AddMessage(std::move(message));
+        }
+    }
+    analysis.blocks = blocks.Take();
+    const auto bytes = assembler.binary.Bytes();
+    analysis.image.assign(bytes.begin(), bytes.end());
+    if (options.format == ImageFormat::bin) {
+        analysis.header = HeaderOf(assembler.MakeLoadHeader());
+    }
+    if (wanted.names || wanted.uses) {
+        analysis.names = names.Take(assembler.identifiers, &maker);
+    }
+}
+
+}  // namespace
+
+Analysis Analyse(const Options& options, FileStore* store, const Wanted& wanted) {
+    return Analyser(options, store, wanted).Run();
+}
+
+}  // namespace korv

@@ -1,0 +1,159 @@
+#include "frontend/argument_files.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "platform/platform.h"
+
+namespace korv {
+namespace {
+
+constexpr int deepest = 10;
+// What all files may hold, each as often as it is read. It also bounds a file without an end, and
+// files that name each other again and again.
+constexpr std::size_t mostBytes = 0x100000;
+
+constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
+
+std::string AtLine(std::string_view text, std::size_t offset, std::string_view what) {
+    const auto line = std::ranges::count(text.substr(0, offset), '\n') + 1;
+    return "line " + std::to_string(line) + ": " + std::string(what);
+}
+
+class WordReader {
+  public:
+    explicit WordReader(std::string_view text) : text(text) {
+        at = text.starts_with(byteOrderMark) ? byteOrderMark.size() : 0;
+    }
+
+    // Whether there is another word.
+    bool Skip() {
+        for (bool isLineStart = std::exchange(isAtStart, false); at < text.size(); ++at) {
+            isLineStart = isLineStart || text[at] == '\n';
+            if (text[at] == '#' && isLineStart) {
+                at = std::min(text.find('\n', at), text.size() - 1);
+            } else if (!IsBlank()) {
+                return true;
+            }
+        }
+        return false;
+    }
+
+    // The word here; `openQuote` is the place of a quote that it does not close, or npos.
+    std::string Read() {
+        std::string word;
+        char quote = '\0';
+        for (; at < text.size() && (quote != '\0' || !IsBlank()); ++at) {
+            const char c = text[at];
+            if (c == '\\' && at + 1 < text.size()) {
+                word += text[++at];
+            } else if (c == quote) {
+                quote = '\0';
+            } else if (quote == '\0' && (c == '"' || c == '\'')) {
+                quote = c;
+                openQuote = at;
+            } else {
+                word += c;
+            }
+        }
+        openQuote = quote == '\0' ? std::string_view::npos : openQuote;
+        return word;
+    }
+
+    std::size_t openQuote = std::string_view::npos;  // offset
+
+  private:
+    // A backslash at the end of a line, as shells have it, separates words like the line end
+    // itself.
+    [[nodiscard]] bool IsBlank() const {
+        const char c = text[at];
+        const std::string_view next = text.substr(at + 1, 1);
+        return c == ' ' || (c >= '\t' && c <= '\r') ||
+               (c == '\\' && (next.empty() || next == "\n" || next == "\r"));
+    }
+
+    std::string_view text;
+    std::size_t at = 0;
+    bool isAtStart = true;  // nothing has been read
+};
+
+class Expander {
+  public:
+    std::vector<std::string> result;
+
+    // `depth` is that of the file that the words are from; 0: the command line.
+    std::string Take(const std::vector<std::string>& words, int depth) {
+        for (const std::string& word : words) {
+            if (!word.starts_with('@')) {
+                result.push_back(word);
+            } else if (std::string failure = TakeFile(word.substr(1), depth + 1);
+                       !failure.empty()) {
+                return failure;
+            }
+        }
+        return "";
+    }
+
+  private:
+    std::string TakeFile(const std::string& name, int depth) {
+        if (name.empty()) {
+            return "missing FILE after '@'";
+        }
+        if (depth > deepest) {
+            return name + ": argument files are nested more than " + std::to_string(deepest) +
+                   " deep";
+        }
+        std::string text;
+        if (std::string failure = Read(name, &text); !failure.empty()) {
+            return failure;
+        }
+        std::vector<std::string> words;
+        if (const std::string failure = SplitWords(text, &words); !failure.empty()) {
+            return name + ", " + failure;
+        }
+        return Take(words, depth);
+    }
+
+    std::string Read(const std::string& name, std::string* text) {
+        platform::InputFile file;
+        if (file.Open(name)) {
+            char block[4096];
+            for (std::size_t count = 0; (count = file.Read(block, sizeof block)) != 0;) {
+                if (count > bytesLeft) {
+                    return name + ": the argument files have more than " +
+                           std::to_string(mostBytes) + " bytes";
+                }
+                bytesLeft -= count;
+                text->append(block, count);
+            }
+        }
+        return file.Failed() ? "cannot read " + name + ": " + file.Reason() : "";
+    }
+
+    std::size_t bytesLeft = mostBytes;
+};
+
+}  // namespace
+
+std::string SplitWords(std::string_view text, std::vector<std::string>* words) {
+    if (const std::size_t zero = text.find('\0'); zero != std::string_view::npos) {
+        return AtLine(text, zero, "byte 0 in a text");
+    }
+    WordReader reader(text);
+    while (reader.Skip()) {
+        words->push_back(reader.Read());
+        if (reader.openQuote != std::string_view::npos) {
+            return AtLine(text, reader.openQuote, "missing closing quote");
+        }
+    }
+    return "";
+}
+
+std::string ExpandArgumentFiles(std::vector<std::string>* words) {
+    Expander expander;
+    std::string failure = expander.Take(*words, 0);
+    *words = std::move(expander.result);
+    return failure;
+}
+
+}  // namespace korv

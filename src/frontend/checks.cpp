@@ -1,0 +1,199 @@
+#include "frontend/checks.h"
+
+#include <algorithm>
+#include <initializer_list>
+
+#include "codegen/handlers.h"
+#include "codegen/keywords.h"
+#include "codegen/operand_forms.h"
+#include "driver/statement.h"
+#include "expr/number.h"
+#include "expr/token.h"
+#include "source/char_class.h"
+
+namespace korv {
+namespace {
+
+// Whether "$" alone is in the expression of `arg`, which waits for a name.
+bool HoldsLocation(const lsArg& arg) {
+    for (TokenReader reader(arg.expression); !reader.isAtEnd;) {
+        reader.Next();
+        if (reader.Token() == "$") {
+            return true;
+        }
+    }
+    return false;
+}
+
+// Whether `arg` waits for more than a name alone.
+bool IsLateExpression(const lsArg& arg) {
+    return arg.status == MSG_UNRESOLVED && arg.expression.size() != arg.unresolved.name.size();
+}
+
+// Whether a string that is a value lacks its second quote.
+bool IsOpenString(const lsArg& arg) {
+    return arg.status == 0 && arg.IsValue() && std::ranges::count(arg.text, '"') % 2 != 0;
+}
+
+// `arg` waits for nothing. As a value, a register reads 0, and so does the register of an operand
+// with a displacement.
+void CheckOperand(const lsArg& arg, const Keyword* keyword, Findings* findings) {
+    const InstructionHandler handler = keyword == nullptr ? nullptr : keyword->handler;
+    const auto isOneOf = [handler](std::initializer_list<InstructionHandler> handlers) {
+        return std::ranges::find(handlers, handler) != handlers.end();
+    };
+    const std::string text(arg.text);
+    if (IsOpenString(arg) && handler != AssembleDm) {  // which has reported it
+        findings->push_back({Warning::openString, arg.text, text, ""});
+    }
+    const bool isRegister =
+        arg.IsIndexed()
+            ? isOneOf({AssembleDb, AssembleDw, AssembleDs, AssembleEqu, AssembleOrg, AssembleIf})
+            : isOneOf({AssembleEqu, AssembleOrg}) && !arg.IsValue();
+    if (isRegister) {
+        findings->push_back({Warning::registerValue, arg.text, text, ""});
+    } else if (isOneOf({AssembleLd, AssembleCall, AssembleOrg}) && !wordRange.Holds(arg.value)) {
+        char value[16];
+        std::snprintf(value, sizeof value, "%04XH", static_cast<unsigned>(arg.value) & 0xFFFF);
+        findings->push_back({Warning::truncated, arg.text, text + " becomes " + value, ""});
+    } else if (handler == AssembleDs && arg.value < 0) {
+        findings->push_back({Warning::negativeSize, arg.text, text, ""});
+    }
+}
+
+}  // namespace
+
+bool IsOdd(const lsArg& arg, std::span<const std::uint8_t> bytes) {
+    if (!arg.IsValue()) {
+        return bytes.empty();
+    }
+    return IsLateExpression(arg) || !wordRange.Holds(arg.value) ||
+           (arg.value < 0 && bytes.empty()) ||
+           (arg.text.front() == '"' && arg.text.back() != '"') ||
+           (arg.IsIndexed() && (bytes.empty() || (bytes[0] != PREFIX_IX && bytes[0] != PREFIX_IY)));
+}
+
+// Only a number begins with a digit and ends in one, or ends in the letter of its radix.
+bool ReadsAsNumber(std::string_view label) {
+    const char last = label.back();
+    const bool mayBe = HasClass(last, CC_DIGIT) ? HasClass(label.front(), CC_DIGIT)
+                                                : last == 'H' || last == 'B' || last == 'O';
+    std::int32_t value = 0;
+    return mayBe && ReadNumber(label, &value) != notANumber;
+}
+
+void CheckOperands(KO_Args* args, const Keyword* keyword, std::span<const std::uint8_t> bytes,
+                   Findings* findings) {
+    for (const lsArg* arg = args->First(); arg != nullptr; arg = args->After(arg)) {
+        if (!IsLateExpression(*arg)) {
+            if (IsOdd(*arg, bytes)) {
+                CheckOperand(*arg, keyword, findings);
+            }
+        } else if (HoldsLocation(*arg)) {
+            findings->push_back({Warning::lateLocation, arg->text, std::string(arg->text),
+                                 "put a label in front of this line and use it instead of the $"});
+        }
+    }
+}
+
+void CheckCondition(std::string_view text, Findings* findings) {
+    bool isCompared = false, isCombined = false;
+    for (TokenReader reader(text); !reader.isAtEnd;) {
+        reader.Next();
+        for (const Operator& op : {FindWord(reader.Token()), reader.op}) {
+            std::string_view note;
+            if (op.code == OP_NOT) {
+                note = "use X=0: ! inverts every bit, so !1 is true as well";
+            }
+            isCompared = isCompared || (op.code != 0 && op.priority <= 2);
+            isCombined = isCombined || op.code == OP_AND || op.code == OP_OR || op.code == OP_XOR;
+            if (isCompared && isCombined && note.empty()) {
+                note = "give each comparison a name by EQU: it binds less than AND and OR";
+            }
+            if (!note.empty()) {
+                findings->push_back({Warning::condition, text, std::string(text), note});
+                return;
+            }
+        }
+    }
+}
+
+std::vector<ByteFinding> CheckComments(const StoredText& text, const LogicalLine& line) {
+    std::vector<ByteFinding> found;
+    for (const LogicalLine::Position& at : line.continuedComments) {
+        const std::string_view taken = text.Line(at.line + 1);
+        const auto start = std::ranges::find_if_not(
+            taken, [](char c) { return HasClass(c, CC_BLANK) || c == '\\'; });
+        if (start != taken.end() && *start != ';') {  // else nothing is lost
+            found.push_back({Warning::continuedComment, at.line, at.column});
+        }
+    }
+    return found;
+}
+
+std::vector<ByteFinding> CheckBytes(const StoredText& text) {
+    std::vector<ByteFinding> found;
+    if (!text.HasOddBytes()) {
+        return found;
+    }
+    const std::string_view bytes = text.Bytes();
+    const auto add = [&](Warning warning, std::size_t at) {
+        const auto before = bytes.substr(0, at);
+        const auto line = 1 + std::ranges::count(before, '\n');
+        const std::size_t start = before.rfind('\n') + 1;  // 0 where there is none
+        found.push_back(
+            {warning, static_cast<std::int32_t>(line), static_cast<std::uint32_t>(at - start)});
+    };
+    if (const std::size_t at = bytes.find('\0'); at != std::string_view::npos) {
+        add(Warning::nullByte, at);
+    }
+    for (std::size_t at = 0; (at = bytes.find('\r', at)) != std::string_view::npos; ++at) {
+        const std::size_t next = bytes.find_first_not_of('\r', at);
+        if (next == std::string_view::npos) {
+            break;
+        }
+        if (bytes[next] != '\n') {
+            add(Warning::carriageReturn, at);
+            break;
+        }
+        at = next;
+    }
+    const std::size_t mark = bytes.find('\x1A');
+    if (mark != std::string_view::npos &&
+        bytes.find_first_not_of("\x1A \t\r\n", mark) != std::string_view::npos) {
+        add(Warning::endMark, mark);
+    }
+    return found;
+}
+
+void BlockBuilder::Add(std::uint32_t address, std::uint32_t offset, std::uint32_t count,
+                       const Place& place, std::int32_t opening) {
+    constexpr std::uint32_t addresses = 0x10000;
+    for (std::uint32_t done = 0; done < count;) {
+        const std::uint32_t at = (address + done) % addresses;
+        const std::uint32_t piece = std::min(count - done, addresses - at);
+        if (blocks.empty() || blocks.back().address + blocks.back().count != at) {
+            blocks.push_back({at, offset + done, 0, place, opening});
+        }
+        blocks.back().count += piece;
+        done += piece;
+    }
+}
+
+std::vector<Block> Overlaps(std::vector<Block> blocks) {
+    std::vector<Block> found;
+    std::ranges::stable_sort(blocks, {}, &Block::address);
+    const Block* last = nullptr;  // the one that reaches furthest so far
+    for (const Block& block : blocks) {
+        if (last != nullptr && block.address < last->address + last->count) {
+            found.push_back(block.offset > last->offset ? block : *last);
+            found.back().address = block.address;
+        }
+        if (last == nullptr || block.address + block.count > last->address + last->count) {
+            last = &block;
+        }
+    }
+    return found;
+}
+
+}  // namespace korv

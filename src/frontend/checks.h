@@ -1,0 +1,76 @@
+/// Warnings that only the front end gives: where a statement assembles to something other than it
+/// appears to say, and the core has no report for it. Functions over one statement or one file; the
+/// analyser gives their findings a place.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "codegen/value_range.h"
+#include "frontend/analysis.h"
+#include "frontend/logical_line.h"
+
+namespace korv {
+
+class KO_Args;
+struct CStatement;
+struct Keyword;
+struct lsArg;
+
+/// What a check has found.
+struct Finding {
+    Warning warning;
+    std::string_view part;  ///< of the cleaned line; without data: its mnemonic
+    std::string detail;     ///< shown after the meaning of the warning; may be empty
+    std::string_view note;  ///< what to do about it, a constant; may be empty
+};
+using Findings = std::vector<Finding>;
+
+/// Whether `arg`, of a statement with the bytes `bytes`, may call for a warning. Asked of every
+/// statement, so it is quick.
+[[nodiscard]] bool IsOdd(const lsArg& arg, std::span<const std::uint8_t> bytes);
+
+/// Whether `label` would be a number in an expression.
+[[nodiscard]] bool ReadsAsNumber(std::string_view label);
+
+/// Looks at the operands of a statement that has been assembled without an error.
+void CheckOperands(KO_Args* args, const Keyword* keyword, std::span<const std::uint8_t> bytes,
+                   Findings* findings);
+
+/// Looks at the condition of an IF, whose operands are `text`.
+void CheckCondition(std::string_view text, Findings* findings);
+
+/// A finding about the bytes of a file, at a physical place.
+struct ByteFinding {
+    Warning warning;
+    std::int32_t line;     ///< from 1
+    std::uint32_t column;  ///< in bytes, from 0
+};
+
+/// Bytes that the reader skips or treats as the end of a line's text, so that an editor shows the
+/// file differently from how it is read. Only the first of each kind is reported.
+[[nodiscard]] std::vector<ByteFinding> CheckBytes(const StoredText& text);
+
+/// Comments of `line` that end with a backslash and so take away a line that holds something else.
+[[nodiscard]] std::vector<ByteFinding> CheckComments(const StoredText& text,
+                                                     const LogicalLine& line);
+
+/// Divides an image into blocks. Statements come in their order.
+class BlockBuilder {
+  public:
+    void Add(std::uint32_t address, std::uint32_t offset, std::uint32_t count, const Place& place,
+             std::int32_t opening);
+    [[nodiscard]] std::vector<Block> Take() { return std::move(blocks); }
+
+  private:
+    std::vector<Block> blocks;
+};
+
+/// Of each two blocks that have addresses in common, the one that comes second in the source, with
+/// the first address that they share.
+[[nodiscard]] std::vector<Block> Overlaps(std::vector<Block> blocks);
+
+}  // namespace korv

@@ -1,0 +1,44 @@
+#include "frontend/condition_watch.h"
+
+#include "driver/assembler.h"
+#include "frontend/statement_view.h"
+
+namespace korv {
+
+bool ConditionWatch::HasChanged(const CAssembler& assembler) const {
+    return assembler.assembling != wasAssembling ||
+           static_cast<std::size_t>(assembler.conditionDepth) != levels.size();
+}
+
+Findings ConditionWatch::Follow(const CAssembler& assembler, const CStatement& statement) {
+    const auto depth = static_cast<std::size_t>(assembler.conditionDepth);
+    const bool isOn = assembler.assembling != 0;
+    wasAssembling = assembler.assembling;
+    Findings findings;
+    if (depth < levels.size()) {
+        levels.pop_back();
+        return findings;
+    }
+    if (depth > levels.size()) {
+        const bool isLiveOutside = levels.empty() || levels.back().isLive;
+        levels.push_back({statement.PlaceOf(noText), false, isLiveOutside});
+        CheckCondition(CutStatement(statement.text).rest, &findings);
+    }
+    // What follows an IF depends on that one alone, even inside a block that is skipped.
+    Level& level = levels.back();
+    level.isLive = level.isLiveOutside && isOn;
+    if (isOn && !level.isLiveOutside) {
+        findings.push_back({Warning::nestedIf, {}, "", "combine the conditions by AND"});
+    }
+    return findings;
+}
+
+std::vector<SourcePlace> ConditionWatch::Open() const {
+    std::vector<SourcePlace> places;
+    for (const Level& level : levels) {
+        places.push_back(level.place);
+    }
+    return places;
+}
+
+}  // namespace korv

@@ -1,0 +1,155 @@
+#include "frontend/file_store.h"
+
+#include <algorithm>
+#include <array>
+#include <filesystem>
+#include <utility>
+
+namespace korv {
+namespace {
+
+namespace fs = std::filesystem;
+
+// A file that is longer is no source: the run would take more memory than it is worth.
+constexpr std::size_t longestFile = 0x10000000;  // bytes
+
+// Narrow characters would be those of some other code where names are wide.
+fs::path PathOf(const std::string& name) {
+    return std::u8string(name.begin(), name.end());
+}
+
+}  // namespace
+
+FileStore::FileStore(std::string_view newDirectory)
+    : base(directory.FullPath(newDirectory.empty() ? "." : newDirectory).path) {}
+
+void FileStore::AddSearchDirectory(std::string_view name) {
+    if (std::string path = FullPath(name); !path.empty()) {
+        searched.push_back(std::move(path));
+    }
+}
+
+void FileStore::SetText(const std::string& path, std::string bytes,
+                        const platform::FileIdentity& identity) {
+    texts[path] = std::make_shared<const StoredText>(path, std::move(bytes), identity);
+    identities.insert(identity);
+}
+
+std::string FileStore::ShownName(const std::string& path) const {
+    const std::u8string shown = PathOf(path).lexically_relative(PathOf(base)).u8string();
+    const std::string relative(shown.begin(), shown.end());
+    return relative.empty() || relative.size() > path.size() ? path : relative;
+}
+
+FileStore::Text FileStore::TextOf(const std::string& path) const {
+    const auto found = texts.find(path);
+    return found == texts.end() ? nullptr : found->second;
+}
+
+bool FileStore::Has(std::string_view name) {
+    return Locate(name).isFile;
+}
+
+std::vector<std::string> FileStore::SearchedDirectories() const {
+    std::vector<std::string> names;
+    const auto add = [&](const std::string& path) {
+        std::string name = ShownName(path);
+        if (std::ranges::find(names, name) == names.end()) {
+            names.push_back(std::move(name));
+        }
+    };
+    if (!entered.empty()) {
+        add(entered.back());
+    }
+    std::ranges::for_each(searched, add);
+    return names;
+}
+
+// What `name` leads to from `from`, a full path. A text that only an editor has counts as a file.
+platform::FoundPath FileStore::Beside(const std::string& from, std::string_view name) {
+    const bool isAbsolute = platform::IsAbsolutePath(name) || from.empty();
+    platform::FoundPath found =
+        directory.FullPath(isAbsolute ? std::string(name) : from + '/' + std::string(name));
+    found.isFile = found.isFile || texts.contains(found.path);
+    return found;
+}
+
+platform::FoundPath FileStore::Locate(std::string_view name) {
+    if (entered.empty()) {
+        return Beside(base, name);
+    }
+    platform::FoundPath found = Beside(entered.back(), name);
+    if (found.isFile || platform::IsAbsolutePath(name)) {
+        return found;
+    }
+    for (const std::string& elsewhere : searched) {
+        if (platform::FoundPath other = Beside(elsewhere, name); other.isFile) {
+            return other;
+        }
+    }
+    return found;
+}
+
+// The text of the file at the full path `path`; null, with `failure`, if it cannot be read.
+FileStore::Text FileStore::Load(const std::string& path) {
+    failure.clear();
+    if (const Text text = TextOf(path)) {
+        return text;
+    }
+    platform::InputFile file;
+    if (!file.Open(path)) {
+        failure = file.Reason();
+        return nullptr;
+    }
+    std::string bytes;
+    bytes.reserve(static_cast<std::size_t>(std::min<std::uint64_t>(file.Size(), longestFile)));
+    std::array<char, 65536> block;
+    for (std::size_t count = 1; count != 0 && bytes.size() <= longestFile;) {
+        count = file.Read(block.data(), block.size());
+        bytes.append(block.data(), count);
+    }
+    if (file.Failed() || bytes.size() > longestFile) {
+        failure = file.Failed() ? file.Reason() : "File too large";
+        return nullptr;
+    }
+    SetText(path, std::move(bytes), file.Identity());
+    return TextOf(path);
+}
+
+Status FileStore::Find(std::string_view name, std::string* path) {
+    *path = Locate(name).path;
+    return path->empty() ? MSG_CANNOT_GET_DIRECTORY : 0;
+}
+
+Status FileStore::Enter(std::string_view name, std::string* path) {
+    if (const Status status = Find(name, path); status != 0) {
+        return status;
+    }
+    std::string parent(platform::SplitPath(*path).directory);
+    if (parent.size() > 1) {
+        parent.pop_back();  // the separator
+    }
+    entered.push_back(std::move(parent));
+    return 0;
+}
+
+CSourceFile FileStore::Open(const std::string& path, std::uint32_t) {
+    const Text text = Load(path);
+    return text == nullptr ? CSourceFile("", 0) : CSourceFile::OfText(text->Bytes());
+}
+
+Status FileStore::Leave(std::string*) {
+    entered.pop_back();
+    return 0;
+}
+
+Status FileStore::Read(std::string_view name, FileBytes* file) {
+    const Text text = Find(name, &file->path) == 0 ? Load(file->path) : nullptr;
+    if (text == nullptr) {
+        return MSG_CANNOT_OPEN;
+    }
+    file->bytes = text->Bytes();
+    return 0;
+}
+
+}  // namespace korv

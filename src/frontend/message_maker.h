@@ -1,0 +1,82 @@
+/// Makes the messages of an analysis from the core's reports and from the findings of checks: finds
+/// the place in the file, asks for advice, counts.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "diagnostics/source_place.h"
+#include "frontend/analysis.h"
+#include "frontend/logical_line.h"
+#include "frontend/notes.h"
+
+namespace korv {
+
+class CAssembler;
+class FileStore;
+
+/// A report as it came from the core.
+struct Report {
+    bool isWarning = false;
+    std::int32_t number = 0;  ///< row of MESSAGE_TABLE, or below 0
+    std::string text;         ///< the detail; may be empty
+    SourcePlace place;
+    bool isLate = false;      ///< its line is not the one being assembled
+    std::string reason = {};  ///< the system's, of a file that cannot be read
+};
+
+/// The text of message `number` by the conventions of compilers: small letters, no full stop.
+[[nodiscard]] std::string MessageText(std::int32_t number);
+
+class MessageMaker : private RunFacts {
+  public:
+    /// None is owned.
+    MessageMaker(Analysis* analysis, CAssembler* assembler, const FileStore* store,
+                 const WarningChoice* warnings)
+        : analysis(analysis),
+          assembler(assembler),
+          store(store),
+          warnings(warnings),
+          adviser(*this) {}
+
+    /// Adds the message of `report`, unless it is not wanted or only follows from another.
+    void Add(const Report& report);
+    /// Adds a warning of the front end, if it is wanted.
+    void Warn(Warning warning, const Place& place, std::int32_t opening, std::string detail,
+              std::string_view note);
+    /// Adds `message`, whose place is set, if it is within the limit; counts it in any case.
+    void AddMessage(Message message);
+
+    /// The part of the file that `place` is; a statement as a whole is its mnemonic or its label.
+    [[nodiscard]] Place PlaceOf(const SourcePlace& place);
+    /// The stored text of opening `opening`.
+    [[nodiscard]] const StoredText& TextOf(std::int32_t opening) const;
+    /// Whether a further message would be kept.
+    [[nodiscard]] bool IsOpen() const {
+        return analysis->errorLimit == 0 || analysis->errorCount < analysis->errorLimit;
+    }
+
+    PlaceMap places;
+
+  private:
+    std::optional<KnownName> FindName(std::string_view name) const override;
+    bool HasFile(std::string_view name) const override;
+    std::string SearchedDirectories() const override;
+    std::vector<std::string_view> DefinedNames() const override;
+
+    // The statement in hand, cut once for all its messages.
+    const StatementView& StatementAt(const SourcePlace& place);
+
+    Analysis* analysis;
+    CAssembler* assembler;
+    const FileStore* store;
+    const WarningChoice* warnings;
+    Adviser adviser;
+    SourcePlace viewedPlace;  // of `view`
+    std::string viewedLine;
+    StatementView view;
+    std::int32_t statementCount = 0;  // statements that have had a report
+};
+
+}  // namespace korv

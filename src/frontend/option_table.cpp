@@ -1,0 +1,137 @@
+#include "frontend/option_table.h"
+
+#include <algorithm>
+#include <charconv>
+
+#include "frontend/nearest.h"
+
+namespace korv {
+namespace {
+
+constexpr std::uint64_t mostOf32Bits = 0xFFFFFFFF;
+constexpr std::uint64_t longestLine = 0x10000;  // bytes
+
+// Each `Take` stores an argument in a member of `Options` of one type. Where an option is repeated
+// the last one counts, unless it makes a list.
+std::string Take(const OptionRow&, std::string_view, bool* isOn) {
+    *isOn = true;
+    return "";
+}
+
+std::string Take(const OptionRow&, std::string_view word, std::string* text) {
+    *text = word;
+    return "";
+}
+
+std::string Take(const OptionRow&, std::string_view word, std::vector<std::string>* list) {
+    list->emplace_back(word);
+    return "";
+}
+
+std::string Take(const OptionRow& row, std::string_view word, std::uint64_t* number) {
+    const char* const end = word.data() + word.size();
+    const auto [stop, error] = std::from_chars(word.data(), end, *number);
+    if (error == std::errc() && stop == end && *number >= row.least && *number <= row.most) {
+        return "";
+    }
+    return Quoted(word) + " is not a number from " + std::to_string(row.least) + " to " +
+           std::to_string(row.most);
+}
+
+std::string Take(const OptionRow&, std::string_view word, WarningChoice* warnings) {
+    if (warnings->Take(word)) {
+        return "";
+    }
+    std::string_view name = word;
+    for (const std::string_view prefix : {"no-", "error="}) {
+        name.remove_prefix(name.starts_with(prefix) ? prefix.size() : 0);
+    }
+    Nearest nearest(name);
+    for (const WarningRow& row : warningTable) {
+        nearest.Try(row.name);
+    }
+    return "unknown warning " + Quoted(name) +
+           (nearest.Found().empty() ? "; --help lists them"
+                                    : "; did you mean " + Quoted(nearest.Found()) + "?");
+}
+
+// The choices are in the order of the enumerators.
+template <typename Choice>
+requires std::is_enum_v<Choice> std::string Take(const OptionRow& row, std::string_view word,
+                                                 Choice* choice) {
+    const std::vector<std::string_view> words = row.Choices();
+    const auto found = std::ranges::find(words, word);
+    if (found != words.end()) {
+        *choice = static_cast<Choice>(found - words.begin());
+        return "";
+    }
+    std::string all;
+    for (const std::string_view& each : words) {
+        all += all.empty() ? "" : &each == &words.back() ? " or " : ", ";
+        all += each;
+    }
+    return Quoted(word) + " is not " + all;
+}
+
+template <typename Choice>
+std::string Take(const OptionRow& row, std::string_view word, std::optional<Choice>* choice) {
+    return Take(row, word, &choice->emplace());
+}
+
+template <auto member>
+std::string Store(const OptionRow& row, std::string_view word, Options* options) {
+    return Take(row, word, &(options->*member));
+}
+
+template <Request request>
+std::string Ask(const OptionRow&, std::string_view, Options* options) {
+    options->request = request;
+    return "";
+}
+
+// clang-format off
+constexpr OptionRow rows[] = {
+    {'o', "", "FILE", "the image; - is standard output; by default it is written beside the source, with the extension of its format",
+     Store<&Options::output>},
+    {'f', "format", "com|bin|hex", "com: the bytes alone; bin: with the load header; hex: Intel HEX; by default the extension of -o decides, else com",
+     Store<&Options::wantedFormat>},
+    {'D', "", "NAME[=EXPRESSION]", "define NAME before the first line; 1 without an expression", Store<&Options::defines>},
+    {'I', "", "DIR", "search DIR too for the files of INCLUDE and BINCLUDE; may be repeated", Store<&Options::includes>},
+    {'M', "depfile", "FILE", "write the dependencies for make and ninja", Store<&Options::depfile>},
+    {'l', "listing", "FILE", "write a listing", Store<&Options::listing>},
+    {0, "symbols", "FILE", "write names and values", Store<&Options::symbols>},
+    {0, "symbol-format", "equ|sym", "equ, the default: assembles again; sym: BANK:ADDR NAME", Store<&Options::symbolFormat>},
+    {'W', "", "NAME", "turn a warning on; no-NAME: off; error=NAME, no-error=NAME: make it an error or not; error: all of them",
+     Store<&Options::warnings>},
+    {'w', "", "", "print no warnings", Store<&Options::isQuiet>},
+    {0, "line-length", "N", "longest line in bytes, with its comment and line end; default 256", Store<&Options::lineLength>, 1, longestLine},
+    {0, "no-reserved", "", "allow reserved words as labels", Store<&Options::hasFreeNames>},
+    {0, "max-errors", "N", "print N errors at most; 0: all; default 100", Store<&Options::maxErrors>, 0, mostOf32Bits},
+    {0, "max-image", "N", "longest image in bytes; default 65536", Store<&Options::maxImage>, 0, mostOf32Bits},
+    {0, "color", "auto|always|never", "auto, the default: on a terminal, unless NO_COLOR is set", Store<&Options::color>},
+    {'h', "help", "", "print this text", Ask<Request::printHelp>},
+    {'V', "version", "", "print the version", Ask<Request::printVersion>},
+};
+// clang-format on
+
+}  // namespace
+
+const std::span<const OptionRow> optionTable = rows;
+
+std::vector<std::string_view> OptionRow::Choices() const {
+    std::string_view rest = argument;
+    if (rest.starts_with("[=")) {
+        rest = rest.substr(2, rest.size() - 3);
+    }
+    std::vector<std::string_view> words;
+    for (std::size_t end = 0; end != std::string_view::npos; rest.remove_prefix(end + 1)) {
+        end = rest.find('|');
+        words.push_back(rest.substr(0, end));
+        if (end == std::string_view::npos) {
+            break;
+        }
+    }
+    return words;
+}
+
+}  // namespace korv

@@ -2,11 +2,11 @@
 
 _korv_as()
 {
-    local options="-o -f --format -D -I -M --depfile -l --listing --symbols --symbol-format -W -w
-        --line-length --no-reserved --max-errors --max-image --color -h --help -V --version"
+    local options="-o -f --format -D -I -M --depfile -l --listing --symbols --symbol-format --debug
+        --summary -W -w --line-length --no-reserved --max-errors --max-image --color -h --help -V --version"
     local warnings="late-location truncated continued-comment org-gap number-label register-value
         nested-if condition early-end negative-size keyword-label null-byte carriage-return end-mark
-        overlap range open-string empty-operand skipped-line label-without-colon org"
+        overlap range open-string empty-operand skipped-line label-without-colon org unused-label symbol-range"
     local current=$2 previous=$3 words= kind= warning
 
     if [[ $previous == "=" ]]; then # which bash takes for a word
@@ -14,7 +14,13 @@ _korv_as()
     fi
     case $previous in
         -f | --format) words="com bin hex" ;;
-        --symbol-format) words="equ sym" ;;
+        --symbol-format) words="equ sym noi cspect" ;;
+        --summary) # its argument can only follow "="
+            case ${COMP_WORDS[COMP_CWORD - 1]}${COMP_WORDS[COMP_CWORD]} in
+                *=*) words="text json" ;;
+                *) kind=-f ;;
+            esac
+            ;;
         --color) words="auto always never" ;;
         -W)
             words="error no-error $warnings"

@@ -2,7 +2,7 @@
 
 set -l warnings late-location truncated continued-comment org-gap number-label register-value \
     nested-if condition early-end negative-size keyword-label null-byte carriage-return end-mark \
-    overlap range open-string empty-operand skipped-line label-without-colon org
+    overlap range open-string empty-operand skipped-line label-without-colon org unused-label symbol-range
 set -l words error no-error $warnings no-$warnings error=$warnings no-error=$warnings
 
 complete -c korv-as -s o -r -F -d 'Write the image to FILE'
@@ -12,7 +12,9 @@ complete -c korv-as -s I -x -a '(__fish_complete_directories)' -d 'Search DIR fo
 complete -c korv-as -s M -l depfile -r -F -d 'Write the dependencies for make and ninja'
 complete -c korv-as -s l -l listing -r -F -d 'Write a listing'
 complete -c korv-as -l symbols -r -F -d 'Write names and values'
-complete -c korv-as -l symbol-format -x -a 'equ sym' -d 'Format of the symbol file'
+complete -c korv-as -l symbol-format -x -a 'equ sym noi cspect' -d 'Format of the symbol file'
+complete -c korv-as -l debug -r -F -d 'Write source-level debugging data'
+complete -c korv-as -l summary -f -a 'text json' -d 'Print the sizes and T-states of the program'
 complete -c korv-as -s W -x -a "$words" -d 'Turn a warning on or off, or make it an error'
 complete -c korv-as -s w -d 'Print no warnings'
 complete -c korv-as -l line-length -x -d 'Longest line in bytes'

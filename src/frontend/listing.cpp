@@ -10,7 +10,9 @@
 #include <utility>
 
 #include "diagnostics/report_writer.h"
+#include "frontend/cycles.h"
 #include "frontend/message_printer.h"
+#include "frontend/summary.h"
 #include "frontend/terminal_text.h"
 
 namespace korv {
@@ -19,7 +21,7 @@ namespace {
 constexpr std::uint32_t bytesPerRow = 8;
 constexpr std::size_t bytesColumn = 13;
 constexpr std::size_t cyclesColumn = bytesColumn + 2 * bytesPerRow + 2;
-constexpr std::size_t cyclesWidth = 7;
+constexpr std::size_t placeColumn = cyclesColumn + 7;
 
 std::string_view KindText(NameKind kind) {
     switch (kind) {
@@ -52,9 +54,7 @@ std::string ValueText(const Name& name) {
 
 class Listing {
   public:
-    Listing(const Analysis& analysis, const CyclesOf& cyclesOf)
-        : analysis(analysis), cyclesOf(cyclesOf) {
-        placeColumn = cyclesColumn + (cyclesOf ? cyclesWidth : 0);
+    explicit Listing(const Analysis& analysis) : analysis(analysis) {
         std::size_t widest = 0;
         for (const SourceFile& file : analysis.files) {
             const std::size_t digits = std::to_string(file.text->LineCount()).size();
@@ -67,7 +67,7 @@ class Listing {
 
     std::string Text() {
         Begin("Addr Offset  Bytes");
-        PadTo(cyclesColumn).append(cyclesOf ? "T" : "");
+        PadTo(cyclesColumn).append("T");
         PadTo(placeColumn).append("File:Line");
         PadTo(sourceColumn).append("Source\n");
         for (const Statement& statement : analysis.statements) {
@@ -113,8 +113,8 @@ class Listing {
             if (row == 0 || row < rows) {
                 AddBytes(statement, row * bytesPerRow);
             }
-            if (row == 0 && cyclesOf && statement.kind == StatementKind::instruction) {
-                PadTo(cyclesColumn) += cyclesOf(BytesOf(statement, 0, statement.count));
+            if (row == 0 && statement.kind == StatementKind::instruction) {
+                PadTo(cyclesColumn) += CyclesText(CyclesOf(analysis, statement));
             }
             if (row < std::max(statement.lineCount, 1U)) {
                 AddSource(statement, statement.line + static_cast<std::int32_t>(row));
@@ -227,9 +227,7 @@ class Listing {
     }
 
     const Analysis& analysis;
-    const CyclesOf& cyclesOf;
-    std::size_t placeColumn = 0;  // from 0
-    std::size_t sourceColumn = 0;
+    std::size_t sourceColumn = 0;       // from 0
     std::vector<std::size_t> messages;  // their numbers, by opening and line
     std::vector<bool> isListed;         // by the numbers of the messages
     std::string text;
@@ -238,8 +236,8 @@ class Listing {
 
 }  // namespace
 
-std::string ListingText(const Analysis& analysis, const CyclesOf& cyclesOf) {
-    return Listing(analysis, cyclesOf).Text();
+std::string ListingText(const Analysis& analysis) {
+    return SummaryText(analysis) + "\n" + Listing(analysis).Text();
 }
 
 }  // namespace korv

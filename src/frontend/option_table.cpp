@@ -55,14 +55,14 @@ std::string Take(const OptionRow&, std::string_view word, WarningChoice* warning
            (nearest.empty() ? "; --help lists them" : "; did you mean " + Quoted(nearest) + "?");
 }
 
-// The choices are in the order of the enumerators.
+// The choices are in the order of the enumerators. An optional one that is left out is the first.
 template <typename Choice>
 requires std::is_enum_v<Choice> std::string Take(const OptionRow& row, std::string_view word,
                                                  Choice* choice) {
     const std::vector<std::string_view> words = row.Choices();
     const auto found = std::ranges::find(words, word);
-    if (found != words.end()) {
-        *choice = static_cast<Choice>(found - words.begin());
+    if (found != words.end() || word.empty()) {
+        *choice = word.empty() ? Choice{} : static_cast<Choice>(found - words.begin());
         return "";
     }
     std::string all;
@@ -100,7 +100,9 @@ constexpr OptionRow rows[] = {
     {'M', "depfile", "FILE", "write the dependencies for make and ninja", Store<&Options::depfile>},
     {'l', "listing", "FILE", "write a listing", Store<&Options::listing>},
     {0, "symbols", "FILE", "write names and values", Store<&Options::symbols>},
-    {0, "symbol-format", "equ|sym", "equ, the default: assembles again; sym: BANK:ADDR NAME", Store<&Options::symbolFormat>},
+    {0, "symbol-format", "equ|sym|noi|cspect", "equ, the default: assembles again; the others are for debuggers", Store<&Options::symbolFormat>},
+    {0, "debug", "FILE", "write source-level debugging data (SLD)", Store<&Options::debug>},
+    {0, "summary", "[=text|json]", "print the sizes and T-states of the program", Store<&Options::summary>},
     {'W', "", "NAME", "turn a warning on; no-NAME: off; error=NAME, no-error=NAME: make it an error or not; error: all of them",
      Store<&Options::warnings>},
     {'w', "", "", "print no warnings", Store<&Options::isQuiet>},

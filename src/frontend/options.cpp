@@ -175,10 +175,13 @@ std::string Complete(Options* options) {
         options->warnings.TakeNone();
     }
     options->format = options->wantedFormat.value_or(FormatOf(options->output));
-    for (std::string* const name :
-         {&options->output, &options->depfile, &options->listing, &options->symbols}) {
+    for (std::string* const name : {&options->output, &options->depfile, &options->listing,
+                                    &options->symbols, &options->debug}) {
         if (*name == "/dev/stdout") {  // what else is written there is kept
             *name = standardStream;
+        }
+        if (options->summary && *name == standardStream) {
+            return "--summary needs standard output for itself; give the other output a name";
         }
     }
     if (options->output.empty()) {

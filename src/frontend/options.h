@@ -12,6 +12,7 @@
 namespace korv {
 
 enum class ImageFormat : std::uint8_t { com, bin, hex };
+enum class SummaryFormat : std::uint8_t { text, json };
 enum class ColorChoice : std::uint8_t { automatic, always, never };
 
 /// What the program is asked to do.
@@ -33,10 +34,12 @@ struct Options {
     ImageFormat format = ImageFormat::com;    ///< of the image
     std::vector<std::string> defines;         ///< NAME or NAME=EXPRESSION
     std::vector<std::string> includes;        ///< directories
-    std::string depfile;                      ///< this one and the next two: empty for none
+    std::string depfile;                      ///< this one and the next three: empty for none
     std::string listing;
     std::string symbols;
+    std::string debug;
     SymbolFormat symbolFormat = SymbolFormat::equ;
+    std::optional<SummaryFormat> summary;  ///< on standard output; none: there is none
     WarningChoice warnings;
     bool isQuiet = false;            ///< no warnings at all
     std::uint64_t lineLength = 256;  ///< longest line in bytes, with its comment and its end

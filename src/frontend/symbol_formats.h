@@ -2,16 +2,14 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdint>
 #include <span>
 #include <string>
 #include <string_view>
 
 #include "frontend/analysis.h"
+#include "frontend/options.h"
 
 namespace korv {
-
-enum class SymbolFormat : std::uint8_t { equ, sym, noi, cspect };
 
 struct SymbolFormatRow {
     SymbolFormat format;

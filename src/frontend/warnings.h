@@ -59,7 +59,7 @@ inline constexpr std::array warningTable = {
     WarningRow{"null-byte", true, "a byte 0 hides the rest of its line"},
     WarningRow{"carriage-return", true, "a carriage return alone ends no line"},
     WarningRow{"end-mark", true, "a byte 1AH ends no file and is dropped"},
-    WarningRow{"overlap", true, "two blocks of an Intel HEX file have the same addresses"},
+    WarningRow{"overlap", true, "two blocks of the image have the same addresses"},
     WarningRow{"range", true, "a value is cut to the bits that there are"},
     WarningRow{"open-string", true, "a string is not closed"},
     WarningRow{"empty-operand", true, "an operand between commas is missing"},

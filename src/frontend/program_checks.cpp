@@ -11,17 +11,32 @@ namespace {
 
 Message WarningAt(Warning warning, const Place& place, std::int32_t opening, std::string detail) {
     Message message;
-    message.severity = Severity::warning;
     message.warning = warning;
-    message.code = RowOf(warning).name;
     message.place = place;
     message.opening = opening;
-    message.text = RowOf(warning).meaning;
     message.detail = std::move(detail);
     return message;
 }
 
 }  // namespace
+
+void AddMessage(Message message, Analysis* analysis) {
+    const bool isKept = analysis->errorLimit == 0 || analysis->errorCount < analysis->errorLimit;
+    ++(message.severity == Severity::error ? analysis->errorCount : analysis->warningCount);
+    if (isKept) {
+        analysis->messages.push_back(std::move(message));
+    }
+}
+
+void AddWarning(const WarningChoice& choice, Message message, Analysis* analysis) {
+    const Warning warning = *message.warning;
+    if (choice.IsOn(warning)) {
+        message.severity = choice.IsError(warning) ? Severity::error : Severity::warning;
+        message.code = RowOf(warning).name;
+        message.text = RowOf(warning).meaning;
+        AddMessage(std::move(message), analysis);
+    }
+}
 
 std::vector<Message> OverlapWarnings(const Analysis& analysis) {
     std::vector<Block> blocks = analysis.blocks;

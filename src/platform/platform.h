@@ -204,18 +204,13 @@ class OutputFile {
     [[nodiscard]] bool Commit();
 
   private:
-    bool CreateTemporary(unsigned mode);  // of the new file; the system's own numbers
-    void Forget();
     void GiveUp();
-    static void RemoveAll();
 
     FileHandle handle;
-    bool isEmptied = true;       // false: it is written in place, and the old bytes are in the way
-    bool hasFailed = false;      // some byte is not there
-    bool isTemporary = false;    // the name is yet to be given
-    std::string path;            // where the file is to be
-    std::string temporary;       // where it is until then
-    OutputFile* next = nullptr;  // in the list of those that would be left if the process ended
+    bool isEmptied = true;   // false: it is written in place, and the old bytes are in the way
+    bool hasFailed = false;  // some byte is not there
+    std::string path;        // where the file is to be
+    std::string temporary;   // where it is until then; empty: it is written in place
 };
 
 /// For tests: what happens at the n-th request from here on that looks for, opens, reads, writes,
@@ -238,6 +233,12 @@ void OpenStandardStreams();
 
 /// Whether `stream` goes to a terminal: a person sees what is written, and control characters act.
 [[nodiscard]] bool IsTerminal(std::FILE* stream);
+
+/// Whether `stream`, a standard stream, was not there when the process was started.
+[[nodiscard]] bool IsMissing(std::FILE* stream);
+
+/// The identity of the file that `stream` goes to or comes from. False: it is no regular file.
+[[nodiscard]] bool IdentityOf(std::FILE* stream, FileIdentity* identity);
 
 /// Whether `stream` goes to a terminal that takes the sequences for colours; lets it, if need be.
 [[nodiscard]] bool TakesColors(std::FILE* stream);

@@ -9,7 +9,7 @@
 #include <climits>
 #include <cstdlib>
 #include <string>
-#include <utility>
+#include <vector>
 
 #include "platform/platform.h"
 #include "platform/posix.h"
@@ -17,8 +17,17 @@
 namespace korv::platform {
 namespace {
 
-// Those that have a temporary file now. Process-wide, since the process may end anywhere.
-OutputFile* unfinished = nullptr;
+constexpr mode_t permissions = 07777;
+
+// The temporary files that there are now. Process-wide, since the process may end anywhere.
+std::vector<std::string> unfinished;
+
+// The temporary file has its final name, or is gone.
+void Forget(const std::string& temporary) {
+    if (std::erase(unfinished, temporary) != 0 && unfinished.empty()) {
+        ReleaseSignals();
+    }
+}
 
 // Whether a new file was refused by its directory, or has no name that is short enough: the old one
 // can be written all the same. With a full disk, say, it would only be lost.
@@ -26,61 +35,39 @@ bool IsRefused(int error) {
     return error == EACCES || error == EPERM || error == EROFS || error == ENAMETOOLONG;
 }
 
-// Gives a new file the owner and the permissions of an old one. False: that cannot be.
-bool MakeAlike(int handle, const struct stat& old) {
-    constexpr mode_t permissions = 07777;
-    struct stat own;
-    return Requested([&] { return fstat(handle, &own); }) == 0 &&
-           ((own.st_uid == old.st_uid && own.st_gid == old.st_gid) ||
-            Requested([&] { return fchown(handle, old.st_uid, old.st_gid); }) == 0) &&
-           ((own.st_mode & permissions) == (old.st_mode & permissions) ||
-            Requested([&] { return fchmod(handle, old.st_mode & permissions); }) == 0);
-}
-
-// What a name leads to.
-struct Place {
-    std::string path;
+// What a name leads to: whether there is anything, then with its `status`.
+struct Target {
     bool isKnown = true;  // false: the system does not say
-    bool exists = false;  // then `status` is set
-    bool isNamed = true;  // false: a new file cannot be put there
+    bool exists = false;
     struct stat status {};
+
+    template <typename Call>
+    void Ask(Call call, const std::string& path) {
+        exists = Requested([&] { return call(path.c_str(), &status); }) == 0;
+        isKnown = exists || errno == ENOENT;
+    }
 };
 
-Place Find(std::string_view name, OutputFile::Kind kind) {
-    Place place;
-    place.path = Translated(name);
-    const auto ask = [&place](auto* call) {
-        const std::string& path = place.path;
-        place.exists = Requested([&] { return call(path.c_str(), &place.status); }) == 0;
-        place.isKnown = place.exists || errno == ENOENT;
-    };
-    ask(lstat);
-    const bool isLink = place.exists && S_ISLNK(place.status.st_mode);
-    if (isLink && kind == OutputFile::Kind::report) {
-        place.exists = false;
-    } else if (isLink) {
-        ask(stat);
-        std::string path = place.path;
-        struct stat status;
-        // Links of the system's own, as to a pipe that is open, have texts that are no names.
-        place.isNamed =
-            FollowLinks(&path) &&
-            (!place.exists || (Requested([&] { return stat(path.c_str(), &status); }) == 0 &&
-                               IdentityOf(status) == IdentityOf(place.status)));
-        if (place.isNamed) {
-            place.path = path;
-        }
+// Follows the symbolic link that `place->path` is.
+void FollowLink(OutputPlace* place, Target* target) {
+    target->Ask(stat, place->path);
+    std::string path = place->path;
+    struct stat status;
+    // Links of the system's own, as to a pipe that is open, have texts that are no names.
+    place->isReplaceable =
+        FollowLinks(&path) &&
+        (!target->exists || (Requested([&] { return stat(path.c_str(), &status); }) == 0 &&
+                             IdentityOf(status) == IdentityOf(target->status)));
+    if (place->isReplaceable) {
+        place->path = path;
     }
-    return place;
 }
 
 }  // namespace
 
-void OutputFile::RemoveAll() {
-    for (; unfinished != nullptr; unfinished = unfinished->next) {
-        if (unfinished->isTemporary) {
-            unlink(unfinished->temporary.c_str());
-        }
+void RemoveUnfinished() {
+    for (const std::string& temporary : unfinished) {
+        unlink(temporary.c_str());
     }
 }
 
@@ -99,105 +86,128 @@ bool FollowLinks(std::string* path) {
     return false;
 }
 
-// Creates a file in the directory of `path`. False: there is none, and `errno` says why.
-bool OutputFile::CreateTemporary(unsigned mode) {
-    [[maybe_unused]] static const int registered = std::atexit(RemoveAll);
-    const std::size_t directory = path.find_last_of('/') + 1;
-    next = std::exchange(unfinished, this);
-    if (next == nullptr) {
-        HoldSignals();
+bool FindPlace(const FileSet& kept, OutputPlace* place) {
+    place->path = Translated(place->path);
+    Target target;
+    target.Ask(lstat, place->path);
+    if (target.exists && S_ISLNK(target.status.st_mode)) {
+        if (place->kind == OutputFile::Kind::report) {
+            target.exists = false;
+        } else {
+            FollowLink(place, &target);
+        }
     }
-    // Names that are taken are left over from a process that was killed.
-    for (int i = 0; i < 100 && handle < 0 && (i == 0 || errno == EEXIST); ++i) {
-        temporary.assign(path, 0, directory).append("korv");
-        temporary.append(std::to_string(getpid() + i)).append(".tmp");
-        handle = FileHandle(Requested([&] {
-            constexpr int flags = O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC;
-            return open(temporary.c_str(), flags, mode);
-        }));
-    }
-    isTemporary = handle >= 0;
-    if (!isTemporary) {
-        const int error = errno;
-        Forget();
-        errno = error;
-    }
-    return isTemporary;
-}
-
-// The temporary file has the final name, or is gone.
-void OutputFile::Forget() {
-    OutputFile** link = &unfinished;
-    while (*link != this) {
-        link = &(*link)->next;
-    }
-    *link = next;
-    isTemporary = false;
-    if (unfinished == nullptr) {
-        ReleaseSignals();
-    }
-}
-
-void OutputFile::GiveUp() {
-    if (isTemporary) {
-        unlink(temporary.c_str());
-        Forget();
-    }
-}
-
-bool OutputFile::Open(std::string_view name, Kind kind, const FileSet& kept) {
-    const Place place = Find(name, kind);
-    if (!place.isKnown || (place.exists && (S_ISDIR(place.status.st_mode) ||
-                                            kept.contains(IdentityOf(place.status))))) {
+    if (!target.isKnown || (target.exists && kept.contains(IdentityOf(target.status)))) {
         return false;
     }
-    path = place.path;
-    FileHandle old;
-    if (place.exists) {  // whether it may be written it says itself, whatever its directory allows
-        const int flags = O_WRONLY | O_CLOEXEC | O_NOCTTY | (place.isNamed ? O_NOFOLLOW : 0);
-        old = FileHandle(Requested([&] { return open(path.c_str(), flags); }));
-        if (old < 0) {
-            return false;
-        }
+    if (target.exists && S_ISDIR(target.status.st_mode)) {
+        errno = EISDIR;
+        return false;
     }
-    const bool isRegular = place.exists && S_ISREG(place.status.st_mode);
-    if (place.isNamed && (isRegular || !place.exists)) {
-        // Nobody else may look into the new file until it is like the old one.
-        if (!CreateTemporary(place.exists ? 0600 : 0666) && !IsRefused(errno)) {
-            return false;
-        }
-        if (isTemporary && place.exists && !MakeAlike(handle, place.status)) {
-            GiveUp();
-        }
+    place->directory = place->path.substr(0, place->path.find_last_of('/') + 1);
+    place->mode = 0666;
+    if (target.exists) {  // whether it may be written it says itself, whatever its directory allows
+        place->isRegular = S_ISREG(target.status.st_mode);
+        place->identity = IdentityOf(target.status);
+        place->mode = 0600;  // nobody else may look into the new file until it is like the old one
+        const int flags = O_WRONLY | O_CLOEXEC | O_NOCTTY | (place->isReplaceable ? O_NOFOLLOW : 0);
+        place->handle = FileHandle(Requested([&] { return open(place->path.c_str(), flags); }));
     }
-    if (!isTemporary) {
-        handle = std::move(old);
-        isEmptied = !isRegular;
+    return !target.exists || place->handle >= 0;
+}
+
+namespace {
+
+// Makes `temporary` by `create`, a call of the system.
+template <typename Call>
+Creation Created(const std::string& temporary, Call create) {
+    [[maybe_unused]] static const int registered = std::atexit(RemoveUnfinished);
+    if (unfinished.empty()) {
+        HoldSignals();
     }
-    return handle >= 0;
+    unfinished.push_back(temporary);
+    if (Requested(create) >= 0) {
+        return Creation::done;
+    }
+    const int error = errno;
+    Forget(temporary);
+    errno = error;
+    return error == EEXIST    ? Creation::nameIsTaken
+           : IsRefused(error) ? Creation::isRefused
+                              : Creation::failed;
+}
+
+}  // namespace
+
+Creation Create(const std::string& temporary, const OutputPlace& place, FileHandle* handle) {
+    constexpr int flags = O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC;
+    return Created(temporary, [&] {
+        *handle = FileHandle(open(temporary.c_str(), flags, place.mode));
+        return static_cast<int>(*handle);
+    });
+}
+
+Creation Link(const std::string& path, const std::string& temporary) {
+    return Created(temporary, [&] { return link(path.c_str(), temporary.c_str()); });
+}
+
+bool MakeAlike(int handle, const OutputPlace& place) {
+    struct stat own, old;
+    return Requested([&] { return fstat(handle, &own); }) == 0 &&
+           Requested([&] { return fstat(place.handle, &old); }) == 0 &&
+           ((own.st_uid == old.st_uid && own.st_gid == old.st_gid) ||
+            Requested([&] { return fchown(handle, old.st_uid, old.st_gid); }) == 0) &&
+           ((own.st_mode & permissions) == (old.st_mode & permissions) ||
+            Requested([&] { return fchmod(handle, old.st_mode & permissions); }) == 0);
 }
 
 bool Empty(int handle) {
-    return Requested([&] { return ftruncate(handle, 0); }) == 0;
+    return Requested([&] { return ftruncate(handle, 0); }) == 0 && lseek(handle, 0, SEEK_SET) == 0;
 }
 
 std::ptrdiff_t WriteSome(int handle, const void* buffer, std::size_t count) {
     return Requested([&] { return write(handle, buffer, count); });
 }
 
-bool OutputFile::Commit() {
-    Write(nullptr, 0);  // an empty file is one too
-    // Broken off by a signal it is closed too, and what was written is with the system.
-    const bool isClosed = close(handle.Release()) == 0 || errno == EINTR;
-    const bool isWhole = !FailsOnPurpose() && isClosed && !hasFailed &&
-                         (!isTemporary || Requested([&] {
-                                              return std::rename(temporary.c_str(), path.c_str());
-                                          }) == 0);
-    if (isWhole && isTemporary) {
-        Forget();
+bool Flush(int handle) {
+    return Requested([&] { return fsync(handle); }) == 0;
+}
+
+bool EndWriting(FileHandle* handle) {
+    if (*handle < 0) {
+        return true;
     }
-    GiveUp();
-    return isWhole;
+    // Broken off by a signal it is closed too, and what was written is with the system.
+    const bool isClosed = close(handle->Release()) == 0 || errno == EINTR;
+    if (FailsOnPurpose()) {
+        errno = EIO;
+        return false;
+    }
+    return isClosed;
+}
+
+bool PutInPlace(FileHandle* handle, const std::string& temporary, const std::string& path) {
+    if (!EndWriting(handle)) {
+        return false;
+    }
+    if (temporary.empty()) {
+        return true;
+    }
+    const auto rename = [&] { return std::rename(temporary.c_str(), path.c_str()); };
+    if (Requested(rename) != 0) {
+        return false;
+    }
+    Forget(temporary);
+    return true;
+}
+
+void Remove(const std::string& temporary) {
+    unlink(temporary.c_str());
+    Forget(temporary);
+}
+
+unsigned long ProcessNumber() {
+    return static_cast<unsigned long>(getpid());
 }
 
 }  // namespace korv::platform

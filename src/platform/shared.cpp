@@ -45,19 +45,98 @@ std::size_t InputFile::Read(void* buffer, std::size_t count) {
     return bytes;
 }
 
+bool OutputFile::Open(std::string_view name, Kind kind, const FileSet& kept) {
+    OutputPlace place;
+    place.kind = kind;
+    place.path = name;
+    if (!FindPlace(kept, &place)) {
+        return false;
+    }
+    path = place.path;
+    const bool isThere = place.handle >= 0;
+    if (place.isReplaceable && (place.isRegular || !isThere)) {
+        const Creation creation = CreateTemporary(place, &temporary, &handle);
+        if (creation != Creation::done && creation != Creation::isRefused) {
+            return false;  // and what is at the place must not be written either
+        }
+        if (isThere && handle >= 0 && !MakeAlike(handle, place)) {
+            GiveUp();
+        }
+    }
+    if (handle < 0) {
+        handle = std::move(place.handle);
+        isEmptied = !place.isRegular;
+    }
+    return handle >= 0;
+}
+
+namespace {
+
+// Calls `create` with names of files beside `place` until one is free, which `name` gets. Names
+// that are taken are left over from a process that was killed, or belong to one with the same
+// number.
+template <typename Create>
+Creation CreateAtFreeName(const OutputPlace& place, std::string* name, Create create) {
+    Creation creation = Creation::nameIsTaken;
+    for (unsigned i = 0; i < 100 && creation == Creation::nameIsTaken; ++i) {
+        *name = place.directory + "korv" + std::to_string(ProcessNumber() + i) + ".tmp";
+        creation = create(*name);
+    }
+    if (creation != Creation::done) {
+        name->clear();
+    }
+    return creation;
+}
+
+}  // namespace
+
+Creation CreateTemporary(const OutputPlace& place, std::string* temporary, FileHandle* handle) {
+    return CreateAtFreeName(place, temporary,
+                            [&](const std::string& name) { return Create(name, place, handle); });
+}
+
+std::string LinkAtFreeName(const OutputPlace& place) {
+    std::string name;
+    static_cast<void>(CreateAtFreeName(
+        place, &name, [&](const std::string& free) { return Link(place.path, free); }));
+    return name;
+}
+
+void OutputFile::GiveUp() {
+    handle = FileHandle();
+    if (!temporary.empty()) {
+        Remove(temporary);
+        temporary.clear();
+    }
+}
+
+bool OutputFile::Commit() {
+    Write(nullptr, 0);  // an empty file is one too
+    const bool isWhole = !hasFailed && PutInPlace(&handle, temporary, path);
+    if (isWhole) {
+        temporary.clear();
+    }
+    GiveUp();
+    return isWhole;
+}
+
 void OutputFile::Write(const void* bytes, std::size_t count) {
-    const char* from = static_cast<const char*>(bytes);
     if (!std::exchange(isEmptied, true)) {
         hasFailed = !Empty(handle);
     }
-    while (count > 0 && !hasFailed) {
-        const std::ptrdiff_t written = WriteSome(handle, from, std::min(count, mostAtOnce));
-        hasFailed = written <= 0;
-        if (!hasFailed) {
-            from += written;
-            count -= static_cast<std::size_t>(written);
+    hasFailed = hasFailed || !WriteWhole(handle, {static_cast<const char*>(bytes), count});
+}
+
+bool WriteWhole(int handle, std::string_view bytes) {
+    while (!bytes.empty()) {
+        const std::ptrdiff_t written =
+            WriteSome(handle, bytes.data(), std::min(bytes.size(), mostAtOnce));
+        if (written <= 0) {
+            return false;
         }
+        bytes.remove_prefix(static_cast<std::size_t>(written));
     }
+    return true;
 }
 
 bool FaultFileRequest(std::int64_t n, RequestFault newFault) {

@@ -51,8 +51,8 @@ OwnedHandle OpenHandle(const std::wstring& path, DWORD access, DWORD disposition
     }));
 }
 
-FileHandle Numbered(OwnedHandle file) {
-    FileHandle number(_open_osfhandle(reinterpret_cast<std::intptr_t>(file.get()), _O_BINARY));
+FileHandle Numbered(OwnedHandle file, int mode) {
+    FileHandle number(_open_osfhandle(reinterpret_cast<std::intptr_t>(file.get()), mode));
     if (number >= 0) {
         static_cast<void>(file.release());
     }
@@ -82,7 +82,7 @@ bool InputFile::Open(std::string_view name) {
     hasSize = GetFileType(file.get()) == FILE_TYPE_DISK;
     if (!hasSize || (Identify(file.get(), &identity) && GetFileSizeEx(file.get(), &bytes) != 0)) {
         size = static_cast<std::uint64_t>(bytes.QuadPart);
-        handle = Numbered(std::move(file));
+        handle = Numbered(std::move(file), _O_BINARY);
     }
     return IsOpen();
 }

@@ -3,6 +3,8 @@
 /// code page of the process, by its manifest.
 #pragma once
 
+#include <io.h>
+
 #include <memory>
 #include <string>
 #include <string_view>
@@ -45,8 +47,12 @@ using OwnedHandle = std::unique_ptr<void, HandleCloser>;
 [[nodiscard]] OwnedHandle OpenHandle(const std::wstring& path, DWORD access, DWORD disposition,
                                      DWORD attributes);
 
-/// An open file by a number, whose bytes are read and written as they are.
-[[nodiscard]] FileHandle Numbered(OwnedHandle file);
+/// An open file by a number. `mode` is _O_BINARY, or _O_TEXT for the line ends of the system.
+[[nodiscard]] FileHandle Numbered(OwnedHandle file, int mode);
+
+[[nodiscard]] inline HANDLE HandleOf(int number) {
+    return reinterpret_cast<HANDLE>(_get_osfhandle(number));
+}
 
 /// The identity of an open file. False: the system does not say.
 [[nodiscard]] bool Identify(HANDLE file, FileIdentity* identity, DWORD* attributes = nullptr);

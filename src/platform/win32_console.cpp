@@ -5,9 +5,12 @@
 
 #include <atomic>
 #include <cstdlib>
+#include <string>
+#include <system_error>
 #include <utility>
 
 #include "platform/platform.h"
+#include "platform/staged_output.h"
 #include "platform/win32.h"
 
 // Words of the command line are no patterns: "/?" is a switch.
@@ -26,7 +29,7 @@ HANDLE coloredOutput = nullptr;  // whose mode is to be put back
 DWORD outputMode = 0;
 
 HANDLE HandleOf(std::FILE* stream) {
-    return reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(stream)));
+    return platform::HandleOf(_fileno(stream));
 }
 
 BOOL WINAPI OnConsoleEvent(DWORD event) {
@@ -101,10 +104,32 @@ void OpenStandardStreams() {
     std::atexit(PutBack);
 }
 
-bool IsTerminal(std::FILE* stream) {
-    DWORD mode = 0;
-    return GetConsoleMode(HandleOf(stream), &mode) != 0;
+bool IsMissing(std::FILE* stream) {
+    return HandleOf(stream) == INVALID_HANDLE_VALUE;
 }
+
+bool IdentityOf(std::FILE* stream, FileIdentity* identity) {
+    return GetFileType(HandleOf(stream)) == FILE_TYPE_DISK && Identify(HandleOf(stream), identity);
+}
+
+bool IsTerminalAt(int handle) {
+    DWORD mode = 0;
+    return GetConsoleMode(HandleOf(handle), &mode) != 0;
+}
+
+bool IsTerminal(std::FILE* stream) {
+    return IsTerminalAt(_fileno(stream));
+}
+
+std::string ErrorText() {
+    return std::system_category().message(static_cast<int>(GetLastError()));
+}
+
+// A temporary file goes with the process, however that ends.
+void HoldSignals() {}
+void ReleaseSignals() {}
+SignalWindow::SignalWindow() = default;
+SignalWindow::~SignalWindow() = default;
 
 bool TakesColors(std::FILE* stream) {
     const HANDLE output = HandleOf(stream);

@@ -26,10 +26,6 @@ bool IsRefused(DWORD error) {
     return error == ERROR_ACCESS_DENIED || error == ERROR_WRITE_PROTECT;
 }
 
-HANDLE HandleOf(int file) {
-    return reinterpret_cast<HANDLE>(_get_osfhandle(file));
-}
-
 bool MarkAsDeleted(HANDLE file, bool isDeleted) {
     FILE_DISPOSITION_INFO mark;
     mark.DeleteFile = isDeleted;
@@ -51,47 +47,6 @@ Access AccessOf(HANDLE file) {
     return access;
 }
 
-// Lets the same people do the same with a new file as with an old one. False: that cannot be.
-bool MakeAlike(HANDLE file, HANDLE old) {
-    Access access = AccessOf(old);
-    return access.empty() || access == AccessOf(file) ||
-           Requested([&] {
-               return SetKernelObjectSecurity(file, DACL_SECURITY_INFORMATION, access.data());
-           }) != 0;
-}
-
-// What a name leads to.
-struct Place {
-    OwnedHandle handle;         // of what is there, open for writing
-    bool isKnown = true;        // false: it may not be written, or there is no such place
-    bool isFile = false;        // and no device
-    bool isReplaceable = true;  // a new file can be put there
-    DWORD attributes = 0;
-    FileIdentity identity;
-
-    [[nodiscard]] bool Exists() const { return handle.get() != INVALID_HANDLE_VALUE; }
-};
-
-Place Find(const std::wstring& path, OutputFile::Kind kind) {
-    Place place;
-    // Of a symbolic link, a report replaces the link and a target what it leads to.
-    const DWORD flags = kind == OutputFile::Kind::report ? FILE_FLAG_OPEN_REPARSE_POINT : 0;
-    place.handle = OpenHandle(path, GENERIC_WRITE | DELETE, OPEN_EXISTING, flags);
-    const DWORD error = GetLastError();
-    if (!place.Exists() && (error == ERROR_ACCESS_DENIED || error == ERROR_SHARING_VIOLATION)) {
-        place.isReplaceable = false;
-        place.handle = OpenHandle(path, GENERIC_WRITE, OPEN_EXISTING, 0);
-    }
-    if (!place.Exists()) {
-        place.isKnown = place.isReplaceable && error == ERROR_FILE_NOT_FOUND;
-        return place;
-    }
-    place.isFile = GetFileType(place.handle.get()) == FILE_TYPE_DISK;
-    place.isKnown =
-        !place.isFile || Identify(place.handle.get(), &place.identity, &place.attributes);
-    return place;
-}
-
 // Where what is open is found, with no link on the way; empty where the system does not say.
 std::wstring PathOf(HANDLE file) {
     return Filled([file](DWORD size, wchar_t* buffer) {
@@ -99,93 +54,117 @@ std::wstring PathOf(HANDLE file) {
     });
 }
 
+int ModeOf(OutputFile::Kind kind) {
+    return kind == OutputFile::Kind::report ? _O_TEXT : _O_BINARY;
+}
+
+bool IsThere(const OwnedHandle& file) {
+    return file.get() != INVALID_HANDLE_VALUE;
+}
+
 }  // namespace
 
-// Creates a file in the directory of `path`. False: there is none, and the last error says why.
-bool OutputFile::CreateTemporary(unsigned mode) {
-    constexpr DWORD access = GENERIC_WRITE | DELETE | WRITE_DAC;
-    const std::size_t directory = path.find_last_of('\\') + 1;
-    OwnedHandle file(INVALID_HANDLE_VALUE);
-    const auto isThere = [&file] { return file.get() != INVALID_HANDLE_VALUE; };
-    // Names that are taken may be those of other processes that had the same number.
-    for (DWORD i = 0; i < 100 && !isThere() && (i == 0 || GetLastError() == ERROR_FILE_EXISTS);
-         ++i) {
-        temporary.assign(path, 0, directory).append("korv");
-        temporary.append(std::to_string(GetCurrentProcessId() + i)).append(".tmp");
-        file = OpenHandle(Wide(temporary), access, CREATE_NEW, mode);
+bool FindPlace(const FileSet& kept, OutputPlace* place) {
+    std::wstring path = Unlimited(FullName(Wide(place->path)));
+    // Of a symbolic link, a report replaces the link and a target what it leads to.
+    const bool isTarget = place->kind == OutputFile::Kind::target;
+    const DWORD flags = isTarget ? 0 : FILE_FLAG_OPEN_REPARSE_POINT;
+    OwnedHandle file = OpenHandle(path, GENERIC_WRITE | DELETE, OPEN_EXISTING, flags);
+    const DWORD error = GetLastError();
+    if (!IsThere(file) && (error == ERROR_ACCESS_DENIED || error == ERROR_SHARING_VIOLATION)) {
+        place->isReplaceable = false;
+        file = OpenHandle(path, GENERIC_WRITE, OPEN_EXISTING, 0);
     }
-    if (isThere() && !MarkAsDeleted(file.get(), true)) {
-        const DWORD error = GetLastError();
-        file.reset(INVALID_HANDLE_VALUE);
-        DeleteFileW(Wide(temporary).c_str());
-        SetLastError(error);
-        return false;
-    }
-    if (isThere()) {
-        handle = Numbered(std::move(file));
-    }
-    isTemporary = handle >= 0;
-    return isTemporary;
-}
-
-void OutputFile::GiveUp() {
-    handle = FileHandle();
-    if (std::exchange(isTemporary, false)) {
-        DeleteFileW(Wide(temporary).c_str());  // gone already, but if the mark could not be set
-    }
-}
-
-bool OutputFile::Open(std::string_view name, Kind kind, const FileSet& kept) {
-    std::wstring full = Unlimited(FullName(Wide(name)));
-    Place place = Find(full, kind);
-    if (!place.isKnown || (place.isFile && kept.contains(place.identity))) {
-        return false;
-    }
-    if (place.isFile && kind == Kind::target) {
-        const std::wstring end = PathOf(place.handle.get());
-        full = end.empty() ? full : end;
-    }
-    path = Narrow(full);
-    if (place.isReplaceable && (place.isFile || !place.Exists())) {
-        const DWORD attributes = (place.attributes & keptAttributes) | FILE_ATTRIBUTE_ARCHIVE;
-        if (!CreateTemporary(attributes) && !IsRefused(GetLastError())) {
+    DWORD attributes = 0;
+    if (IsThere(file)) {
+        place->isRegular = GetFileType(file.get()) == FILE_TYPE_DISK;
+        if (place->isRegular && (!Identify(file.get(), &place->identity, &attributes) ||
+                                 kept.contains(place->identity))) {
             return false;
         }
-        if (isTemporary && place.Exists() && !MakeAlike(HandleOf(handle), place.handle.get())) {
-            GiveUp();
+        if (const std::wstring end = PathOf(file.get());
+            place->isRegular && isTarget && !end.empty()) {
+            path = end;
         }
+        place->handle = Numbered(std::move(file), ModeOf(place->kind));
+    } else if (!place->isReplaceable || error != ERROR_FILE_NOT_FOUND) {
+        return false;
     }
-    if (!isTemporary && place.Exists()) {
-        handle = Numbered(std::move(place.handle));
-        isEmptied = !place.isFile;
+    place->path = Narrow(path);
+    place->directory = place->path.substr(0, place->path.find_last_of('\\') + 1);
+    place->mode = (attributes & keptAttributes) | FILE_ATTRIBUTE_ARCHIVE;
+    return true;
+}
+
+Creation Create(const std::string& temporary, const OutputPlace& place, FileHandle* handle) {
+    constexpr DWORD access = GENERIC_WRITE | DELETE | WRITE_DAC;
+    OwnedHandle file = OpenHandle(Wide(temporary), access, CREATE_NEW, place.mode);
+    const bool isMarked = IsThere(file) && MarkAsDeleted(file.get(), true);
+    const DWORD error = GetLastError();
+    if (isMarked) {
+        *handle = Numbered(std::move(file), ModeOf(place.kind));
+        return *handle >= 0 ? Creation::done : Creation::failed;
     }
-    if (handle >= 0 && kind == Kind::report) {
-        _setmode(handle, _O_TEXT);
+    if (IsThere(file)) {
+        file.reset(INVALID_HANDLE_VALUE);
+        Remove(temporary);
     }
-    return handle >= 0;
+    return error == ERROR_FILE_EXISTS ? Creation::nameIsTaken
+           : IsRefused(error)         ? Creation::isRefused
+                                      : Creation::failed;
+}
+
+Creation Link(const std::string& path, const std::string& temporary) {
+    const bool isDone =
+        Requested([&] {
+            return CreateHardLinkW(Wide(temporary).c_str(), Wide(path).c_str(), nullptr);
+        }) != 0;
+    return isDone                                   ? Creation::done
+           : GetLastError() == ERROR_ALREADY_EXISTS ? Creation::nameIsTaken
+                                                    : Creation::failed;
+}
+
+// Lets the same people do the same with a new file as with an old one.
+bool MakeAlike(int handle, const OutputPlace& place) {
+    Access access = AccessOf(HandleOf(place.handle));
+    return access.empty() || access == AccessOf(HandleOf(handle)) ||
+           Requested([&] {
+               return SetKernelObjectSecurity(HandleOf(handle), DACL_SECURITY_INFORMATION,
+                                              access.data());
+           }) != 0;
 }
 
 bool Empty(int handle) {
-    return !FailsOnPurpose() && _chsize_s(handle, 0) == 0;
+    return !FailsOnPurpose() && _chsize_s(handle, 0) == 0 && _lseeki64(handle, 0, SEEK_SET) == 0;
+}
+
+bool Flush(int handle) {
+    return Requested([&] { return FlushFileBuffers(HandleOf(handle)); }) != 0;
+}
+
+bool EndWriting(FileHandle*) {
+    return true;  // the file would go with its handle
 }
 
 std::ptrdiff_t WriteSome(int handle, const void* buffer, std::size_t count) {
     return FailsOnPurpose() ? -1 : _write(handle, buffer, static_cast<unsigned>(count));
 }
 
-bool OutputFile::Commit() {
-    Write(nullptr, 0);  // an empty file is one too
-    bool isWhole = !hasFailed;
-    if (isWhole && isTemporary) {
-        isWhole = MarkAsDeleted(HandleOf(handle), false) &&
-                  Requested([this] {
-                      return MoveFileExW(Wide(temporary).c_str(), Wide(path).c_str(),
-                                         MOVEFILE_REPLACE_EXISTING);
-                  }) != 0;
-        isTemporary = !isWhole;
-    }
-    GiveUp();
-    return isWhole;
+bool PutInPlace(FileHandle* handle, const std::string& temporary, const std::string& path) {
+    const bool isMarked = *handle >= 0;  // and not a second name of a file
+    return temporary.empty() || ((!isMarked || MarkAsDeleted(HandleOf(*handle), false)) &&
+                                 Requested([&] {
+                                     return MoveFileExW(Wide(temporary).c_str(), Wide(path).c_str(),
+                                                        MOVEFILE_REPLACE_EXISTING);
+                                 }) != 0);
+}
+
+void Remove(const std::string& temporary) {
+    DeleteFileW(Wide(temporary).c_str());  // gone already, but if the mark could not be set
+}
+
+unsigned long ProcessNumber() {
+    return GetCurrentProcessId();
 }
 
 }  // namespace korv::platform

@@ -82,10 +82,10 @@ std::vector<Name> NameCollector::Take(const CIdentifierManager& table, MessageMa
         }
         names.push_back(std::move(name));
     }
-    for (auto& [text, places] : uses) {  // only skipped blocks have these
+    for (auto& [text, rest] : uses) {  // only skipped blocks have these
         Name& name = names.emplace_back();
         name.text = text;
-        name.uses = std::move(places);
+        name.uses = std::move(rest);
     }
     uses.clear();
     std::ranges::sort(names, {}, &Name::text);

@@ -66,7 +66,7 @@ void TokenReader::Next() {
     while (position != end) {
         const char c = *position;
         const TokenAction action = ActionOf(c);
-        if (action <= TokenAction::separator) [[likely]] {
+        if (action == TokenAction::append || action == TokenAction::separator) [[likely]] {
             ++position;
             continue;
         }

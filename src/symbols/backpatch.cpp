@@ -64,7 +64,7 @@ class Backpatcher {
 
 // Evaluates one patch and writes its value, or gives it to an EQU, which may release a chain.
 Status Backpatcher::WorkPatch(CPatchInfo* patch) {
-    identifiers.Trace({"Backpatching: [", patch->identifier->Name(), "]\n"});
+    identifiers.Trace("Backpatching: [", patch->identifier->Name(), "]\n");
     std::int32_t value = patch->identifier->value;
     if ((patch->flags & PF_NAME) == 0) {
         const Status status = EvaluatePatch(*patch, &value);
@@ -84,9 +84,9 @@ Status Backpatcher::WorkPatch(CPatchInfo* patch) {
     if (status == MSG_UNRESOLVED) {
         MovePatch(patch, fault);
     } else if (status != 0) {
-        identifiers.Trace({"Could not resolve expression! [", patch.Text(), "] ",
-                           assembler->fileNames.NameOf(patch.file), ", line ",
-                           std::to_string(patch.line), ".\n"});
+        identifiers.Trace("Could not resolve expression! [", patch.Text(), "] ",
+                          assembler->fileNames.NameOf(patch.file), ", line ",
+                          std::to_string(patch.line), ".\n");
     }
     return status;
 }
@@ -99,15 +99,15 @@ CPatchInfo* Backpatcher::LeavePatch(CPatchInfo* patch, const CPatchInfo* root, S
         CPatchInfo* next = patch->next;
         CPatchInfoMemBlock::FreePatchInfo(patch);
         if (*result == 0) {
-            identifiers.Trace({"#"});
+            identifiers.Trace("#");
             if (next != nullptr) {
                 next->parent = parent;
                 return next;
             }
-            identifiers.Trace({"\n"});
+            identifiers.Trace("\n");
         } else {
             // The first failure ends the chain: the patches after it are given up.
-            identifiers.Trace({"Error backpatching!\n"});
+            identifiers.Trace("Error backpatching!\n");
             while (next != nullptr) {
                 CPatchInfoMemBlock::FreePatchInfo(std::exchange(next, next->next));
             }
@@ -125,8 +125,8 @@ void Backpatcher::MovePatch(const CPatchInfo& patch, std::string_view name) {
     copy->expression.Assign(patch.Text());
     copy->name.Assign(patch.name.View());
     identifiers.AddPatch(name, copy);
-    identifiers.Trace({"No immediate patching possible! [", patch.identifier->Name(), "] [",
-                       patch.Text(), "]\n"});
+    identifiers.Trace("No immediate patching possible! [", patch.identifier->Name(), "] [",
+                      patch.Text(), "]\n");
 }
 
 // Gives the EQU of `patch` its value and takes what waits for it.
@@ -137,12 +137,12 @@ void Backpatcher::MovePatch(const CPatchInfo& patch, std::string_view name) {
         assembler->errors.Report(MSG_NO_EQU_LABEL, name, patch.Place());
         return -1;
     }
-    identifiers.Trace({"Backpatching EQU. [", name, "]\n"});
+    identifiers.Trace("Backpatching EQU. [", name, "]\n");
     equ->value = value;
     equ->flags |= IDF_RESOLVED;
     released = identifiers.TakePatches(equ);
     if (released == nullptr) {
-        identifiers.Trace({"\n"});
+        identifiers.Trace("\n");
     }
     return 0;
 }

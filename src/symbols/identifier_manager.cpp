@@ -49,9 +49,8 @@ void CIdentifierManager::AddID(const Definition& definition) {
 
 // Reports that `definition` is of a name which may not be defined, or not again.
 void CIdentifierManager::Refuse(const Definition& definition, bool isReserved) {
-    Trace(
-        {isReserved ? "Attempt to use command/instruction as a label! [" : "Label redefinition! [",
-         definition.name, "]\n"});
+    Trace(isReserved ? "Attempt to use command/instruction as a label! [" : "Label redefinition! [",
+          definition.name, "]\n");
     assembler->errors.Report(isReserved ? MSG_RESERVED_NAME : MSG_REDEFINITION, definition.name,
                              definition.place);
 }
@@ -60,7 +59,7 @@ void CIdentifierManager::Refuse(const Definition& definition, bool isReserved) {
 // wait for it are applied.
 void CIdentifierManager::ApplyPatches(CIdentifier* identifier) {
     if ((identifier->flags & IDF_RESOLVED) == 0) {
-        Trace({"Could not backpatch yet! [", identifier->Name(), "]\n"});
+        Trace("Could not backpatch yet! [", identifier->Name(), "]\n");
         return;
     }
     CPatchInfo* patch = TakePatches(identifier);
@@ -83,7 +82,7 @@ Status CIdentifierManager::AddPatch(std::string_view name, CPatchInfo* patch) {
     CIdentifier* const known = index.Find(hashed);
     CIdentifier* const record = known != nullptr ? known : Enter(hashed);
     patch->identifier = record;
-    Trace({"Adding patch for: [", name, "] -> [", patch->Text(), "]\n"});
+    Trace("Adding patch for: [", name, "] -> [", patch->Text(), "]\n");
     if ((record->flags & IDF_RESOLVED) != 0) [[unlikely]] {
         const Status result = Backpatch(patch);
         CPatchInfoMemBlock::FreePatchInfo(patch);

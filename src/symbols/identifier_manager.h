@@ -118,9 +118,10 @@ class CIdentifierManager {
     [[nodiscard]] const CIdentifier& Record(std::int32_t number) const { return *RecordAt(number); }
 
     /// Adds a text, given in pieces, to the trace if there is one.
-    void Trace(std::initializer_list<std::string_view> pieces) const {
+    template <typename... Pieces>
+    void Trace(const Pieces&... pieces) const {
         if (log != nullptr) [[unlikely]] {
-            WriteTrace(pieces);
+            WriteTrace({pieces...});
         }
     }
 

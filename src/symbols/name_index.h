@@ -73,8 +73,8 @@ static_assert([] {
     return hash ^ hash >> 32;
 }
 
-/// Whether `text`, of more than 8 characters, stands at `other`. By 8 characters at a time, since
-/// the call of the general routine would cost more than the work.
+/// Whether the characters at `other` are those of `text`, which has more than 8. Compares 8 at a
+/// time: the call of the general routine would cost more than the comparison.
 [[nodiscard]] inline bool EqualTexts(const char* other, std::string_view text) {
     const auto differAt = [&](std::size_t i) {
         return LoadWord<std::uint64_t>(other + i) != LoadWord<std::uint64_t>(text.data() + i);
@@ -87,8 +87,8 @@ static_assert([] {
     return !differAt(text.size() - 8);
 }
 
-/// A name that is looked up, with its hash. Every lookup takes a plain text as well; who asks for
-/// one name twice, first for its value and then to let a patch wait for it, makes this once.
+/// A name that is looked up, with its hash: a name that is not found is often entered next. Made of
+/// a plain text wherever one is passed.
 struct HashedName {
     constexpr HashedName() = default;
     constexpr HashedName(std::string_view text, std::uint64_t hash) : text(text), hash(hash) {}

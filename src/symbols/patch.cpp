@@ -5,16 +5,11 @@
 #include <numeric>
 
 #include "platform/platform.h"
-#include "symbols/identifier.h"
 
 namespace korv {
 
 CPatchInfoMemBlock* CPatchInfoMemBlock::blocks = nullptr;
 CPatchInfoMemBlock* CPatchInfoMemBlock::blocksWithRoom = nullptr;
-
-std::string_view CPatchInfo::Text() const {
-    return expression.c_str() == nullptr ? identifier->Name() : expression.View();
-}
 
 void CPatchInfoMemBlock::MakeBlock() {
     [[maybe_unused]] static const int registered = std::atexit(ReleaseBlocks);

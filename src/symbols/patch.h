@@ -8,10 +8,10 @@
 
 #include "diagnostics/source_place.h"
 #include "expr/tmp_string.h"
+#include "symbols/identifier.h"
 
 namespace korv {
 
-struct CIdentifier;
 class CPatchInfoMemBlock;
 
 /// Bits of `CPatchInfo::flags`.
@@ -60,7 +60,9 @@ class CPatchInfo {
     const std::uint16_t flags;   ///< PF_* bits
 
     /// The text to evaluate again, terminated.
-    [[nodiscard]] std::string_view Text() const;
+    [[nodiscard]] std::string_view Text() const {
+        return expression.c_str() == nullptr ? identifier->Name() : expression.View();
+    }
     /// Where the source has that text.
     [[nodiscard]] SourcePlace Place() const {
         return {file, line, offset, static_cast<std::uint32_t>(Text().size())};

@@ -1,6 +1,8 @@
 #include "frontend/hints.h"
 
 #include <algorithm>
+#include <iterator>
+#include <vector>
 
 #include "codegen/keywords.h"
 #include "driver/assembler.h"
@@ -11,23 +13,25 @@
 namespace korv {
 namespace {
 
+std::string Question(std::string_view nearest) {
+    return nearest.empty() ? "" : "did you mean " + std::string(nearest) + "?";
+}
+
 std::string NearestKeyword(std::string_view word) {
-    Nearest nearest(word);
-    for (const Keyword& keyword : keywords) {
-        nearest.Try(keyword.word);
-    }
-    return nearest.Question();
+    std::vector<std::string_view> words;
+    std::ranges::transform(keywords, std::back_inserter(words), &Keyword::word);
+    return Question(NearWords(words).Find(word));
 }
 
 std::string NearestName(const CIdentifierManager& names, std::string_view name) {
-    Nearest nearest(name);
+    std::vector<std::string_view> words;
     for (std::int32_t i = 0; i < names.RecordCount(); ++i) {
         const CIdentifier& record = names.Record(i);
         if ((record.flags & IDF_RESOLVED) != 0) {
-            nearest.Try(record.Name());
+            words.push_back(record.Name());
         }
     }
-    return nearest.Question();
+    return Question(NearWords(words).Find(name));
 }
 
 std::string Filled(std::string_view note, const Fault& fault) {

@@ -1,41 +1,40 @@
-/// Finds the word that a misspelled one was meant to be.
+/// The word of a set that is nearest to a misspelt one.
 #pragma once
 
 #include <cstddef>
-#include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "frontend/line_parts.h"
 
 namespace korv {
 
-/// Keeps the nearest of the words that are tried. Both texts belong to the caller.
-class Nearest {
+class NearWords {
   public:
-    explicit Nearest(std::string_view wanted)
-        : wanted(wanted), best(wanted.size() < 6 ? 2 : 3) {}  // one step less is near enough
+    /// The texts are not copied.
+    explicit NearWords(std::vector<std::string_view> words) : words(std::move(words)) {}
 
-    void Try(std::string_view word) {
-        if (word.size() + best > wanted.size() && wanted.size() + best > word.size() &&
-            word.size() <= longestCompared && wanted.size() <= longestCompared) {
-            if (const std::size_t steps = EditDistance(wanted, word); steps < best) {
+    /// The word nearest to `word`; empty: none is near enough.
+    [[nodiscard]] std::string_view Find(std::string_view word) const {
+        std::string_view found;
+        std::size_t best = word.size() < 6 ? 2 : 3;  // one step less is near enough
+        for (const std::string_view each : words) {
+            const bool isComparable = word.size() > 1 && word.size() <= longestCompared &&
+                                      each.size() <= longestCompared &&
+                                      each.size() + best > word.size() &&
+                                      word.size() + best > each.size();
+            if (const std::size_t steps = isComparable ? EditDistance(word, each) : best;
+                steps < best) {
                 best = steps;
-                found = word;
+                found = each;
             }
         }
-    }
-    /// Empty: none is near enough.
-    [[nodiscard]] std::string_view Found() const {
-        return wanted.size() < 2 ? std::string_view() : found;
-    }
-    [[nodiscard]] std::string Question() const {
-        return Found().empty() ? "" : "did you mean " + std::string(found) + "?";
+        return found;
     }
 
   private:
-    std::string_view wanted;
-    std::size_t best;
-    std::string_view found;
+    std::vector<std::string_view> words;
 };
 
 }  // namespace korv

@@ -34,7 +34,8 @@ struct OptionRow {
     [[nodiscard]] bool NeedsArgument() const {
         return !argument.empty() && !argument.starts_with('[');
     }
-    /// The words to choose from; a single one: there is no choice.
+    /// The words to choose from, an empty one among them where the argument is optional; a single
+    /// one: there is no choice.
     [[nodiscard]] std::vector<std::string_view> Choices() const;
 };
 

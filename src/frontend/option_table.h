@@ -27,10 +27,6 @@ struct OptionRow {
     std::uint64_t least = 0;  ///< of a number
     std::uint64_t most = 0;
 
-    /// As a message names it: "-o", "--format".
-    [[nodiscard]] std::string Spelled() const {
-        return name.empty() ? std::string{'-', letter} : "--" + std::string(name);
-    }
     [[nodiscard]] bool NeedsArgument() const {
         return !argument.empty() && !argument.starts_with('[');
     }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <iterator>
 
 #include "frontend/nearest.h"
 
@@ -47,12 +48,10 @@ std::string Take(const OptionRow&, std::string_view word, WarningChoice* warning
         name.remove_prefix(name.starts_with(prefix) ? prefix.size() : 0);
     }
     std::vector<std::string_view> names;
-    for (const WarningRow& row : warningTable) {
-        names.push_back(row.name);
-    }
-    const std::string_view nearest = NearWords(names).Find(name);
+    std::ranges::transform(warningTable, std::back_inserter(names), &WarningRow::name);
+    const std::string_view meant = NearWords(names).Find(name);
     return "unknown warning " + Quoted(name) +
-           (nearest.empty() ? "; --help lists them" : "; did you mean " + Quoted(nearest) + "?");
+           (meant.empty() ? "; --help lists them" : "; did you mean " + Quoted(meant) + "?");
 }
 
 // The choices are in the order of the enumerators. An optional one that is left out is the first.
@@ -66,7 +65,7 @@ requires std::is_enum_v<Choice> std::string Take(const OptionRow& row, std::stri
         return "";
     }
     std::string all;
-    for (const std::string_view& each : words) {
+    for (const std::string_view& each : words) {  // the empty one stands for no argument
         all += all.empty() ? "" : &each == &words.back() ? " or " : ", ";
         all += each;
     }
@@ -122,16 +121,15 @@ const std::span<const OptionRow> optionTable = rows;
 
 std::vector<std::string_view> OptionRow::Choices() const {
     std::string_view rest = argument;
+    std::vector<std::string_view> words;
     if (rest.starts_with("[=")) {
         rest = rest.substr(2, rest.size() - 3);
+        words.emplace_back();
     }
-    std::vector<std::string_view> words;
-    for (std::size_t end = 0; end != std::string_view::npos; rest.remove_prefix(end + 1)) {
+    for (std::size_t end = 0; end != std::string_view::npos;) {
         end = rest.find('|');
         words.push_back(rest.substr(0, end));
-        if (end == std::string_view::npos) {
-            break;
-        }
+        rest.remove_prefix(end == std::string_view::npos ? 0 : end + 1);
     }
     return words;
 }

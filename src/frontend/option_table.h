@@ -27,14 +27,11 @@ struct OptionRow {
     std::uint64_t least = 0;  ///< of a number
     std::uint64_t most = 0;
 
-    /// As a message names it: "-o", "--format".
-    [[nodiscard]] std::string Spelled() const {
-        return name.empty() ? std::string{'-', letter} : "--" + std::string(name);
-    }
     [[nodiscard]] bool NeedsArgument() const {
         return !argument.empty() && !argument.starts_with('[');
     }
-    /// The words to choose from; a single one: there is no choice.
+    /// The words to choose from, an empty one among them where the argument is optional; a single
+    /// one: there is no choice.
     [[nodiscard]] std::vector<std::string_view> Choices() const;
 };
 

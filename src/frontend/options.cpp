@@ -5,6 +5,7 @@
 #include "frontend/options.h"
 
 #include <algorithm>
+#include <iterator>
 #include <optional>
 #include <utility>
 
@@ -40,23 +41,26 @@ bool IsOption(std::string_view word) {
                                 : word.size() > 1 && word[0] == '-' && RowOf(word[1]) != nullptr);
 }
 
-std::string Unknown(std::string_view word) {
-    const std::string_view typed = word.substr(0, word.find('='));
-    const std::string_view name =
-        typed.substr(std::min(typed.find_first_not_of('-'), typed.size()));
-    std::string meant;
+// The option that was meant by `name`, a misspelt one without its dashes; empty: none is near.
+std::string Meant(std::string_view name) {
     std::vector<std::string_view> names;
+    std::ranges::transform(optionTable, std::back_inserter(names), &OptionRow::name);
+    std::string_view meant = NearWords(names).Find(name);
     for (const OptionRow& row : optionTable) {
-        names.push_back(row.name);
-        const bool isStart = name.size() > 1 && row.name.starts_with(name);
-        const bool isOtherCase = name.size() == 1 && Raised(row.letter) == Raised(name[0]);
-        if (meant.empty() && (isStart || isOtherCase)) {
-            meant = isStart ? "--" + std::string(row.name) : std::string{'-', row.letter};
+        if (name.size() == 1 && Raised(row.letter) == Raised(name[0])) {
+            return {'-', row.letter};
+        }
+        if (meant.empty() && name.size() > 1 && row.name.starts_with(name)) {
+            meant = row.name;
         }
     }
-    if (const std::string_view nearest = NearWords(names).Find(name); !nearest.empty()) {
-        meant = "--" + std::string(nearest);
-    }
+    return meant.empty() ? "" : "--" + std::string(meant);
+}
+
+std::string Unknown(std::string_view word) {
+    const std::string_view typed = word.substr(0, word.find('='));
+    const std::string meant =
+        Meant(typed.substr(std::min(typed.find_first_not_of('-'), typed.size())));
     return "unknown option " + Quoted(typed) +
            (meant.empty() ? std::string(seeHelp) : "; did you mean " + Quoted(meant) + "?");
 }

@@ -22,10 +22,16 @@ constexpr mode_t permissions = 07777;
 // The temporary files that there are now. Process-wide, since the process may end anywhere.
 std::vector<std::string> unfinished;
 
-// The temporary file has its final name, or is gone.
-void Forget(const std::string& temporary) {
-    if (std::erase(unfinished, temporary) != 0 && unfinished.empty()) {
+void ReleaseSignalsIfDone() {
+    if (unfinished.empty()) {
         ReleaseSignals();
+    }
+}
+
+// The temporary file has its final name, or is gone. It need not be one of ours.
+void Forget(const std::string& temporary) {
+    if (std::erase(unfinished, temporary) != 0) {
+        ReleaseSignalsIfDone();
     }
 }
 
@@ -130,7 +136,8 @@ Creation Created(const std::string& temporary, Call create) {
         return Creation::done;
     }
     const int error = errno;
-    Forget(temporary);
+    unfinished.pop_back();  // a name that is taken may be that of another output
+    ReleaseSignalsIfDone();
     errno = error;
     return error == EEXIST    ? Creation::nameIsTaken
            : IsRefused(error) ? Creation::isRefused

@@ -10,6 +10,11 @@
 namespace korv {
 namespace {
 
+char Lowered(char c) {
+    return HasClass(c, CC_LETTER) && !HasClass(c, CC_LOWER) ? static_cast<char>(c + ('a' - 'A'))
+                                                            : c;
+}
+
 using Texts = std::vector<std::string_view>;  // what %1, %2 stand for
 
 std::string_view Inner(std::string_view operand) {
@@ -48,48 +53,59 @@ std::string_view ConditionAtEnd(std::string_view mnemonic) {
 }
 
 // What the template letter `kind` makes of the text that its number stands for.
-std::string_view Shown(char kind, std::string_view text) {
+std::string Shown(char kind, std::string_view text) {
+    const std::string raised = Raised(text);
+    const bool isSmall = raised != text;
+    const auto cased = [isSmall](std::string_view word) {
+        std::string result(word);
+        std::ranges::transform(result, result.begin(),
+                               [isSmall](char c) { return isSmall ? Lowered(c) : c; });
+        return result;
+    };
     switch (kind) {
         case 'i':
-            return Inner(text);
+            return std::string(Inner(text));
         case 'm':
-            return text == "M" ? "(HL)" : text;
+            return raised == "M" ? cased("(HL)") : std::string(text);
         case 'p':
-            return PairOf8080(text);
+            return cased(PairOf8080(raised));
         case 'q':
-            return PairWith(text);
+            return cased(PairWith(raised));
         case 'h':
-            return text.substr(0, 1);
+            return std::string(text.substr(0, 1));
         case 'l':
-            return text.substr(std::min<std::size_t>(1, text.size()));
+            return std::string(text.substr(std::min<std::size_t>(1, text.size())));
         default:
-            return text;
+            return std::string(text);
     }
 }
 
-// `pattern` with its letters filled; `fix` is what %f stands for.
+// `pattern` with its letters filled; `fix` is what %f stands for. Without it the pattern is a fix
+// itself, and in small letters if the statement is.
 std::string Filled(std::string_view pattern, const StatementView& statement, const Texts& texts,
-                   std::string_view fix) {
+                   std::optional<std::string_view> fix) {
     std::string text;
+    const bool isSmall = !fix && statement.IsSmall();
     for (std::size_t i = 0; i < pattern.size(); ++i) {
         if (pattern[i] != '%' || i + 1 == pattern.size()) {
-            text += pattern[i];
+            text += isSmall ? Lowered(pattern[i]) : pattern[i];
             continue;
         }
         const char letter = pattern[++i];
         const bool hasNumber = i + 1 < pattern.size() && HasClass(pattern[i + 1], CC_DIGIT) &&
                                std::string_view("impqhl").find(letter) != std::string_view::npos;
         if (letter == 'w') {
-            text += statement.mnemonic;
+            text += statement.Typed(statement.mnemonic);
         } else if (letter == 'r') {
-            text += statement.rest;
+            text += statement.Typed(statement.rest);
         } else if (letter == 'k') {
-            text += ConditionAtEnd(statement.mnemonic);
+            text += statement.Typed(ConditionAtEnd(statement.mnemonic));
         } else if (letter == 'f') {
-            text += fix;
+            text += fix.value_or(std::string_view());
         } else if (HasClass(letter, CC_DIGIT) || hasNumber) {
             const auto number = static_cast<std::size_t>((hasNumber ? pattern[++i] : letter) - '1');
-            text += Shown(hasNumber ? letter : ' ', number < texts.size() ? texts[number] : "");
+            text += Shown(hasNumber ? letter : ' ',
+                          number < texts.size() ? texts[number] : std::string_view());
         } else {
             text += letter;
         }
@@ -100,7 +116,7 @@ std::string Filled(std::string_view pattern, const StatementView& statement, con
 Texts TextsOf(const StatementView& statement) {
     Texts texts;
     for (const OperandView& operand : statement.operands) {
-        texts.push_back(operand.text);
+        texts.push_back(statement.Typed(operand.text));
     }
     return texts;
 }
@@ -211,7 +227,8 @@ RowAdvice AdviceOf(std::string_view note, std::string_view fix, const StatementV
                    const Texts& texts) {
     RowAdvice advice;
     if (!fix.empty()) {
-        advice.edits.push_back(NewStatement(statement, Filled(fix, statement, texts, "")));
+        advice.edits.push_back(
+            NewStatement(statement, Filled(fix, statement, texts, std::nullopt)));
     }
     const std::string shown = fix.empty() ? "" : InOneLine(advice.edits[0].text);
     advice.note = Filled(note.empty() && !fix.empty() ? "write %f" : note, statement, texts, shown);
@@ -231,27 +248,28 @@ TextEdit NewStatement(const StatementView& statement, std::string text) {
 }
 
 std::string WriteNote(const StatementView& statement, const std::vector<TextEdit>& edits) {
-    const std::string line = Applied(statement.line, edits);
-    const StatementView changed = CutStatement(line);
+    const std::string typed = Applied(statement.typed.substr(0, statement.line.size()), edits);
+    const StatementView changed = CutStatement(typed);
     return "write " +
            InOneLine(changed.Span(changed.mnemonic,
                                   changed.rest.empty() ? changed.mnemonic : changed.rest));
 }
 
-std::optional<RowAdvice> WordAdvice(const StatementView& statement, std::string_view rawLine) {
+std::optional<RowAdvice> WordAdvice(const StatementView& statement) {
     std::string_view word = statement.mnemonic;
     const bool isMarked =
         word.size() > 1 && std::string_view(".#!").find(word[0]) != std::string_view::npos;
     // With the marks away, and the operands as they are written here.
     std::vector<TextEdit> edits;
     for (const OperandView& operand : statement.operands) {
-        const Foreign found = FindForeign(statement, operand, rawLine);
+        const Foreign found = FindForeign(statement, operand);
         if (found.part.data() != nullptr && !found.fix.empty()) {
             edits.push_back({statement.PartOf(found.part), found.fix});
         }
     }
-    const std::string line = Applied(statement.line, edits);
-    StatementView changed = CutStatement(line);
+    const std::string typed = Applied(statement.typed, edits);
+    const std::string line = Raised(typed);
+    StatementView changed = CutStatement(line, typed);
     const auto count = static_cast<int>(changed.operands.size());
     const auto advice = [&](std::string_view note, std::string_view fix) {
         RowAdvice found = AdviceOf(note, fix, changed, TextsOf(changed));
@@ -290,14 +308,15 @@ std::optional<RowAdvice> TokenAdvice(const StatementView& statement, const Opera
             }
             Texts texts;
             for (std::size_t k = i; k < i + length; ++k) {
-                texts.push_back(operand.tokens[k].text);
+                texts.push_back(statement.Typed(operand.tokens[k].text));
             }
             RowAdvice advice;
-            advice.part = statement.Span(texts.front(), texts.back());
+            advice.part =
+                statement.Span(operand.tokens[i].text, operand.tokens[i + length - 1].text);
             std::string shown;
             if (!row.fix.empty()) {
-                advice.edits.push_back(
-                    {statement.PartOf(advice.part), Filled(row.fix, statement, texts, "")});
+                advice.edits.push_back({statement.PartOf(advice.part),
+                                        Filled(row.fix, statement, texts, std::nullopt)});
                 shown = WriteNote(statement, advice.edits).substr(6);
             }
             advice.note = Filled(row.note.empty() && !row.fix.empty() ? "write %f" : row.note,

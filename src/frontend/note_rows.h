@@ -19,8 +19,7 @@ struct RowAdvice {
 };
 
 /// For a mnemonic that is not in the vocabulary, with other spellings in its operands.
-[[nodiscard]] std::optional<RowAdvice> WordAdvice(const StatementView& statement,
-                                                  std::string_view rawLine);
+[[nodiscard]] std::optional<RowAdvice> WordAdvice(const StatementView& statement);
 [[nodiscard]] std::optional<RowAdvice> TokenAdvice(const StatementView& statement,
                                                    const OperandView& operand);
 [[nodiscard]] std::optional<RowAdvice> OperandAdvice(const StatementView& statement, Status number);

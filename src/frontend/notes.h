@@ -51,7 +51,6 @@ struct FaultView {
     const StatementView& statement;
     LinePart part;          ///< what the core was looking at; without length: the whole statement
     std::string_view text;  ///< the detail of the message, often the part itself; may be empty
-    std::string_view rawLine;      ///< as in the file, with its comment
     std::int32_t statementId = 0;  ///< the same for all messages of one statement of the run
     bool isSkipped = false;        ///< a condition keeps the statement from being assembled
 };

@@ -40,7 +40,7 @@ struct Case {
 };
 
 bool HasFormWith(const StatementView& statement, const std::vector<TextEdit>& edits) {
-    const std::string line = Applied(statement.line, edits);
+    const std::string line = Raised(Applied(statement.line, edits));
     return HasForm(CutStatement(line));
 }
 
@@ -141,7 +141,7 @@ bool AdviseOnSpelling(Case* it) {
                 "name the label: there are no numbered labels, and 1B is a binary number";
             return true;
         }
-        Foreign found = FindForeign(it->statement, *operand, it->fault.rawLine);
+        Foreign found = FindForeign(it->statement, *operand);
         if (found.part.data() != nullptr) {
             it->PointAt(found.part);
             it->advice.note = std::move(found.note);

@@ -51,11 +51,9 @@ std::string EscapeValue(std::string_view content) {
 }
 
 // The text in single quotes at `start` of `line`. Two quotes in a row are one in it.
-Foreign SingleQuoted(std::string_view line, std::string_view rawLine, std::size_t start) {
-    const bool isSame =
-        rawLine.size() >= line.size() &&
-        std::ranges::equal(line.substr(0, start), rawLine.substr(0, start), {}, {}, Raised);
-    const std::string_view source = isSame ? rawLine : line;
+Foreign SingleQuoted(const StatementView& statement, std::size_t start) {
+    const std::string_view line = statement.line;
+    const std::string_view source = statement.typed;
     std::size_t end = start + 1;
     std::string content;
     for (; end < source.size(); ++end) {
@@ -86,10 +84,10 @@ Foreign SingleQuoted(std::string_view line, std::string_view rawLine, std::size_
 }
 
 // The text in square brackets around `at`, with parentheses.
-Foreign Bracketed(std::string_view operand) {
+Foreign Bracketed(std::string_view operand, std::string_view typed) {
     std::string fix;
     bool isString = false;
-    for (const char c : operand) {
+    for (const char c : typed) {
         isString = isString != (c == '"');
         fix += isString ? c : c == '[' || c == '{' ? '(' : c == ']' || c == '}' ? ')' : c;
     }
@@ -208,8 +206,7 @@ std::string NumberSpelling(std::string_view token) {
     return "";
 }
 
-Foreign FindForeign(const StatementView& statement, const OperandView& operand,
-                    std::string_view rawLine) {
+Foreign FindForeign(const StatementView& statement, const OperandView& operand) {
     bool isString = false;
     for (std::size_t i = 0; i < operand.text.size(); ++i) {
         const char c = operand.text[i];
@@ -220,10 +217,10 @@ Foreign FindForeign(const StatementView& statement, const OperandView& operand,
         const std::size_t at = statement.PartOf(operand.text).offset + i;
         const bool isShadow = i > 0 && HasClass(operand.text[i - 1], CC_NAME);  // AF', H'FF'
         if (c == '\'' && !isShadow) {
-            return SingleQuoted(statement.line, rawLine, at);
+            return SingleQuoted(statement, at);
         }
         if (c == '[' || c == '{') {
-            return Bracketed(operand.text);
+            return Bracketed(operand.text, statement.Typed(operand.text));
         }
     }
     if (Foreign found = ForeignMemory(operand); found.part.data() != nullptr) {

@@ -23,10 +23,8 @@ struct Foreign {
     std::string note;  ///< why, or what to do instead; empty: "write " and the spelling
 };
 
-/// The first of `operand`; `part` without data for none. `rawLine` holds the letters as they were
-/// typed, which a string keeps.
-[[nodiscard]] Foreign FindForeign(const StatementView& statement, const OperandView& operand,
-                                  std::string_view rawLine);
+/// The first of `operand`; `part` without data for none.
+[[nodiscard]] Foreign FindForeign(const StatementView& statement, const OperandView& operand);
 
 /// A number as it is written here, from `token` as another assembler writes it; empty if it is
 /// none.

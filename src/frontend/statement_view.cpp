@@ -146,9 +146,30 @@ std::vector<Token> CutTokens(std::string_view text) {
     return tokens;
 }
 
-StatementView CutStatement(std::string_view line) {
+bool StatementView::IsSmall() const {
+    const std::string_view word = Typed(mnemonic);
+    const auto isSmall = [](char c) { return HasClass(c, CC_LOWER); };
+    return std::ranges::any_of(word, isSmall) && std::ranges::none_of(word, [](char c) {
+               return HasClass(c, CC_LETTER) && !HasClass(c, CC_LOWER);
+           });
+}
+
+std::string Raised(std::string_view typed) {
+    std::string line;
+    bool isString = false;
+    for (const char c : typed) {
+        isString = isString != (c == '"');
+        line += isString ? c : Raised(c);
+    }
+    return line;
+}
+
+StatementView CutStatement(std::string_view line, std::string_view typed) {
     StatementView view;
     view.line = line;
+    const bool isSame = typed.size() >= line.size() && Raised(typed.substr(0, line.size())) == line;
+    view.typed = isSame ? typed : line;
+    view.label = line.substr(0, 0);
     if (!line.empty() && HasClass(line.front(), CC_NAME_START)) {
         view.label = Prefix(line, [](char c) { return HasClass(c, CC_NAME); });
         line.remove_prefix(view.label.size());

@@ -5,6 +5,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -66,6 +67,8 @@ struct OperandView {
 
 struct StatementView {
     std::string_view line;
+    std::string_view typed;  ///< the line before it was cleaned, with its comment and its small
+                             ///< letters; `line` itself where their offsets differ
     std::string_view label;  ///< without its colon
     bool hasColon = false;
     std::string_view mnemonic;  ///< up to a blank, whether it is in the vocabulary or not
@@ -77,14 +80,24 @@ struct StatementView {
         return {static_cast<std::uint32_t>(text.data() - line.data()),
                 static_cast<std::uint32_t>(text.size())};
     }
+    /// `text`, a part of `line`, as it was typed.
+    [[nodiscard]] std::string_view Typed(std::string_view text) const {
+        return typed.substr(PartOf(text).offset, text.size());
+    }
+    /// Whether the mnemonic was typed in small letters.
+    [[nodiscard]] bool IsSmall() const;
     /// From the first character of `first` to the last one of `last`.
     [[nodiscard]] std::string_view Span(std::string_view first, std::string_view last) const {
         return {first.data(), static_cast<std::size_t>(last.data() + last.size() - first.data())};
     }
 };
 
-/// `line` is kept as views: it has to outlive the result.
-[[nodiscard]] StatementView CutStatement(std::string_view line);
+/// Both lines are kept as views: they have to outlive the result. `typed` is the physical line;
+/// empty where it is not known.
+[[nodiscard]] StatementView CutStatement(std::string_view line, std::string_view typed = {});
+
+/// `typed` with the letters outside of strings raised, as the core's reader does it.
+[[nodiscard]] std::string Raised(std::string_view typed);
 
 /// The tokens of one expression or operand.
 [[nodiscard]] std::vector<Token> CutTokens(std::string_view text);

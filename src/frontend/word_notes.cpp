@@ -189,7 +189,7 @@ Advice AdviseOnColumn(const StatementView& statement) {
         advice.note = "indent " + std::string(label) + ": only labels begin in column 1";
         return advice;
     }
-    if (const auto foreign = WordAdvice(indented, ""); foreign && !foreign->edits.empty()) {
+    if (const auto foreign = WordAdvice(indented); foreign && !foreign->edits.empty()) {
         advice.edits = {{statement.PartOf(statement.line), " " + foreign->edits[0].text}};
         advice.note = foreign->note + ", not in column 1";
         return advice;
@@ -256,12 +256,16 @@ Advice AdviseOnWord(const FaultView& fault) {
     Advice advice;
     advice.place = statement.PartOf(word);
     const bool isLabel = word.size() > 1 && word.ends_with(':');
+    if (isLabel && FindKeyword(word.substr(0, word.size() - 1)) != nullptr) {
+        return Replace(statement, word.substr(word.size() - 1), "",
+                       "remove the colon: only a label has one");
+    }
     if (isLabel && IsNameText(word.substr(0, word.size() - 1))) {
         const std::size_t blanks = statement.PartOf(word).offset;
         return Replace(statement, statement.line.substr(0, blanks + word.size()), std::string(word),
                        "begin the label in column 1");
     }
-    if (const auto row = WordAdvice(statement, fault.rawLine)) {
+    if (const auto row = WordAdvice(statement)) {
         advice.note = row->note;
         advice.edits = row->edits;
         return advice;

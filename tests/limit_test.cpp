@@ -65,7 +65,8 @@ TEST(NameIndexTest, FindsEachNameWhereverHashesCrowd) {
         [](std::uint64_t i) { return i * 512; },                  // apart in a large table only
     };
     for (const auto& hashOf : hashes) {
-        korv::CNameIndex index;
+        korv::CNamePool pool(stdout);
+        korv::CNameIndex index(&pool);
         std::map<std::string, korv::CIdentifier> records;
         for (std::uint32_t i = 0; i < 3000; ++i) {
             const auto& [name, record] = *records.try_emplace("LONGNAME" + std::to_string(i)).first;
@@ -88,7 +89,7 @@ TEST(PatchTest, ABlockHas255PatchesAndTakesFreedOnesBack) {
     std::vector<korv::CPatchInfo*> live;
     const auto usedUpTo = [&](int count) {
         while (Block::BlockCount() < count) {
-            live.push_back(Block::AllocPatchInfo(0, 0, {}));
+            live.push_back(Block::AllocPatchInfo(0, 0, 0, {}));
         }
         EXPECT_EQ(live.size(), std::set(live.begin(), live.end()).size());
         return live.size();

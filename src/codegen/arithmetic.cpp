@@ -21,7 +21,7 @@ constexpr OperandForm PairForm(std::uint8_t prefix, std::uint8_t opcode, std::in
 
 Status AssembleAdd(CAssembler* assembler, CStatement* statement) {
     static constexpr OperandForm toA = ByteForm(0x80, 0xC6);
-    const std::int32_t to = statement->args.Count() == 1 ? REG_A : statement->args[1].reg;
+    const std::int32_t to = statement->args.Count() == 1 ? REG_A : statement->args.First().reg;
     const lsArg& last = statement->args.Last();
     if (to == REG_A) {
         return EncodeOperand(assembler, statement, last, toA);
@@ -34,8 +34,8 @@ Status AssembleAdd(CAssembler* assembler, CStatement* statement) {
 
 Status AssembleWithCarry(CAssembler* assembler, CStatement* statement, std::uint8_t byteOpcode,
                          std::uint8_t pairOpcode) {
-    const lsArg& second = statement->args[2];
-    switch (statement->args[1].reg) {
+    const lsArg& second = statement->args.Second();
+    switch (statement->args.First().reg) {
         case REG_A:
             return EncodeOperand(assembler, statement, second,
                                  ByteForm(byteOpcode, byteOpcode + toImmediate));
@@ -49,7 +49,7 @@ Status AssembleWithCarry(CAssembler* assembler, CStatement* statement, std::uint
 
 Status AssembleStep(CAssembler* assembler, CStatement* statement, std::uint8_t byteOpcode,
                     std::uint8_t pairOpcode) {
-    const lsArg& arg = statement->args[1];
+    const lsArg& arg = statement->args.First();
     if (IsPair(arg.reg) && arg.reg != REG_AF) {
         return assembler->EmitOpcode(IndexPrefix(arg.reg), pairOpcode + PairField(arg.reg));
     }

@@ -8,7 +8,7 @@
 namespace korv {
 
 Status AssembleBit(CAssembler* assembler, CStatement* statement, char kind) {
-    const lsArg& bit = statement->args[1];
+    const lsArg& bit = statement->args.First();
     if (bit.status != 0) {  // the number lies in the opcode: it cannot be patched
         return MSG_NOT_IMMEDIATE;
     }

@@ -26,7 +26,7 @@ bool IsRegisterJump(std::int32_t reg) {
 }  // namespace
 
 Status AssembleJp(CAssembler* assembler, CStatement* statement) {
-    const lsArg& first = statement->args[1];
+    const lsArg& first = statement->args.First();
     const lsArg& target = statement->args.Last();
     const bool isConditional = IsConditional(*statement);
     if (!isConditional && IsRegisterJump(first.reg)) {
@@ -43,7 +43,7 @@ Status AssembleJp(CAssembler* assembler, CStatement* statement) {
 }
 
 Status AssembleCall(CAssembler* assembler, CStatement* statement) {
-    const lsArg& first = statement->args[1];
+    const lsArg& first = statement->args.First();
     const lsArg& target = statement->args.Last();
     const bool isConditional = IsConditional(*statement);
     if ((isConditional && first.condition < 0) || !target.IsPlainValue()) {
@@ -55,7 +55,7 @@ Status AssembleCall(CAssembler* assembler, CStatement* statement) {
 }
 
 Status AssembleJr(CAssembler* assembler, CStatement* statement) {
-    const lsArg& first = statement->args[1];
+    const lsArg& first = statement->args.First();
     const lsArg& target = statement->args.Last();
     const bool isConditional = IsConditional(*statement);
     const bool isRefused = isConditional && (first.condition < 0 || first.condition > 3);
@@ -69,9 +69,9 @@ Status AssembleJr(CAssembler* assembler, CStatement* statement) {
 // Takes its operand as text, so that it knows no registers: DJNZ A goes to the label A. What is no
 // value without parentheses is scanned as such a text.
 Status AssembleDjnz(CAssembler* assembler, CStatement* statement) {
-    lsArg& target = statement->args[1];
+    lsArg& target = statement->args.First();
     if (!target.IsValue() || target.reg != REG_NONE) {
-        target.status = assembler->ScanExpression(target.text, &target.value, &target.unresolved);
+        target.status = assembler->ScanExpression(target.text, &target.value, &target.fault);
     }
     assembler->EmitByte(0x10);
     return EmitRelative(assembler, statement, target, MSG_NOT_BYTE);  // not the message of JR
@@ -81,7 +81,7 @@ Status AssembleRet(CAssembler* assembler, CStatement* statement) {
     if (statement->args.Count() == 0) {
         return assembler->EmitOpcode(PREFIX_NONE, 0xC9);
     }
-    const lsArg& condition = statement->args[1];
+    const lsArg& condition = statement->args.First();
     if (condition.condition < 0) {
         return MSG_ILLEGAL_ARGUMENT;
     }
@@ -89,7 +89,7 @@ Status AssembleRet(CAssembler* assembler, CStatement* statement) {
 }
 
 Status AssembleRst(CAssembler* assembler, CStatement* statement) {
-    const lsArg& target = statement->args[1];
+    const lsArg& target = statement->args.First();
     if (target.status != 0) {  // the address lies in the opcode: it cannot be patched
         return target.status == MSG_UNRESOLVED ? MSG_NOT_IMMEDIATE : MSG_BAD_EXPRESSION;
     }

@@ -6,6 +6,7 @@
 #pragma once
 
 #include <array>
+#include <cstdint>
 #include <string_view>
 
 #include "codegen/handler.h"
@@ -14,11 +15,20 @@
 
 namespace korv {
 
+/// What a statement leaves in the image.
+enum class KeywordGroup : std::uint8_t {
+    instruction,  ///< the bytes of an instruction of the processor
+    data,         ///< bytes that the source gives
+    space,        ///< bytes of 0
+    directive,    ///< none
+};
+
 struct Keyword {
     std::string_view word;
     InstructionHandler handler;
     OperandCount operands;            ///< not looked at where the frame reads none
     Frame frame = Frame::labelFirst;  ///< nearly all instructions and the data directives
+    KeywordGroup group = KeywordGroup::instruction;
 };
 
 /// Instructions without operands: the opcode, alone or after ED.
@@ -42,7 +52,17 @@ constexpr Keyword Shift(std::string_view word) {
 /// Commands whose names are taken, with the message that they answer.
 template <Status answer>
 constexpr Keyword Reserved(std::string_view word, Frame frame = Frame::labelOnly) {
-    return {word, With<AnswerOnly, answer>, noOperand, frame};
+    return {word, With<AnswerOnly, answer>, noOperand, frame, KeywordGroup::directive};
+}
+constexpr Keyword Data(std::string_view word, InstructionHandler handler, OperandCount operands) {
+    return {word, handler, operands, Frame::labelFirst, KeywordGroup::data};
+}
+constexpr Keyword Space(std::string_view word) {
+    return {word, AssembleDs, oneOperand, Frame::labelFirst, KeywordGroup::space};
+}
+constexpr Keyword Directive(std::string_view word, InstructionHandler handler,
+                            OperandCount operands, Frame frame) {
+    return {word, handler, operands, frame, KeywordGroup::directive};
 }
 
 // clang-format off
@@ -50,11 +70,11 @@ inline constexpr std::array keywords = {
     Keyword{"ADC", With<AssembleWithCarry, 0x88, 0x4A>, twoOperands},
     Keyword{"ADD", AssembleAdd, OperandCount{1, 2, MSG_ARGUMENT_EXPECTED}},
     AccumulatorOp<4>("AND"),
-    Keyword{"BINCLUDE", AssembleBinclude, oneOperand},
+    Data("BINCLUDE", AssembleBinclude, oneOperand),
     Keyword{"BIT", With<AssembleBit, 'B'>, twoOperands},
     Keyword{"CALL", AssembleCall, oneOrTwoOperands},
     Implied<0x3F>("CCF"),
-    Keyword{"COND", AssembleIf, oneOperand, Frame::noLabel},
+    Directive("COND", AssembleIf, oneOperand, Frame::noLabel),
     AccumulatorOp<7>("CP"),
     ImpliedEd<0xA9>("CPD"),
     ImpliedEd<0xB9>("CPDR"),
@@ -62,35 +82,35 @@ inline constexpr std::array keywords = {
     ImpliedEd<0xB1>("CPIR"),
     Implied<0x2F>("CPL"),
     Implied<0x27>("DAA"),
-    Keyword{"DB", AssembleDb, anyOperands},
+    Data("DB", AssembleDb, anyOperands),
     Reserved<MSG_NOT_IMPLEMENTED>("DD"),
     Keyword{"DEC", With<AssembleStep, 0x05, 0x0B>, oneOperand},
-    Keyword{"DEFB", AssembleDb, anyOperands},
+    Data("DEFB", AssembleDb, anyOperands),
     Reserved<MSG_NOT_IMPLEMENTED>("DEFD"),
-    Keyword{"DEFM", AssembleDm, oneOperand},
-    Keyword{"DEFS", AssembleDs, oneOperand},
-    Keyword{"DEFW", AssembleDw, anyOperands},
+    Data("DEFM", AssembleDm, oneOperand),
+    Space("DEFS"),
+    Data("DEFW", AssembleDw, anyOperands),
     Implied<0xF3>("DI"),
     Keyword{"DJNZ", AssembleDjnz, oneOperand},
-    Keyword{"DM", AssembleDm, oneOperand},
-    Keyword{"DS", AssembleDs, oneOperand},
-    Keyword{"DW", AssembleDw, anyOperands},
+    Data("DM", AssembleDm, oneOperand),
+    Space("DS"),
+    Data("DW", AssembleDw, anyOperands),
     Implied<0xFB>("EI"),
-    Keyword{"ELSE", AssembleElse, noOperand, Frame::noLabel},
-    Keyword{"END", AssembleEnd, noOperand},
-    Keyword{"ENDC", AssembleEndif, noOperand, Frame::noLabel},
-    Keyword{"ENDIF", AssembleEndif, noOperand, Frame::noLabel},
+    Directive("ELSE", AssembleElse, noOperand, Frame::noLabel),
+    Directive("END", AssembleEnd, noOperand, Frame::labelFirst),
+    Directive("ENDC", AssembleEndif, noOperand, Frame::noLabel),
+    Directive("ENDIF", AssembleEndif, noOperand, Frame::noLabel),
     Reserved<MSG_NOT_IN_MACRO>("ENDM", Frame::nothing),
     Reserved<MSG_NOT_IMPLEMENTED>("ENDP"),
-    Keyword{"EQU", AssembleEqu, oneOperand, Frame::operandsOnly},
+    Directive("EQU", AssembleEqu, oneOperand, Frame::operandsOnly),
     Keyword{"EX", AssembleEx, twoOperands},
     Implied<0xD9>("EXX"),
     Implied<0x76>("HALT"),
-    Keyword{"IF", AssembleIf, oneOperand, Frame::noLabel},
+    Directive("IF", AssembleIf, oneOperand, Frame::noLabel),
     Keyword{"IM", AssembleIm, oneOperand},
     Keyword{"IN", With<AssembleInOut, 1, 0x40, 0xDB>, twoOperands},
     Keyword{"INC", With<AssembleStep, 0x04, 0x03>, oneOperand},
-    Keyword{"INCLUDE", AssembleInclude, oneOperand},
+    Directive("INCLUDE", AssembleInclude, oneOperand, Frame::labelFirst),
     ImpliedEd<0xAA>("IND"),
     ImpliedEd<0xBA>("INDR"),
     ImpliedEd<0xA2>("INI"),
@@ -108,7 +128,7 @@ inline constexpr std::array keywords = {
     ImpliedEd<0x44>("NEG"),
     Implied<0x00>("NOP"),
     AccumulatorOp<6>("OR"),
-    Keyword{"ORG", AssembleOrg, oneOperand, Frame::operandsOnly},
+    Directive("ORG", AssembleOrg, oneOperand, Frame::operandsOnly),
     ImpliedEd<0xBB>("OTDR"),
     ImpliedEd<0xB3>("OTIR"),
     Keyword{"OUT", With<AssembleInOut, 2, 0x41, 0xD3>, twoOperands},

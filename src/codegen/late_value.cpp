@@ -21,21 +21,22 @@ std::string_view WithoutParentheses(std::string_view text) {
 void FilePatch(CAssembler* assembler, const CStatement* statement, const lsArg& arg, PatchText text,
                std::uint32_t position, std::uint32_t kind) {
     const std::string_view expression = text == PatchText::operand ? arg.text : arg.expression;
-    const UnresolvedName& unresolved = arg.unresolved;
-    const bool isName = IsSamePart(expression, unresolved.name);
-    if (isName || IsSamePart(WithoutParentheses(expression), unresolved.name)) {
+    const bool isName = IsSamePart(expression, arg.fault);
+    if (isName || IsSamePart(WithoutParentheses(expression), arg.fault)) {
         kind |= PF_NAME;
     }
     CPatchInfo* const patch = CPatchInfoMemBlock::AllocPatchInfo(
-        position, kind,
-        {statement->address, {.file = statement->fileName, .line = statement->lineNumber}});
+        position, kind, statement->address,
+        {.file = statement->fileName,
+         .line = statement->lineNumber,
+         .offset = static_cast<std::uint32_t>(expression.data() - statement->text)});
     if (!isName) {  // else the identifier has the text
-        patch->expressionString.Assign(expression);
+        patch->expression.Assign(expression);
     }
     if ((kind & PF_EQU) != 0) {
-        patch->nameString.Assign(statement->label);
+        patch->name.Assign(statement->label);
     }
-    assembler->identifiers.AddPatch(unresolved, patch);
+    assembler->identifiers.AddPatch(arg.fault, patch);
 }
 
 template <std::uint32_t kind>

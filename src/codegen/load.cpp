@@ -114,8 +114,8 @@ Status StoreDirect(CAssembler* assembler, CStatement* statement, const lsArg& ds
 }  // namespace
 
 Status AssembleLd(CAssembler* assembler, CStatement* statement) {
-    const lsArg& dst = statement->args[1];
-    const lsArg& src = statement->args[2];
+    const lsArg& dst = statement->args.First();
+    const lsArg& src = statement->args.Second();
     if (dst.reg == REG_A) {
         return LoadAccumulator(assembler, statement, src);
     }

@@ -77,7 +77,7 @@ Status EncodeOperand(CAssembler* assembler, CStatement* statement, const lsArg& 
 }
 
 Status EncodeAccumulatorOp(CAssembler* assembler, CStatement* statement, std::int32_t group) {
-    const lsArg& arg = statement->args[1];
+    const lsArg& arg = statement->args.First();
     const std::int32_t registerOpcode = 0x80 + 8 * group;
     const std::int32_t immediateOpcode = 0xC6 + 8 * group;
     if (IsFieldRegister(arg.reg)) {
@@ -107,7 +107,7 @@ Status ProcessBSR_Ex(CAssembler* assembler, CStatement* statement, char kind, st
         return 0;
     }
     std::int32_t opcode = base + 8 * field;
-    const lsArg& arg = statement->args[kind == 'X' ? 1 : 2];
+    const lsArg& arg = kind == 'X' ? statement->args.First() : statement->args.Second();
     if (IsFieldRegister(arg.reg)) {
         return assembler->EmitOpcode(PREFIX_CB, opcode + arg.reg);
     }

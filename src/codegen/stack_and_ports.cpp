@@ -11,7 +11,7 @@
 
 namespace korv {
 Status AssembleStack(CAssembler* assembler, CStatement* statement, std::uint8_t opcode) {
-    const std::int32_t reg = statement->args[1].reg;
+    const std::int32_t reg = statement->args.First().reg;
     if (!IsPair(reg) || reg == REG_SP) {
         return MSG_ILLEGAL_ARGUMENT;
     }
@@ -19,8 +19,8 @@ Status AssembleStack(CAssembler* assembler, CStatement* statement, std::uint8_t 
 }
 
 Status AssembleEx(CAssembler* assembler, CStatement* statement) {
-    const lsArg& second = statement->args[2];
-    switch (statement->args[1].reg) {
+    const lsArg& second = statement->args.Second();
+    switch (statement->args.First().reg) {
         case REG_DE:
             return second.reg == REG_HL ? assembler->EmitOpcode(PREFIX_NONE, 0xEB)
                                         : MSG_ILLEGAL_ARGUMENT;
@@ -37,7 +37,7 @@ Status AssembleEx(CAssembler* assembler, CStatement* statement) {
 }
 
 Status AssembleIm(CAssembler* assembler, CStatement* statement) {
-    const lsArg& mode = statement->args[1];
+    const lsArg& mode = statement->args.First();
     if (mode.status != 0) {  // the mode lies in the opcode: it cannot be patched
         return MSG_NOT_IMMEDIATE;
     }
@@ -57,8 +57,9 @@ Status AssembleIm(CAssembler* assembler, CStatement* statement) {
 // error, and its byte is not emitted.
 Status AssembleInOut(CAssembler* assembler, CStatement* statement, std::int32_t registerPlace,
                      std::uint8_t registerOpcode, std::uint8_t portOpcode) {
-    const std::int32_t reg = statement->args[registerPlace].reg;
-    const lsArg& port = statement->args[3 - registerPlace];
+    const bool isInput = registerPlace == 1;
+    const std::int32_t reg = (isInput ? statement->args.First() : statement->args.Second()).reg;
+    const lsArg& port = isInput ? statement->args.Second() : statement->args.First();
     if (!IsByteRegister(reg) && reg != REG_F) {
         return MSG_ILLEGAL_ARGUMENT;
     }

@@ -24,7 +24,7 @@ Status AssembleIf(CAssembler* assembler, CStatement* statement) {
     if (assembler->conditionDepth == maxConditions) {
         return MSG_CONDITIONS_TOO_DEEP;
     }
-    const lsArg& arg = statement->args[1];
+    const lsArg& arg = statement->args.First();
     if (!arg.IsValue()) {
         return MSG_ILLEGAL_ARGUMENT;
     }

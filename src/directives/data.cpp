@@ -56,24 +56,22 @@ Status DefineWord(CAssembler* assembler, CStatement* statement, const lsArg& arg
 }  // namespace
 
 Status AssembleDb(CAssembler* assembler, CStatement* statement) {
-    KO_Args& args = statement->args;
-    for (const lsArg* arg = args.First(); arg != nullptr; arg = args.After(arg)) {
-        DefineByte(assembler, statement, *arg);
+    for (const lsArg& arg : statement->args) {
+        DefineByte(assembler, statement, arg);
     }
     return 0;
 }
 
 Status AssembleDw(CAssembler* assembler, CStatement* statement) {
     Status status = 0;
-    KO_Args& args = statement->args;
-    for (const lsArg* arg = args.First(); arg != nullptr; arg = args.After(arg)) {
-        status = DefineWord(assembler, statement, *arg);
+    for (const lsArg& arg : statement->args) {
+        status = DefineWord(assembler, statement, arg);
     }
     return status;
 }
 
 Status AssembleDm(CAssembler* assembler, CStatement* statement) {
-    const std::string_view text = statement->args[1].text;
+    const std::string_view text = statement->args.First().text;
     if (text.front() != '"') {
         return MSG_ILLEGAL_ARGUMENT;
     }
@@ -87,7 +85,7 @@ Status AssembleDm(CAssembler* assembler, CStatement* statement) {
 }
 
 Status AssembleDs(CAssembler* assembler, CStatement* statement) {
-    const lsArg& size = statement->args[1];
+    const lsArg& size = statement->args.First();
     if (size.status != 0) {  // what follows would move: the size cannot be patched
         return size.status == MSG_UNRESOLVED ? MSG_NOT_IMMEDIATE : MSG_ILLEGAL_ARGUMENT;
     }

@@ -9,7 +9,7 @@
 
 namespace korv {
 Status AssembleOrg(CAssembler* assembler, CStatement* statement) {
-    const lsArg& arg = statement->args[1];
+    const lsArg& arg = statement->args.First();
     if (arg.status != 0) {
         return MSG_NOT_IMMEDIATE;
     }
@@ -34,7 +34,7 @@ Status AssembleEqu(CAssembler* assembler, CStatement* statement) {
         return MSG_NO_LABEL;
     }
     statement->flags |= SF_LABEL_DEFINED;
-    const lsArg& arg = statement->args[1];
+    const lsArg& arg = statement->args.First();
     const bool isWaiting = arg.status == MSG_UNRESOLVED;
     if (isWaiting) {
         // The patch goes first: an EQU on its own name thus waits for itself.

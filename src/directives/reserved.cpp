@@ -15,7 +15,7 @@ Status AnswerOnly(CAssembler*, CStatement*, Status answer) {
 // number and no depth, and the progress meter does not count it. It is read whole before anything
 // is emitted.
 Status AssembleBinclude(CAssembler* assembler, CStatement* statement) {
-    const lsArg& arg = statement->args[1];
+    const lsArg& arg = statement->args.First();
     std::string_view name = arg.text;
     if (arg.IsQuoted() && name.size() > 1) {
         name = name.substr(1, name.size() - 2);

@@ -124,18 +124,15 @@ class CAssembler {
     // ---- expr/scanner.cpp
 
     /// Evaluates the expression `text`. Result: 0 with the value; MSG_UNRESOLVED when a name has no
-    /// value yet, which comes back in `unresolved`, its text valid as long as `text` and until the
-    /// next scan; MSG_BAD_EXPRESSION; MSG_GENERAL_FAILURE for a number without digits;
+    /// value yet; MSG_BAD_EXPRESSION; MSG_GENERAL_FAILURE for a number without digits;
     /// MSG_TOO_COMPLEX for too many nodes; MSG_BAD_NUMBER above 65535. `value` is 0 unless it is 0.
+    /// `fault` is the token at which the evaluation failed, a view of `text`. It is empty if their
+    /// calculation failed. A name that ends with a quote which `text` lacks is valid until the next
+    /// scan only.
     [[nodiscard]] Status ScanExpression(std::string_view text, std::int32_t* value,
-                                        UnresolvedName* unresolved);
+                                        std::string_view* fault);
     /// The same for a text that is one token (see expr/token.h). `value` is set with 0 only.
-    [[nodiscard]] Status ScanToken(std::string_view token, std::int32_t* value,
-                                   UnresolvedName* unresolved);
-    /// Evaluates one value token, which is not empty. Result: as `ScanExpression`, but for
-    /// MSG_TOO_COMPLEX; `value` is set with 0 only.
-    [[nodiscard]] Status ParseValue(std::string_view token, std::int32_t* value,
-                                    UnresolvedName* unresolved);
+    [[nodiscard]] Status ParseValue(std::string_view token, std::int32_t* value);
 
     // ---- symbols/system_identifiers.cpp
 
@@ -228,8 +225,6 @@ class CAssembler {
     bool Open(platform::OutputFile* file, const std::string& name,
               platform::OutputFile::Kind kind = platform::OutputFile::Kind::report);
     bool Commit(platform::OutputFile* file, const std::string& name, bool isWhole = true);
-    Status ScanOtherToken(std::string_view token, std::int32_t* value, UnresolvedName* unresolved);
-    Status ScanTokens(std::string_view text, std::int32_t* value, UnresolvedName* unresolved);
     Status EnterFile(std::string_view name);
     Status OpenAndRun(const std::string& path, std::int32_t fileNumber);
 

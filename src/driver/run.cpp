@@ -15,7 +15,6 @@
 namespace korv {
 namespace {
 
-constexpr std::int32_t bucketCount = 211;
 constexpr std::uint32_t initialBinarySize = 4096;
 constexpr std::string_view defaultSource = "Main.Kor";
 
@@ -26,12 +25,8 @@ CAssembler::CAssembler(std::FILE* stream, std::int32_t maxMessages)
       warnings(maxMessages),
       output(stream),
       binary(initialBinarySize, stream),
-      identifiers(stream, bucketCount),
+      identifiers(this),
       startTime(std::time(nullptr)) {
-    identifiers.SetLists(&errors, &warnings);
-    identifiers.SetFileNames(&fileNames);
-    identifiers.SetTarget(&binary);
-    identifiers.SetAssembler(this);
     errors.SetFileNames(&fileNames);
     warnings.SetFileNames(&fileNames);
     warnings.SetKind(ML_WARNING);

@@ -48,12 +48,12 @@ void ReportUnknown(CAssembler* assembler, const CStatement* statement, const cha
 // The part of the line that the result of a handler is about: the operand whose expression has
 // failed so, if there is one.
 std::string_view PartOf(CStatement* statement, Status status) {
-    KO_Args& args = statement->args;
-    const lsArg* arg = args.First();
-    while (arg != nullptr && arg->status != status) {
-        arg = args.After(arg);
+    for (const lsArg& arg : statement->args) {
+        if (arg.status == status) {
+            return arg.text;
+        }
     }
-    return arg == nullptr ? noText : arg->text;
+    return noText;
 }
 
 // While a condition skips statements, these alone run. Kept out of the road of the others.

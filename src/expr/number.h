@@ -22,9 +22,12 @@ inline constexpr Status notANumber = -1;
 /// for a string that is not of one character; `notANumber`. `value` is set with 0 only.
 [[nodiscard]] Status ReadNumber(std::string_view token, std::int32_t* value);
 
-/// Reads `token`, of at most four characters, if it is decimal, as most numbers are. False: it is
-/// something else.
+/// Reads `token`, which is not empty, if it is decimal and of at most four digits, as most numbers
+/// are: these need no limit. False: it is something else.
 [[nodiscard]] inline bool ReadShortDecimal(std::string_view token, std::int32_t* value) {
+    if (token.size() > 4) {
+        return false;
+    }
     std::int32_t number = 0;
     for (const char c : token) {
         if (!HasClass(c, CC_DIGIT)) {

@@ -1,6 +1,6 @@
-// Reading one operand. A name of a register or condition is told by its length and letters and
-// never reaches the scanner; everything else is an expression and evaluated at once. What has no
-// value yet keeps the name that it waits for, so that the handler can file a patch.
+// Reading one operand. The name of a register or condition never reaches the scanner; everything
+// else is an expression, which is evaluated at once. An operand without a value yet keeps the name
+// that it waits for, so that the handler can file a patch.
 
 #include "expr/operands.h"
 
@@ -16,21 +16,23 @@
 namespace korv {
 namespace {
 
-// Whether `inner`, which stands in parentheses, begins with IX or IY and the sign of a
-// displacement, perhaps after blanks. Then the expression begins at that sign.
-bool TakeIndexName(std::string_view* inner) {
-    if (!inner->starts_with("IX") && !inner->starts_with("IY")) {
-        return false;
+// What the text `*inner` in parentheses is, as a REG_* code, if it is an expression: IX or IY with
+// a displacement, whose expression begins at its sign, or an address. Leaves the expression in
+// `*inner`.
+std::int32_t TakeIndex(std::string_view* inner) {
+    const bool isIx = inner->starts_with("IX");
+    if (isIx || inner->starts_with("IY")) {
+        const std::string_view rest = WithoutLeadingBlanks(inner->substr(2));
+        if (rest.starts_with('+') || rest.starts_with('-')) {
+            *inner = rest;
+            return isIx ? REG_IX_INDEXED : REG_IY_INDEXED;
+        }
     }
-    const std::string_view rest = WithoutLeadingBlanks(inner->substr(2));
-    if (rest.empty() || (rest.front() != '+' && rest.front() != '-')) {
-        return false;
-    }
-    *inner = rest;
-    return true;
+    *inner = WithoutLeadingBlanks(*inner);
+    return REG_DIRECT;
 }
 
-// What has become of the expression of `arg`.
+// Stores the outcome of the evaluation of `expression`.
 inline void TakeStatus(lsArg* arg, std::string_view expression, Status status) {
     arg->status = status;
     if (status == 0) [[likely]] {
@@ -61,49 +63,48 @@ lsArg* KO_Args::NewRecord() {
             std::exit(-1);
         }
     }
-    arg->next = nullptr;
-    (head == nullptr ? head : tail->next) = arg;
+    tail->next = arg;
     tail = arg;
     return arg;
 }
 
 void KO_Args::EvaluateToken(lsArg* arg, std::string_view token) {
-    TakeStatus(arg, token, owner->ScanToken(token, &arg->value, &arg->unresolved));
+    TakeStatus(arg, token, owner->ParseValue(token, &arg->value));
+    if (arg->status != 0) {
+        arg->fault = token;
+    }
 }
 
 Status KO_Args::Add(std::string_view text) {
     const bool isIndirect = text.front() == '(' && text.back() == ')';
-    const std::string_view inner = isIndirect ? text.substr(1, text.size() - 2) : text;
-    if (!inner.empty() && SkipToken(inner.data()) == inner.data() + inner.size()) {
-        AddToken(text, inner, isIndirect ? ClassInParentheses(inner) : ClassOf(inner));
-        return 0;
-    }
-    std::string_view expression = inner;
-    OperandClass what = isIndirect ? operand_class::direct : operand_class::value;
-    if (isIndirect && TakeIndexName(&expression)) {
-        what.reg = inner[1] == 'X' ? REG_IX_INDEXED : REG_IY_INDEXED;
-    } else if (isIndirect) {
-        expression = WithoutLeadingBlanks(inner);
-    } else if (text.front() == '"' && text.back() == '"') {
-        what.flags |= LA_QUOTED;
-    }
+    std::string_view expression = isIndirect ? text.substr(1, text.size() - 2) : text;
     if (expression.empty()) {
         return -1;
     }
-    lsArg* const arg = Append();
-    static_cast<OperandClass&>(*arg) = what;
-    arg->text = text;
-    const Status status = owner->ScanExpression(expression, &arg->value, &arg->unresolved);
-    TakeStatus(arg, expression, status);
+    OperandClass what = isIndirect ? ClassInParentheses(expression) : ClassOf(expression);
+    const bool isValue = what.kind == KIND_VALUE;
+    if (isValue && isIndirect) {
+        what.reg = TakeIndex(&expression);
+        if (expression.empty()) {
+            return -1;
+        }
+    } else if (text.front() == '"' && text.back() == '"') {
+        what.flags |= LA_QUOTED;
+    }
+    lsArg* const arg = Append(text, what);
+    if (isValue) {
+        TakeStatus(arg, expression, owner->ScanExpression(expression, &arg->value, &arg->fault));
+    }
     return 0;
 }
 
 lsArg* KO_Args::Arg(std::int32_t n) {
-    lsArg* arg = First();
-    for (; n > 1 && arg != nullptr; --n) {
-        arg = After(arg);
+    for (lsArg& arg : *this) {
+        if (--n == 0) {
+            return &arg;
+        }
     }
-    return arg;
+    return nullptr;
 }
 
 }  // namespace korv

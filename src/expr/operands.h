@@ -1,27 +1,31 @@
-/// The operands of a statement, each classified as register, condition or value and evaluated when
-/// it is added.
+/// The operands of a statement. Each is classified as register, condition or value and evaluated
+/// when it is added.
 #pragma once
 
 #include <array>
 #include <cstdint>
 #include <string_view>
+#include <utility>
 
 #include "diagnostics/message_numbers.h"
 #include "expr/registers.h"
-#include "expr/unresolved_name.h"
 
 namespace korv {
 
 class CAssembler;
 
-/// One operand. Its texts are views of the line: what outlives the statement takes a copy.
+/// One operand. Its texts are views of the line; whatever outlives the statement takes a copy.
 struct lsArg : OperandClass {
-    Status status = 0;            ///< of its expression; 0 if that succeeded or there is none
-    std::int32_t value = 0;       ///< of its expression; 0 unless `status` is 0
-    std::string_view text;        ///< the operand as written
-    std::string_view expression;  ///< what of `text` is evaluated; set if that failed
-    UnresolvedName unresolved;    ///< the name in it without a value yet; set with MSG_UNRESOLVED
-    lsArg* next = nullptr;        ///< next record of the overflow chain
+    Status status = 0;       ///< of its expression; 0 if that succeeded or there is none
+    std::int32_t value = 0;  ///< of its expression; 0 unless `status` is 0
+    std::string_view text;   ///< the operand as written
+    /// The part of `text` that is evaluated. This and `fault` are left over from an earlier line
+    /// unless `status` is not 0: clearing them for every operand costs 5 % of all instructions.
+    std::string_view expression;
+    /// The token at which the evaluation failed. With MSG_UNRESOLVED, the name that has no value
+    /// yet. Empty if the tokens are good and their calculation failed.
+    std::string_view fault;
+    lsArg* next = nullptr;  ///< record of the next operand, if there is one
 
     [[nodiscard]] bool IsRegister() const { return kind == KIND_REGISTER; }
     [[nodiscard]] bool IsValue() const { return kind == KIND_VALUE; }
@@ -37,88 +41,94 @@ struct lsArg : OperandClass {
     }
 };
 
-/// The operand list of a statement. Operands 1 and 2 lie in it, further ones are chained; there is
-/// no limit.
+/// The operand list of a statement. It holds the records of operands 1 and 2; further ones are
+/// chained to them, without a limit.
 class KO_Args {
   public:
+    /// For `for (const lsArg& arg : args)`. A step costs the same however many operands there are.
+    struct Iterator {
+        lsArg& operator*() const { return *arg; }
+        Iterator& operator++() {
+            arg = arg->next;
+            --left;
+            return *this;
+        }
+        bool operator!=(const Iterator& other) const { return left != other.left; }
+
+        lsArg* arg;
+        std::int32_t left;  // operands from this one on
+    };
+
     /// `owner` evaluates the expressions; it is not owned.
-    explicit KO_Args(CAssembler* owner) : owner(owner) {}
+    explicit KO_Args(CAssembler* owner) : owner(owner) { inlineArgs[0].next = &inlineArgs[1]; }
     ~KO_Args();
     KO_Args(const KO_Args&) = delete;
     KO_Args& operator=(const KO_Args&) = delete;
 
     /// Adds the operand `text`, a part of the line which is not empty and has no blanks at its
-    /// ends, and evaluates it. Result: 0, or -1 if nothing stands between its parentheses: it is
-    /// not in the list then. What becomes of its expression is in the record. Ends the process when
-    /// there is no memory for a record.
+    /// ends, and evaluates it. Result: 0, with the outcome of the evaluation in the record; or -1,
+    /// with nothing added, if there is nothing to evaluate, as in "()". Ends the process when there
+    /// is no memory for a record.
     Status Add(std::string_view text);
     /// The same for a text that is one token (see expr/token.h), alone or in parentheses.
-    void AddToken(std::string_view text) { AddToken(text, text, ClassOf(text)); }
+    void AddToken(std::string_view text) {
+        if (lsArg* const arg = Append(text, ClassOf(text)); arg->IsValue()) {
+            EvaluateToken(arg, text);
+        }
+    }
     void AddTokenInParentheses(std::string_view text) {
         const std::string_view token = text.substr(1, text.size() - 2);
-        AddToken(text, token, ClassInParentheses(token));
+        if (lsArg* const arg = Append(text, ClassInParentheses(token)); arg->IsValue()) {
+            EvaluateToken(arg, token);
+        }
     }
 
     [[nodiscard]] std::int32_t Count() const { return count; }
 
     /// Operand `n`, from 1; null when there is none.
     [[nodiscard]] lsArg* Arg(std::int32_t n);
-    /// Operand `n`, 1 or 2, of a statement that has it.
-    [[nodiscard]] lsArg& operator[](std::int32_t n) {
-        return inlineArgs[static_cast<std::size_t>(n - 1)];
-    }
     /// The text of operand `n`; without data where there is no such operand.
     [[nodiscard]] std::string_view Text(std::int32_t n) {
         return n <= count ? Arg(n)->text : std::string_view();
     }
+    /// Operands of a statement that has them.
+    [[nodiscard]] lsArg& First() { return inlineArgs[0]; }
+    [[nodiscard]] lsArg& Second() { return inlineArgs[1]; }
+    [[nodiscard]] lsArg& Last() { return count == 1 ? inlineArgs[0] : *tail; }
 
-    /// The operands in their order: the first, and the one after `arg`; null at the end. However
-    /// many there are, a step costs the same.
-    [[nodiscard]] lsArg* First() { return count > 0 ? inlineArgs.data() : nullptr; }
-    [[nodiscard]] lsArg* After(const lsArg* arg) {
-        if (arg == &inlineArgs[0]) {
-            return count > 1 ? &inlineArgs[1] : nullptr;
-        }
-        return arg == &inlineArgs[1] ? head : arg->next;
-    }
-    /// The last of them, of one or more.
-    [[nodiscard]] lsArg& Last() { return count > 2 ? *tail : inlineArgs[count > 1 ? 1 : 0]; }
+    [[nodiscard]] Iterator begin() { return {inlineArgs.data(), count}; }
+    [[nodiscard]] Iterator end() { return {nullptr, 0}; }
 
     /// Empties the list.
     void Clear() {
         if (count > 2) [[unlikely]] {
-            tail->next = spare;
-            spare = head;
-            head = tail = nullptr;
+            tail->next = std::exchange(spare, Second().next);
+            tail = &Second();
         }
         count = 0;
     }
 
   private:
-    // The record of a further operand. It keeps what the operand before it in this place has left,
-    // but for what is set for every operand.
-    lsArg* Append() {
+    // The record of a further operand, yet to be evaluated.
+    lsArg* Append(std::string_view text, const OperandClass& what) {
         const auto number = static_cast<std::size_t>(count++);
-        return number < inlineArgs.size() ? &inlineArgs[number] : NewRecord();
-    }
-    void AddToken(std::string_view text, std::string_view token, const OperandClass& what) {
-        lsArg* const arg = Append();
+        lsArg* const arg = number < inlineArgs.size() ? &inlineArgs[number] : NewRecord();
+#ifndef NDEBUG
+        arg->expression = arg->fault = {};  // so that a test notices if they are read
+#endif
         static_cast<OperandClass&>(*arg) = what;
         arg->status = 0;
         arg->value = 0;
         arg->text = text;
-        if (arg->IsValue()) {
-            EvaluateToken(arg, token);
-        }
+        return arg;
     }
     void EvaluateToken(lsArg* arg, std::string_view token);
     lsArg* NewRecord();
 
     std::int32_t count = 0;
     std::array<lsArg, 2> inlineArgs;
-    lsArg* head = nullptr;  // owned; the overflow chain
-    lsArg* tail = nullptr;
-    lsArg* spare = nullptr;  // owned; released records, so that a line of data allocates nothing
+    lsArg* tail = &inlineArgs[1];  // record of the last operand, if there are two or more
+    lsArg* spare = nullptr;        // owned; released, so that a line of data allocates nothing
     CAssembler* owner;
 };
 

@@ -1,6 +1,6 @@
 /// The names of registers and conditions as operands, from the processor's published instruction
-/// set, with the codes that the encoders decide on. One table: the operand list looks names up in
-/// it, nothing else knows a name.
+/// set, with the codes that the encoders decide on. An operand is looked up in
+/// this one table; beside it, only IX and IY before a displacement and the text AF' are recognised.
 #pragma once
 
 #include <array>

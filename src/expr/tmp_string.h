@@ -53,15 +53,7 @@ class CtmpStringManager {
 class CtmpString {
   public:
     CtmpString() = default;
-    /// Copies `source` into the pool; without data the handle is empty.
-    explicit CtmpString(std::string_view source) { Assign(source); }
-    /// Shares the text of `other`: a further reference on its block.
-    CtmpString(const CtmpString& other)
-        : text(other.text), length(other.length), block(other.block) {
-        if (block != nullptr) {
-            ++block->refCount;
-        }
-    }
+    CtmpString(const CtmpString&) = delete;
     CtmpString& operator=(const CtmpString&) = delete;
     ~CtmpString() { Release(); }
 

@@ -1,5 +1,7 @@
 #include "expr/token.h"
 
+#include <algorithm>
+
 #include "expr/number.h"
 
 namespace korv {
@@ -14,6 +16,10 @@ constexpr std::array wordOperators = {
     OperatorRow{"SHR", {OP_SHIFT_RIGHT, 8}}, OperatorRow{"MOD", {OP_MODULO, 12}},
     OperatorRow{"EXP", {OP_EXP, 13}},
 };
+
+static_assert(std::ranges::max(wordOperators, {}, [](const OperatorRow& row) {
+                  return row.spelling.size();
+              }).spelling.size() == longestWordOperator);
 
 // First characters of the words, and of the words in dots.
 constexpr auto beginsWord = [] {
@@ -36,18 +42,16 @@ constexpr auto symbolOf = [] {
 }  // namespace
 
 Operator FindWord(std::string_view token) {
-    if (token.empty() || token.size() > 5 ||
+    if (token.empty() || token.size() > longestWordOperator + 2 ||
         !beginsWord[static_cast<std::uint8_t>(token.front())]) {
         return {};
     }
     if (token.size() > 2 && token.front() == '.' && token.back() == '.') {
         token = token.substr(1, token.size() - 2);
     }
-    if (token.size() == 2 || token.size() == 3) {
-        for (const OperatorRow& row : wordOperators) {
-            if (row.spelling == token) {
-                return row.op;
-            }
+    for (const OperatorRow& row : wordOperators) {
+        if (row.spelling == token) {
+            return row.op;
         }
     }
     return {};

@@ -76,6 +76,8 @@ inline constexpr auto tokenActions = [] {
     }
 }
 
+inline constexpr std::size_t longestWordOperator = 3;  // without its dots
+
 /// The operator that `token` is as a word, bare or in dots as in ".AND.".
 [[nodiscard]] Operator FindWord(std::string_view token);
 

@@ -136,7 +136,7 @@ Analyser::Analyser(const Options& options, FileStore* store, const Wanted& wante
     analysis.errorLimit = options.maxErrors;
     assembler.sources = store;
     assembler.sourceName = options.source;
-    assembler.maxImage = options.maxImage;
+    assembler.maxImage = static_cast<std::uint32_t>(options.maxImage);
     assembler.SetLineBufferSize(static_cast<std::int32_t>(options.lineLength));
     assembler.flags.Set((options.hasFreeNames ? 0 : RF_SYSTEM_IDS) |
                         (options.format == ImageFormat::bin ? RF_BINARY : 0));
@@ -179,8 +179,8 @@ std::string Analyser::Define(std::string_view define) {
     }
     if (sign != std::string_view::npos) {
         const std::string expression = RaisedOutsideStrings(define.substr(sign + 1));
-        UnresolvedName unknown;
-        const Status status = assembler.ScanExpression(expression, &value, &unknown);
+        std::string_view fault;
+        const Status status = assembler.ScanExpression(expression, &value, &fault);
         if (status != 0) {
             return MessageText(status);
         }
@@ -376,8 +376,8 @@ void Analyser::CheckStatement(CStatement* statement, std::uint32_t count) {
     if (statement->HasLabel() && MayBeMisread(statement->label)) {
         Warn(*statement, LabelFindings(statement->label));
     }
-    if (operands > 0 && (operands > 2 || IsOdd(*args.First(), bytes) ||
-                         (operands > 1 && IsOdd(*args.After(args.First()), bytes)))) {
+    if (operands > 0 && (operands > 2 || IsOdd(args.First(), bytes) ||
+                         (operands > 1 && IsOdd(args.Second(), bytes)))) {
         Findings findings;
         CheckOperands(&args, FindKeyword(MnemonicOf(*statement)), bytes, &findings);
         Warn(*statement, findings);

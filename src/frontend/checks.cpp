@@ -27,7 +27,7 @@ bool HoldsLocation(const lsArg& arg) {
 
 // Whether `arg` waits for more than a name alone.
 bool IsLateExpression(const lsArg& arg) {
-    return arg.status == MSG_UNRESOLVED && arg.expression.size() != arg.unresolved.name.size();
+    return arg.status == MSG_UNRESOLVED && arg.expression.size() != arg.fault.size();
 }
 
 // Whether a string that is a value lacks its second quote.
@@ -84,13 +84,13 @@ bool ReadsAsNumber(std::string_view label) {
 
 void CheckOperands(KO_Args* args, const Keyword* keyword, std::span<const std::uint8_t> bytes,
                    Findings* findings) {
-    for (const lsArg* arg = args->First(); arg != nullptr; arg = args->After(arg)) {
-        if (!IsLateExpression(*arg)) {
-            if (IsOdd(*arg, bytes)) {
-                CheckOperand(*arg, keyword, findings);
+    for (const lsArg& arg : *args) {
+        if (!IsLateExpression(arg)) {
+            if (IsOdd(arg, bytes)) {
+                CheckOperand(arg, keyword, findings);
             }
-        } else if (HoldsLocation(*arg)) {
-            findings->push_back({Warning::lateLocation, arg->text, std::string(arg->text),
+        } else if (HoldsLocation(arg)) {
+            findings->push_back({Warning::lateLocation, arg.text, std::string(arg.text),
                                  "put a label in front of this line and use it instead of the $"});
         }
     }
@@ -178,22 +178,6 @@ void BlockBuilder::Add(std::uint32_t address, std::uint32_t offset, std::uint32_
         blocks.back().count += piece;
         done += piece;
     }
-}
-
-std::vector<Block> Overlaps(std::vector<Block> blocks) {
-    std::vector<Block> found;
-    std::ranges::stable_sort(blocks, {}, &Block::address);
-    const Block* last = nullptr;  // the one that reaches furthest so far
-    for (const Block& block : blocks) {
-        if (last != nullptr && block.address < last->address + last->count) {
-            found.push_back(block.offset > last->offset ? block : *last);
-            found.back().address = block.address;
-        }
-        if (last == nullptr || block.address + block.count > last->address + last->count) {
-            last = &block;
-        }
-    }
-    return found;
 }
 
 }  // namespace korv

@@ -69,8 +69,4 @@ class BlockBuilder {
     std::vector<Block> blocks;
 };
 
-/// Of each two blocks that have addresses in common, the one that comes second in the source, with
-/// the first address that they share.
-[[nodiscard]] std::vector<Block> Overlaps(std::vector<Block> blocks);
-
 }  // namespace korv

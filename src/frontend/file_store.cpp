@@ -10,9 +10,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// A file that is longer is no source: the run would take more memory than it is worth.
-constexpr std::size_t longestFile = 0x10000000;  // bytes
-
 // Narrow characters would be those of some other code where names are wide.
 fs::path PathOf(const std::string& name) {
     return std::u8string(name.begin(), name.end());

@@ -19,6 +19,9 @@ class FileStore : public SourceStore {
   public:
     using Text = std::shared_ptr<const StoredText>;
 
+    /// In bytes. A longer file is no source: its run would take more memory than it is worth.
+    static constexpr std::size_t longestFile = 0x10000000;
+
     /// Relative names, also that of the main file, count from `directory`; empty: from the current
     /// directory.
     explicit FileStore(std::string_view directory = {});

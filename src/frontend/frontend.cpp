@@ -1,322 +1,183 @@
-// One run of korv-as: options, source, assembly, outputs. All outputs are opened before the first
-// is given its name, so a failure leaves none, or the old ones.
+// One run of korv-as: options, source, analysis, messages, outputs. Each step works on the result
+// of the one before it, and only the last one writes files.
 
 #include "frontend/frontend.h"
 
-#include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
-#include <memory>
-#include <span>
 #include <string>
 #include <system_error>
+#include <utility>
 #include <vector>
 
-#include "driver/assembler.h"
-#include "driver/disk_store.h"
-#include "expr/tmp_string.h"
-#include "frontend/messages.h"
+#include "frontend/analyser.h"
+#include "frontend/dependencies.h"
+#include "frontend/file_store.h"
+#include "frontend/image_formats.h"
+#include "frontend/listing.h"
+#include "frontend/message_printer.h"
 #include "frontend/options.h"
-#include "frontend/outputs.h"
-#include "frontend/run_watch.h"
+#include "frontend/output_set.h"
+#include "frontend/program_checks.h"
+#include "frontend/sld.h"
+#include "frontend/summary.h"
+#include "frontend/symbol_formats.h"
 #include "platform/platform.h"
 
 namespace korv {
 namespace {
 
-struct Output {
-    std::string name;
-    std::string contents;
-};
-
-bool IsColored(ColorChoice choice) {
+TextStyle StyleOf(std::FILE* stream, ColorChoice choice) {
     const char* const noColor = std::getenv("NO_COLOR");
-    return choice == ColorChoice::automatic
-               ? platform::TakesColors(stderr) && (noColor == nullptr || *noColor == '\0')
-               : choice == ColorChoice::always;
+    const bool isColored =
+        choice == ColorChoice::automatic
+            ? platform::TakesColors(stream) && (noColor == nullptr || *noColor == '\0')
+            : choice == ColorChoice::always;
+    return {.isColored = isColored, .isTerminal = platform::IsTerminal(stream)};
 }
 
-// All that `read` gives, a block at a time. False: that is longer than any source.
-template <typename Read>
-bool ReadAll(Read read, std::string* text) {
-    constexpr std::size_t longest = 0x10000000;
-    char block[65536];
-    for (std::size_t count = 0; (count = read(block, sizeof block)) != 0;) {
-        text->append(block, count);
-        if (text->size() > longest) {
-            return false;
-        }
-    }
-    return true;
+void Print(std::FILE* stream, const std::string& text) {
+    std::fwrite(text.data(), 1, text.size(), stream);
+    std::fflush(stream);
 }
 
-// Reads what cannot be read again for messages. Result: whether `text` is the source, or would be,
-// but for `failure`.
-bool TakeSource(const std::string& source, std::string* text, std::string* failure) {
-    constexpr const char* tooLong = "it is too long";
-    if (source == standardStream) {
-        platform::MakeBinary(stdin);
-        const auto read = [](char* to, std::size_t count) {
-            return std::fread(to, 1, count, stdin);
-        };
-        const bool isAll = ReadAll(read, text);
-        *failure = std::ferror(stdin) != 0 ? std::generic_category().message(errno)
-                   : isAll                 ? ""
-                                           : tooLong;
-        return true;
-    }
-    if (platform::KindOf(source) != platform::FileKind::pipe) {
-        return false;
-    }
-    platform::InputFile pipe;
-    const auto read = [&pipe](char* to, std::size_t count) { return pipe.Read(to, count); };
-    const bool isAll = !pipe.Open(source) || ReadAll(read, text);
-    *failure = pipe.Failed() ? pipe.Reason() : isAll ? "" : tooLong;
-    return true;
+int Fail(const std::string& sentence) {
+    Print(stderr, FailureText(sentence, StyleOf(stderr, ColorChoice::never)));
+    return statusFailure;
 }
 
-bool IsSameFile(const std::string& a, const std::string& b) {
-    return a == standardStream || b == standardStream ? a == b : platform::LeadToOneFile(a, b);
+// Ends the run when there is no memory for it. Unfinished files are removed at the exit.
+int OnAllocationFailure(std::size_t) {
+    std::fputs("korv-as: error: out of memory\n", stderr);
+    std::exit(statusFailure);
 }
 
-// Whether an output is a file that has been read, or two are one; says which.
-bool AreRefused(const std::vector<Output>& outputs, const std::vector<std::string>& filesRead) {
-    for (std::size_t i = 0; i < outputs.size(); ++i) {
-        const auto isThis = [&](const std::string& name) {
-            return IsSameFile(name, outputs[i].name);
-        };
-        if (std::ranges::any_of(filesRead, isThis)) {
-            PrintFailure(outputs[i].name + " is a file that was read: nothing is written over it");
-            return true;
-        }
-        const std::span<const Output> before(outputs.data(), i);
-        if (std::ranges::any_of(before, isThis, &Output::name)) {
-            PrintFailure(outputs[i].name + " is given for two outputs");
-            return true;
+// Reads standard input into `store`. Result: why that fails; empty: it is the main file.
+std::string TakeStandardInput(FileStore* store) {
+    if (platform::IsMissing(stdin)) {
+        return "it is closed";
+    }
+    platform::MakeBinary(stdin);
+    std::string bytes;
+    std::array<char, 65536> block;
+    while (const std::size_t count = std::fread(block.data(), 1, block.size(), stdin)) {
+        bytes.append(block.data(), count);
+        if (bytes.size() > FileStore::longestFile) {
+            return "File too large";
         }
     }
-    return false;
+    if (std::ferror(stdin) != 0) {
+        return std::generic_category().message(errno);
+    }
+    platform::FileIdentity identity;
+    const bool isFile = platform::IdentityOf(stdin, &identity);
+    store->SetText(store->FullPath(standardStream), std::move(bytes),
+                   isFile ? identity : platform::FileIdentity());
+    return "";
 }
 
-void PrintUnwritten(const std::string& name, const std::string& reason) {
-    PrintFailure("cannot write " + name + ": " + reason);
+Wanted WantedFor(const Options& options) {
+    const bool isListed = !options.listing.empty();
+    const bool isDescribed = isListed || !options.debug.empty() || options.summary.has_value();
+    return {.statements = isDescribed || options.format == ImageFormat::hex,
+            .names = isDescribed || !options.symbols.empty() ||
+                     options.warnings.IsOn(Warning::unusedLabel),
+            .uses = isListed};
 }
 
-bool WriteToStandardOutput(const std::string& contents) {
-    platform::MakeBinary(stdout);
-    if (std::fwrite(contents.data(), 1, contents.size(), stdout) == contents.size() &&
-        std::fflush(stdout) == 0) {
-        return true;
+std::string ImageText(const Analysis& analysis, ImageFormat format) {
+    switch (format) {
+        case ImageFormat::com:
+            return ComImage(analysis);
+        case ImageFormat::bin:
+            return BinImage(analysis);
+        case ImageFormat::hex:
+            return HexImage(analysis);
     }
-    PrintUnwritten("standard output", std::generic_category().message(errno));
-    return false;
+    return "";
 }
 
-// The image, which is the first, gets its name last.
-bool WriteAll(const std::vector<Output>& outputs, const platform::FileSet& filesRead) {
-    std::vector<std::unique_ptr<platform::OutputFile>> files;
-    for (const Output& output : outputs) {
-        files.push_back(std::make_unique<platform::OutputFile>());
-        if (output.name == standardStream) {
-            continue;
-        }
-        if (!files.back()->Open(output.name, platform::OutputFile::Kind::target, filesRead)) {
-            PrintUnwritten(output.name, files.back()->Reason());
-            return false;
-        }
-        files.back()->Write(output.contents.data(), output.contents.size());
+// What is to be written; the image is the first. A source with errors leaves only a listing.
+// Result: why that cannot be; empty: `outputs` is complete.
+std::string MakeOutputs(const Options& options, const Analysis& analysis,
+                        std::vector<Output>* outputs) {
+    const bool isWhole = analysis.errorCount == 0;
+    if (isWhole) {
+        outputs->push_back({options.output, ImageText(analysis, options.format)});
     }
-    for (std::size_t i = outputs.size(); i-- > 0;) {
-        if (outputs[i].name == standardStream) {
-            if (!WriteToStandardOutput(outputs[i].contents)) {
-                return false;
-            }
-        } else if (!files[i]->Commit()) {
-            PrintUnwritten(outputs[i].name, files[i]->Reason());
-            return false;
+    if (isWhole && !options.depfile.empty()) {
+        Dependencies dependencies = DependenciesOf(analysis, options.output);
+        if (!dependencies.failure.empty()) {
+            return dependencies.failure;
         }
+        outputs->push_back({options.depfile, std::move(dependencies.text), /*isText=*/true});
     }
-    return true;
+    if (!options.listing.empty()) {
+        outputs->push_back({options.listing, ListingText(analysis), /*isText=*/true});
+    }
+    if (isWhole && !options.symbols.empty()) {
+        outputs->push_back(
+            {options.symbols, SymbolText(analysis, options.symbolFormat), /*isText=*/true});
+    }
+    if (isWhole && !options.debug.empty()) {
+        outputs->push_back({options.debug, SldText(analysis), /*isText=*/true});
+    }
+    if (isWhole && options.summary) {
+        const bool isJson = options.summary == SummaryFormat::json;
+        outputs->push_back({standardStream, isJson ? SummaryJson(analysis) : SummaryText(analysis),
+                            /*isText=*/true});
+    }
+    return "";
 }
 
-// The disk, with directories to search, and a main file that may have been read before.
-class Sources : public DiskStore {
-  public:
-    using DiskStore::DiskStore;
-
-    void AddDirectory(std::string_view name) {
-        if (std::string path = directory.FullPath(name).path; !path.empty()) {
-            searched.push_back(std::move(path));
+int Assemble(const Options& options) {
+    FileStore store;
+    for (const std::string& directory : options.includes) {
+        store.AddSearchDirectory(directory);
+    }
+    if (options.source == standardStream) {
+        if (const std::string reason = TakeStandardInput(&store); !reason.empty()) {
+            return Fail("cannot read standard input: " + reason);
         }
     }
-    CSourceFile Open(const std::string& path, std::uint32_t bufferSize) override {
-        const std::string* const text = std::exchange(mainText, nullptr);
-        return text != nullptr ? CSourceFile::OfText(*text) : DiskStore::Open(path, bufferSize);
+    Analysis analysis = Analyse(options, &store, WantedFor(options));
+    if (!analysis.failure.empty()) {
+        return Fail(analysis.failure);
     }
-
-    const std::string* mainText = nullptr;  // not owned; null: the main file is read by its name
-
-  private:
-    platform::FoundPath Locate(std::string_view name) override {
-        platform::FoundPath found = directory.FullPath(name);
-        if (std::exchange(isMain, false) || found.path.empty() || found.isFile ||
-            platform::IsAbsolutePath(name)) {
-            return found;
-        }
-        for (const std::string& elsewhere : searched) {
-            platform::FoundPath other = directory.FullPath(elsewhere + '/' + std::string(name));
-            if (other.isFile) {
-                return other;
-            }
-        }
-        return found;
+    AddProgramWarnings(options, &analysis);
+    std::vector<Output> outputs;
+    std::string failure = MakeOutputs(options, analysis, &outputs);
+    Print(stderr, MessagesText(analysis, StyleOf(stderr, options.color)));
+    if (failure.empty()) {
+        failure = WriteOutputs(outputs, store.Identities());
     }
-
-    std::vector<std::string> searched;  // full paths
-    bool isMain = true;                 // the next name is that of the main file
-};
-
-class Frontend {
-  public:
-    explicit Frontend(Options newOptions)
-        : options(std::move(newOptions)),
-          messages(stderr, IsColored(options.color), options.maxErrors),
-          assembler(stderr),
-          watch(&assembler, &messages,
-                {options.warnings, options.defines, options.maxImage,
-                 !options.listing.empty() || options.format == ImageFormat::hex,
-                 options.format == ImageFormat::hex}) {}
-
-    int Run() {
-        std::string text;
-        std::string failure;
-        if (TakeSource(options.source, &text, &failure)) {
-            isFromStream = true;
-            sources.mainText = &text;
-            messages.texts.SetText(1, text);
-            if (options.source == standardStream) {
-                messages.SetStandardInput();
-            }
-        }
-        if (!failure.empty()) {
-            PrintFailure("cannot read " +
-                         (options.source == standardStream ? "standard input" : options.source) +
-                         ": " + failure);
-            return statusFailure;
-        }
-        Assemble();
-        const int status = Status();
-        assembler.identifiers.ReleasePatches();  // they hold temporary strings
-        CtmpStringManager::ReleaseAll();
-        return status;
+    if (!failure.empty()) {
+        return Fail(failure);
     }
-
-  private:
-    void Assemble() {
-        for (const std::string& directory : options.includes) {
-            sources.AddDirectory(directory);
-        }
-        assembler.sources = &sources;
-        assembler.sourceName = options.source;
-        assembler.flags.Set((options.hasFreeNames ? 0 : RF_SYSTEM_IDS) |
-                            (options.format == ImageFormat::bin ? RF_BINARY : 0));
-        assembler.SetLineBufferSize(static_cast<std::int32_t>(options.lineLength));
-        assembler.AssembleSource();
-        watch.Finish();
-    }
-
-    int Status() {
-        if (!watch.DefineFailure().empty()) {
-            PrintFailure(watch.DefineFailure());
-            return statusFailure;
-        }
-        if (watch.IsWithoutSource()) {
-            PrintUnreadSource();
-            return statusFailure;
-        }
-        const std::vector<Output> outputs =
-            messages.Errors() == 0 ? Outputs() : std::vector<Output>();
-        messages.PrintCounts();
-        if (messages.Errors() != 0) {
-            return statusErrors;
-        }
-        const bool isDone =
-            !AreRefused(outputs, ReadNames()) && WriteAll(outputs, sources.FilesRead());
-        return isDone ? statusDone : statusFailure;
-    }
-
-    // The run does not keep the reason; the system gives it again.
-    void PrintUnreadSource() {
-        std::string path;
-        platform::InputFile file;
-        const bool isNamed = assembler.directory.FullPath(options.source, &path);
-        const bool isKnown = !file.Open(isNamed ? path : options.source);
-        PrintFailure("cannot read " + options.source + (isKnown ? ": " + file.Reason() : ""));
-    }
-
-    // What is to be written; warns of an image that has no single meaning.
-    std::vector<Output> Outputs() {
-        const std::string image = ImageBytes(&assembler);
-        std::vector<Output> outputs = {{options.output, image}};
-        if (options.format == ImageFormat::hex) {
-            outputs[0].contents = HexText(image, watch.Blocks());
-        }
-        const auto add = [&outputs](const std::string& name, std::string contents) {
-            outputs.push_back({name, std::move(contents)});
-        };
-        if (!options.depfile.empty()) {
-            add(options.depfile, DependencyText(options.output, ReadNames()));
-        }
-        if (!options.listing.empty()) {
-            const std::string bytes = options.format == ImageFormat::bin
-                                          ? image.substr(assembler.LoadHeader().size())
-                                          : image;
-            add(options.listing, ListingText(bytes, watch.Records(), &messages));
-        }
-        if (!options.symbols.empty()) {
-            add(options.symbols, SymbolText(assembler.identifiers, options.symbolFormat));
-        }
-        return outputs;
-    }
-
-    // The files that were read, by the names that a rule of a Makefile would have.
-    std::vector<std::string> ReadNames() const {
-        std::vector<std::string> names;
-        for (const std::string& path : watch.Files()) {
-            names.push_back(messages.TypedName(path));
-        }
-        names.erase(names.begin(), names.begin() + (isFromStream ? 1 : 0));
-        return names;
-    }
-
-    Options options;
-    Messages messages;
-    CAssembler assembler;
-    Sources sources{&assembler.flags};
-    RunWatch watch;
-    bool isFromStream = false;
-};
+    return analysis.errorCount != 0 ? statusErrors : statusDone;
+}
 
 }  // namespace
 
 int RunFrontend(int argumentCount, char** arguments) {
     platform::OpenStandardStreams();
+    const auto previousHook = platform::SetAllocationFailureHook(OnAllocationFailure);
     Options options;
-    if (const std::string failure = ReadOptions(argumentCount, arguments, &options);
-        !failure.empty()) {
-        PrintFailure(failure);
-        return statusFailure;
+    int status = statusDone;
+    std::string failure = ReadOptions(argumentCount, arguments, &options);
+    if (failure.empty() && options.request == Request::assemble) {
+        status = Assemble(options);
+    } else if (failure.empty()) {
+        const bool isHelp = options.request == Request::printHelp;
+        failure = WriteOutputs({{standardStream, isHelp ? HelpText() : VersionText()}}, {});
     }
-    switch (options.request) {
-        case Request::assemble:
-            return Frontend(std::move(options)).Run();
-        case Request::printHelp:
-            return WriteToStandardOutput(HelpText()) ? statusDone : statusFailure;
-        case Request::printVersion:
-            return WriteToStandardOutput(VersionText()) ? statusDone : statusFailure;
+    if (!failure.empty()) {
+        status = Fail(failure);
     }
-    return statusFailure;
+    platform::SetAllocationFailureHook(previousHook);
+    return status;
 }
 
 }  // namespace korv

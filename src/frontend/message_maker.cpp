@@ -155,7 +155,11 @@ bool MessageMaker::HasFile(std::string_view name) const {
 }
 
 std::string MessageMaker::SearchedDirectories() const {
-    return store->SearchedDirectories();
+    std::string text;
+    for (const std::string& directory : store->SearchedDirectories()) {
+        text += (text.empty() ? "" : ", ") + directory;
+    }
+    return text;
 }
 
 std::vector<std::string_view> MessageMaker::DefinedNames() const {

@@ -32,7 +32,7 @@ struct Report {
 class MessageMaker : private RunFacts {
   public:
     /// None is owned.
-    MessageMaker(Analysis* analysis, CAssembler* assembler, const FileStore* store,
+    MessageMaker(Analysis* analysis, CAssembler* assembler, FileStore* store,
                  const WarningChoice* warnings)
         : analysis(analysis),
           assembler(assembler),
@@ -70,7 +70,7 @@ class MessageMaker : private RunFacts {
 
     Analysis* analysis;
     CAssembler* assembler;
-    const FileStore* store;
+    FileStore* store;
     const WarningChoice* warnings;
     Adviser adviser;
     SourcePlace viewedPlace;  // of `view`

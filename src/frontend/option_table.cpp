@@ -46,13 +46,13 @@ std::string Take(const OptionRow&, std::string_view word, WarningChoice* warning
     for (const std::string_view prefix : {"no-", "error="}) {
         name.remove_prefix(name.starts_with(prefix) ? prefix.size() : 0);
     }
-    Nearest nearest(name);
+    std::vector<std::string_view> names;
     for (const WarningRow& row : warningTable) {
-        nearest.Try(row.name);
+        names.push_back(row.name);
     }
+    const std::string_view nearest = NearWords(names).Find(name);
     return "unknown warning " + Quoted(name) +
-           (nearest.Found().empty() ? "; --help lists them"
-                                    : "; did you mean " + Quoted(nearest.Found()) + "?");
+           (nearest.empty() ? "; --help lists them" : "; did you mean " + Quoted(nearest) + "?");
 }
 
 // The choices are in the order of the enumerators. An optional one that is left out is the first.

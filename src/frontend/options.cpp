@@ -45,17 +45,17 @@ std::string Unknown(std::string_view word) {
     const std::string_view name =
         typed.substr(std::min(typed.find_first_not_of('-'), typed.size()));
     std::string meant;
-    Nearest nearest(name);
+    std::vector<std::string_view> names;
     for (const OptionRow& row : optionTable) {
-        nearest.Try(row.name);
+        names.push_back(row.name);
         const bool isStart = name.size() > 1 && row.name.starts_with(name);
         const bool isOtherCase = name.size() == 1 && Raised(row.letter) == Raised(name[0]);
         if (meant.empty() && (isStart || isOtherCase)) {
             meant = isStart ? "--" + std::string(row.name) : std::string{'-', row.letter};
         }
     }
-    if (!nearest.Found().empty()) {
-        meant = "--" + std::string(nearest.Found());
+    if (const std::string_view nearest = NearWords(names).Find(name); !nearest.empty()) {
+        meant = "--" + std::string(nearest);
     }
     return "unknown option " + Quoted(typed) +
            (meant.empty() ? std::string(seeHelp) : "; did you mean " + Quoted(meant) + "?");

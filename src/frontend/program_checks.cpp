@@ -1,10 +1,12 @@
 #include "frontend/program_checks.h"
 
 #include <algorithm>
+#include <iterator>
 #include <tuple>
 #include <utility>
 
 #include "diagnostics/report_writer.h"
+#include "frontend/symbol_formats.h"
 
 namespace korv {
 namespace {
@@ -55,6 +57,33 @@ std::vector<Message> UnusedLabelWarnings(const Analysis& analysis) {
         return std::tuple(message.opening, message.place.line, message.place.column);
     });
     return warnings;
+}
+
+void AddProgramWarnings(const Options& options, Analysis* analysis) {
+    std::vector<Message> warnings;
+    const auto add = [&](std::vector<Message> more) {
+        std::ranges::move(more, std::back_inserter(warnings));
+    };
+    if (options.format == ImageFormat::hex || !options.debug.empty()) {
+        add(OverlapWarnings(*analysis));
+    }
+    if (options.warnings.IsOn(Warning::unusedLabel)) {
+        add(UnusedLabelWarnings(*analysis));
+    }
+    if (!options.symbols.empty()) {
+        if (std::string dropped = DroppedSymbols(*analysis, options.symbolFormat);
+            !dropped.empty()) {
+            add({WarningAt(Warning::symbolRange, {}, noIndex, std::move(dropped))});
+        }
+    }
+    for (Message& message : warnings) {
+        if (options.warnings.IsOn(*message.warning)) {
+            const bool isError = options.warnings.IsError(*message.warning);
+            message.severity = isError ? Severity::error : Severity::warning;
+            ++(isError ? analysis->errorCount : analysis->warningCount);
+            analysis->messages.push_back(std::move(message));
+        }
+    }
 }
 
 }  // namespace korv

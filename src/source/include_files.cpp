@@ -89,7 +89,7 @@ Status CAssembler::OpenAndRun(const std::string& path, std::int32_t fileNumber) 
 Status AssembleInclude(CAssembler* assembler, CStatement* statement) {
     // The text as written: what it would be as an expression does not matter, and quotes are part
     // of the name.
-    const std::string_view name = statement->args[1].text;
+    const std::string_view name = statement->args.First().text;
     TraceFile(assembler, "INCLUDING", name);
     if (assembler->fileDepth == maxFileDepthAllowed) {
         assembler->ReportError(statement, MSG_FILES_TOO_DEEP, noText, name);

@@ -1,107 +1,113 @@
-// Where a forward reference comes home: a patch is worked, and if it gave an EQU its value, all
-// that waited for the EQU is worked next, further EQUs among it. That is a recursion by nature, as
-// deep as the chain of EQUs is long, which a source decides; so it is kept off the stack.
+// Resolves forward references. A patch is evaluated; if that gives an EQU its value, all that
+// waited for the EQU is evaluated next, further EQUs among it. This is recursive by nature, and a
+// source decides how deep it is; so the recursion is kept off the stack.
 //
-// - A patch is owned by the chain on which it hangs. Who takes a chain off its identifier owns its
-//   patches, works each once, and frees it then; so `next` is read before the patch goes.
+// - A patch is owned by the chain on which it hangs. Whoever takes a chain off its identifier owns
+//   its patches, works each once and then frees it; so `next` is read before a patch is freed.
 // - The patches that are being worked form a stack of their own through `parent`, from a patch to
-//   the EQU patch whose value released it. Only the first patch of a chain is entered from above;
-//   the others get their `parent` when their turn comes.
+//   the EQU patch whose value released it. The first patch of a chain gets its `parent` when the
+//   chain is released, each further one when it is worked.
 // - The root belongs to the caller, who frees it.
 
 #include <string>
 #include <utility>
 
-#include "codegen/bin_block.h"
 #include "codegen/value_range.h"
-#include "diagnostics/message_list.h"
 #include "driver/assembler.h"
-#include "driver/debug_stream.h"
-#include "source/file_name_registry.h"
-#include "symbols/identifier_manager.h"
 #include "symbols/patch.h"
 
 namespace korv {
+namespace {
 
-Status CIdentifierManager::Backpatch(CPatchInfo* const root) {
-    CPatchInfo* released = nullptr;
-    const Status result = WorkPatch(root, &released);
-    return released == nullptr ? result : WorkReleased(root, released);
-}
+// The walk over one patch and all that its value releases.
+class Backpatcher {
+  public:
+    explicit Backpatcher(CAssembler* assembler)
+        : assembler(assembler), identifiers(assembler->identifiers) {}
 
-// Works the chain `released`, which the EQU patch `root` has set free, and all that comes of it.
-[[gnu::noinline]] Status CIdentifierManager::WorkReleased(CPatchInfo* root, CPatchInfo* released) {
+    Status Work(CPatchInfo* root) {
+        const Status result = WorkPatch(root);
+        return released == nullptr ? result : WorkReleased(root);
+    }
+
+  private:
+    Status WorkReleased(CPatchInfo* root);
+    Status WorkPatch(CPatchInfo* patch);
+    Status EvaluatePatch(const CPatchInfo& patch, std::int32_t* value);
+    CPatchInfo* LeavePatch(CPatchInfo* patch, const CPatchInfo* root, Status* result);
+    void MovePatch(const CPatchInfo& patch, std::string_view name);
+    Status ResolveEqu(const CPatchInfo& patch, std::int32_t value);
+    Status WritePatch(const CPatchInfo& patch, std::int32_t value);
+
+    CAssembler* const assembler;
+    CIdentifierManager& identifiers;
+    CPatchInfo* released = nullptr;  // owned; the chain that the last EQU has released
+};
+
+// Works the chain that the EQU patch `root` has released, and all that follows from it.
+[[gnu::noinline]] Status Backpatcher::WorkReleased(CPatchInfo* root) {
     CPatchInfo* patch = root;
     Status result = 0;
     do {
         if (released != nullptr) {
             released->parent = patch;
-            patch = released;
+            patch = std::exchange(released, nullptr);
         } else {
             patch = LeavePatch(patch, root, &result);
         }
         if (patch == nullptr) {
             return result;
         }
-        released = nullptr;
-        result = WorkPatch(patch, &released);
+        result = WorkPatch(patch);
     } while (true);
 }
 
-// Evaluates one patch and writes its value, or gives it to an EQU: what waited for that comes back
-// in `released`.
-Status CIdentifierManager::WorkPatch(CPatchInfo* patch, CPatchInfo** released) {
-    if (log != nullptr) [[unlikely]] {
-        log->AddText({"Backpatching: [", patch->identifier->Name(), "]\n"});
-    }
+// Evaluates one patch and writes its value, or gives it to an EQU, which may release a chain.
+Status Backpatcher::WorkPatch(CPatchInfo* patch) {
+    identifiers.Trace({"Backpatching: [", patch->identifier->Name(), "]\n"});
     std::int32_t value = patch->identifier->value;
     if ((patch->flags & PF_NAME) == 0) {
-        std::int32_t evaluated = 0;
-        const Status status = EvaluatePatch(*patch, &evaluated);
+        const Status status = EvaluatePatch(*patch, &value);
         if (status != 0) {
             return status == MSG_UNRESOLVED ? 0 : MSG_BAD_EXPRESSION;
         }
-        value = evaluated;
     }
     patch->identifier->flags |= IDF_USED;
-    return (patch->flags & PF_EQU) == 0 ? WritePatch(*patch, value)
-                                        : ResolveEqu(*patch, value, released);
+    return (patch->flags & PF_EQU) == 0 ? WritePatch(*patch, value) : ResolveEqu(*patch, value);
 }
 
 // The value of the text of `patch`. Result: that of the scan; with MSG_UNRESOLVED a copy waits for
 // the next name.
-[[gnu::noinline]] Status CIdentifierManager::EvaluatePatch(const CPatchInfo& patch,
-                                                           std::int32_t* value) {
-    UnresolvedName unresolved;
-    const Status status = assembler->ScanExpression(patch.Expression(), value, &unresolved);
+[[gnu::noinline]] Status Backpatcher::EvaluatePatch(const CPatchInfo& patch, std::int32_t* value) {
+    std::string_view fault;
+    const Status status = assembler->ScanExpression(patch.Text(), value, &fault);
     if (status == MSG_UNRESOLVED) {
-        MovePatch(patch, unresolved);
-    } else if (status != 0 && log != nullptr) {
-        log->AddText({"Could not resolve expression! [", patch.Expression(), "] ",
-                      fileNames->NameOf(patch.origin.place.file), ", line ",
-                      std::to_string(patch.origin.place.line), ".\n"});
+        MovePatch(patch, fault);
+    } else if (status != 0) {
+        identifiers.Trace({"Could not resolve expression! [", patch.Text(), "] ",
+                           assembler->fileNames.NameOf(patch.file), ", line ",
+                           std::to_string(patch.line), ".\n"});
     }
     return status;
 }
 
-// The patch has been worked, with `result`. Goes on with the next one of its chain; where there is
-// none, the patch above is done too. Result: the patch to work next; null when `root` is done.
-CPatchInfo* CIdentifierManager::LeavePatch(CPatchInfo* patch, const CPatchInfo* root,
-                                           Status* result) {
+// `patch` has been worked, with `result`. Goes on with the next one of its chain; at the end of the
+// chain the patch above is done too. Result: the patch to work next; null when `root` is done.
+CPatchInfo* Backpatcher::LeavePatch(CPatchInfo* patch, const CPatchInfo* root, Status* result) {
     while (patch != root) {
         CPatchInfo* const parent = patch->parent;
         CPatchInfo* next = patch->next;
         CPatchInfoMemBlock::FreePatchInfo(patch);
         if (*result == 0) {
-            TraceText("#");
+            identifiers.Trace({"#"});
             if (next != nullptr) {
                 next->parent = parent;
                 return next;
             }
-            TraceText("\n");
+            identifiers.Trace({"\n"});
         } else {
             // The first failure ends the chain: the patches after it are given up.
-            TraceText("Error backpatching!\n");
+            identifiers.Trace({"Error backpatching!\n"});
             while (next != nullptr) {
                 CPatchInfoMemBlock::FreePatchInfo(std::exchange(next, next->next));
             }
@@ -112,73 +118,65 @@ CPatchInfo* CIdentifierManager::LeavePatch(CPatchInfo* patch, const CPatchInfo* 
     return nullptr;
 }
 
-// Files a copy of `patch` under the next name that its expression waits for.
-void CIdentifierManager::MovePatch(const CPatchInfo& patch, const UnresolvedName& unresolved) {
-    CPatchInfo* const copy =
-        CPatchInfoMemBlock::AllocPatchInfo(patch.position, patch.flags, patch.origin);
-    copy->expressionString.Assign(patch.Expression());
-    copy->nameString.Assign(patch.nameString.View());
-    AddPatch(unresolved, copy);
-    if (log != nullptr) {
-        log->AddText({"No immediate patching possible! [", patch.identifier->Name(), "] [",
-                      patch.Expression(), "]\n"});
-    }
+// Files a copy of `patch` under `name`, the next one that its expression waits for.
+void Backpatcher::MovePatch(const CPatchInfo& patch, std::string_view name) {
+    CPatchInfo* const copy = CPatchInfoMemBlock::AllocPatchInfo(patch.position, patch.flags,
+                                                                patch.address, patch.Place());
+    copy->expression.Assign(patch.Text());
+    copy->name.Assign(patch.name.View());
+    identifiers.AddPatch(name, copy);
+    identifiers.Trace({"No immediate patching possible! [", patch.identifier->Name(), "] [",
+                       patch.Text(), "]\n"});
 }
 
-// Gives the EQU of `patch` its value.
-[[gnu::noinline]] Status CIdentifierManager::ResolveEqu(const CPatchInfo& patch, std::int32_t value,
-                                                        CPatchInfo** released) {
-    const std::string_view name = patch.nameString.View();
-    CIdentifier* const equ = index.Find(name);
+// Gives the EQU of `patch` its value and takes what waits for it.
+[[gnu::noinline]] Status Backpatcher::ResolveEqu(const CPatchInfo& patch, std::int32_t value) {
+    const std::string_view name = patch.name.View();
+    CIdentifier* const equ = identifiers.Find(name);
     if (equ == nullptr) {
-        errors->Report(MSG_NO_EQU_LABEL, name, patch.origin.place);
+        assembler->errors.Report(MSG_NO_EQU_LABEL, name, patch.Place());
         return -1;
     }
-    if (log != nullptr) {
-        log->AddText({"Backpatching EQU. [", equ->Name(), "]\n"});
-    }
+    identifiers.Trace({"Backpatching EQU. [", name, "]\n"});
     equ->value = value;
     equ->flags |= IDF_RESOLVED;
-    *released = std::exchange(equ->patches, nullptr);
-    if (*released == nullptr) {
-        TraceText("\n");
-    } else {
-        --waitingCount;
+    released = identifiers.TakePatches(equ);
+    if (released == nullptr) {
+        identifiers.Trace({"\n"});
     }
     return 0;
 }
 
 // Overwrites the placeholder of a patch. A value out of range is written all the same, cut to its
 // low bits.
-Status CIdentifierManager::WritePatch(const CPatchInfo& patch, std::int32_t value) {
-    const PatchOrigin& origin = patch.origin;
+Status Backpatcher::WritePatch(const CPatchInfo& patch, std::int32_t value) {
     const ValueRange& range = RangeOf(patch.flags);
     if ((patch.flags & PF_RELATIVE) != 0) {
-        const std::int32_t offset = RelativeOffset(value, origin.address);
-        target->PutByteAt(offset, patch.position);
+        const std::int32_t offset = RelativeOffset(value, patch.address);
+        assembler->binary.PutByteAt(offset, patch.position);
         return range.Holds(offset) ? 0 : range.message;
     }
     if ((patch.flags & (PF_8BIT | PF_16BIT)) == 0) {
-        std::fprintf(console, "*scream* Erhm, WHAT am I supposed to do? [%s] %s, line %d.\n",
-                     patch.Expression().data(), fileNames->NameOf(origin.place.file),
-                     origin.place.line);
+        std::fprintf(assembler->output,
+                     "*scream* Erhm, WHAT am I supposed to do? [%s] %s, line %d.\n",
+                     patch.Text().data(), assembler->fileNames.NameOf(patch.file), patch.line);
         return -1;
     }
     if (!range.Holds(value)) {
-        warnings->Report(range.message, patch.Expression(), origin.place);
+        assembler->warnings.Report(range.message, patch.Text(), patch.Place());
     }
     if ((patch.flags & PF_8BIT) != 0) {
-        target->PutByteAt(value, patch.position);
+        assembler->binary.PutByteAt(value, patch.position);
     } else {
-        target->PutWordAt(value, patch.position);
+        assembler->binary.PutWordAt(value, patch.position);
     }
     return 0;
 }
 
-void CIdentifierManager::TraceText(const char* text) const {
-    if (log != nullptr) {
-        log->AddText({text});
-    }
+}  // namespace
+
+Status CIdentifierManager::Backpatch(CPatchInfo* patch) {
+    return Backpatcher(assembler).Work(patch);
 }
 
 }  // namespace korv

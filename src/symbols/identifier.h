@@ -28,7 +28,7 @@ inline constexpr std::uint32_t IDS_RESERVED_WORD = IDF_RESERVED | IDF_INTERNAL;
 inline constexpr std::uint32_t IDS_SYSTEM = IDF_RESERVED | IDF_INTERNAL | IDF_RESOLVED;
 
 struct CIdentifier {
-    CIdentifier* next = nullptr;  ///< in the bucket's chain, once the chains are linked
+    CIdentifier* next = nullptr;  ///< in the order of the listing, once that is made
     std::uint32_t flags = 0;
     const char* name = nullptr;  ///< in the name pool or constant; never moves
     std::uint32_t nameLength = 0;

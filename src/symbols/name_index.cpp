@@ -32,9 +32,9 @@ CNameIndex::~CNameIndex() {
     if (old != firstEntries.data()) {
         platform::Free(old);
     }
-    std::erase_if(overflow, [this](const auto& entry) {
-        return PlaceNear({entry.second, entry.first.hash});
-    });
+    for (auto at = overflow.begin(); at != overflow.end();) {
+        at = PlaceNear({at->second, at->first.hash}) ? overflow.erase(at) : std::next(at);
+    }
 }
 
 [[gnu::noinline]] void CNameIndex::AddToOverflow(Entry entry) {

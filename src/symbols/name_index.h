@@ -10,12 +10,12 @@
 #include <cstdint>
 #include <cstring>
 #include <map>
-#include <memory>
 #include <string_view>
 #include <utility>
 #include <vector>
 
 #include "symbols/identifier.h"
+#include "symbols/name_pool.h"
 
 namespace korv {
 
@@ -27,11 +27,41 @@ template <typename Word>
     return std::bit_cast<Word>(bytes);
 }
 
+/// The `size` bytes at `text`, 0 to 8, as one number: by two loads that may overlap. Each byte of
+/// the text is a byte of the number, so no other text of that length gives the same number.
+[[nodiscard]] constexpr std::uint64_t TailOf(const char* text, std::size_t size) {
+    if (size >= 4) {
+        return static_cast<std::uint64_t>(LoadWord<std::uint32_t>(text)) << 32 |
+               LoadWord<std::uint32_t>(text + size - 4);
+    }
+    const auto byteAt = [text](std::size_t i) {
+        return std::uint64_t{LoadWord<std::uint8_t>(text + i)};
+    };
+    return size == 0 ? 0 : byteAt(0) << 16 | byteAt(size / 2) << 8 | byteAt(size - 1);
+}
+static_assert([] {
+    constexpr char text[] = {1, 2, 3, 4, 5, 6, 7, 8};
+    for (std::size_t size = 1; size <= sizeof text; ++size) {
+        const auto tail = std::bit_cast<std::array<char, 8>>(TailOf(text, size));
+        for (std::size_t i = 0; i < size; ++i) {
+            if (std::ranges::count(tail, text[i]) == 0) {
+                return false;
+            }
+        }
+    }
+    return true;
+}());
+
 /// Hash of a name, taken in pieces of up to 8 bytes. It has nothing to do with the buckets, which
 /// give the order of the listing.
+///
+/// Two names of the same length, up to 8, never have the same hash: their tails differ, and each
+/// further step can be undone. (The length is the same number for both, an odd factor has an
+/// inverse modulo 2 to the 64, and so has the shift with exclusive or.) `CNameIndex` relies on
+/// this and compares no text of such names; comparing them too costs 3 % of all instructions.
 [[nodiscard]] constexpr std::uint64_t HashOf(std::string_view name) {
     constexpr std::uint64_t multiplier =
-        0x9E3779B97F4A7C15;  // 2 to the 64, divided by the golden ratio
+        0x9E3779B97F4A7C15;  // 2 to the 64, divided by the golden ratio; odd
     const char* next = name.data();
     std::size_t left = name.size();
     std::uint64_t hash = left;
@@ -39,17 +69,7 @@ template <typename Word>
         hash = (hash ^ LoadWord<std::uint64_t>(next)) * multiplier;
         hash ^= hash >> 32;
     }
-    std::uint64_t tail = 0;  // the last 1 to 8 bytes, by two loads that may overlap
-    if (left >= 4) {
-        tail = static_cast<std::uint64_t>(LoadWord<std::uint32_t>(next)) << 32 |
-               LoadWord<std::uint32_t>(next + left - 4);
-    } else if (left > 0) {
-        const auto byteAt = [next](std::size_t i) {
-            return std::uint64_t{LoadWord<std::uint8_t>(next + i)};
-        };
-        tail = byteAt(0) << 16 | byteAt(left / 2) << 8 | byteAt(left - 1);
-    }
-    hash = (hash ^ tail) * multiplier;
+    hash = (hash ^ TailOf(next, left)) * multiplier;
     return hash ^ hash >> 32;
 }
 
@@ -87,36 +107,22 @@ struct HashedName {
     std::uint64_t hash = 0;
 };
 
-/// Memory for the nodes of a tree, in blocks that go when it has gone. A source may send all its
-/// names there, and each would cost a call of the general allocator.
-class NodeBlocks {
-  public:
-    void* Take(std::size_t size) {
-        if (used + size > blockSize) {
-            blocks.push_back(std::make_unique_for_overwrite<std::byte[]>(blockSize));
-            used = 0;
-        }
-        return blocks.back().get() + std::exchange(used, used + size);
-    }
-
-  private:
-    static constexpr std::size_t blockSize = 16384;
-    std::vector<std::unique_ptr<std::byte[]>> blocks;
-    std::size_t used = blockSize;  // bytes of the last one
-};
-
+/// Lets a container take its memory from a pool. A source may send all its names to the container,
+/// and each would cost a call of the general allocator.
 template <typename T>
-struct NodeAllocator {
+struct PoolAllocator {
     using value_type = T;
 
-    explicit NodeAllocator(NodeBlocks* blocks) : blocks(blocks) {}
+    explicit PoolAllocator(CNamePool* pool) : pool(pool) {}
     template <typename Other>
-    explicit NodeAllocator(const NodeAllocator<Other>& other) : blocks(other.blocks) {}
-    T* allocate(std::size_t count) { return static_cast<T*>(blocks->Take(count * sizeof(T))); }
-    void deallocate(T*, std::size_t) {}  // few are taken out while the tree lives
-    friend bool operator==(const NodeAllocator&, const NodeAllocator&) = default;
+    explicit PoolAllocator(const PoolAllocator<Other>& other) : pool(other.pool) {}
+    T* allocate(std::size_t count) {
+        return static_cast<T*>(pool->Take(count * sizeof(T), alignof(T)));
+    }
+    void deallocate(T*, std::size_t) {}  // the pool is released as a whole
+    friend bool operator==(const PoolAllocator&, const PoolAllocator&) = default;
 
-    NodeBlocks* blocks;
+    CNamePool* pool;
 };
 
 /// Open addressing, at most half full; nothing is ever taken out. The hash is quick and no secret,
@@ -126,20 +132,15 @@ struct NodeAllocator {
 /// A secret seed would do as well, but two runs would no longer take the same steps.
 class CNameIndex {
   public:
-    CNameIndex() = default;
+    /// An empty index. Names that hash badly take memory from `pool`, which is not owned.
+    explicit CNameIndex(CNamePool* pool)
+        : overflow(PoolAllocator<std::pair<const HashedName, CIdentifier*>>(pool)) {}
     ~CNameIndex();
     CNameIndex(const CNameIndex&) = delete;
     CNameIndex& operator=(const CNameIndex&) = delete;
 
     /// The record of `name`, or null.
     [[nodiscard]] CIdentifier* Find(const HashedName& name) const {
-        CIdentifier* const record = FindNear(name);
-        return record == nullptr && HasOverflow() ? FindInOverflow(name) : record;
-    }
-
-    /// The same in two steps, for who looks up a name a line: the first finds nearly all, and calls
-    /// nothing.
-    [[nodiscard]] CIdentifier* FindNear(const HashedName& name) const {
         const Entry* entry = PlaceOf(name.hash);
         for (int i = 0; i < longestProbe; ++i, ++entry) {
             if (entry->record == nullptr) {
@@ -149,10 +150,8 @@ class CNameIndex {
                 return entry->record;
             }
         }
-        return nullptr;
+        return FindInOverflow(name);
     }
-    [[nodiscard]] bool HasOverflow() const { return !overflow.empty(); }
-    [[nodiscard]] CIdentifier* FindInOverflow(const HashedName& name) const;
 
     /// Enters `record`, not owned, whose name has the given hash and is not there yet.
     void Insert(CIdentifier* record, std::uint64_t hash) {
@@ -174,12 +173,12 @@ class CNameIndex {
     [[nodiscard]] Entry* PlaceOf(std::uint64_t hash) const {
         return &entries[static_cast<std::uint32_t>(hash) & mask];
     }
-    // Whether `record`, which has the hash of `text`, is it. The hash of up to 8 characters comes
-    // from no other text of that length: every step of it can be undone.
+    // Whether `record`, which has the hash of `text`, is it. See `HashOf` for short names.
     [[nodiscard]] static bool IsName(const CIdentifier& record, std::string_view text) {
         return record.nameLength == text.size() &&
                (text.size() <= 8 || EqualTexts(record.name, text));
     }
+    [[nodiscard]] CIdentifier* FindInOverflow(const HashedName& name) const;
     void Grow();
     void Place(Entry entry) {
         if (!PlaceNear(entry)) [[unlikely]] {
@@ -208,10 +207,9 @@ class CNameIndex {
     std::uint32_t mask = firstPlaces - 1;  // the number of places, a power of 2, less 1
     std::uint32_t left = firstPlaces / 2;  // places to take before there are to be more
     // Names that found no room: all entries near their place are taken.
-    NodeBlocks nodes;
     std::map<HashedName, CIdentifier*, std::less<>,
-             NodeAllocator<std::pair<const HashedName, CIdentifier*>>>
-        overflow{NodeAllocator<std::pair<const HashedName, CIdentifier*>>(&nodes)};
+             PoolAllocator<std::pair<const HashedName, CIdentifier*>>>
+        overflow;
 };
 
 }  // namespace korv

@@ -14,7 +14,7 @@ constexpr std::size_t blockSize = 4096;
 
 struct CNamePool::Block {
     Block* next;
-    char text[1];  // `blockSize` bytes, more for a name that is longer
+    alignas(std::max_align_t) char memory[1];  // `blockSize` bytes, more for a name that is longer
 };
 
 CNamePool::CNamePool(std::FILE* console) : console(console) {
@@ -28,7 +28,7 @@ CNamePool::~CNamePool() {
 }
 
 void CNamePool::AddBlock(std::size_t size) {
-    auto* const block = static_cast<Block*>(platform::Allocate(offsetof(Block, text) + size));
+    auto* const block = static_cast<Block*>(platform::Allocate(offsetof(Block, memory) + size));
     if (block == nullptr) {
         std::fprintf(console, "Could not allocate more memory.\n");
         std::exit(-1);
@@ -39,15 +39,18 @@ void CNamePool::AddBlock(std::size_t size) {
 }
 
 const char* CNamePool::Store(std::string_view name) {
-    const std::size_t size = name.size() + 1;
+    auto* const copy = static_cast<char*>(Take(name.size() + 1, 1));
+    std::memcpy(copy, name.data(), name.size());
+    copy[name.size()] = '\0';
+    return copy;
+}
+
+void* CNamePool::Take(std::size_t size, std::size_t alignment) {
+    used = (used + alignment - 1) & ~(alignment - 1);
     if (used + size >= blockSize) {
         AddBlock(size < blockSize ? blockSize : size);
     }
-    char* const copy = blocks->text + used;
-    std::memcpy(copy, name.data(), name.size());
-    copy[name.size()] = '\0';
-    used += size;
-    return copy;
+    return blocks->memory + std::exchange(used, used + size);
 }
 
 }  // namespace korv

@@ -1,4 +1,4 @@
-/// Storage for the texts of names.
+/// Storage for the texts of names, and for what else lives as long as they do.
 #pragma once
 
 #include <cstddef>
@@ -7,12 +7,12 @@
 
 namespace korv {
 
-/// Blocks of 4096 bytes, filled from front to back and released as a whole: a text never moves. The
-/// pool does not look for equal texts.
+/// Blocks of 4096 bytes, filled from front to back and released as a whole: nothing in them moves.
+/// The pool does not look for equal texts.
 class CNamePool {
   public:
-    /// Makes the first block. `console`, not owned, hears of a failed allocation, here and later;
-    /// it ends the process.
+    /// Makes the first block. A failed allocation, here and later, is reported to `console`, which
+    /// is not owned, and ends the process.
     explicit CNamePool(std::FILE* console);
     ~CNamePool();
     CNamePool(const CNamePool&) = delete;
@@ -20,6 +20,8 @@ class CNamePool {
 
     /// Result: a terminated copy of `name`, valid as long as the pool.
     const char* Store(std::string_view name);
+    /// Memory of `size` bytes, valid as long as the pool. `alignment` is a power of 2.
+    void* Take(std::size_t size, std::size_t alignment);
 
   private:
     struct Block;

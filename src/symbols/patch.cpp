@@ -5,15 +5,15 @@
 #include <numeric>
 
 #include "platform/platform.h"
-#include "symbols/identifier_manager.h"
+#include "symbols/identifier.h"
 
 namespace korv {
 
 CPatchInfoMemBlock* CPatchInfoMemBlock::blocks = nullptr;
 CPatchInfoMemBlock* CPatchInfoMemBlock::blocksWithRoom = nullptr;
 
-std::string_view CPatchInfo::Expression() const {
-    return expressionString.c_str() == nullptr ? identifier->Name() : expressionString.View();
+std::string_view CPatchInfo::Text() const {
+    return expression.c_str() == nullptr ? identifier->Name() : expression.View();
 }
 
 void CPatchInfoMemBlock::MakeBlock() {

@@ -1,5 +1,5 @@
-/// The note of a value that waits: where it goes in the target, the text that will give it, how to
-/// check and write it.
+/// The note of a value that is not known yet: where it is to be written in the target, the text to
+/// evaluate, how to check and write it.
 #pragma once
 
 #include <cstdint>
@@ -25,12 +25,6 @@ inline constexpr std::uint32_t PF_NAME = 0x1000;     ///< the text is the name w
 /// `position` of a patch that writes nothing.
 inline constexpr std::uint32_t noPosition = 0xFFFFFFFF;
 
-/// The statement that holds a reference; a late message points there and not at the definition.
-struct PatchOrigin {
-    std::uint32_t address;  ///< location counter at its start
-    SourcePlace place;
-};
-
 /// Lives in a slot of a `CPatchInfoMemBlock`: made by `AllocPatchInfo`, given back by
 /// `FreePatchInfo`, which releases its strings. In between it hangs on the chain of exactly one
 /// identifier, which owns it.
@@ -38,24 +32,39 @@ class CPatchInfo {
   public:
     /// A patch without texts.
     CPatchInfo(CPatchInfoMemBlock* owner, std::uint32_t slot, std::uint32_t position,
-               std::uint32_t flags, const PatchOrigin& origin)
-        : owner(owner), slot(slot), position(position), flags(flags), origin(origin) {}
+               std::uint32_t flags, std::uint32_t address, const SourcePlace& place)
+        : owner(owner),
+          position(position),
+          address(address),
+          file(place.file),
+          line(place.line),
+          offset(place.offset),
+          slot(static_cast<std::uint16_t>(slot)),
+          flags(static_cast<std::uint16_t>(flags)) {}
     CPatchInfo(const CPatchInfo&) = delete;
     CPatchInfo& operator=(const CPatchInfo&) = delete;
 
     CPatchInfoMemBlock* const owner;    ///< the block in which the record lives
-    const std::uint32_t slot;           ///< its index there
     CPatchInfo* next = nullptr;         ///< next patch of the identifier's chain
     CIdentifier* identifier = nullptr;  ///< the one on whose chain it hangs; not owned
     CPatchInfo* parent = nullptr;       ///< while an EQU is worked: the patch above
-    const std::uint32_t position;       ///< offset in the target of what is overwritten
-    CtmpString expressionString;        ///< empty: the text is the name of `identifier`
-    CtmpString nameString;      ///< PF_EQU: the identifier that the value defines; else empty
-    const std::uint32_t flags;  ///< PF_* bits
-    const PatchOrigin origin;
+    CtmpString expression;              ///< empty: the text is the name of `identifier`
+    CtmpString name;               ///< PF_EQU: the identifier that the value defines; else empty
+    const std::uint32_t position;  ///< offset in the target of what is overwritten
+    // The reference. Late messages point there and not at the definition.
+    const std::uint32_t address;  ///< location counter at the start of its statement
+    const std::int32_t file;
+    const std::int32_t line;
+    const std::uint32_t offset;  ///< of the text in its cleaned line
+    const std::uint16_t slot;    ///< index in `owner`
+    const std::uint16_t flags;   ///< PF_* bits
 
     /// The text to evaluate again, terminated.
-    [[nodiscard]] std::string_view Expression() const;
+    [[nodiscard]] std::string_view Text() const;
+    /// Where the source has that text.
+    [[nodiscard]] SourcePlace Place() const {
+        return {file, line, offset, static_cast<std::uint32_t>(Text().size())};
+    }
 };
 
 /// Records for 256 patches, of which at most 255 are in use at a time. Slots are given out from a
@@ -67,7 +76,7 @@ class CPatchInfoMemBlock {
 
     /// Makes a patch. Ends the process when there is no memory for a further block.
     static CPatchInfo* AllocPatchInfo(std::uint32_t position, std::uint32_t flags,
-                                      const PatchOrigin& origin) {
+                                      std::uint32_t address, const SourcePlace& place) {
         if (blocksWithRoom == nullptr) [[unlikely]] {
             MakeBlock();
         }
@@ -77,7 +86,7 @@ class CPatchInfoMemBlock {
         if (!block->HasRoom()) [[unlikely]] {
             blocksWithRoom = block->nextWithRoom;
         }
-        return new (&block->records[slot]) CPatchInfo(block, slot, position, flags, origin);
+        return new (&block->records[slot]) CPatchInfo(block, slot, position, flags, address, place);
     }
 
     /// Releases the strings of `patch` and gives its slot back.

@@ -1,6 +1,6 @@
-// What a source may not define: the version identifiers, which expressions can read, and the
-// reserved words, which have no value. They do nothing but keep those names from being labels;
-// mnemonics are found by the recogniser.
+// The names that a source may not define: the version identifiers, which expressions can read, and
+// the reserved words, which have no value. Reserving only keeps them from being labels; mnemonics
+// are found by the recogniser.
 
 #include "symbols/system_identifiers.h"
 
@@ -26,37 +26,33 @@ constexpr std::array versionIdentifiers = {
     VersionIdentifier{"KORV_BUILD", 25},
 };
 
-// The reserved words are the keywords but for these, which are free as labels, and two more, which
-// are no commands.
+// Keywords that are free as labels. All others are reserved.
 constexpr std::string_view freeKeywords[] = {"DEFB", "DEFD", "DEFM",    "DEFS",
                                              "DEFW", "END",  "MAC_OFF", "MAC_ON"};
 
-constexpr auto wordList = [] {
-    std::array<char, 512> text{};
-    char* end = text.data();
-    const auto add = [&end](std::string_view word) { end = std::ranges::copy(word, end).out; };
-    for (const Keyword& keyword : keywords) {
-        if (std::ranges::find(freeKeywords, keyword.word) == std::end(freeKeywords)) {
-            add(keyword.word);
-            add("\t");
-        }
-    }
-    add("MACROS_OFF\tMACROS_ON");
-    return text;
-}();
+constexpr bool IsFree(std::string_view word) {
+    return std::ranges::find(freeKeywords, word) != std::end(freeKeywords);
+}
+static_assert(std::ranges::count_if(keywords, IsFree, &Keyword::word) == std::ssize(freeKeywords),
+              "freeKeywords holds a word that is no keyword");
 
 }  // namespace
 
-constexpr WordSet reservedWords(wordList.data());
+constexpr WordSet reservedWords = [] {
+    WordSet set;
+    for (const Keyword& keyword : keywords) {
+        if (!IsFree(keyword.word)) {
+            set.Add(keyword.word);
+        }
+    }
+    set.Add("MACROS_OFF");
+    set.Add("MACROS_ON");
+    return set;
+}();
 
 void CAssembler::LoadSystemIdentifiers() {
-    std::int32_t result = 0;
     for (const VersionIdentifier& row : versionIdentifiers) {
-        result |= identifiers.AddID(
-            {.name = row.name, .place = {}, .value = row.value, .flags = IDS_SYSTEM});
-    }
-    if (result != 0) {
-        errors.Report(MSG_SYSTEM_ERROR, "LoadSystemIdentifiers (version info) failed!");
+        identifiers.AddID({.name = row.name, .place = {}, .value = row.value, .flags = IDS_SYSTEM});
     }
 }
 

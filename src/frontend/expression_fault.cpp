@@ -1,0 +1,97 @@
+#include "frontend/expression_fault.h"
+
+#include <span>
+
+#include "expr/evaluator.h"
+
+namespace korv {
+namespace {
+
+bool IsSign(std::int32_t code) {
+    return code == OP_PLUS || code == OP_MINUS || code == OP_NOT;
+}
+
+bool IsComparison(std::int32_t code) {
+    return code == OP_LESS || code == OP_GREATER || code == OP_EQUAL || code == OP_LESS_EQUAL ||
+           code == OP_GREATER_EQUAL;
+}
+
+// What is wrong with a value by itself.
+ExpressionFault FaultOf(const Token& token) {
+    switch (token.kind) {
+        case TokenKind::string:
+            return token.text.size() == 3   ? ExpressionFault::none
+                   : token.text.size() == 2 ? ExpressionFault::emptyString
+                                            : ExpressionFault::longString;
+        case TokenKind::openString:
+            return ExpressionFault::openString;
+        case TokenKind::emptyNumber:
+            return ExpressionFault::emptyNumber;
+        case TokenKind::largeNumber:
+            return ExpressionFault::largeNumber;
+        case TokenKind::other:
+            return ExpressionFault::badToken;
+        case TokenKind::registerName:  // B and H end numbers, so alone they are numbers
+            return token.text == "B" || token.text == "H" ? ExpressionFault::emptyNumber
+                                                          : ExpressionFault::none;
+        default:
+            return ExpressionFault::none;
+    }
+}
+
+}  // namespace
+
+FaultyToken FindExpressionFault(const OperandView& operand) {
+    const Token* before = nullptr;  // the token before, if it leaves a value or an open bracket
+    std::vector<const Token*> brackets;
+    std::span<const Token> tokens = operand.tokens;
+    // The brackets around a whole operand mean memory and are no part of the expression.
+    const bool isMemory =
+        operand.text.size() > 1 && operand.text.front() == '(' && operand.text.back() == ')';
+    if (isMemory && tokens.size() > 1 && tokens.front().code == OP_OPEN &&
+        tokens.back().code == OP_CLOSE) {
+        tokens = tokens.subspan(1, tokens.size() - 2);
+    }
+    for (const Token& token : tokens) {
+        const bool isAfterValue =
+            before != nullptr && (before->IsValue() || before->code == OP_CLOSE);
+        if (token.IsValue() || token.code == OP_OPEN || token.code == OP_NOT) {
+            if (isAfterValue) {
+                return {ExpressionFault::twoValues, &token};
+            }
+            if (const ExpressionFault fault =
+                    token.IsValue() ? FaultOf(token) : ExpressionFault::none;
+                fault != ExpressionFault::none) {
+                return {fault, &token};
+            }
+            const bool isDivisor =
+                before != nullptr && (before->code == OP_DIVIDE || before->code == OP_MODULO);
+            if (isDivisor && token.kind == TokenKind::number && token.value == 0) {
+                return {ExpressionFault::zeroDivisor, &token};
+            }
+            if (token.code == OP_OPEN) {
+                brackets.push_back(&token);
+            }
+        } else if (token.code == OP_CLOSE) {
+            if (brackets.empty()) {
+                return {ExpressionFault::closeBracket, &token};
+            }
+            if (!isAfterValue) {
+                return {ExpressionFault::noRight, before};
+            }
+            brackets.pop_back();
+        } else if (!isAfterValue && !IsSign(token.code)) {
+            return {ExpressionFault::noLeft, &token};
+        } else if (IsComparison(token.code) && !brackets.empty()) {
+            return {ExpressionFault::comparison, &token};
+        }
+        before = &token;
+    }
+    if (before != nullptr && !before->IsValue() && before->code != OP_CLOSE) {
+        return {ExpressionFault::noRight, before};
+    }
+    return brackets.empty() ? FaultyToken{}
+                            : FaultyToken{ExpressionFault::openBracket, brackets.back()};
+}
+
+}  // namespace korv

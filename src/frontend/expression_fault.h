@@ -1,0 +1,35 @@
+/// Why an expression has no value, and at which token.
+#pragma once
+
+#include <cstdint>
+
+#include "frontend/statement_view.h"
+
+namespace korv {
+
+enum class ExpressionFault : std::uint8_t {
+    none,
+    twoValues,     ///< the token follows a value without an operator between them
+    noLeft,        ///< the operator has no value before it
+    noRight,       ///< the operator has no value after it
+    openBracket,   ///< the bracket is not closed
+    closeBracket,  ///< the bracket was not opened
+    comparison,    ///< a comparison in brackets, which has no value there
+    longString,
+    emptyString,
+    openString,
+    emptyNumber,
+    largeNumber,
+    badToken,
+    zeroDivisor,  ///< a number 0 after / or MOD
+};
+
+struct FaultyToken {
+    ExpressionFault fault = ExpressionFault::none;
+    const Token* token = nullptr;  ///< of the operand; null with `none`
+};
+
+/// The first fault of `operand` that its tokens show. Names are taken for values.
+[[nodiscard]] FaultyToken FindExpressionFault(const OperandView& operand);
+
+}  // namespace korv

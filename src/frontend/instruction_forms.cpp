@@ -1,0 +1,203 @@
+#include "frontend/instruction_forms.h"
+
+#include <algorithm>
+
+#include "codegen/keywords.h"
+#include "codegen/operand_forms.h"
+
+namespace korv {
+namespace {
+
+// Takes the part of `text` up to `separator` off its front.
+std::string_view TakePart(std::string_view* text, char separator) {
+    const std::size_t end = std::min(text->find(separator), text->size());
+    const std::string_view part = text->substr(0, end);
+    text->remove_prefix(std::min(end + 1, text->size()));
+    return part;
+}
+
+const FormRow* RowOfWord(std::string_view mnemonic) {
+    const auto* const row = std::ranges::find_if(
+        formTable, [mnemonic](const FormRow& each) { return HoldsWord(each.words, mnemonic); });
+    return row == formTable.end() ? nullptr : row;
+}
+
+// Whether the value of `operand`, if it is a number as it stands, is none of `mask` and at most
+// `most`: a value that has to be computed may be anything.
+bool MayBe(const OperandView& operand, std::int32_t most, std::int32_t mask) {
+    const Token* const token = operand.OnlyToken();
+    if (token == nullptr ||
+        (token->kind != TokenKind::number && token->kind != TokenKind::string)) {
+        return true;
+    }
+    return token->value >= 0 && token->value <= most && (token->value & ~mask) == 0;
+}
+
+// A class of operands, by its letters in the table.
+struct TermRow {
+    std::string_view term;
+    bool (*includes)(const OperandView& operand, bool ignoresParentheses);
+};
+
+bool IsDirect(const OperandView& operand, bool = false) {
+    return operand.what.reg == REG_DIRECT && operand.what.kind == KIND_VALUE;
+}
+bool IsBare(const OperandView& operand) {
+    return operand.what.reg == REG_NONE && operand.what.kind == KIND_VALUE;
+}
+bool IsNumber(const OperandView& operand, bool ignoresParentheses) {
+    return IsBare(operand) || (ignoresParentheses && IsDirect(operand));
+}
+bool IsMemory(const OperandView& operand, bool = false) {
+    return IsFieldRegister(operand.what.reg) || operand.IsIndexed();
+}
+bool IsName(const OperandView& operand) {
+    return operand.what.kind == KIND_REGISTER || operand.what.kind == KIND_CONDITION;
+}
+bool IsIndex(std::int32_t reg) {
+    return reg == REG_IX || reg == REG_IY;
+}
+
+// clang-format off
+constexpr auto termTable = std::to_array<TermRow>({
+    {"r", [](const OperandView& it, bool) { return IsByteRegister(it.what.reg); }},
+    {"s", [](const OperandView& it, bool) { return IsMemory(it) || IsBare(it); }},
+    {"m", IsMemory},
+    {"dd", [](const OperandView& it, bool) { return IsPair(it.what.reg) && it.what.reg != REG_AF && !IsIndex(it.what.reg); }},
+    {"qq", [](const OperandView& it, bool) { return IsPair(it.what.reg) && it.what.reg != REG_SP && !IsIndex(it.what.reg); }},
+    {"xy", [](const OperandView& it, bool) { return IsIndex(it.what.reg); }},
+    {"(xy)", [](const OperandView& it, bool) { return it.what.reg == REG_IX_INDIRECT || it.what.reg == REG_IY_INDIRECT; }},
+    {"(xy+d)", [](const OperandView& it, bool) { return it.IsIndexed(); }},
+    {"cc", [](const OperandView& it, bool) { return it.what.condition >= 0; }},
+    {"c4", [](const OperandView& it, bool) { return it.what.condition >= 0 && it.what.condition <= 3; }},
+    {"n", IsNumber},
+    {"nn", IsNumber},
+    {"e", IsNumber},
+    {"x", IsNumber},
+    {"(n)", IsDirect},
+    {"(nn)", IsDirect},
+    {"b", [](const OperandView& it, bool ignores) { return IsNumber(it, ignores) && MayBe(it, 7, 7); }},
+    {"p", [](const OperandView& it, bool ignores) { return IsNumber(it, ignores) && MayBe(it, 0x38, 0x38); }},
+    {"i", [](const OperandView& it, bool ignores) { return IsNumber(it, ignores) && MayBe(it, 2, 3); }},
+    {"str", [](const OperandView& it, bool) { return it.text.starts_with('"'); }},
+    {"name", [](const OperandView& it, bool) { return !it.text.empty(); }},
+    {"any", [](const OperandView& it, bool) { return !it.text.empty(); }},
+    {"v", [](const OperandView& it, bool) { return IsNumber(it, true); }},
+    {"gp", [](const OperandView& it, bool) { return it.what.reg >= REG_BC && it.what.reg <= REG_HL; }},
+    {"pair", [](const OperandView& it, bool) { return IsPair(it.what.reg); }},
+    {"reg", [](const OperandView& it, bool) { return IsName(it) && it.text.front() != '('; }},
+    {"(reg)", [](const OperandView& it, bool) { return IsName(it) && it.text.front() == '('; }},
+    {"(cc)", [](const OperandView& it, bool) { return it.what.kind == KIND_CONDITION && it.text.front() == '('; }},
+    {"(any)", [](const OperandView& it, bool) { return it.text.starts_with('(') && it.text.ends_with(')'); }},
+    {"F", [](const OperandView& it, bool) { return it.what.reg == REG_F; }},
+    {"AF'", [](const OperandView& it, bool) { return it.what.reg == REG_AF || it.text == "AF'"; }},
+});
+// clang-format on
+
+// Whether `operand` is of the class or the text `term`.
+bool IsA(const OperandView& operand, std::string_view term, bool ignoresParentheses) {
+    const auto* const row = std::ranges::find(termTable, term, &TermRow::term);
+    return row == termTable.end() ? term == operand.text
+                                  : row->includes(operand, ignoresParentheses);
+}
+
+// Whether the first `count` operands are those of `form`; with `isWhole`, that there are no others
+// in it.
+bool Begins(const StatementView& statement, std::string_view form, std::size_t count,
+            bool ignoresParentheses, bool isWhole) {
+    if (form == "-") {
+        form = {};
+    }
+    std::string_view last;
+    std::size_t i = 0;
+    for (; i < count; ++i) {
+        if (form.empty()) {
+            return false;
+        }
+        const bool repeats = form == "*";
+        last = repeats ? last : TakePart(&form, ',');
+        if (!IsA(statement.operands[i], last, ignoresParentheses)) {
+            return false;
+        }
+    }
+    return !isWhole || form.empty() || (form == "*" && i > 0);
+}
+
+template <typename Use>
+bool AnyForm(const FormRow* row, Use use) {
+    for (std::string_view forms = row == nullptr ? "-" : row->forms; !forms.empty();) {
+        if (use(TakePart(&forms, ' '))) {
+            return true;
+        }
+    }
+    return false;
+}
+
+}  // namespace
+
+std::vector<std::string> FormsOf(const StatementView& statement, std::size_t operandCount) {
+    std::vector<std::string> texts;
+    const FormRow* const row = RowOfWord(statement.mnemonic);
+    AnyForm(row, [&](std::string_view form) {
+        const bool ignores = row != nullptr && row->ignoresParentheses;
+        if (Begins(statement, form, operandCount, ignores, false)) {
+            std::string& text = texts.emplace_back(statement.mnemonic);
+            if (form != "-") {
+                text.append(" ").append(form.ends_with(",*") ? form.substr(0, form.size() - 2)
+                                                             : form);
+            }
+        }
+        return false;
+    });
+    return texts;
+}
+
+bool HasForm(const StatementView& statement) {
+    const FormRow* const row = RowOfWord(statement.mnemonic);
+    return statement.keyword != nullptr && AnyForm(row, [&](std::string_view form) {
+               return Begins(statement, form, statement.operands.size(),
+                             row != nullptr && row->ignoresParentheses, true);
+           });
+}
+
+std::size_t FindFaultyOperand(const StatementView& statement) {
+    if (statement.keyword == nullptr || HasForm(statement)) {
+        return noFault;
+    }
+    const FormRow* const row = RowOfWord(statement.mnemonic);
+    for (std::size_t i = 0; i < statement.operands.size(); ++i) {
+        const bool isAny = AnyForm(row, [&](std::string_view form) {
+            return Begins(statement, form, i + 1, row != nullptr && row->ignoresParentheses, false);
+        });
+        if (!isAny) {
+            return i;
+        }
+    }
+    return statement.operands.size();
+}
+
+bool HasShape(const StatementView& statement, std::string_view shapes) {
+    if (shapes == "*" || (shapes.empty() && statement.operands.empty())) {
+        return true;
+    }
+    while (!shapes.empty()) {
+        if (Begins(statement, TakePart(&shapes, ' '), statement.operands.size(), false, true)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+bool HoldsWord(std::string_view words, std::string_view word) {
+    if (words == "*") {
+        return true;
+    }
+    while (!words.empty()) {
+        if (TakePart(&words, ' ') == word) {
+            return true;
+        }
+    }
+    return false;
+}
+
+}  // namespace korv

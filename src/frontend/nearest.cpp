@@ -1,0 +1,92 @@
+#include "frontend/nearest.h"
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cstdlib>
+
+namespace korv {
+namespace {
+
+constexpr std::size_t costOfComparison = 64;  // of two words, in looks at an entry
+
+std::uint64_t LettersOf(std::string_view word) {
+    std::uint64_t letters = 0;
+    for (const char c : word) {
+        letters |= std::uint64_t{1} << (static_cast<unsigned char>(c) % 64);
+    }
+    return letters;
+}
+
+}  // namespace
+
+std::size_t EditDistance(std::string_view a, std::string_view b) {
+    std::array<std::array<std::size_t, longestCompared + 1>, longestCompared + 1> steps;
+    for (std::size_t i = 0; i <= a.size(); ++i) {
+        for (std::size_t k = 0; k <= b.size(); ++k) {
+            std::size_t& best = steps[i][k];
+            if (i == 0 || k == 0) {
+                best = i + k;
+                continue;
+            }
+            const std::size_t isOther = a[i - 1] == b[k - 1] ? 0 : 1;
+            best =
+                std::min({steps[i - 1][k] + 1, steps[i][k - 1] + 1, steps[i - 1][k - 1] + isOther});
+            if (i > 1 && k > 1 && a[i - 1] == b[k - 2] && a[i - 2] == b[k - 1]) {
+                best = std::min(best, steps[i - 2][k - 2] + 1);
+            }
+        }
+    }
+    return steps[a.size()][b.size()];
+}
+
+NearWords::NearWords(const std::vector<std::string_view>& words) : byLength(longestCompared + 1) {
+    for (const std::string_view word : words) {
+        if (word.size() <= longestCompared) {
+            byLength[word.size()].push_back({LettersOf(word), word});
+        }
+    }
+}
+
+std::string_view NearWords::Find(std::string_view word,
+                                 const std::function<bool(std::string_view)>& preferred) {
+    constexpr std::size_t furthest = 2;
+    const std::size_t limit = std::min(word.size() / 3, furthest);
+    const std::uint64_t letters = LettersOf(word);
+    std::string_view found;
+    std::size_t best = 4 * (limit + 1);  // below it: the distance in quarters
+    if (limit == 0 || word.size() > longestCompared) {
+        return found;
+    }
+    const std::size_t longest = std::min(word.size() + limit, longestCompared);
+    for (std::size_t length = word.size() - limit; length <= longest; ++length) {
+        const std::vector<Entry>& entries = byLength[length];
+        if (budget < entries.size()) {
+            return found;
+        }
+        budget -= entries.size();
+        for (const Entry& entry : entries) {
+            if (std::popcount(entry.letters ^ letters) > static_cast<int>(2 * limit)) {
+                continue;
+            }
+            if (budget < costOfComparison) {
+                return found;
+            }
+            budget -= costOfComparison;
+            const bool isOther = word.front() != entry.word.front();
+            const std::size_t steps = EditDistance(word, entry.word);
+            if (steps > limit) {
+                continue;
+            }
+            const std::size_t rank =
+                4 * steps + (preferred && !preferred(entry.word) ? 2 : 0) + (isOther ? 1 : 0);
+            if (rank < best) {
+                best = rank;
+                found = entry.word;
+            }
+        }
+    }
+    return found;
+}
+
+}  // namespace korv

@@ -1,0 +1,35 @@
+/// The rows of the note tables that fit a statement, with their templates filled.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "diagnostics/message_numbers.h"
+#include "frontend/spelling.h"
+#include "frontend/statement_view.h"
+
+namespace korv {
+
+struct RowAdvice {
+    std::string note;
+    std::vector<TextEdit> edits;
+    std::string_view part;  ///< the tokens that match; without data for other rows
+};
+
+/// For a mnemonic that is not in the vocabulary, with other spellings in its operands.
+[[nodiscard]] std::optional<RowAdvice> WordAdvice(const StatementView& statement,
+                                                  std::string_view rawLine);
+[[nodiscard]] std::optional<RowAdvice> TokenAdvice(const StatementView& statement,
+                                                   const OperandView& operand);
+[[nodiscard]] std::optional<RowAdvice> OperandAdvice(const StatementView& statement, Status number);
+
+/// "write " and the statement as it is with `edits`, without its label.
+[[nodiscard]] std::string WriteNote(const StatementView& statement,
+                                    const std::vector<TextEdit>& edits);
+
+/// The change of the mnemonic and its operands to `text`.
+[[nodiscard]] TextEdit NewStatement(const StatementView& statement, std::string text);
+
+}  // namespace korv

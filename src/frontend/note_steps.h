@@ -1,0 +1,21 @@
+/// The parts of `Adviser::AdviceFor`, by what a message is about.
+#pragma once
+
+#include "frontend/notes.h"
+
+namespace korv {
+
+/// A mnemonic that is not in the vocabulary.
+[[nodiscard]] Advice AdviseOnWord(const FaultView& fault);
+
+/// Operands that do not fit, or have no value.
+[[nodiscard]] Advice AdviseOnOperands(Adviser& adviser, const FaultView& fault);
+
+/// All else: labels, files, conditions, ranges.
+[[nodiscard]] Advice AdviseOnRest(Adviser& adviser, const FaultView& fault);
+
+/// A definition that is written as in another assembler, or in the wrong column; empty advice if
+/// the line is none.
+[[nodiscard]] Advice AdviseOnDefinition(const StatementView& statement);
+
+}  // namespace korv

@@ -1,0 +1,154 @@
+// The order of the questions: what has been said already; the mnemonic; the operand at fault, its
+// foreign spellings first and then its tokens; the operands as a whole; the forms of the mnemonic.
+
+#include "frontend/notes.h"
+
+#include <algorithm>
+#include <array>
+
+#include "codegen/keywords.h"
+#include "frontend/expression_fault.h"
+#include "frontend/instruction_forms.h"
+#include "frontend/note_rows.h"
+#include "frontend/note_steps.h"
+#include "source/char_class.h"
+
+namespace korv {
+namespace {
+
+// The numbers of messages about the value of an expression.
+bool IsAboutExpression(Status number) {
+    constexpr std::array numbers = {MSG_UNRESOLVED,  MSG_NOT_IMMEDIATE,   MSG_BAD_EXPRESSION,
+                                    MSG_TOO_COMPLEX, MSG_GENERAL_FAILURE, MSG_BAD_NUMBER};
+    return std::ranges::find(numbers, number) != numbers.end();
+}
+
+bool IsAboutOperands(Status number) {
+    return number == MSG_ILLEGAL_ARGUMENT || number == MSG_ILLEGAL_CONDITION ||
+           number == MSG_TOO_MANY_ARGUMENTS || number == MSG_ARGUMENT_EXPECTED;
+}
+
+bool Overlap(const LinePart& a, const LinePart& b) {
+    return a.offset < b.offset + b.length && b.offset < a.offset + a.length;
+}
+
+// Whether the value that a message is about may be wrong because of a name in it.
+bool IsAboutValue(Status number) {
+    constexpr std::array numbers = {MSG_UNRESOLVED,     MSG_NOT_IMMEDIATE,  MSG_NOT_SIGNED_BYTE,
+                                    MSG_NOT_WORD,       MSG_NOT_BYTE,       MSG_NOT_UNSIGNED_BYTE,
+                                    MSG_OFFSET_TOO_BIG, MSG_NOT_SIGNED_WORD};
+    return std::ranges::find(numbers, number) != numbers.end();
+}
+
+bool IsCondition(std::string_view word) {
+    word.remove_prefix(word.find_first_not_of(".#!") == std::string_view::npos
+                           ? 0
+                           : word.find_first_not_of(".#!"));
+    return word.starts_with("IF") || word == "COND";
+}
+
+}  // namespace
+
+std::string_view Adviser::NearestName(std::string_view name) {
+    if (names == nullptr) {
+        names = std::make_unique<NearWords>(facts.DefinedNames());
+    }
+    return names->Find(name);
+}
+
+Advice Adviser::AdviceFor(const FaultView& fault) {
+    Advice advice;
+    if (fault.number == MSG_UNKNOWN_INSTRUCTION) {
+        advice = AdviseOnWord(fault);
+    } else if (IsAboutOperands(fault.number) || IsAboutExpression(fault.number)) {
+        advice = AdviseOnOperands(*this, fault);
+    } else {
+        advice = AdviseOnRest(*this, fault);
+    }
+    if (advice.note.empty() && advice.edits.size() == 1 && !advice.edits[0].text.empty()) {
+        advice.note = "write " + advice.edits[0].text;
+    }
+    if (fault.isError) {
+        advice.isFollowOn = IsFollowOn(fault, advice);
+        Remember(fault, advice);
+    }
+    return advice;
+}
+
+bool Adviser::IsFollowOn(const FaultView& fault, const Advice& advice) {
+    const StatementView& statement = fault.statement;
+    const LinePart place = advice.place.value_or(fault.part);
+    if (fault.statementId == lastStatement) {
+        const bool isAgain = std::ranges::any_of(lastPlaces, [&place](const LinePart& each) {
+            return each.length == 0 || place.length == 0 || Overlap(each, place);
+        });
+        if (isAgain || (!advice.note.empty() && advice.note == lastNote)) {
+            return true;
+        }
+    }
+    if (fault.number == MSG_NOT_IN_CONDITION && refusedConditions > 0) {
+        refusedConditions -= statement.mnemonic == "ELSE" ? 0 : 1;
+        return true;
+    }
+    if (fault.number == MSG_NOT_IN_MACRO && hasRefusedMacro) {
+        return true;
+    }
+    if (fault.number == MSG_UNKNOWN_INSTRUCTION) {
+        return refusedNames.contains(std::string(statement.mnemonic));
+    }
+    if (fault.number == MSG_UNRESOLVED && hasRefusedFile && advice.edits.empty()) {
+        return true;
+    }
+    return IsAboutValue(fault.number) && UsesRefusedName(fault);
+}
+
+bool Adviser::UsesRefusedName(const FaultView& fault) const {
+    if (refusedNames.empty()) {
+        return false;
+    }
+    return std::ranges::any_of(fault.statement.operands, [this](const OperandView& operand) {
+        return std::ranges::any_of(operand.tokens, [this](const Token& token) {
+            return refusedNames.contains(std::string(token.text));
+        });
+    });
+}
+
+void Adviser::Remember(const FaultView& fault, const Advice& advice) {
+    const StatementView& statement = fault.statement;
+    if (fault.statementId != lastStatement) {
+        lastPlaces.clear();
+        lastStatement = fault.statementId;
+    }
+    lastPlaces.push_back(advice.place.value_or(fault.part));
+    lastNote = advice.note;
+    const bool isRefused =
+        fault.number == MSG_UNKNOWN_INSTRUCTION || fault.number == MSG_ARGUMENT_EXPECTED ||
+        fault.number == MSG_TOO_MANY_ARGUMENTS || fault.number == MSG_ILLEGAL_ARGUMENT ||
+        fault.number == MSG_CONDITIONS_TOO_DEEP;
+    if (advice.isFollowOn) {
+        return;
+    }
+    if (isRefused && IsCondition(statement.mnemonic)) {
+        ++refusedConditions;
+    }
+    hasRefusedFile =
+        hasRefusedFile || (fault.number == MSG_CANNOT_OPEN && statement.mnemonic == "INCLUDE");
+    const bool isMacro = fault.number == MSG_NOT_IMPLEMENTED && statement.mnemonic == "MACRO";
+    hasRefusedMacro = hasRefusedMacro || isMacro;
+    const bool isDefinition = isMacro || fault.number == MSG_RESERVED_NAME ||
+                              fault.number == MSG_NO_LABEL ||
+                              (isRefused && (advice.definesName || statement.mnemonic == "EQU"));
+    if (!isDefinition) {
+        return;
+    }
+    for (const std::string_view name : {statement.label, std::string_view(advice.name)}) {
+        if (!name.empty()) {
+            refusedNames.emplace(name);
+        }
+    }
+    if (isMacro && !statement.operands.empty()) {
+        refusedNames.emplace(statement.operands[0].text);
+    }
+}
+
+}  // namespace korv

@@ -1,0 +1,98 @@
+/// What to do about a message: the note, the change of the text that it proposes, the exact place,
+/// and whether the message only follows from an earlier one. For what those meet first who come
+/// from another assembler or are new to this one.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_set>
+#include <vector>
+
+#include "diagnostics/message_numbers.h"
+#include "frontend/nearest.h"
+#include "frontend/spelling.h"
+#include "frontend/statement_view.h"
+
+namespace korv {
+
+/// What the run stores about a name.
+struct KnownName {
+    bool hasValue = false;
+    std::int32_t value = 0;
+    bool isCommandLine = false;  ///< defined by -D
+    std::string where;           ///< "file:line" of the definition; empty for none
+};
+
+/// What notes ask about the rest of the run.
+class RunFacts {
+  public:
+    /// None: no definition and no use.
+    [[nodiscard]] virtual std::optional<KnownName> FindName(std::string_view name) const = 0;
+    /// Whether INCLUDE or BINCLUDE in the file of the statement would find `name`.
+    [[nodiscard]] virtual bool HasFile(std::string_view name) const = 0;
+    /// The directories that are searched, for a note; empty where none is known.
+    [[nodiscard]] virtual std::string SearchedDirectories() const { return ""; }
+    /// All names with a value. Asked for once, at the first name that is unknown; the views have to
+    /// outlive the `Adviser`.
+    [[nodiscard]] virtual std::vector<std::string_view> DefinedNames() const = 0;
+
+  protected:
+    ~RunFacts() = default;
+};
+
+/// A message of the core, as it was reported.
+struct FaultView {
+    Status number = 0;    ///< as reported; -1 and below: without a row
+    bool isError = true;  ///< else a warning
+    bool isLate = false;  ///< its value came after the line
+    const StatementView& statement;
+    LinePart part;          ///< what the core was looking at; without length: the whole statement
+    std::string_view text;  ///< the detail of the message, often the part itself; may be empty
+    std::string_view rawLine;      ///< as in the file, with its comment
+    std::int32_t statementId = 0;  ///< the same for all messages of one statement of the run
+    bool isSkipped = false;        ///< a condition keeps the statement from being assembled
+};
+
+struct Advice {
+    std::string text;               ///< what to print for the message; empty: the core's text
+    std::string note;               ///< what to do, or empty
+    std::vector<TextEdit> edits;    ///< of the cleaned line, in its order
+    std::optional<LinePart> place;  ///< more exact than that of the fault
+    bool isFollowOn = false;        ///< an earlier message explains it: do not print it
+    bool definesName = false;       ///< the line was to define its label, or `name`
+    std::string name;
+};
+
+/// Gives advice on the messages of one run, in the order in which they were reported.
+class Adviser {
+  public:
+    /// `facts` is not owned.
+    explicit Adviser(const RunFacts& facts) : facts(facts) {}
+
+    [[nodiscard]] Advice AdviceFor(const FaultView& fault);
+
+    /// The name with a value that is nearest to `name`, or empty.
+    [[nodiscard]] std::string_view NearestName(std::string_view name);
+
+    [[nodiscard]] const RunFacts& Facts() const { return facts; }
+
+  private:
+    [[nodiscard]] bool IsFollowOn(const FaultView& fault, const Advice& advice);
+    [[nodiscard]] bool UsesRefusedName(const FaultView& fault) const;
+    void Remember(const FaultView& fault, const Advice& advice);
+
+    const RunFacts& facts;
+    std::unique_ptr<NearWords> names;              // made at the first question
+    std::unordered_set<std::string> refusedNames;  // whose definition was refused
+    std::int32_t refusedConditions = 0;            // IFs that were refused and are still open
+    bool hasRefusedFile = false;                   // an INCLUDE
+    bool hasRefusedMacro = false;
+    std::int32_t lastStatement = -1;   // with an error
+    std::vector<LinePart> lastPlaces;  // of its errors
+    std::string lastNote;
+};
+
+}  // namespace korv

@@ -1,0 +1,225 @@
+// Messages that are about neither the mnemonic nor the form of an operand.
+
+#include <algorithm>
+#include <array>
+
+#include "codegen/keywords.h"
+#include "frontend/instruction_forms.h"
+#include "frontend/note_rows.h"
+#include "frontend/note_steps.h"
+#include "source/char_class.h"
+
+namespace korv {
+namespace {
+
+// A keyword as a label: an instruction in column 1, or a name that is taken.
+Advice AdviseOnReservedName(const StatementView& statement) {
+    const std::string label(statement.label);
+    Advice advice;
+    advice.place = statement.PartOf(statement.label);
+    const bool isName =
+        statement.hasColon || (statement.keyword != nullptr && statement.mnemonic == "EQU");
+    if (isName) {
+        const std::string name = label + "1";
+        advice.edits = {{*advice.place, name}};
+        advice.note = "choose another name, such as " + name;
+        return advice;
+    }
+    advice.edits = {{LinePart{0, 0}, " "}};
+    advice.note = "indent " + label + ": only labels begin in column 1";
+    return advice;
+}
+
+// An INCLUDE or BINCLUDE whose file is not found: other spellings of its name are tried.
+Advice AdviseOnFile(const RunFacts& facts, const StatementView& statement) {
+    const std::string_view name = statement.rest;
+    Advice advice;
+    advice.place = statement.PartOf(name);
+    const bool isWrapped =
+        name.size() > 2 && (name.front() == '"' || name.front() == '<' || name.front() == '\'');
+    const std::string inner(isWrapped ? name.substr(1, name.size() - 2) : name);
+    std::string slashed = inner;
+    std::ranges::replace(slashed, '\\', '/');
+    const std::string base = slashed.substr(slashed.find_last_of('/') + 1);
+    const std::string stem = inner.substr(0, inner.find_last_of('.'));
+    for (const std::string& candidate :
+         {inner, slashed, inner + ".kor", inner + ".asm", inner + ".inc", inner + ".z80",
+          stem + ".kor", base, "../" + slashed}) {
+        if (candidate != name && facts.HasFile(candidate)) {
+            advice.edits = {{*advice.place, candidate}};
+            advice.note = "write " + std::string(statement.mnemonic) + " " + candidate;
+            return advice;
+        }
+    }
+    const std::string directories = facts.SearchedDirectories();
+    const bool isAbsolute = inner.starts_with('/') || inner.starts_with('\\');
+    const std::string quotes = isWrapped && statement.mnemonic == "INCLUDE"
+                                   ? "write the name without quotes or brackets"
+                                   : "check the name";
+    advice.note = quotes;
+    if (!isAbsolute) {
+        advice.note += directories.empty()
+                           ? "; the directory of this file is searched, then those of -I"
+                           : "; searched: " + directories;
+    }
+    return advice;
+}
+
+Advice AdviseOnFarJump(const StatementView& statement) {
+    Advice advice;
+    if (statement.mnemonic == "JR") {
+        advice.edits = {{statement.PartOf(statement.mnemonic), "JP"}};
+        advice.note = "use JP: JR reaches from 126 bytes before to 129 bytes after its own address";
+    } else {
+        advice.edits = {NewStatement(statement, "DEC B\n\tJP NZ," + std::string(statement.rest))};
+        advice.note =
+            "use DEC B and JP NZ: DJNZ reaches from 126 bytes before to 129 bytes after its own "
+            "address";
+    }
+    if (!statement.operands.empty()) {
+        advice.place = statement.PartOf(statement.operands.back().text);
+    }
+    return advice;
+}
+
+// A label in front of IF, ELSE or ENDIF.
+Advice AdviseOnLabel(const StatementView& statement) {
+    Advice advice;
+    const std::string_view label = statement.label;
+    advice.place = statement.PartOf(label);
+    const std::uint32_t end = advice.place->length + (statement.hasColon ? 1 : 0);
+    advice.edits = {{LinePart{0, end}, std::string(label) + ":\n"}};
+    advice.note = "put the label on a line of its own";
+    return advice;
+}
+
+Advice AdviseOnRedefinition(const RunFacts& facts, const FaultView& fault) {
+    const StatementView& statement = fault.statement;
+    Advice advice;
+    const auto first = facts.FindName(statement.label);
+    if (first && first->isCommandLine) {
+        advice.note = "remove the line or the -D: the command line defines the name";
+    } else if (first && !first->where.empty()) {
+        advice.note = "rename one of them: the first definition is " + first->where;
+    }
+    if (!statement.label.empty()) {
+        advice.place = statement.PartOf(statement.label);
+    }
+    return advice;
+}
+
+// Brackets with nothing in them.
+Advice AdviseOnEmptyBrackets(const StatementView& statement) {
+    Advice advice;
+    for (const OperandView& operand : statement.operands) {
+        const bool isEmpty = operand.text.size() > 1 && operand.text.front() == '(' &&
+                             WithoutLeadingBlanks(operand.text.substr(1)) == ")";
+        if (isEmpty) {
+            advice.place = statement.PartOf(operand.text);
+            advice.text = "Nothing between the brackets";
+            advice.note = "add the address or the register";
+            return advice;
+        }
+    }
+    return advice;
+}
+
+Advice AdviseOnRange(const StatementView& statement, Status number) {
+    Advice advice;
+    if (!statement.operands.empty()) {
+        advice.place = statement.PartOf(statement.operands.back().text);
+    }
+    if (number == MSG_NOT_UNSIGNED_BYTE) {
+        advice.place.reset();
+        advice.note = HoldsWord("IN OUT", statement.mnemonic)
+                          ? "use a port from 0 to 255"
+                          : "write words with DW, or X AND 255 for the low byte";
+        return advice;
+    }
+    advice.note = "use a value from -128 to 255, or X AND 255 for the low byte";
+    return advice;
+}
+
+struct FixedNote {
+    Status number;
+    std::string_view note;
+    bool isAboutLabel = false;
+};
+
+constexpr auto fixedNotes = std::to_array<FixedNote>({
+    {MSG_NO_LABEL, "begin the name in column 1: NAME: EQU 5"},
+    {MSG_NOT_IN_MACRO, "remove the line: there are no macros"},
+    {MSG_FILES_TOO_DEEP, "check whether the file includes itself"},
+    {MSG_CONDITIONS_TOO_DEEP, "check for a missing ENDIF"},
+    {MSG_NOT_IN_CONDITION, "add the IF, or remove the line: no condition is open"},
+    {MSG_ILLEGAL_ELSE, "remove it, or add the ENDIF before it: an IF has one ELSE"},
+    {MSG_LABEL_TOO_LONG, "shorten the name to 256 characters", true},
+    {MSG_LINE_TOO_LONG,
+     "break the line: with its comment it has at most 255 bytes and a line feed"},
+    {MSG_NO_CLOSING_QUOTE, "close the string with a double quote"},
+    {MSG_EXPECTED_ARGUMENT, "add the operand, or remove the comma"},
+    {MSG_LABEL_WITHOUT_COLON, "end the label with a colon", true},
+    {MSG_COMMAND_LINE_SKIPPED, "begin the comment with a semicolon"},
+});
+
+}  // namespace
+
+Advice AdviseOnRest(Adviser& adviser, const FaultView& fault) {
+    const StatementView& statement = fault.statement;
+    Advice advice;
+    switch (fault.number) {
+        case MSG_RESERVED_NAME:
+            return AdviseOnReservedName(statement);
+        case MSG_CANNOT_OPEN:
+            return AdviseOnFile(adviser.Facts(), statement);
+        case MSG_REDEFINITION:
+            return AdviseOnRedefinition(adviser.Facts(), fault);
+        case MSG_OFFSET_TOO_BIG:
+            return AdviseOnFarJump(statement);
+        case MSG_LABEL_NOT_ALLOWED:
+            return AdviseOnLabel(statement);
+        case MSG_NOT_BYTE:
+            if (statement.mnemonic == "DJNZ") {
+                return AdviseOnFarJump(statement);
+            }
+            return fault.isError ? AdviseOnRange(statement, fault.number) : advice;
+        case MSG_NOT_UNSIGNED_BYTE:
+            return AdviseOnRange(statement, fault.number);
+        case MSG_TEXT_AFTER_STRING:
+            advice.edits = {NewStatement(statement, "DB " + std::string(statement.rest))};
+            advice.note =
+                "use DB for several operands: a double quote in a string is the number 34";
+            advice.edits.clear();
+            return advice;
+        case MSG_NOT_IMPLEMENTED:
+            if (HoldsWord("DD DEFD", statement.mnemonic)) {
+                advice.note = "write two words with DW, the low one first";
+            } else {
+                advice.note =
+                    "write the lines out, or INCLUDE them from a file: there are no macros or "
+                    "procedures";
+            }
+            advice.place = statement.PartOf(statement.mnemonic);
+            return advice;
+        case MSG_SYSTEM_ERROR:
+        case -1:
+            advice = AdviseOnEmptyBrackets(statement);
+            if (!advice.place && fault.isLate) {
+                advice = AdviseOnFarJump(statement);
+                advice.text = "The jump is too far";
+            }
+            return advice;
+        default:
+            break;
+    }
+    const auto* const row = std::ranges::find(fixedNotes, fault.number, &FixedNote::number);
+    if (row != fixedNotes.end()) {
+        advice.note = row->note;
+        if (row->isAboutLabel) {
+            advice.place = statement.PartOf(statement.label);
+        }
+    }
+    return advice;
+}
+
+}  // namespace korv

@@ -1,0 +1,251 @@
+#include "frontend/spelling.h"
+
+#include <algorithm>
+
+#include "expr/number.h"
+#include "source/char_class.h"
+
+namespace korv {
+namespace {
+
+constexpr std::string_view hexDigits = "0123456789ABCDEF";
+
+bool IsOf(std::string_view text, std::string_view characters) {
+    return !text.empty() && text.find_first_not_of(characters) == std::string_view::npos;
+}
+
+// Digits to a base that a letter or a prefix of another assembler has told.
+std::string Spelled(std::string_view digits, char base) {
+    const bool isHex = base == 'X' || base == 'H';
+    const bool isBinary = base == 'B' || base == '%';
+    const bool isOctal = base == 'O' || base == 'Q';
+    if (isHex && IsOf(digits, hexDigits)) {
+        return "$" + std::string(digits);
+    }
+    if (isBinary && IsOf(digits, "01")) {
+        return "%" + std::string(digits);
+    }
+    if (isOctal && IsOf(digits, "01234567")) {
+        return std::string(digits) + "O";
+    }
+    return "";
+}
+
+// A character in single quotes that stands for another one.
+std::string EscapeValue(std::string_view content) {
+    if (content.size() == 2 && content.front() == '\\') {
+        switch (content[1]) {
+            case 'n':
+                return "10";
+            case 'r':
+                return "13";
+            case 't':
+                return "9";
+            case '0':
+                return "0";
+            default:
+                return "\"" + std::string(content.substr(1)) + "\"";
+        }
+    }
+    return content == "\"" ? "34" : "";
+}
+
+// The text in single quotes at `start` of `line`. Two quotes in a row are one in it.
+Foreign SingleQuoted(std::string_view line, std::string_view rawLine, std::size_t start) {
+    const bool isSame =
+        rawLine.size() >= line.size() &&
+        std::ranges::equal(line.substr(0, start), rawLine.substr(0, start), {}, {}, Raised);
+    const std::string_view source = isSame ? rawLine : line;
+    std::size_t end = start + 1;
+    std::string content;
+    for (; end < source.size(); ++end) {
+        if (source[end] == '\'' && source.substr(end + 1, 1) == "'" && end > start + 1) {
+            ++end;
+        } else if (source[end] == '\'') {
+            break;
+        }
+        content += source[end];
+    }
+    Foreign found{line.substr(start, end + 1 - start), "",
+                  "use double quotes, also for one character"};
+    if (end >= source.size() || content.empty()) {
+        return found;
+    }
+    // A semicolon in the text has ended the cleaned line: the change is for the line as typed.
+    found.part = {line.data() + start, end + 1 - start};
+    found.fix = EscapeValue(content);
+    if (found.fix.empty() && content.find('"') == std::string::npos) {
+        found.fix = "\"" + content + "\"";
+        found.note = "use double quotes: " + found.fix;
+    } else if (!found.fix.empty()) {
+        found.note = "";
+    } else {
+        found.note = "use double quotes, and the number 34 for a double quote in the text";
+    }
+    return found;
+}
+
+// The text in square brackets around `at`, with parentheses.
+Foreign Bracketed(std::string_view operand) {
+    std::string fix;
+    bool isString = false;
+    for (const char c : operand) {
+        isString = isString != (c == '"');
+        fix += isString ? c : c == '[' || c == '{' ? '(' : c == ']' || c == '}' ? ')' : c;
+    }
+    return {operand, fix, "use parentheses for memory: " + fix};
+}
+
+bool HasOddByte(std::string_view text) {
+    return std::ranges::any_of(text, [](char c) { return static_cast<signed char>(c) < 0; });
+}
+
+// A token that is no token of the language.
+Foreign ForeignToken(const Token& token) {
+    const std::string_view text = token.text;
+    if (const std::string number = NumberSpelling(text); !number.empty()) {
+        return {text, number, ""};
+    }
+    if (token.kind != TokenKind::other) {
+        return {};
+    }
+    const std::size_t percent = text.find('%', 1);
+    if (percent != std::string_view::npos && percent + 1 < text.size()) {
+        const std::string fix =
+            std::string(text.substr(0, percent)) + " MOD " + std::string(text.substr(percent + 1));
+        return {text, fix, ""};
+    }
+    if (text.size() > 1 && text.ends_with(':')) {
+        const std::string name(text.substr(0, text.size() - 1));
+        return {text, name, "remove the colon: only the definition of a label has one"};
+    }
+    if (text.ends_with('\'')) {
+        return {text, "", "use EX AF,AF' or EXX: the second set of registers has no names"};
+    }
+    if (HasOddByte(text)) {
+        return {text, "",
+                "replace the characters that are not ASCII, such as typographic quotes and blanks"};
+    }
+    if (text.front() == '#' && text.size() > 1) {
+        return {text, std::string(text.substr(1)),
+                "remove the #: a value needs no mark, and # begins a hexadecimal number"};
+    }
+    if (text.front() == '\\' && text.size() > 1) {
+        return {text, "", "write the lines out: there are no macros"};
+    }
+    return {};
+}
+
+// A register in parentheses with blanks beside it, or an index register without displacement.
+Foreign ForeignMemory(const OperandView& operand) {
+    if (operand.what.reg == REG_IX_INDIRECT || operand.what.reg == REG_IY_INDIRECT) {
+        const std::string fix = std::string(operand.text.substr(0, 3)) + "+0)";
+        return {operand.text, fix, "write the displacement: " + fix};
+    }
+    const std::vector<Token>& tokens = operand.tokens;
+    const bool isValue = operand.what.reg == REG_DIRECT && operand.what.kind == KIND_VALUE;
+    if (!isValue || tokens.size() < 3 || ClassOf(tokens[1].text).kind == KIND_VALUE) {
+        return {};
+    }
+    const bool isIndex = tokens[1].text == "IX" || tokens[1].text == "IY";
+    if (tokens.size() > 3 && !(isIndex && HasClass(operand.text[1], CC_BLANK))) {
+        return {};
+    }
+    std::string fix;
+    for (const Token& token : tokens) {
+        fix += token.text;
+    }
+    return {operand.text, fix, "remove the blanks beside the register: " + fix};
+}
+
+}  // namespace
+
+std::string NumberSpelling(std::string_view token) {
+    const std::size_t size = token.size();
+    const std::size_t quote = token.find('\'');
+    if (size > 3 && quote == 1 && token.ends_with('\'')) {  // H'FF'
+        return Spelled(token.substr(2, size - 3), token[0]);
+    }
+    if (size > 2 && (token.starts_with("0X") || token.starts_with("0B") ||
+                     token.starts_with("0O") || token.starts_with("0Q"))) {
+        if (std::string number = Spelled(token.substr(2), token[1]); !number.empty()) {
+            return number;
+        }
+        if (token.ends_with('H') && token[1] == 'X') {
+            return Spelled(token.substr(2, size - 3), 'H');
+        }
+    }
+    if (size > 2 && (token[0] == '$' || token[0] == '#') && token.ends_with('H')) {
+        return Spelled(token.substr(1, size - 2), 'H');
+    }
+    if (size > 2 && (token[0] == '$' || token[0] == '#') && token[1] == '$') {
+        return Spelled(token.substr(2), 'H');
+    }
+    if (size > 2 && token[0] == '#' && token[1] == 'X') {
+        return Spelled(token.substr(2), 'X');
+    }
+    if (size > 2 && token[0] == '%' && token.ends_with('B')) {
+        return Spelled(token.substr(1, size - 2), 'B');
+    }
+    if (size > 3 && (token.starts_with("16#") || token.starts_with("2#"))) {
+        return Spelled(token.substr(token.find('#') + 1), token[0] == '2' ? 'B' : 'H');
+    }
+    if (token.empty() || !HasClass(token[0], CC_DIGIT)) {
+        return "";
+    }
+    if (token.ends_with('Q')) {
+        return Spelled(token.substr(0, size - 1), 'Q');
+    }
+    std::string digits(token);
+    std::erase(digits, '_');
+    std::int32_t value = 0;
+    if (digits.size() < size && ReadNumber(digits, &value) == 0) {
+        return digits;
+    }
+    if (IsOf(token, hexDigits) && ReadNumber(token, &value) == notANumber) {
+        return std::string(token) + "H";
+    }
+    return "";
+}
+
+Foreign FindForeign(const StatementView& statement, const OperandView& operand,
+                    std::string_view rawLine) {
+    bool isString = false;
+    for (std::size_t i = 0; i < operand.text.size(); ++i) {
+        const char c = operand.text[i];
+        isString = isString != (c == '"');
+        if (isString) {
+            continue;
+        }
+        const std::size_t at = statement.PartOf(operand.text).offset + i;
+        const bool isShadow = i > 0 && HasClass(operand.text[i - 1], CC_NAME);  // AF', H'FF'
+        if (c == '\'' && !isShadow) {
+            return SingleQuoted(statement.line, rawLine, at);
+        }
+        if (c == '[' || c == '{') {
+            return Bracketed(operand.text);
+        }
+    }
+    if (Foreign found = ForeignMemory(operand); found.part.data() != nullptr) {
+        return found;
+    }
+    for (const Token& token : operand.tokens) {
+        if (Foreign found = ForeignToken(token); found.part.data() != nullptr) {
+            return found;
+        }
+    }
+    return {};
+}
+
+std::string Applied(std::string_view line, const std::vector<TextEdit>& edits) {
+    std::string text;
+    std::size_t from = 0;
+    for (const TextEdit& edit : edits) {
+        const std::size_t start = std::min<std::size_t>(edit.part.offset, line.size());
+        text.append(line.substr(from, start - from)).append(edit.text);
+        from = std::min<std::size_t>(start + edit.part.length, line.size());
+    }
+    return text.append(line.substr(from));
+}
+
+}  // namespace korv

@@ -1,0 +1,38 @@
+/// Parts of an operand that other assemblers write otherwise: each with its spelling here. None is
+/// looked for in strings.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "frontend/statement_view.h"
+
+namespace korv {
+
+/// A change of the line.
+struct TextEdit {
+    LinePart part;
+    std::string text;
+};
+
+/// A part with a foreign spelling.
+struct Foreign {
+    std::string_view part;
+    std::string fix;   ///< its spelling here; empty: there is none
+    std::string note;  ///< why, or what to do instead; empty: "write " and the spelling
+};
+
+/// The first of `operand`; `part` without data for none. `rawLine` holds the letters as they were
+/// typed, which a string keeps.
+[[nodiscard]] Foreign FindForeign(const StatementView& statement, const OperandView& operand,
+                                  std::string_view rawLine);
+
+/// A number as it is written here, from `token` as another assembler writes it; empty if it is
+/// none.
+[[nodiscard]] std::string NumberSpelling(std::string_view token);
+
+/// `line` with `edits`, which are in its order.
+[[nodiscard]] std::string Applied(std::string_view line, const std::vector<TextEdit>& edits);
+
+}  // namespace korv

@@ -1,0 +1,184 @@
+// Cuts a line as the core does. A line without a comment sign outside of strings is expected, as
+// the reader makes it; a semicolon that is there all the same ends it.
+
+#include "frontend/statement_view.h"
+
+#include <algorithm>
+
+#include "codegen/keywords.h"
+#include "expr/number.h"
+#include "expr/token.h"
+#include "source/char_class.h"
+
+namespace korv {
+namespace {
+
+std::string_view Trimmed(std::string_view text) {
+    text = WithoutLeadingBlanks(text);
+    while (!text.empty() && HasClass(text.back(), CC_BLANK)) {
+        text.remove_suffix(1);
+    }
+    return text;
+}
+
+// The characters at the start of `text` that `belongs` takes.
+template <typename Belongs>
+std::string_view Prefix(std::string_view text, Belongs belongs) {
+    return {text.begin(), std::ranges::find_if_not(text, belongs)};
+}
+
+bool IsName(std::string_view text) {
+    return HasClass(text.front(), CC_NAME_START) &&
+           std::ranges::all_of(text, [](char c) { return HasClass(c, CC_NAME); });
+}
+
+// What a token of characters is that ends at no quote.
+Token WordToken(std::string_view text) {
+    Token token{TokenKind::other, text};
+    if (text == "$") {
+        token.kind = TokenKind::here;
+        return token;
+    }
+    if (const OperandClass& what = ClassOf(text); what.kind != KIND_VALUE) {
+        const bool isRegister = what.kind == KIND_REGISTER || what.reg != REG_NONE;
+        token.kind = isRegister ? TokenKind::registerName : TokenKind::condition;
+        return token;
+    }
+    if (const Operator word = FindWord(text); word.code != 0) {
+        token.kind = TokenKind::wordOp;
+        token.code = word.code;
+        return token;
+    }
+    switch (ReadNumber(text, &token.value)) {
+        case 0:
+            token.kind = TokenKind::number;
+            break;
+        case MSG_GENERAL_FAILURE:
+            token.kind = TokenKind::emptyNumber;
+            break;
+        case MSG_BAD_NUMBER:
+            token.kind = TokenKind::largeNumber;
+            break;
+        default:
+            if (IsName(text)) {
+                const bool hasDigit = HasClass(text.front(), CC_DIGIT);
+                token.kind = hasDigit ? TokenKind::digitName : TokenKind::name;
+            }
+    }
+    return token;
+}
+
+Token StringToken(std::string_view text, bool isOpen) {
+    Token token{isOpen ? TokenKind::openString : TokenKind::string, text};
+    if (text.front() != '"') {
+        token.kind = TokenKind::other;  // glued to what is before it
+    } else if (!isOpen && text.size() == 3) {
+        token.value = static_cast<signed char>(text[1]);
+    }
+    return token;
+}
+
+OperandView ViewOf(std::string_view text) {
+    OperandView operand{text, {}, {}};
+    if (text.empty()) {
+        return operand;
+    }
+    operand.tokens = CutTokens(text);
+    const bool isIndirect = text.size() > 1 && text.front() == '(' && text.back() == ')';
+    const std::string_view inner = isIndirect ? text.substr(1, text.size() - 2) : text;
+    const bool isWord =
+        std::ranges::all_of(inner, [](char c) { return ActionOf(c) == TokenAction::append; });
+    if (!inner.empty() && isWord) {
+        operand.what = isIndirect ? ClassInParentheses(inner) : ClassOf(inner);
+        return operand;
+    }
+    operand.what = isIndirect ? operand_class::direct : operand_class::value;
+    if (isIndirect && (inner.starts_with("IX") || inner.starts_with("IY"))) {
+        const std::string_view rest = WithoutLeadingBlanks(inner.substr(2));
+        if (rest.starts_with('+') || rest.starts_with('-')) {
+            operand.what.reg = inner[1] == 'X' ? REG_IX_INDEXED : REG_IY_INDEXED;
+        }
+    }
+    if (!isIndirect && text.size() > 1 && text.front() == '"' && text.back() == '"') {
+        operand.what.flags |= LA_QUOTED;
+    }
+    return operand;
+}
+
+// The end of the operand at `start` of `text`: a comma outside of strings, or the end.
+std::size_t OperandEnd(std::string_view text, std::size_t start) {
+    bool isString = false;
+    for (; start < text.size() && (isString || text[start] != ','); ++start) {
+        isString = isString != (text[start] == '"');
+    }
+    return start;
+}
+
+}  // namespace
+
+const Token* OperandView::OnlyToken() const {
+    if (tokens.size() == 1) {
+        return tokens.data();
+    }
+    const bool isInParentheses =
+        tokens.size() == 3 && tokens.front().text == "(" && tokens.back().text == ")";
+    return isInParentheses ? &tokens[1] : nullptr;
+}
+
+std::vector<Token> CutTokens(std::string_view text) {
+    std::vector<Token> tokens;
+    for (TokenReader reader(text); !reader.isAtEnd;) {
+        reader.Next();
+        const std::string_view word = reader.Token();
+        const auto quote = word.find('"');
+        if (quote != std::string_view::npos) {
+            tokens.push_back(StringToken(word, reader.lacksClosingQuote));
+        } else if (!word.empty()) {
+            tokens.push_back(WordToken(word));
+        }
+        if (reader.op.code != 0) {
+            const bool isLong =
+                reader.op.code == OP_LESS_EQUAL || reader.op.code == OP_GREATER_EQUAL;
+            const auto at = static_cast<std::size_t>(word.data() + word.size() - text.data());
+            tokens.push_back({TokenKind::op, text.substr(at, isLong ? 2 : 1), 0, reader.op.code});
+        }
+    }
+    return tokens;
+}
+
+StatementView CutStatement(std::string_view line) {
+    StatementView view;
+    view.line = line;
+    if (!line.empty() && HasClass(line.front(), CC_NAME_START)) {
+        view.label = Prefix(line, [](char c) { return HasClass(c, CC_NAME); });
+        line.remove_prefix(view.label.size());
+        view.hasColon = line.starts_with(':');
+        line.remove_prefix(line.empty() ? 0 : 1);  // the core takes any character for the colon
+    } else if (line.starts_with('*')) {
+        line.remove_prefix(1);
+    }
+    line = WithoutLeadingBlanks(line);
+    view.mnemonic = Prefix(line, [](char c) { return !HasClass(c, CC_BLANK); });
+    view.keyword = FindKeyword(view.mnemonic);
+    view.rest = Trimmed(line.substr(view.mnemonic.size()));
+    if (view.rest.empty()) {
+        return view;
+    }
+    for (std::size_t start = 0; start <= view.rest.size();) {
+        const std::size_t end = OperandEnd(view.rest, start);
+        std::string_view text = view.rest.substr(start, end - start);
+        view.operands.push_back(ViewOf(Trimmed(text)));
+        if (view.operands.back().text.empty()) {
+            view.operands.back().text = text.substr(0, 0);
+        }
+        start = end + 1;
+    }
+    return view;
+}
+
+const Keyword* FindKeyword(std::string_view word) {
+    const auto* const row = std::ranges::lower_bound(keywords, word, {}, &Keyword::word);
+    return row != keywords.end() && row->word == word ? row : nullptr;
+}
+
+}  // namespace korv

@@ -1,0 +1,96 @@
+/// A cleaned logical line cut into label, mnemonic, operands and tokens, by the core's own tables
+/// and token reader. It needs no live statement: late messages, skipped lines and the incomplete
+/// lines of an editor are cut the same way. Every part is a view of the line, so its place is an
+/// offset and a length.
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+#include <vector>
+
+#include "expr/evaluator.h"
+#include "expr/registers.h"
+
+namespace korv {
+
+struct Keyword;
+
+/// A part of a cleaned line.
+struct LinePart {
+    std::uint32_t offset = 0;
+    std::uint32_t length = 0;  ///< 0: a place between two characters, or the line as a whole
+
+    bool operator==(const LinePart&) const = default;
+};
+
+enum class TokenKind : std::uint8_t {
+    registerName,  ///< a name in the core's table, C included; in an expression it is a name
+    condition,
+    number,
+    largeNumber,  ///< above 65535
+    emptyNumber,  ///< without digits
+    string,
+    openString,  ///< without its second quote
+    name,
+    digitName,  ///< a name for the core, but it begins with a digit
+    op,         ///< of one or two characters
+    wordOp,     ///< AND, .AND.
+    here,       ///< $
+    other,      ///< no token of the language: 'A', [HL], X.Y
+};
+
+struct Token {
+    TokenKind kind;
+    std::string_view text;
+    std::int32_t value = 0;  ///< of a number or a string of one character
+    std::int32_t code = 0;   ///< OP_* of an operator
+
+    /// Whether the core takes it for something with a value.
+    [[nodiscard]] bool IsValue() const {
+        return kind != TokenKind::op && kind != TokenKind::wordOp;
+    }
+};
+
+/// An operand, without the blanks around it. It may be empty.
+struct OperandView {
+    std::string_view text;
+    OperandClass what;  ///< KIND_NONE if it is empty
+    std::vector<Token> tokens;
+
+    [[nodiscard]] bool IsIndexed() const {
+        return what.reg == REG_IX_INDEXED || what.reg == REG_IY_INDEXED;
+    }
+    /// Its only token, in parentheses or not; null if there are several.
+    [[nodiscard]] const Token* OnlyToken() const;
+};
+
+struct StatementView {
+    std::string_view line;
+    std::string_view label;  ///< without its colon
+    bool hasColon = false;
+    std::string_view mnemonic;  ///< up to a blank, whether it is in the vocabulary or not
+    std::string_view rest;      ///< all operands
+    std::vector<OperandView> operands;
+    const Keyword* keyword = nullptr;  ///< the row of `mnemonic`; null for none
+
+    [[nodiscard]] LinePart PartOf(std::string_view text) const {
+        return {static_cast<std::uint32_t>(text.data() - line.data()),
+                static_cast<std::uint32_t>(text.size())};
+    }
+    /// From the first character of `first` to the last one of `last`.
+    [[nodiscard]] std::string_view Span(std::string_view first, std::string_view last) const {
+        return {first.data(), static_cast<std::size_t>(last.data() + last.size() - first.data())};
+    }
+};
+
+/// `line` is kept as views: it has to outlive the result.
+[[nodiscard]] StatementView CutStatement(std::string_view line);
+
+/// The tokens of one expression or operand.
+[[nodiscard]] std::vector<Token> CutTokens(std::string_view text);
+
+/// The row of a mnemonic in upper case, or null. The core's recogniser is left to the loop over the
+/// statements, into which the compiler builds it as long as nothing else calls it.
+[[nodiscard]] const Keyword* FindKeyword(std::string_view word);
+
+}  // namespace korv

@@ -1,0 +1,284 @@
+// A mnemonic that is not in the vocabulary: a word of another assembler, a definition or label in
+// another shape, a line that begins in column 1, words that are joined, or a slip of the finger.
+
+#include <algorithm>
+
+#include "codegen/keywords.h"
+#include "frontend/instruction_forms.h"
+#include "frontend/note_rows.h"
+#include "frontend/note_steps.h"
+#include "source/char_class.h"
+
+namespace korv {
+namespace {
+
+bool IsNameText(std::string_view text) {
+    return !text.empty() && HasClass(text.front(), CC_NAME_START) &&
+           std::ranges::all_of(text, [](char c) { return HasClass(c, CC_NAME); });
+}
+
+bool HasOddByte(std::string_view text) {
+    return std::ranges::any_of(text, [](char c) { return static_cast<signed char>(c) < 0; });
+}
+
+Advice Replace(const StatementView& statement, std::string_view part, std::string text,
+               std::string note) {
+    Advice advice;
+    advice.place = statement.PartOf(part);
+    advice.edits = {{statement.PartOf(part), std::move(text)}};
+    advice.note = std::move(note);
+    return advice;
+}
+
+Advice Say(const StatementView& statement, std::string_view part, std::string note) {
+    Advice advice;
+    advice.place = statement.PartOf(part);
+    advice.note = std::move(note);
+    return advice;
+}
+
+// The bytes of a file that is no plain text.
+Advice AdviseOnEncoding(const StatementView& statement) {
+    const std::string_view line = statement.line;
+    if (statement.mnemonic.starts_with("\xEF\xBB\xBF")) {
+        return Replace(statement, line.substr(0, 3), "",
+                       "save the file without a byte order mark: it begins with one");
+    }
+    if (line.starts_with("\xFF\xFE") || line.starts_with("\xFE\xFF")) {
+        return Say(statement, line.substr(0, 2), "save the file as plain text: it is UTF-16");
+    }
+    if (const std::size_t at = line.find("\xC2\xA0"); at != std::string_view::npos) {
+        return Replace(statement, line.substr(at, 2), " ", "replace the no-break space by a blank");
+    }
+    return {};
+}
+
+// "//", "/*", "#" and the like.
+Advice AdviseOnComment(const StatementView& statement) {
+    const std::string_view word = statement.mnemonic;
+    for (const std::string_view mark : {"//", "/*", "*/", "--", "'", "!!"}) {
+        if (word.starts_with(mark)) {
+            return Replace(statement, word.substr(0, mark.size()), ";",
+                           "begin the comment with a semicolon");
+        }
+    }
+    if (word == "#" || word == "*" || word == "/" || word == "REM" || word == "|") {
+        return Replace(statement, word, ";", "begin the comment with a semicolon");
+    }
+    return {};
+}
+
+// "#define X 5", and other lines for a preprocessor.
+Advice AdviseOnPreprocessor(const StatementView& statement) {
+    const std::string_view word = statement.mnemonic;
+    const std::string_view rest = statement.rest;
+    if (word == "#DEFINE" || word == ".DEFINE" || word == "DEFINE" || word == "%DEFINE") {
+        const std::string_view name = rest.substr(0, rest.find_first_of(" \t"));
+        const std::string_view value = WithoutLeadingBlanks(rest.substr(name.size()));
+        if (IsNameText(name) && !value.empty()) {
+            Advice advice = Replace(statement, statement.line,
+                                    std::string(name) + ": EQU " + std::string(value), "");
+            advice.place = statement.PartOf(word);
+            advice.note = "write " + advice.edits[0].text + " from column 1 on";
+            advice.definesName = true;
+            advice.name = name;
+            return advice;
+        }
+    }
+    const std::string_view plain = word.substr(std::min<std::size_t>(1, word.size()));
+    const bool isOwn = FindKeyword(plain) != nullptr || plain == "IFDEF" || plain == "IFNDEF";
+    if (word.front() == '#' && !isOwn) {
+        return Say(statement, word, "use NAME: EQU 5, INCLUDE and IF: there is no preprocessor");
+    }
+    return {};
+}
+
+// A name with characters that no name has, at the start of the line.
+Advice AdviseOnName(const StatementView& statement) {
+    const std::string_view line = statement.line;
+    const std::size_t blanks = line.size() - WithoutLeadingBlanks(line).size();
+    const std::size_t end = std::min(line.find_first_of(" \t:", blanks), line.size());
+    const std::string_view word = line.substr(blanks, end - blanks);
+    const bool hasColon = end < line.size() && line[end] == ':';
+    if (word.empty() || (!hasColon && blanks > 0)) {
+        return {};
+    }
+    std::string name;
+    for (const char c : word) {
+        name += HasClass(c, CC_NAME) ? c : '_';
+    }
+    if (word.front() == '.' || word.front() == ':' || word.front() == '-') {
+        name.erase(0, 1);
+    }
+    if (name == word || name.empty() || name.find_first_not_of('_') == std::string::npos) {
+        return {};
+    }
+    const bool isLabel = hasColon || word.front() == '.' || statement.mnemonic == "EQU";
+    if (!isLabel) {
+        return {};
+    }
+    if (FindKeyword(name) != nullptr) {
+        name += "1";
+    }
+    const std::string note = HasOddByte(word)
+                                 ? "use letters from A to Z, digits, ?, @ and _ in a name"
+                                 : "write " + name + ": a name is of letters, digits, ?, @ and _";
+    Advice advice = Replace(statement, line.substr(0, end), name, note);
+    advice.place = statement.PartOf(word);
+    advice.definesName = true;
+    advice.name = word;
+    return advice;
+}
+
+// Words run together, as in "LD(HL),A" and "DB5".
+Advice AdviseOnJoinedWords(const StatementView& statement) {
+    const std::string_view word = statement.mnemonic;
+    for (std::size_t size = word.size() - 1; size >= 2; --size) {
+        if (FindKeyword(word.substr(0, size)) == nullptr) {
+            continue;
+        }
+        const bool isWord = HasClass(word[size], CC_LETTER);
+        const LinePart gap{statement.PartOf(word).offset + static_cast<std::uint32_t>(size), 0};
+        const std::vector<TextEdit> edits = {{gap, " "}};
+        const std::string line = Applied(statement.line, edits);
+        const StatementView changed = CutStatement(line);
+        const bool isPlain = std::ranges::none_of(changed.operands, [](const OperandView& operand) {
+            return operand.what.kind == KIND_VALUE && HasClass(operand.text.front(), CC_LETTER);
+        });
+        if (HasForm(changed) && !changed.operands.empty() && (!isWord || isPlain)) {
+            Advice advice;
+            advice.place = statement.PartOf(word);
+            advice.edits = edits;
+            advice.note = WriteNote(statement, edits);
+            return advice;
+        }
+    }
+    return {};
+}
+
+// The keyword that was meant by `word`: of those that are as near, one with a form of these
+// operands.
+std::string_view NearestKeyword(const StatementView& statement, std::string_view word) {
+    static const std::vector<std::string_view> words = [] {
+        std::vector<std::string_view> all;
+        for (const Keyword& keyword : keywords) {
+            all.push_back(keyword.word);
+        }
+        return all;
+    }();
+    return NearWords(words).Find(word, [&statement](std::string_view each) {
+        StatementView changed = statement;
+        changed.mnemonic = each;
+        changed.keyword = FindKeyword(each);
+        return HasForm(changed);
+    });
+}
+
+// A statement that begins in column 1, where only labels do.
+Advice AdviseOnColumn(const StatementView& statement) {
+    const std::string_view label = statement.label;
+    if (label.empty() || statement.hasColon) {
+        return {};
+    }
+    const std::string line = " " + std::string(statement.line);
+    const StatementView indented = CutStatement(line);
+    Advice advice;
+    advice.place = statement.PartOf(label);
+    if (indented.keyword != nullptr) {
+        advice.edits = {{LinePart{0, 0}, " "}};
+        advice.note = "indent " + std::string(label) + ": only labels begin in column 1";
+        return advice;
+    }
+    if (const auto foreign = WordAdvice(indented, ""); foreign && !foreign->edits.empty()) {
+        advice.edits = {{statement.PartOf(statement.line), " " + foreign->edits[0].text}};
+        advice.note = foreign->note + ", not in column 1";
+        return advice;
+    }
+    if (const std::string_view near = NearestKeyword(indented, indented.mnemonic); !near.empty()) {
+        advice.edits = {{statement.PartOf(label), " " + std::string(near)}};
+        advice.note = "did you mean " + std::string(near) + "? only labels begin in column 1";
+        return advice;
+    }
+    return {};
+}
+
+}  // namespace
+
+Advice AdviseOnDefinition(const StatementView& statement) {
+    const std::string_view line = statement.line;
+    const std::string_view word = statement.mnemonic;
+    std::string_view name = statement.label;
+    std::string_view sign = word;
+    std::string_view value = statement.rest;
+    const bool isEaten = !name.empty() && name.size() < line.size() && line[name.size()] == '=';
+    if (isEaten) {  // "X=5": the core takes the sign for the colon
+        sign = line.substr(name.size(), 1);
+        value = statement.PartOf(word).offset < line.size() ? line.substr(name.size() + 1)
+                                                            : std::string_view();
+    } else if (name.empty() && !value.empty()) {  // " X EQU 5"
+        name = word.ends_with(':') ? word.substr(0, word.size() - 1) : word;
+        sign = value.substr(0, value.find_first_of(" \t"));
+        value = WithoutLeadingBlanks(value.substr(sign.size()));
+    }
+    const std::size_t start = sign.find_first_not_of(":=.");
+    if (start != 0 && start != std::string_view::npos && sign.find('=') != std::string_view::npos) {
+        value = statement.Span(sign.substr(start), value.empty() ? sign : value);  // "X =5"
+        sign = sign.substr(0, start);
+    }
+    const bool isSign = HoldsWord(
+        "= := == EQU DEFL SET ASET VAR CONST EQUS EQ .EQU .SET .DEFL DEFINE DEFC IS", sign);
+    if (!isSign || !IsNameText(name) || WithoutLeadingBlanks(value).empty()) {
+        return {};
+    }
+    if (FindKeyword(name) != nullptr) {
+        return {};
+    }
+    value = WithoutLeadingBlanks(value);
+    Advice advice;
+    advice.edits = {{statement.PartOf(line), std::string(name) + ": EQU " + std::string(value)}};
+    advice.place = statement.PartOf(sign);
+    advice.note =
+        "write " + advice.edits[0].text + (statement.label.empty() ? " from column 1 on" : "");
+    advice.definesName = true;
+    advice.name = name;
+    return advice;
+}
+
+Advice AdviseOnWord(const FaultView& fault) {
+    const StatementView& statement = fault.statement;
+    const std::string_view word = statement.mnemonic;
+    for (const auto step : {AdviseOnEncoding, AdviseOnComment, AdviseOnPreprocessor,
+                            AdviseOnDefinition, AdviseOnName}) {
+        if (Advice advice = step(statement); advice.place) {
+            return advice;
+        }
+    }
+    Advice advice;
+    advice.place = statement.PartOf(word);
+    const bool isLabel = word.size() > 1 && word.ends_with(':');
+    if (isLabel && IsNameText(word.substr(0, word.size() - 1))) {
+        const std::size_t blanks = statement.PartOf(word).offset;
+        return Replace(statement, statement.line.substr(0, blanks + word.size()), std::string(word),
+                       "begin the label in column 1");
+    }
+    if (const auto row = WordAdvice(statement, fault.rawLine)) {
+        advice.note = row->note;
+        advice.edits = row->edits;
+        return advice;
+    }
+    for (const auto step : {AdviseOnColumn, AdviseOnJoinedWords}) {
+        if (Advice found = step(statement); found.place) {
+            return found;
+        }
+    }
+    if (const std::string_view near = NearestKeyword(statement, word); !near.empty()) {
+        advice.edits = {{statement.PartOf(word), std::string(near)}};
+        advice.note = "did you mean " + std::string(near) + "?";
+    } else if (fault.isSkipped) {
+        advice.note =
+            "begin the line with a semicolon: mnemonics are checked in skipped blocks too";
+    }
+    return advice;
+}
+
+}  // namespace korv

@@ -7,7 +7,6 @@
 #include "codegen/late_value.h"
 #include "codegen/value_range.h"
 #include "driver/assembler.h"
-#include "driver/run_observer.h"
 
 namespace korv {
 namespace {
@@ -91,10 +90,6 @@ Status AssembleDs(CAssembler* assembler, CStatement* statement) {
     }
     if (!size.IsValue()) {
         return MSG_ILLEGAL_ARGUMENT;
-    }
-    RunObserver* const observer = assembler->observer;
-    if (observer != nullptr && size.value > 0 && !observer->OnBlock(*statement, size.value)) {
-        return 0;
     }
     constexpr std::int32_t blockSize = 0x8000000;  // filled in less time than anybody would wait
     for (std::int32_t left = size.value; left > 0 && !assembler->flags.Has(RF_ABORT);) {

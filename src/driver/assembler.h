@@ -1,11 +1,13 @@
 /// The one object of a run. Every handler, manager and reader reaches what it needs through it.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <cstdint>
 #include <cstdio>
 #include <ctime>
+#include <limits>
 #include <span>
 #include <string>
 #include <string_view>
@@ -162,11 +164,14 @@ class CAssembler {
         location += 2;
         return binary.PutWord(value);
     }
+    /// The same for any number of bytes, but none after the first that exceeds `maxImage`.
     std::uint32_t EmitBytes(std::span<const std::uint8_t> bytes) {
+        bytes = bytes.first(Fitting(bytes.size()));
         location += static_cast<std::uint32_t>(bytes.size());
         return binary.PutBytes(bytes);
     }
     std::uint32_t EmitZeros(std::uint32_t count) {
+        count = static_cast<std::uint32_t>(Fitting(count));
         location += count;
         return binary.PutZeros(count);
     }
@@ -221,7 +226,14 @@ class CAssembler {
     std::uint32_t bytesTotal = 0;             ///< sizes of all files opened, for the progress meter
     std::uint32_t binarySizeAtLineStart = 0;  ///< for the debug record; with RF_DEBUG only
 
+    std::uint32_t maxImage = std::numeric_limits<std::uint32_t>::max();
+
   private:
+    [[nodiscard]] std::size_t Fitting(std::size_t count) const {
+        const std::uint64_t limit = std::uint64_t{maxImage} + 1;
+        return static_cast<std::size_t>(std::min<std::uint64_t>(
+            count, limit - std::min<std::uint64_t>(limit, binary.Position())));
+    }
     bool Open(platform::OutputFile* file, const std::string& name,
               platform::OutputFile::Kind kind = platform::OutputFile::Kind::report);
     bool Commit(platform::OutputFile* file, const std::string& name, bool isWhole = true);

@@ -21,6 +21,7 @@
 #include "frontend/logical_line.h"
 #include "frontend/message_maker.h"
 #include "frontend/name_collector.h"
+#include "frontend/program_checks.h"
 #include "source/char_class.h"
 
 namespace korv {
@@ -199,7 +200,7 @@ void Analyser::Stop(const CStatement& statement, std::string text, std::string c
     message.text = std::move(text);
     message.code = std::move(code);
     message.note = std::move(note);
-    maker.AddMessage(std::move(message));
+    AddMessage(std::move(message), &analysis);
     isStopped = true;
     assembler.flags.Set(RF_END);
 }
@@ -219,7 +220,8 @@ std::int32_t Analyser::FileAt(const std::string& path, bool isBinary) {
 }
 
 void Analyser::OnFile(const std::string& path, std::int32_t number, CStatement* statement) {
-    Opening opening{.file = FileAt(path, /*isBinary=*/false)};
+    Opening opening;
+    opening.file = FileAt(path, /*isBinary=*/false);
     if (!levels.empty()) {
         Level& outer = levels.back();
         opening.includer = outer.opening;
@@ -363,7 +365,9 @@ void Analyser::OnStatement(CStatement& statement, std::uint32_t lineCount) {
         }
     }
     if (imageSize > options.maxImage && !isStopped) {
-        Stop(statement, "the image is longer than " + Counted(options.maxImage, "byte"),
+        Stop(statement,
+             "the image is longer than " + std::to_string(options.maxImage) +
+                 (options.maxImage == 1 ? " byte" : " bytes"),
              "max-image", "use --max-image to allow another length");
     }
 }
@@ -374,7 +378,9 @@ void Analyser::CheckStatement(CStatement* statement, std::uint32_t count) {
     KO_Args& args = statement->args;
     const std::int32_t operands = args.Count();
     if (statement->HasLabel() && MayBeMisread(statement->label)) {
-        Warn(*statement, LabelFindings(statement->label));
+        Findings findings;
+        CheckLabel(statement->label, &findings);
+        Warn(*statement, findings);
     }
     if (operands > 0 && (operands > 2 || IsOdd(args.First(), bytes) ||
                          (operands > 1 && IsOdd(args.Second(), bytes)))) {
@@ -428,20 +434,33 @@ void Analyser::Finish() {
             }
         }
         for (const SourcePlace& place : conditions.Open()) {
-            Message message{.place = maker.PlaceOf(place), .opening = place.file - 1};
+            Message message;
+            message.place = maker.PlaceOf(place);
+            message.opening = place.file - 1;
             message.text = "this IF has no ENDIF";
             message.code = "open-if";
-            maker.AddMessage(std::move(message));
+            AddMessage(std::move(message), &analysis);
         }
     }
-    analysis.blocks = blocks.Take();
     const auto bytes = assembler.binary.Bytes();
     analysis.image.assign(bytes.begin(), bytes.end());
     if (options.format == ImageFormat::bin) {
         analysis.header = HeaderOf(assembler.MakeLoadHeader());
     }
+    analysis.blocks = blocks.Take();
     if (wanted.names || wanted.uses) {
         analysis.names = names.Take(assembler.identifiers, &maker);
+    }
+    // Both formats have addresses, and so two meanings for one of them.
+    if (options.format == ImageFormat::hex || !options.debug.empty()) {
+        for (Message& message : OverlapWarnings(analysis)) {
+            AddWarning(options.warnings, std::move(message), &analysis);
+        }
+    }
+    if (options.warnings.IsOn(Warning::unusedLabel) && !isStopped) {
+        for (Message& message : UnusedLabelWarnings(analysis)) {
+            AddWarning(options.warnings, std::move(message), &analysis);
+        }
     }
 }
 

@@ -35,6 +35,16 @@ bool IsOpenString(const lsArg& arg) {
     return arg.status == 0 && arg.IsValue() && std::ranges::count(arg.text, '"') % 2 != 0;
 }
 
+// Looks for a sequence that other assemblers replace by one character.
+void CheckString(std::string_view text, Findings* findings) {
+    const std::size_t at = text.find('\\');
+    constexpr std::string_view escapes = "nrtabef0x\\'\"";
+    if (at + 1 < text.size() && escapes.find(text[at + 1]) != std::string_view::npos) {
+        findings->push_back({Warning::escape, text.substr(at, 2), std::string(text.substr(at, 2)),
+                             "write the character as a number, as in DB \"one\",10"});
+    }
+}
+
 // `arg` waits for nothing. As a value, a register reads 0, and so does the register of an operand
 // with a displacement.
 void CheckOperand(const lsArg& arg, const Keyword* keyword, Findings* findings) {
@@ -43,6 +53,9 @@ void CheckOperand(const lsArg& arg, const Keyword* keyword, Findings* findings) 
         return std::ranges::find(handlers, handler) != handlers.end();
     };
     const std::string text(arg.text);
+    if (text.front() == '"') {
+        CheckString(arg.text, findings);
+    }
     if (IsOpenString(arg) && handler != AssembleDm) {  // which has reported it
         findings->push_back({Warning::openString, arg.text, text, ""});
     }
@@ -68,18 +81,19 @@ bool IsOdd(const lsArg& arg, std::span<const std::uint8_t> bytes) {
         return bytes.empty();
     }
     return IsLateExpression(arg) || !wordRange.Holds(arg.value) ||
-           (arg.value < 0 && bytes.empty()) ||
-           (arg.text.front() == '"' && arg.text.back() != '"') ||
+           (arg.value < 0 && bytes.empty()) || arg.text.front() == '"' ||
            (arg.IsIndexed() && (bytes.empty() || (bytes[0] != PREFIX_IX && bytes[0] != PREFIX_IY)));
 }
 
-// Only a number begins with a digit and ends in one, or ends in the letter of its radix.
-bool ReadsAsNumber(std::string_view label) {
-    const char last = label.back();
-    const bool mayBe = HasClass(last, CC_DIGIT) ? HasClass(label.front(), CC_DIGIT)
-                                                : last == 'H' || last == 'B' || last == 'O';
+void CheckLabel(std::string_view label, Findings* findings) {
     std::int32_t value = 0;
-    return mayBe && ReadNumber(label, &value) != notANumber;
+    if (ClassOf(label).kind != KIND_VALUE) {
+        findings->push_back(
+            {Warning::registerLabel, label, std::string(label), "give it another name"});
+    } else if (ReadNumber(label, &value) != notANumber) {
+        findings->push_back(
+            {Warning::numberLabel, label, std::string(label), "give it another name"});
+    }
 }
 
 void CheckOperands(KO_Args* args, const Keyword* keyword, std::span<const std::uint8_t> bytes,

@@ -12,6 +12,7 @@
 #include "codegen/value_range.h"
 #include "frontend/analysis.h"
 #include "frontend/logical_line.h"
+#include "source/char_class.h"
 
 namespace korv {
 
@@ -33,8 +34,14 @@ using Findings = std::vector<Finding>;
 /// statement, so it is quick.
 [[nodiscard]] bool IsOdd(const lsArg& arg, std::span<const std::uint8_t> bytes);
 
-/// Whether `label` would be a number in an expression.
-[[nodiscard]] bool ReadsAsNumber(std::string_view label);
+/// Whether `label` may be something else where it is used. Asked of every label, so it is quick.
+[[nodiscard]] inline bool MayBeMisread(std::string_view label) {
+    const char last = label.back();
+    return label.size() <= 2 || last == 'H' || last == 'B' || last == 'O' ||
+           (HasClass(last, CC_DIGIT) && HasClass(label.front(), CC_DIGIT));
+}
+/// Looks at such a label.
+void CheckLabel(std::string_view label, Findings* findings);
 
 /// Looks at the operands of a statement that has been assembled without an error.
 void CheckOperands(KO_Args* args, const Keyword* keyword, std::span<const std::uint8_t> bytes,

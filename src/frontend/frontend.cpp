@@ -80,9 +80,9 @@ std::string TakeStandardInput(FileStore* store) {
 
 Wanted WantedFor(const Options& options) {
     const bool isListed = !options.listing.empty();
-    const bool isDescribed = isListed || !options.debug.empty() || options.summary.has_value();
-    return {.statements = isDescribed || options.format == ImageFormat::hex,
-            .names = isDescribed || !options.symbols.empty() ||
+    const bool isMeasured = !options.debug.empty() || options.summary;
+    return {.statements = isListed || isMeasured || options.format == ImageFormat::hex,
+            .names = isMeasured || !options.symbols.empty() ||
                      options.warnings.IsOn(Warning::unusedLabel),
             .uses = isListed};
 }
@@ -99,35 +99,41 @@ std::string ImageText(const Analysis& analysis, ImageFormat format) {
     return "";
 }
 
-// What is to be written; the image is the first. A source with errors leaves only a listing.
-// Result: why that cannot be; empty: `outputs` is complete.
-std::string MakeOutputs(const Options& options, const Analysis& analysis,
-                        std::vector<Output>* outputs) {
-    const bool isWhole = analysis.errorCount == 0;
-    if (isWhole) {
-        outputs->push_back({options.output, ImageText(analysis, options.format)});
+// The symbol file; warns of what it leaves out.
+std::string SymbolFileText(const Options& options, Analysis* analysis) {
+    SymbolFile file = SymbolText(*analysis, options.symbolFormat);
+    if (std::string dropped = file.Dropped(); !dropped.empty()) {
+        Message message;
+        message.warning = Warning::symbolRange;
+        message.detail = std::move(dropped);
+        AddWarning(options.warnings, std::move(message), analysis);
     }
-    if (isWhole && !options.depfile.empty()) {
-        Dependencies dependencies = DependenciesOf(analysis, options.output);
+    return std::move(file.text);
+}
+
+// What a run without errors leaves; the image is the first. Result: why there is something that
+// cannot be written; empty: `outputs` is complete.
+std::string MakeOutputs(const Options& options, Analysis* analysis, std::vector<Output>* outputs) {
+    const auto add = [outputs](const std::string& name, std::string text) {
+        outputs->push_back({name, std::move(text), /*isText=*/true});
+    };
+    outputs->push_back({options.output, ImageText(*analysis, options.format)});
+    if (!options.depfile.empty()) {
+        Dependencies dependencies = DependenciesOf(*analysis, options.output);
         if (!dependencies.failure.empty()) {
             return dependencies.failure;
         }
-        outputs->push_back({options.depfile, std::move(dependencies.text), /*isText=*/true});
+        add(options.depfile, std::move(dependencies.text));
     }
-    if (!options.listing.empty()) {
-        outputs->push_back({options.listing, ListingText(analysis), /*isText=*/true});
+    if (!options.symbols.empty()) {
+        add(options.symbols, SymbolFileText(options, analysis));
     }
-    if (isWhole && !options.symbols.empty()) {
-        outputs->push_back(
-            {options.symbols, SymbolText(analysis, options.symbolFormat), /*isText=*/true});
+    if (!options.debug.empty()) {
+        add(options.debug, SldText(*analysis));
     }
-    if (isWhole && !options.debug.empty()) {
-        outputs->push_back({options.debug, SldText(analysis), /*isText=*/true});
-    }
-    if (isWhole && options.summary) {
+    if (options.summary) {
         const bool isJson = options.summary == SummaryFormat::json;
-        outputs->push_back({standardStream, isJson ? SummaryJson(analysis) : SummaryText(analysis),
-                            /*isText=*/true});
+        add(standardStream, isJson ? SummaryJson(*analysis) : SummaryText(*analysis));
     }
     return "";
 }
@@ -146,9 +152,17 @@ int Assemble(const Options& options) {
     if (!analysis.failure.empty()) {
         return Fail(analysis.failure);
     }
-    AddProgramWarnings(options, &analysis);
     std::vector<Output> outputs;
-    std::string failure = MakeOutputs(options, analysis, &outputs);
+    std::string failure;
+    if (analysis.errorCount == 0) {
+        failure = MakeOutputs(options, &analysis, &outputs);
+    }
+    if (analysis.errorCount != 0) {
+        outputs.clear();  // a warning that counts as an error came last
+    }
+    if (!options.listing.empty()) {  // with the messages under their lines
+        outputs.push_back({options.listing, ListingText(analysis), /*isText=*/true});
+    }
     Print(stderr, MessagesText(analysis, StyleOf(stderr, options.color)));
     if (failure.empty()) {
         failure = WriteOutputs(outputs, store.Identities());

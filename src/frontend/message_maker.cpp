@@ -4,6 +4,7 @@
 
 #include "driver/assembler.h"
 #include "frontend/file_store.h"
+#include "frontend/program_checks.h"
 #include "source/char_class.h"
 
 namespace korv {
@@ -41,7 +42,7 @@ void MessageMaker::Add(const Report& report) {
         message.severity = Severity::warning;
     }
     if (!IsOpen()) {
-        AddMessage(std::move(message));
+        AddMessage(std::move(message), analysis);
         return;
     }
     const StatementView& statement = StatementAt(report.place);
@@ -76,32 +77,18 @@ void MessageMaker::Add(const Report& report) {
                             TextOf(message.opening), place.line, place.offset, place.length),
              std::move(edit.text)});
     }
-    AddMessage(std::move(message));
+    AddMessage(std::move(message), analysis);
 }
 
 void MessageMaker::Warn(Warning warning, const Place& place, std::int32_t opening,
                         std::string detail, std::string_view note) {
-    if (!warnings->IsOn(warning)) {
-        return;
-    }
     Message message;
-    message.severity = warnings->IsError(warning) ? Severity::error : Severity::warning;
     message.warning = warning;
-    message.code = RowOf(warning).name;
     message.place = place;
     message.opening = opening;
-    message.text = RowOf(warning).meaning;
     message.detail = std::move(detail);
     message.note = note;
-    AddMessage(std::move(message));
-}
-
-void MessageMaker::AddMessage(Message message) {
-    const bool isKept = IsOpen();
-    ++(message.severity == Severity::error ? analysis->errorCount : analysis->warningCount);
-    if (isKept) {
-        analysis->messages.push_back(std::move(message));
-    }
+    AddWarning(*warnings, std::move(message), analysis);
 }
 
 const StoredText& MessageMaker::TextOf(std::int32_t opening) const {

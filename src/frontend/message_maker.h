@@ -45,9 +45,6 @@ class MessageMaker : private RunFacts {
     /// Adds a warning of the front end, if it is wanted.
     void Warn(Warning warning, const Place& place, std::int32_t opening, std::string detail,
               std::string_view note);
-    /// Adds `message`, whose place is set, if it is within the limit; counts it in any case.
-    void AddMessage(Message message);
-
     /// The part of the file that `place` is; a statement as a whole is its mnemonic or its label.
     [[nodiscard]] Place PlaceOf(const SourcePlace& place);
     /// The stored text of opening `opening`.

@@ -6,12 +6,12 @@
 #include <string>
 #include <vector>
 
-#include "frontend/symbol_formats.h"
 #include "frontend/warnings.h"
 
 namespace korv {
 
 enum class ImageFormat : std::uint8_t { com, bin, hex };
+enum class SymbolFormat : std::uint8_t { equ, sym, noi, cspect };
 enum class SummaryFormat : std::uint8_t { text, json };
 enum class ColorChoice : std::uint8_t { automatic, always, never };
 

@@ -1,29 +1,42 @@
 #include "frontend/program_checks.h"
 
 #include <algorithm>
-#include <iterator>
 #include <tuple>
 #include <utility>
 
 #include "diagnostics/report_writer.h"
-#include "frontend/symbol_formats.h"
 
 namespace korv {
 namespace {
 
 Message WarningAt(Warning warning, const Place& place, std::int32_t opening, std::string detail) {
     Message message;
-    message.severity = Severity::warning;
     message.warning = warning;
-    message.code = RowOf(warning).name;
     message.place = place;
     message.opening = opening;
-    message.text = RowOf(warning).meaning;
     message.detail = std::move(detail);
     return message;
 }
 
 }  // namespace
+
+void AddMessage(Message message, Analysis* analysis) {
+    const bool isKept = analysis->errorLimit == 0 || analysis->errorCount < analysis->errorLimit;
+    ++(message.severity == Severity::error ? analysis->errorCount : analysis->warningCount);
+    if (isKept) {
+        analysis->messages.push_back(std::move(message));
+    }
+}
+
+void AddWarning(const WarningChoice& choice, Message message, Analysis* analysis) {
+    const Warning warning = *message.warning;
+    if (choice.IsOn(warning)) {
+        message.severity = choice.IsError(warning) ? Severity::error : Severity::warning;
+        message.code = RowOf(warning).name;
+        message.text = RowOf(warning).meaning;
+        AddMessage(std::move(message), analysis);
+    }
+}
 
 std::vector<Message> OverlapWarnings(const Analysis& analysis) {
     std::vector<Block> blocks = analysis.blocks;
@@ -57,33 +70,6 @@ std::vector<Message> UnusedLabelWarnings(const Analysis& analysis) {
         return std::tuple(message.opening, message.place.line, message.place.column);
     });
     return warnings;
-}
-
-void AddProgramWarnings(const Options& options, Analysis* analysis) {
-    std::vector<Message> warnings;
-    const auto add = [&](std::vector<Message> more) {
-        std::ranges::move(more, std::back_inserter(warnings));
-    };
-    if (options.format == ImageFormat::hex || !options.debug.empty()) {
-        add(OverlapWarnings(*analysis));
-    }
-    if (options.warnings.IsOn(Warning::unusedLabel)) {
-        add(UnusedLabelWarnings(*analysis));
-    }
-    if (!options.symbols.empty()) {
-        if (std::string dropped = DroppedSymbols(*analysis, options.symbolFormat);
-            !dropped.empty()) {
-            add({WarningAt(Warning::symbolRange, {}, noIndex, std::move(dropped))});
-        }
-    }
-    for (Message& message : warnings) {
-        if (options.warnings.IsOn(*message.warning)) {
-            const bool isError = options.warnings.IsError(*message.warning);
-            message.severity = isError ? Severity::error : Severity::warning;
-            ++(isError ? analysis->errorCount : analysis->warningCount);
-            analysis->messages.push_back(std::move(message));
-        }
-    }
 }
 
 }  // namespace korv

@@ -82,17 +82,6 @@ constexpr SymbolFormatRow rows[] = {
 static_assert(std::ranges::is_sorted(rows, {}, &SymbolFormatRow::format) &&
               std::size(rows) == static_cast<std::size_t>(SymbolFormat::cspect) + 1);
 
-bool IsSymbol(const Name& name) {
-    return name.hasValue && name.kind != NameKind::internal;
-}
-
-bool FitsName(const SymbolFormatRow& row, const Name& name) {
-    return row.allows(name.text);
-}
-bool FitsValue(const SymbolFormatRow& row, const Name& name) {
-    return row.hasAllValues || (name.value >= 0 && name.value <= lastAddress);
-}
-
 }  // namespace
 
 std::span<const SymbolFormatRow> SymbolFormats() {
@@ -103,40 +92,36 @@ const SymbolFormatRow& RowOf(SymbolFormat format) {
     return rows[static_cast<std::size_t>(format)];
 }
 
-std::string SymbolText(const Analysis& analysis, SymbolFormat format) {
+SymbolFile SymbolText(const Analysis& analysis, SymbolFormat format) {
     const SymbolFormatRow& row = RowOf(format);
     std::vector<const Name*> names;
     for (const Name& name : analysis.names) {
-        if (IsSymbol(name) && FitsName(row, name) && FitsValue(row, name)) {
+        if (name.hasValue && name.kind != NameKind::internal) {
             names.push_back(&name);
         }
     }
     std::ranges::sort(names, {}, [](const Name* name) {
         return std::tuple(name->value, std::string_view(name->text));
     });
-    std::string text(row.header);
+    SymbolFile file{.text = std::string(row.header)};
     for (const Name* name : names) {
-        row.put(&text, *name);
-    }
-    return text;
-}
-
-std::string DroppedSymbols(const Analysis& analysis, SymbolFormat format) {
-    const SymbolFormatRow& row = RowOf(format);
-    std::size_t valueCount = 0;
-    std::size_t nameCount = 0;
-    for (const Name& name : analysis.names) {
-        if (IsSymbol(name) && !FitsName(row, name)) {
-            ++nameCount;
-        } else if (IsSymbol(name) && !FitsValue(row, name)) {
-            ++valueCount;
+        if (!row.allows(name->text)) {
+            ++file.droppedNames;
+        } else if (!row.hasAllValues && (name->value < 0 || name->value > lastAddress)) {
+            ++file.droppedValues;
+        } else {
+            row.put(&file.text, *name);
         }
     }
+    return file;
+}
+
+std::string SymbolFile::Dropped() const {
     const auto counted = [](std::size_t count, const char* word) {
         return count == 0 ? "" : std::to_string(count) + word + (count == 1 ? "" : "s");
     };
-    const std::string values = counted(valueCount, " value");
-    const std::string names = counted(nameCount, " name");
+    const std::string values = counted(droppedValues, " value");
+    const std::string names = counted(droppedNames, " name");
     return values + (values.empty() || names.empty() ? "" : ", ") + names;
 }
 

@@ -1,16 +1,15 @@
 /// The forms of a symbol file: names and values for debuggers and emulators.
 #pragma once
 
-#include <cstdint>
+#include <cstddef>
 #include <span>
 #include <string>
 #include <string_view>
 
 #include "frontend/analysis.h"
+#include "frontend/options.h"
 
 namespace korv {
-
-enum class SymbolFormat : std::uint8_t { equ, sym, noi, cspect };
 
 struct SymbolFormatRow {
     SymbolFormat format;
@@ -27,11 +26,17 @@ struct SymbolFormatRow {
 [[nodiscard]] std::span<const SymbolFormatRow> SymbolFormats();
 [[nodiscard]] const SymbolFormatRow& RowOf(SymbolFormat format);
 
-/// The names of the source and of -D that have a value and fit the format, by value, then by name.
-/// Needs `Wanted::names`, as does the next.
-[[nodiscard]] std::string SymbolText(const Analysis& analysis, SymbolFormat format);
+struct SymbolFile {
+    std::string text;
+    std::size_t droppedNames = 0;   ///< that the format does not allow
+    std::size_t droppedValues = 0;  ///< that the format cannot hold, of names that it allows
 
-/// How many symbols do not fit the format and are left out, as "2 values, 1 name"; empty for none.
-[[nodiscard]] std::string DroppedSymbols(const Analysis& analysis, SymbolFormat format);
+    /// How many are missing, for one warning, as "2 values, 1 name"; empty for none.
+    [[nodiscard]] std::string Dropped() const;
+};
+
+/// The names of the source and of -D that have a value, by value, then by name. Needs
+/// `Wanted::names`.
+[[nodiscard]] SymbolFile SymbolText(const Analysis& analysis, SymbolFormat format);
 
 }  // namespace korv

@@ -238,19 +238,15 @@ class OutputFile {
     void Write(const void* bytes, std::size_t count);
     /// Ends the file. True: all its bytes are there under its name.
     [[nodiscard]] bool Commit();
-    /// Why `Open` or `Commit` has failed, in the system's words.
-    [[nodiscard]] std::string Reason() const;
 
   private:
-    bool TryOpen(std::string_view name, Kind kind, const FileSet& kept);
-    bool CreateTemporary(const struct OutputPlace& place);
     void GiveUp();
 
     FileHandle handle;
-    bool isEmptied = true;  // false: it is written in place, and the old bytes are in the way
-    int error = 0;          // the system's number of the first failure; 0: there is none
-    std::string path;       // where the file is to be
-    std::string temporary;  // where it is until then; empty: it is written in place
+    bool isEmptied = true;   // false: it is written in place, and the old bytes are in the way
+    bool hasFailed = false;  // some byte is not there
+    std::string path;        // where the file is to be
+    std::string temporary;   // where it is until then; empty: it is written in place
 };
 
 /// For tests: what happens at the n-th request from here on that looks for, opens, reads, writes,
@@ -273,6 +269,12 @@ void OpenStandardStreams();
 
 /// Whether `stream` goes to a terminal: a person sees what is written, and control characters act.
 [[nodiscard]] bool IsTerminal(std::FILE* stream);
+
+/// Whether `stream`, a standard stream, was not there when the process was started.
+[[nodiscard]] bool IsMissing(std::FILE* stream);
+
+/// The identity of the file that `stream` goes to or comes from. False: it is no regular file.
+[[nodiscard]] bool IdentityOf(std::FILE* stream, FileIdentity* identity);
 
 /// Whether `stream` goes to a terminal that takes the sequences for colours; lets it, if need be.
 [[nodiscard]] bool TakesColors(std::FILE* stream);

@@ -10,9 +10,14 @@
 #include <atomic>
 #include <cerrno>
 #include <csignal>
+#include <cstdlib>
+#include <string>
+#include <string_view>
+#include <system_error>
 #include <utility>
 
 #include "platform/platform.h"
+#include "platform/staged_output.h"
 
 namespace korv::platform {
 namespace {
@@ -30,7 +35,9 @@ struct Signal {
 };
 std::atomic<ConsoleHandler> consoleHandler = nullptr;
 std::atomic<bool> hasEventCome = false;
-sigset_t previousMask;
+sigset_t previousMask;  // before the first `HoldSignals`
+int holds = 0;          // calls of it without their `ReleaseSignals`
+bool isMissing[3];      // the standard streams that were closed, by their numbers
 
 void OnSignal(int number) {
     hasEventCome = true;
@@ -58,6 +65,9 @@ bool HasEventCome() {
 }
 
 void HoldSignals() {
+    if (holds++ != 0) {
+        return;
+    }
     sigset_t held;
     sigfillset(&held);
     for (const int stop : {SIGTSTP, SIGTTIN, SIGTTOU}) {
@@ -72,7 +82,65 @@ void HoldSignals() {
 }
 
 void ReleaseSignals() {
-    sigprocmask(SIG_SETMASK, &previousMask, nullptr);
+    if (--holds == 0) {
+        sigprocmask(SIG_SETMASK, &previousMask, nullptr);
+    }
+}
+
+namespace {
+
+// Ends the process as the signal would have.
+void EndBySignal(int number) {
+    RemoveUnfinished();
+    std::signal(number, SIG_DFL);
+    sigset_t own;
+    sigemptyset(&own);
+    sigaddset(&own, number);
+    std::raise(number);
+    sigprocmask(SIG_UNBLOCK, &own, nullptr);
+}
+
+}  // namespace
+
+SignalWindow::SignalWindow() {
+    if (holds == 0 || consoleHandler != nullptr) {
+        return;
+    }
+    struct sigaction action = {};
+    action.sa_handler = EndBySignal;
+    sigfillset(&action.sa_mask);
+    sigset_t released;
+    sigemptyset(&released);
+    for (Signal& signal : signals) {
+        sigaction(signal.number, nullptr, &signal.previous);
+        // Ignored signals stay so, as after nohup.
+        if (signal.previous.sa_handler == SIG_DFL &&
+            sigismember(&previousMask, signal.number) == 0) {
+            sigaction(signal.number, &action, nullptr);
+            sigaddset(&released, signal.number);
+        }
+    }
+    sigprocmask(SIG_UNBLOCK, &released, nullptr);
+    isOpen = true;
+}
+
+SignalWindow::~SignalWindow() {
+    if (!isOpen) {
+        return;
+    }
+    sigset_t held;
+    sigemptyset(&held);
+    for (const Signal& signal : signals) {
+        sigaddset(&held, signal.number);
+    }
+    sigprocmask(SIG_BLOCK, &held, nullptr);
+    for (const Signal& signal : signals) {
+        sigaction(signal.number, &signal.previous, nullptr);
+    }
+}
+
+bool IsTerminalAt(int handle) {
+    return isatty(handle) != 0;
 }
 
 FileHandle::~FileHandle() {
@@ -106,6 +174,7 @@ std::ptrdiff_t ReadSome(int handle, void* buffer, std::size_t count) {
 void OpenStandardStreams() {
     for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
         if (fcntl(stream, F_GETFD) < 0) {
+            isMissing[stream] = true;
             // The lowest free number, that is this one, stays in use.
             [[maybe_unused]] const int opened = open("/dev/null", O_RDWR);
         }
@@ -115,12 +184,28 @@ void OpenStandardStreams() {
     std::signal(SIGPIPE, SIG_IGN);
 }
 
+bool IsMissing(std::FILE* stream) {
+    return isMissing[fileno(stream)];
+}
+
+bool IdentityOf(std::FILE* stream, FileIdentity* identity) {
+    struct stat status;
+    if (Requested([&] { return fstat(fileno(stream), &status); }) != 0 ||
+        !S_ISREG(status.st_mode)) {
+        return false;
+    }
+    *identity = IdentityOf(status);
+    return true;
+}
+
 bool IsTerminal(std::FILE* stream) {
-    return isatty(fileno(stream)) != 0;
+    return IsTerminalAt(fileno(stream));
 }
 
 bool TakesColors(std::FILE* stream) {
-    return IsTerminal(stream);
+    const char* const type = std::getenv("TERM");
+    return type != nullptr && *type != '\0' && std::string_view(type) != "dumb" &&
+           IsTerminal(stream);
 }
 
 void MakeBinary(std::FILE*) {}  // as all are

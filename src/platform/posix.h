@@ -42,8 +42,8 @@ template <typename Request>
     }
 }
 
-/// Keeps signals that end the process waiting, but for console events, which do not end it.
-void HoldSignals();
-void ReleaseSignals();
+/// Removes the files of `Create` that are not in place yet. Safe in a handler of signals while they
+/// are kept waiting elsewhere.
+void RemoveUnfinished();
 
 }  // namespace korv::platform

@@ -22,16 +22,9 @@ constexpr mode_t permissions = 07777;
 // The temporary files that there are now. Process-wide, since the process may end anywhere.
 std::vector<std::string> unfinished;
 
-void RemoveAll() {
-    for (const std::string& temporary : unfinished) {
-        unlink(temporary.c_str());
-    }
-}
-
 // The temporary file has its final name, or is gone.
 void Forget(const std::string& temporary) {
-    std::erase(unfinished, temporary);
-    if (unfinished.empty()) {
+    if (std::erase(unfinished, temporary) != 0 && unfinished.empty()) {
         ReleaseSignals();
     }
 }
@@ -72,6 +65,12 @@ void FollowLink(OutputPlace* place, Target* target) {
 
 }  // namespace
 
+void RemoveUnfinished() {
+    for (const std::string& temporary : unfinished) {
+        unlink(temporary.c_str());
+    }
+}
+
 bool FollowLinks(std::string* path) {
     for (int i = 0; i < 40; ++i) {
         std::array<char, PATH_MAX> text;
@@ -98,18 +97,18 @@ bool FindPlace(const FileSet& kept, OutputPlace* place) {
             FollowLink(place, &target);
         }
     }
-    if (!target.isKnown) {
+    if (!target.isKnown || (target.exists && kept.contains(IdentityOf(target.status)))) {
         return false;
     }
-    const bool isDirectory = target.exists && S_ISDIR(target.status.st_mode);
-    if (isDirectory || (target.exists && kept.contains(IdentityOf(target.status)))) {
-        errno = isDirectory ? EISDIR : EPERM;
+    if (target.exists && S_ISDIR(target.status.st_mode)) {
+        errno = EISDIR;
         return false;
     }
     place->directory = place->path.substr(0, place->path.find_last_of('/') + 1);
     place->mode = 0666;
     if (target.exists) {  // whether it may be written it says itself, whatever its directory allows
         place->isRegular = S_ISREG(target.status.st_mode);
+        place->identity = IdentityOf(target.status);
         place->mode = 0600;  // nobody else may look into the new file until it is like the old one
         const int flags = O_WRONLY | O_CLOEXEC | O_NOCTTY | (place->isReplaceable ? O_NOFOLLOW : 0);
         place->handle = FileHandle(Requested([&] { return open(place->path.c_str(), flags); }));
@@ -117,23 +116,39 @@ bool FindPlace(const FileSet& kept, OutputPlace* place) {
     return !target.exists || place->handle >= 0;
 }
 
-Creation Create(const std::string& temporary, const OutputPlace& place, FileHandle* handle) {
-    [[maybe_unused]] static const int registered = std::atexit(RemoveAll);
+namespace {
+
+// Makes `temporary` by `create`, a call of the system.
+template <typename Call>
+Creation Created(const std::string& temporary, Call create) {
+    [[maybe_unused]] static const int registered = std::atexit(RemoveUnfinished);
     if (unfinished.empty()) {
         HoldSignals();
     }
     unfinished.push_back(temporary);
-    constexpr int flags = O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC;
-    *handle = FileHandle(Requested([&] { return open(temporary.c_str(), flags, place.mode); }));
-    const int error = errno;
-    if (*handle >= 0) {
+    if (Requested(create) >= 0) {
         return Creation::done;
     }
+    const int error = errno;
     Forget(temporary);
     errno = error;
     return error == EEXIST    ? Creation::nameIsTaken
            : IsRefused(error) ? Creation::isRefused
                               : Creation::failed;
+}
+
+}  // namespace
+
+Creation Create(const std::string& temporary, const OutputPlace& place, FileHandle* handle) {
+    constexpr int flags = O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC;
+    return Created(temporary, [&] {
+        *handle = FileHandle(open(temporary.c_str(), flags, place.mode));
+        return static_cast<int>(*handle);
+    });
+}
+
+Creation Link(const std::string& path, const std::string& temporary) {
+    return Created(temporary, [&] { return link(path.c_str(), temporary.c_str()); });
 }
 
 bool MakeAlike(int handle, const OutputPlace& place) {
@@ -147,17 +162,32 @@ bool MakeAlike(int handle, const OutputPlace& place) {
 }
 
 bool Empty(int handle) {
-    return Requested([&] { return ftruncate(handle, 0); }) == 0;
+    return Requested([&] { return ftruncate(handle, 0); }) == 0 && lseek(handle, 0, SEEK_SET) == 0;
 }
 
 std::ptrdiff_t WriteSome(int handle, const void* buffer, std::size_t count) {
     return Requested([&] { return write(handle, buffer, count); });
 }
 
-bool PutInPlace(FileHandle* handle, const std::string& temporary, const std::string& path) {
+bool Flush(int handle) {
+    return Requested([&] { return fsync(handle); }) == 0;
+}
+
+bool EndWriting(FileHandle* handle) {
+    if (*handle < 0) {
+        return true;
+    }
     // Broken off by a signal it is closed too, and what was written is with the system.
     const bool isClosed = close(handle->Release()) == 0 || errno == EINTR;
-    if (FailsOnPurpose() || !isClosed) {
+    if (FailsOnPurpose()) {
+        errno = EIO;
+        return false;
+    }
+    return isClosed;
+}
+
+bool PutInPlace(FileHandle* handle, const std::string& temporary, const std::string& path) {
+    if (!EndWriting(handle)) {
         return false;
     }
     if (temporary.empty()) {

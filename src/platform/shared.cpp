@@ -7,6 +7,7 @@
 
 #include "platform/fault_point.h"
 #include "platform/platform.h"
+#include "platform/staged_output.h"
 
 namespace korv::platform {
 namespace {
@@ -55,18 +56,11 @@ std::string InputFile::Reason() const {
     return ReasonOf(error);
 }
 
-std::string OutputFile::Reason() const {
-    return ReasonOf(error);
+std::string ErrorText() {
+    return ReasonOf(LastError());
 }
 
 bool OutputFile::Open(std::string_view name, Kind kind, const FileSet& kept) {
-    const bool isOpen = TryOpen(name, kind, kept);
-    error = isOpen ? 0 : LastError();
-    return isOpen;
-}
-
-// False: the system's last error is the reason.
-bool OutputFile::TryOpen(std::string_view name, Kind kind, const FileSet& kept) {
     OutputPlace place;
     place.kind = kind;
     place.path = name;
@@ -76,8 +70,9 @@ bool OutputFile::TryOpen(std::string_view name, Kind kind, const FileSet& kept) 
     path = place.path;
     const bool isThere = place.handle >= 0;
     if (place.isReplaceable && (place.isRegular || !isThere)) {
-        if (!CreateTemporary(place)) {
-            return false;
+        const Creation creation = CreateTemporary(place, &temporary, &handle);
+        if (creation != Creation::done && creation != Creation::isRefused) {
+            return false;  // and what is at the place must not be written either
         }
         if (isThere && handle >= 0 && !MakeAlike(handle, place)) {
             GiveUp();
@@ -90,19 +85,36 @@ bool OutputFile::TryOpen(std::string_view name, Kind kind, const FileSet& kept) 
     return handle >= 0;
 }
 
-// False: there is no new file, and what is at the place must not be written either.
-bool OutputFile::CreateTemporary(const OutputPlace& place) {
+namespace {
+
+// Calls `create` with names of files beside `place` until one is free, which `name` gets. Names
+// that are taken are left over from a process that was killed, or belong to one with the same
+// number.
+template <typename Create>
+Creation CreateAtFreeName(const OutputPlace& place, std::string* name, Create create) {
     Creation creation = Creation::nameIsTaken;
-    // Names that are taken are left over from a process that was killed, or belong to one with the
-    // same number.
     for (unsigned i = 0; i < 100 && creation == Creation::nameIsTaken; ++i) {
-        temporary = place.directory + "korv" + std::to_string(ProcessNumber() + i) + ".tmp";
-        creation = Create(temporary, place, &handle);
+        *name = place.directory + "korv" + std::to_string(ProcessNumber() + i) + ".tmp";
+        creation = create(*name);
     }
     if (creation != Creation::done) {
-        temporary.clear();
+        name->clear();
     }
-    return creation == Creation::done || creation == Creation::isRefused;
+    return creation;
+}
+
+}  // namespace
+
+Creation CreateTemporary(const OutputPlace& place, std::string* temporary, FileHandle* handle) {
+    return CreateAtFreeName(place, temporary,
+                            [&](const std::string& name) { return Create(name, place, handle); });
+}
+
+std::string LinkAtFreeName(const OutputPlace& place) {
+    std::string name;
+    static_cast<void>(CreateAtFreeName(
+        place, &name, [&](const std::string& free) { return Link(place.path, free); }));
+    return name;
 }
 
 void OutputFile::GiveUp() {
@@ -115,30 +127,31 @@ void OutputFile::GiveUp() {
 
 bool OutputFile::Commit() {
     Write(nullptr, 0);  // an empty file is one too
-    if (error == 0 && !PutInPlace(&handle, temporary, path)) {
-        error = LastError();
-    }
-    if (error == 0) {
+    const bool isWhole = !hasFailed && PutInPlace(&handle, temporary, path);
+    if (isWhole) {
         temporary.clear();
     }
     GiveUp();
-    return error == 0;
+    return isWhole;
 }
 
 void OutputFile::Write(const void* bytes, std::size_t count) {
-    const char* from = static_cast<const char*>(bytes);
-    if (!std::exchange(isEmptied, true) && !Empty(handle)) {
-        error = LastError();
+    if (!std::exchange(isEmptied, true)) {
+        hasFailed = !Empty(handle);
     }
-    while (count > 0 && error == 0) {
-        const std::ptrdiff_t written = WriteSome(handle, from, std::min(count, mostAtOnce));
+    hasFailed = hasFailed || !WriteWhole(handle, {static_cast<const char*>(bytes), count});
+}
+
+bool WriteWhole(int handle, std::string_view bytes) {
+    while (!bytes.empty()) {
+        const std::ptrdiff_t written =
+            WriteSome(handle, bytes.data(), std::min(bytes.size(), mostAtOnce));
         if (written <= 0) {
-            error = LastError();
-            return;
+            return false;
         }
-        from += written;
-        count -= static_cast<std::size_t>(written);
+        bytes.remove_prefix(static_cast<std::size_t>(written));
     }
+    return true;
 }
 
 bool FaultFileRequest(std::int64_t n, RequestFault newFault) {

@@ -25,7 +25,7 @@ void BreakOff();
 [[nodiscard]] std::ptrdiff_t ReadSome(int handle, void* buffer, std::size_t count);
 [[nodiscard]] std::ptrdiff_t WriteSome(int handle, const void* buffer, std::size_t count);
 
-/// Makes an open file one without bytes.
+/// Makes an open file one without bytes, which is written from its start.
 [[nodiscard]] bool Empty(int handle);
 
 // What `OutputFile` asks of a system.
@@ -33,12 +33,14 @@ void BreakOff();
 /// What the name of an output leads to.
 struct OutputPlace {
     OutputFile::Kind kind{};
-    std::string path;           ///< where a new file is to be
-    std::string directory;      ///< of `path`, with its separator
-    FileHandle handle;          ///< of what is there, open for writing; none: there is nothing
-    bool isRegular = false;     ///< what is there is a file, and no device or pipe
-    bool isReplaceable = true;  ///< a new file can take that name
-    unsigned mode = 0;          ///< permissions or attributes of a new file, in the system's bits
+    std::string path;               ///< where a new file is to be
+    std::string directory;          ///< of `path`, with its separator
+    FileHandle handle;              ///< of what is there, open for writing; none: there is nothing
+    bool isRegular = false;         ///< what is there is a file, and no device or pipe
+    FileIdentity identity;          ///< of what is there, if it is regular
+    bool isStandardOutput = false;  ///< no path and no handle: it is that stream
+    bool isReplaceable = true;      ///< a new file can take that name
+    unsigned mode = 0;  ///< permissions or attributes of a new file, in the system's bits
 };
 
 /// Looks for what `place->path`, at first as it was typed, leads to. False: it may not be written,
@@ -54,12 +56,48 @@ enum class Creation {
 /// Creates `temporary`, which is removed if the process ends before `PutInPlace` or `Remove`.
 [[nodiscard]] Creation Create(const std::string& temporary, const OutputPlace& place,
                               FileHandle* handle);
+/// Like `Create`, at the first name that is free.
+[[nodiscard]] Creation CreateTemporary(const OutputPlace& place, std::string* temporary,
+                                       FileHandle* handle);
+/// Gives what is at `place` a second name, which is removed if the process ends before `PutInPlace`
+/// or `Remove`. Result: the name; empty: there can be none.
+[[nodiscard]] std::string LinkAtFreeName(const OutputPlace& place);
+/// For `LinkAtFreeName`: gives `path` the second name `temporary`.
+[[nodiscard]] Creation Link(const std::string& path, const std::string& temporary);
 /// Gives a new file the owner and the permissions of what is at `place`. False: that cannot be.
 [[nodiscard]] bool MakeAlike(int handle, const OutputPlace& place);
+/// Writes all of `bytes`. False: some are not there.
+[[nodiscard]] bool WriteWhole(int handle, std::string_view bytes);
+/// Makes sure that all bytes of a file are there.
+[[nodiscard]] bool Flush(int handle);
+/// Ends a file as far as its bytes are concerned. False: some are not there.
+[[nodiscard]] bool EndWriting(FileHandle* handle);
 /// Ends a file, and gives `temporary`, if it is not empty, the name `path`.
 [[nodiscard]] bool PutInPlace(FileHandle* handle, const std::string& temporary,
                               const std::string& path);
 void Remove(const std::string& temporary);
+
+/// Whether the open file `handle` is a terminal.
+[[nodiscard]] bool IsTerminalAt(int handle);
+
+/// Keeps signals that end the process waiting, but for console events where there is a handler,
+/// which do not end it. There may be several calls at a time; each has its `ReleaseSignals`.
+void HoldSignals();
+void ReleaseSignals();
+
+/// Lets signals that were kept waiting, and that ask the process to end, do so while it lives; the
+/// files of `Create` are removed first.
+class SignalWindow {
+  public:
+    SignalWindow();
+    ~SignalWindow();
+    SignalWindow(const SignalWindow&) = delete;
+    SignalWindow& operator=(const SignalWindow&) = delete;
+
+  private:
+    bool isOpen = false;
+};
+
 /// The number of the process, from which names of temporary files are made.
 [[nodiscard]] unsigned long ProcessNumber();
 

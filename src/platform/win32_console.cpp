@@ -5,9 +5,12 @@
 
 #include <atomic>
 #include <cstdlib>
+#include <string>
+#include <system_error>
 #include <utility>
 
 #include "platform/platform.h"
+#include "platform/staged_output.h"
 #include "platform/win32.h"
 
 // Words of the command line are no patterns: "/?" is a switch.
@@ -106,10 +109,28 @@ void OpenStandardStreams() {
     std::atexit(PutBack);
 }
 
-bool IsTerminal(std::FILE* stream) {
-    DWORD mode = 0;
-    return GetConsoleMode(HandleOf(stream), &mode) != 0;
+bool IsMissing(std::FILE* stream) {
+    return HandleOf(stream) == INVALID_HANDLE_VALUE;
 }
+
+bool IdentityOf(std::FILE* stream, FileIdentity* identity) {
+    return GetFileType(HandleOf(stream)) == FILE_TYPE_DISK && Identify(HandleOf(stream), identity);
+}
+
+bool IsTerminalAt(int handle) {
+    DWORD mode = 0;
+    return GetConsoleMode(HandleOf(handle), &mode) != 0;
+}
+
+bool IsTerminal(std::FILE* stream) {
+    return IsTerminalAt(_fileno(stream));
+}
+
+// A temporary file goes with the process, however that ends.
+void HoldSignals() {}
+void ReleaseSignals() {}
+SignalWindow::SignalWindow() = default;
+SignalWindow::~SignalWindow() = default;
 
 bool TakesColors(std::FILE* stream) {
     const HANDLE output = HandleOf(stream);

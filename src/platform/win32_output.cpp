@@ -77,13 +77,9 @@ bool FindPlace(const FileSet& kept, OutputPlace* place) {
     }
     DWORD attributes = 0;
     if (IsThere(file)) {
-        FileIdentity identity;
         place->isRegular = GetFileType(file.get()) == FILE_TYPE_DISK;
-        if (place->isRegular && !Identify(file.get(), &identity, &attributes)) {
-            return false;
-        }
-        if (place->isRegular && kept.contains(identity)) {
-            SetLastError(ERROR_ACCESS_DENIED);
+        if (place->isRegular && (!Identify(file.get(), &place->identity, &attributes) ||
+                                 kept.contains(place->identity))) {
             return false;
         }
         if (const std::wstring end = PathOf(file.get());
@@ -92,7 +88,6 @@ bool FindPlace(const FileSet& kept, OutputPlace* place) {
         }
         place->handle = Numbered(std::move(file), ModeOf(place->kind));
     } else if (!place->isReplaceable || error != ERROR_FILE_NOT_FOUND) {
-        SetLastError(error);
         return false;
     }
     place->path = Narrow(path);
@@ -119,6 +114,16 @@ Creation Create(const std::string& temporary, const OutputPlace& place, FileHand
                                       : Creation::failed;
 }
 
+Creation Link(const std::string& path, const std::string& temporary) {
+    const bool isDone =
+        Requested([&] {
+            return CreateHardLinkW(Wide(temporary).c_str(), Wide(path).c_str(), nullptr);
+        }) != 0;
+    return isDone                                   ? Creation::done
+           : GetLastError() == ERROR_ALREADY_EXISTS ? Creation::nameIsTaken
+                                                    : Creation::failed;
+}
+
 // Lets the same people do the same with a new file as with an old one.
 bool MakeAlike(int handle, const OutputPlace& place) {
     Access access = AccessOf(HandleOf(place.handle));
@@ -130,7 +135,15 @@ bool MakeAlike(int handle, const OutputPlace& place) {
 }
 
 bool Empty(int handle) {
-    return !FailsOnPurpose() && _chsize_s(handle, 0) == 0;
+    return !FailsOnPurpose() && _chsize_s(handle, 0) == 0 && _lseeki64(handle, 0, SEEK_SET) == 0;
+}
+
+bool Flush(int handle) {
+    return Requested([&] { return FlushFileBuffers(HandleOf(handle)); }) != 0;
+}
+
+bool EndWriting(FileHandle*) {
+    return true;  // the file would go with its handle
 }
 
 std::ptrdiff_t WriteSome(int handle, const void* buffer, std::size_t count) {
@@ -138,7 +151,8 @@ std::ptrdiff_t WriteSome(int handle, const void* buffer, std::size_t count) {
 }
 
 bool PutInPlace(FileHandle* handle, const std::string& temporary, const std::string& path) {
-    return temporary.empty() || (MarkAsDeleted(HandleOf(*handle), false) &&
+    const bool isMarked = *handle >= 0;  // and not a second name of a file
+    return temporary.empty() || ((!isMarked || MarkAsDeleted(HandleOf(*handle), false)) &&
                                  Requested([&] {
                                      return MoveFileExW(Wide(temporary).c_str(), Wide(path).c_str(),
                                                         MOVEFILE_REPLACE_EXISTING);

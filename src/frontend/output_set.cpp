@@ -1,0 +1,133 @@
+// The order of the steps decides what a failure leaves. Whatever can be refused is asked for first.
+// Then the bytes of all files are written under other names, where nobody sees them. What cannot be
+// taken back, that is what goes to a pipe or a device, comes next, and last the files get their
+// names, each with a way back.
+
+#include "frontend/output_set.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <optional>
+#include <span>
+#include <string_view>
+#include <utility>
+
+#include "frontend/terminal_text.h"
+#include "platform/staged_output.h"
+
+namespace korv {
+namespace {
+
+using platform::StagedOutput;
+
+std::string ShownName(const std::string& name) {
+    return name == "-" ? "standard output" : name;
+}
+
+std::string WriteFailure(const Output& output) {
+    return "cannot write " + ShownName(output.name) + ": " + platform::ErrorText();
+}
+
+// The last component of a name, for a first comparison: `LeadToOneFile` asks the system a lot.
+std::string LastComponent(const std::string& name) {
+    std::string last = name.substr(name.find_last_of("/\\") + 1);
+    std::ranges::transform(last, last.begin(), [](char c) {
+        return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+    });
+    return last;
+}
+
+class OutputSet {
+  public:
+    explicit OutputSet(const std::vector<Output>& outputs)
+        : outputs(outputs), staged(outputs.size()) {}
+
+    std::string Write(const platform::FileSet& inputs) {
+        for (std::size_t i = 0; i < outputs.size(); ++i) {
+            if (outputs[i].name == "-" && platform::IsMissing(stdout)) {
+                return "cannot write standard output: it is closed";
+            }
+            if (!Open(i)) {
+                return WriteFailure(outputs[i]);
+            }
+            if (std::string refusal = RefusalOf(i, inputs); !refusal.empty()) {
+                return refusal;
+            }
+        }
+        for (const auto step : {&OutputSet::Stage, &OutputSet::Send}) {
+            for (std::size_t i = 0; i < outputs.size(); ++i) {
+                if (!(this->*step)(i)) {
+                    return WriteFailure(outputs[i]);
+                }
+            }
+        }
+        return PutAll();
+    }
+
+  private:
+    bool Open(std::size_t i) {
+        return outputs[i].name == "-" ? staged[i].OpenStandardOutput()
+                                      : staged[i].Open(outputs[i].name);
+    }
+    bool Stage(std::size_t i) {
+        return staged[i].IsStream() || staged[i].Stage(outputs[i].contents);
+    }
+    bool Send(std::size_t i) {
+        const std::string& contents = outputs[i].contents;
+        return !staged[i].IsStream() ||
+               (outputs[i].isText && staged[i].IsTerminal() ? staged[i].Send(EscapedText(contents))
+                                                            : staged[i].Send(contents));
+    }
+
+    // Whether output `i` is a file that was read, or that another output is; and says so.
+    std::string RefusalOf(std::size_t i, const platform::FileSet& inputs) const {
+        const std::string name = ShownName(outputs[i].name);
+        const std::optional<platform::FileIdentity> identity = staged[i].Identity();
+        if (identity && inputs.contains(*identity)) {
+            return "refusing to overwrite " + name + ": it is an input of this run";
+        }
+        for (std::size_t other = 0; other < i; ++other) {
+            if (AreOne(i, other)) {
+                return "refusing to write two outputs to one file: " +
+                       ShownName(outputs[other].name) + " and " + name;
+            }
+        }
+        return {};
+    }
+
+    bool AreOne(std::size_t a, std::size_t b) const {
+        const auto one = staged[a].Identity(), other = staged[b].Identity();
+        if (one || other) {
+            return one == other;
+        }
+        const std::string &first = outputs[a].name, &second = outputs[b].name;
+        const bool areStreams = staged[a].IsStream() || staged[b].IsStream();
+        return areStreams ? first == "-" && second == "-"
+                          : LastComponent(first) == LastComponent(second) &&
+                                platform::LeadToOneFile(first, second);
+    }
+
+    std::string PutAll() {
+        const platform::OutputGuard guard;
+        for (std::size_t i = outputs.size(); i-- > 0;) {
+            if (!staged[i].IsStream() && !staged[i].Put(outputs[i].contents)) {
+                std::string failure = WriteFailure(outputs[i]);
+                staged.clear();  // while no signal comes
+                return failure;
+            }
+        }
+        std::ranges::for_each(staged, &StagedOutput::Keep);
+        return {};
+    }
+
+    const std::vector<Output>& outputs;
+    std::vector<StagedOutput> staged;  // one for each output
+};
+
+}  // namespace
+
+std::string WriteOutputs(const std::vector<Output>& outputs, const platform::FileSet& inputs) {
+    return OutputSet(outputs).Write(inputs);
+}
+
+}  // namespace korv

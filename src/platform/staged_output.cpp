@@ -1,0 +1,149 @@
+#include "platform/staged_output.h"
+
+#include <cstdio>
+#include <utility>
+
+#include "platform/shared.h"
+
+namespace korv::platform {
+namespace {
+
+// The standard output of the process, by the number that its file has.
+constexpr int standardOutput = 1;
+
+std::optional<std::string> BytesOf(const std::string& path) {
+    InputFile file;
+    if (!file.Open(path)) {
+        return {};
+    }
+    std::string bytes(static_cast<std::size_t>(file.Size()), '\0');
+    std::size_t count = 0;
+    while (const std::size_t got = file.Read(bytes.data() + count, bytes.size() - count)) {
+        count += got;
+    }
+    return count == bytes.size() ? std::optional(std::move(bytes)) : std::nullopt;
+}
+
+}  // namespace
+
+StagedOutput::StagedOutput() = default;
+StagedOutput::StagedOutput(StagedOutput&&) noexcept = default;
+
+StagedOutput::~StagedOutput() {
+    Undo();
+}
+
+bool StagedOutput::Open(std::string_view name) {
+    place = std::make_unique<OutputPlace>();
+    place->path = name;
+    if (!FindPlace({}, place.get())) {
+        return false;
+    }
+    isThere = place->handle >= 0;
+    FileIdentity stream;
+    const bool isRedirected =
+        place->isRegular && IdentityOf(stdout, &stream) && stream == place->identity;
+    return !isRedirected || OpenStandardOutput();
+}
+
+bool StagedOutput::OpenStandardOutput() {
+    place = std::make_unique<OutputPlace>();
+    place->isStandardOutput = true;
+    place->isRegular = IdentityOf(stdout, &place->identity);
+    MakeBinary(stdout);
+    return true;
+}
+
+bool StagedOutput::IsStream() const {
+    return place->isStandardOutput || (isThere && !place->isRegular);
+}
+
+std::optional<FileIdentity> StagedOutput::Identity() const {
+    return place->isRegular ? std::optional(place->identity) : std::nullopt;
+}
+
+bool StagedOutput::IsTerminal() const {
+    return IsTerminalAt(place->isStandardOutput ? standardOutput : place->handle);
+}
+
+bool StagedOutput::Stage(std::string_view contents) {
+    if (!place->isReplaceable) {
+        return true;
+    }
+    const Creation creation = CreateTemporary(*place, &temporary, &handle);
+    if (creation == Creation::done && isThere && !MakeAlike(handle, *place)) {
+        handle = FileHandle();
+        Remove(std::exchange(temporary, {}));
+    }
+    if (temporary.empty()) {
+        return isThere && (creation == Creation::done || creation == Creation::isRefused);
+    }
+    place->handle = FileHandle();  // not every system replaces a file that is open
+    return WriteWhole(handle, contents) && EndWriting(&handle);
+}
+
+bool StagedOutput::Send(std::string_view contents) {
+    const SignalWindow window;
+    return place->isStandardOutput
+               ? WriteWhole(standardOutput, contents)
+               : WriteWhole(place->handle, contents) && EndWriting(&place->handle);
+}
+
+bool StagedOutput::Overwrite(std::string_view contents) {
+    oldBytes = BytesOf(place->path);
+    return Empty(place->handle) && WriteWhole(place->handle, contents) && Flush(place->handle);
+}
+
+bool StagedOutput::Put(std::string_view contents) {
+    if (temporary.empty()) {
+        return Overwrite(contents);
+    }
+    if (isThere) {
+        backup = LinkAtFreeName(*place);
+    }
+    if (!PutInPlace(&handle, temporary, place->path)) {
+        return false;
+    }
+    temporary.clear();
+    isNew = !isThere;
+    return true;
+}
+
+void StagedOutput::Keep() {
+    isNew = false;
+    oldBytes.reset();
+    if (!backup.empty()) {
+        Remove(std::exchange(backup, {}));
+    }
+}
+
+void StagedOutput::Undo() {
+    handle = FileHandle();
+    const bool isPut = temporary.empty();
+    if (!isPut) {
+        Remove(std::exchange(temporary, {}));
+    }
+    if (!backup.empty() && (!isPut || !PutInPlace(&handle, backup, place->path))) {
+        Remove(backup);
+    }
+    backup.clear();
+    if (std::exchange(isNew, false)) {
+        Remove(place->path);
+    }
+    if (oldBytes) {
+        // What fails here has no further way back.
+        static_cast<void>(Empty(place->handle) && WriteWhole(place->handle, *oldBytes));
+        oldBytes.reset();
+    }
+}
+
+OutputGuard::OutputGuard() {
+    { const SignalWindow window; }
+    HoldSignals();
+}
+
+OutputGuard::~OutputGuard() {
+    ReleaseSignals();
+}
+
+}  // namespace korv::platform

@@ -23,7 +23,7 @@ std::atomic<CAssembler*> theAssembler = nullptr;
 std::atomic<bool> hasEventCome = false;
 std::atomic<bool> isSettled = false;
 
-constexpr std::string_view title = "Brelloc Korv v2.00.025 *FAST*";
+constexpr std::string_view title = "Brelloc Korv v" KORV_VERSION " *FAST*";
 
 struct Event {
     int number;

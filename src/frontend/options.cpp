@@ -12,7 +12,7 @@
 namespace korv {
 namespace {
 
-constexpr const char* version = "korv-as 2.00.025";
+constexpr const char* version = "korv-as " KORV_VERSION;
 
 template <typename Choice>
 using Words = std::map<std::string, Choice>;

@@ -77,7 +77,7 @@ Status AssembleBinclude(CAssembler* assembler, CStatement* statement) {
         assembler->ReportError(statement, MSG_CANNOT_OPEN, arg.text);
     } else if (!assembler->flags.Has(RF_ABORT)) {  // which may have left a part of it
         if (assembler->observer != nullptr) {
-            assembler->observer->OnFile(path, 0, nullptr);
+            assembler->observer->OnIncludedBytes(path);
         }
         assembler->EmitBytes(contents.Bytes());
     }

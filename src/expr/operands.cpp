@@ -88,7 +88,7 @@ Status KO_Args::Add(std::string_view text) {
         what.flags |= LA_QUOTED;
     }
     if (expression.empty()) {
-        return -1;
+        return emptyOperand;
     }
     lsArg* const arg = Append();
     static_cast<OperandClass&>(*arg) = what;

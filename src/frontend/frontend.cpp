@@ -202,7 +202,7 @@ class Frontend {
         }
         if (!options.listing.empty()) {
             const std::string bytes = options.format == ImageFormat::bin
-                                          ? image.substr(assembler.LoadHeader().size())
+                                          ? image.substr(sizeof(CAssembler::LoadHeader))
                                           : image;
             add(options.listing, ListingText(bytes, watch.Records(), &messages));
         }

@@ -17,7 +17,7 @@ void AppendDataRecord(std::string* text, std::uint32_t address, std::string_view
     const auto put = [&to, &sum](std::uint32_t value) {
         const auto byte = static_cast<std::uint8_t>(value);
         sum = static_cast<std::uint8_t>(sum + byte);
-        to = PutByte(to, byte);
+        to = PutHexByte(to, byte);
     };
     *to++ = ':';
     put(static_cast<std::uint32_t>(bytes.size()));
@@ -36,7 +36,7 @@ void AppendDataRecord(std::string* text, std::uint32_t address, std::string_view
 std::string ImageBytes(CAssembler* assembler) {
     std::string image;
     if (assembler->flags.Has(RF_BINARY)) {
-        const auto header = assembler->LoadHeader();
+        const auto header = assembler->MakeLoadHeader();
         image.assign(header.begin(), header.end());
     }
     const std::span<const std::uint8_t> bytes = assembler->binary.Bytes();

@@ -1,6 +1,7 @@
 #include "frontend/run_watch.h"
 
 #include <algorithm>
+#include <limits>
 #include <tuple>
 #include <utility>
 
@@ -44,6 +45,8 @@ std::string RaisedOutsideStrings(std::string_view text) {
 RunWatch::RunWatch(CAssembler* assembler, Messages* messages, Settings newSettings)
     : assembler(assembler), messages(messages), settings(std::move(newSettings)) {
     assembler->Observe(this);
+    assembler->maxImage = static_cast<std::uint32_t>(
+        std::min<std::uint64_t>(settings.maxImage, std::numeric_limits<std::uint32_t>::max()));
 }
 
 void RunWatch::OnStart() {
@@ -92,12 +95,7 @@ void RunWatch::Stop() {
 void RunWatch::OnFile(const std::string& path, std::int32_t number, CStatement* statement) {
     if (seenFiles.insert(path).second) {
         files.push_back(path);
-        if (number != 0) {
-            sources.push_back(number);
-        }
-    }
-    if (number == 0) {
-        return;
+        sources.push_back(number);
     }
     MessagePlace place;
     if (const CStatement* const includer = Live()) {
@@ -130,13 +128,10 @@ void RunWatch::Record(const CStatement& statement, std::uint32_t lineCount, std:
                        assembler->location - count, imageSize, count});
 }
 
-bool RunWatch::OnBlock(CStatement& statement, std::int32_t count) {
-    const std::uint64_t size = assembler->binary.Position();
-    if (size + static_cast<std::uint64_t>(count) <= settings.maxImage) {
-        return true;
+void RunWatch::OnIncludedBytes(const std::string& path) {
+    if (seenFiles.insert(path).second) {
+        files.push_back(path);
     }
-    StopAtSize(statement);
-    return false;
 }
 
 void RunWatch::StopAtSize(const CStatement& statement) {

@@ -68,7 +68,7 @@ class RunWatch : public RunObserver {
     void OnStart() override;
     void OnFile(const std::string& path, std::int32_t number, CStatement* statement) override;
     void OnFileEnd() override;
-    bool OnBlock(CStatement& statement, std::int32_t count) override;
+    void OnIncludedBytes(const std::string& path) override;
     void OnStatement(CStatement& statement, std::uint32_t lineCount) override;
 
   private:

@@ -255,12 +255,12 @@ Status CSourceFile::ReadAnyLine(char* line, std::uint32_t maxLength, std::uint32
 
     *line = '\0';
     if (IsOpen() == 0) {
-        return -1;
+        return endOfFile;
     }
     for (;;) {
         if (readPosition == endOfData &&
             (isInMemory || !TakeBlock(buffer.get(), stream.Read(buffer.get(), bufferSize)))) {
-            result = total == 0 ? -1 : 0;
+            result = total == 0 ? endOfFile : 0;
             break;
         }
         const std::uint8_t* const start = readPosition;

@@ -105,7 +105,7 @@ CPatchInfo* CIdentifierManager::LeavePatch(CPatchInfo* patch, const CPatchInfo* 
             while (next != nullptr) {
                 CPatchInfoMemBlock::FreePatchInfo(std::exchange(next, next->next));
             }
-            *result = -1;
+            *result = patchFailed;
         }
         patch = parent;
     }
@@ -132,7 +132,7 @@ void CIdentifierManager::MovePatch(const CPatchInfo& patch, const UnresolvedName
     CIdentifier* const equ = index.Find(name);
     if (equ == nullptr) {
         errors->Report(MSG_NO_EQU_LABEL, name, patch.origin.place);
-        return -1;
+        return patchFailed;
     }
     if (log != nullptr) {
         log->AddText({"Backpatching EQU. [", equ->Name(), "]\n"});
@@ -162,7 +162,7 @@ Status CIdentifierManager::WritePatch(const CPatchInfo& patch, std::int32_t valu
         std::fprintf(console, "*scream* Erhm, WHAT am I supposed to do? [%s] %s, line %d.\n",
                      patch.Expression().data(), fileNames->NameOf(origin.place.file),
                      origin.place.line);
-        return -1;
+        return patchFailed;
     }
     if (!range.Holds(value)) {
         warnings->Report(range.message, patch.Expression(), origin.place);

@@ -112,8 +112,8 @@ class CIdentifierManager {
     /// Evaluates a patch that its caller has taken off its chain and still owns, now that its
     /// identifier has a value; writes the result, gives it to a waiting EQU and goes on with all
     /// that waits for that, or moves a copy of the patch to the next name that it waits for.
-    /// Result: 0; 20 the expression is bad; 28 a relative offset is out of range; -1 a failure
-    /// after an EQU, or a patch of no known kind.
+    /// Result: 0; MSG_BAD_EXPRESSION; MSG_OFFSET_TOO_BIG; `patchFailed` for a failure after an EQU,
+    /// or a patch of no known kind.
     Status Backpatch(CPatchInfo* patch);
 
     /// Reports every name that something still waits for. Result: their number.

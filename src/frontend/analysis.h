@@ -1,0 +1,167 @@
+/// The result of one run as plain data: whatever is printed, listed, exported or shown in an editor
+/// is a function of it. It has no pointer into the assembler, so the run may be over when it is
+/// read, and it is never changed after it was made.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "frontend/stored_text.h"
+#include "frontend/warnings.h"
+
+namespace korv {
+
+struct Keyword;
+
+/// Index into one of the vectors of an `Analysis` where there is none.
+inline constexpr std::int32_t noIndex = -1;
+
+/// A part of a physical line, as editors count: where something was written.
+struct Place {
+    std::int32_t file = noIndex;  ///< index in `Analysis::files`; `noIndex`: no place at all
+    std::int32_t line = 0;        ///< from 1
+    std::uint32_t column = 0;     ///< in bytes, from 0
+    std::uint32_t length = 0;     ///< in bytes; it ends with the line at the latest
+
+    [[nodiscard]] bool IsSomewhere() const { return file != noIndex; }
+    bool operator==(const Place&) const = default;
+};
+
+/// A file that was read, once, however often it is included.
+struct SourceFile {
+    std::shared_ptr<const StoredText> text;
+    std::string name;       ///< relative to the directory of the run where that is shorter
+    bool isBinary = false;  ///< only BINCLUDE has read it
+    bool isStandardInput = false;
+};
+
+/// A source file that was assembled; one for each INCLUDE.
+struct Opening {
+    std::int32_t file = noIndex;      ///< index in `files`
+    std::int32_t includer = noIndex;  ///< index in `openings`; `noIndex` for the main file
+    Place includedAt;                 ///< the INCLUDE; nowhere for the main file
+};
+
+enum class StatementKind : std::uint8_t {
+    blank,        ///< nothing, or only a comment
+    label,        ///< a label alone
+    instruction,  ///< of the processor
+    data,         ///< DB, DW, DM, BINCLUDE
+    space,        ///< DS
+    directive,    ///< has no bytes
+    unknown,      ///< its mnemonic is not in the vocabulary
+};
+
+/// A logical line that was read, in the order of assembly. An INCLUDE comes before the lines of its
+/// file.
+struct Statement {
+    std::int32_t opening = noIndex;  ///< index in `openings`
+    std::int32_t line = 0;           ///< first physical line, from 1
+    std::uint32_t lineCount = 1;     ///< physical lines
+    std::uint32_t address = 0;  ///< location counter at its start; of its first byte but for ORG
+    std::uint32_t offset = 0;   ///< of its first byte in the image, without the load header
+    std::uint32_t count = 0;    ///< of its bytes
+    StatementKind kind = StatementKind::blank;
+    bool isSkipped = false;            ///< a condition kept it from being assembled
+    const Keyword* keyword = nullptr;  ///< its row in the vocabulary, a constant; null for none
+};
+
+enum class NameKind : std::uint8_t {
+    label,
+    constant,     ///< defined by EQU
+    commandLine,  ///< defined by -D
+    internal,     ///< the system's own: version identifiers
+    undefined,    ///< only referred to
+};
+
+/// A name in an expression, or after "-D".
+struct NameUse {
+    Place place;
+    bool isSkipped = false;  ///< in a block that is not assembled
+};
+
+struct Name {
+    std::string text;
+    NameKind kind = NameKind::undefined;
+    bool hasValue = false;  ///< false also for an EQU that waits in vain
+    std::int32_t value = 0;
+    bool isUsed = false;  ///< an expression has read the value
+    Place definition;     ///< of the name where it is defined; nowhere without one
+    std::int32_t opening = noIndex;
+    std::vector<NameUse> uses;  ///< in the order of the source; with `Wanted::uses` only
+};
+
+enum class Severity : std::uint8_t { error, warning };
+
+/// A change of the text that a note proposes.
+struct Edit {
+    Place place;  ///< what is replaced; an insertion has the length 0
+    std::string text;
+};
+
+struct Related {
+    Place place;
+    std::string text;
+};
+
+struct Message {
+    Severity severity = Severity::error;
+    std::int32_t number = 0;  ///< row of MESSAGE_TABLE; 0 for a message of the front end alone
+    std::optional<Warning> warning;  ///< its name, if -W knows it
+    std::string code;                ///< "X16", or a name; empty for none
+    Place place;
+    std::int32_t opening = noIndex;  ///< in which `place` is; `noIndex` without a place
+    std::string text;
+    std::string detail;            ///< the part of the source that is at fault, or empty
+    std::string note;              ///< what to do about it, or empty
+    std::vector<Related> related;  ///< other places that belong to it, such as a first definition
+    std::vector<Edit> edits;       ///< what `note` proposes, where that is a change of the text
+};
+
+/// A part of the image whose addresses follow each other, within the 64 KiB.
+struct Block {
+    std::uint32_t address = 0;
+    std::uint32_t offset = 0;  ///< in the image, without the load header
+    std::uint32_t count = 0;   ///< bytes
+    Place place;               ///< of its first statement
+    std::int32_t opening = noIndex;
+};
+
+/// The header of a .bin: 0xFE, then three words, low byte first.
+struct LoadHeader {
+    std::uint32_t start = 0;  ///< load address
+    std::uint32_t end = 0;    ///< address of the last byte
+    std::uint32_t exec = 0;   ///< where the program begins
+};
+
+/// The result of one run.
+struct Analysis {
+    std::vector<SourceFile> files;      ///< those that were read; the main file first
+    std::vector<Opening> openings;      ///< in the order of opening
+    std::vector<Statement> statements;  ///< with `Wanted::statements` only
+    std::vector<Message> messages;      ///< in the order in which they are printed
+    std::vector<Name> names;            ///< by text; with `Wanted::names` only
+    std::vector<Block> blocks;  ///< in the order of the source; with `Wanted::statements` only
+    std::vector<std::uint8_t> image;   ///< without a load header
+    std::optional<LoadHeader> header;  ///< of a .bin
+    std::uint64_t errorCount = 0;      ///< of all, also of those beyond the limit
+    std::uint64_t warningCount = 0;
+    std::uint64_t errorLimit =
+        0;                ///< messages after that many errors are not in `messages`; 0: all are
+    std::string failure;  ///< why there is no result at all, such as a source that cannot be read
+
+    /// File name and line for a person, as in "sub/a.kor:12".
+    [[nodiscard]] std::string LineName(const Place& place) const {
+        return files[static_cast<std::size_t>(place.file)].name + ":" + std::to_string(place.line);
+    }
+    [[nodiscard]] std::string_view LineOf(const Place& place) const {
+        return files[static_cast<std::size_t>(place.file)].text->Line(place.line);
+    }
+};
+
+}  // namespace korv

@@ -14,7 +14,11 @@ constexpr std::int32_t toImmediate = 0x46;  // from 80 to C6, 88 to CE, 98 to DE
 
 // To HL, IX or IY: the other operand may be the same register.
 constexpr OperandForm PairForm(std::uint8_t prefix, std::uint8_t opcode, std::int32_t to) {
-    return {4, opcode, 0, prefix, pairs | AllowedBit(to), prefix == PREFIX_NONE ? 0 : FORM_PREFIX};
+    return {.shift = 4,
+            .opcode = opcode,
+            .prefix = prefix,
+            .allowed = pairs | AllowedBit(to),
+            .forms = prefix == PREFIX_NONE ? 0 : FORM_PREFIX};
 }
 
 }  // namespace
@@ -27,15 +31,16 @@ Status AssembleAdd(CAssembler* assembler, CStatement* statement) {
         return EncodeOperand(assembler, statement, last, toA);
     }
     if (!IsHlOrIndex(to)) {
-        return MSG_ILLEGAL_ARGUMENT;
+        return Refuse(statement, statement->args.First(), MSG_ILLEGAL_ARGUMENT);
     }
     return EncodeOperand(assembler, statement, last, PairForm(IndexPrefix(to), 0x09, to));
 }
 
 Status AssembleWithCarry(CAssembler* assembler, CStatement* statement, std::uint8_t byteOpcode,
                          std::uint8_t pairOpcode) {
+    const lsArg& first = statement->args.First();
     const lsArg& second = statement->args.Second();
-    switch (statement->args.First().reg) {
+    switch (first.reg) {
         case REG_A:
             return EncodeOperand(assembler, statement, second,
                                  ByteForm(byteOpcode, byteOpcode + toImmediate));
@@ -43,7 +48,7 @@ Status AssembleWithCarry(CAssembler* assembler, CStatement* statement, std::uint
             return EncodeOperand(assembler, statement, second,
                                  PairForm(PREFIX_ED, pairOpcode, REG_HL));
         default:
-            return MSG_ILLEGAL_ARGUMENT;
+            return Refuse(statement, first, MSG_ILLEGAL_ARGUMENT);
     }
 }
 
@@ -53,8 +58,9 @@ Status AssembleStep(CAssembler* assembler, CStatement* statement, std::uint8_t b
     if (IsPair(arg.reg) && arg.reg != REG_AF) {
         return assembler->EmitOpcode(IndexPrefix(arg.reg), pairOpcode + PairField(arg.reg));
     }
-    return EncodeOperand(assembler, statement, arg,
-                         {3, byteOpcode, 0, PREFIX_NONE, ALLOW_FIELD, FORM_IX | FORM_IY});
+    return EncodeOperand(
+        assembler, statement, arg,
+        {.shift = 3, .opcode = byteOpcode, .allowed = ALLOW_FIELD, .forms = FORM_IX | FORM_IY});
 }
 
 }  // namespace korv

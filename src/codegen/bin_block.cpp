@@ -106,9 +106,9 @@ std::int32_t BinBlock::WriteTo(platform::OutputFile* file) const {
     return 0;
 }
 
-std::int32_t BinBlock::DumpStatus(std::FILE* output) const {
+Status BinBlock::DumpStatus(std::FILE* output) const {
     if (output == nullptr) {
-        return -1;
+        return noStream;
     }
     std::fprintf(output, "   Block size: %5u.\n   Position:   %5u,\n", size, position);
     return 0;

@@ -10,10 +10,10 @@ namespace korv {
 Status AssembleBit(CAssembler* assembler, CStatement* statement, char kind) {
     const lsArg& bit = statement->args.First();
     if (bit.status != 0) {  // the number lies in the opcode: it cannot be patched
-        return MSG_NOT_IMMEDIATE;
+        return Refuse(statement, bit, MSG_NOT_IMMEDIATE);
     }
     if (!bit.IsPlainValue() || bit.value < 0 || bit.value > 7) {
-        return MSG_ILLEGAL_ARGUMENT;
+        return Refuse(statement, bit, MSG_ILLEGAL_ARGUMENT);
     }
     return ProcessBSR_Ex(assembler, statement, kind, bit.value);
 }

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <limits>
+#include <string_view>
 
 #include "diagnostics/message_numbers.h"
 
@@ -11,9 +12,10 @@ namespace korv {
 
 class CAssembler;
 struct CStatement;
+struct lsArg;
 
 /// Assembles one statement, once its frame is done. Result: 0; a message number, which the
-/// statement loop reports as an error without a text; or -1, "General failure!". What the statement
+/// statement loop reports as an error without a text; or `generalFailure`. What the statement
 /// has emitted by then stays. Handlers are compared by identity.
 using InstructionHandler = Status (*)(CAssembler* assembler, CStatement* statement);
 
@@ -22,6 +24,10 @@ template <auto handler, auto... facts>
 Status With(CAssembler* assembler, CStatement* statement) {
     return handler(assembler, statement, facts...);
 }
+
+/// For a handler that ends with `status`, which is not 0, because of `arg`: the report is about
+/// that operand. Result: `status`.
+[[gnu::cold]] Status Refuse(CStatement* statement, const lsArg& arg, Status status);
 
 /// Defines the label of the line, if there is one, as the address of the statement, and marks it as
 /// defined.
@@ -53,11 +59,26 @@ enum class Frame {
     nothing,    ///< the label is left to the loop
 };
 
-struct Keyword;
+/// What a statement leaves in the image.
+enum class KeywordGroup : std::uint8_t {
+    instruction,  ///< the bytes of an instruction of the processor
+    data,         ///< bytes that the source gives
+    space,        ///< bytes of 0
+    directive,    ///< none
+};
 
-/// Does what the frame of `keyword` says; `end` is the character in the line that ended the word.
-/// Result: 0, or what is wrong with the number of operands.
+/// A row of the keyword table.
+struct Keyword {
+    std::string_view word;
+    InstructionHandler handler;
+    OperandCount operands;            ///< not looked at where the frame reads none
+    Frame frame = Frame::labelFirst;  ///< nearly all instructions and the data directives
+    KeywordGroup group = KeywordGroup::instruction;
+};
+
+/// Does what the frame of `keyword`, which is the token of the statement, says. Result: 0, or what
+/// is wrong with the number of operands.
 [[nodiscard]] Status BeginStatement(CAssembler* assembler, CStatement* statement,
-                                    const Keyword& keyword, const char* end);
+                                    const Keyword& keyword);
 
 }  // namespace korv

@@ -1,7 +1,5 @@
 // The instructions without operands, which consist of their frame and one or two bytes.
 
-#include <array>
-
 #include "codegen/handlers.h"
 #include "codegen/operand_forms.h"
 #include "driver/assembler.h"
@@ -9,13 +7,11 @@
 namespace korv {
 
 Status AssembleImplied(CAssembler* assembler, CStatement*, std::uint8_t opcode) {
-    assembler->EmitByte(opcode);
-    return 0;
+    return assembler->EmitOpcode(PREFIX_NONE, opcode);
 }
 
 Status AssembleImpliedEd(CAssembler* assembler, CStatement*, std::uint8_t opcode) {
-    assembler->EmitBytes(std::array{PREFIX_ED, opcode});
-    return 0;
+    return assembler->EmitOpcode(PREFIX_ED, opcode);
 }
 
 }  // namespace korv

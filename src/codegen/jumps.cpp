@@ -36,7 +36,7 @@ Status AssembleJp(CAssembler* assembler, CStatement* statement) {
         assembler->ReportError(statement, MSG_ILLEGAL_CONDITION, first.text);
     }
     if (!target.IsPlainValue()) {
-        return MSG_ILLEGAL_ARGUMENT;
+        return Refuse(statement, target, MSG_ILLEGAL_ARGUMENT);
     }
     assembler->EmitByte(isConditional ? 0xC2 | ConditionField(first) : 0xC3);
     return EmitChecked<wordKind>(assembler, statement, target, PatchText::operand);
@@ -46,8 +46,9 @@ Status AssembleCall(CAssembler* assembler, CStatement* statement) {
     const lsArg& first = statement->args.First();
     const lsArg& target = statement->args.Last();
     const bool isConditional = IsConditional(*statement);
-    if ((isConditional && first.condition < 0) || !target.IsPlainValue()) {
-        return MSG_ILLEGAL_ARGUMENT;
+    const bool isRefused = isConditional && first.condition < 0;
+    if (isRefused || !target.IsPlainValue()) {
+        return Refuse(statement, isRefused ? first : target, MSG_ILLEGAL_ARGUMENT);
     }
     assembler->EmitByte(isConditional ? 0xC4 + ConditionField(first) : 0xCD);
     // A known value outside 16 bits is cut without a word.
@@ -60,7 +61,7 @@ Status AssembleJr(CAssembler* assembler, CStatement* statement) {
     const bool isConditional = IsConditional(*statement);
     const bool isRefused = isConditional && (first.condition < 0 || first.condition > 3);
     if (isRefused || !target.IsPlainValue()) {
-        return MSG_ILLEGAL_ARGUMENT;
+        return Refuse(statement, isRefused ? first : target, MSG_ILLEGAL_ARGUMENT);
     }
     assembler->EmitByte(isConditional ? 0x20 + ConditionField(first) : 0x18);
     return EmitRelative(assembler, statement, target, MSG_OFFSET_TOO_BIG);
@@ -83,7 +84,7 @@ Status AssembleRet(CAssembler* assembler, CStatement* statement) {
     }
     const lsArg& condition = statement->args.First();
     if (condition.condition < 0) {
-        return MSG_ILLEGAL_ARGUMENT;
+        return Refuse(statement, condition, MSG_ILLEGAL_ARGUMENT);
     }
     return assembler->EmitOpcode(PREFIX_NONE, 0xC0 + ConditionField(condition));
 }
@@ -91,11 +92,12 @@ Status AssembleRet(CAssembler* assembler, CStatement* statement) {
 Status AssembleRst(CAssembler* assembler, CStatement* statement) {
     const lsArg& target = statement->args.First();
     if (target.status != 0) {  // the address lies in the opcode: it cannot be patched
-        return target.status == MSG_UNRESOLVED ? MSG_NOT_IMMEDIATE : MSG_BAD_EXPRESSION;
+        return Refuse(statement, target,
+                      target.status == MSG_UNRESOLVED ? MSG_NOT_IMMEDIATE : MSG_BAD_EXPRESSION);
     }
     constexpr std::int32_t addressBits = 0x38;
     if (!target.IsPlainValue() || (target.value & ~addressBits) != 0) {
-        return MSG_ILLEGAL_ARGUMENT;
+        return Refuse(statement, target, MSG_ILLEGAL_ARGUMENT);
     }
     return assembler->EmitOpcode(PREFIX_NONE, 0xC7 + target.value);
 }

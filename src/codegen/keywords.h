@@ -1,8 +1,7 @@
-/// The vocabulary: every word that may stand as a mnemonic, with its handler: what comes before the
-/// handler's own work, how many operands it takes, and what tells it from its kin. To add an
-/// instruction, add its row. The order is that of the characters; the recogniser's tree is made
-/// from this table by the compiler, which refuses a table out of order and thereby a word given
-/// twice.
+/// The vocabulary: every mnemonic with its frame, its number of operands, and its handler with the
+/// facts that distinguish it within its group. To add an instruction, add its row. The order is
+/// that of the characters; the compiler makes the recogniser's tree from this table and refuses a
+/// table that is out of order or holds a word twice.
 #pragma once
 
 #include <array>
@@ -15,22 +14,6 @@
 
 namespace korv {
 
-/// What a statement leaves in the image.
-enum class KeywordGroup : std::uint8_t {
-    instruction,  ///< the bytes of an instruction of the processor
-    data,         ///< bytes that the source gives
-    space,        ///< bytes of 0
-    directive,    ///< none
-};
-
-struct Keyword {
-    std::string_view word;
-    InstructionHandler handler;
-    OperandCount operands;            ///< not looked at where the frame reads none
-    Frame frame = Frame::labelFirst;  ///< nearly all instructions and the data directives
-    KeywordGroup group = KeywordGroup::instruction;
-};
-
 /// Instructions without operands: the opcode, alone or after ED.
 template <std::uint8_t opcode>
 constexpr Keyword Implied(std::string_view word) {
@@ -40,7 +23,7 @@ template <std::uint8_t opcode>
 constexpr Keyword ImpliedEd(std::string_view word) {
     return {word, With<AssembleImpliedEd, opcode>, noOperand, Frame::operandsFirst};
 }
-/// AND and its kin, and the rotates and shifts, by the number in bits 5 to 3 of their opcodes.
+/// The group of AND, and the rotates and shifts, by the number in bits 5 to 3 of their opcodes.
 template <std::int32_t group>
 constexpr Keyword AccumulatorOp(std::string_view word) {
     return {word, With<EncodeAccumulatorOp, group>, oneOperand};

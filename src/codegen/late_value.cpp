@@ -1,5 +1,6 @@
 #include "codegen/late_value.h"
 
+#include "codegen/handler.h"
 #include "codegen/value_range.h"
 #include "driver/assembler.h"
 
@@ -40,20 +41,21 @@ void FilePatch(CAssembler* assembler, const CStatement* statement, const lsArg& 
 }
 
 template <std::uint32_t kind>
-Status EmitValue(CAssembler* assembler, const CStatement* statement, const lsArg& arg,
-                 PatchText text) {
+Status EmitValue(CAssembler* assembler, CStatement* statement, const lsArg& arg, PatchText text) {
     const std::uint32_t position =
         (kind & PF_16BIT) != 0 ? assembler->EmitWord(arg.value) : assembler->EmitByte(arg.value);
-    if (arg.status != MSG_UNRESOLVED) [[likely]] {
-        return arg.status;
+    if (arg.status == 0) [[likely]] {
+        return 0;
+    }
+    if (arg.status != MSG_UNRESOLVED) {
+        return Refuse(statement, arg, arg.status);
     }
     FilePatch(assembler, statement, arg, text, position, kind);
     return 0;
 }
 
 template <std::uint32_t kind>
-Status EmitChecked(CAssembler* assembler, const CStatement* statement, const lsArg& arg,
-                   PatchText text) {
+Status EmitChecked(CAssembler* assembler, CStatement* statement, const lsArg& arg, PatchText text) {
     constexpr ValueRange range = RangeOf(kind);
     if (!range.Holds(arg.value)) [[unlikely]] {
         assembler->ReportWarning(statement, range.message, arg.text);
@@ -61,24 +63,22 @@ Status EmitChecked(CAssembler* assembler, const CStatement* statement, const lsA
     return EmitValue<kind>(assembler, statement, arg, text);
 }
 
-template Status EmitValue<byteKind>(CAssembler*, const CStatement*, const lsArg&, PatchText);
-template Status EmitValue<wordKind>(CAssembler*, const CStatement*, const lsArg&, PatchText);
-template Status EmitChecked<byteKind>(CAssembler*, const CStatement*, const lsArg&, PatchText);
-template Status EmitChecked<wordKind>(CAssembler*, const CStatement*, const lsArg&, PatchText);
-template Status EmitChecked<displacementKind>(CAssembler*, const CStatement*, const lsArg&,
-                                              PatchText);
+template Status EmitValue<byteKind>(CAssembler*, CStatement*, const lsArg&, PatchText);
+template Status EmitValue<wordKind>(CAssembler*, CStatement*, const lsArg&, PatchText);
+template Status EmitChecked<byteKind>(CAssembler*, CStatement*, const lsArg&, PatchText);
+template Status EmitChecked<wordKind>(CAssembler*, CStatement*, const lsArg&, PatchText);
+template Status EmitChecked<displacementKind>(CAssembler*, CStatement*, const lsArg&, PatchText);
 
-Status EmitRelative(CAssembler* assembler, const CStatement* statement, const lsArg& arg,
-                    Status tooFar) {
+Status EmitRelative(CAssembler* assembler, CStatement* statement, const lsArg& arg, Status tooFar) {
     if (arg.status == MSG_UNRESOLVED) {
         return EmitValue<relativeKind>(assembler, statement, arg, PatchText::operand);
     }
     if (arg.status != 0) {
-        return arg.status;
+        return Refuse(statement, arg, arg.status);
     }
     const std::int32_t offset = RelativeOffset(arg.value, statement->address);
     if (!relativeRange.Holds(offset)) {
-        return tooFar;
+        return Refuse(statement, arg, tooFar);
     }
     assembler->EmitByte(offset);
     return 0;

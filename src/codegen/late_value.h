@@ -29,18 +29,17 @@ enum class PatchText {
 /// Emits the value of `arg` in the width of `kind`, and files a patch if it is not known yet.
 /// Result: 0, or why its expression failed; then 0 has been emitted.
 template <std::uint32_t kind>
-Status EmitValue(CAssembler* assembler, const CStatement* statement, const lsArg& arg,
-                 PatchText text);
+Status EmitValue(CAssembler* assembler, CStatement* statement, const lsArg& arg, PatchText text);
 
 /// The same, and warns first, with the text of `arg`, of a value outside the range of `kind`.
 template <std::uint32_t kind>
-[[nodiscard]] Status EmitChecked(CAssembler* assembler, const CStatement* statement,
-                                 const lsArg& arg, PatchText text);
+[[nodiscard]] Status EmitChecked(CAssembler* assembler, CStatement* statement, const lsArg& arg,
+                                 PatchText text);
 
 /// Emits the distance from the statement to the address `arg` as a byte. Result: 0; `tooFar` for a
 /// known one that does not fit, or why the expression failed: nothing has been emitted then.
-[[nodiscard]] Status EmitRelative(CAssembler* assembler, const CStatement* statement,
-                                  const lsArg& arg, Status tooFar);
+[[nodiscard]] Status EmitRelative(CAssembler* assembler, CStatement* statement, const lsArg& arg,
+                                  Status tooFar);
 
 /// Files a patch of `kind` at `position` of the image: `text` of `arg` is evaluated again when the
 /// name that `arg` waits for has got its value. With PF_EQU that gives the label its value.

@@ -15,10 +15,14 @@ namespace {
 constexpr std::uint8_t storeOpcode = 0x70;  // LD (HL),r and LD (IX+d),r
 constexpr std::uint8_t storeImmediateOpcode = 0x36;
 
-constexpr OperandForm toAccumulator{0, 0x78,        0x3E,
-                                    0, ALLOW_FIELD, FORM_IMM8 | FORM_IX | FORM_IY | FORM_DIRECT};
-constexpr OperandForm toMemory{
-    0, storeOpcode, storeImmediateOpcode, 0, ALLOW_A | ALLOW_B_TO_L, FORM_IMM8};
+constexpr OperandForm toAccumulator{.opcode = 0x78,
+                                    .immediateOpcode = 0x3E,
+                                    .allowed = ALLOW_FIELD,
+                                    .forms = FORM_IMM8 | FORM_IX | FORM_IY | FORM_DIRECT};
+constexpr OperandForm toMemory{.opcode = storeOpcode,
+                               .immediateOpcode = storeImmediateOpcode,
+                               .allowed = ALLOW_A | ALLOW_B_TO_L,
+                               .forms = FORM_IMM8};
 
 // By the number of the register.
 constexpr auto toRegister = [] {
@@ -30,10 +34,10 @@ constexpr auto toRegister = [] {
 }();
 
 // The shapes in which only A may be the source.
-Status LoadFromAccumulator(CAssembler* assembler, const lsArg& src, std::uint8_t prefix,
-                           std::int32_t opcode) {
+Status LoadFromAccumulator(CAssembler* assembler, CStatement* statement, const lsArg& src,
+                           std::uint8_t prefix, std::int32_t opcode) {
     if (src.reg != REG_A) {
-        return MSG_ILLEGAL_ARGUMENT;
+        return Refuse(statement, src, MSG_ILLEGAL_ARGUMENT);
     }
     return assembler->EmitOpcode(prefix, opcode);
 }
@@ -59,7 +63,7 @@ Status LoadPair(CAssembler* assembler, CStatement* statement, const lsArg& dst, 
         return assembler->EmitOpcode(IndexPrefix(src.reg), 0xF9);
     }
     if (!src.IsPlainValue()) {
-        return MSG_ILLEGAL_ARGUMENT;
+        return Refuse(statement, src, MSG_ILLEGAL_ARGUMENT);
     }
     if (src.reg != REG_DIRECT) {
         assembler->EmitOpcode(IndexPrefix(dst.reg), 0x01 + PairField(dst.reg));
@@ -89,7 +93,7 @@ Status StoreIndexed(CAssembler* assembler, CStatement* statement, const lsArg& d
         return result;
     }
     if (!byteRange.Holds(src.value)) {  // an error here, a warning everywhere else
-        return byteRange.message;
+        return Refuse(statement, src, byteRange.message);
     }
     if (EmitValue<byteKind>(assembler, statement, src, PatchText::operand) != 0) {
         ReportFailedOperand(assembler, statement, src);
@@ -106,7 +110,7 @@ Status StoreDirect(CAssembler* assembler, CStatement* statement, const lsArg& ds
     } else if (IsPair(src.reg) && src.reg != REG_AF) {
         assembler->EmitOpcode(PREFIX_ED, 0x43 + PairField(src.reg));
     } else {
-        return MSG_ILLEGAL_ARGUMENT;
+        return Refuse(statement, src, MSG_ILLEGAL_ARGUMENT);
     }
     return EmitChecked<wordKind>(assembler, statement, dst, PatchText::operand);
 }
@@ -130,19 +134,20 @@ Status AssembleLd(CAssembler* assembler, CStatement* statement) {
         case REG_HL_INDIRECT:
             return EncodeOperand(assembler, statement, src, toMemory);
         case REG_R:
-            return LoadFromAccumulator(assembler, src, PREFIX_ED, 0x4F);
+            return LoadFromAccumulator(assembler, statement, src, PREFIX_ED, 0x4F);
         case REG_I:
-            return LoadFromAccumulator(assembler, src, PREFIX_ED, 0x47);
+            return LoadFromAccumulator(assembler, statement, src, PREFIX_ED, 0x47);
         case REG_BC_INDIRECT:
         case REG_DE_INDIRECT:
-            return LoadFromAccumulator(assembler, src, PREFIX_NONE, 0x02 + PairField(dst.reg));
+            return LoadFromAccumulator(assembler, statement, src, PREFIX_NONE,
+                                       0x02 + PairField(dst.reg));
         case REG_IX_INDEXED:
         case REG_IY_INDEXED:
             return StoreIndexed(assembler, statement, dst, src);
         case REG_DIRECT:
             return StoreDirect(assembler, statement, dst, src);
         default:
-            return MSG_ILLEGAL_ARGUMENT;
+            return Refuse(statement, dst, MSG_ILLEGAL_ARGUMENT);
     }
 }
 

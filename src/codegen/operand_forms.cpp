@@ -1,5 +1,6 @@
 #include "codegen/operand_forms.h"
 
+#include "codegen/handler.h"
 #include "codegen/late_value.h"
 #include "driver/assembler.h"
 
@@ -14,14 +15,13 @@ constexpr std::uint32_t FormBit(std::int32_t reg) {
                                    : 0;
 }
 
-[[gnu::noinline]] Status RefuseOperand(CAssembler* assembler, const CStatement* statement,
-                                       const lsArg& arg) {
+Status RefuseOperand(CAssembler* assembler, const CStatement* statement, const lsArg& arg) {
     assembler->ReportError(statement, MSG_ILLEGAL_ARGUMENT, arg.text);
     return 0;
 }
 
-[[gnu::noinline]] Status EncodeImmediate(CAssembler* assembler, CStatement* statement,
-                                         const lsArg& arg, const OperandForm& form) {
+Status EncodeImmediate(CAssembler* assembler, CStatement* statement, const lsArg& arg,
+                       const OperandForm& form) {
     if ((form.forms & FORM_PREFIX) != 0) {
         assembler->EmitByte(form.prefix);
     }
@@ -29,7 +29,7 @@ constexpr std::uint32_t FormBit(std::int32_t reg) {
         return RefuseOperand(assembler, statement, arg);
     }
     if ((form.forms & FORM_IMM8) == 0) {
-        return MSG_ILLEGAL_ARGUMENT;
+        return Refuse(statement, arg, MSG_ILLEGAL_ARGUMENT);
     }
     assembler->EmitByte(form.immediateOpcode);
     if (!arg.IsValue()) {  // a condition
@@ -42,8 +42,8 @@ constexpr std::uint32_t FormBit(std::int32_t reg) {
     return EmitChecked<byteKind>(assembler, statement, arg, PatchText::operand);
 }
 
-[[gnu::noinline]] Status EncodeMemory(CAssembler* assembler, CStatement* statement,
-                                      const lsArg& arg, const OperandForm& form) {
+Status EncodeMemory(CAssembler* assembler, CStatement* statement, const lsArg& arg,
+                    const OperandForm& form) {
     constexpr std::uint8_t loadDirect = 0x3A;
     Status result = 0;
     if (arg.IsIndexed()) {

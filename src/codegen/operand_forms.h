@@ -42,22 +42,20 @@ inline constexpr std::uint32_t FORM_PREFIX = 0x100;  ///< `prefix` goes first
 
 /// Which operands an instruction allows in one place, and its opcodes.
 struct OperandForm {
-    std::uint8_t shift;            ///< left shift of the operand's number into the opcode
-    std::uint8_t opcode;           ///< of the register forms, without the number
-    std::uint8_t immediateOpcode;  ///< of the immediate form
-    std::uint8_t prefix;           ///< emitted first with FORM_PREFIX
-    std::uint32_t allowed;         ///< ALLOW_* bits
-    std::uint32_t forms;           ///< FORM_* bits
+    std::uint8_t shift = 0;            ///< left shift of the operand's number into the opcode
+    std::uint8_t opcode = 0;           ///< of the register forms, without the number
+    std::uint8_t immediateOpcode = 0;  ///< of the immediate form
+    std::uint8_t prefix = 0;           ///< emitted first with FORM_PREFIX
+    std::uint32_t allowed = 0;         ///< ALLOW_* bits
+    std::uint32_t forms = 0;           ///< FORM_* bits
 };
 
 /// The form of an operand that is any byte: in a register, in memory, or immediate.
 [[nodiscard]] constexpr OperandForm ByteForm(std::int32_t opcode, std::int32_t immediateOpcode) {
-    return {0,
-            static_cast<std::uint8_t>(opcode),
-            static_cast<std::uint8_t>(immediateOpcode),
-            PREFIX_NONE,
-            ALLOW_FIELD,
-            FORM_IMM8 | FORM_IX | FORM_IY};
+    return {.opcode = static_cast<std::uint8_t>(opcode),
+            .immediateOpcode = static_cast<std::uint8_t>(immediateOpcode),
+            .allowed = ALLOW_FIELD,
+            .forms = FORM_IMM8 | FORM_IX | FORM_IY};
 }
 
 /// The byte that selects IX or IY, if `reg` is one of its codes in any form.

@@ -1,7 +1,7 @@
 /// From a mnemonic to its handler.
 #pragma once
 
-#include "codegen/keywords.h"
+#include "codegen/handler.h"
 
 namespace korv {
 

@@ -11,43 +11,44 @@
 
 namespace korv {
 Status AssembleStack(CAssembler* assembler, CStatement* statement, std::uint8_t opcode) {
-    const std::int32_t reg = statement->args.First().reg;
+    const lsArg& pair = statement->args.First();
+    const std::int32_t reg = pair.reg;
     if (!IsPair(reg) || reg == REG_SP) {
-        return MSG_ILLEGAL_ARGUMENT;
+        return Refuse(statement, pair, MSG_ILLEGAL_ARGUMENT);
     }
     return assembler->EmitOpcode(IndexPrefix(reg), opcode + PairField(reg));
 }
 
 Status AssembleEx(CAssembler* assembler, CStatement* statement) {
+    const lsArg& first = statement->args.First();
     const lsArg& second = statement->args.Second();
-    switch (statement->args.First().reg) {
-        case REG_DE:
-            return second.reg == REG_HL ? assembler->EmitOpcode(PREFIX_NONE, 0xEB)
-                                        : MSG_ILLEGAL_ARGUMENT;
-        case REG_AF:  // AF' is no register name: it is known by its text
-            return second.reg == REG_AF || second.text == "AF'"
-                       ? assembler->EmitOpcode(PREFIX_NONE, 0x08)
-                       : MSG_ILLEGAL_ARGUMENT;
-        case REG_SP_INDIRECT:
-            return IsHlOrIndex(second.reg) ? assembler->EmitOpcode(IndexPrefix(second.reg), 0xE3)
-                                           : MSG_ILLEGAL_ARGUMENT;
-        default:
-            return MSG_ILLEGAL_ARGUMENT;
+    if (first.reg == REG_DE && second.reg == REG_HL) {
+        return assembler->EmitOpcode(PREFIX_NONE, 0xEB);
     }
+    // AF' is no register name: it is known by its text.
+    if (first.reg == REG_AF && (second.reg == REG_AF || second.text == "AF'")) {
+        return assembler->EmitOpcode(PREFIX_NONE, 0x08);
+    }
+    if (first.reg == REG_SP_INDIRECT && IsHlOrIndex(second.reg)) {
+        return assembler->EmitOpcode(IndexPrefix(second.reg), 0xE3);
+    }
+    const bool isPossible =
+        first.reg == REG_DE || first.reg == REG_AF || first.reg == REG_SP_INDIRECT;
+    return Refuse(statement, isPossible ? second : first, MSG_ILLEGAL_ARGUMENT);
 }
 
 Status AssembleIm(CAssembler* assembler, CStatement* statement) {
     const lsArg& mode = statement->args.First();
     if (mode.status != 0) {  // the mode lies in the opcode: it cannot be patched
-        return MSG_NOT_IMMEDIATE;
+        return Refuse(statement, mode, MSG_NOT_IMMEDIATE);
     }
     if (!mode.IsPlainValue()) {
-        return MSG_ILLEGAL_ARGUMENT;
+        return Refuse(statement, mode, MSG_ILLEGAL_ARGUMENT);
     }
     constexpr std::array<std::uint8_t, 3> opcodes = {0x46, 0x56, 0x5E};
     assembler->EmitByte(PREFIX_ED);
     if (mode.value < 0 || mode.value > 2) {
-        return MSG_ILLEGAL_ARGUMENT;
+        return Refuse(statement, mode, MSG_ILLEGAL_ARGUMENT);
     }
     assembler->EmitByte(opcodes[static_cast<std::size_t>(mode.value)]);
     return 0;
@@ -58,20 +59,21 @@ Status AssembleIm(CAssembler* assembler, CStatement* statement) {
 Status AssembleInOut(CAssembler* assembler, CStatement* statement, std::int32_t registerPlace,
                      std::uint8_t registerOpcode, std::uint8_t portOpcode) {
     const bool isInput = registerPlace == 1;
-    const std::int32_t reg = (isInput ? statement->args.First() : statement->args.Second()).reg;
+    const lsArg& data = isInput ? statement->args.First() : statement->args.Second();
+    const std::int32_t reg = data.reg;
     const lsArg& port = isInput ? statement->args.Second() : statement->args.First();
     if (!IsByteRegister(reg) && reg != REG_F) {
-        return MSG_ILLEGAL_ARGUMENT;
+        return Refuse(statement, data, MSG_ILLEGAL_ARGUMENT);
     }
     if (port.reg == REG_C_INDIRECT) {
         return assembler->EmitOpcode(PREFIX_ED, registerOpcode + 8 * (reg & 7));
     }
     if (reg != REG_A || port.reg != REG_DIRECT) {
-        return MSG_ILLEGAL_ARGUMENT;
+        return Refuse(statement, port.reg == REG_DIRECT ? data : port, MSG_ILLEGAL_ARGUMENT);
     }
     assembler->EmitByte(portOpcode);
     if (!dataByteRange.Holds(port.value)) {
-        return dataByteRange.message;
+        return Refuse(statement, port, dataByteRange.message);
     }
     return EmitValue<byteKind>(assembler, statement, port, PatchText::operand);
 }

@@ -12,8 +12,7 @@ CMessageList::CMessageList(std::int32_t capacity) : capacity(capacity) {
     messages.reserve(static_cast<std::size_t>(capacity));
 }
 
-std::int32_t CMessageList::AddCopy(std::int32_t number, std::string_view text,
-                                   const SourcePlace& place) {
+Status CMessageList::Take(std::int32_t number, std::string_view text, const SourcePlace& place) {
     if (receiver != nullptr) {
         receiver->OnMessage(kind, number, text, place);
         return 0;
@@ -21,9 +20,9 @@ std::int32_t CMessageList::AddCopy(std::int32_t number, std::string_view text,
     return Add({number, text.data() != nullptr ? CopyOf(text) : nullptr, place});
 }
 
-std::int32_t CMessageList::Add(CMessage message) {
+Status CMessageList::Add(CMessage message) {
     if (Count() == capacity) {
-        return -1;
+        return listIsFull;
     }
     messages.push_back(std::move(message));
     return 0;

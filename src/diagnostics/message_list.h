@@ -3,7 +3,6 @@
 #pragma once
 
 #include <cstdint>
-#include <limits>
 #include <memory>
 #include <string_view>
 #include <utility>
@@ -25,6 +24,9 @@ struct CMessage {
 
 inline constexpr std::int32_t ML_ERROR = 0;
 inline constexpr std::int32_t ML_WARNING = 1;
+
+/// For `Print`: no limit.
+inline constexpr std::int32_t allMessages = -1;
 
 /// Takes the messages in the order in which they arise, errors and warnings together and however
 /// many there are.
@@ -48,10 +50,7 @@ class CMessageList {
     void SetFileNames(const CFileNameRegistry* registry) { fileNames = registry; }
 
     /// Gives all reports to `newReceiver`, not owned, in place of keeping them.
-    void SetReceiver(MessageReceiver* newReceiver) {
-        receiver = newReceiver;
-        capacity = std::numeric_limits<std::int32_t>::max();
-    }
+    void SetReceiver(MessageReceiver* newReceiver) { receiver = newReceiver; }
 
     /// ML_ERROR, ML_WARNING; anything else is a fatal error. Result: the kind before.
     std::int32_t SetKind(std::int32_t newKind) { return std::exchange(kind, newKind); }
@@ -59,20 +58,22 @@ class CMessageList {
     /// Reports message `number`; `text` is copied. A view without data means that there is no text
     /// and no brackets; an empty text gives empty brackets. Result: as `Add`. Nobody has to look at
     /// it.
-    std::int32_t Report(std::int32_t number, std::string_view text, const SourcePlace& place = {}) {
-        return Count() == capacity ? -1 : AddCopy(number, text, place);  // costs nothing then
+    Status Report(std::int32_t number, std::string_view text, const SourcePlace& place = {}) {
+        // A source may have a warning for each line: once the list is full they cost nothing.
+        return Count() == capacity ? listIsFull : Take(number, text, place);
     }
 
-    /// Takes over `message`. Result: 0, or -1 when the list was full and the message is dropped.
-    std::int32_t Add(CMessage message);
+    /// Takes over `message`. Result: 0, or `listIsFull`, and then the message is dropped.
+    Status Add(CMessage message);
 
     [[nodiscard]] std::int32_t Count() const { return static_cast<std::int32_t>(messages.size()); }
 
-    /// Prints the first `limit` messages, -1 for all, a line each. Result: 0.
+    /// Prints the first `limit` messages, or `allMessages`, a line each. Result: 0.
     std::int32_t Print(ReportWriter&& to, std::int32_t limit) const;
 
   private:
-    std::int32_t AddCopy(std::int32_t number, std::string_view text, const SourcePlace& place);
+    // Keeps the report, or gives it to the receiver, with which the list stays empty.
+    Status Take(std::int32_t number, std::string_view text, const SourcePlace& place);
 
     std::int32_t capacity;
     std::int32_t kind = ML_ERROR;

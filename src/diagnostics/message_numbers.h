@@ -9,9 +9,15 @@
 
 namespace korv {
 
-/// The result of what can fail: 0, a row of MESSAGE_TABLE, or -1 where the function says what that
-/// means.
+/// The result of what can fail: 0, a row of MESSAGE_TABLE, or -1, which has a name for each
+/// function that returns it.
 using Status = std::int32_t;
+inline constexpr Status generalFailure = -1;  ///< handlers; reported as MSG_GENERAL_FAILURE
+inline constexpr Status endOfFile = -1;       ///< CSourceFile::ReadLine
+inline constexpr Status emptyOperand = -1;    ///< KO_Args::Add; reported as an internal error
+inline constexpr Status patchFailed = -1;     ///< CIdentifierManager::Backpatch
+inline constexpr Status listIsFull = -1;      ///< CMessageList
+inline constexpr Status noStream = -1;        ///< DumpStatus
 
 inline constexpr std::int32_t MSG_SYSTEM_ERROR = 1;
 inline constexpr std::int32_t MSG_REDEFINITION = 8;

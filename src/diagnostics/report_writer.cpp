@@ -49,7 +49,7 @@ void ReportWriter::PutForeign(std::string_view text) {
             Put(text.substr(0, size));
         } else {
             Put("\\x");
-            Advance(PutByte(Room(2), static_cast<std::uint8_t>(text.front())));
+            PutHexByte(static_cast<std::uint8_t>(text.front()));
         }
         text.remove_prefix(std::max<std::size_t>(size, 1));
     }

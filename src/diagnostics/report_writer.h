@@ -31,20 +31,19 @@ inline constexpr auto hexadecimal = [] {
     return table;
 }();
 
-inline char* PutByte(char* to, std::uint8_t value) {
+inline char* PutHexByte(char* to, std::uint8_t value) {
     std::memcpy(to, hexadecimal[value].data(), 2);
     return to + 2;
 }
 
-/// At least `minDigits` hexadecimal digits; has room for 8.
+/// At least `minDigits`, at most 8 hexadecimal digits.
 inline char* PutHex(char* to, std::uint32_t value, std::size_t minDigits) {
-    char all[16];
+    std::array<char, 8> all;
     for (std::size_t i = 0; i < 4; ++i) {
-        PutByte(all + 2 * i, static_cast<std::uint8_t>(value >> (24 - 8 * i)));
+        PutHexByte(&all[2 * i], static_cast<std::uint8_t>(value >> (24 - 8 * i)));
     }
     const std::size_t digits = std::max(minDigits, (std::bit_width(value) + std::size_t{3}) / 4);
-    std::memcpy(to, all + 8 - digits, 8);
-    return to + digits;
+    return std::copy_n(all.end() - digits, digits, to);
 }
 
 /// Blanks that make a text of `size` characters `width` characters long.
@@ -92,7 +91,12 @@ class ReportWriter {
         }
     }
 
-    /// The same for a text from a source or of a file name. A terminal gets none of its control
+    void PutHexByte(std::uint8_t value) { Advance(korv::PutHexByte(Room(2), value)); }
+    void PutHex(std::uint32_t value, std::size_t minDigits) {
+        Advance(korv::PutHex(Room(8), value, minDigits));
+    }
+
+    /// As `Put`, for a text from a source or of a file name. A terminal gets none of its control
     /// characters, nor bytes that are no UTF-8, but "\xHH" for them, so that no text can pass for
     /// ours or speak to the terminal.
     void PutForeign(std::string_view text);

@@ -26,7 +26,7 @@ Status AssembleIf(CAssembler* assembler, CStatement* statement) {
     }
     const lsArg& arg = statement->args.First();
     if (!arg.IsValue()) {
-        return MSG_ILLEGAL_ARGUMENT;
+        return Refuse(statement, arg, MSG_ILLEGAL_ARGUMENT);
     }
     if (arg.status != 0) {  // a condition cannot wait: it is false
         assembler->ReportWarning(statement, arg.status, arg.text);

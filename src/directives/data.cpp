@@ -70,9 +70,10 @@ Status AssembleDw(CAssembler* assembler, CStatement* statement) {
 }
 
 Status AssembleDm(CAssembler* assembler, CStatement* statement) {
-    const std::string_view text = statement->args.First().text;
+    const lsArg& arg = statement->args.First();
+    const std::string_view text = arg.text;
     if (text.front() != '"') {
-        return MSG_ILLEGAL_ARGUMENT;
+        return Refuse(statement, arg, MSG_ILLEGAL_ARGUMENT);
     }
     const StringEnd end = EmitString(assembler, text);
     if (end == StringEnd::textAfter) {
@@ -86,10 +87,11 @@ Status AssembleDm(CAssembler* assembler, CStatement* statement) {
 Status AssembleDs(CAssembler* assembler, CStatement* statement) {
     const lsArg& size = statement->args.First();
     if (size.status != 0) {  // what follows would move: the size cannot be patched
-        return size.status == MSG_UNRESOLVED ? MSG_NOT_IMMEDIATE : MSG_ILLEGAL_ARGUMENT;
+        return Refuse(statement, size,
+                      size.status == MSG_UNRESOLVED ? MSG_NOT_IMMEDIATE : MSG_ILLEGAL_ARGUMENT);
     }
     if (!size.IsValue()) {
-        return MSG_ILLEGAL_ARGUMENT;
+        return Refuse(statement, size, MSG_ILLEGAL_ARGUMENT);
     }
     constexpr std::int32_t blockSize = 0x8000000;  // filled in less time than anybody would wait
     for (std::int32_t left = size.value; left > 0 && !assembler->flags.Has(RF_ABORT);) {

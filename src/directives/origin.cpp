@@ -11,14 +11,14 @@ namespace korv {
 Status AssembleOrg(CAssembler* assembler, CStatement* statement) {
     const lsArg& arg = statement->args.First();
     if (arg.status != 0) {
-        return MSG_NOT_IMMEDIATE;
+        return Refuse(statement, arg, MSG_NOT_IMMEDIATE);
     }
     assembler->location = static_cast<std::uint32_t>(arg.value);
     char text[16];
     std::snprintf(text, sizeof text, "%XH", assembler->location);
     if (!assembler->flags.Has(RF_BINARY)) {
         assembler->ReportWarning(statement, MSG_ORG_USED, text, arg.text);
-    } else if (assembler->startAddress != -1) {
+    } else if (assembler->startAddress != noStartAddress) {
         assembler->ReportWarning(statement, MSG_ORG_IN_CODE, text, arg.text);
     } else if (assembler->binary.Position() == 0) {
         assembler->startAddress = arg.value;
@@ -44,7 +44,7 @@ Status AssembleEqu(CAssembler* assembler, CStatement* statement) {
                                   .place = statement->LabelPlace(),
                                   .value = isWaiting ? -1 : arg.value,
                                   .flags = isWaiting ? IDS_EQU_WAITING : IDS_EQU});
-    return isWaiting ? 0 : arg.status;
+    return isWaiting || arg.status == 0 ? 0 : Refuse(statement, arg, arg.status);
 }
 
 }  // namespace korv

@@ -68,6 +68,20 @@ inline constexpr std::int32_t maxConditions = 32;
 inline constexpr std::uint32_t comStart = 256;
 inline constexpr std::uint32_t binaryStart = 16384;
 
+/// No ORG has fixed where the target starts.
+inline constexpr std::int32_t noStartAddress = -1;
+
+/// What the progress meter shows, in bytes of source. Both wrap in a source above 4 GiB.
+struct Meter {
+    std::uint32_t bytesRead = 0;   ///< consumed; by the loop
+    std::uint32_t bytesTotal = 0;  ///< sizes of all files opened; by include files
+
+    [[nodiscard]] std::int32_t Percentage() const {
+        const std::uint32_t total = bytesTotal / 8;
+        return static_cast<std::int32_t>(total == 0 ? 100 : bytesRead / 8 * 100 / total);
+    }
+};
+
 class CAssembler {
   public:
     /// A run that reports to `stream`, which is not owned, and keeps the first `maxMessages` errors
@@ -89,9 +103,9 @@ class CAssembler {
     /// Assembles `sourceName`, once in the life of the object. Result: 0, whatever happened.
     std::int32_t Run();
 
-    /// For a front end that sees to names, reports and outputs itself: lets `newObserver`, not
-    /// owned, hear of the run, which `AssembleSource` then does by itself: all that depends on the
-    /// source, up to the last message.
+    /// For a front end, which handles names, reports and outputs itself: `newObserver`, not owned,
+    /// is notified of the run. `AssembleSource` alone then does all that depends on the source, up
+    /// to the last message.
     void Observe(RunObserver* newObserver);
     void AssembleSource();
 
@@ -109,9 +123,10 @@ class CAssembler {
     void WriteLabelFile();
     void ReportCounts();
     void WriteTarget();
-    /// What stands before the bytes of a binary target: a sign, load address, end, start of the
-    /// program.
-    [[nodiscard]] std::array<std::uint8_t, 7> LoadHeader();
+    /// What precedes the bytes of a binary target: a sign, load address, end, start of the program.
+    using LoadHeader = std::array<std::uint8_t, 7>;
+    /// The identifier EXEC, if there is one, is the start, and counts as used.
+    [[nodiscard]] LoadHeader MakeLoadHeader();
     /// Prints the progress meter.
     virtual void Progress();
     /// Prints where the run stands and what memory it holds; null is the run's stream. Result: 0.
@@ -216,27 +231,27 @@ class CAssembler {
     std::FILE* output;  ///< where all console reports go; not owned
     BinBlock binary;
     CIdentifierManager identifiers;
-    DebugStream debugStream;                  ///< with RF_DEBUG
-    std::string targetDirectory;              ///< directory of `targetName`, with its separator
-    std::time_t startTime;                    ///< for the time display
-    std::uint32_t fileBufferSize = 65536;     ///< upper bound of a read buffer in bytes
-    void* currentMacro = nullptr;             ///< the macro being recorded; no command records one
-    std::int32_t startAddress = -1;           ///< of the target; -1: no ORG fixed it; by ORG
-    std::uint32_t bytesRead = 0;              ///< source bytes consumed, for the progress meter
-    std::uint32_t bytesTotal = 0;             ///< sizes of all files opened, for the progress meter
-    std::uint32_t binarySizeAtLineStart = 0;  ///< for the debug record; with RF_DEBUG only
-
+    DebugStream debugStream;               ///< with RF_DEBUG
+    std::string targetDirectory;           ///< directory of `targetName`, with its separator
+    std::time_t startTime;                 ///< for the time display
+    std::uint32_t fileBufferSize = 65536;  ///< upper bound of a read buffer in bytes
+    void* currentMacro = nullptr;          ///< the macro being recorded; no command records one
+    std::int32_t startAddress = noStartAddress;  ///< of the target; by ORG
+    /// Most bytes of the image; what is above it, whoever has set it sees. By a front end.
     std::uint32_t maxImage = std::numeric_limits<std::uint32_t>::max();
+    Meter meter;
 
   private:
+    bool OpenOutput(platform::OutputFile* file, const std::string& name,
+                    platform::OutputFile::Kind kind = platform::OutputFile::Kind::report);
+    bool CommitOutput(platform::OutputFile* file, const std::string& name, bool isWhole = true);
+    template <class Write>
+    bool WriteReport(const std::string& name, const char* complaint, Write write);
     [[nodiscard]] std::size_t Fitting(std::size_t count) const {
         const std::uint64_t limit = std::uint64_t{maxImage} + 1;
         return static_cast<std::size_t>(std::min<std::uint64_t>(
             count, limit - std::min<std::uint64_t>(limit, binary.Position())));
     }
-    bool Open(platform::OutputFile* file, const std::string& name,
-              platform::OutputFile::Kind kind = platform::OutputFile::Kind::report);
-    bool Commit(platform::OutputFile* file, const std::string& name, bool isWhole = true);
     Status EnterFile(std::string_view name);
     Status OpenAndRun(const std::string& path, std::int32_t fileNumber);
 

@@ -17,28 +17,29 @@ namespace {
 enum class Kind { onOff, trace, fileBuffer, lineBuffer, wait, help };
 
 struct Switch {
-    std::string_view word;  // in capitals, what selects it; of an on/off switch, its last character
-                            // is the letter in the flag string
+    std::string_view word;  // in capitals, what selects it; of a switch with a place, its last
+                            // character is the letter in the flag string
     Kind kind;
     const char* form = nullptr;  // as the help shows it; null: not at all
     const char* help = nullptr;
-    int place = -1;           // in the flag string
-    std::uint32_t set = 0;    // bits of the flags word, by the upper-case letter there
-    std::uint32_t clear = 0;  // ... and by the lower-case one
+    int place = -1;            // in the flag string
+    std::uint32_t bits = 0;    // of the flags word: set by the upper-case letter there, cleared by
+                               // the lower-case one
+    std::uint32_t alsoOn = 0;  // set with them, and not cleared
 };
 
 // In the order of the help; a word that begins with another one comes after it.
 // clang-format off
 constexpr Switch switches[] = {
-    {"D", Kind::onOff, "/d[+|-]", "Enable/disable debug.out file.", 0, RF_DEBUG, RF_DEBUG},
-    {"DS", Kind::trace, nullptr, nullptr, 1, RF_DEBUG | RF_DEBUG_SYMBOLS, RF_DEBUG_SYMBOLS},
-    {"L", Kind::onOff, "/l[+|-]", "Enable/disable label.out file.", 2, RF_LABELS, RF_LABELS},
-    {"P", Kind::onOff, "/p[+|-]", "Enable/disable progress meter.", 3, RF_PROGRESS, RF_PROGRESS},
-    {"M", Kind::onOff, "/m[+|-]", "Enable/disable messages.", 5, RF_MESSAGES, RF_MESSAGES},
-    {"T", Kind::onOff, "/t[+|-]", "Enable/disable time display.", 4, RF_TIME, RF_TIME},
-    {"B", Kind::onOff, "/b[+|-]", "Enable/disable binary file output.", 7, RF_BINARY, RF_BINARY},
-    {"W", Kind::onOff, "/w[+|-]", "Enable/disable warning suppression.", 6, RF_NO_WARNINGS, RF_NO_WARNINGS},
-    {"I", Kind::onOff, "/i[+|-]", "Enable/disable system identifier loading.", 8, RF_SYSTEM_IDS, RF_SYSTEM_IDS},
+    {"D", Kind::onOff, "/d[+|-]", "Enable/disable debug.out file.", 0, RF_DEBUG},
+    {"DS", Kind::trace, nullptr, nullptr, 1, RF_DEBUG_SYMBOLS, RF_DEBUG},
+    {"L", Kind::onOff, "/l[+|-]", "Enable/disable label.out file.", 2, RF_LABELS},
+    {"P", Kind::onOff, "/p[+|-]", "Enable/disable progress meter.", 3, RF_PROGRESS},
+    {"M", Kind::onOff, "/m[+|-]", "Enable/disable messages.", 5, RF_MESSAGES},
+    {"T", Kind::onOff, "/t[+|-]", "Enable/disable time display.", 4, RF_TIME},
+    {"B", Kind::onOff, "/b[+|-]", "Enable/disable binary file output.", 7, RF_BINARY},
+    {"W", Kind::onOff, "/w[+|-]", "Enable/disable warning suppression.", 6, RF_NO_WARNINGS},
+    {"I", Kind::onOff, "/i[+|-]", "Enable/disable system identifier loading.", 8, RF_SYSTEM_IDS},
     {"F", Kind::fileBuffer, "/f:<n>", "Specify filebuffer size in bytes."},
     {"LINELEN:", Kind::lineBuffer, "/linelen:<n>", "Specify linebuffer size in bytes."},
     {"WAIT", Kind::wait, "/wait", "Enable wait when KORV is done."},
@@ -46,6 +47,17 @@ constexpr Switch switches[] = {
     {"H", Kind::help},
 };
 // clang-format on
+
+// The bits of the places in use, all of them as soon as one is used twice.
+constexpr unsigned UsedPlaces() {
+    unsigned used = 0;
+    for (const Switch& row : switches) {
+        const unsigned bit = row.place >= 0 ? 1U << row.place : 0U;
+        used = (used & bit) != 0 ? ~0U : used | bit;
+    }
+    return used;
+}
+static_assert(UsedPlaces() == (1U << (sizeof CommandLine::flagString - 1)) - 1);
 
 // The switch that `word`, in capitals and without its lead character, selects: the longest one that
 // it begins with, where /wait has to be all of it.
@@ -193,7 +205,7 @@ std::uint32_t FlagsFrom(std::string_view flagString, std::FILE* console) {
             return candidate.place >= 0 && Raised(c) == candidate.word.back();
         });
         if (row != std::end(switches)) {
-            bits = HasClass(c, CC_LOWER) ? bits & ~row->clear : bits | row->set;
+            bits = HasClass(c, CC_LOWER) ? bits & ~row->bits : bits | row->bits | row->alsoOn;
         } else {
             std::fprintf(console, "Unrecognized flag encountered: %c\n", c);
         }

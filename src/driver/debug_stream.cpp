@@ -23,7 +23,8 @@ std::string_view TakeUpTo(char c, std::string_view* text) {
     return taken;
 }
 
-// The lowest byte comes first, whatever the machine. Written out, each is one move on most.
+// The lowest byte first on every machine. GCC makes one move of it where that is the machine's
+// order.
 void StoreCount(char* to, std::uint32_t count) {
     to[0] = static_cast<char>(count);
     to[1] = static_cast<char>(count >> 8);
@@ -57,7 +58,8 @@ void DebugStream::AddText(std::initializer_list<std::string_view> pieces) {
     }
 }
 
-void DebugStream::AddRecord(std::uint32_t byteCount, std::string_view line) {
+void DebugStream::AddRecord(std::uint32_t position, std::string_view line) {
+    const std::uint32_t byteCount = position - std::exchange(binarySizeAtLineStart, position);
     if (byteCount == 0 && line.empty()) {
         return;
     }
@@ -84,13 +86,13 @@ void DebugStream::WriteListing(const CAssembler* assembler, platform::OutputFile
         if (rest.size() < headSize) {
             return;
         }
-        char* to = out.Room(12);
-        *to++ = '<';
-        out.Advance(PutText(PutHex(to, static_cast<std::uint32_t>(offset), 2), "> ["));
+        out.Put("<");
+        out.PutHex(static_cast<std::uint32_t>(offset), 2);
+        out.Put("> [");
         const std::uint64_t following = offset + LoadCount(rest.data() + 1);
         const std::uint64_t shown = std::min(following, binary.Position() + mostOutside);
         for (; offset < shown && !flags.Has(RF_ABORT); ++offset) {
-            out.Advance(PutByte(out.Room(2), binary.At(static_cast<std::uint32_t>(offset))));
+            out.PutHexByte(binary.At(static_cast<std::uint32_t>(offset)));
         }
         offset = following;
         out.Put("] ");

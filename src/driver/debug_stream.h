@@ -20,9 +20,11 @@ class DebugStream {
   public:
     /// Appends free text, given in pieces.
     void AddText(std::initializer_list<std::string_view> pieces);
-    /// Appends the record of a line that produced `byteCount` bytes; none for an empty line without
-    /// bytes.
-    void AddRecord(std::uint32_t byteCount, std::string_view line);
+    /// Appends the record of a line after which the image has `position` bytes: its own are those
+    /// since the line before. An empty line without bytes has no record.
+    void AddRecord(std::uint32_t position, std::string_view line);
+    /// The same for a line that is to have no record.
+    void PassOver(std::uint32_t position) { binarySizeAtLineStart = position; }
 
     /// Turns all that there is into the lines of the listing, with the bytes of the image of
     /// `assembler`; RF_ABORT ends it early.
@@ -30,6 +32,7 @@ class DebugStream {
 
   private:
     platform::Buffer records;
+    std::uint32_t binarySizeAtLineStart = 0;
 };
 
 }  // namespace korv

@@ -22,7 +22,7 @@ std::atomic<CAssembler*> theAssembler = nullptr;
 // A console event has come, perhaps before the run.
 std::atomic<bool> hasEventCome = false;
 
-constexpr std::string_view title = "Brelloc Korv v2.00.025 *FAST*";
+constexpr std::string_view title = "Brelloc Korv v" KORV_VERSION " *FAST*";
 
 struct Event {
     int number;

@@ -12,9 +12,10 @@ constexpr char rule[] = "-------------------------------------------------------
 
 }  // namespace
 
-// A target may take the place of a file that was read, if that is none of the same name.
-bool CAssembler::Open(platform::OutputFile* file, const std::string& name,
-                      platform::OutputFile::Kind kind) {
+// No report overwrites an input. A target may, unless its name differs from that of the source in
+// case only.
+bool CAssembler::OpenOutput(platform::OutputFile* file, const std::string& name,
+                            platform::OutputFile::Kind kind) {
     const bool isKept =
         kind == platform::OutputFile::Kind::report || platform::IsProtectedFrom(sourceName, name);
     return disk.Reaches(name) &&
@@ -22,12 +23,24 @@ bool CAssembler::Open(platform::OutputFile* file, const std::string& name,
 }
 
 // The last step of each file that is written, if it is whole. Result: whether it is there.
-bool CAssembler::Commit(platform::OutputFile* file, const std::string& name, bool isWhole) {
+bool CAssembler::CommitOutput(platform::OutputFile* file, const std::string& name, bool isWhole) {
     const bool isWritten = isWhole && file->Commit();
     if (!isWritten) {
         PrintTexts(output, "[Korv] Could not write %.\n", {name});
     }
     return isWritten;
+}
+
+// Writes the report file `name` by `write`, which returns whether it is whole; `complaint` is
+// printed if the file cannot be opened. Result: whether it is there.
+template <class Write>
+bool CAssembler::WriteReport(const std::string& name, const char* complaint, Write write) {
+    platform::OutputFile file;
+    if (!OpenOutput(&file, name)) {
+        std::fputs(complaint, output);
+        return false;
+    }
+    return CommitOutput(&file, name, write(&file));
 }
 
 void CAssembler::ReportError(const CStatement* statement, std::int32_t number,
@@ -41,17 +54,15 @@ void CAssembler::ReportWarning(const CStatement* statement, std::int32_t number,
 }
 
 void CAssembler::WriteDebugFile() {
-    const std::string name = targetDirectory + "Debug.Out";
-    platform::OutputFile listing;
-    if (!Open(&listing, name)) {
-        std::fprintf(output, "[Korv] Could not open 'debug.out'!\n");
-        return;
-    }
-    // A run that has been aborted has its listing too; what is asked here is whether this goes on.
-    const std::uint32_t aborted = flags.Clear(RF_ABORT) & RF_ABORT;
-    debugStream.WriteListing(this, &listing);
-    const bool isWhole = (flags.Set(aborted) & RF_ABORT) == 0;
-    if (Commit(&listing, name, isWhole) && flags.Has(RF_MESSAGES)) {
+    const auto write = [this](platform::OutputFile* file) {
+        // A run that has been aborted has its listing too. Only an abort during this makes it
+        // incomplete.
+        const std::uint32_t aborted = flags.Clear(RF_ABORT) & RF_ABORT;
+        debugStream.WriteListing(this, file);
+        return (flags.Set(aborted) & RF_ABORT) == 0;
+    };
+    if (WriteReport(targetDirectory + "Debug.Out", "[Korv] Could not open 'debug.out'!\n", write) &&
+        flags.Has(RF_MESSAGES)) {
         std::fprintf(output, "[Korv] Debugfile written!\n");
     }
 }
@@ -61,35 +72,31 @@ void CAssembler::ReportErrors() {
         return;
     }
     std::fprintf(output, "[Korv] GOT %d ERRORS!\n", errors.Count());
-    errors.Print(ReportWriter(output), -1);
+    errors.Print(ReportWriter(output), allMessages);
     std::fputs(rule, output);
-    const std::string name = "Errors.Out";
-    platform::OutputFile file;
-    if (Open(&file, name)) {
-        errors.Print(ReportWriter(&file), -1);
-        if (Commit(&file, name)) {
-            std::fprintf(output, "[Korv] Errors.Out written!\n");
-        }
+    const auto write = [this](platform::OutputFile* file) {
+        return errors.Print(ReportWriter(file), allMessages) == 0;
+    };
+    if (WriteReport("Errors.Out", "", write)) {
+        std::fprintf(output, "[Korv] Errors.Out written!\n");
     }
 }
 
 void CAssembler::ReportWarnings() {
     if (warnings.Count() > 0) {
         std::fprintf(output, "[Korv] Got %d Warnings!\n", warnings.Count());
-        warnings.Print(ReportWriter(output), -1);
+        warnings.Print(ReportWriter(output), allMessages);
         std::fputs(rule, output);
     }
 }
 
 void CAssembler::WriteLabelFile() {
-    const std::string name = targetDirectory + "Labels.Out";
-    platform::OutputFile file;
-    if (!Open(&file, name)) {
-        std::fprintf(output, "Could not create file Labels.Out.\n");
-        return;
-    }
-    identifiers.DumpIdentifiers(&file);
-    if (Commit(&file, name) && flags.Has(RF_MESSAGES)) {
+    const auto write = [this](platform::OutputFile* file) {
+        identifiers.DumpIdentifiers(file);
+        return true;
+    };
+    if (WriteReport(targetDirectory + "Labels.Out", "Could not create file Labels.Out.\n", write) &&
+        flags.Has(RF_MESSAGES)) {
         std::fprintf(output, "[Korv] Labels.Out written.\n");
     }
 }
@@ -101,9 +108,9 @@ void CAssembler::ReportCounts() {
                  binary.Position());
 }
 
-std::array<std::uint8_t, 7> CAssembler::LoadHeader() {
+CAssembler::LoadHeader CAssembler::MakeLoadHeader() {
     const std::uint32_t start =
-        startAddress == -1 ? binaryStart : static_cast<std::uint32_t>(startAddress);
+        startAddress == noStartAddress ? binaryStart : static_cast<std::uint32_t>(startAddress);
     const std::uint32_t end = binary.Position() + start - 1;
     const CIdentifier* const name = identifiers.FindID("EXEC", /*markUsed=*/true);
     const std::uint32_t exec = name == nullptr ? start : static_cast<std::uint32_t>(name->value);
@@ -116,7 +123,7 @@ void CAssembler::WriteTarget() {
     const bool gotErrors = errors.Count() > 0;
     platform::OutputFile file;
     const bool isOpen = !gotErrors && !flags.Has(RF_ABORT) &&
-                        Open(&file, targetName, platform::OutputFile::Kind::target);
+                        OpenOutput(&file, targetName, platform::OutputFile::Kind::target);
     // A break up to here, though it may have no message any more, keeps the target from being
     // written. One that comes later has no effect.
     const bool isAborted = (flags.Set(RF_SETTLED) & RF_ABORT) != 0;
@@ -129,19 +136,17 @@ void CAssembler::WriteTarget() {
         return;
     }
     if (flags.Has(RF_BINARY)) {
-        const auto header = LoadHeader();
+        const LoadHeader header = MakeLoadHeader();
         file.Write(header.data(), header.size());
     }
     binary.WriteTo(&file);
-    if (Commit(&file, targetName) && flags.Has(RF_MESSAGES)) {
+    if (CommitOutput(&file, targetName) && flags.Has(RF_MESSAGES)) {
         PrintTexts(output, "[Korv] Binary target secured. (%)\n", {targetName});
     }
 }
 
 void CAssembler::Progress() {
-    const std::uint32_t total = bytesTotal / 8;
-    const std::uint32_t percentage = total == 0 ? 100 : bytesRead / 8 * 100 / total;
-    std::fprintf(output, "%3d%% completed.\r", static_cast<std::int32_t>(percentage));
+    std::fprintf(output, "%3d%% completed.\r", meter.Percentage());
     std::fflush(output);
 }
 

@@ -20,13 +20,17 @@ struct CStatement {
 
     char* text;                   ///< the logical line, terminated; not owned
     std::string_view label;       ///< label of the line, in `text`; without data for none
+    std::string_view token;       ///< the word read last, in `text`: the label, then the mnemonic
     std::uint32_t flags = 0;      ///< SF_* bits
     std::int32_t lineNumber = 0;  ///< of its first physical line, from 1
     std::int32_t fileName;        ///< number of the file, from 1
     std::uint32_t address = 0;    ///< the location counter at its start
     KO_Args args;                 ///< its operands
+    const lsArg* refused = nullptr;  ///< the operand at fault, by `Refuse`; null: the mnemonic is
 
     [[nodiscard]] bool HasLabel() const { return label.data() != nullptr; }
+    /// The character that ended `token`; 0 is the end of the line.
+    [[nodiscard]] char Terminator() const { return *(token.data() + token.size()); }
 
     /// The place of the label, at the start of the line.
     [[nodiscard]] SourcePlace LabelPlace() const {

@@ -3,8 +3,6 @@
 // left open is done here: the label, the message for a bad result, the debug record. On its normal
 // path the loop allocates nothing.
 
-#include <algorithm>
-
 #include "codegen/handlers.h"
 #include "codegen/recogniser.h"
 #include "driver/assembler.h"
@@ -15,49 +13,40 @@
 namespace korv {
 namespace {
 
-// A word, cut to what a word may have.
-std::string_view Word(const char* start, const char* end) {
-    return {start, std::min(static_cast<std::size_t>(end - start), maxWord)};
+// `token`, cut to what a word may have.
+std::string_view Word(std::string_view token) {
+    return token.substr(0, maxWord);
 }
 
-// The label begins with the line. Result: what ended it.
+// The label begins with the line. Result: what follows it.
 const char* CutLabel(CAssembler* assembler, CStatement* statement) {
     const char* const start = statement->text;
     const char* end = start + 1;
     while (HasClass(*end, CC_NAME)) {
         ++end;
     }
-    statement->label = Word(start, end);
-    if (*end != ':') [[unlikely]] {
+    statement->token = {start, end};
+    statement->label = Word(statement->token);
+    if (statement->Terminator() != ':') [[unlikely]] {
         assembler->ReportWarning(statement, MSG_LABEL_WITHOUT_COLON, noText, statement->label);
     }
-    if (const auto size = static_cast<std::size_t>(end - start); size > maxWord) [[unlikely]] {
-        assembler->ReportError(statement, MSG_LABEL_TOO_LONG, {start, size});
+    if (statement->token.size() > maxWord) [[unlikely]] {
+        assembler->ReportError(statement, MSG_LABEL_TOO_LONG, statement->token);
     }
-    return end;
+    return *end != '\0' ? end + 1 : end;
 }
 
-void ReportUnknown(CAssembler* assembler, const CStatement* statement, const char* start) {
+[[gnu::cold]] void ReportUnknown(CAssembler* assembler, CStatement* statement, const char* start) {
     const char* end = start;
     while (*end != '\0' && !HasClass(*end, CC_BLANK)) {
         ++end;
     }
-    assembler->ReportError(statement, MSG_UNKNOWN_INSTRUCTION, Word(start, end));
+    statement->token = {start, end};
+    assembler->ReportError(statement, MSG_UNKNOWN_INSTRUCTION, Word(statement->token));
 }
 
-// The part of the line that the result of a handler is about: the operand whose expression has
-// failed so, if there is one.
-std::string_view PartOf(CStatement* statement, Status status) {
-    for (const lsArg& arg : statement->args) {
-        if (arg.status == status) {
-            return arg.text;
-        }
-    }
-    return noText;
-}
-
-// While a condition skips statements, these alone run. Kept out of the road of the others.
-[[gnu::noinline]] bool RunsWhileSkipping(InstructionHandler handler) {
+// While a condition skips statements, these alone run.
+bool RunsWhileSkipping(InstructionHandler handler) {
     return handler == AssembleIf || handler == AssembleElse || handler == AssembleEndif;
 }
 
@@ -72,8 +61,8 @@ Status RunHandler(CAssembler* assembler, CStatement* statement, const char* star
     if (assembler->assembling == 0 && !RunsWhileSkipping(keyword->handler)) [[unlikely]] {
         return 0;
     }
-    const Status result =
-        BeginStatement(assembler, statement, *keyword, start + keyword->word.size());
+    statement->token = {start, keyword->word.size()};
+    const Status result = BeginStatement(assembler, statement, *keyword);
     return result != 0 ? result : keyword->handler(assembler, statement);
 }
 
@@ -83,7 +72,6 @@ void Assemble(CAssembler* assembler, CStatement* statement) {
     const char* next = statement->text;
     if (HasClass(*next, CC_NAME_START)) {
         next = CutLabel(assembler, statement);
-        next += *next != '\0' ? 1 : 0;
     } else if (*next == '*') [[unlikely]] {
         statement->text[0] = ' ';
         if (statement->lineNumber == 1) {
@@ -98,18 +86,43 @@ void Assemble(CAssembler* assembler, CStatement* statement) {
         DefineLineLabel(assembler, statement);
     }
     if (status != 0) [[unlikely]] {
-        assembler->ReportError(statement, status == -1 ? MSG_GENERAL_FAILURE : status, noText,
-                               PartOf(statement, status));
+        assembler->ReportError(
+            statement, status == generalFailure ? MSG_GENERAL_FAILURE : status, noText,
+            statement->refused != nullptr ? statement->refused->text : statement->token);
     }
+}
+
+constexpr std::uint32_t stops = RF_ABORT | RF_END;
+// Whatever needs more than the statement itself: one test on the normal path.
+constexpr std::uint32_t extras = stops | RF_DEBUG | RF_NO_DEBUG_RECORD | RF_PROGRESS | RF_OBSERVED;
+
+// What follows a statement of `lineCount` physical lines and `byteCount` bytes where `bits`, the
+// flags after it, hold one of `extras`. Result: whether the reading goes on.
+bool FinishStatement(CAssembler* assembler, CStatement* statement, std::uint32_t bits,
+                     std::uint32_t lineCount, std::uint32_t byteCount) {
+    if ((bits & RF_OBSERVED) != 0) {
+        assembler->observer->OnStatement(*statement, lineCount);
+    }
+    if ((bits & RF_NO_DEBUG_RECORD) != 0) {
+        assembler->flags.Clear(RF_NO_DEBUG_RECORD);
+        assembler->debugStream.PassOver(assembler->binary.Position());
+    } else if ((bits & RF_DEBUG) != 0) {
+        assembler->debugStream.AddRecord(assembler->binary.Position(), statement->text);
+    }
+    constexpr std::int32_t progressInterval = 128;  // lines
+    if ((bits & RF_PROGRESS) != 0 && statement->lineNumber % progressInterval == 0) {
+        assembler->Progress();
+    }
+    if ((bits & stops) == 0) {
+        return true;
+    }
+    assembler->meter.bytesRead += byteCount;  // the line that stops the reading counts twice
+    return false;
 }
 
 }  // namespace
 
 std::int32_t CAssembler::RunStatements(CSourceFile* file, CStatement* statement) {
-    constexpr std::uint32_t stops = RF_ABORT | RF_END;
-    // Whatever needs more than the statement itself: one test on the normal path.
-    constexpr std::uint32_t extras =
-        stops | RF_DEBUG | RF_NO_DEBUG_RECORD | RF_PROGRESS | RF_OBSERVED;
     std::int32_t lineCounter = 1;
     if (flags.Has(stops)) {
         return lineCounter;
@@ -118,14 +131,15 @@ std::int32_t CAssembler::RunStatements(CSourceFile* file, CStatement* statement)
         std::uint32_t bytesOfLine = 0;
         std::uint32_t linesOfLine = 0;
         statement->label = {};
+        statement->refused = nullptr;
         statement->flags = 0;
         statement->lineNumber = lineCounter;
         statement->args.Clear();
-        const std::int32_t readResult =
+        const Status readResult =
             file->ReadLine(statement->text, static_cast<std::uint32_t>(lineBufferSize),
                            &bytesOfLine, &linesOfLine);
         if (readResult != 0) {
-            if (readResult > 0) {
+            if (readResult != endOfFile) {
                 ReportError(statement, readResult, noText);
             }
             return lineCounter;
@@ -133,27 +147,11 @@ std::int32_t CAssembler::RunStatements(CSourceFile* file, CStatement* statement)
         if (statement->text[0] != '\0') {
             Assemble(this, statement);
         }
-        bytesRead += bytesOfLine;
+        meter.bytesRead += bytesOfLine;
         lineCounter += static_cast<std::int32_t>(linesOfLine);
         const std::uint32_t bits = flags.Load();
-        if ((bits & extras) == 0) [[likely]] {
-            continue;
-        }
-        if ((bits & RF_OBSERVED) != 0) {
-            observer->OnStatement(*statement, linesOfLine);
-        }
-        if ((bits & RF_NO_DEBUG_RECORD) != 0) {
-            flags.Clear(RF_NO_DEBUG_RECORD);
-        } else if ((bits & RF_DEBUG) != 0) {
-            debugStream.AddRecord(binary.Position() - binarySizeAtLineStart, statement->text);
-        }
-        binarySizeAtLineStart = binary.Position();
-        constexpr std::int32_t progressInterval = 128;  // lines
-        if ((bits & RF_PROGRESS) != 0 && statement->lineNumber % progressInterval == 0) {
-            Progress();
-        }
-        if ((bits & stops) != 0) {
-            bytesRead += bytesOfLine;  // the meter has the line that stops the reading twice
+        if ((bits & extras) != 0 &&
+            !FinishStatement(this, statement, bits, linesOfLine, bytesOfLine)) [[unlikely]] {
             return lineCounter;
         }
     }

@@ -79,7 +79,7 @@ Status KO_Args::Add(std::string_view text) {
     const bool isIndirect = text.front() == '(' && text.back() == ')';
     std::string_view expression = isIndirect ? text.substr(1, text.size() - 2) : text;
     if (expression.empty()) {
-        return -1;
+        return emptyOperand;
     }
     OperandClass what = isIndirect ? ClassInParentheses(expression) : ClassOf(expression);
     const bool isValue = what.kind == KIND_VALUE;

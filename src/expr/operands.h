@@ -66,9 +66,9 @@ class KO_Args {
     KO_Args& operator=(const KO_Args&) = delete;
 
     /// Adds the operand `text`, a part of the line which is not empty and has no blanks at its
-    /// ends, and evaluates it. Result: 0, with the outcome of the evaluation in the record; or -1,
-    /// with nothing added, if there is nothing to evaluate, as in "()". Ends the process when there
-    /// is no memory for a record.
+    /// ends, and evaluates it. Result: 0, or `emptyOperand` for "()", which is not added. What
+    /// becomes of its expression is in the record. Ends the process when there is no memory for a
+    /// record.
     Status Add(std::string_view text);
     /// The same for a text that is one token (see expr/token.h), alone or in parentheses.
     void AddToken(std::string_view text) {

@@ -74,6 +74,13 @@ StatementKind KindOf(const CStatement& statement, std::string_view mnemonic,
     return StatementKind::directive;
 }
 
+LoadHeader HeaderOf(const CAssembler::LoadHeader& bytes) {
+    const auto word = [&bytes](std::size_t at) {
+        return static_cast<std::uint32_t>(bytes[at] | bytes[at + 1] << 8);
+    };
+    return {word(1), word(3), word(5)};
+}
+
 // More files than any program opens. A file that includes itself several times would open millions.
 constexpr std::size_t maxOpenings = 65536;
 

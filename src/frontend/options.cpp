@@ -264,7 +264,7 @@ std::string HelpText() {
 }
 
 std::string VersionText() {
-    return "korv-as 2.00.025\n";
+    return "korv-as " KORV_VERSION "\n";
 }
 
 }  // namespace korv

@@ -37,8 +37,8 @@ class Cursor {
     std::size_t offset = 0;  // of the place in the cleaned line; npos: it is not in it
 };
 
-/// The text from the start of a line up to the cursor, as far as the line has been written: what may
-/// follow depends on it. Works for lines that do not assemble.
+/// The text from the start of a line up to the cursor, as far as the line has been written: what
+/// may follow depends on it. Works for lines that do not assemble.
 struct LinePrefix {
     enum class Part : std::uint8_t { label, mnemonic, operand, string, comment };
     Part part = Part::label;       ///< in which the cursor is

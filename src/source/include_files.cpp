@@ -62,7 +62,7 @@ Status CAssembler::OpenAndRun(const std::string& path, std::int32_t fileNumber) 
     if (file.IsOpen() == 0) {
         return file.OpenStatus();
     }
-    bytesTotal += file.FileSize();
+    meter.bytesTotal += file.FileSize();
     const std::unique_ptr<char[]> line(new (std::nothrow) char[std::max(
         static_cast<std::size_t>(lineBufferSize) + 1, CSourceFile::leastRoom)]);
     if (line == nullptr) {
@@ -89,7 +89,8 @@ Status CAssembler::OpenAndRun(const std::string& path, std::int32_t fileNumber) 
 Status AssembleInclude(CAssembler* assembler, CStatement* statement) {
     // The text as written: what it would be as an expression does not matter, and quotes are part
     // of the name.
-    const std::string_view name = statement->args.First().text;
+    const lsArg& arg = statement->args.First();
+    const std::string_view name = arg.text;
     TraceFile(assembler, "INCLUDING", name);
     if (assembler->fileDepth == maxFileDepthAllowed) {
         assembler->ReportError(statement, MSG_FILES_TOO_DEEP, noText, name);
@@ -99,7 +100,7 @@ Status AssembleInclude(CAssembler* assembler, CStatement* statement) {
     TraceFile(assembler, "Closing", name);
     // The lines of the file have their own records; this one would show their bytes again.
     assembler->flags.Set(RF_NO_DEBUG_RECORD);
-    return status;
+    return status == 0 ? 0 : Refuse(statement, arg, status);
 }
 
 }  // namespace korv

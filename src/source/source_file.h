@@ -27,10 +27,9 @@ class CSourceFile {
     /// Fills `line`, which has room for `maxLength` + 1 characters and for `leastRoom`, with the
     /// next logical line as terminated text: letters outside double quotes in upper case; comment,
     /// carriage returns and trailing blanks gone; physical lines that end in a backslash joined. A
-    /// line of only blanks keeps them. Result: 0; `endOfFile`; MSG_LINE_TOO_LONG when the line
-    /// takes more than `maxLength` bytes of the file. `bytesOut`
-    /// receives the bytes taken from the file and `linesOut` the line feeds among them, unless it
-    /// is that.
+    /// line of only blanks keeps them. Result: 0, `endOfFile`, or MSG_LINE_TOO_LONG when the line
+    /// takes more than `maxLength` bytes of the file. `bytesOut` receives the bytes taken from the
+    /// file and `linesOut` the line feeds among them, unless it is too long.
     [[nodiscard]] Status ReadLine(char* line, std::uint32_t maxLength, std::uint32_t* bytesOut,
                                   std::uint32_t* linesOut);
 
@@ -40,7 +39,7 @@ class CSourceFile {
     [[nodiscard]] std::int32_t IsOpen() const { return OpenStatus() == 0 ? 1 : 0; }
     /// The file itself: which one it is, and whether a read has failed.
     [[nodiscard]] const platform::InputFile& Stream() const { return stream; }
-    /// 0, MSG_CANNOT_OPEN, or MSG_OUT_OF_MEMORY: there is none for its buffer.
+    /// MSG_CANNOT_OPEN; MSG_OUT_OF_MEMORY for its buffer; else 0.
     [[nodiscard]] Status OpenStatus() const;
 
   private:

@@ -111,7 +111,7 @@ CPatchInfo* Backpatcher::LeavePatch(CPatchInfo* patch, const CPatchInfo* root, S
             while (next != nullptr) {
                 CPatchInfoMemBlock::FreePatchInfo(std::exchange(next, next->next));
             }
-            *result = -1;
+            *result = patchFailed;
         }
         patch = parent;
     }
@@ -135,7 +135,7 @@ void Backpatcher::MovePatch(const CPatchInfo& patch, std::string_view name) {
     CIdentifier* const equ = identifiers.Find(name);
     if (equ == nullptr) {
         assembler->errors.Report(MSG_NO_EQU_LABEL, name, patch.Place());
-        return -1;
+        return patchFailed;
     }
     identifiers.Trace("Backpatching EQU. [", name, "]\n");
     equ->value = value;
@@ -160,7 +160,7 @@ Status Backpatcher::WritePatch(const CPatchInfo& patch, std::int32_t value) {
         std::fprintf(assembler->output,
                      "*scream* Erhm, WHAT am I supposed to do? [%s] %s, line %d.\n",
                      patch.Text().data(), assembler->fileNames.NameOf(patch.file), patch.line);
-        return -1;
+        return patchFailed;
     }
     if (!range.Holds(value)) {
         assembler->warnings.Report(range.message, patch.Text(), patch.Place());

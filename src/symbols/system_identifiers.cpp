@@ -18,7 +18,7 @@ struct VersionIdentifier {
     std::int32_t value;
 };
 
-// The version 2.00.025.
+static_assert(KORV_VERSION == std::string_view("2.00.025"), "the numbers here are of that one");
 constexpr std::array versionIdentifiers = {
     VersionIdentifier{"KORV_VER", 2},
     VersionIdentifier{"KORV", 2},

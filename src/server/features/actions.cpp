@@ -39,7 +39,8 @@ lsp::Diagnostic DiagnosticOf(const Snapshot& snapshot, const Message& message) {
     for (std::int32_t opening = message.opening; opening != noIndex;) {
         const Opening& at = analysis.openings[static_cast<std::size_t>(opening)];
         if (at.includer != noIndex) {
-            diagnostic.related.push_back({snapshot.LocationOf(at.includedAt), "included from here"});
+            diagnostic.related.push_back(
+                {snapshot.LocationOf(at.includedAt), "included from here"});
         }
         opening = at.includer;
     }

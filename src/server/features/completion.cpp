@@ -57,7 +57,7 @@ void AddRegisters(const StatementView& statement, std::size_t index, bool isSmal
     for (std::size_t i = 0; i < index; ++i) {
         line += std::string(statement.operands[i].text) + ",";
     }
-    const std::string inParentheses[] = {"(HL)", "(BC)", "(DE)", "(SP)", "(C)",
+    const std::string inParentheses[] = {"(HL)", "(BC)", "(DE)",   "(SP)",   "(C)",
                                          "(IX)", "(IY)", "(IX+0)", "(IY+0)", "AF'"};
     const auto add = [&](std::string_view name) {
         const std::string tried = line + std::string(name);

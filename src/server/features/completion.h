@@ -16,9 +16,9 @@ namespace korv {
 /// of directories end with a slash.
 using DirectoryListing = std::function<std::vector<std::string>(const std::string& name)>;
 
-/// Mnemonics where one belongs; registers, conditions and names where the forms of the mnemonic take
-/// them; files after INCLUDE. `line` is the raw line up to the cursor, which the last analysis need
-/// not have seen. Nothing in strings and comments.
+/// Mnemonics where one belongs; registers, conditions and names where the forms of the mnemonic
+/// take them; files after INCLUDE. `line` is the raw line up to the cursor, which the last analysis
+/// need not have seen. Nothing in strings and comments.
 [[nodiscard]] std::vector<lsp::CompletionItem> CompletionsFor(const Snapshot& snapshot,
                                                               std::string_view line,
                                                               const DirectoryListing& filesIn);

@@ -148,8 +148,7 @@ std::vector<lsp::DocumentLink> LinksIn(const Snapshot& snapshot, std::int32_t fi
     std::vector<lsp::DocumentLink> links;
     for (const FileUse& use : snapshot.analysis->fileUses) {
         if (use.place.file == file) {
-            links.push_back(
-                {snapshot.RangeOf(use.place), snapshot.File(use.file).text->Path()});
+            links.push_back({snapshot.RangeOf(use.place), snapshot.File(use.file).text->Path()});
         }
     }
     return links;

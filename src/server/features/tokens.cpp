@@ -129,8 +129,8 @@ class Painter {
     void AddPlace(const Place& place, TokenType type, std::uint32_t modifiers) {
         const Range range = snapshot.RangeOf(place);
         if (range.end.character > range.start.character) {
-            tokens.push_back({range.start, range.end.character - range.start.character, type,
-                              modifiers});
+            tokens.push_back(
+                {range.start, range.end.character - range.start.character, type, modifiers});
         }
     }
 

@@ -16,7 +16,17 @@ file(GLOB pages ${share}/man/man1/*.1)
 execute_process(COMMAND gzip -9n ${pages} ${changes} ${changes}.Debian COMMAND_ERROR_IS_FATAL ANY)
 
 # Static programs contain parts of other works, whose licences go with them.
+set(overrides ${share}/lintian/overrides/korv)
+file(WRITE ${overrides} "# Built from the sources, not an upload that answers a request for a package.
+korv: initial-upload-closes-no-bugs [usr/share/doc/korv/changelog.Debian.gz:1]
+")
 if(NOT CPACK_DEBIAN_PACKAGE_SHLIBDEPS)
+  file(APPEND ${overrides} "# Static, so that the installed programs are those that were measured: with shared libraries
+# a run of a small source costs 40 times the instructions, nearly all of them in
+# the dynamic linker. -DKORV_STATIC=OFF links the usual way.
+korv: statically-linked-binary [usr/bin/korv]
+korv: statically-linked-binary [usr/bin/korv-as]
+")
   file(APPEND ${copyright} "
 The programs contain parts of the GNU C library (LGPL-2.1 or later, see
 /usr/share/common-licenses/LGPL-2.1) and of the GNU C++ library (GPL-3 with the
@@ -30,11 +40,3 @@ korv-as contains CLI11, under these terms:
 
 ${cli11}")
 endif()
-file(WRITE ${share}/lintian/overrides/korv
-"# Static, so that the installed programs are those that were measured: with shared libraries a run of a small source costs
-# 40 times the instructions, nearly all of them in the dynamic linker. -DKORV_STATIC=OFF links the usual way.
-korv: statically-linked-binary [usr/bin/korv]
-korv: statically-linked-binary [usr/bin/korv-as]
-# Built from the sources, not an upload that answers a request for a package.
-korv: initial-upload-closes-no-bugs [usr/share/doc/korv/changelog.Debian.gz:1]
-")

@@ -1,14 +1,13 @@
 """What bench/run and bench/check share: the places, the tools, the programs, the counting."""
-import os
 import pathlib
 import re
+import shutil
 import subprocess
 import sys
 
 BENCH = pathlib.Path(__file__).resolve().parent
 ROOT = BENCH.parent
 WORK = ROOT / "build" / "bench"  # programs, images and built helpers
-KORV = ROOT / "build" / "release" / "korv"
 SHAPES = ("plain", "dense")
 
 
@@ -27,16 +26,29 @@ def require(tools):
     do(ROOT / "tools" / "install", *(f"{tool}={package}" for tool, package in tools.items()))
 
 
-def release_build():
-    """The release build of korv, made if there is none. One that is there is taken as it is."""
-    if not KORV.exists():
-        do(ROOT / "tools" / "build", "release")
-    built = KORV.stat().st_mtime
-    newer = [path for path in (ROOT / "src").rglob("*.*") if path.stat().st_mtime > built]
+def made_by(preset, pattern):
+    """What tools/build makes of a preset, made if there is none. One that is there is taken as it is."""
+    if not list(ROOT.glob(pattern)):
+        do(ROOT / "tools" / "build", preset)
+    path, = ROOT.glob(pattern)
+    built = path.stat().st_mtime
+    newer = [file for file in (ROOT / "src").rglob("*.*") if file.stat().st_mtime > built]
     if newer:
-        say(f"note: {KORV} is older than {newer[0].name}; to bring it up to date: "
-            "tools/build release")
-    return KORV
+        say(f"note: {path} is older than {newer[0].name}; to bring it up to date: tools/build {preset}")
+    return path
+
+
+def release_build():
+    return made_by("release", "build/release/korv")
+
+
+def packaged_programs():
+    """The folder of the programs as the .deb installs them."""
+    folder = WORK / "package"
+    shutil.rmtree(folder, ignore_errors=True)
+    WORK.mkdir(parents=True, exist_ok=True)
+    do("dpkg-deb", "-x", made_by("package", "build/package/korv_*.deb"), folder)
+    return folder / "usr" / "bin"
 
 
 def built(helper):
@@ -57,14 +69,14 @@ def source(lines, shape):
     return path
 
 
-def instructions(command):
+def instructions(command, folder=WORK):
     """Instructions that a program executes, those of the kernel not among them.
 
-    The environment is empty but for the path: the C library looks at each variable.
+    It runs in `folder`, with an empty environment, since the C library looks at each variable.
     """
-    clean = {"PATH": os.environ["PATH"]}
-    valgrind = ["valgrind", "--tool=callgrind", "--callgrind-out-file=/dev/null"]
-    result = subprocess.run([*valgrind, *command], cwd=WORK, env=clean, capture_output=True)
+    valgrind = [shutil.which("valgrind"), "--tool=callgrind", "--callgrind-out-file=/dev/null"]
+    command = [shutil.which(command[0]), *command[1:]]
+    result = subprocess.run([*valgrind, *command], cwd=folder, env={}, capture_output=True)
     found = re.search(rb"Collected : (\d+)", result.stderr)
     if not found:
         sys.exit(f"valgrind gave no count for {command}\n{result.stderr.decode()}")

@@ -31,7 +31,9 @@ set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
 set(CPACK_DEBIAN_PACKAGE_SECTION devel)
 set(CPACK_DEBIAN_PACKAGE_MAINTAINER "the Korv maintainers <maintainers@korv.invalid>" CACHE STRING
     "Name and address in the .deb")
-set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+if(NOT KORV_STATIC)
+  set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)  # which takes the programs `file` and `dpkg-shlibdeps`
+endif()
 set(CPACK_DEBIAN_PACKAGE_DESCRIPTION "Korv reads a source for the Zilog Z80 once and writes one flat image:
 a CP/M .com or a .bin with a load header, and with korv-as also Intel HEX.
 

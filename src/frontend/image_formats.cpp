@@ -20,7 +20,7 @@ void AppendDataRecord(std::uint32_t address, std::span<const std::uint8_t> bytes
     const auto put = [&to, &sum](std::uint32_t value) {
         const auto byte = static_cast<std::uint8_t>(value);
         sum = static_cast<std::uint8_t>(sum + byte);
-        to = PutByte(to, byte);
+        to = PutHexByte(to, byte);
     };
     *to++ = ':';
     put(static_cast<std::uint32_t>(bytes.size()));

@@ -142,7 +142,7 @@ class Listing {
         const auto bytes = BytesOf(statement, done, bytesPerRow);
         to = PutText(to, bytes.empty() ? "" : "  ");
         for (const std::uint8_t byte : bytes) {
-            to = PutByte(to, byte);
+            to = PutHexByte(to, byte);
         }
         text.append(row, to);
     }

@@ -52,7 +52,6 @@ void MessageMaker::Add(const Report& report) {
                           .statement = statement,
                           .part = {report.place.offset, report.place.length},
                           .text = report.text,
-                          .rawLine = TextOf(message.opening).Line(report.place.line),
                           .statementId = statementCount};
     Advice advice = adviser.AdviceFor(fault);
     if (advice.isFollowOn) {

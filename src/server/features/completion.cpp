@@ -133,7 +133,7 @@ std::vector<lsp::CompletionItem> CompletionsFor(const Snapshot& snapshot, std::s
                 break;
             }
             std::string raised(line);
-            std::ranges::transform(raised, raised.begin(), Raised);
+            std::ranges::transform(raised, raised.begin(), [](char c) { return Raised(c); });
             const StatementView statement = CutStatement(raised);
             const bool isWhole = prefix.word.size() == prefix.operandText.size() ||
                                  prefix.operandText.starts_with('(');
@@ -160,7 +160,7 @@ std::optional<lsp::SignatureHelp> SignaturesFor(std::string_view line) {
         return std::nullopt;
     }
     std::string raised(line);
-    std::ranges::transform(raised, raised.begin(), Raised);
+    std::ranges::transform(raised, raised.begin(), [](char c) { return Raised(c); });
     lsp::SignatureHelp help;
     help.activeParameter = static_cast<std::uint32_t>(prefix.operand);
     for (std::string& form : FormsOf(CutStatement(raised), prefix.operand)) {

@@ -39,7 +39,8 @@ bool IsOpenString(const lsArg& arg) {
 void CheckString(std::string_view text, Findings* findings) {
     const std::size_t at = text.find('\\');
     constexpr std::string_view escapes = "nrtabef0x\\'\"";
-    if (at < text.size() - 1 && escapes.find(text[at + 1]) != std::string_view::npos) {
+    if (at != std::string_view::npos && at + 1 < text.size() &&
+        escapes.find(text[at + 1]) != std::string_view::npos) {
         findings->push_back({Warning::escape, text.substr(at, 2), std::string(text.substr(at, 2)),
                              "write the character as a number, as in DB \"one\",10"});
     }

@@ -136,24 +136,25 @@ class Sources : public DiskStore {
         return text != nullptr ? CSourceFile::OfText(*text) : DiskStore::Open(path, bufferSize);
     }
 
+    Status Find(std::string_view name, platform::FoundPath* file) override {
+        const Status status = DiskStore::Find(name, file);
+        if (std::exchange(isMain, false) || status != 0 || file->isFile ||
+            platform::IsAbsolutePath(name)) {
+            return status;
+        }
+        for (const std::string& elsewhere : searched) {
+            const auto found = directory.FullPath(elsewhere + '/' + std::string(name));
+            if (found.isFile) {
+                *file = found;
+                break;
+            }
+        }
+        return status;
+    }
+
     const std::string* mainText = nullptr;  // not owned; null: the main file is read by its name
 
   private:
-    platform::FoundPath Locate(std::string_view name) override {
-        platform::FoundPath found = directory.FullPath(name);
-        if (std::exchange(isMain, false) || found.path.empty() || found.isFile ||
-            platform::IsAbsolutePath(name)) {
-            return found;
-        }
-        for (const std::string& elsewhere : searched) {
-            platform::FoundPath other = directory.FullPath(elsewhere + '/' + std::string(name));
-            if (other.isFile) {
-                return other;
-            }
-        }
-        return found;
-    }
-
     std::vector<std::string> searched;  // full paths
     bool isMain = true;                 // the next name is that of the main file
 };

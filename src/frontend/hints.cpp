@@ -118,9 +118,9 @@ std::string QuotedInclude(CAssembler* assembler, const Fault& fault) {
         return "";
     }
     name = name.substr(1, name.size() - 2);
-    std::string path;
-    const bool isThere = assembler->sources->Find(name, &path) == 0 &&
-                         platform::KindOf(path) == platform::FileKind::regular;
+    platform::FoundPath file;
+    const bool isThere = assembler->sources->Find(name, &file) == 0 &&
+                         platform::KindOf(file.path) == platform::FileKind::regular;
     return isThere ? "write the name without quotes: INCLUDE " + std::string(name) : "";
 }
 

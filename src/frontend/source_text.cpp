@@ -10,17 +10,6 @@
 namespace korv {
 namespace {
 
-// The place of the character at `offset` of a line that begins at physical line `first`.
-LogicalLine::Place PlaceOf(std::size_t offset, std::int32_t first,
-                           const std::vector<LineBreak>& breaks) {
-    const auto next = std::ranges::upper_bound(breaks, offset, {}, &LineBreak::offset);
-    if (next == breaks.begin()) {
-        return {first, offset};
-    }
-    const LineBreak& from = next[-1];
-    return {first + static_cast<std::int32_t>(from.line), from.column + offset - from.offset};
-}
-
 // Another kind of file was read once, and has no end or nothing more to give.
 bool OpenAgain(const std::string& path, platform::InputFile* file) {
     return platform::KindOf(path) == platform::FileKind::regular && file->Open(path);
@@ -47,26 +36,29 @@ std::string_view SourceText::Line(std::int32_t number) const {
 
 LogicalLine SourceText::Logical(std::int32_t number) const {
     LogicalLine line;
-    std::vector<LineBreak> breaks;
-    line.text.resize(256);
-    LineCleaner cleaner(line.text.data(), &breaks);
+    LineCleaner cleaner{line.text.data()};
     const auto index = static_cast<std::size_t>(number) - 1;
-    std::size_t at = number < 1 || index >= starts.size() ? contents.size() : starts[index];
-    for (bool goesOn = true; goesOn && at != contents.size(); ++at) {
-        if (cleaner.Size() + 1 == line.text.size()) {
-            line.text.resize(2 * line.text.size());
-            cleaner.MoveTo(line.text.data());
-        }
-        const std::size_t last = contents[at] == '\n' ? cleaner.LastSignificant() : 0;
+    std::size_t start = number < 1 || index >= starts.size() ? contents.size() : starts[index];
+    bool goesOn = true;
+    for (std::size_t at = start; goesOn && at != contents.size(); ++at) {
+        const std::size_t size = cleaner.size;
+        line.text.resize(std::max(line.text.size(), size + 2));
+        line.places.resize(line.text.size());
+        cleaner.line = line.text.data();
         goesOn = cleaner.Take(contents[at]);
-        if (goesOn && contents[at] == '\n' && cleaner.IsInComment()) {
-            line.continuedComments.push_back(PlaceOf(last, number, breaks));
+        if (cleaner.size > size) {
+            line.places[size] = {number, at - start};
+        }
+        if (contents[at] == '\n') {
+            if (goesOn && cleaner.isComment) {  // `size` is where the backslash is
+                line.continuedComments.push_back(line.places[cleaner.size]);
+            }
+            ++number;
+            start = at + 1;
         }
     }
     line.text.resize(cleaner.Length());
-    for (std::size_t offset = 0; offset != line.text.size(); ++offset) {
-        line.places.push_back(PlaceOf(offset, number, breaks));
-    }
+    line.places.resize(line.text.size());
     return line;
 }
 

@@ -5,11 +5,11 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <climits>
 #include <cstdlib>
 #include <string>
-#include <vector>
 
 #include "platform/platform.h"
 #include "platform/posix.h"
@@ -19,19 +19,26 @@ namespace {
 
 constexpr mode_t permissions = 07777;
 
-// The temporary files that there are now. Process-wide, since the process may end anywhere.
-std::vector<std::string> unfinished;
+// The names of the temporary files that there are now, and null. Process-wide, since the process
+// may end anywhere; of a fixed size, since a report of what went wrong must not need memory.
+std::array<const std::string*, 16> unfinished{};
+
+bool IsNoneUnfinished() {
+    return std::ranges::count(unfinished, nullptr) == std::ssize(unfinished);
+}
 
 void RemoveAll() {
-    for (const std::string& temporary : unfinished) {
-        unlink(temporary.c_str());
+    for (const std::string* const temporary : unfinished) {
+        if (temporary != nullptr) {
+            unlink(temporary->c_str());
+        }
     }
 }
 
 // The temporary file has its final name, or is gone.
 void Forget(const std::string& temporary) {
-    std::erase(unfinished, temporary);
-    if (unfinished.empty()) {
+    std::ranges::replace(unfinished, &temporary, nullptr);
+    if (IsNoneUnfinished()) {
         ReleaseSignals();
     }
 }
@@ -115,10 +122,14 @@ bool FindPlace(const FileSet& kept, OutputPlace* place) {
 
 Creation Create(const std::string& temporary, const OutputPlace& place, FileHandle* handle) {
     [[maybe_unused]] static const int registered = std::atexit(RemoveAll);
-    if (unfinished.empty()) {
+    if (IsNoneUnfinished()) {
         HoldSignals();
     }
-    unfinished.push_back(temporary);
+    const std::string** const slot = std::ranges::find(unfinished, nullptr);
+    if (slot == unfinished.end()) {
+        return Creation::failed;
+    }
+    *slot = &temporary;
     constexpr int flags = O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC;
     *handle = FileHandle(Requested([&] { return open(temporary.c_str(), flags, place.mode); }));
     const int error = errno;

@@ -48,7 +48,8 @@ enum class Creation {
     isRefused,  ///< by the directory: what is there already can be written all the same
     failed,     ///< what is there would only be lost
 };
-/// Creates `temporary`, which is removed if the process ends before `PutInPlace` or `Remove`.
+/// Creates `temporary`, which is removed if the process ends before `PutInPlace` or `Remove`. The
+/// three of them take the same object, which stays where it is meanwhile. At most 16 at a time.
 [[nodiscard]] Creation Create(const std::string& temporary, const OutputPlace& place,
                               FileHandle* handle);
 /// Gives a new file the owner and the permissions of what is at `place`. False: that cannot be.

@@ -25,7 +25,7 @@ Status AssembleBinclude(CAssembler* assembler, CStatement* statement) {
         assembler->ReportError(statement, status, arg.text);
     } else if (!assembler->flags.Has(RF_ABORT)) {  // which may have left a part of it
         if (assembler->observer != nullptr) {
-            assembler->observer->OnIncludedBytes(file.path);
+            assembler->observer->OnIncludedBytes(file.found.path);
         }
         assembler->EmitBytes(
             {reinterpret_cast<const std::uint8_t*>(file.bytes.data()), file.bytes.size()});

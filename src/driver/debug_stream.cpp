@@ -51,10 +51,10 @@ void DebugStream::AddText(std::initializer_list<std::string_view> pieces) {
         size += piece.size();
     }
     if (char* to = records.Room(size)) {
+        records.Advance(size);
         for (const std::string_view piece : pieces) {
             to = PutText(to, piece);
         }
-        records.Advance(size);
     }
 }
 
@@ -65,10 +65,10 @@ void DebugStream::AddRecord(std::uint32_t position, std::string_view line) {
     }
     const std::size_t size = headSize + line.size() + 1;
     if (char* const to = records.Room(size)) {
+        records.Advance(size);
         to[0] = recordStart;
         StoreCount(to + 1, byteCount);
         *PutText(to + headSize, line) = recordEnd;
-        records.Advance(size);
     }
 }
 

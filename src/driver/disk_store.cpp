@@ -6,29 +6,12 @@
 
 namespace korv {
 
-Status DiskStore::Find(std::string_view name, platform::FoundPath* found) {
+Status DiskStore::Find(std::string_view name, platform::FoundPath* file) {
     if (!Reaches(name)) {
         return MSG_CANNOT_OPEN;
     }
-    *found = Locate(name);
-    return found->path.empty() ? MSG_CANNOT_GET_DIRECTORY : 0;
-}
-
-Status DiskStore::Find(std::string_view name, std::string* path) {
-    platform::FoundPath found;
-    const Status status = Find(name, &found);
-    *path = std::move(found.path);
-    return status;
-}
-
-Status DiskStore::Enter(std::string_view name, std::string* path) {
-    platform::FoundPath found;
-    Status status = Find(name, &found);
-    if (status == 0 && !directory.EnterDirectoryOf(found)) {
-        status = MSG_CANNOT_CHANGE_DIRECTORY;
-    }
-    *path = std::move(found.path);
-    return status;
+    *file = directory.FullPath(name);
+    return file->path.empty() ? MSG_CANNOT_GET_DIRECTORY : 0;
 }
 
 CSourceFile DiskStore::Open(const std::string& path, std::uint32_t bufferSize) {
@@ -39,17 +22,13 @@ CSourceFile DiskStore::Open(const std::string& path, std::uint32_t bufferSize) {
     return file;
 }
 
-Status DiskStore::Leave(std::string* path) {
-    if (directory.Leave()) {
-        return 0;
-    }
-    *path = directory.Path();
-    return MSG_CANNOT_CHANGE_DIRECTORY;
+std::optional<std::string> DiskStore::Leave() {
+    return directory.Leave() ? std::nullopt : std::optional<std::string>(directory.Path());
 }
 
 Status DiskStore::Read(std::string_view name, FileBytes* file) {
     platform::InputFile stream;
-    if (Find(name, &file->path) != 0 || !stream.Open(file->path)) {
+    if (Find(name, &file->found) != 0 || !stream.Open(file->found.path)) {
         return MSG_CANNOT_OPEN;
     }
     filesRead.insert(stream.Identity());
@@ -70,10 +49,9 @@ Status DiskStore::Read(std::string_view name, FileBytes* file) {
 }
 
 void DiskStore::Keep(std::string_view name) {
-    platform::InputFile file;
-    const std::string path = Locate(name).path;
-    if (platform::KindOf(path) == platform::FileKind::regular && file.Open(path)) {
-        filesRead.insert(file.Identity());
+    const std::string path = directory.FullPath(name).path;
+    if (platform::KindOf(path) == platform::FileKind::regular) {
+        static_cast<void>(Open(path, 0));
     }
 }
 

@@ -13,10 +13,12 @@ class DiskStore : public SourceStore {
     /// `flags`, not owned, are those of the run: RF_ABORT ends the reading of a file.
     explicit DiskStore(const FlagsWord* flags) : flags(flags) {}
 
-    [[nodiscard]] Status Find(std::string_view name, std::string* path) override;
-    [[nodiscard]] Status Enter(std::string_view name, std::string* path) override;
+    [[nodiscard]] Status Find(std::string_view name, platform::FoundPath* file) override;
+    [[nodiscard]] bool Enter(const platform::FoundPath& file) override {
+        return directory.EnterDirectoryOf(file);
+    }
     [[nodiscard]] CSourceFile Open(const std::string& path, std::uint32_t bufferSize) override;
-    [[nodiscard]] Status Leave(std::string* directory) override;
+    [[nodiscard]] std::optional<std::string> Leave() override;
     [[nodiscard]] Status Read(std::string_view name, FileBytes* file) override;
 
     /// Whether `name` means what it should; see `platform::CurrentDirectory`.
@@ -27,16 +29,9 @@ class DiskStore : public SourceStore {
     void Keep(std::string_view name);
 
   protected:
-    /// What `name`, of a source or of other bytes, leads to.
-    [[nodiscard]] virtual platform::FoundPath Locate(std::string_view name) {
-        return directory.FullPath(name);
-    }
-
     platform::CurrentDirectory directory;
 
   private:
-    Status Find(std::string_view name, platform::FoundPath* found);
-
     const FlagsWord* flags;
     platform::FileSet filesRead;
 };

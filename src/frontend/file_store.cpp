@@ -113,21 +113,18 @@ FileStore::Text FileStore::Load(const std::string& path) {
     return TextOf(path);
 }
 
-Status FileStore::Find(std::string_view name, std::string* path) {
-    *path = Locate(name).path;
-    return path->empty() ? MSG_CANNOT_GET_DIRECTORY : 0;
+Status FileStore::Find(std::string_view name, platform::FoundPath* file) {
+    *file = Locate(name);
+    return file->path.empty() ? MSG_CANNOT_GET_DIRECTORY : 0;
 }
 
-Status FileStore::Enter(std::string_view name, std::string* path) {
-    if (const Status status = Find(name, path); status != 0) {
-        return status;
-    }
-    std::string parent(platform::SplitPath(*path).directory);
+bool FileStore::Enter(const platform::FoundPath& file) {
+    std::string parent(platform::SplitPath(file.path).directory);
     if (parent.size() > 1) {
         parent.pop_back();  // the separator
     }
     entered.push_back(std::move(parent));
-    return 0;
+    return true;
 }
 
 CSourceFile FileStore::Open(const std::string& path, std::uint32_t) {
@@ -135,13 +132,13 @@ CSourceFile FileStore::Open(const std::string& path, std::uint32_t) {
     return text == nullptr ? CSourceFile("", 0) : CSourceFile::OfText(text->Bytes());
 }
 
-Status FileStore::Leave(std::string*) {
+std::optional<std::string> FileStore::Leave() {
     entered.pop_back();
-    return 0;
+    return std::nullopt;
 }
 
 Status FileStore::Read(std::string_view name, FileBytes* file) {
-    const Text text = Find(name, &file->path) == 0 ? Load(file->path) : nullptr;
+    const Text text = Find(name, &file->found) == 0 ? Load(file->found.path) : nullptr;
     if (text == nullptr) {
         return MSG_CANNOT_OPEN;
     }

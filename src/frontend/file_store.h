@@ -5,6 +5,7 @@
 
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -47,10 +48,10 @@ class FileStore : public SourceStore {
     /// The directories in which it looks, as a person would write them.
     [[nodiscard]] std::vector<std::string> SearchedDirectories() const;
 
-    [[nodiscard]] Status Find(std::string_view name, std::string* path) override;
-    [[nodiscard]] Status Enter(std::string_view name, std::string* path) override;
+    [[nodiscard]] Status Find(std::string_view name, platform::FoundPath* file) override;
+    [[nodiscard]] bool Enter(const platform::FoundPath& file) override;
     [[nodiscard]] CSourceFile Open(const std::string& path, std::uint32_t bufferSize) override;
-    [[nodiscard]] Status Leave(std::string* directory) override;
+    [[nodiscard]] std::optional<std::string> Leave() override;
     [[nodiscard]] Status Read(std::string_view name, FileBytes* file) override;
 
   private:

@@ -4,87 +4,10 @@
 #include <utility>
 
 #include "source/char_class.h"
+#include "source/line_cleaner.h"
 
 namespace korv {
 namespace {
-
-// Cleans one logical line byte by byte, by the rules of the reader, and keeps where each character
-// has come from. What has been stored after `size` stays until it is overwritten: a line that only
-// continues another ends in the backslash of that.
-class LineCleaner {
-  public:
-    // Takes a byte. False: it ends the line.
-    bool Take(char c, LogicalLine::Position position) {
-        constexpr char endOfText = 0x1A;
-        if (c == '\n') {
-            return Continues();
-        }
-        if (c == '\r' || c == endOfText) {
-            return true;
-        }
-        if (!isComment && c == '"') {
-            isString = !isString;
-        } else if (!isComment && c == ';' && !isString) {
-            isComment = true;
-            commentStart = LastSignificant() + 1;
-        }
-        Store(isString || isComment ? c : Raised(c), position);
-        return true;
-    }
-
-    LogicalLine Finished() {
-        const std::ptrdiff_t last = LastSignificant();
-        std::size_t end = last < 0 ? size : static_cast<std::size_t>(last) + 1;
-        if (isComment) {
-            end = static_cast<std::size_t>(commentStart);
-        }
-        line.text.resize(end);
-        line.positions.resize(end);
-        return std::move(line);
-    }
-
-  private:
-    void Store(char c, LogicalLine::Position position) {
-        if (size == line.text.size()) {
-            line.text += c;
-            line.positions.push_back(position);
-        } else {
-            line.text[size] = c;
-            line.positions[size] = position;
-        }
-        ++size;
-    }
-
-    // Index of the last character that is no blank; -1 for none.
-    [[nodiscard]] std::ptrdiff_t LastSignificant() const {
-        std::size_t end = size;
-        while (end != segment && HasClass(line.text[end - 1], CC_BLANK)) {
-            --end;
-        }
-        return end == segment ? lastBefore : static_cast<std::ptrdiff_t>(end) - 1;
-    }
-
-    bool Continues() {
-        const std::ptrdiff_t last = LastSignificant();
-        if (last < 0 || line.text[static_cast<std::size_t>(last)] != '\\') {
-            return false;
-        }
-        if (isComment) {
-            line.continuedComments.push_back(line.positions[static_cast<std::size_t>(last)]);
-        }
-        lastBefore = last;
-        segment = size = static_cast<std::size_t>(last);
-        return true;
-    }
-
-    LogicalLine line;
-    std::size_t size = 0;            // of what has been stored
-    std::size_t segment = 0;         // where what follows the last continuation begins
-    std::ptrdiff_t lastBefore = -1;  // last significant character before `segment`
-    std::ptrdiff_t commentStart = 0;
-    bool isString = false;
-    bool isComment = false;
-};
 
 // Whether offsets in the cleaned line that begins with `line` are its columns.
 bool IsPlain(const StoredText& text, std::string_view line) {
@@ -97,19 +20,34 @@ bool IsPlain(const StoredText& text, std::string_view line) {
 }  // namespace
 
 LogicalLine LogicalLineAt(const StoredText& text, std::int32_t number) {
-    LineCleaner cleaner;
+    LogicalLine line;
+    line.text.resize(256);
+    LineCleaner cleaner{line.text.data()};
     const std::string& bytes = text.Bytes();
     std::size_t start = text.LineStart(number);
-    for (std::size_t at = start; at != bytes.size(); ++at) {
-        if (!cleaner.Take(bytes[at], {number, static_cast<std::uint32_t>(at - start)})) {
-            break;
+    bool goesOn = true;
+    for (std::size_t at = start; goesOn && at != bytes.size(); ++at) {
+        if (cleaner.size + 2 > line.text.size()) {
+            line.text.resize(2 * line.text.size());
+            cleaner.line = line.text.data();
         }
-        if (bytes[at] == '\n') {
+        line.positions.resize(std::max(line.positions.size(), cleaner.size + 1));
+        const bool isContinued = bytes[at] == '\n' && cleaner.isComment;
+        const std::size_t end = isContinued ? cleaner.SignificantEnd() : 0;
+        if (bytes[at] != '\n') {
+            line.positions[cleaner.size] = {number, static_cast<std::uint32_t>(at - start)};
+        }
+        goesOn = cleaner.Take(bytes[at]);
+        if (goesOn && isContinued) {
+            line.continuedComments.push_back(line.positions[end - 1]);
+        }
+        if (goesOn && bytes[at] == '\n') {
             ++number;
             start = at + 1;
         }
     }
-    LogicalLine line = cleaner.Finished();
+    line.text.resize(cleaner.Length());
+    line.positions.resize(cleaner.Length());
     line.lastLine = number;
     return line;
 }

@@ -5,11 +5,11 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <climits>
 #include <cstdlib>
 #include <string>
-#include <vector>
 
 #include "platform/platform.h"
 #include "platform/posix.h"
@@ -19,19 +19,19 @@ namespace {
 
 constexpr mode_t permissions = 07777;
 
-// The temporary files that there are now. Process-wide, since the process may end anywhere.
-std::vector<std::string> unfinished;
+// The names of the temporary files that there are now, and null. Process-wide, since the process
+// may end anywhere; of a fixed size, since a report of what went wrong must not need memory.
+std::array<const std::string*, 16> unfinished{};
 
-void ReleaseSignalsIfDone() {
-    if (unfinished.empty()) {
-        ReleaseSignals();
-    }
+bool IsNoneUnfinished() {
+    return std::ranges::count(unfinished, nullptr) == std::ssize(unfinished);
 }
 
 // The temporary file has its final name, or is gone. It need not be one of ours.
 void Forget(const std::string& temporary) {
-    if (std::erase(unfinished, temporary) != 0) {
-        ReleaseSignalsIfDone();
+    std::ranges::replace(unfinished, &temporary, nullptr);
+    if (IsNoneUnfinished()) {
+        ReleaseSignals();
     }
 }
 
@@ -72,8 +72,10 @@ void FollowLink(OutputPlace* place, Target* target) {
 }  // namespace
 
 void RemoveUnfinished() {
-    for (const std::string& temporary : unfinished) {
-        unlink(temporary.c_str());
+    for (const std::string* const temporary : unfinished) {
+        if (temporary != nullptr) {
+            unlink(temporary->c_str());
+        }
     }
 }
 
@@ -128,16 +130,19 @@ namespace {
 template <typename Call>
 Creation Created(const std::string& temporary, Call create) {
     [[maybe_unused]] static const int registered = std::atexit(RemoveUnfinished);
-    if (unfinished.empty()) {
+    if (IsNoneUnfinished()) {
         HoldSignals();
     }
-    unfinished.push_back(temporary);
+    const std::string** const slot = std::ranges::find(unfinished, nullptr);
+    if (slot == unfinished.end()) {
+        return Creation::failed;
+    }
+    *slot = &temporary;
     if (Requested(create) >= 0) {
         return Creation::done;
     }
     const int error = errno;
-    unfinished.pop_back();  // a name that is taken may be that of another output
-    ReleaseSignalsIfDone();
+    Forget(temporary);
     errno = error;
     return error == EEXIST    ? Creation::nameIsTaken
            : IsRefused(error) ? Creation::isRefused

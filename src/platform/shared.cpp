@@ -110,11 +110,9 @@ Creation CreateTemporary(const OutputPlace& place, std::string* temporary, FileH
                             [&](const std::string& name) { return Create(name, place, handle); });
 }
 
-std::string LinkAtFreeName(const OutputPlace& place) {
-    std::string name;
+void LinkAtFreeName(const OutputPlace& place, std::string* name) {
     static_cast<void>(CreateAtFreeName(
-        place, &name, [&](const std::string& free) { return Link(place.path, free); }));
-    return name;
+        place, name, [&](const std::string& free) { return Link(place.path, free); }));
 }
 
 void OutputFile::GiveUp() {

@@ -53,7 +53,8 @@ enum class Creation {
     isRefused,  ///< by the directory: what is there already can be written all the same
     failed,     ///< what is there would only be lost
 };
-/// Creates `temporary`, which is removed if the process ends before `PutInPlace` or `Remove`.
+/// Creates `temporary`, which is removed if the process ends before `PutInPlace` or `Remove`. The
+/// three of them take the same object, which stays where it is meanwhile. At most 16 at a time.
 [[nodiscard]] Creation Create(const std::string& temporary, const OutputPlace& place,
                               FileHandle* handle);
 /// Like `Create`, at the first name that is free.
@@ -61,7 +62,7 @@ enum class Creation {
                                        FileHandle* handle);
 /// Gives what is at `place` a second name, which is removed if the process ends before `PutInPlace`
 /// or `Remove`. Result: the name; empty: there can be none.
-[[nodiscard]] std::string LinkAtFreeName(const OutputPlace& place);
+void LinkAtFreeName(const OutputPlace& place, std::string* name);
 /// For `LinkAtFreeName`: gives `path` the second name `temporary`.
 [[nodiscard]] Creation Link(const std::string& path, const std::string& temporary);
 /// Gives a new file the owner and the permissions of what is at `place`. False: that cannot be.

@@ -73,7 +73,8 @@ bool StagedOutput::Stage(std::string_view contents) {
     const Creation creation = CreateTemporary(*place, &temporary, &handle);
     if (creation == Creation::done && isThere && !MakeAlike(handle, *place)) {
         handle = FileHandle();
-        Remove(std::exchange(temporary, {}));
+        Remove(temporary);
+        temporary.clear();
     }
     if (temporary.empty()) {
         return isThere && (creation == Creation::done || creation == Creation::isRefused);
@@ -99,7 +100,7 @@ bool StagedOutput::Put(std::string_view contents) {
         return Overwrite(contents);
     }
     if (isThere) {
-        backup = LinkAtFreeName(*place);
+        LinkAtFreeName(*place, &backup);
     }
     if (!PutInPlace(&handle, temporary, place->path)) {
         return false;
@@ -113,7 +114,8 @@ void StagedOutput::Keep() {
     isNew = false;
     oldBytes.reset();
     if (!backup.empty()) {
-        Remove(std::exchange(backup, {}));
+        Remove(backup);
+        backup.clear();
     }
 }
 
@@ -121,7 +123,8 @@ void StagedOutput::Undo() {
     handle = FileHandle();
     const bool isPut = temporary.empty();
     if (!isPut) {
-        Remove(std::exchange(temporary, {}));
+        Remove(temporary);
+        temporary.clear();
     }
     if (!backup.empty() && (!isPut || !PutInPlace(&handle, backup, place->path))) {
         Remove(backup);

@@ -33,15 +33,16 @@ Status CAssembler::AssembleIncludeFile(std::string_view name) {
 
 // Result: as `AssembleIncludeFile`.
 Status CAssembler::EnterFile(std::string_view name) {
-    std::string path, directory;
-    const Status entry = sources->Enter(name, &path);
-    if (entry == MSG_CANNOT_CHANGE_DIRECTORY) {
-        errors.Report(entry, path);
-    } else if (entry != 0) {
-        if (entry == MSG_CANNOT_GET_DIRECTORY) {
-            errors.Report(entry, noText);
+    platform::FoundPath file;
+    if (const Status status = sources->Find(name, &file); status != 0) {
+        if (status == MSG_CANNOT_GET_DIRECTORY) {
+            errors.Report(status, noText);
         }
         return MSG_CANNOT_OPEN;
+    }
+    const std::string& path = file.path;
+    if (!sources->Enter(file)) {
+        errors.Report(MSG_CANNOT_CHANGE_DIRECTORY, path);
     }
     std::int32_t fileNumber = 0;
     if (std::unique_ptr<char[]> copy = CopyOf(path); copy != nullptr) {
@@ -50,8 +51,8 @@ Status CAssembler::EnterFile(std::string_view name) {
     const char* const includer = std::exchange(currentFileName, fileNames.NameOf(fileNumber));
     const Status status = OpenAndRun(path, fileNumber);
     currentFileName = includer;
-    if (const Status left = sources->Leave(&directory); left != 0) {
-        errors.Report(left, directory);
+    if (const auto lost = sources->Leave()) {
+        errors.Report(MSG_CANNOT_CHANGE_DIRECTORY, *lost);
     }
     return status;
 }

@@ -3,41 +3,23 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <vector>
 
 #include "source/char_class.h"
 
 namespace korv {
 
-/// Where a cleaned line parts from the file: from `offset` in the line on, its characters are those
-/// from `column` of physical line `line` on, up to the next break. Before the first, both begin
-/// alike.
-struct LineBreak {
-    std::size_t offset;
-    std::uint32_t line;  ///< physical lines after the first of the logical line
-    std::size_t column;  ///< in bytes, from 0
-};
+/// Ends a text file on some old systems; here it is dropped.
+inline constexpr char endOfText = 0x1A;
 
 /// The hard idea is the last significant character, which decides where trailing blanks begin and
 /// whether the line goes on. It is not kept up to date per byte but found when it is asked for, by
 /// walking back over blanks from the end of what has been stored. After a continuation it is the
 /// place of the backslash, and the backslash stays there until something overwrites it. So an empty
 /// line after a continuation continues the line again.
-class LineCleaner {
-  public:
-    static constexpr std::size_t none = static_cast<std::size_t>(-1);
-    /// Ends a text file on some old systems; here it is dropped.
-    static constexpr char endOfText = 0x1A;
-
-    /// `line`, not owned, receives the text: with its end a character more than bytes are taken.
-    /// `breaks`, not owned, receives the breaks, in order; null: they are not wanted.
-    explicit LineCleaner(char* line, std::vector<LineBreak>* breaks = nullptr)
-        : line(line), breaks(breaks) {
-        *line = '\0';
-    }
-    /// The text has been moved to `newLine`, where there is more room.
-    void MoveTo(char* newLine) { line = newLine; }
-
+///
+/// A caller finds the place of a character in the file by `size`: before a byte is taken, it is the
+/// index in the line at which the byte is stored, and it does not grow if the byte is dropped.
+struct LineCleaner {
     /// Takes the next byte of the file. False: it is the line feed that ends the line.
     bool Take(char c) {
         ++taken;
@@ -45,98 +27,66 @@ class LineCleaner {
             ++lines;
             return Continues();
         }
-        if (c == '\r' || c == endOfText) {
-            isApart = true;
-        } else {
+        if (c != '\r' && c != endOfText) {
             Store(c);
         }
-        ++column;
         return true;
+    }
+
+    /// The index after the last character that is no blank; 0 for none.
+    [[nodiscard]] std::size_t SignificantEnd() const {
+        std::size_t end = size;
+        while (end != segment && HasClass(line[end - 1], CC_BLANK)) {
+            --end;
+        }
+        return end == segment ? endBefore : end;
     }
 
     /// Length of the text.
     [[nodiscard]] std::size_t Length() const {
-        const std::size_t last = LastSignificant();
-        return isComment ? commentStart : last == none ? size : last + 1;
+        const std::size_t end = SignificantEnd();
+        return isComment ? commentStart : end == 0 ? size : end;
     }
-    /// Terminates the text, with which the backslash of a continuation by nothing goes.
+
+    /// Terminates the text. The backslash of a continuation by nothing is no part of it.
     void Finish() {
         line[size] = '\0';
         line[Length()] = '\0';
     }
 
-    /// Bytes taken.
-    [[nodiscard]] std::uint32_t Taken() const { return taken; }
-    /// Those of them that have no place in the line any more, since it was continued.
-    [[nodiscard]] std::uint32_t Released() const { return released; }
-    /// Line feeds taken.
-    [[nodiscard]] std::uint32_t Lines() const { return lines; }
-    [[nodiscard]] std::size_t Size() const { return size; }
-    [[nodiscard]] bool IsInComment() const { return isComment; }
-    /// Index of the last character that is no blank; `none` if there is none.
-    [[nodiscard]] std::size_t LastSignificant() const {
-        std::size_t end = size;
-        while (end != segment && HasClass(line[end - 1], CC_BLANK)) {
-            --end;
-        }
-        return end == segment ? lastBefore : end - 1;
-    }
+    char* line;                 ///< receives the text; has room for what is taken and 1 more
+    std::size_t size = 0;       ///< of what has been stored
+    std::size_t segment = 0;    ///< where what follows the last continuation begins
+    std::size_t endBefore = 0;  ///< what `SignificantEnd` was there
+    std::size_t commentStart = 0;
+    std::uint32_t taken = 0;     ///< bytes
+    std::uint32_t released = 0;  ///< bytes that have lost their place in the line
+    std::uint32_t lines = 0;     ///< line feeds taken
+    bool isString = false;
+    bool isComment = false;
 
   private:
     void Store(char c) {
-        if (isApart) {
-            isApart = false;
-            AddBreak();
+        if (!isComment && c == '"') {
+            isString = !isString;
+        } else if (!isComment && !isString && c == ';') {
+            isComment = true;
+            commentStart = SignificantEnd();
         }
-        if (!isComment) {
-            if (c == '"') {
-                isString = !isString;
-            } else if (c == ';' && !isString) {
-                isComment = true;
-                commentStart = LastSignificant() + 1;  // 0 for none
-            } else if (!isString) {
-                c = Raised(c);
-            }
-        }
-        line[size++] = c;
-    }
-
-    void AddBreak() {
-        if (breaks == nullptr) {
-            return;
-        }
-        while (!breaks->empty() && breaks->back().offset >= size) {
-            breaks->pop_back();
-        }
-        breaks->push_back({size, lines, column});
+        line[size++] = isComment || isString ? c : Raised(c);
     }
 
     // After a line feed: whether the line goes on, with what follows in the place of the backslash.
     bool Continues() {
-        const std::size_t last = LastSignificant();
-        if (last == none || line[last] != '\\') {
+        const std::size_t end = SignificantEnd();
+        if (end == 0 || line[end - 1] != '\\') {
             return false;
         }
-        released += static_cast<std::uint32_t>(size - last);
-        lastBefore = segment = size = last;
-        column = 0;
-        isApart = true;
+        released += static_cast<std::uint32_t>(size - end + 1);
+        segment = size = end - 1;
+        endBefore = end;
         return true;
     }
-
-    char* line;
-    std::vector<LineBreak>* breaks;
-    std::size_t size = 0;           // of what has been stored
-    std::size_t segment = 0;        // where what follows the last continuation begins
-    std::size_t lastBefore = none;  // last significant character before `segment`
-    std::size_t commentStart = 0;
-    std::size_t column = 0;  // of the next byte, in its physical line
-    std::uint32_t taken = 0;
-    std::uint32_t released = 0;
-    std::uint32_t lines = 0;
-    bool isString = false;
-    bool isComment = false;
-    bool isApart = false;  // the next character does not follow the one before in the file
 };
 
 }  // namespace korv

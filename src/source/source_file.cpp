@@ -45,7 +45,7 @@ auto Between(Chunk bytes) {
 // The bytes that need attention, and with them a few control characters that hardly ever occur.
 template <Run run>
 auto AttentionIn(Chunk bytes) {
-    auto attention = Between<'\n', LineCleaner::endOfText>(bytes);
+    auto attention = Between<'\n', endOfText>(bytes);
     if constexpr (run != Run::comment) {
         attention |= bytes == All('"');
     }
@@ -247,21 +247,22 @@ bool CSourceFile::CopyToLineFeed(const std::uint8_t** next, char** out, std::uin
 // Reads the next line, whatever it is.
 Status CSourceFile::ReadAnyLine(char* line, std::uint32_t maxLength, std::uint32_t* bytesOut,
                                 std::uint32_t* linesOut) {
-    LineCleaner cleaner(line);
+    *line = '\0';
     if (IsOpen() == 0) {
         return endOfFile;
     }
+    LineCleaner cleaner{line};
     bool goesOn = true;
     while (goesOn && (readPosition != endOfData || ReadBlock())) {
-        if (cleaner.Taken() - cleaner.Released() == maxLength) {
+        if (cleaner.taken - cleaner.released == maxLength) {
             return MSG_LINE_TOO_LONG;
         }
         goesOn = cleaner.Take(static_cast<char>(*readPosition++));
     }
     cleaner.Finish();
-    *bytesOut = cleaner.Taken();
-    *linesOut = cleaner.Lines();
-    return cleaner.Taken() == 0 ? endOfFile : 0;
+    *bytesOut = cleaner.taken;
+    *linesOut = cleaner.lines;
+    return cleaner.taken == 0 ? endOfFile : 0;
 }
 
 }  // namespace korv

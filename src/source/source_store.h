@@ -1,6 +1,7 @@
 /// Where the files of a run come from: `driver/disk_store.h`, or texts that a front end holds.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -12,7 +13,7 @@ namespace korv {
 
 /// All bytes of a file that is no source.
 struct FileBytes {
-    std::string path;        ///< full
+    platform::FoundPath found;
     std::string_view bytes;  ///< in `buffer`, or in the store until its next call
     platform::Buffer buffer;
 };
@@ -24,20 +25,19 @@ class SourceStore {
   public:
     virtual ~SourceStore() = default;
 
-    /// Forms the full path of `name`, whether there is such a file or not. Result: 0,
-    /// MSG_CANNOT_GET_DIRECTORY, or MSG_CANNOT_OPEN where relative names have lost their meaning.
-    [[nodiscard]] virtual Status Find(std::string_view name, std::string* path) = 0;
+    /// Resolves `name`, whether there is such a file or not. Result: 0, MSG_CANNOT_GET_DIRECTORY,
+    /// or MSG_CANNOT_OPEN where relative names have lost their meaning.
+    [[nodiscard]] virtual Status Find(std::string_view name, platform::FoundPath* file) = 0;
 
-    /// Enters the source `name`; `path` receives its full path. Result: as `Find`, and also
-    /// MSG_CANNOT_CHANGE_DIRECTORY; with that and with 0 it has been entered, and `Leave` belongs
-    /// to the call.
-    [[nodiscard]] virtual Status Enter(std::string_view name, std::string* path) = 0;
+    /// Enters the source `file`, which `Find` gave. False: its directory cannot be entered. `Leave`
+    /// belongs to each call, whatever its result.
+    [[nodiscard]] virtual bool Enter(const platform::FoundPath& file) = 0;
     /// Opens the source entered last, with its `path` and a read buffer of at most `bufferSize`
     /// bytes, if it takes one.
     [[nodiscard]] virtual CSourceFile Open(const std::string& path, std::uint32_t bufferSize) = 0;
-    /// Leaves the source entered last. Result: 0, or MSG_CANNOT_CHANGE_DIRECTORY with the
-    /// `directory` that cannot be gone back to.
-    [[nodiscard]] virtual Status Leave(std::string* directory) = 0;
+    /// Leaves the source entered last. Where that fails, the result is the directory that cannot be
+    /// gone back to.
+    [[nodiscard]] virtual std::optional<std::string> Leave() = 0;
 
     /// Reads the file `name` whole, but for a run that is aborted meanwhile. Result: 0 or
     /// MSG_CANNOT_OPEN.

@@ -7,6 +7,7 @@
 #include <set>
 
 #include "codegen/bin_block.h"
+#include "source/file_name_registry.h"
 #include "symbols/name_index.h"
 #include "symbols/patch.h"
 
@@ -43,6 +44,17 @@ TEST(BinBlockTest, GrowsInItsStepsAndNotBefore) {
         EXPECT_EQ(size, numbers[0]) << position;
         EXPECT_EQ(position, numbers[1]) << size;
     }
+}
+
+TEST(FileNameTest, KeepsItsSlotsApartFromWhatHasNone) {
+    korv::CFileNameRegistry names;
+    EXPECT_EQ(nullptr, names.NameOf(10));
+    EXPECT_STREQ("--Error--", names.NameOf(11));
+    for (int i = 1; i <= 11; ++i) {
+        EXPECT_EQ(i, names.AddName(korv::CopyOf(std::to_string(i))));
+    }
+    EXPECT_STREQ("11", names.NameOf(11));
+    EXPECT_STREQ("--Error--", names.NameOf(21));
 }
 
 TEST(NameIndexTest, FindsEachNameWhereverHashesCrowd) {

@@ -19,6 +19,7 @@
 #include <functional>
 
 #include "diagnostics/report_writer.h"
+#include "driver/assembler.h"
 #include "platform/platform.h"
 #include "run.h"
 
@@ -79,10 +80,11 @@ TEST(FaultDeathTest, AnyAllocationMayFailOnceOrForGood) {
     const std::string use = " DW F0+" + std::string(1100, '0') + "\n";  // of 16, the 15th is too much for a block
     std::string source =
         "L0: DW F0+0,F1,F2\n" + ReplaceAll(std::string(16, 'x'), "x", use) + " IF 1\n INCLUDE 7\n ENDIF\n";
-    std::string included = " DS 20735-$\n DW 5\n";
+    const std::string text = " DB \"" + std::string(200, 'x') + "\"\n";
+    std::string included = ReplaceAll(std::string(25, 'x'), "x", text) + " DS 20735-$\n DW 5\n";
     for (int i = 0; i < 1000; ++i) {
         source += i < 20 ? std::string(200, 'N') + std::to_string(i) + ": DW F0\n" : " DW F2\n";
-        included += i < 90 ? " DB \"" + std::string(200, 'x') + "\"\n" : "";
+        included += i < 65 ? text : "";
     }
     source += "F0: EQU F1+1\nF1: EQU F2+1\n BINCLUDE Dat.bin\nF2 LD A,F0\n";
     WriteFile("Good.Kor", source);
@@ -196,6 +198,37 @@ TEST(WaitTest, TakesOneByteOfAPipe) {
     EXPECT_EQ(0, RunChild({"korv", "/wait"}, fromPipe).status);  // the end of the input is a key
     close(ends[0]);
 }
+
+TEST(WaitTest, EndsWithAnEvent) {
+    const TempDir directory;
+    WriteFile("Main.Kor", " NOP\n");
+    int ends[2];
+    ASSERT_EQ(0, pipe(ends));
+    const auto breakOff = [](pid_t child) {
+        Await([] { return Contains(ReadFile("console").value_or(""), "Press a key"); });
+        kill(child, SIGTERM);
+    };
+    const auto fromPipe = [&](pid_t) { dup2(ends[0], STDIN_FILENO); };
+    const auto [status, console] = RunChild({"korv", "Main.Kor", "/wait"}, fromPipe, breakOff);
+    EXPECT_EQ(0, status);
+    EXPECT_TRUE(Contains(console, "\rShutdown received! Aborting program...\n")) << console;
+    close(ends[0]);
+    close(ends[1]);
+}
+
+TEST(SettledTest, ARefusedTargetCannotBeAborted) {
+    const TempDir directory;
+    korv::CAssembler assembler(std::tmpfile());
+    assembler.RunFromCommandLine("none", "a", "");
+    EXPECT_TRUE(assembler.flags.Has(korv::RF_SETTLED));
+}
+
+#ifndef NDEBUG
+TEST(BinBlockDeathTest, AWordHasAPosition) {
+    korv::BinBlock block(4096, stdout);
+    EXPECT_DEATH(static_cast<void>(block.PutWordAt(1, 0xFFFFFFFF)), "PutWordAt");
+}
+#endif
 
 TEST(WaitTest, TakesOneKeyOfATerminal) {
     const int keyboard = posix_openpt(O_RDWR | O_NOCTTY);

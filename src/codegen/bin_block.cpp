@@ -1,6 +1,7 @@
 #include "codegen/bin_block.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cstdlib>
 #include <cstring>
 #include <limits>
@@ -92,6 +93,7 @@ std::uint32_t BinBlock::PutByteAt(std::int32_t value, std::uint32_t at) {
 }
 
 std::uint32_t BinBlock::PutWordAt(std::int32_t value, std::uint32_t at) {
+    assert(at != std::numeric_limits<std::uint32_t>::max());
     Reserve(wordStep, static_cast<std::uint64_t>(at) + 1);
     std::uint8_t* const to = data + at;
     to[0] = static_cast<std::uint8_t>(value);

@@ -44,8 +44,8 @@ class BinBlock {
     /// Appends `count` zero bytes, just as that many calls of `PutByte` do.
     std::uint32_t PutZeros(std::uint32_t count);
 
-    /// Overwrites; neither moves `Position`. A position of all bits set writes nothing. Result:
-    /// `at`.
+    /// Overwrite, and do not move `Position`. Result: `at`. A byte at a position of all bits set is
+    /// not written; a word must not be put there.
     std::uint32_t PutByteAt(std::int32_t value, std::uint32_t at);
     std::uint32_t PutWordAt(std::int32_t value, std::uint32_t at);
 

@@ -1,62 +1,12 @@
 // Commands whose names are taken. BINCLUDE works; the others have fixed answers and read no
 // operands.
 
-#include <algorithm>
-#include <span>
-#include <string>
-
 #include "codegen/handlers.h"
 #include "driver/assembler.h"
 #include "driver/run_observer.h"
-#include "platform/platform.h"
+#include "source/source_store.h"
 
 namespace korv {
-namespace {
-
-// All bytes of a file, in memory.
-class FileContents {
-  public:
-    FileContents() = default;
-    ~FileContents() { platform::Free(data); }
-    FileContents(const FileContents&) = delete;
-    FileContents& operator=(const FileContents&) = delete;
-
-    // False: the file cannot be opened, or not be read to its end. An abort is an end too.
-    bool Read(CAssembler* assembler, const std::string& path) {
-        platform::InputFile file;
-        if (!file.Open(path)) {
-            return false;
-        }
-        assembler->filesRead.insert(file.Identity());
-        constexpr std::size_t blockSize = 0x1000000;  // takes no time that anybody would wait
-        std::size_t capacity = 0;
-        while (!assembler->flags.Has(RF_ABORT)) {
-            if (count == capacity) {
-                capacity = std::max(2 * capacity, static_cast<std::size_t>(file.Size()) + 4096);
-                void* const grown = platform::Reallocate(data, capacity);
-                if (grown == nullptr) {
-                    return false;
-                }
-                data = static_cast<std::uint8_t*>(grown);
-            }
-            const std::size_t got = file.Read(data + count, std::min(capacity - count, blockSize));
-            if (got == 0) {
-                return !file.Failed();
-            }
-            count += got;
-        }
-        return true;
-    }
-
-    [[nodiscard]] std::span<const std::uint8_t> Bytes() const { return {data, count}; }
-
-  private:
-    std::uint8_t* data = nullptr;
-    std::size_t count = 0;
-};
-
-}  // namespace
-
 Status AnswerOnly(CAssembler*, CStatement*, Status answer) {
     return answer;
 }
@@ -70,16 +20,15 @@ Status AssembleBinclude(CAssembler* assembler, CStatement* statement) {
     if (arg.IsQuoted() && name.size() > 1) {
         name = name.substr(1, name.size() - 2);
     }
-    std::string path;
-    FileContents contents;
-    if (!assembler->directory.Reaches(name) || !assembler->FindFile(name, &path) ||
-        !contents.Read(assembler, path)) {
-        assembler->ReportError(statement, MSG_CANNOT_OPEN, arg.text);
+    FileBytes file;
+    if (const Status status = assembler->sources->Read(name, &file); status != 0) {
+        assembler->ReportError(statement, status, arg.text);
     } else if (!assembler->flags.Has(RF_ABORT)) {  // which may have left a part of it
         if (assembler->observer != nullptr) {
-            assembler->observer->OnFile(path, 0, nullptr);
+            assembler->observer->OnFile(file.path, 0, nullptr);
         }
-        assembler->EmitBytes(contents.Bytes());
+        assembler->EmitBytes(
+            {reinterpret_cast<const std::uint8_t*>(file.bytes.data()), file.bytes.size()});
     }
     return 0;
 }

@@ -9,19 +9,17 @@
 #include <span>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "codegen/bin_block.h"
 #include "diagnostics/message_list.h"
 #include "driver/debug_stream.h"
+#include "driver/disk_store.h"
 #include "driver/statement.h"
-#include "platform/platform.h"
 #include "source/file_name_registry.h"
 #include "symbols/identifier_manager.h"
 
 namespace korv {
 
-class CSourceFile;
 class RunObserver;
 class WordSet;
 
@@ -39,7 +37,7 @@ inline constexpr std::uint32_t RF_NO_WARNINGS     = 0x0400;  ///< warnings are c
 inline constexpr std::uint32_t RF_BINARY          = 0x0800;  ///< .bin target with a load header
 inline constexpr std::uint32_t RF_MACRO_BODY      = 0x1000;  ///< a macro body is recorded; nothing sets it
 inline constexpr std::uint32_t RF_SYSTEM_IDS      = 0x2000;  ///< load the reserved words
-inline constexpr std::uint32_t RF_SETTLED         = 0x4000;  ///< the target is being written: too late to abort
+inline constexpr std::uint32_t RF_SETTLED         = 0x4000;  ///< the target is written or refused: too late to abort
 inline constexpr std::uint32_t RF_OBSERVED        = 0x8000;  ///< there is an observer
 // clang-format on
 
@@ -119,14 +117,9 @@ class CAssembler {
 
     // ---- source/include_files.cpp
 
-    /// Enters the file `name`, main or included, assembles it and leaves it, with the current
-    /// directory following. Result: 0, or why it could not be opened: MSG_CANNOT_OPEN or
-    /// MSG_OUT_OF_MEMORY.
-    std::int32_t AssembleIncludeFile(std::string_view name);
-    /// The full path of the file `name` that is to be read: from the directory of the file being
-    /// read, or, where there is none, from the first of `searchDirectories` that holds it. False:
-    /// it cannot be formed.
-    [[nodiscard]] bool FindFile(std::string_view name, std::string* path);
+    /// Enters the file `name`, main or included, assembles it and leaves it. Result: 0, or why it
+    /// could not be opened: MSG_CANNOT_OPEN or MSG_OUT_OF_MEMORY.
+    Status AssembleIncludeFile(std::string_view name);
 
     // ---- expr/scanner.cpp
 
@@ -213,11 +206,8 @@ class CAssembler {
     /// Full path of the file being read, null outside of files; `fileNames` owns it.
     const char* currentFileName = nullptr;
     RunObserver* observer = nullptr;  ///< not owned; null for none; by `Observe`
-    /// What the main file holds if it is not read by its name; not owned, by a front end.
-    const std::string* mainText = nullptr;
-    std::vector<std::string> searchDirectories;  ///< full paths; by a front end
-    platform::CurrentDirectory directory;        ///< where relative names begin; by include files
-    platform::FileSet filesRead;                 ///< which no report may be written over
+    DiskStore disk{&flags};
+    SourceStore* sources = &disk;  ///< of all files that are read; not owned; by a front end
     CMessageList errors;
     CMessageList warnings;
     CFileNameRegistry fileNames;
@@ -240,8 +230,8 @@ class CAssembler {
     bool Commit(platform::OutputFile* file, const std::string& name, bool isWhole = true);
     Status ScanOtherToken(std::string_view token, std::int32_t* value, UnresolvedName* unresolved);
     Status ScanTokens(std::string_view text, std::int32_t* value, UnresolvedName* unresolved);
-    std::int32_t EnterFile(std::string_view name);
-    std::int32_t OpenAndRun(const std::string& path, std::int32_t fileNumber);
+    Status EnterFile(std::string_view name);
+    Status OpenAndRun(const std::string& path, std::int32_t fileNumber);
 
     /// A token of the scanner whose closing quote was supplied.
     std::array<char, maxWord + 1> closedToken;

@@ -73,7 +73,7 @@ class Parser {
   public:
     void ParseWord(const char* word, int index) {
         place = index;
-        if (word[0] == '-' || (word[0] == '/' && !platform::IsAbsoluteFileName(word))) {
+        if (word[0] == '-' || (word[0] == '/' && !platform::IsFileNotSwitch(word))) {
             ParseSwitch(word);
         } else if (result.sourceArgument.data() == nullptr) {
             result.sourceArgument = word;

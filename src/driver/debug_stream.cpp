@@ -4,7 +4,6 @@
 #include "driver/debug_stream.h"
 
 #include <algorithm>
-#include <bit>
 
 #include "codegen/bin_block.h"
 #include "diagnostics/report_writer.h"
@@ -45,34 +44,16 @@ constexpr std::uint64_t mostOutside = 65536;
 
 }  // namespace
 
-DebugStream::~DebugStream() {
-    platform::Free(data);
-}
-
-char* DebugStream::Append(std::size_t count) {
-    if (count > capacity - used) {
-        constexpr std::size_t firstSize = 65536;
-        const std::size_t grownSize = std::bit_ceil(std::max(used + count, firstSize));
-        void* const grown = platform::Reallocate(data, grownSize);
-        if (grown == nullptr) {
-            return nullptr;
-        }
-        data = static_cast<char*>(grown);
-        capacity = grownSize;
-    }
-    used += count;
-    return data + used - count;
-}
-
 void DebugStream::AddText(std::initializer_list<std::string_view> pieces) {
     std::size_t size = 0;
     for (const std::string_view piece : pieces) {
         size += piece.size();
     }
-    if (char* to = Append(size)) {
+    if (char* to = records.Room(size)) {
         for (const std::string_view piece : pieces) {
             to = PutText(to, piece);
         }
+        records.Advance(size);
     }
 }
 
@@ -80,10 +61,12 @@ void DebugStream::AddRecord(std::uint32_t byteCount, std::string_view line) {
     if (byteCount == 0 && line.empty()) {
         return;
     }
-    if (char* const to = Append(headSize + line.size() + 1)) {
+    const std::size_t size = headSize + line.size() + 1;
+    if (char* const to = records.Room(size)) {
         to[0] = recordStart;
         StoreCount(to + 1, byteCount);
         *PutText(to + headSize, line) = recordEnd;
+        records.Advance(size);
     }
 }
 
@@ -92,7 +75,7 @@ void DebugStream::WriteListing(const CAssembler* assembler, platform::OutputFile
     const BinBlock& binary = assembler->binary;
     const FlagsWord& flags = assembler->flags;
     std::uint64_t offset = 0;
-    std::string_view rest(data, used);
+    std::string_view rest = records.Bytes();
     while (!rest.empty() && !flags.Has(RF_ABORT)) {
         if (rest.front() != recordStart) {
             out.Put(TakeUpTo(recordStart, &rest));

@@ -18,11 +18,6 @@ class CAssembler;
 /// room is left out, and the listing shows what was there before.
 class DebugStream {
   public:
-    DebugStream() = default;
-    ~DebugStream();
-    DebugStream(const DebugStream&) = delete;
-    DebugStream& operator=(const DebugStream&) = delete;
-
     /// Appends free text, given in pieces.
     void AddText(std::initializer_list<std::string_view> pieces);
     /// Appends the record of a line that produced `byteCount` bytes; none for an empty line without
@@ -34,12 +29,7 @@ class DebugStream {
     void WriteListing(const CAssembler* assembler, platform::OutputFile* listing) const;
 
   private:
-    // Where `count` bytes are appended; null: there is no room.
-    char* Append(std::size_t count);
-
-    char* data = nullptr;  // owned
-    std::size_t used = 0;
-    std::size_t capacity = 0;
+    platform::Buffer records;
 };
 
 }  // namespace korv

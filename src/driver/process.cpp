@@ -19,9 +19,8 @@ namespace {
 // The run in progress, null at all other times; the only way from the hooks to a run. Atomic, since
 // a console event may come at any moment.
 std::atomic<CAssembler*> theAssembler = nullptr;
-// What happens, and has happened, outside of it: a console event has come; the target is settled.
+// A console event has come, perhaps before the run.
 std::atomic<bool> hasEventCome = false;
-std::atomic<bool> isSettled = false;
 
 constexpr std::string_view title = "Brelloc Korv v2.00.025 *FAST*";
 
@@ -49,7 +48,6 @@ std::int32_t RunAssembler(const CommandLine& commandLine) {
     const std::int32_t result = assembler.RunFromCommandLine(
         commandLine.sourceArgument, commandLine.targetArgument, commandLine.flagString);
     // Before the object goes, so that no hook reaches it any more.
-    isSettled = assembler.flags.Has(RF_SETTLED);
     theAssembler = nullptr;
     platform::AwaitConsoleHandler();
     return result;
@@ -61,6 +59,7 @@ int RunProcess(int argumentCount, char** arguments) {
     platform::OpenStandardStreams();
     const platform::AllocationFailureHook previousHook =
         platform::SetAllocationFailureHook(OnAllocationFailure);
+    std::FILE* const previousStream = platform::SetMemoryFailureStream(stdout);
     [[maybe_unused]] static const int registration = std::atexit(OnExit);  // once a process
     std::array<char, 256> titleBuffer;
     if (const char* const line = MakeTitle(titleBuffer.data(), titleBuffer.size() - 1)) {
@@ -82,8 +81,8 @@ int RunProcess(int argumentCount, char** arguments) {
         std::fputs("                          \r", stdout);  // wipes the meter or the prompt
     }
     platform::SetConsoleHandler(nullptr);
-    isSettled = false;
     platform::SetAllocationFailureHook(previousHook);
+    platform::SetMemoryFailureStream(previousStream);
     return exitValue;
 }
 
@@ -117,10 +116,8 @@ int OnConsoleEvent(int event) {
     }
     hasEventCome = true;
     CAssembler* const assembler = theAssembler;
-    const bool isTooLate = assembler == nullptr
-                               ? isSettled.load()
-                               : (assembler->flags.Set(RF_ABORT) & RF_SETTLED) != 0;
-    if (!isTooLate) {  // what is done is not said to be undone
+    // Nothing is aborted any more once it is settled whether there will be a target.
+    if (assembler == nullptr || (assembler->flags.Set(RF_ABORT) & RF_SETTLED) == 0) {
         platform::WriteFromHandler(row->text);
     }
     return 1;

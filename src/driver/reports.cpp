@@ -16,9 +16,9 @@ constexpr char rule[] = "-------------------------------------------------------
 bool CAssembler::Open(platform::OutputFile* file, const std::string& name,
                       platform::OutputFile::Kind kind) {
     const bool isKept =
-        kind == platform::OutputFile::Kind::report || platform::MayBeOneFile(sourceName, name);
-    return directory.Reaches(name) &&
-           file->Open(name, kind, isKept ? filesRead : platform::FileSet());
+        kind == platform::OutputFile::Kind::report || platform::IsProtectedFrom(sourceName, name);
+    return disk.Reaches(name) &&
+           file->Open(name, kind, isKept ? disk.FilesRead() : platform::FileSet());
 }
 
 // The last step of each file that is written, if it is whole. Result: whether it is there.
@@ -118,8 +118,9 @@ void CAssembler::WriteTarget() {
     const bool isOpen = !gotErrors && !flags.Has(RF_ABORT) &&
                         Open(&file, targetName, platform::OutputFile::Kind::target);
     // A break up to here, though it may have no message any more, keeps the target from being
-    // written. One that comes later is passed over.
-    if (gotErrors || (flags.Set(RF_SETTLED) & RF_ABORT) != 0) {
+    // written. One that comes later has no effect.
+    const bool isAborted = (flags.Set(RF_SETTLED) & RF_ABORT) != 0;
+    if (gotErrors || isAborted) {
         std::fprintf(output, "[Korv] Got errors! Binary output NOT saved to disk!\n");
         return;
     }

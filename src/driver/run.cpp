@@ -72,6 +72,7 @@ std::int32_t CAssembler::Run() {
         errors.Report(MSG_NO_SOURCE_NAME, noText);
     } else if (sourceName == targetName) {
         errors.Report(MSG_SOURCE_IS_TARGET, noText);
+        disk.Keep(sourceName);  // a report may have that name too
     } else {
         AssembleSource();
     }

@@ -4,13 +4,13 @@
 
 #include "expr/operands.h"
 
-#include <cstdio>
 #include <cstdlib>
 #include <new>
 #include <utility>
 
 #include "driver/assembler.h"
 #include "expr/token.h"
+#include "platform/platform.h"
 #include "source/char_class.h"
 
 namespace korv {
@@ -57,7 +57,7 @@ lsArg* KO_Args::NewRecord() {
     } else {
         arg = new (std::nothrow) lsArg;
         if (arg == nullptr) {
-            std::printf("Could not allocate memory for lsArg!\n");
+            platform::PrintMemoryFailure("Could not allocate memory for lsArg!");
             std::exit(-1);
         }
     }

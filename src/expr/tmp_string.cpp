@@ -21,7 +21,7 @@ void CtmpStringManager::MakeBlock(std::size_t size) {
     char* const data = block == nullptr ? nullptr : static_cast<char*>(platform::Allocate(size));
     if (data == nullptr) {
         delete block;
-        std::printf("Could not allocate memory for CtmpStringBlock!\n");
+        platform::PrintMemoryFailure("Could not allocate memory for CtmpStringBlock!");
         std::exit(-1);
     }
     block->data = data;

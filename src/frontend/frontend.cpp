@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "driver/assembler.h"
+#include "driver/disk_store.h"
 #include "expr/tmp_string.h"
 #include "frontend/messages.h"
 #include "frontend/options.h"
@@ -120,6 +121,43 @@ bool WriteAll(const std::vector<Output>& outputs, const platform::FileSet& files
     return true;
 }
 
+// The disk, with directories to search, and a main file that may have been read before.
+class Sources : public DiskStore {
+  public:
+    using DiskStore::DiskStore;
+
+    void AddDirectory(std::string_view name) {
+        if (std::string path = directory.FullPath(name).path; !path.empty()) {
+            searched.push_back(std::move(path));
+        }
+    }
+    CSourceFile Open(const std::string& path, std::uint32_t bufferSize) override {
+        const std::string* const text = std::exchange(mainText, nullptr);
+        return text != nullptr ? CSourceFile::OfText(*text) : DiskStore::Open(path, bufferSize);
+    }
+
+    const std::string* mainText = nullptr;  // not owned; null: the main file is read by its name
+
+  private:
+    platform::FoundPath Locate(std::string_view name) override {
+        platform::FoundPath found = directory.FullPath(name);
+        if (std::exchange(isMain, false) || found.path.empty() || found.isFile ||
+            platform::IsAbsolutePath(name)) {
+            return found;
+        }
+        for (const std::string& elsewhere : searched) {
+            platform::FoundPath other = directory.FullPath(elsewhere + '/' + std::string(name));
+            if (other.isFile) {
+                return other;
+            }
+        }
+        return found;
+    }
+
+    std::vector<std::string> searched;  // full paths
+    bool isMain = true;                 // the next name is that of the main file
+};
+
 class Frontend {
   public:
     explicit Frontend(Options newOptions)
@@ -136,7 +174,7 @@ class Frontend {
         bool failed = false;
         if (TakeSource(options.source, &text, &failed)) {
             isFromStream = true;
-            assembler.mainText = &text;
+            sources.mainText = &text;
             messages.texts.SetText(1, text);
             if (options.source == standardStream) {
                 messages.SetStandardInput();
@@ -156,11 +194,9 @@ class Frontend {
   private:
     void Assemble() {
         for (const std::string& directory : options.includes) {
-            std::string path;
-            if (assembler.directory.FullPath(directory, &path)) {
-                assembler.searchDirectories.push_back(path);
-            }
+            sources.AddDirectory(directory);
         }
+        assembler.sources = &sources;
         assembler.sourceName = options.source;
         assembler.flags.Set(RF_SYSTEM_IDS | (options.format == ImageFormat::bin ? RF_BINARY : 0));
         assembler.AssembleSource();
@@ -183,7 +219,7 @@ class Frontend {
             return statusErrors;
         }
         const bool isDone =
-            !AreRefused(outputs, ReadNames()) && WriteAll(outputs, assembler.filesRead);
+            !AreRefused(outputs, ReadNames()) && WriteAll(outputs, sources.FilesRead());
         return isDone ? statusDone : statusFailure;
     }
 
@@ -225,6 +261,7 @@ class Frontend {
     Options options;
     Messages messages;
     CAssembler assembler;
+    Sources sources{&assembler.flags};
     RunWatch watch;
     bool isFromStream = false;
 };

@@ -119,8 +119,8 @@ std::string QuotedInclude(CAssembler* assembler, const Fault& fault) {
     }
     name = name.substr(1, name.size() - 2);
     std::string path;
-    const bool isThere =
-        assembler->FindFile(name, &path) && platform::KindOf(path) == platform::FileKind::regular;
+    const bool isThere = assembler->sources->Find(name, &path) == 0 &&
+                         platform::KindOf(path) == platform::FileKind::regular;
     return isThere ? "write the name without quotes: INCLUDE " + std::string(name) : "";
 }
 

@@ -73,12 +73,10 @@ std::string Counted(std::uint64_t count, std::string_view what) {
 }  // namespace
 
 Messages::Messages(std::FILE* stream, bool isColored, std::uint64_t maxErrors)
-    : stream(stream), isColored(isColored), maxErrors(maxErrors) {
-    platform::CurrentDirectory directory;
-    if (!directory.FullPath(".", &startDirectory)) {
-        startDirectory.clear();
-    }
-}
+    : stream(stream),
+      isColored(isColored),
+      maxErrors(maxErrors),
+      startDirectory(platform::CurrentDirectory().FullPath(".").path) {}
 
 void Messages::AddFile(std::int32_t number, const std::string& path, const MessagePlace& place) {
     const auto index = static_cast<std::size_t>(number);

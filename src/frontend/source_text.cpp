@@ -5,88 +5,21 @@
 #include <utility>
 
 #include "platform/platform.h"
-#include "source/char_class.h"
+#include "source/line_cleaner.h"
 
 namespace korv {
 namespace {
 
-// Cleans one logical line byte by byte, by the rules of the reader, and keeps where each character
-// has come from. What has been stored after `size` stays until it is overwritten: a line that only
-// continues another ends in the backslash of that.
-class LineCleaner {
-  public:
-    // Takes a byte. False: it ends the line.
-    bool Take(char c, LogicalLine::Place place) {
-        constexpr char endOfText = 0x1A;
-        if (c == '\n') {
-            return Continues();
-        }
-        if (c == '\r' || c == endOfText) {
-            return true;
-        }
-        if (isComment) {
-            Store(c, place);
-            return true;
-        }
-        if (c == '"') {
-            isString = !isString;
-        } else if (c == ';' && !isString) {
-            isComment = true;
-            commentStart = LastSignificant() + 1;
-        }
-        Store(isString ? c : Raised(c), place);
-        return true;
+// The place of the character at `offset` of a line that begins at physical line `first`.
+LogicalLine::Place PlaceOf(std::size_t offset, std::int32_t first,
+                           const std::vector<LineBreak>& breaks) {
+    const auto next = std::ranges::upper_bound(breaks, offset, {}, &LineBreak::offset);
+    if (next == breaks.begin()) {
+        return {first, offset};
     }
-
-    LogicalLine Finished() {
-        const std::ptrdiff_t last = LastSignificant();
-        std::size_t end = last < 0 ? size : static_cast<std::size_t>(last) + 1;
-        if (isComment) {
-            end = static_cast<std::size_t>(commentStart);
-        }
-        line.text.resize(end);
-        line.places.resize(end);
-        return std::move(line);
-    }
-
-  private:
-    void Store(char c, LogicalLine::Place place) {
-        line.text.resize(std::max(line.text.size(), size + 1));
-        line.places.resize(line.text.size());
-        line.text[size] = c;
-        line.places[size++] = place;
-    }
-
-    // Index of the last character that is no blank; -1 for none.
-    [[nodiscard]] std::ptrdiff_t LastSignificant() const {
-        std::size_t end = size;
-        while (end != segment && HasClass(line.text[end - 1], CC_BLANK)) {
-            --end;
-        }
-        return end == segment ? lastBefore : static_cast<std::ptrdiff_t>(end) - 1;
-    }
-
-    bool Continues() {
-        const std::ptrdiff_t last = LastSignificant();
-        if (last < 0 || line.text[static_cast<std::size_t>(last)] != '\\') {
-            return false;
-        }
-        if (isComment) {
-            line.continuedComments.push_back(line.places[static_cast<std::size_t>(last)]);
-        }
-        lastBefore = last;
-        segment = size = static_cast<std::size_t>(last);
-        return true;
-    }
-
-    LogicalLine line;
-    std::size_t size = 0;            // of what has been stored
-    std::size_t segment = 0;         // where what follows the last continuation begins
-    std::ptrdiff_t lastBefore = -1;  // last significant character before `segment`
-    std::ptrdiff_t commentStart = 0;
-    bool isString = false;
-    bool isComment = false;
-};
+    const LineBreak& from = next[-1];
+    return {first + static_cast<std::int32_t>(from.line), from.column + offset - from.offset};
+}
 
 // Another kind of file was read once, and has no end or nothing more to give.
 bool OpenAgain(const std::string& path, platform::InputFile* file) {
@@ -113,19 +46,28 @@ std::string_view SourceText::Line(std::int32_t number) const {
 }
 
 LogicalLine SourceText::Logical(std::int32_t number) const {
-    LineCleaner cleaner;
+    LogicalLine line;
+    std::vector<LineBreak> breaks;
+    line.text.resize(256);
+    LineCleaner cleaner(line.text.data(), &breaks);
     const auto index = static_cast<std::size_t>(number) - 1;
-    std::size_t start = number < 1 || index >= starts.size() ? contents.size() : starts[index];
-    for (std::size_t at = start; at != contents.size(); ++at) {
-        if (!cleaner.Take(contents[at], {number, at - start})) {
-            break;
+    std::size_t at = number < 1 || index >= starts.size() ? contents.size() : starts[index];
+    for (bool goesOn = true; goesOn && at != contents.size(); ++at) {
+        if (cleaner.Size() + 1 == line.text.size()) {
+            line.text.resize(2 * line.text.size());
+            cleaner.MoveTo(line.text.data());
         }
-        if (contents[at] == '\n') {
-            ++number;
-            start = at + 1;
+        const std::size_t last = contents[at] == '\n' ? cleaner.LastSignificant() : 0;
+        goesOn = cleaner.Take(contents[at]);
+        if (goesOn && contents[at] == '\n' && cleaner.IsInComment()) {
+            line.continuedComments.push_back(PlaceOf(last, number, breaks));
         }
     }
-    return cleaner.Finished();
+    line.text.resize(cleaner.Length());
+    for (std::size_t offset = 0; offset != line.text.size(); ++offset) {
+        line.places.push_back(PlaceOf(offset, number, breaks));
+    }
+    return line;
 }
 
 void SourceTexts::SetText(std::int32_t number, const std::string& contents) {

@@ -21,12 +21,6 @@ class FaultPoint {
         ++calls;
         return first <= calls && calls <= last;
     }
-    /// Whether the next call of `Hits` is true; where it is not, this one stands for it.
-    bool IsNext() {
-        const bool isHit = Hits();
-        calls -= isHit ? 1 : 0;
-        return isHit;
-    }
 
   private:
     std::int64_t first = 0;  // call that is true, and the last one; 0 for none

@@ -1,7 +1,9 @@
-// One road for all memory, so that the failure hook hears of every allocation that fails, those of
-// `new` included. Nothing here throws: where `new` has no memory, the hook has printed what there
-// is to say, and the process ends.
+// All memory is allocated here, so that the failure hook hears of every allocation that fails,
+// those of `new` included. Nothing here throws: where `new` has no memory, the hook has printed
+// what there is to say, and the process ends.
 
+#include <algorithm>
+#include <bit>
 #include <cstdlib>
 #include <new>
 #include <utility>
@@ -14,6 +16,7 @@ namespace {
 
 // Process-wide, as the allocator itself is.
 AllocationFailureHook failureHook = nullptr;
+std::FILE* failureStream = nullptr;  // null: standard error
 FaultPoint faults;
 
 // Calls the hook if `memory` is null; an allocation that fails inside the hook is not reported
@@ -37,10 +40,8 @@ void* Reallocate(void* memory, std::size_t size) {
     return Reported(faults.Hits() ? nullptr : std::realloc(memory, size == 0 ? 1 : size), size);
 }
 
-// Where this one is to fail on purpose, so is the next one: a failure that nobody hears of would be
-// none.
 void* TryReallocate(void* memory, std::size_t size) {
-    return faults.IsNext() ? nullptr : std::realloc(memory, size);
+    return std::realloc(memory, size);
 }
 
 void* Allocate(std::size_t size) {
@@ -54,6 +55,28 @@ void* AllocateZeroed(std::size_t size) {
 
 void Free(void* memory) {
     std::free(memory);
+}
+
+char* Buffer::Room(std::size_t count) {
+    if (count > capacity - used) {
+        constexpr std::size_t firstSize = 4096;
+        const std::size_t grownSize = std::bit_ceil(std::max(used + count, firstSize));
+        void* const grown = Reallocate(data, grownSize);
+        if (grown == nullptr) {
+            return nullptr;
+        }
+        data = static_cast<char*>(grown);
+        capacity = grownSize;
+    }
+    return data + used;
+}
+
+std::FILE* SetMemoryFailureStream(std::FILE* stream) {
+    return std::exchange(failureStream, stream);
+}
+
+void PrintMemoryFailure(const char* line) {
+    std::fprintf(failureStream == nullptr ? stderr : failureStream, "%s\n", line);
 }
 
 void FailAllocation(std::int64_t n, bool andAllAfter) {

@@ -40,10 +40,40 @@ AllocationFailureHook SetAllocationFailureHook(AllocationFailureHook hook);
 /// Like `Allocate`, keeping the contents. On failure the result is null and `memory` stays valid.
 [[nodiscard]] void* Reallocate(void* memory, std::size_t size);
 
-/// Like `Reallocate`, but the hook does not hear of a failure: the caller has another way.
+/// Like `Reallocate`, but without the hook: the caller has another way. Tests cannot let it fail.
 [[nodiscard]] void* TryReallocate(void* memory, std::size_t size);
 
 void Free(void* memory);
+
+/// Bytes in one piece of memory that grows as they are appended. A failure to grow is a result,
+/// and does not end the process.
+class Buffer {
+  public:
+    Buffer() = default;
+    ~Buffer() { Free(data); }
+    Buffer(const Buffer&) = delete;
+    Buffer& operator=(const Buffer&) = delete;
+
+    /// Where `count` further bytes can be written; null when there is no memory for them, and the
+    /// bytes that are there stay. `Advance` then appends as many of them as have been written.
+    [[nodiscard]] char* Room(std::size_t count);
+    void Advance(std::size_t count) { used += count; }
+
+    /// Valid until the next `Room`.
+    [[nodiscard]] std::string_view Bytes() const { return {data, used}; }
+
+  private:
+    char* data = nullptr;  // owned
+    std::size_t used = 0;
+    std::size_t capacity = 0;
+};
+
+/// Where `PrintMemoryFailure` prints: standard error at first. Result: the previous stream, which
+/// is not owned.
+std::FILE* SetMemoryFailureStream(std::FILE* stream);
+
+/// Prints `line`, which says for what no memory could be had.
+void PrintMemoryFailure(const char* line);
 
 /// For tests: lets the n-th allocation from here on fail, and every later one too if
 /// `andAllAfter`. 0 ends it.
@@ -69,14 +99,15 @@ struct PathParts {
 /// Whether `word` of the command line, which begins with "/", is an absolute file name and no
 /// switch: something stands before its last "/", and that is an existing directory. Never so where
 /// there are drives.
-[[nodiscard]] bool IsAbsoluteFileName(const char* word);
+[[nodiscard]] bool IsFileNotSwitch(const char* word);
 
 /// Whether `name` means the same wherever the current directory is, but for a drive.
 [[nodiscard]] bool IsAbsolutePath(std::string_view name);
 
-/// Whether a file that was read as `source` may have to be kept from being written as `target`:
-/// where case makes files differ, names that differ in nothing else; elsewhere, any.
-[[nodiscard]] bool MayBeOneFile(std::string_view source, std::string_view target);
+/// Whether the file that was read as `source` must not be replaced by writing `target`, should the
+/// two be one file: where case makes files differ, if the names differ in nothing else but
+/// separators; elsewhere always.
+[[nodiscard]] bool IsProtectedFrom(std::string_view source, std::string_view target);
 
 /// Whether two names lead to one regular file, or to one place where there is none yet.
 [[nodiscard]] bool LeadToOneFile(std::string_view a, std::string_view b);
@@ -85,25 +116,28 @@ struct PathParts {
 enum class FileKind { regular, pipe, other };
 [[nodiscard]] FileKind KindOf(std::string_view name);
 
-/// The current directory, which follows the file being read, and the way from a name to a file. One
-/// a run, and nobody else changes the current directory meanwhile.
+/// Where a name of a file to be read leads.
+struct FoundPath {
+    std::string path;     ///< full; empty: the current directory cannot be had, or the path is
+                          ///< longer than the system allows
+    bool isFile = false;  ///< whether it exists; then the path is spelled as on disk
+};
+
+/// The current directory, which follows the file being read, and the way from a name to a file.
+/// Nobody else changes the current directory during a run.
 class CurrentDirectory {
   public:
     CurrentDirectory();
     ~CurrentDirectory();
 
-    /// Forms the full path of a file to be read: the current directory joined with `name`, "." and
-    /// ".." removed as text; spelled as on disk where the file is found, else as written. False:
-    /// the current directory cannot be had, or the path is longer than the system allows.
-    [[nodiscard]] bool FullPath(std::string_view name, std::string* path);
+    /// The full path of a file to be read: the current directory joined with `name`, "." and ".."
+    /// removed as text; spelled as on disk where the file is found, else as written.
+    [[nodiscard]] FoundPath FullPath(std::string_view name);
 
-    /// Whether the path that `FullPath` gave last is that of a file.
-    [[nodiscard]] bool IsFound() const { return isFound; }
-
-    /// Makes the directory of `path`, which is what `FullPath` gave last, the current one, found
-    /// without regard to case. False: there is none, or it cannot be entered; the current one
-    /// stays. `Leave` belongs to each call, whatever its result.
-    [[nodiscard]] bool EnterDirectoryOf(const std::string& path);
+    /// Makes the directory of `file`, which `FullPath` gave, the current one, found without regard
+    /// to case. False: there is none, or it cannot be entered; the current one stays. `Leave`
+    /// belongs to each call, whatever its result.
+    [[nodiscard]] bool EnterDirectoryOf(const FoundPath& file);
     /// Goes back to where the last `EnterDirectoryOf` came from, also to a directory that cannot
     /// be read or has no name. False: that fails.
     [[nodiscard]] bool Leave();
@@ -118,8 +152,7 @@ class CurrentDirectory {
   private:
     struct State;
     std::unique_ptr<State> state;
-    bool isFound = false;  // the last full path is that of a file
-    bool isLost = false;   // a `Leave` has failed
+    bool isLost = false;  // a `Leave` has failed
 };
 
 // ----------------------------------------------------------------------------------------------------

@@ -49,6 +49,11 @@ nanoseconds TimeOfChange(const struct stat& status) {
     return std::chrono::seconds(status.st_mtim.tv_sec) + nanoseconds(status.st_mtim.tv_nsec);
 }
 
+// False: `path` leads to nothing, or the system does not say.
+bool Ask(const std::string& path, struct stat* status) {
+    return Requested([&] { return stat(path.c_str(), status); }) == 0;
+}
+
 bool Exists(const std::string& path) {
     struct stat status;
     return Requested([&] { return lstat(path.c_str(), &status); }) == 0;
@@ -78,7 +83,7 @@ class Listing {
     // first in byte order of those that match when case is ignored. False: there is none.
     bool Find(const std::string& directory, std::string* name) {
         struct stat status;
-        const bool isThere = Requested([&] { return stat(directory.c_str(), &status); }) == 0;
+        const bool isThere = Ask(directory, &status);
         const bool isKnown =
             isThere && IdentityOf(status) == identity && TimeOfChange(status) == changed;
         if (!isKnown && !(isThere && Read(directory, status))) {
@@ -139,20 +144,20 @@ std::size_t DriveLength(std::string_view) {
     return 0;
 }
 
-bool IsAbsoluteFileName(const char* word) {
+bool IsFileNotSwitch(const char* word) {
     const std::string path = word;
     const std::size_t last = path.find_last_of('/');
     struct stat status;
-    return last > 0 && stat(path.substr(0, last).c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+    return last > 0 && Ask(path.substr(0, last), &status) && S_ISDIR(status.st_mode);
 }
 
-bool MayBeOneFile(std::string_view source, std::string_view target) {
-    return Raised(std::string(source)) == Raised(std::string(target));
+bool IsProtectedFrom(std::string_view source, std::string_view target) {
+    return Raised(Translated(source)) == Raised(Translated(target));
 }
 
 FileKind KindOf(std::string_view name) {
     struct stat status;
-    const bool exists = stat(Translated(name).c_str(), &status) == 0;
+    const bool exists = Ask(Translated(name), &status);
     return exists && S_ISREG(status.st_mode)    ? FileKind::regular
            : exists && S_ISFIFO(status.st_mode) ? FileKind::pipe
                                                 : FileKind::other;
@@ -161,7 +166,7 @@ FileKind KindOf(std::string_view name) {
 bool LeadToOneFile(std::string_view a, std::string_view b) {
     std::string first = Translated(a), second = Translated(b);
     struct stat one, other;
-    if (stat(first.c_str(), &one) == 0 && stat(second.c_str(), &other) == 0) {
+    if (Ask(first, &one) && Ask(second, &other)) {
         return S_ISREG(one.st_mode) && IdentityOf(one) == IdentityOf(other);
     }
     std::error_code failure;
@@ -214,41 +219,43 @@ CurrentDirectory::CurrentDirectory() : state(std::make_unique<State>()) {}
 
 CurrentDirectory::~CurrentDirectory() = default;
 
-bool CurrentDirectory::FullPath(std::string_view name, std::string* path) {
-    path->clear();
+FoundPath CurrentDirectory::FullPath(std::string_view name) {
+    std::string path;
     if (!IsAbsolutePath(name)) {
         if (!state->HasPath()) {
-            return false;
+            return {};
         }
-        *path = state->levels.back().path;
+        path = state->levels.back().path;
     }
     for (std::size_t start = 0; start < name.size();) {
         const std::size_t end = std::min(name.find_first_of(separators, start), name.size());
         const std::string_view component = name.substr(start, end - start);
         if (component == "..") {
-            path->erase(std::min(path->find_last_of('/'), path->size()));
+            path.erase(std::min(path.find_last_of('/'), path.size()));
         } else if (!component.empty() && component != ".") {
-            if (*path != "/") {
-                *path += '/';
+            if (path != "/") {
+                path += '/';
             }
-            *path += component;
+            path += component;
         }
         start = end + 1;
     }
-    if (path->empty()) {
-        *path = "/";
+    if (path.empty()) {
+        path = "/";
     }
-    const bool fits = path->size() < PATH_MAX;
-    isFound = fits && state->SpellAsOnDisk(path);
-    return fits;
+    if (path.size() >= PATH_MAX) {
+        return {};
+    }
+    const bool isFile = state->SpellAsOnDisk(&path);
+    return {std::move(path), isFile};
 }
 
-bool CurrentDirectory::EnterDirectoryOf(const std::string& path) {
+bool CurrentDirectory::EnterDirectoryOf(const FoundPath& file) {
     State::Level& here = state->levels.back();
-    std::string directory = Divided(path).first;
+    std::string directory = Divided(file.path).first;
     // A path that leads to a file of the current directory leads there too. One that leads nowhere
     // may not: the path of the current directory need not be passable.
-    if (isFound && state->HasPath() && here.path == directory) {
+    if (file.isFile && state->HasPath() && here.path == directory) {
         ++here.stays;
         return true;
     }

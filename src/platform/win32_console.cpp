@@ -32,6 +32,11 @@ HANDLE HandleOf(std::FILE* stream) {
     return platform::HandleOf(_fileno(stream));
 }
 
+// Events are passed on by the system's own numbers.
+static_assert(EVENT_CTRL_C == CTRL_C_EVENT && EVENT_CTRL_BREAK == CTRL_BREAK_EVENT);
+static_assert(EVENT_CLOSE == CTRL_CLOSE_EVENT && EVENT_LOGOFF == CTRL_LOGOFF_EVENT);
+static_assert(EVENT_SHUTDOWN == CTRL_SHUTDOWN_EVENT);
+
 BOOL WINAPI OnConsoleEvent(DWORD event) {
     AcquireSRWLockExclusive(&handlerLock);
     const ConsoleHandler handler = consoleHandler;

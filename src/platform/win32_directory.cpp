@@ -66,11 +66,11 @@ std::size_t DriveLength(std::string_view name) {
     return HasDrive(Wide(name.substr(0, driveLength))) ? driveLength : 0;
 }
 
-bool IsAbsoluteFileName(const char*) {
+bool IsFileNotSwitch(const char*) {
     return false;
 }
 
-bool MayBeOneFile(std::string_view, std::string_view) {
+bool IsProtectedFrom(std::string_view, std::string_view) {
     return true;
 }
 
@@ -157,18 +157,17 @@ CurrentDirectory::CurrentDirectory() : state(std::make_unique<State>()) {
 
 CurrentDirectory::~CurrentDirectory() = default;
 
-bool CurrentDirectory::FullPath(std::string_view name, std::string* path) {
+FoundPath CurrentDirectory::FullPath(std::string_view name) {
     std::wstring full = FullName(state->Joined(Wide(name)));
     if (FailsOnPurpose() || !HasDrive(full) || full.size() > longestPath) {
-        return false;
+        return {};
     }
-    isFound = state->SpellAsOnDisk(&full);
-    *path = Narrow(full);
-    return true;
+    const bool isFile = state->SpellAsOnDisk(&full);
+    return {Narrow(full), isFile};
 }
 
-bool CurrentDirectory::EnterDirectoryOf(const std::string& path) {
-    std::wstring directory = DirectoryOf(Wide(path));
+bool CurrentDirectory::EnterDirectoryOf(const FoundPath& file) {
+    std::wstring directory = DirectoryOf(Wide(file.path));
     const bool isSame = Narrow(directory) == state->levels.back();
     const bool isThere = isSame || (state->SpellAsOnDisk(&directory) && IsDirectory(directory));
     state->levels.push_back(isThere ? Narrow(directory) : state->levels.back());

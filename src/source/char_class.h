@@ -8,12 +8,11 @@
 
 namespace korv {
 
-inline constexpr std::uint8_t CC_LETTER = 0x01;     ///< A to Z, a to z
-inline constexpr std::uint8_t CC_DIGIT = 0x02;      ///< 0 to 9
-inline constexpr std::uint8_t CC_HEX = 0x04;        ///< 0 to 9, A to F, a to i, "?", "@", "_"
-inline constexpr std::uint8_t CC_BLANK = 0x08;      ///< tab, vertical tab, space
-inline constexpr std::uint8_t CC_LOWER = 0x10;      ///< a to z
-inline constexpr std::uint8_t CC_BACKSLASH = 0x20;  ///< continues a line
+inline constexpr std::uint8_t CC_LETTER = 0x01;  ///< A to Z, a to z
+inline constexpr std::uint8_t CC_DIGIT = 0x02;   ///< 0 to 9
+inline constexpr std::uint8_t CC_HEX = 0x04;     ///< 0 to 9, A to F, a to i, "?", "@", "_"
+inline constexpr std::uint8_t CC_BLANK = 0x08;   ///< tab, vertical tab, space
+inline constexpr std::uint8_t CC_LOWER = 0x10;   ///< a to z
 
 /// What a name goes on with, and a label is made of.
 inline constexpr std::uint8_t CC_NAME = CC_LETTER | CC_DIGIT | CC_HEX;
@@ -33,7 +32,6 @@ inline constexpr auto charClass = [] {
     add("0123456789", CC_DIGIT | CC_HEX);
     add("ABCDEFabcdefghi?@_", CC_HEX);  // up to i, unlike A to F
     add("\t\v ", CC_BLANK);
-    add("\\", CC_BACKSLASH);
     return table;
 }();
 

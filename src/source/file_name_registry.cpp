@@ -1,9 +1,6 @@
 #include "source/file_name_registry.h"
 
-#include <cstdio>
 #include <new>
-
-#include "platform/platform.h"
 
 namespace korv {
 
@@ -16,25 +13,20 @@ std::unique_ptr<char[]> CopyOf(std::string_view text) {
 }
 
 CFileNameRegistry::~CFileNameRegistry() {
-    for (std::int32_t i = 0; i < count; ++i) {
-        delete[] names[i];
+    for (std::int32_t number = 1; number <= count; ++number) {
+        delete[] NameOf(number);
     }
-    platform::Free(names);
 }
 
 std::int32_t CFileNameRegistry::AddName(std::unique_ptr<char[]> name) {
-    if (count == capacity) {
-        const std::int32_t grownCapacity = capacity == 0 ? 10 : capacity * 2;
-        void* const grown =
-            platform::Reallocate(names, static_cast<std::size_t>(grownCapacity) * sizeof(char*));
-        if (grown == nullptr) {
-            std::printf("realloc error\n");
-            return 0;
-        }
-        names = static_cast<char**>(grown);
-        capacity = grownCapacity;
+    char* const slot = names.Room(sizeof(char*));
+    if (slot == nullptr) {
+        platform::PrintMemoryFailure("realloc error");
+        return 0;
     }
-    names[count] = name.release();
+    new (slot) const char*(name.release());
+    names.Advance(sizeof(char*));
+    capacity *= count == capacity ? 2 : 1;
     return ++count;
 }
 
@@ -42,7 +34,11 @@ const char* CFileNameRegistry::NameOf(std::int32_t number) const {
     if (number == 0) {
         return "Uhm, I DUNNO! ;p";
     }
-    return number < 0 || number > count ? "--Error--" : names[number - 1];
+    if (number < 0 || number > capacity) {
+        return "--Error--";
+    }
+    return number > count ? nullptr
+                          : reinterpret_cast<const char* const*>(names.Bytes().data())[number - 1];
 }
 
 }  // namespace korv

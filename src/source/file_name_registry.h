@@ -6,6 +6,8 @@
 #include <memory>
 #include <string_view>
 
+#include "platform/platform.h"
+
 namespace korv {
 
 /// A copy of `text`, terminated; null when there is no memory for it.
@@ -18,17 +20,17 @@ class CFileNameRegistry {
     CFileNameRegistry(const CFileNameRegistry&) = delete;
     CFileNameRegistry& operator=(const CFileNameRegistry&) = delete;
 
-    /// Takes over `name`. Result: its number, from 1. When the table cannot grow, that is said on
-    /// standard output, the name is released and the number is 0.
+    /// Takes over `name`. Result: its number, from 1. When the table cannot grow, that is printed
+    /// as a memory failure, the name is released and the number is 0.
     std::int32_t AddName(std::unique_ptr<char[]> name);
 
-    /// The text for a message, valid as long as the registry: the name, or a phrase for 0 (no file)
-    /// and for a number that was never given out.
+    /// The text for a message, valid as long as the registry: the name, null for a slot that is
+    /// still free, or a phrase for 0 (no file) and for a number without a slot.
     [[nodiscard]] const char* NameOf(std::int32_t number) const;
 
   private:
-    std::int32_t capacity = 0;  // slots in `names`
-    char** names = nullptr;     // owned, and so are the names; number n lies in slot n - 1
+    std::int32_t capacity = 10;  // slots
+    platform::Buffer names;      // pointers, owned; that of number n is in slot n - 1
     std::int32_t count = 0;
 };
 

@@ -1,6 +1,4 @@
-// Entering and leaving source files. The main file and an include file are entered the same way:
-// the current directory follows the file being read, so a name in an INCLUDE is relative to the
-// file that holds it.
+// Entering and leaving source files. The main file and an include file are entered the same way.
 
 #include <algorithm>
 #include <memory>
@@ -11,8 +9,8 @@
 #include "codegen/handlers.h"
 #include "driver/assembler.h"
 #include "driver/run_observer.h"
-#include "platform/platform.h"
 #include "source/source_file.h"
+#include "source/source_store.h"
 
 namespace korv {
 namespace {
@@ -25,61 +23,45 @@ void TraceFile(CAssembler* assembler, std::string_view event, std::string_view n
 
 }  // namespace
 
-std::int32_t CAssembler::AssembleIncludeFile(std::string_view name) {
+Status CAssembler::AssembleIncludeFile(std::string_view name) {
     ++fileDepth;
     maxFileDepth = std::max(maxFileDepth, fileDepth);
-    const std::int32_t status = directory.Reaches(name) ? EnterFile(name) : MSG_CANNOT_OPEN;
+    const Status status = EnterFile(name);
     --fileDepth;
     return status;
 }
 
 // Result: as `AssembleIncludeFile`.
-std::int32_t CAssembler::EnterFile(std::string_view name) {
-    std::string path;
-    if (!FindFile(name, &path)) {
-        errors.Report(MSG_CANNOT_GET_DIRECTORY, noText);
+Status CAssembler::EnterFile(std::string_view name) {
+    std::string path, directory;
+    const Status entry = sources->Enter(name, &path);
+    if (entry == MSG_CANNOT_CHANGE_DIRECTORY) {
+        errors.Report(entry, path);
+    } else if (entry != 0) {
+        if (entry == MSG_CANNOT_GET_DIRECTORY) {
+            errors.Report(entry, noText);
+        }
         return MSG_CANNOT_OPEN;
-    }
-    if (!directory.EnterDirectoryOf(path)) {
-        errors.Report(MSG_CANNOT_CHANGE_DIRECTORY, path);
     }
     std::int32_t fileNumber = 0;
     if (std::unique_ptr<char[]> copy = CopyOf(path); copy != nullptr) {
         fileNumber = fileNames.AddName(std::move(copy));
     }
     const char* const includer = std::exchange(currentFileName, fileNames.NameOf(fileNumber));
-    const std::int32_t status = OpenAndRun(path, fileNumber);
+    const Status status = OpenAndRun(path, fileNumber);
     currentFileName = includer;
-    if (!directory.Leave()) {
-        errors.Report(MSG_CANNOT_CHANGE_DIRECTORY, directory.Path());
+    if (const Status left = sources->Leave(&directory); left != 0) {
+        errors.Report(left, directory);
     }
     return status;
 }
 
-bool CAssembler::FindFile(std::string_view name, std::string* path) {
-    if (!directory.FullPath(name, path)) {
-        return false;
-    }
-    if (directory.IsFound() || platform::IsAbsolutePath(name) ||
-        currentFileName == nullptr) {  // the main file stands alone
-        return true;
-    }
-    for (const std::string& elsewhere : searchDirectories) {
-        if (directory.FullPath(elsewhere + '/' + std::string(name), path) && directory.IsFound()) {
-            return true;
-        }
-    }
-    return directory.FullPath(name, path);
-}
-
 // Result: 0, or why the file could not be opened or not be read.
-std::int32_t CAssembler::OpenAndRun(const std::string& path, std::int32_t fileNumber) {
-    CSourceFile file = mainText != nullptr && fileDepth == 1 ? CSourceFile(*mainText)
-                                                             : CSourceFile(path, fileBufferSize);
+Status CAssembler::OpenAndRun(const std::string& path, std::int32_t fileNumber) {
+    CSourceFile file = sources->Open(path, fileBufferSize);
     if (file.IsOpen() == 0) {
         return file.OpenStatus();
     }
-    filesRead.insert(file.Stream().Identity());
     bytesTotal += file.FileSize();
     const std::unique_ptr<char[]> line(new (std::nothrow) char[std::max(
         static_cast<std::size_t>(lineBufferSize) + 1, CSourceFile::leastRoom)]);

@@ -2,27 +2,21 @@
 // comment: it is copied by the chunk, raised to upper case on the way, and only looked at more
 // closely where a chunk holds a byte that needs attention. All other lines, with continuations,
 // with odd bytes, at the end of a block, go byte by byte.
-//
-// The hard idea is the last significant character, which decides where trailing blanks begin and
-// whether the line goes on. It is not kept up to date per byte but found when it is asked for, by
-// walking back over blanks from the end of what has been stored. After a continuation it is the
-// place of the backslash, and the backslash stands there until something overwrites it: hence an
-// empty line after a continuation continues the line again.
 
 #include "source/source_file.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cstring>
 #include <limits>
 #include <new>
 
 #include "source/char_class.h"
+#include "source/line_cleaner.h"
 
 namespace korv {
 namespace {
-
-constexpr char endOfText = 0x1A;  // ends a text file on some old systems; here it is nothing
 
 // What the bytes ahead belong to.
 enum class Run { plain, string, comment };
@@ -51,7 +45,7 @@ auto Between(Chunk bytes) {
 // The bytes that need attention, and with them a few control characters that hardly ever occur.
 template <Run run>
 auto AttentionIn(Chunk bytes) {
-    auto attention = Between<'\n', endOfText>(bytes);
+    auto attention = Between<'\n', LineCleaner::endOfText>(bytes);
     if constexpr (run != Run::comment) {
         attention |= bytes == All('"');
     }
@@ -111,11 +105,15 @@ bool CopyRun(const std::uint8_t** next, char** out, const std::uint8_t* lastChun
     return false;
 }
 
-// The same question and the same change for one byte.
-bool NeedsAttention(std::uint8_t byte, Run run) {
-    return byte == '\n' || byte == '\r' || byte == endOfText ||
-           (byte == '"' && run != Run::comment) || (byte == ';' && run == Run::plain);
-}
+// What a line has to be looked at for if it ends in it: blanks, and the backslash that continues
+// it. A table, since this is asked of every line.
+constexpr auto isOddEnd = [] {
+    std::array<bool, 256> table{};
+    for (std::size_t byte = 0; byte < table.size(); ++byte) {
+        table[byte] = byte == '\\' || (charClass[byte] & CC_BLANK) != 0;
+    }
+    return table;
+}();
 
 // The end of the text from `start` to `end` without the blanks at its end.
 char* WithoutBlanks(char* start, char* end) {
@@ -137,9 +135,12 @@ CSourceFile::CSourceFile(std::string_view name, std::uint32_t maxBufferSize) {
     buffer.reset(new (std::nothrow) std::uint8_t[bufferSize]);
 }
 
-CSourceFile::CSourceFile(std::string_view contents)
-    : fileSize(static_cast<std::uint32_t>(contents.size())), isInMemory(true) {
-    TakeBlock(reinterpret_cast<const std::uint8_t*>(contents.data()), contents.size());
+CSourceFile CSourceFile::OfText(std::string_view text) {
+    CSourceFile file;
+    file.fileSize = static_cast<std::uint32_t>(text.size());
+    file.isInMemory = true;
+    file.TakeBlock(reinterpret_cast<const std::uint8_t*>(text.data()), text.size());
+    return file;
 }
 
 Status CSourceFile::OpenStatus() const {
@@ -148,12 +149,20 @@ Status CSourceFile::OpenStatus() const {
                                            : MSG_CANNOT_OPEN;
 }
 
-// The next `count` bytes are at `block`. Result: whether there are any.
-bool CSourceFile::TakeBlock(const std::uint8_t* block, std::size_t count) {
+// The next `count` bytes are at `block`.
+void CSourceFile::TakeBlock(const std::uint8_t* block, std::size_t count) {
     readPosition = block;
     endOfData = block + count;
     endOfChunks = block + (count > chunkSize ? count - chunkSize : 0);
-    return count != 0;
+}
+
+// False: there is no further one.
+bool CSourceFile::ReadBlock() {
+    if (isInMemory) {
+        return false;
+    }
+    TakeBlock(buffer.get(), stream.Read(buffer.get(), bufferSize));
+    return readPosition != endOfData;
 }
 
 Status CSourceFile::ReadLine(char* line, std::uint32_t maxLength, std::uint32_t* bytesOut,
@@ -178,7 +187,7 @@ inline bool CSourceFile::ReadPlainLine(char* line, std::uint32_t maxLength, std:
     if (*next != '\n' && !CopyToLineFeed(&next, &out, maxLength, &hasComment)) {
         return false;
     }
-    if (out == line || HasClass(out[-1], CC_BLANK | CC_BACKSLASH)) [[unlikely]] {
+    if (out == line || isOddEnd[static_cast<std::uint8_t>(out[-1])]) [[unlikely]] {
         char* const last = WithoutBlanks(line, out);
         if (last != line && last[-1] == '\\' && !hasComment) {
             return false;
@@ -225,8 +234,7 @@ bool CSourceFile::CopyToLineFeed(const std::uint8_t** next, char** out, std::uin
     }
     if (**next == ';') {
         *hasComment = true;
-        if (!CopyRun<Run::comment>(next, out, lastChunk) ||
-            HasClass(static_cast<char>((*next)[-1]), CC_BLANK | CC_BACKSLASH)) {
+        if (!CopyRun<Run::comment>(next, out, lastChunk) || isOddEnd[(*next)[-1]]) {
             return false;
         }
     }
@@ -239,81 +247,21 @@ bool CSourceFile::CopyToLineFeed(const std::uint8_t** next, char** out, std::uin
 // Reads the next line, whatever it is.
 Status CSourceFile::ReadAnyLine(char* line, std::uint32_t maxLength, std::uint32_t* bytesOut,
                                 std::uint32_t* linesOut) {
-    char* out = line;                 // where the next character goes
-    char* segment = line;             // start of the line, or of what follows the last continuation
-    char* lastSignificant = nullptr;  // what it was at `segment`
-    char* commentStart = nullptr;
-    std::uint32_t total = 0;     // bytes taken from the file
-    std::uint32_t released = 0;  // those of them that do not count against maxLength any more
-    std::uint32_t lines = 0;
-    Status result = 0;
-    Run run = Run::plain;
-    const auto findLastSignificant = [&] {
-        char* const end = WithoutBlanks(segment, out);
-        return end == segment ? lastSignificant : end - 1;
-    };
-
-    *line = '\0';
+    LineCleaner cleaner(line);
     if (IsOpen() == 0) {
-        return -1;
+        return endOfFile;
     }
-    for (;;) {
-        if (readPosition == endOfData &&
-            (isInMemory || !TakeBlock(buffer.get(), stream.Read(buffer.get(), bufferSize)))) {
-            result = total == 0 ? -1 : 0;
-            break;
-        }
-        const std::uint8_t* const start = readPosition;
-        const std::uint8_t* const end =
-            start + std::min<std::size_t>(static_cast<std::size_t>(endOfData - start),
-                                          maxLength + released - total);
-        const std::uint8_t* next = start;
-        while (next != end && !NeedsAttention(*next, run)) {
-            *out++ =
-                run == Run::plain ? Raised(static_cast<char>(*next)) : static_cast<char>(*next);
-            ++next;
-        }
-        total += static_cast<std::uint32_t>(next - start);
-        readPosition = next;
-        if (next == end) {
-            if (next == endOfData) {
-                continue;
-            }
+    bool goesOn = true;
+    while (goesOn && (readPosition != endOfData || ReadBlock())) {
+        if (cleaner.Taken() - cleaner.Released() == maxLength) {
             return MSG_LINE_TOO_LONG;
         }
-
-        const char c = static_cast<char>(*readPosition++);
-        ++total;
-        if (c == '\n') {
-            ++lines;
-            char* const last = findLastSignificant();
-            if (last == nullptr || *last != '\\') {
-                break;
-            }
-            released += static_cast<std::uint32_t>(out - last);
-            lastSignificant = segment = out = last;
-        } else if (c != '\r' && c != endOfText) {
-            if (c == '"') {
-                run = run == Run::string ? Run::plain : Run::string;
-            } else if (c == ';') {
-                char* const last = findLastSignificant();
-                commentStart = last == nullptr ? line : last + 1;
-                run = Run::comment;
-            }
-            *out++ = c;
-        }
+        goesOn = cleaner.Take(static_cast<char>(*readPosition++));
     }
-
-    *bytesOut = total;
-    *linesOut = lines;
-    *out = '\0';
-    if (char* const last = findLastSignificant(); last != nullptr) {
-        last[1] = '\0';
-    }
-    if (commentStart != nullptr) {
-        *commentStart = '\0';
-    }
-    return result;
+    cleaner.Finish();
+    *bytesOut = cleaner.Taken();
+    *linesOut = cleaner.Lines();
+    return cleaner.Taken() == 0 ? endOfFile : 0;
 }
 
 }  // namespace korv

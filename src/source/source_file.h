@@ -17,18 +17,20 @@ class CSourceFile {
     /// Opens the file `name`, exactly as spelled, with a read buffer of at most `maxBufferSize`
     /// bytes. A file without a size, such as a pipe, gets a buffer of just that size.
     CSourceFile(std::string_view name, std::uint32_t maxBufferSize);
-    /// A file that holds `contents`, which are not owned: what has been read by other means.
-    explicit CSourceFile(std::string_view contents);
+    /// A file that holds `text`, which is not owned: it has been read by other means.
+    [[nodiscard]] static CSourceFile OfText(std::string_view text);
 
+    static constexpr Status endOfFile = -1;
     /// The least that a line needs room for, however short the longest may be.
     static constexpr std::size_t leastRoom = 32;
 
     /// Fills `line`, which has room for `maxLength` + 1 characters and for `leastRoom`, with the
     /// next logical line as terminated text: letters outside double quotes in upper case; comment,
     /// carriage returns and trailing blanks gone; physical lines that end in a backslash joined. A
-    /// line of only blanks keeps them. Result: 0, -1 at the end of the file, 41 when the line takes
-    /// more than `maxLength` bytes of the file. `bytesOut` receives the bytes taken from the file
-    /// and `linesOut` the line feeds among them, unless it is 41.
+    /// line of only blanks keeps them. Result: 0; `endOfFile`; MSG_LINE_TOO_LONG when the line
+    /// takes more than `maxLength` bytes of the file. `bytesOut`
+    /// receives the bytes taken from the file and `linesOut` the line feeds among them, unless it
+    /// is that.
     [[nodiscard]] Status ReadLine(char* line, std::uint32_t maxLength, std::uint32_t* bytesOut,
                                   std::uint32_t* linesOut);
 
@@ -38,17 +40,19 @@ class CSourceFile {
     [[nodiscard]] std::int32_t IsOpen() const { return OpenStatus() == 0 ? 1 : 0; }
     /// The file itself: which one it is, and whether a read has failed.
     [[nodiscard]] const platform::InputFile& Stream() const { return stream; }
-    /// 10: the file cannot be opened; 52: no memory for its buffer; else 0.
+    /// 0, MSG_CANNOT_OPEN, or MSG_OUT_OF_MEMORY: there is none for its buffer.
     [[nodiscard]] Status OpenStatus() const;
 
   private:
+    CSourceFile() = default;
     bool ReadPlainLine(char* line, std::uint32_t maxLength, std::uint32_t* bytesOut,
                        std::uint32_t* linesOut);
     bool CopyToLineFeed(const std::uint8_t** next, char** out, std::uint32_t maxLength,
                         bool* hasComment);
     Status ReadAnyLine(char* line, std::uint32_t maxLength, std::uint32_t* bytesOut,
                        std::uint32_t* linesOut);
-    bool TakeBlock(const std::uint8_t* block, std::size_t count);
+    bool ReadBlock();
+    void TakeBlock(const std::uint8_t* block, std::size_t count);
 
     platform::InputFile stream;
     std::unique_ptr<std::uint8_t[]> buffer;

@@ -1,6 +1,5 @@
 #include "symbols/patch.h"
 
-#include <cstdio>
 #include <cstdlib>
 #include <new>
 #include <numeric>
@@ -24,7 +23,7 @@ void CPatchInfoMemBlock::MakeBlock() {
         block == nullptr ? nullptr : platform::Allocate(slotCount * sizeof(CPatchInfo));
     if (memory == nullptr) {
         delete block;
-        std::printf("Could not allocate memory for CPatchInfoMemBlock!\n");
+        platform::PrintMemoryFailure("Could not allocate memory for CPatchInfoMemBlock!");
         std::exit(-1);
     }
     block->records = static_cast<CPatchInfo*>(memory);

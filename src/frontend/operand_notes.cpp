@@ -44,8 +44,11 @@ bool HasFormWith(const StatementView& statement, const std::vector<TextEdit>& ed
     return HasForm(CutStatement(line));
 }
 
+// The token `text` in the expression of `operand`, which the name of an index register is no part
+// of.
 const Token* FindToken(const OperandView& operand, std::string_view text) {
-    const auto token = std::ranges::find(operand.tokens, text, &Token::text);
+    const auto first = operand.tokens.begin() + (operand.IsIndexed() ? 2 : 0);
+    const auto token = std::ranges::find(first, operand.tokens.end(), text, &Token::text);
     return token == operand.tokens.end() ? nullptr : &*token;
 }
 
@@ -80,7 +83,9 @@ const OperandView* FocusOf(const FaultView& fault) {
             break;
         case MSG_UNRESOLVED:
             if (const OperandView* const it = find([&fault](const OperandView& each) {
-                    return FindToken(each, fault.text) != nullptr;
+                    const bool isNamed =
+                        each.what.kind == KIND_VALUE || fault.statement.mnemonic == "DJNZ";
+                    return isNamed && FindToken(each, fault.text) != nullptr;
                 })) {
                 return it;
             }
@@ -120,6 +125,45 @@ bool AdviseOnSet(Case* it) {
     return it->advice.place.has_value();
 }
 
+// A comma that is another sign, as in "LD A:5".
+bool AdviseOnSeparator(Case* it) {
+    const auto& operands = it->statement.operands;
+    if (it->fault.number != MSG_ARGUMENT_EXPECTED || operands.size() != 1) {
+        return false;
+    }
+    const std::string_view text = operands[0].text;
+    const std::size_t at = text.find_first_of(":.=<-;");
+    if (at == std::string_view::npos || at + 1 == text.size()) {
+        return false;
+    }
+    const std::vector<TextEdit> edits = {{it->statement.PartOf(text.substr(at, 1)), ","}};
+    if (!HasFormWith(it->statement, edits)) {
+        return false;
+    }
+    it->PointAt(text.substr(at, 1));
+    it->advice.edits = edits;
+    it->advice.note = WriteNote(it->statement, edits);
+    return true;
+}
+
+// A half of an index register.
+bool AdviseOnIndexHalf(Case* it) {
+    for (const OperandView& operand : it->statement.operands) {
+        const Token* const token = operand.OnlyToken();
+        const bool isHalf =
+            token != nullptr &&
+            HoldsWord("IXH IXL IYH IYL HX LX HY LY XH XL YH YL IXU IYU", token->text);
+        if (isHalf && !it->IsDefined(token->text)) {
+            it->PointAt(token->text);
+            it->advice.note =
+                "use another register: the halves of IX and IY are not in the published "
+                "instruction set";
+            return true;
+        }
+    }
+    return false;
+}
+
 // A spelling of another assembler.
 bool AdviseOnSpelling(Case* it) {
     std::vector<const OperandView*> candidates;
@@ -131,14 +175,9 @@ bool AdviseOnSpelling(Case* it) {
         }
     }
     for (const OperandView* const operand : candidates) {
-        const Token* const only = operand->OnlyToken();
-        const bool isJump = HoldsWord(jumps, it->statement.mnemonic) && only != nullptr &&
-                            only->text.size() == 2 && HasClass(only->text[0], CC_DIGIT) &&
-                            (only->text[1] == 'F' || only->text[1] == 'B');
-        if (isJump) {
-            it->PointAt(only->text);
-            it->advice.note =
-                "name the label: there are no numbered labels, and 1B is a binary number";
+        if (operand == &it->statement.operands.back() && IsNumberedLabel(it->statement)) {
+            it->PointAt(operand->text);
+            it->advice.note = numberedLabelNote;
             return true;
         }
         Foreign found = FindForeign(it->statement, *operand);
@@ -179,31 +218,75 @@ bool AdviseOnDots(Case* it, const Token& token) {
     return true;
 }
 
+// Commas between the values that follow each other, of the tokens from `first` to before `end`.
+std::vector<TextEdit> CommasIn(const Case& it, std::size_t first, std::size_t end) {
+    const std::vector<Token>& tokens = it.operand->tokens;
+    std::vector<TextEdit> edits;
+    for (std::size_t i = first; i < end; ++i) {
+        if (tokens[i - 1].IsValue() && tokens[i].IsValue()) {
+            const LinePart left = it.statement.PartOf(tokens[i - 1].text);
+            const std::uint32_t start = left.offset + left.length;
+            edits.push_back({{start, it.statement.PartOf(tokens[i].text).offset - start}, ","});
+        }
+    }
+    return edits;
+}
+
+// A text with double quotes in it: the number 34 for each.
+bool AdviseOnQuotes(Case* it) {
+    const std::string_view text = it->operand->text;
+    const bool isText = text.size() > 3 && text.front() == '"' && text.back() == '"' &&
+                        std::ranges::none_of(it->operand->tokens, [](const Token& token) {
+                            return token.text.find('"') == std::string_view::npos;
+                        });
+    if (!isText) {
+        return false;
+    }
+    const std::string_view inner = it->statement.Typed(text.substr(1, text.size() - 2));
+    std::string fix;
+    std::string piece;
+    const auto close = [&](bool isLast) {
+        if (!piece.empty()) {
+            fix += (fix.empty() ? "\"" : ",\"") + piece + "\"";
+        }
+        fix += isLast ? "" : fix.empty() ? "34" : ",34";
+        piece.clear();
+    };
+    for (std::size_t i = 0; i < inner.size(); ++i) {
+        if (inner[i] != '"') {
+            piece += inner[i];
+            continue;
+        }
+        close(false);
+        i += i + 1 < inner.size() && inner[i + 1] == '"' ? std::size_t{1} : 0;
+    }
+    close(true);
+    it->PointAt(text);
+    it->Replace(text, fix);
+    it->advice.note = "write " + fix + ": a double quote in a string is the number 34";
+    return true;
+}
+
 // Two values without anything between them: a comma, an operator or a semicolon is missing.
 void AdviseOnTwoValues(Case* it, const Token& token) {
-    if (AdviseOnDots(it, token)) {
+    const bool isData = HoldsWord(data, it->statement.mnemonic);
+    if (AdviseOnDots(it, token) || (isData && AdviseOnQuotes(it))) {
         return;
     }
     it->PointAt(token.text);
+    if (HoldsWord("# '", token.text)) {
+        it->Replace(token.text, ";");
+        it->advice.note = "begin the comment with a semicolon";
+        return;
+    }
     const auto index = static_cast<std::size_t>(&token - it->operand->tokens.data());
     const Token& before = it->operand->tokens[index - 1];
-    const bool touches = before.text.data() + before.text.size() == token.text.data();
-    const std::vector<TextEdit> comma = {
-        {it->statement.PartOf(it->statement.line.substr(
-             it->statement.PartOf(before.text).offset + before.text.size(),
-             touches ? 0
-                     : static_cast<std::size_t>(token.text.data() - before.text.data()) -
-                           before.text.size())),
-         ","}};
+    const std::vector<TextEdit> comma =
+        CommasIn(*it, isData ? 1 : index, isData ? it->operand->tokens.size() : index + 1);
     const bool isName =
         before.kind == TokenKind::registerName || before.kind == TokenKind::condition;
-    const bool isData = HoldsWord(data, it->statement.mnemonic);
     const bool isKnown = token.kind != TokenKind::name || it->IsDefined(token.text);
-    if (isData && (before.text.starts_with('"') || token.text.starts_with('"')) && touches) {
-        it->advice.edits = comma;
-        it->advice.note =
-            "separate the values by commas; a double quote in a string is the number 34";
-    } else if ((isName || (isData && isKnown)) && HasFormWith(it->statement, comma)) {
+    if ((isName || (isData && isKnown)) && HasFormWith(it->statement, comma)) {
         it->advice.edits = comma;
         it->advice.note = "add the comma: " + WriteNote(it->statement, comma).substr(6);
     } else if (!isKnown || before.code == OP_CLOSE) {
@@ -242,6 +325,21 @@ void AdviseOnBracket(Case* it, const Token& token, bool isOpened) {
     }
 }
 
+// An operator at the start, where "&FF" is meant for a number.
+void AdviseOnNoLeft(Case* it, const Token& token) {
+    const auto next = static_cast<std::size_t>(&token - it->operand->tokens.data()) + 1;
+    const bool isPrefix = token.text == "&" && next < it->operand->tokens.size();
+    const std::string number =
+        isPrefix ? NumberSpelling("0X" + std::string(it->operand->tokens[next].text)) : "";
+    if (number.empty()) {
+        it->advice.note = "add a value before " + std::string(token.text);
+        return;
+    }
+    const std::string_view part = it->statement.Span(token.text, it->operand->tokens[next].text);
+    it->PointAt(part);
+    it->Replace(part, number);
+}
+
 // An expression that is no expression.
 bool AdviseOnExpression(Case* it) {
     if (it->operand == nullptr) {
@@ -259,7 +357,7 @@ bool AdviseOnExpression(Case* it) {
             AdviseOnTwoValues(it, *token);
             break;
         case ExpressionFault::noLeft:
-            note = "add a value before " + text;
+            AdviseOnNoLeft(it, *token);
             break;
         case ExpressionFault::noRight:
             note = "add a value after " + text;
@@ -278,7 +376,9 @@ bool AdviseOnExpression(Case* it) {
             note = "put one character between the quotes";
             break;
         case ExpressionFault::openString:
-            it->Replace(it->statement.line.substr(it->statement.line.size()), "\"");
+            if (text.size() > 1) {
+                it->Replace(it->statement.line.substr(it->statement.line.size()), "\"");
+            }
             note = "close the string with a double quote";
             break;
         case ExpressionFault::emptyNumber:
@@ -303,6 +403,60 @@ bool AdviseOnExpression(Case* it) {
     return true;
 }
 
+// An EQU that depends on itself. A chain that ends at an unknown name is explained there.
+bool AdviseOnCircle(Case* it, const std::string& name) {
+    std::vector<std::string> path;
+    for (std::string next = name; !next.empty() && path.size() < 32;) {
+        if (std::ranges::find(path, next) != path.end()) {
+            it->advice.note = "give " + next + " a value: it depends on itself";
+            it->advice.name = next;
+            it->advice.definesName = true;
+            return true;
+        }
+        path.push_back(next);
+        const auto known = it->adviser.Facts().FindName(next);
+        next.clear();
+        if (!known || known->waitingLine.empty()) {
+            break;
+        }
+        const StatementView definition = CutStatement(known->waitingLine);
+        for (const OperandView& operand : definition.operands) {
+            for (const Token& token : operand.tokens) {
+                if (token.kind == TokenKind::name && !it->IsDefined(token.text)) {
+                    next = token.text;
+                }
+            }
+        }
+    }
+    it->advice.isFollowOn = path.size() > 1;
+    return it->advice.isFollowOn;
+}
+
+// "XAND3": a word operator without blanks.
+bool AdviseOnGluedOperator(Case* it, const Token& token) {
+    for (const std::string_view word : {"AND", "XOR", "OR", "SHL", "SHR", "MOD"}) {
+        const std::size_t at = token.text.find(word, 1);
+        if (at == std::string_view::npos || at + word.size() == token.text.size()) {
+            continue;
+        }
+        const auto isKnown = [it](std::string_view part) {
+            const std::vector<Token> tokens = CutTokens(part);
+            return tokens.size() == 1 &&
+                   (tokens[0].kind == TokenKind::number || it->IsDefined(part));
+        };
+        const std::string_view left = token.text.substr(0, at);
+        const std::string_view right = token.text.substr(at + word.size());
+        if (isKnown(left) && isKnown(right)) {
+            const std::string fix =
+                std::string(left) + " " + std::string(word) + " " + std::string(right);
+            it->Replace(token.text, fix);
+            it->advice.note = "write " + fix + ": " + std::string(word) + " needs blanks around it";
+            return true;
+        }
+    }
+    return false;
+}
+
 // A name that has no value.
 bool AdviseOnUnknownName(Case* it) {
     const std::string_view text = it->fault.text;
@@ -312,7 +466,7 @@ bool AdviseOnUnknownName(Case* it) {
             const bool isName = each.kind == TokenKind::name || each.kind == TokenKind::digitName ||
                                 each.kind == TokenKind::registerName ||
                                 each.kind == TokenKind::condition;
-            return isName && !it->IsDefined(each.text);
+            return isName && (!it->IsDefined(each.text) || it->fault.number == MSG_NOT_IMMEDIATE);
         });
         token = found == it->operand->tokens.end() ? nullptr : &*found;
     }
@@ -323,13 +477,18 @@ bool AdviseOnUnknownName(Case* it) {
     const std::string name(token->text);
     std::string& note = it->advice.note;
     if (token->kind == TokenKind::registerName || token->kind == TokenKind::condition) {
-        note = "use a number or a name: " + name + " is a register or condition and has no value";
+        const bool isSum = std::ranges::any_of(it->operand->tokens, [](const Token& each) {
+            return each.code == OP_PLUS || each.code == OP_MINUS;
+        });
+        note = (isSum ? "add with ADD, INC, SUB or DEC: " : "use a number or a name: ") + name +
+               " is a register or condition, and expressions have none";
         return true;
     }
-    if (HoldsWord("IXH IXL IYH IYL HX LX HY LY XH XL YH YL", token->text)) {
-        note =
-            "use another register: the halves of IX and IY are not in the published instruction "
-            "set";
+    if (FindKeyword(token->text) != nullptr) {
+        note = "use a name that is defined: " + name + " is an instruction";
+        return true;
+    }
+    if (AdviseOnCircle(it, name) || AdviseOnGluedOperator(it, *token)) {
         return true;
     }
     if (const auto known = it->adviser.Facts().FindName(token->text); known && known->hasValue) {
@@ -342,6 +501,10 @@ bool AdviseOnUnknownName(Case* it) {
         note = "did you mean " + std::string(near) + "?";
         return true;
     }
+    if (token->kind == TokenKind::digitName) {
+        note = "begin the name with a letter, or write a number as 255, 0FFH, $FF, 1010B or %1010";
+        return true;
+    }
     if (it->fault.number == MSG_NOT_IMMEDIATE || HoldsWord("IF COND", it->statement.mnemonic)) {
         note = "define " + name + " above this line, or by -D " + name + "=1";
     }
@@ -352,8 +515,7 @@ bool AdviseOnUnknownName(Case* it) {
 bool AdviseOnRegister(Case* it) {
     const OperandView* const operand = it->operand;
     if (operand == nullptr || operand->what.kind == KIND_VALUE || operand->tokens.empty() ||
-        !HoldsWord("DB DEFB DW DEFW DS DEFS IF COND EQU ORG BIT SET RES RST IM",
-                   it->statement.mnemonic)) {
+        !HoldsWord("DB DEFB DW DEFW DS DEFS IF COND EQU ORG RST IM", it->statement.mnemonic)) {
         return false;
     }
     const Token* const token = operand->OnlyToken();
@@ -395,14 +557,44 @@ bool ProposesUnknownName(const Case& it) {
     return false;
 }
 
-bool AdviseOnShape(Case* it) {
-    if (!Take(it, OperandAdvice(it->statement, it->fault.number))) {
+// M, which is the memory at HL on the 8080.
+bool AdviseOnM(Case* it) {
+    for (const OperandView& operand : it->statement.operands) {
+        const std::vector<TextEdit> edits = {{it->statement.PartOf(operand.text), "(HL)"}};
+        if (operand.text == "M" && HasFormWith(it->statement, edits)) {
+            it->PointAt(operand.text);
+            it->advice.edits = edits;
+            it->advice.note = WriteNote(it->statement, edits) + ": M is a condition";
+            return true;
+        }
+    }
+    return false;
+}
+
+// "DM HELLO": the quotes are missing.
+bool AdviseOnBareText(Case* it) {
+    const bool isText = HoldsWord("DM DEFM", it->statement.mnemonic) && it->operand != nullptr;
+    const Token* const token = isText ? it->operand->OnlyToken() : nullptr;
+    if (token == nullptr || token->kind != TokenKind::name || it->IsDefined(token->text)) {
         return false;
+    }
+    const std::string fix = "\"" + std::string(it->statement.Typed(token->text)) + "\"";
+    it->Replace(it->operand->text, fix);
+    it->advice.note = "put the text in double quotes: " + fix;
+    return true;
+}
+
+bool AdviseOnShape(Case* it) {
+    if (AdviseOnBareText(it)) {
+        return true;
+    }
+    if (!Take(it, OperandAdvice(it->statement, it->fault.number))) {
+        return AdviseOnM(it);
     }
     if (ProposesUnknownName(*it)) {
         it->advice.edits.clear();
         it->advice.note.clear();
-        return false;
+        return AdviseOnM(it);
     }
     return true;
 }
@@ -413,17 +605,30 @@ void AdviseOnForms(Case* it) {
     if (faulty == noFault) {
         return;
     }
-    std::vector<std::string> forms = FormsOf(it->statement, faulty);
-    if (forms.empty() || forms.size() > 8) {
-        forms = FormsOf(it->statement, 0);
-    }
-    if (forms.size() > 8) {
+    const std::vector<std::string> choices = ChoicesAt(it->statement, faulty);
+    if (choices.empty() && faulty < it->statement.operands.size() &&
+        it->statement.keyword != nullptr) {
+        const std::string text(it->statement.operands[faulty].text);
+        const std::int32_t most = it->statement.keyword->operands.most;
+        it->advice.note = "remove " + text + ": " + std::string(it->statement.mnemonic) +
+                          " takes " +
+                          (most == 0   ? "no operand"
+                           : most == 1 ? "one operand"
+                                       : "two operands");
         return;
     }
     std::string& note = it->advice.note;
-    for (std::size_t i = 0; i < forms.size(); ++i) {
-        note += (i == 0 ? "write " : i + 1 == forms.size() ? " or " : ", ") + forms[i];
+    for (std::size_t i = 0; i < choices.size(); ++i) {
+        note += (i == 0 ? "" : i + 1 == choices.size() ? " or " : ", ") + choices[i];
     }
+    if (note.empty()) {
+        return;
+    }
+    std::string head(it->statement.mnemonic);
+    for (std::size_t i = 0; i < faulty; ++i) {
+        head += (i == 0 ? " " : ",") + std::string(it->statement.operands[i].text);
+    }
+    note = "use " + note + (faulty == 0 ? " with " : " after ") + head;
 }
 
 bool AdviseOnEmptyOperand(Case* it) {
@@ -441,6 +646,14 @@ bool AdviseOnEmptyOperand(Case* it) {
 
 }  // namespace
 
+bool IsNumberedLabel(const StatementView& statement) {
+    if (!HoldsWord(jumps, statement.mnemonic) || statement.operands.empty()) {
+        return false;
+    }
+    const std::string_view text = statement.operands.back().text;
+    return text.size() == 2 && HasClass(text[0], CC_DIGIT) && (text[1] == 'F' || text[1] == 'B');
+}
+
 Advice AdviseOnOperands(Adviser& adviser, const FaultView& fault) {
     Case it{adviser, fault, fault.statement, FocusOf(fault)};
     const bool isCount =
@@ -451,7 +664,8 @@ Advice AdviseOnOperands(Adviser& adviser, const FaultView& fault) {
     } else if (isCount && faulty == fault.statement.operands.size()) {
         it.PointAt(fault.statement.mnemonic);
     }
-    if (AdviseOnSet(&it) || AdviseOnSpelling(&it) || AdviseOnRegister(&it)) {
+    if (AdviseOnSet(&it) || AdviseOnSeparator(&it) || AdviseOnIndexHalf(&it) ||
+        AdviseOnSpelling(&it) || AdviseOnRegister(&it)) {
         return it.advice;
     }
     const bool isValue = it.operand != nullptr && it.operand->what.kind == KIND_VALUE;
@@ -472,8 +686,7 @@ Advice AdviseOnOperands(Adviser& adviser, const FaultView& fault) {
         it.advice.note = "check for a division by 0 and for names that are not values";
         return it.advice;
     }
-    if ((isCount && AdviseOnEmptyOperand(&it)) || AdviseOnShape(&it) ||
-        (isValue && AdviseOnExpression(&it))) {
+    if (AdviseOnEmptyOperand(&it) || AdviseOnShape(&it) || (isValue && AdviseOnExpression(&it))) {
         return it.advice;
     }
     AdviseOnForms(&it);

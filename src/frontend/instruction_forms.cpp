@@ -87,7 +87,7 @@ constexpr auto termTable = std::to_array<TermRow>({
     {"gp", [](const OperandView& it, bool) { return it.what.reg >= REG_BC && it.what.reg <= REG_HL; }},
     {"pair", [](const OperandView& it, bool) { return IsPair(it.what.reg); }},
     {"reg", [](const OperandView& it, bool) { return IsName(it) && it.text.front() != '('; }},
-    {"(reg)", [](const OperandView& it, bool) { return IsName(it) && it.text.front() == '('; }},
+    {"(reg)", [](const OperandView& it, bool) { return it.what.kind == KIND_REGISTER && it.text.front() == '('; }},
     {"(cc)", [](const OperandView& it, bool) { return it.what.kind == KIND_CONDITION && it.text.front() == '('; }},
     {"(any)", [](const OperandView& it, bool) { return it.text.starts_with('(') && it.text.ends_with(')'); }},
     {"F", [](const OperandView& it, bool) { return it.what.reg == REG_F; }},

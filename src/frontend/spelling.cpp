@@ -150,7 +150,7 @@ Foreign ForeignToken(const StatementView& statement, const Token& token) {
     if (HasClass(text.front(), CC_DIGIT) && text.find('.') != std::string_view::npos) {
         return {text, "", "use whole numbers: there are no fractions"};
     }
-    if (text.ends_with('\'')) {
+    if (text.ends_with('\'') && statement.mnemonic != "EX") {
         return {text, "", "use EX AF,AF' or EXX: the second set of registers has no names"};
     }
     if (HasOddByte(text)) {

@@ -16,6 +16,8 @@
 
 #include "codegen/keywords.h"
 #include "driver/assembler.h"
+#include "frontend/expression_fault.h"
+#include "frontend/instruction_forms.h"
 #include "run.h"
 #include "table.h"
 
@@ -277,6 +279,27 @@ struct Crossing {
         return outcome;
     }
 
+    // The table of forms has the statement if and only if it was taken, its values aside.
+    void CompareForms(const std::string& text, const Outcome& got) {
+        const std::string line = " " + text;
+        const korv::StatementView view = korv::CutStatement(line);
+        const auto says = [&got](const std::string& numbers) {
+            return std::ranges::any_of(got.messages, [&](const std::string& message) {
+                return message.starts_with("error") && Contains(numbers, " " + Split(message + " ", ' ')[1] + " ");
+            });
+        };
+        const auto isBad = [](const korv::OperandView& it) {
+            return it.what.kind == korv::KIND_VALUE && korv::FindExpressionFault(it).fault != korv::ExpressionFault::none;
+        };
+        const bool hasNumber = korv::HoldsWord("BIT SET RES RST IM", view.mnemonic) && !view.operands.empty() &&
+                               view.operands[0].what.kind == korv::KIND_VALUE && !view.operands[0].IsIndexed();
+        const bool isJump = view.mnemonic == "DJNZ";  // which takes any word for a name
+        if (!isJump && !hasNumber && !says(" 17 18 19 20 24 25 34 51 55 ") && std::ranges::none_of(view.operands, isBad) &&
+            korv::HasForm(view) == says(" 1 13 14 16 54 -1 ")) {
+            Differ(text + " is in one of two: the forms, and what is taken");
+        }
+    }
+
     // All statements of `keyword`, in one source.
     void Cross(const std::string& keyword) {
         rowsOfKeyword.clear();
@@ -329,6 +352,7 @@ struct Crossing {
                        PrintToString(expected.messages) + "; " + expected.line);
             }
             silent += std::size_t{got.messages.empty()};
+            CompareForms(text, got);
         }
     }
 };

@@ -59,6 +59,11 @@ FaultyToken FindExpressionFault(const OperandView& operand) {
             if (isAfterValue) {
                 return {ExpressionFault::twoValues, &token};
             }
+            const Token* const next = &token == &tokens.back() ? nullptr : &token + 1;
+            if (token.IsValue() && next != nullptr && next->IsValue() &&
+                token.kind != TokenKind::other) {
+                return {ExpressionFault::twoValues, next};
+            }
             if (const ExpressionFault fault =
                     token.IsValue() ? FaultOf(token) : ExpressionFault::none;
                 fault != ExpressionFault::none) {

@@ -1,6 +1,7 @@
 #include "frontend/instruction_forms.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "codegen/keywords.h"
 #include "codegen/operand_forms.h"
@@ -86,7 +87,7 @@ constexpr auto termTable = std::to_array<TermRow>({
     {"gp", [](const OperandView& it, bool) { return it.what.reg >= REG_BC && it.what.reg <= REG_HL; }},
     {"pair", [](const OperandView& it, bool) { return IsPair(it.what.reg); }},
     {"reg", [](const OperandView& it, bool) { return IsName(it) && it.text.front() != '('; }},
-    {"(reg)", [](const OperandView& it, bool) { return IsName(it) && it.text.front() == '('; }},
+    {"(reg)", [](const OperandView& it, bool) { return it.what.kind == KIND_REGISTER && it.text.front() == '('; }},
     {"(cc)", [](const OperandView& it, bool) { return it.what.kind == KIND_CONDITION && it.text.front() == '('; }},
     {"(any)", [](const OperandView& it, bool) { return it.text.starts_with('(') && it.text.ends_with(')'); }},
     {"F", [](const OperandView& it, bool) { return it.what.reg == REG_F; }},
@@ -123,6 +124,23 @@ bool Begins(const StatementView& statement, std::string_view form, std::size_t c
     return !isWhole || form.empty() || (form == "*" && i > 0);
 }
 
+// What the classes consist of, where that is said in full.
+constexpr auto consists = std::to_array<std::pair<std::string_view, std::string_view>>({
+    {"s", "r (HL) (IX+d) (IY+d) n"},
+    {"m", "r (HL) (IX+d) (IY+d)"},
+    {"dd", "BC DE HL SP"},
+    {"qq", "BC DE HL AF"},
+    {"xy", "IX IY"},
+    {"(xy)", "(IX) (IY)"},
+    {"(xy+d)", "(IX+d) (IY+d)"},
+    {"cc", "NZ Z NC C PO PE P M"},
+    {"c4", "NZ Z NC C"},
+    {"e", "nn"},
+    {"b", "0..7"},
+    {"i", "0 1 2"},
+    {"p", "0 8 16 24 32 40 48 56"},
+});
+
 template <typename Use>
 bool AnyForm(const FormRow* row, Use use) {
     for (std::string_view forms = row == nullptr ? "-" : row->forms; !forms.empty();) {
@@ -150,6 +168,31 @@ std::vector<std::string> FormsOf(const StatementView& statement, std::size_t ope
         return false;
     });
     return texts;
+}
+
+std::vector<std::string> ChoicesAt(const StatementView& statement, std::size_t place) {
+    std::vector<std::string> choices;
+    const auto add = [&choices](std::string_view text) {
+        const bool isIncluded = text == "A" && std::ranges::find(choices, "r") != choices.end();
+        if (!isIncluded && std::ranges::find(choices, text) == choices.end()) {
+            choices.emplace_back(text);
+        }
+    };
+    for (const std::string& form : FormsOf(statement, place)) {
+        std::string_view operands = std::string_view(form).substr(statement.mnemonic.size());
+        operands.remove_prefix(operands.empty() ? 0 : 1);
+        for (std::size_t i = 0; i < place; ++i) {
+            TakePart(&operands, ',');
+        }
+        const std::string_view term = TakePart(&operands, ',');
+        const auto* const row = std::ranges::find(
+            consists, term, &std::pair<std::string_view, std::string_view>::first);
+        std::string_view parts = row == consists.end() ? term : row->second;
+        while (!parts.empty()) {
+            add(TakePart(&parts, ' '));
+        }
+    }
+    return choices;
 }
 
 bool HasForm(const StatementView& statement) {

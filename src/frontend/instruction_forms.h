@@ -63,6 +63,10 @@ inline constexpr std::size_t noFault = static_cast<std::size_t>(-1);
 [[nodiscard]] std::vector<std::string> FormsOf(const StatementView& statement,
                                                std::size_t operandCount);
 
+/// What the operand at index `place` may be, in the forms that agree with the operands before it:
+/// classes by their letters, s and m by what they consist of; each once.
+[[nodiscard]] std::vector<std::string> ChoicesAt(const StatementView& statement, std::size_t place);
+
 /// Whether the statement has a form of its mnemonic. Values are not looked at, except plain numbers
 /// that are part of an opcode.
 [[nodiscard]] bool HasForm(const StatementView& statement);

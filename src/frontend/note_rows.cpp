@@ -65,6 +65,12 @@ std::string Shown(char kind, std::string_view text) {
     switch (kind) {
         case 'i':
             return std::string(Inner(text));
+        case 'n':
+            return std::string(text.size() > 2 && (text[0] == '"' || text[0] == '<')
+                                   ? text.substr(1, text.size() - 2)
+                                   : text);
+        case 'x':
+            return std::string(text.substr(std::min<std::size_t>(1, text.size())));
         case 'm':
             return raised == "M" ? cased("(HL)") : std::string(text);
         case 'p':
@@ -93,7 +99,7 @@ std::string Filled(std::string_view pattern, const StatementView& statement, con
         }
         const char letter = pattern[++i];
         const bool hasNumber = i + 1 < pattern.size() && HasClass(pattern[i + 1], CC_DIGIT) &&
-                               std::string_view("impqhl").find(letter) != std::string_view::npos;
+                               std::string_view("impqhlnx").find(letter) != std::string_view::npos;
         if (letter == 'w') {
             text += statement.Typed(statement.mnemonic);
         } else if (letter == 'r') {
@@ -204,9 +210,11 @@ bool FitsTerm(const Token& token, std::string_view term) {
     return term == "*" ? token.code == '*' : !isString && Matches(token.text, term);
 }
 
-// The number of tokens from `start` on that fit `terms`; 0: they do not.
-std::size_t FitLength(const std::vector<Token>& tokens, std::size_t start, std::string_view terms) {
-    std::size_t at = start;
+// The number of tokens from `start` on that fit `terms`; 0: they do not. `from` gets the token
+// after the mark.
+std::size_t FitLength(const std::vector<Token>& tokens, std::size_t start, std::string_view terms,
+                      std::size_t* from) {
+    std::size_t at = *from = start;
     while (!terms.empty()) {
         const std::string_view term = terms.substr(0, terms.find(' '));
         terms.remove_prefix(std::min(term.size() + 1, terms.size()));
@@ -214,6 +222,8 @@ std::size_t FitLength(const std::vector<Token>& tokens, std::size_t start, std::
             if (at != (term == "^" ? 0 : tokens.size())) {
                 return 0;
             }
+        } else if (term == "@") {
+            *from = at;
         } else if (at == tokens.size() || !FitsTerm(tokens[at], term)) {
             return 0;
         } else {
@@ -273,8 +283,9 @@ std::optional<RowAdvice> WordAdvice(const StatementView& statement) {
     const auto count = static_cast<int>(changed.operands.size());
     const auto advice = [&](std::string_view note, std::string_view fix) {
         RowAdvice found = AdviceOf(note, fix, changed, TextsOf(changed));
-        if (!found.edits.empty()) {
-            found.edits = {NewStatement(statement, found.edits[0].text)};
+        if (!found.edits.empty()) {  // which does not begin in column 1 as a label does
+            const bool isFirst = statement.PartOf(statement.mnemonic).offset == 0;
+            found.edits = {NewStatement(statement, (isFirst ? " " : "") + found.edits[0].text)};
         }
         return found;
     };
@@ -283,12 +294,16 @@ std::optional<RowAdvice> WordAdvice(const StatementView& statement) {
             break;
         }
         word.remove_prefix(strips ? 1 : 0);
+        const bool isImmediate = count == 1 && changed.rest.starts_with('#');
+        const std::string marked = std::string(word) + "#";  // of a 6502
         if (strips && FindKeyword(word) != nullptr) {
-            changed.mnemonic = word;
-            return advice("", changed.rest.empty() ? "%w" : "%w %r");
+            changed.mnemonic.remove_prefix(1);
+            return advice("", changed.rest.empty() ? "%w" : word == "INCLUDE" ? "%w %n1" : "%w %r");
         }
         for (const WordRow& row : wordTable) {
-            if (HoldsWord(row.words, word) && (row.operands < 0 || row.operands == count)) {
+            const bool isWord =
+                HoldsWord(row.words, word) || (isImmediate && HoldsWord(row.words, marked));
+            if (isWord && (row.operands < 0 || row.operands == count)) {
                 return advice(row.note, row.fix);
             }
         }
@@ -302,7 +317,8 @@ std::optional<RowAdvice> TokenAdvice(const StatementView& statement, const Opera
             continue;
         }
         for (std::size_t i = 0; i < operand.tokens.size(); ++i) {
-            const std::size_t length = FitLength(operand.tokens, i, row.tokens);
+            std::size_t from = i;
+            const std::size_t length = FitLength(operand.tokens, i, row.tokens, &from);
             if (length == 0) {
                 continue;
             }
@@ -312,7 +328,7 @@ std::optional<RowAdvice> TokenAdvice(const StatementView& statement, const Opera
             }
             RowAdvice advice;
             advice.part =
-                statement.Span(operand.tokens[i].text, operand.tokens[i + length - 1].text);
+                statement.Span(operand.tokens[from].text, operand.tokens[i + length - 1].text);
             std::string shown;
             if (!row.fix.empty()) {
                 advice.edits.push_back({statement.PartOf(advice.part),

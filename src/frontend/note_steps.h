@@ -11,6 +11,11 @@ namespace korv {
 /// Operands that do not fit, or have no value.
 [[nodiscard]] Advice AdviseOnOperands(Adviser& adviser, const FaultView& fault);
 
+/// Whether the operand of a jump is as 1B or 1F, which mean numbered labels in other assemblers.
+[[nodiscard]] bool IsNumberedLabel(const StatementView& statement);
+inline constexpr std::string_view numberedLabelNote =
+    "name the label: there are no numbered labels, and 1B is a binary number";
+
 /// All else: labels, files, conditions, ranges.
 [[nodiscard]] Advice AdviseOnRest(Adviser& adviser, const FaultView& fault);
 

@@ -25,8 +25,9 @@ struct WordRow {
 
 /// Tokens in a row, within one operand. Terms by blanks: "%k" a kind and perhaps a pattern of its
 /// text, else a pattern alone, which no string matches; "^" is the start of the operand, ";" its
-/// end. Kinds: n number, e number without digits, l too large, s string, u open string, i name,
-/// d name that begins with a digit, r register, c condition, x other, v anything but an operator.
+/// end; the place begins after "@" if there is one. Kinds: n number, e number without digits, l too
+/// large, s string, u open string, i name, d name that begins with a digit, r register, c
+/// condition, x other, v anything but an operator.
 struct TokenRow {
     std::string_view words;  ///< mnemonics, "*" for all
     std::string_view tokens;
@@ -55,10 +56,12 @@ inline constexpr auto wordTable = std::to_array<WordRow>({
     {"BLOCK SPACE FILL RMB BLKB RB DC.S SKIP DEFSPACE RES.B ZMB BSS RESB DSB", "DS %r", "", " FILL 10", 1},
     {"BLOCK SPACE FILL DSB", "", "write the bytes with DB: DS fills with 0 only", " FILL 10,255"},
     {"RESW BLKW DSW DEFWS RMW", "DS 2*%r", "", " RESW 10", 1},
-    {"INCBIN INSERT BINARY LOADBIN IBIN", "BINCLUDE %1", "", " INCBIN defs.kor"},
-    {"INCL READ GET IMPORT *INCLUDE *INCL $INCLUDE INC_", "INCLUDE %1", "", " READ defs.kor", 1},
+    {"INCBIN INSERT BINARY LOADBIN IBIN", "BINCLUDE %1", "", " INCBIN defs.kor", 1},
+    {"INCBIN INSERT BINARY LOADBIN IBIN", "", "cut the part out of the file: BINCLUDE takes a whole file", " INCBIN defs.kor,1"},
+    {"INCL READ GET IMPORT *INCLUDE *INCL $INCLUDE INC_", "INCLUDE %n1", "", " READ defs.kor", 1},
     {"ENDIF. FI EIF", "ENDIF", "", " IF 1| FI", 0},
     {"ELSEIF ELIF ELSIF ELSEIFDEF", "", "write ELSE, then IF and two ENDIF", " IF 0| ELIF 1| ENDIF"},
+    {"LOAD", "LD %r", "", " LOAD A,5", 2},
     {"RETURN", "RET", "", " RETURN", 0},
     {"START", "", "define the label EXEC: it is the start of a .bin", " START 100H"},
     {"ENT ENTRY RUN", "", "define the label EXEC: it is the start of a .bin", " ENT $"},
@@ -69,7 +72,7 @@ inline constexpr auto wordTable = std::to_array<WordRow>({
     {"IFEQ", "IF %1=%2", "", " IFEQ 5,5| ENDIF", 2},
     {"IFNE", "IF %1 XOR %2", "", " IFNE 5,6| ENDIF", 2},
     {"IF1 IF2 IFB IFNB IFIDN IFDIF IFEXIST IFT IFF IFTRUE IFFALSE IFGT IFLT IFGE IFLE", "", "use IF, ELSE and ENDIF: there are no other conditions", " IF1"},
-    {"DEFINE XDEFINE UNDEF UNDEFINE", "", "define a constant with NAME: EQU 5", " DEFINE X 5"},
+    {"DEFINE XDEFINE UNDEF UNDEFINE", "", "define a constant with NAME: EQU 5", " DEFINE X"},
     // Without a counterpart.
     {"ALIGN EVEN", "", "write DS N-1-($-1 AND N-1) to fill up to a multiple of N: DS 255-($-1 AND 255) for 256", " ALIGN 256"},
     {"REPT REPEAT DUP EDUP ENDR IRP IRPC EXITM WHILE WEND FOR NEXT LOCAL STRUCT ENDS ENDSTRUCT UNION MACEND MEND ENDMACRO MAC M_ARG", "", "write the lines out, or INCLUDE them from a file: there are no macros, repetitions or structures", " REPT 5"},
@@ -89,8 +92,7 @@ inline constexpr auto wordTable = std::to_array<WordRow>({
     {"ASR SAR", "SRA %1", "", " ASR A"},
     {"ROL RCL", "RL %1", "", " ROL A", 1},
     {"ROR RCR", "RR %1", "", " ROR A", 1},
-    {"EOR", "XOR %1", "", " EOR B", 1},
-    {"CLR", "XOR A", "", " CLR A"},
+        {"CLR", "XOR A", "", " CLR A"},
     {"TST TEST", "", "write OR A to test the accumulator, BIT for one bit", " TST A"},
     {"SLL SLI SL1 SLS", "", "use SLA and then SET 0: only the published instructions are in the vocabulary", " SLL A"},
     {"SWAP MLT OTIM IN0 OUT0 TSTIO SLP OTDM OTDMR OTIMR MULUB MULUW SWAPNIB NEXTREG MIRROR", "", "use the published instructions of the Z80: this one is of a later processor", " SWAP A"},
@@ -108,6 +110,10 @@ inline constexpr auto wordTable = std::to_array<WordRow>({
     {"MOV", "LD %m1,%m2", "", " MOV A,M", 2},
     {"MVI", "LD %m1,%2", "", " MVI M,5", 2},
     {"LXI", "LD %p1,%2", "", " LXI H,5", 2},
+    {"LDA#", "LD A,%x1", "", " LDA #5", 1},
+    {"CMP#", "CP %x1", "", " CMP #5", 1},
+    {"ORA#", "OR %x1", "", " ORA #5", 1},
+    {"EOR#", "XOR %x1", "", " EOR #5", 1},
     {"LDA LDAA", "LD A,(%r)", "", " LDA 1234H", 1},
     {"STA STAA", "LD (%r),A", "", " STA 1234H", 1},
     {"LHLD", "LD HL,(%r)", "", " LHLD 1234H", 1},
@@ -120,6 +126,7 @@ inline constexpr auto wordTable = std::to_array<WordRow>({
     {"INR", "INC %m1", "", " INR M", 1},
     {"DCR", "DEC %m1", "", " DCR B", 1},
     {"DAD", "ADD HL,%p1", "", " DAD D", 1},
+    {"EOR", "XOR %1", "", " EOR B", 1},
     {"ADI", "ADD A,%r", "", " ADI 5", 1},
     {"ACI", "ADC A,%r", "", " ACI 5", 1},
     {"SUI", "SUB %r", "", " SUI 5", 1},
@@ -183,14 +190,14 @@ inline constexpr auto wordTable = std::to_array<WordRow>({
     {"PLA POPA PUL", "POP AF", "", " PLA", 0},
     {"PUSHAF", "PUSH AF", "", " PUSHAF", 0},
     {"MOVE MOVEA XCH", "LD %r", "", " MOVE A,B", 2},
-    {"LDX LDY STX STY TAX TXA TAY TYA TXS TSX DEX DEY INY BVC BVS CPX CPY ADDA LDAB CLI SED CLD CLV BRK INCA DECA LEA INT XLAT CMPA BLS BHI BGT BLE LDD_ PSHS PULS", "", "use the instructions of the Z80: this one is of another processor", " LDX 5"},
+    {"LDX LDY LDA STA STX STY TAX TXA TAY TYA TXS TSX DEX DEY INY BVC BVS CPX CPY ADDA LDAB CLI SED CLD CLV BRK INCA DECA LEA INT XLAT CMPA BLS BHI BGT BLE LDD_ PSHS PULS", "", "use the instructions of the Z80: this one is of another processor", " LDX 5"},
 });
 
 inline constexpr auto tokenTable = std::to_array<TokenRow>({
     {"*", "/ /", "; ", "begin the comment with a semicolon", " LD A,5 // five"},
     {"*", "/ \\*", "; ", "begin the comment with a semicolon", " LD A,5 /* five */"},
-    {"*", ": *", "\n\t%2", "write one instruction in a line", " LD A,1 : INC A"},
-    {"*", "\\\\ *", "\n\t%2", "write one instruction in a line", " LD A,1 \\ INC A"},
+    {"*", ": %v", "\n\t%2", "write one instruction in a line", " LD A,1 : INC A"},
+    {"*", "\\\\ %v", "\n\t%2", "write one instruction in a line", " LD A,1 \\ INC A"},
     {"IF COND", "^ %iDEFINED", "", "give the name a value by -D NAME=0 or -D NAME=1: a name cannot be tested", " IF DEFINED(X)| ENDIF"},
     {"IF COND", "^ ! %iDEFINED", "", "give the name a value by -D NAME=0 or -D NAME=1: a name cannot be tested", " IF !DEFINED(X)| ENDIF"},
     {"*", "! =", " XOR ", "write %f: it is 0 only if both are equal", "X: EQU 3| IF X!=5| ENDIF"},
@@ -207,6 +214,9 @@ inline constexpr auto tokenTable = std::to_array<TokenRow>({
     {"*", "< <", " SHL ", "", "X: EQU 5| LD A,X<<2"},
     {"*", "> >", " SHR ", "", "X: EQU 500| LD A,X>>8"},
     {"*", "* *", "", "write the multiplications out: there is no power operator, and EXP is e to the power", " LD A,2**3"},
+    {"*", "^ %v & & %v ;", "%1 AND %4", "", "X: EQU 5| IF X && X| ENDIF"},
+    {"*", "^ %v \\| \\| %v ;", "%1 OR %4", "", ""},
+    {"*", "%iDUP", "", "write DS for bytes of 0, or the values one by one: there is no DUP", " DB 10 DUP(0)"},
     {"*", "& &", "", "combine names only: give each comparison a name by EQU and write X AND Y", "X: EQU 5| IF X=5 && X>2| ENDIF"},
     {"*", "\\| \\|", "", "combine names only: give each comparison a name by EQU and write X OR Y", ""},
     {"IF COND", "^ %iNOT %v ;", "%2=0", "", "X: EQU 5| IF NOT X| ENDIF"},
@@ -224,7 +234,7 @@ inline constexpr auto tokenTable = std::to_array<TokenRow>({
     {"*", "^ > %v ;", "%2 SHR 8", "", "X: EQU 500| LD A,>X"},
     {"*", "^ < %v ;", "%2 AND 255", "", "X: EQU 500| LD A,<X"},
     {"*", "%iSIZEOF|LENGTH|STRLEN", "", "put a label after the data and subtract the one before it", "X: NOP| LD A,SIZEOF(X)"},
-    {"*", "%e%% %v", " MOD %2", "", " LD A,5 % 3"},
+    {"*", "%e% %v", " MOD %2", "", " LD A,5 % 3"},
     {"*", "^ \\* ;", "$", "", "X: EQU *"},
     {"*", "^ \\* +|-", "$%2", "", " JR *+2"},
     {"*", "%x.", "$", "", " JR .+2"},
@@ -233,14 +243,12 @@ inline constexpr auto tokenTable = std::to_array<TokenRow>({
     {"LD", "^ \\( %rHL - \\)", "", "write (HL), then DEC HL: this form is of another processor", " LD A,(HL-)"},
     {"LD", "^ \\( %iHLI \\)", "", "write (HL), then INC HL: this form is of another processor", " LD A,(HLI)"},
     {"LD", "^ \\( %iHLD \\)", "", "write (HL), then DEC HL: this form is of another processor", " LD A,(HLD)"},
-    {"*", "^ \\( %rHL|BC|DE|SP +|-", "", "use IX or IY: no other register has a displacement", " LD A,(HL+1)"},
-    {"*", "^ \\( %rIX|IY +|- %r \\) ;", "", "use a number: a displacement is no register", " LD A,(IX+A)"},
-    {"*", "^ \\( %rIX|IY +|- %i \\) ;", "", "", ""},
+    {"*", "^ \\( @ %rHL|BC|DE|SP +|-", "", "use IX or IY: no other register has a displacement", " LD A,(HL+1)"},
+    {"*", "^ \\( %rIX|IY +|- @ %r", "", "use a number: a displacement is no register", " LD A,(IX+A)"},
     {"*", "^ & %iX* ;", "", "write hexadecimal as 0FFH, $FF or &HFF", " LD A,&XFF"},
 });
 
 inline constexpr auto operandTable = std::to_array<OperandRow>({
-    {"*", "*", "(xy) (xy),any any,(xy)", "", "", ""},  // see `Spellings`
     // The number of operands.
     {"13", "SUB AND XOR OR CP", "A,s", "%w %2", "", " SUB A,B"},
     {"13", "SUB", "HL,dd", "AND A\n\tSBC HL,%2", "subtract pairs with AND A, then SBC HL,%2", " SUB HL,DE"},
@@ -259,7 +267,7 @@ inline constexpr auto operandTable = std::to_array<OperandRow>({
     {"13", "INCLUDE BINCLUDE", "*", "%w %1", "remove the rest: %w takes a file name and nothing else", " BINCLUDE defs.kor,1"},
     {"13", "EQU ORG", "*", "", "remove the second operand: %w takes one value", "X: EQU 1,2"},
     {"13", "RET", "*", "RET %1", "", " RET NZ,5"},
-    {"13", "LDI LDD LDIR LDDR CPIR CPDR CPD EXX HALT NOP EI DI RETI RETN SCF CCF INI IND INIR INDR OUTI OUTD OTIR OTDR RLD RRD", "*", "%w", "remove the operands: %w takes none", " LDIR 5"},
+    {"13", "LDI LDD LDIR LDDR CPIR CPDR CPD EXX HALT NOP EI DI RETI RETN SCF CCF INI IND INIR INDR OUTI OUTD OTIR OTDR RLD RRD", "*", "%w", "remove the operands: %w takes none, and a comment begins with a semicolon", " LDIR 5"},
     {"13", "ELSE ENDIF ENDC", "*", "%w", "remove the operand, or begin it with a semicolon if it is a comment", " IF 1| ENDIF X"},
     // ADD answers to three operands as to too few.
     {"14", "ADD ADC SBC", "any,any,any", "", "remove the last operand: %w takes two", " ADD A,B,C"},
@@ -279,7 +287,6 @@ inline constexpr auto operandTable = std::to_array<OperandRow>({
     {"14", "DB DEFB DW DEFW", "", "", "add the data", " DB"},
     {"14", "DM DEFM", "", "", "add the string", " DM"},
     {"14", "INCLUDE BINCLUDE", "", "", "add the name of the file", " INCLUDE"},
-    {"14", "SUB AND XOR OR CP INC DEC PUSH POP RL RR SLA SRA SRL IM", "", "", "", " SUB"},
     // Exchange, ports, stack.
     {"16", "EX", "HL,DE", "EX DE,HL", "", " EX HL,DE"},
     {"16", "EX", "HL,(SP) xy,(SP)", "EX (SP),%1", "", " EX HL,(SP)"},
@@ -289,9 +296,9 @@ inline constexpr auto operandTable = std::to_array<OperandRow>({
     {"16", "IN", "A,n", "IN A,(%2)", "", " IN A,5"},
     {"16", "IN", "A,C r,C", "IN %1,(C)", "", " IN A,C"},
     {"16", "IN", "r,(BC) F,(BC)", "IN %1,(C)", "", " IN A,(BC)"},
+    {"16", "IN", "A,cc", "IN A,(%2+0)", "write %f: %2 alone is a condition", "P: EQU 5| IN A,P"},
     {"16", "IN", "r,reg r,(reg)", "", "use (C) for the port in BC, or IN A,(n)", " IN A,(B)"},
     {"16", "IN", "A,(cc)", "IN A,(%i2+0)", "write %f: %i2 alone is a condition", "P: EQU 5| IN A,(P)"},
-    {"16", "IN", "A,cc", "IN A,(%2+0)", "write %f: %2 alone is a condition", "P: EQU 5| IN A,P"},
     {"16", "IN", "r,(n) r,n", "IN A,(%i2)\n\tLD %1,A", "use A: only IN A,(n) takes a port number", " IN B,(5)"},
     {"16", "OUT", "n,A", "OUT (%1),A", "", " OUT 5,A"},
     {"16", "OUT", "C,r", "OUT (C),%2", "", " OUT C,A"},
@@ -304,7 +311,7 @@ inline constexpr auto operandTable = std::to_array<OperandRow>({
     {"16", "OUT", "r,(C)", "OUT (C),%1", "", " OUT A,(C)"},
     {"16", "IN", "(n),A (C),r", "IN %2,%1", "", " IN (5),A"},
     {"16", "PUSH POP", "r", "%w %q1", "push and pop pairs only: %f", " PUSH A"},
-    {"16", "PUSH POP", "cc", "", "", ""},  // PSW and the like are names
+    {"16", "PUSH POP", "PSW", "%w AF", "", " PUSH PSW"},
     {"16", "PUSH", "n", "LD HL,%1\n\tPUSH HL", "load a pair first: PUSH takes no number", " PUSH 5"},
     {"16", "PUSH POP", "SP", "", "use LD (nn),SP and LD SP,(nn): the stack pointer is not pushed", " PUSH SP"},
     // Jumps.
@@ -321,11 +328,10 @@ inline constexpr auto operandTable = std::to_array<OperandRow>({
     {"16", "JP JR CALL", "r", "%w %1+0", "write %f: %1 alone is a register", "L: JR L"},
     {"54", "JP", "*", "", "use NZ, Z, NC, C, PO, PE, P or M as the condition", "X: JP A,X"},
     {"16", "CALL JR", "v,v r,v", "", "use NZ, Z, NC, C (or with CALL PO, PE, P, M) as the condition", "X: CALL A,X"},
-    {"16", "RET", "v", "RET", "remove the operand: RET takes a condition only", " RET 5"},
+    {"16", "RET", "v", "", "use NZ, Z, NC, C, PO, PE, P or M, or no operand", " RET 5"},
     {"16", "RET", "r", "", "use NZ, Z, NC, C, PO, PE, P or M as the condition", " RET A"},
     {"16", "RST", "n", "", "use 0, 8, 16, 24, 32, 40, 48 or 56", " RST 9"},
     {"16", "IM", "n", "", "use 0, 1 or 2", " IM 3"},
-    {"16", "DJNZ", "any,any", "", "", ""},
     // Loads.
     {"16", "LD", "any,F F,any", "", "use PUSH AF and POP AF: F is not loaded", " LD A,F"},
     {"16", "LD", "AF,any any,AF", "", "use PUSH AF and POP AF: AF is not loaded", " LD AF,5"},
@@ -376,14 +382,16 @@ inline constexpr auto operandTable = std::to_array<OperandRow>({
     {"16", "ADD", "pair", "ADD HL,%1", "", " ADD DE"},
     {"16", "ADC SBC", "BC,any DE,any SP,any", "", "use HL: %w takes A or HL first", " SBC DE,HL"},
     {"16", "ADD ADC SBC", "A,pair", "", "add one half: the accumulator takes bytes", " ADD A,HL"},
-    {"16", "ADD ADC SBC", "r,any", "", "use A: bytes are added to the accumulator only", " ADD B,5"},
     {"16", "ADD ADC SBC", "n,any (n),any (HL),any (xy+d),any", "", "add to A and store the result", " ADD (HL),5"},
     {"16", "ADD ADC SBC", "A,(n)", "LD HL,%i2\n\t%w A,(HL)", "load HL with the address and write %w A,(HL)", " ADD A,(1234)"},
     {"16", "ADD ADC SBC", "A,cc", "%w A,%2+0", "write %f: %2 alone is a condition", "P: EQU 5| ADD A,P"},
+    {"16", "ADD ADC SBC", "A,any", "", "use r, (HL), (IX+d), (IY+d) or n after %w A", " ADD A,(BC)"},
+    {"16", "ADD ADC SBC", "r,any", "", "use A: bytes are added to the accumulator only", " ADD B,5"},
     {"16", "ADD", "M", "ADD A,(HL)", "", " ADD M"},
     {"16", "SUB AND XOR OR CP INC DEC", "M", "%w (HL)", "", " SUB M"},
     {"16", "SUB AND XOR OR CP", "cc", "%w %1+0", "write %f: %1 alone is a condition", "P: EQU 5| CP P"},
     {"16", "SUB AND XOR OR CP", "(n)", "LD HL,%i1\n\t%w (HL)", "load HL with the address and write %w (HL), or leave out the brackets for a number", " CP (5)"},
+    {"16", "SUB CP", "HL", "", "use AND A and SBC HL,DE: %w takes a byte", " SUB HL"},
     {"16", "SUB", "pair", "AND A\n\tSBC HL,%1", "subtract pairs with AND A, then SBC HL,%1", " SUB DE"},
     {"16", "CP", "pair", "", "compare pairs with AND A, then SBC HL,%1", " CP DE"},
     {"16", "AND XOR OR", "pair", "", "combine the halves one by one: %w takes a byte", " OR BC"},
@@ -397,7 +405,6 @@ inline constexpr auto operandTable = std::to_array<OperandRow>({
     {"16", "BIT SET RES", "n,m", "", "use a bit from 0 to 7", " BIT 8,A"},
     {"16", "BIT SET RES", "n,(n)", "", "load HL with the address and use (HL)", " BIT 7,(1234)"},
     // Data.
-    {"16", "DB DEFB DW DEFW", "*", "", "", ""},
     {"16", "DM DEFM", "*", "DB %r", "write %f: %w takes a string", " DM 5"},
     {"16", "IF COND DS DEFS", "reg cc", "%w %1+0", "write %f: %1 alone is a register or condition", "P: EQU 1| IF P| ENDIF"},
 });

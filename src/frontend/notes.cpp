@@ -34,17 +34,30 @@ bool Overlap(const LinePart& a, const LinePart& b) {
 
 // Whether the value that a message is about may be wrong because of a name in it.
 bool IsAboutValue(Status number) {
-    constexpr std::array numbers = {MSG_UNRESOLVED,     MSG_NOT_IMMEDIATE,  MSG_NOT_SIGNED_BYTE,
-                                    MSG_NOT_WORD,       MSG_NOT_BYTE,       MSG_NOT_UNSIGNED_BYTE,
-                                    MSG_OFFSET_TOO_BIG, MSG_NOT_SIGNED_WORD};
+    constexpr std::array numbers = {MSG_UNRESOLVED,     MSG_BAD_EXPRESSION,    MSG_ILLEGAL_ARGUMENT,
+                                    MSG_NOT_IMMEDIATE,  MSG_NOT_SIGNED_BYTE,   MSG_NOT_WORD,
+                                    MSG_NOT_BYTE,       MSG_NOT_UNSIGNED_BYTE, MSG_OFFSET_TOO_BIG,
+                                    MSG_NOT_SIGNED_WORD};
     return std::ranges::find(numbers, number) != numbers.end();
 }
 
+// Blocks that other assemblers have: what ends one follows from what begins it.
+constexpr std::string_view blockStarts =
+    "MACRO MAC REPT REPEAT DUP IRP IRPC WHILE FOR STRUCT UNION MODULE PHASE DISP SCOPE PROC "
+    "NAMESPACE";
+constexpr std::string_view blockEnds =
+    "ENDM MEND MACEND ENDMACRO ENDR EDUP WEND ENDW NEXT ENDS ENDSTRUCT ENDUNION ENDMODULE ENDMOD "
+    "DEPHASE UNPHASE "
+    "ENDSCOPE ENDP ENDNAMESPACE ENT EXITM";
+
+// Without the marks that other assemblers put before directives.
+std::string_view Plain(std::string_view word) {
+    const std::size_t start = word.find_first_not_of(".#!");
+    return start == std::string_view::npos ? word : word.substr(start);
+}
+
 bool IsCondition(std::string_view word) {
-    word.remove_prefix(word.find_first_not_of(".#!") == std::string_view::npos
-                           ? 0
-                           : word.find_first_not_of(".#!"));
-    return word.starts_with("IF") || word == "COND";
+    return Plain(word).starts_with("IF") || word == "COND";
 }
 
 }  // namespace
@@ -68,8 +81,13 @@ Advice Adviser::AdviceFor(const FaultView& fault) {
     if (advice.note.empty() && advice.edits.size() == 1 && !advice.edits[0].text.empty()) {
         advice.note = "write " + advice.edits[0].text;
     }
+    if (!advice.place && fault.part.length == 0) {
+        const StatementView& statement = fault.statement;
+        advice.place =
+            statement.PartOf(statement.mnemonic.empty() ? statement.label : statement.mnemonic);
+    }
     if (fault.isError) {
-        advice.isFollowOn = IsFollowOn(fault, advice);
+        advice.isFollowOn = IsFollowOn(fault, advice) || advice.isFollowOn;
         Remember(fault, advice);
     }
     return advice;
@@ -78,10 +96,12 @@ Advice Adviser::AdviceFor(const FaultView& fault) {
 bool Adviser::IsFollowOn(const FaultView& fault, const Advice& advice) {
     const StatementView& statement = fault.statement;
     const LinePart place = advice.place.value_or(fault.part);
+    const bool isWhole = fault.part.length == 0 &&
+                         !fault.isLate;  // the result of a statement that has failed already
     if (fault.statementId == lastStatement) {
-        const bool isAgain = std::ranges::any_of(lastPlaces, [&place](const LinePart& each) {
-            return each.length == 0 || place.length == 0 || Overlap(each, place);
-        });
+        const bool isAgain = std::ranges::any_of(
+            lastPlaces,
+            [&place, isWhole](const LinePart& each) { return isWhole || Overlap(each, place); });
         if (isAgain || (!advice.note.empty() && advice.note == lastNote)) {
             return true;
         }
@@ -90,7 +110,9 @@ bool Adviser::IsFollowOn(const FaultView& fault, const Advice& advice) {
         refusedConditions -= statement.mnemonic == "ELSE" ? 0 : 1;
         return true;
     }
-    if (fault.number == MSG_NOT_IN_MACRO && hasRefusedMacro) {
+    const bool isEnd =
+        fault.number == MSG_NOT_IN_MACRO || HoldsWord(blockEnds, Plain(statement.mnemonic));
+    if (isEnd && hasRefusedBlock) {
         return true;
     }
     if (fault.number == MSG_UNKNOWN_INSTRUCTION) {
@@ -107,9 +129,10 @@ bool Adviser::UsesRefusedName(const FaultView& fault) const {
         return false;
     }
     return std::ranges::any_of(fault.statement.operands, [this](const OperandView& operand) {
-        return std::ranges::any_of(operand.tokens, [this](const Token& token) {
-            return refusedNames.contains(std::string(token.text));
-        });
+        return refusedNames.contains(std::string(operand.text)) ||
+               std::ranges::any_of(operand.tokens, [this](const Token& token) {
+                   return refusedNames.contains(std::string(token.text));
+               });
     });
 }
 
@@ -134,7 +157,7 @@ void Adviser::Remember(const FaultView& fault, const Advice& advice) {
     hasRefusedFile =
         hasRefusedFile || (fault.number == MSG_CANNOT_OPEN && statement.mnemonic == "INCLUDE");
     const bool isMacro = fault.number == MSG_NOT_IMPLEMENTED && statement.mnemonic == "MACRO";
-    hasRefusedMacro = hasRefusedMacro || isMacro;
+    hasRefusedBlock = hasRefusedBlock || HoldsWord(blockStarts, Plain(statement.mnemonic));
     const bool isDefinition = isMacro || fault.number == MSG_RESERVED_NAME ||
                               fault.number == MSG_NO_LABEL ||
                               (isRefused && (advice.definesName || statement.mnemonic == "EQU"));

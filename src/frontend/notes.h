@@ -24,6 +24,7 @@ struct KnownName {
     std::int32_t value = 0;
     bool isCommandLine = false;  ///< defined by -D
     std::string where;           ///< "file:line" of the definition; empty for none
+    std::string waitingLine;     ///< the cleaned line of an EQU that waits for a name; else empty
 };
 
 /// What notes ask about the rest of the run.
@@ -88,9 +89,9 @@ class Adviser {
     std::unordered_set<std::string> refusedNames;  // whose definition was refused
     std::int32_t refusedConditions = 0;            // IFs that were refused and are still open
     bool hasRefusedFile = false;                   // an INCLUDE
-    bool hasRefusedMacro = false;
-    std::int32_t lastStatement = -1;   // with an error
-    std::vector<LinePart> lastPlaces;  // of its errors
+    bool hasRefusedBlock = false;                  // such as a macro
+    std::int32_t lastStatement = -1;               // with an error
+    std::vector<LinePart> lastPlaces;              // of its errors
     std::string lastNote;
 };
 

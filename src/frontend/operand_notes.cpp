@@ -9,45 +9,13 @@
 #include "frontend/instruction_forms.h"
 #include "frontend/note_rows.h"
 #include "frontend/note_steps.h"
+#include "frontend/operand_case.h"
 #include "source/char_class.h"
 
 namespace korv {
 namespace {
 
-constexpr std::string_view data = "DB DEFB DW DEFW";
 constexpr std::string_view jumps = "JP JR CALL DJNZ";
-
-// What the steps work on.
-struct Case {
-    Adviser& adviser;
-    const FaultView& fault;
-    const StatementView& statement;
-    const OperandView* operand = nullptr;  // at fault; null: one is missing, or it is none of them
-    Advice advice = {};
-
-    void PointAt(std::string_view part) { advice.place = statement.PartOf(part); }
-    void Replace(std::string_view part, std::string text) {
-        advice.edits.push_back({statement.PartOf(part), std::move(text)});
-    }
-    // Puts `text` in front of `part`.
-    void Insert(std::string_view part, std::string text) {
-        Replace(part.substr(0, 0), std::move(text));
-    }
-    [[nodiscard]] bool IsDefined(std::string_view name) const {
-        const auto known = adviser.Facts().FindName(name);
-        return known && known->hasValue;
-    }
-};
-
-bool HasFormWith(const StatementView& statement, const std::vector<TextEdit>& edits) {
-    const std::string line = Raised(Applied(statement.line, edits));
-    return HasForm(CutStatement(line));
-}
-
-const Token* FindToken(const OperandView& operand, std::string_view text) {
-    const auto token = std::ranges::find(operand.tokens, text, &Token::text);
-    return token == operand.tokens.end() ? nullptr : &*token;
-}
 
 // The operand that the message is about.
 const OperandView* FocusOf(const FaultView& fault) {
@@ -80,7 +48,9 @@ const OperandView* FocusOf(const FaultView& fault) {
             break;
         case MSG_UNRESOLVED:
             if (const OperandView* const it = find([&fault](const OperandView& each) {
-                    return FindToken(each, fault.text) != nullptr;
+                    const bool isNamed =
+                        each.what.kind == KIND_VALUE || fault.statement.mnemonic == "DJNZ";
+                    return isNamed && FindToken(each, fault.text) != nullptr;
                 })) {
                 return it;
             }
@@ -97,7 +67,7 @@ const OperandView* FocusOf(const FaultView& fault) {
     return operands.size() == 1 ? operands.data() : nullptr;
 }
 
-bool Take(Case* it, std::optional<RowAdvice> row) {
+bool Take(OperandCase* it, std::optional<RowAdvice> row) {
     if (!row || (row->note.empty() && row->edits.empty())) {
         return false;
     }
@@ -110,7 +80,7 @@ bool Take(Case* it, std::optional<RowAdvice> row) {
 }
 
 // "X SET 5" and the like.
-bool AdviseOnSet(Case* it) {
+bool AdviseOnSet(OperandCase* it) {
     const bool isSet = it->statement.mnemonic == "SET" && it->statement.operands.size() == 1 &&
                        !it->statement.label.empty();
     if (!isSet) {
@@ -120,8 +90,47 @@ bool AdviseOnSet(Case* it) {
     return it->advice.place.has_value();
 }
 
+// A comma that is another sign, as in "LD A:5".
+bool AdviseOnSeparator(OperandCase* it) {
+    const auto& operands = it->statement.operands;
+    if (it->fault.number != MSG_ARGUMENT_EXPECTED || operands.size() != 1) {
+        return false;
+    }
+    const std::string_view text = operands[0].text;
+    const std::size_t at = text.find_first_of(":.=<-;");
+    if (at == std::string_view::npos || at + 1 == text.size()) {
+        return false;
+    }
+    const std::vector<TextEdit> edits = {{it->statement.PartOf(text.substr(at, 1)), ","}};
+    if (!HasFormWith(it->statement, edits)) {
+        return false;
+    }
+    it->PointAt(text.substr(at, 1));
+    it->advice.edits = edits;
+    it->advice.note = WriteNote(it->statement, edits);
+    return true;
+}
+
+// A half of an index register.
+bool AdviseOnIndexHalf(OperandCase* it) {
+    for (const OperandView& operand : it->statement.operands) {
+        const Token* const token = operand.OnlyToken();
+        const bool isHalf =
+            token != nullptr &&
+            HoldsWord("IXH IXL IYH IYL HX LX HY LY XH XL YH YL IXU IYU", token->text);
+        if (isHalf && !it->IsDefined(token->text)) {
+            it->PointAt(token->text);
+            it->advice.note =
+                "use another register: the halves of IX and IY are not in the published "
+                "instruction set";
+            return true;
+        }
+    }
+    return false;
+}
+
 // A spelling of another assembler.
-bool AdviseOnSpelling(Case* it) {
+bool AdviseOnSpelling(OperandCase* it) {
     std::vector<const OperandView*> candidates;
     if (it->operand != nullptr) {
         candidates.push_back(it->operand);
@@ -131,14 +140,9 @@ bool AdviseOnSpelling(Case* it) {
         }
     }
     for (const OperandView* const operand : candidates) {
-        const Token* const only = operand->OnlyToken();
-        const bool isJump = HoldsWord(jumps, it->statement.mnemonic) && only != nullptr &&
-                            only->text.size() == 2 && HasClass(only->text[0], CC_DIGIT) &&
-                            (only->text[1] == 'F' || only->text[1] == 'B');
-        if (isJump) {
-            it->PointAt(only->text);
-            it->advice.note =
-                "name the label: there are no numbered labels, and 1B is a binary number";
+        if (operand == &it->statement.operands.back() && IsNumberedLabel(it->statement)) {
+            it->PointAt(operand->text);
+            it->advice.note = numberedLabelNote;
             return true;
         }
         Foreign found = FindForeign(it->statement, *operand);
@@ -157,203 +161,11 @@ bool AdviseOnSpelling(Case* it) {
     return false;
 }
 
-// A name with a dot in it, in two tokens that touch.
-bool AdviseOnDots(Case* it, const Token& token) {
-    const char* const at = token.text.data();
-    if (token.text.front() != '.' || token.text.size() < 2) {
-        return false;
-    }
-    const bool isGlued = at > it->operand->text.data() && HasClass(at[-1], CC_NAME);
-    std::string_view part = token.text;
-    if (isGlued) {
-        const auto before = std::ranges::find_if(it->operand->tokens, [at](const Token& each) {
-            return each.text.data() + each.text.size() == at;
-        });
-        part = it->statement.Span(before->text, token.text);
-    }
-    std::string name(part.substr(isGlued ? 0 : 1));
-    std::ranges::replace(name, '.', '_');
-    it->PointAt(part);
-    it->Replace(part, name);
-    it->advice.note = "write " + name + " here and in the definition: a name has no dots";
-    return true;
-}
-
-// Two values without anything between them: a comma, an operator or a semicolon is missing.
-void AdviseOnTwoValues(Case* it, const Token& token) {
-    if (AdviseOnDots(it, token)) {
-        return;
-    }
-    it->PointAt(token.text);
-    const auto index = static_cast<std::size_t>(&token - it->operand->tokens.data());
-    const Token& before = it->operand->tokens[index - 1];
-    const bool touches = before.text.data() + before.text.size() == token.text.data();
-    const std::vector<TextEdit> comma = {
-        {it->statement.PartOf(it->statement.line.substr(
-             it->statement.PartOf(before.text).offset + before.text.size(),
-             touches ? 0
-                     : static_cast<std::size_t>(token.text.data() - before.text.data()) -
-                           before.text.size())),
-         ","}};
-    const bool isName =
-        before.kind == TokenKind::registerName || before.kind == TokenKind::condition;
-    const bool isData = HoldsWord(data, it->statement.mnemonic);
-    const bool isKnown = token.kind != TokenKind::name || it->IsDefined(token.text);
-    if (isData && (before.text.starts_with('"') || token.text.starts_with('"')) && touches) {
-        it->advice.edits = comma;
-        it->advice.note =
-            "separate the values by commas; a double quote in a string is the number 34";
-    } else if ((isName || (isData && isKnown)) && HasFormWith(it->statement, comma)) {
-        it->advice.edits = comma;
-        it->advice.note = "add the comma: " + WriteNote(it->statement, comma).substr(6);
-    } else if (!isKnown || before.code == OP_CLOSE) {
-        it->Insert(token.text, "; ");
-        it->advice.note = "begin the comment with a semicolon, or add the operator that is missing";
-    } else {
-        it->advice.note =
-            "add the comma or operator that is missing, or begin a comment with a semicolon";
-    }
-}
-
-bool IsComparing(const OperandView& operand) {
-    return std::ranges::any_of(operand.tokens, [](const Token& token) {
-        return token.code == OP_LESS || token.code == OP_GREATER || token.code == OP_EQUAL ||
-               token.code == OP_LESS_EQUAL || token.code == OP_GREATER_EQUAL;
-    });
-}
-
-// A bracket that is not closed, or not opened.
-void AdviseOnBracket(Case* it, const Token& token, bool isOpened) {
-    const OperandView& operand = *it->operand;
-    const bool isMemory = operand.text.front() == '(' && operand.text.back() == ')';
-    if (isMemory && !isOpened && IsComparing(operand)) {
-        it->advice.note = "give each comparison a name by EQU and combine the names";
-    } else if (isMemory && !isOpened && token.text.data() != &operand.text.back()) {
-        it->PointAt(operand.text);
-        it->Insert(operand.text, "0+");
-        it->advice.note =
-            "write 0+" + std::string(operand.text) + ": brackets at both ends mean memory";
-    } else if (isOpened) {
-        it->Replace(operand.text.substr(operand.text.size()), ")");
-        it->advice.note = "close the bracket";
-    } else {
-        it->Replace(token.text, "");
-        it->advice.note = "remove the bracket: it was not opened";
-    }
-}
-
-// An expression that is no expression.
-bool AdviseOnExpression(Case* it) {
-    if (it->operand == nullptr) {
-        return false;
-    }
-    const auto [kind, token] = FindExpressionFault(*it->operand);
-    if (kind == ExpressionFault::none) {
-        return false;
-    }
-    it->PointAt(token->text);
-    const std::string text(token->text);
-    std::string& note = it->advice.note;
-    switch (kind) {
-        case ExpressionFault::twoValues:
-            AdviseOnTwoValues(it, *token);
-            break;
-        case ExpressionFault::noLeft:
-            note = "add a value before " + text;
-            break;
-        case ExpressionFault::noRight:
-            note = "add a value after " + text;
-            break;
-        case ExpressionFault::openBracket:
-        case ExpressionFault::closeBracket:
-            AdviseOnBracket(it, *token, kind == ExpressionFault::openBracket);
-            break;
-        case ExpressionFault::comparison:
-            note = "give the comparison a name by EQU: it has no value in brackets";
-            break;
-        case ExpressionFault::longString:
-            note = "use a string of one character: only DB and DM take longer ones";
-            break;
-        case ExpressionFault::emptyString:
-            note = "put one character between the quotes";
-            break;
-        case ExpressionFault::openString:
-            it->Replace(it->statement.line.substr(it->statement.line.size()), "\"");
-            note = "close the string with a double quote";
-            break;
-        case ExpressionFault::emptyNumber:
-            note = token->text == "B" || token->text == "H" || token->text == "O"
-                       ? "choose another name: " + text + " alone reads as a number without digits"
-                       : "add the digits after " + text;
-            break;
-        case ExpressionFault::largeNumber:
-            note = "use at most 65535; a larger value has to be computed, as in 35000*2";
-            break;
-        case ExpressionFault::badToken:
-            if (!AdviseOnDots(it, *token)) {
-                note = "use numbers, names, strings in double quotes and operators";
-            }
-            break;
-        case ExpressionFault::zeroDivisor:
-            note = "divide by something else than 0";
-            break;
-        case ExpressionFault::none:
-            break;
-    }
-    return true;
-}
-
-// A name that has no value.
-bool AdviseOnUnknownName(Case* it) {
-    const std::string_view text = it->fault.text;
-    const Token* token = it->operand == nullptr ? nullptr : FindToken(*it->operand, text);
-    if (token == nullptr && it->operand != nullptr) {
-        const auto found = std::ranges::find_if(it->operand->tokens, [it](const Token& each) {
-            const bool isName = each.kind == TokenKind::name || each.kind == TokenKind::digitName ||
-                                each.kind == TokenKind::registerName ||
-                                each.kind == TokenKind::condition;
-            return isName && !it->IsDefined(each.text);
-        });
-        token = found == it->operand->tokens.end() ? nullptr : &*found;
-    }
-    if (token == nullptr) {
-        return false;
-    }
-    it->PointAt(token->text);
-    const std::string name(token->text);
-    std::string& note = it->advice.note;
-    if (token->kind == TokenKind::registerName || token->kind == TokenKind::condition) {
-        note = "use a number or a name: " + name + " is a register or condition and has no value";
-        return true;
-    }
-    if (HoldsWord("IXH IXL IYH IYL HX LX HY LY XH XL YH YL", token->text)) {
-        note =
-            "use another register: the halves of IX and IY are not in the published instruction "
-            "set";
-        return true;
-    }
-    if (const auto known = it->adviser.Facts().FindName(token->text); known && known->hasValue) {
-        note = "define " + name + " above this line: " + std::string(it->statement.mnemonic) +
-               " needs its value at once";
-        return true;
-    }
-    if (const std::string_view near = it->adviser.NearestName(token->text); !near.empty()) {
-        it->Replace(token->text, std::string(near));
-        note = "did you mean " + std::string(near) + "?";
-        return true;
-    }
-    if (it->fault.number == MSG_NOT_IMMEDIATE || HoldsWord("IF COND", it->statement.mnemonic)) {
-        note = "define " + name + " above this line, or by -D " + name + "=1";
-    }
-    return true;
-}
-
 // A register or condition where a value belongs, in data and the like.
-bool AdviseOnRegister(Case* it) {
+bool AdviseOnRegister(OperandCase* it) {
     const OperandView* const operand = it->operand;
     if (operand == nullptr || operand->what.kind == KIND_VALUE || operand->tokens.empty() ||
-        !HoldsWord("DB DEFB DW DEFW DS DEFS IF COND EQU ORG BIT SET RES RST IM",
-                   it->statement.mnemonic)) {
+        !HoldsWord("DB DEFB DW DEFW DS DEFS IF COND EQU ORG RST IM", it->statement.mnemonic)) {
         return false;
     }
     const Token* const token = operand->OnlyToken();
@@ -376,7 +188,7 @@ bool AdviseOnRegister(Case* it) {
 }
 
 // A proposed "M+0" where there is no name M leads to the next error.
-bool ProposesUnknownName(const Case& it) {
+bool ProposesUnknownName(const OperandCase& it) {
     for (const TextEdit& edit : it.advice.edits) {
         const std::size_t at = edit.text.find("+0");
         if (at == std::string::npos || at == 0 || edit.text.find("(IX+0)") != std::string::npos) {
@@ -395,38 +207,81 @@ bool ProposesUnknownName(const Case& it) {
     return false;
 }
 
-bool AdviseOnShape(Case* it) {
-    if (!Take(it, OperandAdvice(it->statement, it->fault.number))) {
+// M, which is the memory at HL on the 8080.
+bool AdviseOnM(OperandCase* it) {
+    for (const OperandView& operand : it->statement.operands) {
+        const std::vector<TextEdit> edits = {{it->statement.PartOf(operand.text), "(HL)"}};
+        if (operand.text == "M" && HasFormWith(it->statement, edits)) {
+            it->PointAt(operand.text);
+            it->advice.edits = edits;
+            it->advice.note = WriteNote(it->statement, edits) + ": M is a condition";
+            return true;
+        }
+    }
+    return false;
+}
+
+// "DM HELLO": the quotes are missing.
+bool AdviseOnBareText(OperandCase* it) {
+    const bool isText = HoldsWord("DM DEFM", it->statement.mnemonic) && it->operand != nullptr;
+    const Token* const token = isText ? it->operand->OnlyToken() : nullptr;
+    if (token == nullptr || token->kind != TokenKind::name || it->IsDefined(token->text)) {
         return false;
+    }
+    const std::string fix = "\"" + std::string(it->statement.Typed(token->text)) + "\"";
+    it->Replace(it->operand->text, fix);
+    it->advice.note = "put the text in double quotes: " + fix;
+    return true;
+}
+
+bool AdviseOnShape(OperandCase* it) {
+    if (AdviseOnBareText(it)) {
+        return true;
+    }
+    if (!Take(it, OperandAdvice(it->statement, it->fault.number))) {
+        return AdviseOnM(it);
     }
     if (ProposesUnknownName(*it)) {
         it->advice.edits.clear();
         it->advice.note.clear();
-        return false;
+        return AdviseOnM(it);
     }
     return true;
 }
 
 // The forms that agree with the operands before the fault.
-void AdviseOnForms(Case* it) {
+void AdviseOnForms(OperandCase* it) {
     const std::size_t faulty = FindFaultyOperand(it->statement);
     if (faulty == noFault) {
         return;
     }
-    std::vector<std::string> forms = FormsOf(it->statement, faulty);
-    if (forms.empty() || forms.size() > 8) {
-        forms = FormsOf(it->statement, 0);
-    }
-    if (forms.size() > 8) {
+    const std::vector<std::string> choices = ChoicesAt(it->statement, faulty);
+    if (choices.empty() && faulty < it->statement.operands.size() &&
+        it->statement.keyword != nullptr) {
+        const std::string text(it->statement.operands[faulty].text);
+        const std::int32_t most = it->statement.keyword->operands.most;
+        it->advice.note = "remove " + text + ": " + std::string(it->statement.mnemonic) +
+                          " takes " +
+                          (most == 0   ? "no operand"
+                           : most == 1 ? "one operand"
+                                       : "two operands");
         return;
     }
     std::string& note = it->advice.note;
-    for (std::size_t i = 0; i < forms.size(); ++i) {
-        note += (i == 0 ? "write " : i + 1 == forms.size() ? " or " : ", ") + forms[i];
+    for (std::size_t i = 0; i < choices.size(); ++i) {
+        note += (i == 0 ? "" : i + 1 == choices.size() ? " or " : ", ") + choices[i];
     }
+    if (note.empty()) {
+        return;
+    }
+    std::string head(it->statement.mnemonic);
+    for (std::size_t i = 0; i < faulty; ++i) {
+        head += (i == 0 ? " " : ",") + std::string(it->statement.operands[i].text);
+    }
+    note = "use " + note + (faulty == 0 ? " with " : " after ") + head;
 }
 
-bool AdviseOnEmptyOperand(Case* it) {
+bool AdviseOnEmptyOperand(OperandCase* it) {
     const auto empty =
         std::ranges::find(it->statement.operands, std::string_view(), &OperandView::text);
     if (empty == it->statement.operands.end()) {
@@ -441,8 +296,21 @@ bool AdviseOnEmptyOperand(Case* it) {
 
 }  // namespace
 
+bool HasFormWith(const StatementView& statement, const std::vector<TextEdit>& edits) {
+    const std::string line = Raised(Applied(statement.line, edits));
+    return HasForm(CutStatement(line));
+}
+
+bool IsNumberedLabel(const StatementView& statement) {
+    if (!HoldsWord(jumps, statement.mnemonic) || statement.operands.empty()) {
+        return false;
+    }
+    const std::string_view text = statement.operands.back().text;
+    return text.size() == 2 && HasClass(text[0], CC_DIGIT) && (text[1] == 'F' || text[1] == 'B');
+}
+
 Advice AdviseOnOperands(Adviser& adviser, const FaultView& fault) {
-    Case it{adviser, fault, fault.statement, FocusOf(fault)};
+    OperandCase it{adviser, fault, fault.statement, FocusOf(fault)};
     const bool isCount =
         fault.number == MSG_TOO_MANY_ARGUMENTS || fault.number == MSG_ARGUMENT_EXPECTED;
     const std::size_t faulty = FindFaultyOperand(fault.statement);
@@ -451,7 +319,8 @@ Advice AdviseOnOperands(Adviser& adviser, const FaultView& fault) {
     } else if (isCount && faulty == fault.statement.operands.size()) {
         it.PointAt(fault.statement.mnemonic);
     }
-    if (AdviseOnSet(&it) || AdviseOnSpelling(&it) || AdviseOnRegister(&it)) {
+    if (AdviseOnSet(&it) || AdviseOnSeparator(&it) || AdviseOnIndexHalf(&it) ||
+        AdviseOnSpelling(&it) || AdviseOnRegister(&it)) {
         return it.advice;
     }
     const bool isValue = it.operand != nullptr && it.operand->what.kind == KIND_VALUE;
@@ -472,8 +341,7 @@ Advice AdviseOnOperands(Adviser& adviser, const FaultView& fault) {
         it.advice.note = "check for a division by 0 and for names that are not values";
         return it.advice;
     }
-    if ((isCount && AdviseOnEmptyOperand(&it)) || AdviseOnShape(&it) ||
-        (isValue && AdviseOnExpression(&it))) {
+    if (AdviseOnEmptyOperand(&it) || AdviseOnShape(&it) || (isValue && AdviseOnExpression(&it))) {
         return it.advice;
     }
     AdviseOnForms(&it);

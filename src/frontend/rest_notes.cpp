@@ -32,9 +32,9 @@ Advice AdviseOnReservedName(const StatementView& statement) {
 
 // An INCLUDE or BINCLUDE whose file is not found: other spellings of its name are tried.
 Advice AdviseOnFile(const RunFacts& facts, const StatementView& statement) {
-    const std::string_view name = statement.rest;
+    const std::string_view name = statement.Typed(statement.rest);
     Advice advice;
-    advice.place = statement.PartOf(name);
+    advice.place = statement.PartOf(statement.rest);
     const bool isWrapped =
         name.size() > 2 && (name.front() == '"' || name.front() == '<' || name.front() == '\'');
     const std::string inner(isWrapped ? name.substr(1, name.size() - 2) : name);
@@ -67,6 +67,11 @@ Advice AdviseOnFile(const RunFacts& facts, const StatementView& statement) {
 
 Advice AdviseOnFarJump(const StatementView& statement) {
     Advice advice;
+    if (IsNumberedLabel(statement)) {
+        advice.place = statement.PartOf(statement.rest);
+        advice.note = std::string(numberedLabelNote);
+        return advice;
+    }
     if (statement.mnemonic == "JR") {
         advice.edits = {{statement.PartOf(statement.mnemonic), "JP"}};
         advice.note = "use JP: JR reaches from 126 bytes before to 129 bytes after its own address";

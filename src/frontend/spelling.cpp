@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "expr/number.h"
+#include "frontend/instruction_forms.h"
 #include "source/char_class.h"
 
 namespace korv {
@@ -66,7 +67,18 @@ Foreign SingleQuoted(const StatementView& statement, std::size_t start) {
     }
     Foreign found{line.substr(start, end + 1 - start), "",
                   "use double quotes, also for one character"};
+    if (end >= source.size() && content.size() == 1) {  // 'A
+        found.part = line.substr(start, 2);
+        found.fix = "\"" + content + "\"";
+        return found;
+    }
     if (end >= source.size() || content.empty()) {
+        return found;
+    }
+    const bool isLong = content.size() > 1 && EscapeValue(content).empty();
+    if (isLong && !HoldsWord("DB DEFB DM DEFM INCLUDE BINCLUDE", statement.mnemonic) &&
+        statement.keyword != nullptr) {
+        found.note = "use one character in double quotes: only DB and DM take longer strings";
         return found;
     }
     // A semicolon in the text has ended the cleaned line: the change is for the line as typed.
@@ -99,25 +111,46 @@ bool HasOddByte(std::string_view text) {
 }
 
 // A token that is no token of the language.
-Foreign ForeignToken(const Token& token) {
+Foreign ForeignToken(const StatementView& statement, const Token& token) {
     const std::string_view text = token.text;
+    const std::string typed(statement.Typed(text));
     if (const std::string number = NumberSpelling(text); !number.empty()) {
-        return {text, number, ""};
+        const bool isEither = text == number + "D";
+        return {text, number,
+                isEither
+                    ? "write " + number + ", or " + std::string(text) + "H if it is hexadecimal"
+                    : ""};
     }
     if (token.kind != TokenKind::other) {
         return {};
     }
     const std::size_t percent = text.find('%', 1);
     if (percent != std::string_view::npos && percent + 1 < text.size()) {
-        const std::string fix =
-            std::string(text.substr(0, percent)) + " MOD " + std::string(text.substr(percent + 1));
+        const std::string fix = typed.substr(0, percent) + " MOD " + typed.substr(percent + 1);
         return {text, fix, ""};
     }
     if (text.size() > 1 && text.ends_with(':')) {
-        const std::string name(text.substr(0, text.size() - 1));
-        return {text, name, "remove the colon: only the definition of a label has one"};
+        return {text, typed.substr(0, typed.size() - 1),
+                "remove the colon: only the definition of a label has one"};
     }
-    if (text.ends_with('\'')) {
+    if (text.size() > 1 && text.ends_with(':')) {
+        return {text, typed.substr(0, typed.size() - 1),
+                "remove the colon: only the definition of a label has one"};
+    }
+    if (text.find('?') != std::string_view::npos) {
+        return {text, "", "use IF and ELSE: there is no operator that chooses"};
+    }
+    if (const std::size_t colon = text.find(':');
+        colon != std::string_view::npos && text.size() > 1) {
+        return {text.substr(colon, 1), "\n\t", "write one instruction in a line"};
+    }
+    if (text.front() == '%') {
+        return {text, "", "use the digits 0 and 1 after %, and MOD for the remainder"};
+    }
+    if (HasClass(text.front(), CC_DIGIT) && text.find('.') != std::string_view::npos) {
+        return {text, "", "use whole numbers: there are no fractions"};
+    }
+    if (text.ends_with('\'') && statement.mnemonic != "EX") {
         return {text, "", "use EX AF,AF' or EXX: the second set of registers has no names"};
     }
     if (HasOddByte(text)) {
@@ -125,7 +158,7 @@ Foreign ForeignToken(const Token& token) {
                 "replace the characters that are not ASCII, such as typographic quotes and blanks"};
     }
     if (text.front() == '#' && text.size() > 1) {
-        return {text, std::string(text.substr(1)),
+        return {text, typed.substr(1),
                 "remove the #: a value needs no mark, and # begins a hexadecimal number"};
     }
     if (text.front() == '\\' && text.size() > 1) {
@@ -135,9 +168,9 @@ Foreign ForeignToken(const Token& token) {
 }
 
 // A register in parentheses with blanks beside it, or an index register without displacement.
-Foreign ForeignMemory(const OperandView& operand) {
+Foreign ForeignMemory(const StatementView& statement, const OperandView& operand) {
     if (operand.what.reg == REG_IX_INDIRECT || operand.what.reg == REG_IY_INDIRECT) {
-        const std::string fix = std::string(operand.text.substr(0, 3)) + "+0)";
+        const std::string fix = std::string(statement.Typed(operand.text.substr(0, 3))) + "+0)";
         return {operand.text, fix, "write the displacement: " + fix};
     }
     const std::vector<Token>& tokens = operand.tokens;
@@ -151,7 +184,7 @@ Foreign ForeignMemory(const OperandView& operand) {
     }
     std::string fix;
     for (const Token& token : tokens) {
-        fix += token.text;
+        fix += statement.Typed(token.text);
     }
     return {operand.text, fix, "remove the blanks beside the register: " + fix};
 }
@@ -200,6 +233,9 @@ std::string NumberSpelling(std::string_view token) {
     if (digits.size() < size && ReadNumber(digits, &value) == 0) {
         return digits;
     }
+    if (token.ends_with('D') && IsOf(token.substr(0, size - 1), "0123456789")) {
+        return std::string(token.substr(0, size - 1));
+    }
     if (IsOf(token, hexDigits) && ReadNumber(token, &value) == notANumber) {
         return std::string(token) + "H";
     }
@@ -223,11 +259,11 @@ Foreign FindForeign(const StatementView& statement, const OperandView& operand) 
             return Bracketed(operand.text, statement.Typed(operand.text));
         }
     }
-    if (Foreign found = ForeignMemory(operand); found.part.data() != nullptr) {
+    if (Foreign found = ForeignMemory(statement, operand); found.part.data() != nullptr) {
         return found;
     }
     for (const Token& token : operand.tokens) {
-        if (Foreign found = ForeignToken(token); found.part.data() != nullptr) {
+        if (Foreign found = ForeignToken(statement, token); found.part.data() != nullptr) {
             return found;
         }
     }

@@ -4,6 +4,7 @@
 /// offset and a length.
 #pragma once
 
+#include <cassert>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -76,7 +77,9 @@ struct StatementView {
     std::vector<OperandView> operands;
     const Keyword* keyword = nullptr;  ///< the row of `mnemonic`; null for none
 
+    /// Where `text`, a part of `line`, is.
     [[nodiscard]] LinePart PartOf(std::string_view text) const {
+        assert(text.data() >= line.data() && text.data() <= line.data() + line.size());
         return {static_cast<std::uint32_t>(text.data() - line.data()),
                 static_cast<std::uint32_t>(text.size())};
     }

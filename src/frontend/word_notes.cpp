@@ -97,7 +97,7 @@ Advice AdviseOnPreprocessor(const StatementView& statement) {
 Advice AdviseOnName(const StatementView& statement) {
     const std::string_view line = statement.line;
     const std::size_t blanks = line.size() - WithoutLeadingBlanks(line).size();
-    const std::size_t end = std::min(line.find_first_of(" \t:", blanks), line.size());
+    const std::size_t end = std::min(line.find_first_of(" \t:", blanks + 1), line.size());
     const std::string_view word = line.substr(blanks, end - blanks);
     const bool hasColon = end < line.size() && line[end] == ':';
     if (word.empty() || (!hasColon && blanks > 0)) {
@@ -113,16 +113,24 @@ Advice AdviseOnName(const StatementView& statement) {
     if (name == word || name.empty() || name.find_first_not_of('_') == std::string::npos) {
         return {};
     }
-    const bool isLabel = hasColon || word.front() == '.' || statement.mnemonic == "EQU";
+    const bool isLabel =
+        hasColon || word.front() == '.' || word.front() == ':' || statement.mnemonic == "EQU";
     if (!isLabel) {
         return {};
     }
     if (FindKeyword(name) != nullptr) {
         name += "1";
     }
-    const std::string note = HasOddByte(word)
+    const bool hasDot = word.find('.') != std::string_view::npos;
+    const std::string note = word.front() == ':' ? "end the label with its colon: " + name + ":"
+                             : HasOddByte(word)
                                  ? "use letters from A to Z, digits, ?, @ and _ in a name"
-                                 : "write " + name + ": a name is of letters, digits, ?, @ and _";
+                                 : "write " + name +
+                                       (hasDot ? " here and where it is used: a name has no dots"
+                                               : ": a name is of letters, digits, ?, @ and _");
+    if (word.front() == ':') {
+        name += ':';
+    }
     Advice advice = Replace(statement, line.substr(0, end), name, note);
     advice.place = statement.PartOf(word);
     advice.definesName = true;
@@ -262,8 +270,11 @@ Advice AdviseOnWord(const FaultView& fault) {
     }
     if (isLabel && IsNameText(word.substr(0, word.size() - 1))) {
         const std::size_t blanks = statement.PartOf(word).offset;
-        return Replace(statement, statement.line.substr(0, blanks + word.size()), std::string(word),
-                       "begin the label in column 1");
+        Advice moved = Replace(statement, statement.line.substr(0, blanks + word.size()),
+                               std::string(statement.Typed(word)), "begin the label in column 1");
+        moved.definesName = true;
+        moved.name = word.substr(0, word.size() - 1);
+        return moved;
     }
     if (const auto row = WordAdvice(statement)) {
         advice.note = row->note;

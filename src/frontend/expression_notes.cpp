@@ -1,0 +1,343 @@
+// Expressions without a value: tokens that do not fit together, and names that nothing defines.
+
+#include <algorithm>
+
+#include "codegen/keywords.h"
+#include "frontend/expression_fault.h"
+#include "frontend/instruction_forms.h"
+#include "frontend/note_rows.h"
+#include "frontend/operand_case.h"
+#include "source/char_class.h"
+
+namespace korv {
+namespace {
+
+// Commas between the values that follow each other, of the tokens from `first` to before `end`.
+std::vector<TextEdit> CommasIn(const OperandCase& it, std::size_t first, std::size_t end) {
+    const std::vector<Token>& tokens = it.operand->tokens;
+    std::vector<TextEdit> edits;
+    for (std::size_t i = first; i < end; ++i) {
+        if (tokens[i - 1].IsValue() && tokens[i].IsValue()) {
+            const LinePart left = it.statement.PartOf(tokens[i - 1].text);
+            const std::uint32_t start = left.offset + left.length;
+            edits.push_back({{start, it.statement.PartOf(tokens[i].text).offset - start}, ","});
+        }
+    }
+    return edits;
+}
+
+// A text with double quotes in it: the number 34 for each.
+bool AdviseOnQuotes(OperandCase* it) {
+    const std::string_view text = it->operand->text;
+    const bool isText = text.size() > 3 && text.front() == '"' && text.back() == '"' &&
+                        std::ranges::none_of(it->operand->tokens, [](const Token& token) {
+                            return token.text.find('"') == std::string_view::npos;
+                        });
+    if (!isText) {
+        return false;
+    }
+    const std::string_view inner = it->statement.Typed(text.substr(1, text.size() - 2));
+    std::string fix;
+    std::string piece;
+    const auto close = [&](bool isLast) {
+        if (!piece.empty()) {
+            fix += (fix.empty() ? "\"" : ",\"") + piece + "\"";
+        }
+        fix += isLast ? "" : fix.empty() ? "34" : ",34";
+        piece.clear();
+    };
+    for (std::size_t i = 0; i < inner.size(); ++i) {
+        if (inner[i] != '"') {
+            piece += inner[i];
+            continue;
+        }
+        close(false);
+        i += i + 1 < inner.size() && inner[i + 1] == '"' ? std::size_t{1} : 0;
+    }
+    close(true);
+    it->PointAt(text);
+    it->Replace(text, fix);
+    it->advice.note = "write " + fix + ": a double quote in a string is the number 34";
+    return true;
+}
+
+// A name with a dot in it, in two tokens that touch.
+bool AdviseOnDots(OperandCase* it, const Token& token) {
+    const char* const at = token.text.data();
+    if (token.text.front() != '.' || token.text.size() < 2) {
+        return false;
+    }
+    const bool isGlued = at > it->operand->text.data() && HasClass(at[-1], CC_NAME);
+    std::string_view part = token.text;
+    if (isGlued) {
+        const auto before = std::ranges::find_if(it->operand->tokens, [at](const Token& each) {
+            return each.text.data() + each.text.size() == at;
+        });
+        part = it->statement.Span(before->text, token.text);
+    }
+    std::string name(part.substr(isGlued ? 0 : 1));
+    std::ranges::replace(name, '.', '_');
+    it->PointAt(part);
+    it->Replace(part, name);
+    it->advice.note = "write " + name + " here and in the definition: a name has no dots";
+    return true;
+}
+
+// Two values without anything between them: a comma, an operator or a semicolon is missing.
+void AdviseOnTwoValues(OperandCase* it, const Token& token) {
+    const bool isData = HoldsWord(dataDirectives, it->statement.mnemonic);
+    if (AdviseOnDots(it, token) || (isData && AdviseOnQuotes(it))) {
+        return;
+    }
+    it->PointAt(token.text);
+    if (HoldsWord("# '", token.text)) {
+        it->Replace(token.text, ";");
+        it->advice.note = "begin the comment with a semicolon";
+        return;
+    }
+    const auto index = static_cast<std::size_t>(&token - it->operand->tokens.data());
+    const Token& before = it->operand->tokens[index - 1];
+    const std::vector<TextEdit> comma =
+        CommasIn(*it, isData ? 1 : index, isData ? it->operand->tokens.size() : index + 1);
+    const bool isName =
+        before.kind == TokenKind::registerName || before.kind == TokenKind::condition;
+    const bool isKnown = token.kind != TokenKind::name || it->IsDefined(token.text);
+    if ((isName || (isData && isKnown)) && HasFormWith(it->statement, comma)) {
+        it->advice.edits = comma;
+        it->advice.note = "add the comma: " + WriteNote(it->statement, comma).substr(6);
+    } else if (!isKnown || before.code == OP_CLOSE) {
+        it->Insert(token.text, "; ");
+        it->advice.note = "begin the comment with a semicolon, or add the operator that is missing";
+    } else {
+        it->advice.note =
+            "add the comma or operator that is missing, or begin a comment with a semicolon";
+    }
+}
+
+bool IsComparing(const OperandView& operand) {
+    return std::ranges::any_of(operand.tokens, [](const Token& token) {
+        return token.code == OP_LESS || token.code == OP_GREATER || token.code == OP_EQUAL ||
+               token.code == OP_LESS_EQUAL || token.code == OP_GREATER_EQUAL;
+    });
+}
+
+// A bracket that is not closed, or not opened.
+void AdviseOnBracket(OperandCase* it, const Token& token, bool isOpened) {
+    const OperandView& operand = *it->operand;
+    const bool isMemory = operand.text.front() == '(' && operand.text.back() == ')';
+    if (isMemory && !isOpened && IsComparing(operand)) {
+        it->advice.note = "give each comparison a name by EQU and combine the names";
+    } else if (isMemory && !isOpened && token.text.data() != &operand.text.back()) {
+        it->PointAt(operand.text);
+        it->Insert(operand.text, "0+");
+        it->advice.note =
+            "write 0+" + std::string(operand.text) + ": brackets at both ends mean memory";
+    } else if (isOpened) {
+        it->Replace(operand.text.substr(operand.text.size()), ")");
+        it->advice.note = "close the bracket";
+    } else {
+        it->Replace(token.text, "");
+        it->advice.note = "remove the bracket: it was not opened";
+    }
+}
+
+// An operator at the start, where "&FF" is meant for a number.
+void AdviseOnNoLeft(OperandCase* it, const Token& token) {
+    const auto next = static_cast<std::size_t>(&token - it->operand->tokens.data()) + 1;
+    const bool isPrefix = token.text == "&" && next < it->operand->tokens.size();
+    const std::string number =
+        isPrefix ? NumberSpelling("0X" + std::string(it->operand->tokens[next].text)) : "";
+    if (number.empty()) {
+        it->advice.note = "add a value before " + std::string(token.text);
+        return;
+    }
+    const std::string_view part = it->statement.Span(token.text, it->operand->tokens[next].text);
+    it->PointAt(part);
+    it->Replace(part, number);
+}
+
+// An EQU that depends on itself. A chain that ends at an unknown name is explained there.
+bool AdviseOnCircle(OperandCase* it, const std::string& name) {
+    if (it->statement.mnemonic == "EQU" && it->statement.label == name) {
+        it->advice.note = "give " + name + " a value: it depends on itself";
+        return true;
+    }
+    std::vector<std::string> path;
+    for (std::string next = name; !next.empty() && path.size() < 32;) {
+        if (std::ranges::find(path, next) != path.end()) {
+            it->advice.note = "give " + next + " a value: it depends on itself";
+            it->advice.name = next;
+            it->advice.definesName = true;
+            return true;
+        }
+        path.push_back(next);
+        const auto known = it->adviser.Facts().FindName(next);
+        next.clear();
+        if (!known || known->waitingLine.empty()) {
+            break;
+        }
+        const StatementView definition = CutStatement(known->waitingLine);
+        for (const OperandView& operand : definition.operands) {
+            for (const Token& token : operand.tokens) {
+                if (token.kind == TokenKind::name && !it->IsDefined(token.text)) {
+                    next = token.text;
+                }
+            }
+        }
+    }
+    it->advice.isFollowOn = path.size() > 1;
+    return it->advice.isFollowOn;
+}
+
+// "XAND3": a word operator without blanks.
+bool AdviseOnGluedOperator(OperandCase* it, const Token& token) {
+    for (const std::string_view word : {"AND", "XOR", "OR", "SHL", "SHR", "MOD"}) {
+        const std::size_t at = token.text.find(word, 1);
+        if (at == std::string_view::npos || at + word.size() == token.text.size()) {
+            continue;
+        }
+        const auto isKnown = [it](std::string_view part) {
+            const std::vector<Token> tokens = CutTokens(part);
+            return tokens.size() == 1 &&
+                   (tokens[0].kind == TokenKind::number || it->IsDefined(part));
+        };
+        const std::string_view left = token.text.substr(0, at);
+        const std::string_view right = token.text.substr(at + word.size());
+        if (isKnown(left) && isKnown(right)) {
+            const std::string fix =
+                std::string(left) + " " + std::string(word) + " " + std::string(right);
+            it->Replace(token.text, fix);
+            it->advice.note = "write " + fix + ": " + std::string(word) + " needs blanks around it";
+            return true;
+        }
+    }
+    return false;
+}
+
+}  // namespace
+
+// The token `text` in the expression of `operand`, which the name of an index register is no part
+// of.
+const Token* FindToken(const OperandView& operand, std::string_view text) {
+    const auto first = operand.tokens.begin() + (operand.IsIndexed() ? 2 : 0);
+    const auto token = std::ranges::find(first, operand.tokens.end(), text, &Token::text);
+    return token == operand.tokens.end() ? nullptr : &*token;
+}
+
+// An expression that is no expression.
+bool AdviseOnExpression(OperandCase* it) {
+    if (it->operand == nullptr) {
+        return false;
+    }
+    const auto [kind, token] = FindExpressionFault(*it->operand);
+    if (kind == ExpressionFault::none) {
+        return false;
+    }
+    it->PointAt(token->text);
+    const std::string text(token->text);
+    std::string& note = it->advice.note;
+    switch (kind) {
+        case ExpressionFault::twoValues:
+            AdviseOnTwoValues(it, *token);
+            break;
+        case ExpressionFault::noLeft:
+            AdviseOnNoLeft(it, *token);
+            break;
+        case ExpressionFault::noRight:
+            note = "add a value after " + text;
+            break;
+        case ExpressionFault::openBracket:
+        case ExpressionFault::closeBracket:
+            AdviseOnBracket(it, *token, kind == ExpressionFault::openBracket);
+            break;
+        case ExpressionFault::comparison:
+            note = "give the comparison a name by EQU: it has no value in brackets";
+            break;
+        case ExpressionFault::longString:
+            note = "use a string of one character: only DB and DM take longer ones";
+            break;
+        case ExpressionFault::emptyString:
+            note = "put one character between the quotes";
+            break;
+        case ExpressionFault::openString:
+            if (text.size() > 1) {
+                it->Replace(it->statement.line.substr(it->statement.line.size()), "\"");
+            }
+            note = "close the string with a double quote";
+            break;
+        case ExpressionFault::emptyNumber:
+            note = token->text == "B" || token->text == "H" || token->text == "O"
+                       ? "choose another name: " + text + " alone reads as a number without digits"
+                       : "add the digits after " + text;
+            break;
+        case ExpressionFault::largeNumber:
+            note = "use at most 65535; a larger value has to be computed, as in 35000*2";
+            break;
+        case ExpressionFault::badToken:
+            if (!AdviseOnDots(it, *token)) {
+                note = "use numbers, names, strings in double quotes and operators";
+            }
+            break;
+        case ExpressionFault::zeroDivisor:
+            note = "divide by something else than 0";
+            break;
+        case ExpressionFault::none:
+            break;
+    }
+    return true;
+}
+
+// A name that has no value.
+void AdviseOnUnknownName(OperandCase* it) {
+    const std::string_view text = it->fault.text;
+    const Token* token = it->operand == nullptr ? nullptr : FindToken(*it->operand, text);
+    if (token == nullptr && it->operand != nullptr) {
+        const auto found = std::ranges::find_if(it->operand->tokens, [it](const Token& each) {
+            const bool isName = each.kind == TokenKind::name || each.kind == TokenKind::digitName ||
+                                each.kind == TokenKind::registerName ||
+                                each.kind == TokenKind::condition;
+            return isName && (!it->IsDefined(each.text) || it->fault.number == MSG_NOT_IMMEDIATE);
+        });
+        token = found == it->operand->tokens.end() ? nullptr : &*found;
+    }
+    if (token == nullptr) {
+        return;
+    }
+    it->PointAt(token->text);
+    const std::string name(token->text);
+    std::string& note = it->advice.note;
+    if (token->kind == TokenKind::registerName || token->kind == TokenKind::condition) {
+        const bool isSum = std::ranges::any_of(it->operand->tokens, [](const Token& each) {
+            return each.code == OP_PLUS || each.code == OP_MINUS;
+        });
+        note = (isSum ? "add with ADD, INC, SUB or DEC: " : "use a number or a name: ") + name +
+               " is a register or condition, and expressions have none";
+        return;
+    }
+    if (FindKeyword(token->text) != nullptr) {
+        note = "use a name that is defined: " + name + " is an instruction";
+        return;
+    }
+    if (AdviseOnCircle(it, name) || AdviseOnGluedOperator(it, *token)) {
+        return;
+    }
+    if (const auto known = it->adviser.Facts().FindName(token->text); known && known->hasValue) {
+        note = "define " + name + " above this line: " + std::string(it->statement.mnemonic) +
+               " needs its value at once";
+        return;
+    }
+    if (const std::string_view near = it->adviser.NearestName(token->text); !near.empty()) {
+        it->Replace(token->text, std::string(near));
+        note = "did you mean " + std::string(near) + "?";
+        return;
+    }
+    if (token->kind == TokenKind::digitName) {
+        note = "begin the name with a letter, or write a number as 255, 0FFH, $FF, 1010B or %1010";
+        return;
+    }
+    if (it->fault.number == MSG_NOT_IMMEDIATE || HoldsWord("IF COND", it->statement.mnemonic)) {
+        note = "define " + name + " above this line, or by -D " + name + "=1";
+    }
+}
+
+}  // namespace korv

@@ -1,0 +1,51 @@
+/// What the advice on an operand works on, shared by the files that give it.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "frontend/notes.h"
+
+namespace korv {
+
+/// Directives that take any number of values.
+inline constexpr std::string_view dataDirectives = "DB DEFB DW DEFW";
+
+/// A message about operands, with the advice as it grows.
+struct OperandCase {
+    Adviser& adviser;
+    const FaultView& fault;
+    const StatementView& statement;
+    const OperandView* operand =
+        nullptr;  ///< at fault; null: one is missing, or it is none of them
+    Advice advice = {};
+
+    void PointAt(std::string_view part) { advice.place = statement.PartOf(part); }
+    void Replace(std::string_view part, std::string text) {
+        advice.edits.push_back({statement.PartOf(part), std::move(text)});
+    }
+    /// Puts `text` in front of `part`.
+    void Insert(std::string_view part, std::string text) {
+        Replace(part.substr(0, 0), std::move(text));
+    }
+    [[nodiscard]] bool IsDefined(std::string_view name) const {
+        const auto known = adviser.Facts().FindName(name);
+        return known && known->hasValue;
+    }
+};
+
+/// Whether the statement has a form of its mnemonic once it is changed.
+[[nodiscard]] bool HasFormWith(const StatementView& statement, const std::vector<TextEdit>& edits);
+
+/// The token `text` in the expression of `operand`, which the name of an index register is no part
+/// of; null for none.
+[[nodiscard]] const Token* FindToken(const OperandView& operand, std::string_view text);
+
+/// Advises on the fault that the tokens of the operand show. False: they show none.
+[[nodiscard]] bool AdviseOnExpression(OperandCase* it);
+/// Advises on the name without a value.
+void AdviseOnUnknownName(OperandCase* it);
+
+}  // namespace korv

@@ -1,0 +1,98 @@
+#include "frontend/statement_rules.h"
+
+#include <vector>
+
+#include "codegen/keywords.h"
+#include "expr/evaluator.h"
+#include "expr/number.h"
+#include "frontend/instruction_forms.h"
+
+namespace korv {
+namespace {
+
+// Offset of the first sequence in `text`, a string with its quotes. A backslash before the last
+// quote is one only if the text goes on after it.
+std::size_t EscapeIn(std::string_view text, bool goesOn) {
+    for (std::size_t i = 1; i + 1 < text.size(); ++i) {
+        if (text[i] == '\\' &&
+            std::string_view("nrt0x\\").find(text[i + 1]) != std::string_view::npos) {
+            return i;
+        }
+        if (text[i] == '\\' && i + 2 == text.size() && goesOn) {
+            return i;
+        }
+    }
+    return std::string_view::npos;
+}
+
+bool IsComparison(const Token& token) {
+    switch (token.code) {
+        case OP_LESS:
+        case OP_GREATER:
+        case OP_EQUAL:
+        case OP_LESS_EQUAL:
+        case OP_GREATER_EQUAL:
+            return true;
+        default:
+            return false;
+    }
+}
+
+bool IsLogical(const Token& token) {
+    return token.code == OP_AND || token.code == OP_OR || token.code == OP_XOR;
+}
+
+}  // namespace
+
+std::optional<LinePart> FindEscape(const StatementView& statement) {
+    if (HoldsWord("INCLUDE BINCLUDE", statement.mnemonic)) {
+        return std::nullopt;
+    }
+    for (const OperandView& operand : statement.operands) {
+        for (const Token& token : operand.tokens) {
+            if (token.kind != TokenKind::string && token.kind != TokenKind::openString) {
+                continue;
+            }
+            const bool goesOn = &token != &operand.tokens.back();
+            if (const std::size_t at = EscapeIn(token.text, goesOn); at != std::string_view::npos) {
+                return statement.PartOf(token.text.substr(at, 2));
+            }
+        }
+    }
+    return std::nullopt;
+}
+
+bool ReadsAsNumber(std::string_view label) {
+    std::int32_t value = 0;
+    return !label.empty() && ReadNumber(label, &value) != notANumber;
+}
+
+bool ReadsAsRegister(std::string_view label) {
+    return !label.empty() && ClassOf(label).kind != KIND_VALUE;
+}
+
+std::string_view SurpriseInCondition(const OperandView& condition) {
+    struct Level {
+        bool isCompared = false;
+        bool isCombined = false;
+    };
+    std::vector<Level> levels(1);
+    for (const Token& token : condition.tokens) {
+        if (token.code == OP_NOT) {
+            return "write X=0: ! turns every bit, and !1 is true";
+        }
+        if (token.code == OP_OPEN) {
+            levels.emplace_back();
+        } else if (token.code == OP_CLOSE && levels.size() > 1) {
+            levels.pop_back();
+        }
+        levels.back().isCompared = levels.back().isCompared || IsComparison(token);
+        levels.back().isCombined = levels.back().isCombined || IsLogical(token);
+        if (levels.back().isCompared && levels.back().isCombined) {
+            return "give each comparison a name by EQU: comparisons bind less than AND, OR and XOR";
+        }
+    }
+    return "";
+}
+
+}  // namespace korv

@@ -52,6 +52,10 @@ FaultyToken FindExpressionFault(const OperandView& operand) {
         tokens.back().code == OP_CLOSE) {
         tokens = tokens.subspan(1, tokens.size() - 2);
     }
+    constexpr std::size_t mostTokens = 19;  // the evaluator's nodes
+    if (tokens.size() > mostTokens) {
+        return {ExpressionFault::tooComplex, &tokens[mostTokens]};
+    }
     for (const Token& token : tokens) {
         const bool isAfterValue =
             before != nullptr && (before->IsValue() || before->code == OP_CLOSE);

@@ -278,6 +278,9 @@ bool AdviseOnExpression(OperandCase* it) {
                 note = "use numbers, names, strings in double quotes and operators";
             }
             break;
+        case ExpressionFault::tooComplex:
+            note = "give a part of it a name by EQU: an expression has at most 19 parts";
+            break;
         case ExpressionFault::zeroDivisor:
             note = "divide by something else than 0";
             break;

@@ -333,10 +333,6 @@ Advice AdviseOnOperands(Adviser& adviser, const FaultView& fault) {
         AdviseOnUnknownName(&it);
         return it.advice;
     }
-    if (fault.number == MSG_TOO_COMPLEX) {
-        it.advice.note = "give a part of it a name by EQU: an expression has at most 19 parts";
-        return it.advice;
-    }
     if (fault.number == MSG_BAD_EXPRESSION) {
         it.advice.note = "check for a division by 0 and for names that are not values";
         return it.advice;

@@ -1,5 +1,6 @@
 #include "frontend/expression_fault.h"
 
+#include <algorithm>
 #include <span>
 
 #include "expr/evaluator.h"
@@ -52,6 +53,12 @@ FaultyToken FindExpressionFault(const OperandView& operand) {
         tokens.back().code == OP_CLOSE) {
         tokens = tokens.subspan(1, tokens.size() - 2);
     }
+    const bool isBalanced = std::ranges::count(tokens, OP_OPEN, &Token::code) ==
+                            std::ranges::count(tokens, OP_CLOSE, &Token::code);
+    constexpr std::size_t mostTokens = 19;  // the evaluator's nodes
+    if (tokens.size() > mostTokens) {
+        return {ExpressionFault::tooComplex, &tokens[mostTokens]};
+    }
     for (const Token& token : tokens) {
         const bool isAfterValue =
             before != nullptr && (before->IsValue() || before->code == OP_CLOSE);
@@ -87,7 +94,7 @@ FaultyToken FindExpressionFault(const OperandView& operand) {
             brackets.pop_back();
         } else if (!isAfterValue && !IsSign(token.code)) {
             return {ExpressionFault::noLeft, &token};
-        } else if (IsComparison(token.code) && !brackets.empty()) {
+        } else if (IsComparison(token.code) && !brackets.empty() && isBalanced) {
             return {ExpressionFault::comparison, &token};
         }
         before = &token;

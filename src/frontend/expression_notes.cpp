@@ -33,7 +33,11 @@ bool AdviseOnQuotes(OperandCase* it) {
                         std::ranges::none_of(it->operand->tokens, [](const Token& token) {
                             return token.text.find('"') == std::string_view::npos;
                         });
-    if (!isText) {
+    const bool hasBlanks =
+        std::ranges::adjacent_find(it->operand->tokens, [](const Token& one, const Token& next) {
+            return one.text.data() + one.text.size() != next.text.data();
+        }) != it->operand->tokens.end();
+    if (!isText || hasBlanks) {
         return false;
     }
     const std::string_view inner = it->statement.Typed(text.substr(1, text.size() - 2));
@@ -102,7 +106,7 @@ void AdviseOnTwoValues(OperandCase* it, const Token& token) {
     const bool isName =
         before.kind == TokenKind::registerName || before.kind == TokenKind::condition;
     const bool isKnown = token.kind != TokenKind::name || it->IsDefined(token.text);
-    if ((isName || (isData && isKnown)) && HasFormWith(it->statement, comma)) {
+    if ((isName || isKnown) && HasFormWith(it->statement, comma)) {
         it->advice.edits = comma;
         it->advice.note = "add the comma: " + WriteNote(it->statement, comma).substr(6);
     } else if (!isKnown || before.code == OP_CLOSE) {
@@ -125,6 +129,19 @@ bool IsComparing(const OperandView& operand) {
 void AdviseOnBracket(OperandCase* it, const Token& token, bool isOpened) {
     const OperandView& operand = *it->operand;
     const bool isMemory = operand.text.front() == '(' && operand.text.back() == ')';
+    const auto count = [&operand](std::int32_t code) {
+        return std::ranges::count(operand.tokens, code, &Token::code);
+    };
+    if (!isOpened && count(OP_CLOSE) > count(OP_OPEN)) {
+        const std::vector<TextEdit> open = {{it->statement.PartOf(operand.text.substr(0, 0)), "("}};
+        const bool isMissing =
+            HasFormWith(it->statement, open) && operand.text.back() == ')' && count(OP_OPEN) == 0;
+        const std::string_view last = operand.text.substr(operand.text.size() - 1);
+        it->PointAt(isMissing ? operand.text : operand.text.back() == ')' ? last : token.text);
+        it->advice.edits = isMissing ? open : std::vector<TextEdit>{{*it->advice.place, ""}};
+        it->advice.note = isMissing ? "open the bracket" : "remove the bracket: it was not opened";
+        return;
+    }
     if (isMemory && !isOpened && IsComparing(operand)) {
         it->advice.note = "give each comparison a name by EQU and combine the names";
     } else if (isMemory && !isOpened && token.text.data() != &operand.text.back()) {
@@ -260,7 +277,9 @@ bool AdviseOnExpression(OperandCase* it) {
             note = "put one character between the quotes";
             break;
         case ExpressionFault::openString:
-            if (text.size() > 1) {
+            if (text.size() > 2 && text.ends_with('\'')) {
+                it->Replace(token->text.substr(text.size() - 1), "\"");
+            } else if (text.size() > 1) {
                 it->Replace(it->statement.line.substr(it->statement.line.size()), "\"");
             }
             note = "close the string with a double quote";
@@ -277,6 +296,10 @@ bool AdviseOnExpression(OperandCase* it) {
             if (!AdviseOnDots(it, *token)) {
                 note = "use numbers, names, strings in double quotes and operators";
             }
+            break;
+        case ExpressionFault::tooComplex:
+            it->PointAt(it->operand->text);
+            note = "give a part of it a name by EQU: an expression has at most 19 parts";
             break;
         case ExpressionFault::zeroDivisor:
             note = "divide by something else than 0";
@@ -333,6 +356,12 @@ void AdviseOnUnknownName(OperandCase* it) {
     }
     if (token->kind == TokenKind::digitName) {
         note = "begin the name with a letter, or write a number as 255, 0FFH, $FF, 1010B or %1010";
+        return;
+    }
+    if (const std::string number = NumberSpelling("0X" + name);
+        !number.empty() && name.size() % 2 == 0) {
+        it->Replace(token->text, number);
+        note = "write " + number + " if it is hexadecimal";
         return;
     }
     if (it->fault.number == MSG_NOT_IMMEDIATE || HoldsWord("IF COND", it->statement.mnemonic)) {

@@ -81,7 +81,7 @@ constexpr auto termTable = std::to_array<TermRow>({
     {"p", [](const OperandView& it, bool ignores) { return IsNumber(it, ignores) && MayBe(it, 0x38, 0x38); }},
     {"i", [](const OperandView& it, bool ignores) { return IsNumber(it, ignores) && MayBe(it, 2, 3); }},
     {"str", [](const OperandView& it, bool) { return it.text.starts_with('"'); }},
-    {"name", [](const OperandView& it, bool) { return !it.text.empty(); }},
+    {"name", [](const OperandView& it, bool) { return it.what.kind != KIND_NONE; }},
     {"any", [](const OperandView& it, bool) { return !it.text.empty(); }},
     {"v", [](const OperandView& it, bool) { return IsNumber(it, true); }},
     {"gp", [](const OperandView& it, bool) { return it.what.reg >= REG_BC && it.what.reg <= REG_HL; }},

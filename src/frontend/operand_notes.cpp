@@ -55,6 +55,12 @@ const OperandView* FocusOf(const FaultView& fault) {
                 return it;
             }
             break;
+        case MSG_NOT_IMMEDIATE:
+            if (const OperandView* const it =
+                    find([](const OperandView& each) { return each.what.kind == KIND_VALUE; })) {
+                return it;
+            }
+            break;
         default:
             break;
     }
@@ -93,12 +99,14 @@ bool AdviseOnSet(OperandCase* it) {
 // A comma that is another sign, as in "LD A:5".
 bool AdviseOnSeparator(OperandCase* it) {
     const auto& operands = it->statement.operands;
-    if (it->fault.number != MSG_ARGUMENT_EXPECTED || operands.size() != 1) {
+    if (operands.size() != 1) {
         return false;
     }
     const std::string_view text = operands[0].text;
     const std::size_t at = text.find_first_of(":.=<-;");
-    if (at == std::string_view::npos || at + 1 == text.size()) {
+    const bool isMissing = it->fault.number == MSG_ARGUMENT_EXPECTED;
+    if (at == std::string_view::npos || at == 0 || at + 1 == text.size() ||
+        (!isMissing && ClassOf(text.substr(0, at)).condition < 0)) {
         return false;
     }
     const std::vector<TextEdit> edits = {{it->statement.PartOf(text.substr(at, 1)), ","}};
@@ -118,6 +126,11 @@ bool AdviseOnIndexHalf(OperandCase* it) {
         const bool isHalf =
             token != nullptr &&
             HoldsWord("IXH IXL IYH IYL HX LX HY LY XH XL YH YL IXU IYU", token->text);
+        if (token != nullptr && token->text == "PC" && !it->IsDefined("PC")) {
+            it->PointAt(token->text);
+            it->advice.note = "use JP, CALL or $: the program counter is no operand";
+            return true;
+        }
         if (isHalf && !it->IsDefined(token->text)) {
             it->PointAt(token->text);
             it->advice.note =
@@ -127,6 +140,20 @@ bool AdviseOnIndexHalf(OperandCase* it) {
         }
     }
     return false;
+}
+
+// What the rows say of the statement once it is changed by `edits`.
+bool AdviseOnChanged(OperandCase* it, const std::vector<TextEdit>& edits) {
+    const std::string typed = Applied(it->statement.typed, edits);
+    const std::string line = Raised(typed);
+    const StatementView changed = CutStatement(line, typed);
+    std::optional<RowAdvice> row = OperandAdvice(changed, it->fault.number);
+    if (!row || row->edits.empty()) {
+        return false;
+    }
+    it->advice.note = std::move(row->note);
+    it->advice.edits = {NewStatement(it->statement, std::move(row->edits[0].text))};
+    return true;
 }
 
 // A spelling of another assembler.
@@ -146,6 +173,17 @@ bool AdviseOnSpelling(OperandCase* it) {
             return true;
         }
         Foreign found = FindForeign(it->statement, *operand);
+        const bool isMemory = found.part.data() != nullptr && !found.fix.empty() &&
+                              it->fault.number == MSG_ILLEGAL_ARGUMENT &&
+                              it->statement.keyword != nullptr &&
+                              !HoldsWord(dataDirectives, it->statement.mnemonic);
+        if (isMemory &&
+            !HasFormWith(it->statement, {{it->statement.PartOf(found.part), found.fix}})) {
+            if (AdviseOnChanged(it, {{it->statement.PartOf(found.part), found.fix}})) {
+                return true;
+            }
+            continue;
+        }
         if (found.part.data() != nullptr) {
             it->PointAt(found.part);
             it->advice.note = std::move(found.note);
@@ -185,6 +223,20 @@ bool AdviseOnRegister(OperandCase* it) {
             "use a number, a string or a name: " + name + " is a register or condition";
     }
     return true;
+}
+
+// Whether the statement has a name without a value or a register in a sum: no other order of its
+// operands would assemble.
+bool HasUnknownName(const OperandCase& it) {
+    return std::ranges::any_of(it.statement.operands, [&it](const OperandView& operand) {
+        return operand.what.kind == KIND_VALUE && !operand.IsIndexed() &&
+               std::ranges::any_of(operand.tokens, [&it](const Token& token) {
+                   const bool isName =
+                       token.kind == TokenKind::name || token.kind == TokenKind::registerName;
+                   return isName && !it.IsDefined(token.text) &&
+                          it.adviser.Facts().FindName(token.text) == std::nullopt;
+               });
+    });
 }
 
 // A proposed "M+0" where there is no name M leads to the next error.
@@ -240,6 +292,9 @@ bool AdviseOnShape(OperandCase* it) {
     }
     if (!Take(it, OperandAdvice(it->statement, it->fault.number))) {
         return AdviseOnM(it);
+    }
+    if (HasUnknownName(*it)) {
+        it->advice.edits.clear();
     }
     if (ProposesUnknownName(*it)) {
         it->advice.edits.clear();
@@ -314,27 +369,40 @@ Advice AdviseOnOperands(Adviser& adviser, const FaultView& fault) {
     const bool isCount =
         fault.number == MSG_TOO_MANY_ARGUMENTS || fault.number == MSG_ARGUMENT_EXPECTED;
     const std::size_t faulty = FindFaultyOperand(fault.statement);
+    for (const OperandView& operand : fault.statement.operands) {
+        const ExpressionFault kind = FindExpressionFault(operand).fault;
+        if (kind == ExpressionFault::openBracket || kind == ExpressionFault::closeBracket) {
+            it.operand = &operand;
+        }
+    }
     if (it.operand != nullptr) {
         it.PointAt(it.operand->text);
     } else if (isCount && faulty == fault.statement.operands.size()) {
         it.PointAt(fault.statement.mnemonic);
+    }
+    if (HoldsWord("INCLUDE BINCLUDE", fault.statement.mnemonic)) {
+        if (!AdviseOnShape(&it)) {
+            AdviseOnForms(&it);
+        }
+        return it.advice;
     }
     if (AdviseOnSet(&it) || AdviseOnSeparator(&it) || AdviseOnIndexHalf(&it) ||
         AdviseOnSpelling(&it) || AdviseOnRegister(&it)) {
         return it.advice;
     }
     const bool isValue = it.operand != nullptr && it.operand->what.kind == KIND_VALUE;
+    const ExpressionFault kind =
+        isValue ? FindExpressionFault(*it.operand).fault : ExpressionFault::none;
+    const bool isBroken = kind == ExpressionFault::twoValues ||
+                          kind == ExpressionFault::openBracket ||
+                          kind == ExpressionFault::closeBracket;
     const bool isData = HoldsWord("DB DEFB DW DEFW DS DEFS", fault.statement.mnemonic);
-    if (isValue && (isCount || isData || fault.number != MSG_ILLEGAL_ARGUMENT) &&
+    if (isValue && (isCount || isData || isBroken || fault.number != MSG_ILLEGAL_ARGUMENT) &&
         AdviseOnExpression(&it)) {
         return it.advice;
     }
     if (fault.number == MSG_UNRESOLVED || fault.number == MSG_NOT_IMMEDIATE) {
         AdviseOnUnknownName(&it);
-        return it.advice;
-    }
-    if (fault.number == MSG_TOO_COMPLEX) {
-        it.advice.note = "give a part of it a name by EQU: an expression has at most 19 parts";
         return it.advice;
     }
     if (fault.number == MSG_BAD_EXPRESSION) {

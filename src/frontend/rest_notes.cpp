@@ -136,6 +136,11 @@ Advice AdviseOnRange(const StatementView& statement, Status number) {
     }
     if (number == MSG_NOT_UNSIGNED_BYTE) {
         advice.place.reset();
+        for (const OperandView& operand : statement.operands) {
+            if (operand.what.reg == REG_DIRECT && HoldsWord("IN OUT", statement.mnemonic)) {
+                advice.place = statement.PartOf(operand.text);
+            }
+        }
         advice.note = HoldsWord("IN OUT", statement.mnemonic)
                           ? "use a port from 0 to 255"
                           : "write words with DW, or X AND 255 for the low byte";

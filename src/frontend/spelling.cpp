@@ -144,6 +144,11 @@ Foreign ForeignToken(const StatementView& statement, const Token& token) {
         colon != std::string_view::npos && text.size() > 1) {
         return {text.substr(colon, 1), "\n\t", "write one instruction in a line"};
     }
+    if ((text.front() == '$' || text.front() == '&') && text.size() > 1) {
+        return {
+            text, "",
+            "check the digits after " + std::string(text.substr(0, text.front() == '&' ? 2 : 1))};
+    }
     if (text.front() == '%') {
         return {text, "", "use the digits 0 and 1 after %, and MOD for the remainder"};
     }

@@ -92,6 +92,9 @@ OperandView ViewOf(std::string_view text) {
         operand.what = isIndirect ? ClassInParentheses(inner) : ClassOf(inner);
         return operand;
     }
+    if (WithoutLeadingBlanks(inner).empty()) {  // the core refuses it
+        return operand;
+    }
     operand.what = isIndirect ? operand_class::direct : operand_class::value;
     if (isIndirect && (inner.starts_with("IX") || inner.starts_with("IY"))) {
         const std::string_view rest = WithoutLeadingBlanks(inner.substr(2));

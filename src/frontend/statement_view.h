@@ -56,7 +56,7 @@ struct Token {
 /// An operand, without the blanks around it. It may be empty.
 struct OperandView {
     std::string_view text;
-    OperandClass what;  ///< KIND_NONE if it is empty
+    OperandClass what;  ///< KIND_NONE if it is empty, or nothing is in its parentheses
     std::vector<Token> tokens;
 
     [[nodiscard]] bool IsIndexed() const {

@@ -85,6 +85,26 @@ Advice AdviseOnPreprocessor(const StatementView& statement) {
             return advice;
         }
     }
+    // "DEFC X = 5", ".EQU X,5": the name comes second, and the first word may be in column 1.
+    const std::string_view first =
+        word.empty() || statement.label.empty() || statement.hasColon ? word : statement.label;
+    if (HoldsWord("DEFC LET CONST .EQU .SET .DEFL VAR .VAR", first)) {
+        const std::string_view text = WithoutLeadingBlanks(
+            statement.line.substr(statement.PartOf(first).offset + first.size()));
+        const std::string_view name = text.substr(0, text.find_first_of(" \t=,"));
+        const std::size_t start = text.find_first_not_of(" \t=,", name.size());
+        if (IsNameText(name) && start != std::string_view::npos && name.size() < text.size() &&
+            name.size() > 0 && ClassOf(name).kind == KIND_VALUE) {
+            Advice advice =
+                Replace(statement, statement.line,
+                        std::string(name) + ": EQU " + std::string(text.substr(start)), "");
+            advice.place = statement.PartOf(first);
+            advice.note = "write " + advice.edits[0].text + " from column 1 on";
+            advice.definesName = true;
+            advice.name = name;
+            return advice;
+        }
+    }
     const std::string_view plain = word.substr(std::min<std::size_t>(1, word.size()));
     const bool isOwn = FindKeyword(plain) != nullptr || plain == "IFDEF" || plain == "IFNDEF";
     if (word.front() == '#' && !isOwn) {
@@ -100,7 +120,9 @@ Advice AdviseOnName(const StatementView& statement) {
     const std::size_t end = std::min(line.find_first_of(" \t:", blanks + 1), line.size());
     const std::string_view word = line.substr(blanks, end - blanks);
     const bool hasColon = end < line.size() && line[end] == ':';
-    if (word.empty() || (!hasColon && blanks > 0)) {
+    const bool isWord =
+        !hasColon && (word.starts_with('.') || word.starts_with('!')) && WordAdvice(statement);
+    if (word.empty() || (!hasColon && blanks > 0) || isWord) {
         return {};
     }
     std::string name;
@@ -110,11 +132,14 @@ Advice AdviseOnName(const StatementView& statement) {
     if (word.front() == '.' || word.front() == ':' || word.front() == '-') {
         name.erase(0, 1);
     }
+    if (HasOddByte(word) && name.find_first_not_of('_') == std::string::npos) {
+        return Say(statement, word, "use letters from A to Z, digits, ?, @ and _ in a name");
+    }
     if (name == word || name.empty() || name.find_first_not_of('_') == std::string::npos) {
         return {};
     }
-    const bool isLabel =
-        hasColon || word.front() == '.' || word.front() == ':' || statement.mnemonic == "EQU";
+    const bool isLabel = hasColon || word.front() == '.' || word.front() == ':' ||
+                         statement.mnemonic == "EQU" || statement.rest.starts_with("EQU ");
     if (!isLabel) {
         return {};
     }
@@ -261,6 +286,11 @@ Advice AdviseOnWord(const FaultView& fault) {
             return advice;
         }
     }
+    if (word == ":" && !statement.label.empty()) {  // "LOOP:: NOP" and "LOOP : NOP"
+        const std::string_view name = statement.Span(statement.label, word);
+        return Replace(statement, name, std::string(statement.Typed(statement.label)) + ":",
+                       "end the label with one colon, without a blank before it");
+    }
     Advice advice;
     advice.place = statement.PartOf(word);
     const bool isLabel = word.size() > 1 && word.ends_with(':');
@@ -270,6 +300,10 @@ Advice AdviseOnWord(const FaultView& fault) {
     }
     if (isLabel && IsNameText(word.substr(0, word.size() - 1))) {
         const std::size_t blanks = statement.PartOf(word).offset;
+        if (!statement.label.empty()) {
+            return Replace(statement, word.substr(0, 0), "\n",
+                           "put the second label on a line of its own");
+        }
         Advice moved = Replace(statement, statement.line.substr(0, blanks + word.size()),
                                std::string(statement.Typed(word)), "begin the label in column 1");
         moved.definesName = true;

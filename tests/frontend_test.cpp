@@ -7,7 +7,6 @@
 #include <regex>
 
 #include "frontend/argument_files.h"
-#include "frontend/hint_table.h"
 #include "run.h"
 
 namespace korv_test {
@@ -110,27 +109,6 @@ std::string PrintedFor(const std::string& source, const std::string& words = "")
 }
 
 // clang-format off
-TEST(FrontendTest, EachMistakeGetsItsNote) {
-    std::vector<std::pair<std::string, std::string>> rows = {
-        {" INCLUDE \"DEFS.kor\"", "write the name without quotes: INCLUDE DEFS.kor"}, {" LOD A,5", "did you mean LD?"},
-        {" PUHS HL", "did you mean PUSH?"}, {"LOOP1: NOP| JP LOPO1", "did you mean LOOP1?"}, {" LD A", "LD takes two operands"},
-        {" JP", "JP takes one or two operands"}, {" DB", "DB takes one operand or more"}, {" NEG A", "NEG takes no operand"},
-        {"LD A,5", "only labels begin in column 1: indent LD"}, {"DEFB 5", "only labels begin in column 1: indent DEFB"},
-        {"X: NOP|X: NOP", "the first definition is a.kor:1"}, {"LD: NOP", "rename it, as LD1"}, {" RET 1,2", "RET takes no or one operand"},
-        {ReplaceAll(std::string(33, 'x'), "x", " IF 1|"), "is an ENDIF missing?"},
-        {std::string(256, ';'), "a line has 255 bytes with its comment, and ends with a line feed"}};
-    for (const korv::HintRow& row : korv::hintTable) {
-        rows.emplace_back(row.example, row.note);
-    }
-    for (const auto& [source, note] : rows) {
-        const std::string pattern = std::regex_replace(note, std::regex(R"([^\w %])"), "\\$&");
-        const std::regex printed("note: " + std::regex_replace(pattern, std::regex("%[wc12]"), ".+") + "\n");
-        EXPECT_TRUE(source.empty() || std::regex_search(PrintedFor(source), printed)) << source << ": " << note;
-    }
-    EXPECT_TRUE(Contains(PrintedFor("A1: NOP", " -D A1"), "note: -D has defined it\n"));
-    EXPECT_FALSE(Contains(PrintedFor(" FROB 1| JP LATER"), "note:")) << "nothing is near";
-}
-
 // The places and names of all messages for a source, an "!" before those that are errors.
 TEST(FrontendTest, StrangeLinesAreWarnedOfAndOthersAreNot) {
     const char* rows[][3] = {

@@ -9,148 +9,65 @@
 #include <fstream>
 #include <map>
 
-#include "driver/assembler.h"
-#include "driver/run_observer.h"
+#include "frontend/analyser.h"
+#include "frontend/file_store.h"
 #include "frontend/instruction_forms.h"
 #include "frontend/note_table.h"
 #include "frontend/statement_rules.h"
-#include "frontend/warnings.h"
 #include "run.h"
-#include "source/source_file.h"
 #include "table.h"
 
 namespace korv_test {
 namespace {
 
-using korv::Advice;
+// A run of `source`, in which "|" ends a line.
+korv::Analysis AnalysisOf(const std::string& source) {
+    korv::FileStore store;
+    store.SetText(store.FullPath("a.kor"), ReplaceAll(source, "|", "\n") + "\n");
+    korv::Options options;
+    options.source = "a.kor";
+    options.maxErrors = 0;
+    return korv::Analyse(options, &store, {});
+}
 
-struct Line {
-    std::string cleaned;
-    std::string typed;
-};
-
-// A run of one source, its errors kept until all names are known.
-class Run : public korv::RunObserver, public korv::RunFacts {
-  public:
-    explicit Run(const std::string& text) : source(text), assembler(console, 1) {
-        char line[512];
-        std::uint32_t bytes = 0, count = 0;
-        korv::CSourceFile file{std::string_view(source)};
-        Strings typed = Split(source, '\n');
-        for (std::size_t at = 0; file.ReadLine(line, 256, &bytes, &count) == 0 && count > 0; at += count) {
-            lines[static_cast<std::int32_t>(at) + 1] = {line, typed.at(at)};
-        }
-        assembler.flags.Set(korv::RF_SYSTEM_IDS);
-        assembler.mainText = &source;
-        assembler.sourceName = "a.kor";
-        assembler.Observe(this);
-        assembler.AssembleSource();
-    }
-    ~Run() { std::fclose(console); }
-
-    struct Said {
-        std::int32_t line;
-        std::uint32_t column;
-        std::int32_t number;
-        Advice advice;
-    };
-    // The errors that are printed.
-    std::vector<Said> Errors() {
-        korv::Adviser adviser(*this);
-        std::vector<Said> said;
-        for (const auto& [number, text, place] : errors) {
-            const Line& line = lines[place.line];
-            const korv::StatementView view = korv::CutStatement(line.cleaned, line.typed);
-            const bool isLate = number == korv::MSG_UNRESOLVED && place.length == 0;
-            const korv::LinePart part{place.offset, place.length};
-            Advice advice = adviser.AdviceFor({number, true, isLate, view, part, text, place.line});
-            if (!advice.isFollowOn) {
-                said.push_back({place.line, advice.place.value_or(part).offset + 1, number, advice});
-            }
-        }
-        return said;
-    }
-    // The source with the changes that the notes propose.
-    std::string Changed() {
-        std::map<std::int32_t, std::string> changed;
-        for (const Said& each : Errors()) {
-            if (!each.advice.edits.empty()) {
-                changed.try_emplace(each.line, korv::Applied(lines[each.line].typed, each.advice.edits));
-            }
-        }
-        std::string text;
-        for (const auto& [number, line] : lines) {
-            text += (changed.contains(number) ? changed[number] : line.typed) + "\n";
-        }
-        return text;
-    }
-
-    void OnMessage(std::int32_t kind, std::int32_t number, std::string_view text,
-                   const korv::SourcePlace& place) override {
-        if ((kind == korv::ML_ERROR || !korv::WarningOf(number)) && place.line > 0) {
-            errors.push_back({number, std::string(text), place});
-        }
-    }
-    void OnStart() override {}
-    void OnFile(const std::string&, std::int32_t, korv::CStatement*) override {}
-    void OnFileEnd() override {}
-    bool OnBlock(korv::CStatement&, std::int32_t) override { return true; }
-    void OnStatement(korv::CStatement&, std::uint32_t) override {}
-
-    [[nodiscard]] std::optional<korv::KnownName> FindName(std::string_view name) const override {
-        for (std::int32_t i = 0; i < assembler.identifiers.RecordCount(); ++i) {
-            const korv::CIdentifier& record = assembler.identifiers.Record(i);
-            if (record.Name() == name) {
-                const bool hasValue = (record.flags & korv::IDF_RESOLVED) != 0;
-                const bool isWaiting = !hasValue && (record.flags & korv::IDF_EQU) != 0;
-                const auto line = lines.find(record.line);
-                return korv::KnownName{hasValue, record.value, false, "a.kor:" + std::to_string(record.line),
-                                       isWaiting && line != lines.end() ? line->second.cleaned : ""};
-            }
-        }
-        return std::nullopt;
-    }
-    [[nodiscard]] bool HasFile(std::string_view name) const override {
-        return name == "defs.kor" || name == "DEFS.KOR";
-    }
-    [[nodiscard]] std::vector<std::string_view> DefinedNames() const override {
-        std::vector<std::string_view> names;
-        for (std::int32_t i = 0; i < assembler.identifiers.RecordCount(); ++i) {
-            if ((assembler.identifiers.Record(i).flags & korv::IDF_RESOLVED) != 0) {
-                names.push_back(assembler.identifiers.Record(i).Name());
-            }
-        }
-        return names;
-    }
-
-  private:
-    struct Error {
-        std::int32_t number;
-        std::string text;
-        korv::SourcePlace place;
-    };
-    std::string source;
-    std::FILE* console = std::fopen(nullDevice, "w");
-    std::map<std::int32_t, Line> lines;
-    std::vector<Error> errors;
-    korv::CAssembler assembler;
-};
-
-// What is printed for `source`, in which "|" ends a line: "line:column number note" for each error; and what is wrong
-// with the change that is proposed.
-std::string Printed(const std::string& source) {
-    Run run(ReplaceAll(source, "|", "\n") + "\n");
+// What is printed for `source`: "line:column number note" for each error.
+std::string Printed(const korv::Analysis& analysis) {
     std::string printed;
-    for (const Run::Said& each : run.Errors()) {
-        printed += std::to_string(each.line) + ":" + std::to_string(each.column) + " " + std::to_string(each.number) +
-                   " " + each.advice.note + "\n";
+    for (const korv::Message& each : analysis.messages) {
+        if (each.severity == korv::Severity::error && each.number != 0) {
+            printed += std::to_string(each.place.line) + ":" + std::to_string(each.place.column + 1) + " " +
+                       std::to_string(each.number) + " " + each.note + "\n";
+        }
     }
     return printed;
 }
+std::string Printed(const std::string& source) {
+    return Printed(AnalysisOf(source));
+}
+
+// The errors that are left when the changes have been made that the notes propose; empty if there are none to make.
 std::string ErrorsAfterChange(const std::string& source) {
-    const std::string text = ReplaceAll(source, "|", "\n") + "\n";
-    const std::string changed = Run(text).Changed();
-    return changed == text ? "" : Printed(changed.substr(0, changed.size() - 1));
+    const korv::Analysis analysis = AnalysisOf(source);
+    std::map<std::int32_t, std::string> changed;
+    for (const korv::Message& message : analysis.messages) {
+        if (message.severity != korv::Severity::error || message.edits.empty() || changed.contains(message.place.line)) {
+            continue;
+        }
+        std::string line(analysis.LineOf(message.place));
+        for (auto edit = message.edits.rbegin(); edit != message.edits.rend(); ++edit) {
+            line.replace(edit->place.column, edit->place.length, edit->text);
+        }
+        changed[message.place.line] = line;
+    }
+    Strings lines = Split(source, '|');
+    for (const auto& [number, line] : changed) {
+        lines.at(static_cast<std::size_t>(number) - 1) = line;
+    }
+    std::string text;
+    for (const std::string& line : lines) {
+        text += (text.empty() ? "" : "|") + line;
+    }
+    return changed.empty() ? "" : Printed(text);
 }
 
 TEST(NotesTest, EachRowHasItsExampleAndProposesWhatAssembles) {

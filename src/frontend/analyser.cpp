@@ -203,7 +203,7 @@ void Analyser::Stop(const CStatement& statement, std::string text, std::string c
                     std::string note) {
     Message message;
     message.place = maker.PlaceOf({statement.fileName, statement.lineNumber});
-    message.opening = statement.fileName - 1;
+    message.opening = maker.OpeningOf(statement.fileName);
     message.text = std::move(text);
     message.code = std::move(code);
     message.note = std::move(note);
@@ -244,8 +244,7 @@ void Analyser::OnFile(const std::string& path, std::int32_t number, CStatement* 
                  "check whether a file includes itself");
         }
     }
-    analysis.openings.push_back(opening);  // the core numbers its files in this order
-    levels.push_back({statement, number - 1});
+    levels.push_back({statement, maker.AddOpening(number, opening)});
 }
 
 void Analyser::OnFileEnd() {
@@ -281,8 +280,8 @@ void Analyser::OnMessage(std::int32_t kind, std::int32_t number, std::string_vie
     if (isStopped) {
         return;
     }
-    if (place.file == 0) {  // the main file cannot be had
-        if (analysis.failure.empty()) {
+    if (place.file == 0) {  // the main file cannot be had, or a message with a place follows
+        if (levels.empty() && analysis.failure.empty()) {
             analysis.failure = "cannot read " + options.source + ": " + store->Failure();
         }
         return;
@@ -326,7 +325,7 @@ void Analyser::Record(const CStatement& statement, std::uint32_t lineCount, std:
     const std::string_view mnemonic = MnemonicOf(statement);
     const Keyword* const keyword = FindKeyword(mnemonic);
     const Statement record{
-        .opening = statement.fileName - 1,
+        .opening = maker.OpeningOf(statement.fileName),
         .line = statement.lineNumber,
         .lineCount = lineCount,
         .address = assembler.location - count,
@@ -392,7 +391,7 @@ void Analyser::CheckStatement(CStatement* statement, std::uint32_t count) {
     if (operands > 0 && (operands > 2 || IsOdd(args.First(), bytes) ||
                          (operands > 1 && IsOdd(args.Second(), bytes)))) {
         Findings findings;
-        CheckOperands(&args, FindKeyword(MnemonicOf(*statement)), bytes, &findings);
+        CheckOperands(&args, CutStatement(statement->text), bytes, &findings);
         Warn(*statement, findings);
     }
     if (assembler.location != statement->address + count && imageSize != 0 &&
@@ -412,7 +411,7 @@ void Analyser::CheckOrg(const CStatement& statement) {
 void Analyser::Warn(const CStatement& statement, const Findings& findings) {
     for (const Finding& finding : findings) {
         maker.Warn(finding.warning, maker.PlaceOf(statement.PlaceOf(finding.part)),
-                   statement.fileName - 1, finding.detail, finding.note);
+                   maker.OpeningOf(statement.fileName), finding.detail, finding.note);
     }
 }
 
@@ -443,7 +442,7 @@ void Analyser::Finish() {
         for (const SourcePlace& place : conditions.Open()) {
             Message message;
             message.place = maker.PlaceOf(place);
-            message.opening = place.file - 1;
+            message.opening = maker.OpeningOf(place.file);
             message.text = "this IF has no ENDIF";
             message.code = "open-if";
             AddMessage(std::move(message), &analysis);

@@ -9,6 +9,7 @@
 #include "driver/statement.h"
 #include "expr/number.h"
 #include "expr/token.h"
+#include "frontend/statement_rules.h"
 #include "source/char_class.h"
 
 namespace korv {
@@ -35,17 +36,6 @@ bool IsOpenString(const lsArg& arg) {
     return arg.status == 0 && arg.IsValue() && std::ranges::count(arg.text, '"') % 2 != 0;
 }
 
-// Looks for a sequence that other assemblers replace by one character.
-void CheckString(std::string_view text, Findings* findings) {
-    const std::size_t at = text.find('\\');
-    constexpr std::string_view escapes = "nrtabef0x\\'\"";
-    if (at != std::string_view::npos && at + 1 < text.size() &&
-        escapes.find(text[at + 1]) != std::string_view::npos) {
-        findings->push_back({Warning::escape, text.substr(at, 2), std::string(text.substr(at, 2)),
-                             "write the character as a number, as in DB \"one\",10"});
-    }
-}
-
 // `arg` waits for nothing. As a value, a register reads 0, and so does the register of an operand
 // with a displacement.
 void CheckOperand(const lsArg& arg, const Keyword* keyword, Findings* findings) {
@@ -54,9 +44,6 @@ void CheckOperand(const lsArg& arg, const Keyword* keyword, Findings* findings) 
         return std::ranges::find(handlers, handler) != handlers.end();
     };
     const std::string text(arg.text);
-    if (text.front() == '"') {
-        CheckString(arg.text, findings);
-    }
     if (IsOpenString(arg) && handler != AssembleDm) {  // which has reported it
         findings->push_back({Warning::openString, arg.text, text, ""});
     }
@@ -87,48 +74,30 @@ bool IsOdd(const lsArg& arg, std::span<const std::uint8_t> bytes) {
 }
 
 void CheckLabel(std::string_view label, Findings* findings) {
-    std::int32_t value = 0;
-    if (ClassOf(label).kind != KIND_VALUE) {
+    if (ReadsAsRegister(label)) {
         findings->push_back(
             {Warning::registerLabel, label, std::string(label), "give it another name"});
-    } else if (ReadNumber(label, &value) != notANumber) {
+    } else if (ReadsAsNumber(label)) {
         findings->push_back(
             {Warning::numberLabel, label, std::string(label), "give it another name"});
     }
 }
 
-void CheckOperands(KO_Args* args, const Keyword* keyword, std::span<const std::uint8_t> bytes,
-                   Findings* findings) {
+void CheckOperands(KO_Args* args, const StatementView& statement,
+                   std::span<const std::uint8_t> bytes, Findings* findings) {
+    if (const std::optional<LinePart> escape = FindEscape(statement)) {
+        const std::string_view part = statement.line.substr(escape->offset, escape->length);
+        findings->push_back({Warning::escape, part, std::string(part),
+                             "write the character as a number, as in DB \"one\",10"});
+    }
     for (const lsArg& arg : *args) {
         if (!IsLateExpression(arg)) {
             if (IsOdd(arg, bytes)) {
-                CheckOperand(arg, keyword, findings);
+                CheckOperand(arg, statement.keyword, findings);
             }
         } else if (HoldsLocation(arg)) {
             findings->push_back({Warning::lateLocation, arg.text, std::string(arg.text),
                                  "put a label in front of this line and use it instead of the $"});
-        }
-    }
-}
-
-void CheckCondition(std::string_view text, Findings* findings) {
-    bool isCompared = false, isCombined = false;
-    for (TokenReader reader(text); !reader.isAtEnd;) {
-        reader.Next();
-        for (const Operator& op : {FindWord(reader.Token()), reader.op}) {
-            std::string_view note;
-            if (op.code == OP_NOT) {
-                note = "use X=0: ! inverts every bit, so !1 is true as well";
-            }
-            isCompared = isCompared || (op.code != 0 && op.priority <= 2);
-            isCombined = isCombined || op.code == OP_AND || op.code == OP_OR || op.code == OP_XOR;
-            if (isCompared && isCombined && note.empty()) {
-                note = "give each comparison a name by EQU: it binds less than AND and OR";
-            }
-            if (!note.empty()) {
-                findings->push_back({Warning::condition, text, std::string(text), note});
-                return;
-            }
         }
     }
 }

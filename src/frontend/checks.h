@@ -12,13 +12,13 @@
 #include "codegen/value_range.h"
 #include "frontend/analysis.h"
 #include "frontend/logical_line.h"
+#include "frontend/statement_view.h"
 #include "source/char_class.h"
 
 namespace korv {
 
 class KO_Args;
 struct CStatement;
-struct Keyword;
 struct lsArg;
 
 /// What a check has found.
@@ -43,12 +43,10 @@ using Findings = std::vector<Finding>;
 /// Looks at such a label.
 void CheckLabel(std::string_view label, Findings* findings);
 
-/// Looks at the operands of a statement that has been assembled without an error.
-void CheckOperands(KO_Args* args, const Keyword* keyword, std::span<const std::uint8_t> bytes,
-                   Findings* findings);
-
-/// Looks at the condition of an IF, whose operands are `text`.
-void CheckCondition(std::string_view text, Findings* findings);
+/// Looks at the operands of a statement that has been assembled without an error. `statement` is
+/// cut from its line.
+void CheckOperands(KO_Args* args, const StatementView& statement,
+                   std::span<const std::uint8_t> bytes, Findings* findings);
 
 /// A finding about the bytes of a file, at a physical place.
 struct ByteFinding {

@@ -1,6 +1,7 @@
 #include "frontend/condition_watch.h"
 
 #include "driver/assembler.h"
+#include "frontend/statement_rules.h"
 #include "frontend/statement_view.h"
 
 namespace korv {
@@ -22,7 +23,11 @@ Findings ConditionWatch::Follow(const CAssembler& assembler, const CStatement& s
     if (depth > levels.size()) {
         const bool isLiveOutside = levels.empty() || levels.back().isLive;
         levels.push_back({statement.PlaceOf(noText), false, isLiveOutside});
-        CheckCondition(CutStatement(statement.text).rest, &findings);
+        const StatementView view = CutStatement(statement.text);
+        const std::string_view surprise = SurpriseInCondition(view.operands.front());
+        if (!surprise.empty()) {
+            findings.push_back({Warning::condition, view.rest, std::string(view.rest), surprise});
+        }
     }
     // What follows an IF depends on that one alone, even inside a block that is skipped.
     Level& level = levels.back();

@@ -25,13 +25,21 @@ std::string MessageText(std::int32_t number) {
     return text;
 }
 
+std::int32_t MessageMaker::AddOpening(std::int32_t number, const Opening& opening) {
+    const auto index = static_cast<std::int32_t>(analysis->openings.size());
+    openingByNumber.resize(static_cast<std::size_t>(number), noIndex);
+    openingByNumber.push_back(index);
+    analysis->openings.push_back(opening);
+    return index;
+}
+
 void MessageMaker::Add(const Report& report) {
     Message message;
     message.number = report.number;
     message.code = "X" + std::to_string(report.number);
     message.text = MessageText(report.number);
     message.detail = report.text;
-    message.opening = report.place.file - 1;
+    message.opening = OpeningOf(report.place.file);
     if (report.isWarning) {
         message.warning = WarningOf(report.number);
     }
@@ -52,7 +60,8 @@ void MessageMaker::Add(const Report& report) {
                           .statement = statement,
                           .part = {report.place.offset, report.place.length},
                           .text = report.text,
-                          .statementId = statementCount};
+                          .statementId = statementCount,
+                          .isSkipped = !report.isLate && assembler->assembling == 0};
     Advice advice = adviser.AdviceFor(fault);
     if (advice.isFollowOn) {
         return;
@@ -98,15 +107,18 @@ const StoredText& MessageMaker::TextOf(std::int32_t opening) const {
 const StatementView& MessageMaker::StatementAt(const SourcePlace& place) {
     if (viewedPlace.file != place.file || viewedPlace.line != place.line) {
         viewedPlace = place;
-        viewedLine = places.LineAt(TextOf(place.file - 1), place.line).text;
-        view = CutStatement(viewedLine);
+        const LogicalLine& lines = places.LineAt(TextOf(OpeningOf(place.file)), place.line);
+        viewedLine = lines.text;
+        const std::string_view typed = TextOf(OpeningOf(place.file)).Line(place.line);
+        const bool isWhole = lines.lastLine == place.line;
+        view = CutStatement(viewedLine, isWhole ? typed : std::string_view());
         ++statementCount;
     }
     return view;
 }
 
 Place MessageMaker::PlaceOf(const SourcePlace& place) {
-    const std::int32_t opening = place.file - 1;
+    const std::int32_t opening = OpeningOf(place.file);
     const StoredText& text = TextOf(opening);
     std::size_t offset = place.offset, length = place.length;
     if (length == 0 && offset == 0) {
@@ -130,8 +142,12 @@ std::optional<KnownName> MessageMaker::FindName(std::string_view name) const {
     known.value = record->value;
     known.isCommandLine = (record->flags & IDF_EQU) != 0 && record->file == 0;
     if (record->file != 0) {
-        const Opening& opening = analysis->openings[static_cast<std::size_t>(record->file - 1)];
+        const Opening& opening =
+            analysis->openings[static_cast<std::size_t>(OpeningOf(record->file))];
         known.where = analysis->LineName({opening.file, record->line});
+        if (!known.hasValue && (record->flags & IDF_EQU) != 0) {
+            known.waitingLine = LogicalLineAt(TextOf(OpeningOf(record->file)), record->line).text;
+        }
     }
     return known;
 }

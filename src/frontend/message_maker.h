@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "diagnostics/source_place.h"
 #include "frontend/analysis.h"
@@ -40,6 +41,13 @@ class MessageMaker : private RunFacts {
           warnings(warnings),
           adviser(*this) {}
 
+    /// The core's file `number` is the next opening. It counts files that cannot be opened too.
+    std::int32_t AddOpening(std::int32_t number, const Opening& opening);
+    /// Index in `openings` of the core's file `number`.
+    [[nodiscard]] std::int32_t OpeningOf(std::int32_t number) const {
+        return openingByNumber[static_cast<std::size_t>(number)];
+    }
+
     /// Adds the message of `report`, unless it is not wanted or only follows from another.
     void Add(const Report& report);
     /// Adds a warning of the front end, if it is wanted.
@@ -70,6 +78,7 @@ class MessageMaker : private RunFacts {
     FileStore* store;
     const WarningChoice* warnings;
     Adviser adviser;
+    std::vector<std::int32_t> openingByNumber;
     SourcePlace viewedPlace;  // of `view`
     std::string viewedLine;
     StatementView view;

@@ -73,7 +73,7 @@ std::vector<Name> NameCollector::Take(const CIdentifierManager& table, MessageMa
         name.value = name.hasValue ? record.value : 0;
         name.isUsed = (record.flags & IDF_USED) != 0;
         if (record.file != 0) {  // a name is defined at the start of its line
-            name.opening = record.file - 1;
+            name.opening = places->OpeningOf(record.file);
             name.definition = places->PlaceOf(
                 {.file = record.file, .line = record.line, .length = record.nameLength});
         }

@@ -29,9 +29,12 @@ bool IsNoneUnfinished() {
 
 // The temporary file has its final name, or is gone. It need not be one of ours.
 void Forget(const std::string& temporary) {
-    std::ranges::replace(unfinished, &temporary, nullptr);
-    if (IsNoneUnfinished()) {
-        ReleaseSignals();
+    const auto slot = std::ranges::find(unfinished, &temporary);
+    if (slot != unfinished.end()) {
+        *slot = nullptr;
+        if (IsNoneUnfinished()) {
+            ReleaseSignals();
+        }
     }
 }
 

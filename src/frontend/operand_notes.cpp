@@ -225,17 +225,20 @@ bool AdviseOnRegister(OperandCase* it) {
     return true;
 }
 
-// Whether the statement has a name without a value or a register in a sum: no other order of its
-// operands would assemble.
-bool HasUnknownName(const OperandCase& it) {
-    return std::ranges::any_of(it.statement.operands, [&it](const OperandView& operand) {
-        return operand.what.kind == KIND_VALUE && !operand.IsIndexed() &&
-               std::ranges::any_of(operand.tokens, [&it](const Token& token) {
-                   const bool isName =
-                       token.kind == TokenKind::name || token.kind == TokenKind::registerName;
-                   return isName && !it.IsDefined(token.text) &&
-                          it.adviser.Facts().FindName(token.text) == std::nullopt;
+// Whether the proposed change holds a name that nothing defines, or a register in a sum.
+bool ProposesUnknown(const OperandCase& it) {
+    const auto isProposed = [&it](const Token& token) {
+        const bool isName = token.kind == TokenKind::name || token.kind == TokenKind::registerName;
+        return isName && !it.adviser.Facts().FindName(token.text) &&
+               std::ranges::any_of(it.advice.edits, [&token](const TextEdit& edit) {
+                   const std::string text = Raised(edit.text);
+                   const std::size_t at = text.find(token.text);
+                   return at != std::string::npos && at > 0 && !HasClass(text[at - 1], CC_NAME);
                });
+    };
+    return std::ranges::any_of(it.statement.operands, [&isProposed](const OperandView& operand) {
+        return operand.what.kind == KIND_VALUE && !operand.IsIndexed() &&
+               std::ranges::any_of(operand.tokens, isProposed);
     });
 }
 
@@ -293,7 +296,7 @@ bool AdviseOnShape(OperandCase* it) {
     if (!Take(it, OperandAdvice(it->statement, it->fault.number))) {
         return AdviseOnM(it);
     }
-    if (HasUnknownName(*it)) {
+    if (ProposesUnknown(*it)) {
         it->advice.edits.clear();
     }
     if (ProposesUnknownName(*it)) {

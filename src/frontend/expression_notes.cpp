@@ -235,12 +235,6 @@ bool AdviseOnGluedOperator(OperandCase* it, const Token& token) {
 
 // The token `text` in the expression of `operand`, which the name of an index register is no part
 // of.
-const Token* FindToken(const OperandView& operand, std::string_view text) {
-    const auto first = operand.tokens.begin() + (operand.IsIndexed() ? 2 : 0);
-    const auto token = std::ranges::find(first, operand.tokens.end(), text, &Token::text);
-    return token == operand.tokens.end() ? nullptr : &*token;
-}
-
 // An expression that is no expression.
 bool AdviseOnExpression(OperandCase* it) {
     if (it->operand == nullptr) {

@@ -51,6 +51,11 @@ Advice AdviseOnFile(const RunFacts& facts, const StatementView& statement) {
             return advice;
         }
     }
+    if (inner.find_first_of(" \t") != std::string::npos) {
+        advice.note =
+            "check for a backslash at the end of the line: it joins the next line to the name";
+        return advice;
+    }
     const std::string directories = facts.SearchedDirectories();
     const bool isAbsolute = inner.starts_with('/') || inner.starts_with('\\');
     const std::string quotes = isWrapped && statement.mnemonic == "INCLUDE"

@@ -207,7 +207,7 @@ void Analyser::Stop(const CStatement& statement, std::string text, std::string c
     message.text = std::move(text);
     message.code = std::move(code);
     message.note = std::move(note);
-    AddMessage(std::move(message), &analysis);
+    maker.Add(std::move(message));
     isStopped = true;
     assembler.flags.Set(RF_END);
 }
@@ -290,6 +290,7 @@ void Analyser::OnMessage(std::int32_t kind, std::int32_t number, std::string_vie
     const CStatement* const live = levels.empty() ? nullptr : levels.back().statement;
     report.isLate =
         live == nullptr || place.file != live->fileName || place.line != live->lineNumber;
+    report.isSkipped = !report.isLate && assembler.assembling == 0;
     if (number == MSG_CANNOT_OPEN) {
         report.reason = store->Failure();
     }
@@ -445,9 +446,10 @@ void Analyser::Finish() {
             message.opening = maker.OpeningOf(place.file);
             message.text = "this IF has no ENDIF";
             message.code = "open-if";
-            AddMessage(std::move(message), &analysis);
+            maker.Add(std::move(message));
         }
     }
+    maker.Finish();
     const auto bytes = assembler.binary.Bytes();
     analysis.image.assign(bytes.begin(), bytes.end());
     if (options.format == ImageFormat::bin) {

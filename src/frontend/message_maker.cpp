@@ -33,7 +33,19 @@ std::int32_t MessageMaker::AddOpening(std::int32_t number, const Opening& openin
     return index;
 }
 
-void MessageMaker::Add(const Report& report) {
+void MessageMaker::Finish() {
+    for (auto& each : std::exchange(pending, {})) {
+        if (const auto* const report = std::get_if<Report>(&each)) {
+            Make(*report);
+        } else if (auto& message = std::get<Message>(each); message.warning) {
+            AddWarning(*warnings, std::move(message), analysis);
+        } else {
+            AddMessage(std::move(message), analysis);
+        }
+    }
+}
+
+void MessageMaker::Make(const Report& report) {
     Message message;
     message.number = report.number;
     message.code = "X" + std::to_string(report.number);
@@ -49,19 +61,18 @@ void MessageMaker::Add(const Report& report) {
     if (message.warning && !warnings->IsError(*message.warning)) {
         message.severity = Severity::warning;
     }
-    if (!IsOpen()) {
-        AddMessage(std::move(message), analysis);
-        return;
-    }
+    const auto id = static_cast<std::int32_t>(statementIds.size());
     const StatementView& statement = StatementAt(report.place);
-    const FaultView fault{.number = report.number,
-                          .isError = message.severity == Severity::error,
-                          .isLate = report.isLate,
-                          .statement = statement,
-                          .part = {report.place.offset, report.place.length},
-                          .text = report.text,
-                          .statementId = statementCount,
-                          .isSkipped = !report.isLate && assembler->assembling == 0};
+    const FaultView fault{
+        .number = report.number,
+        .isError = message.severity == Severity::error,
+        .isLate = report.isLate,
+        .statement = statement,
+        .part = {report.place.offset, report.place.length},
+        .text = report.text,
+        .statementId =
+            statementIds.try_emplace({report.place.file, report.place.line}, id).first->second,
+        .isSkipped = report.isSkipped};
     Advice advice = adviser.AdviceFor(fault);
     if (advice.isFollowOn) {
         return;
@@ -77,13 +88,11 @@ void MessageMaker::Add(const Report& report) {
         message.text = std::move(advice.text);
         message.detail.clear();
     }
-    for (TextEdit& edit : advice.edits) {
-        place.offset = edit.part.offset;
-        place.length = edit.part.length;
-        message.edits.push_back(
-            {places.PlaceOf(analysis->openings[static_cast<std::size_t>(message.opening)].file,
-                            TextOf(message.opening), place.line, place.offset, place.length),
-             std::move(edit.text)});
+    if (!statement.typed.empty()) {  // else the line is joined from several
+        for (TextEdit& edit : advice.edits) {
+            const Place part{message.place.file, place.line, edit.part.offset, edit.part.length};
+            message.edits.push_back({part, std::move(edit.text)});
+        }
     }
     AddMessage(std::move(message), analysis);
 }
@@ -96,7 +105,7 @@ void MessageMaker::Warn(Warning warning, const Place& place, std::int32_t openin
     message.opening = opening;
     message.detail = std::move(detail);
     message.note = note;
-    AddWarning(*warnings, std::move(message), analysis);
+    Add(std::move(message));
 }
 
 const StoredText& MessageMaker::TextOf(std::int32_t opening) const {
@@ -112,7 +121,6 @@ const StatementView& MessageMaker::StatementAt(const SourcePlace& place) {
         const std::string_view typed = TextOf(OpeningOf(place.file)).Line(place.line);
         const bool isWhole = lines.lastLine == place.line;
         view = CutStatement(viewedLine, isWhole ? typed : std::string_view());
-        ++statementCount;
     }
     return view;
 }
@@ -130,6 +138,10 @@ Place MessageMaker::PlaceOf(const SourcePlace& place) {
     }
     return places.PlaceOf(analysis->openings[static_cast<std::size_t>(opening)].file, text,
                           place.line, offset, length);
+}
+
+const std::string& MessageMaker::PathInHand() const {
+    return TextOf(OpeningOf(viewedPlace.file)).Path();
 }
 
 std::optional<KnownName> MessageMaker::FindName(std::string_view name) const {
@@ -153,12 +165,12 @@ std::optional<KnownName> MessageMaker::FindName(std::string_view name) const {
 }
 
 bool MessageMaker::HasFile(std::string_view name) const {
-    return store->Has(name);
+    return store->Has(PathInHand(), name);
 }
 
 std::string MessageMaker::SearchedDirectories() const {
     std::string text;
-    for (const std::string& directory : store->SearchedDirectories()) {
+    for (const std::string& directory : store->SearchedDirectories(PathInHand())) {
         text += (text.empty() ? "" : ", ") + directory;
     }
     return text;

@@ -9,8 +9,8 @@
 namespace korv {
 
 // codegen/implied.cpp: the whole encoding is in the row
-Status AssembleImplied(CAssembler* assembler, CStatement* statement, std::uint8_t opcode);
-Status AssembleImpliedEd(CAssembler* assembler, CStatement* statement, std::uint8_t opcode);
+Status AssembleImplied(CAssembler* assembler, CStatement* statement, std::uint8_t prefix,
+                       std::uint8_t opcode);
 
 // codegen/load.cpp
 Status AssembleLd(CAssembler* assembler, CStatement* statement);

@@ -3,20 +3,13 @@
 #include "platform/posix.h"
 
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <termios.h>
 #include <unistd.h>
 
 #include <atomic>
-#include <cerrno>
 #include <csignal>
 #include <cstdlib>
-#include <string>
-#include <string_view>
-#include <system_error>
-#include <utility>
 
-#include "platform/platform.h"
 #include "platform/staged_output.h"
 
 namespace korv::platform {

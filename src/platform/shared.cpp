@@ -6,7 +6,6 @@
 #include <utility>
 
 #include "platform/fault_point.h"
-#include "platform/platform.h"
 #include "platform/staged_output.h"
 
 namespace korv::platform {

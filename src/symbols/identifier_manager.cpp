@@ -1,7 +1,5 @@
 #include "symbols/identifier_manager.h"
 
-#include <utility>
-
 #include "driver/assembler.h"
 #include "symbols/identifier_listing.h"
 

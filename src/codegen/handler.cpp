@@ -1,5 +1,6 @@
 #include "codegen/handler.h"
 
+#include "codegen/handlers.h"
 #include "driver/assembler.h"
 #include "expr/token.h"
 #include "source/char_class.h"
@@ -106,6 +107,10 @@ void DefineLineLabel(CAssembler* assembler, CStatement* statement) {
 Status Refuse(CStatement* statement, const lsArg& arg, Status status) {
     statement->refused = &arg;
     return status;
+}
+
+Status AnswerOnly(CAssembler*, CStatement*, Status answer) {
+    return answer;
 }
 
 Status BeginStatement(CAssembler* assembler, CStatement* statement, const Keyword& keyword) {

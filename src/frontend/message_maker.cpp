@@ -1,13 +1,25 @@
 #include "frontend/message_maker.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "driver/assembler.h"
 #include "frontend/file_store.h"
 #include "frontend/program_checks.h"
+#include "frontend/terminal_text.h"
 #include "source/char_class.h"
 
 namespace korv {
+
+namespace {
+
+// What the core adds to its text, in quotes unless it has its own.
+std::string DetailOf(std::string_view text) {
+    text.remove_prefix(std::min(text.find_first_not_of(' '), text.size()));
+    return text.empty() || text[0] == '\'' ? std::string(text) : Quoted(text);
+}
+
+}  // namespace
 
 std::string MessageText(std::int32_t number) {
     if (number < 0) {
@@ -17,9 +29,9 @@ std::string MessageText(std::int32_t number) {
     while (text.ends_with('.') || text.ends_with('!')) {
         text.pop_back();
     }
-    const bool isAbbreviation = text.size() > 1 && HasClass(text[1], CC_LETTER) &&
-                                !HasClass(text[1], CC_LOWER);  // as in "ORG used"
-    if (!text.empty() && !isAbbreviation && HasClass(text[0], CC_LETTER)) {
+    const auto isLower = [](char c) { return HasClass(c, CC_LOWER); };
+    const std::string_view first = std::string_view(text).substr(0, text.find(' '));
+    if (first.size() > 1 && std::ranges::all_of(first.substr(1), isLower)) {  // not "ORG", "Gen80"
         text[0] = static_cast<char>(text[0] | 0x20);
     }
     return text;
@@ -29,6 +41,7 @@ std::int32_t MessageMaker::AddOpening(std::int32_t number, const Opening& openin
     const auto index = static_cast<std::int32_t>(analysis->openings.size());
     openingByNumber.resize(static_cast<std::size_t>(number), noIndex);
     openingByNumber.push_back(index);
+    numberByOpening.push_back(number);
     analysis->openings.push_back(opening);
     return index;
 }
@@ -50,11 +63,9 @@ void MessageMaker::Make(const Report& report) {
     message.number = report.number;
     message.code = "X" + std::to_string(report.number);
     message.text = MessageText(report.number);
-    message.detail = report.text;
+    message.detail = DetailOf(report.text);
     message.opening = OpeningOf(report.place.file);
-    if (report.isWarning) {
-        message.warning = WarningOf(report.number);
-    }
+    message.warning = report.warning;
     if (message.warning && !warnings->IsOn(*message.warning)) {
         return;
     }
@@ -84,6 +95,13 @@ void MessageMaker::Make(const Report& report) {
     }
     message.place = PlaceOf(place);
     message.note = std::move(advice.note);
+    if (report.number == MSG_LABEL_WITHOUT_COLON && message.warning == Warning::keywordLabel) {
+        message.text = RowOf(Warning::keywordLabel).meaning;
+        message.code = RowOf(Warning::keywordLabel).name;
+        message.note = "indent it, or end it with a colon if it is a label";
+    } else if (report.number == MSG_ORG_IN_CODE && message.warning == Warning::orgGap) {
+        message.note = "remove one ORG: the image is loaded at the address of the first";
+    }
     if (!advice.text.empty()) {
         message.text = std::move(advice.text);
         message.detail.clear();

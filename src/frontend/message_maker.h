@@ -22,9 +22,10 @@ class FileStore;
 
 /// A report as it came from the core.
 struct Report {
-    bool isWarning = false;
-    std::int32_t number = 0;  ///< row of MESSAGE_TABLE, or below 0
-    std::string text;         ///< the detail; may be empty
+    bool isWarning = false;               ///< for the core
+    std::optional<Warning> warning = {};  ///< which one it is here; none: an error
+    std::int32_t number = 0;              ///< row of MESSAGE_TABLE, or below 0
+    std::string text;                     ///< the detail; may be empty
     SourcePlace place;
     bool isLate = false;      ///< its line is not the one being assembled
     bool isSkipped = false;   ///< a condition kept its line from being assembled
@@ -70,6 +71,11 @@ class MessageMaker : private RunFacts {
         return analysis->errorLimit == 0 || analysis->errorCount < analysis->errorLimit;
     }
 
+    /// The core's number of the file of opening `opening`.
+    [[nodiscard]] std::int32_t NumberOf(std::int32_t opening) const {
+        return numberByOpening[static_cast<std::size_t>(opening)];
+    }
+
     PlaceMap places;
 
   private:
@@ -90,6 +96,7 @@ class MessageMaker : private RunFacts {
     const WarningChoice* warnings;
     Adviser adviser;
     std::vector<std::int32_t> openingByNumber;
+    std::vector<std::int32_t> numberByOpening;
     SourcePlace viewedPlace;  // of `view`
     std::string viewedLine;
     StatementView view;

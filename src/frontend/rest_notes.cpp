@@ -126,7 +126,7 @@ Advice AdviseOnEmptyBrackets(const StatementView& statement) {
                              WithoutLeadingBlanks(operand.text.substr(1)) == ")";
         if (isEmpty) {
             advice.place = statement.PartOf(operand.text);
-            advice.text = "Nothing between the brackets";
+            advice.text = "nothing between the brackets";
             advice.note = "add the address or the register";
             return advice;
         }
@@ -221,7 +221,7 @@ Advice AdviseOnRest(Adviser& adviser, const FaultView& fault) {
             advice = AdviseOnEmptyBrackets(statement);
             if (!advice.place && fault.isLate) {
                 advice = AdviseOnFarJump(statement);
-                advice.text = "The jump is too far";
+                advice.text = "the jump is too far";
             }
             return advice;
         default:

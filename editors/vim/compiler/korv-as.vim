@@ -1,4 +1,4 @@
-" korv-as prints `game.kor:12:9: error: text: detail [X33]`, then the source line and a caret.
+" korv-as prints `game.kor:12:9: error: text: 'detail' [X33]`, then the source line and a caret.
 if exists('current_compiler')
   finish
 endif

@@ -93,8 +93,9 @@ const char* FindOperandEnd(const char* next) {
 void DefineLabel(CAssembler* assembler, CStatement* statement, std::int32_t value,
                  std::uint32_t flags) {
     statement->flags |= SF_LABEL_DEFINED;
-    assembler->identifiers.AddID(
-        {statement->label, statement->PlaceIn(statement->label), value, flags});
+    const auto length = static_cast<std::uint32_t>(statement->label.size());
+    const SourcePlace place{statement->fileName, statement->lineNumber, 0, length};
+    assembler->identifiers.AddID({statement->label, place, value, flags});
 }
 
 void DefineLineLabel(CAssembler* assembler, CStatement* statement) {

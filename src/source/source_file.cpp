@@ -245,8 +245,9 @@ bool CSourceFile::CopyToLineFeed(const std::uint8_t** next, char** out, std::uin
 }
 
 // Reads the next line, whatever it is.
-Status CSourceFile::ReadAnyLine(char* line, std::uint32_t maxLength, std::uint32_t* bytesOut,
-                                std::uint32_t* linesOut) {
+[[gnu::noinline]] Status CSourceFile::ReadAnyLine(char* line, std::uint32_t maxLength,
+                                                  std::uint32_t* bytesOut,
+                                                  std::uint32_t* linesOut) {
     *line = '\0';
     if (IsOpen() == 0) {
         return endOfFile;

@@ -35,10 +35,7 @@ const char* FindOperandEnd(const char* next) {
                                          const char* start, const char* next) {
     const char* const end = FindOperandEnd(next);
     const bool isLast = *end != ',';
-    const char* last = end;
-    while (last != start && HasClass(last[-1], CC_BLANK)) {
-        --last;
-    }
+    const char* const last = WithoutBlanks(start, end);
     if (last != start) {
         if (const Status result = statement->args.Add({start, last}); result != 0) {
             assembler->ReportError(statement, isLast ? result : MSG_SYSTEM_ERROR,

@@ -115,14 +115,6 @@ constexpr auto isOddEnd = [] {
     return table;
 }();
 
-// The end of the text from `start` to `end` without the blanks at its end.
-char* WithoutBlanks(char* start, char* end) {
-    while (end != start && HasClass(end[-1], CC_BLANK)) {
-        --end;
-    }
-    return end;
-}
-
 }  // namespace
 
 CSourceFile::CSourceFile(std::string_view name, std::uint32_t maxBufferSize) {

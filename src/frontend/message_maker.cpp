@@ -29,9 +29,12 @@ std::string MessageText(std::int32_t number) {
     while (text.ends_with('.') || text.ends_with('!')) {
         text.pop_back();
     }
-    const auto isLower = [](char c) { return HasClass(c, CC_LOWER); };
+    const auto isCapitalOrDigit = [](char c) {
+        return HasClass(c, CC_DIGIT) || (HasClass(c, CC_LETTER) && !HasClass(c, CC_LOWER));
+    };
     const std::string_view first = std::string_view(text).substr(0, text.find(' '));
-    if (first.size() > 1 && std::ranges::all_of(first.substr(1), isLower)) {  // not "ORG", "Gen80"
+    if (first.size() > 1 &&
+        std::ranges::none_of(first.substr(1), isCapitalOrDigit)) {  // not "ORG", "Gen80"
         text[0] = static_cast<char>(text[0] | 0x20);
     }
     return text;

@@ -34,25 +34,24 @@ std::int32_t MessageMaker::AddOpening(std::int32_t number, const Opening& openin
 }
 
 void MessageMaker::Add(const Report& report) {
+    const std::optional<Warning> warning =
+        report.isWarning ? WarningOf(report.number) : std::nullopt;
+    if (warning && !warnings->IsOn(*warning)) {
+        return;
+    }
     Message message;
+    message.severity =
+        warning && !warnings->IsError(*warning) ? Severity::warning : Severity::error;
+    if (!IsOpen()) {  // it is only counted
+        AddMessage(std::move(message), analysis);
+        return;
+    }
     message.number = report.number;
     message.code = "X" + std::to_string(report.number);
     message.text = MessageText(report.number);
     message.detail = report.text;
     message.opening = OpeningOf(report.place.file);
-    if (report.isWarning) {
-        message.warning = WarningOf(report.number);
-    }
-    if (message.warning && !warnings->IsOn(*message.warning)) {
-        return;
-    }
-    if (message.warning && !warnings->IsError(*message.warning)) {
-        message.severity = Severity::warning;
-    }
-    if (!IsOpen()) {
-        AddMessage(std::move(message), analysis);
-        return;
-    }
+    message.warning = warning;
     const StatementView& statement = StatementAt(report.place);
     const FaultView fault{.number = report.number,
                           .isError = message.severity == Severity::error,

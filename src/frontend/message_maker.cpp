@@ -62,19 +62,22 @@ void MessageMaker::Finish() {
 }
 
 void MessageMaker::Make(const Report& report) {
+    if (report.warning && !warnings->IsOn(*report.warning)) {
+        return;
+    }
     Message message;
+    message.severity =
+        report.warning && !warnings->IsError(*report.warning) ? Severity::warning : Severity::error;
+    if (!IsOpen()) {  // it is only counted
+        AddMessage(std::move(message), analysis);
+        return;
+    }
     message.number = report.number;
     message.code = "X" + std::to_string(report.number);
     message.text = MessageText(report.number);
     message.detail = DetailOf(report.text);
     message.opening = OpeningOf(report.place.file);
     message.warning = report.warning;
-    if (message.warning && !warnings->IsOn(*message.warning)) {
-        return;
-    }
-    if (message.warning && !warnings->IsError(*message.warning)) {
-        message.severity = Severity::warning;
-    }
     const auto id = static_cast<std::int32_t>(statementIds.size());
     const StatementView& statement = StatementAt(report.place);
     const FaultView fault{

@@ -77,7 +77,11 @@ void PrintHeading(const Message& message, std::string_view place, Pen pen) {
     const bool isError = message.severity == Severity::error;
     pen.Set(bold).Foreign(place).Set(isError ? red : magenta);
     pen.Own(isError ? "error: " : "warning: ").Set(plain);
+<<<<<<< HEAD
     pen.Foreign(SentenceOf(message));
+=======
+    pen.Foreign(message.text).Own(message.detail.empty() ? "" : ": ").Foreign(message.detail);
+>>>>>>> main
     pen.Own(message.code.empty() ? "" : " [" + message.code + "]").Own("\n");
 }
 

@@ -75,15 +75,9 @@ std::string PlaceText(const Analysis& analysis, const Place& place) {
 
 void PrintHeading(const Message& message, std::string_view place, Pen pen) {
     const bool isError = message.severity == Severity::error;
-    std::string_view what = message.text;
     pen.Set(bold).Foreign(place).Set(isError ? red : magenta);
     pen.Own(isError ? "error: " : "warning: ").Set(plain);
-    if (!message.detail.empty()) {
-        what.remove_suffix(what.ends_with('.') ? 1 : 0);
-        pen.Foreign(what).Own(": ").Foreign(message.detail);
-    } else {
-        pen.Foreign(what);
-    }
+    pen.Foreign(SentenceOf(message));
     pen.Own(message.code.empty() ? "" : " [" + message.code + "]").Own("\n");
 }
 
@@ -191,6 +185,15 @@ class MessagePrinter {
 };
 
 }  // namespace
+
+std::string SentenceOf(const Message& message) {
+    std::string sentence = message.text;
+    if (!message.detail.empty()) {
+        sentence.resize(sentence.size() - (sentence.ends_with('.') ? 1 : 0));
+        sentence += ": " + message.detail;
+    }
+    return sentence;
+}
 
 std::string MessagesText(const Analysis& analysis, const TextStyle& style) {
     MessagePrinter printer(analysis, style);

@@ -97,7 +97,7 @@ void Programs::Analyse(Program* program) {
     }
     Analysis analysis =
         korv::Analyse(program->options, &store, {.statements = true, .names = true, .uses = true});
-    program->snapshot = {std::make_shared<const Analysis>(std::move(analysis)), encoding};
+    program->snapshot = Snapshot(std::make_shared<const Analysis>(std::move(analysis)), encoding);
     program->isStale = false;
     ++analysisCount;
 }

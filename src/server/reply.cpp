@@ -114,7 +114,7 @@ Json ToJson(const FoldingRange& range, const UriOf&) {
 }
 
 Json ToJson(const InlayHint& hint, const UriOf&) {
-    return {{"position", ToJson(hint.position)}, {"label", hint.label}, {"paddingRight", true}};
+    return {{"position", ToJson(hint.position)}, {"label", hint.label}, {"paddingLeft", true}};
 }
 
 Json ToJson(const CodeAction& action, const UriOf& uriOf) {

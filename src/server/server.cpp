@@ -92,9 +92,7 @@ void Server::Take(const lsp::Message& message) {
     if (message.method.empty()) {
         return;  // the answer to a request of ours, which needs none
     }
-    const auto* const method =
-        std::ranges::find(std::begin(methods), std::end(methods), message.method, &Method::name);
-    Result result = Answer(method == std::end(methods) ? nullptr : method, message);
+    Result result = Answer(FindMethod(message.method), message);
     if (message.id.empty()) {
         return;  // a notification, whatever became of it
     }

@@ -39,9 +39,10 @@ class Server {
   private:
     using Parameters = lsp::Parameters;
     using Result = std::variant<std::string, lsp::Error>;  // the first is JSON
-    struct Method;
+    struct Method;                                         // these two are in server_methods.h
     struct Target;
-    static const Method methods[];
+    // Null for an unknown one.
+    [[nodiscard]] static const Method* FindMethod(std::string_view name);
 
     [[nodiscard]] std::optional<lsp::Message> NextMessage();
     void Enqueue(std::string_view text);

@@ -23,43 +23,47 @@ constexpr const char* nothingFound = "null";
 
 }  // namespace
 
-// clang-format off
-const Server::Method Server::methods[] = {
-    {"initialize", &Server::Initialize},
-    {"initialized", &Server::OnInitialized},
-    {"shutdown", &Server::Shutdown},
-    {"exit", &Server::Exit},
-    {"$/setTrace", &Server::Ignore},
-    {"$/cancelRequest", &Server::Ignore},  // of a request that has been answered
-    {"window/workDoneProgress/cancel", &Server::Ignore},
-    {"textDocument/didOpen", &Server::DidOpen, Method::uri | Method::text},
-    {"textDocument/didChange", &Server::DidChange, Method::uri | Method::changes},
-    {"textDocument/didClose", &Server::DidClose, Method::uri},
-    {"textDocument/didSave", &Server::FilesChanged},
-    {"workspace/didChangeWatchedFiles", &Server::FilesChanged},
-    {"workspace/didChangeConfiguration", &Server::SettingsChanged},
-    {"workspace/didChangeWorkspaceFolders", &Server::FoldersChanged},
-    {"textDocument/hover", &Server::Hover, Method::uri | Method::position, true},
-    {"textDocument/definition", &Server::Definition, Method::uri | Method::position, true},
-    {"textDocument/declaration", &Server::Definition, Method::uri | Method::position, true},
-    {"textDocument/references", &Server::References, Method::uri | Method::position, true},
-    {"textDocument/documentHighlight", &Server::Highlights, Method::uri | Method::position, true},
-    {"textDocument/prepareRename", &Server::PrepareRename, Method::uri | Method::position, true},
-    {"textDocument/rename", &Server::Rename, Method::uri | Method::position | Method::newName, true},
-    {"textDocument/completion", &Server::Complete, Method::uri | Method::position, true},
-    {"textDocument/signatureHelp", &Server::Signatures, Method::uri | Method::position, true},
-    {"textDocument/documentSymbol", &Server::DocumentSymbols, Method::uri, true},
-    {"workspace/symbol", &Server::WorkspaceSymbols, Method::query, true},
-    {"textDocument/semanticTokens/full", &Server::SemanticTokens, Method::uri, true},
-    {"textDocument/semanticTokens/range", &Server::SemanticTokens, Method::uri | Method::range, true},
-    {"textDocument/foldingRange", &Server::FoldingRanges, Method::uri, true},
-    {"textDocument/inlayHint", &Server::InlayHints, Method::uri | Method::range, true},
-    {"textDocument/codeAction", &Server::CodeActions, Method::uri | Method::range, true},
-    {"textDocument/formatting", &Server::Format, Method::uri, true},
-    {"textDocument/rangeFormatting", &Server::Format, Method::uri | Method::range, true},
-    {"textDocument/documentLink", &Server::Links, Method::uri, true},
-};
-// clang-format on
+const Server::Method* Server::FindMethod(std::string_view name) {
+    // clang-format off
+    static constexpr Method methods[] = {
+        {"initialize", &Server::Initialize},
+        {"initialized", &Server::OnInitialized},
+        {"shutdown", &Server::Shutdown},
+        {"exit", &Server::Exit},
+        {"$/setTrace", &Server::Ignore},
+        {"$/cancelRequest", &Server::Ignore},  // of a request that has been answered
+        {"window/workDoneProgress/cancel", &Server::Ignore},
+        {"textDocument/didOpen", &Server::DidOpen, Method::uri | Method::text},
+        {"textDocument/didChange", &Server::DidChange, Method::uri | Method::changes},
+        {"textDocument/didClose", &Server::DidClose, Method::uri},
+        {"textDocument/didSave", &Server::FilesChanged},
+        {"workspace/didChangeWatchedFiles", &Server::FilesChanged},
+        {"workspace/didChangeConfiguration", &Server::SettingsChanged},
+        {"workspace/didChangeWorkspaceFolders", &Server::FoldersChanged},
+        {"textDocument/hover", &Server::Hover, Method::uri | Method::position, true},
+        {"textDocument/definition", &Server::Definition, Method::uri | Method::position, true},
+        {"textDocument/declaration", &Server::Definition, Method::uri | Method::position, true},
+        {"textDocument/references", &Server::References, Method::uri | Method::position, true},
+        {"textDocument/documentHighlight", &Server::Highlights, Method::uri | Method::position, true},
+        {"textDocument/prepareRename", &Server::PrepareRename, Method::uri | Method::position, true},
+        {"textDocument/rename", &Server::Rename, Method::uri | Method::position | Method::newName, true},
+        {"textDocument/completion", &Server::Complete, Method::uri | Method::position, true},
+        {"textDocument/signatureHelp", &Server::Signatures, Method::uri | Method::position, true},
+        {"textDocument/documentSymbol", &Server::DocumentSymbols, Method::uri, true},
+        {"workspace/symbol", &Server::WorkspaceSymbols, Method::query, true},
+        {"textDocument/semanticTokens/full", &Server::SemanticTokens, Method::uri, true},
+        {"textDocument/semanticTokens/range", &Server::SemanticTokens, Method::uri | Method::range, true},
+        {"textDocument/foldingRange", &Server::FoldingRanges, Method::uri, true},
+        {"textDocument/inlayHint", &Server::InlayHints, Method::uri | Method::range, true},
+        {"textDocument/codeAction", &Server::CodeActions, Method::uri | Method::range, true},
+        {"textDocument/formatting", &Server::Format, Method::uri, true},
+        {"textDocument/rangeFormatting", &Server::Format, Method::uri | Method::range, true},
+        {"textDocument/documentLink", &Server::Links, Method::uri, true},
+    };
+    // clang-format on
+    const auto* const found = std::ranges::find(methods, name, &Method::name);
+    return found == std::end(methods) ? nullptr : found;
+}
 
 std::string_view Server::Method::Missing(const Parameters& parameters) const {
     const std::pair<Needs, std::string_view> missing[] = {

@@ -77,11 +77,7 @@ void PrintHeading(const Message& message, std::string_view place, Pen pen) {
     const bool isError = message.severity == Severity::error;
     pen.Set(bold).Foreign(place).Set(isError ? red : magenta);
     pen.Own(isError ? "error: " : "warning: ").Set(plain);
-<<<<<<< HEAD
     pen.Foreign(SentenceOf(message));
-=======
-    pen.Foreign(message.text).Own(message.detail.empty() ? "" : ": ").Foreign(message.detail);
->>>>>>> main
     pen.Own(message.code.empty() ? "" : " [" + message.code + "]").Own("\n");
 }
 
@@ -191,12 +187,7 @@ class MessagePrinter {
 }  // namespace
 
 std::string SentenceOf(const Message& message) {
-    std::string sentence = message.text;
-    if (!message.detail.empty()) {
-        sentence.resize(sentence.size() - (sentence.ends_with('.') ? 1 : 0));
-        sentence += ": " + message.detail;
-    }
-    return sentence;
+    return message.text + (message.detail.empty() ? "" : ": " + message.detail);
 }
 
 std::string MessagesText(const Analysis& analysis, const TextStyle& style) {

@@ -121,6 +121,19 @@ std::size_t OperandEnd(std::string_view text, std::size_t start) {
 
 }  // namespace
 
+bool OperandView::HoldsAsName(const Token& token) const {
+    switch (token.kind) {
+        case TokenKind::name:
+        case TokenKind::digitName:
+            return true;
+        case TokenKind::registerName:
+        case TokenKind::condition:  // but the IX of (IX+d)
+            return what.kind == KIND_VALUE && !(IsIndexed() && &token == &tokens[1]);
+        default:
+            return false;
+    }
+}
+
 const Token* OperandView::OnlyToken() const {
     if (tokens.size() == 1) {
         return tokens.data();

@@ -17,9 +17,9 @@
       (kill-emacs 1))
     (message "Emacs: %s" what)))
 
+(add-hook 'project-find-functions (lambda (directory) (cons 'transient directory)))
 (find-file "main.kor")
-(apply #'eglot (list 'korv-mode (project-current t default-directory) 'eglot-lsp-server
-                     (list (getenv "KORV_LS")) "korv"))
+(apply #'eglot (eglot--guess-contact))
 (goto-char (point-min))
 (forward-line 1)
 (end-of-line)

@@ -289,13 +289,14 @@ struct Crossing {
             });
         };
         const auto isBad = [](const korv::OperandView& it) {
-            return it.what.kind == korv::KIND_VALUE && korv::FindExpressionFault(it).fault != korv::ExpressionFault::none;
+            return it.what.kind == korv::KIND_VALUE &&
+                   korv::FindExpressionFault(it).fault != korv::ExpressionFault::none;
         };
         const bool hasNumber = korv::HoldsWord("BIT SET RES RST IM", view.mnemonic) && !view.operands.empty() &&
                                view.operands[0].what.kind == korv::KIND_VALUE && !view.operands[0].IsIndexed();
         const bool isJump = view.mnemonic == "DJNZ";  // which takes any word for a name
-        if (!isJump && !hasNumber && !says(" 17 18 19 20 24 25 34 51 55 ") && std::ranges::none_of(view.operands, isBad) &&
-            korv::HasForm(view) == says(" 1 13 14 16 54 -1 ")) {
+        if (!isJump && !hasNumber && !says(" 17 18 19 20 24 25 34 51 55 ") &&
+            std::ranges::none_of(view.operands, isBad) && korv::HasForm(view) == says(" 1 13 14 16 54 -1 ")) {
             Differ(text + " is in one of two: the forms, and what is taken");
         }
     }

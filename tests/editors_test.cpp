@@ -101,14 +101,13 @@ TEST(EditorsTest, ReadWhatIsPrinted) {
                    "$DIR/Main.Kor|2||warning|59|Expected argument.\n"),
               Matched(package.substr(package.find("\"source\": \"korv\"")), ofKorv));
     const std::string messages =
-        "sub/b (1).kor|1|2|error|X33|Illegal or unknown instruction: FROB\n"
-        "Main.Kor|2|6|warning|X59|Expected argument.\n"
-        "Main.Kor|3|5|error|X-1|Illegal error number! (Internal error.)\n"
-        "Main.Kor|3|2|error|X14|Argument expected.\n";
+        "sub/b (1).kor|1|2|error|X33|illegal or unknown instruction: 'FROB'\n"
+        "Main.Kor|2|6|warning|X59|expected argument\n"
+        "Main.Kor|3|7|error|X-1|nothing between the brackets\n";
     EXPECT_EQ(messages, Matched(Editor("github/korv-as.json"), ofKorvAs));
     std::string withNotes = messages;
-    withNotes.insert(withNotes.find("Main.Kor|3|2"), "Main.Kor|3|5|note||fill the brackets\n");
-    EXPECT_EQ(withNotes + "Main.Kor|3|2|note||LD takes two operands\n",
+    withNotes.insert(withNotes.find("Main.Kor|3|7"), "Main.Kor|2|6|note||add the operand, or remove the comma\n");
+    EXPECT_EQ(withNotes + "Main.Kor|3|7|note||add the address or the register\n",
               Matched(package.substr(package.find("\"source\": \"korv-as\"")), ofKorvAs));
     if (std::system("command -v vim >/dev/null") != 0) {
         GTEST_SKIP() << "no vim here: its compiler files are not read";
@@ -119,12 +118,11 @@ TEST(EditorsTest, ReadWhatIsPrinted) {
                    "$DIR/Main.Kor|2|0|w|59|Expected argument.\n"),
               MatchedByVim("korv", ofKorv));
     EXPECT_EQ(
-        "sub/b (1).kor|1|2|e|-1|Illegal or unknown instruction: FROB [X33]\n"
-        "Main.Kor|2|6|w|-1|Expected argument. [X59]\n"
-        "Main.Kor|3|5|e|-1|Illegal error number! (Internal error.) [X-1]\n"
-        "Main.Kor|3|5|n|-1|fill the brackets\n"
-        "Main.Kor|3|2|e|-1|Argument expected. [X14]\n"
-        "Main.Kor|3|2|n|-1|LD takes two operands\n"
+        "sub/b (1).kor|1|2|e|-1|illegal or unknown instruction: 'FROB' [X33]\n"
+        "Main.Kor|2|6|w|-1|expected argument [X59]\n"
+        "Main.Kor|2|6|n|-1|add the operand, or remove the comma\n"
+        "Main.Kor|3|7|e|-1|nothing between the brackets [X-1]\n"
+        "Main.Kor|3|7|n|-1|add the address or the register\n"
         "|0|0|e|-1|cannot read none.kor: No such file or directory\n",
         MatchedByVim("korv-as", ofKorvAs + RunKorvAs({"none.kor"})));
 }

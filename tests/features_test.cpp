@@ -43,6 +43,9 @@ struct Program {
     void Analyse(korv::PositionEncoding encoding) {
         korv::FileStore store;
         for (const auto& [name, text] : files) {
+            if (!name.starts_with('/')) {
+                WriteFile(name, "");  // that a file exists is asked of the disk
+            }
             store.SetText(store.FullPath(name), text);
         }
         korv::Options options;
@@ -108,13 +111,21 @@ std::string ShownOrRefused(const std::variant<Reply, lsp::Refusal>& reply,
     return refusal != nullptr ? "refused: " + refusal->message + "\n" : shown(std::get<Reply>(reply));
 }
 
-// `text` with `edits`, which do not overlap, by the bytes of its lines.
-std::string Changed(const korv::Snapshot& snapshot, std::string text, std::vector<lsp::TextEdit> edits) {
+// The text of `file` with `edits`, which do not overlap.
+std::string Changed(const korv::Snapshot& snapshot, std::int32_t file, std::vector<lsp::TextEdit> edits) {
+    const korv::StoredText& before = *snapshot.File(file).text;
+    const auto offset = [&](const korv::Position& at) {
+        const korv::Place place = snapshot.PlaceOf(file, at);
+        return before.LineStart(place.line) + place.column;
+    };
     std::ranges::sort(edits, {}, [](const lsp::TextEdit& edit) { return edit.range.start; });
-    for (auto edit = edits.rbegin(); edit != edits.rend(); ++edit) {
-        korv::Replace(&text, edit->range, edit->newText, snapshot.encoding);
+    std::string text;
+    std::size_t end = 0;
+    for (const lsp::TextEdit& edit : edits) {
+        text += before.Bytes().substr(end, offset(edit.range.start) - end) + edit.newText;
+        end = offset(edit.range.end);
     }
-    return text;
+    return text + before.Bytes().substr(end);
 }
 
 std::string Completions(const Program& program) {
@@ -144,8 +155,7 @@ std::string Tokens(const Program& program) {
 std::string Formatted(const Program& program, const std::string& how) {
     const lsp::FormattingOptions options{.tabSize = 8, .insertSpaces = how != "tabs"};
     const auto edits = FormattingEdits(program.snapshot, program.markedFile, program.LineOfMark(), options);
-    const std::string& text = program.snapshot.File(program.markedFile).text->Bytes();
-    return ReplaceAll(Changed(program.snapshot, text, edits), "\t", "{09}");
+    return ReplaceAll(Changed(program.snapshot, program.markedFile, edits), "\t", "{09}");
 }
 std::string Symbols(const Program& program) {
     return Lines(SymbolsIn(program.snapshot, program.markedFile), [](const lsp::DocumentSymbol& symbol) {
@@ -158,7 +168,7 @@ std::string Hints(const Program& program, const std::string& form) {
                                                          {"address", korv::HintForm::address},
                                                          {"bytes", korv::HintForm::addressAndBytes}};
     return Lines(InlayHintsIn(program.snapshot, program.markedFile, program.LineOfMark(), forms.at(form)),
-                 [](const lsp::InlayHint& hint) { return Shown({hint.position, hint.position}) + " " + hint.label; });
+                 [](const lsp::InlayHint& hint) { return Shown(korv::Range{hint.position, hint.position}) + " " + hint.label; });
 }
 
 // The reply to `request` with the rest of its line, as text.
@@ -193,7 +203,7 @@ std::string Reply(const Program& program, const std::string& request, const std:
         {"links",
          [&] {
              return Lines(LinksIn(snapshot, program.markedFile),
-                          [](const lsp::DocumentLink& link) { return Shown(link.range) + " -> " + Shown({link.path, {}}); });
+                          [](const lsp::DocumentLink& link) { return Shown(link.range) + " -> " + Shown(lsp::Location{link.path, {}}); });
          }},
         {"complete", [&] { return Completions(program); }},
         {"signatures", [&] { return Signatures(program); }},
@@ -305,9 +315,9 @@ TEST(FeaturesTest, RepliesAreThoseOfTheTables) {
 
 // All sources of the tables and the examples, with blanks and with tabs.
 TEST(FeaturesTest, FormattingNeverChangesTheImage) {
-    const TempDir directory;
     int changes = 0;
     const auto check = [&changes](Program program, const std::string& title) {
+        const TempDir directory;
         program.Analyse(korv::PositionEncoding::utf8);
         for (const bool insertSpaces : {true, false}) {
             Program formatted = program;
@@ -316,7 +326,7 @@ TEST(FeaturesTest, FormattingNeverChangesTheImage) {
                 const auto edits = FormattingEdits(program.snapshot, static_cast<std::int32_t>(i), wholeFile,
                                                    {.tabSize = 8, .insertSpaces = insertSpaces});
                 changes += static_cast<int>(edits.size());
-                formatted.files[files[i].text->Path()] = Changed(program.snapshot, files[i].text->Bytes(), edits);
+                formatted.files[files[i].text->Path()] = Changed(program.snapshot, static_cast<std::int32_t>(i), edits);
             }
             formatted.Analyse(korv::PositionEncoding::utf8);
             EXPECT_EQ(program.snapshot.analysis->image, formatted.snapshot.analysis->image) << title;
@@ -327,7 +337,8 @@ TEST(FeaturesTest, FormattingNeverChangesTheImage) {
         for (const std::string& table : TablesIn(folder)) {
             for (const Block& block : table.ends_with("mistakes.txt") ? std::vector<Block>() : ReadBlocks(table)) {
                 const Case each = ReadCase(block);
-                if (each.files.contains("Main.Kor")) {
+                const auto main = each.files.find("Main.Kor");
+                if (main != each.files.end() && main->second.size() < 20000) {
                     check({each.files, {"Main.Kor"}, {}, korv::Snapshot(), 0, {}}, block.at(0).place);
                 }
             }

@@ -27,25 +27,37 @@ std::map<std::string, std::string> FilesHere() {
 
 class FrontendTest : public testing::TestWithParam<Block> {};
 
-// A case as those of korv, with the whole of its console and of all files that it leaves.
+int ModeOf(const std::string& name) {
+    return static_cast<int>(fs::status(name).permissions());
+}
+
+// A case as those of korv, with all that it prints and the files that it leaves, which get the rights of any new file.
 TEST_P(FrontendTest, Holds) {
     const Case test = ReadCase(GetParam());
     const TempDir directory;
     std::map<std::string, std::string> expected = test.files;
+    expected["-"] = "";
     for (const auto& [name, contents] : test.files) {
         WriteFile(name, contents);
     }
     for (const auto& [name, contents] : test.outputs) {
         expected[name] = contents;
     }
-    const std::string console = expected["console"];
-    expected.erase("console");
     Strings names;
     for (const auto& file : test.files) {
         names.push_back(file.first);
     }
-    EXPECT_EQ(Shown(console, "", names), RunKorvAs(test.arguments));
-    EXPECT_EQ(expected, FilesHere());
+    expected["console"] = Shown(expected["console"], "", names);
+    std::string output;
+    const std::string printed = RunKorvAs(test.arguments, &output);
+    std::map<std::string, std::string> got = FilesHere();
+    for (const auto& [name, contents] : got) {
+        EXPECT_EQ(ModeOf(test.files.begin()->first), ModeOf(name)) << test.title << "\n" << name;
+    }
+    got["-"] = output;
+    got["console"] = printed;
+    const std::string different = Differences(test, expected, got);
+    EXPECT_TRUE(different.empty()) << different;
 }
 
 INSTANTIATE_TEST_SUITE_P(Tables, FrontendTest, testing::ValuesIn(ReadBlocks(ProjectPath("tests/frontend/runs.txt"))),
@@ -119,10 +131,10 @@ TEST(FrontendTest, StrangeLinesAreWarnedOfAndOthersAreNot) {
         {"", " ORG 5| NOP| ORG $| ORG 9000H", "4:6 org-gap"},
         {" -f hex -o h", " NOP| ORG 200H| NOP| ORG 1FFH| DW 1| ORG 0FFFFH| DW 1| ORG 0| NOP", "9:2 overlap, 5:2 overlap"},
         {" -f bin -W org", " NOP| ORG 5| NOP| ORG 7", "2:6 X47, 4:6 X48, 4:6 org-gap"},
-        {"", "EACH: NOP|12:|1B: EQU 1|H: EQU 1|EACHX: NOP|A_H: NOP|99999: NOP", "1:1 number-label, 2:1 number-label, 3:1 number-label, 6:1 number-label, 7:1 number-label"},
-        {"", "R: EQU HL|S: EQU NZ|T: EQU (C)| ORG B| PUSH HL|U: EQU B+1", "1:8 register-value, 2:8 register-value, 3:8 register-value, 4:6 register-value, !6:8 X24"},
+        {"", "EACH: NOP|12:|1B: EQU 1|H: EQU 1|EACHX: NOP|A_H: NOP|99999: NOP", "1:1 number-label, 2:1 number-label, 3:1 number-label, 4:1 register-label, 6:1 number-label, 7:1 number-label"},
+        {"", "R: EQU HL|S: EQU NZ|T: EQU (C)| ORG B| PUSH HL|U: EQU B+1", "1:1 register-label, 1:8 register-value, 2:8 register-value, 3:8 register-value, 4:6 register-value, !6:8 X24"},
         {" -W no-org-gap", " DB (IX+5)| DW 1,(IY-1)| DS (IX+1)| ORG (IX+1)| BIT 1,(IX+1)", "1:5 register-value, 2:7 register-value, 3:5 register-value, 4:6 register-value"},
-        {"", " IF !1| ENDIF| IF 1<2 OR 3| ENDIF| IF 1 AND 2=2| ENDIF", "1:5 condition, 3:5 condition"},
+        {"", " IF !1| ENDIF| IF 1<2 OR 3| ENDIF| IF 1 AND 2=2| ENDIF", "1:5 condition, 3:5 condition, 5:5 condition"},
         {" -W no-org-gap", " DS 0-1| LD A,\"a| DB 1,2,\"b| DB \"a\"| ORG 35000*2", "1:5 negative-size, 2:7 open-string, 3:9 open-string, 5:6 truncated"},
         {" -f bin -W no-org", " ORG 5| ORG 5| ORG 7", "3:6 X48"},
         {"", " IF 0| IF 1| IF 1| ENDIF| ENDIF| IF 0| ELSE| ENDIF| ELSE| IF 1| ENDIF| ENDIF", "2:2 nested-if, 3:2 nested-if, 7:2 nested-if"},
@@ -167,10 +179,10 @@ TEST(FrontendTest, WhatIsWrongWithTheCommandLineIsSaidAndNothingIsWritten) {
         {"a.kor -o ", "empty FILE after '-o'"}, {"-w ", "the name of the source is empty"}, {"--help=x", "takes no argument: 'x'"},
         {"none.kor", "cannot read none.kor: No such file or directory"}, {"sub", isWindows ? "cannot read sub" : "cannot read sub: Is a directory"}, {"-I sub x", "cannot read x"},
         {"-", "use -o"}, {"-f elf a.kor", "'elf' is not com, bin or hex"}, {"-W foo a.kor", "unknown warning 'foo'"}, {"-W error=rage a.kor", "'rage'; did you mean 'range'?"},
-        {"a.kor -o a.kor", "a.kor is a file that was read"}, {"a.kor -l sub/link", "was read"}, {"a.kor --symbols data.bin", "was read"},
+        {"a.kor -o a.kor", "refusing to overwrite a.kor: it is an input of this run"}, {"a.kor -l sub/link", "refusing to overwrite sub/link"}, {"a.kor --symbols data.bin", "refusing to overwrite data.bin"},
         {"a.kor -o b -l ./b", "two outputs"}, {"a.kor -o - -l -", "two outputs"}, {"a.kor -o - -M d", "dependencies"},
         {"a.kor -o no/a.com", "cannot write no/a.com: No such file or directory"}, {"a.kor -l sub", isWindows ? "cannot write sub" : "cannot write sub: Is a directory"},
-        {"-D =1 a.kor", "no name"}, {"-D 1 a.kor", "no name"}, {"-D A.B a.kor", "no name"}, {"-D A=X a.kor", "Could not resolve label"}, {"-D A -D A a.kor", "redefinition"},
+        {"-D =1 a.kor", "'' is not a name"}, {"-D 1 a.kor", "'1' is not a name"}, {"-D A.B a.kor", "-D A.B: 'A.B' is not a name"}, {"-D A=X a.kor", "-D A=X: could not resolve label: 'X'"}, {"-D A -D A a.kor", "redefinition"},
         {"-D NOP a.kor", "not allowed as label"}, {"--max-errors 9x a.kor", "--max-errors: '9x' is not a number from 0 to 4294967295"}, {"--color red a.kor", "'red' is not auto, always or never"},
         {"--max-image -1 a.kor", "--max-image: '-1' is not a number from 0 to"}, {"--line-length=0 a.kor", "'0' is not a number from 1 to 65536"}, {"--line-length 65537 a.kor", "to 65536"},
         {"a.kor -o new -l sub/to", "two outputs"}, {"a.kor -o - -l /dev/stdout", "two outputs"}, {"@ a.kor", "missing FILE after '@'"},

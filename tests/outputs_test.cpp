@@ -134,7 +134,7 @@ TEST(OutputsTest, AreTheseForASample) {
     for (const korv::Message& message : korv::UnusedLabelWarnings(analysis)) {
         unused += std::to_string(message.place.line) + " " + message.detail + ",";
     }
-    EXPECT_EQ(unused, "2 BIG,8 ?X,9 TEXT,");
+    EXPECT_EQ(unused, "2 'BIG',8 '?X',9 'TEXT',");
 }
 
 using Mark = std::tuple<std::string, std::string, std::string>;  // file, line, value

@@ -46,25 +46,34 @@ void CaptureConsole() {
 }
 
 std::string RunKorvAs(Strings arguments) {
+    std::string output;
+    const std::string rest = RunKorvAs(std::move(arguments), &output);
+    return output + rest;
+}
+
+std::string RunKorvAs(Strings arguments, std::string* output) {
     std::string program = "korv-as";
     std::vector<char*> argv = {program.data()};
     std::ranges::transform(arguments, std::back_inserter(argv), [](std::string& word) { return word.data(); });
     std::fflush(stdout);
     const int saved[] = {dup(STDOUT_FILENO), dup(STDERR_FILENO)};
-    const int console = open("console", O_CREAT | O_TRUNC | O_WRONLY | O_BINARY | O_APPEND, 0600);
-    dup2(console, STDOUT_FILENO);
-    dup2(console, STDERR_FILENO);
+    constexpr int flags = O_CREAT | O_TRUNC | O_WRONLY | O_BINARY | O_APPEND;
+    const int streams[] = {open("console.out", flags, 0600), open("console.err", flags, 0600)};
+    dup2(streams[0], STDOUT_FILENO);
+    dup2(streams[1], STDERR_FILENO);
     EXPECT_NE(nullptr, std::freopen(fs::exists("stdin") ? "stdin" : nullDevice, "r", stdin));
     const int status = korv::RunFrontend(static_cast<int>(argv.size()), argv.data());
     std::fflush(nullptr);
     dup2(saved[0], STDOUT_FILENO);
     dup2(saved[1], STDERR_FILENO);
-    for (const int handle : {saved[0], saved[1], console}) {
+    for (const int handle : {saved[0], saved[1], streams[0], streams[1]}) {
         close(handle);
     }
     EXPECT_NE(nullptr, std::freopen(nullDevice, "r", stdin));  // a file that is open cannot go everywhere
-    const std::string printed = ReadFile("console").value_or("");
-    fs::remove("console");
+    *output = ReadFile("console.out").value_or("");
+    const std::string printed = ReadFile("console.err").value_or("");
+    fs::remove("console.out");
+    fs::remove("console.err");
     return printed + (status == 0 ? "" : "exit status " + std::to_string(status) + "\n");
 }
 
@@ -115,6 +124,14 @@ std::string ToHex(std::string_view bytes) {
         hex += {"0123456789ABCDEF"[c >> 4 & 15], "0123456789ABCDEF"[c & 15]};
     }
     return hex;
+}
+
+std::string FromHex(const std::string& hex) {
+    std::string bytes;
+    for (std::size_t i = 0; i + 1 < hex.size(); i += 2) {
+        bytes += static_cast<char>(std::stoi(hex.substr(i, 2), nullptr, 16));
+    }
+    return bytes;
 }
 
 std::string ReplaceAll(const std::string& text, std::string_view from, std::string_view to) {

@@ -24,6 +24,8 @@ std::string RunKorv(Strings arguments);
 /// The same for korv-as, where a file `stdin` in the current directory is the input: what it printed on both streams,
 /// then its exit status if that is not 0. No file stays.
 std::string RunKorvAs(Strings arguments);
+/// The same with standard output in `output`. Result: the rest.
+std::string RunKorvAs(Strings arguments, std::string* output);
 
 /// Enters an empty directory; leaves and removes it at the end.
 class TempDir {
@@ -52,6 +54,7 @@ void CaptureConsole();
 
 bool Contains(const std::string& text, const std::string& part);
 std::string ToHex(std::string_view bytes);
+std::string FromHex(const std::string& hex);
 std::string ReplaceAll(const std::string& text, std::string_view from, std::string_view to);
 
 }  // namespace korv_test

@@ -1,5 +1,7 @@
 #include "table.h"
 
+#include <gtest/gtest.h>
+
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
@@ -117,7 +119,12 @@ class CaseReader {
         }
     }
 
-    void Take(const std::string& line) {
+    // `place` is that of the line.
+    void Take(const std::string& line, const std::string& place) {
+        takenPlace = place;
+        if (file.empty()) {
+            test.places[output].emplace_back(block->size(), place);
+        }
         if (line.starts_with("    ")) {
             return TakeIndented(Expanded(line.substr(4), false));
         }
@@ -130,6 +137,7 @@ class CaseReader {
                 Require(pair.size() == 2 || pair.empty() || rest == "none", "no bytes");
             }
             std::erase(rest, ' ');
+            test.places["bytes"].emplace_back(test.bytes.value_or("").size() / 2, place);
             test.bytes = test.bytes.value_or("") + rest;
             Require(test.bytes == "none" || IsBytes(*test.bytes), "no bytes");
         } else if (word == "error" || word == "warning") {
@@ -141,14 +149,18 @@ class CaseReader {
         } else {
             Require(word == "console" || word == "output", "unknown word");
             Require(rest.empty() == (word == "console"), "a name for \"output\" only");
-            Open(rest.empty() ? word : rest, &test.outputs);
+            output = rest.empty() ? word : rest;
+            Open(output, &test.outputs);
             file.clear();
         }
     }
 
     Case Finished() {
-        for (const auto& [order, text] : messages) {
-            test.messages += text;
+        for (const auto& [order, texts] : messages) {
+            for (const auto& [place, text] : texts) {
+                test.places["messages"].emplace_back(test.messages.size(), place);
+                test.messages += text;
+            }
         }
         const std::string told = test.outputs.contains("console") ? test.outputs["console"] : test.messages;
         test.hasError = told.find(") : error X") != std::string::npos;
@@ -164,6 +176,7 @@ class CaseReader {
         std::filesystem::path source = names[0].empty() ? "Main.Kor" : ReplaceAll(names[0], "\\", "/");
         test.target = names[1].empty() ? source.replace_extension(isBinary != 0 ? ".bin" : ".com").string() : names[1];
         Require(!test.bytes || !test.outputs.contains(test.target), "given twice");
+        test.places.insert({test.target, test.places["bytes"]});
         return test;
     }
 
@@ -212,16 +225,19 @@ class CaseReader {
         const auto number = static_cast<std::size_t>(std::stoi(match[3]) + 1);
         Require(number <= korv::MESSAGE_TABLE.size(), "no such message");
         const std::string kind = match[2];
-        messages[kind + match.str(1)] += place + " : " + kind + " X" + match.str(3) + " : " +
-                                         (number == 0 ? "Illegal " + kind + " number! (Internal error.)"
-                                                      : std::string(korv::MESSAGE_TABLE.at(number - 1).text)) +
-                                         match.str(7) + "\n";
+        const std::string meaning =
+            number == 0 ? "Illegal " + kind + " number! (Internal error.)" : korv::MESSAGE_TABLE.at(number - 1).text;
+        messages[kind + match.str(1)].emplace_back(
+            takenPlace, place + " : " + kind + " X" + match.str(3) + " : " + meaning + match.str(7) + "\n");
     }
 
     Case test;
     std::string file = "Main.Kor";  // that is open, without its directory; empty: an output
     std::string* block = &test.files[file];
-    std::map<std::string, std::string> messages;  // as printed; by "error", "error1", ...
+    std::string output;      // that is open, if no file is
+    std::string takenPlace;  // of the line in hand
+    // Places in the table and texts as printed; by "error", "error1", ...
+    std::map<std::string, std::vector<std::pair<std::string, std::string>>> messages;
 };
 
 // "```korv SWITCHES" with a source, then "```bytes" or "```messages", as lines of a table.
@@ -300,13 +316,51 @@ Case ReadCase(const Block& block) {
         if (&line == &block.front()) {
             reader.Begin(line.text);
         } else {
-            reader.Take(line.text);
+            reader.Take(line.text, line.place);
         }
         if (&line == &block.back()) {
             test = reader.Finished();
         }
     });
+    test.title = block.front().place + ": " + block.front().text;
     return test;
+}
+
+namespace {
+
+std::string Difference(const Case& test, const std::string& name, const std::string& expected, const std::string& got) {
+    const auto at = static_cast<std::size_t>(std::ranges::mismatch(expected, got).in1 - expected.begin());
+    if (at == expected.size() && at == got.size()) {
+        return "";
+    }
+    std::string place = test.title;
+    if (const auto lines = test.places.find(name); lines != test.places.end()) {
+        for (const auto& [offset, line] : lines->second) {
+            place = offset <= at ? line : place;
+        }
+    }
+    const auto shown = [at](const std::string& text) {
+        const std::size_t start = at == 0 ? 0 : text.rfind('\n', at - 1) + 1;
+        const std::string line = text.substr(std::max(start, at - std::min<std::size_t>(at, 200)), 400);
+        return (at < text.size() ? ToHex(text.substr(at, 1)) : "end") + " in " +
+               testing::PrintToString(line.substr(0, line.find('\n') + 1));
+    };
+    return "\n" + place + ": " + name + " differs at offset " + std::to_string(at) + "\n  expected " + shown(expected) +
+           "\n       got " + shown(got) + "\n" + (got.size() < 10000 ? "whole:\n" + got : "");
+}
+
+}  // namespace
+
+std::string Differences(const Case& test, std::map<std::string, std::string> expected,
+                        std::map<std::string, std::string> got) {
+    std::string all;
+    for (const auto& file : expected) {
+        got.try_emplace(file.first, "no file");
+    }
+    for (const auto& [name, text] : got) {
+        all += Difference(test, name, expected.try_emplace(name, "no file").first->second, text);
+    }
+    return all.empty() ? "" : test.title + all;
 }
 
 std::vector<Encoding> ReadEncodings(const std::string& path) {

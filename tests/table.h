@@ -40,9 +40,18 @@ struct Case {
     bool hasError = false;                       ///< among what is expected
     std::optional<std::string> bytes;            ///< of the target in hexadecimal, or "none"
     std::map<std::string, std::string> outputs;  ///< expected contents by name; "console" as in README.md
+    /// The lines of the table that an expectation comes from, by the offsets in it from which they count; for messages
+    /// by marks under "messages".
+    std::map<std::string, std::vector<std::pair<std::size_t, std::string>>> places;
+    std::string title;  ///< the first line of the case, and its place
 };
 
 Case ReadCase(const Block& block);
+
+/// Where the texts in `got` differ from those that `test` expects, by name: the title, then for each the line of the
+/// table, the offset, the two bytes and their lines. Empty: nowhere.
+std::string Differences(const Case& test, std::map<std::string, std::string> expected,
+                        std::map<std::string, std::string> got);
 
 struct Encoding {
     std::string instruction;

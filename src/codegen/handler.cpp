@@ -1,5 +1,6 @@
 #include "codegen/handler.h"
 
+#include "codegen/handlers.h"
 #include "driver/assembler.h"
 #include "expr/token.h"
 #include "source/char_class.h"
@@ -89,20 +90,27 @@ const char* FindOperandEnd(const char* next) {
 
 }  // namespace
 
+void DefineLabel(CAssembler* assembler, CStatement* statement, std::int32_t value,
+                 std::uint32_t flags) {
+    statement->flags |= SF_LABEL_DEFINED;
+    assembler->identifiers.AddID(
+        {statement->label, statement->PlaceIn(statement->label), value, flags});
+}
+
 void DefineLineLabel(CAssembler* assembler, CStatement* statement) {
     if (!statement->HasLabel()) [[likely]] {
         return;
     }
-    statement->flags |= SF_LABEL_DEFINED;
-    assembler->identifiers.AddID({.name = statement->label,
-                                  .place = statement->LabelPlace(),
-                                  .value = static_cast<std::int32_t>(statement->address),
-                                  .flags = IDS_LABEL});
+    DefineLabel(assembler, statement, static_cast<std::int32_t>(statement->address), IDS_LABEL);
 }
 
 Status Refuse(CStatement* statement, const lsArg& arg, Status status) {
     statement->refused = &arg;
     return status;
+}
+
+Status AnswerOnly(CAssembler*, CStatement*, Status answer) {
+    return answer;
 }
 
 Status BeginStatement(CAssembler* assembler, CStatement* statement, const Keyword& keyword) {

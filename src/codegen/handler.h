@@ -29,8 +29,10 @@ Status With(CAssembler* assembler, CStatement* statement) {
 /// that operand. Result: `status`.
 [[gnu::cold]] Status Refuse(CStatement* statement, const lsArg& arg, Status status);
 
-/// Defines the label of the line, if there is one, as the address of the statement, and marks it as
-/// defined.
+/// Defines the label of the line, which has one, with IDF_* bits, and marks it as defined.
+void DefineLabel(CAssembler* assembler, CStatement* statement, std::int32_t value,
+                 std::uint32_t flags);
+/// Defines the label of the line, if there is one, as the address of the statement.
 void DefineLineLabel(CAssembler* assembler, CStatement* statement);
 
 /// How many operands a mnemonic takes, and what it answers to more.

@@ -9,8 +9,8 @@
 namespace korv {
 
 // codegen/implied.cpp: the whole encoding is in the row
-Status AssembleImplied(CAssembler* assembler, CStatement* statement, std::uint8_t opcode);
-Status AssembleImpliedEd(CAssembler* assembler, CStatement* statement, std::uint8_t opcode);
+Status AssembleImplied(CAssembler* assembler, CStatement* statement, std::uint8_t prefix,
+                       std::uint8_t opcode);
 
 // codegen/load.cpp
 Status AssembleLd(CAssembler* assembler, CStatement* statement);
@@ -50,6 +50,7 @@ Status AssembleDb(CAssembler* assembler, CStatement* statement);
 Status AssembleDm(CAssembler* assembler, CStatement* statement);
 Status AssembleDs(CAssembler* assembler, CStatement* statement);
 Status AssembleDw(CAssembler* assembler, CStatement* statement);
+Status AssembleBinclude(CAssembler* assembler, CStatement* statement);
 
 // directives/origin.cpp
 Status AssembleOrg(CAssembler* assembler, CStatement* statement);
@@ -61,8 +62,7 @@ Status AssembleElse(CAssembler* assembler, CStatement* statement);
 Status AssembleEndif(CAssembler* assembler, CStatement* statement);
 Status AssembleEnd(CAssembler* assembler, CStatement* statement);
 
-// directives/reserved.cpp
-Status AssembleBinclude(CAssembler* assembler, CStatement* statement);
+// codegen/handler.cpp
 /// A command without a function: its result is `answer`.
 Status AnswerOnly(CAssembler* assembler, CStatement* statement, Status answer);
 

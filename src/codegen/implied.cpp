@@ -6,12 +6,9 @@
 
 namespace korv {
 
-Status AssembleImplied(CAssembler* assembler, CStatement*, std::uint8_t opcode) {
-    return assembler->EmitOpcode(PREFIX_NONE, opcode);
-}
-
-Status AssembleImpliedEd(CAssembler* assembler, CStatement*, std::uint8_t opcode) {
-    return assembler->EmitOpcode(PREFIX_ED, opcode);
+Status AssembleImplied(CAssembler* assembler, CStatement*, std::uint8_t prefix,
+                       std::uint8_t opcode) {
+    return assembler->EmitOpcode(prefix, opcode);
 }
 
 }  // namespace korv

@@ -14,14 +14,10 @@
 
 namespace korv {
 
-/// Instructions without operands: the opcode, alone or after ED.
-template <std::uint8_t opcode>
+/// Instructions without operands.
+template <std::uint8_t opcode, std::uint8_t prefix = PREFIX_NONE>
 constexpr Keyword Implied(std::string_view word) {
-    return {word, With<AssembleImplied, opcode>, noOperand, Frame::operandsFirst};
-}
-template <std::uint8_t opcode>
-constexpr Keyword ImpliedEd(std::string_view word) {
-    return {word, With<AssembleImpliedEd, opcode>, noOperand, Frame::operandsFirst};
+    return {word, With<AssembleImplied, prefix, opcode>, noOperand, Frame::operandsFirst};
 }
 /// The group of AND, and the rotates and shifts, by the number in bits 5 to 3 of their opcodes.
 template <std::int32_t group>
@@ -59,10 +55,10 @@ inline constexpr std::array keywords = {
     Implied<0x3F>("CCF"),
     Directive("COND", AssembleIf, oneOperand, Frame::noLabel),
     AccumulatorOp<7>("CP"),
-    ImpliedEd<0xA9>("CPD"),
-    ImpliedEd<0xB9>("CPDR"),
-    ImpliedEd<0xA1>("CPI"),
-    ImpliedEd<0xB1>("CPIR"),
+    Implied<0xA9, PREFIX_ED>("CPD"),
+    Implied<0xB9, PREFIX_ED>("CPDR"),
+    Implied<0xA1, PREFIX_ED>("CPI"),
+    Implied<0xB1, PREFIX_ED>("CPIR"),
     Implied<0x2F>("CPL"),
     Implied<0x27>("DAA"),
     Data("DB", AssembleDb, anyOperands),
@@ -94,46 +90,46 @@ inline constexpr std::array keywords = {
     Keyword{"IN", With<AssembleInOut, 1, 0x40, 0xDB>, twoOperands},
     Keyword{"INC", With<AssembleStep, 0x04, 0x03>, oneOperand},
     Directive("INCLUDE", AssembleInclude, oneOperand, Frame::labelFirst),
-    ImpliedEd<0xAA>("IND"),
-    ImpliedEd<0xBA>("INDR"),
-    ImpliedEd<0xA2>("INI"),
-    ImpliedEd<0xB2>("INIR"),
+    Implied<0xAA, PREFIX_ED>("IND"),
+    Implied<0xBA, PREFIX_ED>("INDR"),
+    Implied<0xA2, PREFIX_ED>("INI"),
+    Implied<0xB2, PREFIX_ED>("INIR"),
     Keyword{"JP", AssembleJp, oneOrTwoOperands},
     Keyword{"JR", AssembleJr, oneOrTwoOperands},
     Keyword{"LD", AssembleLd, twoOperands},
-    ImpliedEd<0xA8>("LDD"),
-    ImpliedEd<0xB8>("LDDR"),
-    ImpliedEd<0xA0>("LDI"),
-    ImpliedEd<0xB0>("LDIR"),
+    Implied<0xA8, PREFIX_ED>("LDD"),
+    Implied<0xB8, PREFIX_ED>("LDDR"),
+    Implied<0xA0, PREFIX_ED>("LDI"),
+    Implied<0xB0, PREFIX_ED>("LDIR"),
     Reserved<MSG_NOT_IMPLEMENTED>("MACRO", Frame::nothing),
     Reserved<MSG_NOT_IMPLEMENTED>("MAC_OFF"),
     Reserved<MSG_NOT_IMPLEMENTED>("MAC_ON"),
-    ImpliedEd<0x44>("NEG"),
+    Implied<0x44, PREFIX_ED>("NEG"),
     Implied<0x00>("NOP"),
     AccumulatorOp<6>("OR"),
     Directive("ORG", AssembleOrg, oneOperand, Frame::operandsOnly),
-    ImpliedEd<0xBB>("OTDR"),
-    ImpliedEd<0xB3>("OTIR"),
+    Implied<0xBB, PREFIX_ED>("OTDR"),
+    Implied<0xB3, PREFIX_ED>("OTIR"),
     Keyword{"OUT", With<AssembleInOut, 2, 0x41, 0xD3>, twoOperands},
-    ImpliedEd<0xAB>("OUTD"),
-    ImpliedEd<0xA3>("OUTI"),
+    Implied<0xAB, PREFIX_ED>("OUTD"),
+    Implied<0xA3, PREFIX_ED>("OUTI"),
     Keyword{"POP", With<AssembleStack, 0xC1>, oneOperand},
     Reserved<MSG_NOT_IMPLEMENTED>("PROC"),
     Keyword{"PUSH", With<AssembleStack, 0xC5>, oneOperand},
     Keyword{"RES", With<AssembleBit, 'R'>, twoOperands},
     Keyword{"RET", AssembleRet, noneOrOneOperand},
-    ImpliedEd<0x4D>("RETI"),
-    ImpliedEd<0x45>("RETN"),
+    Implied<0x4D, PREFIX_ED>("RETI"),
+    Implied<0x45, PREFIX_ED>("RETN"),
     Shift<2>("RL"),
     Implied<0x17>("RLA"),
     Shift<0>("RLC"),
     Implied<0x07>("RLCA"),
-    ImpliedEd<0x6F>("RLD"),
+    Implied<0x6F, PREFIX_ED>("RLD"),
     Shift<3>("RR"),
     Implied<0x1F>("RRA"),
     Shift<1>("RRC"),
     Implied<0x0F>("RRCA"),
-    ImpliedEd<0x67>("RRD"),
+    Implied<0x67, PREFIX_ED>("RRD"),
     Keyword{"RST", AssembleRst, oneOperand},
     Keyword{"SBC", With<AssembleWithCarry, 0x98, 0x42>, twoOperands},
     Implied<0x37>("SCF"),

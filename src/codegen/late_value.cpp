@@ -26,11 +26,8 @@ void FilePatch(CAssembler* assembler, const CStatement* statement, const lsArg& 
     if (isName || IsSamePart(WithoutParentheses(expression), arg.fault)) {
         kind |= PF_NAME;
     }
-    CPatchInfo* const patch = CPatchInfoMemBlock::AllocPatchInfo(
-        position, kind, statement->address,
-        {.file = statement->fileName,
-         .line = statement->lineNumber,
-         .offset = static_cast<std::uint32_t>(expression.data() - statement->text)});
+    CPatchInfo* const patch = CPatchInfoMemBlock::AllocPatchInfo(position, kind, statement->address,
+                                                                 statement->PlaceIn(expression));
     if (!isName) {  // else the identifier has the text
         patch->expression.Assign(expression);
     }

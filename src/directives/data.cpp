@@ -1,5 +1,6 @@
-// Data: DB for bytes and strings, DW for words, DM for one text, DS for a block of zero bytes. A
-// string's text is the operand's own text with its quotes; there is no escape character.
+// Data: DB for bytes and strings, DW for words, DM for one text, DS for a block of zero bytes,
+// BINCLUDE for the bytes of a file. A string's text is the operand's own text with its quotes;
+// there is no escape character.
 
 #include <algorithm>
 
@@ -7,6 +8,8 @@
 #include "codegen/late_value.h"
 #include "codegen/value_range.h"
 #include "driver/assembler.h"
+#include "driver/run_observer.h"
+#include "source/source_store.h"
 
 namespace korv {
 namespace {
@@ -98,6 +101,28 @@ Status AssembleDs(CAssembler* assembler, CStatement* statement) {
         const std::int32_t count = std::min(left, blockSize);
         assembler->EmitZeros(static_cast<std::uint32_t>(count));
         left -= count;
+    }
+    return 0;
+}
+
+// The bytes of a file as they are. The file is looked up like a source, and is none: it has no
+// number and no depth, and the progress meter does not count it. It is read whole before anything
+// is emitted.
+Status AssembleBinclude(CAssembler* assembler, CStatement* statement) {
+    const lsArg& arg = statement->args.First();
+    std::string_view name = arg.text;
+    if (arg.IsQuoted() && name.size() > 1) {
+        name = name.substr(1, name.size() - 2);
+    }
+    FileBytes file;
+    if (const Status status = assembler->sources->Read(name, &file); status != 0) {
+        assembler->ReportError(statement, status, arg.text);
+    } else if (!assembler->flags.Has(RF_ABORT)) {  // which may have left a part of it
+        if (assembler->observer != nullptr) {
+            assembler->observer->OnIncludedBytes(file.found.path);
+        }
+        assembler->EmitBytes(
+            {reinterpret_cast<const std::uint8_t*>(file.bytes.data()), file.bytes.size()});
     }
     return 0;
 }

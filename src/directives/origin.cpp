@@ -33,17 +33,14 @@ Status AssembleEqu(CAssembler* assembler, CStatement* statement) {
     if (!statement->HasLabel()) {
         return MSG_NO_LABEL;
     }
-    statement->flags |= SF_LABEL_DEFINED;
     const lsArg& arg = statement->args.First();
     const bool isWaiting = arg.status == MSG_UNRESOLVED;
     if (isWaiting) {
         // The patch goes first: an EQU on its own name thus waits for itself.
         FilePatch(assembler, statement, arg, PatchText::operand, noPosition, PF_EQU | PF_16BIT);
     }
-    assembler->identifiers.AddID({.name = statement->label,
-                                  .place = statement->LabelPlace(),
-                                  .value = isWaiting ? -1 : arg.value,
-                                  .flags = isWaiting ? IDS_EQU_WAITING : IDS_EQU});
+    DefineLabel(assembler, statement, isWaiting ? -1 : arg.value,
+                isWaiting ? IDS_EQU_WAITING : IDS_EQU);
     return isWaiting || arg.status == 0 ? 0 : Refuse(statement, arg, arg.status);
 }
 

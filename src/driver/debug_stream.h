@@ -2,7 +2,6 @@
 /// bytes of the target; they are fetched when the listing is written, with the patches applied.
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 #include <initializer_list>
 #include <string_view>

@@ -32,22 +32,20 @@ struct CStatement {
     /// The character that ended `token`; 0 is the end of the line.
     [[nodiscard]] char Terminator() const { return *(token.data() + token.size()); }
 
-    /// The place of the label, at the start of the line.
-    [[nodiscard]] SourcePlace LabelPlace() const {
-        return {fileName, lineNumber, 0, static_cast<std::uint32_t>(label.size())};
+    /// The place of `part`, which is in the line.
+    [[nodiscard]] SourcePlace PlaceIn(std::string_view part) const {
+        return {fileName, lineNumber, static_cast<std::uint32_t>(part.data() - text),
+                static_cast<std::uint32_t>(part.size())};
     }
-    /// The place of `part` in the line. A text that is not in the line, such as none, gives the
-    /// statement as a whole.
+    /// The same for any text. One that is not in the line, such as none, gives the statement as a
+    /// whole.
     [[nodiscard]] SourcePlace PlaceOf(std::string_view part) const {
         // Compared as numbers: the part may belong to another text.
         const auto start = reinterpret_cast<std::uintptr_t>(text);
         const auto at = reinterpret_cast<std::uintptr_t>(part.data());
-        SourcePlace place{.file = fileName, .line = lineNumber};
-        if (at >= start && at <= start + std::strlen(text)) {
-            place.offset = static_cast<std::uint32_t>(at - start);
-            place.length = static_cast<std::uint32_t>(part.size());
-        }
-        return place;
+        return at >= start && at <= start + std::strlen(text)
+                   ? PlaceIn(part)
+                   : SourcePlace{.file = fileName, .line = lineNumber};
     }
 };
 

@@ -2,8 +2,6 @@
 
 #include <algorithm>
 
-#include "source/char_class.h"
-
 namespace korv {
 namespace {
 

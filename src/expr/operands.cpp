@@ -6,7 +6,6 @@
 
 #include <cstdlib>
 #include <new>
-#include <utility>
 
 #include "driver/assembler.h"
 #include "expr/token.h"

@@ -22,6 +22,7 @@
 #include "frontend/message_maker.h"
 #include "frontend/name_collector.h"
 #include "frontend/program_checks.h"
+#include "frontend/terminal_text.h"
 #include "source/char_class.h"
 
 namespace korv {
@@ -109,6 +110,7 @@ class Analyser : public RunObserver {
     void Stop(const CStatement& statement, std::string text, std::string code, std::string note);
     std::int32_t FileAt(const std::string& path, bool isBinary);
     void AddFileUse(const CStatement& statement, std::int32_t file);
+    std::optional<Warning> WarningFor(std::int32_t number, const CStatement* statement) const;
     bool TakeReports(Level* level);
     void Record(const CStatement& statement, std::uint32_t lineCount, std::uint32_t count);
     void CheckStatement(CStatement* statement, std::uint32_t count);
@@ -183,14 +185,14 @@ std::string Analyser::Define(std::string_view define) {
     std::int32_t value = 1;
     if (name.empty() || !std::ranges::all_of(name, isNamePart) || name.size() > maxWord ||
         ReadNumber(name, &value) != notANumber) {
-        return "'" + name + "' is not a name";
+        return Quoted(name) + " is not a name";
     }
     if (sign != std::string_view::npos) {
         const std::string expression = RaisedOutsideStrings(define.substr(sign + 1));
         std::string_view fault;
         const Status status = assembler.ScanExpression(expression, &value, &fault);
         if (status != 0) {
-            return MessageText(status);
+            return MessageText(status) + ": " + Quoted(fault.empty() ? expression : fault);
         }
     }
     defineFailure.clear();
@@ -207,7 +209,7 @@ void Analyser::Stop(const CStatement& statement, std::string text, std::string c
     message.text = std::move(text);
     message.code = std::move(code);
     message.note = std::move(note);
-    AddMessage(std::move(message), &analysis);
+    maker.Add(std::move(message));
     isStopped = true;
     assembler.flags.Set(RF_END);
 }
@@ -286,10 +288,15 @@ void Analyser::OnMessage(std::int32_t kind, std::int32_t number, std::string_vie
         }
         return;
     }
-    Report report{kind == ML_WARNING, number, std::string(text), place};
     const CStatement* const live = levels.empty() ? nullptr : levels.back().statement;
+    Report report{.isWarning = kind == ML_WARNING,
+                  .number = number,
+                  .text = std::string(text),
+                  .place = place};
+    report.warning = report.isWarning ? WarningFor(number, live) : std::nullopt;
     report.isLate =
         live == nullptr || place.file != live->fileName || place.line != live->lineNumber;
+    report.isSkipped = !report.isLate && assembler.assembling == 0;
     if (number == MSG_CANNOT_OPEN) {
         report.reason = store->Failure();
     }
@@ -300,6 +307,20 @@ void Analyser::OnMessage(std::int32_t kind, std::int32_t number, std::string_vie
     }
 }
 
+// The name of the core's warning `number` about `statement`, if that is in hand.
+std::optional<Warning> Analyser::WarningFor(std::int32_t number,
+                                            const CStatement* statement) const {
+    if (number == MSG_LABEL_WITHOUT_COLON && statement != nullptr &&
+        FindKeyword(statement->label) != nullptr) {
+        return Warning::keywordLabel;
+    }
+    if (number == MSG_ORG_IN_CODE && assembler.binary.Position() == 0 &&
+        assembler.startAddress != static_cast<std::int32_t>(assembler.location)) {
+        return Warning::orgGap;  // the load header keeps the address of the first ORG
+    }
+    return WarningOf(number);
+}
+
 // The messages of the reports on the statement of `level`, now that all of them are known. Result:
 // whether one says that its bytes are not what it seems to say.
 bool Analyser::TakeReports(Level* level) {
@@ -308,9 +329,9 @@ bool Analyser::TakeReports(Level* level) {
     const auto isError = [](const Report& report) { return !report.isWarning && !report.isLate; };
     const bool hasError = std::ranges::any_of(reports, isError);
     for (const Report& report : reports) {
-        isFaulty = isFaulty || (!report.isLate &&
-                                (!report.isWarning || WarningOf(report.number) == Warning::range ||
-                                 report.number == MSG_ORG_AFTER_CODE));
+        isFaulty =
+            isFaulty || (!report.isLate && (!report.isWarning || report.warning == Warning::range ||
+                                            report.number == MSG_ORG_AFTER_CODE));
         // A label without a colon is the reason of an error in its line, which says so.
         if (!hasError || report.number != MSG_LABEL_WITHOUT_COLON) {
             maker.Add(report);
@@ -403,7 +424,7 @@ void Analyser::CheckStatement(CStatement* statement, std::uint32_t count) {
 void Analyser::CheckOrg(const CStatement& statement) {
     const StatementView view = CutStatement(statement.text);
     if (view.keyword != nullptr && view.keyword->handler == AssembleOrg) {
-        Warn(statement, {{Warning::orgGap, view.rest, std::string(view.rest),
+        Warn(statement, {{Warning::orgGap, view.rest, Quoted(view.rest),
                           "fill the gap with DS, or use --format hex, which has addresses"}});
     }
 }
@@ -445,9 +466,10 @@ void Analyser::Finish() {
             message.opening = maker.OpeningOf(place.file);
             message.text = "this IF has no ENDIF";
             message.code = "open-if";
-            AddMessage(std::move(message), &analysis);
+            maker.Add(std::move(message));
         }
     }
+    maker.Finish();
     const auto bytes = assembler.binary.Bytes();
     analysis.image.assign(bytes.begin(), bytes.end());
     if (options.format == ImageFormat::bin) {
@@ -460,6 +482,7 @@ void Analyser::Finish() {
     // Both formats have addresses, and so two meanings for one of them.
     if (options.format == ImageFormat::hex || !options.debug.empty()) {
         for (Message& message : OverlapWarnings(analysis)) {
+            message.place = maker.PlaceOf({maker.NumberOf(message.opening), message.place.line});
             AddWarning(options.warnings, std::move(message), &analysis);
         }
     }

@@ -123,7 +123,7 @@ struct Message {
     Place place;
     std::int32_t opening = noIndex;  ///< in which `place` is; `noIndex` without a place
     std::string text;
-    std::string detail;            ///< the part of the source that is at fault, or empty
+    std::string detail;            ///< what is at fault, quoted if it is source text; or empty
     std::string note;              ///< what to do about it, or empty
     std::vector<Related> related;  ///< other places that belong to it, such as a first definition
     std::vector<Edit> edits;       ///< what `note` proposes, where that is a change of the text

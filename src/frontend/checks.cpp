@@ -10,6 +10,7 @@
 #include "expr/number.h"
 #include "expr/token.h"
 #include "frontend/statement_rules.h"
+#include "frontend/terminal_text.h"
 #include "source/char_class.h"
 
 namespace korv {
@@ -43,7 +44,7 @@ void CheckOperand(const lsArg& arg, const Keyword* keyword, Findings* findings) 
     const auto isOneOf = [handler](std::initializer_list<InstructionHandler> handlers) {
         return std::ranges::find(handlers, handler) != handlers.end();
     };
-    const std::string text(arg.text);
+    const std::string text = Quoted(arg.text);
     if (IsOpenString(arg) && handler != AssembleDm) {  // which has reported it
         findings->push_back({Warning::openString, arg.text, text, ""});
     }
@@ -75,11 +76,9 @@ bool IsOdd(const lsArg& arg, std::span<const std::uint8_t> bytes) {
 
 void CheckLabel(std::string_view label, Findings* findings) {
     if (ReadsAsRegister(label)) {
-        findings->push_back(
-            {Warning::registerLabel, label, std::string(label), "give it another name"});
+        findings->push_back({Warning::registerLabel, label, Quoted(label), "give it another name"});
     } else if (ReadsAsNumber(label)) {
-        findings->push_back(
-            {Warning::numberLabel, label, std::string(label), "give it another name"});
+        findings->push_back({Warning::numberLabel, label, Quoted(label), "give it another name"});
     }
 }
 
@@ -87,7 +86,7 @@ void CheckOperands(KO_Args* args, const StatementView& statement,
                    std::span<const std::uint8_t> bytes, Findings* findings) {
     if (const std::optional<LinePart> escape = FindEscape(statement)) {
         const std::string_view part = statement.line.substr(escape->offset, escape->length);
-        findings->push_back({Warning::escape, part, std::string(part),
+        findings->push_back({Warning::escape, part, Quoted(part),
                              "write the character as a number, as in DB \"one\",10"});
     }
     for (const lsArg& arg : *args) {
@@ -96,7 +95,7 @@ void CheckOperands(KO_Args* args, const StatementView& statement,
                 CheckOperand(arg, statement.keyword, findings);
             }
         } else if (HoldsLocation(arg)) {
-            findings->push_back({Warning::lateLocation, arg.text, std::string(arg.text),
+            findings->push_back({Warning::lateLocation, arg.text, Quoted(arg.text),
                                  "put a label in front of this line and use it instead of the $"});
         }
     }

@@ -3,6 +3,7 @@
 #include "driver/assembler.h"
 #include "frontend/statement_rules.h"
 #include "frontend/statement_view.h"
+#include "frontend/terminal_text.h"
 
 namespace korv {
 
@@ -26,7 +27,7 @@ Findings ConditionWatch::Follow(const CAssembler& assembler, const CStatement& s
         const StatementView view = CutStatement(statement.text);
         const std::string_view surprise = SurpriseInCondition(view.operands.front());
         if (!surprise.empty()) {
-            findings.push_back({Warning::condition, view.rest, std::string(view.rest), surprise});
+            findings.push_back({Warning::condition, view.rest, Quoted(view.rest), surprise});
         }
     }
     // What follows an IF depends on that one alone, even inside a block that is skipped.

@@ -183,7 +183,7 @@ bool AdviseOnCircle(OperandCase* it, const std::string& name) {
     for (std::string next = name; !next.empty() && path.size() < 32;) {
         if (std::ranges::find(path, next) != path.end()) {
             it->advice.note = "give " + next + " a value: it depends on itself";
-            it->advice.name = next;
+            it->advice.names = path;
             it->advice.definesName = true;
             return true;
         }
@@ -235,12 +235,6 @@ bool AdviseOnGluedOperator(OperandCase* it, const Token& token) {
 
 // The token `text` in the expression of `operand`, which the name of an index register is no part
 // of.
-const Token* FindToken(const OperandView& operand, std::string_view text) {
-    const auto first = operand.tokens.begin() + (operand.IsIndexed() ? 2 : 0);
-    const auto token = std::ranges::find(first, operand.tokens.end(), text, &Token::text);
-    return token == operand.tokens.end() ? nullptr : &*token;
-}
-
 // An expression that is no expression.
 bool AdviseOnExpression(OperandCase* it) {
     if (it->operand == nullptr) {
@@ -357,6 +351,16 @@ void AdviseOnUnknownName(OperandCase* it) {
     if (token->kind == TokenKind::digitName) {
         note = "begin the name with a letter, or write a number as 255, 0FFH, $FF, 1010B or %1010";
         return;
+    }
+    if (std::string digits = name; name.front() == 'O' || name.front() == 'L') {
+        digits.front() = name.front() == 'O' ? '0' : '1';
+        std::ranges::replace(digits, 'O', '0');
+        const std::vector<Token> tokens = CutTokens(digits);
+        if (tokens.size() == 1 && tokens[0].kind == TokenKind::number) {
+            it->Replace(token->text, digits);
+            note = "write " + digits + ": " + name.substr(0, 1) + " is a letter";
+            return;
+        }
     }
     if (const std::string number = NumberSpelling("0X" + name);
         !number.empty() && name.size() % 2 == 0) {

@@ -15,6 +15,15 @@ fs::path PathOf(const std::string& name) {
     return std::u8string(name.begin(), name.end());
 }
 
+// The directory of the file at the full path `path`.
+std::string DirectoryOf(const std::string& path) {
+    std::string directory(platform::SplitPath(path).directory);
+    if (directory.size() > 1) {
+        directory.pop_back();  // the separator
+    }
+    return directory;
+}
+
 }  // namespace
 
 FileStore::FileStore(std::string_view newDirectory)
@@ -43,11 +52,11 @@ FileStore::Text FileStore::TextOf(const std::string& path) const {
     return found == texts.end() ? nullptr : found->second;
 }
 
-bool FileStore::Has(std::string_view name) {
-    return Locate(name).isFile;
+bool FileStore::Has(const std::string& includer, std::string_view name) {
+    return LocateFrom(DirectoryOf(includer), name).isFile;
 }
 
-std::vector<std::string> FileStore::SearchedDirectories() const {
+std::vector<std::string> FileStore::SearchedDirectories(const std::string& includer) const {
     std::vector<std::string> names;
     const auto add = [&](const std::string& path) {
         std::string name = ShownName(path);
@@ -55,9 +64,7 @@ std::vector<std::string> FileStore::SearchedDirectories() const {
             names.push_back(std::move(name));
         }
     };
-    if (!entered.empty()) {
-        add(entered.back());
-    }
+    add(DirectoryOf(includer));
     std::ranges::for_each(searched, add);
     return names;
 }
@@ -71,11 +78,8 @@ platform::FoundPath FileStore::Beside(const std::string& from, std::string_view 
     return found;
 }
 
-platform::FoundPath FileStore::Locate(std::string_view name) {
-    if (entered.empty()) {
-        return Beside(base, name);
-    }
-    platform::FoundPath found = Beside(entered.back(), name);
+platform::FoundPath FileStore::LocateFrom(const std::string& from, std::string_view name) {
+    platform::FoundPath found = Beside(from, name);
     if (found.isFile || platform::IsAbsolutePath(name)) {
         return found;
     }
@@ -85,6 +89,10 @@ platform::FoundPath FileStore::Locate(std::string_view name) {
         }
     }
     return found;
+}
+
+platform::FoundPath FileStore::Locate(std::string_view name) {
+    return entered.empty() ? Beside(base, name) : LocateFrom(entered.back(), name);
 }
 
 // The text of the file at the full path `path`; null, with `failure`, if it cannot be read.
@@ -119,11 +127,7 @@ Status FileStore::Find(std::string_view name, platform::FoundPath* file) {
 }
 
 bool FileStore::Enter(const platform::FoundPath& file) {
-    std::string parent(platform::SplitPath(file.path).directory);
-    if (parent.size() > 1) {
-        parent.pop_back();  // the separator
-    }
-    entered.push_back(std::move(parent));
+    entered.push_back(DirectoryOf(file.path));
     return true;
 }
 

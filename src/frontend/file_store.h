@@ -47,10 +47,10 @@ class FileStore : public SourceStore {
     [[nodiscard]] const platform::FileSet& Identities() const { return identities; }
     /// Why the file that was asked for last cannot be read, in the words of the system.
     [[nodiscard]] const std::string& Failure() const { return failure; }
-    /// Whether an INCLUDE of `name` would find a file, in the source entered last.
-    [[nodiscard]] bool Has(std::string_view name);
+    /// Whether an INCLUDE of `name` in the file at the full path `includer` would find a file.
+    [[nodiscard]] bool Has(const std::string& includer, std::string_view name);
     /// The directories in which it looks, as a person would write them.
-    [[nodiscard]] std::vector<std::string> SearchedDirectories() const;
+    [[nodiscard]] std::vector<std::string> SearchedDirectories(const std::string& includer) const;
 
     [[nodiscard]] Status Find(std::string_view name, platform::FoundPath* file) override;
     [[nodiscard]] bool Enter(const platform::FoundPath& file) override;
@@ -60,6 +60,7 @@ class FileStore : public SourceStore {
 
   private:
     platform::FoundPath Beside(const std::string& directory, std::string_view name);
+    platform::FoundPath LocateFrom(const std::string& from, std::string_view name);
     platform::FoundPath Locate(std::string_view name);
     Text Load(const std::string& path);
 

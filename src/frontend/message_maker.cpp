@@ -1,13 +1,25 @@
 #include "frontend/message_maker.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "driver/assembler.h"
 #include "frontend/file_store.h"
 #include "frontend/program_checks.h"
+#include "frontend/terminal_text.h"
 #include "source/char_class.h"
 
 namespace korv {
+
+namespace {
+
+// What the core adds to its text, in quotes unless it has its own.
+std::string DetailOf(std::string_view text) {
+    text.remove_prefix(std::min(text.find_first_not_of(' '), text.size()));
+    return text.empty() || text[0] == '\'' ? std::string(text) : Quoted(text);
+}
+
+}  // namespace
 
 std::string MessageText(std::int32_t number) {
     if (number < 0) {
@@ -17,9 +29,9 @@ std::string MessageText(std::int32_t number) {
     while (text.ends_with('.') || text.ends_with('!')) {
         text.pop_back();
     }
-    const bool isAbbreviation = text.size() > 1 && HasClass(text[1], CC_LETTER) &&
-                                !HasClass(text[1], CC_LOWER);  // as in "ORG used"
-    if (!text.empty() && !isAbbreviation && HasClass(text[0], CC_LETTER)) {
+    const auto isLower = [](char c) { return HasClass(c, CC_LOWER); };
+    const std::string_view first = std::string_view(text).substr(0, text.find(' '));
+    if (first.size() > 1 && std::ranges::all_of(first.substr(1), isLower)) {  // not "ORG", "Gen80"
         text[0] = static_cast<char>(text[0] | 0x20);
     }
     return text;
@@ -29,39 +41,49 @@ std::int32_t MessageMaker::AddOpening(std::int32_t number, const Opening& openin
     const auto index = static_cast<std::int32_t>(analysis->openings.size());
     openingByNumber.resize(static_cast<std::size_t>(number), noIndex);
     openingByNumber.push_back(index);
+    numberByOpening.push_back(number);
     analysis->openings.push_back(opening);
     return index;
 }
 
-void MessageMaker::Add(const Report& report) {
+void MessageMaker::Finish() {
+    for (auto& each : std::exchange(pending, {})) {
+        if (const auto* const report = std::get_if<Report>(&each)) {
+            Make(*report);
+        } else if (auto& message = std::get<Message>(each); message.warning) {
+            AddWarning(*warnings, std::move(message), analysis);
+        } else {
+            AddMessage(std::move(message), analysis);
+        }
+    }
+}
+
+void MessageMaker::Make(const Report& report) {
     Message message;
     message.number = report.number;
     message.code = "X" + std::to_string(report.number);
     message.text = MessageText(report.number);
-    message.detail = report.text;
+    message.detail = DetailOf(report.text);
     message.opening = OpeningOf(report.place.file);
-    if (report.isWarning) {
-        message.warning = WarningOf(report.number);
-    }
+    message.warning = report.warning;
     if (message.warning && !warnings->IsOn(*message.warning)) {
         return;
     }
     if (message.warning && !warnings->IsError(*message.warning)) {
         message.severity = Severity::warning;
     }
-    if (!IsOpen()) {
-        AddMessage(std::move(message), analysis);
-        return;
-    }
+    const auto id = static_cast<std::int32_t>(statementIds.size());
     const StatementView& statement = StatementAt(report.place);
-    const FaultView fault{.number = report.number,
-                          .isError = message.severity == Severity::error,
-                          .isLate = report.isLate,
-                          .statement = statement,
-                          .part = {report.place.offset, report.place.length},
-                          .text = report.text,
-                          .statementId = statementCount,
-                          .isSkipped = !report.isLate && assembler->assembling == 0};
+    const FaultView fault{
+        .number = report.number,
+        .isError = message.severity == Severity::error,
+        .isLate = report.isLate,
+        .statement = statement,
+        .part = {report.place.offset, report.place.length},
+        .text = report.text,
+        .statementId =
+            statementIds.try_emplace({report.place.file, report.place.line}, id).first->second,
+        .isSkipped = report.isSkipped};
     Advice advice = adviser.AdviceFor(fault);
     if (advice.isFollowOn) {
         return;
@@ -73,17 +95,22 @@ void MessageMaker::Add(const Report& report) {
     }
     message.place = PlaceOf(place);
     message.note = std::move(advice.note);
+    if (report.number == MSG_LABEL_WITHOUT_COLON && message.warning == Warning::keywordLabel) {
+        message.text = RowOf(Warning::keywordLabel).meaning;
+        message.code = RowOf(Warning::keywordLabel).name;
+        message.note = "indent it, or end it with a colon if it is a label";
+    } else if (report.number == MSG_ORG_IN_CODE && message.warning == Warning::orgGap) {
+        message.note = "remove one ORG: the image is loaded at the address of the first";
+    }
     if (!advice.text.empty()) {
         message.text = std::move(advice.text);
         message.detail.clear();
     }
-    for (TextEdit& edit : advice.edits) {
-        place.offset = edit.part.offset;
-        place.length = edit.part.length;
-        message.edits.push_back(
-            {places.PlaceOf(analysis->openings[static_cast<std::size_t>(message.opening)].file,
-                            TextOf(message.opening), place.line, place.offset, place.length),
-             std::move(edit.text)});
+    if (!statement.typed.empty()) {  // else the line is joined from several
+        for (TextEdit& edit : advice.edits) {
+            const Place part{message.place.file, place.line, edit.part.offset, edit.part.length};
+            message.edits.push_back({part, std::move(edit.text)});
+        }
     }
     AddMessage(std::move(message), analysis);
 }
@@ -96,7 +123,7 @@ void MessageMaker::Warn(Warning warning, const Place& place, std::int32_t openin
     message.opening = opening;
     message.detail = std::move(detail);
     message.note = note;
-    AddWarning(*warnings, std::move(message), analysis);
+    Add(std::move(message));
 }
 
 const StoredText& MessageMaker::TextOf(std::int32_t opening) const {
@@ -112,7 +139,6 @@ const StatementView& MessageMaker::StatementAt(const SourcePlace& place) {
         const std::string_view typed = TextOf(OpeningOf(place.file)).Line(place.line);
         const bool isWhole = lines.lastLine == place.line;
         view = CutStatement(viewedLine, isWhole ? typed : std::string_view());
-        ++statementCount;
     }
     return view;
 }
@@ -130,6 +156,10 @@ Place MessageMaker::PlaceOf(const SourcePlace& place) {
     }
     return places.PlaceOf(analysis->openings[static_cast<std::size_t>(opening)].file, text,
                           place.line, offset, length);
+}
+
+const std::string& MessageMaker::PathInHand() const {
+    return TextOf(OpeningOf(viewedPlace.file)).Path();
 }
 
 std::optional<KnownName> MessageMaker::FindName(std::string_view name) const {
@@ -153,12 +183,12 @@ std::optional<KnownName> MessageMaker::FindName(std::string_view name) const {
 }
 
 bool MessageMaker::HasFile(std::string_view name) const {
-    return store->Has(name);
+    return store->Has(PathInHand(), name);
 }
 
 std::string MessageMaker::SearchedDirectories() const {
     std::string text;
-    for (const std::string& directory : store->SearchedDirectories()) {
+    for (const std::string& directory : store->SearchedDirectories(PathInHand())) {
         text += (text.empty() ? "" : ", ") + directory;
     }
     return text;

@@ -3,8 +3,11 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <variant>
 #include <vector>
 
 #include "diagnostics/source_place.h"
@@ -19,11 +22,13 @@ class FileStore;
 
 /// A report as it came from the core.
 struct Report {
-    bool isWarning = false;
-    std::int32_t number = 0;  ///< row of MESSAGE_TABLE, or below 0
-    std::string text;         ///< the detail; may be empty
+    bool isWarning = false;               ///< for the core
+    std::optional<Warning> warning = {};  ///< which one it is here; none: an error
+    std::int32_t number = 0;              ///< row of MESSAGE_TABLE, or below 0
+    std::string text;                     ///< the detail; may be empty
     SourcePlace place;
     bool isLate = false;      ///< its line is not the one being assembled
+    bool isSkipped = false;   ///< a condition kept its line from being assembled
     std::string reason = {};  ///< the system's, of a file that cannot be read
 };
 
@@ -48,11 +53,15 @@ class MessageMaker : private RunFacts {
         return openingByNumber[static_cast<std::size_t>(number)];
     }
 
-    /// Adds the message of `report`, unless it is not wanted or only follows from another.
-    void Add(const Report& report);
-    /// Adds a warning of the front end, if it is wanted.
+    /// Keeps a report, a message or a warning for `Finish`, which needs the names that are defined
+    /// later to say what to do about it.
+    void Add(Report report) { pending.emplace_back(std::move(report)); }
+    void Add(Message message) { pending.emplace_back(std::move(message)); }
     void Warn(Warning warning, const Place& place, std::int32_t opening, std::string detail,
               std::string_view note);
+    /// Makes the messages, in the order in which they came, of all that is wanted and does not only
+    /// follow from an earlier one.
+    void Finish();
     /// The part of the file that `place` is; a statement as a whole is its mnemonic or its label.
     [[nodiscard]] Place PlaceOf(const SourcePlace& place);
     /// The stored text of opening `opening`.
@@ -60,6 +69,11 @@ class MessageMaker : private RunFacts {
     /// Whether a further message would be kept.
     [[nodiscard]] bool IsOpen() const {
         return analysis->errorLimit == 0 || analysis->errorCount < analysis->errorLimit;
+    }
+
+    /// The core's number of the file of opening `opening`.
+    [[nodiscard]] std::int32_t NumberOf(std::int32_t opening) const {
+        return numberByOpening[static_cast<std::size_t>(opening)];
     }
 
     PlaceMap places;
@@ -70,8 +84,11 @@ class MessageMaker : private RunFacts {
     std::string SearchedDirectories() const override;
     std::vector<std::string_view> DefinedNames() const override;
 
+    void Make(const Report& report);
     // The statement in hand, cut once for all its messages.
     const StatementView& StatementAt(const SourcePlace& place);
+    // Full path of the file of the statement in hand.
+    [[nodiscard]] const std::string& PathInHand() const;
 
     Analysis* analysis;
     CAssembler* assembler;
@@ -79,10 +96,13 @@ class MessageMaker : private RunFacts {
     const WarningChoice* warnings;
     Adviser adviser;
     std::vector<std::int32_t> openingByNumber;
+    std::vector<std::int32_t> numberByOpening;
     SourcePlace viewedPlace;  // of `view`
     std::string viewedLine;
     StatementView view;
-    std::int32_t statementCount = 0;  // statements that have had a report
+    std::vector<std::variant<Report, Message>> pending;
+    // A number for each statement with a report, by the core's file and line.
+    std::map<std::pair<std::int32_t, std::int32_t>, std::int32_t> statementIds;
 };
 
 }  // namespace korv

@@ -187,12 +187,7 @@ class MessagePrinter {
 }  // namespace
 
 std::string SentenceOf(const Message& message) {
-    std::string sentence = message.text;
-    if (!message.detail.empty()) {
-        sentence.resize(sentence.size() - (sentence.ends_with('.') ? 1 : 0));
-        sentence += ": " + message.detail;
-    }
-    return sentence;
+    return message.text + (message.detail.empty() ? "" : ": " + message.detail);
 }
 
 std::string MessagesText(const Analysis& analysis, const TextStyle& style) {

@@ -160,15 +160,15 @@ void Adviser::Remember(const FaultView& fault, const Advice& advice) {
     hasRefusedBlock = hasRefusedBlock || HoldsWord(blockStarts, Plain(statement.mnemonic));
     const bool isDefinition = isMacro || fault.number == MSG_RESERVED_NAME ||
                               fault.number == MSG_NO_LABEL ||
+                              (fault.number == MSG_UNRESOLVED && advice.definesName) ||
                               (isRefused && (advice.definesName || statement.mnemonic == "EQU"));
     if (!isDefinition) {
         return;
     }
-    for (const std::string_view name : {statement.label, std::string_view(advice.name)}) {
-        if (!name.empty()) {
-            refusedNames.emplace(name);
-        }
+    if (!statement.label.empty()) {
+        refusedNames.emplace(statement.label);
     }
+    refusedNames.insert(advice.names.begin(), advice.names.end());
     if (isMacro && !statement.operands.empty()) {
         refusedNames.emplace(statement.operands[0].text);
     }

@@ -62,8 +62,8 @@ struct Advice {
     std::vector<TextEdit> edits;    ///< of the cleaned line, in its order
     std::optional<LinePart> place;  ///< more exact than that of the fault
     bool isFollowOn = false;        ///< an earlier message explains it: do not print it
-    bool definesName = false;       ///< the line was to define its label, or `name`
-    std::string name;
+    bool definesName = false;       ///< the line was to define its label, or these
+    std::vector<std::string> names;
 };
 
 /// Gives advice on the messages of one run, in the order in which they were reported.

@@ -36,6 +36,9 @@ struct OperandCase {
     }
 };
 
+/// The operand that the message is about; null if one is missing, or it is none of them.
+[[nodiscard]] const OperandView* FocusOf(const FaultView& fault);
+
 /// Whether the statement has a form of its mnemonic once it is changed.
 [[nodiscard]] bool HasFormWith(const StatementView& statement, const std::vector<TextEdit>& edits);
 

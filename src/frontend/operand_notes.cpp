@@ -15,64 +15,6 @@
 namespace korv {
 namespace {
 
-constexpr std::string_view jumps = "JP JR CALL DJNZ";
-
-// The operand that the message is about.
-const OperandView* FocusOf(const FaultView& fault) {
-    const auto& operands = fault.statement.operands;
-    const auto find = [&operands](auto isIt) -> const OperandView* {
-        const auto it = std::ranges::find_if(operands, isIt);
-        return it == operands.end() ? nullptr : &*it;
-    };
-    if (fault.part.length != 0) {
-        const OperandView* const at = find([&fault](const OperandView& each) {
-            const LinePart part = fault.statement.PartOf(each.text);
-            return fault.part.offset >= part.offset &&
-                   fault.part.offset < part.offset + part.length;
-        });
-        const std::size_t faulty = FindFaultyOperand(fault.statement);
-        const bool isNamed =
-            at != nullptr && fault.statement.PartOf(at->text).length >= fault.part.length;
-        if (isNamed && (fault.number != MSG_ILLEGAL_ARGUMENT || faulty >= operands.size())) {
-            return at;
-        }
-    }
-    switch (fault.number) {
-        case MSG_ILLEGAL_ARGUMENT:
-        case MSG_ILLEGAL_CONDITION:
-        case MSG_TOO_MANY_ARGUMENTS:
-        case MSG_ARGUMENT_EXPECTED:
-            if (const std::size_t i = FindFaultyOperand(fault.statement); i < operands.size()) {
-                return &operands[i];
-            }
-            break;
-        case MSG_UNRESOLVED:
-            if (const OperandView* const it = find([&fault](const OperandView& each) {
-                    const bool isNamed =
-                        each.what.kind == KIND_VALUE || fault.statement.mnemonic == "DJNZ";
-                    return isNamed && FindToken(each, fault.text) != nullptr;
-                })) {
-                return it;
-            }
-            break;
-        case MSG_NOT_IMMEDIATE:
-            if (const OperandView* const it =
-                    find([](const OperandView& each) { return each.what.kind == KIND_VALUE; })) {
-                return it;
-            }
-            break;
-        default:
-            break;
-    }
-    if (const OperandView* const it = find([](const OperandView& each) {
-            return each.what.kind == KIND_VALUE &&
-                   FindExpressionFault(each).fault != ExpressionFault::none;
-        })) {
-        return it;
-    }
-    return operands.size() == 1 ? operands.data() : nullptr;
-}
-
 bool Take(OperandCase* it, std::optional<RowAdvice> row) {
     if (!row || (row->note.empty() && row->edits.empty())) {
         return false;
@@ -225,17 +167,20 @@ bool AdviseOnRegister(OperandCase* it) {
     return true;
 }
 
-// Whether the statement has a name without a value or a register in a sum: no other order of its
-// operands would assemble.
-bool HasUnknownName(const OperandCase& it) {
-    return std::ranges::any_of(it.statement.operands, [&it](const OperandView& operand) {
-        return operand.what.kind == KIND_VALUE && !operand.IsIndexed() &&
-               std::ranges::any_of(operand.tokens, [&it](const Token& token) {
-                   const bool isName =
-                       token.kind == TokenKind::name || token.kind == TokenKind::registerName;
-                   return isName && !it.IsDefined(token.text) &&
-                          it.adviser.Facts().FindName(token.text) == std::nullopt;
+// Whether the proposed change holds a name that nothing defines, or a register in a sum.
+bool ProposesUnknown(const OperandCase& it) {
+    const auto isProposed = [&it](const Token& token) {
+        const bool isName = token.kind == TokenKind::name || token.kind == TokenKind::registerName;
+        return isName && !it.adviser.Facts().FindName(token.text) &&
+               std::ranges::any_of(it.advice.edits, [&token](const TextEdit& edit) {
+                   const std::string text = Raised(edit.text);
+                   const std::size_t at = text.find(token.text);
+                   return at != std::string::npos && at > 0 && !HasClass(text[at - 1], CC_NAME);
                });
+    };
+    return std::ranges::any_of(it.statement.operands, [&isProposed](const OperandView& operand) {
+        return operand.what.kind == KIND_VALUE && !operand.IsIndexed() &&
+               std::ranges::any_of(operand.tokens, isProposed);
     });
 }
 
@@ -293,7 +238,7 @@ bool AdviseOnShape(OperandCase* it) {
     if (!Take(it, OperandAdvice(it->statement, it->fault.number))) {
         return AdviseOnM(it);
     }
-    if (HasUnknownName(*it)) {
+    if (ProposesUnknown(*it)) {
         it->advice.edits.clear();
     }
     if (ProposesUnknownName(*it)) {
@@ -350,19 +295,6 @@ bool AdviseOnEmptyOperand(OperandCase* it) {
 }
 
 }  // namespace
-
-bool HasFormWith(const StatementView& statement, const std::vector<TextEdit>& edits) {
-    const std::string line = Raised(Applied(statement.line, edits));
-    return HasForm(CutStatement(line));
-}
-
-bool IsNumberedLabel(const StatementView& statement) {
-    if (!HoldsWord(jumps, statement.mnemonic) || statement.operands.empty()) {
-        return false;
-    }
-    const std::string_view text = statement.operands.back().text;
-    return text.size() == 2 && HasClass(text[0], CC_DIGIT) && (text[1] == 'F' || text[1] == 'B');
-}
 
 Advice AdviseOnOperands(Adviser& adviser, const FaultView& fault) {
     OperandCase it{adviser, fault, fault.statement, FocusOf(fault)};

@@ -5,6 +5,7 @@
 #include <iterator>
 
 #include "frontend/nearest.h"
+#include "frontend/terminal_text.h"
 
 namespace korv {
 namespace {

@@ -12,10 +12,6 @@
 
 namespace korv {
 
-[[nodiscard]] inline std::string Quoted(std::string_view text) {
-    return "'" + std::string(text) + "'";
-}
-
 struct OptionRow {
     char letter;                ///< of the short form; 0: there is none
     std::string_view name;      ///< of the long form, without its dashes; empty: there is none

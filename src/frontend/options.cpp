@@ -12,6 +12,7 @@
 #include "frontend/argument_files.h"
 #include "frontend/nearest.h"
 #include "frontend/option_table.h"
+#include "frontend/terminal_text.h"
 #include "platform/platform.h"
 #include "source/char_class.h"
 
@@ -252,8 +253,8 @@ std::string HelpText() {
         left.append(row.NeedsArgument() ? " " : "").append(row.argument);
         AddHelp(left, row.help, &text);
     }
-    AddHelp("  @FILE",
-            "take further words from FILE, quoted as in a shell; # begins a comment line", &text);
+    AddHelp("  FILE", "take further words from FILE, quoted as in a shell; # begins a comment line",
+            &text);
     text += "\nWarnings, for -W; those with * are on by default:\n";
     for (const WarningRow& row : warningTable) {
         AddHelp((row.isOn ? "  * " : "    ") + std::string(row.name), row.meaning, &text);

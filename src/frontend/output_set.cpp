@@ -28,15 +28,6 @@ std::string WriteFailure(const Output& output) {
     return "cannot write " + ShownName(output.name) + ": " + platform::ErrorText();
 }
 
-// The last component of a name, for a first comparison: `LeadToOneFile` asks the system a lot.
-std::string LastComponent(const std::string& name) {
-    std::string last = name.substr(name.find_last_of("/\\") + 1);
-    std::ranges::transform(last, last.begin(), [](char c) {
-        return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
-    });
-    return last;
-}
-
 class OutputSet {
   public:
     explicit OutputSet(const std::vector<Output>& outputs)
@@ -102,9 +93,7 @@ class OutputSet {
         }
         const std::string &first = outputs[a].name, &second = outputs[b].name;
         const bool areStreams = staged[a].IsStream() || staged[b].IsStream();
-        return areStreams ? first == "-" && second == "-"
-                          : LastComponent(first) == LastComponent(second) &&
-                                platform::LeadToOneFile(first, second);
+        return areStreams ? first == "-" && second == "-" : platform::LeadToOneFile(first, second);
     }
 
     std::string PutAll() {

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "diagnostics/report_writer.h"
+#include "frontend/terminal_text.h"
 
 namespace korv {
 namespace {
@@ -47,8 +48,9 @@ std::vector<Message> OverlapWarnings(const Analysis& analysis) {
         if (last != nullptr && block.address < last->address + last->count) {
             const Block& second = block.offset > last->offset ? block : *last;
             char address[16];
-            warnings.push_back(WarningAt(Warning::overlap, second.place, second.opening,
-                                         {address, PutHex(address, block.address, 4)}));
+            warnings.push_back(
+                WarningAt(Warning::overlap, second.place, second.opening,
+                          std::string(address, PutHex(address, block.address, 4)) + "H"));
         }
         if (last == nullptr || block.address + block.count > last->address + last->count) {
             last = &block;
@@ -63,7 +65,7 @@ std::vector<Message> UnusedLabelWarnings(const Analysis& analysis) {
         const bool isDefined = name.kind == NameKind::label || name.kind == NameKind::constant;
         if (isDefined && !name.isUsed && name.definition.IsSomewhere()) {
             warnings.push_back(
-                WarningAt(Warning::unusedLabel, name.definition, name.opening, name.text));
+                WarningAt(Warning::unusedLabel, name.definition, name.opening, Quoted(name.text)));
         }
     }
     std::ranges::sort(warnings, {}, [](const Message& message) {

@@ -51,6 +51,11 @@ Advice AdviseOnFile(const RunFacts& facts, const StatementView& statement) {
             return advice;
         }
     }
+    if (inner.find_first_of(" \t") != std::string::npos) {
+        advice.note =
+            "check for a backslash at the end of the line: it joins the next line to the name";
+        return advice;
+    }
     const std::string directories = facts.SearchedDirectories();
     const bool isAbsolute = inner.starts_with('/') || inner.starts_with('\\');
     const std::string quotes = isWrapped && statement.mnemonic == "INCLUDE"
@@ -121,7 +126,7 @@ Advice AdviseOnEmptyBrackets(const StatementView& statement) {
                              WithoutLeadingBlanks(operand.text.substr(1)) == ")";
         if (isEmpty) {
             advice.place = statement.PartOf(operand.text);
-            advice.text = "Nothing between the brackets";
+            advice.text = "nothing between the brackets";
             advice.note = "add the address or the register";
             return advice;
         }
@@ -216,7 +221,7 @@ Advice AdviseOnRest(Adviser& adviser, const FaultView& fault) {
             advice = AdviseOnEmptyBrackets(statement);
             if (!advice.place && fault.isLate) {
                 advice = AdviseOnFarJump(statement);
-                advice.text = "The jump is too far";
+                advice.text = "the jump is too far";
             }
             return advice;
         default:

@@ -1,4 +1,5 @@
-/// How a terminal shows a text: which of its bytes are escaped, and how many columns it takes.
+/// How a text is shown: in quotes, and on a terminal with which of its bytes escaped and in how many
+/// columns.
 #pragma once
 
 #include <cstddef>
@@ -6,6 +7,10 @@
 #include <string_view>
 
 namespace korv {
+
+[[nodiscard]] inline std::string Quoted(std::string_view text) {
+    return "'" + std::string(text) + "'";
+}
 
 /// `text` with "\xHH" for control characters and bytes that are no UTF-8, so that no text acts on
 /// the terminal. Tabs and line feeds stay.

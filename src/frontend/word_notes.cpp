@@ -81,7 +81,7 @@ Advice AdviseOnPreprocessor(const StatementView& statement) {
             advice.place = statement.PartOf(word);
             advice.note = "write " + advice.edits[0].text + " from column 1 on";
             advice.definesName = true;
-            advice.name = name;
+            advice.names.emplace_back(name);
             return advice;
         }
     }
@@ -101,7 +101,7 @@ Advice AdviseOnPreprocessor(const StatementView& statement) {
             advice.place = statement.PartOf(first);
             advice.note = "write " + advice.edits[0].text + " from column 1 on";
             advice.definesName = true;
-            advice.name = name;
+            advice.names.emplace_back(name);
             return advice;
         }
     }
@@ -159,7 +159,7 @@ Advice AdviseOnName(const StatementView& statement) {
     Advice advice = Replace(statement, line.substr(0, end), name, note);
     advice.place = statement.PartOf(word);
     advice.definesName = true;
-    advice.name = word;
+    advice.names.emplace_back(word);
     return advice;
 }
 
@@ -273,7 +273,7 @@ Advice AdviseOnDefinition(const StatementView& statement) {
     advice.note =
         "write " + advice.edits[0].text + (statement.label.empty() ? " from column 1 on" : "");
     advice.definesName = true;
-    advice.name = name;
+    advice.names.emplace_back(name);
     return advice;
 }
 
@@ -307,8 +307,18 @@ Advice AdviseOnWord(const FaultView& fault) {
         Advice moved = Replace(statement, statement.line.substr(0, blanks + word.size()),
                                std::string(statement.Typed(word)), "begin the label in column 1");
         moved.definesName = true;
-        moved.name = word.substr(0, word.size() - 1);
+        moved.names.emplace_back(word.substr(0, word.size() - 1));
         return moved;
+    }
+    const std::string_view next = statement.rest.substr(0, statement.rest.find_first_of(" \t"));
+    if (statement.label.empty() && IsNameText(word) &&
+        FindKeyword(next) != nullptr) {  // " LOOP LD A,5"
+        const std::size_t blanks = statement.PartOf(word).offset;
+        advice.edits = {{LinePart{0, static_cast<std::uint32_t>(blanks)}, ""}};
+        advice.note = "begin the label in column 1";
+        advice.definesName = true;
+        advice.names.emplace_back(word);
+        return advice;
     }
     if (const auto row = WordAdvice(statement)) {
         advice.note = row->note;

@@ -4,20 +4,13 @@
 
 #include <fcntl.h>
 #include <poll.h>
-#include <sys/stat.h>
 #include <termios.h>
 #include <unistd.h>
 
 #include <atomic>
-#include <cerrno>
 #include <csignal>
 #include <cstdlib>
-#include <string>
-#include <string_view>
-#include <system_error>
-#include <utility>
 
-#include "platform/platform.h"
 #include "platform/staged_output.h"
 
 namespace korv::platform {
@@ -37,6 +30,7 @@ struct Signal {
 std::atomic<ConsoleHandler> consoleHandler = nullptr;
 std::atomic<bool> hasEventCome = false;
 sigset_t previousMask;  // before the first `HoldSignals`
+sigset_t heldMask;      // before the `SignalWindow` that is open
 int holds = 0;          // calls of it without their `ReleaseSignals`
 bool isMissing[3];      // the standard streams that were closed, by their numbers
 
@@ -49,6 +43,37 @@ void OnSignal(int number) {
         }
     }
     errno = savedError;
+}
+
+// Gives the signals of which `isOurs` is true to `handler`, and keeps what there was before.
+template <typename IsOurs>
+void TakeSignals(void (*handler)(int), IsOurs isOurs) {
+    struct sigaction action = {};  // without flags: what waits for input is to wake up
+    action.sa_handler = handler;
+    sigfillset(&action.sa_mask);
+    for (Signal& signal : signals) {
+        sigaction(signal.number, nullptr, &signal.previous);
+        if (isOurs(signal)) {
+            sigaction(signal.number, &action, nullptr);
+        }
+    }
+}
+
+void GiveSignalsBack() {
+    for (const Signal& signal : signals) {
+        sigaction(signal.number, &signal.previous, nullptr);
+    }
+}
+
+// Ends the process as the signal would have.
+void EndBySignal(int number) {
+    RemoveUnfinished();
+    std::signal(number, SIG_DFL);
+    sigset_t own;
+    sigemptyset(&own);
+    sigaddset(&own, number);
+    std::raise(number);
+    sigprocmask(SIG_UNBLOCK, &own, nullptr);
 }
 
 }  // namespace
@@ -88,55 +113,29 @@ void ReleaseSignals() {
     }
 }
 
-namespace {
-
-// Ends the process as the signal would have.
-void EndBySignal(int number) {
-    RemoveUnfinished();
-    std::signal(number, SIG_DFL);
-    sigset_t own;
-    sigemptyset(&own);
-    sigaddset(&own, number);
-    std::raise(number);
-    sigprocmask(SIG_UNBLOCK, &own, nullptr);
-}
-
-}  // namespace
-
 SignalWindow::SignalWindow() {
     if (holds == 0 || consoleHandler != nullptr) {
         return;
     }
-    struct sigaction action = {};
-    action.sa_handler = EndBySignal;
-    sigfillset(&action.sa_mask);
     sigset_t released;
     sigemptyset(&released);
-    for (Signal& signal : signals) {
-        sigaction(signal.number, nullptr, &signal.previous);
+    TakeSignals(EndBySignal, [&released](const Signal& signal) {
         // Ignored signals stay so, as after nohup.
-        if (signal.previous.sa_handler == SIG_DFL &&
-            sigismember(&previousMask, signal.number) == 0) {
-            sigaction(signal.number, &action, nullptr);
+        const bool isOurs =
+            signal.previous.sa_handler == SIG_DFL && sigismember(&previousMask, signal.number) == 0;
+        if (isOurs) {
             sigaddset(&released, signal.number);
         }
-    }
-    sigprocmask(SIG_UNBLOCK, &released, nullptr);
+        return isOurs;
+    });
+    sigprocmask(SIG_UNBLOCK, &released, &heldMask);
     isOpen = true;
 }
 
 SignalWindow::~SignalWindow() {
-    if (!isOpen) {
-        return;
-    }
-    sigset_t held;
-    sigemptyset(&held);
-    for (const Signal& signal : signals) {
-        sigaddset(&held, signal.number);
-    }
-    sigprocmask(SIG_BLOCK, &held, nullptr);
-    for (const Signal& signal : signals) {
-        sigaction(signal.number, &signal.previous, nullptr);
+    if (isOpen) {
+        sigprocmask(SIG_SETMASK, &heldMask, nullptr);
+        GiveSignalsBack();
     }
 }
 
@@ -228,23 +227,15 @@ void SetConsoleTitle(const char* title) {
 
 void SetConsoleHandler(ConsoleHandler handler) {
     if (handler == nullptr) {
-        for (const Signal& signal : signals) {
-            sigaction(signal.number, &signal.previous, nullptr);
-        }
+        GiveSignalsBack();
         consoleHandler = nullptr;
         return;
     }
     hasEventCome = false;
     consoleHandler = handler;
-    struct sigaction action = {};  // without flags: what waits for input is to wake up
-    action.sa_handler = OnSignal;
-    sigfillset(&action.sa_mask);
-    for (Signal& signal : signals) {
-        sigaction(signal.number, &action, &signal.previous);
-        if (signal.event == EVENT_CLOSE && signal.previous.sa_handler == SIG_IGN) {
-            sigaction(signal.number, &signal.previous, nullptr);
-        }
-    }
+    TakeSignals(OnSignal, [](const Signal& signal) {
+        return signal.event != EVENT_CLOSE || signal.previous.sa_handler != SIG_IGN;
+    });
 }
 
 void AwaitConsoleHandler() {}  // it interrupts the program and runs to its end

@@ -169,12 +169,14 @@ bool LeadToOneFile(std::string_view a, std::string_view b) {
     if (Ask(first, &one) && Ask(second, &other)) {
         return S_ISREG(one.st_mode) && IdentityOf(one) == IdentityOf(other);
     }
+    FollowLinks(&first);  // they may lead to nothing yet
+    FollowLinks(&second);
     std::error_code failure;
-    const auto placeOf = [&failure](std::string* name) {  // where a link leads to nothing yet
-        FollowLinks(name);
-        return fs::weakly_canonical(fs::absolute(*name, failure), failure);
+    const auto placeOf = [&failure](const fs::path& name) {
+        return fs::weakly_canonical(fs::absolute(name, failure), failure);
     };
-    return placeOf(&first) == placeOf(&second);
+    return fs::path(first).filename() == fs::path(second).filename() &&
+           placeOf(first) == placeOf(second);
 }
 
 struct CurrentDirectory::State {

@@ -201,24 +201,22 @@ bool EndWriting(FileHandle* handle) {
     return isClosed;
 }
 
-bool PutInPlace(FileHandle* handle, const std::string& temporary, const std::string& path) {
-    if (!EndWriting(handle)) {
-        return false;
+bool PutInPlace(FileHandle* handle, std::string* temporary, const std::string& path) {
+    const auto rename = [&] { return std::rename(temporary->c_str(), path.c_str()); };
+    const bool isDone = EndWriting(handle) && (temporary->empty() || Requested(rename) == 0);
+    if (isDone) {
+        Forget(*temporary);
+        temporary->clear();
     }
-    if (temporary.empty()) {
-        return true;
-    }
-    const auto rename = [&] { return std::rename(temporary.c_str(), path.c_str()); };
-    if (Requested(rename) != 0) {
-        return false;
-    }
-    Forget(temporary);
-    return true;
+    return isDone;
 }
 
-void Remove(const std::string& temporary) {
-    unlink(temporary.c_str());
-    Forget(temporary);
+void Remove(std::string* name) {
+    if (!name->empty()) {
+        unlink(name->c_str());
+        Forget(*name);
+        name->clear();
+    }
 }
 
 unsigned long ProcessNumber() {

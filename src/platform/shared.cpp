@@ -6,7 +6,6 @@
 #include <utility>
 
 #include "platform/fault_point.h"
-#include "platform/platform.h"
 #include "platform/staged_output.h"
 
 namespace korv::platform {
@@ -64,20 +63,10 @@ bool OutputFile::Open(std::string_view name, Kind kind, const FileSet& kept) {
     OutputPlace place;
     place.kind = kind;
     place.path = name;
-    if (!FindPlace(kept, &place)) {
+    if (!FindPlace(kept, &place) || !CreateReplacement(place, &temporary, &handle)) {
         return false;
     }
     path = place.path;
-    const bool isThere = place.handle >= 0;
-    if (place.isReplaceable && (place.isRegular || !isThere)) {
-        const Creation creation = CreateTemporary(place, &temporary, &handle);
-        if (creation != Creation::done && creation != Creation::isRefused) {
-            return false;  // and what is at the place must not be written either
-        }
-        if (isThere && handle >= 0 && !MakeAlike(handle, place)) {
-            GiveUp();
-        }
-    }
     if (handle < 0) {
         handle = std::move(place.handle);
         isEmptied = !place.isRegular;
@@ -105,9 +94,18 @@ Creation CreateAtFreeName(const OutputPlace& place, std::string* name, Create cr
 
 }  // namespace
 
-Creation CreateTemporary(const OutputPlace& place, std::string* temporary, FileHandle* handle) {
-    return CreateAtFreeName(place, temporary,
-                            [&](const std::string& name) { return Create(name, place, handle); });
+bool CreateReplacement(const OutputPlace& place, std::string* temporary, FileHandle* handle) {
+    const bool isThere = place.handle >= 0;
+    if (!place.isReplaceable || (isThere && !place.isRegular)) {
+        return true;
+    }
+    const Creation creation = CreateAtFreeName(
+        place, temporary, [&](const std::string& name) { return Create(name, place, handle); });
+    if (creation == Creation::done && isThere && !MakeAlike(*handle, place)) {
+        *handle = FileHandle();
+        Remove(temporary);
+    }
+    return creation == Creation::done || (isThere && creation == Creation::isRefused);
 }
 
 void LinkAtFreeName(const OutputPlace& place, std::string* name) {
@@ -117,18 +115,12 @@ void LinkAtFreeName(const OutputPlace& place, std::string* name) {
 
 void OutputFile::GiveUp() {
     handle = FileHandle();
-    if (!temporary.empty()) {
-        Remove(temporary);
-        temporary.clear();
-    }
+    Remove(&temporary);
 }
 
 bool OutputFile::Commit() {
     Write(nullptr, 0);  // an empty file is one too
-    const bool isWhole = !hasFailed && PutInPlace(&handle, temporary, path);
-    if (isWhole) {
-        temporary.clear();
-    }
+    const bool isWhole = !hasFailed && PutInPlace(&handle, &temporary, path);
     GiveUp();
     return isWhole;
 }

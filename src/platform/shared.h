@@ -57,9 +57,10 @@ enum class Creation {
 /// three of them take the same object, which stays where it is meanwhile. At most 16 at a time.
 [[nodiscard]] Creation Create(const std::string& temporary, const OutputPlace& place,
                               FileHandle* handle);
-/// Like `Create`, at the first name that is free.
-[[nodiscard]] Creation CreateTemporary(const OutputPlace& place, std::string* temporary,
-                                       FileHandle* handle);
+/// Creates a file that can take the place of what is at `place`, at the first name that is free. No
+/// name: what is there has to be written itself. False: neither can be.
+[[nodiscard]] bool CreateReplacement(const OutputPlace& place, std::string* temporary,
+                                     FileHandle* handle);
 /// Gives what is at `place` a second name, which is removed if the process ends before `PutInPlace`
 /// or `Remove`. Result: the name; empty: there can be none.
 void LinkAtFreeName(const OutputPlace& place, std::string* name);
@@ -73,10 +74,10 @@ void LinkAtFreeName(const OutputPlace& place, std::string* name);
 [[nodiscard]] bool Flush(int handle);
 /// Ends a file as far as its bytes are concerned. False: some are not there.
 [[nodiscard]] bool EndWriting(FileHandle* handle);
-/// Ends a file, and gives `temporary`, if it is not empty, the name `path`.
-[[nodiscard]] bool PutInPlace(FileHandle* handle, const std::string& temporary,
-                              const std::string& path);
-void Remove(const std::string& temporary);
+/// Ends a file, and gives `temporary`, if it is not empty, the name `path`. It is empty then.
+[[nodiscard]] bool PutInPlace(FileHandle* handle, std::string* temporary, const std::string& path);
+/// Removes the file `name`, if it is not empty. It is empty then.
+void Remove(std::string* name);
 
 /// Whether the open file `handle` is a terminal.
 [[nodiscard]] bool IsTerminalAt(int handle);

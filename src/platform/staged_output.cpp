@@ -29,8 +29,21 @@ std::optional<std::string> BytesOf(const std::string& path) {
 StagedOutput::StagedOutput() = default;
 StagedOutput::StagedOutput(StagedOutput&&) noexcept = default;
 
+// What fails here has no further way back.
 StagedOutput::~StagedOutput() {
-    Undo();
+    handle = FileHandle();
+    const bool isPut = temporary.empty();
+    Remove(&temporary);
+    if (isPut && !backup.empty()) {
+        static_cast<void>(PutInPlace(&handle, &backup, place->path));
+    }
+    Remove(&backup);
+    if (isNew) {
+        Remove(&place->path);
+    }
+    if (oldBytes) {
+        static_cast<void>(Empty(place->handle) && WriteWhole(place->handle, *oldBytes));
+    }
 }
 
 bool StagedOutput::Open(std::string_view name) {
@@ -67,17 +80,9 @@ bool StagedOutput::IsTerminal() const {
 }
 
 bool StagedOutput::Stage(std::string_view contents) {
-    if (!place->isReplaceable) {
-        return true;
-    }
-    const Creation creation = CreateTemporary(*place, &temporary, &handle);
-    if (creation == Creation::done && isThere && !MakeAlike(handle, *place)) {
-        handle = FileHandle();
-        Remove(temporary);
-        temporary.clear();
-    }
+    const bool isPossible = CreateReplacement(*place, &temporary, &handle);
     if (temporary.empty()) {
-        return isThere && (creation == Creation::done || creation == Creation::isRefused);
+        return isPossible;
     }
     place->handle = FileHandle();  // not every system replaces a file that is open
     return WriteWhole(handle, contents) && EndWriting(&handle);
@@ -102,10 +107,9 @@ bool StagedOutput::Put(std::string_view contents) {
     if (isThere) {
         LinkAtFreeName(*place, &backup);
     }
-    if (!PutInPlace(&handle, temporary, place->path)) {
+    if (!PutInPlace(&handle, &temporary, place->path)) {
         return false;
     }
-    temporary.clear();
     isNew = !isThere;
     return true;
 }
@@ -113,31 +117,7 @@ bool StagedOutput::Put(std::string_view contents) {
 void StagedOutput::Keep() {
     isNew = false;
     oldBytes.reset();
-    if (!backup.empty()) {
-        Remove(backup);
-        backup.clear();
-    }
-}
-
-void StagedOutput::Undo() {
-    handle = FileHandle();
-    const bool isPut = temporary.empty();
-    if (!isPut) {
-        Remove(temporary);
-        temporary.clear();
-    }
-    if (!backup.empty() && (!isPut || !PutInPlace(&handle, backup, place->path))) {
-        Remove(backup);
-    }
-    backup.clear();
-    if (std::exchange(isNew, false)) {
-        Remove(place->path);
-    }
-    if (oldBytes) {
-        // What fails here has no further way back.
-        static_cast<void>(Empty(place->handle) && WriteWhole(place->handle, *oldBytes));
-        oldBytes.reset();
-    }
+    Remove(&backup);
 }
 
 OutputGuard::OutputGuard() {

@@ -49,7 +49,6 @@ class StagedOutput {
 
   private:
     [[nodiscard]] bool Overwrite(std::string_view contents);
-    void Undo();
 
     std::unique_ptr<OutputPlace> place;   // null: nothing is open
     bool isThere = false;                 // there was something before

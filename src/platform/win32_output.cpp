@@ -107,7 +107,7 @@ Creation Create(const std::string& temporary, const OutputPlace& place, FileHand
     }
     if (IsThere(file)) {
         file.reset(INVALID_HANDLE_VALUE);
-        Remove(temporary);
+        DeleteFileW(Wide(temporary).c_str());
     }
     return error == ERROR_FILE_EXISTS ? Creation::nameIsTaken
            : IsRefused(error)         ? Creation::isRefused
@@ -150,17 +150,23 @@ std::ptrdiff_t WriteSome(int handle, const void* buffer, std::size_t count) {
     return FailsOnPurpose() ? -1 : _write(handle, buffer, static_cast<unsigned>(count));
 }
 
-bool PutInPlace(FileHandle* handle, const std::string& temporary, const std::string& path) {
+bool PutInPlace(FileHandle* handle, std::string* temporary, const std::string& path) {
     const bool isMarked = *handle >= 0;  // and not a second name of a file
-    return temporary.empty() || ((!isMarked || MarkAsDeleted(HandleOf(*handle), false)) &&
-                                 Requested([&] {
-                                     return MoveFileExW(Wide(temporary).c_str(), Wide(path).c_str(),
-                                                        MOVEFILE_REPLACE_EXISTING);
-                                 }) != 0);
+    const auto move = [&] {
+        return MoveFileExW(Wide(*temporary).c_str(), Wide(path).c_str(), MOVEFILE_REPLACE_EXISTING);
+    };
+    const bool isDone =
+        temporary->empty() ||
+        ((!isMarked || MarkAsDeleted(HandleOf(*handle), false)) && Requested(move) != 0);
+    if (isDone) {
+        temporary->clear();
+    }
+    return isDone;
 }
 
-void Remove(const std::string& temporary) {
-    DeleteFileW(Wide(temporary).c_str());  // gone already, but if the mark could not be set
+void Remove(std::string* name) {
+    DeleteFileW(Wide(*name).c_str());  // gone already, but if the mark could not be set
+    name->clear();
 }
 
 unsigned long ProcessNumber() {

@@ -82,8 +82,11 @@ Json ToJson(const CompletionItem& item, const UriOf&) {
 
 Json ToJson(const Signature& signature, const UriOf&) {
     Json parameters = Json::array();
+    std::size_t end = signature.label.find(' ');  // "A" is also a part of "ADD"
     for (const std::string& each : signature.parameters) {
-        parameters.push_back({{"label", each}});
+        const std::size_t start = signature.label.find(each, end);
+        end = start + each.size();
+        parameters.push_back({{"label", {start, end}}});
     }
     Json json = {{"label", signature.label}, {"parameters", std::move(parameters)}};
     if (!signature.documentation.empty()) {

@@ -7,7 +7,7 @@
 
 namespace korv {
 
-class CPatchInfo;
+struct CPatchInfo;
 
 /// Bits of `CIdentifier::flags`.
 inline constexpr std::uint32_t IDF_LABEL = 0x001;  ///< defined as a label

@@ -1,6 +1,5 @@
 #include "symbols/identifier_listing.h"
 
-#include <algorithm>
 #include <array>
 #include <charconv>
 #include <string>

@@ -1,7 +1,5 @@
 #include "symbols/identifier_manager.h"
 
-#include <utility>
-
 #include "driver/assembler.h"
 #include "symbols/identifier_listing.h"
 
@@ -12,12 +10,10 @@ CIdentifierManager::CIdentifierManager(CAssembler* assembler)
 
 // Makes a record for a name that is not in the table.
 [[gnu::noinline]] CIdentifier* CIdentifierManager::Enter(const HashedName& name) {
-    if (static_cast<std::uint32_t>(recordCount) % chunkSize == 0) {
-        chunks.push_back(std::make_unique_for_overwrite<Chunk>());
-    }
-    auto* const record = new (RecordAt(recordCount++))
+    auto* const record = new (namePool.Take(sizeof(CIdentifier), alignof(CIdentifier)))
         CIdentifier{.name = namePool.Store(name.text),
                     .nameLength = static_cast<std::uint32_t>(name.text.size())};
+    records.push_back(record);
     if (reservedWords != nullptr && reservedWords->Has(name)) {
         record->flags = IDS_RESERVED_WORD;
     } else {
@@ -105,8 +101,7 @@ CPatchInfo* CIdentifierManager::TakePatches(CIdentifier* identifier) {
 // All records, in the order of the listing.
 CIdentifier* CIdentifierManager::SortedRecords() {
     CIdentifier* chain = nullptr;
-    for (std::int32_t number = 0; number < recordCount; ++number) {
-        CIdentifier* const record = RecordAt(number);
+    for (CIdentifier* const record : records) {
         record->next = std::exchange(chain, record);
     }
     return SortForListing(chain);
@@ -125,8 +120,8 @@ std::int32_t CIdentifierManager::ReportUnresolved() {
 }
 
 void CIdentifierManager::ReleasePatches() {
-    for (std::int32_t number = 0; waitingCount > 0; ++number) {
-        CPatchInfo* patch = TakePatches(RecordAt(number));
+    for (auto record = records.begin(); waitingCount > 0; ++record) {
+        CPatchInfo* patch = TakePatches(*record);
         while (patch != nullptr) {
             CPatchInfoMemBlock::FreePatchInfo(std::exchange(patch, patch->next));
         }

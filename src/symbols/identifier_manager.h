@@ -8,7 +8,6 @@
 #include <cstdint>
 #include <cstdio>
 #include <initializer_list>
-#include <memory>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -113,9 +112,13 @@ class CIdentifierManager {
     /// Records in the table, of every kind; reserved words without a record among them.
     [[nodiscard]] std::int32_t TotalCount() const { return totalCount; }
     /// Records that have been made.
-    [[nodiscard]] std::int32_t RecordCount() const { return recordCount; }
+    [[nodiscard]] std::int32_t RecordCount() const {
+        return static_cast<std::int32_t>(records.size());
+    }
     /// The record `number`, from 0, in the order in which the names were met.
-    [[nodiscard]] const CIdentifier& Record(std::int32_t number) const { return *RecordAt(number); }
+    [[nodiscard]] const CIdentifier& Record(std::int32_t number) const {
+        return *records[static_cast<std::size_t>(number)];
+    }
 
     /// Adds a text, given in pieces, to the trace if there is one.
     template <typename... Pieces>
@@ -126,26 +129,13 @@ class CIdentifierManager {
     }
 
   private:
-    // Room for records.
-    static constexpr std::uint32_t chunkSize = 128;
-    struct Chunk {
-        [[nodiscard]] CIdentifier* Records() { return reinterpret_cast<CIdentifier*>(memory); }
-        alignas(CIdentifier) std::byte memory[chunkSize * sizeof(CIdentifier)];
-    };
-
-    [[nodiscard]] CIdentifier* RecordAt(std::int32_t number) const {
-        const auto n = static_cast<std::uint32_t>(number);
-        return &chunks[n / chunkSize]->Records()[n % chunkSize];
-    }
     CIdentifier* Enter(const HashedName& name);
     void Refuse(const Definition& definition, bool isReserved);
     void ApplyPatches(CIdentifier* identifier);
     CIdentifier* SortedRecords();
     void WriteTrace(std::initializer_list<std::string_view> pieces) const;
 
-    // Records stay where they are, and a number finds them.
-    std::vector<std::unique_ptr<Chunk>> chunks;
-    std::int32_t recordCount = 0;
+    std::vector<CIdentifier*> records;  // in the pool; they stay where they are
     std::int32_t totalCount = 0;
     std::int32_t waitingCount = 0;           // records with patches
     const WordSet* reservedWords = nullptr;  // not owned

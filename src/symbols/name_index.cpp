@@ -1,7 +1,6 @@
 #include "symbols/name_index.h"
 
 #include <cstdlib>
-#include <utility>
 
 #include "platform/platform.h"
 

@@ -5,14 +5,12 @@
 #include <algorithm>
 #include <array>
 #include <bit>
-#include <compare>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <map>
 #include <string_view>
 #include <utility>
-#include <vector>
 
 #include "symbols/identifier.h"
 #include "symbols/name_pool.h"

@@ -1,7 +1,6 @@
 #include "symbols/patch.h"
 
 #include <cstdlib>
-#include <new>
 #include <numeric>
 
 #include "platform/platform.h"

@@ -28,36 +28,21 @@ inline constexpr std::uint32_t noPosition = 0xFFFFFFFF;
 /// Lives in a slot of a `CPatchInfoMemBlock`: made by `AllocPatchInfo`, given back by
 /// `FreePatchInfo`, which releases its strings. In between it hangs on the chain of exactly one
 /// identifier, which owns it.
-class CPatchInfo {
-  public:
-    /// A patch without texts.
-    CPatchInfo(CPatchInfoMemBlock* owner, std::uint32_t slot, std::uint32_t position,
-               std::uint32_t flags, std::uint32_t address, const SourcePlace& place)
-        : owner(owner),
-          position(position),
-          address(address),
-          file(place.file),
-          line(place.line),
-          offset(place.offset),
-          slot(static_cast<std::uint16_t>(slot)),
-          flags(static_cast<std::uint16_t>(flags)) {}
-    CPatchInfo(const CPatchInfo&) = delete;
-    CPatchInfo& operator=(const CPatchInfo&) = delete;
-
-    CPatchInfoMemBlock* const owner;    ///< the block in which the record lives
-    CPatchInfo* next = nullptr;         ///< next patch of the identifier's chain
-    CIdentifier* identifier = nullptr;  ///< the one on whose chain it hangs; not owned
-    CPatchInfo* parent = nullptr;       ///< while an EQU is worked: the patch above
-    CtmpString expression;              ///< empty: the text is the name of `identifier`
-    CtmpString name;               ///< PF_EQU: the identifier that the value defines; else empty
-    const std::uint32_t position;  ///< offset in the target of what is overwritten
+struct CPatchInfo {
+    CPatchInfoMemBlock* const owner;  ///< the block in which the record lives
+    const std::uint16_t slot;         ///< index in `owner`
+    const std::uint16_t flags;        ///< PF_* bits
+    const std::uint32_t position;     ///< offset in the target of what is overwritten
     // The reference. Late messages point there and not at the definition.
     const std::uint32_t address;  ///< location counter at the start of its statement
     const std::int32_t file;
     const std::int32_t line;
-    const std::uint32_t offset;  ///< of the text in its cleaned line
-    const std::uint16_t slot;    ///< index in `owner`
-    const std::uint16_t flags;   ///< PF_* bits
+    const std::uint32_t offset;         ///< of the text in its cleaned line
+    CPatchInfo* next = nullptr;         ///< next patch of the identifier's chain
+    CIdentifier* identifier = nullptr;  ///< the one on whose chain it hangs; not owned
+    CPatchInfo* parent = nullptr;       ///< while an EQU is worked: the patch above
+    CtmpString expression{};            ///< empty: the text is the name of `identifier`
+    CtmpString name{};  ///< PF_EQU: the identifier that the value defines; else empty
 
     /// The text to evaluate again, terminated.
     [[nodiscard]] std::string_view Text() const {
@@ -76,7 +61,7 @@ class CPatchInfoMemBlock {
   public:
     static constexpr std::uint32_t slotCount = 256;
 
-    /// Makes a patch. Ends the process when there is no memory for a further block.
+    /// Makes a patch without texts. Ends the process when there is no memory for a further block.
     static CPatchInfo* AllocPatchInfo(std::uint32_t position, std::uint32_t flags,
                                       std::uint32_t address, const SourcePlace& place) {
         if (blocksWithRoom == nullptr) [[unlikely]] {
@@ -88,7 +73,14 @@ class CPatchInfoMemBlock {
         if (!block->HasRoom()) [[unlikely]] {
             blocksWithRoom = block->nextWithRoom;
         }
-        return new (&block->records[slot]) CPatchInfo(block, slot, position, flags, address, place);
+        return new (&block->records[slot]) CPatchInfo{block,
+                                                      static_cast<std::uint16_t>(slot),
+                                                      static_cast<std::uint16_t>(flags),
+                                                      position,
+                                                      address,
+                                                      place.file,
+                                                      place.line,
+                                                      place.offset};
     }
 
     /// Releases the strings of `patch` and gives its slot back.

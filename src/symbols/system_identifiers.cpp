@@ -5,7 +5,6 @@
 #include "symbols/system_identifiers.h"
 
 #include <algorithm>
-#include <array>
 
 #include "codegen/keywords.h"
 #include "driver/assembler.h"

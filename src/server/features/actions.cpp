@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <map>
+#include <set>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <utility>
 
 #include "frontend/message_printer.h"
@@ -18,21 +20,20 @@ void AddEdits(const Snapshot& snapshot, const Message& message, lsp::WorkspaceEd
     }
 }
 
-// An editor takes no changes that overlap: of these the first one stays. They occur where a file is
-// included twice, which has each of its messages twice, and where two messages propose to change
-// one word.
+// An editor takes no changes that overlap: of these the first one stays. They occur where two
+// messages propose to change one word.
 void RemoveOverlaps(lsp::WorkspaceEdit* edit) {
     for (auto& [path, changes] : *edit) {
         const auto start = [](const lsp::TextEdit& change) { return change.range.start; };
         std::ranges::stable_sort(changes, {}, start);
-        std::size_t kept = 0;
+        std::vector<lsp::TextEdit> kept;
         for (lsp::TextEdit& change : changes) {
-            if (kept == 0 || (changes[kept - 1].range.end <= change.range.start &&
-                              changes[kept - 1].range.start < change.range.start)) {
-                changes[kept++] = std::move(change);
+            if (kept.empty() || (kept.back().range.end <= change.range.start &&
+                                 kept.back().range.start < change.range.start)) {
+                kept.push_back(std::move(change));
             }
         }
-        changes.resize(kept);
+        changes = std::move(kept);
     }
 }
 
@@ -72,13 +73,17 @@ std::vector<lsp::CodeAction> ActionsIn(const Snapshot& snapshot, std::int32_t fi
                                        const Range& range) {
     std::vector<lsp::CodeAction> actions;
     std::map<std::string_view, std::vector<const Message*>> kinds;  // by code
+    std::set<std::tuple<std::int32_t, std::int32_t, std::uint32_t, std::string_view>> seen;
     for (const Message& message : snapshot.analysis->messages) {
-        if (message.edits.empty()) {
+        const Place& at = message.place;
+        // A file that is included twice has each of its messages twice.
+        if (message.edits.empty() ||
+            !seen.emplace(at.file, at.line, at.column, message.note).second) {
             continue;
         }
         kinds[message.code].push_back(&message);
-        const std::int64_t line = message.place.line - 1;
-        if (message.place.file == file && line >= range.start.line && line <= range.end.line) {
+        const std::int64_t line = at.line - 1;
+        if (at.file == file && line >= range.start.line && line <= range.end.line) {
             lsp::CodeAction action;
             action.title = message.note;
             action.diagnostic = DiagnosticOf(snapshot, message);

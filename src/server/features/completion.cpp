@@ -79,6 +79,7 @@ class OperandInHand {
             before + (isOpen ? "(" : "") + std::string(word) + (isOpen ? ")" : "");
         return FindFaultyOperand(CutStatement(tried)) > place;
     }
+    [[nodiscard]] bool MayBeValue() const { return May("0"); }
     /// Whether nothing is before the word in hand but a parenthesis.
     [[nodiscard]] bool IsFirstWord() const { return isFirstWord; }
     [[nodiscard]] bool IsOpen() const { return isOpen; }
@@ -108,11 +109,13 @@ void AddRegisters(const OperandInHand& operand, bool isSmall, Items* items) {
     }
     if (operand.IsOpen()) {
         std::ranges::for_each(std::array{"IX+0", "IY+0"}, add);
-    } else {
-        std::ranges::for_each(std::array{"AF'", "(HL)", "(BC)", "(DE)", "(SP)", "(C)", "(IX)",
-                                         "(IY)", "(IX+0)", "(IY+0)"},
-                              add);
+        return;
     }
+    if (!operand.MayBeValue()) {  // where AF' would be read as one
+        add("AF'");
+    }
+    std::ranges::for_each(
+        std::array{"(HL)", "(BC)", "(DE)", "(SP)", "(C)", "(IX)", "(IY)", "(IX+0)", "(IY+0)"}, add);
 }
 
 void AddOperators(bool isSmall, Items* items) {
@@ -162,7 +165,7 @@ void AddOperands(const Snapshot& snapshot, std::string_view line, const LinePref
     const OperandInHand operand(line, prefix);
     if (operand.IsFirstWord()) {
         AddRegisters(operand, isSmall, items);
-        if (operand.May("0")) {  // a value
+        if (operand.MayBeValue()) {
             AddNames(snapshot, items);
         }
         return;

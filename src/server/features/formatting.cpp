@@ -166,7 +166,11 @@ std::vector<lsp::TextEdit> FormattingEdits(const Snapshot& snapshot, std::int32_
                                            const Range& range,
                                            const lsp::FormattingOptions& options) {
     std::vector<lsp::TextEdit> edits;
-    for (const Statement* const statement : StatementsIn(snapshot, file, range)) {
+    Range lines = range;
+    if (range.end.character == 0 && range.end.line > range.start.line) {
+        --lines.end.line;  // a selection of whole lines ends at the start of the next one
+    }
+    for (const Statement* const statement : StatementsIn(snapshot, file, lines)) {
         const Place line{file, statement->line};
         LineParts parts;
         if (statement->lineCount == 1 && Cut(snapshot.Line(file, line.line), &parts)) {

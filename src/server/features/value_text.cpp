@@ -18,8 +18,8 @@ std::string ValueText(std::int32_t value) {
     if (value < -0x8000 || value > 0xFFFF) {  // only on the way to a result
         return Hex(bits, 8) + "H, " + decimal;
     }
-    const bool isByte = value >= -128 && value <= 255;
-    std::string text = isByte ? Hex(bits & 0xFF, 2) : Hex(bits & 0xFFFF, 4);
+    const bool isByte = value >= 0 && value <= 255;
+    std::string text = isByte ? Hex(bits, 2) : Hex(bits & 0xFFFF, 4);
     text += "H, " + decimal + ", ";
     text += isByte ? std::bitset<8>(bits).to_string() : std::bitset<16>(bits).to_string();
     text += "B";

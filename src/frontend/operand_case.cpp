@@ -1,0 +1,90 @@
+// Which operand a message is about: the one at the place that the core reported, or else the one
+// that the forms or the tokens show to be at fault.
+
+#include "frontend/operand_case.h"
+
+#include <algorithm>
+
+#include "codegen/keywords.h"
+#include "frontend/expression_fault.h"
+#include "frontend/instruction_forms.h"
+#include "frontend/note_steps.h"
+#include "source/char_class.h"
+
+namespace korv {
+
+const OperandView* FocusOf(const FaultView& fault) {
+    const auto& operands = fault.statement.operands;
+    const auto find = [&operands](auto isIt) -> const OperandView* {
+        const auto it = std::ranges::find_if(operands, isIt);
+        return it == operands.end() ? nullptr : &*it;
+    };
+    if (fault.part.length != 0) {
+        const OperandView* const at = find([&fault](const OperandView& each) {
+            const LinePart part = fault.statement.PartOf(each.text);
+            return fault.part.offset >= part.offset &&
+                   fault.part.offset < part.offset + part.length;
+        });
+        const std::size_t faulty = FindFaultyOperand(fault.statement);
+        const bool isNamed =
+            at != nullptr && fault.statement.PartOf(at->text).length >= fault.part.length;
+        if (isNamed && (fault.number != MSG_ILLEGAL_ARGUMENT || faulty >= operands.size())) {
+            return at;
+        }
+    }
+    switch (fault.number) {
+        case MSG_ILLEGAL_ARGUMENT:
+        case MSG_ILLEGAL_CONDITION:
+        case MSG_TOO_MANY_ARGUMENTS:
+        case MSG_ARGUMENT_EXPECTED:
+            if (const std::size_t i = FindFaultyOperand(fault.statement); i < operands.size()) {
+                return &operands[i];
+            }
+            break;
+        case MSG_UNRESOLVED:
+            if (const OperandView* const it = find([&fault](const OperandView& each) {
+                    const bool isNamed =
+                        each.what.kind == KIND_VALUE || fault.statement.mnemonic == "DJNZ";
+                    return isNamed && FindToken(each, fault.text) != nullptr;
+                })) {
+                return it;
+            }
+            break;
+        case MSG_NOT_IMMEDIATE:
+            if (const OperandView* const it =
+                    find([](const OperandView& each) { return each.what.kind == KIND_VALUE; })) {
+                return it;
+            }
+            break;
+        default:
+            break;
+    }
+    if (const OperandView* const it = find([](const OperandView& each) {
+            return each.what.kind == KIND_VALUE &&
+                   FindExpressionFault(each).fault != ExpressionFault::none;
+        })) {
+        return it;
+    }
+    return operands.size() == 1 ? operands.data() : nullptr;
+}
+
+bool HasFormWith(const StatementView& statement, const std::vector<TextEdit>& edits) {
+    const std::string line = Raised(Applied(statement.line, edits));
+    return HasForm(CutStatement(line));
+}
+
+const Token* FindToken(const OperandView& operand, std::string_view text) {
+    const auto first = operand.tokens.begin() + (operand.IsIndexed() ? 2 : 0);
+    const auto token = std::ranges::find(first, operand.tokens.end(), text, &Token::text);
+    return token == operand.tokens.end() ? nullptr : &*token;
+}
+
+bool IsNumberedLabel(const StatementView& statement) {
+    if (!HoldsWord("JP JR CALL DJNZ", statement.mnemonic) || statement.operands.empty()) {
+        return false;
+    }
+    const std::string_view text = statement.operands.back().text;
+    return text.size() == 2 && HasClass(text[0], CC_DIGIT) && (text[1] == 'F' || text[1] == 'B');
+}
+
+}  // namespace korv

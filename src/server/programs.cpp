@@ -102,6 +102,15 @@ void Programs::Analyse(Program* program) {
     ++analysisCount;
 }
 
+// The full path of the source that the configuration has; empty for none.
+std::string Programs::SourceOf(const Configuration& configuration) {
+    const std::string& source = configuration.options.source;
+    return !configuration.hasSource ? ""
+           : platform::IsAbsolutePath(source)
+               ? workspace->FullPath(source)
+               : workspace->FullPath(configuration.directory + "/" + source);
+}
+
 // The program with the source `main`, after an analysis of its present texts.
 const Programs::Key& Programs::Analysed(const Configuration& configuration,
                                         const std::string& main) {
@@ -113,7 +122,9 @@ const Programs::Key& Programs::Analysed(const Configuration& configuration,
         program.directory = configuration.directory;
         program.origin = configuration.origin;
         program.options = configuration.options;
-        program.options.source = main;
+        if (main != SourceOf(configuration)) {  // else it stays as it was written, for messages
+            program.options.source = main;
+        }
         program.options.maxErrors = mostMessages;
     }
     if (program.isStale) {
@@ -131,11 +142,7 @@ const Programs::Key& Programs::ProgramFor(const std::string& path) {
             (isFile ? "" : "settings of korv: ") + configuration.failure;
     }
     if (configuration.hasSource) {
-        const std::string& source = configuration.options.source;
-        const bool isFull = platform::IsAbsolutePath(source);
-        const Key& key =
-            Analysed(configuration,
-                     workspace->FullPath(isFull ? source : configuration.directory + "/" + source));
+        const Key& key = Analysed(configuration, SourceOf(configuration));
         if (Reads(key, path)) {
             return key;
         }

@@ -61,6 +61,7 @@ class Programs {
     using Key = std::string;  // tells a program from all others
 
     const Key& ProgramFor(const std::string& path);
+    [[nodiscard]] std::string SourceOf(const Configuration& configuration);
     const Key& Analysed(const Configuration& configuration, const std::string& main);
     void Analyse(Program* program);
     [[nodiscard]] bool Reads(const Key& key, const std::string& path) const;

@@ -1,0 +1,189 @@
+// korv-ls: whole sessions, as the client sees them, and beside korv-as on all sources of the tables.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <set>
+#include <span>
+
+#include "frontend/analyser.h"
+#include "frontend/file_store.h"
+#include "frontend/message_printer.h"
+#include "run.h"
+#include "server/programs.h"
+#include "server/server.h"
+#include "server/uri.h"
+
+namespace korv_test {
+namespace {
+
+using korv::Programs;
+
+// A client that has sent all its messages before the server reads the first one.
+class QueuedClient : public korv::Channel {
+  public:
+    std::string input;
+    std::string output;
+
+    bool IsInputWaiting() override { return true; }
+    std::size_t Read(char* buffer, std::size_t count) override {
+        const std::size_t part = std::min({count, input.size(), std::size_t{7}});  // headers and bodies come in pieces
+        input.copy(buffer, part);
+        input.erase(0, part);
+        return part;
+    }
+    bool Write(std::string_view bytes) override {
+        output += bytes;
+        return true;
+    }
+    void Send(const std::string& body) { input += "Content-Length: " + std::to_string(body.size()) + "\r\n\r\n" + body; }
+    Strings Received() {
+        Strings bodies;
+        for (std::size_t at = 0; at < output.size();) {
+            const std::size_t end = output.find("\r\n\r\n", at);
+            const std::size_t size = std::stoul(output.substr(at + 16, end - at - 16));
+            bodies.push_back(output.substr(end + 4, size));
+            at = end + 4 + size;
+        }
+        return bodies;
+    }
+};
+
+// A message without "jsonrpc", which all have.
+std::string Whole(std::string text, const std::string& here) {
+    text = ReplaceAll(text, "$URI", here);
+    return text.starts_with("{") ? "{\"jsonrpc\":\"2.0\"," + text.substr(1) : text;
+}
+
+class ServerSessionTest : public testing::TestWithParam<Block> {};
+
+TEST_P(ServerSessionTest, Holds) {
+    const TempDir directory;
+    const std::string here = korv::UriOfPath(directory.Path());
+    QueuedClient client;
+    Strings expected;
+    std::string file, end = "status 1";
+    for (const TableLine& line : GetParam()) {
+        const std::string text = line.text.substr(std::min<std::size_t>(line.text.size(), 2));
+        if (line.text.starts_with("> ")) {
+            client.Send(Whole(text, here));
+        } else if (line.text.starts_with("! ")) {
+            client.input += ReplaceAll(text, "|", "\r\n");
+        } else if (line.text.starts_with("< ")) {
+            expected.push_back(ReplaceAll(text, "$URI", here));
+        } else if (line.text.starts_with("file ")) {
+            const Strings words = Split(line.text, ' ');
+            WriteFile(words.at(1), ReplaceAll(line.text.substr(6 + words[1].size()), "|", "\n") + "\n");
+        } else if (line.text.starts_with("status ")) {
+            end = line.text;
+        } else {
+            ASSERT_TRUE(line.text.starts_with("case ")) << line.place << ": unknown line";
+        }
+    }
+    korv::Server server(&client, "VERSION");
+    const std::string status = "status " + std::to_string(server.Run());
+    EXPECT_EQ(end, status + (server.Failure().empty() ? "" : " " + server.Failure()));
+    Strings got;
+    for (const std::string& body : client.Received()) {
+        got.push_back(ReplaceAll(body, "\"jsonrpc\":\"2.0\",", ""));
+    }
+    for (std::size_t i = 0; i < std::min(got.size(), expected.size()); ++i) {
+        if (const std::size_t cut = expected[i].find("..."); cut != std::string::npos) {  // the rest does not matter
+            expected[i].resize(cut);
+            got[i].resize(std::min(cut, got[i].size()));
+        }
+    }
+    EXPECT_EQ(expected, got);
+}
+
+INSTANTIATE_TEST_SUITE_P(Tables, ServerSessionTest,
+                         testing::ValuesIn(ReadBlocks(ProjectPath("tests/server/sessions.txt"))),
+                         [](const auto& test) { return TestName(test.param); });
+
+std::string OpenMessage(const std::string& uri, const std::string& text) {
+    return R"({"method":"textDocument/didOpen","params":{"textDocument":{"uri":")" + uri + R"(","version":1,"text":")" + text + "\"}}}";
+}
+
+TEST(ServerTest, QueuedChangesAreOneAnalysisAndEachRequestSeesItsText) {
+    const TempDir directory;
+    const std::string uri = korv::UriOfPath(directory.Path() + "/a.kor");
+    QueuedClient client;
+    client.Send(R"({"id":1,"method":"initialize","params":{}})");
+    client.Send(OpenMessage(uri, "L: JP L\\n"));
+    for (int i = 2; i <= 101; ++i) {
+        client.Send(R"({"method":"textDocument/didChange","params":{"textDocument":{"uri":")" + uri + R"(","version":)" + std::to_string(i) +
+                    R"(},"contentChanges":[{"range":{"start":{"line":0,"character":0},"end":{"line":0,"character":0}},"text":"x"}]}})");
+    }
+    korv::Server server(&client, "");
+    EXPECT_EQ(1, server.Run());
+    EXPECT_EQ(1U, server.AnalysisCount());
+    const Strings received = client.Received();
+    ASSERT_EQ(2U, received.size());
+    EXPECT_TRUE(Contains(received[1], "\"version\":101") && Contains(received[1], "undefined")) << received[1];
+}
+
+TEST(ServerTest, UrisArePathsAndBack) {
+    const char* rows[][2] = {{"file:///a%20b/%C3%A4.kor", "/a b/\xC3\xA4.kor"}, {"file://host/a", "//host/a"}, {"FILE:/a%zz", "/a%zz"}, {"file://localhost/a", "/a"}};
+    for (const auto& [uri, path] : rows) {
+        EXPECT_EQ(path, korv::PathOfUri(uri));
+        EXPECT_EQ(path, korv::PathOfUri(korv::UriOfPath(path)));
+    }
+    EXPECT_EQ(std::nullopt, korv::PathOfUri("untitled:a"));
+    EXPECT_EQ(std::nullopt, korv::PathOfUri("file:///a%00"));
+    if (isWindows) {
+        EXPECT_EQ("c:/a", korv::PathOfUri("file:///c%3A/a"));
+        EXPECT_EQ("file:///C%3A/a/b", korv::UriOfPath("C:\\a\\b"));
+        EXPECT_EQ("file://host/a", korv::UriOfPath("\\\\host\\a"));
+    }
+}
+
+// What korv-as prints for the messages of one file, and what the server shows there.
+TEST(ServerTest, DiagnosticsAreTheMessagesOfKorvAs) {
+    std::size_t count = 0;
+    for (const std::string folder : {"cases", "frontend"}) {
+        for (const std::string& table : TablesIn(folder)) {
+            for (const Block& block : Contains(table, "mistakes") ? std::vector<Block>{} : ReadBlocks(table)) {
+                const Case test = ReadCase(block);
+                const auto main = test.files.find("Main.Kor");
+                if (main == test.files.end()) {
+                    continue;
+                }
+                const TempDir directory;
+                for (const auto& [name, contents] : test.files) {
+                    WriteFile(name, contents);
+                }
+                const std::string path = directory.Path() + "/Main.Kor";
+                korv::Documents documents;
+                korv::Workspace workspace(&documents);
+                Programs programs(&documents, &workspace);
+                documents.Open(path, {korv::UriOfPath(path), 1, nullptr, main->second});
+                programs.OnFilesChanged();
+                programs.Update();
+                std::multiset<std::string> shown, printed;
+                for (const auto& [file, list] : programs.Diagnostics()) {
+                    for (const korv::lsp::Diagnostic& each : list) {
+                        shown.insert(file + ":" + std::to_string(each.range.start.line + 1) + (each.isError ? " error " : " warning ") + each.message);
+                    }
+                }
+                korv::FileStore store;
+                korv::Options options;
+                options.source = "Main.Kor";
+                options.maxErrors = 0;
+                const korv::Analysis analysis = korv::Analyse(options, &store, {});
+                for (const korv::Message& message : std::span(analysis.messages).first(std::min<std::size_t>(analysis.messages.size(), 1000))) {
+                    const auto& place = message.place;
+                    printed.insert(analysis.files[static_cast<std::size_t>(std::max(place.file, 0))].text->Path() + ":" + std::to_string(std::max(place.line, 1)) +
+                                   (message.severity == korv::Severity::error ? " error " : " warning ") + message.text +
+                                   (message.detail.empty() ? "" : ": " + message.detail) + (message.note.empty() ? "" : "\nnote: " + message.note));
+                }
+                EXPECT_EQ(printed, shown) << block.front().place;
+                count += shown.size();
+            }
+        }
+    }
+    EXPECT_LT(500U, count);
+}
+
+}  // namespace
+}  // namespace korv_test

@@ -286,6 +286,25 @@ void OpenStandardStreams();
 /// From here on `stream`, a standard stream, is one of bytes, whose line ends nobody changes.
 void MakeBinary(std::FILE* stream);
 
+/// Standard input and output as a connection with another program: bytes, past the buffers of the
+/// library. From its construction on, what else the process prints on standard output is written to
+/// standard error. One at a time.
+class StandardConnection {
+  public:
+    StandardConnection();
+
+    /// Whether a `Read` has a result at once: bytes, or the end of the input.
+    [[nodiscard]] bool IsInputWaiting() const;
+    /// Reads up to `count` bytes, waiting for the first. Result: their number; 0 at the end of the
+    /// input, and when it fails.
+    [[nodiscard]] std::size_t Read(void* buffer, std::size_t count);
+    /// Writes all of `bytes`. False: that fails.
+    [[nodiscard]] bool Write(std::string_view bytes);
+
+  private:
+    FileHandle output;
+};
+
 /// Sets the title of the console's window, if there is one.
 void SetConsoleTitle(const char* title);
 

@@ -17,7 +17,8 @@ std::vector<TextEdit> CommasIn(const OperandCase& it, std::size_t first, std::si
     const std::vector<Token>& tokens = it.operand->tokens;
     std::vector<TextEdit> edits;
     for (std::size_t i = first; i < end; ++i) {
-        if (tokens[i - 1].IsValue() && tokens[i].IsValue()) {
+        const bool isAfterValue = tokens[i - 1].IsValue() || tokens[i - 1].code == OP_CLOSE;
+        if (isAfterValue && (tokens[i].IsValue() || tokens[i].code == OP_OPEN)) {
             const LinePart left = it.statement.PartOf(tokens[i - 1].text);
             const std::uint32_t start = left.offset + left.length;
             edits.push_back({{start, it.statement.PartOf(tokens[i].text).offset - start}, ","});
@@ -55,6 +56,9 @@ bool AdviseOnQuotes(OperandCase* it) {
             piece += inner[i];
             continue;
         }
+        if (piece.ends_with('\\')) {  // as in "say \"hi\""
+            piece.pop_back();
+        }
         close(false);
         i += i + 1 < inner.size() && inner[i + 1] == '"' ? std::size_t{1} : 0;
     }
@@ -87,6 +91,33 @@ bool AdviseOnDots(OperandCase* it, const Token& token) {
     return true;
 }
 
+// "XAND3": a word operator without blanks.
+bool AdviseOnGluedOperator(OperandCase* it, const Token& token) {
+    for (const std::string_view word : {"AND", "XOR", "OR", "SHL", "SHR", "MOD"}) {
+        const std::size_t at = token.text.find(word);
+        if (at == std::string_view::npos || at + word.size() == token.text.size()) {
+            continue;
+        }
+        const auto isKnown = [it](std::string_view part) {
+            const std::vector<Token> tokens = CutTokens(part);
+            return tokens.size() == 1 &&
+                   (tokens[0].kind == TokenKind::number || it->IsDefined(part));
+        };
+        const std::string_view left = token.text.substr(0, at);
+        const std::string_view right = token.text.substr(at + word.size());
+        const bool isAfterValue = &token != it->operand->tokens.data() && left.empty();
+        if ((isKnown(left) || isAfterValue) && isKnown(right)) {
+            const std::string fix = std::string(left) + (left.empty() ? "" : " ") +
+                                    std::string(word) + " " + std::string(right);
+            it->Replace(token.text, fix);
+            it->advice.note = WriteNote(it->statement, it->advice.edits) + ": " +
+                              std::string(word) + " needs blanks around it";
+            return true;
+        }
+    }
+    return false;
+}
+
 // Two values without anything between them: a comma, an operator or a semicolon is missing.
 void AdviseOnTwoValues(OperandCase* it, const Token& token) {
     const bool isData = HoldsWord(dataDirectives, it->statement.mnemonic);
@@ -106,15 +137,22 @@ void AdviseOnTwoValues(OperandCase* it, const Token& token) {
     const bool isName =
         before.kind == TokenKind::registerName || before.kind == TokenKind::condition;
     const bool isKnown = token.kind != TokenKind::name || it->IsDefined(token.text);
-    if ((isName || isKnown) && HasFormWith(it->statement, comma)) {
+    if (AdviseOnGluedOperator(it, token)) {
+        return;
+    }
+    if (!comma.empty() && (isName || isKnown) && HasFormWith(it->statement, comma)) {
         it->advice.edits = comma;
         it->advice.note = "add the comma: " + WriteNote(it->statement, comma).substr(6);
     } else if (!isKnown || before.code == OP_CLOSE) {
         it->Insert(token.text, "; ");
         it->advice.note = "begin the comment with a semicolon, or add the operator that is missing";
     } else {
-        it->advice.note =
-            "add the comma or operator that is missing, or begin a comment with a semicolon";
+        const bool isRegister =
+            isName || token.kind == TokenKind::registerName || token.kind == TokenKind::condition;
+        it->advice.note = isRegister ? "remove " + std::string(it->statement.Typed(token.text)) +
+                                           ", or begin a comment with a semicolon"
+                                     : "add the operator that is missing, or begin a comment with "
+                                       "a semicolon";
     }
 }
 
@@ -196,7 +234,10 @@ bool AdviseOnCircle(OperandCase* it, const std::string& name) {
         const StatementView definition = CutStatement(known->waitingLine);
         for (const OperandView& operand : definition.operands) {
             for (const Token& token : operand.tokens) {
-                if (token.kind == TokenKind::name && !it->IsDefined(token.text)) {
+                const bool isName = token.kind == TokenKind::name ||
+                                    token.kind == TokenKind::digitName ||
+                                    token.kind == TokenKind::other;
+                if (isName && !it->IsDefined(token.text)) {
                     next = token.text;
                 }
             }
@@ -204,31 +245,6 @@ bool AdviseOnCircle(OperandCase* it, const std::string& name) {
     }
     it->advice.isFollowOn = path.size() > 1;
     return it->advice.isFollowOn;
-}
-
-// "XAND3": a word operator without blanks.
-bool AdviseOnGluedOperator(OperandCase* it, const Token& token) {
-    for (const std::string_view word : {"AND", "XOR", "OR", "SHL", "SHR", "MOD"}) {
-        const std::size_t at = token.text.find(word, 1);
-        if (at == std::string_view::npos || at + word.size() == token.text.size()) {
-            continue;
-        }
-        const auto isKnown = [it](std::string_view part) {
-            const std::vector<Token> tokens = CutTokens(part);
-            return tokens.size() == 1 &&
-                   (tokens[0].kind == TokenKind::number || it->IsDefined(part));
-        };
-        const std::string_view left = token.text.substr(0, at);
-        const std::string_view right = token.text.substr(at + word.size());
-        if (isKnown(left) && isKnown(right)) {
-            const std::string fix =
-                std::string(left) + " " + std::string(word) + " " + std::string(right);
-            it->Replace(token.text, fix);
-            it->advice.note = "write " + fix + ": " + std::string(word) + " needs blanks around it";
-            return true;
-        }
-    }
-    return false;
 }
 
 }  // namespace
@@ -265,6 +281,12 @@ bool AdviseOnExpression(OperandCase* it) {
             note = "give the comparison a name by EQU: it has no value in brackets";
             break;
         case ExpressionFault::longString:
+            if (const std::string name = Raised(text.substr(1, text.size() - 2));
+                it->IsDefined(name)) {
+                it->Replace(token->text, name);
+                note = "write " + name + ": a name has no quotes";
+                break;
+            }
             note = "use a string of one character: only DB and DM take longer ones";
             break;
         case ExpressionFault::emptyString:
@@ -287,7 +309,10 @@ bool AdviseOnExpression(OperandCase* it) {
             note = "use at most 65535; a larger value has to be computed, as in 35000*2";
             break;
         case ExpressionFault::badToken:
-            if (!AdviseOnDots(it, *token)) {
+            if (text.ends_with('"') && std::ranges::count(text, '"') == 1) {
+                it->Insert(token->text, "\"");
+                note = "open the string with a double quote";
+            } else if (!AdviseOnDots(it, *token)) {
                 note = "use numbers, names, strings in double quotes and operators";
             }
             break;
@@ -309,12 +334,18 @@ void AdviseOnUnknownName(OperandCase* it) {
     const std::string_view text = it->fault.text;
     const Token* token = it->operand == nullptr ? nullptr : FindToken(*it->operand, text);
     if (token == nullptr && it->operand != nullptr) {
-        const auto found = std::ranges::find_if(it->operand->tokens, [it](const Token& each) {
+        bool takesDefined = false;
+        const auto isIt = [it, &takesDefined](const Token& each) {
             const bool isName = each.kind == TokenKind::name || each.kind == TokenKind::digitName ||
                                 each.kind == TokenKind::registerName ||
                                 each.kind == TokenKind::condition;
-            return isName && (!it->IsDefined(each.text) || it->fault.number == MSG_NOT_IMMEDIATE);
-        });
+            return isName && (takesDefined || !it->IsDefined(each.text));
+        };
+        auto found = std::ranges::find_if(it->operand->tokens, isIt);
+        if (found == it->operand->tokens.end() && it->fault.number == MSG_NOT_IMMEDIATE) {
+            takesDefined = true;
+            found = std::ranges::find_if(it->operand->tokens, isIt);
+        }
         token = found == it->operand->tokens.end() ? nullptr : &*found;
     }
     if (token == nullptr) {
@@ -333,6 +364,10 @@ void AdviseOnUnknownName(OperandCase* it) {
     }
     if (FindKeyword(token->text) != nullptr) {
         note = "use a name that is defined: " + name + " is an instruction";
+        return;
+    }
+    if (name == "@B" || name == "@F" || name == "@@") {
+        note = "name the label: there are no anonymous labels";
         return;
     }
     if (AdviseOnCircle(it, name) || AdviseOnGluedOperator(it, *token)) {

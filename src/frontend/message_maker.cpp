@@ -1,6 +1,7 @@
 #include "frontend/message_maker.h"
 
 #include <algorithm>
+#include <set>
 #include <utility>
 
 #include "driver/assembler.h"
@@ -47,18 +48,54 @@ std::int32_t MessageMaker::AddOpening(std::int32_t number, const Opening& openin
 }
 
 void MessageMaker::Finish() {
+    std::set<std::pair<std::int32_t, std::int32_t>> refusedLines;  // file and line of an error
+    const auto lineOf = [this](const Report& report) {
+        const auto opening = static_cast<std::size_t>(OpeningOf(report.place.file));
+        return std::pair(analysis->openings[opening].file, report.place.line);
+    };
+    for (const auto& each : pending) {
+        if (const auto* const report = std::get_if<Report>(&each); report && !report->warning) {
+            refusedLines.insert(lineOf(*report));
+        }
+    }
+    std::vector<Message> made;
     for (auto& each : std::exchange(pending, {})) {
-        if (const auto* const report = std::get_if<Report>(&each)) {
-            Make(*report);
-        } else if (auto& message = std::get<Message>(each); message.warning) {
+        const auto* const report = std::get_if<Report>(&each);
+        if (report == nullptr) {
+            made.push_back(std::move(std::get<Message>(each)));
+        } else if (!report->warning || !refusedLines.contains(lineOf(*report))) {
+            Make(*report, &made);
+        }
+    }
+    for (Message& message : made) {
+        if (message.number != 0 || !message.warning) {
+            if (message.code != "open-if" || !adviser.TakeRefusedEnd()) {
+                AddMessage(std::move(message), analysis);
+            }
+        } else if (!IsExplained(message,
+                                refusedLines.contains({message.place.file, message.place.line}))) {
             AddWarning(*warnings, std::move(message), analysis);
-        } else {
-            AddMessage(std::move(message), analysis);
         }
     }
 }
 
-void MessageMaker::Make(const Report& report) {
+// A warning about a line with an error, or about a name that an error is about, would be a second
+// message about one mistake.
+bool MessageMaker::IsExplained(const Message& warning, bool isRefused) const {
+    switch (*warning.warning) {
+        case Warning::carriageReturn:  // which explains the error
+            return false;
+        case Warning::registerLabel:
+        case Warning::numberLabel:
+            return isRefused || std::ranges::any_of(explained, [&](const std::string& name) {
+                       return warning.detail == name || warning.detail == Quoted(name);
+                   });
+        default:
+            return isRefused;
+    }
+}
+
+void MessageMaker::Make(const Report& report, std::vector<Message>* made) {
     Message message;
     message.number = report.number;
     message.code = "X" + std::to_string(report.number);
@@ -95,6 +132,7 @@ void MessageMaker::Make(const Report& report) {
     }
     message.place = PlaceOf(place);
     message.note = std::move(advice.note);
+    explained.insert(advice.explains.begin(), advice.explains.end());
     if (report.number == MSG_LABEL_WITHOUT_COLON && message.warning == Warning::keywordLabel) {
         message.text = RowOf(Warning::keywordLabel).meaning;
         message.code = RowOf(Warning::keywordLabel).name;
@@ -112,7 +150,7 @@ void MessageMaker::Make(const Report& report) {
             message.edits.push_back({part, std::move(edit.text)});
         }
     }
-    AddMessage(std::move(message), analysis);
+    made->push_back(std::move(message));
 }
 
 void MessageMaker::Warn(Warning warning, const Place& place, std::int32_t opening,

@@ -16,6 +16,10 @@ namespace korv {
 inline constexpr std::string_view numberedLabelNote =
     "name the label: there are no numbered labels, and 1B is a binary number";
 
+/// A definition whose name follows the directive, as in "EQU X,5"; empty advice if the line is
+/// none.
+[[nodiscard]] Advice AdviseOnNameSecond(const StatementView& statement);
+
 /// All else: labels, files, conditions, ranges.
 [[nodiscard]] Advice AdviseOnRest(Adviser& adviser, const FaultView& fault);
 

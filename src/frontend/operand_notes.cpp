@@ -38,6 +38,46 @@ bool AdviseOnSet(OperandCase* it) {
     return it->advice.place.has_value();
 }
 
+// "LD A;5", where a comment ends the operands, and "(IX,5)".
+bool AdviseOnComma(OperandCase* it) {
+    const StatementView& statement = it->statement;
+    const std::string_view typed = statement.typed;
+    const std::size_t end = statement.line.size();
+    const bool isShort =
+        it->fault.number == MSG_ARGUMENT_EXPECTED || it->fault.number == MSG_ILLEGAL_ARGUMENT;
+    if (isShort && end + 1 < typed.size() && typed[end] == ';' &&
+        !HasClass(typed[end + 1], CC_BLANK) && !statement.rest.empty()) {
+        std::string changed(typed);
+        changed[end] = ',';
+        const std::string line = Raised(changed.substr(0, changed.find(';')));
+        const StatementView view = CutStatement(line, changed);
+        if (HasForm(view)) {
+            it->advice.place = LinePart{static_cast<std::uint32_t>(end), 1};
+            it->advice.edits = {{*it->advice.place, ","}};
+            it->advice.note = "write a comma: a semicolon begins a comment";
+            return true;
+        }
+    }
+    for (std::size_t i = 0; i + 1 < statement.operands.size(); ++i) {
+        const std::string_view text = statement.operands[i].text;
+        if (text == "(IX" || text == "(IY") {
+            const std::string_view next = statement.operands[i + 1].text;
+            const std::size_t comma = statement.PartOf(text).offset + text.size();
+            const std::vector<TextEdit> edits = {
+                {{static_cast<std::uint32_t>(comma),
+                  static_cast<std::uint32_t>(statement.PartOf(next).offset - comma)},
+                 "+"}};
+            if (HasFormWith(statement, edits)) {
+                it->PointAt(text);
+                it->advice.edits = edits;
+                it->advice.note = WriteNote(statement, edits);
+                return true;
+            }
+        }
+    }
+    return false;
+}
+
 // A comma that is another sign, as in "LD A:5".
 bool AdviseOnSeparator(OperandCase* it) {
     const auto& operands = it->statement.operands;
@@ -98,10 +138,59 @@ bool AdviseOnChanged(OperandCase* it, const std::vector<TextEdit>& edits) {
     return true;
 }
 
+// A second instruction in the line, with or without a sign before it.
+bool AdviseOnSecondInstruction(OperandCase* it) {
+    for (const OperandView& operand : it->statement.operands) {
+        for (std::size_t i = 1; i < operand.tokens.size(); ++i) {
+            const Token& token = operand.tokens[i];
+            const Token& before = operand.tokens[i - 1];
+            const bool isSign = HoldsWord("| : \\ !", before.text) && i > 1;
+            if (token.kind == TokenKind::name && FindKeyword(token.text) != nullptr &&
+                !it->IsDefined(token.text) &&
+                (isSign || (before.IsValue() && !before.text.ends_with(':')))) {
+                const std::string_view part =
+                    isSign ? it->statement.Span(before.text, token.text) : token.text;
+                it->PointAt(part);
+                it->Replace(part, "\n\t" + std::string(it->statement.Typed(token.text)));
+                it->advice.note = "write one instruction in a line";
+                return true;
+            }
+        }
+    }
+    return false;
+}
+
+// A label with the name of a register or condition, where an address belongs.
+bool AdviseOnLabelName(OperandCase* it) {
+    const Token* const token = it->operand == nullptr ? nullptr : it->operand->OnlyToken();
+    const bool isName = token != nullptr && it->fault.number == MSG_ILLEGAL_ARGUMENT &&
+                        ClassOf(token->text).kind != KIND_VALUE && it->IsDefined(token->text);
+    if (!isName) {
+        return false;
+    }
+    const std::string name(it->statement.Typed(token->text));
+    const std::string kind = token->kind == TokenKind::condition ? "condition" : "register";
+    const std::vector<TextEdit> edits = {{it->statement.PartOf(token->text), name + "+0"}};
+    const bool isNumber = token->text == "B" || token->text == "H";
+    if (!HasFormWith(it->statement, edits)) {
+        return false;
+    }
+    it->PointAt(token->text);
+    if (isNumber) {
+        it->advice.note = "choose another name: " + name + " alone is a register, and " + name +
+                          "+0 a number without digits";
+        return true;
+    }
+    it->advice.edits = edits;
+    it->advice.note = WriteNote(it->statement, edits) + ": " + name + " alone is a " + kind;
+    return true;
+}
+
 // A spelling of another assembler.
 bool AdviseOnSpelling(OperandCase* it) {
     std::vector<const OperandView*> candidates;
-    if (it->operand != nullptr) {
+    // An operand too many may be the end of a second instruction in the line.
+    if (it->operand != nullptr && it->fault.number != MSG_TOO_MANY_ARGUMENTS) {
         candidates.push_back(it->operand);
     } else {
         for (const OperandView& each : it->statement.operands) {
@@ -232,7 +321,19 @@ bool AdviseOnBareText(OperandCase* it) {
 }
 
 bool AdviseOnShape(OperandCase* it) {
-    if (AdviseOnBareText(it)) {
+    if (AdviseOnBareText(it) || AdviseOnLabelName(it)) {
+        return true;
+    }
+    const auto& operands = it->statement.operands;
+    const bool isCondition =
+        it->fault.number == MSG_ILLEGAL_ARGUMENT && operands.size() == 2 &&
+        HoldsWord("CALL JR", it->statement.mnemonic) && operands[0].tokens.size() == 1 &&
+        operands[0].tokens[0].kind == TokenKind::name && operands[1].what.kind == KIND_VALUE;
+    if (isCondition && !it->IsDefined(operands[0].text)) {
+        it->PointAt(operands[0].text);
+        it->advice.note = it->statement.mnemonic == "JR"
+                              ? "use NZ, Z, NC or C as the condition"
+                              : "use NZ, Z, NC, C, PO, PE, P or M as the condition";
         return true;
     }
     if (!Take(it, OperandAdvice(it->statement, it->fault.number))) {
@@ -294,57 +395,93 @@ bool AdviseOnEmptyOperand(OperandCase* it) {
     return true;
 }
 
-}  // namespace
+constexpr std::size_t npos = std::string::npos;
 
-Advice AdviseOnOperands(Adviser& adviser, const FaultView& fault) {
-    OperandCase it{adviser, fault, fault.statement, FocusOf(fault)};
+std::string Sentence(const Token& token, std::string_view end) {
+    return std::string(token.text) + std::string(end);
+}
+
+// The first explanation that fits.
+void AdviseOnOperandCase(OperandCase* it) {
+    const FaultView& fault = it->fault;
     const bool isCount =
         fault.number == MSG_TOO_MANY_ARGUMENTS || fault.number == MSG_ARGUMENT_EXPECTED;
     const std::size_t faulty = FindFaultyOperand(fault.statement);
     for (const OperandView& operand : fault.statement.operands) {
         const ExpressionFault kind = FindExpressionFault(operand).fault;
         if (kind == ExpressionFault::openBracket || kind == ExpressionFault::closeBracket) {
-            it.operand = &operand;
+            it->operand = &operand;
         }
     }
-    if (it.operand != nullptr) {
-        it.PointAt(it.operand->text);
+    if (it->operand != nullptr) {
+        it->PointAt(it->operand->text);
     } else if (isCount && faulty == fault.statement.operands.size()) {
-        it.PointAt(fault.statement.mnemonic);
+        it->PointAt(fault.statement.mnemonic);
     }
     if (HoldsWord("INCLUDE BINCLUDE", fault.statement.mnemonic)) {
-        if (!AdviseOnShape(&it)) {
-            AdviseOnForms(&it);
+        if (!AdviseOnShape(it)) {
+            AdviseOnForms(it);
         }
-        return it.advice;
+        return;
     }
-    if (AdviseOnSet(&it) || AdviseOnSeparator(&it) || AdviseOnIndexHalf(&it) ||
-        AdviseOnSpelling(&it) || AdviseOnRegister(&it)) {
-        return it.advice;
+    if (AdviseOnSet(it) || AdviseOnComma(it) || AdviseOnSecondInstruction(it) ||
+        AdviseOnSeparator(it) || AdviseOnIndexHalf(it) || AdviseOnSpelling(it) ||
+        AdviseOnRegister(it)) {
+        return;
     }
-    const bool isValue = it.operand != nullptr && it.operand->what.kind == KIND_VALUE;
+    const Keyword* const keyword = fault.statement.keyword;
+    if (isCount && keyword != nullptr && keyword->operands.most == 0) {
+        it->PointAt(fault.statement.rest);
+        if (AdviseOnShape(it)) {
+            return;
+        }
+    }
+    const bool isValue = it->operand != nullptr && it->operand->what.kind == KIND_VALUE;
     const ExpressionFault kind =
-        isValue ? FindExpressionFault(*it.operand).fault : ExpressionFault::none;
+        isValue ? FindExpressionFault(*it->operand).fault : ExpressionFault::none;
     const bool isBroken = kind == ExpressionFault::twoValues ||
                           kind == ExpressionFault::openBracket ||
                           kind == ExpressionFault::closeBracket;
     const bool isData = HoldsWord("DB DEFB DW DEFW DS DEFS", fault.statement.mnemonic);
     if (isValue && (isCount || isData || isBroken || fault.number != MSG_ILLEGAL_ARGUMENT) &&
-        AdviseOnExpression(&it)) {
-        return it.advice;
+        AdviseOnExpression(it)) {
+        return;
     }
     if (fault.number == MSG_UNRESOLVED || fault.number == MSG_NOT_IMMEDIATE) {
-        AdviseOnUnknownName(&it);
-        return it.advice;
+        AdviseOnUnknownName(it);
+        return;
     }
     if (fault.number == MSG_BAD_EXPRESSION) {
-        it.advice.note = "check for a division by 0 and for names that are not values";
-        return it.advice;
+        it->advice.note = "check for a division by 0 and for names that are not values";
+        return;
     }
-    if (AdviseOnEmptyOperand(&it) || AdviseOnShape(&it) || (isValue && AdviseOnExpression(&it))) {
-        return it.advice;
+    if (AdviseOnEmptyOperand(it) || AdviseOnShape(it) || (isValue && AdviseOnExpression(it))) {
+        return;
     }
-    AdviseOnForms(&it);
+    AdviseOnForms(it);
+    return;
+}
+
+}  // namespace
+
+Advice AdviseOnOperands(Adviser& adviser, const FaultView& fault) {
+    OperandCase it{adviser, fault, fault.statement, FocusOf(fault)};
+    AdviseOnOperandCase(&it);
+    for (const OperandView& operand : fault.statement.operands) {
+        const Token* const token = operand.OnlyToken();
+        const bool isCause = token != nullptr &&
+                             (it.advice.note.find(Sentence(*token, " alone")) != npos ||
+                              it.advice.note.find("another name: " + Sentence(*token, "")) != npos);
+        if (isCause) {
+            it.advice.explains.emplace_back(token->text);
+        }
+    }
+    const Keyword* const keyword = fault.statement.keyword;
+    const bool isExcess = fault.number == MSG_ARGUMENT_EXPECTED && keyword != nullptr &&
+                          std::cmp_greater(fault.statement.operands.size(), keyword->operands.most);
+    if (isExcess) {  // ADD answers to three operands as to too few
+        it.advice.text = "too many operands";
+    }
     return it.advice;
 }
 

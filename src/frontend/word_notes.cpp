@@ -47,6 +47,11 @@ Advice AdviseOnEncoding(const StatementView& statement) {
     if (line.starts_with("\xFF\xFE") || line.starts_with("\xFE\xFF")) {
         return Say(statement, line.substr(0, 2), "save the file as plain text: it is UTF-16");
     }
+    const auto* const control = std::ranges::find_if(
+        line, [](char c) { return c == 0x7F || (c >= 0 && c < ' ' && !HasClass(c, CC_BLANK)); });
+    if (control != line.end()) {
+        return Replace(statement, {&*control, 1}, "", "remove the control character");
+    }
     if (const std::size_t at = line.find("\xC2\xA0"); at != std::string_view::npos) {
         return Replace(statement, line.substr(at, 2), " ", "replace the no-break space by a blank");
     }
@@ -62,10 +67,50 @@ Advice AdviseOnComment(const StatementView& statement) {
                            "begin the comment with a semicolon");
         }
     }
-    if (word == "#" || word == "*" || word == "/" || word == "REM" || word == "|") {
-        return Replace(statement, word, ";", "begin the comment with a semicolon");
+    const bool isLabel = statement.label == "REM" && !statement.hasColon;
+    if (isLabel || HoldsWord("# * / REM |", word)) {
+        return Replace(statement, isLabel ? statement.label : word, ";",
+                       "begin the comment with a semicolon");
     }
     return {};
+}
+
+// "* = 100H", which sets the address.
+Advice AdviseOnOrigin(const StatementView& statement) {
+    const std::string_view line = WithoutLeadingBlanks(statement.line);
+    const std::size_t at = line.find('=');
+    const bool isOrigin = at != std::string_view::npos &&
+                          HoldsWord("* . $ *. :", line.substr(0, 1)) &&
+                          WithoutLeadingBlanks(line.substr(1)).starts_with('=');
+    const std::string_view value =
+        isOrigin ? WithoutLeadingBlanks(line.substr(at + 1)) : std::string_view();
+    if (value.empty()) {
+        return {};
+    }
+    const std::string fix = "ORG " + std::string(value);
+    return Replace(statement, statement.line, " " + fix, "write " + fix + ", not in column 1");
+}
+
+// Data without a directive, as in "MSG: "text"" and "VAR: 5".
+Advice AdviseOnData(const StatementView& statement) {
+    const std::string_view word = statement.mnemonic;
+    const std::vector<Token> tokens = CutTokens(word);
+    const bool isValue = !tokens.empty() && (tokens[0].kind == TokenKind::string ||
+                                             tokens[0].kind == TokenKind::number ||
+                                             tokens[0].kind == TokenKind::openString);
+    if (!isValue || ClassOf(tokens[0].text).kind != KIND_VALUE || statement.label.empty()) {
+        return {};
+    }
+    const std::vector<TextEdit> edits = {{statement.PartOf(word.substr(0, 0)), "DB "}};
+    const std::string line = Applied(statement.line, edits);
+    if (!HasForm(CutStatement(line))) {
+        return {};
+    }
+    Advice advice;
+    advice.place = statement.PartOf(word);
+    advice.edits = edits;
+    advice.note = WriteNote(statement, edits);
+    return advice;
 }
 
 // "#define X 5", and other lines for a preprocessor.
@@ -85,10 +130,17 @@ Advice AdviseOnPreprocessor(const StatementView& statement) {
             return advice;
         }
     }
+    return AdviseOnNameSecond(statement);
+}
+
+}  // namespace
+
+Advice AdviseOnNameSecond(const StatementView& statement) {
+    const std::string_view word = statement.mnemonic;
     // "DEFC X = 5", ".EQU X,5": the name comes second, and the first word may be in column 1.
     const std::string_view first =
         word.empty() || statement.label.empty() || statement.hasColon ? word : statement.label;
-    if (HoldsWord("DEFC LET CONST .EQU .SET .DEFL VAR .VAR", first)) {
+    if (HoldsWord("EQU DEFL DEFC LET CONST .EQU .SET .DEFL VAR .VAR", first)) {
         const std::string_view text = WithoutLeadingBlanks(
             statement.line.substr(statement.PartOf(first).offset + first.size()));
         const std::string_view name = text.substr(0, text.find_first_of(" \t=,"));
@@ -105,6 +157,14 @@ Advice AdviseOnPreprocessor(const StatementView& statement) {
             return advice;
         }
     }
+    return {};
+}
+
+namespace {
+
+// Lines for a preprocessor that are no definition.
+Advice AdviseOnMark(const StatementView& statement) {
+    const std::string_view word = statement.mnemonic;
     const std::string_view plain = word.substr(std::min<std::size_t>(1, word.size()));
     const bool isOwn = FindKeyword(plain) != nullptr || plain == "IFDEF" || plain == "IFNDEF";
     if (word.front() == '#' && !isOwn) {
@@ -121,7 +181,9 @@ Advice AdviseOnName(const StatementView& statement) {
     const std::string_view word = line.substr(blanks, end - blanks);
     const bool hasColon = end < line.size() && line[end] == ':';
     const bool isWord =
-        !hasColon && (word.starts_with('.') || word.starts_with('!')) && WordAdvice(statement);
+        !hasColon && (word.starts_with('.') || word.starts_with('!')) &&
+        FindKeyword(statement.rest.substr(0, statement.rest.find_first_of(" \t"))) == nullptr &&
+        WordAdvice(statement);
     if (word.empty() || (!hasColon && blanks > 0) || isWord) {
         return {};
     }
@@ -171,8 +233,16 @@ Advice AdviseOnJoinedWords(const StatementView& statement) {
             continue;
         }
         const bool isWord = HasClass(word[size], CC_LETTER);
-        const LinePart gap{statement.PartOf(word).offset + static_cast<std::uint32_t>(size), 0};
-        const std::vector<TextEdit> edits = {{gap, " "}};
+        if (word[size] == '.' && !HoldsWord(".B .W .L .S", word.substr(size))) {
+            continue;
+        }
+        const bool isSign = word[size] == '=' || word[size] == ':';       // "ORG=100H"
+        const bool isSize = HoldsWord(".B .W .L .S", word.substr(size));  // "DS.B 5"
+        const LinePart gap{statement.PartOf(word).offset + static_cast<std::uint32_t>(size),
+                           isSize   ? std::uint32_t{2}
+                           : isSign ? std::uint32_t{1}
+                                    : 0};
+        const std::vector<TextEdit> edits = {{gap, isSize ? "" : " "}};
         const std::string line = Applied(statement.line, edits);
         const StatementView changed = CutStatement(line);
         const bool isPlain = std::ranges::none_of(changed.operands, [](const OperandView& operand) {
@@ -210,8 +280,18 @@ std::string_view NearestKeyword(const StatementView& statement, std::string_view
 // A statement that begins in column 1, where only labels do.
 Advice AdviseOnColumn(const StatementView& statement) {
     const std::string_view label = statement.label;
-    if (label.empty() || statement.hasColon) {
+    const bool isKeyword = FindKeyword(label) != nullptr;
+    if (label.empty() || (statement.hasColon && !isKeyword)) {
         return {};
+    }
+    if (statement.hasColon) {  // "LD: A,5"
+        const std::vector<TextEdit> edits = {{{0, static_cast<std::uint32_t>(label.size()) + 1},
+                                              " " + std::string(statement.Typed(label))}};
+        Advice advice;
+        advice.place = statement.PartOf(label);
+        advice.edits = edits;
+        advice.note = WriteNote(statement, edits) + ", not in column 1";
+        return advice;
     }
     const std::string line = " " + std::string(statement.line);
     const StatementView indented = CutStatement(line);
@@ -222,9 +302,12 @@ Advice AdviseOnColumn(const StatementView& statement) {
         advice.note = "indent " + std::string(label) + ": only labels begin in column 1";
         return advice;
     }
-    if (const auto foreign = WordAdvice(indented); foreign && !foreign->edits.empty()) {
-        advice.edits = {{statement.PartOf(statement.line), " " + foreign->edits[0].text}};
-        advice.note = foreign->note + ", not in column 1";
+    if (const auto foreign = WordAdvice(indented); foreign) {
+        advice.note = foreign->note;
+        if (!foreign->edits.empty()) {
+            advice.edits = {{statement.PartOf(statement.line), " " + foreign->edits[0].text}};
+            advice.note += ", not in column 1";
+        }
         return advice;
     }
     if (const std::string_view near = NearestKeyword(indented, indented.mnemonic); !near.empty()) {
@@ -258,6 +341,14 @@ Advice AdviseOnDefinition(const StatementView& statement) {
         value = statement.Span(sign.substr(start), value.empty() ? sign : value);  // "X =5"
         sign = sign.substr(0, start);
     }
+    if (sign == "=" && statement.label.empty() && ClassOf(name).kind != KIND_VALUE) {
+        const std::string fix =
+            "LD " + std::string(statement.Typed(name)) + "," + std::string(statement.Typed(value));
+        const std::string changed = " " + Raised(fix);
+        if (HasForm(CutStatement(changed))) {
+            return Replace(statement, statement.Span(word, statement.rest), fix, "write " + fix);
+        }
+    }
     const bool isSign = HoldsWord(
         "= := == EQU DEFL SET ASET VAR CONST EQUS EQ .EQU .SET .DEFL DEFINE DEFC IS", sign);
     if (!isSign || !IsNameText(name) || WithoutLeadingBlanks(value).empty()) {
@@ -280,8 +371,8 @@ Advice AdviseOnDefinition(const StatementView& statement) {
 Advice AdviseOnWord(const FaultView& fault) {
     const StatementView& statement = fault.statement;
     const std::string_view word = statement.mnemonic;
-    for (const auto step : {AdviseOnEncoding, AdviseOnComment, AdviseOnPreprocessor,
-                            AdviseOnDefinition, AdviseOnName}) {
+    for (const auto step : {AdviseOnEncoding, AdviseOnOrigin, AdviseOnComment, AdviseOnPreprocessor,
+                            AdviseOnMark, AdviseOnDefinition, AdviseOnName}) {
         if (Advice advice = step(statement); advice.place) {
             return advice;
         }
@@ -300,6 +391,18 @@ Advice AdviseOnWord(const FaultView& fault) {
     }
     if (isLabel && IsNameText(word.substr(0, word.size() - 1))) {
         const std::size_t blanks = statement.PartOf(word).offset;
+        if (!statement.label.empty() && !statement.hasColon) {
+            const std::string_view both = statement.Span(statement.label, word);
+            std::string name(statement.Typed(statement.label));
+            name += '_' + std::string(statement.Typed(word.substr(0, word.size() - 1)));
+            Advice joined =
+                Replace(statement, both, name,
+                        "write " + name + " here and where it is used: a name has no blanks");
+            joined.definesName = true;
+            joined.names.push_back(std::string(statement.label) +
+                                   std::string(word.substr(0, word.size() - 1)));
+            return joined;
+        }
         if (!statement.label.empty()) {
             return Replace(statement, word.substr(0, 0), "\n",
                            "put the second label on a line of its own");
@@ -325,7 +428,7 @@ Advice AdviseOnWord(const FaultView& fault) {
         advice.edits = row->edits;
         return advice;
     }
-    for (const auto step : {AdviseOnColumn, AdviseOnJoinedWords}) {
+    for (const auto step : {AdviseOnColumn, AdviseOnJoinedWords, AdviseOnData}) {
         if (Advice found = step(statement); found.place) {
             return found;
         }

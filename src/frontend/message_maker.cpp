@@ -63,7 +63,8 @@ void MessageMaker::Finish() {
         const auto* const report = std::get_if<Report>(&each);
         if (report == nullptr) {
             made.push_back(std::move(std::get<Message>(each)));
-        } else if (!report->warning || !refusedLines.contains(lineOf(*report))) {
+        } else if (report->warning != Warning::emptyOperand ||
+                   !refusedLines.contains(lineOf(*report))) {
             Make(*report, &made);
         }
     }
@@ -79,19 +80,19 @@ void MessageMaker::Finish() {
     }
 }
 
-// A warning about a line with an error, or about a name that an error is about, would be a second
-// message about one mistake.
+// A warning about a condition or a name that an error is about would be a second message about one
+// mistake.
 bool MessageMaker::IsExplained(const Message& warning, bool isRefused) const {
     switch (*warning.warning) {
-        case Warning::carriageReturn:  // which explains the error
-            return false;
+        case Warning::condition:
+            return isRefused;
         case Warning::registerLabel:
         case Warning::numberLabel:
             return isRefused || std::ranges::any_of(explained, [&](const std::string& name) {
                        return warning.detail == name || warning.detail == Quoted(name);
                    });
         default:
-            return isRefused;
+            return false;
     }
 }
 

@@ -27,4 +27,14 @@ inline constexpr std::string_view numberedLabelNote =
 /// the line is none.
 [[nodiscard]] Advice AdviseOnDefinition(const StatementView& statement);
 
+/// "#define X 5", and what `AdviseOnNameSecond` gives.
+[[nodiscard]] Advice AdviseOnPreprocessor(const StatementView& statement);
+
+/// Whether `text` can be a name.
+[[nodiscard]] bool IsNameText(std::string_view text);
+
+/// Advice at `part`, which is to become `text`.
+[[nodiscard]] Advice Replace(const StatementView& statement, std::string_view part,
+                             std::string text, std::string note);
+
 }  // namespace korv

@@ -1,4 +1,4 @@
-// Expressions without a value: tokens that do not fit together, and names that nothing defines.
+// Expressions whose tokens do not fit together.
 
 #include <algorithm>
 
@@ -17,7 +17,8 @@ std::vector<TextEdit> CommasIn(const OperandCase& it, std::size_t first, std::si
     const std::vector<Token>& tokens = it.operand->tokens;
     std::vector<TextEdit> edits;
     for (std::size_t i = first; i < end; ++i) {
-        if (tokens[i - 1].IsValue() && tokens[i].IsValue()) {
+        const bool isAfterValue = tokens[i - 1].IsValue() || tokens[i - 1].code == OP_CLOSE;
+        if (isAfterValue && (tokens[i].IsValue() || tokens[i].code == OP_OPEN)) {
             const LinePart left = it.statement.PartOf(tokens[i - 1].text);
             const std::uint32_t start = left.offset + left.length;
             edits.push_back({{start, it.statement.PartOf(tokens[i].text).offset - start}, ","});
@@ -54,6 +55,9 @@ bool AdviseOnQuotes(OperandCase* it) {
         if (inner[i] != '"') {
             piece += inner[i];
             continue;
+        }
+        if (piece.ends_with('\\')) {  // as in "say \"hi\""
+            piece.pop_back();
         }
         close(false);
         i += i + 1 < inner.size() && inner[i + 1] == '"' ? std::size_t{1} : 0;
@@ -106,15 +110,22 @@ void AdviseOnTwoValues(OperandCase* it, const Token& token) {
     const bool isName =
         before.kind == TokenKind::registerName || before.kind == TokenKind::condition;
     const bool isKnown = token.kind != TokenKind::name || it->IsDefined(token.text);
-    if ((isName || isKnown) && HasFormWith(it->statement, comma)) {
+    if (AdviseOnGluedOperator(it, token)) {
+        return;
+    }
+    if (!comma.empty() && (isName || isKnown) && HasFormWith(it->statement, comma)) {
         it->advice.edits = comma;
         it->advice.note = "add the comma: " + WriteNote(it->statement, comma).substr(6);
     } else if (!isKnown || before.code == OP_CLOSE) {
         it->Insert(token.text, "; ");
         it->advice.note = "begin the comment with a semicolon, or add the operator that is missing";
     } else {
-        it->advice.note =
-            "add the comma or operator that is missing, or begin a comment with a semicolon";
+        const bool isRegister =
+            isName || token.kind == TokenKind::registerName || token.kind == TokenKind::condition;
+        it->advice.note = isRegister ? "remove " + std::string(it->statement.Typed(token.text)) +
+                                           ", or begin a comment with a semicolon"
+                                     : "add the operator that is missing, or begin a comment with "
+                                       "a semicolon";
     }
 }
 
@@ -173,68 +184,8 @@ void AdviseOnNoLeft(OperandCase* it, const Token& token) {
     it->Replace(part, number);
 }
 
-// An EQU that depends on itself. A chain that ends at an unknown name is explained there.
-bool AdviseOnCircle(OperandCase* it, const std::string& name) {
-    if (it->statement.mnemonic == "EQU" && it->statement.label == name) {
-        it->advice.note = "give " + name + " a value: it depends on itself";
-        return true;
-    }
-    std::vector<std::string> path;
-    for (std::string next = name; !next.empty() && path.size() < 32;) {
-        if (std::ranges::find(path, next) != path.end()) {
-            it->advice.note = "give " + next + " a value: it depends on itself";
-            it->advice.names = path;
-            it->advice.definesName = true;
-            return true;
-        }
-        path.push_back(next);
-        const auto known = it->adviser.Facts().FindName(next);
-        next.clear();
-        if (!known || known->waitingLine.empty()) {
-            break;
-        }
-        const StatementView definition = CutStatement(known->waitingLine);
-        for (const OperandView& operand : definition.operands) {
-            for (const Token& token : operand.tokens) {
-                if (token.kind == TokenKind::name && !it->IsDefined(token.text)) {
-                    next = token.text;
-                }
-            }
-        }
-    }
-    it->advice.isFollowOn = path.size() > 1;
-    return it->advice.isFollowOn;
-}
-
-// "XAND3": a word operator without blanks.
-bool AdviseOnGluedOperator(OperandCase* it, const Token& token) {
-    for (const std::string_view word : {"AND", "XOR", "OR", "SHL", "SHR", "MOD"}) {
-        const std::size_t at = token.text.find(word, 1);
-        if (at == std::string_view::npos || at + word.size() == token.text.size()) {
-            continue;
-        }
-        const auto isKnown = [it](std::string_view part) {
-            const std::vector<Token> tokens = CutTokens(part);
-            return tokens.size() == 1 &&
-                   (tokens[0].kind == TokenKind::number || it->IsDefined(part));
-        };
-        const std::string_view left = token.text.substr(0, at);
-        const std::string_view right = token.text.substr(at + word.size());
-        if (isKnown(left) && isKnown(right)) {
-            const std::string fix =
-                std::string(left) + " " + std::string(word) + " " + std::string(right);
-            it->Replace(token.text, fix);
-            it->advice.note = "write " + fix + ": " + std::string(word) + " needs blanks around it";
-            return true;
-        }
-    }
-    return false;
-}
-
 }  // namespace
 
-// The token `text` in the expression of `operand`, which the name of an index register is no part
-// of.
 // An expression that is no expression.
 bool AdviseOnExpression(OperandCase* it) {
     if (it->operand == nullptr) {
@@ -265,6 +216,12 @@ bool AdviseOnExpression(OperandCase* it) {
             note = "give the comparison a name by EQU: it has no value in brackets";
             break;
         case ExpressionFault::longString:
+            if (const std::string name = Raised(text.substr(1, text.size() - 2));
+                it->IsDefined(name)) {
+                it->Replace(token->text, name);
+                note = "write " + name + ": a name has no quotes";
+                break;
+            }
             note = "use a string of one character: only DB and DM take longer ones";
             break;
         case ExpressionFault::emptyString:
@@ -287,7 +244,10 @@ bool AdviseOnExpression(OperandCase* it) {
             note = "use at most 65535; a larger value has to be computed, as in 35000*2";
             break;
         case ExpressionFault::badToken:
-            if (!AdviseOnDots(it, *token)) {
+            if (text.ends_with('"') && std::ranges::count(text, '"') == 1) {
+                it->Insert(token->text, "\"");
+                note = "open the string with a double quote";
+            } else if (!AdviseOnDots(it, *token)) {
                 note = "use numbers, names, strings in double quotes and operators";
             }
             break;
@@ -302,75 +262,6 @@ bool AdviseOnExpression(OperandCase* it) {
             break;
     }
     return true;
-}
-
-// A name that has no value.
-void AdviseOnUnknownName(OperandCase* it) {
-    const std::string_view text = it->fault.text;
-    const Token* token = it->operand == nullptr ? nullptr : FindToken(*it->operand, text);
-    if (token == nullptr && it->operand != nullptr) {
-        const auto found = std::ranges::find_if(it->operand->tokens, [it](const Token& each) {
-            const bool isName = each.kind == TokenKind::name || each.kind == TokenKind::digitName ||
-                                each.kind == TokenKind::registerName ||
-                                each.kind == TokenKind::condition;
-            return isName && (!it->IsDefined(each.text) || it->fault.number == MSG_NOT_IMMEDIATE);
-        });
-        token = found == it->operand->tokens.end() ? nullptr : &*found;
-    }
-    if (token == nullptr) {
-        return;
-    }
-    it->PointAt(token->text);
-    const std::string name(token->text);
-    std::string& note = it->advice.note;
-    if (token->kind == TokenKind::registerName || token->kind == TokenKind::condition) {
-        const bool isSum = std::ranges::any_of(it->operand->tokens, [](const Token& each) {
-            return each.code == OP_PLUS || each.code == OP_MINUS;
-        });
-        note = (isSum ? "add with ADD, INC, SUB or DEC: " : "use a number or a name: ") + name +
-               " is a register or condition, and expressions have none";
-        return;
-    }
-    if (FindKeyword(token->text) != nullptr) {
-        note = "use a name that is defined: " + name + " is an instruction";
-        return;
-    }
-    if (AdviseOnCircle(it, name) || AdviseOnGluedOperator(it, *token)) {
-        return;
-    }
-    if (const auto known = it->adviser.Facts().FindName(token->text); known && known->hasValue) {
-        note = "define " + name + " above this line: " + std::string(it->statement.mnemonic) +
-               " needs its value at once";
-        return;
-    }
-    if (const std::string_view near = it->adviser.NearestName(token->text); !near.empty()) {
-        it->Replace(token->text, std::string(near));
-        note = "did you mean " + std::string(near) + "?";
-        return;
-    }
-    if (token->kind == TokenKind::digitName) {
-        note = "begin the name with a letter, or write a number as 255, 0FFH, $FF, 1010B or %1010";
-        return;
-    }
-    if (std::string digits = name; name.front() == 'O' || name.front() == 'L') {
-        digits.front() = name.front() == 'O' ? '0' : '1';
-        std::ranges::replace(digits, 'O', '0');
-        const std::vector<Token> tokens = CutTokens(digits);
-        if (tokens.size() == 1 && tokens[0].kind == TokenKind::number) {
-            it->Replace(token->text, digits);
-            note = "write " + digits + ": " + name.substr(0, 1) + " is a letter";
-            return;
-        }
-    }
-    if (const std::string number = NumberSpelling("0X" + name);
-        !number.empty() && name.size() % 2 == 0) {
-        it->Replace(token->text, number);
-        note = "write " + number + " if it is hexadecimal";
-        return;
-    }
-    if (it->fault.number == MSG_NOT_IMMEDIATE || HoldsWord("IF COND", it->statement.mnemonic)) {
-        note = "define " + name + " above this line, or by -D " + name + "=1";
-    }
 }
 
 }  // namespace korv

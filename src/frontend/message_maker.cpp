@@ -1,6 +1,7 @@
 #include "frontend/message_maker.h"
 
 #include <algorithm>
+#include <set>
 #include <utility>
 
 #include "driver/assembler.h"
@@ -50,46 +51,91 @@ std::int32_t MessageMaker::AddOpening(std::int32_t number, const Opening& openin
 }
 
 void MessageMaker::Finish() {
+    std::set<std::pair<std::int32_t, std::int32_t>> refusedLines;  // file and line of an error
+    const auto lineOf = [this](const Report& report) {
+        const auto opening = static_cast<std::size_t>(OpeningOf(report.place.file));
+        return std::pair(analysis->openings[opening].file, report.place.line);
+    };
+    for (const auto& each : pending) {
+        if (const auto* const report = std::get_if<Report>(&each); report && !report->warning) {
+            refusedLines.insert(lineOf(*report));
+        }
+    }
+    std::vector<Message> made;
     for (auto& each : std::exchange(pending, {})) {
-        if (const auto* const report = std::get_if<Report>(&each)) {
-            Make(*report);
-        } else if (auto& message = std::get<Message>(each); message.warning) {
+        const auto* const report = std::get_if<Report>(&each);
+        if (report == nullptr) {
+            made.push_back(std::move(std::get<Message>(each)));
+        } else if (report->warning != Warning::emptyOperand ||
+                   !refusedLines.contains(lineOf(*report))) {
+            Make(*report, &made);
+        }
+    }
+    for (Message& message : made) {
+        if (message.number != 0 || !message.warning) {
+            if (message.code != "open-if" || !adviser.TakeRefusedEnd()) {
+                AddMessage(std::move(message), analysis);
+            }
+        } else if (!IsExplained(message,
+                                refusedLines.contains({message.place.file, message.place.line}))) {
             AddWarning(*warnings, std::move(message), analysis);
-        } else {
-            AddMessage(std::move(message), analysis);
         }
     }
 }
 
-void MessageMaker::Make(const Report& report) {
+// A warning about a condition or a name that an error is about would be a second message about one
+// mistake.
+bool MessageMaker::IsExplained(const Message& warning, bool isRefused) const {
+    switch (*warning.warning) {
+        case Warning::condition:
+            return isRefused;
+        case Warning::registerLabel:
+        case Warning::numberLabel:
+            return isRefused || std::ranges::any_of(explained, [&](const std::string& name) {
+                       return warning.detail == name || warning.detail == Quoted(name);
+                   });
+        default:
+            return false;
+    }
+}
+
+void MessageMaker::Make(const Report& report, std::vector<Message>* made) {
     if (report.warning && !warnings->IsOn(*report.warning)) {
         return;
     }
     Message message;
     message.severity =
         report.warning && !warnings->IsError(*report.warning) ? Severity::warning : Severity::error;
-    if (!IsOpen()) {  // it is only counted
-        AddMessage(std::move(message), analysis);
+    message.number = report.number;
+    if (analysis->errorLimit != 0 && errorsMade >= analysis->errorLimit) {  // it is only counted
+        made->push_back(std::move(message));
         return;
     }
-    message.number = report.number;
+    errorsMade += message.severity == Severity::error ? 1 : 0;
     message.code = "X" + std::to_string(report.number);
     message.text = MessageText(report.number);
     message.detail = DetailOf(report.text);
     message.opening = OpeningOf(report.place.file);
     message.warning = report.warning;
-    const auto id = static_cast<std::int32_t>(statementIds.size());
+    const auto count = static_cast<std::int32_t>(statements.size());
+    auto& [id, reports] =
+        statements.try_emplace({report.place.file, report.place.line}, count, 0).first->second;
+    // Each advice looks at all operands. Nobody reads so many messages about one line.
+    constexpr std::int32_t mostAdvised = 50;
+    if (++reports > mostAdvised) {
+        message.place = PlaceOf(report.place);
+        made->push_back(std::move(message));
+        return;
+    }
     const StatementView& statement = StatementAt(report.place);
-    const FaultView fault{
-        .number = report.number,
-        .isError = message.severity == Severity::error,
-        .isLate = report.isLate,
-        .statement = statement,
-        .part = {report.place.offset, report.place.length},
-        .text = report.text,
-        .statementId =
-            statementIds.try_emplace({report.place.file, report.place.line}, id).first->second,
-        .isSkipped = report.isSkipped};
+    const FaultView fault{.number = report.number,
+                          .isError = message.severity == Severity::error,
+                          .isLate = report.isLate,
+                          .statement = statement,
+                          .part = {report.place.offset, report.place.length},
+                          .text = report.text,
+                          .statementId = id,
+                          .isSkipped = report.isSkipped};
     Advice advice = adviser.AdviceFor(fault);
     if (advice.isFollowOn) {
         return;
@@ -101,6 +147,7 @@ void MessageMaker::Make(const Report& report) {
     }
     message.place = PlaceOf(place);
     message.note = std::move(advice.note);
+    explained.insert(advice.explains.begin(), advice.explains.end());
     if (report.number == MSG_LABEL_WITHOUT_COLON && message.warning == Warning::keywordLabel) {
         message.text = RowOf(Warning::keywordLabel).meaning;
         message.code = RowOf(Warning::keywordLabel).name;
@@ -118,7 +165,7 @@ void MessageMaker::Make(const Report& report) {
             message.edits.push_back({part, std::move(edit.text)});
         }
     }
-    AddMessage(std::move(message), analysis);
+    made->push_back(std::move(message));
 }
 
 void MessageMaker::Warn(Warning warning, const Place& place, std::int32_t opening,

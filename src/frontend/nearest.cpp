@@ -5,6 +5,8 @@
 #include <bit>
 #include <cstdlib>
 
+#include "source/char_class.h"
+
 namespace korv {
 namespace {
 
@@ -16,6 +18,13 @@ std::uint64_t LettersOf(std::string_view word) {
         letters |= std::uint64_t{1} << (static_cast<unsigned char>(c) % 64);
     }
     return letters;
+}
+
+// Names that are numbered, as ROUT1 and ROUT2, are different ones.
+bool DifferInDigit(std::string_view a, std::string_view b) {
+    const auto [one, other] = std::ranges::mismatch(a, b);
+    return a.size() == b.size() && one != a.end() && HasClass(*one, CC_DIGIT) &&
+           HasClass(*other, CC_DIGIT);
 }
 
 }  // namespace
@@ -54,7 +63,7 @@ std::string_view NearWords::Find(std::string_view word,
     const std::size_t limit = std::min(word.size() / 3, furthest);
     const std::uint64_t letters = LettersOf(word);
     std::string_view found;
-    std::size_t best = 4 * (limit + 1);  // below it: the distance in quarters
+    std::size_t best = 8 * (limit + 1);  // below it: the distance in eighths
     if (limit == 0 || word.size() > longestCompared) {
         return found;
     }
@@ -75,12 +84,12 @@ std::string_view NearWords::Find(std::string_view word,
             budget -= costOfComparison;
             const bool isOther = word.front() != entry.word.front();
             const std::size_t steps = EditDistance(word, entry.word);
-            if (steps > limit) {
+            if (steps > limit || DifferInDigit(word, entry.word)) {
                 continue;
             }
-            const std::size_t rank =
-                4 * steps + (preferred && !preferred(entry.word) ? 2 : 0) + (isOther ? 1 : 0);
-            if (rank < best) {
+            const std::size_t rank = 8 * steps + (preferred && !preferred(entry.word) ? 4 : 0) +
+                                     (isOther ? 2 : 0) + (entry.letters != letters ? 1 : 0);
+            if (rank < best || (rank == best && entry.word.starts_with(word))) {
                 best = rank;
                 found = entry.word;
             }

@@ -72,7 +72,16 @@ std::string Shown(char kind, std::string_view text) {
         case 'x':
             return std::string(text.substr(std::min<std::size_t>(1, text.size())));
         case 'm':
-            return raised == "M" ? cased("(HL)") : std::string(text);
+            return raised == "M" ? cased("(HL)")
+                                 : std::string(text.substr(text.starts_with('#') ? 1 : 0));
+        case 'b': {  // a text whose last character has bit 7 set
+            const bool isText = text.size() > 2 && text.front() == '"' && text.back() == '"';
+            if (!isText) {
+                return std::string(text);
+            }
+            const std::string start(text.substr(0, text.size() - 2));
+            return (text.size() > 3 ? start + "\"," : "") + '"' + text[text.size() - 2] + "\"+128";
+        }
         case 'p':
             return cased(PairOf8080(raised));
         case 'q':
@@ -99,7 +108,7 @@ std::string Filled(std::string_view pattern, const StatementView& statement, con
         }
         const char letter = pattern[++i];
         const bool hasNumber = i + 1 < pattern.size() && HasClass(pattern[i + 1], CC_DIGIT) &&
-                               std::string_view("impqhlnx").find(letter) != std::string_view::npos;
+                               std::string_view("bimpqhlnx").find(letter) != std::string_view::npos;
         if (letter == 'w') {
             text += statement.Typed(statement.mnemonic);
         } else if (letter == 'r') {
@@ -130,10 +139,12 @@ Texts TextsOf(const StatementView& statement) {
 // A statement for a sentence: several lines of it in one.
 std::string InOneLine(std::string_view text) {
     std::string line;
+    bool isString = false;
     for (const char c : text) {
+        isString = isString != (c == '"');
         if (c == '\n') {
             line += " and ";
-        } else if (c != '\t') {
+        } else if (c != '\t' && (c != ' ' || isString || !line.ends_with(' '))) {
             line += c;
         }
     }
@@ -250,6 +261,17 @@ bool HoldsNumber(std::string_view numbers, Status number) {
     return HoldsWord(numbers, std::to_string(number));
 }
 
+std::string FirstWord(std::string_view text) {
+    return std::string(text.substr(0, text.find_first_of(" \t")));
+}
+
+// Whether a statement that is to be proposed has a form. Directives take what they are given.
+bool IsForm(std::string_view text) {
+    const std::string line = " " + Raised(text);
+    const StatementView statement = CutStatement(line);
+    return statement.mnemonic != "LD" || HasForm(statement);
+}
+
 }  // namespace
 
 TextEdit NewStatement(const StatementView& statement, std::string text) {
@@ -283,6 +305,10 @@ std::optional<RowAdvice> WordAdvice(const StatementView& statement) {
     const auto count = static_cast<int>(changed.operands.size());
     const auto advice = [&](std::string_view note, std::string_view fix) {
         RowAdvice found = AdviceOf(note, fix, changed, TextsOf(changed));
+        if (!found.edits.empty() && !IsForm(found.edits[0].text)) {
+            return RowAdvice{
+                "use " + FirstWord(found.edits[0].text) + " with operands of the Z80", {}, {}};
+        }
         if (!found.edits.empty()) {  // which does not begin in column 1 as a label does
             const bool isFirst = statement.PartOf(statement.mnemonic).offset == 0;
             found.edits = {NewStatement(statement, (isFirst ? " " : "") + found.edits[0].text)};

@@ -16,11 +16,25 @@ namespace korv {
 inline constexpr std::string_view numberedLabelNote =
     "name the label: there are no numbered labels, and 1B is a binary number";
 
+/// A definition whose name follows the directive, as in "EQU X,5"; empty advice if the line is
+/// none.
+[[nodiscard]] Advice AdviseOnNameSecond(const StatementView& statement);
+
 /// All else: labels, files, conditions, ranges.
 [[nodiscard]] Advice AdviseOnRest(Adviser& adviser, const FaultView& fault);
 
 /// A definition that is written as in another assembler, or in the wrong column; empty advice if
 /// the line is none.
 [[nodiscard]] Advice AdviseOnDefinition(const StatementView& statement);
+
+/// "#define X 5", and what `AdviseOnNameSecond` gives.
+[[nodiscard]] Advice AdviseOnPreprocessor(const StatementView& statement);
+
+/// Whether `text` can be a name.
+[[nodiscard]] bool IsNameText(std::string_view text);
+
+/// Advice at `part`, which is to become `text`.
+[[nodiscard]] Advice Replace(const StatementView& statement, std::string_view part,
+                             std::string text, std::string note);
 
 }  // namespace korv

@@ -34,10 +34,10 @@ bool Overlap(const LinePart& a, const LinePart& b) {
 
 // Whether the value that a message is about may be wrong because of a name in it.
 bool IsAboutValue(Status number) {
-    constexpr std::array numbers = {MSG_UNRESOLVED,     MSG_BAD_EXPRESSION,    MSG_ILLEGAL_ARGUMENT,
-                                    MSG_NOT_IMMEDIATE,  MSG_NOT_SIGNED_BYTE,   MSG_NOT_WORD,
-                                    MSG_NOT_BYTE,       MSG_NOT_UNSIGNED_BYTE, MSG_OFFSET_TOO_BIG,
-                                    MSG_NOT_SIGNED_WORD};
+    constexpr std::array numbers = {
+        MSG_UNRESOLVED,      MSG_BAD_EXPRESSION,  MSG_ILLEGAL_ARGUMENT, MSG_NOT_IMMEDIATE,
+        MSG_NOT_SIGNED_BYTE, MSG_NOT_WORD,        MSG_NOT_BYTE,         MSG_NOT_UNSIGNED_BYTE,
+        MSG_OFFSET_TOO_BIG,  MSG_NOT_SIGNED_WORD, MSG_GENERAL_FAILURE,  MSG_BAD_NUMBER};
     return std::ranges::find(numbers, number) != numbers.end();
 }
 
@@ -48,7 +48,11 @@ constexpr std::string_view blockStarts =
 constexpr std::string_view blockEnds =
     "ENDM MEND MACEND ENDMACRO ENDR EDUP WEND ENDW NEXT ENDS ENDSTRUCT ENDUNION ENDMODULE ENDMOD "
     "DEPHASE UNPHASE "
-    "ENDSCOPE ENDP ENDNAMESPACE ENT EXITM";
+    "ENDSCOPE ENDP ENDNAMESPACE ENT EXITM UNTIL ENDREPEAT ENDREP ENDREPT ENDWHILE ENDFOR ENDU "
+    "ENDSTRUC ENDPROC";
+
+// Directives whose operands are names that other files would define.
+constexpr std::string_view importDirectives = "EXTRN EXTERN EXTERNAL EXT XREF GLOBAL GLOBL XLIB";
 
 // Without the marks that other assemblers put before directives.
 std::string_view Plain(std::string_view word) {
@@ -60,7 +64,41 @@ bool IsCondition(std::string_view word) {
     return Plain(word).starts_with("IF") || word == "COND";
 }
 
+// Whether the statement was to end a condition: as it is, or by the change that is proposed.
+bool EndsCondition(const FaultView& fault, const Advice& advice) {
+    const StatementView& statement = fault.statement;
+    constexpr std::string_view ends = "ENDIF ENDC";
+    const bool isProposed = std::ranges::any_of(advice.edits, [](const TextEdit& edit) {
+        return HoldsWord(ends, WithoutLeadingBlanks(Raised(edit.text)));
+    });
+    return isProposed || HoldsWord(ends, statement.mnemonic) ||
+           (fault.number == MSG_RESERVED_NAME && HoldsWord(ends, statement.label));
+}
+
 }  // namespace
+
+bool Adviser::TakeRefusedEnd() {
+    if (refusedEnds == 0) {
+        return false;
+    }
+    --refusedEnds;
+    return true;
+}
+
+// A comment of several lines, as other assemblers have it.
+void Adviser::RememberComment(const StatementView& statement) {
+    const std::string_view line = WithoutLeadingBlanks(statement.line);
+    if (line.starts_with("/*")) {
+        commentEnd = "*/";
+    } else if (Plain(statement.mnemonic) == "COMMENT" && !statement.rest.empty()) {
+        commentEnd = statement.rest.substr(0, 1);
+    }
+    const std::string_view after =
+        line.substr(std::min(line.size(), line.find(commentEnd) + commentEnd.size()));
+    if (after.find(commentEnd) != std::string_view::npos) {
+        commentEnd.clear();
+    }
+}
 
 std::string_view Adviser::NearestName(std::string_view name) {
     if (names == nullptr) {
@@ -89,12 +127,20 @@ Advice Adviser::AdviceFor(const FaultView& fault) {
     if (fault.isError) {
         advice.isFollowOn = IsFollowOn(fault, advice) || advice.isFollowOn;
         Remember(fault, advice);
+    } else {
+        advice.isFollowOn = IsAboutValue(fault.number) && UsesRefusedName(fault);
     }
     return advice;
 }
 
 bool Adviser::IsFollowOn(const FaultView& fault, const Advice& advice) {
     const StatementView& statement = fault.statement;
+    if (!commentEnd.empty()) {
+        if (statement.line.find(commentEnd) != std::string_view::npos) {
+            commentEnd.clear();
+        }
+        return true;
+    }
     const LinePart place = advice.place.value_or(fault.part);
     const bool isWhole = fault.part.length == 0 &&
                          !fault.isLate;  // the result of a statement that has failed already
@@ -108,6 +154,11 @@ bool Adviser::IsFollowOn(const FaultView& fault, const Advice& advice) {
     }
     if (fault.number == MSG_NOT_IN_CONDITION && refusedConditions > 0) {
         refusedConditions -= statement.mnemonic == "ELSE" ? 0 : 1;
+        return true;
+    }
+    if (fault.number == MSG_UNKNOWN_INSTRUCTION && hasRefusedTest && refusedConditions > 0 &&
+        HoldsWord("ELSE ENDIF ENDC", Plain(statement.mnemonic))) {
+        refusedConditions -= Plain(statement.mnemonic) == "ELSE" ? 0 : 1;
         return true;
     }
     const bool isEnd =
@@ -153,6 +204,18 @@ void Adviser::Remember(const FaultView& fault, const Advice& advice) {
     }
     if (isRefused && IsCondition(statement.mnemonic)) {
         ++refusedConditions;
+        hasRefusedTest = hasRefusedTest || advice.edits.empty();
+    }
+    if (EndsCondition(fault, advice)) {
+        (refusedConditions > 0 ? refusedConditions : refusedEnds) += refusedConditions > 0 ? -1 : 1;
+    }
+    if (fault.number == MSG_UNKNOWN_INSTRUCTION) {
+        RememberComment(statement);
+        if (HoldsWord(importDirectives, Plain(statement.mnemonic))) {
+            for (const OperandView& operand : statement.operands) {
+                refusedNames.emplace(operand.text);
+            }
+        }
     }
     hasRefusedFile =
         hasRefusedFile || (fault.number == MSG_CANNOT_OPEN && statement.mnemonic == "INCLUDE");

@@ -57,12 +57,13 @@ struct FaultView {
 };
 
 struct Advice {
-    std::string text;               ///< what to print for the message; empty: the core's text
-    std::string note;               ///< what to do, or empty
-    std::vector<TextEdit> edits;    ///< of the cleaned line, in its order
-    std::optional<LinePart> place;  ///< more exact than that of the fault
-    bool isFollowOn = false;        ///< an earlier message explains it: do not print it
-    bool definesName = false;       ///< the line was to define its label, or these
+    std::string text;                   ///< what to print for the message; empty: the core's text
+    std::string note;                   ///< what to do, or empty
+    std::vector<TextEdit> edits;        ///< of the cleaned line, in its order
+    std::optional<LinePart> place;      ///< more exact than that of the fault
+    bool isFollowOn = false;            ///< an earlier message explains it: do not print it
+    std::vector<std::string> explains;  ///< labels whose names are the cause
+    bool definesName = false;           ///< the line was to define its label, or these
     std::vector<std::string> names;
 };
 
@@ -77,17 +78,24 @@ class Adviser {
     /// The name with a value that is nearest to `name`, or empty.
     [[nodiscard]] std::string_view NearestName(std::string_view name);
 
+    /// Whether an ENDIF was refused, which explains an IF that is open; each explains one.
+    [[nodiscard]] bool TakeRefusedEnd();
+
     [[nodiscard]] const RunFacts& Facts() const { return facts; }
 
   private:
     [[nodiscard]] bool IsFollowOn(const FaultView& fault, const Advice& advice);
     [[nodiscard]] bool UsesRefusedName(const FaultView& fault) const;
     void Remember(const FaultView& fault, const Advice& advice);
+    void RememberComment(const StatementView& statement);
 
     const RunFacts& facts;
     std::unique_ptr<NearWords> names;              // made at the first question
     std::unordered_set<std::string> refusedNames;  // whose definition was refused
     std::int32_t refusedConditions = 0;            // IFs that were refused and are still open
+    std::int32_t refusedEnds = 0;                  // of conditions that are open
+    bool hasRefusedTest = false;                   // a condition that has no spelling here
+    std::string commentEnd;                        // what ends a refused comment of several lines
     bool hasRefusedFile = false;                   // an INCLUDE
     bool hasRefusedBlock = false;                  // such as a macro
     std::int32_t lastStatement = -1;               // with an error

@@ -28,7 +28,9 @@ const OperandView* FocusOf(const FaultView& fault) {
         const std::size_t faulty = FindFaultyOperand(fault.statement);
         const bool isNamed =
             at != nullptr && fault.statement.PartOf(at->text).length >= fault.part.length;
-        if (isNamed && (fault.number != MSG_ILLEGAL_ARGUMENT || faulty >= operands.size())) {
+        const bool isByForm =
+            fault.number == MSG_ILLEGAL_ARGUMENT || fault.number == MSG_TOO_MANY_ARGUMENTS;
+        if (isNamed && (!isByForm || faulty >= operands.size())) {
             return at;
         }
     }

@@ -48,6 +48,16 @@ struct OperandCase {
 
 /// Advises on the fault that the tokens of the operand show. False: they show none.
 [[nodiscard]] bool AdviseOnExpression(OperandCase* it);
+/// Advises on "XAND3", a word operator without blanks.
+[[nodiscard]] bool AdviseOnGluedOperator(OperandCase* it, const Token& token);
+/// Advises on "LD A;5", where a comment ends the operands, and on "(IX,5)".
+[[nodiscard]] bool AdviseOnComma(OperandCase* it);
+/// Advises on another sign in place of a comma, as in "LD A:5".
+[[nodiscard]] bool AdviseOnSeparator(OperandCase* it);
+/// Advises on an operand without text.
+[[nodiscard]] bool AdviseOnEmptyOperand(OperandCase* it);
+/// Advises on a second instruction in the line, with or without a sign before it.
+[[nodiscard]] bool AdviseOnSecondInstruction(OperandCase* it);
 /// Advises on the name without a value.
 void AdviseOnUnknownName(OperandCase* it);
 

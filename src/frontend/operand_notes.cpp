@@ -38,29 +38,6 @@ bool AdviseOnSet(OperandCase* it) {
     return it->advice.place.has_value();
 }
 
-// A comma that is another sign, as in "LD A:5".
-bool AdviseOnSeparator(OperandCase* it) {
-    const auto& operands = it->statement.operands;
-    if (operands.size() != 1) {
-        return false;
-    }
-    const std::string_view text = operands[0].text;
-    const std::size_t at = text.find_first_of(":.=<-;");
-    const bool isMissing = it->fault.number == MSG_ARGUMENT_EXPECTED;
-    if (at == std::string_view::npos || at == 0 || at + 1 == text.size() ||
-        (!isMissing && ClassOf(text.substr(0, at)).condition < 0)) {
-        return false;
-    }
-    const std::vector<TextEdit> edits = {{it->statement.PartOf(text.substr(at, 1)), ","}};
-    if (!HasFormWith(it->statement, edits)) {
-        return false;
-    }
-    it->PointAt(text.substr(at, 1));
-    it->advice.edits = edits;
-    it->advice.note = WriteNote(it->statement, edits);
-    return true;
-}
-
 // A half of an index register.
 bool AdviseOnIndexHalf(OperandCase* it) {
     for (const OperandView& operand : it->statement.operands) {
@@ -98,10 +75,37 @@ bool AdviseOnChanged(OperandCase* it, const std::vector<TextEdit>& edits) {
     return true;
 }
 
+// A label with the name of a register or condition, where an address belongs.
+bool AdviseOnLabelName(OperandCase* it) {
+    const Token* const token = it->operand == nullptr ? nullptr : it->operand->OnlyToken();
+    const bool isName = token != nullptr && it->fault.number == MSG_ILLEGAL_ARGUMENT &&
+                        ClassOf(token->text).kind != KIND_VALUE && it->IsDefined(token->text);
+    if (!isName) {
+        return false;
+    }
+    const std::string name(it->statement.Typed(token->text));
+    const std::string kind = token->kind == TokenKind::condition ? "condition" : "register";
+    const std::vector<TextEdit> edits = {{it->statement.PartOf(token->text), name + "+0"}};
+    const bool isNumber = token->text == "B" || token->text == "H";
+    if (!HasFormWith(it->statement, edits)) {
+        return false;
+    }
+    it->PointAt(token->text);
+    if (isNumber) {
+        it->advice.note = "choose another name: " + name + " alone is a register, and " + name +
+                          "+0 a number without digits";
+        return true;
+    }
+    it->advice.edits = edits;
+    it->advice.note = WriteNote(it->statement, edits) + ": " + name + " alone is a " + kind;
+    return true;
+}
+
 // A spelling of another assembler.
 bool AdviseOnSpelling(OperandCase* it) {
     std::vector<const OperandView*> candidates;
-    if (it->operand != nullptr) {
+    // An operand too many may be the end of a second instruction in the line.
+    if (it->operand != nullptr && it->fault.number != MSG_TOO_MANY_ARGUMENTS) {
         candidates.push_back(it->operand);
     } else {
         for (const OperandView& each : it->statement.operands) {
@@ -232,7 +236,19 @@ bool AdviseOnBareText(OperandCase* it) {
 }
 
 bool AdviseOnShape(OperandCase* it) {
-    if (AdviseOnBareText(it)) {
+    if (AdviseOnBareText(it) || AdviseOnLabelName(it)) {
+        return true;
+    }
+    const auto& operands = it->statement.operands;
+    const bool isCondition =
+        it->fault.number == MSG_ILLEGAL_ARGUMENT && operands.size() == 2 &&
+        HoldsWord("CALL JR", it->statement.mnemonic) && operands[0].tokens.size() == 1 &&
+        operands[0].tokens[0].kind == TokenKind::name && operands[1].what.kind == KIND_VALUE;
+    if (isCondition && !it->IsDefined(operands[0].text)) {
+        it->PointAt(operands[0].text);
+        it->advice.note = it->statement.mnemonic == "JR"
+                              ? "use NZ, Z, NC or C as the condition"
+                              : "use NZ, Z, NC, C, PO, PE, P or M as the condition";
         return true;
     }
     if (!Take(it, OperandAdvice(it->statement, it->fault.number))) {
@@ -281,70 +297,93 @@ void AdviseOnForms(OperandCase* it) {
     note = "use " + note + (faulty == 0 ? " with " : " after ") + head;
 }
 
-bool AdviseOnEmptyOperand(OperandCase* it) {
-    const auto empty =
-        std::ranges::find(it->statement.operands, std::string_view(), &OperandView::text);
-    if (empty == it->statement.operands.end()) {
-        return false;
-    }
-    const std::size_t at = it->statement.PartOf(empty->text).offset;
-    const std::size_t comma = it->statement.line.rfind(',', at);
-    it->PointAt(it->statement.line.substr(std::min(comma, at), 1));
-    it->advice.note = "add the operand, or remove the comma";
-    return true;
+constexpr std::size_t npos = std::string::npos;
+
+std::string Sentence(const Token& token, std::string_view end) {
+    return std::string(token.text) + std::string(end);
 }
 
-}  // namespace
-
-Advice AdviseOnOperands(Adviser& adviser, const FaultView& fault) {
-    OperandCase it{adviser, fault, fault.statement, FocusOf(fault)};
+// The first explanation that fits.
+void AdviseOnOperandCase(OperandCase* it) {
+    const FaultView& fault = it->fault;
     const bool isCount =
         fault.number == MSG_TOO_MANY_ARGUMENTS || fault.number == MSG_ARGUMENT_EXPECTED;
     const std::size_t faulty = FindFaultyOperand(fault.statement);
     for (const OperandView& operand : fault.statement.operands) {
         const ExpressionFault kind = FindExpressionFault(operand).fault;
         if (kind == ExpressionFault::openBracket || kind == ExpressionFault::closeBracket) {
-            it.operand = &operand;
+            it->operand = &operand;
         }
     }
-    if (it.operand != nullptr) {
-        it.PointAt(it.operand->text);
+    if (it->operand != nullptr) {
+        it->PointAt(it->operand->text);
     } else if (isCount && faulty == fault.statement.operands.size()) {
-        it.PointAt(fault.statement.mnemonic);
+        it->PointAt(fault.statement.mnemonic);
     }
     if (HoldsWord("INCLUDE BINCLUDE", fault.statement.mnemonic)) {
-        if (!AdviseOnShape(&it)) {
-            AdviseOnForms(&it);
+        if (!AdviseOnShape(it)) {
+            AdviseOnForms(it);
         }
-        return it.advice;
+        return;
     }
-    if (AdviseOnSet(&it) || AdviseOnSeparator(&it) || AdviseOnIndexHalf(&it) ||
-        AdviseOnSpelling(&it) || AdviseOnRegister(&it)) {
-        return it.advice;
+    if (AdviseOnSet(it) || AdviseOnComma(it) || AdviseOnSecondInstruction(it) ||
+        AdviseOnSeparator(it) || AdviseOnIndexHalf(it) || AdviseOnSpelling(it) ||
+        AdviseOnRegister(it)) {
+        return;
     }
-    const bool isValue = it.operand != nullptr && it.operand->what.kind == KIND_VALUE;
+    const Keyword* const keyword = fault.statement.keyword;
+    if (isCount && keyword != nullptr && keyword->operands.most == 0) {
+        it->PointAt(fault.statement.rest);
+        if (AdviseOnShape(it)) {
+            return;
+        }
+    }
+    const bool isValue = it->operand != nullptr && it->operand->what.kind == KIND_VALUE;
     const ExpressionFault kind =
-        isValue ? FindExpressionFault(*it.operand).fault : ExpressionFault::none;
+        isValue ? FindExpressionFault(*it->operand).fault : ExpressionFault::none;
     const bool isBroken = kind == ExpressionFault::twoValues ||
                           kind == ExpressionFault::openBracket ||
                           kind == ExpressionFault::closeBracket;
     const bool isData = HoldsWord("DB DEFB DW DEFW DS DEFS", fault.statement.mnemonic);
     if (isValue && (isCount || isData || isBroken || fault.number != MSG_ILLEGAL_ARGUMENT) &&
-        AdviseOnExpression(&it)) {
-        return it.advice;
+        AdviseOnExpression(it)) {
+        return;
     }
     if (fault.number == MSG_UNRESOLVED || fault.number == MSG_NOT_IMMEDIATE) {
-        AdviseOnUnknownName(&it);
-        return it.advice;
+        AdviseOnUnknownName(it);
+        return;
     }
     if (fault.number == MSG_BAD_EXPRESSION) {
-        it.advice.note = "check for a division by 0 and for names that are not values";
-        return it.advice;
+        it->advice.note = "check for a division by 0 and for names that are not values";
+        return;
     }
-    if (AdviseOnEmptyOperand(&it) || AdviseOnShape(&it) || (isValue && AdviseOnExpression(&it))) {
-        return it.advice;
+    if (AdviseOnEmptyOperand(it) || AdviseOnShape(it) || (isValue && AdviseOnExpression(it))) {
+        return;
     }
-    AdviseOnForms(&it);
+    AdviseOnForms(it);
+    return;
+}
+
+}  // namespace
+
+Advice AdviseOnOperands(Adviser& adviser, const FaultView& fault) {
+    OperandCase it{adviser, fault, fault.statement, FocusOf(fault)};
+    AdviseOnOperandCase(&it);
+    for (const OperandView& operand : fault.statement.operands) {
+        const Token* const token = operand.OnlyToken();
+        const bool isCause = token != nullptr &&
+                             (it.advice.note.find(Sentence(*token, " alone")) != npos ||
+                              it.advice.note.find("another name: " + Sentence(*token, "")) != npos);
+        if (isCause) {
+            it.advice.explains.emplace_back(token->text);
+        }
+    }
+    const Keyword* const keyword = fault.statement.keyword;
+    const bool isExcess = fault.number == MSG_ARGUMENT_EXPECTED && keyword != nullptr &&
+                          std::cmp_greater(fault.statement.operands.size(), keyword->operands.most);
+    if (isExcess) {  // ADD answers to three operands as to too few
+        it.advice.text = "too many operands";
+    }
     return it.advice;
 }
 

@@ -42,6 +42,14 @@ Advice AdviseOnFile(const RunFacts& facts, const StatementView& statement) {
     std::ranges::replace(slashed, '\\', '/');
     const std::string base = slashed.substr(slashed.find_last_of('/') + 1);
     const std::string stem = inner.substr(0, inner.find_last_of('.'));
+    if (HoldsWord(". ..", base) || base.empty()) {
+        advice.note = "write the name of a file, not of a directory";
+        return advice;
+    }
+    if (name.size() > 1 && name.front() == '"' && name.back() != '"') {
+        advice.note = "close the name with a double quote, or remove the one before it";
+        return advice;
+    }
     for (const std::string& candidate :
          {inner, slashed, inner + ".kor", inner + ".asm", inner + ".inc", inner + ".z80",
           stem + ".kor", base, "../" + slashed}) {
@@ -75,6 +83,15 @@ Advice AdviseOnFarJump(const StatementView& statement) {
     if (IsNumberedLabel(statement)) {
         advice.place = statement.PartOf(statement.rest);
         advice.note = std::string(numberedLabelNote);
+        return advice;
+    }
+    const std::string target(statement.operands.empty() ? std::string_view()
+                                                        : statement.operands.back().text);
+    if (target.starts_with('+') || target.starts_with('-')) {  // a distance
+        const std::string_view part = statement.operands.back().text;
+        advice.place = statement.PartOf(part);
+        advice.edits = {{*advice.place, "$" + target}};
+        advice.note = "write $" + target + ": a relative jump takes an address";
         return advice;
     }
     if (statement.mnemonic == "JR") {
@@ -185,6 +202,11 @@ Advice AdviseOnRest(Adviser& adviser, const FaultView& fault) {
     switch (fault.number) {
         case MSG_RESERVED_NAME:
             return AdviseOnReservedName(statement);
+        case MSG_NO_LABEL:
+            if (advice = AdviseOnNameSecond(statement); advice.place) {
+                return advice;
+            }
+            break;
         case MSG_CANNOT_OPEN:
             return AdviseOnFile(adviser.Facts(), statement);
         case MSG_REDEFINITION:
@@ -226,6 +248,10 @@ Advice AdviseOnRest(Adviser& adviser, const FaultView& fault) {
             return advice;
         default:
             break;
+    }
+    if (fault.number == MSG_COMMAND_LINE_SKIPPED && statement.mnemonic.starts_with('=')) {
+        advice.note = "write ORG and the address in place of *=";
+        return advice;
     }
     const auto* const row = std::ranges::find(fixedNotes, fault.number, &FixedNote::number);
     if (row != fixedNotes.end()) {

@@ -103,6 +103,15 @@ Foreign Bracketed(std::string_view operand, std::string_view typed) {
         isString = isString != (c == '"');
         fix += isString ? c : c == '[' || c == '{' ? '(' : c == ']' || c == '}' ? ')' : c;
     }
+    const std::string raised = Raised(fix);
+    for (const std::string_view step : {"(HL+)", "(HLI)", "(HL-)", "(HLD)"}) {
+        if (raised == step) {
+            const bool isUp = step[3] == '+' || step[3] == 'I';
+            return {operand, "",
+                    std::string("write (HL), then ") + (isUp ? "INC" : "DEC") +
+                        " HL: this form is of another processor"};
+        }
+    }
     return {operand, fix, "use parentheses for memory: " + fix};
 }
 
@@ -130,12 +139,16 @@ Foreign ForeignToken(const StatementView& statement, const Token& token) {
         return {text, fix, ""};
     }
     if (text.size() > 1 && text.ends_with(':')) {
+        const char* const restEnd = statement.rest.data() + statement.rest.size();
+        const std::string_view after = WithoutLeadingBlanks({text.data() + text.size(), restEnd});
+        if (!after.empty() && HasClass(after.front(), CC_LETTER)) {  // "LD A,1: INC A"
+            return {text.substr(text.size() - 1), "\n\t", "write one instruction in a line"};
+        }
         return {text, typed.substr(0, typed.size() - 1),
                 "remove the colon: only the definition of a label has one"};
     }
-    if (text.size() > 1 && text.ends_with(':')) {
-        return {text, typed.substr(0, typed.size() - 1),
-                "remove the colon: only the definition of a label has one"};
+    if (text.size() > 1 && text.front() == ':') {
+        return {text, typed.substr(1), "remove the colon: only the definition of a label has one"};
     }
     if (text.find('?') != std::string_view::npos) {
         return {text, "", "use IF and ELSE: there is no operator that chooses"};
@@ -241,7 +254,9 @@ std::string NumberSpelling(std::string_view token) {
     if (token.ends_with('D') && IsOf(token.substr(0, size - 1), "0123456789")) {
         return std::string(token.substr(0, size - 1));
     }
-    if (IsOf(token, hexDigits) && ReadNumber(token, &value) == notANumber) {
+    const bool isBinary = size > 4 && token.ends_with('B') &&  // with a digit that is none
+                          IsOf(token.substr(0, size - 1), "0123456789");
+    if (!isBinary && IsOf(token, hexDigits) && ReadNumber(token, &value) == notANumber) {
         return std::string(token) + "H";
     }
     return "";
@@ -256,9 +271,14 @@ Foreign FindForeign(const StatementView& statement, const OperandView& operand) 
             continue;
         }
         const std::size_t at = statement.PartOf(operand.text).offset + i;
-        const bool isShadow = i > 0 && HasClass(operand.text[i - 1], CC_NAME);  // AF', H'FF'
+        const bool isShadow = i > 0 && (HasClass(operand.text[i - 1], CC_NAME) ||
+                                        operand.text[i - 1] == '\'');  // AF', AF'', H'FF'
         if (c == '\'' && !isShadow) {
             return SingleQuoted(statement, at);
+        }
+        if (c == '{' && HoldsWord("DB DEFB DW DEFW", statement.mnemonic)) {
+            return {operand.text.substr(i, 1), "",
+                    "remove the braces: values follow the directive"};
         }
         if (c == '[' || c == '{') {
             return Bracketed(operand.text, statement.Typed(operand.text));

@@ -12,22 +12,8 @@
 namespace korv {
 namespace {
 
-bool IsNameText(std::string_view text) {
-    return !text.empty() && HasClass(text.front(), CC_NAME_START) &&
-           std::ranges::all_of(text, [](char c) { return HasClass(c, CC_NAME); });
-}
-
 bool HasOddByte(std::string_view text) {
     return std::ranges::any_of(text, [](char c) { return static_cast<signed char>(c) < 0; });
-}
-
-Advice Replace(const StatementView& statement, std::string_view part, std::string text,
-               std::string note) {
-    Advice advice;
-    advice.place = statement.PartOf(part);
-    advice.edits = {{statement.PartOf(part), std::move(text)}};
-    advice.note = std::move(note);
-    return advice;
 }
 
 Advice Say(const StatementView& statement, std::string_view part, std::string note) {
@@ -47,6 +33,11 @@ Advice AdviseOnEncoding(const StatementView& statement) {
     if (line.starts_with("\xFF\xFE") || line.starts_with("\xFE\xFF")) {
         return Say(statement, line.substr(0, 2), "save the file as plain text: it is UTF-16");
     }
+    const auto* const control = std::ranges::find_if(
+        line, [](char c) { return c == 0x7F || (c > 0 && c < ' ' && !HasClass(c, CC_BLANK)); });
+    if (control != line.end()) {
+        return Replace(statement, {&*control, 1}, "", "remove the control character");
+    }
     if (const std::size_t at = line.find("\xC2\xA0"); at != std::string_view::npos) {
         return Replace(statement, line.substr(at, 2), " ", "replace the no-break space by a blank");
     }
@@ -62,49 +53,55 @@ Advice AdviseOnComment(const StatementView& statement) {
                            "begin the comment with a semicolon");
         }
     }
-    if (word == "#" || word == "*" || word == "/" || word == "REM" || word == "|") {
-        return Replace(statement, word, ";", "begin the comment with a semicolon");
+    const bool isLabel = statement.label == "REM" && !statement.hasColon;
+    if (isLabel || HoldsWord("# * / REM |", word)) {
+        return Replace(statement, isLabel ? statement.label : word, ";",
+                       "begin the comment with a semicolon");
     }
     return {};
 }
 
-// "#define X 5", and other lines for a preprocessor.
-Advice AdviseOnPreprocessor(const StatementView& statement) {
+// "* = 100H", which sets the address.
+Advice AdviseOnOrigin(const StatementView& statement) {
+    const std::string_view line = WithoutLeadingBlanks(statement.line);
+    const std::size_t at = line.find('=');
+    const bool isOrigin = at != std::string_view::npos &&
+                          HoldsWord("* . $ *. :", line.substr(0, 1)) &&
+                          WithoutLeadingBlanks(line.substr(1)).starts_with('=');
+    const std::string_view value =
+        isOrigin ? WithoutLeadingBlanks(line.substr(at + 1)) : std::string_view();
+    if (value.empty()) {
+        return {};
+    }
+    const std::string fix = "ORG " + std::string(value);
+    return Replace(statement, statement.line, " " + fix, "write " + fix + ", not in column 1");
+}
+
+// Data without a directive, as in "MSG: "text"" and "VAR: 5".
+Advice AdviseOnData(const StatementView& statement) {
     const std::string_view word = statement.mnemonic;
-    const std::string_view rest = statement.rest;
-    if (word == "#DEFINE" || word == ".DEFINE" || word == "DEFINE" || word == "%DEFINE") {
-        const std::string_view name = rest.substr(0, rest.find_first_of(" \t"));
-        const std::string_view value = WithoutLeadingBlanks(rest.substr(name.size()));
-        if (IsNameText(name) && !value.empty()) {
-            Advice advice = Replace(statement, statement.line,
-                                    std::string(name) + ": EQU " + std::string(value), "");
-            advice.place = statement.PartOf(word);
-            advice.note = "write " + advice.edits[0].text + " from column 1 on";
-            advice.definesName = true;
-            advice.names.emplace_back(name);
-            return advice;
-        }
+    const std::vector<Token> tokens = CutTokens(word);
+    const bool isValue = !tokens.empty() && (tokens[0].kind == TokenKind::string ||
+                                             tokens[0].kind == TokenKind::number ||
+                                             tokens[0].kind == TokenKind::openString);
+    if (!isValue || ClassOf(tokens[0].text).kind != KIND_VALUE || statement.label.empty()) {
+        return {};
     }
-    // "DEFC X = 5", ".EQU X,5": the name comes second, and the first word may be in column 1.
-    const std::string_view first =
-        word.empty() || statement.label.empty() || statement.hasColon ? word : statement.label;
-    if (HoldsWord("DEFC LET CONST .EQU .SET .DEFL VAR .VAR", first)) {
-        const std::string_view text = WithoutLeadingBlanks(
-            statement.line.substr(statement.PartOf(first).offset + first.size()));
-        const std::string_view name = text.substr(0, text.find_first_of(" \t=,"));
-        const std::size_t start = text.find_first_not_of(" \t=,", name.size());
-        if (IsNameText(name) && start != std::string_view::npos && name.size() < text.size() &&
-            name.size() > 0 && ClassOf(name).kind == KIND_VALUE) {
-            Advice advice =
-                Replace(statement, statement.line,
-                        std::string(name) + ": EQU " + std::string(text.substr(start)), "");
-            advice.place = statement.PartOf(first);
-            advice.note = "write " + advice.edits[0].text + " from column 1 on";
-            advice.definesName = true;
-            advice.names.emplace_back(name);
-            return advice;
-        }
+    const std::vector<TextEdit> edits = {{statement.PartOf(word.substr(0, 0)), "DB "}};
+    const std::string line = Applied(statement.line, edits);
+    if (!HasForm(CutStatement(line))) {
+        return {};
     }
+    Advice advice;
+    advice.place = statement.PartOf(word);
+    advice.edits = edits;
+    advice.note = WriteNote(statement, edits);
+    return advice;
+}
+
+// Lines for a preprocessor that are no definition.
+Advice AdviseOnMark(const StatementView& statement) {
+    const std::string_view word = statement.mnemonic;
     const std::string_view plain = word.substr(std::min<std::size_t>(1, word.size()));
     const bool isOwn = FindKeyword(plain) != nullptr || plain == "IFDEF" || plain == "IFNDEF";
     if (word.front() == '#' && !isOwn) {
@@ -121,7 +118,9 @@ Advice AdviseOnName(const StatementView& statement) {
     const std::string_view word = line.substr(blanks, end - blanks);
     const bool hasColon = end < line.size() && line[end] == ':';
     const bool isWord =
-        !hasColon && (word.starts_with('.') || word.starts_with('!')) && WordAdvice(statement);
+        !hasColon && (word.starts_with('.') || word.starts_with('!')) &&
+        FindKeyword(statement.rest.substr(0, statement.rest.find_first_of(" \t"))) == nullptr &&
+        WordAdvice(statement);
     if (word.empty() || (!hasColon && blanks > 0) || isWord) {
         return {};
     }
@@ -171,8 +170,16 @@ Advice AdviseOnJoinedWords(const StatementView& statement) {
             continue;
         }
         const bool isWord = HasClass(word[size], CC_LETTER);
-        const LinePart gap{statement.PartOf(word).offset + static_cast<std::uint32_t>(size), 0};
-        const std::vector<TextEdit> edits = {{gap, " "}};
+        if (word[size] == '.' && !HoldsWord(".B .W .L .S", word.substr(size))) {
+            continue;
+        }
+        const bool isSign = word[size] == '=' || word[size] == ':';       // "ORG=100H"
+        const bool isSize = HoldsWord(".B .W .L .S", word.substr(size));  // "DS.B 5"
+        const LinePart gap{statement.PartOf(word).offset + static_cast<std::uint32_t>(size),
+                           isSize   ? std::uint32_t{2}
+                           : isSign ? std::uint32_t{1}
+                                    : 0};
+        const std::vector<TextEdit> edits = {{gap, isSize ? "" : " "}};
         const std::string line = Applied(statement.line, edits);
         const StatementView changed = CutStatement(line);
         const bool isPlain = std::ranges::none_of(changed.operands, [](const OperandView& operand) {
@@ -210,8 +217,18 @@ std::string_view NearestKeyword(const StatementView& statement, std::string_view
 // A statement that begins in column 1, where only labels do.
 Advice AdviseOnColumn(const StatementView& statement) {
     const std::string_view label = statement.label;
-    if (label.empty() || statement.hasColon) {
+    const bool isKeyword = FindKeyword(label) != nullptr;
+    if (label.empty() || (statement.hasColon && !isKeyword)) {
         return {};
+    }
+    if (statement.hasColon) {  // "LD: A,5"
+        const std::vector<TextEdit> edits = {{{0, static_cast<std::uint32_t>(label.size()) + 1},
+                                              " " + std::string(statement.Typed(label))}};
+        Advice advice;
+        advice.place = statement.PartOf(label);
+        advice.edits = edits;
+        advice.note = WriteNote(statement, edits) + ", not in column 1";
+        return advice;
     }
     const std::string line = " " + std::string(statement.line);
     const StatementView indented = CutStatement(line);
@@ -222,9 +239,12 @@ Advice AdviseOnColumn(const StatementView& statement) {
         advice.note = "indent " + std::string(label) + ": only labels begin in column 1";
         return advice;
     }
-    if (const auto foreign = WordAdvice(indented); foreign && !foreign->edits.empty()) {
-        advice.edits = {{statement.PartOf(statement.line), " " + foreign->edits[0].text}};
-        advice.note = foreign->note + ", not in column 1";
+    if (const auto foreign = WordAdvice(indented); foreign) {
+        advice.note = foreign->note;
+        if (!foreign->edits.empty()) {
+            advice.edits = {{statement.PartOf(statement.line), " " + foreign->edits[0].text}};
+            advice.note += ", not in column 1";
+        }
         return advice;
     }
     if (const std::string_view near = NearestKeyword(indented, indented.mnemonic); !near.empty()) {
@@ -237,51 +257,11 @@ Advice AdviseOnColumn(const StatementView& statement) {
 
 }  // namespace
 
-Advice AdviseOnDefinition(const StatementView& statement) {
-    const std::string_view line = statement.line;
-    const std::string_view word = statement.mnemonic;
-    std::string_view name = statement.label;
-    std::string_view sign = word;
-    std::string_view value = statement.rest;
-    const bool isEaten = !name.empty() && name.size() < line.size() && line[name.size()] == '=';
-    if (isEaten) {  // "X=5": the core takes the sign for the colon
-        sign = line.substr(name.size(), 1);
-        value = statement.PartOf(word).offset < line.size() ? line.substr(name.size() + 1)
-                                                            : std::string_view();
-    } else if (name.empty() && !value.empty()) {  // " X EQU 5"
-        name = word.ends_with(':') ? word.substr(0, word.size() - 1) : word;
-        sign = value.substr(0, value.find_first_of(" \t"));
-        value = WithoutLeadingBlanks(value.substr(sign.size()));
-    }
-    const std::size_t start = sign.find_first_not_of(":=.");
-    if (start != 0 && start != std::string_view::npos && sign.find('=') != std::string_view::npos) {
-        value = statement.Span(sign.substr(start), value.empty() ? sign : value);  // "X =5"
-        sign = sign.substr(0, start);
-    }
-    const bool isSign = HoldsWord(
-        "= := == EQU DEFL SET ASET VAR CONST EQUS EQ .EQU .SET .DEFL DEFINE DEFC IS", sign);
-    if (!isSign || !IsNameText(name) || WithoutLeadingBlanks(value).empty()) {
-        return {};
-    }
-    if (FindKeyword(name) != nullptr) {
-        return {};
-    }
-    value = WithoutLeadingBlanks(value);
-    Advice advice;
-    advice.edits = {{statement.PartOf(line), std::string(name) + ": EQU " + std::string(value)}};
-    advice.place = statement.PartOf(sign);
-    advice.note =
-        "write " + advice.edits[0].text + (statement.label.empty() ? " from column 1 on" : "");
-    advice.definesName = true;
-    advice.names.emplace_back(name);
-    return advice;
-}
-
 Advice AdviseOnWord(const FaultView& fault) {
     const StatementView& statement = fault.statement;
     const std::string_view word = statement.mnemonic;
-    for (const auto step : {AdviseOnEncoding, AdviseOnComment, AdviseOnPreprocessor,
-                            AdviseOnDefinition, AdviseOnName}) {
+    for (const auto step : {AdviseOnEncoding, AdviseOnOrigin, AdviseOnComment, AdviseOnPreprocessor,
+                            AdviseOnMark, AdviseOnDefinition, AdviseOnName}) {
         if (Advice advice = step(statement); advice.place) {
             return advice;
         }
@@ -300,6 +280,18 @@ Advice AdviseOnWord(const FaultView& fault) {
     }
     if (isLabel && IsNameText(word.substr(0, word.size() - 1))) {
         const std::size_t blanks = statement.PartOf(word).offset;
+        if (!statement.label.empty() && !statement.hasColon) {
+            const std::string_view both = statement.Span(statement.label, word);
+            std::string name(statement.Typed(statement.label));
+            name += '_' + std::string(statement.Typed(word.substr(0, word.size() - 1)));
+            Advice joined =
+                Replace(statement, both, name,
+                        "write " + name + " here and where it is used: a name has no blanks");
+            joined.definesName = true;
+            joined.names.push_back(std::string(statement.label) +
+                                   std::string(word.substr(0, word.size() - 1)));
+            return joined;
+        }
         if (!statement.label.empty()) {
             return Replace(statement, word.substr(0, 0), "\n",
                            "put the second label on a line of its own");
@@ -325,7 +317,7 @@ Advice AdviseOnWord(const FaultView& fault) {
         advice.edits = row->edits;
         return advice;
     }
-    for (const auto step : {AdviseOnColumn, AdviseOnJoinedWords}) {
+    for (const auto step : {AdviseOnColumn, AdviseOnJoinedWords, AdviseOnData}) {
         if (Advice found = step(statement); found.place) {
             return found;
         }

@@ -1,0 +1,120 @@
+// Definitions that are written as in another assembler: another sign, the name after the directive,
+// or a line for a preprocessor.
+
+#include <algorithm>
+
+#include "codegen/keywords.h"
+#include "frontend/instruction_forms.h"
+#include "frontend/note_steps.h"
+#include "source/char_class.h"
+
+namespace korv {
+
+bool IsNameText(std::string_view text) {
+    return !text.empty() && HasClass(text.front(), CC_NAME_START) &&
+           std::ranges::all_of(text, [](char c) { return HasClass(c, CC_NAME); });
+}
+
+Advice Replace(const StatementView& statement, std::string_view part, std::string text,
+               std::string note) {
+    Advice advice;
+    advice.place = statement.PartOf(part);
+    advice.edits = {{statement.PartOf(part), std::move(text)}};
+    advice.note = std::move(note);
+    return advice;
+}
+
+// "#define X 5", and other lines for a preprocessor.
+Advice AdviseOnPreprocessor(const StatementView& statement) {
+    const std::string_view word = statement.mnemonic;
+    const std::string_view rest = statement.rest;
+    if (word == "#DEFINE" || word == ".DEFINE" || word == "DEFINE" || word == "%DEFINE") {
+        const std::string_view name = rest.substr(0, rest.find_first_of(" \t"));
+        const std::string_view value = WithoutLeadingBlanks(rest.substr(name.size()));
+        if (IsNameText(name) && !value.empty()) {
+            Advice advice = Replace(statement, statement.line,
+                                    std::string(name) + ": EQU " + std::string(value), "");
+            advice.place = statement.PartOf(word);
+            advice.note = "write " + advice.edits[0].text + " from column 1 on";
+            advice.definesName = true;
+            advice.names.emplace_back(name);
+            return advice;
+        }
+    }
+    return AdviseOnNameSecond(statement);
+}
+
+Advice AdviseOnNameSecond(const StatementView& statement) {
+    const std::string_view word = statement.mnemonic;
+    // "DEFC X = 5", ".EQU X,5": the name comes second, and the first word may be in column 1.
+    const std::string_view first =
+        word.empty() || statement.label.empty() || statement.hasColon ? word : statement.label;
+    if (HoldsWord("EQU DEFL DEFC LET CONST .EQU .SET .DEFL VAR .VAR", first)) {
+        const std::string_view text = WithoutLeadingBlanks(
+            statement.line.substr(statement.PartOf(first).offset + first.size()));
+        const std::string_view name = text.substr(0, text.find_first_of(" \t=,"));
+        const std::size_t start = text.find_first_not_of(" \t=,", name.size());
+        if (IsNameText(name) && start != std::string_view::npos && name.size() < text.size() &&
+            name.size() > 0 && ClassOf(name).kind == KIND_VALUE) {
+            Advice advice =
+                Replace(statement, statement.line,
+                        std::string(name) + ": EQU " + std::string(text.substr(start)), "");
+            advice.place = statement.PartOf(first);
+            advice.note = "write " + advice.edits[0].text + " from column 1 on";
+            advice.definesName = true;
+            advice.names.emplace_back(name);
+            return advice;
+        }
+    }
+    return {};
+}
+
+Advice AdviseOnDefinition(const StatementView& statement) {
+    const std::string_view line = statement.line;
+    const std::string_view word = statement.mnemonic;
+    std::string_view name = statement.label;
+    std::string_view sign = word;
+    std::string_view value = statement.rest;
+    const bool isEaten = !name.empty() && name.size() < line.size() && line[name.size()] == '=';
+    if (isEaten) {  // "X=5": the core takes the sign for the colon
+        sign = line.substr(name.size(), 1);
+        value = statement.PartOf(word).offset < line.size() ? line.substr(name.size() + 1)
+                                                            : std::string_view();
+    } else if (name.empty() && !value.empty()) {  // " X EQU 5"
+        name = word.ends_with(':') ? word.substr(0, word.size() - 1) : word;
+        sign = value.substr(0, value.find_first_of(" \t"));
+        value = WithoutLeadingBlanks(value.substr(sign.size()));
+    }
+    const std::size_t start = sign.find_first_not_of(":=.");
+    if (start != 0 && start != std::string_view::npos && sign.find('=') != std::string_view::npos) {
+        value = statement.Span(sign.substr(start), value.empty() ? sign : value);  // "X =5"
+        sign = sign.substr(0, start);
+    }
+    if (sign == "=" && statement.label.empty() && ClassOf(name).kind != KIND_VALUE) {
+        const std::string fix =
+            "LD " + std::string(statement.Typed(name)) + "," + std::string(statement.Typed(value));
+        const std::string changed = " " + Raised(fix);
+        if (HasForm(CutStatement(changed))) {
+            return Replace(statement, statement.Span(word, statement.rest), fix, "write " + fix);
+        }
+    }
+    const bool isSign = HoldsWord(
+        "= := == EQU DEFL SET ASET VAR CONST EQUS EQ .EQU .SET .DEFL DEFINE DEFC IS", sign);
+    if (!isSign || !IsNameText(name) || WithoutLeadingBlanks(value).empty()) {
+        return {};
+    }
+    if (FindKeyword(name) != nullptr) {
+        return {};
+    }
+    value = WithoutLeadingBlanks(value);
+    Advice advice;
+    advice.edits = {{statement.PartOf(line), std::string(name) + ": EQU " + std::string(value)}};
+    advice.place = statement.PartOf(sign);
+    advice.note =
+        "write " + advice.edits[0].text + (statement.label.empty() ? " from column 1 on" : "");
+    advice.definesName = true;
+    advice.names.emplace_back(name);
+    return advice;
+}
+
+}  // namespace korv

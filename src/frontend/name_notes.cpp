@@ -1,0 +1,158 @@
+// Names without a value.
+
+#include <algorithm>
+
+#include "codegen/keywords.h"
+#include "frontend/instruction_forms.h"
+#include "frontend/note_rows.h"
+#include "frontend/operand_case.h"
+#include "source/char_class.h"
+
+namespace korv {
+namespace {
+
+// An EQU that depends on itself. A chain that ends at an unknown name is explained there.
+bool AdviseOnCircle(OperandCase* it, const std::string& name) {
+    if (it->statement.mnemonic == "EQU" && it->statement.label == name) {
+        it->advice.note = "give " + name + " a value: it depends on itself";
+        return true;
+    }
+    std::vector<std::string> path;
+    for (std::string next = name; !next.empty() && path.size() < 32;) {
+        if (std::ranges::find(path, next) != path.end()) {
+            it->advice.note = "give " + next + " a value: it depends on itself";
+            it->advice.names = path;
+            it->advice.definesName = true;
+            return true;
+        }
+        path.push_back(next);
+        const auto known = it->adviser.Facts().FindName(next);
+        next.clear();
+        if (!known || known->waitingLine.empty()) {
+            break;
+        }
+        const StatementView definition = CutStatement(known->waitingLine);
+        for (const OperandView& operand : definition.operands) {
+            for (const Token& token : operand.tokens) {
+                const bool isName = token.kind == TokenKind::name ||
+                                    token.kind == TokenKind::digitName ||
+                                    token.kind == TokenKind::other;
+                if (isName && !it->IsDefined(token.text)) {
+                    next = token.text;
+                }
+            }
+        }
+    }
+    it->advice.isFollowOn = path.size() > 1;
+    return it->advice.isFollowOn;
+}
+
+}  // namespace
+
+// "XAND3": a word operator without blanks.
+bool AdviseOnGluedOperator(OperandCase* it, const Token& token) {
+    for (const std::string_view word : {"AND", "XOR", "OR", "SHL", "SHR", "MOD"}) {
+        const std::size_t at = token.text.find(word);
+        if (at == std::string_view::npos || at + word.size() == token.text.size()) {
+            continue;
+        }
+        const auto isKnown = [it](std::string_view part) {
+            const std::vector<Token> tokens = CutTokens(part);
+            return tokens.size() == 1 &&
+                   (tokens[0].kind == TokenKind::number || it->IsDefined(part));
+        };
+        const std::string_view left = token.text.substr(0, at);
+        const std::string_view right = token.text.substr(at + word.size());
+        const bool isAfterValue = &token != it->operand->tokens.data() && left.empty();
+        if ((isKnown(left) || isAfterValue) && isKnown(right)) {
+            const std::string fix = std::string(left) + (left.empty() ? "" : " ") +
+                                    std::string(word) + " " + std::string(right);
+            it->Replace(token.text, fix);
+            it->advice.note = WriteNote(it->statement, it->advice.edits) + ": " +
+                              std::string(word) + " needs blanks around it";
+            return true;
+        }
+    }
+    return false;
+}
+
+// A name that has no value.
+void AdviseOnUnknownName(OperandCase* it) {
+    const std::string_view text = it->fault.text;
+    const Token* token = it->operand == nullptr ? nullptr : FindToken(*it->operand, text);
+    if (token == nullptr && it->operand != nullptr) {
+        bool takesDefined = false;
+        const auto isIt = [it, &takesDefined](const Token& each) {
+            const bool isName = each.kind == TokenKind::name || each.kind == TokenKind::digitName ||
+                                each.kind == TokenKind::registerName ||
+                                each.kind == TokenKind::condition;
+            return isName && (takesDefined || !it->IsDefined(each.text));
+        };
+        auto found = std::ranges::find_if(it->operand->tokens, isIt);
+        if (found == it->operand->tokens.end() && it->fault.number == MSG_NOT_IMMEDIATE) {
+            takesDefined = true;
+            found = std::ranges::find_if(it->operand->tokens, isIt);
+        }
+        token = found == it->operand->tokens.end() ? nullptr : &*found;
+    }
+    if (token == nullptr) {
+        return;
+    }
+    it->PointAt(token->text);
+    const std::string name(token->text);
+    std::string& note = it->advice.note;
+    if (token->kind == TokenKind::registerName || token->kind == TokenKind::condition) {
+        const bool isSum = std::ranges::any_of(it->operand->tokens, [](const Token& each) {
+            return each.code == OP_PLUS || each.code == OP_MINUS;
+        });
+        note = (isSum ? "add with ADD, INC, SUB or DEC: " : "use a number or a name: ") + name +
+               " is a register or condition, and expressions have none";
+        return;
+    }
+    if (FindKeyword(token->text) != nullptr) {
+        note = "use a name that is defined: " + name + " is an instruction";
+        return;
+    }
+    if (name == "@B" || name == "@F" || name == "@@") {
+        note = "name the label: there are no anonymous labels";
+        return;
+    }
+    if (AdviseOnCircle(it, name) || AdviseOnGluedOperator(it, *token)) {
+        return;
+    }
+    if (const auto known = it->adviser.Facts().FindName(token->text); known && known->hasValue) {
+        note = "define " + name + " above this line: " + std::string(it->statement.mnemonic) +
+               " needs its value at once";
+        return;
+    }
+    if (const std::string_view near = it->adviser.NearestName(token->text); !near.empty()) {
+        it->Replace(token->text, std::string(near));
+        note = "did you mean " + std::string(near) + "?";
+        return;
+    }
+    if (token->kind == TokenKind::digitName) {
+        note = "begin the name with a letter, or write a number as 255, 0FFH, $FF, 1010B or %1010";
+        return;
+    }
+    if (std::string digits = name; name.front() == 'O' || name.front() == 'L') {
+        digits.front() = name.front() == 'O' ? '0' : '1';
+        std::ranges::replace(digits, 'O', '0');
+        const std::vector<Token> tokens = CutTokens(digits);
+        if (tokens.size() == 1 && tokens[0].kind == TokenKind::number) {
+            it->Replace(token->text, digits);
+            note = "write " + digits + ": " + name.substr(0, 1) + " is a letter";
+            return;
+        }
+    }
+    if (const std::string number = NumberSpelling("0X" + name);
+        !number.empty() && name.size() % 2 == 0) {
+        it->Replace(token->text, number);
+        note = "write " + number + " if it is hexadecimal";
+        return;
+    }
+    if (it->fault.number == MSG_NOT_IMMEDIATE || HoldsWord("IF COND", it->statement.mnemonic)) {
+        note = "define " + name + " above this line, or by -D " + name + "=1";
+    }
+}
+
+}  // namespace korv

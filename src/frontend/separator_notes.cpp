@@ -1,0 +1,111 @@
+// Operands that are not separated as they are here, and a second instruction in the line.
+
+#include <algorithm>
+
+#include "codegen/keywords.h"
+#include "frontend/instruction_forms.h"
+#include "frontend/note_rows.h"
+#include "frontend/operand_case.h"
+#include "source/char_class.h"
+
+namespace korv {
+
+// "LD A;5", where a comment ends the operands, and "(IX,5)".
+bool AdviseOnComma(OperandCase* it) {
+    const StatementView& statement = it->statement;
+    const std::string_view typed = statement.typed;
+    const std::size_t end = statement.line.size();
+    const bool isShort =
+        it->fault.number == MSG_ARGUMENT_EXPECTED || it->fault.number == MSG_ILLEGAL_ARGUMENT;
+    if (isShort && end + 1 < typed.size() && typed[end] == ';' &&
+        !HasClass(typed[end + 1], CC_BLANK) && !statement.rest.empty()) {
+        std::string changed(typed);
+        changed[end] = ',';
+        const std::string line = Raised(changed.substr(0, changed.find(';')));
+        const StatementView view = CutStatement(line, changed);
+        if (HasForm(view)) {
+            it->advice.place = LinePart{static_cast<std::uint32_t>(end), 1};
+            it->advice.edits = {{*it->advice.place, ","}};
+            it->advice.note = "write a comma: a semicolon begins a comment";
+            return true;
+        }
+    }
+    for (std::size_t i = 0; i + 1 < statement.operands.size(); ++i) {
+        const std::string_view text = statement.operands[i].text;
+        if (text == "(IX" || text == "(IY") {
+            const std::string_view next = statement.operands[i + 1].text;
+            const std::size_t comma = statement.PartOf(text).offset + text.size();
+            const std::vector<TextEdit> edits = {
+                {{static_cast<std::uint32_t>(comma),
+                  static_cast<std::uint32_t>(statement.PartOf(next).offset - comma)},
+                 "+"}};
+            if (HasFormWith(statement, edits)) {
+                it->PointAt(text);
+                it->advice.edits = edits;
+                it->advice.note = WriteNote(statement, edits);
+                return true;
+            }
+        }
+    }
+    return false;
+}
+
+// A comma that is another sign, as in "LD A:5".
+bool AdviseOnSeparator(OperandCase* it) {
+    const auto& operands = it->statement.operands;
+    if (operands.size() != 1) {
+        return false;
+    }
+    const std::string_view text = operands[0].text;
+    const std::size_t at = text.find_first_of(":.=<-;");
+    const bool isMissing = it->fault.number == MSG_ARGUMENT_EXPECTED;
+    if (at == std::string_view::npos || at == 0 || at + 1 == text.size() ||
+        (!isMissing && ClassOf(text.substr(0, at)).condition < 0)) {
+        return false;
+    }
+    const std::vector<TextEdit> edits = {{it->statement.PartOf(text.substr(at, 1)), ","}};
+    if (!HasFormWith(it->statement, edits)) {
+        return false;
+    }
+    it->PointAt(text.substr(at, 1));
+    it->advice.edits = edits;
+    it->advice.note = WriteNote(it->statement, edits);
+    return true;
+}
+
+// A second instruction in the line, with or without a sign before it.
+bool AdviseOnSecondInstruction(OperandCase* it) {
+    for (const OperandView& operand : it->statement.operands) {
+        for (std::size_t i = 1; i < operand.tokens.size(); ++i) {
+            const Token& token = operand.tokens[i];
+            const Token& before = operand.tokens[i - 1];
+            const bool isSign = HoldsWord("| : \\ !", before.text) && i > 1;
+            if (token.kind == TokenKind::name && FindKeyword(token.text) != nullptr &&
+                !it->IsDefined(token.text) &&
+                (isSign || (before.IsValue() && !before.text.ends_with(':')))) {
+                const std::string_view part =
+                    isSign ? it->statement.Span(before.text, token.text) : token.text;
+                it->PointAt(part);
+                it->Replace(part, "\n\t" + std::string(it->statement.Typed(token.text)));
+                it->advice.note = "write one instruction in a line";
+                return true;
+            }
+        }
+    }
+    return false;
+}
+
+bool AdviseOnEmptyOperand(OperandCase* it) {
+    const auto empty =
+        std::ranges::find(it->statement.operands, std::string_view(), &OperandView::text);
+    if (empty == it->statement.operands.end()) {
+        return false;
+    }
+    const std::size_t at = it->statement.PartOf(empty->text).offset;
+    const std::size_t comma = it->statement.line.rfind(',', at);
+    it->PointAt(it->statement.line.substr(std::min(comma, at), 1));
+    it->advice.note = "add the operand, or remove the comma";
+    return true;
+}
+
+}  // namespace korv

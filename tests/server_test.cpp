@@ -98,7 +98,7 @@ TEST_P(ServerSessionTest, Holds) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Tables, ServerSessionTest,
-                         testing::ValuesIn(ReadBlocks(ProjectPath("tests/server/sessions.txt"))),
+                         testing::ValuesIn(ReadBlocks(ProjectPath("tests/sessions.txt"))),
                          [](const auto& test) { return TestName(test.param); });
 
 std::string OpenMessage(const std::string& uri, const std::string& text) {

@@ -29,9 +29,12 @@ std::string MessageText(std::int32_t number) {
     while (text.ends_with('.') || text.ends_with('!')) {
         text.pop_back();
     }
-    const auto isLower = [](char c) { return HasClass(c, CC_LOWER); };
+    const auto isCapitalOrDigit = [](char c) {
+        return HasClass(c, CC_DIGIT) || (HasClass(c, CC_LETTER) && !HasClass(c, CC_LOWER));
+    };
     const std::string_view first = std::string_view(text).substr(0, text.find(' '));
-    if (first.size() > 1 && std::ranges::all_of(first.substr(1), isLower)) {  // not "ORG", "Gen80"
+    if (first.size() > 1 &&
+        std::ranges::none_of(first.substr(1), isCapitalOrDigit)) {  // not "ORG", "Gen80"
         text[0] = static_cast<char>(text[0] | 0x20);
     }
     return text;
@@ -59,19 +62,22 @@ void MessageMaker::Finish() {
 }
 
 void MessageMaker::Make(const Report& report) {
+    if (report.warning && !warnings->IsOn(*report.warning)) {
+        return;
+    }
     Message message;
+    message.severity =
+        report.warning && !warnings->IsError(*report.warning) ? Severity::warning : Severity::error;
+    if (!IsOpen()) {  // it is only counted
+        AddMessage(std::move(message), analysis);
+        return;
+    }
     message.number = report.number;
     message.code = "X" + std::to_string(report.number);
     message.text = MessageText(report.number);
     message.detail = DetailOf(report.text);
     message.opening = OpeningOf(report.place.file);
     message.warning = report.warning;
-    if (message.warning && !warnings->IsOn(*message.warning)) {
-        return;
-    }
-    if (message.warning && !warnings->IsError(*message.warning)) {
-        message.severity = Severity::warning;
-    }
     const auto id = static_cast<std::int32_t>(statementIds.size());
     const StatementView& statement = StatementAt(report.place);
     const FaultView fault{

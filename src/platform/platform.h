@@ -56,13 +56,17 @@ class Buffer {
 
     /// Where `count` further bytes can be written; null when there is no memory for them, and the
     /// bytes that are there stay. `Advance` then appends as many of them as have been written.
-    [[nodiscard]] char* Room(std::size_t count);
+    [[nodiscard]] char* Room(std::size_t count) {
+        return count <= capacity - used || Grow(count) ? data + used : nullptr;
+    }
     void Advance(std::size_t count) { used += count; }
 
     /// Valid until the next `Room`.
     [[nodiscard]] std::string_view Bytes() const { return {data, used}; }
 
   private:
+    bool Grow(std::size_t count);
+
     char* data = nullptr;  // owned
     std::size_t used = 0;
     std::size_t capacity = 0;

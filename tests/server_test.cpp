@@ -113,7 +113,7 @@ TEST(ServerTest, QueuedChangesAreOneAnalysisAndEachRequestSeesItsText) {
     const std::string uri = korv::UriOfPath(directory.Path() + "/a.kor");
     QueuedClient client;
     client.Send(R"({"id":1,"method":"initialize","params":{}})");
-    client.Send(OpenMessage(uri, "L: JP L\\n"));
+    client.Send(OpenMessage(uri, "LOOP: JP LOOP\\n"));
     for (int i = 2; i <= 101; ++i) {
         client.Send(
             R"({"method":"textDocument/didChange","params":{"textDocument":{"uri":")" + uri + R"(","version":)" +
@@ -125,7 +125,7 @@ TEST(ServerTest, QueuedChangesAreOneAnalysisAndEachRequestSeesItsText) {
     EXPECT_EQ(1U, server.AnalysisCount());
     const Strings received = client.Received();
     ASSERT_EQ(2U, received.size());
-    EXPECT_TRUE(Contains(received[1], "\"version\":101") && Contains(received[1], "undefined")) << received[1];
+    EXPECT_TRUE(Contains(received[1], "\"version\":101") && Contains(received[1], "LOOP")) << received[1];
 }
 
 TEST(ServerTest, UrisArePathsAndBack) {
@@ -194,7 +194,7 @@ TEST(ServerTest, DiagnosticsAreTheMessagesOfKorvAs) {
             }
         }
     }
-    EXPECT_LT(500U, count);
+    EXPECT_LT(300U, count);
 }
 
 }  // namespace

@@ -206,40 +206,42 @@ class CAssembler {
 
     // ---- the state of the run: what it is, and who may write it
 
-    FlagsWord flags;                    ///< RF_* bits; RF_ABORT is set from the console's side too
-    std::int32_t totalLines = 0;        ///< line counters of the files that have ended, summed
-    std::int32_t fileDepth = 0;         ///< source files open now
-    std::int32_t maxFileDepth = 0;      ///< highest `fileDepth` reached
-    std::int32_t lineBufferSize = 256;  ///< longest logical line in bytes
+    /// RF_* bits; by the driver and the handlers; RF_ABORT from the console's side too.
+    FlagsWord flags;
+    std::int32_t totalLines = 0;        ///< line counters of ended files; by include files
+    std::int32_t fileDepth = 0;         ///< source files open now; by include files
+    std::int32_t maxFileDepth = 0;      ///< highest `fileDepth` reached; by include files
+    std::int32_t lineBufferSize = 256;  ///< longest logical line in bytes; by its setter
     std::int32_t assembling = 1;        ///< 0 while a condition skips statements; by conditions
     std::int32_t conditionDepth = 0;    ///< open levels of IF; by conditions
     /// A state byte for each open level; by conditions.
     std::array<std::uint8_t, maxConditions> conditionStack{};
-    std::string sourceName;  ///< main source file, as typed
-    std::string targetName;  ///< target file, given or derived
+    std::string sourceName;  ///< main source file, as typed; before the run
+    std::string targetName;  ///< target file, given or derived; before the run
     /// Z80 address of the next byte; by emission and ORG.
     std::uint32_t location = comStart;
     std::uint32_t statementAddress = 0;  ///< `location` at the start of the statement; by the loop
-    /// Full path of the file being read, null outside of files; `fileNames` owns it.
+    /// Full path of the file being read, null outside of files; `fileNames` owns it. By include
+    /// files.
     const char* currentFileName = nullptr;
     RunObserver* observer = nullptr;  ///< not owned; null for none; by `Observe`
     DiskStore disk{&flags};
     SourceStore* sources = &disk;  ///< of all files that are read; not owned; by a front end
-    CMessageList errors;
-    CMessageList warnings;
-    CFileNameRegistry fileNames;
-    std::FILE* output;  ///< where all console reports go; not owned
-    BinBlock binary;
+    CMessageList errors;           ///< whoever finds one reports to it
+    CMessageList warnings;         ///< the same
+    CFileNameRegistry fileNames;   ///< by include files
+    std::FILE* output;             ///< where all console reports go; not owned; set once
+    BinBlock binary;               ///< by emission and patches
     CIdentifierManager identifiers;
-    DebugStream debugStream;               ///< with RF_DEBUG
-    std::string targetDirectory;           ///< directory of `targetName`, with its separator
-    std::time_t startTime;                 ///< for the time display
-    std::uint32_t fileBufferSize = 65536;  ///< upper bound of a read buffer in bytes
+    DebugStream debugStream;      ///< with RF_DEBUG; by the loop and the traces
+    std::string targetDirectory;  ///< of `targetName`, with its separator; by `AssembleSource`
+    std::time_t startTime;        ///< for the time display; set once
+    std::uint32_t fileBufferSize = 65536;  ///< most bytes of a read buffer; by its setter
     void* currentMacro = nullptr;          ///< the macro being recorded; no command records one
     std::int32_t startAddress = noStartAddress;  ///< of the target; by ORG
     /// Most bytes of the image; what is above it, whoever has set it sees. By a front end.
     std::uint32_t maxImage = std::numeric_limits<std::uint32_t>::max();
-    Meter meter;
+    Meter meter;  ///< by the loop and include files
 
   private:
     bool OpenOutput(platform::OutputFile* file, const std::string& name,

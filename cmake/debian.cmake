@@ -30,6 +30,7 @@ if(NOT CPACK_DEBIAN_PACKAGE_SHLIBDEPS)
 # the dynamic linker. -DKORV_STATIC=OFF links the usual way.
 korv: statically-linked-binary [usr/bin/korv]
 korv: statically-linked-binary [usr/bin/korv-as]
+korv: statically-linked-binary [usr/bin/korv-ls]
 ")
   file(APPEND ${copyright} "
 The programs contain parts of the GNU C library (LGPL-2.1 or later, see
@@ -40,7 +41,7 @@ endif()
 if(EXISTS ${share}/../bin/korv-as AND EXISTS /usr/share/doc/nlohmann-json3-dev/copyright)
   file(READ /usr/share/doc/nlohmann-json3-dev/copyright json)
   file(APPEND ${copyright} "
-korv-as contains nlohmann/json, under these terms:
+korv-as and korv-ls contain nlohmann/json, under these terms:
 
 ${json}")
 endif()

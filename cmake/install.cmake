@@ -5,8 +5,8 @@ include(GNUInstallDirs)
 install(TARGETS korv)
 install(FILES docs/man1/korv.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 if(TARGET korv-as)
-  install(TARGETS korv-as)
-  install(FILES docs/man1/korv-as.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+  install(TARGETS korv-as korv-ls)
+  install(FILES docs/man1/korv-as.1 docs/man1/korv-ls.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
   # Where each shell looks for the files of other packages; Debian's zsh has another place, see debian.cmake.
   set(completions ${CMAKE_SOURCE_DIR}/editors/completions)
   install(FILES ${completions}/korv-as.bash DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions

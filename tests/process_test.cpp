@@ -371,11 +371,13 @@ TEST(TerminalTest, GetsNoControlCharacters) {
     close(master);
 }
 
-// With standard output on a full disk.
+// With standard output on a full disk, or in a pipe that nobody reads.
 TEST(FrontendProcessTest, WhyAFileCannotBeReadOrWrittenIsSaid) {
     const std::string full = ": No space left on device", denied = ": Permission denied";
     const std::pair<std::string, std::string> rows[] = {{"-h", "write standard output" + full},
                                                         {"-V", "write standard output" + full},
+                                                        {"| -h", "write standard output: Broken pipe"},
+                                                        {"| a.kor -o -", "write standard output: Broken pipe"},
                                                         {"a.kor -o -", "write standard output" + full},
                                                         {"a.kor -o /dev/full", "write /dev/full" + full},
                                                         {"secret.kor", "read secret.kor" + denied},
@@ -390,9 +392,13 @@ TEST(FrontendProcessTest, WhyAFileCannotBeReadOrWrittenIsSaid) {
     }
     ASSERT_EQ(0, std::system("chmod 0 secret.kor; chmod 444 old; chmod 555 ."));
     for (const auto& [words, message] : rows) {
-        std::string line = "korv-as " + words;
-        const auto run = [&line] {
-            EXPECT_NE(nullptr, std::freopen("/dev/full", "w", stdout));
+        const bool isPipe = words.starts_with("| ");
+        std::string line = "korv-as " + words.substr(isPipe ? 2 : 0);
+        const auto run = [&line, isPipe] {
+            int ends[2] = {};
+            EXPECT_TRUE(!isPipe || pipe(ends) == 0);
+            EXPECT_TRUE(isPipe ? close(ends[0]) == 0 && dup2(ends[1], STDOUT_FILENO) >= 0
+                               : std::freopen("/dev/full", "w", stdout) != nullptr);
             Strings parts = Split(line, ' ');
             std::vector<char*> argv;
             std::ranges::transform(parts, std::back_inserter(argv), [](std::string& word) { return word.data(); });

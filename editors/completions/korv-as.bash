@@ -9,13 +9,13 @@ _korv_as()
         overlap range open-string empty-operand skipped-line label-without-colon org unused-label symbol-range"
     local current=$2 previous=$3 words= kind= warning
 
-    if [[ $previous == "=" ]]; then # which bash takes for a word
+    if [[ $previous == "=" ]]; then # which bash treats as a separate word
         previous=${COMP_WORDS[COMP_CWORD - 2]}
     fi
     case $previous in
         -f | --format) words="com bin hex" ;;
         --symbol-format) words="equ sym noi cspect" ;;
-        --summary) # its argument can only follow "="
+        --summary) # takes an argument only after "="
             case ${COMP_WORDS[COMP_CWORD - 1]}${COMP_WORDS[COMP_CWORD]} in
                 *=*) words="text json" ;;
                 *) kind=-f ;;

@@ -1,5 +1,5 @@
 // Starts korv-ls for files of the language "korv" and passes the settings on to it. `tools/build vscode` bundles this
-// file with the client library. Without the library the extension gives colours and problem matchers only.
+// file with the client library. Without the library, the extension only provides highlighting and problem matchers.
 const vscode = require("vscode");
 
 let library;
@@ -11,7 +11,7 @@ try {
 
 let client;
 
-// What the server reads: the section "korv" of the settings, without the way to the program itself.
+// The settings for the server: the section "korv" without the path of the server itself.
 function options() {
   const settings = vscode.workspace.getConfiguration("korv");
   return {

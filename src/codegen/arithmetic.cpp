@@ -14,11 +14,8 @@ constexpr std::int32_t toImmediate = 0x46;  // from 80 to C6, 88 to CE, 98 to DE
 
 // To HL, IX or IY: the other operand may be the same register.
 constexpr OperandForm PairForm(std::uint8_t prefix, std::uint8_t opcode, std::int32_t to) {
-    return {.shift = 4,
-            .opcode = opcode,
-            .prefix = prefix,
-            .allowed = pairs | AllowedBit(to),
-            .forms = prefix == PREFIX_NONE ? 0 : FORM_PREFIX};
+    const std::uint32_t forms = prefix == PREFIX_NONE ? 0 : FORM_PREFIX;
+    return {4, opcode, 0, prefix, pairs | AllowedBit(to), forms};
 }
 
 }  // namespace

@@ -35,10 +35,7 @@ const char* FindOperandEnd(const char* next) {
                                          const char* start, const char* next) {
     const char* const end = FindOperandEnd(next);
     const bool isLast = *end != ',';
-    const char* last = end;
-    while (last != start && HasClass(last[-1], CC_BLANK)) {
-        --last;
-    }
+    const char* const last = WithoutBlanks(start, end);
     if (last != start) {
         if (const Status result = statement->args.Add({start, last}); result != 0) {
             assembler->ReportError(statement, isLast ? result : MSG_SYSTEM_ERROR,
@@ -93,8 +90,9 @@ const char* FindOperandEnd(const char* next) {
 void DefineLabel(CAssembler* assembler, CStatement* statement, std::int32_t value,
                  std::uint32_t flags) {
     statement->flags |= SF_LABEL_DEFINED;
-    assembler->identifiers.AddID(
-        {statement->label, statement->PlaceIn(statement->label), value, flags});
+    const auto length = static_cast<std::uint32_t>(statement->label.size());
+    const SourcePlace place{statement->fileName, statement->lineNumber, 0, length};
+    assembler->identifiers.AddID({statement->label, place, value, flags});
 }
 
 void DefineLineLabel(CAssembler* assembler, CStatement* statement) {

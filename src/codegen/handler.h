@@ -17,7 +17,8 @@ struct lsArg;
 /// Assembles one statement, once its frame is done. Result: 0; a message number, which the
 /// statement loop reports as an error without a text; or `generalFailure`. What the statement
 /// has emitted by then stays. Handlers are compared by identity.
-using InstructionHandler = Status (*)(CAssembler* assembler, CStatement* statement);
+using HandlerFunction = Status(CAssembler* assembler, CStatement* statement);
+using InstructionHandler = HandlerFunction*;
 
 /// A handler that serves several instructions, told apart by `facts`: opcodes, fields, places.
 template <auto handler, auto... facts>

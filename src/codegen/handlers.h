@@ -13,10 +13,10 @@ Status AssembleImplied(CAssembler* assembler, CStatement* statement, std::uint8_
                        std::uint8_t opcode);
 
 // codegen/load.cpp
-Status AssembleLd(CAssembler* assembler, CStatement* statement);
+HandlerFunction AssembleLd;
 
 // codegen/arithmetic.cpp; AND, CP, OR, SUB, XOR are EncodeAccumulatorOp
-Status AssembleAdd(CAssembler* assembler, CStatement* statement);
+HandlerFunction AssembleAdd;
 /// ADC and SBC: the opcodes with B and with BC as second operand.
 Status AssembleWithCarry(CAssembler* assembler, CStatement* statement, std::uint8_t byteOpcode,
                          std::uint8_t pairOpcode);
@@ -29,44 +29,30 @@ Status AssembleStep(CAssembler* assembler, CStatement* statement, std::uint8_t b
 Status AssembleBit(CAssembler* assembler, CStatement* statement, char kind);
 
 // codegen/jumps.cpp
-Status AssembleCall(CAssembler* assembler, CStatement* statement);
-Status AssembleDjnz(CAssembler* assembler, CStatement* statement);
-Status AssembleJp(CAssembler* assembler, CStatement* statement);
-Status AssembleJr(CAssembler* assembler, CStatement* statement);
-Status AssembleRet(CAssembler* assembler, CStatement* statement);
-Status AssembleRst(CAssembler* assembler, CStatement* statement);
+HandlerFunction AssembleCall, AssembleDjnz, AssembleJp, AssembleJr, AssembleRet, AssembleRst;
 
 // codegen/stack_and_ports.cpp
 /// PUSH and POP: the opcode with BC.
 Status AssembleStack(CAssembler* assembler, CStatement* statement, std::uint8_t opcode);
-Status AssembleEx(CAssembler* assembler, CStatement* statement);
-Status AssembleIm(CAssembler* assembler, CStatement* statement);
+HandlerFunction AssembleEx, AssembleIm;
 /// IN and OUT: the place of the register among the operands, the opcodes with B and with A.
 Status AssembleInOut(CAssembler* assembler, CStatement* statement, std::int32_t registerPlace,
                      std::uint8_t registerOpcode, std::uint8_t portOpcode);
 
 // directives/data.cpp
-Status AssembleDb(CAssembler* assembler, CStatement* statement);
-Status AssembleDm(CAssembler* assembler, CStatement* statement);
-Status AssembleDs(CAssembler* assembler, CStatement* statement);
-Status AssembleDw(CAssembler* assembler, CStatement* statement);
-Status AssembleBinclude(CAssembler* assembler, CStatement* statement);
+HandlerFunction AssembleDb, AssembleDm, AssembleDs, AssembleDw, AssembleBinclude;
 
 // directives/origin.cpp
-Status AssembleOrg(CAssembler* assembler, CStatement* statement);
-Status AssembleEqu(CAssembler* assembler, CStatement* statement);
+HandlerFunction AssembleOrg, AssembleEqu;
 
 // directives/conditions.cpp
-Status AssembleIf(CAssembler* assembler, CStatement* statement);
-Status AssembleElse(CAssembler* assembler, CStatement* statement);
-Status AssembleEndif(CAssembler* assembler, CStatement* statement);
-Status AssembleEnd(CAssembler* assembler, CStatement* statement);
+HandlerFunction AssembleIf, AssembleElse, AssembleEndif, AssembleEnd;
 
 // codegen/handler.cpp
 /// A command without a function: its result is `answer`.
 Status AnswerOnly(CAssembler* assembler, CStatement* statement, Status answer);
 
 // source/include_files.cpp
-Status AssembleInclude(CAssembler* assembler, CStatement* statement);
+HandlerFunction AssembleInclude;
 
 }  // namespace korv

@@ -15,14 +15,10 @@ namespace {
 constexpr std::uint8_t storeOpcode = 0x70;  // LD (HL),r and LD (IX+d),r
 constexpr std::uint8_t storeImmediateOpcode = 0x36;
 
-constexpr OperandForm toAccumulator{.opcode = 0x78,
-                                    .immediateOpcode = 0x3E,
-                                    .allowed = ALLOW_FIELD,
-                                    .forms = FORM_IMM8 | FORM_IX | FORM_IY | FORM_DIRECT};
-constexpr OperandForm toMemory{.opcode = storeOpcode,
-                               .immediateOpcode = storeImmediateOpcode,
-                               .allowed = ALLOW_A | ALLOW_B_TO_L,
-                               .forms = FORM_IMM8};
+constexpr OperandForm toAccumulator =
+    ByteForm(0x78, 0x3E, ALLOW_FIELD, FORM_IMM8 | FORM_IX | FORM_IY | FORM_DIRECT);
+constexpr OperandForm toMemory =
+    ByteForm(storeOpcode, storeImmediateOpcode, ALLOW_A | ALLOW_B_TO_L, FORM_IMM8);
 
 // By the number of the register.
 constexpr auto toRegister = [] {

@@ -96,14 +96,17 @@ Status EncodeAccumulatorOp(CAssembler* assembler, CStatement* statement, std::in
 }
 
 Status ProcessBSR_Ex(CAssembler* assembler, CStatement* statement, char kind, std::int32_t field) {
-    constexpr std::string_view kinds = "XBRS";  // by bits 7 and 6 of the opcode
-    const std::size_t place = kinds.find(kind);
-    if (place == std::string_view::npos) {
+    const std::int32_t base = kind == 'X'   ? 0x00
+                              : kind == 'B' ? 0x40
+                              : kind == 'R' ? 0x80
+                              : kind == 'S' ? 0xC0
+                                            : -1;
+    if (base < 0) {
         assembler->ReportError(statement, MSG_GENERAL_FAILURE,
                                "ProcessBSR_Ex -> Not BSRX in switch!");
         return 0;
     }
-    std::int32_t opcode = static_cast<std::int32_t>(place << 6) + 8 * field;
+    std::int32_t opcode = base + 8 * field;
     const lsArg& arg = kind == 'X' ? statement->args.First() : statement->args.Second();
     if (IsFieldRegister(arg.reg)) {
         return assembler->EmitOpcode(PREFIX_CB, opcode + arg.reg);

@@ -51,11 +51,15 @@ struct OperandForm {
 };
 
 /// The form of an operand that is any byte: in a register, in memory, or immediate.
-[[nodiscard]] constexpr OperandForm ByteForm(std::int32_t opcode, std::int32_t immediateOpcode) {
-    return {.opcode = static_cast<std::uint8_t>(opcode),
-            .immediateOpcode = static_cast<std::uint8_t>(immediateOpcode),
-            .allowed = ALLOW_FIELD,
-            .forms = FORM_IMM8 | FORM_IX | FORM_IY};
+[[nodiscard]] constexpr OperandForm ByteForm(std::int32_t opcode, std::int32_t immediateOpcode,
+                                             std::uint32_t allowed = ALLOW_FIELD,
+                                             std::uint32_t forms = FORM_IMM8 | FORM_IX | FORM_IY) {
+    return {0,
+            static_cast<std::uint8_t>(opcode),
+            static_cast<std::uint8_t>(immediateOpcode),
+            0,
+            allowed,
+            forms};
 }
 
 /// The byte that selects IX or IY, if `reg` is one of its codes in any form.

@@ -36,14 +36,15 @@ inline char* PutHexByte(char* to, std::uint8_t value) {
     return to + 2;
 }
 
-/// At least `minDigits`, at most 8 hexadecimal digits.
+/// At least `minDigits`, at most 8 hexadecimal digits; there is room for 8.
 inline char* PutHex(char* to, std::uint32_t value, std::size_t minDigits) {
-    std::array<char, 8> all;
+    std::array<char, 16> all{};
     for (std::size_t i = 0; i < 4; ++i) {
         PutHexByte(&all[2 * i], static_cast<std::uint8_t>(value >> (24 - 8 * i)));
     }
     const std::size_t digits = std::max(minDigits, (std::bit_width(value) + std::size_t{3}) / 4);
-    return std::copy_n(all.end() - digits, digits, to);
+    std::memcpy(to, all.data() + 8 - digits, 8);
+    return to + digits;
 }
 
 /// Blanks that make a text of `size` characters `width` characters long.
@@ -92,9 +93,6 @@ class ReportWriter {
     }
 
     void PutHexByte(std::uint8_t value) { Advance(korv::PutHexByte(Room(2), value)); }
-    void PutHex(std::uint32_t value, std::size_t minDigits) {
-        Advance(korv::PutHex(Room(8), value, minDigits));
-    }
 
     /// As `Put`, for a text from a source or of a file name. A terminal gets none of its control
     /// characters, nor bytes that are no UTF-8, but "\xHH" for them, so that no text can pass for

@@ -110,7 +110,11 @@ class Parser {
         std::string_view rest = std::string_view(word).substr(1 + row->word.size());
         switch (row->kind) {
             case Kind::onOff:
-                SwitchOnOrOff(*row, rest);
+                if (rest.empty() || rest[0] == '+' || rest[0] == '-') {
+                    Put(*row, !rest.starts_with('-'));
+                } else {
+                    std::printf("Unrecognized switch (argument %d)!\n", place);
+                }
                 rest.remove_prefix(std::min<std::size_t>(rest.size(), 1));
                 break;
             case Kind::trace:
@@ -136,15 +140,6 @@ class Parser {
         }
         if (!rest.empty()) {
             std::printf("Trailing garbage in argument %d!\n", place);
-        }
-    }
-
-    void SwitchOnOrOff(const Switch& row, std::string_view rest) {
-        const bool isOn = rest.empty() || rest[0] == '+';
-        if (isOn || rest[0] == '-') {
-            Put(row, isOn);
-        } else {
-            std::printf("Unrecognized switch (argument %d)!\n", place);
         }
     }
 

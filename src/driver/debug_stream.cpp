@@ -86,9 +86,9 @@ void DebugStream::WriteListing(const CAssembler* assembler, platform::OutputFile
         if (rest.size() < headSize) {
             return;
         }
-        out.Put("<");
-        out.PutHex(static_cast<std::uint32_t>(offset), 2);
-        out.Put("> [");
+        char* const to = out.Room(12);
+        *to = '<';
+        out.Advance(PutText(PutHex(to + 1, static_cast<std::uint32_t>(offset), 2), "> ["));
         const std::uint64_t following = offset + LoadCount(rest.data() + 1);
         const std::uint64_t shown = std::min(following, binary.Position() + mostOutside);
         for (; offset < shown && !flags.Has(RF_ABORT); ++offset) {

@@ -152,10 +152,11 @@ void CAssembler::Progress() {
 
 std::int32_t CAssembler::StatusDump(std::FILE* stream) {
     std::FILE* const to = stream == nullptr ? output : stream;
-    std::fputs("Korv Status Dump.\n----------------------------------------------------\n", to);
-    std::fprintf(to, "   File depth:        %3d/%d.\n", fileDepth, maxFileDepth);
-    std::fprintf(to, "   Conditional depth: %3d.\n", conditionDepth);
-    std::fprintf(to, "   Total Linecount:   %3d.\n", totalLines);
+    std::fprintf(to,
+                 "Korv Status Dump.\n----------------------------------------------------\n"
+                 "   File depth:        %3d/%d.\n   Conditional depth: %3d.\n"
+                 "   Total Linecount:   %3d.\n",
+                 fileDepth, maxFileDepth, conditionDepth, totalLines);
     PrintTexts(to, "   Current filename:  %\n",
                {currentFileName == nullptr ? "(none)" : currentFileName});
     std::fputs("Temp string info\n----------------\n", to);

@@ -127,9 +127,9 @@ std::int32_t CAssembler::RunStatements(CSourceFile* file, CStatement* statement)
     if (flags.Has(stops)) {
         return lineCounter;
     }
+    std::uint32_t bytesOfLine = 0;
+    std::uint32_t linesOfLine = 0;
     for (;;) {
-        std::uint32_t bytesOfLine = 0;
-        std::uint32_t linesOfLine = 0;
         statement->label = {};
         statement->refused = nullptr;
         statement->flags = 0;

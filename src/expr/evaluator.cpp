@@ -12,8 +12,6 @@
 #include <limits>
 #include <optional>
 
-#include "diagnostics/message_numbers.h"
-
 namespace korv {
 namespace {
 
@@ -161,7 +159,7 @@ class NodeList {
 
 }  // namespace
 
-std::int32_t ReduceNodes(ExprNode* nodes, std::int32_t capacity, std::int32_t count) {
+Status ReduceNodes(ExprNode* nodes, std::int32_t capacity, std::int32_t count) {
     if (count == 0) {
         return MSG_BAD_EXPRESSION;
     }

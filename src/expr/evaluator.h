@@ -3,6 +3,8 @@
 
 #include <cstdint>
 
+#include "diagnostics/message_numbers.h"
+
 namespace korv {
 
 inline constexpr std::int32_t NODE_VALUE = 0x23;
@@ -41,6 +43,6 @@ struct ExprNode {
 /// Works in place on the first `count` of the `capacity` elements at `nodes`, which stand in source
 /// order with `value`, `type` and `priority` set. Result: 0 with the value in `nodes[0].value`,
 /// or MSG_BAD_EXPRESSION. Numbers are signed 32-bit and wrap.
-[[nodiscard]] std::int32_t ReduceNodes(ExprNode* nodes, std::int32_t capacity, std::int32_t count);
+[[nodiscard]] Status ReduceNodes(ExprNode* nodes, std::int32_t capacity, std::int32_t count);
 
 }  // namespace korv

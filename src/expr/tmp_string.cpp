@@ -76,9 +76,9 @@ void CtmpStringManager::ReleaseAll() {
     }
 }
 
-std::int32_t CtmpStringManager::DumpStatus(std::FILE* stream) {
+Status CtmpStringManager::DumpStatus(std::FILE* stream) {
     if (stream == nullptr) {
-        return -1;
+        return noStream;
     }
     std::fprintf(stream, "   Block Count: %5d.\n", blockCount);
     for (const CtmpStringBlock* block = head; block != nullptr; block = block->next) {

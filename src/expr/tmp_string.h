@@ -9,6 +9,8 @@
 #include <cstdio>
 #include <string_view>
 
+#include "diagnostics/message_numbers.h"
+
 namespace korv {
 
 struct CtmpStringBlock {
@@ -37,9 +39,8 @@ class CtmpStringManager {
     /// gone before.
     static void ReleaseAll();
 
-    /// Writes the number of blocks and a line for each, the newest first. Result: 0, or -1 for a
-    /// null stream.
-    static std::int32_t DumpStatus(std::FILE* stream);
+    /// Writes the number of blocks and a line for each, the newest first. Result: 0, or `noStream`.
+    static Status DumpStatus(std::FILE* stream);
 
   private:
     static void MakeBlock(std::size_t size);

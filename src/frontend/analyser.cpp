@@ -75,6 +75,15 @@ StatementKind KindOf(const CStatement& statement, std::string_view mnemonic,
     return StatementKind::directive;
 }
 
+// Whether some operand of `statement`, whose operands are all known, may hold a name.
+bool MayHoldName(CStatement& statement) {
+    bool hasValue = statement.args.Count() == 0;  // also where nobody has looked at the operands
+    for (const lsArg& arg : statement.args) {
+        hasValue = hasValue || arg.IsValue();
+    }
+    return hasValue;
+}
+
 LoadHeader HeaderOf(const CAssembler::LoadHeader& bytes) {
     const auto word = [&bytes](std::size_t at) {
         return static_cast<std::uint32_t>(bytes[at] | bytes[at + 1] << 8);
@@ -325,18 +334,18 @@ std::optional<Warning> Analyser::WarningFor(std::int32_t number,
 // whether one says that its bytes are not what it seems to say.
 bool Analyser::TakeReports(Level* level) {
     bool isFaulty = false;
-    std::vector<Report> reports = std::exchange(level->reports, {});
     const auto isError = [](const Report& report) { return !report.isWarning && !report.isLate; };
-    const bool hasError = std::ranges::any_of(reports, isError);
-    for (const Report& report : reports) {
+    const bool hasError = std::ranges::any_of(level->reports, isError);
+    for (Report& report : level->reports) {
         isFaulty =
             isFaulty || (!report.isLate && (!report.isWarning || report.warning == Warning::range ||
                                             report.number == MSG_ORG_AFTER_CODE));
         // A label without a colon is the reason of an error in its line, which says so.
         if (!hasError || report.number != MSG_LABEL_WITHOUT_COLON) {
-            maker.Add(report);
+            maker.Add(std::move(report));
         }
     }
+    level->reports.clear();
     return isFaulty;
 }
 
@@ -378,7 +387,7 @@ void Analyser::OnStatement(CStatement& statement, std::uint32_t lineCount) {
                     CheckComments(text, maker.places.LineAt(text, statement.lineNumber)));
     }
     if (statement.text[0] != '\0') {
-        if (wanted.uses) {
+        if (wanted.uses && (isFaulty || MayHoldName(statement))) {
             names.AddUses(statement, assembler.assembling == 0, &maker);
         }
         if (conditions.HasChanged(assembler)) {
@@ -412,7 +421,7 @@ void Analyser::CheckStatement(CStatement* statement, std::uint32_t count) {
     if (operands > 0 && (operands > 2 || IsOdd(args.First(), bytes) ||
                          (operands > 1 && IsOdd(args.Second(), bytes)))) {
         Findings findings;
-        CheckOperands(&args, CutStatement(statement->text), bytes, &findings);
+        CheckOperands(statement, bytes, &findings);
         Warn(*statement, findings);
     }
     if (assembler.location != statement->address + count && imageSize != 0 &&

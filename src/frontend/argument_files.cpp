@@ -79,6 +79,8 @@ class WordReader {
 
 class Expander {
   public:
+    explicit Expander(std::string_view directory) : directory(directory) {}
+
     std::vector<std::string> result;
 
     // `depth` is that of the file that the words are from; 0: the command line.
@@ -115,8 +117,9 @@ class Expander {
     }
 
     std::string Read(const std::string& name, std::string* text) {
+        const bool isThere = directory.empty() || platform::IsAbsolutePath(name);
         platform::InputFile file;
-        if (file.Open(name)) {
+        if (file.Open(isThere ? name : std::string(directory) + "/" + name)) {
             char block[4096];
             for (std::size_t count = 0; (count = file.Read(block, sizeof block)) != 0;) {
                 if (count > bytesLeft) {
@@ -130,6 +133,7 @@ class Expander {
         return file.Failed() ? "cannot read " + name + ": " + file.Reason() : "";
     }
 
+    std::string_view directory;
     std::size_t bytesLeft = mostBytes;
 };
 
@@ -149,8 +153,8 @@ std::string SplitWords(std::string_view text, std::vector<std::string>* words) {
     return "";
 }
 
-std::string ExpandArgumentFiles(std::vector<std::string>* words) {
-    Expander expander;
+std::string ExpandArgumentFiles(std::vector<std::string>* words, std::string_view directory) {
+    Expander expander(directory);
     std::string failure = expander.Take(*words, 0);
     *words = std::move(expander.result);
     return failure;

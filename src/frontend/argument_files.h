@@ -15,7 +15,8 @@ namespace korv {
 [[nodiscard]] std::string SplitWords(std::string_view text, std::vector<std::string>* words);
 
 /// Puts the words of file NAME in the place of each word @NAME, also in those files; a relative
-/// NAME is one in the current directory. Result: what is wrong; empty: nothing.
-[[nodiscard]] std::string ExpandArgumentFiles(std::vector<std::string>* words);
+/// NAME is one in `directory`; empty: in the current one. Result: what is wrong; empty: nothing.
+[[nodiscard]] std::string ExpandArgumentFiles(std::vector<std::string>* words,
+                                              std::string_view directory = {});
 
 }  // namespace korv

@@ -82,17 +82,25 @@ void CheckLabel(std::string_view label, Findings* findings) {
     }
 }
 
-void CheckOperands(KO_Args* args, const StatementView& statement,
-                   std::span<const std::uint8_t> bytes, Findings* findings) {
-    if (const std::optional<LinePart> escape = FindEscape(statement)) {
-        const std::string_view part = statement.line.substr(escape->offset, escape->length);
-        findings->push_back({Warning::escape, part, Quoted(part),
-                             "write the character as a number, as in DB \"one\",10"});
+void CheckOperands(CStatement* statement, std::span<const std::uint8_t> bytes, Findings* findings) {
+    KO_Args& args = statement->args;
+    bool hasBackslash = false;
+    for (const lsArg& arg : args) {
+        hasBackslash = hasBackslash || arg.text.find('\\') != std::string_view::npos;
     }
-    for (const lsArg& arg : *args) {
+    if (hasBackslash) {
+        const StatementView view = CutStatement(statement->text);
+        if (const std::optional<LinePart> escape = FindEscape(view)) {
+            const std::string_view part = view.line.substr(escape->offset, escape->length);
+            findings->push_back({Warning::escape, part, Quoted(part),
+                                 "write the character as a number, as in DB \"one\",10"});
+        }
+    }
+    const Keyword* const keyword = FindKeyword(statement->token);
+    for (const lsArg& arg : args) {
         if (!IsLateExpression(arg)) {
             if (IsOdd(arg, bytes)) {
-                CheckOperand(arg, statement.keyword, findings);
+                CheckOperand(arg, keyword, findings);
             }
         } else if (HoldsLocation(arg)) {
             findings->push_back({Warning::lateLocation, arg.text, Quoted(arg.text),

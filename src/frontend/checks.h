@@ -17,7 +17,6 @@
 
 namespace korv {
 
-class KO_Args;
 struct CStatement;
 struct lsArg;
 
@@ -43,10 +42,8 @@ using Findings = std::vector<Finding>;
 /// Looks at such a label.
 void CheckLabel(std::string_view label, Findings* findings);
 
-/// Looks at the operands of a statement that has been assembled without an error. `statement` is
-/// cut from its line.
-void CheckOperands(KO_Args* args, const StatementView& statement,
-                   std::span<const std::uint8_t> bytes, Findings* findings);
+/// Looks at the operands of a statement that has been assembled without an error.
+void CheckOperands(CStatement* statement, std::span<const std::uint8_t> bytes, Findings* findings);
 
 /// A finding about the bytes of a file, at a physical place.
 struct ByteFinding {

@@ -1,7 +1,8 @@
-// The numbers are those of the processor's user manual (Zilog UM0080), one table for each prefix.
-// A condition that is met adds 5 to a relative jump, 6 to a return, 7 to a call and nothing to JP;
-// a block instruction takes 5 more for each repetition. The manual leaves out ED 70 and ED 71,
-// IN F,(C) and OUT (C),F, which assemble: they take as long as their neighbours.
+// Written from the published tables, one table for each prefix; every documented opcode is compared
+// with an emulator in the tests. A condition that is met adds 5 to a relative jump, 6 to a return,
+// 7 to a call and nothing to JP; a block instruction takes 5 more for each repetition. The
+// published tables leave out ED 70 and ED 71, IN F,(C) and OUT (C),F, which assemble: they take as
+// long as their neighbours.
 
 #include "frontend/cycles.h"
 
@@ -106,7 +107,7 @@ constexpr bool IsBit(std::uint8_t opcode) {
 constexpr bool IsMemory(std::uint8_t opcode) {
     return (opcode & 7) == 6;
 }
-/// The hole between SRA and SRL, which the manual leaves out.
+/// The gap between SRA and SRL, which the published tables leave out.
 constexpr bool IsHole(std::uint8_t opcode) {
     return opcode >> 3 == 6;
 }

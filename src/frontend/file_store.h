@@ -8,6 +8,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "frontend/stored_text.h"
@@ -32,6 +33,9 @@ class FileStore : public SourceStore {
     /// Gives the bytes of the file at the full path `path`, in place of what the disk holds.
     void SetText(const std::string& path, std::string bytes,
                  const platform::FileIdentity& identity = {});
+
+    /// The same for a text that is kept already, under its path.
+    void SetText(Text text) { texts[text->Path()] = std::move(text); }
 
     /// The full path of `name` as the command line has it.
     [[nodiscard]] std::string FullPath(std::string_view name) { return Beside(base, name).path; }

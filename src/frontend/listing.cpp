@@ -12,6 +12,7 @@
 #include "diagnostics/report_writer.h"
 #include "frontend/cycles.h"
 #include "frontend/message_printer.h"
+#include "frontend/number_text.h"
 #include "frontend/summary.h"
 #include "frontend/terminal_text.h"
 
@@ -58,7 +59,9 @@ class Listing {
         std::size_t widest = 0;
         for (const SourceFile& file : analysis.files) {
             const std::size_t digits = std::to_string(file.text->LineCount()).size();
-            widest = std::max(widest, EndColumn(file.name, 0, false) + 1 + digits);
+            const std::size_t width = EndColumn(file.name, 0, false);
+            widest = std::max(widest, width + 1 + digits);
+            hiddenBytes.push_back(file.name.size() - width);
         }
         constexpr std::size_t widestPlace = 64;  // a longer one moves its own line only
         sourceColumn = (placeColumn + std::min(widest, widestPlace) + 2 + 7) / 8 * 8;
@@ -149,13 +152,13 @@ class Listing {
 
     void AddSource(const Statement& statement, std::int32_t line) {
         const Opening& opening = analysis.openings[static_cast<std::size_t>(statement.opening)];
-        const Place place{opening.file, line};
-        const std::string name = analysis.LineName(place);
-        PadTo(placeColumn) += name;
-        const std::string_view source = analysis.LineOf(place);
+        const auto number = static_cast<std::size_t>(opening.file);
+        const SourceFile& file = analysis.files[number];
+        PadTo(placeColumn).append(file.name) += ':';
+        AppendNumber(&text, line);
+        const std::string_view source = file.text->Line(line);
         if (!source.empty()) {
-            // A name may have characters of more than one byte.
-            lineStart += name.size() - EndColumn(name, 0, false);
+            lineStart += hiddenBytes[number];
             PadTo(std::max(sourceColumn, text.size() - lineStart + 2)) += source;
         }
     }
@@ -227,7 +230,9 @@ class Listing {
     }
 
     const Analysis& analysis;
-    std::size_t sourceColumn = 0;       // from 0
+    std::size_t sourceColumn = 0;  // from 0
+    // By file: bytes of its name less columns, since characters may have more than one byte.
+    std::vector<std::size_t> hiddenBytes;
     std::vector<std::size_t> messages;  // their numbers, by opening and line
     std::vector<bool> isListed;         // by the numbers of the messages
     std::string text;

@@ -30,9 +30,12 @@ std::string MessageText(std::int32_t number) {
     while (text.ends_with('.') || text.ends_with('!')) {
         text.pop_back();
     }
-    const auto isLower = [](char c) { return HasClass(c, CC_LOWER); };
+    const auto isCapitalOrDigit = [](char c) {
+        return HasClass(c, CC_DIGIT) || (HasClass(c, CC_LETTER) && !HasClass(c, CC_LOWER));
+    };
     const std::string_view first = std::string_view(text).substr(0, text.find(' '));
-    if (first.size() > 1 && std::ranges::all_of(first.substr(1), isLower)) {  // not "ORG", "Gen80"
+    if (first.size() > 1 &&
+        std::ranges::none_of(first.substr(1), isCapitalOrDigit)) {  // not "ORG", "Gen80"
         text[0] = static_cast<char>(text[0] | 0x20);
     }
     return text;
@@ -58,58 +61,59 @@ void MessageMaker::Finish() {
             refusedLines.insert(lineOf(*report));
         }
     }
-    std::vector<Message> made;
     for (auto& each : std::exchange(pending, {})) {
-        const auto* const report = std::get_if<Report>(&each);
-        if (report == nullptr) {
-            made.push_back(std::move(std::get<Message>(each)));
-        } else if (report->warning != Warning::emptyOperand ||
-                   !refusedLines.contains(lineOf(*report))) {
-            Make(*report, &made);
+        if (const auto* const report = std::get_if<Report>(&each)) {
+            if (report->warning != Warning::emptyOperand ||
+                !refusedLines.contains(lineOf(*report))) {
+                Make(*report);
+            }
+            continue;
         }
-    }
-    for (Message& message : made) {
-        if (message.number != 0 || !message.warning) {
+        auto& message = std::get<Message>(each);
+        if (!message.warning) {
             if (message.code != "open-if" || !adviser.TakeRefusedEnd()) {
                 AddMessage(std::move(message), analysis);
             }
-        } else if (!IsExplained(message,
-                                refusedLines.contains({message.place.file, message.place.line}))) {
+        } else if (message.warning != Warning::condition ||
+                   !refusedLines.contains({message.place.file, message.place.line})) {
             AddWarning(*warnings, std::move(message), analysis);
         }
     }
+    RemoveExplained();
 }
 
-// A warning about a condition or a name that an error is about would be a second message about one
-// mistake.
-bool MessageMaker::IsExplained(const Message& warning, bool isRefused) const {
-    switch (*warning.warning) {
-        case Warning::condition:
-            return isRefused;
-        case Warning::registerLabel:
-        case Warning::numberLabel:
-            return isRefused || std::ranges::any_of(explained, [&](const std::string& name) {
-                       return warning.detail == name || warning.detail == Quoted(name);
-                   });
-        default:
-            return false;
+// The warning about a name that an error is about is a second message about one mistake.
+void MessageMaker::RemoveExplained() {
+    const auto isExplained = [this](const Message& message) {
+        const bool isAboutName =
+            message.severity == Severity::warning &&
+            (message.warning == Warning::registerLabel || message.warning == Warning::numberLabel);
+        return isAboutName && std::ranges::any_of(explained, [&](const std::string& name) {
+                   return message.detail == name || message.detail == Quoted(name);
+               });
+    };
+    if (!explained.empty()) {
+        analysis->warningCount -= static_cast<int>(std::erase_if(analysis->messages, isExplained));
     }
 }
 
-void MessageMaker::Make(const Report& report, std::vector<Message>* made) {
+void MessageMaker::Make(const Report& report) {
+    if (report.warning && !warnings->IsOn(*report.warning)) {
+        return;
+    }
     Message message;
+    message.severity =
+        report.warning && !warnings->IsError(*report.warning) ? Severity::warning : Severity::error;
+    if (!IsOpen()) {  // it is only counted
+        AddMessage(std::move(message), analysis);
+        return;
+    }
     message.number = report.number;
     message.code = "X" + std::to_string(report.number);
     message.text = MessageText(report.number);
     message.detail = DetailOf(report.text);
     message.opening = OpeningOf(report.place.file);
     message.warning = report.warning;
-    if (message.warning && !warnings->IsOn(*message.warning)) {
-        return;
-    }
-    if (message.warning && !warnings->IsError(*message.warning)) {
-        message.severity = Severity::warning;
-    }
     const auto id = static_cast<std::int32_t>(statementIds.size());
     const StatementView& statement = StatementAt(report.place);
     const FaultView fault{
@@ -151,7 +155,7 @@ void MessageMaker::Make(const Report& report, std::vector<Message>* made) {
             message.edits.push_back({part, std::move(edit.text)});
         }
     }
-    made->push_back(std::move(message));
+    AddMessage(std::move(message), analysis);
 }
 
 void MessageMaker::Warn(Warning warning, const Place& place, std::int32_t opening,

@@ -85,8 +85,8 @@ class MessageMaker : private RunFacts {
     std::string SearchedDirectories() const override;
     std::vector<std::string_view> DefinedNames() const override;
 
-    void Make(const Report& report, std::vector<Message>* made);
-    [[nodiscard]] bool IsExplained(const Message& warning, bool isRefused) const;
+    void Make(const Report& report);
+    void RemoveExplained();
     // The statement in hand, cut once for all its messages.
     const StatementView& StatementAt(const SourcePlace& place);
     // Full path of the file of the statement in hand.

@@ -77,7 +77,7 @@ void PrintHeading(const Message& message, std::string_view place, Pen pen) {
     const bool isError = message.severity == Severity::error;
     pen.Set(bold).Foreign(place).Set(isError ? red : magenta);
     pen.Own(isError ? "error: " : "warning: ").Set(plain);
-    pen.Foreign(message.text).Own(message.detail.empty() ? "" : ": ").Foreign(message.detail);
+    pen.Foreign(SentenceOf(message));
     pen.Own(message.code.empty() ? "" : " [" + message.code + "]").Own("\n");
 }
 
@@ -185,6 +185,10 @@ class MessagePrinter {
 };
 
 }  // namespace
+
+std::string SentenceOf(const Message& message) {
+    return message.text + (message.detail.empty() ? "" : ": " + message.detail);
+}
 
 std::string MessagesText(const Analysis& analysis, const TextStyle& style) {
     MessagePrinter printer(analysis, style);

@@ -17,6 +17,9 @@ struct TextStyle {
 /// All messages, and how many there were, if there were any.
 [[nodiscard]] std::string MessagesText(const Analysis& analysis, const TextStyle& style);
 
+/// What is wrong, without its place and its note.
+[[nodiscard]] std::string SentenceOf(const Message& message);
+
 /// The first line of a message, with its line end: "a.kor:1:7: error: ...".
 [[nodiscard]] std::string MessageLine(const Analysis& analysis, const Message& message);
 

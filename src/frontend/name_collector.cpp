@@ -13,21 +13,6 @@
 namespace korv {
 namespace {
 
-// Whether `token` of `operand` is looked up as a name. A register or a condition is one only as a
-// part of an expression.
-bool IsName(const OperandView& operand, const Token& token) {
-    switch (token.kind) {
-        case TokenKind::name:
-        case TokenKind::digitName:
-            return true;
-        case TokenKind::registerName:
-        case TokenKind::condition:
-            return operand.what.kind == KIND_VALUE;
-        default:
-            return false;
-    }
-}
-
 NameKind KindOf(const CIdentifier& record) {
     if ((record.flags & IDF_INTERNAL) != 0) {
         return NameKind::internal;
@@ -51,7 +36,7 @@ void NameCollector::AddUses(const CStatement& statement, bool isSkipped, Message
     }
     for (const OperandView& operand : view.operands) {
         for (const Token& token : operand.tokens) {
-            if (IsName(operand, token)) {
+            if (operand.HoldsAsName(token)) {
                 uses[std::string(token.text)].push_back(
                     {places->PlaceOf(statement.PlaceOf(token.text)), isSkipped});
             }

@@ -60,9 +60,10 @@ template <typename Choice>
 requires std::is_enum_v<Choice> std::string Take(const OptionRow& row, std::string_view word,
                                                  Choice* choice) {
     const std::vector<std::string_view> words = row.Choices();
-    const auto found = std::ranges::find(words, word);
+    const auto first = words.begin() + (words[0].empty() ? 1 : 0);
+    const auto found = std::find(first, words.end(), word);
     if (found != words.end() || word.empty()) {
-        *choice = word.empty() ? Choice{} : static_cast<Choice>(found - words.begin());
+        *choice = word.empty() ? Choice{} : static_cast<Choice>(found - first);
         return "";
     }
     std::string all;

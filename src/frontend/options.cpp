@@ -253,8 +253,8 @@ std::string HelpText() {
         left.append(row.NeedsArgument() ? " " : "").append(row.argument);
         AddHelp(left, row.help, &text);
     }
-    AddHelp("  FILE", "take further words from FILE, quoted as in a shell; # begins a comment line",
-            &text);
+    AddHelp("  @FILE",
+            "take further words from FILE, quoted as in a shell; # begins a comment line", &text);
     text += "\nWarnings, for -W; those with * are on by default:\n";
     for (const WarningRow& row : warningTable) {
         AddHelp((row.isOn ? "  * " : "    ") + std::string(row.name), row.meaning, &text);

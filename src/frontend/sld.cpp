@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "frontend/number_text.h"
 #include "source/char_class.h"
 
 namespace korv {
@@ -24,6 +25,19 @@ std::string Field(std::string_view text) {
     return field;
 }
 
+bool HoldsKeyword(std::string_view comment) {
+    for (const std::string_view word : keywordsOfComments) {
+        for (std::size_t at = 0; (at = comment.find(word, at)) != std::string_view::npos;) {
+            const bool isStart = at == 0 || !HasClass(comment[at - 1], CC_NAME);
+            at += word.size();
+            if (isStart && (at == comment.size() || !HasClass(comment[at], CC_NAME))) {
+                return true;
+            }
+        }
+    }
+    return false;
+}
+
 struct Line {
     std::int32_t file = 0;
     std::int32_t line = 0;
@@ -38,14 +52,18 @@ class SldWriter {
     explicit SldWriter(const Analysis& analysis) : analysis(analysis) {
         for (const SourceFile& file : analysis.files) {
             fileFields.push_back(Field(file.name));
+            holdsKeyword.push_back(HoldsKeyword(file.text->Bytes()));
         }
     }
 
     void Put(const Line& line) {
-        text += fileFields[static_cast<std::size_t>(line.file)] + "|" + std::to_string(line.line) +
-                "||0|" + std::to_string(line.page) + "|" + std::to_string(line.value) + "|";
-        text += line.type;
-        text.append("|").append(line.data).append("\n");
+        text.append(fileFields[static_cast<std::size_t>(line.file)]) += '|';
+        AppendNumber(&text, line.line);
+        text += "||0|";
+        AppendNumber(&text, line.page);
+        text += '|';
+        AppendNumber(&text, line.value);
+        text.append({'|', line.type, '|'}).append(line.data) += '\n';
     }
 
     void PutStatement(const Statement& statement) {
@@ -55,7 +73,9 @@ class SldWriter {
         if (statement.kind == StatementKind::instruction && statement.count != 0) {
             Put({.file = file, .line = statement.line, .value = address});
         }
-        PutKeywordComment(file, statement, address);
+        if (holdsKeyword[static_cast<std::size_t>(file)]) {
+            PutKeywordComment(file, statement, address);
+        }
     }
 
     void PutName(const Name& name) {
@@ -83,20 +103,8 @@ class SldWriter {
 
     const Analysis& analysis;
     std::vector<std::string> fileFields;
+    std::vector<bool> holdsKeyword;  // by file; few do
 };
-
-bool HoldsKeyword(std::string_view comment) {
-    for (const std::string_view word : keywordsOfComments) {
-        for (std::size_t at = 0; (at = comment.find(word, at)) != std::string_view::npos;) {
-            const bool isStart = at == 0 || !HasClass(comment[at - 1], CC_NAME);
-            at += word.size();
-            if (isStart && (at == comment.size() || !HasClass(comment[at], CC_NAME))) {
-                return true;
-            }
-        }
-    }
-    return false;
-}
 
 // A comment begins at a semicolon outside double quotes. All that follows in the statement belongs
 // to it, since a backslash at its end continues it.

@@ -4,8 +4,10 @@
 #include "frontend/statement_view.h"
 
 #include <algorithm>
+#include <array>
 
 #include "codegen/keywords.h"
+#include "codegen/recogniser.h"
 #include "expr/number.h"
 #include "expr/token.h"
 #include "source/char_class.h"
@@ -119,6 +121,19 @@ std::size_t OperandEnd(std::string_view text, std::size_t start) {
 
 }  // namespace
 
+bool OperandView::HoldsAsName(const Token& token) const {
+    switch (token.kind) {
+        case TokenKind::name:
+        case TokenKind::digitName:
+            return true;
+        case TokenKind::registerName:
+        case TokenKind::condition:  // but the IX of (IX+d)
+            return what.kind == KIND_VALUE && !(IsIndexed() && &token == &tokens[1]);
+        default:
+            return false;
+    }
+}
+
 const Token* OperandView::OnlyToken() const {
     if (tokens.size() == 1) {
         return tokens.data();
@@ -201,8 +216,13 @@ StatementView CutStatement(std::string_view line, std::string_view typed) {
 }
 
 const Keyword* FindKeyword(std::string_view word) {
-    const auto* const row = std::ranges::lower_bound(keywords, word, {}, &Keyword::word);
-    return row != keywords.end() && row->word == word ? row : nullptr;
+    std::array<char, 16> text{};  // which ends with a 0
+    if (word.size() >= text.size()) {
+        return nullptr;
+    }
+    std::ranges::copy(word, text.begin());
+    const Keyword* const row = RecogniseInstruction(text.data());
+    return row != nullptr && row->word.size() == word.size() ? row : nullptr;
 }
 
 }  // namespace korv

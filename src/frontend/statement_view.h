@@ -62,6 +62,9 @@ struct OperandView {
     [[nodiscard]] bool IsIndexed() const {
         return what.reg == REG_IX_INDEXED || what.reg == REG_IY_INDEXED;
     }
+    /// Whether `token`, one of `tokens`, is looked up as a name. A register or a condition is one
+    /// only as a part of an expression.
+    [[nodiscard]] bool HoldsAsName(const Token& token) const;
     /// Its only token, in parentheses or not; null if there are several.
     [[nodiscard]] const Token* OnlyToken() const;
 };

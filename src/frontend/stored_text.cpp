@@ -15,8 +15,8 @@ StoredText::StoredText(std::string newPath, std::string newBytes,
     while ((at = text.find('\r', at)) != std::string_view::npos &&
            text.substr(++at).starts_with('\n')) {
     }
-    hasOddBytes = at != std::string_view::npos ||
-                  text.find_first_of(std::string_view("\0\x1A", 2)) != std::string_view::npos;
+    hasOddBytes = at != std::string_view::npos || text.find('\0') != std::string_view::npos ||
+                  text.find('\x1A') != std::string_view::npos;
 }
 
 std::size_t StoredText::LineStart(std::int32_t number) const {

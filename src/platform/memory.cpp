@@ -57,18 +57,15 @@ void Free(void* memory) {
     std::free(memory);
 }
 
-char* Buffer::Room(std::size_t count) {
-    if (count > capacity - used) {
-        constexpr std::size_t firstSize = 4096;
-        const std::size_t grownSize = std::bit_ceil(std::max(used + count, firstSize));
-        void* const grown = Reallocate(data, grownSize);
-        if (grown == nullptr) {
-            return nullptr;
-        }
+bool Buffer::Grow(std::size_t count) {
+    constexpr std::size_t firstSize = 4096;
+    const std::size_t grownSize = std::bit_ceil(std::max(used + count, firstSize));
+    void* const grown = Reallocate(data, grownSize);
+    if (grown != nullptr) {
         data = static_cast<char*>(grown);
         capacity = grownSize;
     }
-    return data + used;
+    return grown != nullptr;
 }
 
 std::FILE* SetMemoryFailureStream(std::FILE* stream) {

@@ -56,13 +56,17 @@ class Buffer {
 
     /// Where `count` further bytes can be written; null when there is no memory for them, and the
     /// bytes that are there stay. `Advance` then appends as many of them as have been written.
-    [[nodiscard]] char* Room(std::size_t count);
+    [[nodiscard]] char* Room(std::size_t count) {
+        return count <= capacity - used || Grow(count) ? data + used : nullptr;
+    }
     void Advance(std::size_t count) { used += count; }
 
     /// Valid until the next `Room`.
     [[nodiscard]] std::string_view Bytes() const { return {data, used}; }
 
   private:
+    bool Grow(std::size_t count);
+
     char* data = nullptr;  // owned
     std::size_t used = 0;
     std::size_t capacity = 0;
@@ -281,6 +285,25 @@ void OpenStandardStreams();
 
 /// From here on `stream`, a standard stream, is one of bytes, whose line ends nobody changes.
 void MakeBinary(std::FILE* stream);
+
+/// Standard input and output as a connection with another program: bytes, past the buffers of the
+/// library. From its construction on, what else the process prints on standard output is written to
+/// standard error. One at a time.
+class StandardConnection {
+  public:
+    StandardConnection();
+
+    /// Whether a `Read` has a result at once: bytes, or the end of the input.
+    [[nodiscard]] bool IsInputWaiting() const;
+    /// Reads up to `count` bytes, waiting for the first. Result: their number; 0 at the end of the
+    /// input, and when it fails.
+    [[nodiscard]] std::size_t Read(void* buffer, std::size_t count);
+    /// Writes all of `bytes`. False: that fails.
+    [[nodiscard]] bool Write(std::string_view bytes);
+
+  private:
+    FileHandle output;
+};
 
 /// Sets the title of the console's window, if there is one.
 void SetConsoleTitle(const char* title);

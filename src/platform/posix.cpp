@@ -3,6 +3,7 @@
 #include "platform/posix.h"
 
 #include <fcntl.h>
+#include <poll.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -208,6 +209,15 @@ bool TakesColors(std::FILE* stream) {
 }
 
 void MakeBinary(std::FILE*) {}  // as all are
+
+StandardConnection::StandardConnection() : output(fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 3)) {
+    dup2(STDERR_FILENO, STDOUT_FILENO);
+}
+
+bool StandardConnection::IsInputWaiting() const {
+    struct pollfd input = {STDIN_FILENO, POLLIN, 0};
+    return poll(&input, 1, /*timeout=*/0) > 0;
+}
 
 void SetConsoleTitle(const char* title) {
     if (IsTerminal(stdout)) {

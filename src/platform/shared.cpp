@@ -144,6 +144,15 @@ bool WriteWhole(int handle, std::string_view bytes) {
     return true;
 }
 
+std::size_t StandardConnection::Read(void* buffer, std::size_t count) {
+    const std::ptrdiff_t got = ReadSome(/*handle=*/0, buffer, std::min(count, mostAtOnce));
+    return got < 0 ? 0 : static_cast<std::size_t>(got);
+}
+
+bool StandardConnection::Write(std::string_view bytes) {
+    return WriteWhole(output, bytes);
+}
+
 bool FaultFileRequest(std::int64_t n, RequestFault newFault) {
     fault = newFault;
     return faults.Set(n, fault == RequestFault::failsForGood);

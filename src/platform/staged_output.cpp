@@ -3,8 +3,6 @@
 #include <cstdio>
 #include <utility>
 
-#include "platform/shared.h"
-
 namespace korv::platform {
 namespace {
 
@@ -26,78 +24,73 @@ std::optional<std::string> BytesOf(const std::string& path) {
 
 }  // namespace
 
-StagedOutput::StagedOutput() = default;
-StagedOutput::StagedOutput(StagedOutput&&) noexcept = default;
-
 // What fails here has no further way back.
 StagedOutput::~StagedOutput() {
     handle = FileHandle();
     const bool isPut = temporary.empty();
     Remove(&temporary);
     if (isPut && !backup.empty()) {
-        static_cast<void>(PutInPlace(&handle, &backup, place->path));
+        static_cast<void>(PutInPlace(&handle, &backup, place.path));
     }
     Remove(&backup);
     if (isNew) {
-        Remove(&place->path);
+        Remove(&place.path);
     }
     if (oldBytes) {
-        static_cast<void>(Empty(place->handle) && WriteWhole(place->handle, *oldBytes));
+        static_cast<void>(Empty(place.handle) && WriteWhole(place.handle, *oldBytes));
     }
 }
 
 bool StagedOutput::Open(std::string_view name) {
-    place = std::make_unique<OutputPlace>();
-    place->path = name;
-    if (!FindPlace({}, place.get())) {
+    place.path = name;
+    if (!FindPlace({}, &place)) {
         return false;
     }
-    isThere = place->handle >= 0;
+    isThere = place.handle >= 0;
     FileIdentity stream;
     const bool isRedirected =
-        place->isRegular && IdentityOf(stdout, &stream) && stream == place->identity;
+        place.isRegular && IdentityOf(stdout, &stream) && stream == place.identity;
     return !isRedirected || OpenStandardOutput();
 }
 
 bool StagedOutput::OpenStandardOutput() {
-    place = std::make_unique<OutputPlace>();
-    place->isStandardOutput = true;
-    place->isRegular = IdentityOf(stdout, &place->identity);
+    place = OutputPlace();
+    place.isStandardOutput = true;
+    place.isRegular = IdentityOf(stdout, &place.identity);
     MakeBinary(stdout);
     return true;
 }
 
 bool StagedOutput::IsStream() const {
-    return place->isStandardOutput || (isThere && !place->isRegular);
+    return place.isStandardOutput || (isThere && !place.isRegular);
 }
 
 std::optional<FileIdentity> StagedOutput::Identity() const {
-    return place->isRegular ? std::optional(place->identity) : std::nullopt;
+    return place.isRegular ? std::optional(place.identity) : std::nullopt;
 }
 
 bool StagedOutput::IsTerminal() const {
-    return IsTerminalAt(place->isStandardOutput ? standardOutput : place->handle);
+    return IsTerminalAt(place.isStandardOutput ? standardOutput : place.handle);
 }
 
 bool StagedOutput::Stage(std::string_view contents) {
-    const bool isPossible = CreateReplacement(*place, &temporary, &handle);
+    const bool isPossible = CreateReplacement(place, &temporary, &handle);
     if (temporary.empty()) {
         return isPossible;
     }
-    place->handle = FileHandle();  // not every system replaces a file that is open
+    place.handle = FileHandle();  // not every system replaces a file that is open
     return WriteWhole(handle, contents) && EndWriting(&handle);
 }
 
 bool StagedOutput::Send(std::string_view contents) {
     const SignalWindow window;
-    return place->isStandardOutput
-               ? WriteWhole(standardOutput, contents)
-               : WriteWhole(place->handle, contents) && EndWriting(&place->handle);
+    return place.isStandardOutput ? WriteWhole(standardOutput, contents)
+                                  : WriteWhole(place.handle, contents) && EndWriting(&place.handle);
 }
 
 bool StagedOutput::Overwrite(std::string_view contents) {
-    oldBytes = BytesOf(place->path);
-    return Empty(place->handle) && WriteWhole(place->handle, contents) && Flush(place->handle);
+    oldBytes = BytesOf(place.path);
+    return Empty(place.handle) && WriteWhole(place.handle, contents) && Flush(place.handle);
 }
 
 bool StagedOutput::Put(std::string_view contents) {
@@ -105,9 +98,9 @@ bool StagedOutput::Put(std::string_view contents) {
         return Overwrite(contents);
     }
     if (isThere) {
-        LinkAtFreeName(*place, &backup);
+        LinkAtFreeName(place, &backup);
     }
-    if (!PutInPlace(&handle, &temporary, place->path)) {
+    if (!PutInPlace(&handle, &temporary, place.path)) {
         return false;
     }
     isNew = !isThere;

@@ -1,16 +1,13 @@
 /// Outputs of a run that are written all or not at all.
 #pragma once
 
-#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 
-#include "platform/platform.h"
+#include "platform/shared.h"
 
 namespace korv::platform {
-
-struct OutputPlace;
 
 /// Why the system refused what it was asked for last, as "No such file or directory".
 [[nodiscard]] std::string ErrorText();
@@ -22,8 +19,8 @@ struct OutputPlace;
 /// taken. Where a step has failed, `ErrorText` says why.
 class StagedOutput {
   public:
-    StagedOutput();
-    StagedOutput(StagedOutput&&) noexcept;
+    StagedOutput() = default;
+    StagedOutput(StagedOutput&&) noexcept = default;
     ~StagedOutput();
 
     /// Opens what is at `name`, taken exactly as spelled, if anything is. Waits for the reader of a
@@ -50,7 +47,7 @@ class StagedOutput {
   private:
     [[nodiscard]] bool Overwrite(std::string_view contents);
 
-    std::unique_ptr<OutputPlace> place;   // null: nothing is open
+    OutputPlace place;
     bool isThere = false;                 // there was something before
     FileHandle handle;                    // of the new file
     std::string temporary;                // its name; empty: the old file is written, or it is put

@@ -147,6 +147,21 @@ void MakeBinary(std::FILE* stream) {
     _setmode(_fileno(stream), _O_BINARY);
 }
 
+StandardConnection::StandardConnection() : output(_dup(_fileno(stdout))) {
+    MakeBinary(stdin);
+    _setmode(output, _O_BINARY);
+    _dup2(_fileno(stderr), _fileno(stdout));
+}
+
+bool StandardConnection::IsInputWaiting() const {
+    const HANDLE input = HandleOf(stdin);
+    DWORD count = 0;
+    if (GetFileType(input) != FILE_TYPE_PIPE) {
+        return WaitForSingleObject(input, /*dwMilliseconds=*/0) == WAIT_OBJECT_0;
+    }
+    return PeekNamedPipe(input, nullptr, 0, nullptr, &count, nullptr) == 0 || count != 0;
+}
+
 void SetConsoleTitle(const char* title) {
     SetConsoleTitleW(Wide(title).c_str());
 }

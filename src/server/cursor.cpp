@@ -67,17 +67,15 @@ LinePrefix CutPrefix(std::string_view text) {
     };
     skip([&] { return HasClass(text[at], CC_NAME); });
     prefix.word = text.substr(0, at);
-    if (at == text.size() && at != 0) {
+    if (at == text.size()) {
         return prefix;
     }
     at += at != 0 ? 1 : 0;  // the colon
     skip(isBlank);
     const std::size_t start = at;
-    skip([&] { return !isBlank() && text[at] != ';'; });
+    skip([&] { return !isBlank() && text[at] != ';' && text[at] != '"'; });
     prefix.word = text.substr(start, at - start);
-    for (const char c : prefix.word) {
-        prefix.mnemonic += Raised(c);
-    }
+    prefix.mnemonic = Raised(prefix.word);
     prefix.part = LinePrefix::Part::mnemonic;
     if (at == text.size()) {
         return prefix;

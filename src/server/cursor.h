@@ -42,7 +42,7 @@ class Cursor {
 struct LinePrefix {
     enum class Part : std::uint8_t { label, mnemonic, operand, string, comment };
     Part part = Part::label;       ///< in which the cursor is
-    std::string mnemonic;          ///< in capitals; complete if the cursor is behind it
+    std::string mnemonic;          ///< in capitals; complete if the cursor is after it
     std::size_t operand = 0;       ///< index of the operand, if the cursor is in one
     std::string_view operandText;  ///< of that operand, up to the cursor
     std::string_view word;         ///< the unfinished word before the cursor, in `text`

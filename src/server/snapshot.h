@@ -5,8 +5,9 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
-#include <string>
+#include <span>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "frontend/analysis.h"
@@ -15,9 +16,27 @@
 
 namespace korv {
 
+/// A name at a place. A file that is included twice has each of its names there once.
+struct NameAt {
+    std::int32_t name = noIndex;  ///< index in `Analysis::names`
+    Place place;
+    bool isDefinition = false;  ///< a label or EQU, also a skipped one or a second one
+};
+
+/// Where to look for what is at a place.
+struct PlaceIndex {
+    /// By file: the statements of its first opening, in the order of the lines.
+    std::vector<std::vector<const Statement*>> statements;
+    std::vector<NameAt> names;  ///< by place
+};
+
 struct Snapshot {
     std::shared_ptr<const Analysis> analysis;  ///< with statements, names and uses
     PositionEncoding encoding = PositionEncoding::utf16;
+
+    explicit Snapshot(std::shared_ptr<const Analysis> analysis = nullptr,
+                      PositionEncoding encoding = PositionEncoding::utf16)
+        : analysis(std::move(analysis)), encoding(encoding) {}
 
     /// Index in `analysis->files` of the file at the full path `path`; `noIndex` if the program did
     /// not read it.
@@ -28,35 +47,42 @@ struct Snapshot {
     [[nodiscard]] std::string_view Line(std::int32_t file, std::int32_t line) const {
         return File(file).text->Line(line);
     }
-    /// A place as the client counts.
+    /// A place, which is somewhere, as the client counts.
     [[nodiscard]] Range RangeOf(const Place& place) const;
     [[nodiscard]] lsp::Location LocationOf(const Place& place) const {
         return {File(place.file).text->Path(), RangeOf(place)};
     }
     /// A position of the client as a place without length.
     [[nodiscard]] Place PlaceOf(std::int32_t file, Position position) const;
+    /// Made at the first question: publishing messages needs none.
+    [[nodiscard]] const PlaceIndex& Index() const;
+
+  private:
+    mutable std::shared_ptr<const PlaceIndex> index;
 };
 
 /// Whether `place` is in `wide`, or at one of its ends: a cursor after a word is on it.
 [[nodiscard]] bool Covers(const Place& wide, const Place& place);
 
-/// Where `name` is used, each place once: a file that is included twice uses a name twice.
-[[nodiscard]] std::vector<Place> DistinctPlaces(const Name& name);
-
-/// The name at `place`, its index in `analysis.names`, and where exactly.
-struct NameAt {
-    std::int32_t name = noIndex;
-    Place place;
-    bool isDefinition = false;
-};
+/// The name at `place`.
 [[nodiscard]] std::optional<NameAt> FindNameAt(const Snapshot& snapshot, const Place& place);
 
-/// The statements of `file`, where it was included first: each line once.
-[[nodiscard]] std::vector<const Statement*> StatementsOf(const Snapshot& snapshot,
-                                                         std::int32_t file);
+/// All places of the name at index `name`, in their order.
+[[nodiscard]] std::vector<NameAt> OccurrencesOf(const Snapshot& snapshot, std::int32_t name);
 
-/// The statement that was assembled from physical line `line` of `file`, where that was included
-/// first; null for none.
+/// The name `text`, which is in capitals; null for none.
+[[nodiscard]] const Name* FindName(const Analysis& analysis, std::string_view text);
+
+using Statements = std::span<const Statement* const>;
+
+/// The statements that begin in lines `range` of `file`, each line once; also one that begins
+/// before and ends there.
+[[nodiscard]] Statements StatementsIn(const Snapshot& snapshot, std::int32_t file,
+                                      const Range& range);
+/// All of `file`.
+[[nodiscard]] Statements StatementsOf(const Snapshot& snapshot, std::int32_t file);
+
+/// The statement that was assembled from physical line `line` of `file`; null for none.
 [[nodiscard]] const Statement* FindStatementAt(const Snapshot& snapshot, std::int32_t file,
                                                std::int32_t line);
 

@@ -52,6 +52,15 @@ inline constexpr auto charClass = [] {
     return text;
 }
 
+/// The end of the text from `start` to `end` without the blanks at its end.
+template <typename Character>
+[[nodiscard]] constexpr Character* WithoutBlanks(Character* start, Character* end) noexcept {
+    while (end != start && HasClass(end[-1], CC_BLANK)) {
+        --end;
+    }
+    return end;
+}
+
 /// `text` without the blanks at its start.
 [[nodiscard]] constexpr std::string_view WithoutLeadingBlanks(std::string_view text) noexcept {
     while (!text.empty() && HasClass(text.front(), CC_BLANK)) {

@@ -35,11 +35,8 @@ struct LineCleaner {
 
     /// The index after the last character that is no blank; 0 for none.
     [[nodiscard]] std::size_t SignificantEnd() const {
-        std::size_t end = size;
-        while (end != segment && HasClass(line[end - 1], CC_BLANK)) {
-            --end;
-        }
-        return end == segment ? endBefore : end;
+        const char* const end = WithoutBlanks(line + segment, line + size);
+        return end == line + segment ? endBefore : static_cast<std::size_t>(end - line);
     }
 
     /// Length of the text.

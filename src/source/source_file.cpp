@@ -115,14 +115,6 @@ constexpr auto isOddEnd = [] {
     return table;
 }();
 
-// The end of the text from `start` to `end` without the blanks at its end.
-char* WithoutBlanks(char* start, char* end) {
-    while (end != start && HasClass(end[-1], CC_BLANK)) {
-        --end;
-    }
-    return end;
-}
-
 }  // namespace
 
 CSourceFile::CSourceFile(std::string_view name, std::uint32_t maxBufferSize) {
@@ -245,8 +237,9 @@ bool CSourceFile::CopyToLineFeed(const std::uint8_t** next, char** out, std::uin
 }
 
 // Reads the next line, whatever it is.
-Status CSourceFile::ReadAnyLine(char* line, std::uint32_t maxLength, std::uint32_t* bytesOut,
-                                std::uint32_t* linesOut) {
+[[gnu::noinline]] Status CSourceFile::ReadAnyLine(char* line, std::uint32_t maxLength,
+                                                  std::uint32_t* bytesOut,
+                                                  std::uint32_t* linesOut) {
     *line = '\0';
     if (IsOpen() == 0) {
         return endOfFile;

@@ -20,7 +20,6 @@ class CSourceFile {
     /// A file that holds `text`, which is not owned: it has been read by other means.
     [[nodiscard]] static CSourceFile OfText(std::string_view text);
 
-    static constexpr Status endOfFile = -1;
     /// The least that a line needs room for, however short the longest may be.
     static constexpr std::size_t leastRoom = 32;
 

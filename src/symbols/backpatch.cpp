@@ -45,7 +45,7 @@ class Backpatcher {
 };
 
 // Works the chain that the EQU patch `root` has released, and all that follows from it.
-[[gnu::noinline]] Status Backpatcher::WorkReleased(CPatchInfo* root) {
+Status Backpatcher::WorkReleased(CPatchInfo* root) {
     CPatchInfo* patch = root;
     Status result = 0;
     do {
@@ -78,7 +78,7 @@ Status Backpatcher::WorkPatch(CPatchInfo* patch) {
 
 // The value of the text of `patch`. Result: that of the scan; with MSG_UNRESOLVED a copy waits for
 // the next name.
-[[gnu::noinline]] Status Backpatcher::EvaluatePatch(const CPatchInfo& patch, std::int32_t* value) {
+Status Backpatcher::EvaluatePatch(const CPatchInfo& patch, std::int32_t* value) {
     std::string_view fault;
     const Status status = assembler->ScanExpression(patch.Text(), value, &fault);
     if (status == MSG_UNRESOLVED) {
@@ -130,7 +130,7 @@ void Backpatcher::MovePatch(const CPatchInfo& patch, std::string_view name) {
 }
 
 // Gives the EQU of `patch` its value and takes what waits for it.
-[[gnu::noinline]] Status Backpatcher::ResolveEqu(const CPatchInfo& patch, std::int32_t value) {
+Status Backpatcher::ResolveEqu(const CPatchInfo& patch, std::int32_t value) {
     const std::string_view name = patch.name.View();
     CIdentifier* const equ = identifiers.Find(name);
     if (equ == nullptr) {

@@ -74,8 +74,11 @@ void CIdentifierManager::ApplyPatches(CIdentifier* identifier) {
 }
 
 Status CIdentifierManager::AddPatch(std::string_view name, CPatchInfo* patch) {
-    const HashedName hashed = name;
-    CIdentifier* const known = index.Find(hashed);
+    // Mostly the name that had no value just now; to look it up again costs 1 % of all
+    // instructions.
+    const bool isMissing = name.data() == missing.text.data() && name.size() == missing.text.size();
+    const HashedName hashed = isMissing ? missing : HashedName(name);
+    CIdentifier* const known = isMissing && waiting != nullptr ? waiting : index.Find(hashed);
     CIdentifier* const record = known != nullptr ? known : Enter(hashed);
     patch->identifier = record;
     Trace("Adding patch for: [", name, "] -> [", patch->Text(), "]\n");
@@ -133,9 +136,9 @@ std::int32_t CIdentifierManager::DumpIdentifiers(platform::OutputFile* file) {
     return 0;
 }
 
-std::int32_t CIdentifierManager::DumpStatus(std::FILE* stream) const {
+Status CIdentifierManager::DumpStatus(std::FILE* stream) const {
     if (stream == nullptr) {
-        return -1;
+        return noStream;
     }
     std::fprintf(stream, "   Total Count: %5d.\n   Table Size:  %5u.\n", totalCount, tableSize);
     return 0;

@@ -74,16 +74,21 @@ class CIdentifierManager {
 
     /// The value of `name`, marked as read. Result: 0 with `value`, or MSG_UNRESOLVED.
     [[nodiscard]] Status ValueOf(std::string_view name, std::int32_t* value) {
-        const CIdentifier* const record = FindID(name, /*markUsed=*/true);
-        if (record == nullptr) {
+        const HashedName hashed = name;
+        CIdentifier* const record = index.Find(hashed);
+        if (record == nullptr || (record->flags & IDF_RESOLVED) == 0) {
+            missing = hashed;
+            waiting = record;
             return MSG_UNRESOLVED;
         }
+        record->flags |= IDF_USED;
         *value = record->value;
         return 0;
     }
 
     /// Takes over `patch`, which waits for `name`, and hangs it on the record of that name, made if
-    /// there is none. Result: 0, or that of `Backpatch` should the name have a value.
+    /// there is none. The text of `name` has not changed since `ValueOf` was asked for it. Result:
+    /// 0, or that of `Backpatch` should the name have a value.
     Status AddPatch(std::string_view name, CPatchInfo* patch);
 
     /// Takes the patches that wait for `identifier` off it. Result: the chain, which the caller
@@ -106,8 +111,8 @@ class CIdentifierManager {
 
     /// Prints the body of the identifier list, in the order of the buckets. Result: 0.
     std::int32_t DumpIdentifiers(platform::OutputFile* file);
-    /// Prints the lines of the status dump. Result: 0, or -1 for a null stream.
-    std::int32_t DumpStatus(std::FILE* stream) const;
+    /// Prints the lines of the status dump. Result: 0, or `noStream`.
+    Status DumpStatus(std::FILE* stream) const;
 
     /// Records in the table, of every kind; reserved words without a record among them.
     [[nodiscard]] std::int32_t TotalCount() const { return totalCount; }
@@ -141,6 +146,8 @@ class CIdentifierManager {
     const WordSet* reservedWords = nullptr;  // not owned
     CNamePool namePool;
     CNameIndex index;
+    HashedName missing;              // the last one without a value; its text may be gone
+    CIdentifier* waiting = nullptr;  // its record, if it had one
     CAssembler* assembler;
     DebugStream* log = nullptr;
 };

@@ -12,7 +12,7 @@ CNameIndex::~CNameIndex() {
     }
 }
 
-[[gnu::noinline]] void CNameIndex::Grow() {
+void CNameIndex::Grow() {
     const std::uint32_t places = (mask + 1) * 4;
     void* const grown =
         platform::AllocateZeroed((std::size_t{places} + longestProbe) * sizeof(Entry));
@@ -36,7 +36,7 @@ CNameIndex::~CNameIndex() {
     }
 }
 
-[[gnu::noinline]] void CNameIndex::AddToOverflow(Entry entry) {
+void CNameIndex::AddToOverflow(Entry entry) {
     overflow.emplace(HashedName(entry.record->Name(), entry.hash), entry.record);
 }
 

@@ -12,17 +12,12 @@
 namespace korv {
 namespace {
 
-struct VersionIdentifier {
-    std::string_view name;
-    std::int32_t value;
-};
-
 static_assert(KORV_VERSION == std::string_view("2.00.025"), "the numbers here are of that one");
-constexpr std::array versionIdentifiers = {
-    VersionIdentifier{"KORV_VER", 2},
-    VersionIdentifier{"KORV", 2},
-    VersionIdentifier{"KORV_LOW", 0},
-    VersionIdentifier{"KORV_BUILD", 25},
+constexpr Definition versionIdentifiers[] = {
+    {"KORV_VER", {}, 2, IDS_SYSTEM},
+    {"KORV", {}, 2, IDS_SYSTEM},
+    {"KORV_LOW", {}, 0, IDS_SYSTEM},
+    {"KORV_BUILD", {}, 25, IDS_SYSTEM},
 };
 
 // Keywords that are free as labels. All others are reserved.
@@ -50,8 +45,8 @@ constexpr WordSet reservedWords = [] {
 }();
 
 void CAssembler::LoadSystemIdentifiers() {
-    for (const VersionIdentifier& row : versionIdentifiers) {
-        identifiers.AddID({.name = row.name, .place = {}, .value = row.value, .flags = IDS_SYSTEM});
+    for (const Definition& definition : versionIdentifiers) {
+        identifiers.AddID(definition);
     }
 }
 

@@ -1,4 +1,4 @@
-" The program korv-as, which prints `game.kor:12:9: error: text: detail [X33]`, the line and a caret below it.
+" korv-as prints `game.kor:12:9: error: text: 'detail' [X33]`, then the source line and a caret.
 if exists('current_compiler')
   finish
 endif
@@ -6,13 +6,13 @@ let current_compiler = 'korv-as'
 let s:saved_cpo = &cpo
 set cpo&vim
 
-" A Makefile knows better how the program is built.
+" If there is a Makefile, it says how the program is built.
 if filereadable('Makefile') || filereadable('makefile') || filereadable('GNUmakefile')
   CompilerSet makeprg=make
 else
   CompilerSet makeprg=korv-as\ %:S
 endif
-" make's own lines tell where the names count from.
+" make reports which directory the file names are relative to.
 CompilerSet errorformat=%f:%l:%c:\ %trror:\ %m,%f:%l:%c:\ %tarning:\ %m,%f:%l:%c:\ %tote:\ %m,
     \korv-as:\ %trror:\ %m,
     \%D%*\\a[%*\\d]:\ Entering\ directory\ %*[`']%f',%X%*\\a[%*\\d]:\ Leaving\ directory\ %*[`']%f',

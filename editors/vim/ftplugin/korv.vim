@@ -5,6 +5,6 @@ endif
 let b:did_ftplugin = 1
 
 setlocal comments=:; commentstring=;%s
-" What a name is made of; an instruction is indented by a tab, and the tools for tags and words agree.
+" The characters of a name, for searches, tags and completion.
 setlocal iskeyword=@,48-57,?,64,_
 let b:undo_ftplugin = 'setlocal comments< commentstring< iskeyword<'

@@ -6,7 +6,7 @@ endif
 syntax case ignore
 syntax iskeyword @,48-57,?,64,_
 
-" Whatever begins in column 1 is a label, an instruction too: so it is shown as what it is.
+" A word in column 1 is a label, even if it is an instruction, so it is shown as one.
 syntax match korvLabel /^[0-9A-Za-z?@_]\+:\=/ nextgroup=korvInstruction,korvDirective,korvReserved skipwhite
 syntax match korvIndent /^\s\+/ nextgroup=korvInstruction,korvDirective,korvReserved
 
@@ -16,7 +16,7 @@ syntax keyword korvInstruction contained NEG NOP OR OTDR OTIR OUT OUTD OUTI POP 
 syntax keyword korvInstruction contained RLC RLCA RLD RR RRA RRC RRCA RRD RST SBC SCF SET SLA SRA SRL SUB XOR
 syntax keyword korvDirective contained BINCLUDE COND DB DEFB DEFM DEFS DEFW DM DS DW ELSE END ENDC ENDIF EQU IF
 syntax keyword korvDirective contained INCLUDE ORG
-" Words that are known and only answered by an error.
+" Reserved words that only cause an error.
 syntax keyword korvReserved contained DD DEFD ENDM ENDP MACRO MAC_OFF MAC_ON PROC
 
 syntax keyword korvRegister A B C D E H L I R F FLAGS AF BC DE HL IX IY SP
@@ -24,7 +24,7 @@ syntax keyword korvCondition M NC NZ P PE PO Z
 syntax keyword korvOperator AND EXP MOD OR SHL SHR XOR
 syntax keyword korvSystem KORV KORV_BUILD KORV_LOW KORV_VER
 
-" A number wins over a name: EACH is one.
+" What can be read as a number is a number, as EACH is.
 syntax match korvNumber /\<\x[0-9A-F?@_]*H\>\|\<[01.]\+B\>\|\<\o\+O\>\|\<\d\+\>/
 syntax match korvNumber /[$#]\x\+\>\|%[01][01.]*\|&H\x\+\>\|&B[01.]\+\>\|&O\o\+\>\|&D\d\+\>/
 syntax match korvHere /\$\(\x\)\@!/

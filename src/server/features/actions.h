@@ -11,8 +11,8 @@ namespace korv {
 /// The message as the editor shows it.
 [[nodiscard]] lsp::Diagnostic DiagnosticOf(const Snapshot& snapshot, const Message& message);
 
-/// The fixes of the messages in lines `range` of `file`, each followed by one for all messages of
-/// the program that have the same code and a fix, if there are several.
+/// The fixes of the messages in lines `range` of `file`, then for each of their codes one for all
+/// messages of the program that have it and a fix, if there are several.
 [[nodiscard]] std::vector<lsp::CodeAction> ActionsIn(const Snapshot& snapshot, std::int32_t file,
                                                      const Range& range);
 

@@ -1,10 +1,12 @@
 #include "server/features/completion.h"
 
 #include <algorithm>
+#include <array>
 
 #include "codegen/handlers.h"
 #include "codegen/keywords.h"
 #include "expr/registers.h"
+#include "expr/token.h"
 #include "frontend/instruction_forms.h"
 #include "frontend/instruction_help.h"
 #include "server/cursor.h"
@@ -15,11 +17,12 @@ namespace {
 
 using Items = std::vector<lsp::CompletionItem>;
 
-// The forms of `mnemonic`, a line each.
+// The forms of `mnemonic` in one line.
 std::string FormsText(std::string_view mnemonic) {
-    std::string line = " " + std::string(mnemonic), text;
+    const std::string line = " " + std::string(mnemonic);
+    std::string text;
     for (const std::string& form : FormsOf(CutStatement(line), 0)) {
-        text += (text.empty() ? "" : "\n") + form;
+        text += (text.empty() ? "" : " | ") + form;
     }
     return text;
 }
@@ -39,30 +42,59 @@ bool HasSmallLetter(std::string_view text) {
     return std::ranges::any_of(text, [](char c) { return HasClass(c, CC_LOWER); });
 }
 
+// Whether the word does nothing but be refused.
+bool IsReservedOnly(const Keyword& keyword) {
+    return keyword.handler == With<AnswerOnly, MSG_NOT_IMPLEMENTED> ||
+           keyword.handler == With<AnswerOnly, MSG_NOT_IN_MACRO>;
+}
+
 void AddMnemonics(bool isSmall, Items* items) {
     for (const Keyword& keyword : keywords) {
+        if (IsReservedOnly(keyword)) {
+            continue;
+        }
         lsp::CompletionItem item;
         item.label = Spelled(keyword.word, isSmall);
         item.detail = FormsText(keyword.word);
-        std::ranges::replace(item.detail, '\n', '|');
         item.documentation = HelpFor(keyword);
         items->push_back(std::move(item));
     }
 }
 
-// Registers and conditions that some form of the statement takes as operand `index`, after the
-// operands before it.
-void AddRegisters(const StatementView& statement, std::size_t index, bool isSmall, Items* items) {
-    std::string line = " " + std::string(statement.mnemonic) + " ";
-    for (std::size_t i = 0; i < index; ++i) {
-        line += std::string(statement.operands[i].text) + ",";
+// The operand that is being written.
+class OperandInHand {
+  public:
+    /// `line` is what the cursor is at the end of; `prefix` is made from it.
+    OperandInHand(std::string_view line, const LinePrefix& prefix)
+        : place(prefix.operand), isOpen(prefix.operandText.starts_with('(')) {
+        const std::size_t typed = prefix.word.size() + (isOpen ? 1 : 0);
+        isFirstWord = prefix.operandText.size() == typed;
+        before = Raised(line.substr(0, line.size() - prefix.operandText.size()));
     }
-    const std::string inParentheses[] = {"(HL)", "(BC)", "(DE)",   "(SP)",   "(C)",
-                                         "(IX)", "(IY)", "(IX+0)", "(IY+0)", "AF'"};
+
+    /// Whether the mnemonic takes an operand that is `word`, in the parenthesis if one is open,
+    /// after the operands before it.
+    [[nodiscard]] bool May(std::string_view word) const {
+        const std::string tried =
+            before + (isOpen ? "(" : "") + std::string(word) + (isOpen ? ")" : "");
+        return FindFaultyOperand(CutStatement(tried)) > place;
+    }
+    [[nodiscard]] bool MayBeValue() const { return May("0"); }
+    /// Whether nothing is before the word in hand but a parenthesis.
+    [[nodiscard]] bool IsFirstWord() const { return isFirstWord; }
+    [[nodiscard]] bool IsOpen() const { return isOpen; }
+
+  private:
+    std::size_t place;
+    bool isOpen;
+    bool isFirstWord;
+    std::string before;  // the line up to the operand, in capitals
+};
+
+// Registers and conditions that some form of the statement takes.
+void AddRegisters(const OperandInHand& operand, bool isSmall, Items* items) {
     const auto add = [&](std::string_view name) {
-        const std::string tried = line + std::string(name);
-        const StatementView view = CutStatement(tried);
-        if (const std::size_t fault = FindFaultyOperand(view); fault > index) {
+        if (operand.May(name)) {
             lsp::CompletionItem item;
             item.label = Spelled(name, isSmall);
             item.kind = lsp::CompletionKind::variable;
@@ -75,7 +107,27 @@ void AddRegisters(const StatementView& statement, std::size_t index, bool isSmal
             add(row.name);
         }
     }
-    std::ranges::for_each(inParentheses, add);
+    if (operand.IsOpen()) {
+        std::ranges::for_each(std::array{"IX+0", "IY+0"}, add);
+        return;
+    }
+    if (!operand.MayBeValue()) {  // where AF' would be read as one
+        add("AF'");
+    }
+    std::ranges::for_each(
+        std::array{"(HL)", "(BC)", "(DE)", "(SP)", "(C)", "(IX)", "(IY)", "(IX+0)", "(IY+0)"}, add);
+}
+
+void AddOperators(bool isSmall, Items* items) {
+    for (const std::string_view word : {"AND", "OR", "XOR", "NOT", "SHL", "SHR", "MOD", "EXP"}) {
+        if (FindWord(word).code != 0) {
+            lsp::CompletionItem item;
+            item.label = Spelled(word, isSmall);
+            item.kind = lsp::CompletionKind::operatorSign;
+            item.sortText = "2" + item.label;
+            items->push_back(std::move(item));
+        }
+    }
 }
 
 void AddNames(const Snapshot& snapshot, Items* items) {
@@ -98,7 +150,6 @@ void AddNames(const Snapshot& snapshot, Items* items) {
 }
 
 void AddFiles(std::string_view typed, const DirectoryListing& filesIn, Items* items) {
-    typed.remove_prefix(typed.starts_with('"') ? 1 : 0);
     const std::size_t end = typed.find_last_of("/\\") + 1;  // 0 where there is none
     for (std::string& name : filesIn(std::string(typed.substr(0, end)))) {
         lsp::CompletionItem item;
@@ -106,6 +157,21 @@ void AddFiles(std::string_view typed, const DirectoryListing& filesIn, Items* it
         item.kind = lsp::CompletionKind::file;
         items->push_back(std::move(item));
     }
+}
+
+// `line` is what the cursor is at the end of.
+void AddOperands(const Snapshot& snapshot, std::string_view line, const LinePrefix& prefix,
+                 bool isSmall, Items* items) {
+    const OperandInHand operand(line, prefix);
+    if (operand.IsFirstWord()) {
+        AddRegisters(operand, isSmall, items);
+        if (operand.MayBeValue()) {
+            AddNames(snapshot, items);
+        }
+        return;
+    }
+    AddNames(snapshot, items);
+    AddOperators(isSmall, items);
 }
 
 }  // namespace
@@ -122,33 +188,43 @@ std::vector<lsp::CompletionItem> CompletionsFor(const Snapshot& snapshot, std::s
         case LinePrefix::Part::mnemonic:
             AddMnemonics(isSmall, &items);
             break;
-        case LinePrefix::Part::string:
+        case LinePrefix::Part::operand:
             if (takesFile) {
                 AddFiles(prefix.operandText, filesIn, &items);
+            } else if (keyword != nullptr) {
+                AddOperands(snapshot, line, prefix, isSmall, &items);
             }
             break;
-        case LinePrefix::Part::operand: {
-            if (takesFile) {
-                AddFiles(prefix.operandText, filesIn, &items);
-                break;
+        case LinePrefix::Part::string:  // INCLUDE takes quotes for a part of the name
+            if (takesFile && keyword->handler == AssembleBinclude) {
+                AddFiles(prefix.operandText.substr(1), filesIn, &items);
             }
-            std::string raised(line);
-            std::ranges::transform(raised, raised.begin(), [](char c) { return Raised(c); });
-            const StatementView statement = CutStatement(raised);
-            const bool isWhole = prefix.word.size() == prefix.operandText.size() ||
-                                 prefix.operandText.starts_with('(');
-            if (isWhole && prefix.operand <= statement.operands.size()) {
-                AddRegisters(statement, prefix.operand, isSmall, &items);
-            }
-            AddNames(snapshot, &items);
             break;
-        }
         case LinePrefix::Part::label:
         case LinePrefix::Part::comment:
             break;
     }
     return items;
 }
+
+namespace {
+
+// The form with its operands, whose texts are part of it.
+lsp::Signature SignatureOf(std::string form, std::string_view documentation) {
+    lsp::Signature signature;
+    std::string_view rest = form;
+    rest.remove_prefix(std::min(rest.find(' '), rest.size() - 1) + 1);
+    while (!rest.empty()) {
+        const std::size_t end = std::min(rest.find(','), rest.size());
+        signature.parameters.emplace_back(rest.substr(0, end));
+        rest.remove_prefix(std::min(end + 1, rest.size()));
+    }
+    signature.documentation = documentation;
+    signature.label = std::move(form);
+    return signature;
+}
+
+}  // namespace
 
 std::optional<lsp::SignatureHelp> SignaturesFor(std::string_view line) {
     const LinePrefix prefix = CutPrefix(line);
@@ -159,27 +235,24 @@ std::optional<lsp::SignatureHelp> SignaturesFor(std::string_view line) {
     if (keyword == nullptr) {
         return std::nullopt;
     }
-    std::string raised(line);
-    std::ranges::transform(raised, raised.begin(), [](char c) { return Raised(c); });
+    const std::string raised = Raised(line);
+    const StatementView statement = CutStatement(raised);
+    // A list goes on with operands like the first one.
+    const bool isList = keyword->operands.most > 2;
+    const std::size_t operand = isList ? 0 : prefix.operand;
+    const auto inHand =  // forms that also fit what has been written of the operand
+        FormsOf(statement, std::min(operand + 1, statement.operands.size()));
     lsp::SignatureHelp help;
-    help.activeParameter = static_cast<std::uint32_t>(prefix.operand);
-    for (std::string& form : FormsOf(CutStatement(raised), prefix.operand)) {
-        lsp::Signature signature;
-        const std::size_t start = form.find(' ');
-        std::string_view rest = start == std::string::npos
-                                    ? std::string_view()
-                                    : std::string_view(form).substr(start + 1);
-        while (!rest.empty()) {
-            const std::size_t end = std::min(rest.find(','), rest.size());
-            signature.parameters.emplace_back(rest.substr(0, end));
-            rest.remove_prefix(std::min(end + 1, rest.size()));
+    help.activeParameter = static_cast<std::uint32_t>(operand);
+    for (std::string& form : FormsOf(statement, operand)) {
+        lsp::Signature signature = SignatureOf(std::move(form), HelpFor(*keyword));
+        if (signature.parameters.size() <= operand) {
+            continue;
         }
-        signature.documentation = HelpFor(*keyword);
-        const bool hasOperand = signature.parameters.size() > prefix.operand;
-        signature.label = std::move(form);
-        if (hasOperand) {
-            help.signatures.push_back(std::move(signature));
+        if (!inHand.empty() && signature.label == inHand.front()) {
+            help.activeSignature = static_cast<std::uint32_t>(help.signatures.size());
         }
+        help.signatures.push_back(std::move(signature));
     }
     return help.signatures.empty() ? std::nullopt : std::optional(std::move(help));
 }

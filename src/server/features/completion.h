@@ -23,7 +23,8 @@ using DirectoryListing = std::function<std::vector<std::string>(const std::strin
                                                               std::string_view line,
                                                               const DirectoryListing& filesIn);
 
-/// The forms of the mnemonic before the cursor; none where it is not among operands.
+/// The forms of the mnemonic before the cursor that agree with the operands before the one in hand;
+/// none where the cursor is not among operands.
 [[nodiscard]] std::optional<lsp::SignatureHelp> SignaturesFor(std::string_view line);
 
 }  // namespace korv

@@ -1,38 +1,18 @@
 #include "server/features/hover.h"
 
 #include <algorithm>
-#include <bitset>
 #include <string>
 
 #include "codegen/keywords.h"
-#include "diagnostics/report_writer.h"
 #include "frontend/cycles.h"
 #include "frontend/instruction_help.h"
 #include "frontend/statement_view.h"
 #include "server/cursor.h"
+#include "server/features/value_text.h"
 #include "source/char_class.h"
 
 namespace korv {
 namespace {
-
-std::string Hex(std::uint32_t value, std::size_t digits) {
-    char text[16];
-    return {text, PutHex(text, value, digits)};
-}
-
-// In the bases of the language; as a character, where it is one that can be seen.
-std::string ValueText(std::int32_t value) {
-    const auto bits = static_cast<std::uint32_t>(value);
-    const bool isByte = value >= -128 && value <= 255;
-    std::string text = isByte ? Hex(bits & 0xFF, 2) : Hex(bits, 4);
-    text += "H, " + std::to_string(value) + ", ";
-    text += isByte ? std::bitset<8>(bits).to_string() : std::bitset<16>(bits).to_string();
-    text += "B";
-    if (value > ' ' && value < 0x7F) {
-        text += std::string(", \"") + static_cast<char>(value) + '"';
-    }
-    return text;
-}
 
 // A text of the source between the signs of code, which it must not end.
 std::string Code(std::string_view text) {
@@ -59,21 +39,23 @@ std::string_view KindText(NameKind kind) {
     return "";
 }
 
-std::string NameText(const Snapshot& snapshot, const Name& name) {
+std::string NameText(const Snapshot& snapshot, std::int32_t number) {
+    const Name& name = snapshot.analysis->names[static_cast<std::size_t>(number)];
+    const Place& definition = name.definition;
     std::string text = Code(name.text + (name.hasValue ? " = " + ValueText(name.value) : ""));
     text += "\n" + std::string(KindText(name.kind));
-    if (name.definition.IsSomewhere()) {
-        text += ", defined in " + snapshot.analysis->LineName(name.definition);
+    if (definition.IsSomewhere()) {
+        text += ", defined in " + snapshot.analysis->LineName(definition);
     }
-    const std::size_t uses = DistinctPlaces(name).size();
+    const auto all = OccurrencesOf(snapshot, number);
+    const auto uses = std::ranges::count(all, false, &NameAt::isDefinition);
     text += uses == 0   ? ", never used"
             : uses == 1 ? ", used once"
                         : ", used " + std::to_string(uses) + " times";
-    if (name.definition.IsSomewhere()) {
-        const StoredText& file = *snapshot.File(name.definition.file).text;
-        if (const std::string comment = CommentOf(file, name.definition.line); !comment.empty()) {
-            text += "\n\n" + Code(comment);
-        }
+    if (definition.IsSomewhere()) {
+        const std::string comment =
+            CommentOf(*snapshot.File(definition.file).text, definition.line);
+        text += comment.empty() ? "" : "\n\n" + Code(comment);
     }
     return text;
 }
@@ -87,11 +69,8 @@ std::string StatementText(const Snapshot& snapshot, const Statement& statement) 
     if (statement.count == 0) {
         return text;
     }
-    std::string bytes = Hex(statement.address, 4) + "H:";
-    for (std::uint32_t i = 0; i < std::min(statement.count, mostBytes); ++i) {
-        bytes += " " + Hex(snapshot.analysis->image[statement.offset + i], 2);
-    }
-    bytes += statement.count > mostBytes ? " ..." : "";
+    const std::string bytes =
+        Hex(statement.address, 4) + "H: " + BytesText(*snapshot.analysis, statement, mostBytes);
     text += "\n\n" + Code(bytes);
     const std::string cycles = CyclesText(CyclesOf(*snapshot.analysis, statement));
     return cycles.empty() ? text : text + "\n" + cycles + " T-states";
@@ -125,26 +104,30 @@ std::string CommentOf(const StoredText& text, std::int32_t line) {
 
 std::optional<lsp::Hover> HoverAt(const Snapshot& snapshot, const Place& place) {
     if (const auto at = FindNameAt(snapshot, place)) {
-        const Name& name = snapshot.analysis->names[static_cast<std::size_t>(at->name)];
-        return lsp::Hover{NameText(snapshot, name), snapshot.RangeOf(at->place)};
+        return lsp::Hover{NameText(snapshot, at->name), snapshot.RangeOf(at->place)};
     }
     const Cursor cursor(snapshot, place);
     const Statement* const statement = FindStatementAt(snapshot, place.file, place.line);
-    if (cursor.IsOnMnemonic() && statement != nullptr && statement->keyword != nullptr) {
-        return lsp::Hover{StatementText(snapshot, *statement),
-                          snapshot.RangeOf(cursor.PlaceOf(cursor.View().mnemonic))};
+    if (statement == nullptr) {
+        return std::nullopt;
+    }
+    const auto about = [&](std::string_view part, std::string text) {
+        return lsp::Hover{std::move(text), snapshot.RangeOf(cursor.PlaceOf(part))};
+    };
+    if (cursor.IsOnMnemonic() && statement->keyword != nullptr) {
+        return about(cursor.View().mnemonic, StatementText(snapshot, *statement));
     }
     const Token* const token = cursor.TokenHere();
     if (token == nullptr) {
         return std::nullopt;
     }
-    const Range range = snapshot.RangeOf(cursor.PlaceOf(token->text));
-    if (token->kind == TokenKind::number) {
-        return lsp::Hover{Code(ValueText(token->value)), range};
+    const bool isCharacter = token->kind == TokenKind::string && token->text.size() == 3;
+    if (token->kind == TokenKind::number || isCharacter) {
+        return about(token->text, Code(ValueText(token->value)));
     }
-    if (token->kind == TokenKind::here && statement != nullptr) {
+    if (token->kind == TokenKind::here && !statement->isSkipped) {
         const auto address = static_cast<std::int32_t>(statement->address);
-        return lsp::Hover{Code("$ = " + ValueText(address)), range};
+        return about(token->text, Code("$ = " + ValueText(address)));
     }
     return std::nullopt;
 }

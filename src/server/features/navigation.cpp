@@ -23,6 +23,10 @@ const FileUse* FileUseAt(const Snapshot& snapshot, const Place& place) {
     return found == uses.end() ? nullptr : &*found;
 }
 
+std::string_view TextAt(const Snapshot& snapshot, const Place& place) {
+    return snapshot.Line(place.file, place.line).substr(place.column, place.length);
+}
+
 // Why `name`, in capitals, cannot be the name of a label; empty: it can.
 std::string ReasonAgainst(const Snapshot& snapshot, const std::string& name) {
     constexpr std::size_t longestName = 256;
@@ -34,7 +38,7 @@ std::string ReasonAgainst(const Snapshot& snapshot, const std::string& name) {
     if (name.size() > longestName) {
         return "a name has at most 256 characters";
     }
-    if (FindKeyword(name) != nullptr) {
+    if (FindKeyword(name) != nullptr || name == "MACROS_OFF" || name == "MACROS_ON") {
         return name + " is a reserved word";
     }
     if (ClassOf(name).kind != KIND_VALUE) {
@@ -46,9 +50,7 @@ std::string ReasonAgainst(const Snapshot& snapshot, const std::string& name) {
     if (ReadNumber(name, &value) != notANumber) {
         return name + " reads as a number";
     }
-    const auto& names = snapshot.analysis->names;
-    const auto found = std::ranges::lower_bound(names, name, {}, &Name::text);
-    return found != names.end() && found->text == name ? name + " exists already" : "";
+    return FindName(*snapshot.analysis, name) != nullptr ? name + " exists already" : "";
 }
 
 }  // namespace
@@ -71,12 +73,10 @@ std::vector<lsp::Location> ReferencesAt(const Snapshot& snapshot, const Place& p
     if (!at) {
         return locations;
     }
-    const Name& name = NameOf(snapshot, *at);
-    if (includesDefinition && name.definition.IsSomewhere()) {
-        locations.push_back(snapshot.LocationOf(name.definition));
-    }
-    for (const Place& use : DistinctPlaces(name)) {
-        locations.push_back(snapshot.LocationOf(use));
+    for (const NameAt& each : OccurrencesOf(snapshot, at->name)) {
+        if (includesDefinition || !each.isDefinition) {
+            locations.push_back(snapshot.LocationOf(each.place));
+        }
     }
     return locations;
 }
@@ -87,13 +87,11 @@ std::vector<lsp::DocumentHighlight> HighlightsAt(const Snapshot& snapshot, const
     if (!at) {
         return highlights;
     }
-    const Name& name = NameOf(snapshot, *at);
-    if (name.definition.file == place.file) {
-        highlights.push_back({snapshot.RangeOf(name.definition), lsp::HighlightKind::write});
-    }
-    for (const Place& use : DistinctPlaces(name)) {
-        if (use.file == place.file) {
-            highlights.push_back({snapshot.RangeOf(use), lsp::HighlightKind::read});
+    for (const NameAt& each : OccurrencesOf(snapshot, at->name)) {
+        if (each.place.file == place.file) {
+            highlights.push_back({snapshot.RangeOf(each.place), each.isDefinition
+                                                                    ? lsp::HighlightKind::write
+                                                                    : lsp::HighlightKind::read});
         }
     }
     return highlights;
@@ -112,35 +110,34 @@ std::variant<lsp::PreparedRename, lsp::Refusal> PrepareRename(const Snapshot& sn
     if (name.kind == NameKind::commandLine) {
         return lsp::Refusal{name.text + " is defined by -D"};
     }
-    const std::string_view line = snapshot.Line(at->place.file, at->place.line);
+    for (const NameAt& each : OccurrencesOf(snapshot, at->name)) {
+        if (Raised(TextAt(snapshot, each.place)) != name.text) {
+            return lsp::Refusal{name.text + " is continued on the next line at " +
+                                snapshot.analysis->LineName(each.place)};
+        }
+    }
     return lsp::PreparedRename{snapshot.RangeOf(at->place),
-                               std::string(line.substr(at->place.column, at->place.length))};
+                               std::string(TextAt(snapshot, at->place))};
 }
 
 std::variant<lsp::WorkspaceEdit, lsp::Refusal> Rename(const Snapshot& snapshot, const Place& place,
                                                       const std::string& newName) {
     auto prepared = PrepareRename(snapshot, place);
     if (auto* const refusal = std::get_if<lsp::Refusal>(&prepared)) {
-        return *refusal;
+        return std::move(*refusal);
     }
     const auto at = FindNameAt(snapshot, place);
-    const Name& name = NameOf(snapshot, *at);
-    std::string raised(newName);
-    std::ranges::transform(raised, raised.begin(), [](char c) { return Raised(c); });
-    if (raised != name.text) {  // another spelling of the same name is always possible
+    const std::string raised = Raised(newName);
+    if (raised != NameOf(snapshot, *at).text) {  // another spelling is always possible
         if (std::string reason = ReasonAgainst(snapshot, raised); !reason.empty()) {
             return lsp::Refusal{std::move(reason)};
         }
     }
     lsp::WorkspaceEdit edit;
-    const auto add = [&](const Place& where) {
-        lsp::Location location = snapshot.LocationOf(where);
+    for (const NameAt& each : OccurrencesOf(snapshot, at->name)) {
+        lsp::Location location = snapshot.LocationOf(each.place);
         edit[location.path].push_back({location.range, newName});
-    };
-    if (name.definition.IsSomewhere()) {
-        add(name.definition);
     }
-    std::ranges::for_each(DistinctPlaces(name), add);
     return edit;
 }
 
@@ -151,6 +148,11 @@ std::vector<lsp::DocumentLink> LinksIn(const Snapshot& snapshot, std::int32_t fi
             links.push_back({snapshot.RangeOf(use.place), snapshot.File(use.file).text->Path()});
         }
     }
+    // A file that is included twice has each of them twice.
+    const auto start = [](const lsp::DocumentLink& link) { return link.range.start; };
+    std::ranges::stable_sort(links, {}, start);
+    const auto rest = std::ranges::unique(links, {}, start);
+    links.erase(rest.begin(), rest.end());
     return links;
 }
 

@@ -5,21 +5,18 @@
 
 #include "codegen/handlers.h"
 #include "codegen/keywords.h"
-#include "diagnostics/report_writer.h"
+#include "frontend/statement_view.h"
+#include "server/features/value_text.h"
 #include "source/char_class.h"
 
 namespace korv {
 namespace {
 
-std::string Hex(std::uint32_t value, std::size_t digits) {
-    char text[16];
-    return {text, PutHex(text, value, digits)};
-}
-
 lsp::SymbolKind KindOf(const Name& name) {
     return name.kind == NameKind::label ? lsp::SymbolKind::function : lsp::SymbolKind::constant;
 }
 
+// In the order of the lines. A name that is defined twice counts where it got its value.
 std::vector<const Name*> DefinedIn(const Snapshot& snapshot, std::int32_t file) {
     std::vector<const Name*> names;
     for (const Name& name : snapshot.analysis->names) {
@@ -56,8 +53,7 @@ void AddComments(const StoredText& text, std::vector<lsp::FoldingRange>* ranges)
     }
 }
 
-void AddConditions(const std::vector<const Statement*>& statements,
-                   std::vector<lsp::FoldingRange>* ranges) {
+void AddConditions(Statements statements, std::vector<lsp::FoldingRange>* ranges) {
     std::vector<std::int32_t> open;  // the lines of IF and ELSE
     for (const Statement* const statement : statements) {
         const InstructionHandler handler =
@@ -72,8 +68,7 @@ void AddConditions(const std::vector<const Statement*>& statements,
     }
 }
 
-void AddRoutines(const Snapshot& snapshot, std::int32_t file,
-                 const std::vector<const Statement*>& statements,
+void AddRoutines(const Snapshot& snapshot, std::int32_t file, Statements statements,
                  std::vector<lsp::FoldingRange>* ranges) {
     std::int32_t lastCode = 0;  // line of the last statement with bytes
     std::int32_t label = 0;
@@ -120,8 +115,7 @@ std::vector<lsp::DocumentSymbol> SymbolsIn(const Snapshot& snapshot, std::int32_
 }
 
 std::vector<lsp::WorkspaceSymbol> SymbolsLike(const Snapshot& snapshot, std::string_view query) {
-    std::string wanted(query);
-    std::ranges::transform(wanted, wanted.begin(), [](char c) { return Raised(c); });
+    const std::string wanted = Raised(query);
     std::vector<lsp::WorkspaceSymbol> symbols;
     for (const Name& name : snapshot.analysis->names) {
         if (name.definition.IsSomewhere() && name.text.find(wanted) != std::string::npos) {
@@ -133,7 +127,7 @@ std::vector<lsp::WorkspaceSymbol> SymbolsLike(const Snapshot& snapshot, std::str
 
 std::vector<lsp::FoldingRange> FoldingRangesIn(const Snapshot& snapshot, std::int32_t file) {
     std::vector<lsp::FoldingRange> ranges;
-    const std::vector<const Statement*> statements = StatementsOf(snapshot, file);
+    const Statements statements = StatementsOf(snapshot, file);
     AddComments(*snapshot.File(file).text, &ranges);
     AddConditions(statements, &ranges);
     AddRoutines(snapshot, file, statements, &ranges);
@@ -148,20 +142,18 @@ std::vector<lsp::InlayHint> InlayHintsIn(const Snapshot& snapshot, std::int32_t 
     if (form == HintForm::none) {
         return hints;
     }
-    for (const Statement* const statement : StatementsOf(snapshot, file)) {
-        const auto line = static_cast<std::uint32_t>(statement->line - 1);
-        if (statement->count == 0 || line < range.start.line || line > range.end.line) {
+    for (const Statement* const statement : StatementsIn(snapshot, file, range)) {
+        if (statement->count == 0) {
             continue;
         }
         std::string label = Hex(statement->address, 4);
         if (form == HintForm::addressAndBytes) {
-            const auto& image = snapshot.analysis->image;
-            for (std::uint32_t i = 0; i < std::min(statement->count, mostBytes); ++i) {
-                label += (i == 0 ? "  " : " ") + Hex(image[statement->offset + i], 2);
-            }
-            label += statement->count > mostBytes ? " ..." : "";
+            label += "  " + BytesText(*snapshot.analysis, *statement, mostBytes);
         }
-        hints.push_back({{line, 0}, std::move(label)});
+        const std::int32_t last =
+            statement->line + static_cast<std::int32_t>(statement->lineCount) - 1;
+        const auto size = static_cast<std::uint32_t>(snapshot.Line(file, last).size());
+        hints.push_back({snapshot.RangeOf({file, last, size, 0}).start, std::move(label)});
     }
     return hints;
 }

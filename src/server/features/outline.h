@@ -23,7 +23,7 @@ namespace korv {
 [[nodiscard]] std::vector<lsp::FoldingRange> FoldingRangesIn(const Snapshot& snapshot,
                                                              std::int32_t file);
 
-/// Address and bytes of a line beside it.
+/// Address and bytes of a line after its end, where they move nothing.
 enum class HintForm : std::uint8_t { none, address, addressAndBytes };
 [[nodiscard]] std::vector<lsp::InlayHint> InlayHintsIn(const Snapshot& snapshot, std::int32_t file,
                                                        const Range& range, HintForm form);

@@ -1,11 +1,11 @@
 #include "server/features/tokens.h"
 
 #include <algorithm>
-#include <optional>
 
+#include "codegen/handlers.h"
+#include "codegen/keywords.h"
 #include "frontend/logical_line.h"
 #include "frontend/statement_view.h"
-#include "source/char_class.h"
 
 namespace korv {
 namespace {
@@ -18,29 +18,28 @@ class Painter {
     Painter(const Snapshot& snapshot, std::int32_t file) : snapshot(snapshot), file(file) {}
 
     void Paint(const Statement& statement) {
-        const StoredText& text = *snapshot.File(file).text;
-        const LogicalLine& line = places.LineAt(text, statement.line);
-        const StatementView view = CutStatement(line.text);
         current = &statement;
         if (statement.isSkipped) {
-            const std::string_view raw = text.Line(statement.line);
-            AddPlace({file, statement.line, 0, static_cast<std::uint32_t>(raw.size())},
-                     TokenType::comment, 0);
+            for (std::uint32_t i = 0; i < statement.lineCount; ++i) {
+                AddRest(statement.line + static_cast<std::int32_t>(i), 0);
+            }
             return;
         }
-        PaintLabel(view);
-        const bool isDirective = statement.kind != StatementKind::instruction;
-        if (statement.keyword != nullptr) {
-            Add(view, view.mnemonic, isDirective ? TokenType::macro : TokenType::keyword, 0);
+        const LogicalLine& line = places.LineAt(*snapshot.File(file).text, statement.line);
+        const StatementView view = CutStatement(line.text);
+        if (const Name* const name = FindName(*snapshot.analysis, view.label)) {
+            Add(view, view.label, TypeOf(*name), lsp::modifierDefinition);
         }
-        for (const OperandView& operand : view.operands) {
-            for (const Token& token : operand.tokens) {
-                PaintToken(view, operand, token);
-            }
+        if (view.keyword != nullptr) {
+            const bool isInstruction = statement.kind == StatementKind::instruction;
+            Add(view, view.mnemonic, isInstruction ? TokenType::keyword : TokenType::macro, 0);
         }
-        for (std::uint32_t i = 0; i < statement.lineCount; ++i) {
-            PaintComment(statement.line + static_cast<std::int32_t>(i));
+        if (view.keyword != nullptr && view.keyword->handler == AssembleInclude) {
+            Add(view, view.rest, TokenType::string, 0);
+        } else {
+            PaintOperands(view);
         }
+        PaintComments(line);
     }
 
     [[nodiscard]] std::vector<SemanticToken> Take() {
@@ -49,30 +48,26 @@ class Painter {
     }
 
   private:
-    void PaintLabel(const StatementView& view) {
-        if (const Name* const name = NameOf(view.label)) {
-            Add(view, view.label, TypeOf(*name), lsp::modifierDefinition);
-        }
-    }
-
-    void PaintToken(const StatementView& view, const OperandView& operand, const Token& token) {
-        switch (token.kind) {
-            case TokenKind::registerName:
-            case TokenKind::condition:
-                if (operand.what.kind != KIND_VALUE || operand.IsIndexed()) {
-                    Add(view, token.text,
-                        token.kind == TokenKind::condition ? TokenType::enumMember
-                                                           : TokenType::variable,
-                        0);
-                    break;
-                }
-                [[fallthrough]];  // in an expression it is a name
-            case TokenKind::name:
-            case TokenKind::digitName:
-                if (const Name* const name = NameOf(token.text)) {
+    void PaintOperands(const StatementView& view) {
+        for (const OperandView& operand : view.operands) {
+            for (const Token& token : operand.tokens) {
+                if (!operand.HoldsAsName(token)) {
+                    PaintToken(view, token);
+                } else if (const Name* const name = FindName(*snapshot.analysis, token.text)) {
                     Add(view, token.text, TypeOf(*name),
                         name->kind == NameKind::label ? 0 : lsp::modifierReadonly);
                 }
+            }
+        }
+    }
+
+    void PaintToken(const StatementView& view, const Token& token) {
+        switch (token.kind) {
+            case TokenKind::registerName:
+                Add(view, token.text, TokenType::variable, 0);
+                break;
+            case TokenKind::condition:
+                Add(view, token.text, TokenType::enumMember, 0);
                 break;
             case TokenKind::number:
             case TokenKind::largeNumber:
@@ -87,32 +82,38 @@ class Painter {
             case TokenKind::wordOp:
                 Add(view, token.text, TokenType::operatorSign, 0);
                 break;
-            case TokenKind::op:
             case TokenKind::other:
+                if (token.text == "AF'") {
+                    Add(view, token.text, TokenType::variable, 0);
+                }
+                break;
+            case TokenKind::name:
+            case TokenKind::digitName:
+            case TokenKind::op:
                 break;
         }
     }
 
-    // The comment at the end of physical line `number`.
-    void PaintComment(std::int32_t number) {
-        const std::string_view raw = snapshot.Line(file, number);
-        bool isString = false;
-        for (std::size_t i = 0; i < raw.size(); ++i) {
-            isString = isString != (raw[i] == '"');
-            if (raw[i] == ';' && !isString) {
-                AddPlace({file, number, static_cast<std::uint32_t>(i),
-                          static_cast<std::uint32_t>(raw.size() - i)},
-                         TokenType::comment, 0);
-                return;
+    // What the cleaned line has left out at the end of each physical line, where that is a comment.
+    void PaintComments(const LogicalLine& line) {
+        bool isComment = false;  // one that goes on
+        auto at = line.positions.begin();
+        for (std::int32_t number = current->line;
+             number < current->line + static_cast<std::int32_t>(current->lineCount); ++number) {
+            std::size_t end = 0;  // of the text in the line
+            for (; at != line.positions.end() && at->line == number; ++at) {
+                end = at->column + 1;
+            }
+            if (!isComment) {
+                end = snapshot.Line(file, number).find(';', end);
+            }
+            if (end != std::string_view::npos) {
+                AddRest(number, static_cast<std::uint32_t>(end));
+                isComment = true;
             }
         }
     }
 
-    [[nodiscard]] const Name* NameOf(std::string_view text) const {
-        const auto& names = snapshot.analysis->names;
-        const auto found = std::ranges::lower_bound(names, text, {}, &Name::text);
-        return found != names.end() && found->text == text ? &*found : nullptr;
-    }
     static TokenType TypeOf(const Name& name) {
         return name.kind == NameKind::label ? TokenType::function : TokenType::property;
     }
@@ -125,6 +126,10 @@ class Painter {
                                     at.length),
                      type, modifiers);
         }
+    }
+    void AddRest(std::int32_t line, std::uint32_t column) {
+        const auto size = static_cast<std::uint32_t>(snapshot.Line(file, line).size());
+        AddPlace({file, line, column, size - column}, TokenType::comment, 0);
     }
     void AddPlace(const Place& place, TokenType type, std::uint32_t modifiers) {
         const Range range = snapshot.RangeOf(place);
@@ -146,11 +151,8 @@ class Painter {
 std::vector<lsp::SemanticToken> SemanticTokensIn(const Snapshot& snapshot, std::int32_t file,
                                                  const Range& range) {
     Painter painter(snapshot, file);
-    for (const Statement* const statement : StatementsOf(snapshot, file)) {
-        const auto line = static_cast<std::uint32_t>(statement->line - 1);
-        if (line + statement->lineCount > range.start.line && line <= range.end.line) {
-            painter.Paint(*statement);
-        }
+    for (const Statement* const statement : StatementsIn(snapshot, file, range)) {
+        painter.Paint(*statement);
     }
     return painter.Take();
 }

@@ -1,0 +1,40 @@
+#include "server/features/value_text.h"
+
+#include <algorithm>
+#include <bitset>
+
+#include "diagnostics/report_writer.h"
+
+namespace korv {
+
+std::string Hex(std::uint32_t value, std::size_t digits) {
+    char text[8];
+    return {text, PutHex(text, value, digits)};
+}
+
+std::string ValueText(std::int32_t value) {
+    const auto bits = static_cast<std::uint32_t>(value);
+    const std::string decimal = std::to_string(value);
+    if (value < -0x8000 || value > 0xFFFF) {  // only on the way to a result
+        return Hex(bits, 8) + "H, " + decimal;
+    }
+    const bool isByte = value >= 0 && value <= 255;
+    std::string text = isByte ? Hex(bits, 2) : Hex(bits & 0xFFFF, 4);
+    text += "H, " + decimal + ", ";
+    text += isByte ? std::bitset<8>(bits).to_string() : std::bitset<16>(bits).to_string();
+    text += "B";
+    if (value > ' ' && value < 0x7F && value != '"') {
+        text += std::string(", \"") + static_cast<char>(value) + '"';
+    }
+    return text;
+}
+
+std::string BytesText(const Analysis& analysis, const Statement& statement, std::uint32_t most) {
+    std::string text;
+    for (std::uint32_t i = 0; i < std::min(statement.count, most); ++i) {
+        text += (i == 0 ? "" : " ") + Hex(analysis.image[statement.offset + i], 2);
+    }
+    return text + (statement.count > most ? " ..." : "");
+}
+
+}  // namespace korv

@@ -1,0 +1,81 @@
+// korv-ls: the language server over standard input and output.
+
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <string_view>
+
+#include "platform/platform.h"
+#include "server/server.h"
+
+namespace korv {
+namespace {
+
+constexpr int statusWrongUse = 2;
+
+constexpr const char* help =
+    "Usage: korv-ls [--stdio]\n"
+    "Serves an editor with the Language Server Protocol on standard input and output:\n"
+    "Z80 sources are assembled as they are typed. It writes no file.\n"
+    "\n"
+    "      --stdio    accepted and ignored: there is no other connection\n"
+    "  -h, --help     print this help\n"
+    "  -V, --version  print the version\n"
+    "\n"
+    "Exit status: 0 ended by the editor; 1 the connection broke; 2 wrong use.\n";
+
+class StandardChannel : public Channel {
+  public:
+    bool IsInputWaiting() override { return connection.IsInputWaiting(); }
+    std::size_t Read(char* buffer, std::size_t count) override {
+        return connection.Read(buffer, count);
+    }
+    bool Write(std::string_view bytes) override { return connection.Write(bytes); }
+
+  private:
+    platform::StandardConnection connection;
+};
+
+// What a text may take is bounded, so this is a machine out of memory. The editor starts the server
+// anew.
+int OnAllocationFailure(std::size_t) {
+    std::fputs("korv-ls: error: out of memory\n", stderr);
+    std::_Exit(1);
+}
+
+int Serve() {
+    platform::SetAllocationFailureHook(OnAllocationFailure);
+    StandardChannel channel;
+    Server server(&channel, KORV_VERSION);
+    const int status = server.Run();
+    if (!server.Failure().empty()) {
+        std::fprintf(stderr, "korv-ls: error: %s\n", server.Failure().c_str());
+    }
+    return status;
+}
+
+int Print(const char* text) {
+    return std::fputs(text, stdout) < 0 || std::fflush(stdout) != 0 ? statusWrongUse : 0;
+}
+
+}  // namespace
+}  // namespace korv
+
+int main(int argumentCount, char** arguments) {
+    korv::platform::OpenStandardStreams();
+    for (int i = 1; i < argumentCount; ++i) {
+        const std::string_view word = arguments[i];
+        if (word == "-h" || word == "--help") {
+            return korv::Print(korv::help);
+        }
+        if (word == "-V" || word == "--version") {
+            return korv::Print("korv-ls " KORV_VERSION "\n");
+        }
+        if (word != "--stdio") {
+            std::fprintf(stderr, "korv-ls: error: unknown option '%s'; --help lists them\n",
+                         arguments[i]);
+            return korv::statusWrongUse;
+        }
+    }
+    return korv::Serve();
+}

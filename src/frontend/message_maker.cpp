@@ -93,7 +93,7 @@ void MessageMaker::RemoveExplained() {
                });
     };
     if (!explained.empty()) {
-        analysis->warningCount -= static_cast<int>(std::erase_if(analysis->messages, isExplained));
+        analysis->warningCount -= std::erase_if(analysis->messages, isExplained);
     }
 }
 

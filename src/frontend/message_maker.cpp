@@ -52,6 +52,7 @@ std::int32_t MessageMaker::AddOpening(std::int32_t number, const Opening& openin
 
 void MessageMaker::Finish() {
     std::set<std::pair<std::int32_t, std::int32_t>> refusedLines;  // file and line of an error
+    auto shortLines = refusedLines;  // of one that an empty operand may be the cause of
     const auto lineOf = [this](const Report& report) {
         const auto opening = static_cast<std::size_t>(OpeningOf(report.place.file));
         return std::pair(analysis->openings[opening].file, report.place.line);
@@ -59,12 +60,14 @@ void MessageMaker::Finish() {
     for (const auto& each : pending) {
         if (const auto* const report = std::get_if<Report>(&each); report && !report->warning) {
             refusedLines.insert(lineOf(*report));
+            if (report->number == MSG_ARGUMENT_EXPECTED || report->number == MSG_ILLEGAL_ARGUMENT) {
+                shortLines.insert(lineOf(*report));
+            }
         }
     }
     for (auto& each : std::exchange(pending, {})) {
         if (const auto* const report = std::get_if<Report>(&each)) {
-            if (report->warning != Warning::emptyOperand ||
-                !refusedLines.contains(lineOf(*report))) {
+            if (report->warning != Warning::emptyOperand || !shortLines.contains(lineOf(*report))) {
                 Make(*report);
             }
             continue;

@@ -168,7 +168,9 @@ std::string Hints(const Program& program, const std::string& form) {
                                                          {"address", korv::HintForm::address},
                                                          {"bytes", korv::HintForm::addressAndBytes}};
     return Lines(InlayHintsIn(program.snapshot, program.markedFile, program.LineOfMark(), forms.at(form)),
-                 [](const lsp::InlayHint& hint) { return Shown(korv::Range{hint.position, hint.position}) + " " + hint.label; });
+                 [](const lsp::InlayHint& hint) {
+                     return Shown(korv::Range{hint.position, hint.position}) + " " + hint.label;
+                 });
 }
 
 // The reply to `request` with the rest of its line, as text.
@@ -202,8 +204,9 @@ std::string Reply(const Program& program, const std::string& request, const std:
          }},
         {"links",
          [&] {
-             return Lines(LinksIn(snapshot, program.markedFile),
-                          [](const lsp::DocumentLink& link) { return Shown(link.range) + " -> " + Shown(lsp::Location{link.path, {}}); });
+             return Lines(LinksIn(snapshot, program.markedFile), [](const lsp::DocumentLink& link) {
+                 return Shown(link.range) + " -> " + Shown(lsp::Location{link.path, {}});
+             });
          }},
         {"complete", [&] { return Completions(program); }},
         {"signatures", [&] { return Signatures(program); }},
@@ -292,13 +295,14 @@ TEST(FeaturesTest, RepliesAreThoseOfTheTables) {
                 } else if (text.starts_with("? ")) {
                     requests.push_back({line.place, text.substr(2), ""});
                 } else if (text.starts_with("=")) {
-                    requests.at(requests.size() - 1).expected += text.substr(std::min<std::size_t>(2, text.size())) + "\n";
+                    requests.at(requests.size() - 1).expected +=
+                        text.substr(std::min<std::size_t>(2, text.size())) + "\n";
                 } else if (text.starts_with("    ") && first != std::string::npos && text[first] == '^') {
                     const std::string& name = program.names.back();
                     const auto number = std::ranges::count(program.files[name], '\n');
                     for (std::size_t at = first; at != std::string::npos; at = text.find('^', at + 1)) {
-                        program.marks.push_back({name, static_cast<std::int32_t>(number),
-                                                 static_cast<std::uint32_t>(columns.at(at - 4))});
+                        program.marks.push_back(
+                            {name, static_cast<std::int32_t>(number), static_cast<std::uint32_t>(columns.at(at - 4))});
                     }
                 } else if (text.starts_with("    ")) {
                     columns.clear();
@@ -330,7 +334,8 @@ TEST(FeaturesTest, FormattingNeverChangesTheImage) {
             }
             formatted.Analyse(korv::PositionEncoding::utf8);
             EXPECT_EQ(program.snapshot.analysis->image, formatted.snapshot.analysis->image) << title;
-            EXPECT_EQ(program.snapshot.analysis->messages.size(), formatted.snapshot.analysis->messages.size()) << title;
+            EXPECT_EQ(program.snapshot.analysis->messages.size(), formatted.snapshot.analysis->messages.size())
+                << title;
         }
     };
     for (const std::string folder : {"cases", "frontend"}) {

@@ -88,7 +88,7 @@ TEST(PatchTest, ABlockHas255PatchesAndTakesFreedOnesBack) {
     const int before = Block::BlockCount();
     std::vector<korv::CPatchInfo*> live;
     const auto usedUpTo = [&](int count) {
-        for (int i = 0; Block::BlockCount() < count && i < 1000; ++i) {
+        for (int i = 0; Block::BlockCount() < count && i < 256 * count; ++i) {
             live.push_back(Block::AllocPatchInfo(0, 0, 0, {}));
         }
         EXPECT_EQ(live.size(), std::set(live.begin(), live.end()).size());

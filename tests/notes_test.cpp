@@ -50,7 +50,8 @@ std::string ErrorsAfterChange(const std::string& source) {
     const korv::Analysis analysis = AnalysisOf(source);
     std::map<std::int32_t, std::string> changed;
     for (const korv::Message& message : analysis.messages) {
-        if (message.severity != korv::Severity::error || message.edits.empty() || changed.contains(message.place.line)) {
+        if (message.severity != korv::Severity::error || message.edits.empty() ||
+            changed.contains(message.place.line)) {
             continue;
         }
         std::string line(analysis.LineOf(message.place));

@@ -21,7 +21,7 @@ enum class ExpressionFault : std::uint8_t {
     emptyNumber,
     largeNumber,
     badToken,
-    tooComplex,    ///< the first token that is one too many
+    tooComplex,   ///< the first token that is one too many
     zeroDivisor,  ///< a number 0 after / or MOD
 };
 

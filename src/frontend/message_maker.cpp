@@ -52,6 +52,7 @@ std::int32_t MessageMaker::AddOpening(std::int32_t number, const Opening& openin
 
 void MessageMaker::Finish() {
     std::set<std::pair<std::int32_t, std::int32_t>> refusedLines;  // file and line of an error
+    auto shortLines = refusedLines;  // of one that an empty operand may be the cause of
     const auto lineOf = [this](const Report& report) {
         const auto opening = static_cast<std::size_t>(OpeningOf(report.place.file));
         return std::pair(analysis->openings[opening].file, report.place.line);
@@ -59,59 +60,58 @@ void MessageMaker::Finish() {
     for (const auto& each : pending) {
         if (const auto* const report = std::get_if<Report>(&each); report && !report->warning) {
             refusedLines.insert(lineOf(*report));
+            if (report->number == MSG_ARGUMENT_EXPECTED || report->number == MSG_ILLEGAL_ARGUMENT) {
+                shortLines.insert(lineOf(*report));
+            }
         }
     }
-    std::vector<Message> made;
     for (auto& each : std::exchange(pending, {})) {
-        const auto* const report = std::get_if<Report>(&each);
-        if (report == nullptr) {
-            made.push_back(std::move(std::get<Message>(each)));
-        } else if (report->warning != Warning::emptyOperand ||
-                   !refusedLines.contains(lineOf(*report))) {
-            Make(*report, &made);
+        if (const auto* const report = std::get_if<Report>(&each)) {
+            if (report->warning != Warning::emptyOperand || !shortLines.contains(lineOf(*report))) {
+                Make(*report);
+            }
+            continue;
         }
-    }
-    for (Message& message : made) {
-        if (message.number != 0 || !message.warning) {
+        auto& message = std::get<Message>(each);
+        if (!message.warning) {
             if (message.code != "open-if" || !adviser.TakeRefusedEnd()) {
                 AddMessage(std::move(message), analysis);
             }
-        } else if (!IsExplained(message,
-                                refusedLines.contains({message.place.file, message.place.line}))) {
+        } else if (message.warning != Warning::condition ||
+                   !refusedLines.contains({message.place.file, message.place.line})) {
             AddWarning(*warnings, std::move(message), analysis);
         }
     }
+    RemoveExplained();
 }
 
-// A warning about a condition or a name that an error is about would be a second message about one
-// mistake.
-bool MessageMaker::IsExplained(const Message& warning, bool isRefused) const {
-    switch (*warning.warning) {
-        case Warning::condition:
-            return isRefused;
-        case Warning::registerLabel:
-        case Warning::numberLabel:
-            return isRefused || std::ranges::any_of(explained, [&](const std::string& name) {
-                       return warning.detail == name || warning.detail == Quoted(name);
-                   });
-        default:
-            return false;
+// The warning about a name that an error is about is a second message about one mistake.
+void MessageMaker::RemoveExplained() {
+    const auto isExplained = [this](const Message& message) {
+        const bool isAboutName =
+            message.severity == Severity::warning &&
+            (message.warning == Warning::registerLabel || message.warning == Warning::numberLabel);
+        return isAboutName && std::ranges::any_of(explained, [&](const std::string& name) {
+                   return message.detail == name || message.detail == Quoted(name);
+               });
+    };
+    if (!explained.empty()) {
+        analysis->warningCount -= std::erase_if(analysis->messages, isExplained);
     }
 }
 
-void MessageMaker::Make(const Report& report, std::vector<Message>* made) {
+void MessageMaker::Make(const Report& report) {
     if (report.warning && !warnings->IsOn(*report.warning)) {
         return;
     }
     Message message;
     message.severity =
         report.warning && !warnings->IsError(*report.warning) ? Severity::warning : Severity::error;
-    message.number = report.number;
-    if (analysis->errorLimit != 0 && errorsMade >= analysis->errorLimit) {  // it is only counted
-        made->push_back(std::move(message));
+    if (!IsOpen()) {  // it is only counted
+        AddMessage(std::move(message), analysis);
         return;
     }
-    errorsMade += message.severity == Severity::error ? 1 : 0;
+    message.number = report.number;
     message.code = "X" + std::to_string(report.number);
     message.text = MessageText(report.number);
     message.detail = DetailOf(report.text);
@@ -124,7 +124,7 @@ void MessageMaker::Make(const Report& report, std::vector<Message>* made) {
     constexpr std::int32_t mostAdvised = 50;
     if (++reports > mostAdvised) {
         message.place = PlaceOf(report.place);
-        made->push_back(std::move(message));
+        AddMessage(std::move(message), analysis);
         return;
     }
     const StatementView& statement = StatementAt(report.place);
@@ -165,7 +165,7 @@ void MessageMaker::Make(const Report& report, std::vector<Message>* made) {
             message.edits.push_back({part, std::move(edit.text)});
         }
     }
-    made->push_back(std::move(message));
+    AddMessage(std::move(message), analysis);
 }
 
 void MessageMaker::Warn(Warning warning, const Place& place, std::int32_t opening,

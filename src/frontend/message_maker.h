@@ -85,8 +85,8 @@ class MessageMaker : private RunFacts {
     std::string SearchedDirectories() const override;
     std::vector<std::string_view> DefinedNames() const override;
 
-    void Make(const Report& report, std::vector<Message>* made);
-    [[nodiscard]] bool IsExplained(const Message& warning, bool isRefused) const;
+    void Make(const Report& report);
+    void RemoveExplained();
     // The statement in hand, cut once for all its messages.
     const StatementView& StatementAt(const SourcePlace& place);
     // Full path of the file of the statement in hand.
@@ -104,7 +104,6 @@ class MessageMaker : private RunFacts {
     StatementView view;
     std::vector<std::variant<Report, Message>> pending;
     std::unordered_set<std::string> explained;  // names of labels that errors speak of
-    std::uint64_t errorsMade = 0;
     // A number for each statement with a report, and how many it has had, by the core's file and
     // line.
     std::map<std::pair<std::int32_t, std::int32_t>, std::pair<std::int32_t, std::int32_t>>

@@ -24,7 +24,8 @@ class NearWords {
 
     /// The word nearest to `word`, and never further from it than a third of its length; empty for
     /// none. Of words at the same distance, one that is `preferred` wins, then one with the same
-    /// first letter, then one of the same letters, then one that `word` begins, then the first in the order of the set.
+    /// first letter, then one of the same letters, then one that `word` begins, then the first in
+    /// the order of the set.
     [[nodiscard]] std::string_view Find(
         std::string_view word, const std::function<bool(std::string_view)>& preferred = {});
 

@@ -11,8 +11,8 @@
 namespace korv {
 
 /// Templates: %w the mnemonic, %1 to %9 an operand or in a token row a token of the match, %r all
-/// operands, %m1 operand 1 with M as (HL) and without #, %p1 with B, D, H, PSW as BC, DE, HL, AF, %f the
-/// statement with the change. An empty note is "write %f". In an example "|" ends a line.
+/// operands, %m1 operand 1 with M as (HL) and without #, %p1 with B, D, H, PSW as BC, DE, HL, AF,
+/// %f the statement with the change. An empty note is "write %f". In an example "|" ends a line.
 
 /// A mnemonic or directive that is not in the vocabulary. The first row that fits counts.
 struct WordRow {

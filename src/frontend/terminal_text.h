@@ -1,5 +1,5 @@
-/// How a text is shown: in quotes, and on a terminal with which of its bytes escaped and in how many
-/// columns.
+/// How a text is shown: in quotes, and on a terminal with which of its bytes escaped and in how
+/// many columns.
 #pragma once
 
 #include <cstddef>

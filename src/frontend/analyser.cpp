@@ -17,72 +17,18 @@
 #include "expr/tmp_string.h"
 #include "frontend/checks.h"
 #include "frontend/condition_watch.h"
+#include "frontend/definition.h"
 #include "frontend/file_store.h"
 #include "frontend/logical_line.h"
 #include "frontend/message_maker.h"
 #include "frontend/name_collector.h"
 #include "frontend/program_checks.h"
+#include "frontend/statement_record.h"
 #include "frontend/terminal_text.h"
 #include "source/char_class.h"
 
 namespace korv {
 namespace {
-
-// A definition of the command line as the reader would have cleaned it.
-std::string RaisedOutsideStrings(std::string_view text) {
-    std::string raised(text);
-    bool isString = false;
-    for (char& c : raised) {
-        isString = isString != (c == '"');
-        c = isString ? c : Raised(c);
-    }
-    return raised;
-}
-
-// The mnemonic in the line of `statement`, or what is in its place; empty for none.
-std::string_view MnemonicOf(const CStatement& statement) {
-    const char* start = statement.text;
-    if (statement.HasLabel()) {
-        start = statement.label.data() + statement.label.size();
-        start += *start != '\0' ? 1 : 0;
-    }
-    start = SkipBlanks(start);
-    const char* end = start;
-    while (*end != '\0' && !HasClass(*end, CC_BLANK)) {
-        ++end;
-    }
-    return {start, end};
-}
-
-StatementKind KindOf(const CStatement& statement, std::string_view mnemonic,
-                     const Keyword* keyword) {
-    if (mnemonic.empty()) {
-        return statement.HasLabel() ? StatementKind::label : StatementKind::blank;
-    }
-    if (keyword == nullptr) {
-        return StatementKind::unknown;
-    }
-    switch (keyword->group) {
-        case KeywordGroup::instruction:
-            return StatementKind::instruction;
-        case KeywordGroup::data:
-            return StatementKind::data;
-        case KeywordGroup::space:
-            return StatementKind::space;
-        case KeywordGroup::directive:
-            break;
-    }
-    return StatementKind::directive;
-}
-
-// Whether some operand of `statement`, whose operands are all known, may hold a name.
-bool MayHoldName(CStatement& statement) {
-    bool hasValue = statement.args.Count() == 0;  // also where nobody has looked at the operands
-    for (const lsArg& arg : statement.args) {
-        hasValue = hasValue || arg.IsValue();
-    }
-    return hasValue;
-}
 
 LoadHeader HeaderOf(const CAssembler::LoadHeader& bytes) {
     const auto word = [&bytes](std::size_t at) {
@@ -115,7 +61,6 @@ class Analyser : public RunObserver {
         std::vector<Report> reports = {};  // of the statement
         bool isRecorded = false;           // the statement is an INCLUDE and has its record
     };
-    std::string Define(std::string_view define);
     void Stop(const CStatement& statement, std::string text, std::string code, std::string note);
     std::int32_t FileAt(const std::string& path, bool isBinary);
     void AddFileUse(const CStatement& statement, std::int32_t file);
@@ -176,7 +121,12 @@ void Analyser::OnStart() {
     assembler.statementAddress = assembler.location;  // for a $
     isDefining = true;
     for (const std::string& define : options.defines) {
-        if (const std::string reason = Define(define); !reason.empty()) {
+        defineFailure.clear();
+        std::string reason = AddDefinition(define, &assembler);
+        if (reason.empty()) {
+            reason = defineFailure;
+        }
+        if (!reason.empty()) {
             analysis.failure = "-D " + define + ": " + reason;
             isStopped = true;
             assembler.flags.Set(RF_END);
@@ -184,29 +134,6 @@ void Analyser::OnStart() {
         }
     }
     isDefining = false;
-}
-
-// Result: why `define`, NAME or NAME=EXPRESSION, cannot be made; empty: it has been.
-std::string Analyser::Define(std::string_view define) {
-    const std::size_t sign = define.find('=');
-    const std::string name = RaisedOutsideStrings(define.substr(0, sign));
-    const auto isNamePart = [](char c) { return HasClass(c, CC_NAME); };
-    std::int32_t value = 1;
-    if (name.empty() || !std::ranges::all_of(name, isNamePart) || name.size() > maxWord ||
-        ReadNumber(name, &value) != notANumber) {
-        return Quoted(name) + " is not a name";
-    }
-    if (sign != std::string_view::npos) {
-        const std::string expression = RaisedOutsideStrings(define.substr(sign + 1));
-        std::string_view fault;
-        const Status status = assembler.ScanExpression(expression, &value, &fault);
-        if (status != 0) {
-            return MessageText(status) + ": " + Quoted(fault.empty() ? expression : fault);
-        }
-    }
-    defineFailure.clear();
-    assembler.identifiers.AddID({.name = name, .place = {}, .value = value, .flags = IDS_EQU});
-    return defineFailure;
 }
 
 // Ends the run with an error about `statement`.

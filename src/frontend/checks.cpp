@@ -157,18 +157,4 @@ std::vector<ByteFinding> CheckBytes(const StoredText& text) {
     return found;
 }
 
-void BlockBuilder::Add(std::uint32_t address, std::uint32_t offset, std::uint32_t count,
-                       const Place& place, std::int32_t opening) {
-    constexpr std::uint32_t addresses = 0x10000;
-    for (std::uint32_t done = 0; done < count;) {
-        const std::uint32_t at = (address + done) % addresses;
-        const std::uint32_t piece = std::min(count - done, addresses - at);
-        if (blocks.empty() || blocks.back().address + blocks.back().count != at) {
-            blocks.push_back({at, offset + done, 0, place, opening});
-        }
-        blocks.back().count += piece;
-        done += piece;
-    }
-}
-
 }  // namespace korv

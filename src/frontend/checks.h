@@ -60,15 +60,4 @@ struct ByteFinding {
 [[nodiscard]] std::vector<ByteFinding> CheckComments(const StoredText& text,
                                                      const LogicalLine& line);
 
-/// Divides an image into blocks. Statements come in their order.
-class BlockBuilder {
-  public:
-    void Add(std::uint32_t address, std::uint32_t offset, std::uint32_t count, const Place& place,
-             std::int32_t opening);
-    [[nodiscard]] std::vector<Block> Take() { return std::move(blocks); }
-
-  private:
-    std::vector<Block> blocks;
-};
-
 }  // namespace korv

@@ -28,6 +28,14 @@ NameKind KindOf(const CIdentifier& record) {
 
 }  // namespace
 
+bool MayHoldName(CStatement& statement) {
+    bool hasValue = statement.args.Count() == 0;  // also where nobody has looked at the operands
+    for (const lsArg& arg : statement.args) {
+        hasValue = hasValue || arg.IsValue();
+    }
+    return hasValue;
+}
+
 void NameCollector::AddUses(const CStatement& statement, bool isSkipped, MessageMaker* places) {
     const StatementView view = CutStatement(statement.text);
     if (view.keyword != nullptr &&

@@ -13,6 +13,9 @@ class CIdentifierManager;
 class MessageMaker;
 struct CStatement;
 
+/// Whether some operand of `statement`, which was assembled without an error, may hold a name.
+[[nodiscard]] bool MayHoldName(CStatement& statement);
+
 class NameCollector {
   public:
     /// Adds the names in the operands of `statement`, which may be one that is not assembled.

@@ -14,8 +14,8 @@ namespace korv {
 
 class BinBlock {
   public:
-    /// A buffer of `initialSize` bytes, filled with 0xFF. `stream`, not owned, hears of a failed
-    /// allocation, which ends the process, here and in every other operation.
+    /// A buffer of `initialSize` bytes, filled with 0xFF. `stream`, not owned, receives the message
+    /// of a failed allocation, which ends the process, here and in every other operation.
     BinBlock(std::uint32_t initialSize, std::FILE* stream);
     ~BinBlock();
     BinBlock(const BinBlock&) = delete;

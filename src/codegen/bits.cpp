@@ -1,5 +1,5 @@
-// Single bits, rotates and shifts: the group with the prefix CB, told apart by a number in bits 5
-// to 3.
+// Single bits, rotates and shifts: the group with the prefix CB, distinguished by a number in bits
+// 5 to 3.
 
 #include "codegen/handlers.h"
 #include "codegen/operand_forms.h"

@@ -1,5 +1,5 @@
 /// The frame that all handlers of instructions and directives share: what is done before a handler
-/// begins, as the keyword's row says.
+/// begins, according to the keyword's row.
 #pragma once
 
 #include <cstdint>
@@ -20,7 +20,8 @@ struct lsArg;
 using HandlerFunction = Status(CAssembler* assembler, CStatement* statement);
 using InstructionHandler = HandlerFunction*;
 
-/// A handler that serves several instructions, told apart by `facts`: opcodes, fields, places.
+/// A handler that serves several instructions, distinguished by `facts`: opcodes, fields, operand
+/// numbers.
 template <auto handler, auto... facts>
 Status With(CAssembler* assembler, CStatement* statement) {
     return handler(assembler, statement, facts...);
@@ -79,7 +80,7 @@ struct Keyword {
     KeywordGroup group = KeywordGroup::instruction;
 };
 
-/// Does what the frame of `keyword`, which is the token of the statement, says. Result: 0, or what
+/// Performs the frame of `keyword`, which is the token of the statement. Result: 0, or what
 /// is wrong with the number of operands.
 [[nodiscard]] Status BeginStatement(CAssembler* assembler, CStatement* statement,
                                     const Keyword& keyword);

@@ -1,5 +1,5 @@
 /// All handlers, by the file that defines them. They begin where their frame is done, with the
-/// operands ready. The keyword table says which word leads to which.
+/// operands ready. The keyword table maps words to handlers.
 #pragma once
 
 #include <cstdint>

@@ -114,7 +114,7 @@ Status ProcessBSR_Ex(CAssembler* assembler, CStatement* statement, char kind, st
     if (arg.IsIndexed()) {
         opcode += REG_HL_INDIRECT;
         assembler->EmitOpcode(IndexPrefix(arg.reg), PREFIX_CB);
-        // The displacement stands before the last opcode byte.
+        // The displacement comes before the last opcode byte.
         if (const Status result =
                 EmitChecked<displacementKind>(assembler, statement, arg, PatchText::expression);
             result != 0) {

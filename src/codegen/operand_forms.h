@@ -12,7 +12,7 @@ namespace korv {
 class CAssembler;
 struct CStatement;
 
-/// Prefixes of the processor's opcode tables. 0 stands for none: no instruction has that one.
+/// Prefixes of the processor's opcode tables. 0 means none: no instruction has that prefix.
 inline constexpr std::uint8_t PREFIX_NONE = 0x00;
 inline constexpr std::uint8_t PREFIX_IX = 0xDD;
 inline constexpr std::uint8_t PREFIX_IY = 0xFD;
@@ -113,7 +113,7 @@ struct OperandForm {
 static_assert(AllowedBit(REG_HL_INDIRECT) == ALLOW_HL_INDIRECT && AllowedBit(0) == 0x0002);
 static_assert(AllowedBit(REG_BC) == ALLOW_BC && AllowedBit(REG_SP) == ALLOW_SP);
 
-/// Encodes `arg` as `form` says. Result: 0 or a message number.
+/// Encodes `arg` in one of the ways of `form`. Result: 0 or a message number.
 [[nodiscard]] Status EncodeOperand(CAssembler* assembler, CStatement* statement, const lsArg& arg,
                                    const OperandForm& form);
 

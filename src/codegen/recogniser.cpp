@@ -4,7 +4,7 @@
 // A node is a range of the sorted table whose words agree in their first `depth` characters. The
 // next character of the token is read once; a binary decision over the candidates at that depth
 // picks the range in which it agrees, and the terminator is a candidate like any other, so that IN
-// is told from INC and INCLUDE. After inlining this is nothing but comparisons and jumps.
+// is distinguished from INC and INCLUDE. After inlining only comparisons and jumps are left.
 
 #include "codegen/recogniser.h"
 

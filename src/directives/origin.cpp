@@ -1,5 +1,5 @@
 // ORG and EQU. Neither emits a byte. ORG moves the location counter and nothing else: the bytes of
-// the image follow each other without a hole, whatever it says.
+// the image follow each other without a gap, whatever the address is.
 
 #include <cstdio>
 

@@ -129,7 +129,8 @@ class CAssembler {
     [[nodiscard]] LoadHeader MakeLoadHeader();
     /// Prints the progress meter.
     virtual void Progress();
-    /// Prints where the run stands and what memory it holds; null is the run's stream. Result: 0.
+    /// Prints the state of the run and the memory that it holds; null is the run's stream. Result:
+    /// 0.
     std::int32_t StatusDump(std::FILE* stream);
 
     // ---- source/include_files.cpp
@@ -239,7 +240,7 @@ class CAssembler {
     std::uint32_t fileBufferSize = 65536;  ///< most bytes of a read buffer; by its setter
     void* currentMacro = nullptr;          ///< the macro being recorded; no command records one
     std::int32_t startAddress = noStartAddress;  ///< of the target; by ORG
-    /// Most bytes of the image; what is above it, whoever has set it sees. By a front end.
+    /// Most bytes of the image. The front end that sets it checks for more. By a front end.
     std::uint32_t maxImage = std::numeric_limits<std::uint32_t>::max();
     Meter meter;  ///< by the loop and include files
 

@@ -28,7 +28,8 @@ struct CommandLine {
 void PrintHelp();
 
 /// The flags word (RF_*) that the letters of `flagString` make, from left to right, of the one that
-/// a run has by default. `console` hears of other characters than letters of switches and blanks.
+/// a run has by default. `console` receives a message for any character that is neither a switch
+/// letter nor a blank.
 [[nodiscard]] std::uint32_t FlagsFrom(std::string_view flagString, std::FILE* console);
 
 }  // namespace korv

@@ -16,7 +16,7 @@ constexpr char recordStart = '\xAE';
 constexpr char recordEnd = '\xAF';
 constexpr std::size_t headSize = 1 + 4;  // start byte and count
 
-// Takes from the start of `text` what stands before the first `c`, all of it if there is none.
+// Takes the text before the first `c` from the start of `text`, all of it if there is none.
 std::string_view TakeUpTo(char c, std::string_view* text) {
     const std::string_view taken = text->substr(0, text->find(c));
     text->remove_prefix(taken.size());

@@ -12,7 +12,7 @@ namespace korv {
 /// Result of `ReadNumber`: the token has no form of a number, and may be a name.
 inline constexpr Status notANumber = -1;
 
-/// The base that a letter tells, after "&" or at the end of a number; 0: none.
+/// The base that a letter denotes, after "&" or at the end of a number; 0: none.
 [[nodiscard]] constexpr std::int32_t RadixOf(char letter) {
     return letter == 'B' ? 2 : letter == 'O' ? 8 : letter == 'D' ? 10 : letter == 'H' ? 16 : 0;
 }

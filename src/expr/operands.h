@@ -35,7 +35,7 @@ struct lsArg : OperandClass {
     [[nodiscard]] bool IsIndirect() const { return (flags & LA_INDIRECT) != 0; }
     /// Whether this is (IX+d) or (IY+d).
     [[nodiscard]] bool IsIndexed() const { return reg == REG_IX_INDEXED || reg == REG_IY_INDEXED; }
-    /// Whether `value` may be read as a number of its own, with or without parentheses.
+    /// Whether `value` is a plain number, with or without parentheses.
     [[nodiscard]] bool IsPlainValue() const {
         return IsValue() && (reg == REG_NONE || reg == REG_DIRECT);
     }

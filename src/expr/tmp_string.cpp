@@ -54,7 +54,7 @@ char* CtmpStringManager::Alloc(std::size_t count, CtmpStringBlock** block) {
     if (current->used + count > current->size) {
         current->isFull = 1;
         MakeBlock(std::max(blockSize, count));
-        // A string longer than a block has one of its own, which nothing else can enter.
+        // A string longer than a block gets a separate block, which holds nothing else.
         current->isFull = count > blockSize ? 1 : 0;
     }
     char* const text = current->data + current->used;

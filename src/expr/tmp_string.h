@@ -1,5 +1,5 @@
 /// Text that outlives its statement: handles on strings in blocks of 16384 bytes that are filled
-/// from front to back. A string costs no allocation of its own and never moves. A block counts its
+/// from front to back. A string needs no separate allocation and never moves. A block counts its
 /// live references, and goes when it is full and the last of them is released. All handles of the
 /// process share one pool.
 #pragma once

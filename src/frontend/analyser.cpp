@@ -258,7 +258,7 @@ std::optional<Warning> Analyser::WarningFor(std::int32_t number,
 }
 
 // The messages of the reports on the statement of `level`, now that all of them are known. Result:
-// whether one says that its bytes are not what it seems to say.
+// whether its bytes are known to differ from what the line appears to say.
 bool Analyser::TakeReports(Level* level) {
     bool isFaulty = false;
     const auto isError = [](const Report& report) { return !report.isWarning && !report.isLate; };
@@ -267,7 +267,7 @@ bool Analyser::TakeReports(Level* level) {
         isFaulty =
             isFaulty || (!report.isLate && (!report.isWarning || report.warning == Warning::range ||
                                             report.number == MSG_ORG_AFTER_CODE));
-        // A label without a colon is the reason of an error in its line, which says so.
+        // An error in the line explains the missing colon of its label.
         if (!hasError || report.number != MSG_LABEL_WITHOUT_COLON) {
             maker.Add(std::move(report));
         }

@@ -23,7 +23,7 @@ const FormRow* RowOfWord(std::string_view mnemonic) {
     return row == formTable.end() ? nullptr : row;
 }
 
-// Whether the value of `operand`, if it is a number as it stands, is none of `mask` and at most
+// Whether the value of `operand`, if it is a plain number, is none of `mask` and at most
 // `most`: a value that has to be computed may be anything.
 bool MayBe(const OperandView& operand, std::int32_t most, std::int32_t mask) {
     const Token* const token = operand.OnlyToken();

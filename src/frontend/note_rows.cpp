@@ -52,7 +52,7 @@ std::string_view ConditionAtEnd(std::string_view mnemonic) {
     return {};
 }
 
-// What the template letter `kind` makes of the text that its number stands for.
+// What the template letter `kind` makes of the text with its number.
 std::string Shown(char kind, std::string_view text) {
     const std::string raised = Raised(text);
     const bool isSmall = raised != text;
@@ -95,7 +95,7 @@ std::string Shown(char kind, std::string_view text) {
     }
 }
 
-// `pattern` with its letters filled; `fix` is what %f stands for. Without it the pattern is a fix
+// `pattern` with its letters filled; `fix` replaces %f. Without it the pattern is a fix
 // itself, and in small letters if the statement is.
 std::string Filled(std::string_view pattern, const StatementView& statement, const Texts& texts,
                    std::optional<std::string_view> fix) {

@@ -70,7 +70,8 @@ class OutputSet {
                                                             : staged[i].Send(contents));
     }
 
-    // Whether output `i` is a file that was read, or that another output is; and says so.
+    // Why output `i` is refused, as a file that was read or that is another output too; empty: it
+    // is not.
     std::string RefusalOf(std::size_t i, const platform::FileSet& inputs) const {
         const std::string name = ShownName(outputs[i].name);
         const std::optional<platform::FileIdentity> identity = staged[i].Identity();

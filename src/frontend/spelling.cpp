@@ -15,7 +15,7 @@ bool IsOf(std::string_view text, std::string_view characters) {
     return !text.empty() && text.find_first_not_of(characters) == std::string_view::npos;
 }
 
-// Digits to a base that a letter or a prefix of another assembler has told.
+// Digits to a base that a letter or a prefix of another assembler denotes.
 std::string Spelled(std::string_view digits, char base) {
     const bool isHex = base == 'X' || base == 'H';
     const bool isBinary = base == 'B' || base == '%';
@@ -32,7 +32,7 @@ std::string Spelled(std::string_view digits, char base) {
     return "";
 }
 
-// A character in single quotes that stands for another one.
+// An escape sequence in single quotes.
 std::string EscapeValue(std::string_view content) {
     if (content.size() == 2 && content.front() == '\\') {
         switch (content[1]) {

@@ -1,4 +1,4 @@
-// All memory is allocated here, so that the failure hook hears of every allocation that fails,
+// All memory is allocated here, so that the failure hook is called for every allocation that fails,
 // those of `new` included. Nothing here throws: where `new` has no memory, the hook has printed
 // what there is to say, and the process ends.
 

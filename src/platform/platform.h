@@ -76,7 +76,7 @@ class Buffer {
 /// is not owned.
 std::FILE* SetMemoryFailureStream(std::FILE* stream);
 
-/// Prints `line`, which says for what no memory could be had.
+/// Prints `line`, which names what no memory could be allocated for.
 void PrintMemoryFailure(const char* line);
 
 /// For tests: lets the n-th allocation from here on fail, and every later one too if
@@ -162,7 +162,7 @@ class CurrentDirectory {
 // ----------------------------------------------------------------------------------------------------
 // files
 
-/// What tells a file from all others, whatever its name; the system's own numbers.
+/// What distinguishes a file from all others, whatever its name: the system's numbers.
 struct FileIdentity {
     std::uint64_t device = 0;
     std::uint64_t number = 0;

@@ -2,7 +2,7 @@
 //
 // A name is found without regard to case by what the directory holds. To read a directory costs
 // more than all else that an INCLUDE asks of the system, so what was read is kept, and asked again
-// as long as the directory has not changed since, which a single call tells.
+// as long as the directory has not changed since, which a single call shows.
 
 #include <dirent.h>
 #include <fcntl.h>

@@ -16,7 +16,7 @@ namespace korv::platform {
 /// are replaced. Standard output, a device or a pipe is a stream. Each step is taken for all
 /// outputs before the next step: `Open`; `Stage` for files, `Send` for streams, `Put` for files,
 /// `Keep`. What is destroyed before `Keep` is as it was before `Open`, but for what a stream has
-/// taken. Where a step has failed, `ErrorText` says why.
+/// taken. If a step fails, `ErrorText` gives the reason.
 class StagedOutput {
   public:
     StagedOutput() = default;

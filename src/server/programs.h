@@ -2,7 +2,7 @@
 ///
 /// A document belongs to the first of these that reads it: the program of its configuration; a
 /// program that has read it before; the program of the file that includes it; and else it is a
-/// program of its own. That depends on analyses, so it is settled anew after each of them.
+/// program by itself. That depends on analyses, so it is decided again after each of them.
 #pragma once
 
 #include <cstdint>

@@ -41,7 +41,7 @@ struct Settings {
 };
 
 /// The parameters of all methods: those that a message has and some method uses. What has another
-/// type than the protocol says counts as missing.
+/// type than the protocol requires counts as missing.
 struct Parameters {
     std::optional<std::string> uri;  ///< of the document
     std::optional<std::int64_t> version;

@@ -10,7 +10,7 @@
 namespace korv {
 
 /// The labels and constants that `file` defines, in the order of the text. The list is flat: which
-/// labels are routines and which are places within one cannot be told for certain.
+/// labels are routines and which are places within one is not certain.
 [[nodiscard]] std::vector<lsp::DocumentSymbol> SymbolsIn(const Snapshot& snapshot,
                                                          std::int32_t file);
 

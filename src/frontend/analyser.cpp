@@ -60,12 +60,13 @@ class Analyser : public RunObserver {
         std::int32_t opening;
         std::vector<Report> reports = {};  // of the statement
         bool isRecorded = false;           // the statement is an INCLUDE and has its record
+        bool isFaulty = false;             // its bytes are known not to be what it appears to say
     };
     void Stop(const CStatement& statement, std::string text, std::string code, std::string note);
     std::int32_t FileAt(const std::string& path, bool isBinary);
     void AddFileUse(const CStatement& statement, std::int32_t file);
     std::optional<Warning> WarningFor(std::int32_t number, const CStatement* statement) const;
-    bool TakeReports(Level* level);
+    void TakeReports(Level* level);
     void Record(const CStatement& statement, std::uint32_t lineCount, std::uint32_t count);
     void CheckStatement(CStatement* statement, std::uint32_t count);
     void CheckOrg(const CStatement& statement);
@@ -225,14 +226,24 @@ void Analyser::OnMessage(std::int32_t kind, std::int32_t number, std::string_vie
         return;
     }
     const CStatement* const live = levels.empty() ? nullptr : levels.back().statement;
-    Report report{.isWarning = kind == ML_WARNING,
+    const bool isLate =
+        live == nullptr || place.file != live->fileName || place.line != live->lineNumber;
+    const bool isWarning = kind == ML_WARNING;
+    const std::optional<Warning> warning =
+        isWarning ? WarningFor(number, live) : std::optional<Warning>();
+    if (!isLate && (!isWarning || warning == Warning::range || number == MSG_ORG_AFTER_CODE)) {
+        levels.back().isFaulty = true;
+    }
+    if (warning && !options.warnings.IsOn(*warning)) {
+        return;
+    }
+    Report report{.isWarning = isWarning,
                   .number = number,
                   .text = std::string(text),
-                  .place = place};
-    report.warning = report.isWarning ? WarningFor(number, live) : std::nullopt;
-    report.isLate =
-        live == nullptr || place.file != live->fileName || place.line != live->lineNumber;
-    report.isSkipped = !report.isLate && assembler.assembling == 0;
+                  .place = place,
+                  .isLate = isLate};
+    report.warning = warning;
+    report.isSkipped = !isLate && assembler.assembling == 0;
     if (number == MSG_CANNOT_OPEN) {
         report.reason = store->Failure();
     }
@@ -257,23 +268,17 @@ std::optional<Warning> Analyser::WarningFor(std::int32_t number,
     return WarningOf(number);
 }
 
-// The messages of the reports on the statement of `level`, now that all of them are known. Result:
-// whether its bytes are known to differ from what the line appears to say.
-bool Analyser::TakeReports(Level* level) {
-    bool isFaulty = false;
+// Hands the reports on the statement of `level` on, now that all of them are known.
+void Analyser::TakeReports(Level* level) {
     const auto isError = [](const Report& report) { return !report.isWarning && !report.isLate; };
     const bool hasError = std::ranges::any_of(level->reports, isError);
     for (Report& report : level->reports) {
-        isFaulty =
-            isFaulty || (!report.isLate && (!report.isWarning || report.warning == Warning::range ||
-                                            report.number == MSG_ORG_AFTER_CODE));
         // An error in the line explains the missing colon of its label.
         if (!hasError || report.number != MSG_LABEL_WITHOUT_COLON) {
             maker.Add(std::move(report));
         }
     }
     level->reports.clear();
-    return isFaulty;
 }
 
 // Adds the record of a statement that has been assembled or, if it includes a file, of one that is
@@ -307,7 +312,10 @@ void Analyser::OnStatement(CStatement& statement, std::uint32_t lineCount) {
         Record(statement, lineCount, count);
     }
     imageSize += count;
-    const bool isFaulty = !level.reports.empty() && TakeReports(&level);
+    const bool isFaulty = std::exchange(level.isFaulty, false);
+    if (!level.reports.empty()) {
+        TakeReports(&level);
+    }
     if (lineCount > 1) {
         const StoredText& text = maker.TextOf(level.opening);
         WarnOfBytes(level.opening,

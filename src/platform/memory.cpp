@@ -82,13 +82,16 @@ void FailAllocation(std::int64_t n, bool andAllAfter) {
 
 }  // namespace korv::platform
 
-// The other forms, but for one that would throw, are those of the library, which call these.
+// All forms, since a sanitizer brings the others, which must not free what comes from here.
 void* operator new(std::size_t size) {
     void* const memory = korv::platform::Allocate(size);
     if (memory == nullptr) {
         std::exit(-1);
     }
     return memory;
+}
+void* operator new[](std::size_t size) {
+    return operator new(size);
 }
 void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
     return korv::platform::Allocate(size);
@@ -100,5 +103,11 @@ void operator delete(void* memory) noexcept {
     std::free(memory);
 }
 void operator delete(void* memory, std::size_t) noexcept {
+    std::free(memory);
+}
+void operator delete[](void* memory) noexcept {
+    std::free(memory);
+}
+void operator delete[](void* memory, std::size_t) noexcept {
     std::free(memory);
 }

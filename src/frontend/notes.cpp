@@ -67,7 +67,7 @@ bool IsCondition(std::string_view word) {
 // Whether the statement was to end a condition: as it is, or by the change that is proposed.
 bool EndsCondition(const FaultView& fault, const Advice& advice) {
     const StatementView& statement = fault.statement;
-    constexpr std::string_view ends = "ENDIF ENDC";
+    static constexpr std::string_view ends = "ENDIF ENDC";
     const bool isProposed = std::ranges::any_of(advice.edits, [](const TextEdit& edit) {
         return HoldsWord(ends, WithoutLeadingBlanks(Raised(edit.text)));
     });

@@ -159,7 +159,7 @@ void MessageMaker::Make(const Report& report) {
         message.text = std::move(advice.text);
         message.detail.clear();
     }
-    if (!statement.typed.empty()) {  // else the line is joined from several
+    if (isOneLine) {  // else an offset is not a column
         for (TextEdit& edit : advice.edits) {
             const Place part{message.place.file, place.line, edit.part.offset, edit.part.length};
             message.edits.push_back({part, std::move(edit.text)});
@@ -190,8 +190,8 @@ const StatementView& MessageMaker::StatementAt(const SourcePlace& place) {
         const LogicalLine& lines = places.LineAt(TextOf(OpeningOf(place.file)), place.line);
         viewedLine = lines.text;
         const std::string_view typed = TextOf(OpeningOf(place.file)).Line(place.line);
-        const bool isWhole = lines.lastLine == place.line;
-        view = CutStatement(viewedLine, isWhole ? typed : std::string_view());
+        isOneLine = lines.lastLine == place.line && Raised(typed).starts_with(viewedLine);
+        view = CutStatement(viewedLine, isOneLine ? typed : std::string_view());
     }
     return view;
 }

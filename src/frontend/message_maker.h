@@ -102,6 +102,7 @@ class MessageMaker : private RunFacts {
     SourcePlace viewedPlace;  // of `view`
     std::string viewedLine;
     StatementView view;
+    bool isOneLine = false;  // `view` is of one physical line, without bytes that are dropped
     std::vector<std::variant<Report, Message>> pending;
     std::unordered_set<std::string> explained;  // names of labels that errors speak of
     // A number for each statement with a report, and how many it has had, by the core's file and

@@ -123,7 +123,11 @@ FileStore::Text FileStore::Load(const std::string& path) {
 
 Status FileStore::Find(std::string_view name, platform::FoundPath* file) {
     *file = Locate(name);
-    return file->path.empty() ? MSG_CANNOT_GET_DIRECTORY : 0;
+    if (file->path.empty()) {
+        failure = "its full path cannot be determined";
+        return MSG_CANNOT_GET_DIRECTORY;
+    }
+    return 0;
 }
 
 bool FileStore::Enter(const platform::FoundPath& file) {

@@ -25,8 +25,8 @@ void BreakOff();
 [[nodiscard]] std::ptrdiff_t ReadSome(int handle, void* buffer, std::size_t count);
 [[nodiscard]] std::ptrdiff_t WriteSome(int handle, const void* buffer, std::size_t count);
 
-/// Makes an open file one without bytes, which is written from its start.
-[[nodiscard]] bool Empty(int handle);
+/// Makes an open file `size` bytes long, and goes to its start.
+[[nodiscard]] bool SetSize(int handle, std::uint64_t size);
 
 // What `OutputFile` asks of a system.
 

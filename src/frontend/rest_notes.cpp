@@ -41,8 +41,10 @@ Advice AdviseOnFile(const RunFacts& facts, const FaultView& fault) {
     const bool isWrapped =
         name.size() > 2 && (name.front() == '"' || name.front() == '<' || name.front() == '\'');
     const std::string inner(isWrapped ? name.substr(1, name.size() - 2) : name);
-    if (!fault.reason.empty() && facts.HasFile(inner)) {
-        advice.text = "could not read file " + Quoted(inner) + ": " + std::string(fault.reason);
+    const bool isUnquoted = statement.mnemonic == "BINCLUDE" && name.starts_with('"');
+    const std::string_view meant = isUnquoted ? std::string_view(inner) : name;
+    if (!fault.reason.empty() && facts.HasFile(meant)) {
+        advice.text = "could not read file " + Quoted(meant) + ": " + std::string(fault.reason);
         return advice;
     }
     std::string slashed = inner;

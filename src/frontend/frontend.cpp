@@ -73,7 +73,7 @@ std::string TakeStandardInput(FileStore* store) {
     }
     platform::FileIdentity identity;
     const bool isFile = platform::IdentityOf(stdin, &identity);
-    store->SetText(store->FullPath(standardStream), std::move(bytes),
+    store->SetText(store->FullPath(standardStream), bytes,
                    isFile ? identity : platform::FileIdentity());
     return "";
 }

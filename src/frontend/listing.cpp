@@ -69,6 +69,7 @@ class Listing {
     }
 
     std::string Text() {
+        text.reserve(UsualSize());
         Begin("Addr Offset  Bytes");
         PadTo(cyclesColumn).append("T");
         PadTo(placeColumn).append("File:Line");
@@ -91,6 +92,15 @@ class Listing {
         return {message.opening, message.place.line};
     }
 
+    // What the statements need if all of them have source: growing by doubling would copy it all.
+    std::size_t UsualSize() const {
+        std::size_t size = analysis.statements.size() * (sourceColumn + 1);
+        for (const Opening& opening : analysis.openings) {
+            size += analysis.files[static_cast<std::size_t>(opening.file)].text->Bytes().size();
+        }
+        return size;
+    }
+
     void SortMessages() {
         for (std::size_t i = 0; i < analysis.messages.size(); ++i) {
             messages.push_back(i);
@@ -111,15 +121,12 @@ class Listing {
 
     void AddStatement(const Statement& statement) {
         const std::uint32_t rows = (statement.count + bytesPerRow - 1) / bytesPerRow;
-        for (std::uint32_t row = 0; row < std::max({rows, statement.lineCount, 1U}); ++row) {
+        const std::uint32_t lines = std::max(statement.lineCount, 1U);
+        for (std::uint32_t row = 0; row < std::max(rows, lines); ++row) {
             Begin("");
-            if (row == 0 || row < rows) {
-                AddBytes(statement, row * bytesPerRow);
-            }
-            if (row == 0 && statement.kind == StatementKind::instruction) {
-                PadTo(cyclesColumn) += CyclesText(CyclesOf(analysis, statement));
-            }
-            if (row < std::max(statement.lineCount, 1U)) {
+            AddColumns(statement, row, /*hasBytes=*/row == 0 || row < rows,
+                       /*hasSource=*/row < lines);
+            if (row < lines) {
                 AddSource(statement, statement.line + static_cast<std::int32_t>(row));
             }
             text += '\n';
@@ -137,24 +144,39 @@ class Listing {
             .first(std::min(size, analysis.image.size() - start));
     }
 
-    void AddBytes(const Statement& statement, std::uint32_t done) {
-        char row[8 + 1 + 8 + 2 + 2 * bytesPerRow + 8];
-        char* to = PutHex(row, (statement.address + done) & 0xFFFF, 4);
-        *to++ = ' ';
-        to = PutHex(to, statement.offset + done, 6);
-        const auto bytes = BytesOf(statement, done, bytesPerRow);
-        to = PutText(to, bytes.empty() ? "" : "  ");
-        for (const std::uint8_t byte : bytes) {
-            to = PutHexByte(to, byte);
+    // What comes before the place, up to its column if that follows.
+    void AddColumns(const Statement& statement, std::uint32_t row, bool hasBytes, bool hasSource) {
+        char columns[placeColumn + 16];  // an address and an offset may be wider than usual
+        char* to = columns;
+        const auto padTo = [&](std::size_t column) {
+            to = PutPadding(to, static_cast<std::size_t>(to - columns), column);
+        };
+        if (hasBytes) {
+            const std::uint32_t done = row * bytesPerRow;
+            to = PutHex(to, (statement.address + done) & 0xFFFF, 4);
+            *to++ = ' ';
+            to = PutHex(to, statement.offset + done, 6);
+            const auto bytes = BytesOf(statement, done, bytesPerRow);
+            to = PutText(to, bytes.empty() ? "" : "  ");
+            for (const std::uint8_t byte : bytes) {
+                to = PutHexByte(to, byte);
+            }
         }
-        text.append(row, to);
+        if (row == 0 && statement.kind == StatementKind::instruction) {
+            padTo(cyclesColumn);
+            to = PutText(to, CyclesText(CyclesOf(analysis, statement)));
+        }
+        if (hasSource) {
+            padTo(placeColumn);
+        }
+        text.append(columns, to);
     }
 
     void AddSource(const Statement& statement, std::int32_t line) {
         const Opening& opening = analysis.openings[static_cast<std::size_t>(statement.opening)];
         const auto number = static_cast<std::size_t>(opening.file);
         const SourceFile& file = analysis.files[number];
-        PadTo(placeColumn).append(file.name) += ':';
+        text.append(file.name) += ':';
         AppendNumber(&text, line);
         const std::string_view source = file.text->Line(line);
         if (!source.empty()) {

@@ -1,6 +1,7 @@
 #include "frontend/name_collector.h"
 
 #include <algorithm>
+#include <optional>
 #include <utility>
 
 #include "codegen/handlers.h"
@@ -8,6 +9,7 @@
 #include "driver/statement.h"
 #include "frontend/message_maker.h"
 #include "frontend/statement_view.h"
+#include "source/char_class.h"
 #include "symbols/identifier_manager.h"
 
 namespace korv {
@@ -26,28 +28,54 @@ NameKind KindOf(const CIdentifier& record) {
     return NameKind::undefined;
 }
 
-}  // namespace
-
-bool MayHoldName(CStatement& statement) {
-    bool hasValue = statement.args.Count() == 0;  // also where nobody has looked at the operands
-    for (const lsArg& arg : statement.args) {
-        hasValue = hasValue || arg.IsValue();
-    }
-    return hasValue;
+// Whether the operand of a statement is the name of a file.
+bool NamesFile(const Keyword* keyword) {
+    return keyword != nullptr &&
+           (keyword->handler == AssembleInclude || keyword->handler == AssembleBinclude);
 }
 
-void NameCollector::AddUses(const CStatement& statement, bool isSkipped, MessageMaker* places) {
+// Whether nothing follows the mnemonic of `statement`, or its label if that is alone.
+bool EndsWithToken(const CStatement& statement) {
+    if (statement.token.data() == nullptr) {
+        return false;  // no line has had one yet
+    }
+    const char* next = statement.token.data() + statement.token.size();
+    return *SkipBlanks(next + (*next == ':' ? 1 : 0)) == '\0';
+}
+
+}  // namespace
+
+void NameCollector::AddUses(CStatement& statement, bool isSkipped, bool isFaulty,
+                            MessageMaker* places) {
+    const bool isCut = !isSkipped && !isFaulty && !NamesFile(FindKeyword(statement.token));
+    for (const lsArg& arg : statement.args) {
+        if (isCut && arg.IsValue()) {
+            AddNames(statement, arg.text, arg, isSkipped, places);
+        }
+    }
+    if (isCut && (statement.args.Count() != 0 || EndsWithToken(statement))) {
+        return;
+    }
+    // Nobody has looked at the operands, or not at all of them.
     const StatementView view = CutStatement(statement.text);
-    if (view.keyword != nullptr &&
-        (view.keyword->handler == AssembleInclude || view.keyword->handler == AssembleBinclude)) {
-        return;  // its operand is the name of a file
+    if (NamesFile(view.keyword)) {
+        return;
     }
     for (const OperandView& operand : view.operands) {
-        for (const Token& token : operand.tokens) {
-            if (operand.HoldsAsName(token)) {
-                uses[std::string(token.text)].push_back(
-                    {places->PlaceOf(statement.PlaceOf(token.text)), isSkipped});
+        AddNames(statement, operand.text, operand.what, isSkipped, places);
+    }
+}
+
+void NameCollector::AddNames(const CStatement& statement, std::string_view text,
+                             const OperandClass& operand, bool isSkipped, MessageMaker* places) {
+    TokenCutter cutter(text);
+    for (std::size_t index = 0; const std::optional<Token> token = cutter.Next(); ++index) {
+        if (IsLookedUp(*token, index, operand)) {
+            auto found = uses.find(token->text);
+            if (found == uses.end()) {
+                found = uses.emplace(token->text, std::vector<NameUse>()).first;
             }
+            found->second.push_back({places->PlaceOf(statement.PlaceIn(token->text)), isSkipped});
         }
     }
 }

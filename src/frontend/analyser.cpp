@@ -331,7 +331,8 @@ void Analyser::OnStatement(CStatement& statement, std::uint32_t lineCount) {
 [[gnu::noinline]] void Analyser::TakeStatement(CStatement* statement, std::uint32_t lineCount,
                                                std::uint32_t count) {
     Level& level = levels.back();
-    if (wanted.statements && !std::exchange(level.isRecorded, false)) {
+    const bool isInclude = std::exchange(level.isRecorded, false);
+    if (wanted.statements && !isInclude) {
         Record(*statement, lineCount, count);
     }
     const bool isFaulty = std::exchange(level.isFaulty, false);
@@ -340,8 +341,9 @@ void Analyser::OnStatement(CStatement& statement, std::uint32_t lineCount) {
         checks.LookAtComments(*statement);
     }
     if (statement->text[0] != '\0') {
-        if (wanted.uses) {
-            names.AddUses(*statement, assembler.assembling == 0, isFaulty, &maker);
+        if (wanted.uses && !isInclude) {
+            names.AddUses(*statement, analysis.statements.back().keyword, assembler.assembling == 0,
+                          isFaulty, &maker);
         }
         checks.Look(statement, count, isFaulty);
     }

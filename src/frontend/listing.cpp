@@ -5,6 +5,7 @@
 #include "frontend/listing.h"
 
 #include <algorithm>
+#include <charconv>
 #include <string_view>
 #include <tuple>
 #include <utility>
@@ -12,7 +13,6 @@
 #include "diagnostics/report_writer.h"
 #include "frontend/cycles.h"
 #include "frontend/message_printer.h"
-#include "frontend/number_text.h"
 #include "frontend/summary.h"
 #include "frontend/terminal_text.h"
 
@@ -69,7 +69,8 @@ class Listing {
     }
 
     std::string Text() {
-        text.reserve(UsualSize());
+        text = SummaryText(analysis) + "\n";
+        text.reserve(text.size() + UsualSize());
         Begin("Addr Offset  Bytes");
         PadTo(cyclesColumn).append("T");
         PadTo(placeColumn).append("File:Line");
@@ -122,14 +123,16 @@ class Listing {
     void AddStatement(const Statement& statement) {
         const std::uint32_t rows = (statement.count + bytesPerRow - 1) / bytesPerRow;
         const std::uint32_t lines = std::max(statement.lineCount, 1U);
-        for (std::uint32_t row = 0; row < std::max(rows, lines); ++row) {
-            Begin("");
-            AddColumns(statement, row, /*hasBytes=*/row == 0 || row < rows,
-                       /*hasSource=*/row < lines);
-            if (row < lines) {
-                AddSource(statement, statement.line + static_cast<std::int32_t>(row));
+        for (std::uint32_t i = 0; i < std::max(rows, lines); ++i) {
+            // A row is made in one piece and appended once: a listing has one for every line.
+            char columns[placeColumn + 16];  // an address and an offset may be wider than usual
+            const std::string_view start(
+                columns, PutColumns(columns, statement, i, i == 0 || i < rows, i < lines));
+            if (i < lines) {
+                AddRow(start, statement, statement.line + static_cast<std::int32_t>(i));
+            } else {
+                text.append(start) += '\n';
             }
-            text += '\n';
         }
     }
 
@@ -144,9 +147,9 @@ class Listing {
             .first(std::min(size, analysis.image.size() - start));
     }
 
-    // What comes before the place, up to its column if that follows.
-    void AddColumns(const Statement& statement, std::uint32_t row, bool hasBytes, bool hasSource) {
-        char columns[placeColumn + 16];  // an address and an offset may be wider than usual
+    // Writes what comes before the place, up to its column if that follows. Result: its end.
+    char* PutColumns(char* columns, const Statement& statement, std::uint32_t row, bool hasBytes,
+                     bool hasSource) const {
         char* to = columns;
         const auto padTo = [&](std::size_t column) {
             to = PutPadding(to, static_cast<std::size_t>(to - columns), column);
@@ -164,25 +167,34 @@ class Listing {
         }
         if (row == 0 && statement.kind == StatementKind::instruction) {
             padTo(cyclesColumn);
-            to = PutText(to, CyclesText(CyclesOf(analysis, statement)));
+            to = PutCycles(to, CyclesOf(analysis, statement));
         }
         if (hasSource) {
             padTo(placeColumn);
         }
-        text.append(columns, to);
+        return to;
     }
 
-    void AddSource(const Statement& statement, std::int32_t line) {
+    // Appends a row that begins with `columns` and shows `line`.
+    void AddRow(std::string_view columns, const Statement& statement, std::int32_t line) {
         const Opening& opening = analysis.openings[static_cast<std::size_t>(statement.opening)];
         const auto number = static_cast<std::size_t>(opening.file);
         const SourceFile& file = analysis.files[number];
-        text.append(file.name) += ':';
-        AppendNumber(&text, line);
         const std::string_view source = file.text->Line(line);
+        constexpr std::size_t mostDigits = 16;
+        row.resize(std::max(row.size(), columns.size() + file.name.size() + mostDigits +
+                                            sourceColumn + source.size() + 2));
+        char* to = PutText(PutText(row.data(), columns), file.name);
+        *to++ = ':';
+        to = std::to_chars(to, to + mostDigits, line).ptr;
         if (!source.empty()) {
-            lineStart += hiddenBytes[number];
-            PadTo(std::max(sourceColumn, text.size() - lineStart + 2)) += source;
+            const std::size_t width =
+                static_cast<std::size_t>(to - row.data()) - hiddenBytes[number];
+            to = PutPadding(to, width, std::max(sourceColumn, width + 2));
+            to = PutText(to, source);
         }
+        *to++ = '\n';
+        text.append(row.data(), to);
     }
 
     // The messages for the lines of `statement`.
@@ -258,13 +270,14 @@ class Listing {
     std::vector<std::size_t> messages;  // their numbers, by opening and line
     std::vector<bool> isListed;         // by the numbers of the messages
     std::string text;
+    std::vector<char> row;      // room for the one that is being made
     std::size_t lineStart = 0;  // offset of the line that was begun
 };
 
 }  // namespace
 
 std::string ListingText(const Analysis& analysis) {
-    return SummaryText(analysis) + "\n" + Listing(analysis).Text();
+    return Listing(analysis).Text();
 }
 
 }  // namespace korv

@@ -28,6 +28,10 @@ NameKind KindOf(const CIdentifier& record) {
     return NameKind::undefined;
 }
 
+bool IsDigit(char c) {
+    return HasClass(c, CC_DIGIT);
+}
+
 // Whether the operand of a statement is the name of a file.
 bool NamesFile(const Keyword* keyword) {
     return keyword != nullptr &&
@@ -45,24 +49,22 @@ bool EndsWithToken(const CStatement& statement) {
 
 }  // namespace
 
-void NameCollector::AddUses(CStatement& statement, bool isSkipped, bool isFaulty,
-                            MessageMaker* places) {
-    const bool isCut = !isSkipped && !isFaulty && !NamesFile(FindKeyword(statement.token));
+void NameCollector::AddUses(CStatement& statement, const Keyword* keyword, bool isSkipped,
+                            bool isFaulty, MessageMaker* places) {
+    if (NamesFile(keyword)) {
+        return;
+    }
+    if (isSkipped || isFaulty || (statement.args.Count() == 0 && !EndsWithToken(statement))) {
+        // Nobody has looked at the operands, or not at all of them.
+        for (const OperandView& operand : CutStatement(statement.text).operands) {
+            AddNames(statement, operand.text, operand.what, isSkipped, places);
+        }
+        return;
+    }
     for (const lsArg& arg : statement.args) {
-        if (isCut && arg.IsValue()) {
+        if (arg.IsValue() && !std::ranges::all_of(arg.text, IsDigit)) {
             AddNames(statement, arg.text, arg, isSkipped, places);
         }
-    }
-    if (isCut && (statement.args.Count() != 0 || EndsWithToken(statement))) {
-        return;
-    }
-    // Nobody has looked at the operands, or not at all of them.
-    const StatementView view = CutStatement(statement.text);
-    if (NamesFile(view.keyword)) {
-        return;
-    }
-    for (const OperandView& operand : view.operands) {
-        AddNames(statement, operand.text, operand.what, isSkipped, places);
     }
 }
 
@@ -82,6 +84,7 @@ void NameCollector::AddNames(const CStatement& statement, std::string_view text,
 
 std::vector<Name> NameCollector::Take(const CIdentifierManager& table, MessageMaker* places) {
     std::vector<Name> names;
+    names.reserve(static_cast<std::size_t>(table.RecordCount()));
     for (std::int32_t i = 0; i < table.RecordCount(); ++i) {
         const CIdentifier& record = table.Record(i);
         if ((record.flags & IDS_SYSTEM) == IDS_RESERVED_WORD) {
@@ -109,8 +112,17 @@ std::vector<Name> NameCollector::Take(const CIdentifierManager& table, MessageMa
         name.uses = std::move(rest);
     }
     uses.clear();
-    std::ranges::sort(names, {}, &Name::text);
-    return names;
+    std::vector<Name*> order;  // since a name is large, and moved often in a sort
+    for (Name& name : names) {
+        order.push_back(&name);
+    }
+    std::ranges::sort(order, {}, [](const Name* name) { return std::string_view(name->text); });
+    std::vector<Name> sorted;
+    sorted.reserve(names.size());
+    for (Name* const name : order) {
+        sorted.push_back(std::move(*name));
+    }
+    return sorted;
 }
 
 }  // namespace korv

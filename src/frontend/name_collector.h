@@ -14,13 +14,16 @@ namespace korv {
 class CIdentifierManager;
 class MessageMaker;
 struct CStatement;
+struct Keyword;
 struct OperandClass;
 
 class NameCollector {
   public:
     /// Adds the names in the operands of `statement`, which may be one that is not assembled, or
     /// that an error was found in.
-    void AddUses(CStatement& statement, bool isSkipped, bool isFaulty, MessageMaker* places);
+    /// `keyword` is its row in the vocabulary, or null.
+    void AddUses(CStatement& statement, const Keyword* keyword, bool isSkipped, bool isFaulty,
+                 MessageMaker* places);
     /// All names by their text, with the uses that were added; those are gone then.
     [[nodiscard]] std::vector<Name> Take(const CIdentifierManager& table, MessageMaker* places);
 

@@ -41,9 +41,12 @@ using Findings = std::vector<Finding>;
     if (!arg.IsValue()) {
         return bytes.empty();
     }
-    return IsLateExpression(arg) || !wordRange.Holds(arg.value) ||
-           (arg.value < 0 && bytes.empty()) || arg.text.front() == '"' ||
-           (arg.IsIndexed() && (bytes.empty() || (bytes[0] != PREFIX_IX && bytes[0] != PREFIX_IY)));
+    const bool isUnsigned = arg.value >= 0 && arg.value <= wordRange.high;
+    return IsLateExpression(arg) ||
+           (!isUnsigned && (!wordRange.Holds(arg.value) || bytes.empty())) ||
+           arg.text.front() == '"' ||
+           (arg.reg != REG_NONE && arg.IsIndexed() &&
+            (bytes.empty() || (bytes[0] != PREFIX_IX && bytes[0] != PREFIX_IY)));
 }
 
 /// Whether `label` may be something else where it is used. Asked of every label, so it is quick.

@@ -93,9 +93,12 @@ class Listing {
         return {message.opening, message.place.line};
     }
 
-    // What the statements need if all of them have source: growing by doubling would copy it all.
+    // What statements and names need if all of them have source: growing by doubling would copy it
+    // all.
     std::size_t UsualSize() const {
-        std::size_t size = analysis.statements.size() * (sourceColumn + 1);
+        constexpr std::size_t usualName = 80;  // its row among the names
+        std::size_t size =
+            analysis.statements.size() * (sourceColumn + 1) + analysis.names.size() * usualName;
         for (const Opening& opening : analysis.openings) {
             size += analysis.files[static_cast<std::size_t>(opening.file)].text->Bytes().size();
         }

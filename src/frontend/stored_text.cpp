@@ -44,12 +44,16 @@ std::size_t StoredText::LineStart(std::int32_t number) const {
 }
 
 std::string_view StoredText::Line(std::int32_t number) const {
-    const std::size_t start = LineStart(number);
-    const std::size_t end = LineStart(number + 1);
-    std::string_view line(bytes.data.get() + start, end - start);
-    line.remove_suffix(line.ends_with('\n') ? 1 : 0);
-    line.remove_suffix(line.ends_with('\r') ? 1 : 0);
-    return line;
+    if (number < 1 || number > LineCount()) {
+        return {};
+    }
+    const auto next = static_cast<std::size_t>(number);
+    const std::size_t start = starts[next - 1];
+    std::size_t end = next < starts.size() ? starts[next] - 1 : bytes.size;
+    if (end > start && bytes.data[end - 1] == '\r') {
+        --end;
+    }
+    return Bytes().substr(start, end - start);
 }
 
 }  // namespace korv

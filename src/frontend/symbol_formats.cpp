@@ -105,6 +105,8 @@ SymbolFile SymbolText(const Analysis& analysis, SymbolFormat format) {
         return std::tuple(name->value, std::string_view(name->text));
     });
     SymbolFile file{.text = std::string(row.header)};
+    constexpr std::size_t usualLine = 48;
+    file.text.reserve(names.size() * usualLine);
     for (const Name* name : names) {
         if (!row.allows(name->text)) {
             ++file.droppedNames;

@@ -85,6 +85,13 @@ Advice AdviseOnDefinition(const StatementView& statement) {
         sign = value.substr(0, value.find_first_of(" \t"));
         value = WithoutLeadingBlanks(value.substr(sign.size()));
     }
+    if (const std::size_t at = word.find('='); statement.label.empty() && value.empty() &&
+                                               at != std::string_view::npos && at > 0 &&
+                                               at + 1 < word.size()) {  // "HL=5"
+        name = word.substr(0, at);
+        sign = word.substr(at, 1);
+        value = word.substr(at + 1);
+    }
     const std::size_t start = sign.find_first_not_of(":=.");
     if (start != 0 && start != std::string_view::npos && sign.find('=') != std::string_view::npos) {
         value = statement.Span(sign.substr(start), value.empty() ? sign : value);  // "X =5"
@@ -95,7 +102,8 @@ Advice AdviseOnDefinition(const StatementView& statement) {
             "LD " + std::string(statement.Typed(name)) + "," + std::string(statement.Typed(value));
         const std::string changed = " " + Raised(fix);
         if (HasForm(CutStatement(changed))) {
-            return Replace(statement, statement.Span(word, statement.rest), fix, "write " + fix);
+            const std::string_view last = statement.rest.empty() ? word : statement.rest;
+            return Replace(statement, statement.Span(word, last), fix, "write " + fix);
         }
     }
     const bool isSign = HoldsWord(

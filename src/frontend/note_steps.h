@@ -6,7 +6,7 @@
 namespace korv {
 
 /// A mnemonic that is not in the vocabulary.
-[[nodiscard]] Advice AdviseOnWord(const FaultView& fault);
+[[nodiscard]] Advice AdviseOnWord(Adviser& adviser, const FaultView& fault);
 
 /// Operands that do not fit, or have no value.
 [[nodiscard]] Advice AdviseOnOperands(Adviser& adviser, const FaultView& fault);

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 #include "codegen/keywords.h"
 #include "frontend/expression_fault.h"
@@ -52,7 +53,8 @@ constexpr std::string_view blockEnds =
     "ENDSTRUC ENDPROC";
 
 // Directives whose operands are names that other files would define.
-constexpr std::string_view importDirectives = "EXTRN EXTERN EXTERNAL EXT XREF GLOBAL GLOBL XLIB";
+constexpr std::string_view importDirectives =
+    "EXTRN EXTERN EXTERNAL EXT XREF GLOBAL GLOBL XLIB IMPORT";
 
 // Without the marks that other assemblers put before directives.
 std::string_view Plain(std::string_view word) {
@@ -85,18 +87,28 @@ bool Adviser::TakeRefusedEnd() {
     return true;
 }
 
-// A comment of several lines, as other assemblers have it.
-void Adviser::RememberComment(const StatementView& statement) {
-    const std::string_view line = WithoutLeadingBlanks(statement.line);
-    if (line.starts_with("/*")) {
-        commentEnd = "*/";
+// A comment of several lines, as other assemblers have it. One that nothing ends is of one line.
+void Adviser::RememberComment(const FaultView& fault, Advice* advice) {
+    const StatementView& statement = fault.statement;
+    const LinePart place = advice->place.value_or(LinePart{});
+    std::string_view end;
+    std::size_t start = 0;
+    if (statement.line.substr(place.offset, 2) == "/*") {
+        end = "*/";
+        start = place.offset + 2;
     } else if (Plain(statement.mnemonic) == "COMMENT" && !statement.rest.empty()) {
-        commentEnd = statement.rest.substr(0, 1);
+        end = statement.rest.substr(0, 1);
+        start = statement.PartOf(end).offset + 1;
     }
-    const std::string_view after =
-        line.substr(std::min(line.size(), line.find(commentEnd) + commentEnd.size()));
-    if (after.find(commentEnd) != std::string_view::npos) {
-        commentEnd.clear();
+    const std::int32_t last = end.empty() ? 0 : facts.FindLine(end, start);
+    if (last > fault.line) {
+        commentFile = fault.file;
+        commentStart = fault.line;
+        commentEnd = last;
+        advice->note = "begin each line of the comment with a semicolon";
+        advice->edits.clear();
+    } else if (last == 0 && end == "*/") {
+        advice->note += ": nothing closes it";
     }
 }
 
@@ -107,10 +119,19 @@ std::string_view Adviser::NearestName(std::string_view name) {
     return names->Find(name);
 }
 
+std::string Adviser::UnusedName(const std::string& name) {
+    std::string unused = name;
+    for (int number = 1; FindKeyword(Raised(unused)) != nullptr || facts.FindName(Raised(unused)) ||
+                         !proposedNames.insert(Raised(unused)).second;) {
+        unused = name + std::to_string(++number);
+    }
+    return unused;
+}
+
 Advice Adviser::AdviceFor(const FaultView& fault) {
     Advice advice;
     if (fault.number == MSG_UNKNOWN_INSTRUCTION) {
-        advice = AdviseOnWord(fault);
+        advice = AdviseOnWord(*this, fault);
     } else if (IsAboutOperands(fault.number) || IsAboutExpression(fault.number)) {
         advice = AdviseOnOperands(*this, fault);
     } else {
@@ -126,6 +147,9 @@ Advice Adviser::AdviceFor(const FaultView& fault) {
     }
     if (fault.isError) {
         advice.isFollowOn = IsFollowOn(fault, advice) || advice.isFollowOn;
+        if (!advice.isFollowOn) {
+            RememberComment(fault, &advice);
+        }
         Remember(fault, advice);
     } else {
         advice.isFollowOn = IsAboutValue(fault.number) && UsesRefusedName(fault);
@@ -135,10 +159,7 @@ Advice Adviser::AdviceFor(const FaultView& fault) {
 
 bool Adviser::IsFollowOn(const FaultView& fault, const Advice& advice) {
     const StatementView& statement = fault.statement;
-    if (!commentEnd.empty()) {
-        if (statement.line.find(commentEnd) != std::string_view::npos) {
-            commentEnd.clear();
-        }
+    if (fault.file == commentFile && fault.line <= commentEnd && fault.line > commentStart) {
         return true;
     }
     const LinePart place = advice.place.value_or(fault.part);
@@ -168,6 +189,9 @@ bool Adviser::IsFollowOn(const FaultView& fault, const Advice& advice) {
     }
     if (fault.number == MSG_UNKNOWN_INSTRUCTION) {
         return refusedNames.contains(std::string(statement.mnemonic));
+    }
+    if (fault.number == MSG_REDEFINITION && advice.isRepeated) {
+        return std::exchange(hasRepeatedFile, true);
     }
     if (fault.number == MSG_UNRESOLVED && hasRefusedFile && advice.edits.empty()) {
         return true;
@@ -209,10 +233,11 @@ void Adviser::Remember(const FaultView& fault, const Advice& advice) {
     if (EndsCondition(fault, advice)) {
         (refusedConditions > 0 ? refusedConditions : refusedEnds) += refusedConditions > 0 ? -1 : 1;
     }
-    if (fault.number == MSG_UNKNOWN_INSTRUCTION) {
-        RememberComment(statement);
-        if (HoldsWord(importDirectives, Plain(statement.mnemonic))) {
-            for (const OperandView& operand : statement.operands) {
+    const bool isImport = HoldsWord(importDirectives, Plain(statement.mnemonic));
+    if (fault.number == MSG_UNKNOWN_INSTRUCTION && (isImport || advice.edits.empty())) {
+        for (const OperandView& operand : statement.operands) {  // it may define them elsewhere
+            const auto known = facts.FindName(operand.text);
+            if (!known || !known->hasValue) {
                 refusedNames.emplace(operand.text);
             }
         }

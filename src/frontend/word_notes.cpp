@@ -44,9 +44,13 @@ Advice AdviseOnEncoding(const StatementView& statement) {
     return {};
 }
 
-// "//", "/*", "#" and the like.
+// "//", "/*", "#" and the like, and a "*" in column 1, which is a blank here.
 Advice AdviseOnComment(const StatementView& statement) {
     const std::string_view word = statement.mnemonic;
+    if (statement.line.starts_with('*') && !word.starts_with('=') && word != "*/") {
+        return Replace(statement, statement.line.substr(0, 1), ";",
+                       "begin the comment with a semicolon");
+    }
     for (const std::string_view mark : {"//", "/*", "*/", "--", "'", "!!"}) {
         if (word.starts_with(mark)) {
             return Replace(statement, word.substr(0, mark.size()), ";",
@@ -111,7 +115,7 @@ Advice AdviseOnMark(const StatementView& statement) {
 }
 
 // A name with characters that no name has, at the start of the line.
-Advice AdviseOnName(const StatementView& statement) {
+Advice AdviseOnName(Adviser& adviser, const StatementView& statement) {
     const std::string_view line = statement.line;
     const std::size_t blanks = line.size() - WithoutLeadingBlanks(line).size();
     const std::size_t end = std::min(line.find_first_of(" \t:", blanks + 1), line.size());
@@ -125,16 +129,17 @@ Advice AdviseOnName(const StatementView& statement) {
         return {};
     }
     std::string name;
-    for (const char c : word) {
-        name += HasClass(c, CC_NAME) ? c : '_';
-    }
-    if (word.front() == '.' || word.front() == ':' || word.front() == '-') {
-        name.erase(0, 1);
+    for (const char c : statement.Typed(word)) {
+        if (HasClass(c, CC_NAME)) {
+            name += c;
+        } else if (!name.empty()) {
+            name += '_';
+        }
     }
     if (HasOddByte(word) && name.find_first_not_of('_') == std::string::npos) {
         return Say(statement, word, "use letters from A to Z, digits, ?, @ and _ in a name");
     }
-    if (name == word || name.empty() || name.find_first_not_of('_') == std::string::npos) {
+    if (Raised(name) == word || name.find_first_not_of('_') == std::string::npos) {
         return {};
     }
     const bool isLabel = hasColon || word.front() == '.' || word.front() == ':' ||
@@ -142,16 +147,13 @@ Advice AdviseOnName(const StatementView& statement) {
     if (!isLabel) {
         return {};
     }
-    if (FindKeyword(name) != nullptr) {
-        name += "1";
-    }
+    name = adviser.UnusedName(HasClass(name.front(), CC_DIGIT) ? "L" + name : name);
     const bool hasDot = word.find('.') != std::string_view::npos;
     const std::string note = word.front() == ':' ? "end the label with its colon: " + name + ":"
                              : HasOddByte(word)
                                  ? "use letters from A to Z, digits, ?, @ and _ in a name"
-                                 : "write " + name +
-                                       (hasDot ? " here and where it is used: a name has no dots"
-                                               : ": a name is of letters, digits, ?, @ and _");
+                                 : "write " + name + " here and where it is used: a name has " +
+                                       (hasDot ? "no dots" : "only letters, digits, ?, @ and _");
     if (word.front() == ':') {
         name += ':';
     }
@@ -173,7 +175,8 @@ Advice AdviseOnJoinedWords(const StatementView& statement) {
         if (word[size] == '.' && !HoldsWord(".B .W .L .S", word.substr(size))) {
             continue;
         }
-        const bool isSign = word[size] == '=' || word[size] == ':';       // "ORG=100H"
+        const bool isSign =
+            word[size] == '=' || word[size] == ':' || word[size] == ',';  // "ORG=100H", "LD,A,5"
         const bool isSize = HoldsWord(".B .W .L .S", word.substr(size));  // "DS.B 5"
         const LinePart gap{statement.PartOf(word).offset + static_cast<std::uint32_t>(size),
                            isSize   ? std::uint32_t{2}
@@ -196,6 +199,25 @@ Advice AdviseOnJoinedWords(const StatementView& statement) {
     return {};
 }
 
+// A mnemonic with a sign after it, as in "DI, EI" and "LD, A,5".
+Advice AdviseOnSign(const StatementView& statement) {
+    const std::string_view word = statement.mnemonic;
+    const std::string_view stem = word.substr(0, word.find_last_not_of(",;.-") + 1);
+    const Keyword* const keyword = FindKeyword(stem);
+    if (stem.size() == word.size() || keyword == nullptr) {
+        return {};
+    }
+    const std::string_view next = statement.rest.substr(0, statement.rest.find_first_of(" \t"));
+    const bool isSecond = keyword->operands.fewest == 0 && FindKeyword(next) != nullptr;
+    Advice advice = Replace(statement, word.substr(stem.size()), isSecond ? "\n\t" : "",
+                            "write one instruction in a line");
+    advice.place = statement.PartOf(word);
+    if (!isSecond) {
+        advice.note = WriteNote(statement, advice.edits);
+    }
+    return advice;
+}
+
 // The keyword that was meant by `word`: of those that are as near, one with a form of these
 // operands.
 std::string_view NearestKeyword(const StatementView& statement, std::string_view word) {
@@ -206,12 +228,27 @@ std::string_view NearestKeyword(const StatementView& statement, std::string_view
         }
         return all;
     }();
-    return NearWords(words).Find(word, [&statement](std::string_view each) {
+    const auto isForm = [&statement](std::string_view each) {
         StatementView changed = statement;
         changed.mnemonic = each;
         changed.keyword = FindKeyword(each);
         return HasForm(changed);
-    });
+    };
+    const std::string_view near = NearWords(words).Find(word, isForm);
+    if (!near.empty() || word.size() > 2 || statement.operands.empty()) {
+        return near;
+    }
+    // Of so short a word much is a slip of: there has to be one with these operands, and only one.
+    std::string_view only;
+    for (const std::string_view each : words) {
+        if (each.size() <= 3 && EditDistance(word, each) == 1 && isForm(each)) {
+            if (!only.empty()) {
+                return {};
+            }
+            only = each;
+        }
+    }
+    return only;
 }
 
 // A statement that begins in column 1, where only labels do.
@@ -255,16 +292,17 @@ Advice AdviseOnColumn(const StatementView& statement) {
     return {};
 }
 
-}  // namespace
-
-Advice AdviseOnWord(const FaultView& fault) {
+Advice AdviseOnUnknownWord(Adviser& adviser, const FaultView& fault) {
     const StatementView& statement = fault.statement;
     const std::string_view word = statement.mnemonic;
     for (const auto step : {AdviseOnEncoding, AdviseOnOrigin, AdviseOnComment, AdviseOnPreprocessor,
-                            AdviseOnMark, AdviseOnDefinition, AdviseOnName}) {
+                            AdviseOnMark, AdviseOnDefinition}) {
         if (Advice advice = step(statement); advice.place) {
             return advice;
         }
+    }
+    if (Advice advice = AdviseOnName(adviser, statement); advice.place) {
+        return advice;
     }
     if (word == ":" && !statement.label.empty()) {  // "LOOP:: NOP" and "LOOP : NOP"
         const std::string_view name = statement.Span(statement.label, word);
@@ -312,6 +350,9 @@ Advice AdviseOnWord(const FaultView& fault) {
         advice.names.emplace_back(word);
         return advice;
     }
+    if (Advice found = AdviseOnSign(statement); found.place) {
+        return found;
+    }
     if (const auto row = WordAdvice(statement)) {
         advice.note = row->note;
         advice.edits = row->edits;
@@ -328,6 +369,17 @@ Advice AdviseOnWord(const FaultView& fault) {
     } else if (fault.isSkipped) {
         advice.note =
             "begin the line with a semicolon: mnemonics are checked in skipped blocks too";
+    }
+    return advice;
+}
+
+}  // namespace
+
+Advice AdviseOnWord(Adviser& adviser, const FaultView& fault) {
+    Advice advice = AdviseOnUnknownWord(adviser, fault);
+    const std::string line = Raised(Applied(fault.statement.line, advice.edits));
+    if (!advice.edits.empty() && !advice.definesName && CutStatement(line).mnemonic == "EQU") {
+        advice.definesName = true;  // "X: EQV 5": what uses X is not the next mistake
     }
     return advice;
 }

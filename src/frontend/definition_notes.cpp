@@ -15,6 +15,13 @@ bool IsNameText(std::string_view text) {
            std::ranges::all_of(text, [](char c) { return HasClass(c, CC_NAME); });
 }
 
+Advice Say(const StatementView& statement, std::string_view part, std::string note) {
+    Advice advice;
+    advice.place = statement.PartOf(part);
+    advice.note = std::move(note);
+    return advice;
+}
+
 Advice Replace(const StatementView& statement, std::string_view part, std::string text,
                std::string note) {
     Advice advice;
@@ -106,8 +113,8 @@ Advice AdviseOnDefinition(const StatementView& statement) {
             return Replace(statement, statement.Span(word, last), fix, "write " + fix);
         }
     }
-    const bool isSign = HoldsWord(
-        "= := == EQU DEFL SET ASET VAR CONST EQUS EQ .EQU .SET .DEFL DEFINE DEFC IS", sign);
+    const bool isSign =
+        HoldsWord("= := == EQU DEFL SET ASET VAR CONST EQUS EQ .EQU .SET .DEFL DEFINE DEFC", sign);
     if (!isSign || !IsNameText(name) || WithoutLeadingBlanks(value).empty()) {
         return {};
     }

@@ -95,6 +95,24 @@ bool AdviseOnGluedCondition(OperandCase* it, const Token& token) {
     return false;
 }
 
+// A name that is defined, with 1 for L or 0 for O, or the other way round.
+std::string NameThatLooksLike(const OperandCase& it, const std::string& name) {
+    constexpr std::string_view signs = "L1O0";
+    std::string other = name;
+    for (char& c : other) {
+        const std::size_t at = signs.find(c);
+        if (at == std::string_view::npos) {
+            continue;
+        }
+        c = signs[at ^ 1U];
+        if (it.IsDefined(other)) {
+            return other;
+        }
+        c = signs[at];
+    }
+    return "";
+}
+
 // A name that has no value.
 void AdviseOnUnknownName(OperandCase* it) {
     const std::string_view text = it->fault.text;
@@ -156,8 +174,12 @@ void AdviseOnUnknownName(OperandCase* it) {
     if (AdviseOnGluedCondition(it, *token)) {
         return;
     }
-    if (const std::string_view near = it->adviser.NearestName(token->text); !near.empty()) {
-        it->Replace(token->text, std::string(near));
+    std::string near = NameThatLooksLike(*it, name);
+    if (near.empty()) {
+        near = it->adviser.NearestName(token->text);
+    }
+    if (!near.empty()) {
+        it->Replace(token->text, near);
         note = "did you mean " + std::string(near) + "?";
         return;
     }

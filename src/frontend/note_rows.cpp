@@ -254,7 +254,8 @@ std::string FirstWord(std::string_view text) {
 bool IsForm(std::string_view text) {
     const std::string line = " " + Raised(text);
     const StatementView statement = CutStatement(line);
-    return HoldsWord("DB DW DS IF ENDIF ORG INCLUDE BINCLUDE", statement.mnemonic) ||
+    return (HoldsWord("DB DW DS IF ORG INCLUDE BINCLUDE", statement.mnemonic) &&
+            !statement.operands.empty()) ||
            HasForm(statement);
 }
 
@@ -319,6 +320,9 @@ std::optional<RowAdvice> WordAdvice(const StatementView& statement) {
         word.remove_prefix(strips ? 1 : 0);
         const bool isImmediate = count == 1 && changed.rest.starts_with('#');
         const std::string marked = std::string(word) + "#";  // of a 6502
+        if (strips && HoldsWord("MACRO PROC ENDP ENDM", word)) {
+            return RowAdvice{std::string(macroNote), {}, {}};
+        }
         if (strips && FindKeyword(word) != nullptr) {
             changed.mnemonic.remove_prefix(1);
             return advice("", changed.rest.empty() ? "%w" : word == "INCLUDE" ? "%w %n1" : "%w %r");

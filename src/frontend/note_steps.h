@@ -30,8 +30,20 @@ inline constexpr std::string_view numberedLabelNote =
 /// "#define X 5", and what `AdviseOnNameSecond` gives.
 [[nodiscard]] Advice AdviseOnPreprocessor(const StatementView& statement);
 
+/// A name with characters that no name has, at the start of the line; empty advice for none.
+[[nodiscard]] Advice AdviseOnOddName(Adviser& adviser, const StatementView& statement);
+
+/// A label that is not in column 1, or has its colon elsewhere; empty advice for none.
+[[nodiscard]] Advice AdviseOnLabelPlace(const StatementView& statement);
+
+/// Whether `text` has a byte that is not ASCII.
+[[nodiscard]] bool HasOddByte(std::string_view text);
+
 /// Whether `text` can be a name.
 [[nodiscard]] bool IsNameText(std::string_view text);
+
+/// Advice at `part` without a change.
+[[nodiscard]] Advice Say(const StatementView& statement, std::string_view part, std::string note);
 
 /// Advice at `part`, which is to become `text`.
 [[nodiscard]] Advice Replace(const StatementView& statement, std::string_view part,

@@ -66,15 +66,21 @@ bool IsCondition(std::string_view word) {
     return Plain(word).starts_with("IF") || word == "COND";
 }
 
-// Whether the statement was to end a condition: as it is, or by the change that is proposed.
-bool EndsCondition(const FaultView& fault, const Advice& advice) {
+// The word that ends what the statement begins, where the lines in between mean nothing here.
+std::string_view EndOfBlock(const StatementView& statement) {
+    const std::string_view word = Plain(statement.mnemonic);
+    return HoldsWord("MACRO MAC", word) ? "endm" : HoldsWord("STRUCT STRUC", word) ? "ends" : "";
+}
+
+// The mnemonic that was meant: of the statement with the changes that are proposed, or of an
+// instruction that begins in column 1.
+std::string MeantMnemonic(const FaultView& fault, const Advice& advice) {
     const StatementView& statement = fault.statement;
-    static constexpr std::string_view ends = "ENDIF ENDC";
-    const bool isProposed = std::ranges::any_of(advice.edits, [](const TextEdit& edit) {
-        return HoldsWord(ends, WithoutLeadingBlanks(Raised(edit.text)));
-    });
-    return isProposed || HoldsWord(ends, statement.mnemonic) ||
-           (fault.number == MSG_RESERVED_NAME && HoldsWord(ends, statement.label));
+    std::string line = Raised(Applied(statement.line, advice.edits));
+    if (advice.edits.empty() && !statement.hasColon && FindKeyword(statement.label) != nullptr) {
+        line.insert(0, " ");
+    }
+    return std::string(CutStatement(line.substr(0, line.find('\n'))).mnemonic);
 }
 
 }  // namespace
@@ -102,9 +108,7 @@ void Adviser::RememberComment(const FaultView& fault, Advice* advice) {
     }
     const std::int32_t last = end.empty() ? 0 : facts.FindLine(end, start);
     if (last > fault.line) {
-        commentFile = fault.file;
-        commentStart = fault.line;
-        commentEnd = last;
+        SkipTo(last, fault);
         advice->note = "begin each line of the comment with a semicolon";
         advice->edits.clear();
     } else if (last == 0 && end == "*/") {
@@ -159,7 +163,7 @@ Advice Adviser::AdviceFor(const FaultView& fault) {
 
 bool Adviser::IsFollowOn(const FaultView& fault, const Advice& advice) {
     const StatementView& statement = fault.statement;
-    if (fault.file == commentFile && fault.line <= commentEnd && fault.line > commentStart) {
+    if (fault.file == skippedFile && fault.line > skippedAfter && fault.line <= skippedTo) {
         return true;
     }
     const LinePart place = advice.place.value_or(fault.part);
@@ -226,11 +230,14 @@ void Adviser::Remember(const FaultView& fault, const Advice& advice) {
     if (advice.isFollowOn) {
         return;
     }
-    if (isRefused && IsCondition(statement.mnemonic)) {
+    const std::string meant = MeantMnemonic(fault, advice);
+    if ((isRefused || fault.number == MSG_RESERVED_NAME) &&
+        (IsCondition(statement.mnemonic) || IsCondition(meant))) {
         ++refusedConditions;
         hasRefusedTest = hasRefusedTest || advice.edits.empty();
     }
-    if (EndsCondition(fault, advice)) {
+    if (HoldsWord("ENDIF ENDC", meant) && fault.number != MSG_NOT_IN_CONDITION &&
+        fault.number != MSG_LABEL_NOT_ALLOWED) {
         (refusedConditions > 0 ? refusedConditions : refusedEnds) += refusedConditions > 0 ? -1 : 1;
     }
     const bool isImport = HoldsWord(importDirectives, Plain(statement.mnemonic));
@@ -244,10 +251,11 @@ void Adviser::Remember(const FaultView& fault, const Advice& advice) {
     }
     hasRefusedFile =
         hasRefusedFile || (fault.number == MSG_CANNOT_OPEN && statement.mnemonic == "INCLUDE");
-    const bool isMacro = fault.number == MSG_NOT_IMPLEMENTED && statement.mnemonic == "MACRO";
     hasRefusedBlock = hasRefusedBlock || HoldsWord(blockStarts, Plain(statement.mnemonic));
-    const bool isDefinition = isMacro || fault.number == MSG_RESERVED_NAME ||
-                              fault.number == MSG_NO_LABEL ||
+    if (const std::string_view end = EndOfBlock(statement); !end.empty()) {
+        RememberBlock(fault, end);
+    }
+    const bool isDefinition = fault.number == MSG_RESERVED_NAME || fault.number == MSG_NO_LABEL ||
                               (fault.number == MSG_UNRESOLVED && advice.definesName) ||
                               (isRefused && (advice.definesName || statement.mnemonic == "EQU"));
     if (!isDefinition) {
@@ -257,9 +265,30 @@ void Adviser::Remember(const FaultView& fault, const Advice& advice) {
         refusedNames.emplace(statement.label);
     }
     refusedNames.insert(advice.names.begin(), advice.names.end());
-    if (isMacro && !statement.operands.empty()) {
-        refusedNames.emplace(statement.operands[0].text);
+}
+
+// Neither the name of a macro nor its parameters mean anything, and what is wrong in it may be
+// right where its lines are written out.
+void Adviser::RememberBlock(const FaultView& fault, std::string_view end) {
+    const StatementView& statement = fault.statement;
+    if (!statement.label.empty()) {
+        refusedNames.emplace(statement.label);
     }
+    for (const OperandView& operand : statement.operands) {
+        for (const Token& token : operand.tokens) {
+            refusedNames.emplace(token.text);
+        }
+    }
+    const std::int32_t last = std::max(facts.FindLine(end, 0), facts.FindLine(Raised(end), 0));
+    if (last > fault.line) {
+        SkipTo(last, fault);
+    }
+}
+
+void Adviser::SkipTo(std::int32_t line, const FaultView& fault) {
+    skippedFile = fault.file;
+    skippedAfter = fault.line;
+    skippedTo = line;
 }
 
 }  // namespace korv

@@ -100,6 +100,9 @@ class Adviser {
     [[nodiscard]] bool IsFollowOn(const FaultView& fault, const Advice& advice);
     [[nodiscard]] bool UsesRefusedName(const FaultView& fault) const;
     void Remember(const FaultView& fault, const Advice& advice);
+    void RememberBlock(const FaultView& fault, std::string_view end);
+    // What is wrong after the line of `fault` up to `line` follows from it.
+    void SkipTo(std::int32_t line, const FaultView& fault);
     void RememberComment(const FaultView& fault, Advice* advice);
 
     const RunFacts& facts;
@@ -109,9 +112,9 @@ class Adviser {
     std::int32_t refusedConditions = 0;            // IFs that were refused and are still open
     std::int32_t refusedEnds = 0;                  // of conditions that are open
     bool hasRefusedTest = false;                   // a condition that has no spelling here
-    std::int32_t commentFile = 0;                  // of a refused comment of several lines
-    std::int32_t commentStart = 0;                 // its first line
-    std::int32_t commentEnd = 0;                   // its last line
+    std::int32_t skippedFile = 0;                  // of a refused macro or comment of several lines
+    std::int32_t skippedAfter = 0;                 // its first line
+    std::int32_t skippedTo = 0;                    // its last line
     bool hasRepeatedFile = false;                  // a file that defines names is read twice
     bool hasRefusedFile = false;                   // an INCLUDE
     bool hasRefusedBlock = false;                  // such as a macro

@@ -236,9 +236,7 @@ Advice AdviseOnRest(Adviser& adviser, const FaultView& fault) {
             if (HoldsWord("DD DEFD", statement.mnemonic)) {
                 advice.note = "write two words with DW, the low one first";
             } else {
-                advice.note =
-                    "write the lines out, or INCLUDE them from a file: there are no macros or "
-                    "procedures";
+                advice.note = macroNote;
             }
             advice.place = statement.PartOf(statement.mnemonic);
             return advice;

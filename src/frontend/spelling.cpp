@@ -4,6 +4,7 @@
 
 #include "expr/number.h"
 #include "frontend/instruction_forms.h"
+#include "frontend/note_steps.h"
 #include "source/char_class.h"
 
 namespace korv {
@@ -130,10 +131,6 @@ Foreign Bracketed(std::string_view operand, std::string_view typed) {
         }
     }
     return {operand, fix, "use parentheses for memory: " + fix};
-}
-
-bool HasOddByte(std::string_view text) {
-    return std::ranges::any_of(text, [](char c) { return static_cast<signed char>(c) < 0; });
 }
 
 // A token that is no token of the language.

@@ -62,7 +62,8 @@ void AdviseOnTranslated(OperandCase* it, const Translation& translation) {
     if (inner.advice.note.empty() && inner.advice.edits.empty()) {
         return;
     }
-    if (inner.operand != nullptr && changed.operands.size() == it->statement.operands.size()) {
+    if (inner.operand != nullptr && fault.number != MSG_ILLEGAL_CONDITION &&
+        changed.operands.size() == it->statement.operands.size()) {
         it->PointAt(it->statement
                         .operands[static_cast<std::size_t>(inner.operand - changed.operands.data())]
                         .text);

@@ -12,17 +12,6 @@
 namespace korv {
 namespace {
 
-bool HasOddByte(std::string_view text) {
-    return std::ranges::any_of(text, [](char c) { return static_cast<signed char>(c) < 0; });
-}
-
-Advice Say(const StatementView& statement, std::string_view part, std::string note) {
-    Advice advice;
-    advice.place = statement.PartOf(part);
-    advice.note = std::move(note);
-    return advice;
-}
-
 // The bytes of a file that is no plain text.
 Advice AdviseOnEncoding(const StatementView& statement) {
     const std::string_view line = statement.line;
@@ -114,58 +103,8 @@ Advice AdviseOnMark(const StatementView& statement) {
     return {};
 }
 
-// A name with characters that no name has, at the start of the line.
-Advice AdviseOnName(Adviser& adviser, const StatementView& statement) {
-    const std::string_view line = statement.line;
-    const std::size_t blanks = line.size() - WithoutLeadingBlanks(line).size();
-    const std::size_t end = std::min(line.find_first_of(" \t:", blanks + 1), line.size());
-    const std::string_view word = line.substr(blanks, end - blanks);
-    const bool hasColon = end < line.size() && line[end] == ':';
-    const bool isWord =
-        !hasColon && (word.starts_with('.') || word.starts_with('!')) &&
-        FindKeyword(statement.rest.substr(0, statement.rest.find_first_of(" \t"))) == nullptr &&
-        WordAdvice(statement);
-    if (word.empty() || (!hasColon && blanks > 0) || isWord) {
-        return {};
-    }
-    std::string name;
-    for (const char c : statement.Typed(word)) {
-        if (HasClass(c, CC_NAME)) {
-            name += c;
-        } else if (!name.empty()) {
-            name += '_';
-        }
-    }
-    if (HasOddByte(word) && name.find_first_not_of('_') == std::string::npos) {
-        return Say(statement, word, "use letters from A to Z, digits, ?, @ and _ in a name");
-    }
-    if (Raised(name) == word || name.find_first_not_of('_') == std::string::npos) {
-        return {};
-    }
-    const bool isLabel = hasColon || word.front() == '.' || word.front() == ':' ||
-                         statement.mnemonic == "EQU" || statement.rest.starts_with("EQU ");
-    if (!isLabel) {
-        return {};
-    }
-    name = adviser.UnusedName(HasClass(name.front(), CC_DIGIT) ? "L" + name : name);
-    const bool hasDot = word.find('.') != std::string_view::npos;
-    const std::string note = word.front() == ':' ? "end the label with its colon: " + name + ":"
-                             : HasOddByte(word)
-                                 ? "use letters from A to Z, digits, ?, @ and _ in a name"
-                                 : "write " + name + " here and where it is used: a name has " +
-                                       (hasDot ? "no dots" : "only letters, digits, ?, @ and _");
-    if (word.front() == ':') {
-        name += ':';
-    }
-    Advice advice = Replace(statement, line.substr(0, end), name, note);
-    advice.place = statement.PartOf(word);
-    advice.definesName = true;
-    advice.names.emplace_back(word);
-    return advice;
-}
-
 // Words run together, as in "LD(HL),A" and "DB5".
-Advice AdviseOnJoinedWords(const StatementView& statement) {
+Advice AdviseOnJoinedWords(const RunFacts& facts, const StatementView& statement) {
     const std::string_view word = statement.mnemonic;
     for (std::size_t size = word.size() - 1; size >= 2; --size) {
         if (FindKeyword(word.substr(0, size)) == nullptr) {
@@ -185,9 +124,11 @@ Advice AdviseOnJoinedWords(const StatementView& statement) {
         const std::vector<TextEdit> edits = {{gap, isSize ? "" : " "}};
         const std::string line = Applied(statement.line, edits);
         const StatementView changed = CutStatement(line);
-        const bool isPlain = std::ranges::none_of(changed.operands, [](const OperandView& operand) {
-            return operand.what.kind == KIND_VALUE && HasClass(operand.text.front(), CC_LETTER);
-        });
+        const bool isPlain =
+            std::ranges::none_of(changed.operands, [&facts](const OperandView& operand) {
+                return operand.what.kind == KIND_VALUE &&
+                       HasClass(operand.text.front(), CC_LETTER) && !facts.FindName(operand.text);
+            });
         if (HasForm(changed) && !changed.operands.empty() && (!isWord || isPlain)) {
             Advice advice;
             advice.place = statement.PartOf(word);
@@ -301,55 +242,14 @@ Advice AdviseOnUnknownWord(Adviser& adviser, const FaultView& fault) {
             return advice;
         }
     }
-    if (Advice advice = AdviseOnName(adviser, statement); advice.place) {
+    if (Advice advice = AdviseOnOddName(adviser, statement); advice.place) {
         return advice;
     }
-    if (word == ":" && !statement.label.empty()) {  // "LOOP:: NOP" and "LOOP : NOP"
-        const std::string_view name = statement.Span(statement.label, word);
-        return Replace(statement, name, std::string(statement.Typed(statement.label)) + ":",
-                       "end the label with one colon, without a blank before it");
+    if (Advice advice = AdviseOnLabelPlace(statement); advice.place) {
+        return advice;
     }
     Advice advice;
     advice.place = statement.PartOf(word);
-    const bool isLabel = word.size() > 1 && word.ends_with(':');
-    if (isLabel && FindKeyword(word.substr(0, word.size() - 1)) != nullptr) {
-        return Replace(statement, word.substr(word.size() - 1), "",
-                       "remove the colon: only a label has one");
-    }
-    if (isLabel && IsNameText(word.substr(0, word.size() - 1))) {
-        const std::size_t blanks = statement.PartOf(word).offset;
-        if (!statement.label.empty() && !statement.hasColon) {
-            const std::string_view both = statement.Span(statement.label, word);
-            std::string name(statement.Typed(statement.label));
-            name += '_' + std::string(statement.Typed(word.substr(0, word.size() - 1)));
-            Advice joined =
-                Replace(statement, both, name,
-                        "write " + name + " here and where it is used: a name has no blanks");
-            joined.definesName = true;
-            joined.names.push_back(std::string(statement.label) +
-                                   std::string(word.substr(0, word.size() - 1)));
-            return joined;
-        }
-        if (!statement.label.empty()) {
-            return Replace(statement, word.substr(0, 0), "\n",
-                           "put the second label on a line of its own");
-        }
-        Advice moved = Replace(statement, statement.line.substr(0, blanks + word.size()),
-                               std::string(statement.Typed(word)), "begin the label in column 1");
-        moved.definesName = true;
-        moved.names.emplace_back(word.substr(0, word.size() - 1));
-        return moved;
-    }
-    const std::string_view next = statement.rest.substr(0, statement.rest.find_first_of(" \t"));
-    if (statement.label.empty() && IsNameText(word) &&
-        FindKeyword(next) != nullptr) {  // " LOOP LD A,5"
-        const std::size_t blanks = statement.PartOf(word).offset;
-        advice.edits = {{LinePart{0, static_cast<std::uint32_t>(blanks)}, ""}};
-        advice.note = "begin the label in column 1";
-        advice.definesName = true;
-        advice.names.emplace_back(word);
-        return advice;
-    }
     if (Advice found = AdviseOnSign(statement); found.place) {
         return found;
     }
@@ -358,10 +258,17 @@ Advice AdviseOnUnknownWord(Adviser& adviser, const FaultView& fault) {
         advice.edits = row->edits;
         return advice;
     }
-    for (const auto step : {AdviseOnColumn, AdviseOnJoinedWords, AdviseOnData}) {
+    const Advice joined = AdviseOnJoinedWords(adviser.Facts(), statement);
+    if (joined.place && FindKeyword(statement.label) == nullptr) {
+        return joined;
+    }
+    for (const auto step : {AdviseOnColumn, AdviseOnData}) {
         if (Advice found = step(statement); found.place) {
             return found;
         }
+    }
+    if (joined.place) {
+        return joined;
     }
     if (const std::string_view near = NearestKeyword(statement, word); !near.empty()) {
         advice.edits = {{statement.PartOf(word), std::string(near)}};

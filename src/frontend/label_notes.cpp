@@ -77,6 +77,11 @@ Advice AdviseOnLabelPlace(const StatementView& statement) {
     }
     const bool isLabel = word.size() > 1 && word.ends_with(':');
     if (isLabel && FindKeyword(word.substr(0, word.size() - 1)) != nullptr) {
+        const std::string_view next = statement.rest.substr(0, statement.rest.find_first_of(" \t"));
+        if (FindKeyword(next) != nullptr) {  // "EI: RET"
+            return Replace(statement, word.substr(word.size() - 1), "\n\t",
+                           "write one instruction in a line");
+        }
         return Replace(statement, word.substr(word.size() - 1), "",
                        "remove the colon: only a label has one");
     }

@@ -56,6 +56,10 @@ struct OperandCase {
 [[nodiscard]] bool AdviseOnSeparator(OperandCase* it);
 /// Advises on brackets around the values of a data directive.
 [[nodiscard]] bool AdviseOnListBrackets(OperandCase* it);
+/// Advises on a sign after a register.
+[[nodiscard]] bool AdviseOnLastSign(OperandCase* it);
+/// Advises on brackets with a comma in them.
+[[nodiscard]] bool AdviseOnSplitBrackets(OperandCase* it);
 /// Advises on an operand without text.
 [[nodiscard]] bool AdviseOnEmptyOperand(OperandCase* it);
 /// Advises on a second instruction in the line, with or without a sign before it.

@@ -294,8 +294,9 @@ void AdviseOnOperandCase(OperandCase* it) {
         return;
     }
     if (AdviseOnSet(it) || AdviseOnComma(it) || AdviseOnSecondInstruction(it) ||
-        AdviseOnSeparator(it) || AdviseOnListBrackets(it) || AdviseOnIndexHalf(it) ||
-        AdviseOnSpelling(it) || AdviseOnUnopenedString(it) || AdviseOnRegister(it) ||
+        AdviseOnLastSign(it) || AdviseOnListBrackets(it) || AdviseOnSplitBrackets(it) ||
+        AdviseOnSeparator(it) || AdviseOnIndexHalf(it) || AdviseOnSpelling(it) ||
+        AdviseOnUnopenedString(it) || AdviseOnRegister(it) ||
         (fault.number == MSG_TOO_MANY_ARGUMENTS && AdviseOnProse(it))) {
         return;
     }

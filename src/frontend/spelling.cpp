@@ -305,7 +305,7 @@ Foreign FindForeign(const StatementView& statement, const OperandView& operand) 
         const std::size_t at = statement.PartOf(operand.text).offset + i;
         const bool isShadow = i > 0 && (HasClass(operand.text[i - 1], CC_NAME) ||
                                         operand.text[i - 1] == '\'');  // AF', AF'', H'FF'
-        if ((c == '\'' || c == '`') && !isShadow) {
+        if ((c == '\'' || c == '`') && !isShadow && statement.mnemonic != "EX") {
             Foreign found = SingleQuoted(statement, at);
             if (i > 0 && operand.text[i - 1] == '#') {  // "#'A'"
                 found.part = {found.part.data() - 1, found.part.size() + 1};

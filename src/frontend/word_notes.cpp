@@ -111,11 +111,8 @@ Advice AdviseOnJoinedWords(const RunFacts& facts, const StatementView& statement
             continue;
         }
         const bool isWord = HasClass(word[size], CC_LETTER);
-        if (word[size] == '.' && !HoldsWord(".B .W .L .S", word.substr(size))) {
-            continue;
-        }
-        const bool isSign =
-            word[size] == '=' || word[size] == ':' || word[size] == ',';  // "ORG=100H", "LD,A,5"
+        const bool isSign = std::string_view("=:,.").find(word[size]) !=
+                            std::string_view::npos;                       // "ORG=100H", "LD,A,5"
         const bool isSize = HoldsWord(".B .W .L .S", word.substr(size));  // "DS.B 5"
         const LinePart gap{statement.PartOf(word).offset + static_cast<std::uint32_t>(size),
                            isSize   ? std::uint32_t{2}

@@ -6,9 +6,23 @@
 #include "codegen/keywords.h"
 #include "frontend/instruction_forms.h"
 #include "frontend/note_steps.h"
+#include "frontend/translation.h"
 #include "source/char_class.h"
 
 namespace korv {
+
+namespace {
+
+// The definition as it is written here, with the value as it would be here too.
+std::string Definition(const StatementView& statement, std::string_view name,
+                       std::string_view value) {
+    const std::string typed = std::string(statement.Typed(name)) + ": EQU " +
+                              std::string(statement.Typed(WithoutLeadingBlanks(value)));
+    const std::string line = Raised(typed);
+    return Translate(CutStatement(line, typed)).typed;
+}
+
+}  // namespace
 
 bool IsNameText(std::string_view text) {
     return !text.empty() && HasClass(text.front(), CC_NAME_START) &&
@@ -39,8 +53,8 @@ Advice AdviseOnPreprocessor(const StatementView& statement) {
         const std::string_view name = rest.substr(0, rest.find_first_of(" \t"));
         const std::string_view value = WithoutLeadingBlanks(rest.substr(name.size()));
         if (IsNameText(name) && !value.empty()) {
-            Advice advice = Replace(statement, statement.line,
-                                    std::string(name) + ": EQU " + std::string(value), "");
+            Advice advice =
+                Replace(statement, statement.line, Definition(statement, name, value), "");
             advice.place = statement.PartOf(word);
             advice.note = "write " + advice.edits[0].text + " from column 1 on";
             advice.definesName = true;
@@ -63,9 +77,8 @@ Advice AdviseOnNameSecond(const StatementView& statement) {
         const std::size_t start = text.find_first_not_of(" \t=,", name.size());
         if (IsNameText(name) && start != std::string_view::npos && name.size() < text.size() &&
             name.size() > 0 && ClassOf(name).kind == KIND_VALUE) {
-            Advice advice =
-                Replace(statement, statement.line,
-                        std::string(name) + ": EQU " + std::string(text.substr(start)), "");
+            Advice advice = Replace(statement, statement.line,
+                                    Definition(statement, name, text.substr(start)), "");
             advice.place = statement.PartOf(first);
             advice.note = "write " + advice.edits[0].text + " from column 1 on";
             advice.definesName = true;
@@ -123,7 +136,7 @@ Advice AdviseOnDefinition(const StatementView& statement) {
     }
     value = WithoutLeadingBlanks(value);
     Advice advice;
-    advice.edits = {{statement.PartOf(line), std::string(name) + ": EQU " + std::string(value)}};
+    advice.edits = {{statement.PartOf(line), Definition(statement, name, value)}};
     advice.place = statement.PartOf(sign);
     advice.note =
         "write " + advice.edits[0].text + (statement.label.empty() ? " from column 1 on" : "");

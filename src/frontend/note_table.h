@@ -127,6 +127,7 @@ inline constexpr auto operandTable = std::to_array<OperandRow>({
     {"13", "SUB", "HL,n", "", "load DE with %2 and subtract with AND A, then SBC HL,DE", " SUB HL,5"},
     {"13", "CP", "HL,dd", "", "compare pairs with AND A, SBC HL,%2 and ADD HL,%2: CP takes bytes", " CP HL,DE"},
     {"13", "SUB AND XOR OR CP", "*", "", "use the accumulator: %w takes one operand, a byte", " AND B,C"},
+    {"13", "DS DEFS", "any,0 any,00H any,$00 any,0H any,$0 any,#00", "%w %1", "", " DS 10,0"},
     {"13", "DS DEFS", "any,v", "", "write the bytes with DB: %w fills with 0 only", " DS 10,255"},
     {"13", "DM DEFM", "*", "DB %r", "", " DM \"a\",\"b\""},
     {"13", "DJNZ", "reg,any", "DJNZ %2", "", "X: DJNZ B,X"},

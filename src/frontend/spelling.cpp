@@ -316,6 +316,9 @@ Foreign FindForeign(const StatementView& statement, const OperandView& operand) 
             return {operand.text.substr(i, 1), "",
                     "remove the braces: values follow the directive"};
         }
+        if (c == '[' && i > 0 && HasClass(operand.text[i - 1], CC_NAME)) {  // "TABLE[2]"
+            return {operand.text, "", "add the index to the address with +: there are no arrays"};
+        }
         if (c == '[' || c == '{' || ((c == ']' || c == '}') && i + 1 == operand.text.size())) {
             return Bracketed(operand.text, statement.Typed(operand.text));
         }

@@ -14,6 +14,7 @@
 #include "frontend/instruction_forms.h"
 #include "frontend/note_table.h"
 #include "frontend/statement_rules.h"
+#include "frontend/word_table.h"
 #include "run.h"
 #include "table.h"
 

@@ -6,13 +6,34 @@
 #include "codegen/keywords.h"
 #include "frontend/instruction_forms.h"
 #include "frontend/note_steps.h"
+#include "frontend/translation.h"
 #include "source/char_class.h"
 
 namespace korv {
 
+namespace {
+
+// The definition as it is written here, with the value as it would be here too.
+std::string Definition(const StatementView& statement, std::string_view name,
+                       std::string_view value) {
+    const std::string typed = std::string(statement.Typed(name)) + ": EQU " +
+                              std::string(statement.Typed(WithoutLeadingBlanks(value)));
+    const std::string line = Raised(typed);
+    return Translate(CutStatement(line, typed)).typed;
+}
+
+}  // namespace
+
 bool IsNameText(std::string_view text) {
     return !text.empty() && HasClass(text.front(), CC_NAME_START) &&
            std::ranges::all_of(text, [](char c) { return HasClass(c, CC_NAME); });
+}
+
+Advice Say(const StatementView& statement, std::string_view part, std::string note) {
+    Advice advice;
+    advice.place = statement.PartOf(part);
+    advice.note = std::move(note);
+    return advice;
 }
 
 Advice Replace(const StatementView& statement, std::string_view part, std::string text,
@@ -32,8 +53,8 @@ Advice AdviseOnPreprocessor(const StatementView& statement) {
         const std::string_view name = rest.substr(0, rest.find_first_of(" \t"));
         const std::string_view value = WithoutLeadingBlanks(rest.substr(name.size()));
         if (IsNameText(name) && !value.empty()) {
-            Advice advice = Replace(statement, statement.line,
-                                    std::string(name) + ": EQU " + std::string(value), "");
+            Advice advice =
+                Replace(statement, statement.line, Definition(statement, name, value), "");
             advice.place = statement.PartOf(word);
             advice.note = "write " + advice.edits[0].text + " from column 1 on";
             advice.definesName = true;
@@ -56,9 +77,8 @@ Advice AdviseOnNameSecond(const StatementView& statement) {
         const std::size_t start = text.find_first_not_of(" \t=,", name.size());
         if (IsNameText(name) && start != std::string_view::npos && name.size() < text.size() &&
             name.size() > 0 && ClassOf(name).kind == KIND_VALUE) {
-            Advice advice =
-                Replace(statement, statement.line,
-                        std::string(name) + ": EQU " + std::string(text.substr(start)), "");
+            Advice advice = Replace(statement, statement.line,
+                                    Definition(statement, name, text.substr(start)), "");
             advice.place = statement.PartOf(first);
             advice.note = "write " + advice.edits[0].text + " from column 1 on";
             advice.definesName = true;
@@ -85,6 +105,13 @@ Advice AdviseOnDefinition(const StatementView& statement) {
         sign = value.substr(0, value.find_first_of(" \t"));
         value = WithoutLeadingBlanks(value.substr(sign.size()));
     }
+    if (const std::size_t at = word.find('='); statement.label.empty() && value.empty() &&
+                                               at != std::string_view::npos && at > 0 &&
+                                               at + 1 < word.size()) {  // "HL=5"
+        name = word.substr(0, at);
+        sign = word.substr(at, 1);
+        value = word.substr(at + 1);
+    }
     const std::size_t start = sign.find_first_not_of(":=.");
     if (start != 0 && start != std::string_view::npos && sign.find('=') != std::string_view::npos) {
         value = statement.Span(sign.substr(start), value.empty() ? sign : value);  // "X =5"
@@ -95,11 +122,12 @@ Advice AdviseOnDefinition(const StatementView& statement) {
             "LD " + std::string(statement.Typed(name)) + "," + std::string(statement.Typed(value));
         const std::string changed = " " + Raised(fix);
         if (HasForm(CutStatement(changed))) {
-            return Replace(statement, statement.Span(word, statement.rest), fix, "write " + fix);
+            const std::string_view last = statement.rest.empty() ? word : statement.rest;
+            return Replace(statement, statement.Span(word, last), fix, "write " + fix);
         }
     }
-    const bool isSign = HoldsWord(
-        "= := == EQU DEFL SET ASET VAR CONST EQUS EQ .EQU .SET .DEFL DEFINE DEFC IS", sign);
+    const bool isSign =
+        HoldsWord("= := == EQU DEFL SET ASET VAR CONST EQUS EQ .EQU .SET .DEFL DEFINE DEFC", sign);
     if (!isSign || !IsNameText(name) || WithoutLeadingBlanks(value).empty()) {
         return {};
     }
@@ -108,7 +136,7 @@ Advice AdviseOnDefinition(const StatementView& statement) {
     }
     value = WithoutLeadingBlanks(value);
     Advice advice;
-    advice.edits = {{statement.PartOf(line), std::string(name) + ": EQU " + std::string(value)}};
+    advice.edits = {{statement.PartOf(line), Definition(statement, name, value)}};
     advice.place = statement.PartOf(sign);
     advice.note =
         "write " + advice.edits[0].text + (statement.label.empty() ? " from column 1 on" : "");

@@ -6,6 +6,7 @@
 #include "frontend/expression_fault.h"
 #include "frontend/instruction_forms.h"
 #include "frontend/note_rows.h"
+#include "frontend/note_steps.h"
 #include "frontend/operand_case.h"
 #include "source/char_class.h"
 
@@ -84,11 +85,49 @@ bool AdviseOnDots(OperandCase* it, const Token& token) {
         part = it->statement.Span(before->text, token.text);
     }
     std::string name(part.substr(isGlued ? 0 : 1));
+    if (name.find_first_not_of("0123456789.") == std::string::npos) {
+        it->PointAt(part);
+        it->advice.note = "use whole numbers: there are no fractions";
+        return true;
+    }
     std::ranges::replace(name, '.', '_');
     it->PointAt(part);
     it->Replace(part, name);
     it->advice.note = "write " + name + " here and in the definition: a name has no dots";
     return true;
+}
+
+// The token with which a comment without its semicolon begins: an unknown name, or two signs before
+// it, after a statement that is complete. Null for none.
+const Token* FindProse(const OperandCase& it) {
+    for (const OperandView& operand : it.statement.operands) {
+        const std::vector<Token>& tokens = operand.tokens;
+        for (std::size_t i = 0; i < tokens.size(); ++i) {
+            const bool isDashed = i > 1 && tokens[i - 1].code == OP_MINUS &&
+                                  tokens[i - 2].code == OP_MINUS &&
+                                  tokens[i - 2].text.data() + 1 == tokens[i - 1].text.data();
+            const bool isAfterValue =
+                i > 0 && (tokens[i - 1].IsValue() || tokens[i - 1].code == OP_CLOSE);
+            const bool isFirst = i == 0 && tokens.size() > 1 && tokens[1].IsValue();
+            if (tokens[i].kind != TokenKind::name || it.IsDefined(tokens[i].text) ||
+                (!isDashed && !isAfterValue && !isFirst)) {
+                continue;
+            }
+            const Token& start = tokens[isDashed ? i - 2 : i];
+            const StatementView rest =
+                CutStatement(it.statement.line.substr(0, it.statement.PartOf(start.text).offset));
+            const bool isWhole = std::ranges::all_of(rest.operands, [&it](const auto& each) {
+                return FindExpressionFault(each).fault == ExpressionFault::none &&
+                       std::ranges::all_of(each.tokens, [&it](const Token& token) {
+                           return token.kind != TokenKind::name || it.IsDefined(token.text);
+                       });
+            });
+            if (isWhole && HasForm(rest)) {
+                return &start;
+            }
+        }
+    }
+    return nullptr;
 }
 
 // Two values without anything between them: a comma, an operator or a semicolon is missing.
@@ -113,11 +152,20 @@ void AdviseOnTwoValues(OperandCase* it, const Token& token) {
     if (AdviseOnGluedOperator(it, token)) {
         return;
     }
-    if (!comma.empty() && (isName || isKnown) && HasFormWith(it->statement, comma)) {
+    const bool isUnknown = before.kind == TokenKind::name && !it->IsDefined(before.text);
+    const std::string joined = std::string(before.text) + "_" + std::string(token.text);
+    if (isUnknown && it->IsDefined(joined)) {
+        it->PointAt(it->statement.Span(before.text, token.text));
+        it->Replace(it->statement.Span(before.text, token.text), joined);
+        it->advice.note = "did you mean " + joined + "?";
+        return;
+    }
+    if (!comma.empty() && (isName || isKnown) && !isUnknown && HasFormWith(it->statement, comma)) {
         it->advice.edits = comma;
         it->advice.note = "add the comma: " + WriteNote(it->statement, comma).substr(6);
+    } else if (AdviseOnProse(it)) {
+        return;
     } else if (!isKnown || before.code == OP_CLOSE) {
-        it->Insert(token.text, "; ");
         it->advice.note = "begin the comment with a semicolon, or add the operator that is missing";
     } else {
         const bool isRegister =
@@ -148,6 +196,11 @@ void AdviseOnBracket(OperandCase* it, const Token& token, bool isOpened) {
         const bool isMissing =
             HasFormWith(it->statement, open) && operand.text.back() == ')' && count(OP_OPEN) == 0;
         const std::string_view last = operand.text.substr(operand.text.size() - 1);
+        if (isMissing && operand.tokens.size() > 2) {  // "1+2)", where either may be meant
+            it->PointAt(last);
+            it->advice.note = "remove the bracket, or open it at the start of the operand";
+            return;
+        }
         it->PointAt(isMissing ? operand.text : operand.text.back() == ')' ? last : token.text);
         it->advice.edits = isMissing ? open : std::vector<TextEdit>{{*it->advice.place, ""}};
         it->advice.note = isMissing ? "open the bracket" : "remove the bracket: it was not opened";
@@ -175,6 +228,11 @@ void AdviseOnNoLeft(OperandCase* it, const Token& token) {
     const bool isPrefix = token.text == "&" && next < it->operand->tokens.size();
     const std::string number =
         isPrefix ? NumberSpelling("0X" + std::string(it->operand->tokens[next].text)) : "";
+    if (number.empty() && isPrefix && it->IsDefined(it->operand->tokens[next].text)) {
+        it->Replace(token.text, "");  // an address in C
+        it->advice.note = WriteNote(it->statement, it->advice.edits);
+        return;
+    }
     if (number.empty()) {
         it->advice.note = "add a value before " + std::string(token.text);
         return;
@@ -184,7 +242,43 @@ void AdviseOnNoLeft(OperandCase* it, const Token& token) {
     it->Replace(part, number);
 }
 
+// Proposes the second quote of a string: before the numbers that follow a comma, else at its end.
+void CloseString(OperandCase* it, std::string_view text) {
+    std::size_t end = text.size();
+    for (std::size_t comma; (comma = text.substr(0, end).rfind(',')) != std::string_view::npos;) {
+        const std::vector<Token> tokens = CutTokens(text.substr(comma + 1, end - comma - 1));
+        if (tokens.size() != 1 || tokens[0].kind != TokenKind::number) {
+            break;
+        }
+        end = comma;
+    }
+    if (end < 2) {
+        return;
+    }
+    const bool isSingle = end > 2 && text[end - 1] == '\'';  // "text'
+    it->Replace(isSingle ? text.substr(end - 1, 1) : text.substr(end, 0), "\"");
+}
+
 }  // namespace
+
+bool AdviseOnProse(OperandCase* it) {
+    const Token* const start = FindProse(*it);
+    if (start == nullptr) {
+        return false;
+    }
+    it->PointAt(start->text);
+    it->Insert(start->text, "; ");
+    it->advice.note = "begin the comment with a semicolon";
+    const bool isAfterValue = start->kind == TokenKind::name &&
+                              std::ranges::none_of(it->statement.operands, [&](const auto& each) {
+                                  return each.text.data() == start->text.data();
+                              });
+    if (isAfterValue) {
+        it->advice.note +=
+            ", or add what is missing before " + std::string(it->statement.Typed(start->text));
+    }
+    return true;
+}
 
 // An expression that is no expression.
 bool AdviseOnExpression(OperandCase* it) {
@@ -228,25 +322,29 @@ bool AdviseOnExpression(OperandCase* it) {
             note = "put one character between the quotes";
             break;
         case ExpressionFault::openString:
-            if (text.size() > 2 && text.ends_with('\'')) {
-                it->Replace(token->text.substr(text.size() - 1), "\"");
-            } else if (text.size() > 1) {
-                it->Replace(it->statement.line.substr(it->statement.line.size()), "\"");
-            }
+            CloseString(it, token->text);
             note = "close the string with a double quote";
             break;
         case ExpressionFault::emptyNumber:
+            if (token->kind == TokenKind::registerName && !it->IsDefined(token->text)) {
+                note = "add with ADD, INC, SUB or DEC: " + text +
+                       " is a register, and expressions have none";
+                break;
+            }
             note = token->text == "B" || token->text == "H" || token->text == "O"
                        ? "choose another name: " + text + " alone reads as a number without digits"
                        : "add the digits after " + text;
             break;
         case ExpressionFault::largeNumber:
-            note = "use at most 65535; a larger value has to be computed, as in 35000*2";
+            note = largeNumberNote;
             break;
         case ExpressionFault::badToken:
             if (text.ends_with('"') && std::ranges::count(text, '"') == 1) {
                 it->Insert(token->text, "\"");
                 note = "open the string with a double quote";
+            } else if (IsNameText(text.substr(0, text.size() - 1)) && text.ends_with('.')) {
+                it->Replace(token->text.substr(text.size() - 1), "");
+                note = WriteNote(it->statement, it->advice.edits);
             } else if (!AdviseOnDots(it, *token)) {
                 note = "use numbers, names, strings in double quotes and operators";
             }

@@ -77,7 +77,8 @@ void MessageMaker::Finish() {
             if (message.code != "open-if" || !adviser.TakeRefusedEnd()) {
                 AddMessage(std::move(message), analysis);
             }
-        } else if (message.warning != Warning::condition ||
+        } else if ((message.warning != Warning::condition &&
+                    message.warning != Warning::lateLocation) ||
                    !refusedLines.contains({message.place.file, message.place.line})) {
             AddWarning(*warnings, std::move(message), analysis);
         }
@@ -134,6 +135,8 @@ void MessageMaker::Make(const Report& report) {
                           .statement = statement,
                           .part = {report.place.offset, report.place.length},
                           .text = report.text,
+                          .file = report.place.file,
+                          .line = report.place.line,
                           .statementId = id,
                           .isSkipped = report.isSkipped,
                           .reason = report.reason};
@@ -229,11 +232,24 @@ std::optional<KnownName> MessageMaker::FindName(std::string_view name) const {
         const Opening& opening =
             analysis->openings[static_cast<std::size_t>(OpeningOf(record->file))];
         known.where = analysis->LineName({opening.file, record->line});
+        known.isHere = &TextOf(OpeningOf(record->file)) == &TextOf(OpeningOf(viewedPlace.file)) &&
+                       record->line == viewedPlace.line;
         if (!known.hasValue && (record->flags & IDF_EQU) != 0) {
             known.waitingLine = LogicalLineAt(TextOf(OpeningOf(record->file)), record->line).text;
         }
     }
     return known;
+}
+
+std::int32_t MessageMaker::FindLine(std::string_view text, std::size_t column) const {
+    const StoredText& stored = TextOf(OpeningOf(viewedPlace.file));
+    std::int32_t line = viewedPlace.line;
+    for (; line <= stored.LineCount(); ++line, column = 0) {
+        if (stored.Line(line).find(text, column) != std::string_view::npos) {
+            return line;
+        }
+    }
+    return 0;
 }
 
 bool MessageMaker::HasFile(std::string_view name) const {

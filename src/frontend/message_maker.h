@@ -86,6 +86,7 @@ class MessageMaker : private RunFacts {
   private:
     std::optional<KnownName> FindName(std::string_view name) const override;
     bool HasFile(std::string_view name) const override;
+    std::int32_t FindLine(std::string_view text, std::size_t column) const override;
     std::string SearchedDirectories() const override;
     std::vector<std::string_view> DefinedNames() const override;
 

@@ -76,6 +76,43 @@ bool AdviseOnGluedOperator(OperandCase* it, const Token& token) {
     return false;
 }
 
+// "JR NZLOOP": a condition without its comma.
+bool AdviseOnGluedCondition(OperandCase* it, const Token& token) {
+    if (!HoldsWord("JP JR CALL", it->statement.mnemonic) || it->statement.operands.size() != 1) {
+        return false;
+    }
+    for (const std::size_t size : {std::size_t{2}, std::size_t{1}}) {
+        const std::string_view text = token.text;
+        const std::vector<TextEdit> edits = {
+            {it->statement.PartOf(text.substr(std::min(size, text.size()), 0)), ","}};
+        if (text.size() > size + 1 && ClassOf(text.substr(0, size)).condition >= 0 &&
+            it->IsDefined(text.substr(size)) && HasFormWith(it->statement, edits)) {
+            it->advice.edits = edits;
+            it->advice.note = "add the comma: " + WriteNote(it->statement, edits).substr(6);
+            return true;
+        }
+    }
+    return false;
+}
+
+// A name that is defined, with 1 for L or 0 for O, or the other way round.
+std::string NameThatLooksLike(const OperandCase& it, const std::string& name) {
+    constexpr std::string_view signs = "L1O0";
+    std::string other = name;
+    for (char& c : other) {
+        const std::size_t at = signs.find(c);
+        if (at == std::string_view::npos) {
+            continue;
+        }
+        c = signs[at ^ 1U];
+        if (it.IsDefined(other)) {
+            return other;
+        }
+        c = signs[at];
+    }
+    return "";
+}
+
 // A name that has no value.
 void AdviseOnUnknownName(OperandCase* it) {
     const std::string_view text = it->fault.text;
@@ -105,6 +142,15 @@ void AdviseOnUnknownName(OperandCase* it) {
         const bool isSum = std::ranges::any_of(it->operand->tokens, [](const Token& each) {
             return each.code == OP_PLUS || each.code == OP_MINUS;
         });
+        const std::string_view sum = it->operand->text;
+        const std::vector<TextEdit> memory = {
+            {it->statement.PartOf(sum), "(" + std::string(it->statement.Typed(sum)) + ")"}};
+        if (isSum && sum.starts_with('I') && HasFormWith(it->statement, memory)) {  // "IX+5"
+            it->PointAt(sum);
+            it->advice.edits = memory;
+            note = WriteNote(it->statement, memory);
+            return;
+        }
         note = (isSum ? "add with ADD, INC, SUB or DEC: " : "use a number or a name: ") + name +
                " is a register or condition, and expressions have none";
         return;
@@ -117,7 +163,7 @@ void AdviseOnUnknownName(OperandCase* it) {
         note = "name the label: there are no anonymous labels";
         return;
     }
-    if (AdviseOnCircle(it, name) || AdviseOnGluedOperator(it, *token)) {
+    if (AdviseOnCircle(it, name) || AdviseOnGluedOperator(it, *token) || AdviseOnProse(it)) {
         return;
     }
     if (const auto known = it->adviser.Facts().FindName(token->text); known && known->hasValue) {
@@ -125,8 +171,15 @@ void AdviseOnUnknownName(OperandCase* it) {
                " needs its value at once";
         return;
     }
-    if (const std::string_view near = it->adviser.NearestName(token->text); !near.empty()) {
-        it->Replace(token->text, std::string(near));
+    if (AdviseOnGluedCondition(it, *token)) {
+        return;
+    }
+    std::string near = NameThatLooksLike(*it, name);
+    if (near.empty()) {
+        near = it->adviser.NearestName(token->text);
+    }
+    if (!near.empty()) {
+        it->Replace(token->text, near);
         note = "did you mean " + std::string(near) + "?";
         return;
     }
@@ -137,6 +190,9 @@ void AdviseOnUnknownName(OperandCase* it) {
     if (std::string digits = name; name.front() == 'O' || name.front() == 'L') {
         digits.front() = name.front() == 'O' ? '0' : '1';
         std::ranges::replace(digits, 'O', '0');
+        if (const std::string spelled = NumberSpelling(digits); digits.starts_with("0X")) {
+            digits = spelled;
+        }
         const std::vector<Token> tokens = CutTokens(digits);
         if (tokens.size() == 1 && tokens[0].kind == TokenKind::number) {
             it->Replace(token->text, digits);

@@ -3,8 +3,11 @@
 #include <algorithm>
 #include <array>
 
+#include "codegen/keywords.h"
 #include "frontend/instruction_forms.h"
 #include "frontend/note_table.h"
+#include "frontend/translation.h"
+#include "frontend/word_table.h"
 #include "source/char_class.h"
 
 namespace korv {
@@ -185,31 +188,13 @@ bool Matches(std::string_view text, std::string_view pattern) {
     }
 }
 
+// The letter in a term of each kind of token, in the order of `TokenKind`; a blank for none.
+constexpr std::string_view kindLetters = "rcnlesuid   x";
+static_assert(kindLetters[static_cast<std::size_t>(TokenKind::other)] == 'x');
+
 bool IsOfKind(const Token& token, char letter) {
-    switch (letter) {
-        case 'n':
-            return token.kind == TokenKind::number;
-        case 'l':
-            return token.kind == TokenKind::largeNumber;
-        case 'e':
-            return token.kind == TokenKind::emptyNumber;
-        case 's':
-            return token.kind == TokenKind::string;
-        case 'u':
-            return token.kind == TokenKind::openString;
-        case 'i':
-            return token.kind == TokenKind::name;
-        case 'd':
-            return token.kind == TokenKind::digitName;
-        case 'r':
-            return token.kind == TokenKind::registerName;
-        case 'c':
-            return token.kind == TokenKind::condition;
-        case 'x':
-            return token.kind == TokenKind::other;
-        default:
-            return token.IsValue();
-    }
+    return letter == 'v' ? token.IsValue()
+                         : kindLetters[static_cast<std::size_t>(token.kind)] == letter;
 }
 
 bool FitsTerm(const Token& token, std::string_view term) {
@@ -269,7 +254,22 @@ std::string FirstWord(std::string_view text) {
 bool IsForm(std::string_view text) {
     const std::string line = " " + Raised(text);
     const StatementView statement = CutStatement(line);
-    return statement.mnemonic != "LD" || HasForm(statement);
+    return (HoldsWord("DB DW DS IF ORG INCLUDE BINCLUDE", statement.mnemonic) &&
+            !statement.operands.empty()) ||
+           HasForm(statement);
+}
+
+// What the rows say of a statement that is to be proposed but has no form.
+std::optional<RowAdvice> AdviceOnRest(std::string_view text) {
+    const std::string typed = " " + std::string(text);
+    const std::string line = Raised(typed);
+    const StatementView statement = CutStatement(line, typed);
+    const Keyword* const keyword = statement.keyword;
+    const auto count = static_cast<std::int32_t>(statement.operands.size());
+    return keyword == nullptr                 ? std::nullopt
+           : count > keyword->operands.most   ? OperandAdvice(statement, MSG_TOO_MANY_ARGUMENTS)
+           : count < keyword->operands.fewest ? OperandAdvice(statement, MSG_ARGUMENT_EXPECTED)
+                                              : OperandAdvice(statement, MSG_ILLEGAL_ARGUMENT);
 }
 
 }  // namespace
@@ -291,27 +291,25 @@ std::optional<RowAdvice> WordAdvice(const StatementView& statement) {
     std::string_view word = statement.mnemonic;
     const bool isMarked =
         word.size() > 1 && std::string_view(".#!").find(word[0]) != std::string_view::npos;
-    // With the marks away, and the operands as they are written here.
-    std::vector<TextEdit> edits;
-    for (const OperandView& operand : statement.operands) {
-        const Foreign found = FindForeign(statement, operand);
-        if (found.part.data() != nullptr && !found.fix.empty()) {
-            edits.push_back({statement.PartOf(found.part), found.fix});
-        }
-    }
-    const std::string typed = Applied(statement.typed, edits);
-    const std::string line = Raised(typed);
-    StatementView changed = CutStatement(line, typed);
+    const Translation translation = Translate(statement);
+    StatementView changed = translation.View();
     const auto count = static_cast<int>(changed.operands.size());
     const auto advice = [&](std::string_view note, std::string_view fix) {
         RowAdvice found = AdviceOf(note, fix, changed, TextsOf(changed));
         if (!found.edits.empty() && !IsForm(found.edits[0].text)) {
-            return RowAdvice{
-                "use " + FirstWord(found.edits[0].text) + " with operands of the Z80", {}, {}};
+            const std::string start = "use " + FirstWord(found.edits[0].text);
+            const auto rest = AdviceOnRest(found.edits[0].text);
+            if (!rest || rest->edits.empty()) {
+                return RowAdvice{
+                    start + (rest ? ": " + rest->note : " with operands of the Z80"), {}, {}};
+            }
+            found.note = "write " + InOneLine(rest->edits[0].text);
+            found.edits[0].text = rest->edits[0].text;
         }
         if (!found.edits.empty()) {  // which does not begin in column 1 as a label does
             const bool isFirst = statement.PartOf(statement.mnemonic).offset == 0;
-            found.edits = {NewStatement(statement, (isFirst ? " " : "") + found.edits[0].text)};
+            found.edits = {
+                translation.Whole(statement, (isFirst ? " " : "") + found.edits[0].text)};
         }
         return found;
     };
@@ -322,6 +320,9 @@ std::optional<RowAdvice> WordAdvice(const StatementView& statement) {
         word.remove_prefix(strips ? 1 : 0);
         const bool isImmediate = count == 1 && changed.rest.starts_with('#');
         const std::string marked = std::string(word) + "#";  // of a 6502
+        if (strips && HoldsWord("MACRO PROC ENDP ENDM", word)) {
+            return RowAdvice{std::string(macroNote), {}, {}};
+        }
         if (strips && FindKeyword(word) != nullptr) {
             changed.mnemonic.remove_prefix(1);
             return advice("", changed.rest.empty() ? "%w" : word == "INCLUDE" ? "%w %n1" : "%w %r");

@@ -12,6 +12,9 @@
 
 namespace korv {
 
+inline constexpr std::string_view macroNote =
+    "write the lines out, or INCLUDE them from a file: there are no macros or procedures";
+
 struct RowAdvice {
     std::string note;
     std::vector<TextEdit> edits;

@@ -6,7 +6,7 @@
 namespace korv {
 
 /// A mnemonic that is not in the vocabulary.
-[[nodiscard]] Advice AdviseOnWord(const FaultView& fault);
+[[nodiscard]] Advice AdviseOnWord(Adviser& adviser, const FaultView& fault);
 
 /// Operands that do not fit, or have no value.
 [[nodiscard]] Advice AdviseOnOperands(Adviser& adviser, const FaultView& fault);
@@ -30,8 +30,20 @@ inline constexpr std::string_view numberedLabelNote =
 /// "#define X 5", and what `AdviseOnNameSecond` gives.
 [[nodiscard]] Advice AdviseOnPreprocessor(const StatementView& statement);
 
+/// A name with characters that no name has, at the start of the line; empty advice for none.
+[[nodiscard]] Advice AdviseOnOddName(Adviser& adviser, const StatementView& statement);
+
+/// A label that is not in column 1, or has its colon elsewhere; empty advice for none.
+[[nodiscard]] Advice AdviseOnLabelPlace(const StatementView& statement);
+
+/// Whether `text` has a byte that is not ASCII.
+[[nodiscard]] bool HasOddByte(std::string_view text);
+
 /// Whether `text` can be a name.
 [[nodiscard]] bool IsNameText(std::string_view text);
+
+/// Advice at `part` without a change.
+[[nodiscard]] Advice Say(const StatementView& statement, std::string_view part, std::string note);
 
 /// Advice at `part`, which is to become `text`.
 [[nodiscard]] Advice Replace(const StatementView& statement, std::string_view part,

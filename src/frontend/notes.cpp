@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 #include "codegen/keywords.h"
 #include "frontend/expression_fault.h"
@@ -52,7 +53,8 @@ constexpr std::string_view blockEnds =
     "ENDSTRUC ENDPROC";
 
 // Directives whose operands are names that other files would define.
-constexpr std::string_view importDirectives = "EXTRN EXTERN EXTERNAL EXT XREF GLOBAL GLOBL XLIB";
+constexpr std::string_view importDirectives =
+    "EXTRN EXTERN EXTERNAL EXT XREF GLOBAL GLOBL XLIB IMPORT";
 
 // Without the marks that other assemblers put before directives.
 std::string_view Plain(std::string_view word) {
@@ -64,15 +66,21 @@ bool IsCondition(std::string_view word) {
     return Plain(word).starts_with("IF") || word == "COND";
 }
 
-// Whether the statement was to end a condition: as it is, or by the change that is proposed.
-bool EndsCondition(const FaultView& fault, const Advice& advice) {
+// The word that ends what the statement begins, where the lines in between mean nothing here.
+std::string_view EndOfBlock(const StatementView& statement) {
+    const std::string_view word = Plain(statement.mnemonic);
+    return HoldsWord("MACRO MAC", word) ? "endm" : HoldsWord("STRUCT STRUC", word) ? "ends" : "";
+}
+
+// The mnemonic that was meant: of the statement with the changes that are proposed, or of an
+// instruction that begins in column 1.
+std::string MeantMnemonic(const FaultView& fault, const Advice& advice) {
     const StatementView& statement = fault.statement;
-    static constexpr std::string_view ends = "ENDIF ENDC";
-    const bool isProposed = std::ranges::any_of(advice.edits, [](const TextEdit& edit) {
-        return HoldsWord(ends, WithoutLeadingBlanks(Raised(edit.text)));
-    });
-    return isProposed || HoldsWord(ends, statement.mnemonic) ||
-           (fault.number == MSG_RESERVED_NAME && HoldsWord(ends, statement.label));
+    std::string line = Raised(Applied(statement.line, advice.edits));
+    if (advice.edits.empty() && !statement.hasColon && FindKeyword(statement.label) != nullptr) {
+        line.insert(0, " ");
+    }
+    return std::string(CutStatement(line.substr(0, line.find('\n'))).mnemonic);
 }
 
 }  // namespace
@@ -85,18 +93,26 @@ bool Adviser::TakeRefusedEnd() {
     return true;
 }
 
-// A comment of several lines, as other assemblers have it.
-void Adviser::RememberComment(const StatementView& statement) {
-    const std::string_view line = WithoutLeadingBlanks(statement.line);
-    if (line.starts_with("/*")) {
-        commentEnd = "*/";
+// A comment of several lines, as other assemblers have it. One that nothing ends is of one line.
+void Adviser::RememberComment(const FaultView& fault, Advice* advice) {
+    const StatementView& statement = fault.statement;
+    const LinePart place = advice->place.value_or(LinePart{});
+    std::string_view end;
+    std::size_t start = 0;
+    if (statement.line.substr(place.offset, 2) == "/*") {
+        end = "*/";
+        start = place.offset + 2;
     } else if (Plain(statement.mnemonic) == "COMMENT" && !statement.rest.empty()) {
-        commentEnd = statement.rest.substr(0, 1);
+        end = statement.rest.substr(0, 1);
+        start = statement.PartOf(end).offset + 1;
     }
-    const std::string_view after =
-        line.substr(std::min(line.size(), line.find(commentEnd) + commentEnd.size()));
-    if (after.find(commentEnd) != std::string_view::npos) {
-        commentEnd.clear();
+    const std::int32_t last = end.empty() ? 0 : facts.FindLine(end, start);
+    if (last > fault.line) {
+        SkipTo(last, fault);
+        advice->note = "begin each line of the comment with a semicolon";
+        advice->edits.clear();
+    } else if (last == 0 && end == "*/") {
+        advice->note += ": nothing closes it";
     }
 }
 
@@ -107,10 +123,19 @@ std::string_view Adviser::NearestName(std::string_view name) {
     return names->Find(name);
 }
 
+std::string Adviser::UnusedName(const std::string& name) {
+    std::string unused = name;
+    for (int number = 1; FindKeyword(Raised(unused)) != nullptr || facts.FindName(Raised(unused)) ||
+                         !proposedNames.insert(Raised(unused)).second;) {
+        unused = name + std::to_string(++number);
+    }
+    return unused;
+}
+
 Advice Adviser::AdviceFor(const FaultView& fault) {
     Advice advice;
     if (fault.number == MSG_UNKNOWN_INSTRUCTION) {
-        advice = AdviseOnWord(fault);
+        advice = AdviseOnWord(*this, fault);
     } else if (IsAboutOperands(fault.number) || IsAboutExpression(fault.number)) {
         advice = AdviseOnOperands(*this, fault);
     } else {
@@ -126,6 +151,9 @@ Advice Adviser::AdviceFor(const FaultView& fault) {
     }
     if (fault.isError) {
         advice.isFollowOn = IsFollowOn(fault, advice) || advice.isFollowOn;
+        if (!advice.isFollowOn) {
+            RememberComment(fault, &advice);
+        }
         Remember(fault, advice);
     } else {
         advice.isFollowOn = IsAboutValue(fault.number) && UsesRefusedName(fault);
@@ -135,10 +163,7 @@ Advice Adviser::AdviceFor(const FaultView& fault) {
 
 bool Adviser::IsFollowOn(const FaultView& fault, const Advice& advice) {
     const StatementView& statement = fault.statement;
-    if (!commentEnd.empty()) {
-        if (statement.line.find(commentEnd) != std::string_view::npos) {
-            commentEnd.clear();
-        }
+    if (fault.file == skippedFile && fault.line > skippedAfter && fault.line <= skippedTo) {
         return true;
     }
     const LinePart place = advice.place.value_or(fault.part);
@@ -168,6 +193,9 @@ bool Adviser::IsFollowOn(const FaultView& fault, const Advice& advice) {
     }
     if (fault.number == MSG_UNKNOWN_INSTRUCTION) {
         return refusedNames.contains(std::string(statement.mnemonic));
+    }
+    if (fault.number == MSG_REDEFINITION && advice.isRepeated) {
+        return std::exchange(hasRepeatedFile, true);
     }
     if (fault.number == MSG_UNRESOLVED && hasRefusedFile && advice.edits.empty()) {
         return true;
@@ -202,27 +230,32 @@ void Adviser::Remember(const FaultView& fault, const Advice& advice) {
     if (advice.isFollowOn) {
         return;
     }
-    if (isRefused && IsCondition(statement.mnemonic)) {
+    const std::string meant = MeantMnemonic(fault, advice);
+    if ((isRefused || fault.number == MSG_RESERVED_NAME) &&
+        (IsCondition(statement.mnemonic) || IsCondition(meant))) {
         ++refusedConditions;
         hasRefusedTest = hasRefusedTest || advice.edits.empty();
     }
-    if (EndsCondition(fault, advice)) {
+    if (HoldsWord("ENDIF ENDC", meant) && fault.number != MSG_NOT_IN_CONDITION &&
+        fault.number != MSG_LABEL_NOT_ALLOWED) {
         (refusedConditions > 0 ? refusedConditions : refusedEnds) += refusedConditions > 0 ? -1 : 1;
     }
-    if (fault.number == MSG_UNKNOWN_INSTRUCTION) {
-        RememberComment(statement);
-        if (HoldsWord(importDirectives, Plain(statement.mnemonic))) {
-            for (const OperandView& operand : statement.operands) {
+    const bool isImport = HoldsWord(importDirectives, Plain(statement.mnemonic));
+    if (fault.number == MSG_UNKNOWN_INSTRUCTION && (isImport || advice.edits.empty())) {
+        for (const OperandView& operand : statement.operands) {  // it may define them elsewhere
+            const auto known = facts.FindName(operand.text);
+            if (!known || !known->hasValue) {
                 refusedNames.emplace(operand.text);
             }
         }
     }
     hasRefusedFile =
         hasRefusedFile || (fault.number == MSG_CANNOT_OPEN && statement.mnemonic == "INCLUDE");
-    const bool isMacro = fault.number == MSG_NOT_IMPLEMENTED && statement.mnemonic == "MACRO";
     hasRefusedBlock = hasRefusedBlock || HoldsWord(blockStarts, Plain(statement.mnemonic));
-    const bool isDefinition = isMacro || fault.number == MSG_RESERVED_NAME ||
-                              fault.number == MSG_NO_LABEL ||
+    if (const std::string_view end = EndOfBlock(statement); !end.empty()) {
+        RememberBlock(fault, end);
+    }
+    const bool isDefinition = fault.number == MSG_RESERVED_NAME || fault.number == MSG_NO_LABEL ||
                               (fault.number == MSG_UNRESOLVED && advice.definesName) ||
                               (isRefused && (advice.definesName || statement.mnemonic == "EQU"));
     if (!isDefinition) {
@@ -232,9 +265,30 @@ void Adviser::Remember(const FaultView& fault, const Advice& advice) {
         refusedNames.emplace(statement.label);
     }
     refusedNames.insert(advice.names.begin(), advice.names.end());
-    if (isMacro && !statement.operands.empty()) {
-        refusedNames.emplace(statement.operands[0].text);
+}
+
+// Neither the name of a macro nor its parameters mean anything, and what is wrong in it may be
+// right where its lines are written out.
+void Adviser::RememberBlock(const FaultView& fault, std::string_view end) {
+    const StatementView& statement = fault.statement;
+    if (!statement.label.empty()) {
+        refusedNames.emplace(statement.label);
     }
+    for (const OperandView& operand : statement.operands) {
+        for (const Token& token : operand.tokens) {
+            refusedNames.emplace(token.text);
+        }
+    }
+    const std::int32_t last = std::max(facts.FindLine(end, 0), facts.FindLine(Raised(end), 0));
+    if (last > fault.line) {
+        SkipTo(last, fault);
+    }
+}
+
+void Adviser::SkipTo(std::int32_t line, const FaultView& fault) {
+    skippedFile = fault.file;
+    skippedAfter = fault.line;
+    skippedTo = line;
 }
 
 }  // namespace korv

@@ -24,6 +24,7 @@ struct KnownName {
     std::int32_t value = 0;
     bool isCommandLine = false;  ///< defined by -D
     std::string where;           ///< "file:line" of the definition; empty for none
+    bool isHere = false;         ///< that is the line of the statement in hand, read before
     std::string waitingLine;     ///< the cleaned line of an EQU that waits for a name; else empty
 };
 
@@ -36,6 +37,12 @@ class RunFacts {
     [[nodiscard]] virtual bool HasFile(std::string_view name) const = 0;
     /// The directories that are searched, for a note; empty where none is known.
     [[nodiscard]] virtual std::string SearchedDirectories() const { return ""; }
+    /// The line at or after that of the statement in hand, in its file, whose text has `text` after
+    /// column `column`, which is of the first line; 0 for none.
+    [[nodiscard]] virtual std::int32_t FindLine(std::string_view /*text*/,
+                                                std::size_t /*column*/) const {
+        return 0;
+    }
     /// All names with a value. Asked for once, at the first name that is unknown; the views have to
     /// outlive the `Adviser`.
     [[nodiscard]] virtual std::vector<std::string_view> DefinedNames() const = 0;
@@ -52,6 +59,8 @@ struct FaultView {
     const StatementView& statement;
     LinePart part;          ///< what the core was looking at; without length: the whole statement
     std::string_view text;  ///< the detail of the message, often the part itself; may be empty
+    std::int32_t file = 0;  ///< the core's number of the opening
+    std::int32_t line = 0;
     std::int32_t statementId = 0;  ///< the same for all messages of one statement of the run
     bool isSkipped = false;        ///< a condition keeps the statement from being assembled
     std::string_view reason = {};  ///< the system's, why a file cannot be read
@@ -64,6 +73,7 @@ struct Advice {
     std::optional<LinePart> place;      ///< more exact than that of the fault
     bool isFollowOn = false;            ///< an earlier message explains it: do not print it
     std::vector<std::string> explains;  ///< labels whose names are the cause
+    bool isRepeated = false;            ///< the file has been read before
     bool definesName = false;           ///< the line was to define its label, or these
     std::vector<std::string> names;
 };
@@ -79,6 +89,9 @@ class Adviser {
     /// The name with a value that is nearest to `name`, or empty.
     [[nodiscard]] std::string_view NearestName(std::string_view name);
 
+    /// `name` or, where that is taken, the name with a number after it; taken from now on.
+    [[nodiscard]] std::string UnusedName(const std::string& name);
+
     /// Whether an ENDIF was refused, which explains an IF that is open; each explains one.
     [[nodiscard]] bool TakeRefusedEnd();
 
@@ -88,15 +101,22 @@ class Adviser {
     [[nodiscard]] bool IsFollowOn(const FaultView& fault, const Advice& advice);
     [[nodiscard]] bool UsesRefusedName(const FaultView& fault) const;
     void Remember(const FaultView& fault, const Advice& advice);
-    void RememberComment(const StatementView& statement);
+    void RememberBlock(const FaultView& fault, std::string_view end);
+    // What is wrong after the line of `fault` up to `line` follows from it.
+    void SkipTo(std::int32_t line, const FaultView& fault);
+    void RememberComment(const FaultView& fault, Advice* advice);
 
     const RunFacts& facts;
-    std::unique_ptr<NearWords> names;              // made at the first question
+    std::unique_ptr<NearWords> names;  // made at the first question
+    std::unordered_set<std::string> proposedNames;
     std::unordered_set<std::string> refusedNames;  // whose definition was refused
     std::int32_t refusedConditions = 0;            // IFs that were refused and are still open
     std::int32_t refusedEnds = 0;                  // of conditions that are open
     bool hasRefusedTest = false;                   // a condition that has no spelling here
-    std::string commentEnd;                        // what ends a refused comment of several lines
+    std::int32_t skippedFile = 0;                  // of a refused macro or comment of several lines
+    std::int32_t skippedAfter = 0;                 // its first line
+    std::int32_t skippedTo = 0;                    // its last line
+    bool hasRepeatedFile = false;                  // a file that defines names is read twice
     bool hasRefusedFile = false;                   // an INCLUDE
     bool hasRefusedBlock = false;                  // such as a macro
     std::int32_t lastStatement = -1;               // with an error

@@ -54,11 +54,25 @@ struct OperandCase {
 [[nodiscard]] bool AdviseOnComma(OperandCase* it);
 /// Advises on another sign in place of a comma, as in "LD A:5".
 [[nodiscard]] bool AdviseOnSeparator(OperandCase* it);
+/// Advises on brackets around the values of a data directive.
+[[nodiscard]] bool AdviseOnListBrackets(OperandCase* it);
+/// Advises on a sign after a register.
+[[nodiscard]] bool AdviseOnLastSign(OperandCase* it);
+/// Advises on brackets with a comma in them.
+[[nodiscard]] bool AdviseOnSplitBrackets(OperandCase* it);
 /// Advises on an operand without text.
 [[nodiscard]] bool AdviseOnEmptyOperand(OperandCase* it);
 /// Advises on a second instruction in the line, with or without a sign before it.
 [[nodiscard]] bool AdviseOnSecondInstruction(OperandCase* it);
+/// Advises on what is written as in another assembler.
+[[nodiscard]] bool AdviseOnSpelling(OperandCase* it);
+/// Advises on words after the operands that were meant as a comment.
+[[nodiscard]] bool AdviseOnProse(OperandCase* it);
+/// Advises on a string in data whose first quote is missing.
+[[nodiscard]] bool AdviseOnUnopenedString(OperandCase* it);
 /// Advises on the name without a value.
 void AdviseOnUnknownName(OperandCase* it);
+/// Takes the first explanation of all that fits.
+void AdviseOnOperandCase(OperandCase* it);
 
 }  // namespace korv

@@ -27,15 +27,20 @@ bool Take(OperandCase* it, std::optional<RowAdvice> row) {
     return true;
 }
 
-// "X SET 5" and the like.
+// "X SET 5" and "EQU X,5".
 bool AdviseOnSet(OperandCase* it) {
-    const bool isSet = it->statement.mnemonic == "SET" && it->statement.operands.size() == 1 &&
-                       !it->statement.label.empty();
-    if (!isSet) {
+    const StatementView& statement = it->statement;
+    Advice advice;
+    if (statement.mnemonic == "SET" && statement.operands.size() == 1 && !statement.label.empty()) {
+        advice = AdviseOnDefinition(statement);
+    } else if (statement.mnemonic == "EQU" && statement.label.empty()) {
+        advice = AdviseOnNameSecond(statement);
+    }
+    if (!advice.place) {
         return false;
     }
-    it->advice = AdviseOnDefinition(it->statement);
-    return it->advice.place.has_value();
+    it->advice = std::move(advice);
+    return true;
 }
 
 // A half of an index register.
@@ -59,20 +64,6 @@ bool AdviseOnIndexHalf(OperandCase* it) {
         }
     }
     return false;
-}
-
-// What the rows say of the statement once it is changed by `edits`.
-bool AdviseOnChanged(OperandCase* it, const std::vector<TextEdit>& edits) {
-    const std::string typed = Applied(it->statement.typed, edits);
-    const std::string line = Raised(typed);
-    const StatementView changed = CutStatement(line, typed);
-    std::optional<RowAdvice> row = OperandAdvice(changed, it->fault.number);
-    if (!row || row->edits.empty()) {
-        return false;
-    }
-    it->advice.note = std::move(row->note);
-    it->advice.edits = {NewStatement(it->statement, std::move(row->edits[0].text))};
-    return true;
 }
 
 // A label with the name of a register or condition, where an address belongs.
@@ -101,50 +92,6 @@ bool AdviseOnLabelName(OperandCase* it) {
     return true;
 }
 
-// A spelling of another assembler.
-bool AdviseOnSpelling(OperandCase* it) {
-    std::vector<const OperandView*> candidates;
-    // An operand too many may be the end of a second instruction in the line.
-    if (it->operand != nullptr && it->fault.number != MSG_TOO_MANY_ARGUMENTS) {
-        candidates.push_back(it->operand);
-    } else {
-        for (const OperandView& each : it->statement.operands) {
-            candidates.push_back(&each);
-        }
-    }
-    for (const OperandView* const operand : candidates) {
-        if (operand == &it->statement.operands.back() && IsNumberedLabel(it->statement)) {
-            it->PointAt(operand->text);
-            it->advice.note = numberedLabelNote;
-            return true;
-        }
-        Foreign found = FindForeign(it->statement, *operand);
-        const bool isMemory = found.part.data() != nullptr && !found.fix.empty() &&
-                              it->fault.number == MSG_ILLEGAL_ARGUMENT &&
-                              it->statement.keyword != nullptr &&
-                              !HoldsWord(dataDirectives, it->statement.mnemonic);
-        if (isMemory &&
-            !HasFormWith(it->statement, {{it->statement.PartOf(found.part), found.fix}})) {
-            if (AdviseOnChanged(it, {{it->statement.PartOf(found.part), found.fix}})) {
-                return true;
-            }
-            continue;
-        }
-        if (found.part.data() != nullptr) {
-            it->PointAt(found.part);
-            it->advice.note = std::move(found.note);
-            if (!found.fix.empty()) {
-                it->Replace(found.part, std::move(found.fix));
-            }
-            return true;
-        }
-        if (Take(it, TokenAdvice(it->statement, *operand))) {
-            return true;
-        }
-    }
-    return false;
-}
-
 // A register or condition where a value belongs, in data and the like.
 bool AdviseOnRegister(OperandCase* it) {
     const OperandView* const operand = it->operand;
@@ -171,12 +118,11 @@ bool AdviseOnRegister(OperandCase* it) {
     return true;
 }
 
-// Whether the proposed change holds a name that nothing defines, or a register in a sum.
-bool ProposesUnknown(const OperandCase& it) {
-    const auto isProposed = [&it](const Token& token) {
-        const bool isName = token.kind == TokenKind::name || token.kind == TokenKind::registerName;
-        return isName && !it.adviser.Facts().FindName(token.text) &&
-               std::ranges::any_of(it.advice.edits, [&token](const TextEdit& edit) {
+// Whether the proposed change holds one of the tokens of an expression that `isIt`.
+template <typename IsIt>
+bool ProposesToken(const OperandCase& it, IsIt isIt) {
+    const auto isProposed = [&](const Token& token) {
+        return isIt(token) && std::ranges::any_of(it.advice.edits, [&token](const TextEdit& edit) {
                    const std::string text = Raised(edit.text);
                    const std::size_t at = text.find(token.text);
                    return at != std::string::npos && at > 0 && !HasClass(text[at - 1], CC_NAME);
@@ -185,6 +131,20 @@ bool ProposesUnknown(const OperandCase& it) {
     return std::ranges::any_of(it.statement.operands, [&isProposed](const OperandView& operand) {
         return operand.what.kind == KIND_VALUE && !operand.IsIndexed() &&
                std::ranges::any_of(operand.tokens, isProposed);
+    });
+}
+
+// A name that nothing defines.
+bool ProposesUnknown(const OperandCase& it) {
+    return ProposesToken(it, [&it](const Token& token) {
+        return token.kind == TokenKind::name && !it.adviser.Facts().FindName(token.text);
+    });
+}
+
+// A register in a sum.
+bool ProposesRegister(const OperandCase& it) {
+    return ProposesToken(it, [&it](const Token& token) {
+        return token.kind == TokenKind::registerName && !it.IsDefined(token.text);
     });
 }
 
@@ -254,6 +214,11 @@ bool AdviseOnShape(OperandCase* it) {
     if (!Take(it, OperandAdvice(it->statement, it->fault.number))) {
         return AdviseOnM(it);
     }
+    if (ProposesRegister(*it)) {
+        it->advice.edits.clear();
+        it->advice.note.clear();
+        return false;
+    }
     if (ProposesUnknown(*it)) {
         it->advice.edits.clear();
     }
@@ -272,10 +237,11 @@ void AdviseOnForms(OperandCase* it) {
         return;
     }
     const std::vector<std::string> choices = ChoicesAt(it->statement, faulty);
-    if (choices.empty() && faulty < it->statement.operands.size() &&
-        it->statement.keyword != nullptr) {
+    const Keyword* const keyword = it->statement.keyword;
+    const std::int32_t most = keyword == nullptr ? 0 : keyword->operands.most;
+    if (choices.empty() && keyword != nullptr && faulty < it->statement.operands.size() &&
+        std::cmp_greater(it->statement.operands.size(), most)) {
         const std::string text(it->statement.operands[faulty].text);
-        const std::int32_t most = it->statement.keyword->operands.most;
         it->advice.note = "remove " + text + ": " + std::string(it->statement.mnemonic) +
                           " takes " +
                           (most == 0   ? "no operand"
@@ -303,7 +269,8 @@ std::string Sentence(const Token& token, std::string_view end) {
     return std::string(token.text) + std::string(end);
 }
 
-// The first explanation that fits.
+}  // namespace
+
 void AdviseOnOperandCase(OperandCase* it) {
     const FaultView& fault = it->fault;
     const bool isCount =
@@ -327,8 +294,10 @@ void AdviseOnOperandCase(OperandCase* it) {
         return;
     }
     if (AdviseOnSet(it) || AdviseOnComma(it) || AdviseOnSecondInstruction(it) ||
+        AdviseOnLastSign(it) || AdviseOnListBrackets(it) || AdviseOnSplitBrackets(it) ||
         AdviseOnSeparator(it) || AdviseOnIndexHalf(it) || AdviseOnSpelling(it) ||
-        AdviseOnRegister(it)) {
+        AdviseOnUnopenedString(it) || AdviseOnRegister(it) ||
+        (fault.number == MSG_TOO_MANY_ARGUMENTS && AdviseOnProse(it))) {
         return;
     }
     const Keyword* const keyword = fault.statement.keyword;
@@ -361,19 +330,17 @@ void AdviseOnOperandCase(OperandCase* it) {
         return;
     }
     AdviseOnForms(it);
-    return;
 }
-
-}  // namespace
 
 Advice AdviseOnOperands(Adviser& adviser, const FaultView& fault) {
     OperandCase it{adviser, fault, fault.statement, FocusOf(fault)};
     AdviseOnOperandCase(&it);
+    const std::string note = Raised(it.advice.note);  // which has the names as they were typed
     for (const OperandView& operand : fault.statement.operands) {
         const Token* const token = operand.OnlyToken();
-        const bool isCause = token != nullptr &&
-                             (it.advice.note.find(Sentence(*token, " alone")) != npos ||
-                              it.advice.note.find("another name: " + Sentence(*token, "")) != npos);
+        const bool isCause =
+            token != nullptr && (note.find(Sentence(*token, " ALONE")) != npos ||
+                                 note.find("ANOTHER NAME: " + Sentence(*token, "")) != npos);
         if (isCause) {
             it.advice.explains.emplace_back(token->text);
         }

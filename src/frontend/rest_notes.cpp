@@ -14,20 +14,20 @@ namespace korv {
 namespace {
 
 // A keyword as a label: an instruction in column 1, or a name that is taken.
-Advice AdviseOnReservedName(const StatementView& statement) {
-    const std::string label(statement.label);
+Advice AdviseOnReservedName(Adviser& adviser, const StatementView& statement) {
+    const std::string_view label = statement.label;
     Advice advice;
     advice.place = statement.PartOf(statement.label);
     const bool isName =
         statement.hasColon || (statement.keyword != nullptr && statement.mnemonic == "EQU");
     if (isName) {
-        const std::string name = label + "1";
+        const std::string name = adviser.UnusedName(std::string(statement.Typed(label)) + "1");
         advice.edits = {{*advice.place, name}};
-        advice.note = "choose another name, such as " + name;
+        advice.note = "choose another name here and where it is used, such as " + name;
         return advice;
     }
     advice.edits = {{LinePart{0, 0}, " "}};
-    advice.note = "indent " + label + ": only labels begin in column 1";
+    advice.note = "indent " + std::string(label) + ": only labels begin in column 1";
     return advice;
 }
 
@@ -38,9 +38,10 @@ Advice AdviseOnFile(const RunFacts& facts, const FaultView& fault) {
     const std::string_view name = statement.Typed(statement.rest);
     Advice advice;
     advice.place = statement.PartOf(statement.rest);
-    const bool isWrapped =
-        name.size() > 2 && (name.front() == '"' || name.front() == '<' || name.front() == '\'');
-    const std::string inner(isWrapped ? name.substr(1, name.size() - 2) : name);
+    constexpr std::string_view signs = "\"<>'()[]= \t";  // around a name elsewhere
+    const std::size_t first = std::min(name.find_first_not_of(signs), name.size());
+    const std::string inner(name.substr(first, name.find_last_not_of(signs) + 1 - first));
+    const bool isWrapped = inner.size() < name.size();
     const bool isUnquoted = statement.mnemonic == "BINCLUDE" && name.starts_with('"');
     const std::string_view meant = isUnquoted ? std::string_view(inner) : name;
     if (!fault.reason.empty() && facts.HasFile(meant)) {
@@ -135,6 +136,9 @@ Advice AdviseOnRedefinition(const RunFacts& facts, const FaultView& fault) {
     const auto first = facts.FindName(statement.label);
     if (first && first->isCommandLine) {
         advice.note = "remove the line or the -D: the command line defines the name";
+    } else if (first && first->isHere) {
+        advice.note = "include the file once: this line has been read before";
+        advice.isRepeated = true;
     } else if (first && !first->where.empty()) {
         advice.note = "rename one of them: the first definition is " + first->where;
     }
@@ -210,7 +214,7 @@ Advice AdviseOnRest(Adviser& adviser, const FaultView& fault) {
     Advice advice;
     switch (fault.number) {
         case MSG_RESERVED_NAME:
-            return AdviseOnReservedName(statement);
+            return AdviseOnReservedName(adviser, statement);
         case MSG_NO_LABEL:
             if (advice = AdviseOnNameSecond(statement); advice.place) {
                 return advice;
@@ -241,9 +245,7 @@ Advice AdviseOnRest(Adviser& adviser, const FaultView& fault) {
             if (HoldsWord("DD DEFD", statement.mnemonic)) {
                 advice.note = "write two words with DW, the low one first";
             } else {
-                advice.note =
-                    "write the lines out, or INCLUDE them from a file: there are no macros or "
-                    "procedures";
+                advice.note = macroNote;
             }
             advice.place = statement.PartOf(statement.mnemonic);
             return advice;

@@ -57,32 +57,113 @@ bool AdviseOnSeparator(OperandCase* it) {
         return false;
     }
     const std::string_view text = operands[0].text;
-    const std::size_t at = text.find_first_of(":.=<-;");
+    const std::size_t at = text.find_first_of(":.=<-;/");
+    const std::size_t size = text.substr(std::min(at, text.size()), 2) == "->" ? 2 : 1;
     const bool isMissing = it->fault.number == MSG_ARGUMENT_EXPECTED;
-    if (at == std::string_view::npos || at == 0 || at + 1 == text.size() ||
-        (!isMissing && ClassOf(text.substr(0, at)).condition < 0)) {
+    if (at == std::string_view::npos || at == 0 || at + size >= text.size() ||
+        (!isMissing && ClassOf(text.substr(0, at)).kind == KIND_VALUE)) {
         return false;
     }
-    const std::vector<TextEdit> edits = {{it->statement.PartOf(text.substr(at, 1)), ","}};
+    const std::vector<TextEdit> edits = {{it->statement.PartOf(text.substr(at, size)), ","}};
     if (!HasFormWith(it->statement, edits)) {
         return false;
     }
-    it->PointAt(text.substr(at, 1));
+    it->PointAt(text.substr(at, size));
     it->advice.edits = edits;
     it->advice.note = WriteNote(it->statement, edits);
     return true;
 }
 
+// "DB (1,2,3)": brackets around a list of values.
+bool AdviseOnListBrackets(OperandCase* it) {
+    const auto& operands = it->statement.operands;
+    if (operands.size() < 2 || !HoldsWord(dataDirectives, it->statement.mnemonic)) {
+        return false;
+    }
+    const std::string_view first = operands.front().text;
+    const std::string_view last = operands.back().text;
+    const std::size_t kind = std::string_view("([{").find(first.substr(0, 1));
+    if (first.empty() || last.empty() || kind == std::string_view::npos) {
+        return false;
+    }
+    const char close = ")]}"[kind];
+    if (last.back() != close || first.find(close) != std::string_view::npos ||
+        last.find(first.front()) != std::string_view::npos) {
+        return false;
+    }
+    it->PointAt(first.substr(0, 1));
+    it->Replace(first.substr(0, 1), "");
+    it->Replace(last.substr(last.size() - 1), "");
+    it->advice.note = WriteNote(it->statement, it->advice.edits);
+    return true;
+}
+
+// "PUSH HL." and the like: a sign after the name of a register.
+bool AdviseOnLastSign(OperandCase* it) {
+    for (const OperandView& operand : it->statement.operands) {
+        const std::string_view text = operand.text;
+        const std::size_t size = text.find_last_not_of(".:;!") + 1;
+        if (size == 0 || size == text.size() || ClassOf(text.substr(0, size)).kind == KIND_VALUE) {
+            continue;
+        }
+        const std::vector<TextEdit> edits = {{it->statement.PartOf(text.substr(size)), ""}};
+        if (HasFormWith(it->statement, edits)) {
+            it->PointAt(text);
+            it->advice.edits = edits;
+            it->advice.note = WriteNote(it->statement, edits);
+            return true;
+        }
+    }
+    return false;
+}
+
+// "(IX+1,2)": a comma within brackets.
+bool AdviseOnSplitBrackets(OperandCase* it) {
+    const auto& operands = it->statement.operands;
+    const auto count = [](const OperandView& operand, std::int32_t code) {
+        return std::ranges::count(operand.tokens, code, &Token::code);
+    };
+    for (std::size_t i = 0; i + 1 < operands.size(); ++i) {
+        const std::string_view first = operands[i].text;
+        const std::string_view next = operands[i + 1].text;
+        if (first.starts_with('(') && count(operands[i], OP_CLOSE) == 0 && next.ends_with(')') &&
+            count(operands[i + 1], OP_OPEN) == 0) {
+            it->PointAt(it->statement.Span(first, next));
+            it->advice.note = "write one value between the brackets";
+            return true;
+        }
+    }
+    return false;
+}
+
 // A second instruction in the line, with or without a sign before it.
 bool AdviseOnSecondInstruction(OperandCase* it) {
-    for (const OperandView& operand : it->statement.operands) {
-        for (std::size_t i = 1; i < operand.tokens.size(); ++i) {
+    const auto& operands = it->statement.operands;
+    for (std::size_t i = 1; i < operands.size(); ++i) {  // "PUSH HL, POP DE"
+        const std::string_view before = operands[i - 1].text;
+        const bool isKeyword = operands[i].tokens.size() > 1 && operands[i].tokens[1].IsValue() &&
+                               FindKeyword(operands[i].tokens[0].text) != nullptr;
+        const std::size_t end = it->statement.PartOf(before).offset + before.size();
+        if (isKeyword && HasForm(CutStatement(it->statement.line.substr(0, end)))) {
+            const std::string_view word = operands[i].tokens[0].text;
+            it->PointAt(word);
+            const auto start = static_cast<std::uint32_t>(end);
+            it->advice.edits = {{{start, it->statement.PartOf(word).offset - start}, "\n\t"}};
+            it->advice.note = "write one instruction in a line";
+            return true;
+        }
+    }
+    for (const OperandView& operand : operands) {
+        const Keyword* const keyword = it->statement.keyword;
+        const bool isAlone = keyword != nullptr && keyword->operands.most == 0 &&  // "EXX RET"
+                             keyword->group == KeywordGroup::instruction;
+        for (std::size_t i = isAlone ? 0 : 1; i < operand.tokens.size(); ++i) {
             const Token& token = operand.tokens[i];
-            const Token& before = operand.tokens[i - 1];
+            const Token& before = operand.tokens[i == 0 ? 0 : i - 1];
             const bool isSign = HoldsWord("| : \\ !", before.text) && i > 1;
             if (token.kind == TokenKind::name && FindKeyword(token.text) != nullptr &&
-                !it->IsDefined(token.text) &&
-                (isSign || (before.IsValue() && !before.text.ends_with(':')))) {
+                !it->IsDefined(token.text) && !HoldsWord("IF COND", token.text) &&
+                (isSign || i == 0 || (before.IsValue() && !before.text.ends_with(':')))) {
                 const std::string_view part =
                     isSign ? it->statement.Span(before.text, token.text) : token.text;
                 it->PointAt(part);
@@ -93,6 +174,41 @@ bool AdviseOnSecondInstruction(OperandCase* it) {
         }
     }
     return false;
+}
+
+// "DB HELLO, WORLD"": the words from the first that is unknown to the quote are the string.
+bool AdviseOnUnopenedString(OperandCase* it) {
+    const auto& operands = it->statement.operands;
+    const auto isEnd = [](const OperandView& operand) {
+        const std::size_t quote = operand.text.find('"');
+        const std::string_view after =
+            operand.text.substr(std::min(quote, operand.text.size() - 1) + 1);
+        return quote != std::string_view::npos && quote > 0 &&
+               after.find('"') == std::string_view::npos &&
+               (after.empty() || HasClass(after.front(), CC_BLANK) || after.front() == ',');
+    };
+    const auto isProse = [it](const OperandView& operand) {
+        return !operand.tokens.empty() &&
+               std::ranges::all_of(operand.tokens, [it](const Token& token) {
+                   return token.kind == TokenKind::name && !it->IsDefined(token.text);
+               });
+    };
+    if (!HoldsWord("DB DEFB DM DEFM", it->statement.mnemonic)) {
+        return false;
+    }
+    const auto end = std::ranges::find_if(
+        operands, [isEnd](const OperandView& each) { return !each.text.empty() && isEnd(each); });
+    if (end == operands.end() || end->text.front() == '\'') {
+        return false;
+    }
+    auto start = end;
+    while (start != operands.begin() && isProse(*(start - 1))) {
+        --start;
+    }
+    it->PointAt(start->text);
+    it->Insert(start->text, "\"");
+    it->advice.note = "open the string with a double quote";
+    return true;
 }
 
 bool AdviseOnEmptyOperand(OperandCase* it) {

@@ -4,6 +4,7 @@
 
 #include "expr/number.h"
 #include "frontend/instruction_forms.h"
+#include "frontend/note_steps.h"
 #include "source/char_class.h"
 
 namespace korv {
@@ -51,16 +52,27 @@ std::string EscapeValue(std::string_view content) {
     return content == "\"" ? "34" : "";
 }
 
+// Whether the single quote at `at` is within a word and another one follows.
+bool IsApostrophe(std::string_view source, std::size_t at) {
+    return at > 0 && at + 1 < source.size() && HasClass(source[at - 1], CC_LETTER) &&
+           HasClass(source[at + 1], CC_LETTER) &&
+           source.find('\'', at + 1) < source.find('"', at + 1);
+}
+
 // The text in single quotes at `start` of `line`. Two quotes in a row are one in it.
 Foreign SingleQuoted(const StatementView& statement, std::size_t start) {
     const std::string_view line = statement.line;
     const std::string_view source = statement.typed;
     std::size_t end = start + 1;
     std::string content;
+    const char quote = source[start];
     for (; end < source.size(); ++end) {
-        if (source[end] == '\'' && source.substr(end + 1, 1) == "'" && end > start + 1) {
+        if (source[end] == quote && source.substr(end + 1, 1) == "'" && end > start + 1) {
             ++end;
-        } else if (source[end] == '\'') {
+        } else if (source[end] == quote && IsApostrophe(source, end)) {  // 'don't'
+            content += '\'';
+            continue;
+        } else if (source[end] == quote || (quote == '`' && source[end] == '\'')) {
             break;
         }
         content += source[end];
@@ -70,6 +82,12 @@ Foreign SingleQuoted(const StatementView& statement, std::size_t start) {
     if (end >= source.size() && content.size() == 1) {  // 'A
         found.part = line.substr(start, 2);
         found.fix = "\"" + content + "\"";
+        return found;
+    }
+    if (const std::size_t other = content.find('"');
+        end >= source.size() && other != std::string::npos) {  // 'text"
+        found.part = line.substr(start, other + 1);
+        found.fix = "\"" + content.substr(0, other);
         return found;
     }
     if (end >= source.size() || content.empty()) {
@@ -115,15 +133,23 @@ Foreign Bracketed(std::string_view operand, std::string_view typed) {
     return {operand, fix, "use parentheses for memory: " + fix};
 }
 
-bool HasOddByte(std::string_view text) {
-    return std::ranges::any_of(text, [](char c) { return static_cast<signed char>(c) < 0; });
-}
-
 // A token that is no token of the language.
 Foreign ForeignToken(const StatementView& statement, const Token& token) {
     const std::string_view text = token.text;
     const std::string typed(statement.Typed(text));
+    const std::size_t letter = text.find_first_not_of("0123456789");
+    if (letter == text.size() - 1 && letter > 2 && text.ends_with('B')) {  // "102B"
+        return {text, "",
+                "use the digits 0 and 1 before B, or write " + typed + "H if it is hexadecimal"};
+    }
+    if (letter != std::string_view::npos && letter > 0 && letter + 1 < text.size() &&
+        text[letter] == 'E' && IsOf(text.substr(letter + 1), "0123456789")) {  // "1E3"
+        return {text, "", "write " + typed + "H if it is hexadecimal: there are no exponents"};
+    }
     if (const std::string number = NumberSpelling(text); !number.empty()) {
+        if (CutTokens(number)[0].kind == TokenKind::largeNumber) {
+            return {text, "", std::string(largeNumberNote)};
+        }
         const bool isEither = text == number + "D";
         return {text, number,
                 isEither
@@ -154,7 +180,7 @@ Foreign ForeignToken(const StatementView& statement, const Token& token) {
         return {text, "", "use IF and ELSE: there is no operator that chooses"};
     }
     if (const std::size_t colon = text.find(':');
-        colon != std::string_view::npos && text.size() > 1) {
+        colon != std::string_view::npos && FindKeyword(text.substr(colon + 1)) != nullptr) {
         return {text.substr(colon, 1), "\n\t", "write one instruction in a line"};
     }
     if ((text.front() == '$' || text.front() == '&') && text.size() > 1) {
@@ -230,11 +256,19 @@ std::string NumberSpelling(std::string_view token) {
     if (size > 2 && (token[0] == '$' || token[0] == '#') && token[1] == '$') {
         return Spelled(token.substr(2), 'H');
     }
-    if (size > 2 && token[0] == '#' && token[1] == 'X') {
-        return Spelled(token.substr(2), 'X');
+    if (size > 2 && (token[0] == '#' || token.starts_with("$0X"))) {  // "#X1F", "#0x1F", "#%101"
+        return token[1] == 'X'   ? Spelled(token.substr(2), 'X')
+               : token[1] == '%' ? Spelled(token.substr(2), 'B')
+                                 : NumberSpelling(token.substr(1));
     }
     if (size > 2 && token[0] == '%' && token.ends_with('B')) {
         return Spelled(token.substr(1, size - 2), 'B');
+    }
+    if (size > 2 && std::string_view("$%").find(token[0]) != std::string_view::npos &&
+        token.find('_') != std::string_view::npos) {
+        std::string digits(token.substr(1));
+        std::erase(digits, '_');
+        return Spelled(digits, token[0] == '$' ? 'H' : 'B');
     }
     if (size > 3 && (token.starts_with("16#") || token.starts_with("2#"))) {
         return Spelled(token.substr(token.find('#') + 1), token[0] == '2' ? 'B' : 'H');
@@ -254,9 +288,7 @@ std::string NumberSpelling(std::string_view token) {
     if (token.ends_with('D') && IsOf(token.substr(0, size - 1), "0123456789")) {
         return std::string(token.substr(0, size - 1));
     }
-    const bool isBinary = size > 4 && token.ends_with('B') &&  // with a digit that is none
-                          IsOf(token.substr(0, size - 1), "0123456789");
-    if (!isBinary && IsOf(token, hexDigits) && ReadNumber(token, &value) == notANumber) {
+    if (IsOf(token, hexDigits) && ReadNumber(token, &value) == notANumber) {
         return std::string(token) + "H";
     }
     return "";
@@ -273,14 +305,21 @@ Foreign FindForeign(const StatementView& statement, const OperandView& operand) 
         const std::size_t at = statement.PartOf(operand.text).offset + i;
         const bool isShadow = i > 0 && (HasClass(operand.text[i - 1], CC_NAME) ||
                                         operand.text[i - 1] == '\'');  // AF', AF'', H'FF'
-        if (c == '\'' && !isShadow) {
-            return SingleQuoted(statement, at);
+        if ((c == '\'' || c == '`') && !isShadow && statement.mnemonic != "EX") {
+            Foreign found = SingleQuoted(statement, at);
+            if (i > 0 && operand.text[i - 1] == '#') {  // "#'A'"
+                found.part = {found.part.data() - 1, found.part.size() + 1};
+            }
+            return found;
         }
         if (c == '{' && HoldsWord("DB DEFB DW DEFW", statement.mnemonic)) {
             return {operand.text.substr(i, 1), "",
                     "remove the braces: values follow the directive"};
         }
-        if (c == '[' || c == '{') {
+        if (c == '[' && i > 0 && HasClass(operand.text[i - 1], CC_NAME)) {  // "TABLE[2]"
+            return {operand.text, "", "add the index to the address with +: there are no arrays"};
+        }
+        if (c == '[' || c == '{' || ((c == ']' || c == '}') && i + 1 == operand.text.size())) {
             return Bracketed(operand.text, statement.Typed(operand.text));
         }
     }

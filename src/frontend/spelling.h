@@ -23,6 +23,9 @@ struct Foreign {
     std::string note;  ///< why, or what to do instead; empty: "write " and the spelling
 };
 
+inline constexpr std::string_view largeNumberNote =
+    "use at most 65535; a larger value has to be computed, as in 35000*2";
+
 /// The first of `operand`; `part` without data for none.
 [[nodiscard]] Foreign FindForeign(const StatementView& statement, const OperandView& operand);
 

@@ -12,17 +12,6 @@
 namespace korv {
 namespace {
 
-bool HasOddByte(std::string_view text) {
-    return std::ranges::any_of(text, [](char c) { return static_cast<signed char>(c) < 0; });
-}
-
-Advice Say(const StatementView& statement, std::string_view part, std::string note) {
-    Advice advice;
-    advice.place = statement.PartOf(part);
-    advice.note = std::move(note);
-    return advice;
-}
-
 // The bytes of a file that is no plain text.
 Advice AdviseOnEncoding(const StatementView& statement) {
     const std::string_view line = statement.line;
@@ -44,9 +33,13 @@ Advice AdviseOnEncoding(const StatementView& statement) {
     return {};
 }
 
-// "//", "/*", "#" and the like.
+// "//", "/*", "#" and the like, and a "*" in column 1, which is a blank here.
 Advice AdviseOnComment(const StatementView& statement) {
     const std::string_view word = statement.mnemonic;
+    if (statement.line.starts_with('*') && !word.starts_with('=') && word != "*/") {
+        return Replace(statement, statement.line.substr(0, 1), ";",
+                       "begin the comment with a semicolon");
+    }
     for (const std::string_view mark : {"//", "/*", "*/", "--", "'", "!!"}) {
         if (word.starts_with(mark)) {
             return Replace(statement, word.substr(0, mark.size()), ";",
@@ -110,70 +103,16 @@ Advice AdviseOnMark(const StatementView& statement) {
     return {};
 }
 
-// A name with characters that no name has, at the start of the line.
-Advice AdviseOnName(const StatementView& statement) {
-    const std::string_view line = statement.line;
-    const std::size_t blanks = line.size() - WithoutLeadingBlanks(line).size();
-    const std::size_t end = std::min(line.find_first_of(" \t:", blanks + 1), line.size());
-    const std::string_view word = line.substr(blanks, end - blanks);
-    const bool hasColon = end < line.size() && line[end] == ':';
-    const bool isWord =
-        !hasColon && (word.starts_with('.') || word.starts_with('!')) &&
-        FindKeyword(statement.rest.substr(0, statement.rest.find_first_of(" \t"))) == nullptr &&
-        WordAdvice(statement);
-    if (word.empty() || (!hasColon && blanks > 0) || isWord) {
-        return {};
-    }
-    std::string name;
-    for (const char c : word) {
-        name += HasClass(c, CC_NAME) ? c : '_';
-    }
-    if (word.front() == '.' || word.front() == ':' || word.front() == '-') {
-        name.erase(0, 1);
-    }
-    if (HasOddByte(word) && name.find_first_not_of('_') == std::string::npos) {
-        return Say(statement, word, "use letters from A to Z, digits, ?, @ and _ in a name");
-    }
-    if (name == word || name.empty() || name.find_first_not_of('_') == std::string::npos) {
-        return {};
-    }
-    const bool isLabel = hasColon || word.front() == '.' || word.front() == ':' ||
-                         statement.mnemonic == "EQU" || statement.rest.starts_with("EQU ");
-    if (!isLabel) {
-        return {};
-    }
-    if (FindKeyword(name) != nullptr) {
-        name += "1";
-    }
-    const bool hasDot = word.find('.') != std::string_view::npos;
-    const std::string note = word.front() == ':' ? "end the label with its colon: " + name + ":"
-                             : HasOddByte(word)
-                                 ? "use letters from A to Z, digits, ?, @ and _ in a name"
-                                 : "write " + name +
-                                       (hasDot ? " here and where it is used: a name has no dots"
-                                               : ": a name is of letters, digits, ?, @ and _");
-    if (word.front() == ':') {
-        name += ':';
-    }
-    Advice advice = Replace(statement, line.substr(0, end), name, note);
-    advice.place = statement.PartOf(word);
-    advice.definesName = true;
-    advice.names.emplace_back(word);
-    return advice;
-}
-
 // Words run together, as in "LD(HL),A" and "DB5".
-Advice AdviseOnJoinedWords(const StatementView& statement) {
+Advice AdviseOnJoinedWords(const RunFacts& facts, const StatementView& statement) {
     const std::string_view word = statement.mnemonic;
     for (std::size_t size = word.size() - 1; size >= 2; --size) {
         if (FindKeyword(word.substr(0, size)) == nullptr) {
             continue;
         }
         const bool isWord = HasClass(word[size], CC_LETTER);
-        if (word[size] == '.' && !HoldsWord(".B .W .L .S", word.substr(size))) {
-            continue;
-        }
-        const bool isSign = word[size] == '=' || word[size] == ':';       // "ORG=100H"
+        const bool isSign = std::string_view("=:,.").find(word[size]) !=
+                            std::string_view::npos;                       // "ORG=100H", "LD,A,5"
         const bool isSize = HoldsWord(".B .W .L .S", word.substr(size));  // "DS.B 5"
         const LinePart gap{statement.PartOf(word).offset + static_cast<std::uint32_t>(size),
                            isSize   ? std::uint32_t{2}
@@ -182,9 +121,11 @@ Advice AdviseOnJoinedWords(const StatementView& statement) {
         const std::vector<TextEdit> edits = {{gap, isSize ? "" : " "}};
         const std::string line = Applied(statement.line, edits);
         const StatementView changed = CutStatement(line);
-        const bool isPlain = std::ranges::none_of(changed.operands, [](const OperandView& operand) {
-            return operand.what.kind == KIND_VALUE && HasClass(operand.text.front(), CC_LETTER);
-        });
+        const bool isPlain =
+            std::ranges::none_of(changed.operands, [&facts](const OperandView& operand) {
+                return operand.what.kind == KIND_VALUE &&
+                       HasClass(operand.text.front(), CC_LETTER) && !facts.FindName(operand.text);
+            });
         if (HasForm(changed) && !changed.operands.empty() && (!isWord || isPlain)) {
             Advice advice;
             advice.place = statement.PartOf(word);
@@ -194,6 +135,25 @@ Advice AdviseOnJoinedWords(const StatementView& statement) {
         }
     }
     return {};
+}
+
+// A mnemonic with a sign after it, as in "DI, EI" and "LD, A,5".
+Advice AdviseOnSign(const StatementView& statement) {
+    const std::string_view word = statement.mnemonic;
+    const std::string_view stem = word.substr(0, word.find_last_not_of(",;.-") + 1);
+    const Keyword* const keyword = FindKeyword(stem);
+    if (stem.size() == word.size() || keyword == nullptr) {
+        return {};
+    }
+    const std::string_view next = statement.rest.substr(0, statement.rest.find_first_of(" \t"));
+    const bool isSecond = keyword->operands.fewest == 0 && FindKeyword(next) != nullptr;
+    Advice advice = Replace(statement, word.substr(stem.size()), isSecond ? "\n\t" : "",
+                            "write one instruction in a line");
+    advice.place = statement.PartOf(word);
+    if (!isSecond) {
+        advice.note = WriteNote(statement, advice.edits);
+    }
+    return advice;
 }
 
 // The keyword that was meant by `word`: of those that are as near, one with a form of these
@@ -206,12 +166,27 @@ std::string_view NearestKeyword(const StatementView& statement, std::string_view
         }
         return all;
     }();
-    return NearWords(words).Find(word, [&statement](std::string_view each) {
+    const auto isForm = [&statement](std::string_view each) {
         StatementView changed = statement;
         changed.mnemonic = each;
         changed.keyword = FindKeyword(each);
         return HasForm(changed);
-    });
+    };
+    const std::string_view near = NearWords(words).Find(word, isForm);
+    if (!near.empty() || word.size() > 2 || statement.operands.empty()) {
+        return near;
+    }
+    // Of so short a word much is a slip of: there has to be one with these operands, and only one.
+    std::string_view only;
+    for (const std::string_view each : words) {
+        if (each.size() <= 3 && EditDistance(word, each) == 1 && isForm(each)) {
+            if (!only.empty()) {
+                return {};
+            }
+            only = each;
+        }
+    }
+    return only;
 }
 
 // A statement that begins in column 1, where only labels do.
@@ -255,72 +230,42 @@ Advice AdviseOnColumn(const StatementView& statement) {
     return {};
 }
 
-}  // namespace
-
-Advice AdviseOnWord(const FaultView& fault) {
+Advice AdviseOnUnknownWord(Adviser& adviser, const FaultView& fault) {
     const StatementView& statement = fault.statement;
     const std::string_view word = statement.mnemonic;
     for (const auto step : {AdviseOnEncoding, AdviseOnOrigin, AdviseOnComment, AdviseOnPreprocessor,
-                            AdviseOnMark, AdviseOnDefinition, AdviseOnName}) {
+                            AdviseOnMark, AdviseOnDefinition}) {
         if (Advice advice = step(statement); advice.place) {
             return advice;
         }
     }
-    if (word == ":" && !statement.label.empty()) {  // "LOOP:: NOP" and "LOOP : NOP"
-        const std::string_view name = statement.Span(statement.label, word);
-        return Replace(statement, name, std::string(statement.Typed(statement.label)) + ":",
-                       "end the label with one colon, without a blank before it");
+    if (Advice advice = AdviseOnOddName(adviser, statement); advice.place) {
+        return advice;
+    }
+    if (Advice advice = AdviseOnLabelPlace(statement); advice.place) {
+        return advice;
     }
     Advice advice;
     advice.place = statement.PartOf(word);
-    const bool isLabel = word.size() > 1 && word.ends_with(':');
-    if (isLabel && FindKeyword(word.substr(0, word.size() - 1)) != nullptr) {
-        return Replace(statement, word.substr(word.size() - 1), "",
-                       "remove the colon: only a label has one");
-    }
-    if (isLabel && IsNameText(word.substr(0, word.size() - 1))) {
-        const std::size_t blanks = statement.PartOf(word).offset;
-        if (!statement.label.empty() && !statement.hasColon) {
-            const std::string_view both = statement.Span(statement.label, word);
-            std::string name(statement.Typed(statement.label));
-            name += '_' + std::string(statement.Typed(word.substr(0, word.size() - 1)));
-            Advice joined =
-                Replace(statement, both, name,
-                        "write " + name + " here and where it is used: a name has no blanks");
-            joined.definesName = true;
-            joined.names.push_back(std::string(statement.label) +
-                                   std::string(word.substr(0, word.size() - 1)));
-            return joined;
-        }
-        if (!statement.label.empty()) {
-            return Replace(statement, word.substr(0, 0), "\n",
-                           "put the second label on a line of its own");
-        }
-        Advice moved = Replace(statement, statement.line.substr(0, blanks + word.size()),
-                               std::string(statement.Typed(word)), "begin the label in column 1");
-        moved.definesName = true;
-        moved.names.emplace_back(word.substr(0, word.size() - 1));
-        return moved;
-    }
-    const std::string_view next = statement.rest.substr(0, statement.rest.find_first_of(" \t"));
-    if (statement.label.empty() && IsNameText(word) &&
-        FindKeyword(next) != nullptr) {  // " LOOP LD A,5"
-        const std::size_t blanks = statement.PartOf(word).offset;
-        advice.edits = {{LinePart{0, static_cast<std::uint32_t>(blanks)}, ""}};
-        advice.note = "begin the label in column 1";
-        advice.definesName = true;
-        advice.names.emplace_back(word);
-        return advice;
+    if (Advice found = AdviseOnSign(statement); found.place) {
+        return found;
     }
     if (const auto row = WordAdvice(statement)) {
         advice.note = row->note;
         advice.edits = row->edits;
         return advice;
     }
-    for (const auto step : {AdviseOnColumn, AdviseOnJoinedWords, AdviseOnData}) {
+    const Advice joined = AdviseOnJoinedWords(adviser.Facts(), statement);
+    if (joined.place && FindKeyword(statement.label) == nullptr) {
+        return joined;
+    }
+    for (const auto step : {AdviseOnColumn, AdviseOnData}) {
         if (Advice found = step(statement); found.place) {
             return found;
         }
+    }
+    if (joined.place) {
+        return joined;
     }
     if (const std::string_view near = NearestKeyword(statement, word); !near.empty()) {
         advice.edits = {{statement.PartOf(word), std::string(near)}};
@@ -328,6 +273,17 @@ Advice AdviseOnWord(const FaultView& fault) {
     } else if (fault.isSkipped) {
         advice.note =
             "begin the line with a semicolon: mnemonics are checked in skipped blocks too";
+    }
+    return advice;
+}
+
+}  // namespace
+
+Advice AdviseOnWord(Adviser& adviser, const FaultView& fault) {
+    Advice advice = AdviseOnUnknownWord(adviser, fault);
+    const std::string line = Raised(Applied(fault.statement.line, advice.edits));
+    if (!advice.edits.empty() && !advice.definesName && CutStatement(line).mnemonic == "EQU") {
+        advice.definesName = true;  // "X: EQV 5": what uses X is not the next mistake
     }
     return advice;
 }

@@ -1,0 +1,125 @@
+// Labels that are written as in another assembler, or in another place.
+
+#include <algorithm>
+
+#include "codegen/keywords.h"
+#include "frontend/note_rows.h"
+#include "frontend/note_steps.h"
+#include "source/char_class.h"
+
+namespace korv {
+
+bool HasOddByte(std::string_view text) {
+    return std::ranges::any_of(text, [](char c) { return static_cast<signed char>(c) < 0; });
+}
+
+Advice AdviseOnOddName(Adviser& adviser, const StatementView& statement) {
+    const std::string_view line = statement.line;
+    const std::size_t blanks = line.size() - WithoutLeadingBlanks(line).size();
+    const std::size_t end = std::min(line.find_first_of(" \t:", blanks + 1), line.size());
+    const std::string_view word = line.substr(blanks, end - blanks);
+    const bool hasColon = end < line.size() && line[end] == ':';
+    const bool isWord =
+        !hasColon && (word.starts_with('.') || word.starts_with('!')) &&
+        FindKeyword(statement.rest.substr(0, statement.rest.find_first_of(" \t"))) == nullptr &&
+        WordAdvice(statement);
+    if (word.empty() || (!hasColon && blanks > 0) || isWord) {
+        return {};
+    }
+    std::string name;
+    for (const char c : statement.Typed(word)) {
+        if (HasClass(c, CC_NAME)) {
+            name += c;
+        } else if (!name.empty() && !name.ends_with('_')) {
+            name += '_';
+        }
+    }
+    if (name.ends_with('_') && !word.ends_with('_')) {
+        name.pop_back();
+    }
+    if (HasOddByte(word) && name.find_first_not_of('_') == std::string::npos) {
+        return Say(statement, word, "use letters from A to Z, digits, ?, @ and _ in a name");
+    }
+    if (Raised(name) == word || name.find_first_not_of('_') == std::string::npos) {
+        return {};
+    }
+    const bool isLabel = hasColon || word.front() == '.' || word.front() == ':' ||
+                         statement.mnemonic == "EQU" || statement.rest.starts_with("EQU ");
+    if (!isLabel) {
+        return {};
+    }
+    name = adviser.UnusedName(HasClass(name.front(), CC_DIGIT) ? "L" + name : name);
+    const bool hasDot = word.find('.') != std::string_view::npos;
+    const std::string note = word.front() == ':' ? "end the label with its colon: " + name + ":"
+                             : HasOddByte(word)
+                                 ? "use letters from A to Z, digits, ?, @ and _ in a name"
+                                 : "write " + name + " here and where it is used: a name has " +
+                                       (hasDot ? "no dots" : "only letters, digits, ?, @ and _");
+    if (word.front() == ':') {
+        name += ':';
+    }
+    Advice advice = Replace(statement, line.substr(0, end), name, note);
+    advice.place = statement.PartOf(word);
+    advice.definesName = true;
+    advice.names.emplace_back(word);
+    return advice;
+}
+
+Advice AdviseOnLabelPlace(const StatementView& statement) {
+    const std::string_view word = statement.mnemonic;
+    if (word.starts_with(':') && !statement.label.empty() &&
+        (word.size() == 1 || FindKeyword(word.substr(1)) != nullptr)) {  // "LOOP : NOP", "X :EQU 5"
+        const std::string_view name = statement.Span(statement.label, word.substr(0, 1));
+        return Replace(
+            statement, name,
+            std::string(statement.Typed(statement.label)) + (word.size() == 1 ? ":" : ": "),
+            "end the label with one colon, without a blank before it");
+    }
+    const bool isLabel = word.size() > 1 && word.ends_with(':');
+    if (isLabel && FindKeyword(word.substr(0, word.size() - 1)) != nullptr) {
+        const std::string_view next = statement.rest.substr(0, statement.rest.find_first_of(" \t"));
+        if (FindKeyword(next) != nullptr) {  // "EI: RET"
+            return Replace(statement, word.substr(word.size() - 1), "\n\t",
+                           "write one instruction in a line");
+        }
+        return Replace(statement, word.substr(word.size() - 1), "",
+                       "remove the colon: only a label has one");
+    }
+    if (isLabel && IsNameText(word.substr(0, word.size() - 1))) {
+        const std::size_t blanks = statement.PartOf(word).offset;
+        if (!statement.label.empty() && !statement.hasColon) {
+            const std::string_view both = statement.Span(statement.label, word);
+            std::string name(statement.Typed(statement.label));
+            name += '_' + std::string(statement.Typed(word.substr(0, word.size() - 1)));
+            Advice joined =
+                Replace(statement, both, name,
+                        "write " + name + " here and where it is used: a name has no blanks");
+            joined.definesName = true;
+            joined.names.push_back(std::string(statement.label) +
+                                   std::string(word.substr(0, word.size() - 1)));
+            return joined;
+        }
+        if (!statement.label.empty()) {
+            return Replace(statement, word.substr(0, 0), "\n",
+                           "put the second label on a line of its own");
+        }
+        Advice moved = Replace(statement, statement.line.substr(0, blanks + word.size()),
+                               std::string(statement.Typed(word)), "begin the label in column 1");
+        moved.definesName = true;
+        moved.names.emplace_back(word.substr(0, word.size() - 1));
+        return moved;
+    }
+    const std::string_view next = statement.rest.substr(0, statement.rest.find_first_of(" \t"));
+    if (statement.label.empty() && IsNameText(word) &&
+        FindKeyword(next) != nullptr) {  // " LOOP LD A,5"
+        const std::size_t blanks = statement.PartOf(word).offset;
+        Advice advice = Say(statement, word, "begin the label in column 1");
+        advice.edits = {{LinePart{0, static_cast<std::uint32_t>(blanks)}, ""}};
+        advice.definesName = true;
+        advice.names.emplace_back(word);
+        return advice;
+    }
+    return {};
+}
+
+}  // namespace korv

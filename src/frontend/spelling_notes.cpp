@@ -1,0 +1,163 @@
+// Operands that are written as in another assembler. What is proposed is the whole statement, with
+// all that is foreign in it replaced; if that has no form, the advice is on what else is wrong.
+
+#include <algorithm>
+
+#include "codegen/keywords.h"
+#include "frontend/expression_fault.h"
+#include "frontend/instruction_forms.h"
+#include "frontend/note_rows.h"
+#include "frontend/note_steps.h"
+#include "frontend/operand_case.h"
+#include "frontend/translation.h"
+
+namespace korv {
+namespace {
+
+// A spelling, from either of the two sources.
+struct Found {
+    std::string_view part;  // without data: none
+    std::string note;
+    std::vector<TextEdit> edits;
+};
+
+Found FindSpelling(const StatementView& statement, const OperandView& operand) {
+    if (Foreign foreign = FindForeign(statement, operand); foreign.part.data() != nullptr) {
+        Found found{foreign.part, std::move(foreign.note), {}};
+        if (!foreign.fix.empty()) {
+            found.edits = {{statement.PartOf(foreign.part), std::move(foreign.fix)}};
+        }
+        return found;
+    }
+    if (auto row = TokenAdvice(statement, operand)) {
+        return {row->part, std::move(row->note), std::move(row->edits)};
+    }
+    return {};
+}
+
+// What to report about the statement once its spellings are those of here.
+Status NumberOfRest(const StatementView& changed, Status number) {
+    const auto count = static_cast<std::int32_t>(changed.operands.size());
+    return count > changed.keyword->operands.most     ? MSG_TOO_MANY_ARGUMENTS
+           : count < changed.keyword->operands.fewest ? MSG_ARGUMENT_EXPECTED
+           : number == MSG_ILLEGAL_CONDITION          ? number
+                                                      : MSG_ILLEGAL_ARGUMENT;
+}
+
+// Takes the advice on the statement that `translation` makes.
+void AdviseOnTranslated(OperandCase* it, const Translation& translation) {
+    const StatementView changed = translation.View();
+    const FaultView fault{.number = NumberOfRest(changed, it->fault.number),
+                          .isError = it->fault.isError,
+                          .isLate = it->fault.isLate,
+                          .statement = changed,
+                          .part = {},
+                          .text = {},
+                          .file = it->fault.file,
+                          .line = it->fault.line,
+                          .statementId = it->fault.statementId,
+                          .isSkipped = it->fault.isSkipped};
+    OperandCase inner{it->adviser, fault, changed, FocusOf(fault)};
+    AdviseOnOperandCase(&inner);
+    if (inner.advice.note.empty() && inner.advice.edits.empty()) {
+        return;
+    }
+    if (inner.operand != nullptr && fault.number != MSG_ILLEGAL_CONDITION &&
+        changed.operands.size() == it->statement.operands.size()) {
+        it->PointAt(it->statement
+                        .operands[static_cast<std::size_t>(inner.operand - changed.operands.data())]
+                        .text);
+    }
+    it->advice.note = std::move(inner.advice.note);
+    it->advice.edits.clear();
+    if (!inner.advice.edits.empty()) {
+        const std::string typed = Applied(translation.typed, inner.advice.edits);
+        const std::size_t start = it->statement.PartOf(it->statement.mnemonic).offset;
+        it->advice.edits = {translation.Whole(it->statement, typed.substr(start))};
+    }
+}
+
+// Proposes the statement that `translation` makes, in a note that has the text of one change.
+void ProposeWhole(OperandCase* it, const Translation& translation) {
+    const StatementView changed = translation.View();
+    const std::string whole(changed.Typed(changed.Span(changed.mnemonic, changed.rest)));
+    std::string& note = it->advice.note;
+    for (const std::string& part :
+         {WriteNote(it->statement, it->advice.edits).substr(6), it->advice.edits[0].text}) {
+        if (const std::size_t at = note.rfind(part); at != std::string::npos) {
+            note.replace(at, part.size(), whole);
+            break;
+        }
+    }
+    if (note.empty()) {
+        note = "write " + whole;
+    }
+    it->advice.edits = {translation.Whole(it->statement, whole)};
+}
+
+}  // namespace
+
+bool AdviseOnSpelling(OperandCase* it) {
+    const StatementView& statement = it->statement;
+    std::vector<const OperandView*> candidates;
+    // An operand too many may be the end of a second instruction in the line.
+    if (it->operand != nullptr && it->fault.number != MSG_TOO_MANY_ARGUMENTS) {
+        candidates.push_back(it->operand);
+    } else {
+        for (const OperandView& each : statement.operands) {
+            candidates.push_back(&each);
+        }
+    }
+    for (const OperandView* const operand : candidates) {
+        if (operand == &statement.operands.back() && IsNumberedLabel(statement)) {
+            it->PointAt(operand->text);
+            it->advice.note = numberedLabelNote;
+            return true;
+        }
+        Found found = FindSpelling(statement, *operand);
+        if (found.part.data() == nullptr) {
+            continue;
+        }
+        it->PointAt(found.part);
+        if (const std::string_view inner = found.part.substr(1, found.part.size() - 2);
+            found.edits.empty() && found.part.size() > 2 && found.part.front() == '\'' &&
+            it->IsDefined(inner)) {
+            it->Replace(found.part, std::string(statement.Typed(inner)));
+            it->advice.note = WriteNote(statement, it->advice.edits) + ": a name has no quotes";
+            return true;
+        }
+        if (found.edits.empty() && found.part.starts_with('&') &&
+            it->IsDefined(found.part.substr(1))) {  // an address in C
+            it->Replace(found.part.substr(0, 1), "");
+            it->advice.note = WriteNote(statement, it->advice.edits);
+            return true;
+        }
+        it->advice.note = std::move(found.note);
+        it->advice.edits = std::move(found.edits);
+        const bool isWithin = it->advice.edits.size() == 1 && !it->advice.edits[0].text.empty() &&
+                              it->advice.edits[0].text.find_first_of("\n;") != 0;
+        if (!isWithin || statement.keyword == nullptr) {
+            return true;
+        }
+        const Translation translation = Translate(statement, it->advice.edits);
+        const StatementView changed = translation.View();
+        const bool isBroken = std::ranges::any_of(changed.operands, [](const OperandView& each) {
+            return FindExpressionFault(each).fault != ExpressionFault::none &&
+                   each.what.kind == KIND_VALUE && each.tokens.size() > 1;
+        });
+        if (isBroken || !HasForm(changed)) {
+            if (it->operand != nullptr) {
+                it->PointAt(it->operand->text);
+            }
+            AdviseOnTranslated(it, translation);
+            return true;
+        }
+        if (translation.changes > 1) {
+            ProposeWhole(it, translation);
+        }
+        return true;
+    }
+    return false;
+}
+
+}  // namespace korv

@@ -1,4 +1,4 @@
-// The outputs of a run when the system fails, or refuses one of them: all are there or none.
+// If the system fails, or an output is refused, either all outputs of a run are written or none.
 
 #include "frontend/output_set.h"
 
@@ -14,17 +14,7 @@ namespace korv_test {
 namespace {
 namespace fs = std::filesystem;
 
-std::map<std::string, std::string> FilesHere() {
-    std::map<std::string, std::string> files;
-    for (const fs::directory_entry& entry : fs::directory_iterator(".")) {
-        if (entry.is_regular_file()) {
-            files[entry.path().filename().string()] = *ReadFile(entry.path().string());
-        }
-    }
-    return files;
-}
-
-TEST(OutputSetTest, LeavesAllOrNoneWhenARequestFails) {
+TEST(OutputSetTest, WritesAllOrNoneIfARequestFails) {
     const std::vector<korv::Output> outputs = {{"a.com", "image"}, {nullDevice, "x"}, {"a.lst", "list"}, {"a.d", ""}};
     for (const bool isThere : {true, false}) {
         int failures = 0;
@@ -50,7 +40,7 @@ TEST(OutputSetTest, LeavesAllOrNoneWhenARequestFails) {
     }
 }
 
-TEST(OutputSetTest, SaysWhatItRefusesAndWhyItFails) {
+TEST(OutputSetTest, ReportsRefusalsAndFailures) {
     const TempDir directory;
     WriteFile("a.kor", "source");
     fs::create_directory("sub");
@@ -66,10 +56,10 @@ TEST(OutputSetTest, SaysWhatItRefusesAndWhyItFails) {
     };
     for (const auto& [first, second, failure] : rows) {
         const std::string got = korv::WriteOutputs({{first, "1"}, {second, "2"}}, {source.Identity()});
-        // Windows has its own words for the reason.
+        // On Windows, the text of the reason differs.
         EXPECT_EQ(isWindows ? std::string(failure).substr(0, got.find(": ")) : failure,
                   isWindows ? got.substr(0, got.find(": ")) : got);
-        EXPECT_EQ((std::map<std::string, std::string>{{"a.kor", "source"}}), FilesHere());
+        EXPECT_EQ((std::map<std::string, std::string>{{"a.kor", "source"}, {"sub/link", "source"}}), FilesHere());
     }
 }
 

@@ -1,4 +1,4 @@
-/// The open levels of IF, and what is surprising about them.
+/// Follows the open levels of IF, and warns about those that may be surprising.
 #pragma once
 
 #include <vector>
@@ -12,19 +12,19 @@ class CAssembler;
 
 class ConditionWatch {
   public:
-    /// Whether the statement that has just been assembled was an IF, ELSE or ENDIF which changed
-    /// the state of the run. Asked for every statement.
+    /// Whether the statement just assembled was an IF, ELSE or ENDIF that changed the state of the
+    /// run. Called for every statement.
     [[nodiscard]] bool HasChanged(const CAssembler& assembler) const;
-    /// Takes over that change. Result: what to warn about in `statement`.
+    /// Records that change. Result: the warning to give for `statement`, if any.
     Findings Follow(const CAssembler& assembler, const CStatement& statement);
-    /// The IFs that have no ENDIF yet.
+    /// The IFs without an ENDIF so far.
     [[nodiscard]] std::vector<SourcePlace> Open() const;
 
   private:
     struct Level {
         SourcePlace place;
-        bool isLive;         // what it holds now is assembled, by all levels around it too
-        bool isLiveOutside;  // the same for the IF itself
+        bool isLive;         // its lines are being assembled, also according to all outer levels
+        bool isLiveOutside;  // the same for the line of the IF itself
     };
     std::vector<Level> levels;
     std::int32_t wasAssembling = 1;  // after the last change

@@ -1,7 +1,7 @@
-// The order of the steps decides what a failure leaves. Whatever can be refused is asked for first.
-// Then the bytes of all files are written under other names, where nobody sees them. What cannot be
-// taken back, that is what goes to a pipe or a device, comes next, and last the files get their
-// names, each with a way back.
+// The order of the steps determines what is left after a failure. First, every output that can be
+// refused is checked. Then all files are written under temporary names. Next come the outputs that
+// cannot be undone, to pipes and devices. Last, the files get their final names, and each of these
+// renames can be undone.
 
 #include "frontend/output_set.h"
 
@@ -70,8 +70,7 @@ class OutputSet {
                                                             : staged[i].Send(contents));
     }
 
-    // Why output `i` is refused, as a file that was read or that is another output too; empty: it
-    // is not.
+    // Why output `i` is refused: it is an input or also another output. Empty: it is not refused.
     std::string RefusalOf(std::size_t i, const platform::FileSet& inputs) const {
         const std::string name = ShownName(outputs[i].name);
         const std::optional<platform::FileIdentity> identity = staged[i].Identity();

@@ -8,7 +8,7 @@
 namespace korv {
 namespace {
 
-// The labels by opening and line, which is where a statement finds its own.
+// The labels by opening and line, to find the label of a statement.
 class Labels {
   public:
     explicit Labels(const Analysis& analysis) {
@@ -20,7 +20,7 @@ class Labels {
         std::ranges::sort(labels, {}, Position);
     }
 
-    // Null: the statement has none.
+    // The label of the statement; null if it has none.
     [[nodiscard]] const Name* Of(const Statement& statement) const {
         const auto found = std::ranges::lower_bound(
             labels, std::pair(statement.opening, statement.line), {}, Position);

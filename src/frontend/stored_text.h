@@ -1,4 +1,4 @@
-/// The bytes of a file as they were read, with the way to its lines.
+/// The bytes of a file as they were read, with access to its lines.
 #pragma once
 
 #include <cstddef>
@@ -13,23 +13,23 @@ namespace korv {
 
 class StoredText {
   public:
-    /// The file at the full path `path`, or a text by any other name.
+    /// `path` is the full path of the file, or any name for another text.
     StoredText(std::string path, std::string bytes, const platform::FileIdentity& identity = {});
 
     [[nodiscard]] const std::string& Path() const { return path; }
     [[nodiscard]] const std::string& Bytes() const { return bytes; }
-    /// Which file it is; the default for a text that is none.
+    /// The identity of the file; a default value if the text is not from a file.
     [[nodiscard]] const platform::FileIdentity& Identity() const { return identity; }
 
     [[nodiscard]] std::int32_t LineCount() const {
         return static_cast<std::int32_t>(starts.size());
     }
-    /// Offset of physical line `number`, from 1; the size of the text for later ones.
+    /// The offset of physical line `number`, from 1; the size of the text if there is no such line.
     [[nodiscard]] std::size_t LineStart(std::int32_t number) const;
-    /// Physical line `number`, from 1, without its line end; empty after the last one.
+    /// Physical line `number`, from 1, without its line end; empty if there is no such line.
     [[nodiscard]] std::string_view Line(std::int32_t number) const;
 
-    /// Whether some byte of it is 0 or 1AH, or a carriage return without a line feed: then an
+    /// Whether the text contains a byte 0 or 1AH, or a carriage return without a line feed. Then an
     /// offset in a cleaned line may differ from the column.
     [[nodiscard]] bool HasOddBytes() const { return hasOddBytes; }
 
@@ -37,7 +37,7 @@ class StoredText {
     std::string path;
     std::string bytes;
     platform::FileIdentity identity;
-    std::vector<std::size_t> starts;  // of the lines
+    std::vector<std::size_t> starts;  // offsets of the lines
     bool hasOddBytes = false;
 };
 

@@ -60,6 +60,11 @@ std::string Hex(int value, std::size_t bytes) {
     return ToHex({raw, bytes});
 }
 
+// Hexadecimal bytes as a failure shows them.
+std::string Brief(const std::string& hex) {
+    return hex.size() <= 40 ? hex : hex.substr(0, 40) + "... of " + std::to_string(hex.size() / 2) + " bytes ";
+}
+
 // The text without its parentheses; of an index operand, only the displacement.
 std::string Inner(const std::string& text) {
     const std::size_t sign = text.starts_with("(I") ? text.find_first_of("+-") : std::string::npos;
@@ -356,7 +361,7 @@ struct Crossing {
             const Outcome& got = outcomes.at(i);
             if (expected.bytes != got.bytes || expected.messages != got.messages) {
                 using testing::PrintToString;
-                Differ(text + " gives " + got.bytes + PrintToString(got.messages) + ", not " + expected.bytes +
+                Differ(text + " gives " + Brief(got.bytes) + PrintToString(got.messages) + ", not " + expected.bytes +
                        PrintToString(expected.messages) + "; " + expected.line);
             }
             CompareForms(text, got);

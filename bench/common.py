@@ -1,4 +1,4 @@
-"""What bench/run and bench/check share: the places, the tools, the programs, the counting."""
+"""Shared by bench/run and bench/check: the folders, the tools, the programs, the counting."""
 import pathlib
 import re
 import shutil
@@ -12,12 +12,12 @@ SHAPES = ("plain", "dense")
 
 
 def say(text):
-    """Progress: not part of the table, so not on standard output."""
+    """Prints progress on standard error, since it is not part of the table."""
     print(text, file=sys.stderr, flush=True)
 
 
 def do(*command, **options):
-    """Runs a step that must succeed, its output kept apart from the table."""
+    """Runs a step that must succeed. Its output does not go into the table."""
     subprocess.run(command, check=True, stdout=sys.stderr, **options)
 
 
@@ -27,7 +27,7 @@ def require(tools):
 
 
 def made_by(preset, pattern):
-    """What tools/build makes of a preset, made if there is none. One that is there is taken as it is."""
+    """A program that tools/build makes for a preset. It is built if missing; an existing one is used as it is."""
     if not list(ROOT.glob(pattern)):
         do(ROOT / "tools" / "build", preset)
     path, = ROOT.glob(pattern)
@@ -43,7 +43,7 @@ def release_build():
 
 
 def packaged_programs():
-    """The folder of the programs as the .deb installs them."""
+    """The folder with the programs as the .deb installs them."""
     folder = WORK / "package"
     shutil.rmtree(folder, ignore_errors=True)
     WORK.mkdir(parents=True, exist_ok=True)
@@ -52,7 +52,7 @@ def packaged_programs():
 
 
 def built(helper):
-    """The helper program of that name, made anew; it may use the headers of korv."""
+    """Builds the helper program of that name, which may use the headers of korv."""
     WORK.mkdir(parents=True, exist_ok=True)
     do("g++", "-O2", "-std=c++20", "-static", f"-I{ROOT / 'src'}", "-o", WORK / helper,
        BENCH / f"{helper}.cpp")
@@ -60,7 +60,7 @@ def built(helper):
 
 
 def source(lines, shape):
-    """The generated program, in WORK."""
+    """Generates a program in WORK."""
     WORK.mkdir(parents=True, exist_ok=True)
     path = WORK / f"{shape}{lines}.asm"
     with open(path, "wb") as output:
@@ -72,7 +72,7 @@ def source(lines, shape):
 def counted(command, folder=WORK):
     """The instructions that a program executes, without those of the kernel, and what it writes to standard error.
 
-    It runs in `folder`, with an empty environment, since the C library looks at each variable.
+    It runs in `folder`, with an empty environment, since the C library reads each variable.
     """
     valgrind = [shutil.which("valgrind"), "--tool=callgrind", "--callgrind-out-file=/dev/null"]
     command = [shutil.which(command[0]), *command[1:]]

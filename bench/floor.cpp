@@ -1,6 +1,5 @@
-// The floor under the figures of bench/run: reads the file given in large blocks, passes every byte
-// once through a table of 256 classes, and prints the sum. No assembler can look at its source with
-// less.
+// The lower bound in bench/run: reads the given file in large blocks, looks up every byte once in a
+// table of 256 classes, and prints the sum. No assembler can do less with its source.
 
 #include <array>
 #include <cstddef>
@@ -9,8 +8,7 @@
 
 namespace {
 
-// Digits, letters, blanks and quotes each have a class; which numbers they are does not matter
-// here.
+// Digits, letters, blanks and quotes each have a class. The numbers of the classes do not matter.
 constexpr auto charClass = [] {
     std::array<std::uint8_t, 256> table{};
     for (unsigned c = 0; c < 26; ++c) {

@@ -1,13 +1,13 @@
-// spawn RUNS FILE PROGRAM [ARGUMENT...]: runs a program RUNS times, its output thrown away, and
-// prints one line per run: wall time in nanoseconds, processor time in microseconds (user and
-// system), peak memory in KiB, exit status. FILE is what the program writes. It is removed before
-// each run: a file system may send a file that is written over to the disk at once, which takes
+// spawn RUNS FILE PROGRAM [ARGUMENT...]: runs a program RUNS times, discards its output, and prints
+// one line per run: wall time in nanoseconds, processor time in microseconds (user and system),
+// peak memory in KiB, exit status. FILE is the output file of the program. It is removed before
+// each run, because a file system may write a replaced file to the disk immediately, which takes
 // longer than the program.
 //
-// A helper of bench/run, and not a few lines of Python there, for two reasons. The kernel counts
-// the memory of the process that starts a program as peak memory of the program, so the starter
-// must be smaller than whatever is measured: this one is linked statically. And starting a process
-// from Python takes longer than the programs need for ten lines.
+// This is not done in Python by bench/run, for two reasons. The kernel counts the memory of the
+// process that starts a program as peak memory of the program, so the starter must be smaller than
+// the program that is measured: this one is linked statically. And starting a process from Python
+// takes longer than the programs need for ten lines.
 
 #include <fcntl.h>
 #include <spawn.h>

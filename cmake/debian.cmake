@@ -1,6 +1,6 @@
-# Before a .deb is made of the files in CPACK_TEMPORARY_DIRECTORY: Debian wants the licences in one file, a changelog of
-# its own, and changelogs and manual pages compressed, without names and times. Its zsh looks for the completions of
-# packages in a folder of its own.
+# Prepares the files in CPACK_TEMPORARY_DIRECTORY for the .deb. Debian requires all licences in one file, a Debian
+# changelog, and compressed changelogs and man pages without names and times. Debian's zsh has its own folder for
+# completions of packages.
 set(share ${CPACK_TEMPORARY_DIRECTORY}/usr/share)
 set(copyright ${share}/doc/korv/copyright)
 set(changes ${share}/doc/korv/changelog)
@@ -19,7 +19,7 @@ file(WRITE ${changes}.Debian "korv (${CPACK_PACKAGE_VERSION}-${CPACK_DEBIAN_PACK
 file(GLOB pages ${share}/man/man1/*.1)
 execute_process(COMMAND gzip -9n ${pages} ${changes} ${changes}.Debian COMMAND_ERROR_IS_FATAL ANY)
 
-# Static programs contain parts of other works, whose licences go with them.
+# Static programs contain parts of other works, so their licences are included.
 set(overrides ${share}/lintian/overrides/korv)
 file(WRITE ${overrides} "# Built from the sources, not an upload that answers a request for a package.
 korv: initial-upload-closes-no-bugs [usr/share/doc/korv/changelog.Debian.gz:1]

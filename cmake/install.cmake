@@ -1,13 +1,13 @@
-# What goes where: `cmake --install`, and `cpack` for a .deb. Vim looks into share/vim/vimfiles of its own prefix (on
-# Debian, Fedora and Arch /usr). No other editor has a place that all its users share: those files lie in share/korv, and
-# the manual says what to do with them. The doc folder has the manual and whole programs.
+# Where files are installed by `cmake --install`, and by `cpack` for a .deb. Vim searches share/vim/vimfiles of its own
+# prefix (/usr on Debian, Fedora and Arch). No other editor has a place shared by all its users: files for these are in
+# share/korv, and the manual says how to use them. The doc folder contains the manual and example programs.
 include(GNUInstallDirs)
 install(TARGETS korv)
 install(FILES docs/man1/korv.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 if(TARGET korv-as)
   install(TARGETS korv-as korv-ls)
   install(FILES docs/man1/korv-as.1 docs/man1/korv-ls.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
-  # Where each shell looks for the files of other packages; Debian's zsh has another place, see debian.cmake.
+  # Where each shell searches for the completions of packages; for Debian's zsh, see debian.cmake.
   set(completions ${CMAKE_SOURCE_DIR}/editors/completions)
   install(FILES ${completions}/korv-as.bash DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
           RENAME korv-as)
@@ -32,7 +32,7 @@ set(CPACK_DEBIAN_PACKAGE_SECTION devel)
 set(CPACK_DEBIAN_PACKAGE_MAINTAINER "the Korv maintainers <maintainers@korv.invalid>" CACHE STRING
     "Name and address in the .deb")
 if(NOT KORV_STATIC)
-  set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)  # which takes the programs `file` and `dpkg-shlibdeps`
+  set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)  # this needs the programs `file` and `dpkg-shlibdeps`
 endif()
 set(CPACK_DEBIAN_PACKAGE_DESCRIPTION "Korv reads a source for the Zilog Z80 once and writes one flat image:
 a CP/M .com or a .bin with a load header, and with korv-as also Intel HEX.

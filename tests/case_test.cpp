@@ -1,5 +1,5 @@
-// The tables under tests/: every case becomes a test of its own, named after its table, line and title. The examples of
-// the manual are cases too. And what the reader of tables makes of them.
+// The cases of cases/ and the examples in the manual: each is a separate test, named after its table, line and title.
+// Also tests the reader of the tables.
 
 #include <gtest/gtest.h>
 
@@ -33,8 +33,8 @@ std::string MessagesIn(const std::string& console) {
     return messages;
 }
 
-// The console output of which a case tells `lines`: the title is in front, the clearing line at the end, which the help
-// does without.
+// The console output for a case that expects `lines`: the title comes first, and the line that erases the meter last,
+// except after the help.
 std::string Console(const std::string& lines) {
     const bool isHelp = lines.find("[Korv] HELP!\n") != std::string::npos;
     return "Brelloc Korv v2.00.025 *FAST*\n" + lines + (isHelp ? "" : std::string(26, ' ') + "\r");
@@ -60,16 +60,10 @@ TEST_P(CaseTest, Holds) {
     }
     const std::string console = RunKorv(test.arguments);
     const auto here = [&](const std::string& text) { return Shown(text, directory.Path()); };
-    // The sources stay as they were, unless they are said to be written over.
-    std::map<std::string, std::string> expected = test.files, got;
+    // The sources stay as they were, unless the case expects other contents.
+    std::map<std::string, std::string> expected = test.files, got = FilesHere();
     for (const auto& [name, contents] : test.outputs) {
         expected[name] = here(name == "console" ? Console(contents) : contents);
-    }
-    for (const auto& entry : fs::recursive_directory_iterator(".")) {
-        if (!entry.is_directory()) {
-            const std::string name = entry.path().lexically_normal().generic_string();
-            got[name] = ReadFile(name).value_or("unreadable");
-        }
     }
     if (!test.outputs.contains("console")) {
         const std::string different =
@@ -83,7 +77,7 @@ TEST_P(CaseTest, Holds) {
         ASSERT_TRUE(fs::exists(test.target)) << test.title << "\n" << console;
         expected[test.target] = test.bytes ? FromHex(*test.bytes) : got[test.target];
     }
-    test.places.erase("console");  // it begins with a line that no table has
+    test.places.erase("console");  // its first line is in no table
     const std::string different = Differences(test, expected, got);
     EXPECT_TRUE(different.empty()) << different;
 }
@@ -92,17 +86,18 @@ TEST_P(CaseTest, Holds) {
 INSTANTIATE_TEST_SUITE_P(Tables, CaseTest, testing::ValuesIn(AllBlocks()),
                          [](const auto& test) { return TestName(test.param); });
 
-// What is wrong in a table is refused, by table and line.
+// Faults in a table are refused with the name of the table and the line.
 TEST(TableTest, RefusesWhatWouldBeAnExpectationThatNobodyLooksAt) {
     // clang-format off
     const std::string inCase = "case A\n    NOP\n", inEncodings = "# I and R\n\n";
-    const std::tuple<std::string, std::string, Strings> rows[] = {  // what follows that, and why it is refused
+    const std::tuple<std::string, std::string, Strings> rows[] = {  // the start of a table, the refusal, lines that cause it
         {inCase, "", {"bytes 00", "bytes 00\n\n\ncase B\nbytes none"}},
         {inCase, "T:3: unknown word", {"byte 00", "# byte", "\tNOP\nbytes 00", "   NOP\nbytes 00"}},
         {inCase, "T:3: unknown escape", {"raw \\q", "raw \\", "raw \\x4G", "raw \\#"}},
         {inCase, "T:3: \\{ without its *count}", {"    \\{NOP}", "bytes \\{00 *}"}},
         {inCase, "T:3: alternatives twice", {"    LD [A|B],[C|D]"}},
-        {inCase, "T:3: no bytes", {"bytes 0", "bytes 0 0", "bytes 0000", "bytes 0G", "bytes none 00", "bytes 00 none"}},
+        {inCase, "T:3: no bytes", {"bytes 0", "bytes 0 0", "bytes 0000", "bytes 0G", "bytes none 00", "bytes 00 none",
+                                     "    NOP ;= 0"}},
         {inCase, "T:3: no message: eror 33", {"    FROB ;! eror 33", "    ;! error 33 ;! eror 33"}},
         {inCase, "T:3: no message: error 33 FROB", {"    FROB ;! error 33 FROB", "error 33 FROB"}},
         {inCase, "T:3: no place, or two", {"error 33 [FROB]", "    FROB ;! error 33 7"}},
@@ -147,7 +142,8 @@ TEST(TableTest, MakesACaseOfItsLines) {
     WriteFile("T",
               "case A; korv a \"\"\n    \\{ L\\#: \\+\\n*3}\nraw  L\\{a\\\\*2}\\r\\xE4\\n\n"
               "         ;! error 1 [\\{z*3}]\n    DB \"\\ ;! error 2 [=]\nerror -1 -:0\n"
-              "file B\n    FROB [X|YZ] ;!1 error 33 [=] ;! warning 2 [=]\n");
+              "file B\n    FROB [X|YZ] ;!1 error 33 [=] ;! warning 2 [=]\n\n"
+              "case B\n    DB 1  ;= 01\n    [ RET| DB \";=\"] ;= C9 3B  3D\n");
     const Case test = ReadCase(ReadBlocks("T")[0]);
     EXPECT_EQ("FROB X\nFROB YZ\n", test.files.at("B"));
     EXPECT_EQ(" L0: 1\n L1: 2\n L2: 3\n La\\a\\\r\xE4\nDB \"\\\n", test.files.at("Main.Kor"));
@@ -160,6 +156,9 @@ TEST(TableTest, MakesACaseOfItsLines) {
         "B(2) : error X33 : Illegal or unknown instruction. [YZ]\n"
         "B(1) : warning X2 : *Identifiers* [X]\nB(2) : warning X2 : *Identifiers* [YZ]\n",
         test.messages);
+    const Case other = ReadCase(ReadBlocks("T")[1]);
+    EXPECT_EQ("DB 1\n RET\n DB \";=\"\n", other.files.at("Main.Kor"));
+    EXPECT_EQ("01C93B3D", other.bytes);
 }
 
 }  // namespace

@@ -1,6 +1,6 @@
-// Asks what is missing: each keyword, message, reserved word and switch has its case and its place in the manual, each
-// option its place there and in the man page. The manual is written by hand, so it is a second opinion on every word
-// and every text. A failure names what has none.
+// Checks that nothing is missing: each keyword, message, reserved word and switch has a case and is in the manual; each
+// option is there and in the man page. The manual is written by hand, so it is an independent check of every word and
+// text. A failure names what is missing.
 
 #include <gtest/gtest.h>
 
@@ -26,14 +26,14 @@ namespace {
 
 using StringSet = std::set<std::string>;
 
-// All that the first group of `pattern` finds.
+// Everything that the first group of `pattern` matches.
 template <class Container = Strings>
 Container Found(const std::string& text, const std::string& pattern) {
     const std::regex regex(pattern);
     return {std::sregex_token_iterator(text.begin(), text.end(), regex, 1), {}};
 }
 
-// The manual from a line that begins with `from` up to one that begins with `to`.
+// The manual from a line that begins with `from` up to a line that begins with `to`.
 std::string Manual(const std::string& from, const std::string& to = "\f") {
     const std::string text = "\n" + ReadFile(ProjectPath("docs/manual.md")).value_or("") + "\n";
     const std::size_t start = text.find("\n" + from);
@@ -45,7 +45,7 @@ Strings Rows(const std::string& part) {
     return Found(part, "\n(\\| [^\n]*)");
 }
 
-// The tables of cases, and the examples of the manual, which are cases too.
+// The text of all cases, including the examples in the manual.
 std::string AllCases() {
     std::string text;
     for (const std::string& path : TablesIn("cases")) {
@@ -58,7 +58,8 @@ std::string AllCases() {
 }
 
 // clang-format off
-// What a form of the manual stands for: "LD r,(IX+d)" is "LD B,(IY-3)" too. Other signs are numbers.
+// Matches the instructions that a form in the manual stands for: "LD r,(IX+d)" matches "LD B,(IY-3)" too. Any other
+// lower-case word is a number.
 std::regex PatternOf(const std::string& form) {
     const std::map<std::string, std::string> signs = {
         {"r", "[A-EHL]"}, {"r'", "[A-EHL]"}, {"ss", "(BC|DE|HL|SP)"}, {"qq", "(BC|DE|HL|AF)"}, {"IX", "I[XY]"},
@@ -72,9 +73,9 @@ std::regex PatternOf(const std::string& form) {
 }
 
 TEST(CompletenessTest, EveryInstructionHasItsTestAndItsRow) {
-    const std::string lines = ReplaceAll(AllCases(), "|", "\n     ");  // an alternative is a line too
+    const std::string lines = ReplaceAll(AllCases(), "|", "\n     ");  // each alternative is a line
     const auto cases = Found<StringSet>(lines, "\n(?:    |raw )[^\\s;]*[ \t]+\\[?([A-Z_]+)");
-    std::map<std::string, std::pair<std::regex, bool>> forms;  // the bool: it has a test
+    std::map<std::string, std::pair<std::regex, bool>> forms;  // the bool: there is a test
     StringSet listed;
     for (const std::string& row : Rows(Manual("### 5.2", "### 5.8") + Manual("## 6 ", "## 7 "))) {
         for (const std::string& form : Found(row, "`([A-Z][^`]*)`")) {
@@ -115,10 +116,10 @@ TEST(CompletenessTest, EveryInstructionHasItsTestAndItsRow) {
 
 TEST(CompletenessTest, EveryMessageHasTheTextOfTheManualAndACase) {
     const StringSet withoutCase = {
-        "error 15",  // a signal: process_test.cpp
+        "error 15",  // a signal; tested in process_test.cpp
         "error 26",  // an EQU that waits always has its name
         "error 29",  // a name without a value always has its patches
-        "error 52",  // no memory: process_test.cpp
+        "error 52",  // no memory; tested in process_test.cpp
     };
     std::map<std::string, StringSet> texts = {{"21", {""}}, {"42", {""}}};  // in the manual
     StringSet kinds;                                                        // "error 16"
@@ -147,7 +148,7 @@ TEST(CompletenessTest, EveryMessageHasTheTextOfTheManualAndACase) {
     }
 }
 
-// All that a run leaves: its console, the names and contents of its files.
+// Everything that a run leaves: its console output, and the names and contents of its files.
 std::string Traces(const std::string& source, const Strings& arguments) {
     const TempDir directory;
     WriteFile("Main.Kor", source);
@@ -160,27 +161,46 @@ std::string Traces(const std::string& source, const Strings& arguments) {
     return traces;
 }
 
-TEST(CompletenessTest, EveryReservedWordIsRefusedAndFreeWithoutThem) {
-    const std::string own = " KORV KORV_VER KORV_LOW KORV_BUILD";  // these have a value, so are taken
-    for (const std::string& word : Found(Manual("ADC ADD AND", "```") + own, "([A-Z_]+)")) {
+TEST(CompletenessTest, TheWordsOfTheManualAreReserved) {
+    const std::string own = " KORV KORV_VER KORV_LOW KORV_BUILD";  // these have a value, so they can never be labels
+    const auto listed = Found<StringSet>(Manual("ADC ADD AND", "```") + own, "([A-Z_]+)");
+    StringSet words = listed;
+    for (const korv::Keyword& keyword : korv::keywords) {
+        words.emplace(keyword.word);
+    }
+    for (const std::string& word : words) {
         for (const std::string toggle : {"/i", "/i-"}) {
+            const bool isReserved = listed.contains(word) && (toggle == "/i" || Contains(own, " " + word));
             const bool isRefused = Contains(Traces(word + ": NOP\n", {toggle}), " error X46 : ");
-            EXPECT_EQ(toggle == "/i" || Contains(own, " " + word), isRefused) << word << " as a label, " << toggle;
+            EXPECT_EQ(isReserved, isRefused) << word << " as a label, " << toggle << ": see chapter 8 of the manual";
         }
     }
+    const std::string count = std::to_string(listed.size()) + " identifiers found";
     for (const std::string source : {"", "LD: DW SET\n"}) {
-        EXPECT_TRUE(Contains(Traces(source, {"/m"}), "91 identifiers found")) << "other words, or some twice: " << source;
+        EXPECT_TRUE(Contains(Traces(source, {"/m"}), count)) << "other words, or some twice: " << source;
+    }
+}
+
+TEST(CompletenessTest, TheDocumentsShowWhatARunPrints) {
+    for (const auto& [document, name] : {std::pair("README.md", "examples/hello.kor"), {"docs/manual.md", "hello.kor"}}) {
+        const std::string text = ReadFile(ProjectPath(document)).value_or("");
+        const std::size_t start = text.find("\n;") + 1;
+        const TempDir directory;
+        WriteFile(name, text.substr(start, text.find("```", start) - start));
+        const std::string console = RunKorv({name, "/m"});
+        const std::string printed = std::string(name) + " /m\n" + console.substr(0, console.rfind('\n') + 1);
+        EXPECT_TRUE(Contains(text, printed)) << document << " does not contain this:\n" << printed;
     }
 }
 
 TEST(CompletenessTest, EverySwitchIsOnOffOrMalformed) {
-    const std::map<std::string, std::string> signs = {  // what shows that it is on; with /w, off
+    const std::map<std::string, std::string> signs = {  // the text that appears if the switch is on; for /w, if it is off
         {"/b", "Main.bin"}, {"/d", "Debug.Out"}, {"/ds", "Adding patch"}, {"/l", "Labels.Out"},
         {"/m", "secured. (Main."}, {"/p", "100% completed.\r"}, {"/t", "been online for "},
         {"/w", "warning X57"}, {"/i", "error X46"}, {"/?", "[Korv] HELP!\n"},
         {"/f:<n>", "0 illegal filesize! "}, {"/linelen:<n>", "0 illegal linesize! "},  // with n = 0
         {"/wait", "\nPress a key to continue...\r"}};
-    const std::tuple<std::string, char, std::string> endings[] = {  // ' ': as it was before
+    const std::tuple<std::string, char, std::string> endings[] = {  // ' ': the switch keeps its state
         {"", '+', ""}, {"+", '+', ""}, {"-", '-', ""}, {"q", ' ', "Unrecognized switch (argument 3)!\n"},
         {"+-", '+', "Trailing garbage in argument 3!\n"}, {"-+", '-', "Trailing garbage in argument 3!\n"}};
     ASSERT_NE(nullptr, std::freopen(nullDevice, "r", stdin));  // for /wait
@@ -213,8 +233,8 @@ TEST(CompletenessTest, EverySwitchIsOnOffOrMalformed) {
     }
 }
 
-TEST(CompletenessTest, EveryOptionAndWarningOfKorvAsStandsWhereAUserLooks) {
-    // Files, with what comes before a letter and before a long name; a separator follows both.
+TEST(CompletenessTest, EveryOptionAndWarningOfKorvAsIsInItsDocuments) {
+    // The files, and what precedes a letter and a long name in each; both are followed by a separator.
     const std::string texts[][3] = {{Manual("## 13", "### 13.1"), "`-", "`--"},
                                     {"docs/man1/korv-as.1", " Fl ", " Fl Fl "},
                                     {"editors/completions/korv-as.bash", " -", " --"},
@@ -222,25 +242,36 @@ TEST(CompletenessTest, EveryOptionAndWarningOfKorvAsStandsWhereAUserLooks) {
                                     {"editors/completions/korv-as.fish", " -s ", " -l "}};
     for (const auto& [name, letter, longName] : texts) {
         const std::string text = ReadFile(ProjectPath(name)).value_or(name);
+        const std::string title = name.substr(0, name.find('\n'));
         const auto has = [&text](const std::string& pattern) {
             return std::regex_search(ReplaceAll(text, "\n", " "), std::regex(pattern));
         };
         for (const korv::OptionRow& row : korv::optionTable) {
-            EXPECT_TRUE(row.letter == '\0' || has(letter + row.letter + "[^-\\w]")) << name << ": " << row.letter;
-            EXPECT_TRUE(row.name.empty() || has(longName + std::string(row.name) + "[^-\\w]")) << name << ": " << row.name;
+            EXPECT_TRUE(row.letter == '\0' || has(letter + row.letter + "[^-\\w]")) << title << ": " << row.letter;
+            EXPECT_TRUE(row.name.empty() || has(longName + std::string(row.name) + "[^-\\w]")) << title << ": " << row.name;
             const auto choices = row.Choices();
             for (const std::string_view choice : choices.size() > 1 ? choices : decltype(choices)()) {
-                EXPECT_TRUE(has("[^-\\w]" + std::string(choice) + "[^-\\w]")) << name << ": " << choice;
+                EXPECT_TRUE(has("[^-\\w]" + std::string(choice) + "[^-\\w]")) << title << ": " << choice;
             }
         }
         for (const korv::WarningRow& row : korv::warningTable) {
-            EXPECT_TRUE(letter == "`-" || has("[ \"]" + std::string(row.name) + "[^-\\w]")) << name << ": " << row.name;
+            EXPECT_TRUE(letter == "`-" || has("[ \"]" + std::string(row.name) + "[^-\\w]")) << title << ": " << row.name;
         }
-        EXPECT_TRUE(has("no-error")) << name;
+        EXPECT_TRUE(has("no-error")) << title;
     }
     const std::string manual = Manual("### 13.2", "## 14");
+    const std::string runs = ReadFile(ProjectPath("tests/frontend/runs.txt")).value_or("");
+    std::set<std::string_view> ofCore;  // warnings that have a number in messages
+    for (std::size_t number = 0; number < korv::MESSAGE_TABLE.size(); ++number) {
+        if (const auto warning = korv::WarningOf(static_cast<korv::Status>(number))) {
+            ofCore.insert(korv::RowOf(*warning).name);
+        }
+    }
     for (const korv::WarningRow& row : korv::warningTable) {
-        EXPECT_TRUE(Contains(manual, "\n| `" + std::string(row.name) + (row.isOn ? "` | on | " : "` | off | "))) << row.name;
+        EXPECT_TRUE(ofCore.contains(row.name) || Contains(runs, "[" + std::string(row.name) + "]\n"))
+            << row.name << ": no case in tests/frontend/runs.txt";
+        EXPECT_TRUE(Contains(manual, "\n| `" + std::string(row.name) + (row.isOn ? "` | on | " : "` | off | ")))
+            << row.name << ": no row in 13.2 of the manual";
     }
     EXPECT_EQ(RunKorvAs({"--help"}), RunKorvAs({"-h", "--none"}));
     EXPECT_EQ(Strings(), Found(RunKorvAs({"-h"}), "(.{81,})\n")) << "lines of --help";

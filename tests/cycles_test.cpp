@@ -1,4 +1,4 @@
-// The T-states that the tables give, against those that an emulated Z80 takes.
+// Compares the T-states in the tables with the T-states of an emulated Z80.
 
 #include "frontend/cycles.h"
 
@@ -17,7 +17,7 @@ namespace {
 
 using Bytes = std::vector<std::uint8_t>;
 
-/// T-states of the instruction with these registers; AF is followed by flags alone.
+/// The T-states of the instruction with these registers. Only the flags in AF matter.
 int Measure(const Bytes& bytes, unsigned af, unsigned bc) {
     std::array<Z80EX_BYTE, 0x10000> memory{};
     std::ranges::copy(bytes, memory.begin());
@@ -34,14 +34,14 @@ int Measure(const Bytes& bytes, unsigned af, unsigned bc) {
         z80ex_set_reg(cpu.get(), reg, 0x8000);
     }
     int cycles = z80ex_step(cpu.get());
-    while (z80ex_last_op_type(cpu.get()) != 0) {  // a prefix is a step of its own
+    while (z80ex_last_op_type(cpu.get()) != 0) {  // a prefix counts as a step
         cycles += z80ex_step(cpu.get());
     }
     return cycles;
 }
 
-// Flags all clear and all set meet every condition once, and with these counters DJNZ and the block instructions end
-// and repeat.
+// With all flags clear and all flags set, every condition is met once. With these counters, DJNZ and the block
+// instructions end once and repeat once.
 korv::Cycles Measured(const Bytes& bytes) {
     std::vector<int> all;
     for (const unsigned af : {0x5500U, 0x55FFU}) {
@@ -58,7 +58,7 @@ TEST(CyclesTest, AgreeWithTheEmulatorForEveryDocumentedOpcode) {
     std::vector<int> compared;
     for (Bytes bytes : pages) {
         compared.push_back(0);
-        bytes.resize(bytes.size() + 4, 0x30);  // which makes no documented opcode of a prefix
+        bytes.resize(bytes.size() + 4, 0x30);  // no documented opcode with a prefix
         std::uint8_t& opcode = bytes[bytes.size() - 4];
         for (int i = 0; i < 0x100; ++i) {
             opcode = static_cast<std::uint8_t>(i);

@@ -1,9 +1,11 @@
-// The files under editors/: their words are those of the language, none missing and none too many,
-// and their patterns read what the programs print.
+// The files in editors/ must contain all words of the language and no others, and their patterns must match the
+// messages of the programs.
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
+#include <iterator>
 #include <regex>
 #include <set>
 #include <sstream>
@@ -22,7 +24,7 @@ std::string Editor(const std::string& name) {
     return ReadFile(ProjectPath("editors/" + name)).value_or("");
 }
 
-// The words in all that the first group of `pattern` finds.
+// The words in the text that the first group of `pattern` matches.
 StringSet WordsIn(const std::string& text, const std::string& pattern) {
     const std::regex list(pattern);
     const std::regex word("[A-Z_]+");
@@ -34,7 +36,7 @@ StringSet WordsIn(const std::string& text, const std::string& pattern) {
     return words;
 }
 
-TEST(EditorsTest, ColourEveryWordAndNoOther) {
+TEST(EditorsTest, HighlightEveryWordAndNoOther) {
     StringSet words = {"KORV", "KORV_VER", "KORV_LOW", "KORV_BUILD"};
     for (const korv::Keyword& row : korv::keywords) {
         words.emplace(row.word);
@@ -47,12 +49,19 @@ TEST(EditorsTest, ColourEveryWordAndNoOther) {
         EXPECT_NE(0, korv::FindWord(word).code) << word;
         words.insert(word);
     }
-    EXPECT_EQ(words, WordsIn(Editor("vim/syntax/korv.vim"), "syntax keyword korv\\w+( .*)"));
-    EXPECT_EQ(words, WordsIn(Editor("vscode/syntaxes/korv.tmLanguage.json"), "\\(\\?:([A-Z_|]+)\\)"));
+    const std::pair<std::string, std::string> files[] = {
+        {"vim/syntax/korv.vim", "syntax keyword korv\\w+( .*)"},
+        {"vscode/syntaxes/korv.tmLanguage.json", "\\(\\?:([A-Z_|]+)\\)"}};
+    for (const auto& [file, pattern] : files) {
+        const StringSet found = WordsIn(Editor(file), pattern);
+        Strings different;
+        std::ranges::set_symmetric_difference(words, found, std::back_inserter(different));
+        EXPECT_EQ(Strings(), different) << "words that editors/" << file << " lacks, or has in excess";
+    }
 }
 
-// What a matcher of JSON makes of `output`: a line of "file|line|column|severity|code|message" for
-// each line that its pattern fits.
+// The result of a JSON problem matcher for `output`: "file|line|column|severity|code|message" for each line that its
+// pattern matches.
 std::string Matched(const std::string& matcher, const std::string& output) {
     const auto group = [&](const std::string& key, const std::string& form) {
         std::smatch found;
@@ -73,7 +82,7 @@ std::string Matched(const std::string& matcher, const std::string& output) {
     return ReplaceAll(all, "\\", "/");
 }
 
-// The same by the errorformat of a vim compiler, where a severity is a letter.
+// The same with the errorformat of a vim compiler, which has a letter as the severity.
 std::string MatchedByVim(const std::string& compiler, const std::string& output) {
     WriteFile("output", output);
     WriteFile("script", "set rtp^=" + ProjectPath("editors/vim") + "\ncompiler " + compiler + R"(
@@ -86,7 +95,7 @@ qa!
     return ReadFile("matched").value_or("");
 }
 
-TEST(EditorsTest, ReadWhatIsPrinted) {
+TEST(EditorsTest, PatternsMatchTheMessages) {
     const TempDir directory;
     WriteFile("Main.Kor", " INCLUDE sub/b (1).kor\n DB 1,\n LD A,()\n");
     WriteFile("sub/b (1).kor", " FROB B\n");
@@ -110,7 +119,7 @@ TEST(EditorsTest, ReadWhatIsPrinted) {
     EXPECT_EQ(withNotes + "Main.Kor|3|7|note||add the address or the register\n",
               Matched(package.substr(package.find("\"source\": \"korv-as\"")), ofKorvAs));
     if (std::system("command -v vim >/dev/null") != 0) {
-        GTEST_SKIP() << "no vim here: its compiler files are not read";
+        GTEST_SKIP() << "vim is not installed: its compiler files are not tested";
     }
     EXPECT_EQ(here("$DIR/sub/b (1).kor|1|0|e|33|Illegal or unknown instruction. [FROB]\n"
                    "$DIR/Main.Kor|3|0|e|1|Illegal error number! (Internal error.)\n"
@@ -127,10 +136,10 @@ TEST(EditorsTest, ReadWhatIsPrinted) {
         MatchedByVim("korv-as", ofKorvAs + RunKorvAs({"none.kor"})));
 }
 
-// What bash proposes for the last word of a command line, in which it parts words at "=" and "@".
+// The completions that bash proposes for the last word of a command line. Bash splits words at "=" and "@".
 TEST(EditorsTest, BashCompletesOptionsArgumentsAndFiles) {
     if (std::system("bash -c 'type mapfile compgen' >/dev/null 2>&1") != 0) {
-        GTEST_SKIP() << "no bash here";
+        GTEST_SKIP() << "bash is not installed";
     }
     const TempDir directory;
     WriteFile("a b.kor", "");

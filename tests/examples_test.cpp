@@ -1,4 +1,4 @@
-// Every example assembles without a message and does on a Z80 what it says. Typed text is not echoed.
+// Every example must assemble without a message and do what it should on an emulated Z80.
 
 #include <gtest/gtest.h>
 #include <z80ex/z80ex.h>
@@ -12,15 +12,15 @@
 namespace korv_test {
 namespace {
 
-// A Z80 with 64 KiB of RAM and as much of CP/M as a console program needs: its calls 0 (leave), 1 (key), 2 (character),
-// 9 (text up to "$") and 10 (line). Input is not echoed, so that `output` is the program's own text; after its end come
-// keys 1AH and empty lines.
+// A Z80 with 64 KiB of RAM, and the CP/M calls that a console program needs: 0 (end), 1 (read a key), 2 (print a
+// character), 9 (print text up to "$") and 10 (read a line). Input is not echoed, so `output` is only what the program
+// prints. After the end of the input, a key is 1AH and a line is empty.
 struct Emulator {
     static constexpr unsigned systemEntry = 5;
     static constexpr unsigned stackTop = 0xFF00;  // the word 0 there is the return address
     std::string memory = std::string(0x10000, '\0');
     std::string output;
-    std::string_view input;  // what is left of it; lines end in a line feed
+    std::string_view input;  // the unread part; lines end in a line feed
     std::unique_ptr<Z80EX_CONTEXT, decltype(&z80ex_destroy)> cpu = {
         z80ex_create(
             [](auto*, Z80EX_WORD at, int, void* ram) { return static_cast<Z80EX_BYTE*>(ram)[at]; }, memory.data(),
@@ -29,7 +29,7 @@ struct Emulator {
             [](auto*, Z80EX_WORD, Z80EX_BYTE, void*) {}, nullptr, nullptr, nullptr),
         z80ex_destroy};
 
-    // False: the program has not returned to address 0 after more steps than any test needs.
+    // Result: false if the program has not returned to address 0 after more steps than any test needs.
     bool Run(const std::string& code, unsigned start, unsigned entry) {
         memory.replace(start, code.size(), code).resize(0x10000);
         memory[systemEntry] = '\xC9';
@@ -37,7 +37,7 @@ struct Emulator {
         z80ex_set_reg(cpu.get(), regPC, static_cast<Z80EX_WORD>(entry));
         for (int step = 0; step < 5'000'000 && z80ex_get_reg(cpu.get(), regPC) != 0; ++step) {
             if (z80ex_get_reg(cpu.get(), regPC) == systemEntry) {
-                CallSystem();  // the RET there leads back
+                CallSystem();  // the RET at that address returns to the program
             }
             z80ex_step(cpu.get());
         }
@@ -48,11 +48,11 @@ struct Emulator {
         const unsigned call = z80ex_get_reg(cpu.get(), regBC) & 0xFFU;
         const std::size_t argument = z80ex_get_reg(cpu.get(), regDE);
         for (const Z80_REG_T reg : {regAF, regBC, regDE, regHL}) {
-            z80ex_set_reg(cpu.get(), reg, 0xA5A5);  // a program must expect rubbish after a call
+            z80ex_set_reg(cpu.get(), reg, 0xA5A5);  // a program must not rely on registers after a call
         }
         std::size_t used = 0;
         if (call == 0) {
-            z80ex_set_reg(cpu.get(), regSP, stackTop);  // where the RET leaves the program
+            z80ex_set_reg(cpu.get(), regSP, stackTop);  // so that the RET ends the program
         } else if (call == 1) {
             const unsigned key = input.empty() ? 0x1AU : static_cast<Z80EX_BYTE>(input[0]);
             z80ex_set_reg(cpu.get(), regAF, static_cast<Z80EX_WORD>(key << 8));
@@ -93,7 +93,7 @@ const std::string NO_NUMBER = "That is no number.\n" + GUESS;
 struct Program {
     const char* name;
     const char* input;
-    std::string output;  // with line feeds where the program writes carriage return and line feed
+    std::string output;  // with a line feed for each carriage return and line feed of the program
 };
 
 // clang-format off
@@ -116,7 +116,7 @@ const Program PROGRAMS[] = {
 };
 // clang-format on
 
-/// The target of one example; `format` is the switch for the kind of target.
+/// The image of an example; `format` is the switch that selects the kind of image.
 std::string Assemble(const std::string& name, const char* format) {
     const TempDir directory;
     const std::string console = RunKorv({ProjectPath("examples/" + name + ".kor"), "OUT.IMG", format});
@@ -146,7 +146,7 @@ TEST(LoaderExampleTest, UnpacksItsBlock) {
     const std::string line(29, '=');
     const std::string block = line + " Korv " + line + std::string(64, ' ') + std::string(64, '=');
     EXPECT_EQ(emulator.memory.substr(0xC000, block.size() + 1), block + '\0');
-    // Status 0, the CRC (by Python: binascii.crc_hqx(block, 0xFFFF)) and the size.
+    // Status 0, the CRC (calculated with Python's binascii.crc_hqx(block, 0xFFFF)) and the size.
     EXPECT_EQ(ToHex(emulator.memory.substr(0x8000, 5)), "00C397C000");
 }
 

@@ -1,4 +1,4 @@
-// The features of korv-ls: tables of sources with marks, and the reply to requests there.
+// The features of korv-ls: tables of sources with marks, and the replies to requests at the marks.
 
 #include <gtest/gtest.h>
 
@@ -26,10 +26,10 @@ namespace lsp = korv::lsp;
 
 constexpr korv::Range wholeFile{{0, 0}, {0xFFFFFFFF, 0}};
 
-// The files of a case, with what the analysis makes of them.
+// The files of a case, and their analysis.
 struct Program {
     std::map<std::string, std::string> files;  // by name
-    std::vector<std::string> names;            // of the files; the main one first
+    std::vector<std::string> names;            // of the files; the main file comes first
     struct Mark {
         std::string file;
         std::int32_t line;
@@ -38,13 +38,13 @@ struct Program {
     std::vector<Mark> marks;
     korv::Snapshot snapshot;
     std::int32_t markedFile = 0;
-    korv::Place place;  // of the mark in question
+    korv::Place place;  // of the current mark
 
     void Analyse(korv::PositionEncoding encoding) {
         korv::FileStore store;
         for (const auto& [name, text] : files) {
             if (!name.starts_with('/')) {
-                WriteFile(name, "");  // that a file exists is asked of the disk
+                WriteFile(name, "");  // the analysis checks on the disk whether a file exists
             }
             store.SetText(store.FullPath(name), text);
         }
@@ -68,7 +68,7 @@ struct Program {
     }
 };
 
-// As editors show it: from 1. "2:3-5" is within a line.
+// Lines and columns are counted from 1, as editors show them. "2:3-5" is a range within one line.
 std::string Shown(const korv::Range& range) {
     const auto shown = [](const korv::Position& at) {
         return std::to_string(at.line + 1) + ":" + std::to_string(at.character + 1);
@@ -111,7 +111,7 @@ std::string ShownOrRefused(const std::variant<Reply, lsp::Refusal>& reply,
     return refusal != nullptr ? "refused: " + refusal->message + "\n" : shown(std::get<Reply>(reply));
 }
 
-// The text of `file` with `edits`, which do not overlap.
+// The text of `file` after `edits`, which do not overlap.
 std::string Changed(const korv::Snapshot& snapshot, std::int32_t file, std::vector<lsp::TextEdit> edits) {
     const korv::StoredText& before = *snapshot.File(file).text;
     const auto offset = [&](const korv::Position& at) {
@@ -173,7 +173,7 @@ std::string Hints(const Program& program, const std::string& form) {
                  });
 }
 
-// The reply to `request` with the rest of its line, as text.
+// The reply to `request` as text. `word` is the rest of the request.
 std::string Reply(const Program& program, const std::string& request, const std::string& word) {
     const korv::Snapshot& snapshot = program.snapshot;
     const korv::Place& place = program.place;
@@ -235,7 +235,7 @@ std::string Reply(const Program& program, const std::string& request, const std:
     return replies.at(request)();
 }
 
-// Bytes for "{HH}"; `columns` gets the offset of each character of `text`.
+// Replaces each "{HH}" by a byte, and stores the offset of each character of `text` in `columns`.
 std::string Unescaped(const std::string& text, std::vector<std::size_t>* columns) {
     std::string bytes;
     for (std::size_t i = 0; i < text.size(); ++i) {
@@ -317,7 +317,7 @@ TEST(FeaturesTest, RepliesAreThoseOfTheTables) {
     }
 }
 
-// All sources of the tables and the examples, with blanks and with tabs.
+// For all sources of the tables and all examples, with blanks and with tabs.
 TEST(FeaturesTest, FormattingNeverChangesTheImage) {
     int changes = 0;
     const auto check = [&changes](Program program, const std::string& title) {

@@ -1,4 +1,4 @@
-// korv-as: its runs in tables of their own, and beside korv on all sources of the others.
+// korv-as: its own tables of runs, and a comparison with korv for every source of the other tables.
 
 #include <gtest/gtest.h>
 
@@ -14,24 +14,14 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::map<std::string, std::string> FilesHere() {
-    std::map<std::string, std::string> files;
-    for (const auto& entry : fs::recursive_directory_iterator(".")) {
-        if (!entry.is_directory()) {
-            const std::string name = entry.path().lexically_normal().generic_string();
-            files[name] = ReadFile(name).value_or("unreadable");
-        }
-    }
-    return files;
-}
-
 class FrontendTest : public testing::TestWithParam<Block> {};
 
 int ModeOf(const std::string& name) {
     return static_cast<int>(fs::status(name).permissions());
 }
 
-// A case as those of korv, with all that it prints and the files that it leaves, which get the rights of any new file.
+// Like a case of korv, but compares everything that is printed, and every file. New files must have the usual
+// permissions.
 TEST_P(FrontendTest, Holds) {
     const Case test = ReadCase(GetParam());
     const TempDir directory;
@@ -71,7 +61,7 @@ Strings AllTables() {
     return tables;
 }
 
-// The cases of a table; all instructions of a table of encodings are one.
+// The cases of a table. All instructions of a table of encodings together are one case.
 std::vector<Case> CasesOf(const std::string& table) {
     std::vector<Case> cases;
     if (Contains(table, "/encodings/")) {
@@ -87,8 +77,8 @@ std::vector<Case> CasesOf(const std::string& table) {
 
 class FrontendPromiseTest : public testing::TestWithParam<std::string> {};
 
-// For every source of the tables: the image of korv or none; and none only where korv-as has an error that korv has
-// not.
+// For every source of the tables, korv-as must make the image of korv or none. It may only make none if korv makes
+// none, or if it reports one of the errors that korv does not have.
 TEST_P(FrontendPromiseTest, EverySourceGivesTheImageOfKorvOrNone) {
     const std::regex stricter("error: .*(\\[(open-if|max-image)\\]|\n *(IF|COND) )", std::regex::icase);
     int images = 0;
@@ -112,7 +102,7 @@ TEST_P(FrontendPromiseTest, EverySourceGivesTheImageOfKorvOrNone) {
 
 INSTANTIATE_TEST_SUITE_P(Tables, FrontendPromiseTest, testing::ValuesIn(AllTables()));
 
-// What korv-as prints for a source, in which "|" ends a line.
+// The output of korv-as for a source in which "|" ends a line.
 std::string PrintedFor(const std::string& source, const std::string& words = "") {
     const TempDir directory;
     WriteFile("defs.kor", "");
@@ -121,8 +111,8 @@ std::string PrintedFor(const std::string& source, const std::string& words = "")
 }
 
 // clang-format off
-// The places and names of all messages for a source, an "!" before those that are errors.
-TEST(FrontendTest, StrangeLinesAreWarnedOfAndOthersAreNot) {
+// The place and name of each message for a source, with "!" before errors.
+TEST(FrontendTest, WarnsAboutTheseLinesAndNoOthers) {
     const char* rows[][3] = {
         {"", " DB FWD-$|FWD: DW $-FWD,FWD-$1|X: EQU LATE*$|LATE: JP NONE+$", "1:5 late-location, 3:8 late-location, !4:10 X12"},
         {"", " LD BC,35000*2| LD (35000*2),A| CALL -32769| LD IX,(65535+1)", "1:8 truncated, 2:5 X23, 3:7 truncated, 4:8 truncated"},
@@ -139,8 +129,10 @@ TEST(FrontendTest, StrangeLinesAreWarnedOfAndOthersAreNot) {
         {" -f bin -W no-org", " ORG 5| ORG 5| ORG 7", "3:6 X48"},
         {"", " IF 0| IF 1| IF 1| ENDIF| ENDIF| IF 0| ELSE| ENDIF| ELSE| IF 1| ENDIF| ENDIF", "2:2 nested-if, 3:2 nested-if, 7:2 nested-if"},
         {"", "END|ENDX|Defb:| LD A,300| DM \"a| DB 1,,2| DB 1,", "1:1 keyword-label, 4:7 X40, 5:5 X45, 6:6 X59, 7:6 X59"},
-        {" -W org -W label-without-colon", "*|X NOP| ORG 300H", "1:1 X58, 2:1 X57, 3:6 X60, 3:6 org-gap"},
         {" -W error=range -W no-org-gap", " LD A,300| ORG 5| DB 1,", "!1:7 X40, 3:6 X59"},
+        {" -W error=org -W error -W no-error=range", " LD A,300| ORG 300H", "1:7 X40, !2:6 X60, !2:6 org-gap"},
+        {"", " DB \"one\\n\"| DB \"C:\\\",0", "1:9 escape"},
+        {"", " IF 3 AND 1=2| ENDIF| IF 1=2 OR 1| ENDIF| IF (1 AND 4)=4| ENDIF| IF 1 AND 2| ENDIF", "1:5 condition, 3:5 condition"},
         {" -Werror -W no-error=empty-operand -W no-open-string -W no-skipped-line", "* x| LD A,300| DB 1,| DM \"a", "!2:7 X40, 3:6 X59"},
         {" -w -W range", "* x| LD A,300|END| DB 1,", ""},
         {"", " IF 1| IF X| ELSE| ENDIF|Y: IF 1", "!2:5 X12, !5:1 X43, !1:2 open-if, !5:4 open-if"},
@@ -166,7 +158,7 @@ TEST(FrontendTest, BytesAtTheEndsOfLinesAndFilesHideNothing) {
     EXPECT_EQ("", PrintedFor(" NOP\r|; c\r\r|\r| NOP\r|\x1A\x1A"));
 }
 
-TEST(FrontendTest, WhatIsWrongWithTheCommandLineIsSaidAndNothingIsWritten) {
+TEST(FrontendTest, RefusesAFaultyCommandLineAndWritesNothing) {
     const std::pair<const char*, const char*> rows[] = {
         {"", "no source"}, {"a.kor b.kor", "one source file at a time: 'a.kor' and 'b.kor' are given"}, {"-x a.kor", "unknown option '-x'; --help"},
         {"--form hex a.kor", "unknown option '--form'; did you mean '--format'?"}, {"--lsiting=x a.kor", "'--lsiting'; did you mean '--listing'?"},
@@ -191,7 +183,7 @@ TEST(FrontendTest, WhatIsWrongWithTheCommandLineIsSaidAndNothingIsWritten) {
         WriteFile("open", "a.kor\n-o b\nx\"y\n\n");
         fs::create_hard_link("a.kor", "sub/link");
         if (isWindows && (Contains(words, "sub/to") || Contains(words, "/dev/"))) {
-            continue;  // not everybody may make a link there
+            continue;  // which needs a privilege there
         }
         isWindows ? void() : fs::create_symlink("../new", "sub/to");
         const auto before = FilesHere();
@@ -202,7 +194,7 @@ TEST(FrontendTest, WhatIsWrongWithTheCommandLineIsSaidAndNothingIsWritten) {
     }
 }
 
-TEST(FrontendTest, ArgumentFilesAreCutIntoWordsAsThoseOfGnu) {
+TEST(FrontendTest, SplitsArgumentFilesLikeGnu) {
     const std::pair<std::string, const char*> rows[] = {
         {"\xEF\xBB\xBF# all\n -I  lib\t-w\r\n\t# more\n\na#b #c\n#", "-I|lib|-w|a#b|#c|"}, {"ab # c\n#d", "ab|#|c|"}, {"", ""},
         {"'a \"b'c \"d 'e\"f '' \"\\\"\"", "a \"bc|d 'ef||\"|"}, {"a\\ b 'c\\'d' \\\\e \\#", "a b|c'd|\\e|#|"}, {"a \\\n b\\\r\nc\\", "a|b|c|"},
@@ -218,7 +210,7 @@ TEST(FrontendTest, ArgumentFilesAreCutIntoWordsAsThoseOfGnu) {
     }
 }
 
-// Files that name each other again and again are read for a while only.
+// Files that refer to each other endlessly are read only up to a limit.
 TEST(FrontendTest, ArgumentFilesEndAtTenDeepAndAtAMegabyte) {
     const TempDir directory;
     for (int i = 1; i <= 10; ++i) {

@@ -1,4 +1,4 @@
-// Which part of a line a report is about.
+// The part of a line that a message points at.
 
 #include <gtest/gtest.h>
 
@@ -16,12 +16,12 @@ class Recorder : public korv::MessageReceiver {
     std::vector<korv::SourcePlace> places;
 };
 
-// A line, and the parts reported in it. An empty one is the line as a whole.
+// A line, and the parts of it that messages point at. An empty part means the whole line.
 // clang-format off
 const std::vector<std::pair<std::string, Strings>> rows = {
-    // the count of the operands
+    // the number of operands
     {" LD A,B,C,D", {"C"}}, {" ADD A,B,C", {"C"}}, {" NOP 1", {"1"}}, {" LD A", {"LD"}}, {" DB", {"DB"}},
-    // the operand
+    // an operand
     {" LD (IX+1),300", {"300"}}, {" LD (BC),B", {"B"}}, {" LD AF,1", {"AF"}}, {" LD HL,BC", {"BC"}},
     {" LD (1),AF", {"AF"}}, {" LD F,A", {"F"}}, {" ADD BC,HL", {"BC"}}, {" ADC IX,A", {"IX"}}, {" ADD HL,1", {"1"}},
     {" INC 1", {"1"}}, {" BIT 8,A", {"8"}}, {" BIT NIX,A", {"NIX"}}, {" JR PO,1", {"PO"}}, {" JR 9999", {"9999"}},
@@ -30,7 +30,7 @@ const std::vector<std::pair<std::string, Strings>> rows = {
     {" EX DE,BC", {"BC"}}, {" EX BC,DE", {"BC"}}, {" IN B,(7)", {"B"}}, {" IN A,(BC)", {"(BC)"}}, {" IN 1,(C)", {"1"}},
     {" OUT (300),A", {"(300)"}}, {" PUSH SP", {"SP"}}, {" DM 5", {"5"}}, {" DS NIX", {"NIX"}}, {" DS A", {"A"}},
     {" ORG NIX", {"NIX"}}, {" IF A", {"A"}}, {" INCLUDE NONE", {"NONE"}}, {" LD A,( )", {"( )", "LD"}},
-    // the one whose expression fails
+    // an expression that cannot be evaluated
     {" JP 1+*,1+*", {"1+*", "1+*"}}, {" LD A,(1+*)", {"(1+*)"}}, {" LD (IX+1+*),1+*", {"(IX+1+*)"}},
     {" DW 1+*,2", {"1+*"}}, {"E: EQU 1+*", {"1+*"}}, {" RST 1+*", {"1+*"}},
     // the mnemonic, the label, the line

@@ -1,4 +1,4 @@
-// What takes POSIX: how the program dies, is broken off or waits, in a child process; owners, rights and links.
+// Tests that need POSIX: how the program dies, is interrupted or waits, in a child process; owners, permissions, links.
 
 #include "driver/process.h"
 
@@ -37,7 +37,8 @@ using Action = std::function<void(pid_t)>;
 
 void Nothing(pid_t) {}
 
-// Runs the program in a child: `prepare` there before it, `meanwhile` here beside it.
+// Runs the program in a child process: after `prepare`, which runs in the child, and during `meanwhile`, which runs
+// here.
 Outcome RunChild(Strings words, const Action& prepare, const Action& meanwhile = Nothing) {
     std::vector<char*> argv;
     for (std::string& word : words) {
@@ -63,7 +64,7 @@ void Await(const std::function<bool()>& isReached) {
     }
 }
 
-// Named so that it runs before the others: those leave blocks of patches in this process.
+// The name makes this test run first: the others leave blocks of patches in this process.
 TEST(FaultDeathTest, AnyAllocationMayFailOnceOrForGood) {
     const TempDir directory;
     // clang-format off
@@ -78,7 +79,8 @@ TEST(FaultDeathTest, AnyAllocationMayFailOnceOrForGood) {
     // clang-format on
     const std::string death = "Could not allocate more memory! (Size=4096)\n";
     const std::string firstDeath = "[ERROR!] Failed to allocate 8192 bytes.\n" + dump + death + dump;
-    const std::string use = " DW F0+" + std::string(1100, '0') + "\n";  // of 16, the 15th is too much for a block
+    const std::string use =
+        " DW F0+" + std::string(1100, '0') + "\n";  // 16 of them: the 15th no longer fits in a block
     std::string source =
         "L0: DW F0+0,F1,F2\n" + ReplaceAll(std::string(16, 'x'), "x", use) + " IF 1\n INCLUDE 7\n ENDIF\n";
     const std::string text = " DB \"" + std::string(200, 'x') + "\"\n";
@@ -119,8 +121,8 @@ TEST(FaultDeathTest, AnyAllocationMayFailOnceOrForGood) {
     // clang-format off
     const std::string line = " : error X52 : Out of Memory.\n", noFile = "\nUhm, I DUNNO! ;p(0)" + line;
     const std::pair<std::string, std::string> rows[] = {
-        // the size that cannot be had, what is printed then
-        {"", "Could not allocate more memory! (Size=20480)\n"},  // by a word
+        // the size that could not be allocated, and what is printed then
+        {"", "Could not allocate more memory! (Size=20480)\n"},  // larger by a word
         {"", "Could not allocate memory for BinBlock.\n"}, {"", "Could not allocate more memory.\n"},
         {"", "Could not allocate memory for CPatchInfoMemBlock!\n"}, {"", "realloc error\n"},
         {"", "Could not allocate memory for CtmpStringBlock!\n"}, {"", "Could not allocate memory for lsArg!\n"},
@@ -147,7 +149,7 @@ TEST(BreakTest, EndsTheRunAndLeavesTheTarget) {
         {SIGINT, SIG_IGN, "*\nBreak" + end},
         {SIGQUIT, SIG_DFL, "*\nBreak" + end},
         {SIGHUP, SIG_DFL, "*\nClose" + end},
-        {SIGHUP, SIG_IGN, "(3) : error X33"},  // as under nohup: the run goes on
+        {SIGHUP, SIG_IGN, "(3) : error X33"},  // as under nohup: the run continues
         {SIGTERM, SIG_DFL, "*\nShutdown" + end}};
     for (const auto& [signal, before, expected] : rows) {
         const auto prepare = [number = signal, handler = before](pid_t) {
@@ -196,7 +198,7 @@ TEST(WaitTest, TakesOneByteOfAPipe) {
     EXPECT_TRUE(console.ends_with("\nPress a key to continue...\r" + std::string(26, ' ') + '\r'));
     char left = 0;
     EXPECT_EQ(1, read(ends[0], &left, 1));
-    EXPECT_EQ(0, RunChild({"korv", "/wait"}, fromPipe).status);  // the end of the input is a key
+    EXPECT_EQ(0, RunChild({"korv", "/wait"}, fromPipe).status);  // the end of the input counts as a key
     close(ends[0]);
 }
 
@@ -224,19 +226,17 @@ TEST(SettledTest, ARefusedTargetCannotBeAborted) {
     EXPECT_TRUE(assembler.flags.Has(korv::RF_SETTLED));
 }
 
-#ifndef NDEBUG
-TEST(BinBlockDeathTest, AWordHasAPosition) {
-    korv::BinBlock block(4096, stdout);
-    EXPECT_DEATH(static_cast<void>(block.PutWordAt(1, 0xFFFFFFFF)), "PutWordAt");
-}
-#endif
-
-TEST(WaitTest, TakesOneKeyOfATerminal) {
+// The two ends of a new terminal: what is written to the first is typed at the second, which is -1 if there is none.
+std::pair<int, int> OpenTerminal() {
     const int keyboard = posix_openpt(O_RDWR | O_NOCTTY);
     const bool isReady = keyboard >= 0 && grantpt(keyboard) == 0 && unlockpt(keyboard) == 0;
-    const int terminal = isReady ? open(ptsname(keyboard), O_RDWR | O_NOCTTY) : -1;
+    return {keyboard, isReady ? open(ptsname(keyboard), O_RDWR | O_NOCTTY) : -1};
+}
+
+TEST(WaitTest, TakesOneKeyOfATerminal) {
+    const auto [keyboard, terminal] = OpenTerminal();
     if (terminal < 0) {
-        GTEST_SKIP() << "No terminal can be had: " << std::strerror(errno);
+        GTEST_SKIP() << "no terminal: " << std::strerror(errno);
     }
     const TempDir directory;
     termios before;
@@ -255,7 +255,7 @@ TEST(WaitTest, TakesOneKeyOfATerminal) {
     close(keyboard);
 }
 
-// The superuser may do everything, so these runs are somebody else's, in directories for all.
+// The superuser has all permissions, so these runs are made by another user, in directories that everybody can use.
 class AsNobody {
   public:
     AsNobody() {
@@ -280,8 +280,8 @@ TEST(OutputTest, KeepsWhatIsNotItsOwn) {
     const char* const secured = "[Korv] Binary target secured. (";
     const char* const noReports = "[Korv] Could not open 'debug.out'!\nCould not create file Labels.Out.\n";
     // clang-format off
-    // What a shell does before the run, the arguments after the source, a part of the console, and
-    // what a shell finds true afterwards.
+    // Shell commands before the run, the arguments after the source, a part of the console output, and a shell
+    // condition that is true afterwards.
     const std::tuple<std::string, Strings, const char*, std::string> rows[] = {
         {"chmod 640 old", {"old"}, secured, "test `stat -c %a old` = 640 && ! grep old old"},
         {"chmod 444 old", {"old"}, "[Korv] Could not open old.\n", "grep old old"},
@@ -329,7 +329,7 @@ TEST(OutputTest, LeavesNothingWhenTheProcessEnds) {
         if (child == 0) {
             korv::platform::OutputFile files[2];
             bool isRight = files[0].Open("a", {}, {}) && files[1].Open("b", {}, {});
-            std::raise(SIGUSR1);  // which waits as long as a file is unfinished
+            std::raise(SIGUSR1);  // which is delayed while a file is unfinished
             files[0].Write("text", 4);
             isRight = isRight && files[0].Commit() && (!isLast || files[1].Commit());
             std::exit(isRight ? 0 : 1);
@@ -343,11 +343,10 @@ TEST(OutputTest, LeavesNothingWhenTheProcessEnds) {
 }
 
 TEST(TerminalTest, GetsNoControlCharacters) {
-    const int master = posix_openpt(O_RDWR | O_NOCTTY);
-    const bool isReady = master >= 0 && grantpt(master) == 0 && unlockpt(master) == 0;
-    std::FILE* const terminal = isReady ? fdopen(open(ptsname(master), O_RDWR | O_NOCTTY), "r+") : nullptr;
+    const auto [master, handle] = OpenTerminal();
+    std::FILE* const terminal = fdopen(handle, "r+");
     if (terminal == nullptr) {
-        GTEST_SKIP() << "No terminal can be had";
+        GTEST_SKIP() << "no terminal: " << std::strerror(errno);
     }
     const std::pair<std::string, std::string> rows[] = {
         {"a\tb\x7F~", "a\\x09b\\x7F~"},
@@ -371,7 +370,7 @@ TEST(TerminalTest, GetsNoControlCharacters) {
     close(master);
 }
 
-// With standard output on a full disk, or in a pipe that nobody reads.
+// Standard output is a full disk, or a pipe that nobody reads.
 TEST(FrontendProcessTest, WhyAFileCannotBeReadOrWrittenIsSaid) {
     const std::string full = ": No space left on device", denied = ": Permission denied";
     const std::pair<std::string, std::string> rows[] = {{"-h", "write standard output" + full},

@@ -69,7 +69,7 @@ std::string RunKorvAs(Strings arguments, std::string* output) {
     for (const int handle : {saved[0], saved[1], streams[0], streams[1]}) {
         close(handle);
     }
-    EXPECT_NE(nullptr, std::freopen(nullDevice, "r", stdin));  // a file that is open cannot go everywhere
+    EXPECT_NE(nullptr, std::freopen(nullDevice, "r", stdin));  // not every system can remove an open file
     *output = ReadFile("console.out").value_or("");
     const std::string printed = ReadFile("console.err").value_or("");
     fs::remove("console.out");
@@ -105,6 +105,17 @@ std::string Shown(std::string text, const std::string& directory, Strings names)
 std::optional<std::string> ReadFile(const std::string& name) {
     std::ifstream file(name, name.ends_with(".Out") ? std::ios::in : std::ios::binary);
     return file ? std::optional(std::string(std::istreambuf_iterator<char>(file), {})) : std::nullopt;
+}
+
+std::map<std::string, std::string> FilesHere() {
+    std::map<std::string, std::string> files;
+    for (const auto& entry : fs::recursive_directory_iterator(".")) {
+        if (!entry.is_directory()) {
+            const std::string name = entry.path().lexically_normal().generic_string();
+            files[name] = ReadFile(name).value_or("unreadable");
+        }
+    }
+    return files;
 }
 
 void WriteFile(const std::string& name, std::string_view contents) {

@@ -1,6 +1,7 @@
-/// Running the program from a test: in this process, in an empty directory, with its console output captured.
+/// Runs the programs from a test: in this process, in an empty directory, with their output captured.
 #pragma once
 
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -18,13 +19,12 @@ inline constexpr bool isWindows = false;
 inline constexpr const char* nullDevice = "/dev/null";
 #endif
 
-/// Runs the program with `arguments`, in the current directory. Result: what it printed, which a file `console` there
-/// holds too.
+/// Runs korv with `arguments` in the current directory. Result: its output, which is also left in a file `console`.
 std::string RunKorv(Strings arguments);
-/// The same for korv-as, where a file `stdin` in the current directory is the input: what it printed on both streams,
-/// then its exit status if that is not 0. No file stays.
+/// Runs korv-as, with a file `stdin` in the current directory as its standard input, if there is one. Result: its
+/// output on both streams, then its exit status if that is not 0. Leaves no file.
 std::string RunKorvAs(Strings arguments);
-/// The same with standard output in `output`. Result: the rest.
+/// The same, but stores its standard output in `output`. Result: the rest.
 std::string RunKorvAs(Strings arguments, std::string* output);
 
 /// Enters an empty directory; leaves and removes it at the end.
@@ -41,15 +41,17 @@ class TempDir {
     std::string path;
 };
 
-/// `text` with `directory` for each "$DIR", and "$DIR/a/b", like each of `names`, as the system writes it.
+/// `text` with each "$DIR" replaced by `directory`, and with the system's separators in "$DIR/a/b" and in `names`.
 std::string Shown(std::string text, const std::string& directory, Strings names = {});
 
-/// A report, which is a file *.Out, with the line ends of all systems.
+/// The contents of a file, if there is one. Line ends of a report (*.Out) are converted to line feeds.
 std::optional<std::string> ReadFile(const std::string& name);
-/// Makes the directories of `name` as well.
+/// The contents of all files in the current directory and below it, by name.
+std::map<std::string, std::string> FilesHere();
+/// Also creates the directories in `name`.
 void WriteFile(const std::string& name, std::string_view contents);
 
-/// Sends what this process prints to the file `console`.
+/// Redirects the standard output of this process to the file `console`.
 void CaptureConsole();
 
 bool Contains(const std::string& text, const std::string& part);

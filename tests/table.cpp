@@ -23,7 +23,7 @@ void Require(bool isTrue, const std::string& otherwise) {
     }
 }
 
-// What `work` throws gets the place of its line.
+// Calls `work` for each line. Adds the place of the line to what it throws.
 template <typename Work>
 void ForEachLine(const std::vector<TableLine>& lines, const Work& work) {
     for (const TableLine& line : lines) {
@@ -48,8 +48,8 @@ bool IsBytes(const std::string& text) {
     return text.size() % 2 == 0 && text.find_first_not_of("0123456789ABCDEF") == std::string::npos;
 }
 
-// "LD [B|C],5" is two lines, each with its alternative. A line without brackets is itself, and has "=", so that "[=]"
-// in its messages stays as it is.
+// The lines that a line with alternatives stands for, each with its alternative: "LD [B|C],5" is two lines. A line
+// without brackets stands for itself; its alternative is "=", so that "[=]" in its messages does not change.
 std::vector<std::pair<std::string, std::string>> Alternatives(const std::string& line) {
     static const std::regex bracket(R"(\[([^\[\]]*\|[^\[\]]*)\])");
     std::smatch match;
@@ -86,7 +86,7 @@ std::string Unescaped(const std::string& text) {
     return result;
 }
 
-// With the repetitions written out: "\{L\#: DB \#\n*9}". Only they know escapes, unless `isRaw`.
+// Expands repetitions such as "\{L\#: DB \#\n*9}". Escapes are replaced only inside them, unless `isRaw`.
 std::string Expanded(std::string text, bool isRaw) {
     static const std::regex endForm(R"(\*([0-9]{1,7})\})");
     for (std::size_t at = 0; (at = text.find("\\{", at)) != std::string::npos;) {
@@ -119,7 +119,7 @@ class CaseReader {
         }
     }
 
-    // `place` is that of the line.
+    // `place` is where `line` is in its table.
     void Take(const std::string& line, const std::string& place) {
         takenPlace = place;
         if (file.empty()) {
@@ -133,13 +133,7 @@ class CaseReader {
         if (word == "raw") {
             *block += rest;
         } else if (word == "bytes") {
-            for (const std::string& pair : Split(rest, ' ')) {
-                Require(pair.size() == 2 || pair.empty() || rest == "none", "no bytes");
-            }
-            std::erase(rest, ' ');
-            test.places["bytes"].emplace_back(test.bytes.value_or("").size() / 2, place);
-            test.bytes = test.bytes.value_or("") + rest;
-            Require(test.bytes == "none" || IsBytes(*test.bytes), "no bytes");
+            AddBytes(rest);
         } else if (word == "error" || word == "warning") {
             AddMessage(" " + word + " " + rest, "");
         } else if (word == "file") {
@@ -186,21 +180,36 @@ class CaseReader {
         block = &(*texts)[name];
     }
 
-    // A line of a file, or those that a repetition makes of it.
+    void AddBytes(std::string pairs) {
+        for (const std::string& pair : Split(pairs, ' ')) {
+            Require(pair.size() == 2 || pair.empty() || pairs == "none", "no bytes");
+        }
+        std::erase(pairs, ' ');
+        test.places["bytes"].emplace_back(test.bytes.value_or("").size() / 2, takenPlace);
+        test.bytes = test.bytes.value_or("") + pairs;
+        Require(test.bytes == "none" || IsBytes(*test.bytes), "no bytes");
+    }
+
+    // A line of a file, or the lines that a repetition expands to.
     void TakeIndented(std::string lines) {
         lines += lines.ends_with('\n') ? "" : "\n";
-        if (file.empty() || lines.find_first_of("|!") == std::string::npos) {
+        if (file.empty() || lines.find_first_of("|!=") == std::string::npos) {
             *block += lines;
             return;
         }
         lines.pop_back();
         for (const std::string& line : Split(lines, '\n')) {
-            const auto parts = Split(ReplaceAll(line, ";!", "\n"), '\n');  // the source, its marks
+            const std::string marked = ReplaceAll(ReplaceAll(line, ";= ", "\n="), ";!", "\n");
+            auto parts = Split(marked, '\n');  // the source, its marks
             const bool isMarked = parts.size() > 1;
             std::string source = parts[0];
             source.erase(isMarked ? source.find_last_not_of(' ') + 1 : source.size());
+            if (parts.back().starts_with("=")) {
+                AddBytes(parts.back().substr(1));
+                parts.pop_back();
+            }
             for (const auto& [text, part] : Alternatives(source)) {
-                // Marks alone belong to the line before.
+                // Marks on a line of their own belong to the line before.
                 *block += isMarked && source.empty() ? "" : text + "\n";
                 const auto number = std::count(block->begin(), block->end(), '\n');
                 for (std::size_t i = 1; i < parts.size(); ++i) {
@@ -211,7 +220,7 @@ class CaseReader {
         }
     }
 
-    // "1 error 16 [NZ]" of a mark at `place`, or " error 16 B.KOR:7 [NZ]", which tells its own.
+    // "1 error 16 [NZ]" for a mark at `place`, or " error 16 B.KOR:7 [NZ]" with an empty `place`.
     void AddMessage(const std::string& text, std::string place) {
         static const std::regex form(
             R"(([0-9]?) (error|warning) (-?[0-9]{1,3})( (?:([\w.-]+):)?([0-9]+))?( \[.*\])? *)");
@@ -232,15 +241,15 @@ class CaseReader {
     }
 
     Case test;
-    std::string file = "Main.Kor";  // that is open, without its directory; empty: an output
+    std::string file = "Main.Kor";  // the file being read, without its directory; empty: an output
     std::string* block = &test.files[file];
-    std::string output;      // that is open, if no file is
-    std::string takenPlace;  // of the line in hand
-    // Places in the table and texts as printed; by "error", "error1", ...
+    std::string output;      // the output being read, if `file` is empty
+    std::string takenPlace;  // of the current line
+    // The places in the table and the texts as printed, under "error", "error1", ...
     std::map<std::string, std::vector<std::pair<std::string, std::string>>> messages;
 };
 
-// "```korv SWITCHES" with a source, then "```bytes" or "```messages", as lines of a table.
+// Converts the blocks "```korv SWITCHES" with a source, "```bytes" and "```messages" to lines of a table.
 std::vector<TableLine> ManualAsTable(const std::vector<TableLine>& manual) {
     const std::map<std::string, std::string> starts = {
         {"```korv", "    "}, {"```bytes", "bytes "}, {"```messages", ""}};

@@ -1,5 +1,5 @@
-/// The text tables of the tests; README.md tells their form. Whatever a reader does not understand it refuses by an
-/// exception with table and line, in the one test that needs it.
+/// Readers of the text tables, whose format README.md describes. A reader throws an exception with the table and the
+/// line if it does not understand something, so only the test that needs this line fails.
 #pragma once
 
 #include <map>
@@ -15,51 +15,51 @@ struct TableLine {
     std::string place;  ///< "TABLE:LINE"
     std::string text;
 };
-using Block = std::vector<TableLine>;  ///< a case as it stands in its table, without comments
+using Block = std::vector<TableLine>;  ///< the lines of a case
 
-/// The parts of `text` between the characters `at`: one more than there are of these.
+/// The parts of `text` between the characters `at`: one part more than there are such characters.
 Strings Split(const std::string& text, char at);
 
-/// The absolute path of a part of the project.
+/// The absolute path of a file of the project.
 std::string ProjectPath(const std::string& part);
-/// The files in a folder of tests/, in order.
+/// The files in a folder of tests/, sorted.
 Strings TablesIn(const std::string& folder);
 
-/// The cases of a table, or of the fenced blocks of a manual (.md).
+/// The cases of a table, or in the fenced blocks of a manual (.md).
 std::vector<Block> ReadBlocks(const std::string& path);
 
-/// The name of its test: the table, the line and the title.
+/// The name of the test for a case: the table, the line and the title.
 std::string TestName(const Block& block);
 
-/// A case as it is run.
+/// A case, ready to be run.
 struct Case {
     std::map<std::string, std::string> files;  ///< contents by name
     Strings arguments = {"Main.Kor"};
-    std::string target;                          ///< the name of the file that they ask for
+    std::string target;                          ///< the name of the file that the arguments ask for
     std::string messages;                        ///< as printed, without directories: errors, then warnings
-    bool hasError = false;                       ///< among what is expected
-    std::optional<std::string> bytes;            ///< of the target in hexadecimal, or "none"
+    bool hasError = false;                       ///< whether an error is expected
+    std::optional<std::string> bytes;            ///< the target in hexadecimal, or "none"
     std::map<std::string, std::string> outputs;  ///< expected contents by name; "console" as in README.md
-    /// The lines of the table that an expectation comes from, by the offsets in it from which they count; for messages
-    /// by marks under "messages".
+    /// For each expectation, the offsets in it and the lines of the table that they come from. Messages expected by
+    /// marks are under "messages".
     std::map<std::string, std::vector<std::pair<std::size_t, std::string>>> places;
     std::string title;  ///< the first line of the case, and its place
 };
 
 Case ReadCase(const Block& block);
 
-/// Where the texts in `got` differ from those that `test` expects, by name: the title, then for each the line of the
-/// table, the offset, the two bytes and their lines. Empty: nowhere.
+/// Describes where the texts in `got` differ from `expected`: the title, then for each name the line of the table, the
+/// offset, the two bytes and their lines. Empty: nowhere.
 std::string Differences(const Case& test, std::map<std::string, std::string> expected,
                         std::map<std::string, std::string> got);
 
 struct Encoding {
     std::string instruction;
     std::string bytes;       ///< hexadecimal, without blanks
-    std::string place = {};  ///< of the line that it comes from
+    std::string place = {};  ///< of the line in its table
 };
 
-/// A table of encodings: "LD [B|C],5 = 06 05|0E 05" is two of them.
+/// Reads a table of encodings. The line "LD [B|C],5 = 06 05|0E 05" stands for two of them.
 std::vector<Encoding> ReadEncodings(const std::string& path);
 
 }  // namespace korv_test

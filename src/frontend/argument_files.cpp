@@ -9,8 +9,8 @@ namespace korv {
 namespace {
 
 constexpr int deepest = 10;
-// What all files may hold, each as often as it is read. It also bounds a file without an end, and
-// files that name each other again and again.
+// The most bytes in all files, where a file counts each time it is read. This also ends the reading
+// of an endless file, and of files that refer to each other endlessly.
 constexpr std::size_t mostBytes = 0x100000;
 
 constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
@@ -26,7 +26,7 @@ class WordReader {
         at = text.starts_with(byteOrderMark) ? byteOrderMark.size() : 0;
     }
 
-    // Whether there is another word.
+    // Whether there is another word in the text.
     bool Skip() {
         for (bool isLineStart = std::exchange(isAtStart, false); at < text.size(); ++at) {
             isLineStart = isLineStart || text[at] == '\n';
@@ -39,7 +39,7 @@ class WordReader {
         return false;
     }
 
-    // The word here; `openQuote` is the place of a quote that it does not close, or npos.
+    // The next word. Sets `openQuote` if a quote in it is not closed.
     std::string Read() {
         std::string word;
         char quote = '\0';
@@ -60,11 +60,10 @@ class WordReader {
         return word;
     }
 
-    std::size_t openQuote = std::string_view::npos;  // offset
+    std::size_t openQuote = std::string_view::npos;  // offset of the unclosed quote
 
   private:
-    // A backslash at the end of a line, as shells have it, separates words like the line end
-    // itself.
+    // A backslash at the end of a line separates words, like the line end itself.
     [[nodiscard]] bool IsBlank() const {
         const char c = text[at];
         const std::string_view next = text.substr(at + 1, 1);
@@ -74,7 +73,7 @@ class WordReader {
 
     std::string_view text;
     std::size_t at = 0;
-    bool isAtStart = true;  // nothing has been read
+    bool isAtStart = true;  // nothing has been read yet
 };
 
 class Expander {
@@ -83,7 +82,7 @@ class Expander {
 
     std::vector<std::string> result;
 
-    // `depth` is that of the file that the words are from; 0: the command line.
+    // `depth` is how deeply the file with these words is nested; 0: they are from the command line.
     std::string Take(const std::vector<std::string>& words, int depth) {
         for (const std::string& word : words) {
             if (!word.starts_with('@')) {

@@ -1,5 +1,5 @@
-/// Argument files: a project keeps the words of its command line in a file, and `korv-as @FILE`,
-/// CI and an editor read the same one.
+/// Argument files: a project keeps the words of its command line in a file, which `korv-as @FILE`,
+/// CI and the language server read.
 #pragma once
 
 #include <string>
@@ -8,14 +8,14 @@
 
 namespace korv {
 
-/// Appends the words of an argument file to `words`. Blanks and line ends separate words. Quotes
-/// are those of GNU's argument files: '...' and "..." keep blanks, and a backslash, in quotes too,
-/// takes the next character as it is. A line whose first character is # is a comment. A byte order
-/// mark is skipped. Result: what is wrong with the text, with its line; empty: nothing.
+/// Appends the words of an argument file to `words`. Blanks and line ends separate words. As in the
+/// argument files of GNU programs, '...' and "..." keep blanks, and a backslash makes the next
+/// character literal, also in quotes. A line that begins with # is a comment. A byte order mark is
+/// skipped. Result: empty, or an error message with the line.
 [[nodiscard]] std::string SplitWords(std::string_view text, std::vector<std::string>* words);
 
-/// Puts the words of file NAME in the place of each word @NAME, also in those files; a relative
-/// NAME is one in `directory`; empty: in the current one. Result: what is wrong; empty: nothing.
+/// Replaces each word @NAME by the words of the file NAME, also in those files. A relative NAME is
+/// relative to `directory`; empty: to the current one. Result: empty, or an error message.
 [[nodiscard]] std::string ExpandArgumentFiles(std::vector<std::string>* words,
                                               std::string_view directory = {});
 

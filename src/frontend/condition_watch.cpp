@@ -25,7 +25,8 @@ Findings ConditionWatch::Follow(const CAssembler& assembler, const CStatement& s
             findings.push_back({Warning::condition, view.rest, Quoted(view.rest), surprise});
         }
     }
-    // What follows an IF depends on that one alone, even inside a block that is skipped.
+    // Whether the lines after an IF are assembled depends on this IF alone, even in a skipped
+    // block.
     Level& level = levels.back();
     level.isLive = level.isLiveOutside && isOn;
     if (isOn && !level.isLiveOutside) {

@@ -1,4 +1,4 @@
-/// The open levels of IF, and what is surprising about them.
+/// Follows the open levels of IF, and warns about those that may be surprising.
 #pragma once
 
 #include <vector>
@@ -18,14 +18,14 @@ class ConditionWatch {
     }
     /// Takes over that change. Result: what to warn about in `statement`.
     Findings Follow(const CAssembler& assembler, const CStatement& statement);
-    /// The IFs that have no ENDIF yet.
+    /// The IFs without an ENDIF so far.
     [[nodiscard]] std::vector<SourcePlace> Open() const;
 
   private:
     struct Level {
         SourcePlace place;
-        bool isLive;         // what it holds now is assembled, by all levels around it too
-        bool isLiveOutside;  // the same for the IF itself
+        bool isLive;         // its lines are being assembled, also according to all outer levels
+        bool isLiveOutside;  // the same for the line of the IF itself
     };
     std::vector<Level> levels;
     std::int32_t depth = 0;          // of `levels`, as it is compared with every statement

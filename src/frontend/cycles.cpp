@@ -1,8 +1,8 @@
-// Written from the published tables, one table for each prefix; every documented opcode is compared
-// with an emulator in the tests. A condition that is met adds 5 to a relative jump, 6 to a return,
-// 7 to a call and nothing to JP; a block instruction takes 5 more for each repetition. The
-// published tables leave out ED 70 and ED 71, IN F,(C) and OUT (C),F, which assemble: they take as
-// long as their neighbours.
+// From the published tables, one table for each prefix. The tests compare every documented opcode
+// with an emulator. If its condition is met, a relative jump takes 5 T-states more, a return 6 and
+// a call 7, but a JP takes no more. A block instruction takes 5 more for each repetition. The
+// published tables do not contain ED 70 and ED 71, IN F,(C) and OUT (C),F, which Korv accepts: they
+// take as long as the neighbouring opcodes.
 
 #include "frontend/cycles.h"
 
@@ -41,7 +41,7 @@ constexpr void Extend(Table* table, std::uint8_t extra,
 }
 
 // clang-format off
-/// The least T-states of the opcodes without a prefix, 16 a row; 0 for the prefixes.
+/// The shortest times of the opcodes without a prefix, 16 in a row; 0 for the prefixes.
 constexpr std::uint8_t plainLeast[] = {
     4, 10,  7,  6,  4,  4,  7,  4,  4, 11,  7,  6,  4,  4,  7,  4,
     8, 10,  7,  6,  4,  4,  7,  4, 12, 11,  7,  6,  4,  4,  7,  4,
@@ -108,7 +108,7 @@ constexpr bool IsBit(std::uint8_t opcode) {
 constexpr bool IsMemory(std::uint8_t opcode) {
     return (opcode & 7) == 6;
 }
-/// The gap between SRA and SRL, which the published tables leave out.
+/// The opcodes between SRA and SRL, which the published tables do not contain.
 constexpr bool IsHole(std::uint8_t opcode) {
     return opcode >> 3 == 6;
 }
@@ -151,7 +151,7 @@ Cycles CyclesOf(std::span<const std::uint8_t> bytes) {
         case prefixEd:
             return in(afterEd, 1);
         case prefixIx:
-        case prefixIy:  // the displacement is before the opcode
+        case prefixIy:  // the displacement precedes the opcode
             return at(1) == prefixCb ? in(afterIndexedCb, 3) : in(afterIndexPrefix, 1);
         default:
             return in(plain, 0);

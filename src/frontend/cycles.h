@@ -1,5 +1,5 @@
-/// T-states of the processor's instructions, as its manufacturer publishes them: without wait
-/// states, contended memory and interrupts.
+/// T-states of the processor's instructions as published by its manufacturer, that is, without
+/// wait states, contended memory and interrupts.
 #pragma once
 
 #include <cstddef>
@@ -11,17 +11,17 @@
 
 namespace korv {
 
-/// They differ where a condition may be met or a block instruction may repeat.
+/// The two numbers differ if the instruction has a condition or is a repeating block instruction.
 struct Cycles {
     std::uint8_t least = 0;
     std::uint8_t most = 0;
     bool operator==(const Cycles&) const = default;
 };
 
-/// The T-states of the instruction that `bytes` begin with; 0 if no source assembles to them.
+/// The T-states of the instruction at the start of `bytes`; 0 if no source assembles to it.
 [[nodiscard]] Cycles CyclesOf(std::span<const std::uint8_t> bytes);
 
-/// The same of a statement; 0 if it is not an instruction or has no bytes.
+/// The T-states of a statement; 0 if it is not an instruction or has no bytes.
 [[nodiscard]] Cycles CyclesOf(const Analysis& analysis, const Statement& statement);
 
 /// Of the text of any `Cycles`.

@@ -1,4 +1,4 @@
-/// The definitions of the command line, -D.
+/// Definitions on the command line (-D).
 #pragma once
 
 #include <string>
@@ -8,8 +8,8 @@ namespace korv {
 
 class CAssembler;
 
-/// Defines NAME or NAME=EXPRESSION before the first line is read. Result: why that cannot be;
-/// empty: it has been done, unless the core reports a refusal.
+/// Defines NAME or NAME=EXPRESSION before the first line is read. Result: empty, or an error
+/// message. The core may also report an error itself.
 [[nodiscard]] std::string AddDefinition(std::string_view definition, CAssembler* assembler);
 
 }  // namespace korv

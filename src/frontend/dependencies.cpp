@@ -1,6 +1,6 @@
-// Names come from sources that a user may not have written, and make runs commands that it finds in
-// a rule. So only those characters are let through that GNU make 4.3 and ninja 1.11 both read back
-// as they were; each was tried with the programs themselves.
+// Names come from sources that the user may not have written, and make runs commands that it finds
+// in a rule. So only characters that both GNU make 4.3 and ninja 1.11 read back unchanged are
+// accepted. Each of them was tried with both programs.
 
 #include "frontend/dependencies.h"
 
@@ -13,8 +13,8 @@
 namespace korv {
 namespace {
 
-// Ninja ends a name at any other character, and make has its own use for "%", "=", "*", "?", "[",
-// "&", ";" and "|". Neither has a way to escape all of them.
+// Ninja ends a name at any other character, and "%", "=", "*", "?", "[", "&", ";" and "|" have a
+// meaning for make. Neither program has a way to escape all of them.
 bool IsPlain(char c) {
     constexpr std::string_view signs = "+,-./@_~(){}!]";
     return static_cast<unsigned char>(c) >= 0x80 || (c >= '0' && c <= '9') ||
@@ -26,7 +26,7 @@ bool IsEscapable(char c) {
     return c == ' ' || c == '#' || c == ':' || c == '$';
 }
 
-// A target that make takes for an instruction, as ".SUFFIXES", or for the word of a directive.
+// Whether make would take the target for a special one, such as ".SUFFIXES", or for a directive.
 bool IsSpecial(std::string_view name) {
     while (name.starts_with("./")) {
         name.remove_prefix(2);
@@ -39,18 +39,18 @@ bool IsSpecial(std::string_view name) {
 bool IsWritable(std::string_view name) {
     for (std::size_t i = 0; i < name.size(); ++i) {
         const char next = i + 1 < name.size() ? name[i + 1] : '\0';
-        // A backslash is one if it could not escape what follows.
+        // A backslash stays as it is if it cannot escape the next character.
         const bool isOrdinary = name[i] == '\\' && (next == '\\' || IsPlain(next));
         if (!isOrdinary && !IsPlain(name[i]) && !IsEscapable(name[i])) {
             return false;
         }
     }
-    // A home directory, a member of an archive, and what would run into the line end or the colon.
+    // A home directory, a member of an archive, and a backslash before the line end or the colon.
     return !name.starts_with('~') && !name.ends_with(')') && !name.ends_with(' ') &&
            !name.ends_with(':') && !IsSpecial(name);
 }
 
-// Both programs know the colon of a drive.
+// Both programs accept the colon after a drive letter.
 std::string Escaped(std::string_view name) {
     const std::size_t drive = platform::DriveLength(name);
     std::string text(name.substr(0, drive));
@@ -63,7 +63,7 @@ std::string Escaped(std::string_view name) {
     return text;
 }
 
-// A name as rules on every system have it.
+// The name with the separators that rules have on every system.
 std::string Generic(const std::string& name) {
     const std::filesystem::path path(std::u8string(name.begin(), name.end()));
     const std::u8string text = path.generic_u8string();

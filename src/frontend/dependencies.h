@@ -8,13 +8,13 @@
 namespace korv {
 
 struct Dependencies {
-    std::string text;     ///< of the file; empty after a failure
-    std::string failure;  ///< why there is none; empty for none
+    std::string text;     ///< the contents of the file; empty after a failure
+    std::string failure;  ///< why there is no text; empty: there is one
 };
 
-/// Rules by which `target`, named as in the Makefile, depends on all files that were read, and each
-/// of these on nothing, so that make goes on when one is gone. Fails for a name that make or ninja
-/// would take for something else.
+/// A rule that makes `target`, named as in the Makefile, depend on all files that were read, and an
+/// empty rule for each of these files, so that make continues if one has been deleted. Fails for a
+/// name that make or ninja would misread.
 [[nodiscard]] Dependencies DependenciesOf(const Analysis& analysis, const std::string& target);
 
 }  // namespace korv

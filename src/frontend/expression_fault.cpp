@@ -17,7 +17,7 @@ bool IsComparison(std::int32_t code) {
            code == OP_GREATER_EQUAL;
 }
 
-// What is wrong with a value by itself.
+// The fault of a value by itself, without its neighbours.
 ExpressionFault FaultOf(const Token& token) {
     switch (token.kind) {
         case TokenKind::string:
@@ -32,7 +32,7 @@ ExpressionFault FaultOf(const Token& token) {
             return ExpressionFault::largeNumber;
         case TokenKind::other:
             return ExpressionFault::badToken;
-        case TokenKind::registerName:  // B and H end numbers, so alone they are numbers
+        case TokenKind::registerName:  // B and H are suffixes of numbers, so alone they are numbers
             return token.text == "B" || token.text == "H" ? ExpressionFault::emptyNumber
                                                           : ExpressionFault::none;
         default:
@@ -43,10 +43,10 @@ ExpressionFault FaultOf(const Token& token) {
 }  // namespace
 
 FaultyToken FindExpressionFault(const OperandView& operand) {
-    const Token* before = nullptr;  // the token before, if it leaves a value or an open bracket
+    const Token* before = nullptr;  // the previous token, if it ends a value or opens a bracket
     std::vector<const Token*> brackets;
     std::span<const Token> tokens = operand.tokens;
-    // The brackets around a whole operand mean memory and are no part of the expression.
+    // Brackets around a whole operand mean memory and do not belong to the expression.
     const bool isMemory =
         operand.text.size() > 1 && operand.text.front() == '(' && operand.text.back() == ')';
     if (isMemory && tokens.size() > 1 && tokens.front().code == OP_OPEN &&

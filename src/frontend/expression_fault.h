@@ -27,10 +27,10 @@ enum class ExpressionFault : std::uint8_t {
 
 struct FaultyToken {
     ExpressionFault fault = ExpressionFault::none;
-    const Token* token = nullptr;  ///< of the operand; null with `none`
+    const Token* token = nullptr;  ///< the token at fault; null if there is no fault
 };
 
-/// The first fault of `operand` that its tokens show. Names are taken for values.
+/// The first fault that the tokens of `operand` show. Names count as values.
 [[nodiscard]] FaultyToken FindExpressionFault(const OperandView& operand);
 
 }  // namespace korv

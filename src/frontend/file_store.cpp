@@ -9,7 +9,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// Narrow characters would be those of some other code where names are wide.
+// On systems with wide names, narrow characters would be in another encoding.
 fs::path PathOf(const std::string& name) {
     return std::u8string(name.begin(), name.end());
 }
@@ -94,7 +94,8 @@ std::vector<std::string> FileStore::SearchedDirectories(const std::string& inclu
     return names;
 }
 
-// What `name` leads to from `from`, a full path. A text that only an editor has counts as a file.
+// The file that `name` refers to in a file or directory with the full path `from`. A text that only
+// the editor has counts as a file.
 platform::FoundPath FileStore::Beside(const std::string& from, std::string_view name) {
     const bool isAbsolute = platform::IsAbsolutePath(name) || from.empty();
     platform::FoundPath found =
@@ -120,7 +121,8 @@ platform::FoundPath FileStore::Locate(std::string_view name) {
     return entered.empty() ? Beside(base, name) : LocateFrom(entered.back(), name);
 }
 
-// The text of the file at the full path `path`; null, with `failure`, if it cannot be read.
+// The text of the file at the full path `path`. Returns null and sets `failure` if it cannot be
+// read.
 FileStore::Text FileStore::Load(const std::string& path) {
     failure.clear();
     if (const Text text = TextOf(path)) {

@@ -1,6 +1,6 @@
-/// The files of a run, each read once: from the disk, from standard input, or as an editor has it.
-/// The core assembles the texts that are kept here, and messages and outputs show them, so all see
-/// the same bytes, whatever happens to the files meanwhile.
+/// The files of a run, each read once: from the disk, from standard input, or from an editor. The
+/// core assembles the texts that are stored here, and messages and outputs quote them, so all use
+/// the same bytes even if the files change meanwhile.
 #pragma once
 
 #include <map>
@@ -21,14 +21,14 @@ class FileStore : public SourceStore {
   public:
     using Text = std::shared_ptr<const StoredText>;
 
-    /// In bytes. A longer file is no source: its run would take more memory than it is worth.
+    /// In bytes. A longer file is refused, since assembling it would take too much memory.
     static constexpr std::size_t longestFile = 0x10000000;
 
-    /// Relative names, also that of the main file, count from `directory`; empty: from the current
-    /// directory.
+    /// Relative names, including the name of the main file, are relative to `directory`; empty: to
+    /// the current directory.
     explicit FileStore(std::string_view directory = {});
 
-    /// A directory to search for what an INCLUDE or BINCLUDE does not find beside its file.
+    /// Adds a directory to search for files that are not beside the file that includes them.
     void AddSearchDirectory(std::string_view name);
     /// Gives the bytes of the file at the full path `path`, in place of what the disk holds.
     void SetText(const std::string& path, std::string_view bytes,
@@ -37,19 +37,19 @@ class FileStore : public SourceStore {
     /// The same for a text that is kept already, under its path.
     void SetText(Text text) { Keep(std::move(text)); }
 
-    /// The full path of `name` as the command line has it.
+    /// The full path of `name`, which is relative to the directory of the run.
     [[nodiscard]] std::string FullPath(std::string_view name) { return Beside(base, name).path; }
     /// `path` relative to the directory of the run, if that is shorter.
     [[nodiscard]] std::string ShownName(const std::string& path) const;
     /// The text of the file at the full path `path`; null if it was not read.
     [[nodiscard]] Text TextOf(const std::string& path) const;
-    /// Which files were read, so that no output overwrites them.
+    /// The files that were read, so that no output overwrites them.
     [[nodiscard]] const platform::FileSet& Identities() const { return identities; }
-    /// Why the file that was asked for last cannot be read, in the words of the system.
+    /// Why the last file could not be read, in the words of the system.
     [[nodiscard]] const std::string& Failure() const { return failure; }
     /// Whether an INCLUDE of `name` in the file at the full path `includer` would find a file.
     [[nodiscard]] bool Has(const std::string& includer, std::string_view name);
-    /// The directories in which it looks, as a person would write them.
+    /// The directories that would be searched, as a user would write them.
     [[nodiscard]] std::vector<std::string> SearchedDirectories(const std::string& includer) const;
 
     [[nodiscard]] Status Find(std::string_view name, platform::FoundPath* file) override;

@@ -1,5 +1,5 @@
-// One run of korv-as: options, source, analysis, messages, outputs. Each step works on the result
-// of the one before it, and only the last one writes files.
+// One run of korv-as: options, source, analysis, messages, outputs. Each step uses the result of
+// the previous one, and only the last one writes files.
 
 #include "frontend/frontend.h"
 
@@ -48,13 +48,13 @@ int Fail(const std::string& sentence) {
     return statusFailure;
 }
 
-// Ends the run when there is no memory for it. Unfinished files are removed at the exit.
+// Ends the run if memory is exhausted. Unfinished files are removed at exit.
 int OnAllocationFailure(std::size_t) {
     std::fputs("korv-as: error: out of memory\n", stderr);
     std::exit(statusFailure);
 }
 
-// Reads standard input into `store`. Result: why that fails; empty: it is the main file.
+// Reads standard input into `store` as the main file. Result: empty, or an error message.
 std::string TakeStandardInput(FileStore* store) {
     if (platform::IsMissing(stdin)) {
         return "it is closed";
@@ -99,7 +99,7 @@ std::string ImageText(const Analysis& analysis, ImageFormat format) {
     return "";
 }
 
-// The symbol file; warns of what it leaves out.
+// The symbol file. Warns about symbols that it leaves out.
 std::string SymbolFileText(const Options& options, Analysis* analysis) {
     SymbolFile file = SymbolText(*analysis, options.symbolFormat);
     if (std::string dropped = file.Dropped(); !dropped.empty()) {
@@ -111,8 +111,8 @@ std::string SymbolFileText(const Options& options, Analysis* analysis) {
     return std::move(file.text);
 }
 
-// What a run without errors leaves; the image is the first. Result: why there is something that
-// cannot be written; empty: `outputs` is complete.
+// Collects the outputs of a run without errors in `outputs`, the image first. Result: empty, or why
+// an output cannot be made.
 std::string MakeOutputs(const Options& options, Analysis* analysis, std::vector<Output>* outputs) {
     const auto add = [outputs](const std::string& name, std::string text) {
         outputs->push_back({name, std::move(text), /*isText=*/true});
@@ -158,9 +158,9 @@ int Assemble(const Options& options) {
         failure = MakeOutputs(options, &analysis, &outputs);
     }
     if (analysis.errorCount != 0) {
-        outputs.clear();  // a warning that counts as an error came last
+        outputs.clear();  // the last warning counts as an error
     }
-    if (!options.listing.empty()) {  // with the messages under their lines
+    if (!options.listing.empty()) {  // it contains the messages, so it is made after them
         outputs.push_back({options.listing, ListingText(analysis), /*isText=*/true});
     }
     Print(stderr, MessagesText(analysis, StyleOf(stderr, options.color)));

@@ -3,7 +3,7 @@
 
 namespace korv {
 
-/// All that the program does. Result: the exit status, see options.h.
+/// Runs the whole program. Result: the exit status; see options.h.
 int RunFrontend(int argumentCount, char** arguments);
 
 }  // namespace korv

@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::uint32_t bytesPerRecord = 16;
 
-// A data record: ":", count, address, type 0, the bytes, and the byte that makes their sum 0.
+// A data record: ":", count, address, type 0, the bytes, and a byte that makes the sum 0.
 void AppendDataRecord(std::uint32_t address, std::span<const std::uint8_t> bytes,
                       std::string* text) {
     char line[2 * (5 + bytesPerRecord) + 2];

@@ -10,10 +10,10 @@ namespace korv {
 /// A .com: the image alone.
 [[nodiscard]] std::string ComImage(const Analysis& analysis);
 
-/// A .bin: the load header, which `analysis` has, and the image.
+/// A .bin: the load header from `analysis`, and the image.
 [[nodiscard]] std::string BinImage(const Analysis& analysis);
 
-/// Intel HEX: records of up to 16 bytes, each block at its address, and the end record.
+/// Intel HEX: records of up to 16 bytes, with each block at its address, and the end record.
 [[nodiscard]] std::string HexImage(const Analysis& analysis);
 
 }  // namespace korv

@@ -9,7 +9,7 @@
 namespace korv {
 namespace {
 
-// Takes the part of `text` up to `separator` off its front.
+// Removes the part of `text` up to `separator` from its front, and returns it.
 std::string_view TakePart(std::string_view* text, char separator) {
     const std::size_t end = std::min(text->find(separator), text->size());
     const std::string_view part = text->substr(0, end);
@@ -23,8 +23,8 @@ const FormRow* RowOfWord(std::string_view mnemonic) {
     return row == formTable.end() ? nullptr : row;
 }
 
-// Whether the value of `operand`, if it is a plain number, is none of `mask` and at most
-// `most`: a value that has to be computed may be anything.
+// Whether `operand` may be a number without bits of `mask` that is at most `most`. A value that has
+// to be computed may be any number.
 bool MayBe(const OperandView& operand, std::int32_t most, std::int32_t mask) {
     const Token* const token = operand.OnlyToken();
     if (token == nullptr ||
@@ -34,7 +34,7 @@ bool MayBe(const OperandView& operand, std::int32_t most, std::int32_t mask) {
     return token->value >= 0 && token->value <= most && (token->value & ~mask) == 0;
 }
 
-// A class of operands, by its letters in the table.
+// A class of operands, named by its letters in the table.
 struct TermRow {
     std::string_view term;
     bool (*includes)(const OperandView& operand, bool ignoresParentheses);
@@ -95,15 +95,14 @@ constexpr auto termTable = std::to_array<TermRow>({
 });
 // clang-format on
 
-// Whether `operand` is of the class or the text `term`.
+// Whether `operand` belongs to the class `term`, or is the text `term`.
 bool IsA(const OperandView& operand, std::string_view term, bool ignoresParentheses) {
     const auto* const row = std::ranges::find(termTable, term, &TermRow::term);
     return row == termTable.end() ? term == operand.text
                                   : row->includes(operand, ignoresParentheses);
 }
 
-// Whether the first `count` operands are those of `form`; with `isWhole`, that there are no others
-// in it.
+// Whether the first `count` operands match those of `form`. `isWhole`: and it has no others.
 bool Begins(const StatementView& statement, std::string_view form, std::size_t count,
             bool ignoresParentheses, bool isWhole) {
     if (form == "-") {
@@ -124,7 +123,7 @@ bool Begins(const StatementView& statement, std::string_view form, std::size_t c
     return !isWhole || form.empty() || (form == "*" && i > 0);
 }
 
-// What the classes consist of, where that is said in full.
+// The members of the classes that are written out in notes.
 constexpr auto consists = std::to_array<std::pair<std::string_view, std::string_view>>({
     {"s", "r (HL) (IX+d) (IY+d) n"},
     {"m", "r (HL) (IX+d) (IY+d)"},

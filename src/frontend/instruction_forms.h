@@ -1,6 +1,6 @@
-/// The operands that each mnemonic takes, from the processor's published instruction set, and what
-/// follows from them: the operand at fault, and the forms to write instead. Messages, and the
-/// hover, completion and signatures of an editor are made from this one table.
+/// The operands that each mnemonic takes, from the processor's published instruction set. They
+/// determine which operand is at fault and which forms to propose instead. Messages use this table,
+/// and so do hover, completion and signatures in an editor.
 #pragma once
 
 #include <array>
@@ -20,8 +20,8 @@ namespace korv {
 /// file.
 /// "*" repeats the operand before it. All other terms are themselves.
 struct FormRow {
-    std::string_view words;           ///< mnemonics, by blanks
-    std::string_view forms;           ///< by blanks; "-" is the form without operands
+    std::string_view words;           ///< mnemonics, separated by blanks
+    std::string_view forms;           ///< separated by blanks; "-" is the form without operands
     bool ignoresParentheses = false;  ///< around a number: JP (nn) is JP nn
 };
 
@@ -57,31 +57,30 @@ inline constexpr auto formTable = std::to_array<FormRow>({
 /// Result of `FindFaultyOperand`: no operand is at fault.
 inline constexpr std::size_t noFault = static_cast<std::size_t>(-1);
 
-/// The forms of `mnemonic`, one by one, as in "LD A,(nn)"; only the one without operands for a word
-/// that takes none. Those whose first `operandCount` operands do not match those of `statement` are
-/// left out.
+/// The forms of `mnemonic`, such as "LD A,(nn)"; a word that takes no operands has one form. Forms
+/// whose first `operandCount` operands do not match those of `statement` are left out.
 [[nodiscard]] std::vector<std::string> FormsOf(const StatementView& statement,
                                                std::size_t operandCount);
 
-/// What the operand at index `place` may be, in the forms that agree with the operands before it:
-/// classes by their letters, s and m by what they consist of; each once.
+/// The terms for the operand at index `place`, in the forms that match the operands before it. Each
+/// appears once. Classes appear as their letters, except s and m, which are replaced by their
+/// members.
 [[nodiscard]] std::vector<std::string> ChoicesAt(const StatementView& statement, std::size_t place);
 
-/// Whether the statement has a form of its mnemonic. Values are not looked at, except plain numbers
+/// Whether the statement matches a form of its mnemonic. Values are ignored, except plain numbers
 /// that are part of an opcode.
 [[nodiscard]] bool HasForm(const StatementView& statement);
 
-/// Index of the first operand such that no form matches the operands up to it; their number if one
-/// is missing after the last; `noFault` if the statement has a form, or its mnemonic is unknown.
+/// The index of the first operand such that no form matches the operands up to it; the number of
+/// operands if another one is missing; `noFault` if a form matches, or the mnemonic is unknown.
 [[nodiscard]] std::size_t FindFaultyOperand(const StatementView& statement);
 
-/// Whether the operands are those of one of `shapes`, by blanks and commas as the forms are; empty
-/// is no operand. Further classes: any an operand; v a value, in parentheses or not; gp BC, DE or
-/// HL; pair these, IX, IY, SP or AF; reg a register or condition; (reg), (cc), (any) in
-/// parentheses.
+/// Whether the operands match one of `shapes`, which are written like forms; empty: no operands.
+/// Further classes: any an operand; v a value, in parentheses or not; gp BC, DE or HL; pair these,
+/// IX, IY, SP or AF; reg a register or condition; (reg), (cc), (any) these in parentheses.
 [[nodiscard]] bool HasShape(const StatementView& statement, std::string_view shapes);
 
-/// Whether `words`, by blanks, hold `word`; "*" holds all.
+/// Whether `word` is one of `words`, which are separated by blanks; "*" stands for all words.
 [[nodiscard]] bool HoldsWord(std::string_view words, std::string_view word);
 
 }  // namespace korv

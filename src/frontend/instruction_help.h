@@ -1,4 +1,4 @@
-/// What every word of the vocabulary does, in a sentence: for the hover of an editor.
+/// A sentence about every instruction and directive, for the hover of an editor.
 #pragma once
 
 #include <string_view>
@@ -7,7 +7,7 @@ namespace korv {
 
 struct Keyword;
 
-/// What the word of a row of `keywords` does; begins with a capital and ends with a full stop.
+/// What the word in a row of `keywords` does: a sentence with a capital letter and a full stop.
 [[nodiscard]] std::string_view HelpFor(const Keyword& keyword);
 
 }  // namespace korv

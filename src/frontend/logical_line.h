@@ -1,6 +1,6 @@
-/// A logical line as the reader cleans it, with the way back to the file. Needed only where an
-/// offset in the cleaned line is not the column: after a continuation, or after a byte that the
-/// reader drops.
+/// A logical line after cleaning by the reader, with the place of each character in the file.
+/// Needed only if an offset in the cleaned line is not the column: after a continuation, or after a
+/// byte that the reader drops.
 #pragma once
 
 #include <cstdint>
@@ -13,28 +13,28 @@
 namespace korv {
 
 struct LogicalLine {
-    /// Where a character of the file is.
+    /// The place of a character in the file.
     struct Position {
         std::int32_t line = 0;     ///< from 1
         std::uint32_t column = 0;  ///< in bytes, from 0
     };
     std::string text;
     std::vector<Position> positions;          ///< of each character of `text`
-    std::vector<Position> continuedComments;  ///< the backslashes with which its comment goes on
+    std::vector<Position> continuedComments;  ///< the backslashes that continue its comment
     std::int32_t lastLine = 0;                ///< its last physical line
 };
 
 /// The logical line that begins at physical line `number` of `text`.
 [[nodiscard]] LogicalLine LogicalLineAt(const StoredText& text, std::int32_t number);
 
-/// Turns places in cleaned lines into places in files. Keeps the last line, since a line has often
-/// several messages.
+/// Converts places in cleaned lines to places in files. Stores the last line, since a line often
+/// has several messages.
 class PlaceMap {
   public:
     /// The cleaned line that begins at line `number` of `text`; valid until the next call.
     const LogicalLine& LineAt(const StoredText& text, std::int32_t number);
 
-    /// The place in file `file`, whose text is `text`, of `length` characters from `offset` on in
+    /// The place in file `file`, which contains `text`, of the `length` characters at `offset` in
     /// the cleaned line that begins at `line`.
     Place PlaceOf(std::int32_t file, const StoredText& text, std::int32_t line, std::size_t offset,
                   std::size_t length);

@@ -10,11 +10,11 @@ namespace {
 
 constexpr std::string_view program = "korv-as: ";
 
-// Renditions of a terminal by their numbers.
+// The numbers of terminal colours and attributes.
 constexpr std::string_view plain = "0", bold = "1", red = "31", green = "32", magenta = "35",
                            cyan = "36";
 
-// Appends pieces to a text, with the colours of a terminal or without.
+// Appends pieces to a text, with or without terminal colours.
 class Pen {
   public:
     Pen(std::string* text, const TextStyle& style) : text(text), style(style) {}
@@ -29,7 +29,7 @@ class Pen {
         text->append(piece);
         return *this;
     }
-    // From a source or a file name.
+    // Appends text from a source or a file name.
     Pen& Foreign(std::string_view piece) {
         text->append(style.isTerminal ? EscapedText(piece) : piece);
         return *this;
@@ -40,13 +40,13 @@ class Pen {
     TextStyle style;
 };
 
-// The part of a line that is shown, in pieces: before the caret, above it, and after it.
+// The part of a line that is shown, in three pieces: before the caret, above it, and after it.
 struct Excerpt {
     std::string_view before, marked, after;
     bool hasMoreBefore = false, hasMoreAfter = false;
 };
 
-// The first offset from `offset` on at which a UTF-8 character begins.
+// The first offset not below `offset` at which a UTF-8 character begins.
 std::size_t CharacterStart(std::string_view line, std::size_t offset) {
     while (offset < line.size() && (static_cast<unsigned char>(line[offset]) & 0xC0) == 0x80) {
         ++offset;
@@ -129,7 +129,7 @@ class MessagePrinter {
   private:
     Pen NewPen() { return {&text, style}; }
 
-    // How the run came to the file, from the inside out; once for each opening.
+    // Prints the chain of includes, innermost first; once each time a file is opened.
     void PrintIncluded(std::int32_t number) {
         const auto index = static_cast<std::size_t>(number);
         if (isIntroduced[index]) {
@@ -180,7 +180,7 @@ class MessagePrinter {
 
     const Analysis& analysis;
     TextStyle style;
-    std::vector<bool> isIntroduced;  // by the numbers of the openings
+    std::vector<bool> isIntroduced;  // by opening
     std::string text;
 };
 

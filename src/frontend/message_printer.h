@@ -1,4 +1,5 @@
-/// The messages of a run as text: the shape that editors read, with the line and a caret.
+/// The messages of a run as text, in the format that editors read, with the source line and a
+/// caret.
 #pragma once
 
 #include <string>
@@ -8,22 +9,22 @@
 
 namespace korv {
 
-/// What the reader of a text is.
+/// Where a text is printed.
 struct TextStyle {
-    bool isColored = false;   ///< it takes the sequences for colours
-    bool isTerminal = false;  ///< its control characters act, so those of sources are escaped
+    bool isColored = false;   ///< colours are wanted
+    bool isTerminal = false;  ///< control characters take effect, so those of sources are escaped
 };
 
-/// All messages, and how many there were, if there were any.
+/// All messages and their number; empty if there are none.
 [[nodiscard]] std::string MessagesText(const Analysis& analysis, const TextStyle& style);
 
-/// What is wrong, without its place and its note.
+/// The text of a message, without its place and its note.
 [[nodiscard]] std::string SentenceOf(const Message& message);
 
 /// The first line of a message, with its line end: "a.kor:1:7: error: ...".
 [[nodiscard]] std::string MessageLine(const Analysis& analysis, const Message& message);
 
-/// What cannot be blamed on a line: "korv-as: error: ...", with its line end.
+/// A message that belongs to no line, with its line end: "korv-as: error: ...".
 [[nodiscard]] std::string FailureText(std::string_view sentence, const TextStyle& style);
 
 }  // namespace korv

@@ -10,7 +10,7 @@
 namespace korv {
 namespace {
 
-constexpr std::size_t costOfComparison = 64;  // of two words, in looks at an entry
+constexpr std::size_t costOfComparison = 64;  // of two words; testing the bits of an entry costs 1
 
 std::uint64_t LettersOf(std::string_view word) {
     std::uint64_t letters = 0;
@@ -20,7 +20,7 @@ std::uint64_t LettersOf(std::string_view word) {
     return letters;
 }
 
-// Names that are numbered, as ROUT1 and ROUT2, are different ones.
+// Numbered names such as ROUT1 and ROUT2 are not misspellings of each other.
 bool DifferInDigit(std::string_view a, std::string_view b) {
     const auto [one, other] = std::ranges::mismatch(a, b);
     return a.size() == b.size() && one != a.end() && HasClass(*one, CC_DIGIT) &&
@@ -63,7 +63,7 @@ std::string_view NearWords::Find(std::string_view word,
     const std::size_t limit = std::min(word.size() / 3, furthest);
     const std::uint64_t letters = LettersOf(word);
     std::string_view found;
-    std::size_t best = 8 * (limit + 1);  // below it: the distance in eighths
+    std::size_t best = 8 * (limit + 1);  // distance in eighths
     if (limit == 0 || word.size() > longestCompared) {
         return found;
     }

@@ -1,4 +1,4 @@
-/// The word of a set that is nearest to a misspelt one.
+/// Finds the word of a set that is nearest to a misspelt word.
 #pragma once
 
 #include <cstddef>
@@ -9,23 +9,23 @@
 
 namespace korv {
 
-/// Steps from one word to another: characters put in, left out or changed, or two neighbours
-/// swapped. The words may have at most `longestCompared` characters.
+/// The number of edits from one word to another: a character inserted, deleted or changed, or two
+/// neighbours swapped. The words may have at most `longestCompared` characters.
 inline constexpr std::size_t longestCompared = 32;
 [[nodiscard]] std::size_t EditDistance(std::string_view a, std::string_view b);
 
-/// Words by their length, each with a bit for every letter and digit in it: a look at the bits
-/// rules most words out. What all questions together may cost is bounded, since only the first
-/// messages of a run are read: beyond that there is no answer.
+/// Words sorted by length, each with a bit for every letter and digit in it: comparing the bits
+/// rules out most words. The cost of all searches together is limited, since only the first
+/// messages of a run are read. Beyond the limit, nothing is found.
 class NearWords {
   public:
     /// The words are not copied.
     explicit NearWords(const std::vector<std::string_view>& words);
 
-    /// The word nearest to `word`, and never further from it than a third of its length; empty for
-    /// none. Of words at the same distance, one that is `preferred` wins, then one with the same
-    /// first letter, then one of the same letters, then one that `word` begins, then the first in
-    /// the order of the set.
+    /// The word nearest to `word`, at a distance of at most a third of its length; empty if there
+    /// is none. Among words at the same distance, a `preferred` one wins, then one with the same
+    /// first letter, then one with the same letters, then one that `word` is the beginning of, then
+    /// the first one in the set.
     [[nodiscard]] std::string_view Find(
         std::string_view word, const std::function<bool(std::string_view)>& preferred = {});
 
@@ -35,7 +35,7 @@ class NearWords {
         std::string_view word;
     };
     std::vector<std::vector<Entry>> byLength;
-    std::size_t budget = 4'000'000;  // looks at an entry
+    std::size_t budget = 4'000'000;  // tests of an entry that are left
 };
 
 }  // namespace korv

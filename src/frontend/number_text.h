@@ -1,4 +1,4 @@
-/// Numbers as decimal text, without a string for each.
+/// Appends numbers as decimal text, without making a string for each.
 #pragma once
 
 #include <charconv>

@@ -1,5 +1,5 @@
-// Which operand a message is about: the one at the place that the core reported, or else the one
-// that the forms or the tokens show to be at fault.
+// Finds the operand that a message is about: the one at the place that the core reported, or else
+// the one that is at fault according to the forms or the tokens.
 
 #include "frontend/operand_case.h"
 

@@ -1,4 +1,4 @@
-/// What the advice on an operand works on, shared by the files that give it.
+/// The data for advice on an operand, shared by the files that give advice.
 #pragma once
 
 #include <string>
@@ -13,20 +13,20 @@ namespace korv {
 /// Directives that take any number of values.
 inline constexpr std::string_view dataDirectives = "DB DEFB DW DEFW";
 
-/// A message about operands, with the advice as it grows.
+/// A message about operands, and the advice on it so far.
 struct OperandCase {
     Adviser& adviser;
     const FaultView& fault;
     const StatementView& statement;
     const OperandView* operand =
-        nullptr;  ///< at fault; null: one is missing, or it is none of them
+        nullptr;  ///< the operand at fault; null: one is missing, or none is at fault
     Advice advice = {};
 
     void PointAt(std::string_view part) { advice.place = statement.PartOf(part); }
     void Replace(std::string_view part, std::string text) {
         advice.edits.push_back({statement.PartOf(part), std::move(text)});
     }
-    /// Puts `text` in front of `part`.
+    /// Proposes to insert `text` before `part`.
     void Insert(std::string_view part, std::string text) {
         Replace(part.substr(0, 0), std::move(text));
     }
@@ -36,23 +36,23 @@ struct OperandCase {
     }
 };
 
-/// The operand that the message is about; null if one is missing, or it is none of them.
+/// The operand that the message is about; null if one is missing, or it is about none of them.
 [[nodiscard]] const OperandView* FocusOf(const FaultView& fault);
 
-/// Whether the statement has a form of its mnemonic once it is changed.
+/// Whether the changed statement matches a form of its mnemonic.
 [[nodiscard]] bool HasFormWith(const StatementView& statement, const std::vector<TextEdit>& edits);
 
-/// The token `text` in the expression of `operand`, which the name of an index register is no part
-/// of; null for none.
+/// The token `text` in the expression of `operand`, which does not include the name of an index
+/// register; null if there is none.
 [[nodiscard]] const Token* FindToken(const OperandView& operand, std::string_view text);
 
-/// Advises on the fault that the tokens of the operand show. False: they show none.
+/// Advises on the fault that the tokens of the operand show. Result: false if they show none.
 [[nodiscard]] bool AdviseOnExpression(OperandCase* it);
 /// Advises on "XAND3", a word operator without blanks.
 [[nodiscard]] bool AdviseOnGluedOperator(OperandCase* it, const Token& token);
 /// Advises on "LD A;5", where a comment ends the operands, and on "(IX,5)".
 [[nodiscard]] bool AdviseOnComma(OperandCase* it);
-/// Advises on another sign in place of a comma, as in "LD A:5".
+/// Advises on another sign instead of a comma, as in "LD A:5".
 [[nodiscard]] bool AdviseOnSeparator(OperandCase* it);
 /// Advises on brackets around the values of a data directive.
 [[nodiscard]] bool AdviseOnListBrackets(OperandCase* it);
@@ -62,7 +62,7 @@ struct OperandCase {
 [[nodiscard]] bool AdviseOnSplitBrackets(OperandCase* it);
 /// Advises on an operand without text.
 [[nodiscard]] bool AdviseOnEmptyOperand(OperandCase* it);
-/// Advises on a second instruction in the line, with or without a sign before it.
+/// Advises on a second instruction on the line, with or without a sign before it.
 [[nodiscard]] bool AdviseOnSecondInstruction(OperandCase* it);
 /// Advises on what is written as in another assembler.
 [[nodiscard]] bool AdviseOnSpelling(OperandCase* it);

@@ -13,8 +13,8 @@ namespace {
 constexpr std::uint64_t mostOf32Bits = 0xFFFFFFFF;
 constexpr std::uint64_t longestLine = 0x10000;  // bytes
 
-// Each `Take` stores an argument in a member of `Options` of one type. Where an option is repeated
-// the last one counts, unless it makes a list.
+// Each `Take` stores an argument in a member of `Options` of one type. If an option is repeated,
+// the last one counts, unless its member is a list.
 std::string Take(const OptionRow&, std::string_view, bool* isOn) {
     *isOn = true;
     return "";
@@ -55,7 +55,8 @@ std::string Take(const OptionRow&, std::string_view word, WarningChoice* warning
            (meant.empty() ? "; --help lists them" : "; did you mean " + Quoted(meant) + "?");
 }
 
-// The choices are in the order of the enumerators. An optional one that is left out is the first.
+// The choices are in the order of the enumerators. If an optional argument is left out, the first
+// one is chosen.
 template <typename Choice>
 requires std::is_enum_v<Choice> std::string Take(const OptionRow& row, std::string_view word,
                                                  Choice* choice) {
@@ -92,26 +93,26 @@ std::string Ask(const OptionRow&, std::string_view, Options* options) {
 
 // clang-format off
 constexpr OptionRow rows[] = {
-    {'o', "", "FILE", "the image; - is standard output; by default it is written beside the source, with the extension of its format",
+    {'o', "", "FILE", "write the image to FILE; - is standard output; by default, it is written beside the source, with the extension of its format",
      Store<&Options::output>},
-    {'f', "format", "com|bin|hex", "com: the bytes alone; bin: with the load header; hex: Intel HEX; by default the extension of -o decides, else com",
+    {'f', "format", "com|bin|hex", "com: the bytes alone; bin: with the load header; hex: Intel HEX; by default, the extension of -o decides, otherwise com",
      Store<&Options::wantedFormat>},
-    {'D', "", "NAME[=EXPRESSION]", "define NAME before the first line; 1 without an expression", Store<&Options::defines>},
-    {'I', "", "DIR", "search DIR too for the files of INCLUDE and BINCLUDE; may be repeated", Store<&Options::includes>},
+    {'D', "", "NAME[=EXPRESSION]", "define NAME before the first line; without an expression its value is 1", Store<&Options::defines>},
+    {'I', "", "DIR", "also search DIR for the files of INCLUDE and BINCLUDE; may be repeated", Store<&Options::includes>},
     {'M', "depfile", "FILE", "write the dependencies for make and ninja", Store<&Options::depfile>},
     {'l', "listing", "FILE", "write a listing", Store<&Options::listing>},
     {0, "symbols", "FILE", "write names and values", Store<&Options::symbols>},
-    {0, "symbol-format", "equ|sym|noi|cspect", "equ, the default: assembles again; the others are for debuggers", Store<&Options::symbolFormat>},
+    {0, "symbol-format", "equ|sym|noi|cspect", "equ, the default, can be assembled again; the others are for debuggers", Store<&Options::symbolFormat>},
     {0, "debug", "FILE", "write source-level debugging data (SLD)", Store<&Options::debug>},
     {0, "summary", "[=text|json]", "print the sizes and T-states of the program", Store<&Options::summary>},
-    {'W', "", "NAME", "turn a warning on; no-NAME: off; error=NAME, no-error=NAME: make it an error or not; error: all of them",
+    {'W', "", "NAME", "turn a warning on; no-NAME: turn it off; error=NAME, no-error=NAME: make it an error or not; error: make all of them errors",
      Store<&Options::warnings>},
     {'w', "", "", "print no warnings", Store<&Options::isQuiet>},
-    {0, "line-length", "N", "longest line in bytes, with its comment and line end; default 256", Store<&Options::lineLength>, 1, longestLine},
+    {0, "line-length", "N", "accept lines of up to N bytes, including comment and line end; default 256", Store<&Options::lineLength>, 1, longestLine},
     {0, "no-reserved", "", "allow reserved words as labels", Store<&Options::hasFreeNames>},
-    {0, "max-errors", "N", "print N errors at most; 0: all; default 100", Store<&Options::maxErrors>, 0, mostOf32Bits},
-    {0, "max-image", "N", "longest image in bytes; default 65536", Store<&Options::maxImage>, 0, mostOf32Bits},
-    {0, "color", "auto|always|never", "auto, the default: on a terminal, unless NO_COLOR is set", Store<&Options::color>},
+    {0, "max-errors", "N", "print at most N errors; 0: all; default 100", Store<&Options::maxErrors>, 0, mostOf32Bits},
+    {0, "max-image", "N", "accept images of up to N bytes; default 65536", Store<&Options::maxImage>, 0, mostOf32Bits},
+    {0, "color", "auto|always|never", "colour the messages; auto, the default: on a terminal unless NO_COLOR is set", Store<&Options::color>},
     {'h', "help", "", "print this text", Ask<Request::printHelp>},
     {'V', "version", "", "print the version", Ask<Request::printVersion>},
 };

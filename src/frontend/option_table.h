@@ -1,4 +1,4 @@
-/// The options of korv-as, a row each. The parser and --help read the table; tests check the man
+/// The options of korv-as, one per row. The parser and --help use the table; tests check the man
 /// page, the manual and the completion files against it.
 #pragma once
 
@@ -13,25 +13,25 @@
 namespace korv {
 
 struct OptionRow {
-    char letter;                ///< of the short form; 0: there is none
-    std::string_view name;      ///< of the long form, without its dashes; empty: there is none
+    char letter;                ///< the short form; 0: there is none
+    std::string_view name;      ///< the long form, without its dashes; empty: there is none
     std::string_view argument;  ///< FILE, DIR, NAME, N, or the words to choose from ("com|bin");
                                 ///< empty: it takes none; "[=a|b]": only after "=", and optional
     std::string_view help;
-    /// Stores `word`, the argument. Result: what is wrong with it, or empty.
+    /// Stores the argument `word`. Result: empty, or an error message.
     std::string (*take)(const OptionRow& row, std::string_view word, Options* options);
-    std::uint64_t least = 0;  ///< of a number
+    std::uint64_t least = 0;  ///< smallest number allowed
     std::uint64_t most = 0;
 
     [[nodiscard]] bool NeedsArgument() const {
         return !argument.empty() && !argument.starts_with('[');
     }
-    /// The words to choose from, an empty one among them where the argument is optional; a single
-    /// one: there is no choice.
+    /// The words to choose from, beginning with an empty one if the argument is optional. A single
+    /// word means that there is no choice.
     [[nodiscard]] std::vector<std::string_view> Choices() const;
 };
 
-/// In the order of --help.
+/// In the order of the --help text.
 extern const std::span<const OptionRow> optionTable;
 
 }  // namespace korv

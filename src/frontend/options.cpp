@@ -1,5 +1,5 @@
-// Reads the command line by the table of options. The rules are those of GNU programs: options and
-// the source in any order, letters together ("-wl list"), "--name=value" or "--name value", and
+// Reads the command line with the table of options. The rules are those of GNU programs: options
+// and the source in any order, combined letters ("-wl list"), "--name=value" or "--name value", and
 // only files after "--".
 
 #include "frontend/options.h"
@@ -42,7 +42,8 @@ bool IsOption(std::string_view word) {
                                 : word.size() > 1 && word[0] == '-' && RowOf(word[1]) != nullptr);
 }
 
-// The option that was meant by `name`, a misspelt one without its dashes; empty: none is near.
+// The option that is probably meant by `name`, a misspelt one without its dashes; empty: none is
+// near.
 std::string Meant(std::string_view name) {
     std::vector<std::string_view> names;
     std::ranges::transform(optionTable, std::back_inserter(names), &OptionRow::name);
@@ -71,7 +72,7 @@ class Parser {
     Parser(const std::vector<std::string>& words, Options* options)
         : words(words), options(options) {}
 
-    // Result, here and below: what is wrong, or empty.
+    // Result, here and below: empty, or an error message.
     std::string Parse() {
         std::string failure;
         bool areOptionsOver = false;
@@ -131,14 +132,15 @@ class Parser {
         return "";
     }
 
-    // `attached` is the argument in the same word.
+    // `attached` is the argument if it is in the same word.
     std::string Take(const OptionRow& row, std::string_view spelled,
                      std::optional<std::string_view> attached) {
         if (row.argument.empty() && attached) {
             return std::string(spelled) + " takes no argument: " + Quoted(*attached);
         }
         if (row.NeedsArgument() && !attached) {
-            // A name that is an option was hardly meant; "./-o" and "--listing=-o" are possible.
+            // A file name that looks like an option is probably a mistake. "./-o" or "--listing=-o"
+            // works.
             if (at + 1 == words.size() || IsOption(words[at + 1])) {
                 return "missing " + std::string(row.argument) + " after " + Quoted(spelled);
             }
@@ -156,7 +158,7 @@ class Parser {
     Options* options;
 };
 
-// The extension of a format is its word on the command line.
+// The extension of a format is the same as its word on the command line.
 std::string ExtensionOf(ImageFormat format) {
     return "." + std::string(RowOf("format")->Choices()[static_cast<std::size_t>(format)]);
 }
@@ -171,7 +173,7 @@ ImageFormat FormatOf(std::string_view name) {
     return ImageFormat::com;
 }
 
-// Settles what depends on several words.
+// Completes the options that depend on several words, and checks them.
 std::string Complete(Options* options) {
     if (options->source.empty()) {
         return "no source file is given" + std::string(seeHelp);
@@ -182,7 +184,7 @@ std::string Complete(Options* options) {
     options->format = options->wantedFormat.value_or(FormatOf(options->output));
     for (std::string* const name : {&options->output, &options->depfile, &options->listing,
                                     &options->symbols, &options->debug}) {
-        if (*name == "/dev/stdout") {  // what else is written there is kept
+        if (*name == "/dev/stdout") {  // other text that is written there must not be lost
             *name = standardStream;
         }
         if (options->summary && *name == standardStream) {
@@ -203,7 +205,7 @@ std::string Complete(Options* options) {
     return "";
 }
 
-// Appends `left` and, from column 34 on, `right` in lines of at most 80 characters.
+// Appends `left` and, from column 34 on, `right`, in lines of at most 80 characters.
 void AddHelp(std::string_view left, std::string_view right, std::string* text) {
     constexpr std::size_t column = 34;
     constexpr std::size_t width = 80 - column;

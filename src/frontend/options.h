@@ -20,40 +20,41 @@ enum class Request : std::uint8_t { assemble, printHelp, printVersion };
 
 /// The exit statuses.
 inline constexpr int statusDone = 0;
-inline constexpr int statusErrors = 1;   ///< in the source
-inline constexpr int statusFailure = 2;  ///< wrong use, or a file that cannot be read or written
+inline constexpr int statusErrors = 1;  ///< errors in the source
+inline constexpr int statusFailure =
+    2;  ///< wrong command line, or a file cannot be read or written
 
 /// Standard input as the source, standard output as an output.
 inline constexpr const char* standardStream = "-";
 
 struct Options {
-    Request request = Request::assemble;  ///< if it is another one, nothing else counts
+    Request request = Request::assemble;  ///< if it is another one, all else is ignored
     std::string source;
     std::string output;                       ///< the image; never empty
-    std::optional<ImageFormat> wantedFormat;  ///< none: by the extension of `output`
-    ImageFormat format = ImageFormat::com;    ///< of the image
+    std::optional<ImageFormat> wantedFormat;  ///< none: determined by the extension of `output`
+    ImageFormat format = ImageFormat::com;    ///< the format of the image
     std::vector<std::string> defines;         ///< NAME or NAME=EXPRESSION
     std::vector<std::string> includes;        ///< directories
-    std::string depfile;                      ///< this one and the next three: empty for none
+    std::string depfile;                      ///< empty: none; the same for the next three
     std::string listing;
     std::string symbols;
     std::string debug;
     SymbolFormat symbolFormat = SymbolFormat::equ;
-    std::optional<SummaryFormat> summary;  ///< on standard output; none: there is none
+    std::optional<SummaryFormat> summary;  ///< on standard output; none: no summary
     WarningChoice warnings;
     bool isQuiet = false;            ///< no warnings at all
-    std::uint64_t lineLength = 256;  ///< longest line in bytes, with its comment and its end
+    std::uint64_t lineLength = 256;  ///< longest line in bytes, including comment and line end
     bool hasFreeNames = false;       ///< reserved words may be labels
-    std::uint64_t maxErrors = 100;   ///< 0 for all
+    std::uint64_t maxErrors = 100;   ///< 0: all
     std::uint64_t maxImage = 65536;  ///< bytes
     ColorChoice color = ColorChoice::automatic;
 };
 
-/// Takes the words of a command line, without the name of the program and with no @FILE among them.
-/// Result: what is wrong with them, and `options` is of no use; empty: nothing, and it is complete.
+/// Reads the words of a command line, without the program name and with no @FILE among them.
+/// Result: empty, or an error message; then `options` is incomplete.
 [[nodiscard]] std::string TakeWords(const std::vector<std::string>& words, Options* options);
 
-/// The same for the words that `main` gets, after each @FILE has been replaced by its words.
+/// The same for the arguments of `main`. Replaces each @FILE by its words first.
 [[nodiscard]] std::string ReadOptions(int argumentCount, char** arguments, Options* options);
 
 /// The texts of --help and --version.

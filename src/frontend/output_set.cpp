@@ -70,8 +70,7 @@ class OutputSet {
                                                             : staged[i].Send(contents));
     }
 
-    // Why output `i` is refused, as a file that was read or that is another output too; empty: it
-    // is not.
+    // Why output `i` is refused: it is an input or also another output. Empty: it is not refused.
     std::string RefusalOf(std::size_t i, const platform::FileSet& inputs) const {
         const std::string name = ShownName(outputs[i].name);
         const std::optional<platform::FileIdentity> identity = staged[i].Identity();

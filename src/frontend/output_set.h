@@ -1,4 +1,4 @@
-/// The outputs of a run, which leaves all of them or none.
+/// Writes either all outputs of a run or none.
 #pragma once
 
 #include <string>
@@ -10,13 +10,13 @@ namespace korv {
 
 struct Output {
     std::string name;      ///< "-" for standard output
-    std::string contents;  ///< bytes as they are
-    bool isText = false;   ///< a terminal gets "\xHH" for control characters
+    std::string contents;  ///< written unchanged
+    bool isText = false;   ///< on a terminal, control characters are shown as "\xHH"
 };
 
-/// Writes `outputs`, of which the first gets its name last. `inputs` are the regular files that the
-/// run has read; none of them is written over. Result: empty; or why nothing was written, but to
-/// standard output, a device or a pipe.
+/// Writes `outputs`; the first one gets its final name last. `inputs` are the regular files that
+/// the run has read; none of them is overwritten. Result: empty, or why nothing was written, except
+/// to standard output, a device or a pipe.
 [[nodiscard]] std::string WriteOutputs(const std::vector<Output>& outputs,
                                        const platform::FileSet& inputs);
 

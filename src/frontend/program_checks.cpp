@@ -43,7 +43,7 @@ std::vector<Message> OverlapWarnings(const Analysis& analysis) {
     std::vector<Block> blocks = analysis.blocks;
     std::ranges::sort(blocks, {}, &Block::address);
     std::vector<Message> warnings;
-    const Block* last = nullptr;  // the one that reaches furthest so far
+    const Block* last = nullptr;  // the block with the highest end so far
     for (const Block& block : blocks) {
         if (last != nullptr && block.address < last->address + last->count) {
             const Block& second = block.offset > last->offset ? block : *last;

@@ -7,17 +7,16 @@
 
 namespace korv {
 
-/// Adds `message`, a warning with its name, to those of `analysis` if `choice` wants it; as an
-/// error if that says so. Its text and code are filled in.
+/// Adds `message`, a named warning, to those of `analysis` if `choice` wants it, as a warning or as
+/// an error. Its text and code are filled in.
 void AddWarning(const WarningChoice& choice, Message message, Analysis* analysis);
-/// Adds `message` if the limit of errors allows, and counts it in any case.
+/// Counts `message`, and adds it unless the limit of errors has been reached.
 void AddMessage(Message message, Analysis* analysis);
 
-/// A warning for each block that has addresses in common with an earlier one: at the block that is
-/// later in the source.
+/// Warns about each block that overlaps an earlier one, at the block that is later in the source.
 [[nodiscard]] std::vector<Message> OverlapWarnings(const Analysis& analysis);
 
-/// A warning for each label or EQU that no expression reads, in the order of the source.
+/// Warns about each label or EQU that no expression uses, in the order of the source.
 [[nodiscard]] std::vector<Message> UnusedLabelWarnings(const Analysis& analysis);
 
 }  // namespace korv

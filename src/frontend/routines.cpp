@@ -8,7 +8,7 @@
 namespace korv {
 namespace {
 
-// The labels by opening and line, which is where a statement finds its own.
+// The labels by opening and line, to find the label of a statement.
 class Labels {
   public:
     explicit Labels(const Analysis& analysis) {

@@ -1,4 +1,4 @@
-/// The parts of a program from label to label.
+/// The routines of a program: its parts from label to label.
 #pragma once
 
 #include <cstdint>
@@ -8,7 +8,7 @@
 
 namespace korv {
 
-/// What follows a label, up to the next one or to an ORG that continues elsewhere.
+/// The code and data from a label to the next one, or to an ORG that continues elsewhere.
 struct Routine {
     const Name* label = nullptr;
     std::uint32_t address = 0;

@@ -1,5 +1,6 @@
 // A line of SLD has eight fields: file, line, file and line of a definition (not used here: "" and
-// 0), page, value, type, data. A "|" separates them, so none may hold one, nor a line end.
+// 0), page, value, type, data. They are separated by "|", so no field may contain a "|" or a line
+// end.
 
 #include "frontend/sld.h"
 
@@ -84,7 +85,7 @@ class SldWriter {
             (!isConstant && name.kind != NameKind::label)) {
             return;
         }
-        std::string data = "," + Field(name.text) + ",,";  // no module, no local part
+        std::string data = "," + Field(name.text) + ",,";  // without a module and a local name
         data += isConstant ? "+equ" : "";
         data += isConstant && name.isUsed ? "," : "";
         data += name.isUsed ? "+used" : "";
@@ -106,13 +107,13 @@ class SldWriter {
     std::vector<bool> holdsKeyword;  // by file; few do
 };
 
-// A comment begins at a semicolon outside double quotes. All that follows in the statement belongs
-// to it, since a backslash at its end continues it.
+// A comment begins at a semicolon outside double quotes. The rest of the statement belongs to it,
+// since a backslash at the end of a line continues the comment.
 void SldWriter::PutKeywordComment(std::int32_t file, const Statement& statement,
                                   std::uint32_t address) {
     const StoredText& source = *analysis.files[static_cast<std::size_t>(file)].text;
     std::string comment;
-    std::int32_t start = 0;  // its line; 0 before it
+    std::int32_t start = 0;  // the line of the comment; 0: not reached yet
     bool isString = false;
     const auto end = static_cast<std::int64_t>(statement.line) + statement.lineCount;
     for (std::int32_t number = statement.line; number < end; ++number) {

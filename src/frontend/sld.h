@@ -1,4 +1,4 @@
-/// Source-level debugging data (SLD, version 1), as DeZog and other debuggers read it.
+/// Source-level debugging data (SLD, version 1), which DeZog and other debuggers read.
 #pragma once
 
 #include <string>
@@ -7,7 +7,8 @@
 
 namespace korv {
 
-/// Needs `Wanted::statements` and `Wanted::names`. The memory is one slot of 64 KiB, page 0.
+/// Needs `Wanted::statements` and `Wanted::names`. Memory is described as one slot of 64 KiB, page
+/// 0.
 [[nodiscard]] std::string SldText(const Analysis& analysis);
 
 }  // namespace korv

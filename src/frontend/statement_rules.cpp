@@ -10,8 +10,8 @@
 namespace korv {
 namespace {
 
-// Offset of the first sequence in `text`, a string with its quotes. A backslash before the last
-// quote is one only if the text goes on after it.
+// The offset of the first backslash sequence in `text`, a string with its quotes. A backslash
+// before the last quote counts only if text follows the quote.
 std::size_t EscapeIn(std::string_view text, bool goesOn) {
     for (std::size_t i = 1; i + 1 < text.size(); ++i) {
         if (text[i] == '\\' &&

@@ -1,5 +1,5 @@
-/// What in a statement assembles to something other than it appears to say, as far as the statement
-/// itself shows it.
+/// Finds parts of a statement that assemble to something other than they appear to say, as far as
+/// the statement alone shows it.
 #pragma once
 
 #include <optional>
@@ -9,18 +9,18 @@
 
 namespace korv {
 
-/// The first backslash sequence in a string, such as \n, which is two bytes here. File names have
-/// none.
+/// The first backslash sequence in a string, such as \n, which is two bytes here. A backslash in a
+/// file name does not count.
 [[nodiscard]] std::optional<LinePart> FindEscape(const StatementView& statement);
 
-/// Whether `label` is a number wherever an expression uses it, as 1B, EACH, B and 7.
+/// Whether an expression reads `label` as a number, like 1B, EACH, B and 7.
 [[nodiscard]] bool ReadsAsNumber(std::string_view label);
 
-/// Whether `label` is a register or condition where it is an operand by itself, as P and HL.
+/// Whether `label` as a whole operand is a register or condition, like P and HL.
 [[nodiscard]] bool ReadsAsRegister(std::string_view label);
 
-/// What makes a condition mean something other than it does in other languages, with what to do
-/// instead; empty for nothing.
+/// What makes a condition mean something other than in most languages, and what to write instead;
+/// empty if nothing does.
 [[nodiscard]] std::string_view SurpriseInCondition(const OperandView& condition);
 
 }  // namespace korv

@@ -1,4 +1,4 @@
-/// The bytes of a file as they were read, with the way to its lines.
+/// The bytes of a file as they were read, with access to its lines.
 #pragma once
 
 #include <cstddef>
@@ -33,12 +33,12 @@ class StoredText {
     [[nodiscard]] std::int32_t LineCount() const {
         return static_cast<std::int32_t>(Starts().size());
     }
-    /// Offset of physical line `number`, from 1; the size of the text for later ones.
+    /// The offset of physical line `number`, from 1; the size of the text if there is no such line.
     [[nodiscard]] std::size_t LineStart(std::int32_t number) const;
-    /// Physical line `number`, from 1, without its line end; empty after the last one.
+    /// Physical line `number`, from 1, without its line end; empty if there is no such line.
     [[nodiscard]] std::string_view Line(std::int32_t number) const;
 
-    /// Whether some byte of it is 0 or 1AH, or a carriage return without a line feed: then an
+    /// Whether the text contains a byte 0 or 1AH, or a carriage return without a line feed. Then an
     /// offset in a cleaned line may differ from the column.
     [[nodiscard]] bool HasOddBytes() const { return hasOddBytes; }
 

@@ -19,18 +19,18 @@ constexpr std::uint32_t addressCount = 0x10000;
 constexpr std::uint32_t kibibyte = 1024;
 constexpr std::size_t largestCount = 10;
 
-/// Bytes by what made them.
+/// Bytes by the kind of statement that emitted them.
 struct Sizes {
-    std::uint64_t statements = 0;  ///< that were assembled; blank lines and comments are none
+    std::uint64_t statements = 0;  ///< assembled statements; blank lines and comments do not count
     std::uint64_t code = 0;
     std::uint64_t data = 0;
-    std::uint64_t space = 0;  ///< of DS
+    std::uint64_t space = 0;  ///< emitted by DS
 };
 
 struct Summary {
-    std::vector<Sizes> files;  ///< as in `Analysis::files`
+    std::vector<Sizes> files;  ///< in the order of `Analysis::files`
     std::string map;           ///< a character for each KiB
-    std::uint32_t room = 0;    ///< bytes from the highest address in use to FFFFH
+    std::uint32_t room = 0;    ///< bytes above the highest used address, up to FFFFH
     std::vector<Routine> routines;
     std::vector<Routine> largest;
 };
@@ -55,7 +55,7 @@ void Count(const Statement& statement, Sizes* sizes) {
     }
 }
 
-// '#' where most of what is there is code, '+' where it is data, '.' where nothing is.
+// '#' if most bytes are code, '+' if most are data, '.' if there are none.
 std::string MapOf(std::span<const Statement> statements) {
     struct Bytes {
         std::uint64_t code = 0, data = 0;
@@ -96,7 +96,7 @@ Summary Summarise(const Analysis& analysis) {
     summary.room = addressCount - end;
     summary.routines = RoutinesOf(analysis);
     summary.largest.resize(std::min(largestCount, summary.routines.size()));
-    // Of those of one size, the first in the source is first.
+    // Routines of equal size stay in the order of the source.
     const auto isLarger = [](const Routine& a, const Routine& b) {
         return a.count != b.count ? a.count > b.count : a.address < b.address;
     };
@@ -111,8 +111,8 @@ std::string Hex(std::uint32_t address) {
 
 using Row = std::vector<std::string>;
 
-// Columns as wide as their widest cell, the first one to the left and all others to the right;
-// a table without a row under its heads is left out.
+// Columns are as wide as their widest cell. The first one is aligned left and all others right. A
+// table without a row below its heading is left out.
 void PutTable(std::string* text, const std::vector<Row>& rows) {
     if (rows.size() < 2) {
         return;

@@ -1,4 +1,4 @@
-/// The sizes of a program and of its parts, and how long they take.
+/// The sizes and T-states of a program and its parts.
 #pragma once
 
 #include <string>
@@ -7,7 +7,7 @@
 
 namespace korv {
 
-/// As tables for a person, each line ended. Needs `Wanted::statements` and `Wanted::names`.
+/// As tables for people to read. Needs `Wanted::statements` and `Wanted::names`.
 [[nodiscard]] std::string SummaryText(const Analysis& analysis);
 
 /// The same as one line of JSON.

@@ -25,7 +25,7 @@ std::size_t WidthOf(const PrintableCharacter& character, bool isEscaped) {
                                                     : 1;
 }
 
-// Calls `take` with the bytes of each character of `text`, and with its width.
+// Calls `take` with the bytes and the width of each character of `text`.
 template <typename Take>
 void ForEachCharacter(std::string_view text, bool isEscaped, Take take) {
     while (!text.empty()) {

@@ -1,5 +1,5 @@
-/// How a text is shown: in quotes, and on a terminal with which of its bytes escaped and in how
-/// many columns.
+/// How a text is shown: in quotes and, on a terminal, with some bytes escaped; and how many columns
+/// it takes.
 #pragma once
 
 #include <cstddef>
@@ -12,15 +12,15 @@ namespace korv {
     return "'" + std::string(text) + "'";
 }
 
-/// `text` with "\xHH" for control characters and bytes that are no UTF-8, so that no text acts on
-/// the terminal. Tabs and line feeds stay.
+/// `text` with "\xHH" for control characters and bytes that are not UTF-8, so that no text controls
+/// the terminal. Tabs and line feeds are kept.
 [[nodiscard]] std::string EscapedText(std::string_view text);
 
-/// Columns up to the end of `text` when it begins at `column`, from 0; a tab ends at a multiple
-/// of 8. `isEscaped`: it is shown as `EscapedText` has it.
+/// The column after `text` if it begins at `column`, from 0; a tab ends at a multiple of 8.
+/// `isEscaped`: the text is shown as returned by `EscapedText`.
 [[nodiscard]] std::size_t EndColumn(std::string_view text, std::size_t column, bool isEscaped);
 
-/// Blanks and tabs that are as wide as `text`, whatever the width of a tab is.
+/// Blanks and tabs that are as wide as `text` for any tab width.
 [[nodiscard]] std::string BlankText(std::string_view text, bool isEscaped);
 
 }  // namespace korv

@@ -56,7 +56,7 @@ bool WarningChoice::Take(std::string_view word) {
     if (isAboutErrors) {
         errors[index] = isWanted;
     }
-    if (isWanted || !isAboutErrors) {  // what is to be an error is wanted
+    if (isWanted || !isAboutErrors) {  // a warning that counts as an error is also turned on
         on[index] = isWanted;
     }
     return true;

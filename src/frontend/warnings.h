@@ -1,4 +1,4 @@
-/// The warnings by name: those that the core reports by number, and those that only this front end
+/// The named warnings: those that the core reports by number, and those that only this front end
 /// gives.
 #pragma once
 
@@ -40,7 +40,7 @@ enum class Warning : std::uint8_t {
 
 struct WarningRow {
     std::string_view name;
-    bool isOn;  ///< unless -W says otherwise
+    bool isOn;  ///< by default
     std::string_view meaning;
 };
 
@@ -80,19 +80,19 @@ static_assert(warningTable.size() == static_cast<std::size_t>(Warning::symbolRan
     return warningTable[static_cast<std::size_t>(warning)];
 }
 
-/// The warning that the core's warning `number` is; none: it is an error here, since the condition
-/// of an IF that has no value decides what is assembled.
+/// The named warning for the core's warning `number`. None: it is an error here, because an IF
+/// whose condition has no value decides what is assembled.
 [[nodiscard]] std::optional<Warning> WarningOf(std::int32_t number);
 
-/// Which warnings are wanted, and which of them are errors.
+/// Which warnings are turned on, and which of them are errors.
 class WarningChoice {
   public:
     WarningChoice();
 
-    /// Takes the word of a -W: NAME, no-NAME, error, error=NAME, no-error=NAME. False: there is no
-    /// such warning.
+    /// Applies the argument of -W: NAME, no-NAME, error, error=NAME, no-error=NAME. Result: false
+    /// if there is no such warning.
     [[nodiscard]] bool Take(std::string_view word);
-    /// -w: none is wanted.
+    /// Turns all warnings off, for -w.
     void TakeNone();
 
     [[nodiscard]] bool IsOn(Warning warning) const { return on[Index(warning)]; }

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cctype>
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <iterator>
 #include <map>
@@ -245,6 +246,18 @@ TEST(CompletenessTest, EveryOptionAndWarningOfKorvAsStandsWhereAUserLooks) {
     EXPECT_EQ(RunKorvAs({"--help"}), RunKorvAs({"-h", "--none"}));
     EXPECT_EQ(Strings(), Found(RunKorvAs({"-h"}), "(.{81,})\n")) << "lines of --help";
     EXPECT_EQ("korv-as 2.00.025\n", RunKorvAs({"-wV"}));
+}
+
+TEST(CompletenessTest, TheWidthsOfCharactersAreThoseOfUnicode) {
+    const TempDir directory;
+    const std::string table = ReadFile(ProjectPath("src/frontend/width_table.h")).value_or("");
+    const std::string tool = ProjectPath("tools/make_width_table");
+    const std::string made = std::system(("python3 " + tool + " >table").c_str()) == 0 ? *ReadFile("table") : "";
+    const auto heading = [](const std::string& text) { return text.substr(0, text.find("#pragma")); };
+    if (heading(made) != heading(table)) {
+        GTEST_SKIP() << "There is no Python with the same version of Unicode";
+    }
+    EXPECT_TRUE(made == table) << "made by " << tool;
 }
 
 }  // namespace

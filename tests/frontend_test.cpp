@@ -143,6 +143,7 @@ TEST(FrontendTest, StrangeLinesAreWarnedOfAndOthersAreNot) {
         {" -W error=range -W no-org-gap", " LD A,300| ORG 5| DB 1,", "!1:7 X40, 3:6 X59"},
         {" -Werror -W no-error=empty-operand -W no-open-string -W no-skipped-line", "* x| LD A,300| DB 1,| DM \"a", "!2:7 X40, 3:6 X59"},
         {" -w -W range", "* x| LD A,300|END| DB 1,", ""},
+        {" -W error -W no-error --line-length 19", " LD A,300 ; 567890| LD A,300 ; 5678901|", "1:7 X40, !2:2 X41"},
         {"", " IF 1| IF X| ELSE| ENDIF|Y: IF 1", "!2:5 X12, !5:1 X43, !1:2 open-if, !5:4 open-if"},
         {"", " JP B1| JP A1| DB \"B1\",XB1,B1|XB1: EQU 5", "!2:5 X12, !3:14 X12"},
         {" --max-image 3", " DW 1| DS 1| DS 0|", ""},

@@ -7,6 +7,7 @@
 #include <tuple>
 
 #include "frontend/analyser.h"
+#include "frontend/dependencies.h"
 #include "frontend/file_store.h"
 #include "frontend/program_checks.h"
 #include "frontend/sld.h"
@@ -178,6 +179,24 @@ void CheckSld(const korv::Analysis& analysis) {
     EXPECT_EQ(traces, expectedTraces);
     EXPECT_EQ(bytes, expectedBytes);
     EXPECT_EQ(labels, expectedLabels);
+}
+
+TEST(OutputsTest, RulesHoldOnlyNamesThatMakeAndNinjaReadBack) {
+    korv::Analysis analysis = AnalyseSample();
+    const std::string rest = ": \\\n  a.kor \\\n  p.kor\n\na.kor:\n\np.kor:\n";
+    for (const std::string name : {"+,-./@_~(){}!]Zz09", "\xC3\xA4", "a\\b\\\\c", "define.", "./.Sx", ".", "a~"}) {
+        EXPECT_EQ(name + rest, korv::DependenciesOf(analysis, name).text);
+    }
+    EXPECT_EQ("a\\ \\#\\:$$b" + rest, korv::DependenciesOf(analysis, "a #:$b").text);
+    const std::string refusal = "cannot write dependencies: make or ninja would misread the name '";
+    for (const std::string name : {"~a", "a%", "a=b", "define", "././define", "././.SUFFIXES", "._", "a)", "a ",
+                                   "ab:", "a\\", "a\\#b", "a\nb"}) {
+        EXPECT_EQ(refusal + name + "'", korv::DependenciesOf(analysis, name).failure);
+    }
+    analysis.files.at(1).name = "p*.kor";
+    EXPECT_EQ(refusal + "p*.kor'", korv::DependenciesOf(analysis, "a").failure);
+    analysis.files.at(1).isStandardInput = true;
+    EXPECT_EQ("a: \\\n  a.kor\n\na.kor:\n", korv::DependenciesOf(analysis, "a").text);
 }
 
 TEST(OutputsTest, DebuggingDataLeadToTheBytesOfEveryInstruction) {

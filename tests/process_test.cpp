@@ -231,28 +231,45 @@ TEST(BinBlockDeathTest, AWordHasAPosition) {
 }
 #endif
 
+// Both ends of a terminal; -1 where none can be had.
+class Terminal {
+  public:
+    Terminal() : keyboard(posix_openpt(O_RDWR | O_NOCTTY)) {
+        const bool isReady = keyboard >= 0 && grantpt(keyboard) == 0 && unlockpt(keyboard) == 0;
+        screen = isReady ? open(ptsname(keyboard), O_RDWR | O_NOCTTY) : -1;
+    }
+    ~Terminal() {
+        close(screen);
+        close(keyboard);
+    }
+    // What it shows.
+    [[nodiscard]] std::string Text() const {
+        std::string text(4096, '\0');
+        text.resize(static_cast<std::size_t>(std::max<ssize_t>(0, read(keyboard, text.data(), text.size()))));
+        return ReplaceAll(text, "\r\n", "\n");
+    }
+    int keyboard;
+    int screen = -1;
+};
+
 TEST(WaitTest, TakesOneKeyOfATerminal) {
-    const int keyboard = posix_openpt(O_RDWR | O_NOCTTY);
-    const bool isReady = keyboard >= 0 && grantpt(keyboard) == 0 && unlockpt(keyboard) == 0;
-    const int terminal = isReady ? open(ptsname(keyboard), O_RDWR | O_NOCTTY) : -1;
-    if (terminal < 0) {
+    const Terminal terminal;
+    if (terminal.screen < 0) {
         GTEST_SKIP() << "No terminal can be had: " << std::strerror(errno);
     }
     const TempDir directory;
     termios before;
-    ASSERT_EQ(0, tcgetattr(terminal, &before));
+    ASSERT_EQ(0, tcgetattr(terminal.screen, &before));
     termios now = before;
     const auto type = [&](pid_t) {
-        Await([&] { return tcgetattr(terminal, &now) == 0 && now.c_lflag != before.c_lflag; });
-        EXPECT_EQ(1, write(keyboard, "x", 1));  // without the return key
+        Await([&] { return tcgetattr(terminal.screen, &now) == 0 && now.c_lflag != before.c_lflag; });
+        EXPECT_EQ(1, write(terminal.keyboard, "x", 1));  // without the return key
     };
-    const auto fromTerminal = [&](pid_t) { dup2(terminal, STDIN_FILENO); };
+    const auto fromTerminal = [&](pid_t) { dup2(terminal.screen, STDIN_FILENO); };
     EXPECT_EQ(0, RunChild({"korv", "/wait"}, fromTerminal, type).status);
     EXPECT_EQ(0U, now.c_lflag & (ICANON | ECHO));
-    ASSERT_EQ(0, tcgetattr(terminal, &now));
+    ASSERT_EQ(0, tcgetattr(terminal.screen, &now));
     EXPECT_EQ(before.c_lflag, now.c_lflag);
-    close(terminal);
-    close(keyboard);
 }
 
 // The superuser may do everything, so these runs are somebody else's, in directories for all.
@@ -343,10 +360,9 @@ TEST(OutputTest, LeavesNothingWhenTheProcessEnds) {
 }
 
 TEST(TerminalTest, GetsNoControlCharacters) {
-    const int master = posix_openpt(O_RDWR | O_NOCTTY);
-    const bool isReady = master >= 0 && grantpt(master) == 0 && unlockpt(master) == 0;
-    std::FILE* const terminal = isReady ? fdopen(open(ptsname(master), O_RDWR | O_NOCTTY), "r+") : nullptr;
-    if (terminal == nullptr) {
+    const Terminal terminal;
+    std::FILE* const screen = terminal.screen < 0 ? nullptr : fdopen(dup(terminal.screen), "r+");
+    if (screen == nullptr) {
         GTEST_SKIP() << "No terminal can be had";
     }
     const std::pair<std::string, std::string> rows[] = {
@@ -361,14 +377,51 @@ TEST(TerminalTest, GetsNoControlCharacters) {
         {"\xE2\x82x\xF0\x9F\x98", "\\xE2\\x82x\\xF0\\x9F\\x98"},
     };
     for (const auto& [text, shown] : rows) {
-        korv::PrintTexts(terminal, "<%>", {text});
-        std::fflush(terminal);
-        std::string got(256, '\0');
-        got.resize(static_cast<std::size_t>(std::max<ssize_t>(0, read(master, got.data(), got.size()))));
-        EXPECT_EQ("<" + shown + ">", got);
+        korv::PrintTexts(screen, "<%>", {text});
+        std::fflush(screen);
+        EXPECT_EQ("<" + shown + ">", terminal.Text());
     }
-    std::fclose(terminal);
-    close(master);
+    std::fclose(screen);
+}
+
+// Colours if they are wanted, and no byte of a source that controls the terminal.
+TEST(TerminalTest, GetsColoursAndNoControlCharactersFromKorvAs) {
+    const Terminal terminal;
+    if (terminal.screen < 0) {
+        GTEST_SKIP() << "No terminal can be had";
+    }
+    const TempDir directory;
+    WriteFile("a.kor", " DB \"\x1B\",FOO\n");
+    WriteFile("b.kor", " RET ; \x1B\n");
+    // clang-format off
+    const std::string plain = "a.kor:1:9: error: could not resolve label: 'FOO' [X12]\n DB \"\\x1B\",FOO\n           ^~~\n"
+                              "korv-as: 1 error\n";
+    const std::string coloured = "\x1B[1ma.kor:1:9: \x1B[31merror: \x1B[0mcould not resolve label: 'FOO' [X12]\n"
+                                 " DB \"\\x1B\",FOO\n           \x1B[32m^~~\x1B[0m\nkorv-as: 1 error\n";
+    const std::tuple<const char*, const char*, const char*, std::string> rows[] = {
+        // TERM, NO_COLOR, the words of the run, what is shown
+        {"xterm", nullptr, "a.kor", coloured}, {"xterm", "", "a.kor", coloured}, {"xterm", "1", "a.kor", plain},
+        {"dumb", nullptr, "a.kor", plain}, {"", nullptr, "a.kor", plain}, {"xterm", nullptr, "a.kor --color never", plain},
+        {"dumb", "1", "a.kor --color always", coloured}, {"xterm", "", "--\x1B", "korv-as: error: unknown option '--\\x1B'; --help lists the options\n"},
+        {"xterm", "", "b.kor -l -", " RET ; \\x1B\n"}};
+    // clang-format on
+    for (const auto& [type, noColor, words, shown] : rows) {
+        setenv("TERM", type, 1);
+        noColor == nullptr ? unsetenv("NO_COLOR") : setenv("NO_COLOR", noColor, 1);
+        const int saved[] = {dup(STDOUT_FILENO), dup(STDERR_FILENO)};
+        dup2(terminal.screen, STDOUT_FILENO);
+        dup2(terminal.screen, STDERR_FILENO);
+        Strings parts = Split(std::string("korv-as ") + words, ' ');
+        std::vector<char*> argv;
+        std::ranges::transform(parts, std::back_inserter(argv), [](std::string& word) { return word.data(); });
+        korv::RunFrontend(static_cast<int>(argv.size()), argv.data());
+        dup2(saved[0], STDOUT_FILENO);
+        dup2(saved[1], STDERR_FILENO);
+        close(saved[0]);
+        close(saved[1]);
+        const std::string got = terminal.Text();
+        EXPECT_TRUE(Contains(got, shown)) << type << " " << words << "\n" << got;
+    }
 }
 
 // With standard output on a full disk, or in a pipe that nobody reads.

@@ -131,6 +131,9 @@ TEST(OutputsTest, AreTheseForASample) {
         const korv::SymbolFile file = korv::SymbolText(analysis, row.format);
         EXPECT_EQ(std::pair(file.text, file.Dropped()), SYMBOLS.at(row.name)) << row.name;
     }
+    korv::Analysis renamed = analysis;
+    renamed.files.at(0).name = "\xFF.kor";
+    EXPECT_TRUE(Contains(korv::SummaryJson(renamed), "\"\uFFFD.kor\""));
     std::string unused;
     for (const korv::Message& message : korv::UnusedLabelWarnings(analysis)) {
         unused += std::to_string(message.place.line) + " " + message.detail + ",";

@@ -178,6 +178,7 @@ TEST(FrontendTest, WhatIsWrongWithTheCommandLineIsSaidAndNothingIsWritten) {
         {"-", "use -o"}, {"-f elf a.kor", "'elf' is not com, bin or hex"}, {"-W foo a.kor", "unknown warning 'foo'"}, {"-W error=rage a.kor", "'rage'; did you mean 'range'?"},
         {"a.kor -o a.kor", "refusing to overwrite a.kor: it is an input of this run"}, {"a.kor -l sub/link", "refusing to overwrite sub/link"}, {"a.kor --symbols data.bin", "refusing to overwrite data.bin"},
         {"a.kor -o b -l ./b", "two outputs"}, {"a.kor -o - -l -", "two outputs"}, {"a.kor -o - -M d", "dependencies"},
+        {"a.kor --summary -l -", "--summary needs standard output for itself"}, {"a.kor --summary -o /dev/stdout", "--summary needs"},
         {"a.kor -o no/a.com", "cannot write no/a.com: No such file or directory"}, {"a.kor -l sub", isWindows ? "cannot write sub" : "cannot write sub: Is a directory"},
         {"-D =1 a.kor", "'' is not a name"}, {"-D 1 a.kor", "'1' is not a name"}, {"-D A.B a.kor", "-D A.B: 'A.B' is not a name"}, {"-D A=X a.kor", "-D A=X: could not resolve label: 'X'"}, {"-D A -D A a.kor", "redefinition"},
         {"-D NOP a.kor", "not allowed as label"}, {"--max-errors 9x a.kor", "--max-errors: '9x' is not a number from 0 to 4294967295"}, {"--color red a.kor", "'red' is not auto, always or never"},

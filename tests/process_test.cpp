@@ -424,13 +424,15 @@ TEST(TerminalTest, GetsColoursAndNoControlCharactersFromKorvAs) {
     }
 }
 
-// With standard output on a full disk, or in a pipe that nobody reads.
+// With standard output on a full disk; after "|" in a pipe that nobody reads; after "<" and ">" a stream is closed.
 TEST(FrontendProcessTest, WhyAFileCannotBeReadOrWrittenIsSaid) {
     const std::string full = ": No space left on device", denied = ": Permission denied";
     const std::pair<std::string, std::string> rows[] = {{"-h", "write standard output" + full},
                                                         {"-V", "write standard output" + full},
                                                         {"| -h", "write standard output: Broken pipe"},
                                                         {"| a.kor -o -", "write standard output: Broken pipe"},
+                                                        {"> a.kor -o -", "write standard output: it is closed"},
+                                                        {"< - -o old", "read standard input: it is closed"},
                                                         {"a.kor -o -", "write standard output" + full},
                                                         {"a.kor -o /dev/full", "write /dev/full" + full},
                                                         {"secret.kor", "read secret.kor" + denied},
@@ -445,13 +447,15 @@ TEST(FrontendProcessTest, WhyAFileCannotBeReadOrWrittenIsSaid) {
     }
     ASSERT_EQ(0, std::system("chmod 0 secret.kor; chmod 444 old; chmod 555 ."));
     for (const auto& [words, message] : rows) {
-        const bool isPipe = words.starts_with("| ");
-        std::string line = "korv-as " + words.substr(isPipe ? 2 : 0);
-        const auto run = [&line, isPipe] {
+        const char sign = words[1] == ' ' ? words[0] : '\0';
+        std::string line = "korv-as " + words.substr(sign == '\0' ? 0 : 2);
+        const auto run = [&line, sign] {
             int ends[2] = {};
-            EXPECT_TRUE(!isPipe || pipe(ends) == 0);
-            EXPECT_TRUE(isPipe ? close(ends[0]) == 0 && dup2(ends[1], STDOUT_FILENO) >= 0
-                               : std::freopen("/dev/full", "w", stdout) != nullptr);
+            EXPECT_TRUE(sign != '|' || pipe(ends) == 0);
+            EXPECT_TRUE(sign == '|'   ? close(ends[0]) == 0 && dup2(ends[1], STDOUT_FILENO) >= 0
+                        : sign == '<' ? close(STDIN_FILENO) == 0
+                        : sign == '>' ? close(STDOUT_FILENO) == 0
+                                      : std::freopen("/dev/full", "w", stdout) != nullptr);
             Strings parts = Split(line, ' ');
             std::vector<char*> argv;
             std::ranges::transform(parts, std::back_inserter(argv), [](std::string& word) { return word.data(); });

@@ -204,6 +204,14 @@ TEST(FrontendTest, WhatIsWrongWithTheCommandLineIsSaidAndNothingIsWritten) {
     }
 }
 
+TEST(FrontendTest, AFileOfMoreThan256MebibytesIsRefused) {
+    const TempDir directory;
+    WriteFile("stdin", "");
+    fs::resize_file("stdin", 0x10000001);
+    EXPECT_EQ("korv-as: error: cannot read stdin: File too large\nexit status 2\n", RunKorvAs({"stdin"}));
+    EXPECT_EQ("korv-as: error: cannot read standard input: File too large\nexit status 2\n", RunKorvAs({"-", "-o", "a"}));
+}
+
 TEST(FrontendTest, ArgumentFilesAreCutIntoWordsAsThoseOfGnu) {
     const std::pair<std::string, const char*> rows[] = {
         {"\xEF\xBB\xBF# all\n -I  lib\t-w\r\n\t# more\n\na#b #c\n#", "-I|lib|-w|a#b|#c|"}, {"ab # c\n#d", "ab|#|c|"}, {"", ""},

@@ -384,6 +384,15 @@ TEST(TerminalTest, GetsNoControlCharacters) {
     std::fclose(screen);
 }
 
+int RunFrontendOn(
+    const std::string& line, const std::function<void()>& prepare = [] {}) {
+    Strings words = Split(line, ' ');
+    std::vector<char*> argv;
+    std::ranges::transform(words, std::back_inserter(argv), [](std::string& word) { return word.data(); });
+    prepare();
+    return korv::RunFrontend(static_cast<int>(argv.size()), argv.data());
+}
+
 // Colours if they are wanted, and no byte of a source that controls the terminal.
 TEST(TerminalTest, GetsColoursAndNoControlCharactersFromKorvAs) {
     const Terminal terminal;
@@ -411,10 +420,7 @@ TEST(TerminalTest, GetsColoursAndNoControlCharactersFromKorvAs) {
         const int saved[] = {dup(STDOUT_FILENO), dup(STDERR_FILENO)};
         dup2(terminal.screen, STDOUT_FILENO);
         dup2(terminal.screen, STDERR_FILENO);
-        Strings parts = Split(std::string("korv-as ") + words, ' ');
-        std::vector<char*> argv;
-        std::ranges::transform(parts, std::back_inserter(argv), [](std::string& word) { return word.data(); });
-        korv::RunFrontend(static_cast<int>(argv.size()), argv.data());
+        RunFrontendOn(std::string("korv-as ") + words);
         dup2(saved[0], STDOUT_FILENO);
         dup2(saved[1], STDERR_FILENO);
         close(saved[0]);
@@ -456,14 +462,41 @@ TEST(FrontendProcessTest, WhyAFileCannotBeReadOrWrittenIsSaid) {
                         : sign == '<' ? close(STDIN_FILENO) == 0
                         : sign == '>' ? close(STDOUT_FILENO) == 0
                                       : std::freopen("/dev/full", "w", stdout) != nullptr);
-            Strings parts = Split(line, ' ');
-            std::vector<char*> argv;
-            std::ranges::transform(parts, std::back_inserter(argv), [](std::string& word) { return word.data(); });
-            std::_Exit(korv::RunFrontend(static_cast<int>(argv.size()), argv.data()));
+            std::_Exit(RunFrontendOn(line));
         };
         EXPECT_EXIT(run(), testing::ExitedWithCode(2), "korv-as: error: cannot " + message + "\n$") << words;
     }
     EXPECT_EQ(0, std::system("chmod 755 ."));
+}
+
+// A signal comes at each request to the system in turn, and memory ends ever later.
+TEST(FrontendProcessTest, LeavesAllOutputsOrNoneWhateverHappens) {
+    for (const bool isMemory : {false, true}) {
+        int status = -1;
+        for (int n = 1; status != 0; n += isMemory ? n : 1) {
+            ASSERT_GT(1 << 20, n);
+            const TempDir directory;
+            WriteFile("a.kor", " RET\n");
+            WriteFile("a.lst", "old");
+            const pid_t child = fork();
+            if (child == 0) {
+                EXPECT_NE(nullptr, std::freopen("console", "w", stderr));
+                std::exit(RunFrontendOn("korv-as a.kor -l a.lst -M a.d", [isMemory, n] {
+                    isMemory ? korv::platform::FailAllocation(n, false)
+                             : void(korv::platform::FaultFileRequest(n, korv::platform::RequestFault::isBroken));
+                }));
+            }
+            waitpid(child, &status, 0);
+            const bool areThere = fs::exists("a.com");
+            EXPECT_EQ(areThere, fs::exists("a.d"));
+            EXPECT_EQ(areThere, ReadFile("a.lst") != "old");
+            EXPECT_EQ(areThere ? 5 : 3, std::distance(fs::directory_iterator("."), {})) << "files, the console too";
+            const std::string expected = isMemory && status != 0 ? "korv-as: error: out of memory\n" : "";
+            EXPECT_EQ(expected, ReadFile("console"));
+            EXPECT_TRUE(status == 0 || status == (isMemory ? 2 << 8 : SIGINT)) << n;
+            EXPECT_TRUE(areThere || status != 0);
+        }
+    }
 }
 
 }  // namespace

@@ -13,6 +13,7 @@
 #include <map>
 #include <regex>
 #include <set>
+#include <utility>
 
 #include "codegen/keywords.h"
 #include "codegen/recogniser.h"
@@ -258,6 +259,58 @@ TEST(CompletenessTest, TheWidthsOfCharactersAreThoseOfUnicode) {
         GTEST_SKIP() << "There is no Python with the same version of Unicode";
     }
     EXPECT_TRUE(made == table) << "made by " << tool;
+}
+
+// All runs of two letters and more, in capitals.
+StringSet WordsOf(const std::string& text) {
+    StringSet words;
+    std::string word;
+    for (const char c : text + ".") {
+        if (std::isalpha(static_cast<unsigned char>(c)) != 0) {
+            word += static_cast<char>(std::toupper(c));
+        } else if (const std::string whole = std::exchange(word, ""); whole.size() > 1) {
+            words.insert(whole);
+        }
+    }
+    return words;
+}
+
+// What is in double quotes in a source, without escapes, and without what is included.
+std::string TextsOf(const std::string& source) {
+    std::string texts;
+    for (const std::string& line : Split(source, '\n')) {
+        bool isText = false;
+        for (std::size_t i = 0; i < line.size() && !line.starts_with('#'); ++i) {
+            if (!isText && line.compare(i, 2, "//") == 0) {
+                break;
+            }
+            if (line[i] == '\\' || (!isText && line.compare(i, 2, "'\"") == 0)) {
+                ++i;
+            } else {
+                isText = isText != (line[i] == '"');
+                texts += isText ? line[i] : ' ';
+            }
+        }
+    }
+    return texts;
+}
+
+TEST(CompletenessTest, TextsHaveOnlyWordsThatAreKnown) {
+    StringSet known = WordsOf(ReadFile(ProjectPath("README.md")).value_or(""));
+    std::string unknown;
+    for (const std::string folder : {"docs", "tests", "src/frontend", "src/server"}) {
+        for (const auto& entry : std::filesystem::recursive_directory_iterator(ProjectPath(folder))) {
+            const std::string text = entry.is_regular_file() ? *ReadFile(entry.path().string()) : "";
+            if (folder.starts_with("src")) {
+                for (const std::string& word : WordsOf(TextsOf(text))) {
+                    unknown += known.insert(word).second ? word + " " : "";
+                }
+            } else if (const auto type = entry.path().extension(); type == ".md" || type == ".txt") {
+                known.merge(WordsOf(text));
+            }
+        }
+    }
+    EXPECT_EQ("", unknown) << "If they are spelt correctly, add them to tests/words.txt.";
 }
 
 }  // namespace

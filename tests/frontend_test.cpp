@@ -132,6 +132,7 @@ TEST(FrontendTest, StrangeLinesAreWarnedOfAndOthersAreNot) {
         {" -f hex -o h", " NOP| ORG 200H| NOP| ORG 1FFH| DW 1| ORG 0FFFFH| DW 1| ORG 0| NOP", "9:2 overlap, 5:2 overlap"},
         {" -f bin -W org", " NOP| ORG 5| NOP| ORG 7", "2:6 X47, 4:6 X48, 4:6 org-gap"},
         {"", "EACH: NOP|12:|1B: EQU 1|H: EQU 1|EACHX: NOP|A_H: NOP|99999: NOP", "1:1 number-label, 2:1 number-label, 3:1 number-label, 4:1 register-label, 6:1 number-label, 7:1 number-label"},
+        {"", "B: EQU 5| RST B|H: NOP", "!2:6 X16, 3:1 register-label"},
         {"", "R: EQU HL|S: EQU NZ|T: EQU (C)| ORG B| PUSH HL|U: EQU B+1", "1:1 register-label, 1:8 register-value, 2:8 register-value, 3:8 register-value, 4:6 register-value, !6:8 X24"},
         {" -W no-org-gap", " DB (IX+5)| DW 1,(IY-1)| DS (IX+1)| ORG (IX+1)| BIT 1,(IX+1)", "1:5 register-value, 2:7 register-value, 3:5 register-value, 4:6 register-value"},
         {"", " IF !1| ENDIF| IF 1<2 OR 3| ENDIF| IF 1 AND 2=2| ENDIF", "1:5 condition, 3:5 condition, 5:5 condition"},

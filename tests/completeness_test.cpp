@@ -19,6 +19,7 @@
 #include "codegen/recogniser.h"
 #include "diagnostics/message_numbers.h"
 #include "driver/command_line.h"
+#include "frontend/instruction_help.h"
 #include "frontend/option_table.h"
 #include "frontend/warnings.h"
 #include "run.h"
@@ -99,9 +100,12 @@ TEST(CompletenessTest, EveryInstructionHasItsTestAndItsRow) {
     for (const auto& [form, state] : forms) {
         EXPECT_TRUE(state.second) << form << ": no line in tests/encodings/, no case";
     }
-    StringSet words;
-    std::transform(korv::keywords.begin(), korv::keywords.end(), std::inserter(words, words.end()),
-                   [](const korv::Keyword& row) { return std::string(row.word); });
+    StringSet words, helps;
+    for (const korv::Keyword& row : korv::keywords) {
+        const std::string help(HelpFor(row));
+        words.insert(std::string(row.word));
+        EXPECT_TRUE(helps.insert(help).second || help.starts_with("Reserved")) << row.word << ": " << help;
+    }
     for (const std::string& word : words) {
         EXPECT_TRUE(listed.contains(word)) << word << ": no row in chapters 5 and 6 of the manual";
         Strings texts = {word, word + "A", word.substr(1), word.substr(0, word.size() - 1)};

@@ -170,13 +170,13 @@ TEST(FrontendTest, BytesAtTheEndsOfLinesAndFilesHideNothing) {
 
 TEST(FrontendTest, WhatIsWrongWithTheCommandLineIsSaidAndNothingIsWritten) {
     const std::pair<const char*, const char*> rows[] = {
-        {"", "no source"}, {"a.kor b.kor", "one source file at a time: 'a.kor' and 'b.kor' are given"}, {"-x a.kor", "unknown option '-x'; --help"},
+        {"", "no source file is given; --help lists the options"}, {"a.kor b.kor", "one source file at a time: 'a.kor' and 'b.kor' are given"}, {"-x a.kor", "unknown option '-x'; --help"},
         {"--form hex a.kor", "unknown option '--form'; did you mean '--format'?"}, {"--lsiting=x a.kor", "'--lsiting'; did you mean '--listing'?"},
         {"-wv a.kor", "'-v'; did you mean '-V'?"}, {"-symbols x", "'-symbols'; did you mean '--symbols'?"}, {"-- -x", "cannot read -x"},
         {"a.kor --listing", "missing FILE after '--listing'"}, {"-M -o b a.kor", "missing FILE after '-M'"}, {"-w -I", "missing DIR after '-I'"},
         {"a.kor -o ", "empty FILE after '-o'"}, {"-w ", "the name of the source is empty"}, {"--help=x", "takes no argument: 'x'"},
         {"none.kor", "cannot read none.kor: No such file or directory"}, {"sub", isWindows ? "cannot read sub" : "cannot read sub: Is a directory"}, {"-I sub x", "cannot read x"},
-        {"-", "use -o"}, {"-f elf a.kor", "'elf' is not com, bin or hex"}, {"-W foo a.kor", "unknown warning 'foo'"}, {"-W error=rage a.kor", "'rage'; did you mean 'range'?"},
+        {"-", "use -o"}, {"-f elf a.kor", "-f: 'elf' is not com, bin or hex"}, {"-W foo a.kor", "unknown warning 'foo'; --help lists them"}, {"-W error=rage a.kor", "'rage'; did you mean 'range'?"},
         {"a.kor -o a.kor", "refusing to overwrite a.kor: it is an input of this run"}, {"a.kor -l sub/link", "refusing to overwrite sub/link"}, {"a.kor --symbols data.bin", "refusing to overwrite data.bin"},
         {"a.kor -o b -l ./b", "two outputs"}, {"a.kor -o - -l -", "two outputs"}, {"a.kor -o - -M d", "dependencies"},
         {"a.kor --summary -l -", "--summary needs standard output for itself"}, {"a.kor --summary -o /dev/stdout", "--summary needs"},

@@ -1,4 +1,4 @@
-// The outputs of a run when the system fails, or refuses one of them: all are there or none.
+// The outputs of a run when the system fails: all are there or none.
 
 #include "frontend/output_set.h"
 
@@ -47,29 +47,6 @@ TEST(OutputSetTest, LeavesAllOrNoneWhenARequestFails) {
             }
         }
         EXPECT_GT(failures, 10);
-    }
-}
-
-TEST(OutputSetTest, SaysWhatItRefusesAndWhyItFails) {
-    const TempDir directory;
-    WriteFile("a.kor", "source");
-    fs::create_directory("sub");
-    fs::create_hard_link("a.kor", "sub/link");
-    korv::platform::InputFile source;
-    ASSERT_TRUE(source.Open("a.kor"));
-    const std::tuple<const char*, const char*, const char*> rows[] = {
-        {"a.com", "sub/link", "refusing to overwrite sub/link: it is an input of this run"},
-        {"a.com", "./a.com", "refusing to write two outputs to one file: a.com and ./a.com"},
-        {"-", "-", "refusing to write two outputs to one file: standard output and standard output"},
-        {"a.com", "no/list", "cannot write no/list: No such file or directory"},
-        {"a.com", "sub", "cannot write sub: Is a directory"},
-    };
-    for (const auto& [first, second, failure] : rows) {
-        const std::string got = korv::WriteOutputs({{first, "1"}, {second, "2"}}, {source.Identity()});
-        // Windows has its own words for the reason.
-        EXPECT_EQ(isWindows ? std::string(failure).substr(0, got.find(": ")) : failure,
-                  isWindows ? got.substr(0, got.find(": ")) : got);
-        EXPECT_EQ((std::map<std::string, std::string>{{"a.kor", "source"}}), FilesHere());
     }
 }
 

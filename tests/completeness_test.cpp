@@ -7,16 +7,19 @@
 #include <algorithm>
 #include <cctype>
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <iterator>
 #include <map>
 #include <regex>
 #include <set>
+#include <utility>
 
 #include "codegen/keywords.h"
 #include "codegen/recogniser.h"
 #include "diagnostics/message_numbers.h"
 #include "driver/command_line.h"
+#include "frontend/instruction_help.h"
 #include "frontend/option_table.h"
 #include "frontend/warnings.h"
 #include "run.h"
@@ -98,9 +101,12 @@ TEST(CompletenessTest, EveryInstructionHasItsTestAndItsRow) {
     for (const auto& [form, state] : forms) {
         EXPECT_TRUE(state.second) << form << ": no line in tests/encodings/, no case";
     }
-    StringSet words;
-    std::transform(korv::keywords.begin(), korv::keywords.end(), std::inserter(words, words.end()),
-                   [](const korv::Keyword& row) { return std::string(row.word); });
+    StringSet words, helps;
+    for (const korv::Keyword& row : korv::keywords) {
+        const std::string help(HelpFor(row));
+        words.insert(std::string(row.word));
+        EXPECT_TRUE(helps.insert(help).second || help.starts_with("Reserved")) << row.word << ": " << help;
+    }
     for (const std::string& word : words) {
         EXPECT_TRUE(listed.contains(word)) << word << ": no row in chapters 5 and 6 of the manual";
         Strings texts = {word, word + "A", word.substr(1), word.substr(0, word.size() - 1)};
@@ -276,6 +282,70 @@ TEST(CompletenessTest, EveryOptionAndWarningOfKorvAsIsInItsDocuments) {
     EXPECT_EQ(RunKorvAs({"--help"}), RunKorvAs({"-h", "--none"}));
     EXPECT_EQ(Strings(), Found(RunKorvAs({"-h"}), "(.{81,})\n")) << "lines of --help";
     EXPECT_EQ("korv-as 2.00.025\n", RunKorvAs({"-wV"}));
+}
+
+TEST(CompletenessTest, TheWidthsOfCharactersAreThoseOfUnicode) {
+    const TempDir directory;
+    const std::string table = ReadFile(ProjectPath("src/frontend/width_table.h")).value_or("");
+    const std::string tool = ProjectPath("tools/make_width_table");
+    const std::string made = std::system(("python3 " + tool + " >table").c_str()) == 0 ? *ReadFile("table") : "";
+    const auto heading = [](const std::string& text) { return text.substr(0, text.find("#pragma")); };
+    if (heading(made) != heading(table)) {
+        GTEST_SKIP() << "There is no Python with the same version of Unicode";
+    }
+    EXPECT_TRUE(made == table) << "made by " << tool;
+}
+
+// All runs of two letters and more, in capitals.
+StringSet WordsOf(const std::string& text) {
+    StringSet words;
+    std::string word;
+    for (const char c : text + ".") {
+        if (std::isalpha(static_cast<unsigned char>(c)) != 0) {
+            word += static_cast<char>(std::toupper(c));
+        } else if (const std::string whole = std::exchange(word, ""); whole.size() > 1) {
+            words.insert(whole);
+        }
+    }
+    return words;
+}
+
+// What is in double quotes in a source, without escapes, and without what is included.
+std::string TextsOf(const std::string& source) {
+    std::string texts;
+    for (const std::string& line : Split(source, '\n')) {
+        bool isText = false;
+        for (std::size_t i = 0; i < line.size() && !line.starts_with('#'); ++i) {
+            if (!isText && line.compare(i, 2, "//") == 0) {
+                break;
+            }
+            if (line[i] == '\\' || (!isText && line.compare(i, 2, "'\"") == 0)) {
+                ++i;
+            } else {
+                isText = isText != (line[i] == '"');
+                texts += isText ? line[i] : ' ';
+            }
+        }
+    }
+    return texts;
+}
+
+TEST(CompletenessTest, TextsHaveOnlyWordsThatAreKnown) {
+    StringSet known = WordsOf(ReadFile(ProjectPath("README.md")).value_or(""));
+    std::string unknown;
+    for (const std::string folder : {"docs", "tests", "src/frontend", "src/server"}) {
+        for (const auto& entry : std::filesystem::recursive_directory_iterator(ProjectPath(folder))) {
+            const std::string text = entry.is_regular_file() ? *ReadFile(entry.path().string()) : "";
+            if (folder.starts_with("src")) {
+                for (const std::string& word : WordsOf(TextsOf(text))) {
+                    unknown += known.insert(word).second ? word + " " : "";
+                }
+            } else if (const auto type = entry.path().extension(); type == ".md" || type == ".txt") {
+                known.merge(WordsOf(text));
+            }
+        }
+    }
+    EXPECT_EQ("", unknown) << "If they are spelt correctly, add them to tests/words.txt.";
 }
 
 }  // namespace

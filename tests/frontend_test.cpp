@@ -122,6 +122,7 @@ TEST(FrontendTest, WarnsAboutTheseLinesAndNoOthers) {
         {" -f hex -o h", " NOP| ORG 200H| NOP| ORG 1FFH| DW 1| ORG 0FFFFH| DW 1| ORG 0| NOP", "9:2 overlap, 5:2 overlap"},
         {" -f bin -W org", " NOP| ORG 5| NOP| ORG 7", "2:6 X47, 4:6 X48, 4:6 org-gap"},
         {"", "EACH: NOP|12:|1B: EQU 1|H: EQU 1|EACHX: NOP|A_H: NOP|99999: NOP", "1:1 number-label, 2:1 number-label, 3:1 number-label, 4:1 register-label, 6:1 number-label, 7:1 number-label"},
+        {"", "B: EQU 5| RST B|H: NOP", "!2:6 X16, 3:1 register-label"},
         {"", "R: EQU HL|S: EQU NZ|T: EQU (C)| ORG B| PUSH HL|U: EQU B+1", "1:1 register-label, 1:8 register-value, 2:8 register-value, 3:8 register-value, 4:6 register-value, !6:8 X24"},
         {" -W no-org-gap", " DB (IX+5)| DW 1,(IY-1)| DS (IX+1)| ORG (IX+1)| BIT 1,(IX+1)", "1:5 register-value, 2:7 register-value, 3:5 register-value, 4:6 register-value"},
         {"", " IF !1| ENDIF| IF 1<2 OR 3| ENDIF| IF 1 AND 2=2| ENDIF", "1:5 condition, 3:5 condition, 5:5 condition"},
@@ -135,6 +136,7 @@ TEST(FrontendTest, WarnsAboutTheseLinesAndNoOthers) {
         {"", " IF 3 AND 1=2| ENDIF| IF 1=2 OR 1| ENDIF| IF (1 AND 4)=4| ENDIF| IF 1 AND 2| ENDIF", "1:5 condition, 3:5 condition"},
         {" -Werror -W no-error=empty-operand -W no-open-string -W no-skipped-line", "* x| LD A,300| DB 1,| DM \"a", "!2:7 X40, 3:6 X59"},
         {" -w -W range", "* x| LD A,300|END| DB 1,", ""},
+        {" -W error -W no-error --line-length 19", " LD A,300 ; 567890| LD A,300 ; 5678901|", "1:7 X40, !2:2 X41"},
         {"", " IF 1| IF X| ELSE| ENDIF|Y: IF 1", "!2:5 X12, !5:1 X43, !1:2 open-if, !5:4 open-if"},
         {"", " JP B1| JP A1| DB \"B1\",XB1,B1|XB1: EQU 5", "!2:5 X12, !3:14 X12"},
         {" --max-image 3", " DW 1| DS 1| DS 0|", ""},
@@ -160,15 +162,16 @@ TEST(FrontendTest, BytesAtTheEndsOfLinesAndFilesHideNothing) {
 
 TEST(FrontendTest, RefusesAFaultyCommandLineAndWritesNothing) {
     const std::pair<const char*, const char*> rows[] = {
-        {"", "no source"}, {"a.kor b.kor", "one source file at a time: 'a.kor' and 'b.kor' are given"}, {"-x a.kor", "unknown option '-x'; --help"},
+        {"", "no source file is given; --help lists the options"}, {"a.kor b.kor", "one source file at a time: 'a.kor' and 'b.kor' are given"}, {"-x a.kor", "unknown option '-x'; --help"},
         {"--form hex a.kor", "unknown option '--form'; did you mean '--format'?"}, {"--lsiting=x a.kor", "'--lsiting'; did you mean '--listing'?"},
         {"-wv a.kor", "'-v'; did you mean '-V'?"}, {"-symbols x", "'-symbols'; did you mean '--symbols'?"}, {"-- -x", "cannot read -x"},
         {"a.kor --listing", "missing FILE after '--listing'"}, {"-M -o b a.kor", "missing FILE after '-M'"}, {"-w -I", "missing DIR after '-I'"},
         {"a.kor -o ", "empty FILE after '-o'"}, {"-w ", "the name of the source is empty"}, {"--help=x", "takes no argument: 'x'"},
         {"none.kor", "cannot read none.kor: No such file or directory"}, {"sub", isWindows ? "cannot read sub" : "cannot read sub: Is a directory"}, {"-I sub x", "cannot read x"},
-        {"-", "use -o"}, {"-f elf a.kor", "'elf' is not com, bin or hex"}, {"-W foo a.kor", "unknown warning 'foo'"}, {"-W error=rage a.kor", "'rage'; did you mean 'range'?"},
-        {"a.kor -o a.kor", "refusing to overwrite a.kor: it is an input of this run"}, {"a.kor -l sub/link", "refusing to overwrite sub/link"}, {"a.kor --symbols data.bin", "refusing to overwrite data.bin"},
-        {"a.kor -o b -l ./b", "two outputs"}, {"a.kor -o - -l -", "two outputs"}, {"a.kor -o - -M d", "dependencies"},
+        {"-", "use -o"}, {"-f elf a.kor", "-f: 'elf' is not com, bin or hex"}, {"-W foo a.kor", "unknown warning 'foo'; --help lists them"}, {"-W error=rage a.kor", "'rage'; did you mean 'range'?"},
+        {"a.kor -o a.kor", "refusing to overwrite a.kor: it is an input of this run"}, {"a.kor -l sub/link", "refusing to overwrite sub/link: it is an input of this run"}, {"a.kor --symbols data.bin", "refusing to overwrite data.bin"},
+        {"a.kor -o b -l ./b", "refusing to write two outputs to one file: b and ./b"}, {"a.kor -o - -l -", "standard output and standard output"}, {"a.kor -o - -M d", "dependencies"},
+        {"a.kor --summary -l -", "--summary needs standard output for itself"}, {"a.kor --summary -o /dev/stdout", "--summary needs"},
         {"a.kor -o no/a.com", "cannot write no/a.com: No such file or directory"}, {"a.kor -l sub", isWindows ? "cannot write sub" : "cannot write sub: Is a directory"},
         {"-D =1 a.kor", "'' is not a name"}, {"-D 1 a.kor", "'1' is not a name"}, {"-D A.B a.kor", "-D A.B: 'A.B' is not a name"}, {"-D A=X a.kor", "-D A=X: could not resolve label: 'X'"}, {"-D A -D A a.kor", "redefinition"},
         {"-D NOP a.kor", "not allowed as label"}, {"--max-errors 9x a.kor", "--max-errors: '9x' is not a number from 0 to 4294967295"}, {"--color red a.kor", "'red' is not auto, always or never"},
@@ -192,6 +195,14 @@ TEST(FrontendTest, RefusesAFaultyCommandLineAndWritesNothing) {
         EXPECT_TRUE(Contains(printed, complaint)) << words << "\n" << printed;
         EXPECT_EQ(before, FilesHere()) << words;
     }
+}
+
+TEST(FrontendTest, AFileOfMoreThan256MebibytesIsRefused) {
+    const TempDir directory;
+    WriteFile("stdin", "");
+    fs::resize_file("stdin", 0x10000001);
+    EXPECT_EQ("korv-as: error: cannot read stdin: File too large\nexit status 2\n", RunKorvAs({"stdin"}));
+    EXPECT_EQ("korv-as: error: cannot read standard input: File too large\nexit status 2\n", RunKorvAs({"-", "-o", "a"}));
 }
 
 TEST(FrontendTest, SplitsArgumentFilesLikeGnu) {

@@ -226,33 +226,45 @@ TEST(SettledTest, ARefusedTargetCannotBeAborted) {
     EXPECT_TRUE(assembler.flags.Has(korv::RF_SETTLED));
 }
 
-// The two ends of a new terminal: what is written to the first is typed at the second, which is -1 if there is none.
-std::pair<int, int> OpenTerminal() {
-    const int keyboard = posix_openpt(O_RDWR | O_NOCTTY);
-    const bool isReady = keyboard >= 0 && grantpt(keyboard) == 0 && unlockpt(keyboard) == 0;
-    return {keyboard, isReady ? open(ptsname(keyboard), O_RDWR | O_NOCTTY) : -1};
-}
+// Both ends of a terminal; -1 where none can be had.
+class Terminal {
+  public:
+    Terminal() : keyboard(posix_openpt(O_RDWR | O_NOCTTY)) {
+        const bool isReady = keyboard >= 0 && grantpt(keyboard) == 0 && unlockpt(keyboard) == 0;
+        screen = isReady ? open(ptsname(keyboard), O_RDWR | O_NOCTTY) : -1;
+    }
+    ~Terminal() {
+        close(screen);
+        close(keyboard);
+    }
+    // What it shows.
+    [[nodiscard]] std::string Text() const {
+        std::string text(4096, '\0');
+        text.resize(static_cast<std::size_t>(std::max<ssize_t>(0, read(keyboard, text.data(), text.size()))));
+        return ReplaceAll(text, "\r\n", "\n");
+    }
+    int keyboard;
+    int screen = -1;
+};
 
 TEST(WaitTest, TakesOneKeyOfATerminal) {
-    const auto [keyboard, terminal] = OpenTerminal();
-    if (terminal < 0) {
-        GTEST_SKIP() << "no terminal: " << std::strerror(errno);
+    const Terminal terminal;
+    if (terminal.screen < 0) {
+        GTEST_SKIP() << "No terminal can be had: " << std::strerror(errno);
     }
     const TempDir directory;
     termios before;
-    ASSERT_EQ(0, tcgetattr(terminal, &before));
+    ASSERT_EQ(0, tcgetattr(terminal.screen, &before));
     termios now = before;
     const auto type = [&](pid_t) {
-        Await([&] { return tcgetattr(terminal, &now) == 0 && now.c_lflag != before.c_lflag; });
-        EXPECT_EQ(1, write(keyboard, "x", 1));  // without the return key
+        Await([&] { return tcgetattr(terminal.screen, &now) == 0 && now.c_lflag != before.c_lflag; });
+        EXPECT_EQ(1, write(terminal.keyboard, "x", 1));  // without the return key
     };
-    const auto fromTerminal = [&](pid_t) { dup2(terminal, STDIN_FILENO); };
+    const auto fromTerminal = [&](pid_t) { dup2(terminal.screen, STDIN_FILENO); };
     EXPECT_EQ(0, RunChild({"korv", "/wait"}, fromTerminal, type).status);
     EXPECT_EQ(0U, now.c_lflag & (ICANON | ECHO));
-    ASSERT_EQ(0, tcgetattr(terminal, &now));
+    ASSERT_EQ(0, tcgetattr(terminal.screen, &now));
     EXPECT_EQ(before.c_lflag, now.c_lflag);
-    close(terminal);
-    close(keyboard);
 }
 
 // The superuser has all permissions, so these runs are made by another user, in directories that everybody can use.
@@ -343,10 +355,10 @@ TEST(OutputTest, LeavesNothingWhenTheProcessEnds) {
 }
 
 TEST(TerminalTest, GetsNoControlCharacters) {
-    const auto [master, handle] = OpenTerminal();
-    std::FILE* const terminal = fdopen(handle, "r+");
-    if (terminal == nullptr) {
-        GTEST_SKIP() << "no terminal: " << std::strerror(errno);
+    const Terminal terminal;
+    std::FILE* const screen = terminal.screen < 0 ? nullptr : fdopen(dup(terminal.screen), "r+");
+    if (screen == nullptr) {
+        GTEST_SKIP() << "No terminal can be had";
     }
     const std::pair<std::string, std::string> rows[] = {
         {"a\tb\x7F~", "a\\x09b\\x7F~"},
@@ -360,23 +372,68 @@ TEST(TerminalTest, GetsNoControlCharacters) {
         {"\xE2\x82x\xF0\x9F\x98", "\\xE2\\x82x\\xF0\\x9F\\x98"},
     };
     for (const auto& [text, shown] : rows) {
-        korv::PrintTexts(terminal, "<%>", {text});
-        std::fflush(terminal);
-        std::string got(256, '\0');
-        got.resize(static_cast<std::size_t>(std::max<ssize_t>(0, read(master, got.data(), got.size()))));
-        EXPECT_EQ("<" + shown + ">", got);
+        korv::PrintTexts(screen, "<%>", {text});
+        std::fflush(screen);
+        EXPECT_EQ("<" + shown + ">", terminal.Text());
     }
-    std::fclose(terminal);
-    close(master);
+    std::fclose(screen);
 }
 
-// Standard output is a full disk, or a pipe that nobody reads.
+int RunFrontendOn(
+    const std::string& line, const std::function<void()>& prepare = [] {}) {
+    Strings words = Split(line, ' ');
+    std::vector<char*> argv;
+    std::ranges::transform(words, std::back_inserter(argv), [](std::string& word) { return word.data(); });
+    prepare();
+    return korv::RunFrontend(static_cast<int>(argv.size()), argv.data());
+}
+
+// Colours if they are wanted, and no byte of a source that controls the terminal.
+TEST(TerminalTest, GetsColoursAndNoControlCharactersFromKorvAs) {
+    const Terminal terminal;
+    if (terminal.screen < 0) {
+        GTEST_SKIP() << "No terminal can be had";
+    }
+    const TempDir directory;
+    WriteFile("a.kor", " DB \"\x1B\",FOO\n");
+    WriteFile("b.kor", " RET ; \x1B\n");
+    // clang-format off
+    const std::string plain = "a.kor:1:9: error: could not resolve label: 'FOO' [X12]\n DB \"\\x1B\",FOO\n           ^~~\n"
+                              "korv-as: 1 error\n";
+    const std::string coloured = "\x1B[1ma.kor:1:9: \x1B[31merror: \x1B[0mcould not resolve label: 'FOO' [X12]\n"
+                                 " DB \"\\x1B\",FOO\n           \x1B[32m^~~\x1B[0m\nkorv-as: 1 error\n";
+    const std::tuple<const char*, const char*, const char*, std::string> rows[] = {
+        // TERM, NO_COLOR, the words of the run, what is shown
+        {"xterm", nullptr, "a.kor", coloured}, {"xterm", "", "a.kor", coloured}, {"xterm", "1", "a.kor", plain},
+        {"dumb", nullptr, "a.kor", plain}, {"", nullptr, "a.kor", plain}, {"xterm", nullptr, "a.kor --color never", plain},
+        {"dumb", "1", "a.kor --color always", coloured}, {"xterm", "", "--\x1B", "korv-as: error: unknown option '--\\x1B'; --help lists the options\n"},
+        {"xterm", "", "b.kor -l -", " RET ; \\x1B\n"}};
+    // clang-format on
+    for (const auto& [type, noColor, words, shown] : rows) {
+        setenv("TERM", type, 1);
+        noColor == nullptr ? unsetenv("NO_COLOR") : setenv("NO_COLOR", noColor, 1);
+        const int saved[] = {dup(STDOUT_FILENO), dup(STDERR_FILENO)};
+        dup2(terminal.screen, STDOUT_FILENO);
+        dup2(terminal.screen, STDERR_FILENO);
+        RunFrontendOn(std::string("korv-as ") + words);
+        dup2(saved[0], STDOUT_FILENO);
+        dup2(saved[1], STDERR_FILENO);
+        close(saved[0]);
+        close(saved[1]);
+        const std::string got = terminal.Text();
+        EXPECT_TRUE(Contains(got, shown)) << type << " " << words << "\n" << got;
+    }
+}
+
+// With standard output on a full disk; after "|" in a pipe that nobody reads; after "<" and ">" a stream is closed.
 TEST(FrontendProcessTest, WhyAFileCannotBeReadOrWrittenIsSaid) {
     const std::string full = ": No space left on device", denied = ": Permission denied";
     const std::pair<std::string, std::string> rows[] = {{"-h", "write standard output" + full},
                                                         {"-V", "write standard output" + full},
                                                         {"| -h", "write standard output: Broken pipe"},
                                                         {"| a.kor -o -", "write standard output: Broken pipe"},
+                                                        {"> a.kor -o -", "write standard output: it is closed"},
+                                                        {"< - -o old", "read standard input: it is closed"},
                                                         {"a.kor -o -", "write standard output" + full},
                                                         {"a.kor -o /dev/full", "write /dev/full" + full},
                                                         {"secret.kor", "read secret.kor" + denied},
@@ -391,21 +448,50 @@ TEST(FrontendProcessTest, WhyAFileCannotBeReadOrWrittenIsSaid) {
     }
     ASSERT_EQ(0, std::system("chmod 0 secret.kor; chmod 444 old; chmod 555 ."));
     for (const auto& [words, message] : rows) {
-        const bool isPipe = words.starts_with("| ");
-        std::string line = "korv-as " + words.substr(isPipe ? 2 : 0);
-        const auto run = [&line, isPipe] {
+        const char sign = words[1] == ' ' ? words[0] : '\0';
+        std::string line = "korv-as " + words.substr(sign == '\0' ? 0 : 2);
+        const auto run = [&line, sign] {
             int ends[2] = {};
-            EXPECT_TRUE(!isPipe || pipe(ends) == 0);
-            EXPECT_TRUE(isPipe ? close(ends[0]) == 0 && dup2(ends[1], STDOUT_FILENO) >= 0
-                               : std::freopen("/dev/full", "w", stdout) != nullptr);
-            Strings parts = Split(line, ' ');
-            std::vector<char*> argv;
-            std::ranges::transform(parts, std::back_inserter(argv), [](std::string& word) { return word.data(); });
-            std::_Exit(korv::RunFrontend(static_cast<int>(argv.size()), argv.data()));
+            EXPECT_TRUE(sign != '|' || pipe(ends) == 0);
+            EXPECT_TRUE(sign == '|'   ? close(ends[0]) == 0 && dup2(ends[1], STDOUT_FILENO) >= 0
+                        : sign == '<' ? close(STDIN_FILENO) == 0
+                        : sign == '>' ? close(STDOUT_FILENO) == 0
+                                      : std::freopen("/dev/full", "w", stdout) != nullptr);
+            std::_Exit(RunFrontendOn(line));
         };
         EXPECT_EXIT(run(), testing::ExitedWithCode(2), "korv-as: error: cannot " + message + "\n$") << words;
     }
     EXPECT_EQ(0, std::system("chmod 755 ."));
+}
+
+// A signal comes at each request to the system in turn, and memory ends ever later.
+TEST(FrontendProcessTest, LeavesAllOutputsOrNoneWhateverHappens) {
+    for (const bool isMemory : {false, true}) {
+        int status = -1;
+        for (int n = 1; status != 0; n += isMemory ? n : 1) {
+            ASSERT_GT(1 << 20, n);
+            const TempDir directory;
+            WriteFile("a.kor", " RET\n");
+            WriteFile("a.lst", "old");
+            const pid_t child = fork();
+            if (child == 0) {
+                EXPECT_NE(nullptr, std::freopen("console", "w", stderr));
+                std::exit(RunFrontendOn("korv-as a.kor -l a.lst -M a.d", [isMemory, n] {
+                    isMemory ? korv::platform::FailAllocation(n, false)
+                             : void(korv::platform::FaultFileRequest(n, korv::platform::RequestFault::isBroken));
+                }));
+            }
+            waitpid(child, &status, 0);
+            const bool areThere = fs::exists("a.com");
+            EXPECT_EQ(areThere, fs::exists("a.d"));
+            EXPECT_EQ(areThere, ReadFile("a.lst") != "old");
+            EXPECT_EQ(areThere ? 5 : 3, std::distance(fs::directory_iterator("."), {})) << "files, the console too";
+            const std::string expected = isMemory && status != 0 ? "korv-as: error: out of memory\n" : "";
+            EXPECT_EQ(expected, ReadFile("console"));
+            EXPECT_TRUE(status == 0 || status == (isMemory ? 2 << 8 : SIGINT)) << n;
+            EXPECT_TRUE(areThere || status != 0);
+        }
+    }
 }
 
 }  // namespace

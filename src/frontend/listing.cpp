@@ -242,7 +242,7 @@ class Listing {
             Begin(name);
             PadTo(std::max(valueColumn, name.size() + 2)).append(value);
             PadTo(valueColumn + 8).append(" ").append(kind);
-            PadTo(valueColumn + 20).append(uses);
+            PadTo(valueColumn + 19).append(" ").append(uses);
             PadTo(valueColumn + 26).append(" ").append(place).append("\n");
         };
         text += "\n";

@@ -11,6 +11,7 @@
 
 #include "diagnostics/report_writer.h"
 #include "frontend/routines.h"
+#include "frontend/terminal_text.h"
 
 namespace korv {
 namespace {
@@ -120,13 +121,13 @@ void PutTable(std::string* text, const std::vector<Row>& rows) {
     std::vector<std::size_t> widths(rows.front().size());
     for (const Row& row : rows) {
         for (std::size_t i = 0; i < row.size(); ++i) {
-            widths[i] = std::max(widths[i], row[i].size());
+            widths[i] = std::max(widths[i], EndColumn(row[i], 0, false));
         }
     }
     *text += "\n";
     for (const Row& row : rows) {
         for (std::size_t i = 0; i < row.size(); ++i) {
-            const std::string padding(widths[i] - row[i].size(), ' ');
+            const std::string padding(widths[i] - EndColumn(row[i], 0, false), ' ');
             *text += i == 0 ? row[i] + padding : "  " + padding + row[i];
         }
         *text += "\n";

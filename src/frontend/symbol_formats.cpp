@@ -30,13 +30,15 @@ std::string Expression(std::int32_t value) {
 }
 
 void PutEqu(std::string* text, const Name& name) {
-    constexpr std::size_t longestName = 230;  // a longer one makes its line too long to be read
+    constexpr std::size_t longestLine = 255;  // a longer one could not be read back
     constexpr std::size_t valueColumn = 24;
-    *text += name.text.size() > longestName ? "; too long: " : "";
-    const std::size_t start = text->size();
-    text->append(name.text) += ':';
-    text->resize(std::max(text->size(), start + valueColumn), ' ');
-    text->append(" EQU ").append(Expression(name.value)) += '\n';
+    std::string line = name.text + ":";
+    line.resize(std::max(line.size(), valueColumn), ' ');
+    line += " EQU " + Expression(name.value);
+    if (line.size() > longestLine) {
+        line = ("; too long: " + line).substr(0, longestLine);
+    }
+    *text += line + "\n";
 }
 
 void PutSym(std::string* text, const Name& name) {

@@ -40,7 +40,7 @@ std::string CommentOf(const StoredText& text, std::int32_t number) {
     if (!comment.empty()) {
         return comment;
     }
-    while (WithoutLeadingBlanks(text.Line(--number)).starts_with(';')) {
+    while (--number > 0 && WithoutLeadingBlanks(text.Line(number)).starts_with(';')) {
         comment = CommentIn(text.Line(number)) + (comment.empty() ? "" : "\n") + comment;
     }
     return comment;

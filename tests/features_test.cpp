@@ -1,50 +1,44 @@
-// The features of korv-ls: tables of sources with marks, and the replies to requests at the marks.
+// The features of korv-ls: tables of sources with marks, and the reply to requests there.
+
+#include "server/features/features.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <functional>
 #include <map>
 #include <sstream>
 
 #include "frontend/analyser.h"
 #include "frontend/file_store.h"
 #include "run.h"
-#include "server/features/actions.h"
-#include "server/features/completion.h"
-#include "server/features/formatting.h"
-#include "server/features/hover.h"
-#include "server/features/navigation.h"
-#include "server/features/outline.h"
-#include "server/features/tokens.h"
 #include "table.h"
 
 namespace korv_test {
 namespace {
 
-namespace lsp = korv::lsp;
+using korv::Json;
 
 constexpr korv::Range wholeFile{{0, 0}, {0xFFFFFFFF, 0}};
 
-// The files of a case, and their analysis.
+// The files of a case, with what the analysis makes of them.
 struct Program {
     std::map<std::string, std::string> files;  // by name
-    std::vector<std::string> names;            // of the files; the main file comes first
+    Strings names;                             // of the files; the main one first
     struct Mark {
         std::string file;
         std::int32_t line;
         std::uint32_t column;
     };
-    std::vector<Mark> marks;
-    korv::Snapshot snapshot;
+    std::vector<Mark> marks = {};
+    korv::Snapshot snapshot = {};
     std::int32_t markedFile = 0;
-    korv::Place place;  // of the current mark
+    korv::Place place = {};  // of the mark in question
 
     void Analyse(korv::PositionEncoding encoding) {
         korv::FileStore store;
         for (const auto& [name, text] : files) {
             if (!name.starts_with('/')) {
-                WriteFile(name, "");  // the analysis checks on the disk whether a file exists
+                WriteFile(name, "");  // that a file exists is asked of the disk
             }
             store.SetText(store.FullPath(name), text);
         }
@@ -52,190 +46,181 @@ struct Program {
         options.source = names.at(0);
         options.maxErrors = 0;
         const korv::Wanted wanted{.statements = true, .names = true, .uses = true};
-        snapshot = korv::Snapshot(std::make_shared<korv::Analysis>(korv::Analyse(options, &store, wanted)), encoding);
+        snapshot = {std::make_shared<korv::Analysis>(korv::Analyse(options, &store, wanted)), {}, encoding, nullptr};
+        for (const korv::SourceFile& file : snapshot.analysis->files) {
+            snapshot.uris.push_back(file.name);
+        }
     }
     void GoTo(std::size_t number) {
         const Mark mark = marks.empty() ? Mark{names[0], 1, 0} : marks.at(number - 1);
         markedFile = snapshot.FileOf(korv::FileStore().FullPath(mark.file));
         place = {markedFile, mark.line, mark.column, 0};
     }
-    [[nodiscard]] std::string LineBefore() const {
-        return std::string(snapshot.Line(place.file, place.line).substr(0, place.column));
-    }
-    [[nodiscard]] korv::Range LineOfMark() const {
+    // The result of a feature at the mark, or in its line.
+    [[nodiscard]] Json Ask(Json (*feature)(const korv::Query&), const Json& parameters = {}) const {
+        korv::Documents documents;
+        korv::Workspace workspace(&documents);
+        workspace.SetSettings(parameters);
         const auto line = static_cast<std::uint32_t>(place.line - 1);
-        return marks.empty() ? wholeFile : korv::Range{{line, 0}, {line, 0}};
+        const korv::Range range = marks.empty() ? wholeFile : korv::Range{{line, 0}, {line, 0}};
+        return feature({snapshot, markedFile, place, range, parameters, workspace});
     }
 };
 
-// Lines and columns are counted from 1, as editors show them. "2:3-5" is a range within one line.
-std::string Shown(const korv::Range& range) {
-    const auto shown = [](const korv::Position& at) {
-        return std::to_string(at.line + 1) + ":" + std::to_string(at.character + 1);
-    };
-    return shown(range.start) + (range.start == range.end             ? ""
-                                 : range.start.line == range.end.line ? "-" + std::to_string(range.end.character + 1)
-                                                                      : "-" + shown(range.end));
+// As editors show it: from 1. "2:3-5" is within a line.
+std::string Shown(const Json& range) {
+    const auto shown = [](const Json& at, const char* part) { return std::to_string(at[part].get<int>() + 1); };
+    const Json& start = range["start"];
+    const Json& end = range["end"];
+    const std::string line = shown(start, "line"), column = shown(end, "character");
+    return line + ":" + shown(start, "character") +
+           (start == end                   ? ""
+            : start["line"] == end["line"] ? "-" + column
+                                           : "-" + shown(end, "line") + ":" + column);
 }
-std::string Shown(const lsp::Location& at) {
-    return at.path.substr(at.path.rfind('/') + 1) + " " + Shown(at.range);
+std::string At(const Json& location) {
+    return std::string(location["uri"]) + " " + Shown(location["range"]);
 }
-std::string Lines(const Strings& lines) {
+// Each item on a line, or all on one if another separator is given.
+template <typename Text>
+std::string Lines(const Json& items, const Text& text, const std::string& separator = "\n") {
     std::string all;
-    for (const std::string& line : lines) {
-        all += line + "\n";
+    for (const Json& item : items) {
+        all += (all.empty() ? "" : separator) + text(item);
     }
-    return all.empty() ? "none\n" : all;
+    return (all.empty() ? "none" : all) + "\n";
 }
-template <typename Items, typename Text>
-std::string Lines(const Items& items, const Text& text) {
-    Strings lines;
-    for (const auto& item : items) {
-        lines.push_back(text(item));
-    }
-    return Lines(lines);
-}
-std::string Shown(const lsp::WorkspaceEdit& edit) {
+std::string ShownEdit(const Json& edit) {
     std::string all;
-    for (const auto& [path, changes] : edit) {
-        for (const lsp::TextEdit& change : changes) {
-            all += Shown(lsp::Location{path, change.range}) + " '" + change.newText + "'\n";
+    for (const auto& [uri, changes] : edit["changes"].items()) {
+        for (const Json& change : changes) {
+            all += uri + " " + Shown(change["range"]) + " '" + std::string(change["newText"]) + "'\n";
         }
     }
     return all;
 }
-template <typename Reply>
-std::string ShownOrRefused(const std::variant<Reply, lsp::Refusal>& reply,
-                           const std::function<std::string(const Reply&)>& shown) {
-    const auto* const refusal = std::get_if<lsp::Refusal>(&reply);
-    return refusal != nullptr ? "refused: " + refusal->message + "\n" : shown(std::get<Reply>(reply));
-}
 
-// The text of `file` after `edits`, which do not overlap.
-std::string Changed(const korv::Snapshot& snapshot, std::int32_t file, std::vector<lsp::TextEdit> edits) {
+// The text of `file` with `edits`, which are in order and do not overlap.
+std::string Changed(const korv::Snapshot& snapshot, std::int32_t file, const Json& edits) {
     const korv::StoredText& before = *snapshot.File(file).text;
-    const auto offset = [&](const korv::Position& at) {
-        const korv::Place place = snapshot.PlaceOf(file, at);
+    const auto offset = [&](const Json& edit, const char* end) {
+        const auto at = korv::FindPosition(edit["range"], end);
+        const korv::Place place = snapshot.PlaceOf(file, at.value());
         return before.LineStart(place.line) + place.column;
     };
-    std::ranges::sort(edits, {}, [](const lsp::TextEdit& edit) { return edit.range.start; });
     std::string text;
     std::size_t end = 0;
-    for (const lsp::TextEdit& edit : edits) {
-        text.append(before.Bytes().substr(end, offset(edit.range.start) - end)) += edit.newText;
-        end = offset(edit.range.end);
+    for (const Json& edit : edits) {
+        text.append(before.Bytes().substr(end, offset(edit, "/start") - end)) += std::string(edit["newText"]);
+        end = offset(edit, "/end");
     }
     return text.append(before.Bytes().substr(end));
 }
 
-std::string Completions(const Program& program) {
-    const auto filesIn = [](const std::string& name) { return Strings{name.empty() ? "LIB/" : name + "A.KOR"}; };
-    return Lines(CompletionsFor(program.snapshot, program.LineBefore(), filesIn), [](const lsp::CompletionItem& item) {
-        return item.label + (item.detail.empty() ? "" : "  " + item.detail);
-    });
-}
+// The operand in hand is in brackets.
 std::string Signatures(const Program& program) {
-    const auto help = korv::SignaturesFor(program.LineBefore());
-    std::string all;
-    for (std::size_t i = 0; help && i < help->signatures.size(); ++i) {
-        const lsp::Signature& signature = help->signatures[i];
-        all += (i == help->activeSignature ? "* " : "  ") + signature.label + "  [" +
-               signature.parameters.at(help->activeParameter) + "]\n";
-    }
-    return all.empty() ? "none\n" : all;
-}
-std::string Tokens(const Program& program) {
-    const auto tokens = SemanticTokensIn(program.snapshot, program.markedFile, program.LineOfMark());
-    return Lines(tokens, [&](const lsp::SemanticToken& token) {
-        const korv::Range range{token.start, {token.start.line, token.start.character + token.length}};
-        return Shown(range) + " " + std::string(lsp::tokenTypeNames[static_cast<std::size_t>(token.type)]) +
-               ((token.modifiers & lsp::modifierDefinition) != 0 ? " definition" : "");
-    });
-}
-std::string Formatted(const Program& program, const std::string& how) {
-    const lsp::FormattingOptions options{.tabSize = 8, .insertSpaces = how != "tabs"};
-    const auto edits = FormattingEdits(program.snapshot, program.markedFile, program.LineOfMark(), options);
-    return ReplaceAll(Changed(program.snapshot, program.markedFile, edits), "\t", "{09}");
-}
-std::string Symbols(const Program& program) {
-    return Lines(SymbolsIn(program.snapshot, program.markedFile), [](const lsp::DocumentSymbol& symbol) {
-        return Shown(symbol.selectionRange) + " " + symbol.name + " " + symbol.detail + " " +
-               (symbol.kind == lsp::SymbolKind::function ? "label" : "constant");
-    });
-}
-std::string Hints(const Program& program, const std::string& form) {
-    const std::map<std::string, korv::HintForm> forms = {{"none", korv::HintForm::none},
-                                                         {"address", korv::HintForm::address},
-                                                         {"bytes", korv::HintForm::addressAndBytes}};
-    return Lines(InlayHintsIn(program.snapshot, program.markedFile, program.LineOfMark(), forms.at(form)),
-                 [](const lsp::InlayHint& hint) {
-                     return Shown(korv::Range{hint.position, hint.position}) + " " + hint.label;
-                 });
-}
-
-// The reply to `request` as text. `word` is the rest of the request.
-std::string Reply(const Program& program, const std::string& request, const std::string& word) {
-    const korv::Snapshot& snapshot = program.snapshot;
-    const korv::Place& place = program.place;
-    const auto location = [](const lsp::Location& at) { return Shown(at); };
-    const std::map<std::string, std::function<std::string()>> replies = {
-        {"hover",
-         [&] {
-             const auto hover = HoverAt(snapshot, place);
-             return hover ? Shown(hover->range) + "\n" + hover->markdown + "\n" : "none\n";
-         }},
-        {"definition", [&] { return Lines(DefinitionAt(snapshot, place), location); }},
-        {"references", [&] { return Lines(ReferencesAt(snapshot, place, word == "all"), location); }},
-        {"highlights",
-         [&] {
-             return Lines(HighlightsAt(snapshot, place), [](const lsp::DocumentHighlight& each) {
-                 return Shown(each.range) + (each.kind == lsp::HighlightKind::write ? " write" : "");
-             });
-         }},
-        {"prepare",
-         [&] {
-             return ShownOrRefused<lsp::PreparedRename>(
-                 PrepareRename(snapshot, place), [](const auto& it) { return Shown(it.range) + " " + it.name + "\n"; });
-         }},
-        {"rename",
-         [&] {
-             return ShownOrRefused<lsp::WorkspaceEdit>(Rename(snapshot, place, word),
-                                                       [](const auto& it) { return Shown(it); });
-         }},
-        {"links",
-         [&] {
-             return Lines(LinksIn(snapshot, program.markedFile), [](const lsp::DocumentLink& link) {
-                 return Shown(link.range) + " -> " + Shown(lsp::Location{link.path, {}});
-             });
-         }},
-        {"complete", [&] { return Completions(program); }},
-        {"signatures", [&] { return Signatures(program); }},
-        {"tokens", [&] { return Tokens(program); }},
-        {"symbols", [&] { return Symbols(program); }},
-        {"workspace",
-         [&] {
-             return Lines(SymbolsLike(snapshot, word),
-                          [](const lsp::WorkspaceSymbol& each) { return each.name + " " + Shown(each.location); });
-         }},
-        {"folding",
-         [&] {
-             return Lines(FoldingRangesIn(snapshot, program.markedFile), [](const lsp::FoldingRange& each) {
-                 return std::to_string(each.startLine + 1) + "-" + std::to_string(each.endLine + 1) +
-                        (each.isComment ? " comment" : "");
-             });
-         }},
-        {"hints", [&] { return Hints(program, word); }},
-        {"format", [&] { return Formatted(program, word); }},
-        {"actions",
-         [&] {
-             return Lines(ActionsIn(snapshot, program.markedFile, program.LineOfMark()),
-                          [](const lsp::CodeAction& each) { return each.title + "\n" + Shown(each.edit); });
-         }},
+    const Json help = program.Ask(korv::Signatures);
+    std::size_t number = 0;
+    const auto shown = [&](const Json& signature) {
+        std::string label = signature["label"];
+        const Json& part = signature["parameters"].at(help["activeParameter"].get<std::size_t>())["label"];
+        label.insert(part[1].get<std::size_t>(), "]").insert(part[0].get<std::size_t>(), "[");
+        return (number++ == help["activeSignature"] ? "*" : "") + label;
     };
-    return replies.at(request)();
+    return Lines(help.is_null() ? Json() : help["signatures"], shown, " | ");
+}
+// A line for each one of the source: columns and types.
+std::string Tokens(const Program& program) {
+    const Json data = program.Ask(korv::SemanticTokens)["data"];
+    std::ostringstream all;
+    int line = 1, column = 0;
+    for (std::size_t i = 0; i < data.size(); i += 5) {
+        const int lines = data[i];
+        column = data[i + 1].get<int>() + (lines == 0 ? column : 0);
+        line += lines;
+        all << (i == 0 ? "" : lines != 0 ? "\n" : " ") << (i == 0 || lines != 0 ? std::to_string(line) + ": " : "");
+        all << column + 1 << "-" << column + 1 + data[i + 2].get<int>() << " "
+            << std::string(korv::SemanticTokensLegend()["tokenTypes"][data[i + 3].get<std::size_t>()])
+            << (data[i + 4].get<int>() % 2 == 1 ? "!" : "");
+    }
+    return all.str() + "\n";
 }
 
-// Replaces each "{HH}" by a byte, and stores the offset of each character of `text` in `columns`.
+// The reply to `request` with the rest of its line, as text.
+std::string Reply(const Program& program, const std::string& request, const std::string& word) {
+    if (request == "hover") {
+        const Json hover = program.Ask(korv::Hover);
+        if (hover.is_null()) {
+            return "none\n";
+        }
+        const std::string text = ReplaceAll(hover["contents"]["value"], "```korv\n", "`");
+        return Shown(hover["range"]) + " " + ReplaceAll(text, "\n```", "`") + "\n";
+    }
+    if (request == "definition") {
+        return Lines(program.Ask(korv::Definition), At);
+    }
+    if (request == "references") {
+        return Lines(program.Ask(korv::References, {{"context", {{"includeDeclaration", word == "all"}}}}), At);
+    }
+    if (request == "highlights") {
+        return Lines(program.Ask(korv::Highlights),
+                     [](const Json& each) { return Shown(each["range"]) + (each["kind"] == 3 ? " write" : ""); });
+    }
+    if (request == "prepare") {
+        const Json name = program.Ask(korv::PrepareRename);
+        return Shown(name["range"]) + " " + std::string(name["placeholder"]) + "\n";
+    }
+    if (request == "rename") {
+        return ShownEdit(program.Ask(korv::Rename, {{"newName", word}}));
+    }
+    if (request == "links") {
+        return Lines(program.Ask(korv::Links),
+                     [](const Json& link) { return Shown(link["range"]) + " -> " + std::string(link["target"]); });
+    }
+    if (request == "complete") {
+        const auto shown = [](const Json& item) {
+            return std::string(item["label"]) + (item.contains("detail") ? "=" + std::string(item["detail"]) : "");
+        };
+        return Lines(program.Ask(korv::Completions), shown, " ");
+    }
+    if (request == "signatures") {
+        return Signatures(program);
+    }
+    if (request == "tokens") {
+        return Tokens(program);
+    }
+    if (request == "symbols") {
+        return Lines(program.Ask(korv::DocumentSymbols), [](const Json& symbol) {
+            return Shown(symbol["selectionRange"]) + " " + std::string(symbol["name"]) + " " +
+                   std::string(symbol["detail"]) + (symbol["kind"] == 12 ? " label" : " constant");
+        });
+    }
+    if (request == "workspace") {
+        Json symbols;
+        AddSymbolsLike(program.snapshot, word, &symbols);
+        return Lines(symbols, [](const Json& each) { return std::string(each["name"]) + " " + At(each["location"]); });
+    }
+    if (request == "folding") {
+        return Lines(program.Ask(korv::FoldingRanges), [](const Json& each) {
+            return std::to_string(each["startLine"].get<int>() + 1) + "-" +
+                   std::to_string(each["endLine"].get<int>() + 1) + (each["kind"] == "comment" ? " comment" : "");
+        });
+    }
+    if (request == "hints") {
+        return Lines(program.Ask(korv::InlayHints, {{"inlayHints", word}}), [](const Json& hint) {
+            return Shown({{"start", hint["position"]}, {"end", hint["position"]}}) + " " + std::string(hint["label"]);
+        });
+    }
+    if (request == "format") {
+        const Json edits = program.Ask(korv::Formatting, {{"options", {{"insertSpaces", word != "tabs"}}}});
+        return ReplaceAll(Changed(program.snapshot, program.markedFile, edits), "\t", "{09}");
+    }
+    EXPECT_EQ("actions", request);
+    return Lines(program.Ask(korv::CodeActions),
+                 [](const Json& each) { return std::string(each["title"]) + "\n" + ShownEdit(each["edit"]); });
+}
+
+// Bytes for "{HH}"; `columns` gets the offset of each character of `text`.
 std::string Unescaped(const std::string& text, std::vector<std::size_t>* columns) {
     std::string bytes;
     for (std::size_t i = 0; i < text.size(); ++i) {
@@ -275,14 +260,20 @@ void Check(Program* program, const Strings& words, const std::vector<Request>& r
         stream >> word;
         program->GoTo(mark);
         ASSERT_NE(korv::noIndex, program->markedFile) << request.place;
-        EXPECT_EQ(request.expected, Reply(*program, feature, word)) << request.place << " " << request.text;
+        std::string reply;
+        try {
+            reply = Reply(*program, feature, word);
+        } catch (const korv::RequestError& error) {
+            reply = "refused: " + error.message + "\n";
+        }
+        EXPECT_EQ(request.expected, reply) << request.place << " " << request.text;
     }
 }
 
 TEST(FeaturesTest, RepliesAreThoseOfTheTables) {
-    const TempDir directory;
     for (const std::string& table : TablesIn("server")) {
         for (const Block& block : ReadBlocks(table)) {
+            const TempDir directory;
             Program program;
             std::vector<Request> requests;
             std::vector<std::size_t> columns;
@@ -293,7 +284,9 @@ TEST(FeaturesTest, RepliesAreThoseOfTheTables) {
                 if (text.starts_with("file ")) {
                     program.names.push_back(text.substr(5));
                 } else if (text.starts_with("? ")) {
-                    requests.push_back({line.place, text.substr(2), ""});
+                    const std::size_t end = std::min(text.find(" = "), text.size());
+                    const std::string reply = end == text.size() ? "" : text.substr(end + 3) + "\n";
+                    requests.push_back({line.place, text.substr(2, end - 2), reply});
                 } else if (text.starts_with("=")) {
                     requests.at(requests.size() - 1).expected +=
                         text.substr(std::min<std::size_t>(2, text.size())) + "\n";
@@ -317,7 +310,7 @@ TEST(FeaturesTest, RepliesAreThoseOfTheTables) {
     }
 }
 
-// For all sources of the tables and all examples, with blanks and with tabs.
+// All sources of the tables and the examples, with blanks and with tabs.
 TEST(FeaturesTest, FormattingNeverChangesTheImage) {
     int changes = 0;
     const auto check = [&changes](Program program, const std::string& title) {
@@ -327,10 +320,10 @@ TEST(FeaturesTest, FormattingNeverChangesTheImage) {
             Program formatted = program;
             const auto& files = program.snapshot.analysis->files;
             for (std::size_t i = 0; i < files.size(); ++i) {
-                const auto edits = FormattingEdits(program.snapshot, static_cast<std::int32_t>(i), wholeFile,
-                                                   {.tabSize = 8, .insertSpaces = insertSpaces});
+                program.markedFile = static_cast<std::int32_t>(i);
+                const Json edits = program.Ask(korv::Formatting, {{"options", {{"insertSpaces", insertSpaces}}}});
                 changes += static_cast<int>(edits.size());
-                formatted.files[files[i].text->Path()] = Changed(program.snapshot, static_cast<std::int32_t>(i), edits);
+                formatted.files[files[i].text->Path()] = Changed(program.snapshot, program.markedFile, edits);
             }
             formatted.Analyse(korv::PositionEncoding::utf8);
             EXPECT_EQ(program.snapshot.analysis->image, formatted.snapshot.analysis->image) << title;
@@ -344,13 +337,13 @@ TEST(FeaturesTest, FormattingNeverChangesTheImage) {
                 const Case each = ReadCase(block);
                 const auto main = each.files.find("Main.Kor");
                 if (main != each.files.end() && main->second.size() < 20000) {
-                    check({each.files, {"Main.Kor"}, {}, korv::Snapshot(), 0, {}}, block.at(0).place);
+                    check({each.files, {"Main.Kor"}}, block.at(0).place);
                 }
             }
         }
     }
     for (const std::string name : {"dump", "guess", "hello", "loader", "sieve", "sort"}) {
-        check({{}, {ProjectPath("examples/" + name + ".kor")}, {}, korv::Snapshot(), 0, {}}, name);
+        check({{}, {ProjectPath("examples/" + name + ".kor")}}, name);
     }
     EXPECT_LT(1000, changes);
 }

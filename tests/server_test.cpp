@@ -165,14 +165,14 @@ TEST(ServerTest, DiagnosticsAreTheMessagesOfKorvAs) {
                 korv::Documents documents;
                 korv::Workspace workspace(&documents);
                 Programs programs(&documents, &workspace);
-                documents.Open(path, {korv::UriOfPath(path), 1, nullptr, main->second});
+                documents.Open(path, {{"uri", korv::UriOfPath(path)}, {"text", main->second}});
                 programs.OnFilesChanged();
                 programs.Update();
                 std::multiset<std::string> shown, printed;
                 for (const auto& [file, list] : programs.Diagnostics()) {
-                    for (const korv::lsp::Diagnostic& each : list) {
-                        shown.insert(file + ":" + std::to_string(each.range.start.line + 1) +
-                                     (each.isError ? " error " : " warning ") + each.message);
+                    for (const korv::Json& each : list) {
+                        shown.insert(file + ":" + std::to_string(each["range"]["start"]["line"].get<int>() + 1) +
+                                     (each["severity"] == 1 ? " error " : " warning ") + std::string(each["message"]));
                     }
                 }
                 korv::FileStore store;

@@ -7,7 +7,7 @@
 
 #include "frontend/analyser.h"
 #include "frontend/file_store.h"
-#include "server/features/actions.h"
+#include "server/features/features.h"
 
 namespace korv {
 namespace {
@@ -15,45 +15,27 @@ namespace {
 // Errors of a program that are kept, and messages that are shown: nobody reads more in an editor.
 constexpr std::size_t mostMessages = 1000;
 
-using DiagnosticsByPath = std::map<std::string, std::vector<lsp::Diagnostic>>;
-
-lsp::Diagnostic FailureDiagnostic(const std::string& failure) {
-    lsp::Diagnostic diagnostic;
-    diagnostic.message = failure;
-    return diagnostic;
+// What cannot be blamed on a line.
+Json FailureDiagnostic(const std::string& failure) {
+    return {{"range", Range()}, {"severity", 1}, {"source", "korv"}, {"message", failure}};
 }
 
-// The file of `message`, which is shown at the start of the main file if it has no place.
-lsp::Diagnostic AddPath(const Snapshot& snapshot, const Message& message, std::string* path) {
-    *path = snapshot.File(std::max(message.place.file, 0)).text->Path();
-    if (message.place.IsSomewhere()) {
-        return DiagnosticOf(snapshot, message);
-    }
-    Message placed = message;
-    placed.place = {0, 1, 0, 0};
-    return DiagnosticOf(snapshot, placed);
-}
-
-// Adds the messages of a program; a file that is also part of another has each once.
+// Adds the messages of a program; a file that is also part of another has each once. Those without
+// a place are shown at the start of the main file.
 void AddMessages(const Snapshot& snapshot, DiagnosticsByPath* all) {
-    const Analysis& analysis = *snapshot.analysis;
-    DiagnosticsByPath own;
+    const std::vector<Message>& messages = snapshot.analysis->messages;
+    const DiagnosticsByPath others = *all;
     for (const Message& message :
-         std::span(analysis.messages).first(std::min(analysis.messages.size(), mostMessages))) {
-        std::string path;
-        lsp::Diagnostic diagnostic = AddPath(snapshot, message, &path);
-        own[path].push_back(std::move(diagnostic));
-    }
-    for (auto& [path, diagnostics] : own) {
-        auto& there = (*all)[path];
-        const std::vector<lsp::Diagnostic> others = there;
-        for (lsp::Diagnostic& diagnostic : diagnostics) {
-            const auto isSame = [&diagnostic](const lsp::Diagnostic& other) {
-                return other.range == diagnostic.range && other.message == diagnostic.message;
-            };
-            if (std::ranges::none_of(others, isSame)) {
-                there.push_back(std::move(diagnostic));
-            }
+         std::span(messages).first(std::min(messages.size(), mostMessages))) {
+        const std::string& path = snapshot.File(std::max(message.place.file, 0)).text->Path();
+        Json diagnostic = DiagnosticOf(snapshot, message);
+        const auto isSame = [&diagnostic](const Json& other) {
+            return other["range"] == diagnostic["range"] &&
+                   other["message"] == diagnostic["message"];
+        };
+        const auto there = others.find(path);
+        if (there == others.end() || std::ranges::none_of(there->second, isSame)) {
+            (*all)[path].push_back(std::move(diagnostic));
         }
     }
 }
@@ -83,32 +65,25 @@ void Programs::OnConfigurationChanged() {
 
 bool Programs::Reads(const Key& key, const std::string& path) const {
     const auto found = programs.find(key);
-    return found != programs.end() && found->second.snapshot.analysis != nullptr &&
-           found->second.snapshot.FileOf(path) != noIndex;
+    return found != programs.end() && found->second.snapshot.FileOf(path) != noIndex;
 }
 
 void Programs::Analyse(Program* program) {
-    FileStore store(program->directory);
-    for (const std::string& name : program->options.includes) {
+    FileStore store(program->configuration.directory);
+    for (const std::string& name : program->configuration.options.includes) {
         store.AddSearchDirectory(name);
     }
-    for (const std::string& path : documents->Paths()) {
-        store.SetText(documents->TextOf(path));
+    for (const auto& [path, document] : documents->All()) {
+        store.SetText(document.text);
     }
-    Analysis analysis =
-        korv::Analyse(program->options, &store, {.statements = true, .names = true, .uses = true});
-    program->snapshot = Snapshot(std::make_shared<const Analysis>(std::move(analysis)), encoding);
+    auto analysis = std::make_shared<const Analysis>(korv::Analyse(
+        program->configuration.options, &store, {.statements = true, .names = true, .uses = true}));
+    program->snapshot = {analysis, {}, encoding, nullptr};
+    for (const SourceFile& file : analysis->files) {
+        program->snapshot.uris.push_back(documents->UriOf(file.text->Path()));
+    }
     program->isStale = false;
     ++analysisCount;
-}
-
-// The full path of the source that the configuration has; empty for none.
-std::string Programs::SourceOf(const Configuration& configuration) {
-    const std::string& source = configuration.options.source;
-    return !configuration.hasSource ? ""
-           : platform::IsAbsolutePath(source)
-               ? workspace->FullPath(source)
-               : workspace->FullPath(configuration.directory + "/" + source);
 }
 
 // The program with the source `main`, after an analysis of its present texts.
@@ -119,13 +94,11 @@ const Programs::Key& Programs::Analysed(const Configuration& configuration,
     Program& program = at->second;
     if (isNew) {
         program.main = main;
-        program.directory = configuration.directory;
-        program.origin = configuration.origin;
-        program.options = configuration.options;
-        if (main != SourceOf(configuration)) {  // else it stays as it was written, for messages
-            program.options.source = main;
+        program.configuration = configuration;
+        if (main != configuration.source) {  // else it stays as it was written, for messages
+            program.configuration.options.source = main;
         }
-        program.options.maxErrors = mostMessages;
+        program.configuration.options.maxErrors = mostMessages;
     }
     if (program.isStale) {
         Analyse(&program);
@@ -141,8 +114,8 @@ const Programs::Key& Programs::ProgramFor(const std::string& path) {
         failures[isFile ? configuration.origin : path] =
             (isFile ? "" : "settings of korv: ") + configuration.failure;
     }
-    if (configuration.hasSource) {
-        const Key& key = Analysed(configuration, SourceOf(configuration));
+    if (!configuration.source.empty()) {
+        const Key& key = Analysed(configuration, configuration.source);
         if (Reads(key, path)) {
             return key;
         }
@@ -166,12 +139,11 @@ const Programs::Key& Programs::ProgramFor(const std::string& path) {
 
 void Programs::Update() {
     failures.clear();
-    const std::vector<std::string> paths = documents->Paths();
     // An analysis in the first round may show that a program reads a document seen before.
     for (int round = 0; round < 2; ++round) {
         programOf.clear();
         needed.clear();
-        for (const std::string& path : paths) {
+        for (const auto& [path, document] : documents->All()) {
             programOf[path] = ProgramFor(path);
         }
     }
@@ -196,16 +168,14 @@ const Snapshot* Programs::SnapshotOf(const std::string& path) const {
 std::vector<const Snapshot*> Programs::Snapshots() const {
     std::vector<const Snapshot*> snapshots;
     for (const auto& [key, program] : programs) {
-        if (program.snapshot.analysis != nullptr) {
-            snapshots.push_back(&program.snapshot);
-        }
+        snapshots.push_back(&program.snapshot);
     }
     return snapshots;
 }
 
 DiagnosticsByPath Programs::Diagnostics() const {
     DiagnosticsByPath all;
-    for (const std::string& path : documents->Paths()) {
+    for (const auto& [path, document] : documents->All()) {
         all[path];
     }
     for (const auto& [path, failure] : failures) {
@@ -215,8 +185,8 @@ DiagnosticsByPath Programs::Diagnostics() const {
         if (const std::string& failure = program.snapshot.analysis->failure; failure.empty()) {
             AddMessages(program.snapshot, &all);
         } else {
-            all[program.origin.empty() ? program.main : program.origin].push_back(
-                FailureDiagnostic(failure));
+            const std::string& origin = program.configuration.origin;
+            all[origin.empty() ? program.main : origin].push_back(FailureDiagnostic(failure));
         }
     }
     return all;

@@ -17,6 +17,8 @@
 
 namespace korv {
 
+using DiagnosticsByPath = std::map<std::string, Json::array_t>;
+
 class Programs {
   public:
     /// Neither is owned.
@@ -44,24 +46,21 @@ class Programs {
     /// Those of all programs.
     [[nodiscard]] std::vector<const Snapshot*> Snapshots() const;
     /// By the paths of the files that have any, and of all documents.
-    [[nodiscard]] std::map<std::string, std::vector<lsp::Diagnostic>> Diagnostics() const;
+    [[nodiscard]] DiagnosticsByPath Diagnostics() const;
 
     /// Of all time, for tests.
     [[nodiscard]] std::uint64_t AnalysisCount() const { return analysisCount; }
 
   private:
     struct Program {
-        std::string main;  // full path
-        std::string directory;
-        Options options;
-        std::string origin;  // of the configuration
+        std::string main;             // full path
+        Configuration configuration;  // with `main` as the source in its options
         Snapshot snapshot;
         bool isStale = true;
     };
     using Key = std::string;  // tells a program from all others
 
     const Key& ProgramFor(const std::string& path);
-    [[nodiscard]] std::string SourceOf(const Configuration& configuration);
     const Key& Analysed(const Configuration& configuration, const std::string& main);
     void Analyse(Program* program);
     [[nodiscard]] bool Reads(const Key& key, const std::string& path) const;

@@ -1,164 +1,100 @@
-/// What the features of the language server give, as plain data. protocol.cpp turns it into JSON,
-/// and is the only file that knows JSON.
+/// The protocol: positions in a text as editors count them, the refusal of a request, and the
+/// reading of parameters. What has another type than the protocol requires counts as missing.
 #pragma once
 
+#include <compare>
+#include <cstddef>
 #include <cstdint>
-#include <map>
+#include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "server/text_position.h"
+namespace korv {
 
-namespace korv::lsp {
+using Json = nlohmann::json;
+using Strings = std::vector<std::string>;
 
-/// A part of a file, by its full path.
-struct Location {
-    std::string path;
-    Range range;
+/// How a client counts the characters of a line. UTF-16 unless it offers UTF-8.
+enum class PositionEncoding : std::uint8_t { utf16, utf8 };
+
+/// A place between two characters. Both count from 0.
+struct Position {
+    std::uint32_t line = 0;
+    std::uint32_t character = 0;  ///< in units of the encoding
+    auto operator<=>(const Position&) const = default;
 };
 
-struct TextEdit {
-    Range range;
-    std::string newText;
-};
-/// Changes by the full paths of their files.
-using WorkspaceEdit = std::map<std::string, std::vector<TextEdit>>;
-
-struct RelatedInformation {
-    Location location;
-    std::string message;
+struct Range {
+    Position start;
+    Position end;  ///< exclusive
+    bool operator==(const Range&) const = default;
 };
 
-struct Diagnostic {
-    Range range;
-    bool isError = true;  ///< else a warning
-    std::string code;
-    std::string message;  ///< the text as korv-as prints it, with its notes
-    std::vector<RelatedInformation> related;
-};
+/// Units of the first `column` bytes of `line`. A byte that is not UTF-8 counts as one character,
+/// as an editor shows it.
+[[nodiscard]] std::uint32_t UnitsOf(std::string_view line, std::size_t column,
+                                    PositionEncoding encoding);
 
-struct Hover {
-    std::string markdown;
-    Range range;  ///< what it is about
-};
-
-struct PreparedRename {
-    Range range;
-    std::string name;
-};
+/// The byte column of `character` in `line`; the end of the line for one that is beyond it, the
+/// start of the character for one inside a surrogate pair.
+[[nodiscard]] std::size_t ColumnOf(std::string_view line, std::uint32_t character,
+                                   PositionEncoding encoding);
 
 /// Numbers of the protocol.
-enum class CompletionKind : std::uint8_t {
-    function = 3,
-    variable = 6,
-    keyword = 14,
-    file = 17,
-    constant = 21,
-    operatorSign = 24,
+enum class ErrorCode : std::int32_t {
+    parseError = -32700,
+    invalidRequest = -32600,
+    methodNotFound = -32601,
+    invalidParameters = -32602,
+    notInitialized = -32002,
+    requestCancelled = -32800,
+    requestFailed = -32803,
 };
 
-struct CompletionItem {
-    std::string label;
-    CompletionKind kind = CompletionKind::keyword;
-    std::string detail;         ///< shown beside it
-    std::string documentation;  ///< markdown
-    std::string sortText;       ///< empty: `label`
-};
-
-struct Signature {
-    std::string label;                    ///< "LD A,(nn)"
-    std::vector<std::string> parameters;  ///< parts of `label`, in its order
-    std::string documentation;
-};
-struct SignatureHelp {
-    std::vector<Signature> signatures;
-    std::uint32_t activeSignature = 0;
-    std::uint32_t activeParameter = 0;
-};
-
-enum class SymbolKind : std::uint8_t { function = 12, variable = 13, constant = 14 };
-
-struct DocumentSymbol {
-    std::string name;
-    std::string detail;
-    SymbolKind kind = SymbolKind::function;
-    Range range;           ///< all that belongs to it
-    Range selectionRange;  ///< its name
-    std::vector<DocumentSymbol> children;
-};
-struct WorkspaceSymbol {
-    std::string name;
-    SymbolKind kind = SymbolKind::function;
-    Location location;
-};
-
-enum class HighlightKind : std::uint8_t { read = 2, write = 3 };
-struct DocumentHighlight {
-    Range range;
-    HighlightKind kind = HighlightKind::read;
-};
-
-/// Types and modifiers of tokens, in the order of the legend.
-enum class TokenType : std::uint8_t {
-    keyword,     ///< mnemonic
-    macro,       ///< directive
-    variable,    ///< register
-    enumMember,  ///< condition
-    function,    ///< label
-    property,    ///< constant
-    number,
-    string,
-    comment,
-    operatorSign,
-};
-inline constexpr std::string_view tokenTypeNames[] = {
-    "keyword",  "macro",  "variable", "enumMember", "function",
-    "property", "number", "string",   "comment",    "operator"};
-inline constexpr std::uint32_t modifierDefinition = 1;
-inline constexpr std::uint32_t modifierReadonly = 2;
-inline constexpr std::string_view tokenModifierNames[] = {"definition", "readonly"};
-
-/// On one line.
-struct SemanticToken {
-    Position start;
-    std::uint32_t length = 0;  ///< in units of the encoding
-    TokenType type = TokenType::keyword;
-    std::uint32_t modifiers = 0;
-};
-
-struct FoldingRange {
-    std::uint32_t startLine = 0;
-    std::uint32_t endLine = 0;
-    bool isComment = false;  ///< else a region
-};
-
-struct InlayHint {
-    Position position;
-    std::string label;
-};
-
-struct CodeAction {
-    std::string title;
-    WorkspaceEdit edit;
-    std::optional<Diagnostic> diagnostic;  ///< which it fixes
-    bool isPreferred = false;
-};
-
-struct DocumentLink {
-    Range range;
-    std::string path;  ///< full path of the target
-};
-
-struct FormattingOptions {
-    std::uint32_t tabSize = 8;
-    bool insertSpaces = true;
-};
-
-/// Why a request is refused, for a person.
-struct Refusal {
+/// Thrown where a request has no result; the client shows the message to a person.
+struct RequestError {
+    ErrorCode code = ErrorCode::requestFailed;
     std::string message;
 };
 
-}  // namespace korv::lsp
+/// The refusal of a request without the parameter at `path`.
+[[nodiscard]] RequestError Missing(std::string path);
+
+/// The value at a path, such as "/textDocument/uri"; null if there is none of this type, which is
+/// one that a `Json` holds.
+template <typename Value>
+[[nodiscard]] const Value* Find(const Json& json, const std::string& path) {
+    const Json::json_pointer pointer(path);
+    return json.contains(pointer) ? json[pointer].get_ptr<const Value*>() : nullptr;
+}
+/// The same for a value that the request cannot do without.
+template <typename Value>
+[[nodiscard]] const Value& Get(const Json& json, const std::string& path) {
+    const Value* const found = Find<Value>(json, path);
+    return found != nullptr ? *found : throw Missing(path);
+}
+/// The strings at `path` in the elements of the list at `listPath`.
+[[nodiscard]] Strings StringsOf(const Json& json, const std::string& listPath,
+                                const std::string& path = "");
+[[nodiscard]] std::optional<Position> FindPosition(const Json& json, const std::string& path);
+[[nodiscard]] std::optional<Range> FindRange(const Json& json, const std::string& path);
+
+void to_json(Json& json, const Position& position);
+void to_json(Json& json, const Range& range);
+
+/// A change of a text.
+[[nodiscard]] inline Json TextEdit(const Range& range, std::string_view newText) {
+    return {{"range", range}, {"newText", newText}};
+}
+[[nodiscard]] inline Json Markdown(std::string_view text) {
+    return {{"kind", "markdown"}, {"value", text}};
+}
+
+/// As the client gets it. What is no character in a text of the source becomes U+FFFD.
+[[nodiscard]] inline std::string TextOf(const Json& json) {
+    return json.dump(/*indent=*/-1, ' ', /*ensure_ascii=*/false, Json::error_handler_t::replace);
+}
+
+}  // namespace korv

@@ -12,12 +12,9 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <variant>
 
 #include "server/documents.h"
 #include "server/programs.h"
-#include "server/reply.h"
-#include "server/request.h"
 #include "server/stream.h"
 #include "server/workspace.h"
 
@@ -37,63 +34,42 @@ class Server {
     [[nodiscard]] std::uint64_t AnalysisCount() const { return programs.AnalysisCount(); }
 
   private:
-    using Parameters = lsp::Parameters;
-    using Result = std::variant<std::string, lsp::Error>;  // the first is JSON
-    struct Method;                                         // these two are in server_methods.h
-    struct Target;
-    // Null for an unknown one.
-    [[nodiscard]] static const Method* FindMethod(std::string_view name);
+    struct Queued {
+        Json message;
+        bool isCancelled = false;
+    };
+    struct Feature;  // a row of the table in methods.cpp
 
-    [[nodiscard]] std::optional<lsp::Message> NextMessage();
+    [[nodiscard]] std::optional<Queued> NextMessage();
     void Enqueue(std::string_view text);
-    void Take(const lsp::Message& message);
-    [[nodiscard]] Result Answer(const Method* method, const lsp::Message& message);
+    void Take(const Queued& queued);
+    [[nodiscard]] Json Answer(const std::string& method, const Json& parameters);
+    [[nodiscard]] Json AnswerFeature(const Feature& feature, const Json& parameters);
+    static constexpr const char* publishDiagnostics = "textDocument/publishDiagnostics";
+    void Notify(const char* method, const Json& parameters);
     void Update();
     void Publish();
     [[nodiscard]] std::string PathOf(const std::string& uri);
-    [[nodiscard]] std::string UriOf(const std::string& path) const;
-    [[nodiscard]] Target TargetOf(const Parameters& parameters);
+    [[nodiscard]] std::string PathOfDocument(const Json& parameters);
 
-    // Notifications, and requests without a document.
-    Result Initialize(const Parameters& parameters);
-    Result OnInitialized(const Parameters& parameters);
-    Result Shutdown(const Parameters& parameters);
-    Result Exit(const Parameters& parameters);
-    Result Ignore(const Parameters& parameters);
-    Result DidOpen(const Parameters& parameters);
-    Result DidChange(const Parameters& parameters);
-    Result DidClose(const Parameters& parameters);
-    Result FilesChanged(const Parameters& parameters);
-    Result SettingsChanged(const Parameters& parameters);
-    Result FoldersChanged(const Parameters& parameters);
-
-    // Features.
-    Result Hover(const Parameters& parameters);
-    Result Definition(const Parameters& parameters);
-    Result References(const Parameters& parameters);
-    Result Highlights(const Parameters& parameters);
-    Result PrepareRename(const Parameters& parameters);
-    Result Rename(const Parameters& parameters);
-    Result Complete(const Parameters& parameters);
-    Result Signatures(const Parameters& parameters);
-    Result DocumentSymbols(const Parameters& parameters);
-    Result WorkspaceSymbols(const Parameters& parameters);
-    Result SemanticTokens(const Parameters& parameters);
-    Result FoldingRanges(const Parameters& parameters);
-    Result InlayHints(const Parameters& parameters);
-    Result CodeActions(const Parameters& parameters);
-    Result Format(const Parameters& parameters);
-    Result Links(const Parameters& parameters);
+    [[nodiscard]] Json Initialize(const Json& parameters);
+    [[nodiscard]] Json WorkspaceSymbols(const Json& parameters);
+    void OnInitialized(const Json& parameters);
+    void OnOpened(const Json& parameters);
+    void OnChanged(const Json& parameters);
+    void OnClosed(const Json& parameters);
+    void OnFilesChanged(const Json& parameters);
+    void OnSettingsChanged(const Json& parameters);
+    void OnFoldersChanged(const Json& parameters);
 
     MessageStream stream;
     std::string version;
     Documents documents;
     Workspace workspace{&documents};
     Programs programs{&documents, &workspace};
-    lsp::ReplyWriter writer;
     PositionEncoding encoding = PositionEncoding::utf16;
-    std::deque<lsp::Message> queue;                // read, and not yet taken
-    std::map<std::string, std::string> published;  // messages with diagnostics, by path
+    std::deque<Queued> queue;               // read, and not yet taken
+    std::map<std::string, Json> published;  // parameters with diagnostics, by URI
     enum class Phase : std::uint8_t { created, initialized, shutDown, ended };
     Phase phase = Phase::created;
     bool watchesOnRequest = false;  // the client can be asked to watch files

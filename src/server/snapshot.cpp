@@ -1,8 +1,7 @@
 #include "server/snapshot.h"
 
 #include <algorithm>
-#include <string>
-#include <tuple>
+#include <iterator>
 
 #include "frontend/statement_view.h"
 #include "source/char_class.h"
@@ -10,27 +9,14 @@
 namespace korv {
 namespace {
 
-auto KeyOf(const Place& place) {
-    return std::tuple(place.file, place.line, place.column);
-}
-
-std::int32_t LastLineOf(const Statement* statement) {
-    return statement->line + static_cast<std::int32_t>(statement->lineCount) - 1;
-}
-
 void AddStatements(const Analysis& analysis, PlaceIndex* index) {
-    std::vector<bool> isFirst;  // by opening
-    std::vector<bool> isOpened(analysis.files.size());
-    for (const Opening& opening : analysis.openings) {
-        const auto file = static_cast<std::size_t>(opening.file);
-        isFirst.push_back(!isOpened[file]);
-        isOpened[file] = true;
-    }
     index->statements.resize(analysis.files.size());
+    std::vector<std::int32_t> first(analysis.files.size(), noIndex);  // opening, by file
     for (const Statement& statement : analysis.statements) {
-        const auto opening = static_cast<std::size_t>(statement.opening);
-        if (isFirst[opening]) {
-            const auto file = static_cast<std::size_t>(analysis.openings[opening].file);
+        const Opening& opening = analysis.openings[static_cast<std::size_t>(statement.opening)];
+        const auto file = static_cast<std::size_t>(opening.file);
+        first[file] = first[file] == noIndex ? statement.opening : first[file];
+        if (statement.opening == first[file]) {
             index->statements[file].push_back(&statement);
         }
     }
@@ -50,10 +36,10 @@ void AddLabels(const Analysis& analysis, PlaceIndex* index) {
                 continue;
             }
             if (const Name* const name = FindName(analysis, Raised(label))) {
-                index->names.push_back({static_cast<std::int32_t>(name - analysis.names.data()),
-                                        {static_cast<std::int32_t>(i), statement->line, 0,
-                                         static_cast<std::uint32_t>(label.size())},
-                                        true});
+                index->Add({static_cast<std::int32_t>(name - analysis.names.data()),
+                            {static_cast<std::int32_t>(i), statement->line, 0,
+                             static_cast<std::uint32_t>(label.size())},
+                            /*isDefinition=*/true});
             }
         }
     }
@@ -65,17 +51,13 @@ PlaceIndex IndexOf(const Analysis& analysis) {
     for (std::size_t i = 0; i < analysis.names.size(); ++i) {
         const auto number = static_cast<std::int32_t>(i);
         if (analysis.names[i].definition.IsSomewhere()) {
-            index.names.push_back({number, analysis.names[i].definition, true});
+            index.Add({number, analysis.names[i].definition, /*isDefinition=*/true});
         }
         for (const NameUse& use : analysis.names[i].uses) {
-            index.names.push_back({number, use.place, false});
+            index.Add({number, use.place, /*isDefinition=*/false});
         }
     }
     AddLabels(analysis, &index);
-    const auto key = [](const NameAt& at) { return KeyOf(at.place); };
-    std::ranges::stable_sort(index.names, {}, key);
-    const auto rest = std::ranges::unique(index.names, {}, key);
-    index.names.erase(rest.begin(), rest.end());
     return index;
 }
 
@@ -117,18 +99,20 @@ bool Covers(const Place& wide, const Place& place) {
 
 std::optional<NameAt> FindNameAt(const Snapshot& snapshot, const Place& place) {
     const auto& names = snapshot.Index().names;
-    const auto next = std::ranges::upper_bound(names, KeyOf(place), {},
-                                               [](const NameAt& at) { return KeyOf(at.place); });
-    if (next == names.begin() || !Covers(std::prev(next)->place, place)) {
+    const auto next = names.upper_bound({place.file, place.line, place.column});
+    if (next == names.begin() || !Covers(std::prev(next)->second.place, place)) {
         return std::nullopt;
     }
-    return *std::prev(next);
+    return std::prev(next)->second;
 }
 
 std::vector<NameAt> OccurrencesOf(const Snapshot& snapshot, std::int32_t name) {
     std::vector<NameAt> found;
-    std::ranges::copy_if(snapshot.Index().names, std::back_inserter(found),
-                         [name](const NameAt& at) { return at.name == name; });
+    for (const auto& [key, at] : snapshot.Index().names) {
+        if (at.name == name) {
+            found.push_back(at);
+        }
+    }
     return found;
 }
 
@@ -137,23 +121,20 @@ const Name* FindName(const Analysis& analysis, std::string_view text) {
     return found != analysis.names.end() && found->text == text ? &*found : nullptr;
 }
 
-Statements StatementsOf(const Snapshot& snapshot, std::int32_t file) {
-    return snapshot.Index().statements[static_cast<std::size_t>(file)];
-}
-
 Statements StatementsIn(const Snapshot& snapshot, std::int32_t file, const Range& range) {
-    const Statements all = StatementsOf(snapshot, file);
+    const Statements all = snapshot.Index().statements[static_cast<std::size_t>(file)];
     // Wide enough for the largest number of a client and 1.
     const auto first = std::int64_t{range.start.line} + 1, last = std::int64_t{range.end.line} + 1;
-    const auto begin = std::ranges::lower_bound(all, first, {}, LastLineOf);
+    const auto begin = std::ranges::lower_bound(
+        all, first, {}, [](const Statement* each) { return LastLineOf(*each); });
     const auto end = std::ranges::upper_bound(begin, all.end(), last, {}, &Statement::line);
     return {begin, end};
 }
 
 const Statement* FindStatementAt(const Snapshot& snapshot, std::int32_t file, std::int32_t line) {
-    const Statements all = StatementsOf(snapshot, file);
-    const auto found = std::ranges::lower_bound(all, line, {}, LastLineOf);
-    return found != all.end() && (*found)->line <= line ? *found : nullptr;
+    const auto number = static_cast<std::uint32_t>(line - 1);
+    const Statements here = StatementsIn(snapshot, file, {{number, 0}, {number, 0}});
+    return here.empty() ? nullptr : here.front();
 }
 
 }  // namespace korv

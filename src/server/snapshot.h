@@ -3,16 +3,17 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <optional>
 #include <span>
+#include <string>
 #include <string_view>
-#include <utility>
+#include <tuple>
 #include <vector>
 
 #include "frontend/analysis.h"
 #include "server/protocol.h"
-#include "server/text_position.h"
 
 namespace korv {
 
@@ -27,16 +28,19 @@ struct NameAt {
 struct PlaceIndex {
     /// By file: the statements of its first opening, in the order of the lines.
     std::vector<std::vector<const Statement*>> statements;
-    std::vector<NameAt> names;  ///< by place
+    /// By file, line and column.
+    std::map<std::tuple<std::int32_t, std::int32_t, std::uint32_t>, NameAt> names;
+
+    /// Adds a name, unless there is one at its place already.
+    void Add(const NameAt& name) {
+        names.try_emplace({name.place.file, name.place.line, name.place.column}, name);
+    }
 };
 
 struct Snapshot {
     std::shared_ptr<const Analysis> analysis;  ///< with statements, names and uses
+    std::vector<std::string> uris;             ///< of its files, as the client knows them
     PositionEncoding encoding = PositionEncoding::utf16;
-
-    explicit Snapshot(std::shared_ptr<const Analysis> analysis = nullptr,
-                      PositionEncoding encoding = PositionEncoding::utf16)
-        : analysis(std::move(analysis)), encoding(encoding) {}
 
     /// Index in `analysis->files` of the file at the full path `path`; `noIndex` if the program did
     /// not read it.
@@ -47,18 +51,20 @@ struct Snapshot {
     [[nodiscard]] std::string_view Line(std::int32_t file, std::int32_t line) const {
         return File(file).text->Line(line);
     }
+    [[nodiscard]] const std::string& UriOf(std::int32_t file) const {
+        return uris[static_cast<std::size_t>(file)];
+    }
     /// A place, which is somewhere, as the client counts.
     [[nodiscard]] Range RangeOf(const Place& place) const;
-    [[nodiscard]] lsp::Location LocationOf(const Place& place) const {
-        return {File(place.file).text->Path(), RangeOf(place)};
+    [[nodiscard]] Json LocationOf(const Place& place) const {
+        return {{"uri", UriOf(place.file)}, {"range", RangeOf(place)}};
     }
     /// A position of the client as a place without length.
     [[nodiscard]] Place PlaceOf(std::int32_t file, Position position) const;
     /// Made at the first question: publishing messages needs none.
     [[nodiscard]] const PlaceIndex& Index() const;
 
-  private:
-    mutable std::shared_ptr<const PlaceIndex> index;
+    mutable std::shared_ptr<const PlaceIndex> index;  ///< for `Index` alone
 };
 
 /// Whether `place` is in `wide`, or at one of its ends: a cursor after a word is on it.
@@ -73,14 +79,17 @@ struct Snapshot {
 /// The name `text`, which is in capitals; null for none.
 [[nodiscard]] const Name* FindName(const Analysis& analysis, std::string_view text);
 
+/// The last physical line of a statement.
+[[nodiscard]] inline std::int32_t LastLineOf(const Statement& statement) {
+    return statement.line + static_cast<std::int32_t>(statement.lineCount) - 1;
+}
+
 using Statements = std::span<const Statement* const>;
 
 /// The statements that begin in lines `range` of `file`, each line once; also one that begins
 /// before and ends there.
 [[nodiscard]] Statements StatementsIn(const Snapshot& snapshot, std::int32_t file,
                                       const Range& range);
-/// All of `file`.
-[[nodiscard]] Statements StatementsOf(const Snapshot& snapshot, std::int32_t file);
 
 /// The statement that was assembled from physical line `line` of `file`; null for none.
 [[nodiscard]] const Statement* FindStatementAt(const Snapshot& snapshot, std::int32_t file,

@@ -1,7 +1,6 @@
 #include "server/workspace.h"
 
 #include <algorithm>
-#include <array>
 #include <filesystem>
 #include <system_error>
 #include <utility>
@@ -9,6 +8,7 @@
 #include "codegen/handlers.h"
 #include "codegen/keywords.h"
 #include "frontend/argument_files.h"
+#include "frontend/file_store.h"
 #include "frontend/statement_view.h"
 #include "source/char_class.h"
 
@@ -46,33 +46,27 @@ bool IsIn(const std::string& path, const std::string& folder) {
            (folder.ends_with('/') || path[folder.size()] == '/' || path[folder.size()] == '\\');
 }
 
-// The regular files of a folder in order of their names.
-std::vector<std::string> FilesOf(const std::string& folder) {
-    std::vector<std::string> files;
+// What is in a folder, in the order of the names.
+std::vector<fs::directory_entry> EntriesOf(const fs::path& folder) {
+    std::vector<fs::directory_entry> entries;
     std::error_code error;
-    for (fs::directory_iterator at(PathOf(folder), error), end;
-         !error && at != end && files.size() < mostFiles; at.increment(error)) {
-        std::error_code unknown;
-        if (at->is_regular_file(unknown) && at->file_size(unknown) <= longestSource) {
-            files.push_back(NameOf(at->path()));
-        }
+    for (fs::directory_iterator at(folder, error), end;
+         !error && at != end && entries.size() < mostFiles; at.increment(error)) {
+        entries.push_back(*at);
     }
-    std::ranges::sort(files);
-    return files;
+    std::ranges::sort(entries);
+    return entries;
 }
 
 // The names in INCLUDE lines. Whether a line is assembled does not matter here: a program that
 // turns out not to read the file is not used.
-std::vector<std::string> IncludedNames(std::string_view text) {
-    std::vector<std::string> names;
-    if (text.find('\0') != std::string_view::npos) {
+Strings IncludedNames(const StoredText& text) {
+    Strings names;
+    if (text.Bytes().find('\0') != std::string::npos) {
         return names;  // an image, or another file that is not a text
     }
-    while (!text.empty()) {
-        std::string_view line = text.substr(0, text.find('\n'));
-        text.remove_prefix(std::min(line.size() + 1, text.size()));
-        line.remove_suffix(line.ends_with('\r') ? 1 : 0);
-        const std::string raised = Raised(line);
+    for (std::int32_t line = 1; line <= text.LineCount(); ++line) {
+        const std::string raised = Raised(text.Line(line));
         if (raised.find("INCLUDE") == std::string::npos) {
             continue;
         }
@@ -87,8 +81,9 @@ std::vector<std::string> IncludedNames(std::string_view text) {
 
 }  // namespace
 
-std::string Workspace::FullPath(const std::string& name) {
-    const platform::FoundPath found = directory.FullPath(name);
+std::string Workspace::FullPath(const std::string& name, const std::string& folder) {
+    const bool isWhole = folder.empty() || platform::IsAbsolutePath(name);
+    const platform::FoundPath found = directory.FullPath(isWhole ? name : folder + "/" + name);
     return found.path.empty() ? name : found.path;
 }
 
@@ -106,9 +101,20 @@ void Workspace::RemoveFolder(const std::string& path) {
     Forget();
 }
 
-void Workspace::SetSettings(lsp::Settings newSettings) {
-    settings = std::move(newSettings);
+bool Workspace::SetSettings(const Json& settings) {
+    const Json& section = settings.contains("korv") ? settings["korv"] : settings;
+    if (!section.is_object()) {
+        return false;
+    }
+    words = StringsOf(section, "/arguments");
+    const auto* const main = Find<std::string>(section, "/main");
+    if (main != nullptr && !main->empty()) {
+        words.push_back(*main);
+    }
+    const auto* const hints = Find<std::string>(section, "/inlayHints");
+    inlayHints = hints == nullptr ? "none" : *hints;
     Forget();
+    return true;
 }
 
 void Workspace::Forget() {
@@ -128,90 +134,71 @@ std::string Workspace::FolderOf(const std::string& path) {
 }
 
 // The folder of the file, and those above it up to the workspace folder.
-std::vector<std::string> Workspace::FoldersUpFrom(const std::string& path) {
+Strings Workspace::FoldersUpFrom(const std::string& path) {
     const std::string last = FolderOf(path);
-    std::vector<std::string> found = {DirectoryOf(path)};
+    Strings found = {DirectoryOf(path)};
     while (found.back() != last && IsIn(found.back(), last)) {
         found.push_back(DirectoryOf(found.back()));
     }
     return found;
 }
 
-// `words` without a source are those of every file that is a program of its own.
+// Words without a source are those of every file that is a program of its own.
 Configuration Workspace::ReadConfiguration(const std::string& argumentFile, const std::string& base,
-                                           std::vector<std::string> words) {
+                                           Strings configured) {
     Configuration configuration;
+    Options& options = configuration.options;
     configuration.origin = argumentFile;
     configuration.directory = base;
-    configuration.failure = ExpandArgumentFiles(&words, base);
+    configuration.failure = ExpandArgumentFiles(&configured, base);
     if (!configuration.failure.empty()) {
         return configuration;
     }
-    const std::string failure = TakeWords(words, &configuration.options);
-    configuration.hasSource = failure.empty();
-    if (configuration.hasSource && configuration.options.source == standardStream) {
+    if (const std::string failure = TakeWords(configured, &options); !failure.empty()) {
+        options = {};
+        configured.push_back("any.kor");
+        configuration.failure = TakeWords(configured, &options).empty() ? "" : failure;
+    } else if (options.source == standardStream) {
         configuration.failure = "the source is standard input, which the editor does not have";
-    } else if (configuration.hasSource && configuration.options.request != Request::assemble) {
+    } else if (options.request != Request::assemble) {
         configuration.failure = "the words ask for help or version";
-    } else if (!configuration.hasSource) {
-        configuration.options = {};
-        words.push_back("any.kor");
-        if (!TakeWords(words, &configuration.options).empty()) {
-            configuration.failure = failure;
+    } else {
+        configuration.source = FullPath(options.source, base);
+    }
+    return configuration;
+}
+
+Configuration Workspace::FindConfiguration(const std::string& path) {
+    if (words.empty()) {
+        for (const std::string& folder : FoldersUpFrom(path)) {
+            const platform::FoundPath file = directory.FullPath(folder + "/" + argumentFileName);
+            if (file.isFile) {
+                return ReadConfiguration(file.path, folder, {std::string("@") + argumentFileName});
+            }
         }
     }
-    configuration.hasSource = configuration.hasSource && configuration.failure.empty();
-    return configuration;
+    return ReadConfiguration("", FolderOf(path), words);
 }
 
 const Configuration& Workspace::ConfigurationOf(const std::string& path) {
     const auto [at, isNew] = configurations.try_emplace(path);
-    if (!isNew) {
-        return at->second;
+    if (isNew) {
+        at->second = FindConfiguration(path);
     }
-    if (!settings.main.empty() || !settings.arguments.empty()) {
-        std::vector<std::string> words = settings.arguments;
-        if (!settings.main.empty()) {
-            words.push_back(settings.main);
-        }
-        at->second = ReadConfiguration("", FolderOf(path), std::move(words));
-        return at->second;
-    }
-    for (const std::string& folder : FoldersUpFrom(path)) {
-        const platform::FoundPath file = directory.FullPath(folder + "/" + argumentFileName);
-        if (file.isFile) {
-            at->second =
-                ReadConfiguration(file.path, folder, {std::string("@") + argumentFileName});
-            return at->second;
-        }
-    }
-    at->second = ReadConfiguration("", FolderOf(path), {});
-    at->second.failure.clear();
     return at->second;
 }
 
-std::string Workspace::BytesOf(const std::string& path) {
-    if (const Documents::Document* const document = documents->Find(path)) {
-        return document->bytes;
-    }
-    platform::InputFile file;
-    std::string bytes;
-    if (file.Open(path)) {
-        std::array<char, 65536> block;
-        for (std::size_t count = 1; count != 0 && bytes.size() <= longestSource;) {
-            count = file.Read(block.data(), block.size());
-            bytes.append(block.data(), count);
-        }
-    }
-    return bytes;
-}
-
-const std::vector<std::string>& Workspace::IncludesOf(const std::string& path) {
+const Strings& Workspace::IncludesOf(const std::string& path) {
     const auto [at, isNew] = includes.try_emplace(path);
     if (isNew) {
-        for (const std::string& name : IncludedNames(BytesOf(path))) {
-            at->second.push_back(
-                FullPath(platform::IsAbsolutePath(name) ? name : DirectoryOf(path) + "/" + name));
+        FileStore store;
+        if (const Document* const document = documents->Find(path)) {
+            store.SetText(document->text);
+        }
+        (void)store.Open(path, 0);  // reads it, if it is on the disk only
+        const FileStore::Text text = store.TextOf(path);
+        for (const std::string& name : text == nullptr ? Strings() : IncludedNames(*text)) {
+            at->second.push_back(FullPath(name, DirectoryOf(path)));
         }
     }
     return at->second;
@@ -219,8 +206,12 @@ const std::vector<std::string>& Workspace::IncludesOf(const std::string& path) {
 
 std::optional<std::string> Workspace::FindIncluder(const std::string& path) {
     for (const std::string& folder : FoldersUpFrom(path)) {
-        for (const std::string& name : FilesOf(folder)) {
-            const std::string file = FullPath(name);
+        for (const fs::directory_entry& entry : EntriesOf(PathOf(folder))) {
+            std::error_code unknown;
+            if (!entry.is_regular_file(unknown) || entry.file_size(unknown) > longestSource) {
+                continue;
+            }
+            const std::string file = FullPath(NameOf(entry.path()));
             if (file != path && std::ranges::count(IncludesOf(file), path) != 0) {
                 return file;
             }
@@ -243,16 +234,12 @@ const std::string& Workspace::IncluderOf(const std::string& path) {
     return at->second;
 }
 
-std::vector<std::string> Workspace::FilesIn(const std::string& path, const std::string& name) {
-    std::vector<std::string> names;
-    std::error_code error;
-    const fs::path folder = PathOf(DirectoryOf(path)) / PathOf(name);
-    for (fs::directory_iterator at(folder, error), end;
-         !error && at != end && names.size() < mostFiles; at.increment(error)) {
+Strings Workspace::FilesIn(const std::string& path, const std::string& name) {
+    Strings names;
+    for (const auto& entry : EntriesOf(PathOf(DirectoryOf(path)) / PathOf(name))) {
         std::error_code unknown;
-        names.push_back(NameOf(at->path().filename()) + (at->is_directory(unknown) ? "/" : ""));
+        names.push_back(NameOf(entry.path().filename()) + (entry.is_directory(unknown) ? "/" : ""));
     }
-    std::ranges::sort(names);
     return names;
 }
 

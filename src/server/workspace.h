@@ -11,7 +11,6 @@
 #include "frontend/options.h"
 #include "platform/platform.h"
 #include "server/documents.h"
-#include "server/request.h"
 
 namespace korv {
 
@@ -21,9 +20,9 @@ struct Configuration {
     /// Relative names count from here. For an argument file it is the folder of the file, since
     /// make and CI run korv-as there; for the settings it is the workspace folder.
     std::string directory;
-    Options options;         ///< of a program without a source of its own: of each file that is one
-    bool hasSource = false;  ///< it says which source the program has
-    std::string failure;     ///< why the words are of no use; empty: they are
+    std::string source;   ///< full path of that of the program; empty: the words have none
+    Options options;      ///< without a source those of each file that is a program by itself
+    std::string failure;  ///< why the words are of no use; empty: they are
 };
 
 class Workspace {
@@ -36,11 +35,14 @@ class Workspace {
 
     void AddFolder(const std::string& path);
     void RemoveFolder(const std::string& path);
-    void SetSettings(lsp::Settings newSettings);
-    [[nodiscard]] const lsp::Settings& CurrentSettings() const { return settings; }
+    /// `settings` are section "korv" of the client's, or hold it. False: they are neither.
+    bool SetSettings(const Json& settings);
+    /// "none", "address" or "addressAndBytes".
+    [[nodiscard]] const std::string& InlayHints() const { return inlayHints; }
 
-    /// The full path of a name, spelled as on disk.
-    [[nodiscard]] std::string FullPath(const std::string& name);
+    /// The full path of a name, spelled as on disk. A relative one is one in `folder`; empty: in
+    /// the current directory.
+    [[nodiscard]] std::string FullPath(const std::string& name, const std::string& folder = "");
     /// The workspace folder that the file at `path` is in, or else the folder of the file.
     [[nodiscard]] std::string FolderOf(const std::string& path);
 
@@ -54,30 +56,28 @@ class Workspace {
 
     /// The names in the folder `name` relative to that of the file at `path`; those of folders end
     /// with a slash.
-    [[nodiscard]] std::vector<std::string> FilesIn(const std::string& path,
-                                                   const std::string& name);
+    [[nodiscard]] Strings FilesIn(const std::string& path, const std::string& name);
 
     /// Files have been created, changed, or removed.
     void Forget();
 
   private:
+    [[nodiscard]] Configuration FindConfiguration(const std::string& path);
     [[nodiscard]] Configuration ReadConfiguration(const std::string& argumentFile,
-                                                  const std::string& directory,
-                                                  std::vector<std::string> words);
-    [[nodiscard]] std::vector<std::string> FoldersUpFrom(const std::string& path);
+                                                  const std::string& base, Strings configured);
+    [[nodiscard]] Strings FoldersUpFrom(const std::string& path);
     [[nodiscard]] std::optional<std::string> FindIncluder(const std::string& path);
-    [[nodiscard]] const std::vector<std::string>& IncludesOf(const std::string& path);
-    [[nodiscard]] std::string BytesOf(const std::string& path);
+    [[nodiscard]] const Strings& IncludesOf(const std::string& path);
 
     Documents* documents;
     platform::CurrentDirectory directory;  // never changed
-    std::vector<std::string> folders;      // full paths
-    lsp::Settings settings;
+    Strings folders;                       // full paths
+    Strings words;                         // of the settings
+    std::string inlayHints;
     // Kept until something changes.
     std::map<std::string, Configuration> configurations;  // by the path of the file
     std::map<std::string, std::string> includers;         // by the path of the file
-    std::map<std::string, std::vector<std::string>>
-        includes;  // full paths, by the path of the file
+    std::map<std::string, Strings> includes;              // full paths, by the path of the file
 };
 
 }  // namespace korv

@@ -1,5 +1,3 @@
-#include "server/features/actions.h"
-
 #include <algorithm>
 #include <map>
 #include <set>
@@ -7,72 +5,85 @@
 #include <string_view>
 #include <tuple>
 #include <utility>
+#include <vector>
 
 #include "frontend/message_printer.h"
+#include "server/features/features.h"
 
 namespace korv {
 namespace {
 
-void AddEdits(const Snapshot& snapshot, const Message& message, lsp::WorkspaceEdit* edit) {
-    for (const Edit& each : message.edits) {
-        lsp::Location location = snapshot.LocationOf(each.place);
-        (*edit)[location.path].push_back({location.range, each.text});
-    }
-}
+// Changes by the URIs of their files.
+using Changes = std::map<std::string, std::vector<std::pair<Range, std::string>>>;
 
-// An editor takes no changes that overlap: of these the first one stays. They occur where two
-// messages propose to change one word.
-void RemoveOverlaps(lsp::WorkspaceEdit* edit) {
-    for (auto& [path, changes] : *edit) {
-        const auto start = [](const lsp::TextEdit& change) { return change.range.start; };
-        std::ranges::stable_sort(changes, {}, start);
-        std::vector<lsp::TextEdit> kept;
-        for (lsp::TextEdit& change : changes) {
-            if (kept.empty() || (kept.back().range.end <= change.range.start &&
-                                 kept.back().range.start < change.range.start)) {
-                kept.push_back(std::move(change));
+// The edits of `messages`. An editor takes no changes that overlap: of these the first one stays.
+// They occur where two messages propose to change one word.
+Json EditOf(const Snapshot& snapshot, const std::vector<const Message*>& messages) {
+    Changes changes;
+    for (const Message* const message : messages) {
+        for (const Edit& each : message->edits) {
+            changes[snapshot.UriOf(each.place.file)].emplace_back(snapshot.RangeOf(each.place),
+                                                                  each.text);
+        }
+    }
+    Json byUri;
+    for (auto& [uri, list] : changes) {
+        std::ranges::stable_sort(list, {}, [](const auto& change) { return change.first.start; });
+        const Range* last = nullptr;
+        for (const auto& [range, text] : list) {
+            if (last == nullptr || (last->end <= range.start && last->start < range.start)) {
+                byUri[uri].push_back(TextEdit(range, text));
+                last = &range;
             }
         }
-        changes = std::move(kept);
     }
+    return {{"changes", byUri}};
 }
 
 }  // namespace
 
-lsp::Diagnostic DiagnosticOf(const Snapshot& snapshot, const Message& message) {
-    const Analysis& analysis = *snapshot.analysis;
-    lsp::Diagnostic diagnostic;
-    if (message.place.IsSomewhere()) {
-        diagnostic.range = snapshot.RangeOf(message.place);
-    }
-    diagnostic.isError = message.severity == Severity::error;
-    diagnostic.code = message.code;
-    diagnostic.message = SentenceOf(message);
+Json DiagnosticOf(const Snapshot& snapshot, const Message& message) {
+    const auto relatedAt = [&snapshot](const Place& place, std::string_view text) -> Json {
+        return {{"location", snapshot.LocationOf(place)}, {"message", text}};
+    };
+    std::string text = SentenceOf(message);
     if (!message.note.empty()) {
-        diagnostic.message += "\nnote: " + message.note;
+        text += "\nnote: " + message.note;
     }
-    for (const Related& related : message.related) {
-        if (related.place.IsSomewhere()) {
-            diagnostic.related.push_back({snapshot.LocationOf(related.place), related.text});
+    Json related;
+    for (const Related& each : message.related) {
+        if (each.place.IsSomewhere()) {
+            related.push_back(relatedAt(each.place, each.text));
         } else {
-            diagnostic.message += "\nnote: " + related.text;
+            text += "\nnote: " + each.text;
         }
     }
     for (std::int32_t opening = message.opening; opening != noIndex;) {
-        const Opening& at = analysis.openings[static_cast<std::size_t>(opening)];
+        const Opening& at = snapshot.analysis->openings[static_cast<std::size_t>(opening)];
         if (at.includer != noIndex) {
-            diagnostic.related.push_back(
-                {snapshot.LocationOf(at.includedAt), "included from here"});
+            related.push_back(relatedAt(at.includedAt, "included from here"));
         }
         opening = at.includer;
+    }
+    const bool hasPlace = message.place.IsSomewhere();
+    Json diagnostic = {{"range", hasPlace ? snapshot.RangeOf(message.place) : Range()},
+                       {"severity", message.severity == Severity::error ? 1 : 2},
+                       {"source", "korv"},
+                       {"message", text}};
+    if (!message.code.empty()) {
+        diagnostic["code"] = message.code;
+    }
+    if (!related.empty()) {
+        diagnostic["relatedInformation"] = std::move(related);
     }
     return diagnostic;
 }
 
-std::vector<lsp::CodeAction> ActionsIn(const Snapshot& snapshot, std::int32_t file,
-                                       const Range& range) {
-    std::vector<lsp::CodeAction> actions;
+Json CodeActions(const Query& query) {
+    const Snapshot& snapshot = query.snapshot;
+    Json actions = Json::array();
     std::map<std::string_view, std::vector<const Message*>> kinds;  // by code
+    std::set<std::string_view> codesHere;
     std::set<std::tuple<std::int32_t, std::int32_t, std::uint32_t, std::string_view>> seen;
     for (const Message& message : snapshot.analysis->messages) {
         const Place& at = message.place;
@@ -83,28 +94,23 @@ std::vector<lsp::CodeAction> ActionsIn(const Snapshot& snapshot, std::int32_t fi
         }
         kinds[message.code].push_back(&message);
         const std::int64_t line = at.line - 1;
-        if (at.file == file && line >= range.start.line && line <= range.end.line) {
-            lsp::CodeAction action;
-            action.title = message.note;
-            action.diagnostic = DiagnosticOf(snapshot, message);
-            action.isPreferred = true;
-            AddEdits(snapshot, message, &action.edit);
-            RemoveOverlaps(&action.edit);
-            actions.push_back(std::move(action));
+        if (at.file == query.file && line >= query.range.start.line &&
+            line <= query.range.end.line) {
+            codesHere.insert(message.code);
+            actions.push_back({{"title", message.note},
+                               {"kind", "quickfix"},
+                               {"edit", EditOf(snapshot, {&message})},
+                               {"isPreferred", true},
+                               {"diagnostics", Json::array({DiagnosticOf(snapshot, message)})}});
         }
     }
-    for (const auto& [code, messages] : kinds) {
-        const auto isHere = [code](const lsp::CodeAction& action) {
-            return action.diagnostic && action.diagnostic->code == code;
-        };
-        if (messages.size() > 1 && std::ranges::any_of(actions, isHere)) {
-            lsp::CodeAction all;
-            all.title = "fix all messages [" + std::string(code) + "] that have a fix";
-            for (const Message* const message : messages) {
-                AddEdits(snapshot, *message, &all.edit);
-            }
-            RemoveOverlaps(&all.edit);
-            actions.push_back(std::move(all));
+    for (const std::string_view code : codesHere) {
+        if (kinds[code].size() > 1) {
+            actions.push_back(
+                {{"title", "fix all messages [" + std::string(code) + "] that have a fix"},
+                 {"kind", "quickfix"},
+                 {"edit", EditOf(snapshot, kinds[code])},
+                 {"isPreferred", false}});
         }
     }
     return actions;

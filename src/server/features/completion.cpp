@@ -1,7 +1,9 @@
-#include "server/features/completion.h"
-
 #include <algorithm>
 #include <array>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
 
 #include "codegen/handlers.h"
 #include "codegen/keywords.h"
@@ -9,13 +11,22 @@
 #include "expr/token.h"
 #include "frontend/instruction_forms.h"
 #include "frontend/instruction_help.h"
-#include "server/cursor.h"
+#include "server/features/features.h"
+#include "server/line_prefix.h"
 #include "source/char_class.h"
 
 namespace korv {
 namespace {
 
-using Items = std::vector<lsp::CompletionItem>;
+/// Numbers of the protocol.
+enum class ItemKind : std::uint8_t {
+    function = 3,
+    variable = 6,
+    keyword = 14,
+    file = 17,
+    constant = 21,
+    operatorSign = 24,
+};
 
 // The forms of `mnemonic` in one line.
 std::string FormsText(std::string_view mnemonic) {
@@ -27,213 +38,191 @@ std::string FormsText(std::string_view mnemonic) {
     return text;
 }
 
-// In the letters of what has been typed: small ones if that has one.
-std::string Spelled(std::string_view word, bool isSmall) {
-    std::string spelled(word);
-    if (isSmall) {
-        for (char& c : spelled) {
-            c = HasClass(c, CC_LETTER) ? static_cast<char>(c | 0x20) : c;
-        }
-    }
-    return spelled;
-}
-
-bool HasSmallLetter(std::string_view text) {
-    return std::ranges::any_of(text, [](char c) { return HasClass(c, CC_LOWER); });
-}
-
 // Whether the word does nothing but be refused.
 bool IsReservedOnly(const Keyword& keyword) {
     return keyword.handler == With<AnswerOnly, MSG_NOT_IMPLEMENTED> ||
            keyword.handler == With<AnswerOnly, MSG_NOT_IN_MACRO>;
 }
 
-void AddMnemonics(bool isSmall, Items* items) {
-    for (const Keyword& keyword : keywords) {
-        if (IsReservedOnly(keyword)) {
-            continue;
-        }
-        lsp::CompletionItem item;
-        item.label = Spelled(keyword.word, isSmall);
-        item.detail = FormsText(keyword.word);
-        item.documentation = HelpFor(keyword);
-        items->push_back(std::move(item));
-    }
-}
-
-// The operand that is being written.
-class OperandInHand {
+class ItemList {
   public:
-    /// `line` is what the cursor is at the end of; `prefix` is made from it.
-    OperandInHand(std::string_view line, const LinePrefix& prefix)
-        : place(prefix.operand), isOpen(prefix.operandText.starts_with('(')) {
-        const std::size_t typed = prefix.word.size() + (isOpen ? 1 : 0);
-        isFirstWord = prefix.operandText.size() == typed;
-        before = Raised(line.substr(0, line.size() - prefix.operandText.size()));
-    }
+    explicit ItemList(const Query& query)
+        : query(query),
+          line(query.LineBefore()),
+          prefix(CutPrefix(line)),
+          isOpen(prefix.operandText.starts_with('(')),
+          keyword(FindKeyword(prefix.mnemonic)),
+          isSmall(std::ranges::any_of(line, [](char c) { return HasClass(c, CC_LOWER); })) {}
 
-    /// Whether the mnemonic takes an operand that is `word`, in the parenthesis if one is open,
-    /// after the operands before it.
-    [[nodiscard]] bool May(std::string_view word) const {
-        const std::string tried =
-            before + (isOpen ? "(" : "") + std::string(word) + (isOpen ? ")" : "");
-        return FindFaultyOperand(CutStatement(tried)) > place;
+    [[nodiscard]] Json Make() {
+        const bool takesFile = keyword != nullptr && (keyword->handler == AssembleInclude ||
+                                                      keyword->handler == AssembleBinclude);
+        switch (prefix.part) {
+            case LinePrefix::Part::mnemonic:
+                AddMnemonics();
+                break;
+            case LinePrefix::Part::operand:
+                if (takesFile) {
+                    AddFiles(prefix.operandText);
+                } else if (keyword != nullptr) {
+                    AddOperands();
+                }
+                break;
+            case LinePrefix::Part::string:  // INCLUDE takes quotes for a part of the name
+                if (takesFile && keyword->handler == AssembleBinclude) {
+                    AddFiles(prefix.operandText.substr(1));
+                }
+                break;
+            case LinePrefix::Part::label:
+            case LinePrefix::Part::comment:
+                break;
+        }
+        return std::move(items);
     }
-    [[nodiscard]] bool MayBeValue() const { return May("0"); }
-    /// Whether nothing is before the word in hand but a parenthesis.
-    [[nodiscard]] bool IsFirstWord() const { return isFirstWord; }
-    [[nodiscard]] bool IsOpen() const { return isOpen; }
 
   private:
-    std::size_t place;
-    bool isOpen;
-    bool isFirstWord;
-    std::string before;  // the line up to the operand, in capitals
+    // `order` comes before the label where the editor sorts; without it the label decides.
+    Json& Add(ItemKind kind, std::string label, std::string_view order = "") {
+        Json item = {{"label", label}, {"kind", kind}};
+        if (!order.empty()) {
+            item["sortText"] = std::string(order) + label;
+        }
+        return items.emplace_back(std::move(item));
+    }
+    // A word of the language, in the letters of what has been typed.
+    Json& AddWord(ItemKind kind, std::string_view word, std::string_view order = "") {
+        std::string label(word);
+        for (char& c : label) {
+            c = isSmall && HasClass(c, CC_LETTER) ? static_cast<char>(c | 0x20) : c;
+        }
+        return Add(kind, std::move(label), order);
+    }
+
+    void AddMnemonics() {
+        for (const Keyword& each : keywords) {
+            if (!IsReservedOnly(each)) {
+                Json& item = AddWord(ItemKind::keyword, each.word);
+                item["detail"] = FormsText(each.word);
+                item["documentation"] = Markdown(HelpFor(each));
+            }
+        }
+    }
+
+    void AddFiles(std::string_view typed) {
+        const std::size_t end = typed.find_last_of("/\\") + 1;  // 0 where there is none
+        const std::string& path = query.snapshot.File(query.file).text->Path();
+        const std::string folder(typed.substr(0, end));
+        for (std::string& name : query.workspace.FilesIn(path, folder)) {
+            Add(ItemKind::file, std::move(name));
+        }
+    }
+
+    // Whether the mnemonic takes an operand that is `word`, in the parenthesis if one is open,
+    // after the operands before it.
+    [[nodiscard]] bool May(std::string_view word) const {
+        std::string tried = Raised(line.substr(0, line.size() - prefix.operandText.size()));
+        tried += isOpen ? "(" + std::string(word) + ")" : word;
+        return FindFaultyOperand(CutStatement(tried)) > prefix.operand;
+    }
+    [[nodiscard]] bool MayBeValue() const { return May("0"); }
+
+    void AddOperands() {
+        const bool isFirstWord = prefix.operandText.size() == prefix.word.size() + (isOpen ? 1 : 0);
+        if (!isFirstWord) {
+            AddNames();
+            AddOperators();
+            return;
+        }
+        AddRegisters();
+        if (MayBeValue()) {
+            AddNames();
+        }
+    }
+
+    // Registers and conditions that some form of the statement takes.
+    void AddRegisters() {
+        const auto add = [this](std::string_view name) {
+            if (May(name)) {
+                AddWord(ItemKind::variable, name, "0");  // before the names of the program
+            }
+        };
+        for (const OperandName& row : operandNames) {
+            if (!row.name.empty() && row.name != "FLAGS") {
+                add(row.name);
+            }
+        }
+        if (isOpen) {
+            std::ranges::for_each(std::array{"IX+0", "IY+0"}, add);
+            return;
+        }
+        if (!MayBeValue()) {  // where AF' would be read as one
+            add("AF'");
+        }
+        std::ranges::for_each(
+            std::array{"(HL)", "(BC)", "(DE)", "(SP)", "(C)", "(IX)", "(IY)", "(IX+0)", "(IY+0)"},
+            add);
+    }
+
+    void AddNames() {
+        for (const Name& name : query.snapshot.analysis->names) {
+            if (name.kind == NameKind::undefined) {
+                continue;
+            }
+            std::string_view label = name.text;
+            if (name.definition.IsSomewhere()) {  // as its definition spells it
+                const Place& at = name.definition;
+                label = query.snapshot.Line(at.file, at.line).substr(at.column, at.length);
+            }
+            const bool isLabel = name.kind == NameKind::label;
+            Json& item =
+                Add(isLabel ? ItemKind::function : ItemKind::constant, std::string(label), "1");
+            if (name.hasValue) {
+                item["detail"] = std::to_string(name.value);
+            }
+        }
+    }
+
+    void AddOperators() {
+        for (const char* const word : {"AND", "OR", "XOR", "SHL", "SHR", "MOD", "EXP"}) {
+            AddWord(ItemKind::operatorSign, word, "2");
+        }
+    }
+
+    const Query& query;
+    std::string_view line;  // up to the cursor
+    LinePrefix prefix;
+    bool isOpen;  // the operand in hand begins with a parenthesis
+    const Keyword* keyword;
+    bool isSmall;
+    Json items = Json::array();
 };
 
-// Registers and conditions that some form of the statement takes.
-void AddRegisters(const OperandInHand& operand, bool isSmall, Items* items) {
-    const auto add = [&](std::string_view name) {
-        if (operand.May(name)) {
-            lsp::CompletionItem item;
-            item.label = Spelled(name, isSmall);
-            item.kind = lsp::CompletionKind::variable;
-            item.sortText = "0" + item.label;  // before the names of the program
-            items->push_back(std::move(item));
-        }
-    };
-    for (const OperandName& row : operandNames) {
-        if (!row.name.empty() && row.name != "FLAGS") {
-            add(row.name);
-        }
+// The form with the offsets of its operands.
+Json SignatureOf(const std::string& form, std::string_view documentation) {
+    Json parameters = Json::array();
+    for (std::size_t at = form.find(' '); at < form.size();) {
+        const std::size_t end = std::min(form.find(',', ++at), form.size());
+        parameters.push_back({{"label", {at, end}}});
+        at = end;
     }
-    if (operand.IsOpen()) {
-        std::ranges::for_each(std::array{"IX+0", "IY+0"}, add);
-        return;
-    }
-    if (!operand.MayBeValue()) {  // where AF' would be read as one
-        add("AF'");
-    }
-    std::ranges::for_each(
-        std::array{"(HL)", "(BC)", "(DE)", "(SP)", "(C)", "(IX)", "(IY)", "(IX+0)", "(IY+0)"}, add);
-}
-
-void AddOperators(bool isSmall, Items* items) {
-    for (const std::string_view word : {"AND", "OR", "XOR", "NOT", "SHL", "SHR", "MOD", "EXP"}) {
-        if (FindWord(word).code != 0) {
-            lsp::CompletionItem item;
-            item.label = Spelled(word, isSmall);
-            item.kind = lsp::CompletionKind::operatorSign;
-            item.sortText = "2" + item.label;
-            items->push_back(std::move(item));
-        }
-    }
-}
-
-void AddNames(const Snapshot& snapshot, Items* items) {
-    for (const Name& name : snapshot.analysis->names) {
-        if (name.kind == NameKind::undefined) {
-            continue;
-        }
-        lsp::CompletionItem item;
-        item.label = name.text;
-        if (name.definition.IsSomewhere()) {  // as its definition spells it
-            const Place& at = name.definition;
-            item.label = snapshot.Line(at.file, at.line).substr(at.column, at.length);
-        }
-        item.kind = name.kind == NameKind::label ? lsp::CompletionKind::function
-                                                 : lsp::CompletionKind::constant;
-        item.detail = name.hasValue ? std::to_string(name.value) : "";
-        item.sortText = "1" + item.label;
-        items->push_back(std::move(item));
-    }
-}
-
-void AddFiles(std::string_view typed, const DirectoryListing& filesIn, Items* items) {
-    const std::size_t end = typed.find_last_of("/\\") + 1;  // 0 where there is none
-    for (std::string& name : filesIn(std::string(typed.substr(0, end)))) {
-        lsp::CompletionItem item;
-        item.label = std::move(name);
-        item.kind = lsp::CompletionKind::file;
-        items->push_back(std::move(item));
-    }
-}
-
-// `line` is what the cursor is at the end of.
-void AddOperands(const Snapshot& snapshot, std::string_view line, const LinePrefix& prefix,
-                 bool isSmall, Items* items) {
-    const OperandInHand operand(line, prefix);
-    if (operand.IsFirstWord()) {
-        AddRegisters(operand, isSmall, items);
-        if (operand.MayBeValue()) {
-            AddNames(snapshot, items);
-        }
-        return;
-    }
-    AddNames(snapshot, items);
-    AddOperators(isSmall, items);
+    return {
+        {"label", form}, {"parameters", parameters}, {"documentation", Markdown(documentation)}};
 }
 
 }  // namespace
 
-std::vector<lsp::CompletionItem> CompletionsFor(const Snapshot& snapshot, std::string_view line,
-                                                const DirectoryListing& filesIn) {
-    Items items;
-    const LinePrefix prefix = CutPrefix(line);
-    const bool isSmall = HasSmallLetter(line);
-    const Keyword* const keyword = FindKeyword(prefix.mnemonic);
-    const bool takesFile = keyword != nullptr && (keyword->handler == AssembleInclude ||
-                                                  keyword->handler == AssembleBinclude);
-    switch (prefix.part) {
-        case LinePrefix::Part::mnemonic:
-            AddMnemonics(isSmall, &items);
-            break;
-        case LinePrefix::Part::operand:
-            if (takesFile) {
-                AddFiles(prefix.operandText, filesIn, &items);
-            } else if (keyword != nullptr) {
-                AddOperands(snapshot, line, prefix, isSmall, &items);
-            }
-            break;
-        case LinePrefix::Part::string:  // INCLUDE takes quotes for a part of the name
-            if (takesFile && keyword->handler == AssembleBinclude) {
-                AddFiles(prefix.operandText.substr(1), filesIn, &items);
-            }
-            break;
-        case LinePrefix::Part::label:
-        case LinePrefix::Part::comment:
-            break;
-    }
-    return items;
+Json Completions(const Query& query) {
+    return ItemList(query).Make();
 }
 
-namespace {
-
-// The form with its operands, whose texts are part of it.
-lsp::Signature SignatureOf(std::string form, std::string_view documentation) {
-    lsp::Signature signature;
-    std::string_view rest = form;
-    rest.remove_prefix(std::min(rest.find(' '), rest.size() - 1) + 1);
-    while (!rest.empty()) {
-        const std::size_t end = std::min(rest.find(','), rest.size());
-        signature.parameters.emplace_back(rest.substr(0, end));
-        rest.remove_prefix(std::min(end + 1, rest.size()));
-    }
-    signature.documentation = documentation;
-    signature.label = std::move(form);
-    return signature;
-}
-
-}  // namespace
-
-std::optional<lsp::SignatureHelp> SignaturesFor(std::string_view line) {
+Json Signatures(const Query& query) {
+    const std::string_view line = query.LineBefore();
     const LinePrefix prefix = CutPrefix(line);
-    if (prefix.part != LinePrefix::Part::operand && prefix.part != LinePrefix::Part::string) {
-        return std::nullopt;
-    }
+    const bool isInOperands =
+        prefix.part == LinePrefix::Part::operand || prefix.part == LinePrefix::Part::string;
     const Keyword* const keyword = FindKeyword(prefix.mnemonic);
-    if (keyword == nullptr) {
-        return std::nullopt;
+    if (!isInOperands || keyword == nullptr) {
+        return nullptr;
     }
     const std::string raised = Raised(line);
     const StatementView statement = CutStatement(raised);
@@ -242,19 +231,22 @@ std::optional<lsp::SignatureHelp> SignaturesFor(std::string_view line) {
     const std::size_t operand = isList ? 0 : prefix.operand;
     const auto inHand =  // forms that also fit what has been written of the operand
         FormsOf(statement, std::min(operand + 1, statement.operands.size()));
-    lsp::SignatureHelp help;
-    help.activeParameter = static_cast<std::uint32_t>(operand);
-    for (std::string& form : FormsOf(statement, operand)) {
-        lsp::Signature signature = SignatureOf(std::move(form), HelpFor(*keyword));
-        if (signature.parameters.size() <= operand) {
+    Json signatures = Json::array();
+    std::size_t active = 0;
+    for (const std::string& form : FormsOf(statement, operand)) {
+        Json signature = SignatureOf(form, HelpFor(*keyword));
+        if (signature["parameters"].size() <= operand) {
             continue;
         }
-        if (!inHand.empty() && signature.label == inHand.front()) {
-            help.activeSignature = static_cast<std::uint32_t>(help.signatures.size());
+        if (!inHand.empty() && form == inHand.front()) {
+            active = signatures.size();
         }
-        help.signatures.push_back(std::move(signature));
+        signatures.push_back(std::move(signature));
     }
-    return help.signatures.empty() ? std::nullopt : std::optional(std::move(help));
+    return signatures.empty() ? Json()
+                              : Json{{"signatures", signatures},
+                                     {"activeSignature", active},
+                                     {"activeParameter", operand}};
 }
 
 }  // namespace korv

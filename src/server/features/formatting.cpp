@@ -2,13 +2,14 @@
 // change. What could change is where a line ends for the reader, which takes a limited number of
 // bytes: hence the limit for lines that grow.
 
-#include "server/features/formatting.h"
-
 #include <algorithm>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "frontend/statement_view.h"
+#include "server/features/features.h"
+#include "server/line_prefix.h"
 #include "source/char_class.h"
 
 namespace korv {
@@ -56,17 +57,11 @@ bool Cut(std::string_view line, LineParts* parts) {
         WithoutBlanksAtEnd(line).ends_with('\\')) {
         return false;
     }
-    bool isString = false;
-    std::string_view rest = line;
-    const std::string_view text = TakeUntil(&rest, [&isString](char c) {
-        isString = isString != (c == '"');
-        return c == ';' && !isString;
-    });
-    if (isString) {
+    parts->comment = line.substr(CommentStart(line));
+    std::string_view rest = WithoutBlanksAtEnd(line.substr(0, line.size() - parts->comment.size()));
+    if (std::ranges::count(rest, '"') % 2 != 0) {  // a string that has no end
         return false;
     }
-    parts->comment = rest;
-    rest = WithoutBlanksAtEnd(text);
     const std::string_view name = TakeUntil(&rest, [](char c) { return !HasClass(c, CC_NAME); });
     const bool hasColon = !name.empty() && rest.starts_with(':');
     rest.remove_prefix(hasColon ? 1 : 0);
@@ -83,15 +78,20 @@ bool Cut(std::string_view line, LineParts* parts) {
 
 class LineFormatter {
   public:
-    LineFormatter(const Snapshot& snapshot, const Place& line,
-                  const lsp::FormattingOptions& options)
-        : snapshot(snapshot),
-          line(line),
-          text(snapshot.Line(line.file, line.line)),
-          tabSize(std::clamp<std::size_t>(options.tabSize, 1, 16)),
-          hasTabs(!options.insertSpaces) {}
+    explicit LineFormatter(const Query& query) : snapshot(query.snapshot), file(query.file) {
+        const auto* const size = Find<std::int64_t>(query.parameters, "/options/tabSize");
+        const auto* const blanks = Find<bool>(query.parameters, "/options/insertSpaces");
+        tabSize =
+            size == nullptr ? 8 : static_cast<std::size_t>(std::clamp<std::int64_t>(*size, 1, 16));
+        hasTabs = blanks != nullptr && !*blanks;
+    }
 
-    void Format(const LineParts& parts, std::vector<lsp::TextEdit>* edits) {
+    // Adds the changes of line `number`.
+    void Format(std::int32_t number, const LineParts& parts, Json::array_t* edits) {
+        line = number;
+        text = snapshot.Line(file, line);
+        end = column = size = 0;
+        changes.clear();
         Put(parts.label, 0);
         Put(parts.mnemonic, mnemonicColumn);
         Put(parts.operands, operandColumn);
@@ -133,9 +133,9 @@ class LineFormatter {
     // Puts `gap` between the end of the last part and `start`.
     void Replace(std::size_t start, const std::string& gap) {
         if (text.substr(end, start - end) != gap) {
-            const Place place{line.file, line.line, static_cast<std::uint32_t>(end),
+            const Place place{file, line, static_cast<std::uint32_t>(end),
                               static_cast<std::uint32_t>(start - end)};
-            changes.push_back({snapshot.RangeOf(place), gap});
+            changes.push_back(TextEdit(snapshot.RangeOf(place), gap));
         }
         Advance(gap);
     }
@@ -150,31 +150,32 @@ class LineFormatter {
     }
 
     const Snapshot& snapshot;
-    Place line;
-    std::string_view text;
+    std::int32_t file;
     std::size_t tabSize;
     bool hasTabs;
+    // Of the line in hand.
+    std::int32_t line = 0;
+    std::string_view text;
     std::size_t end = 0;     // of the last part, in `text`
     std::size_t column = 0;  // in the line as it becomes
     std::size_t size = 0;    // of the line as it becomes
-    std::vector<lsp::TextEdit> changes;
+    Json::array_t changes;
 };
 
 }  // namespace
 
-std::vector<lsp::TextEdit> FormattingEdits(const Snapshot& snapshot, std::int32_t file,
-                                           const Range& range,
-                                           const lsp::FormattingOptions& options) {
-    std::vector<lsp::TextEdit> edits;
-    Range lines = range;
-    if (range.end.character == 0 && range.end.line > range.start.line) {
+Json Formatting(const Query& query) {
+    Json::array_t edits;
+    Range lines = query.range;
+    if (lines.end.character == 0 && lines.end.line > lines.start.line) {
         --lines.end.line;  // a selection of whole lines ends at the start of the next one
     }
-    for (const Statement* const statement : StatementsIn(snapshot, file, lines)) {
-        const Place line{file, statement->line};
+    LineFormatter formatter(query);
+    for (const Statement* const statement : StatementsIn(query.snapshot, query.file, lines)) {
         LineParts parts;
-        if (statement->lineCount == 1 && Cut(snapshot.Line(file, line.line), &parts)) {
-            LineFormatter(snapshot, line, options).Format(parts, &edits);
+        if (statement->lineCount == 1 &&
+            Cut(query.snapshot.Line(query.file, statement->line), &parts)) {
+            formatter.Format(statement->line, parts, &edits);
         }
     }
     return edits;

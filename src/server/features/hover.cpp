@@ -1,49 +1,56 @@
-#include "server/features/hover.h"
-
 #include <algorithm>
+#include <array>
 #include <string>
+#include <string_view>
+#include <utility>
 
 #include "codegen/keywords.h"
 #include "frontend/cycles.h"
 #include "frontend/instruction_help.h"
+#include "frontend/logical_line.h"
 #include "frontend/statement_view.h"
-#include "server/cursor.h"
+#include "server/features/features.h"
 #include "server/features/value_text.h"
+#include "server/line_prefix.h"
 #include "source/char_class.h"
 
 namespace korv {
 namespace {
 
 // A text of the source between the signs of code, which it must not end.
-std::string Code(std::string_view text) {
-    std::string code = "```korv\n";
-    for (const char c : text) {
-        code += c == '`' ? '\'' : c;
-    }
-    return code + "\n```";
+std::string Code(std::string text) {
+    std::ranges::replace(text, '`', '\'');
+    return "```korv\n" + text + "\n```";
 }
 
-std::string_view KindText(NameKind kind) {
-    switch (kind) {
-        case NameKind::label:
-            return "label";
-        case NameKind::constant:
-            return "constant";
-        case NameKind::commandLine:
-            return "constant of the command line";
-        case NameKind::internal:
-            return "constant of the assembler";
-        case NameKind::undefined:
-            return "undefined name";
+// By `NameKind`.
+constexpr std::array kindTexts = {"label", "constant", "constant of the command line",
+                                  "constant of the assembler", "undefined name"};
+
+// The comment in a line, without its semicolons; empty for none.
+std::string CommentIn(std::string_view line) {
+    line.remove_prefix(CommentStart(line));
+    line.remove_prefix(std::min(line.find_first_not_of(';'), line.size()));
+    return std::string(WithoutLeadingBlanks(line));
+}
+
+// The comment at the end of line `number`, or else the one in the lines directly above it.
+std::string CommentOf(const StoredText& text, std::int32_t number) {
+    std::string comment = CommentIn(text.Line(number));
+    if (!comment.empty()) {
+        return comment;
     }
-    return "";
+    while (--number > 0 && WithoutLeadingBlanks(text.Line(number)).starts_with(';')) {
+        comment = CommentIn(text.Line(number)) + (comment.empty() ? "" : "\n") + comment;
+    }
+    return comment;
 }
 
 std::string NameText(const Snapshot& snapshot, std::int32_t number) {
     const Name& name = snapshot.analysis->names[static_cast<std::size_t>(number)];
     const Place& definition = name.definition;
     std::string text = Code(name.text + (name.hasValue ? " = " + ValueText(name.value) : ""));
-    text += "\n" + std::string(KindText(name.kind));
+    text += std::string("\n") + kindTexts.at(static_cast<std::size_t>(name.kind));
     if (definition.IsSomewhere()) {
         text += ", defined in " + snapshot.analysis->LineName(definition);
     }
@@ -69,67 +76,58 @@ std::string StatementText(const Snapshot& snapshot, const Statement& statement) 
     if (statement.count == 0) {
         return text;
     }
-    const std::string bytes =
-        Hex(statement.address, 4) + "H: " + BytesText(*snapshot.analysis, statement, mostBytes);
-    text += "\n\n" + Code(bytes);
+    text += "\n\n" + Code(Hex(statement.address, 4) +
+                          "H: " + BytesText(*snapshot.analysis, statement, mostBytes));
     const std::string cycles = CyclesText(CyclesOf(*snapshot.analysis, statement));
     return cycles.empty() ? text : text + "\n" + cycles + " T-states";
 }
 
-}  // namespace
-
-std::string CommentOf(const StoredText& text, std::int32_t line) {
-    const auto commentIn = [&text](std::int32_t number) {
-        bool isString = false;
-        std::string_view rest = text.Line(number);
-        while (!rest.empty() && (isString || rest.front() != ';')) {
-            isString = isString != (rest.front() == '"');
-            rest.remove_prefix(1);
-        }
-        while (rest.starts_with(';')) {
-            rest.remove_prefix(1);
-        }
-        return std::string(WithoutLeadingBlanks(rest));
-    };
-    if (std::string beside = commentIn(line); !beside.empty()) {
-        return beside;
+// About a token; empty for nothing.
+std::string TokenText(const Token& token, const Statement& statement) {
+    const bool isCharacter = token.kind == TokenKind::string && token.text.size() == 3;
+    if (token.kind == TokenKind::number || isCharacter) {
+        return Code(ValueText(token.value));
     }
-    std::string above;
-    for (--line; WithoutLeadingBlanks(text.Line(line)).starts_with(';'); --line) {
-        const std::string comment = commentIn(line);
-        above = comment + (above.empty() ? "" : "\n") + above;
+    if (token.kind == TokenKind::here && !statement.isSkipped) {
+        return Code("$ = " + ValueText(static_cast<std::int32_t>(statement.address)));
     }
-    return above;
+    return "";
 }
 
-std::optional<lsp::Hover> HoverAt(const Snapshot& snapshot, const Place& place) {
-    if (const auto at = FindNameAt(snapshot, place)) {
-        return lsp::Hover{NameText(snapshot, at->name), snapshot.RangeOf(at->place)};
-    }
-    const Cursor cursor(snapshot, place);
-    const Statement* const statement = FindStatementAt(snapshot, place.file, place.line);
-    if (statement == nullptr) {
-        return std::nullopt;
-    }
-    const auto about = [&](std::string_view part, std::string text) {
-        return lsp::Hover{std::move(text), snapshot.RangeOf(cursor.PlaceOf(part))};
+}  // namespace
+
+Json Hover(const Query& query) {
+    const Snapshot& snapshot = query.snapshot;
+    const auto about = [&](const Place& place, const std::string& text) -> Json {
+        return {{"contents", Markdown(text)}, {"range", snapshot.RangeOf(place)}};
     };
-    if (cursor.IsOnMnemonic() && statement->keyword != nullptr) {
-        return about(cursor.View().mnemonic, StatementText(snapshot, *statement));
+    if (const auto at = FindNameAt(snapshot, query.place)) {
+        return about(at->place, NameText(snapshot, at->name));
     }
-    const Token* const token = cursor.TokenHere();
-    if (token == nullptr) {
-        return std::nullopt;
+    const Statement* const statement = FindStatementAt(snapshot, query.file, query.place.line);
+    if (statement == nullptr) {
+        return nullptr;
     }
-    const bool isCharacter = token->kind == TokenKind::string && token->text.size() == 3;
-    if (token->kind == TokenKind::number || isCharacter) {
-        return about(token->text, Code(ValueText(token->value)));
+    const StoredText& text = *snapshot.File(query.file).text;
+    const LogicalLine line = LogicalLineAt(text, statement->line);
+    const StatementView view = CutStatement(line.text);
+    PlaceMap places;
+    const auto placeOf = [&](std::string_view part) {
+        const LinePart at = view.PartOf(part);
+        return places.PlaceOf(query.file, text, statement->line, at.offset, at.length);
+    };
+    if (statement->keyword != nullptr && Covers(placeOf(view.mnemonic), query.place)) {
+        return about(placeOf(view.mnemonic), StatementText(snapshot, *statement));
     }
-    if (token->kind == TokenKind::here && !statement->isSkipped) {
-        const auto address = static_cast<std::int32_t>(statement->address);
-        return about(token->text, Code("$ = " + ValueText(address)));
+    for (const OperandView& operand : view.operands) {
+        for (const Token& token : operand.tokens) {
+            const std::string found = TokenText(token, *statement);
+            if (!found.empty() && Covers(placeOf(token.text), query.place)) {
+                return about(placeOf(token.text), found);
+            }
+        }
     }
-    return std::nullopt;
+    return nullptr;
 }
 
 }  // namespace korv

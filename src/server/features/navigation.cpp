@@ -1,11 +1,12 @@
-#include "server/features/navigation.h"
-
 #include <algorithm>
+#include <map>
+#include <utility>
 
 #include "expr/number.h"
 #include "expr/registers.h"
 #include "expr/token.h"
 #include "frontend/statement_view.h"
+#include "server/features/features.h"
 #include "source/char_class.h"
 
 namespace korv {
@@ -15,16 +16,36 @@ const Name& NameOf(const Snapshot& snapshot, const NameAt& at) {
     return snapshot.analysis->names[static_cast<std::size_t>(at.name)];
 }
 
-// The INCLUDE or BINCLUDE whose file name is at `place`; null for none.
-const FileUse* FileUseAt(const Snapshot& snapshot, const Place& place) {
-    const auto& uses = snapshot.analysis->fileUses;
-    const auto found = std::ranges::find_if(
-        uses, [&place](const FileUse& use) { return Covers(use.place, place); });
-    return found == uses.end() ? nullptr : &*found;
+// All places of the name at that of the query.
+std::vector<NameAt> Occurrences(const Query& query) {
+    const auto at = FindNameAt(query.snapshot, query.place);
+    return at ? OccurrencesOf(query.snapshot, at->name) : std::vector<NameAt>();
 }
 
 std::string_view TextAt(const Snapshot& snapshot, const Place& place) {
     return snapshot.Line(place.file, place.line).substr(place.column, place.length);
+}
+
+// The name at the place of the query, if it can be renamed.
+NameAt RenamedAt(const Query& query) {
+    const auto at = FindNameAt(query.snapshot, query.place);
+    if (!at) {
+        throw RequestError{.message = "there is no name here"};
+    }
+    const Name& name = NameOf(query.snapshot, *at);
+    if (name.kind == NameKind::internal) {
+        throw RequestError{.message = name.text + " is a name of the assembler"};
+    }
+    if (name.kind == NameKind::commandLine) {
+        throw RequestError{.message = name.text + " is defined by -D"};
+    }
+    for (const NameAt& each : OccurrencesOf(query.snapshot, at->name)) {
+        if (Raised(TextAt(query.snapshot, each.place)) != name.text) {
+            throw RequestError{.message = name.text + " is continued on the next line at " +
+                                          query.snapshot.analysis->LineName(each.place)};
+        }
+    }
+    return *at;
 }
 
 // Why `name`, in capitals, cannot be the name of a label; empty: it can.
@@ -55,105 +76,78 @@ std::string ReasonAgainst(const Snapshot& snapshot, const std::string& name) {
 
 }  // namespace
 
-std::vector<lsp::Location> DefinitionAt(const Snapshot& snapshot, const Place& place) {
-    if (const FileUse* const use = FileUseAt(snapshot, place)) {
-        return {{snapshot.File(use->file).text->Path(), {}}};
+Json Definition(const Query& query) {
+    const Snapshot& snapshot = query.snapshot;
+    for (const FileUse& use : snapshot.analysis->fileUses) {
+        if (Covers(use.place, query.place)) {
+            return Json::array({{{"uri", snapshot.UriOf(use.file)}, {"range", Range()}}});
+        }
     }
-    const auto at = FindNameAt(snapshot, place);
+    const auto at = FindNameAt(snapshot, query.place);
     if (!at || !NameOf(snapshot, *at).definition.IsSomewhere()) {
-        return {};
+        return Json::array();
     }
-    return {snapshot.LocationOf(NameOf(snapshot, *at).definition)};
+    return Json::array({snapshot.LocationOf(NameOf(snapshot, *at).definition)});
 }
 
-std::vector<lsp::Location> ReferencesAt(const Snapshot& snapshot, const Place& place,
-                                        bool includesDefinition) {
-    std::vector<lsp::Location> locations;
-    const auto at = FindNameAt(snapshot, place);
-    if (!at) {
-        return locations;
-    }
-    for (const NameAt& each : OccurrencesOf(snapshot, at->name)) {
-        if (includesDefinition || !each.isDefinition) {
-            locations.push_back(snapshot.LocationOf(each.place));
+Json References(const Query& query) {
+    const bool* const wanted = Find<bool>(query.parameters, "/context/includeDeclaration");
+    Json locations = Json::array();
+    for (const NameAt& each : Occurrences(query)) {
+        if (!each.isDefinition || wanted == nullptr || *wanted) {
+            locations.push_back(query.snapshot.LocationOf(each.place));
         }
     }
     return locations;
 }
 
-std::vector<lsp::DocumentHighlight> HighlightsAt(const Snapshot& snapshot, const Place& place) {
-    std::vector<lsp::DocumentHighlight> highlights;
-    const auto at = FindNameAt(snapshot, place);
-    if (!at) {
-        return highlights;
-    }
-    for (const NameAt& each : OccurrencesOf(snapshot, at->name)) {
-        if (each.place.file == place.file) {
-            highlights.push_back({snapshot.RangeOf(each.place), each.isDefinition
-                                                                    ? lsp::HighlightKind::write
-                                                                    : lsp::HighlightKind::read});
+Json Highlights(const Query& query) {
+    constexpr int readKind = 2, writeKind = 3;  // numbers of the protocol
+    Json highlights = Json::array();
+    for (const NameAt& each : Occurrences(query)) {
+        if (each.place.file == query.file) {
+            highlights.push_back({{"range", query.snapshot.RangeOf(each.place)},
+                                  {"kind", each.isDefinition ? writeKind : readKind}});
         }
     }
     return highlights;
 }
 
-std::variant<lsp::PreparedRename, lsp::Refusal> PrepareRename(const Snapshot& snapshot,
-                                                              const Place& place) {
-    const auto at = FindNameAt(snapshot, place);
-    if (!at) {
-        return lsp::Refusal{"there is no name here"};
-    }
-    const Name& name = NameOf(snapshot, *at);
-    if (name.kind == NameKind::internal) {
-        return lsp::Refusal{name.text + " is a name of the assembler"};
-    }
-    if (name.kind == NameKind::commandLine) {
-        return lsp::Refusal{name.text + " is defined by -D"};
-    }
-    for (const NameAt& each : OccurrencesOf(snapshot, at->name)) {
-        if (Raised(TextAt(snapshot, each.place)) != name.text) {
-            return lsp::Refusal{name.text + " is continued on the next line at " +
-                                snapshot.analysis->LineName(each.place)};
-        }
-    }
-    return lsp::PreparedRename{snapshot.RangeOf(at->place),
-                               std::string(TextAt(snapshot, at->place))};
+Json PrepareRename(const Query& query) {
+    const Place at = RenamedAt(query).place;
+    return {{"range", query.snapshot.RangeOf(at)}, {"placeholder", TextAt(query.snapshot, at)}};
 }
 
-std::variant<lsp::WorkspaceEdit, lsp::Refusal> Rename(const Snapshot& snapshot, const Place& place,
-                                                      const std::string& newName) {
-    auto prepared = PrepareRename(snapshot, place);
-    if (auto* const refusal = std::get_if<lsp::Refusal>(&prepared)) {
-        return std::move(*refusal);
-    }
-    const auto at = FindNameAt(snapshot, place);
+Json Rename(const Query& query) {
+    const auto& newName = Get<std::string>(query.parameters, "/newName");
+    const NameAt at = RenamedAt(query);
     const std::string raised = Raised(newName);
-    if (raised != NameOf(snapshot, *at).text) {  // another spelling is always possible
-        if (std::string reason = ReasonAgainst(snapshot, raised); !reason.empty()) {
-            return lsp::Refusal{std::move(reason)};
+    if (raised != NameOf(query.snapshot, at).text) {  // another spelling is always possible
+        if (std::string reason = ReasonAgainst(query.snapshot, raised); !reason.empty()) {
+            throw RequestError{.message = std::move(reason)};
         }
     }
-    lsp::WorkspaceEdit edit;
-    for (const NameAt& each : OccurrencesOf(snapshot, at->name)) {
-        lsp::Location location = snapshot.LocationOf(each.place);
-        edit[location.path].push_back({location.range, newName});
+    Json changes;
+    for (const NameAt& each : OccurrencesOf(query.snapshot, at.name)) {
+        changes[query.snapshot.UriOf(each.place.file)].push_back(
+            TextEdit(query.snapshot.RangeOf(each.place), newName));
     }
-    return edit;
+    return {{"changes", changes}};
 }
 
-std::vector<lsp::DocumentLink> LinksIn(const Snapshot& snapshot, std::int32_t file) {
-    std::vector<lsp::DocumentLink> links;
-    for (const FileUse& use : snapshot.analysis->fileUses) {
-        if (use.place.file == file) {
-            links.push_back({snapshot.RangeOf(use.place), snapshot.File(use.file).text->Path()});
+Json Links(const Query& query) {
+    std::map<Position, Json> links;  // a file that is included twice has each of them twice
+    for (const FileUse& use : query.snapshot.analysis->fileUses) {
+        if (use.place.file == query.file) {
+            const Range range = query.snapshot.RangeOf(use.place);
+            links[range.start] = {{"range", range}, {"target", query.snapshot.UriOf(use.file)}};
         }
     }
-    // A file that is included twice has each of them twice.
-    const auto start = [](const lsp::DocumentLink& link) { return link.range.start; };
-    std::ranges::stable_sort(links, {}, start);
-    const auto rest = std::ranges::unique(links, {}, start);
-    links.erase(rest.begin(), rest.end());
-    return links;
+    Json list = Json::array();
+    for (const auto& [start, link] : links) {
+        list.push_back(link);
+    }
+    return list;
 }
 
 }  // namespace korv

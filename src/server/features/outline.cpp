@@ -1,19 +1,20 @@
-#include "server/features/outline.h"
-
 #include <algorithm>
 #include <string>
+#include <vector>
 
 #include "codegen/handlers.h"
 #include "codegen/keywords.h"
 #include "frontend/statement_view.h"
+#include "server/features/features.h"
 #include "server/features/value_text.h"
 #include "source/char_class.h"
 
 namespace korv {
 namespace {
 
-lsp::SymbolKind KindOf(const Name& name) {
-    return name.kind == NameKind::label ? lsp::SymbolKind::function : lsp::SymbolKind::constant;
+// Numbers of the protocol: function or constant.
+int SymbolKindOf(const Name& name) {
+    return name.kind == NameKind::label ? 12 : 14;
 }
 
 // In the order of the lines. A name that is defined twice counts where it got its value.
@@ -28,38 +29,32 @@ std::vector<const Name*> DefinedIn(const Snapshot& snapshot, std::int32_t file) 
     return names;
 }
 
-bool IsComment(std::string_view line) {
-    return WithoutLeadingBlanks(line).starts_with(';');
-}
+// Physical lines, from 1.
+struct Fold {
+    std::int32_t first;
+    std::int32_t last;
+    bool isComment;
+};
 
-// Lines are from 1 here; a range of one line is none.
-void AddRange(std::vector<lsp::FoldingRange>* ranges, std::int32_t first, std::int32_t last,
-              bool isComment) {
-    if (last > first) {
-        ranges->push_back({static_cast<std::uint32_t>(first - 1),
-                           static_cast<std::uint32_t>(last - 1), isComment});
-    }
-}
-
-void AddComments(const StoredText& text, std::vector<lsp::FoldingRange>* ranges) {
+void AddComments(const StoredText& text, std::vector<Fold>* folds) {
     std::int32_t first = 0;  // of the comment in hand
     for (std::int32_t line = 1; line <= text.LineCount() + 1; ++line) {
-        if (IsComment(text.Line(line))) {
+        if (WithoutLeadingBlanks(text.Line(line)).starts_with(';')) {
             first = first == 0 ? line : first;
         } else if (first != 0) {
-            AddRange(ranges, first, line - 1, /*isComment=*/true);
+            folds->push_back({first, line - 1, /*isComment=*/true});
             first = 0;
         }
     }
 }
 
-void AddConditions(Statements statements, std::vector<lsp::FoldingRange>* ranges) {
+void AddConditions(Statements statements, std::vector<Fold>* folds) {
     std::vector<std::int32_t> open;  // the lines of IF and ELSE
     for (const Statement* const statement : statements) {
         const InstructionHandler handler =
             statement->keyword == nullptr ? nullptr : statement->keyword->handler;
         if ((handler == AssembleElse || handler == AssembleEndif) && !open.empty()) {
-            AddRange(ranges, open.back(), statement->line - 1, /*isComment=*/false);
+            folds->push_back({open.back(), statement->line - 1, /*isComment=*/false});
             open.pop_back();
         }
         if (handler == AssembleIf || handler == AssembleElse) {
@@ -69,91 +64,94 @@ void AddConditions(Statements statements, std::vector<lsp::FoldingRange>* ranges
 }
 
 void AddRoutines(const Snapshot& snapshot, std::int32_t file, Statements statements,
-                 std::vector<lsp::FoldingRange>* ranges) {
-    std::int32_t lastCode = 0;  // line of the last statement with bytes
-    std::int32_t label = 0;
+                 std::vector<Fold>* folds) {
     auto names = DefinedIn(snapshot, file);
     std::erase_if(names, [](const Name* name) { return name->kind != NameKind::label; });
     auto next = names.begin();
+    Fold routine = {0, 0, /*isComment=*/false};
     for (const Statement* const statement : statements) {
-        if (next != names.end() && (*next)->definition.line <= statement->line) {
-            if (label != 0) {
-                AddRange(ranges, label, lastCode, /*isComment=*/false);
-            }
-            label = (*next)->definition.line;
-            while (next != names.end() && (*next)->definition.line <= statement->line) {
-                ++next;
-            }
+        while (next != names.end() && (*next)->definition.line <= statement->line) {
+            folds->push_back(routine);
+            routine.first = (*next)->definition.line;
+            ++next;
         }
         if (statement->count != 0) {
-            lastCode = statement->line + static_cast<std::int32_t>(statement->lineCount) - 1;
+            routine.last = LastLineOf(*statement);
         }
     }
-    if (label != 0) {
-        AddRange(ranges, label, lastCode, /*isComment=*/false);
-    }
+    folds->push_back(routine);
 }
 
 }  // namespace
 
-std::vector<lsp::DocumentSymbol> SymbolsIn(const Snapshot& snapshot, std::int32_t file) {
-    std::vector<lsp::DocumentSymbol> symbols;
-    for (const Name* const name : DefinedIn(snapshot, file)) {
-        lsp::DocumentSymbol symbol;
-        symbol.name = name->text;
-        symbol.detail =
-            name->hasValue ? Hex(static_cast<std::uint32_t>(name->value), 4) + "H" : "no value";
-        symbol.kind = KindOf(*name);
-        symbol.selectionRange = snapshot.RangeOf(name->definition);
+Json DocumentSymbols(const Query& query) {
+    const Snapshot& snapshot = query.snapshot;
+    Json symbols = Json::array();
+    for (const Name* const name : DefinedIn(snapshot, query.file)) {
         Place line = name->definition;
         line.column = 0;
-        line.length = static_cast<std::uint32_t>(snapshot.Line(file, line.line).size());
-        symbol.range = snapshot.RangeOf(line);
-        symbols.push_back(std::move(symbol));
+        line.length = static_cast<std::uint32_t>(snapshot.Line(query.file, line.line).size());
+        const auto value = static_cast<std::uint32_t>(name->value);
+        symbols.push_back({{"name", name->text},
+                           {"detail", name->hasValue ? Hex(value, 4) + "H" : "no value"},
+                           {"kind", SymbolKindOf(*name)},
+                           {"range", snapshot.RangeOf(line)},
+                           {"selectionRange", snapshot.RangeOf(name->definition)},
+                           {"children", Json::array()}});
     }
     return symbols;
 }
 
-std::vector<lsp::WorkspaceSymbol> SymbolsLike(const Snapshot& snapshot, std::string_view query) {
-    const std::string wanted = Raised(query);
-    std::vector<lsp::WorkspaceSymbol> symbols;
+void AddSymbolsLike(const Snapshot& snapshot, std::string_view text, Json* symbols) {
+    const std::string wanted = Raised(text);
     for (const Name& name : snapshot.analysis->names) {
         if (name.definition.IsSomewhere() && name.text.find(wanted) != std::string::npos) {
-            symbols.push_back({name.text, KindOf(name), snapshot.LocationOf(name.definition)});
+            symbols->push_back({{"name", name.text},
+                                {"kind", SymbolKindOf(name)},
+                                {"location", snapshot.LocationOf(name.definition)}});
         }
     }
-    return symbols;
 }
 
-std::vector<lsp::FoldingRange> FoldingRangesIn(const Snapshot& snapshot, std::int32_t file) {
-    std::vector<lsp::FoldingRange> ranges;
-    const Statements statements = StatementsOf(snapshot, file);
-    AddComments(*snapshot.File(file).text, &ranges);
-    AddConditions(statements, &ranges);
-    AddRoutines(snapshot, file, statements, &ranges);
-    std::ranges::stable_sort(ranges, {}, &lsp::FoldingRange::startLine);
+Json FoldingRanges(const Query& query) {
+    std::vector<Fold> folds;
+    const Statements statements = StatementsIn(query.snapshot, query.file, query.range);
+    AddComments(*query.snapshot.File(query.file).text, &folds);
+    AddConditions(statements, &folds);
+    AddRoutines(query.snapshot, query.file, statements, &folds);
+    std::ranges::stable_sort(folds, {}, &Fold::first);
+    Json ranges = Json::array();
+    for (const Fold& fold : folds) {
+        if (fold.first != 0 && fold.last > fold.first) {  // else there is nothing to fold
+            ranges.push_back({{"startLine", fold.first - 1},
+                              {"endLine", fold.last - 1},
+                              {"kind", fold.isComment ? "comment" : "region"}});
+        }
+    }
     return ranges;
 }
 
-std::vector<lsp::InlayHint> InlayHintsIn(const Snapshot& snapshot, std::int32_t file,
-                                         const Range& range, HintForm form) {
+Json InlayHints(const Query& query) {
     constexpr std::uint32_t mostBytes = 8;
-    std::vector<lsp::InlayHint> hints;
-    if (form == HintForm::none) {
+    const Snapshot& snapshot = query.snapshot;
+    const std::string& form = query.workspace.InlayHints();
+    Json hints = Json::array();
+    if (form != "address" && form != "addressAndBytes") {
         return hints;
     }
-    for (const Statement* const statement : StatementsIn(snapshot, file, range)) {
+    for (const Statement* const statement : StatementsIn(snapshot, query.file, query.range)) {
         if (statement->count == 0) {
             continue;
         }
         std::string label = Hex(statement->address, 4);
-        if (form == HintForm::addressAndBytes) {
+        if (form == "addressAndBytes") {
             label += "  " + BytesText(*snapshot.analysis, *statement, mostBytes);
         }
-        const std::int32_t last =
-            statement->line + static_cast<std::int32_t>(statement->lineCount) - 1;
-        const auto size = static_cast<std::uint32_t>(snapshot.Line(file, last).size());
-        hints.push_back({snapshot.RangeOf({file, last, size, 0}).start, std::move(label)});
+        const std::int32_t last = LastLineOf(*statement);
+        const auto size = static_cast<std::uint32_t>(snapshot.Line(query.file, last).size());
+        hints.push_back({{"position", snapshot.RangeOf({query.file, last, size, 0}).start},
+                         {"label", label},
+                         {"paddingLeft", true}});
     }
     return hints;
 }

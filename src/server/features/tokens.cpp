@@ -1,17 +1,72 @@
-#include "server/features/tokens.h"
-
 #include <algorithm>
+#include <array>
+#include <vector>
 
 #include "codegen/handlers.h"
 #include "codegen/keywords.h"
 #include "frontend/logical_line.h"
 #include "frontend/statement_view.h"
+#include "server/features/features.h"
 
 namespace korv {
 namespace {
 
-using lsp::SemanticToken;
-using lsp::TokenType;
+// The names that the protocol has for types and modifiers. In a token a type is a number, and the
+// modifiers are bits, both in the order of the legend.
+constexpr std::array typeNames = {"keyword",  "macro",  "variable", "enumMember", "function",
+                                  "property", "number", "string",   "comment",    "operator"};
+enum Type : std::uint32_t {
+    mnemonic,
+    directive,
+    registerName,
+    condition,
+    label,
+    constant,
+    number,
+    string,
+    comment,
+    operatorWord,
+    none,  // is not shown
+};
+constexpr std::array modifierNames = {"definition", "readonly"};
+constexpr std::uint32_t definition = 1;
+constexpr std::uint32_t readonly = 2;
+
+struct PaintedToken {
+    Range range;  // on one line
+    Type type;
+    std::uint32_t modifiers;
+};
+
+Type TypeOf(const Name& name) {
+    return name.kind == NameKind::label ? label : constant;
+}
+
+Type TypeOf(const Token& token) {
+    switch (token.kind) {
+        case TokenKind::registerName:
+            return registerName;
+        case TokenKind::condition:
+            return condition;
+        case TokenKind::number:
+        case TokenKind::largeNumber:
+        case TokenKind::emptyNumber:
+        case TokenKind::here:
+            return number;
+        case TokenKind::string:
+        case TokenKind::openString:
+            return string;
+        case TokenKind::wordOp:
+            return operatorWord;
+        case TokenKind::other:
+            return token.text == "AF'" ? registerName : none;
+        case TokenKind::name:
+        case TokenKind::digitName:
+        case TokenKind::op:
+            return none;
+    }
+    return none;
+}
 
 class Painter {
   public:
@@ -20,31 +75,42 @@ class Painter {
     void Paint(const Statement& statement) {
         current = &statement;
         if (statement.isSkipped) {
-            for (std::uint32_t i = 0; i < statement.lineCount; ++i) {
-                AddRest(statement.line + static_cast<std::int32_t>(i), 0);
+            for (std::int32_t line = statement.line; line <= LastLineOf(statement); ++line) {
+                AddRest(line, 0);
             }
             return;
         }
         const LogicalLine& line = places.LineAt(*snapshot.File(file).text, statement.line);
         const StatementView view = CutStatement(line.text);
         if (const Name* const name = FindName(*snapshot.analysis, view.label)) {
-            Add(view, view.label, TypeOf(*name), lsp::modifierDefinition);
+            Add(view, view.label, TypeOf(*name), definition);
         }
         if (view.keyword != nullptr) {
             const bool isInstruction = statement.kind == StatementKind::instruction;
-            Add(view, view.mnemonic, isInstruction ? TokenType::keyword : TokenType::macro, 0);
+            Add(view, view.mnemonic, isInstruction ? mnemonic : directive);
         }
         if (view.keyword != nullptr && view.keyword->handler == AssembleInclude) {
-            Add(view, view.rest, TokenType::string, 0);
+            Add(view, view.rest, string);
         } else {
             PaintOperands(view);
         }
         PaintComments(line);
     }
 
-    [[nodiscard]] std::vector<SemanticToken> Take() {
-        std::ranges::sort(tokens, {}, &SemanticToken::start);
-        return std::move(tokens);
+    // Each token is five numbers; lines and columns count from the token before.
+    [[nodiscard]] std::vector<std::uint32_t> Take() {
+        std::ranges::sort(tokens, {}, [](const PaintedToken& token) { return token.range.start; });
+        std::vector<std::uint32_t> data;
+        Position last;
+        for (const auto& [range, type, modifiers] : tokens) {
+            const Position& start = range.start;
+            const bool isOnSameLine = start.line == last.line;
+            data.insert(data.end(), {start.line - last.line,
+                                     start.character - (isOnSameLine ? last.character : 0),
+                                     range.end.character - start.character, type, modifiers});
+            last = start;
+        }
+        return data;
     }
 
   private:
@@ -52,45 +118,12 @@ class Painter {
         for (const OperandView& operand : view.operands) {
             for (const Token& token : operand.tokens) {
                 if (!operand.HoldsAsName(token)) {
-                    PaintToken(view, token);
+                    Add(view, token.text, TypeOf(token));
                 } else if (const Name* const name = FindName(*snapshot.analysis, token.text)) {
                     Add(view, token.text, TypeOf(*name),
-                        name->kind == NameKind::label ? 0 : lsp::modifierReadonly);
+                        name->kind == NameKind::label ? 0 : readonly);
                 }
             }
-        }
-    }
-
-    void PaintToken(const StatementView& view, const Token& token) {
-        switch (token.kind) {
-            case TokenKind::registerName:
-                Add(view, token.text, TokenType::variable, 0);
-                break;
-            case TokenKind::condition:
-                Add(view, token.text, TokenType::enumMember, 0);
-                break;
-            case TokenKind::number:
-            case TokenKind::largeNumber:
-            case TokenKind::emptyNumber:
-            case TokenKind::here:
-                Add(view, token.text, TokenType::number, 0);
-                break;
-            case TokenKind::string:
-            case TokenKind::openString:
-                Add(view, token.text, TokenType::string, 0);
-                break;
-            case TokenKind::wordOp:
-                Add(view, token.text, TokenType::operatorSign, 0);
-                break;
-            case TokenKind::other:
-                if (token.text == "AF'") {
-                    Add(view, token.text, TokenType::variable, 0);
-                }
-                break;
-            case TokenKind::name:
-            case TokenKind::digitName:
-            case TokenKind::op:
-                break;
         }
     }
 
@@ -98,29 +131,24 @@ class Painter {
     void PaintComments(const LogicalLine& line) {
         bool isComment = false;  // one that goes on
         auto at = line.positions.begin();
-        for (std::int32_t number = current->line;
-             number < current->line + static_cast<std::int32_t>(current->lineCount); ++number) {
+        for (std::int32_t each = current->line; each <= LastLineOf(*current); ++each) {
             std::size_t end = 0;  // of the text in the line
-            for (; at != line.positions.end() && at->line == number; ++at) {
+            for (; at != line.positions.end() && at->line == each; ++at) {
                 end = at->column + 1;
             }
             if (!isComment) {
-                end = snapshot.Line(file, number).find(';', end);
+                end = snapshot.Line(file, each).find(';', end);
             }
             if (end != std::string_view::npos) {
-                AddRest(number, static_cast<std::uint32_t>(end));
+                AddRest(each, static_cast<std::uint32_t>(end));
                 isComment = true;
             }
         }
     }
 
-    static TokenType TypeOf(const Name& name) {
-        return name.kind == NameKind::label ? TokenType::function : TokenType::property;
-    }
-
-    void Add(const StatementView& view, std::string_view part, TokenType type,
-             std::uint32_t modifiers) {
-        if (!part.empty()) {
+    void Add(const StatementView& view, std::string_view part, Type type,
+             std::uint32_t modifiers = 0) {
+        if (!part.empty() && type != none) {
             const LinePart at = view.PartOf(part);
             AddPlace(places.PlaceOf(file, *snapshot.File(file).text, current->line, at.offset,
                                     at.length),
@@ -129,13 +157,12 @@ class Painter {
     }
     void AddRest(std::int32_t line, std::uint32_t column) {
         const auto size = static_cast<std::uint32_t>(snapshot.Line(file, line).size());
-        AddPlace({file, line, column, size - column}, TokenType::comment, 0);
+        AddPlace({file, line, column, size - column}, comment, 0);
     }
-    void AddPlace(const Place& place, TokenType type, std::uint32_t modifiers) {
+    void AddPlace(const Place& place, Type type, std::uint32_t modifiers) {
         const Range range = snapshot.RangeOf(place);
         if (range.end.character > range.start.character) {
-            tokens.push_back(
-                {range.start, range.end.character - range.start.character, type, modifiers});
+            tokens.push_back({range, type, modifiers});
         }
     }
 
@@ -143,18 +170,21 @@ class Painter {
     std::int32_t file;
     PlaceMap places;
     const Statement* current = nullptr;
-    std::vector<SemanticToken> tokens;
+    std::vector<PaintedToken> tokens;
 };
 
 }  // namespace
 
-std::vector<lsp::SemanticToken> SemanticTokensIn(const Snapshot& snapshot, std::int32_t file,
-                                                 const Range& range) {
-    Painter painter(snapshot, file);
-    for (const Statement* const statement : StatementsIn(snapshot, file, range)) {
-        painter.Paint(*statement);
+Json SemanticTokensLegend() {
+    return {{"tokenTypes", typeNames}, {"tokenModifiers", modifierNames}};
+}
+
+Json SemanticTokens(const Query& query) {
+    Painter painter(query.snapshot, query.file);
+    for (const Statement* const each : StatementsIn(query.snapshot, query.file, query.range)) {
+        painter.Paint(*each);
     }
-    return painter.Take();
+    return {{"data", painter.Take()}};
 }
 
 }  // namespace korv

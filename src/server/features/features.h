@@ -1,0 +1,86 @@
+/// The features: each is a function from a request about a place in a snapshot to its result, as
+/// the protocol has it. They throw a `RequestError` where there is a reason to show instead.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "server/snapshot.h"
+#include "server/workspace.h"
+
+namespace korv {
+
+struct Query {
+    const Snapshot& snapshot;
+    std::int32_t file;  ///< that the request is about, one of the snapshot
+    Place place;        ///< of the position, if the request has one
+    Range range;        ///< all of the file, if the request has none
+    const Json& parameters;
+    Workspace& workspace;
+
+    /// The raw line up to the position.
+    [[nodiscard]] std::string_view LineBefore() const {
+        return snapshot.Line(file, place.line).substr(0, place.column);
+    }
+};
+
+// navigation.cpp: from a name to where it is defined and used, and renaming.
+/// Where the name is defined, or the file that an INCLUDE or BINCLUDE reads.
+[[nodiscard]] Json Definition(const Query& query);
+/// All uses of the name, also in skipped blocks.
+[[nodiscard]] Json References(const Query& query);
+/// The same within the file.
+[[nodiscard]] Json Highlights(const Query& query);
+/// The name, or why it cannot be renamed.
+[[nodiscard]] Json PrepareRename(const Query& query);
+[[nodiscard]] Json Rename(const Query& query);
+/// The files of INCLUDE and BINCLUDE.
+[[nodiscard]] Json Links(const Query& query);
+
+// hover.cpp
+/// About a name its value, kind, definition, comment and uses; about a number its other bases;
+/// about a mnemonic what it does, its address, bytes and T-states; about "$" the address.
+[[nodiscard]] Json Hover(const Query& query);
+
+// completion.cpp: what may be written at the cursor, in a line that need not assemble.
+/// Mnemonics where one belongs; registers, conditions and names where the forms of the mnemonic
+/// take them; files after INCLUDE. Nothing in strings and comments.
+[[nodiscard]] Json Completions(const Query& query);
+/// The forms of the mnemonic before the cursor that agree with the operands before the one in hand;
+/// none where the cursor is not among operands.
+[[nodiscard]] Json Signatures(const Query& query);
+
+// outline.cpp
+/// The labels and constants of the file, in the order of the text. The list is flat: which labels
+/// are routines and which are places within one is not certain.
+[[nodiscard]] Json DocumentSymbols(const Query& query);
+/// Adds the names of the whole program that contain `text`, without regard to case.
+void AddSymbolsLike(const Snapshot& snapshot, std::string_view text, Json* symbols);
+/// Blocks from IF to ENDIF, comments of several lines, and routines: a label that is followed by
+/// code, up to the next such label.
+[[nodiscard]] Json FoldingRanges(const Query& query);
+/// Address and bytes of lines after their end, where they move nothing.
+[[nodiscard]] Json InlayHints(const Query& query);
+
+// tokens.cpp: what each word is to the assembler. A skipped line is a comment.
+[[nodiscard]] Json SemanticTokens(const Query& query);
+/// The names of the types and modifiers of tokens.
+[[nodiscard]] Json SemanticTokensLegend();
+
+// actions.cpp
+/// The message as the editor shows it.
+[[nodiscard]] Json DiagnosticOf(const Snapshot& snapshot, const Message& message);
+/// The fixes of the messages in the lines of the range, then for each of their codes one for all
+/// messages of the program that have it and a fix, if there are several.
+[[nodiscard]] Json CodeActions(const Query& query);
+
+// formatting.cpp
+/// The changes that lay out lines in columns. They replace blanks between the parts of a line by
+/// other blanks and so change no byte of the image. Left alone are lines that are continued, that
+/// are comments, whose mnemonic is unknown or whose reading is in doubt, and those that would
+/// become long.
+[[nodiscard]] Json Formatting(const Query& query);
+
+}  // namespace korv

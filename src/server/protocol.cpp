@@ -1,0 +1,91 @@
+#include "server/protocol.h"
+
+#include <algorithm>
+
+#include "diagnostics/report_writer.h"
+
+namespace korv {
+namespace {
+
+// The bytes of the character at the start of `line`, which is not empty.
+std::size_t SizeOfFirst(std::string_view line) {
+    const PrintableCharacter first = FirstCharacter(line);
+    const bool isControl = line.front() == '\xC2' && first.code < 0xA0;  // one of two bytes
+    return isControl ? 2 : std::max<std::size_t>(first.size, 1);
+}
+
+std::uint32_t UnitsOfCharacter(std::size_t bytes, PositionEncoding encoding) {
+    return encoding == PositionEncoding::utf8 ? static_cast<std::uint32_t>(bytes)
+           : bytes == 4                       ? 2
+                                              : 1;
+}
+
+}  // namespace
+
+std::uint32_t UnitsOf(std::string_view line, std::size_t column, PositionEncoding encoding) {
+    std::uint32_t units = 0;
+    for (std::size_t at = 0; at < std::min(column, line.size());) {
+        const std::size_t size = SizeOfFirst(line.substr(at));
+        at += size;
+        units += UnitsOfCharacter(size, encoding);
+    }
+    return units;
+}
+
+std::size_t ColumnOf(std::string_view line, std::uint32_t character, PositionEncoding encoding) {
+    std::size_t column = 0;
+    while (column < line.size()) {
+        const std::size_t size = SizeOfFirst(line.substr(column));
+        const std::uint32_t units = UnitsOfCharacter(size, encoding);
+        if (units > character) {
+            break;
+        }
+        column += size;
+        character -= units;
+    }
+    return column;
+}
+
+RequestError Missing(std::string path) {
+    std::ranges::replace(path, '/', '.');
+    return {ErrorCode::invalidParameters, "missing or wrong: " + path.substr(1)};
+}
+
+Strings StringsOf(const Json& json, const std::string& listPath, const std::string& path) {
+    Strings strings;
+    if (const auto* const list = Find<Json::array_t>(json, listPath)) {
+        for (const Json& each : *list) {
+            if (const auto* const text = Find<std::string>(each, path)) {
+                strings.push_back(*text);
+            }
+        }
+    }
+    return strings;
+}
+
+std::optional<Position> FindPosition(const Json& json, const std::string& path) {
+    constexpr std::int64_t most = INT32_MAX - 1;  // lines count from 1 elsewhere
+    const auto* const line = Find<std::int64_t>(json, path + "/line");
+    const auto* const character = Find<std::int64_t>(json, path + "/character");
+    if (line == nullptr || character == nullptr || *line < 0 || *character < 0) {
+        return std::nullopt;
+    }
+    return Position{static_cast<std::uint32_t>(std::min(*line, most)),
+                    static_cast<std::uint32_t>(std::min(*character, most))};
+}
+
+std::optional<Range> FindRange(const Json& json, const std::string& path) {
+    const auto start = FindPosition(json, path + "/start");
+    const auto end = FindPosition(json, path + "/end");
+    return start && end ? std::optional(Range{*start, *end}) : std::nullopt;
+}
+
+void to_json(Json& json, const Position& position) {
+    json = {{"line", position.line}, {"character", position.character}};
+}
+
+void to_json(Json& json, const Range& range) {
+    json = {{"start", range.start}, {"end", range.end}};
+}
+
+}  // namespace korv

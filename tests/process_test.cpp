@@ -464,35 +464,5 @@ TEST(FrontendProcessTest, WhyAFileCannotBeReadOrWrittenIsSaid) {
     EXPECT_EQ(0, std::system("chmod 755 ."));
 }
 
-// A signal comes at each request to the system in turn, and memory ends ever later.
-TEST(FrontendProcessTest, LeavesAllOutputsOrNoneWhateverHappens) {
-    for (const bool isMemory : {false, true}) {
-        int status = -1;
-        for (int n = 1; status != 0; n += isMemory ? n : 1) {
-            ASSERT_GT(1 << 20, n);
-            const TempDir directory;
-            WriteFile("a.kor", " RET\n");
-            WriteFile("a.lst", "old");
-            const pid_t child = fork();
-            if (child == 0) {
-                EXPECT_NE(nullptr, std::freopen("console", "w", stderr));
-                std::exit(RunFrontendOn("korv-as a.kor -l a.lst -M a.d", [isMemory, n] {
-                    isMemory ? korv::platform::FailAllocation(n, false)
-                             : void(korv::platform::FaultFileRequest(n, korv::platform::RequestFault::isBroken));
-                }));
-            }
-            waitpid(child, &status, 0);
-            const bool areThere = fs::exists("a.com");
-            EXPECT_EQ(areThere, fs::exists("a.d"));
-            EXPECT_EQ(areThere, ReadFile("a.lst") != "old");
-            EXPECT_EQ(areThere ? 5 : 3, std::distance(fs::directory_iterator("."), {})) << "files, the console too";
-            const std::string expected = isMemory && status != 0 ? "korv-as: error: out of memory\n" : "";
-            EXPECT_EQ(expected, ReadFile("console"));
-            EXPECT_TRUE(status == 0 || status == (isMemory ? 2 << 8 : SIGINT)) << n;
-            EXPECT_TRUE(areThere || status != 0);
-        }
-    }
-}
-
 }  // namespace
 }  // namespace korv_test

@@ -50,7 +50,7 @@ Status DiskStore::Read(std::string_view name, FileBytes* file) {
 
 void DiskStore::Keep(std::string_view name) {
     const std::string path = directory.FullPath(name).path;
-    if (platform::KindOf(path) == platform::FileKind::regular) {
+    if (platform::IsRegularFile(path)) {
         static_cast<void>(Open(path, 0));
     }
 }

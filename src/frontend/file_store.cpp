@@ -5,6 +5,8 @@
 #include <filesystem>
 #include <utility>
 
+#include "frontend/platform/platform.h"
+
 namespace korv {
 namespace {
 
@@ -103,7 +105,7 @@ FileStore::Text FileStore::Load(const std::string& path) {
     }
     platform::InputFile file;
     if (!file.Open(path)) {
-        failure = file.Reason();
+        failure = platform::ReasonOf(file.Error());
         return nullptr;
     }
     std::string bytes;
@@ -114,7 +116,7 @@ FileStore::Text FileStore::Load(const std::string& path) {
         bytes.append(block.data(), count);
     }
     if (file.Failed() || bytes.size() > longestFile) {
-        failure = file.Failed() ? file.Reason() : "File too large";
+        failure = file.Failed() ? platform::ReasonOf(file.Error()) : "File too large";
         return nullptr;
     }
     SetText(path, std::move(bytes), file.Identity());

@@ -113,12 +113,8 @@ struct PathParts {
 /// separators; elsewhere always.
 [[nodiscard]] bool IsProtectedFrom(std::string_view source, std::string_view target);
 
-/// Whether two names lead to one regular file, or to one place where there is none yet.
-[[nodiscard]] bool LeadToOneFile(std::string_view a, std::string_view b);
-
-/// What a name leads to, nothing among the others; to ask does not open it.
-enum class FileKind { regular, pipe, other };
-[[nodiscard]] FileKind KindOf(std::string_view name);
+/// Whether `name` leads to a regular file; to ask does not open it.
+[[nodiscard]] bool IsRegularFile(std::string_view name);
 
 /// Where a name of a file to be read leads.
 struct FoundPath {
@@ -207,13 +203,13 @@ class InputFile {
     /// Whether `Open` or a read has failed; the end of the file is no failure, nor is a console
     /// event.
     [[nodiscard]] bool Failed() const { return error != 0; }
-    /// Why, in the system's words.
-    [[nodiscard]] std::string Reason() const;
+    /// The system's number of that failure; 0: there is none.
+    [[nodiscard]] int Error() const { return error; }
 
   private:
     FileHandle handle;
     bool hasSize = false;
-    int error = 0;  // the system's number of the failure; 0: there is none
+    int error = 0;
     std::uint64_t size = 0;
     std::uint64_t taken = 0;  // bytes read
     FileIdentity identity;
@@ -273,37 +269,6 @@ void OpenStandardStreams();
 
 /// Whether `stream` goes to a terminal: a person sees what is written, and control characters act.
 [[nodiscard]] bool IsTerminal(std::FILE* stream);
-
-/// Whether `stream`, a standard stream, was not there when the process was started.
-[[nodiscard]] bool IsMissing(std::FILE* stream);
-
-/// The identity of the file that `stream` goes to or comes from. False: it is no regular file.
-[[nodiscard]] bool IdentityOf(std::FILE* stream, FileIdentity* identity);
-
-/// Whether `stream` goes to a terminal that takes the sequences for colours; lets it, if need be.
-[[nodiscard]] bool TakesColors(std::FILE* stream);
-
-/// From here on `stream`, a standard stream, is one of bytes, whose line ends nobody changes.
-void MakeBinary(std::FILE* stream);
-
-/// Standard input and output as a connection with another program: bytes, past the buffers of the
-/// library. From its construction on, what else the process prints on standard output is written to
-/// standard error. One at a time.
-class StandardConnection {
-  public:
-    StandardConnection();
-
-    /// Whether a `Read` has a result at once: bytes, or the end of the input.
-    [[nodiscard]] bool IsInputWaiting() const;
-    /// Reads up to `count` bytes, waiting for the first. Result: their number; 0 at the end of the
-    /// input, and when it fails.
-    [[nodiscard]] std::size_t Read(void* buffer, std::size_t count);
-    /// Writes all of `bytes`. False: that fails.
-    [[nodiscard]] bool Write(std::string_view bytes);
-
-  private:
-    FileHandle output;
-};
 
 /// Sets the title of the console's window, if there is one.
 void SetConsoleTitle(const char* title);

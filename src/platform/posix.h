@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 
 #include <cerrno>
+#include <csignal>
 #include <string>
 #include <string_view>
 
@@ -14,10 +15,6 @@ namespace korv::platform {
 
 /// `name` with the separators of the system.
 [[nodiscard]] std::string Translated(std::string_view name);
-
-/// Makes `path` where a symbolic link of that name leads to, in as many steps as it takes. False:
-/// it leads nowhere that has a name.
-bool FollowLinks(std::string* path);
 
 [[nodiscard]] inline FileIdentity IdentityOf(const struct stat& status) {
     return {static_cast<std::uint64_t>(status.st_dev), static_cast<std::uint64_t>(status.st_ino)};
@@ -42,8 +39,29 @@ template <typename Request>
     }
 }
 
-/// Removes the files of `Create` that are not in place yet. Safe in a handler of signals while they
-/// are kept waiting elsewhere.
+/// Removes the files that are not in place yet. Safe in a handler of signals while they are kept
+/// waiting elsewhere.
 void RemoveUnfinished();
+
+/// Counts `temporary` among these files. False: there are too many.
+[[nodiscard]] bool Remember(const std::string& temporary);
+/// No longer counts `temporary`, which could not be made. Result: why.
+[[nodiscard]] Creation ForgetRefused(const std::string& temporary);
+
+/// Makes the file `temporary` by `request`, as for `Requested`. It is removed if the process ends
+/// before `PutInPlace` or `Remove`.
+template <typename Request>
+[[nodiscard]] Creation Created(const std::string& temporary, Request request) {
+    if (!Remember(temporary)) {
+        return Creation::failed;
+    }
+    return Requested(request) >= 0 ? Creation::done : ForgetRefused(temporary);
+}
+
+/// The signals that waited before `HoldSignals`; null after `ReleaseSignals`.
+[[nodiscard]] const sigset_t* MaskBeforeHold();
+
+/// The standard streams that were closed when the process was started, by their numbers.
+extern bool wasMissing[3];
 
 }  // namespace korv::platform

@@ -14,10 +14,8 @@
 #include <chrono>
 #include <climits>
 #include <cstdlib>
-#include <filesystem>
 #include <map>
 #include <set>
-#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -31,7 +29,6 @@
 #endif
 
 namespace korv::platform {
-namespace fs = std::filesystem;
 namespace {
 
 using std::chrono::nanoseconds;
@@ -155,28 +152,9 @@ bool IsProtectedFrom(std::string_view source, std::string_view target) {
     return Raised(Translated(source)) == Raised(Translated(target));
 }
 
-FileKind KindOf(std::string_view name) {
+bool IsRegularFile(std::string_view name) {
     struct stat status;
-    const bool exists = Ask(Translated(name), &status);
-    return exists && S_ISREG(status.st_mode)    ? FileKind::regular
-           : exists && S_ISFIFO(status.st_mode) ? FileKind::pipe
-                                                : FileKind::other;
-}
-
-bool LeadToOneFile(std::string_view a, std::string_view b) {
-    std::string first = Translated(a), second = Translated(b);
-    struct stat one, other;
-    if (Ask(first, &one) && Ask(second, &other)) {
-        return S_ISREG(one.st_mode) && IdentityOf(one) == IdentityOf(other);
-    }
-    FollowLinks(&first);  // they may lead to nothing yet
-    FollowLinks(&second);
-    std::error_code failure;
-    const auto placeOf = [&failure](const fs::path& name) {
-        return fs::weakly_canonical(fs::absolute(name, failure), failure);
-    };
-    return fs::path(first).filename() == fs::path(second).filename() &&
-           placeOf(first) == placeOf(second);
+    return Ask(Translated(name), &status) && S_ISREG(status.st_mode);
 }
 
 struct CurrentDirectory::State {

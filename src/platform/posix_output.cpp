@@ -27,7 +27,7 @@ bool IsNoneUnfinished() {
     return std::ranges::count(unfinished, nullptr) == std::ssize(unfinished);
 }
 
-// The temporary file has its final name, or is gone. It need not be one of ours.
+// `temporary` has its final name, or is gone. It need not be one of ours.
 void Forget(const std::string& temporary) {
     const auto slot = std::ranges::find(unfinished, &temporary);
     if (slot != unfinished.end()) {
@@ -38,10 +38,21 @@ void Forget(const std::string& temporary) {
     }
 }
 
-// Whether a new file was refused by its directory, or has no name that is short enough: the old one
-// can be written all the same. With a full disk, say, it would only be lost.
-bool IsRefused(int error) {
-    return error == EACCES || error == EPERM || error == EROFS || error == ENAMETOOLONG;
+// Makes `path` where a symbolic link of that name leads to, in as many steps as it takes. False: it
+// leads nowhere that has a name.
+bool FollowLinks(std::string* path) {
+    for (int i = 0; i < 40; ++i) {
+        std::array<char, PATH_MAX> text;
+        const ssize_t size =
+            Requested([&] { return readlink(path->c_str(), text.data(), text.size()); });
+        if (size < 0) {
+            return errno == EINVAL || errno == ENOENT;  // no link, or nothing
+        }
+        const std::string_view target(text.data(), static_cast<std::size_t>(size));
+        path->erase(target.starts_with('/') ? 0 : path->find_last_of('/') + 1);
+        *path += target;
+    }
+    return false;
 }
 
 // What a name leads to: whether there is anything, then with its `status`.
@@ -82,21 +93,6 @@ void RemoveUnfinished() {
     }
 }
 
-bool FollowLinks(std::string* path) {
-    for (int i = 0; i < 40; ++i) {
-        std::array<char, PATH_MAX> text;
-        const ssize_t size =
-            Requested([&] { return readlink(path->c_str(), text.data(), text.size()); });
-        if (size < 0) {
-            return errno == EINVAL || errno == ENOENT;  // no link, or nothing
-        }
-        const std::string_view target(text.data(), static_cast<std::size_t>(size));
-        path->erase(target.starts_with('/') ? 0 : path->find_last_of('/') + 1);
-        *path += target;
-    }
-    return false;
-}
-
 bool FindPlace(const FileSet& kept, OutputPlace* place) {
     place->path = Translated(place->path);
     Target target;
@@ -127,32 +123,31 @@ bool FindPlace(const FileSet& kept, OutputPlace* place) {
     return !target.exists || place->handle >= 0;
 }
 
-namespace {
-
-// Makes `temporary` by `create`, a call of the system.
-template <typename Call>
-Creation Created(const std::string& temporary, Call create) {
+bool Remember(const std::string& temporary) {
     [[maybe_unused]] static const int registered = std::atexit(RemoveUnfinished);
+    const std::string** const slot = std::ranges::find(unfinished, nullptr);
+    if (slot == unfinished.end()) {
+        return false;
+    }
     if (IsNoneUnfinished()) {
         HoldSignals();
     }
-    const std::string** const slot = std::ranges::find(unfinished, nullptr);
-    if (slot == unfinished.end()) {
-        return Creation::failed;
-    }
     *slot = &temporary;
-    if (Requested(create) >= 0) {
-        return Creation::done;
-    }
+    return true;
+}
+
+// The old file can be written all the same where the directory refuses a new one, or the name of a
+// new one would be too long. With a full disk, say, it would only be lost.
+Creation ForgetRefused(const std::string& temporary) {
     const int error = errno;
     Forget(temporary);
     errno = error;
-    return error == EEXIST    ? Creation::nameIsTaken
-           : IsRefused(error) ? Creation::isRefused
-                              : Creation::failed;
+    const bool isRefused =
+        error == EACCES || error == EPERM || error == EROFS || error == ENAMETOOLONG;
+    return error == EEXIST ? Creation::nameIsTaken
+           : isRefused     ? Creation::isRefused
+                           : Creation::failed;
 }
-
-}  // namespace
 
 Creation Create(const std::string& temporary, const OutputPlace& place, FileHandle* handle) {
     constexpr int flags = O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC;
@@ -160,10 +155,6 @@ Creation Create(const std::string& temporary, const OutputPlace& place, FileHand
         *handle = FileHandle(open(temporary.c_str(), flags, place.mode));
         return static_cast<int>(*handle);
     });
-}
-
-Creation Link(const std::string& path, const std::string& temporary) {
-    return Created(temporary, [&] { return link(path.c_str(), temporary.c_str()); });
 }
 
 bool MakeAlike(int handle, const OutputPlace& place) {
@@ -182,10 +173,6 @@ bool Empty(int handle) {
 
 std::ptrdiff_t WriteSome(int handle, const void* buffer, std::size_t count) {
     return Requested([&] { return write(handle, buffer, count); });
-}
-
-bool Flush(int handle) {
-    return Requested([&] { return fsync(handle); }) == 0;
 }
 
 bool EndWriting(FileHandle* handle) {

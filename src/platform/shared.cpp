@@ -2,24 +2,15 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <system_error>
 #include <utility>
 
 #include "platform/fault_point.h"
-#include "platform/staged_output.h"
 
 namespace korv::platform {
 namespace {
 
 FaultPoint faults;
 RequestFault fault = RequestFault::failsOnce;
-
-// The words of the C library, which are the same on all systems where it has some.
-std::string ReasonOf(int error) {
-    return std::error_code(error, std::system_category()).default_error_condition().message();
-}
-
-constexpr std::size_t mostAtOnce = 0x10000000;  // bytes that one call moves on any system
 
 }  // namespace
 
@@ -51,14 +42,6 @@ std::size_t InputFile::Read(void* buffer, std::size_t count) {
     return bytes;
 }
 
-std::string InputFile::Reason() const {
-    return ReasonOf(error);
-}
-
-std::string ErrorText() {
-    return ReasonOf(LastError());
-}
-
 bool OutputFile::Open(std::string_view name, Kind kind, const FileSet& kept) {
     OutputPlace place;
     place.kind = kind;
@@ -74,26 +57,6 @@ bool OutputFile::Open(std::string_view name, Kind kind, const FileSet& kept) {
     return handle >= 0;
 }
 
-namespace {
-
-// Calls `create` with names of files beside `place` until one is free, which `name` gets. Names
-// that are taken are left over from a process that was killed, or belong to one with the same
-// number.
-template <typename Create>
-Creation CreateAtFreeName(const OutputPlace& place, std::string* name, Create create) {
-    Creation creation = Creation::nameIsTaken;
-    for (unsigned i = 0; i < 100 && creation == Creation::nameIsTaken; ++i) {
-        *name = place.directory + "korv" + std::to_string(ProcessNumber() + i) + ".tmp";
-        creation = create(*name);
-    }
-    if (creation != Creation::done) {
-        name->clear();
-    }
-    return creation;
-}
-
-}  // namespace
-
 bool CreateReplacement(const OutputPlace& place, std::string* temporary, FileHandle* handle) {
     const bool isThere = place.handle >= 0;
     if (!place.isReplaceable || (isThere && !place.isRegular)) {
@@ -106,11 +69,6 @@ bool CreateReplacement(const OutputPlace& place, std::string* temporary, FileHan
         Remove(temporary);
     }
     return creation == Creation::done || (isThere && creation == Creation::isRefused);
-}
-
-void LinkAtFreeName(const OutputPlace& place, std::string* name) {
-    static_cast<void>(CreateAtFreeName(
-        place, name, [&](const std::string& free) { return Link(place.path, free); }));
 }
 
 void OutputFile::GiveUp() {
@@ -142,15 +100,6 @@ bool WriteWhole(int handle, std::string_view bytes) {
         bytes.remove_prefix(static_cast<std::size_t>(written));
     }
     return true;
-}
-
-std::size_t StandardConnection::Read(void* buffer, std::size_t count) {
-    const std::ptrdiff_t got = ReadSome(/*handle=*/0, buffer, std::min(count, mostAtOnce));
-    return got < 0 ? 0 : static_cast<std::size_t>(got);
-}
-
-bool StandardConnection::Write(std::string_view bytes) {
-    return WriteWhole(output, bytes);
 }
 
 bool FaultFileRequest(std::int64_t n, RequestFault newFault) {

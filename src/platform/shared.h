@@ -11,6 +11,8 @@ namespace korv::platform {
 
 inline constexpr std::string_view separators = "/\\";
 
+inline constexpr std::size_t mostAtOnce = 0x10000000;  ///< bytes that one call moves on any system
+
 /// Whether a request fails on purpose.
 [[nodiscard]] bool FailsOnPurpose();
 
@@ -61,17 +63,10 @@ enum class Creation {
 /// name: what is there has to be written itself. False: neither can be.
 [[nodiscard]] bool CreateReplacement(const OutputPlace& place, std::string* temporary,
                                      FileHandle* handle);
-/// Gives what is at `place` a second name, which is removed if the process ends before `PutInPlace`
-/// or `Remove`. Result: the name; empty: there can be none.
-void LinkAtFreeName(const OutputPlace& place, std::string* name);
-/// For `LinkAtFreeName`: gives `path` the second name `temporary`.
-[[nodiscard]] Creation Link(const std::string& path, const std::string& temporary);
 /// Gives a new file the owner and the permissions of what is at `place`. False: that cannot be.
 [[nodiscard]] bool MakeAlike(int handle, const OutputPlace& place);
 /// Writes all of `bytes`. False: some are not there.
 [[nodiscard]] bool WriteWhole(int handle, std::string_view bytes);
-/// Makes sure that all bytes of a file are there.
-[[nodiscard]] bool Flush(int handle);
 /// Ends a file as far as its bytes are concerned. False: some are not there.
 [[nodiscard]] bool EndWriting(FileHandle* handle);
 /// Ends a file, and gives `temporary`, if it is not empty, the name `path`. It is empty then.
@@ -79,28 +74,28 @@ void LinkAtFreeName(const OutputPlace& place, std::string* name);
 /// Removes the file `name`, if it is not empty. It is empty then.
 void Remove(std::string* name);
 
-/// Whether the open file `handle` is a terminal.
-[[nodiscard]] bool IsTerminalAt(int handle);
-
 /// Keeps signals that end the process waiting, but for console events where there is a handler,
 /// which do not end it. There may be several calls at a time; each has its `ReleaseSignals`.
 void HoldSignals();
 void ReleaseSignals();
 
-/// Lets signals that were kept waiting, and that ask the process to end, do so while it lives; the
-/// files of `Create` are removed first.
-class SignalWindow {
-  public:
-    SignalWindow();
-    ~SignalWindow();
-    SignalWindow(const SignalWindow&) = delete;
-    SignalWindow& operator=(const SignalWindow&) = delete;
-
-  private:
-    bool isOpen = false;
-};
-
-/// The number of the process, from which names of temporary files are made.
+/// The number of the process.
 [[nodiscard]] unsigned long ProcessNumber();
+
+/// Calls `create` with names of files beside `place` until one is free, which `name` gets. Names
+/// that are taken are left over from a process that was killed, or belong to one with the same
+/// number.
+template <typename Create>
+Creation CreateAtFreeName(const OutputPlace& place, std::string* name, Create create) {
+    Creation creation = Creation::nameIsTaken;
+    for (unsigned i = 0; i < 100 && creation == Creation::nameIsTaken; ++i) {
+        *name = place.directory + "korv" + std::to_string(ProcessNumber() + i) + ".tmp";
+        creation = create(*name);
+    }
+    if (creation != Creation::done) {
+        name->clear();
+    }
+    return creation;
+}
 
 }  // namespace korv::platform

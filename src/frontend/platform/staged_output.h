@@ -31,6 +31,8 @@ class StagedOutput {
     [[nodiscard]] bool IsStream() const;
     /// Which file it is; none: there is no file yet, or it is no regular one.
     [[nodiscard]] std::optional<FileIdentity> Identity() const;
+    /// Of two files that are not there yet: whether they have one path.
+    [[nodiscard]] bool LeadsWhere(const StagedOutput& other) const;
     /// Whether a person sees what is written, and control characters act.
     [[nodiscard]] bool IsTerminal() const;
 

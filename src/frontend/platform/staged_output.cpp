@@ -1,7 +1,10 @@
-#include "platform/staged_output.h"
+#include "frontend/platform/staged_output.h"
 
 #include <cstdio>
 #include <utility>
+
+#include "frontend/platform/platform.h"
+#include "frontend/platform/shared.h"
 
 namespace korv::platform {
 namespace {
@@ -23,6 +26,10 @@ std::optional<std::string> BytesOf(const std::string& path) {
 }
 
 }  // namespace
+
+std::string ErrorText() {
+    return ReasonOf(LastError());
+}
 
 // What fails here has no further way back.
 StagedOutput::~StagedOutput() {
@@ -47,16 +54,16 @@ bool StagedOutput::Open(std::string_view name) {
         return false;
     }
     isThere = place.handle >= 0;
-    FileIdentity stream;
-    const bool isRedirected =
-        place.isRegular && IdentityOf(stdout, &stream) && stream == place.identity;
+    const bool isRedirected = place.isRegular && IdentityOf(stdout) == place.identity;
     return !isRedirected || OpenStandardOutput();
 }
 
 bool StagedOutput::OpenStandardOutput() {
     place = OutputPlace();
     place.isStandardOutput = true;
-    place.isRegular = IdentityOf(stdout, &place.identity);
+    const std::optional<FileIdentity> identity = IdentityOf(stdout);
+    place.isRegular = identity.has_value();
+    place.identity = identity.value_or(FileIdentity());
     MakeBinary(stdout);
     return true;
 }
@@ -67,6 +74,10 @@ bool StagedOutput::IsStream() const {
 
 std::optional<FileIdentity> StagedOutput::Identity() const {
     return place.isRegular ? std::optional(place.identity) : std::nullopt;
+}
+
+bool StagedOutput::LeadsWhere(const StagedOutput& other) const {
+    return AreOnePlace(place.path, other.place.path);
 }
 
 bool StagedOutput::IsTerminal() const {
@@ -98,7 +109,8 @@ bool StagedOutput::Put(std::string_view contents) {
         return Overwrite(contents);
     }
     if (isThere) {
-        LinkAtFreeName(place, &backup);
+        static_cast<void>(CreateAtFreeName(
+            place, &backup, [&](const std::string& name) { return Link(place.path, name); }));
     }
     if (!PutInPlace(&handle, &temporary, place.path)) {
         return false;

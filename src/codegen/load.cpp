@@ -1,5 +1,5 @@
-// LD: one mnemonic for the whole load group. The destination decides; its source then has the
-// shapes that the processor's load group lists for it.
+// LD: one mnemonic for the whole load group. The destination decides which sources are possible, as
+// listed in the processor's load group.
 
 #include <array>
 
@@ -29,7 +29,7 @@ constexpr auto toRegister = [] {
     return forms;
 }();
 
-// The shapes in which only A may be the source.
+// The forms in which only A may be the source.
 Status LoadFromAccumulator(CAssembler* assembler, CStatement* statement, const lsArg& src,
                            std::uint8_t prefix, std::int32_t opcode) {
     if (src.reg != REG_A) {
@@ -53,7 +53,7 @@ Status LoadAccumulator(CAssembler* assembler, CStatement* statement, const lsArg
 }
 
 // The pairs, from an immediate word or from memory; SP from HL, IX or IY too. A value outside 16
-// bits is cut without a word.
+// bits is cut without a warning.
 Status LoadPair(CAssembler* assembler, CStatement* statement, const lsArg& dst, const lsArg& src) {
     if (dst.reg == REG_SP && IsHlOrIndex(src.reg)) {
         return assembler->EmitOpcode(IndexPrefix(src.reg), 0xF9);

@@ -1,4 +1,4 @@
-/// What the files of the POSIX implementation share.
+/// Shared by the files of the POSIX implementation.
 #pragma once
 
 #include <sys/stat.h>
@@ -23,8 +23,9 @@ namespace korv::platform {
 /// Whether a console event has come since a handler was installed.
 [[nodiscard]] bool HasEventCome();
 
-/// The result of `request`, a call that gives -1 on failure and sets `errno`; made again when a
-/// signal has broken it off. After a console event that is its failure: the run has to end.
+/// The result of `request`, a call that returns -1 on failure and sets `errno`. It is repeated if a
+/// signal has interrupted it, but not after a console event: then it fails, since the run has to
+/// end.
 template <typename Request>
 [[nodiscard]] auto Requested(Request request) -> decltype(request()) {
     for (;;) {
@@ -39,16 +40,16 @@ template <typename Request>
     }
 }
 
-/// Removes the files that are not in place yet. Safe in a handler of signals while they are kept
-/// waiting elsewhere.
+/// Removes the unfinished files. Safe in a signal handler, as long as signals are blocked wherever
+/// the list of these files changes.
 void RemoveUnfinished();
 
-/// Counts `temporary` among these files. False: there are too many.
+/// Adds `temporary` to the unfinished files. False: there are too many.
 [[nodiscard]] bool Remember(const std::string& temporary);
-/// No longer counts `temporary`, which could not be made. Result: why.
+/// Removes `temporary`, which could not be created, from them. Result: why.
 [[nodiscard]] Creation ForgetRefused(const std::string& temporary);
 
-/// Makes the file `temporary` by `request`, as for `Requested`. It is removed if the process ends
+/// Creates the file `temporary` by `request`, as for `Requested`. It is removed if the process ends
 /// before `PutInPlace` or `Remove`.
 template <typename Request>
 [[nodiscard]] Creation Created(const std::string& temporary, Request request) {
@@ -58,7 +59,7 @@ template <typename Request>
     return Requested(request) >= 0 ? Creation::done : ForgetRefused(temporary);
 }
 
-/// The signals that waited before `HoldSignals`; null after `ReleaseSignals`.
+/// The signals that were blocked before `HoldSignals`; null if none are held.
 [[nodiscard]] const sigset_t* MaskBeforeHold();
 
 /// The standard streams that were closed when the process was started, by their numbers.

@@ -5,13 +5,12 @@
 #include <filesystem>
 #include <map>
 
-#include "platform/platform.h"
+#include "faults.h"
 #include "run.h"
 
 namespace korv_test {
 namespace {
 namespace fs = std::filesystem;
-using korv::platform::RequestFault;
 using Files = std::map<std::string, std::string>;
 
 const std::string none = "none";  // instead of the contents of a file that is not there
@@ -62,7 +61,7 @@ TEST_P(FaultTest, LeavesWhatItSays) {
             fs::permissions(name, fs::perms(0640));
             contents == none ? fs::remove(name) : false;
         }
-        korv::platform::FaultFileRequest(n, what);
+        FaultFileRequest(n, what);
         // Where the system finds it too, it has another name when it has not been looked up.
         RunKorv({isWindows ? "main.kor" : "Main.Kor", "out/OUT.COM", "/d", "/l", "/m", "/f:4"});
         fs::current_path(directory.Path());  // there may have been no way back
@@ -87,7 +86,7 @@ TEST_P(FaultTest, LeavesWhatItSays) {
     const std::string rightErrors = errors();
     for (int n = 1;; ++n) {
         Files files = run(n);
-        if (!korv::platform::FaultFileRequest(0, {})) {
+        if (!FaultFileRequest(0, {})) {
             ASSERT_GT(n, 40);
             break;
         }

@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <map>
 
+#include "faults.h"
 #include "platform/platform.h"
 #include "run.h"
 
@@ -34,9 +35,9 @@ TEST(OutputSetTest, LeavesAllOrNoneWhenARequestFails) {
                 isThere ? WriteFile(name, "old") : void();
             }
             const auto before = FilesHere();
-            korv::platform::FaultFileRequest(n, korv::platform::RequestFault::failsOnce);
+            FaultFileRequest(n, RequestFault::failsOnce);
             const std::string failure = korv::WriteOutputs(outputs, {});
-            const bool hasCome = korv::platform::FaultFileRequest(0, {});
+            const bool hasCome = FaultFileRequest(0, {});
             const auto files = FilesHere();
             ASSERT_EQ(3U, failure.empty() ? files.size() : 3U);
             ASSERT_TRUE(failure.empty() ? files.at("a.com") == "image" && files.at("a.lst") == "list" : files == before)

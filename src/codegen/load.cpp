@@ -1,8 +1,6 @@
 // LD: one mnemonic for the whole load group. The destination decides which sources are possible, as
 // listed in the processor's load group.
 
-#include <array>
-
 #include "codegen/handlers.h"
 #include "codegen/late_value.h"
 #include "codegen/operand_forms.h"
@@ -19,15 +17,6 @@ constexpr OperandForm toAccumulator =
     ByteForm(0x78, 0x3E, ALLOW_FIELD, FORM_IMM8 | FORM_IX | FORM_IY | FORM_DIRECT);
 constexpr OperandForm toMemory =
     ByteForm(storeOpcode, storeImmediateOpcode, ALLOW_A | ALLOW_B_TO_L, FORM_IMM8);
-
-// By the number of the register.
-constexpr auto toRegister = [] {
-    std::array<OperandForm, 8> forms{};
-    for (std::uint8_t reg = 0; reg < forms.size(); ++reg) {
-        forms[reg] = ByteForm(0x40 + 8 * reg, 0x06 + 8 * reg);
-    }
-    return forms;
-}();
 
 // The forms in which only A may be the source.
 Status LoadFromAccumulator(CAssembler* assembler, CStatement* statement, const lsArg& src,
@@ -121,7 +110,7 @@ Status AssembleLd(CAssembler* assembler, CStatement* statement) {
     }
     if (IsByteRegister(dst.reg)) {
         return EncodeOperand(assembler, statement, src,
-                             toRegister[static_cast<std::size_t>(dst.reg)]);
+                             ByteForm(0x40 + 8 * dst.reg, 0x06 + 8 * dst.reg));
     }
     if (IsPair(dst.reg) && dst.reg != REG_AF) {
         return LoadPair(assembler, statement, dst, src);

@@ -7,12 +7,11 @@
 #include <unistd.h>
 
 #include <atomic>
-#include <csignal>
 
 namespace korv::platform {
 namespace {
 
-// Process-wide, as signal dispositions are.
+// Process-wide, like signal dispositions.
 struct Signal {
     int number;
     int event;
@@ -45,10 +44,6 @@ bool wasMissing[3];
 
 int LastError() {
     return errno != 0 ? errno : EIO;
-}
-
-void BreakOff() {
-    std::raise(SIGINT);
 }
 
 bool HasEventCome() {
@@ -114,11 +109,11 @@ void OpenStandardStreams() {
     for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
         if (fcntl(stream, F_GETFD) < 0) {
             wasMissing[stream] = true;
-            // The lowest free number, that is this one, stays in use.
+            // This gets the lowest free number, which is that of the stream, and stays open.
             [[maybe_unused]] const int opened = open("/dev/null", O_RDWR);
         }
     }
-    // A write that fails is to say so, and not to end the process.
+    // A write that fails shall return, not end the process.
     std::signal(SIGXFSZ, SIG_IGN);
     std::signal(SIGPIPE, SIG_IGN);
 }
@@ -136,9 +131,9 @@ void SetConsoleTitle(const char* title) {
 void SetConsoleHandler(ConsoleHandler handler) {
     if (handler != nullptr) {
         hasEventCome = false;
-        consoleHandler = handler;  // before the first signal that it gets
+        consoleHandler = handler;  // before its first signal
     }
-    struct sigaction action = {};  // without flags: what waits for input is to wake up
+    struct sigaction action = {};  // without flags, so that it interrupts waiting for input
     action.sa_handler = OnSignal;
     sigfillset(&action.sa_mask);
     for (Signal& signal : signals) {

@@ -1,5 +1,5 @@
-// Writing files on POSIX. A temporary file lives from `Open` to the end of `Commit`; meanwhile the
-// signals that end a process wait, and an exit removes it.
+// Writing files on POSIX. A temporary file exists from `Open` to the end of `Commit`. Meanwhile the
+// signals that end a process are blocked, and an exit removes the file.
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -11,7 +11,6 @@
 #include <cstdlib>
 #include <string>
 
-#include "platform/platform.h"
 #include "platform/posix.h"
 
 namespace korv::platform {
@@ -19,27 +18,21 @@ namespace {
 
 constexpr mode_t permissions = 07777;
 
-// The names of the temporary files that there are now, and null. Process-wide, since the process
-// may end anywhere; of a fixed size, since a report of what went wrong must not need memory.
+// The names of the temporary files that exist now, and null. Process-wide, since the process may
+// end anywhere. The size is fixed, since writing a report must not need memory.
 std::array<const std::string*, 16> unfinished{};
 
-bool IsNoneUnfinished() {
-    return std::ranges::count(unfinished, nullptr) == std::ssize(unfinished);
-}
-
-// `temporary` has its final name, or is gone. It need not be one of ours.
+// `temporary` has its final name or has been removed. It need not be in the list.
 void Forget(const std::string& temporary) {
     const auto slot = std::ranges::find(unfinished, &temporary);
     if (slot != unfinished.end()) {
         *slot = nullptr;
-        if (IsNoneUnfinished()) {
-            ReleaseSignals();
-        }
+        ReleaseSignals();
     }
 }
 
-// Makes `path` where a symbolic link of that name leads to, in as many steps as it takes. False: it
-// leads nowhere that has a name.
+// Replaces `path` by the target of a symbolic link of that name, repeatedly. False: the target has
+// no name.
 bool FollowLinks(std::string* path) {
     for (int i = 0; i < 40; ++i) {
         std::array<char, PATH_MAX> text;
@@ -55,9 +48,9 @@ bool FollowLinks(std::string* path) {
     return false;
 }
 
-// What a name leads to: whether there is anything, then with its `status`.
+// The file at a name: whether it exists, and if so its `status`.
 struct Target {
-    bool isKnown = true;  // false: the system does not say
+    bool isKnown = true;  // false: the call has failed
     bool exists = false;
     struct stat status {};
 
@@ -68,12 +61,12 @@ struct Target {
     }
 };
 
-// Follows the symbolic link that `place->path` is.
+// Follows the symbolic link at `place->path`.
 void FollowLink(OutputPlace* place, Target* target) {
     target->Ask(stat, place->path);
     std::string path = place->path;
     struct stat status;
-    // Links of the system's own, as to a pipe that is open, have texts that are no names.
+    // Some links are made by the system, for example to an open pipe. Their texts are not names.
     place->isReplaceable =
         FollowLinks(&path) &&
         (!target->exists || (Requested([&] { return stat(path.c_str(), &status); }) == 0 &&
@@ -113,10 +106,10 @@ bool FindPlace(const FileSet& kept, OutputPlace* place) {
     }
     place->directory = place->path.substr(0, place->path.find_last_of('/') + 1);
     place->mode = 0666;
-    if (target.exists) {  // whether it may be written it says itself, whatever its directory allows
+    if (target.exists) {  // it may be written if it can be opened, whatever its directory allows
         place->isRegular = S_ISREG(target.status.st_mode);
         place->identity = IdentityOf(target.status);
-        place->mode = 0600;  // nobody else may look into the new file until it is like the old one
+        place->mode = 0600;  // private, until the new file gets the permissions of the old one
         const int flags = O_WRONLY | O_CLOEXEC | O_NOCTTY | (place->isReplaceable ? O_NOFOLLOW : 0);
         place->handle = FileHandle(Requested([&] { return open(place->path.c_str(), flags); }));
     }
@@ -129,15 +122,13 @@ bool Remember(const std::string& temporary) {
     if (slot == unfinished.end()) {
         return false;
     }
-    if (IsNoneUnfinished()) {
-        HoldSignals();
-    }
+    HoldSignals();
     *slot = &temporary;
     return true;
 }
 
-// The old file can be written all the same where the directory refuses a new one, or the name of a
-// new one would be too long. With a full disk, say, it would only be lost.
+// If the directory refuses a new file, or its name would be too long, the old file can still be
+// written. In other cases, such as a full disk, it would only be lost.
 Creation ForgetRefused(const std::string& temporary) {
     const int error = errno;
     Forget(temporary);
@@ -179,7 +170,7 @@ bool EndWriting(FileHandle* handle) {
     if (*handle < 0) {
         return true;
     }
-    // Broken off by a signal it is closed too, and what was written is with the system.
+    // Interrupted by a signal, it is closed too, and the system has all bytes.
     const bool isClosed = close(handle->Release()) == 0 || errno == EINTR;
     if (FailsOnPurpose()) {
         errno = EIO;

@@ -4,15 +4,9 @@
 #include <cstdint>
 #include <utility>
 
-#include "platform/fault_point.h"
-
 namespace korv::platform {
-namespace {
 
-FaultPoint faults;
-RequestFault fault = RequestFault::failsOnce;
-
-}  // namespace
+Fault requestFault = nullptr;
 
 PathParts SplitPath(std::string_view path) {
     const std::size_t separator = path.find_last_of(separators) + 1;  // 0 for none
@@ -29,7 +23,7 @@ bool IsAbsolutePath(std::string_view name) {
 std::size_t InputFile::Read(void* buffer, std::size_t count) {
     std::uint64_t wanted = std::min(count, mostAtOnce);
     if (size != 0) {
-        // Nobody has to ask for the end of a file whose size is known.
+        // A file of known size needs no call to find its end.
         wanted = std::min(wanted, size - taken);
     }
     if (wanted == 0 || Failed()) {
@@ -77,7 +71,7 @@ void OutputFile::GiveUp() {
 }
 
 bool OutputFile::Commit() {
-    Write(nullptr, 0);  // an empty file is one too
+    Write(nullptr, 0);  // creates an empty file
     const bool isWhole = !hasFailed && PutInPlace(&handle, &temporary, path);
     GiveUp();
     return isWhole;
@@ -100,20 +94,6 @@ bool WriteWhole(int handle, std::string_view bytes) {
         bytes.remove_prefix(static_cast<std::size_t>(written));
     }
     return true;
-}
-
-bool FaultFileRequest(std::int64_t n, RequestFault newFault) {
-    fault = newFault;
-    return faults.Set(n, fault == RequestFault::failsForGood);
-}
-
-bool FailsOnPurpose() {
-    const bool isHit = faults.Hits();
-    if (isHit && fault == RequestFault::isBroken) {
-        BreakOff();
-        return false;
-    }
-    return isHit;
 }
 
 }  // namespace korv::platform

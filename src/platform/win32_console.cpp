@@ -80,10 +80,6 @@ void TakeKey(HANDLE input) {
 
 }  // namespace
 
-void BreakOff() {
-    OnConsoleEvent(CTRL_C_EVENT);
-}
-
 void OpenStandardStreams() {
     // The library keeps the numbers of missing streams. On a console it would make a call of the
     // system for each character, and take each byte of one for a character of its own; line ends

@@ -154,13 +154,9 @@ bool CurrentDirectory::EnterDirectoryOf(const FoundPath& file) {
     return isThere;
 }
 
-bool CurrentDirectory::Leave() {
+std::optional<std::string> CurrentDirectory::Leave() {
     state->levels.pop_back();
-    return true;
-}
-
-std::string_view CurrentDirectory::Path() const {
-    return state->levels.back();
+    return std::nullopt;
 }
 
 }  // namespace korv::platform

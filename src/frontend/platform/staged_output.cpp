@@ -60,7 +60,7 @@ bool StagedOutput::Open(std::string_view name) {
 
 bool StagedOutput::OpenStandardOutput() {
     place = OutputPlace();
-    place.isStandardOutput = true;
+    isStandardOutput = true;
     const std::optional<FileIdentity> identity = IdentityOf(stdout);
     place.isRegular = identity.has_value();
     place.identity = identity.value_or(FileIdentity());
@@ -69,7 +69,7 @@ bool StagedOutput::OpenStandardOutput() {
 }
 
 bool StagedOutput::IsStream() const {
-    return place.isStandardOutput || (isThere && !place.isRegular);
+    return isStandardOutput || (isThere && !place.isRegular);
 }
 
 std::optional<FileIdentity> StagedOutput::Identity() const {
@@ -81,7 +81,7 @@ bool StagedOutput::LeadsWhere(const StagedOutput& other) const {
 }
 
 bool StagedOutput::IsTerminal() const {
-    return IsTerminalAt(place.isStandardOutput ? standardOutput : place.handle);
+    return IsTerminalAt(isStandardOutput ? standardOutput : place.handle);
 }
 
 bool StagedOutput::Stage(std::string_view contents) {
@@ -95,8 +95,8 @@ bool StagedOutput::Stage(std::string_view contents) {
 
 bool StagedOutput::Send(std::string_view contents) {
     const SignalWindow window;
-    return place.isStandardOutput ? WriteWhole(standardOutput, contents)
-                                  : WriteWhole(place.handle, contents) && EndWriting(&place.handle);
+    return isStandardOutput ? WriteWhole(standardOutput, contents)
+                            : WriteWhole(place.handle, contents) && EndWriting(&place.handle);
 }
 
 bool StagedOutput::Overwrite(std::string_view contents) {

@@ -50,6 +50,7 @@ class StagedOutput {
     [[nodiscard]] bool Overwrite(std::string_view contents);
 
     OutputPlace place;
+    bool isStandardOutput = false;        // `place` has no path and no handle
     bool isThere = false;                 // there was something before
     FileHandle handle;                    // of the new file
     std::string temporary;                // its name; empty: the old file is written, or it is put

@@ -69,8 +69,8 @@ def source(lines, shape):
     return path
 
 
-def instructions(command, folder=WORK):
-    """Instructions that a program executes, those of the kernel not among them.
+def counted(command, folder=WORK):
+    """The instructions that a program executes, without those of the kernel, and what it writes to standard error.
 
     It runs in `folder`, with an empty environment, since the C library looks at each variable.
     """
@@ -80,4 +80,4 @@ def instructions(command, folder=WORK):
     found = re.search(rb"Collected : (\d+)", result.stderr)
     if not found:
         sys.exit(f"valgrind gave no count for {command}\n{result.stderr.decode()}")
-    return int(found[1])
+    return int(found[1]), result.stderr

@@ -1,17 +1,35 @@
-// What a run leaves when the system fails it: each request that it makes fails in turn.
+// What a run leaves when the system fails it, at each point in turn.
 
 #include <gtest/gtest.h>
 
+#ifndef _WIN32
+#include <sys/wait.h>
+#include <unistd.h>
+#endif
+
 #include <filesystem>
 #include <map>
+#include <set>
 
 #include "faults.h"
+#include "frontend/frontend.h"
 #include "run.h"
 
 namespace korv_test {
 namespace {
 namespace fs = std::filesystem;
 using Files = std::map<std::string, std::string>;
+
+Files FilesHere() {
+    Files files;
+    for (const fs::directory_entry& entry : fs::recursive_directory_iterator(".")) {
+        if (entry.is_regular_file()) {
+            const std::string name = entry.path().generic_string().substr(2);
+            files[name] = *ReadFile(name);
+        }
+    }
+    return files;
+}
 
 const std::string none = "none";  // instead of the contents of a file that is not there
 
@@ -66,14 +84,11 @@ TEST_P(FaultTest, LeavesWhatItSays) {
         RunKorv({isWindows ? "main.kor" : "Main.Kor", "out/OUT.COM", "/d", "/l", "/m", "/f:4"});
         fs::current_path(directory.Path());  // there may have been no way back
         console = ReplaceAll(*ReadFile("console"), "\\", "/");
-        files.clear();
-        for (const fs::directory_entry& entry : fs::recursive_directory_iterator(".")) {
-            const std::string name = entry.path().generic_string().substr(2);
-            if (entry.is_regular_file() && name != "console") {
-                files[name] = *ReadFile(name);
-                const bool isChanged = before != none && entry.status().permissions() != fs::perms(0640);
-                EXPECT_FALSE(isChanged && !isWindows) << entry << n;
-            }
+        files = FilesHere();
+        files.erase("console");
+        for (const auto& [name, contents] : files) {
+            const bool isChanged = before != none && fs::status(name).permissions() != fs::perms(0640);
+            EXPECT_FALSE(isChanged && !isWindows) << name << n;
         }
         return files;
     };
@@ -119,6 +134,117 @@ INSTANTIATE_TEST_SUITE_P(Any, FaultTest,
                          testing::Combine(testing::Values("", " FROB\n"), testing::Values("old", none),
                                           testing::Values(RequestFault::failsOnce, RequestFault::failsForGood,
                                                           RequestFault::isBroken)));
+
+// What fails at the n-th point of a run, and whether that ends the process.
+struct Fault {
+    const char* name;
+    void (*cause)(int n);
+    bool isEnd;
+};
+std::ostream& operator<<(std::ostream& out, const Fault& fault) {
+    return out << fault.name;
+}
+const Fault faults[] = {
+    {"request", [](int n) { FaultFileRequest(n, RequestFault::failsOnce); }, false},
+    {"requests", [](int n) { FaultFileRequest(n, RequestFault::failsForGood); }, false},
+#ifndef _WIN32
+    {"signal", [](int n) { FaultFileRequest(n, RequestFault::isBroken); }, true},
+    {"allocation", [](int n) { FailAllocation(n, false); }, true},
+    {"allocations", [](int n) { FailAllocation(n, true); }, true},
+#endif
+};
+
+// How a run ended, and whether its fault has come.
+struct Ending {
+    std::string printed;
+    bool hasCome;
+};
+
+Ending RunUnder(const Fault& fault, int n) {
+#ifndef _WIN32
+    if (fault.isEnd) {
+        const pid_t child = fork();
+        if (child == 0) {
+            std::string words[] = {"korv-as", "@words"};
+            char* arguments[] = {words[0].data(), words[1].data()};
+            EXPECT_NE(nullptr, std::freopen("console", "w", stderr));
+            fault.cause(n);
+            std::exit(korv::RunFrontend(2, arguments));
+        }
+        int status = 0;
+        waitpid(child, &status, 0);
+        const std::string printed = *ReadFile("console");
+        fs::remove("console");
+        const std::string number = std::to_string(WEXITSTATUS(status));
+        const std::string end = WIFSIGNALED(status) ? "signal" : status == 0 ? "" : "exit status " + number + "\n";
+        return {printed + end, status != 0};
+    }
+#endif
+    fault.cause(n);
+    const std::string printed = RunKorvAs({"@words"});
+    return {printed, FaultFileRequest(0, {})};
+}
+
+class OutputFaultTest : public testing::TestWithParam<std::tuple<Fault, bool>> {};
+
+// All outputs are the new ones or the old ones, and what is printed agrees with that.
+TEST_P(OutputFaultTest, LeavesAllOutputsOrNone) {
+    const auto& [fault, isThere] = GetParam();
+    const TempDir directory;
+    const std::string outputs[] = {"out/a.com", "out/a.d", "out/a.lst", "out/a.sym"};
+    WriteFile("words",
+              "a.kor -o out/a.com -M out/a.d -l out/a.lst --symbols out/a.sym --debug " + std::string(nullDevice));
+    WriteFile("a.kor", " INCLUDE SUB\\B.KOR\nAT: DW AT,LATE\nLATE: DB 1,\n");
+    WriteFile("sub/b.kor", " BINCLUDE dat\n");
+    WriteFile("sub/dat", "data");
+    const auto prepare = [&, hasOld = isThere] {
+        fs::remove_all("out");
+        fs::create_directory("out");
+        for (const std::string& name : outputs) {
+            hasOld ? WriteFile(name, "old") : void();
+        }
+        return FilesHere();
+    };
+    const bool isForGood = fault.name == std::string("requests");
+    Files before = prepare();
+    const std::string right = RunUnder(fault, 0).printed;
+    Files after = FilesHere();
+    const auto isRight = [&](const std::string& printed, Files files) {
+        if (printed.ends_with("signal")) {
+            return files == before || files == after;
+        }
+        if (printed == right) {
+            return files == after;
+        }
+        if (!Contains(printed, "exit status ")) {  // names are full, since the current directory was not found
+            return files["out/a.com"] == after["out/a.com"] && files["out/a.sym"] == after["out/a.sym"] &&
+                   Contains(files["out/a.d"], directory.Path()) && Contains(files["out/a.lst"], directory.Path());
+        }
+        for (const std::string& name : outputs) {
+            const bool isLost = isForGood && Contains(printed, "; cannot restore " + name);
+            const bool isListing = name == "out/a.lst" && Contains(printed, ": error: could not ");  // and shows that
+            const bool isNew = files[name] != before[name];
+            if (isNew != isLost && !(isNew && isListing)) {
+                return false;
+            }
+            files[name] = before[name];
+        }
+        return files == before && Contains(printed, "error: ");
+    };
+    int n = 0;
+    bool isReasonGiven = false;
+    for (bool hasCome = true; hasCome;) {
+        prepare();
+        const Ending ending = RunUnder(fault, ++n);
+        hasCome = ending.hasCome;
+        isReasonGiven = isReasonGiven || Contains(ending.printed, "error: could not read file 'dat': ");
+        ASSERT_TRUE(isRight(ending.printed, FilesHere())) << n << ending.printed << testing::PrintToString(FilesHere());
+    }
+    EXPECT_GT(n, 40);
+    EXPECT_EQ(fault.name == std::string("request"), isReasonGiven);
+}
+
+INSTANTIATE_TEST_SUITE_P(Any, OutputFaultTest, testing::Combine(testing::ValuesIn(faults), testing::Bool()));
 
 }  // namespace
 }  // namespace korv_test

@@ -122,10 +122,10 @@ std::string Changed(const korv::Snapshot& snapshot, std::int32_t file, std::vect
     std::string text;
     std::size_t end = 0;
     for (const lsp::TextEdit& edit : edits) {
-        text += before.Bytes().substr(end, offset(edit.range.start) - end) + edit.newText;
+        text.append(before.Bytes().substr(end, offset(edit.range.start) - end)) += edit.newText;
         end = offset(edit.range.end);
     }
-    return text + before.Bytes().substr(end);
+    return text.append(before.Bytes().substr(end));
 }
 
 std::string Completions(const Program& program) {

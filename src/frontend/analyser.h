@@ -13,7 +13,7 @@ class FileStore;
 struct Wanted {
     bool statements = false;  ///< and blocks
     bool names = false;
-    bool uses = false;  ///< of the names, which are then wanted too
+    bool uses = false;  ///< of the names; these and the statements are then wanted too
 };
 
 /// Assembles `options.source`. All files are read through `store`; the texts that the analysis

@@ -27,52 +27,52 @@ bool HoldsLocation(const lsArg& arg) {
     return false;
 }
 
-// Whether `arg` waits for more than a name alone.
-bool IsLateExpression(const lsArg& arg) {
-    return arg.status == MSG_UNRESOLVED && arg.expression.size() != arg.fault.size();
+// Whether `arg`, which is odd, is of a kind that programs are full of: a string without a
+// backslash, or an expression that waits for a name and does not speak of its own address.
+bool IsUsual(const lsArg& arg) {
+    if (IsLateExpression(arg)) {
+        return arg.text.find('$') == std::string_view::npos;
+    }
+    return arg.text.front() == '"' && arg.text.find('"', 1) == arg.text.size() - 1 &&
+           arg.text.find('\\') == std::string_view::npos;
+}
+
+bool HasOpenQuote(std::string_view text) {
+    return std::ranges::count(text, '"') % 2 != 0;
 }
 
 // Whether a string that is a value lacks its second quote.
 bool IsOpenString(const lsArg& arg) {
-    return arg.status == 0 && arg.IsValue() && std::ranges::count(arg.text, '"') % 2 != 0;
+    return arg.status == 0 && arg.IsValue() && HasOpenQuote(arg.text);
 }
 
-// `arg` waits for nothing. As a value, a register reads 0, and so does the register of an operand
-// with a displacement.
+// What is odd about `arg`, which waits for nothing. As a value, a register reads 0, and so does the
+// register of an operand with a displacement.
 void CheckOperand(const lsArg& arg, const Keyword* keyword, Findings* findings) {
     const InstructionHandler handler = keyword == nullptr ? nullptr : keyword->handler;
     const auto isOneOf = [handler](std::initializer_list<InstructionHandler> handlers) {
         return std::ranges::find(handlers, handler) != handlers.end();
     };
-    const std::string text = Quoted(arg.text);
     if (IsOpenString(arg) && handler != AssembleDm) {  // which has reported it
-        findings->push_back({Warning::openString, arg.text, text, ""});
+        findings->push_back({Warning::openString, arg.text, Quoted(arg.text), ""});
     }
     const bool isRegister =
         arg.IsIndexed()
             ? isOneOf({AssembleDb, AssembleDw, AssembleDs, AssembleEqu, AssembleOrg, AssembleIf})
             : isOneOf({AssembleEqu, AssembleOrg}) && !arg.IsValue();
     if (isRegister) {
-        findings->push_back({Warning::registerValue, arg.text, text, ""});
+        findings->push_back({Warning::registerValue, arg.text, Quoted(arg.text), ""});
     } else if (isOneOf({AssembleLd, AssembleCall, AssembleOrg}) && !wordRange.Holds(arg.value)) {
         char value[16];
         std::snprintf(value, sizeof value, "%04XH", static_cast<unsigned>(arg.value) & 0xFFFF);
-        findings->push_back({Warning::truncated, arg.text, text + " becomes " + value, ""});
+        findings->push_back(
+            {Warning::truncated, arg.text, Quoted(arg.text) + " becomes " + value, ""});
     } else if (handler == AssembleDs && arg.value < 0) {
-        findings->push_back({Warning::negativeSize, arg.text, text, ""});
+        findings->push_back({Warning::negativeSize, arg.text, Quoted(arg.text), ""});
     }
 }
 
 }  // namespace
-
-bool IsOdd(const lsArg& arg, std::span<const std::uint8_t> bytes) {
-    if (!arg.IsValue()) {
-        return bytes.empty();
-    }
-    return IsLateExpression(arg) || !wordRange.Holds(arg.value) ||
-           (arg.value < 0 && bytes.empty()) || arg.text.front() == '"' ||
-           (arg.IsIndexed() && (bytes.empty() || (bytes[0] != PREFIX_IX && bytes[0] != PREFIX_IY)));
-}
 
 void CheckLabel(std::string_view label, Findings* findings) {
     if (ReadsAsRegister(label)) {
@@ -84,7 +84,13 @@ void CheckLabel(std::string_view label, Findings* findings) {
 
 void CheckOperands(CStatement* statement, std::span<const std::uint8_t> bytes, Findings* findings) {
     KO_Args& args = statement->args;
-    bool hasBackslash = false;
+    bool isOdd = false, hasBackslash = false;
+    for (const lsArg& arg : args) {
+        isOdd = isOdd || (IsOdd(arg, bytes) && !IsUsual(arg));
+    }
+    if (!isOdd) {
+        return;
+    }
     for (const lsArg& arg : args) {
         hasBackslash = hasBackslash || arg.text.find('\\') != std::string_view::npos;
     }

@@ -9,7 +9,9 @@
 #include <string_view>
 #include <vector>
 
+#include "codegen/operand_forms.h"
 #include "codegen/value_range.h"
+#include "expr/operands.h"
 #include "frontend/analysis.h"
 #include "frontend/logical_line.h"
 #include "frontend/statement_view.h"
@@ -18,7 +20,6 @@
 namespace korv {
 
 struct CStatement;
-struct lsArg;
 
 /// What a check has found.
 struct Finding {
@@ -29,9 +30,24 @@ struct Finding {
 };
 using Findings = std::vector<Finding>;
 
+/// Whether `arg` waits for more than a name alone.
+[[nodiscard]] inline bool IsLateExpression(const lsArg& arg) {
+    return arg.status == MSG_UNRESOLVED && arg.expression.size() != arg.fault.size();
+}
+
 /// Whether `arg`, of a statement with the bytes `bytes`, may call for a warning. Asked of every
 /// statement, so it is quick.
-[[nodiscard]] bool IsOdd(const lsArg& arg, std::span<const std::uint8_t> bytes);
+[[nodiscard]] inline bool IsOdd(const lsArg& arg, std::span<const std::uint8_t> bytes) {
+    if (!arg.IsValue()) {
+        return bytes.empty();
+    }
+    const bool isUnsigned = arg.value >= 0 && arg.value <= wordRange.high;
+    return IsLateExpression(arg) ||
+           (!isUnsigned && (!wordRange.Holds(arg.value) || bytes.empty())) ||
+           arg.text.front() == '"' ||
+           (arg.reg != REG_NONE && arg.IsIndexed() &&
+            (bytes.empty() || (bytes[0] != PREFIX_IX && bytes[0] != PREFIX_IY)));
+}
 
 /// Whether `label` may be something else where it is used. Asked of every label, so it is quick.
 [[nodiscard]] inline bool MayBeMisread(std::string_view label) {

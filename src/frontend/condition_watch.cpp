@@ -1,27 +1,22 @@
 #include "frontend/condition_watch.h"
 
-#include "driver/assembler.h"
 #include "frontend/statement_rules.h"
 #include "frontend/statement_view.h"
 #include "frontend/terminal_text.h"
 
 namespace korv {
 
-bool ConditionWatch::HasChanged(const CAssembler& assembler) const {
-    return assembler.assembling != wasAssembling ||
-           static_cast<std::size_t>(assembler.conditionDepth) != levels.size();
-}
-
 Findings ConditionWatch::Follow(const CAssembler& assembler, const CStatement& statement) {
-    const auto depth = static_cast<std::size_t>(assembler.conditionDepth);
+    depth = assembler.conditionDepth;
     const bool isOn = assembler.assembling != 0;
     wasAssembling = assembler.assembling;
     Findings findings;
-    if (depth < levels.size()) {
+    const auto open = static_cast<std::size_t>(depth);
+    if (open < levels.size()) {
         levels.pop_back();
         return findings;
     }
-    if (depth > levels.size()) {
+    if (open > levels.size()) {
         const bool isLiveOutside = levels.empty() || levels.back().isLive;
         levels.push_back({statement.PlaceOf(noText), false, isLiveOutside});
         const StatementView view = CutStatement(statement.text);

@@ -7,6 +7,7 @@
 #include "frontend/cycles.h"
 
 #include <array>
+#include <charconv>
 #include <cstddef>
 #include <initializer_list>
 
@@ -165,9 +166,21 @@ Cycles CyclesOf(const Analysis& analysis, const Statement& statement) {
     return CyclesOf(std::span(analysis.image).subspan(statement.offset, statement.count));
 }
 
+char* PutCycles(char* to, Cycles cycles) {
+    char* const end = to + longestCycles;
+    if (cycles.most != 0) {
+        to = std::to_chars(to, end, cycles.most).ptr;
+    }
+    if (cycles.least != cycles.most) {
+        *to++ = '/';
+        to = std::to_chars(to, end, cycles.least).ptr;
+    }
+    return to;
+}
+
 std::string CyclesText(Cycles cycles) {
-    std::string text = cycles.most == 0 ? "" : std::to_string(cycles.most);
-    return cycles.least == cycles.most ? text : text + "/" + std::to_string(cycles.least);
+    char text[longestCycles];
+    return {text, PutCycles(text, cycles)};
 }
 
 }  // namespace korv

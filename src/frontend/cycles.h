@@ -2,6 +2,7 @@
 /// states, contended memory and interrupts.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <span>
 #include <string>
@@ -22,6 +23,11 @@ struct Cycles {
 
 /// The same of a statement; 0 if it is not an instruction or has no bytes.
 [[nodiscard]] Cycles CyclesOf(const Analysis& analysis, const Statement& statement);
+
+/// Of the text of any `Cycles`.
+inline constexpr std::size_t longestCycles = 7;
+/// Writes that text to `to`, which has room for the longest. Result: its end.
+char* PutCycles(char* to, Cycles cycles);
 
 /// "10", or "17/10" with the longer time first; empty for 0.
 [[nodiscard]] std::string CyclesText(Cycles cycles);

@@ -1,7 +1,6 @@
 #include "frontend/file_store.h"
 
 #include <algorithm>
-#include <array>
 #include <filesystem>
 #include <utility>
 
@@ -26,6 +25,27 @@ std::string DirectoryOf(const std::string& path) {
     return directory;
 }
 
+// All bytes of `file`, or more than `longestFile` of them.
+StoredText::Block ReadWhole(platform::InputFile* file) {
+    constexpr std::size_t leastRoom = 4096;  // of a file without a size
+    StoredText::Block bytes;
+    std::size_t room = 0;
+    for (std::size_t count = 1; count != 0 && bytes.size <= FileStore::longestFile;) {
+        if (bytes.size == room) {
+            // A byte more than the file has tells its end.
+            room = std::max({leastRoom, 2 * room,
+                             static_cast<std::size_t>(std::min<std::uint64_t>(
+                                 file->Size() + 1, FileStore::longestFile + 1))});
+            auto larger = std::make_unique_for_overwrite<char[]>(room);
+            std::copy_n(bytes.data.get(), bytes.size, larger.get());
+            bytes.data = std::move(larger);
+        }
+        count = file->Read(bytes.data.get() + bytes.size, room - bytes.size);
+        bytes.size += count;
+    }
+    return bytes;
+}
+
 }  // namespace
 
 FileStore::FileStore(std::string_view newDirectory)
@@ -37,10 +57,15 @@ void FileStore::AddSearchDirectory(std::string_view name) {
     }
 }
 
-void FileStore::SetText(const std::string& path, std::string bytes,
+void FileStore::SetText(const std::string& path, std::string_view bytes,
                         const platform::FileIdentity& identity) {
-    texts[path] = std::make_shared<const StoredText>(path, std::move(bytes), identity);
-    identities.insert(identity);
+    Keep(std::make_shared<const StoredText>(path, bytes, identity));
+}
+
+const FileStore::Text& FileStore::Keep(Text text) {
+    identities.insert(text->Identity());
+    const std::string& path = text->Path();
+    return texts[path] = std::move(text);
 }
 
 std::string FileStore::ShownName(const std::string& path) const {
@@ -108,24 +133,21 @@ FileStore::Text FileStore::Load(const std::string& path) {
         failure = platform::ReasonOf(file.Error());
         return nullptr;
     }
-    std::string bytes;
-    bytes.reserve(static_cast<std::size_t>(std::min<std::uint64_t>(file.Size(), longestFile)));
-    std::array<char, 65536> block;
-    for (std::size_t count = 1; count != 0 && bytes.size() <= longestFile;) {
-        count = file.Read(block.data(), block.size());
-        bytes.append(block.data(), count);
-    }
-    if (file.Failed() || bytes.size() > longestFile) {
+    StoredText::Block bytes = ReadWhole(&file);
+    if (file.Failed() || bytes.size > longestFile) {
         failure = file.Failed() ? platform::ReasonOf(file.Error()) : "File too large";
         return nullptr;
     }
-    SetText(path, std::move(bytes), file.Identity());
-    return TextOf(path);
+    return Keep(std::make_shared<const StoredText>(path, std::move(bytes), file.Identity()));
 }
 
 Status FileStore::Find(std::string_view name, platform::FoundPath* file) {
     *file = Locate(name);
-    return file->path.empty() ? MSG_CANNOT_GET_DIRECTORY : 0;
+    if (file->path.empty()) {
+        failure = "its full path cannot be determined";
+        return MSG_CANNOT_GET_DIRECTORY;
+    }
+    return 0;
 }
 
 bool FileStore::Enter(const platform::FoundPath& file) {

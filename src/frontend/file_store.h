@@ -31,11 +31,11 @@ class FileStore : public SourceStore {
     /// A directory to search for what an INCLUDE or BINCLUDE does not find beside its file.
     void AddSearchDirectory(std::string_view name);
     /// Gives the bytes of the file at the full path `path`, in place of what the disk holds.
-    void SetText(const std::string& path, std::string bytes,
+    void SetText(const std::string& path, std::string_view bytes,
                  const platform::FileIdentity& identity = {});
 
     /// The same for a text that is kept already, under its path.
-    void SetText(Text text) { texts[text->Path()] = std::move(text); }
+    void SetText(Text text) { Keep(std::move(text)); }
 
     /// The full path of `name` as the command line has it.
     [[nodiscard]] std::string FullPath(std::string_view name) { return Beside(base, name).path; }
@@ -62,6 +62,7 @@ class FileStore : public SourceStore {
     platform::FoundPath Beside(const std::string& directory, std::string_view name);
     platform::FoundPath LocateFrom(const std::string& from, std::string_view name);
     platform::FoundPath Locate(std::string_view name);
+    const Text& Keep(Text text);
     Text Load(const std::string& path);
 
     platform::CurrentDirectory directory;  // never changed

@@ -72,7 +72,7 @@ std::string TakeStandardInput(FileStore* store) {
     if (std::ferror(stdin) != 0) {
         return std::generic_category().message(errno);
     }
-    store->SetText(store->FullPath(standardStream), std::move(bytes),
+    store->SetText(store->FullPath(standardStream), bytes,
                    platform::IdentityOf(stdin).value_or(platform::FileIdentity()));
     return "";
 }

@@ -5,6 +5,7 @@
 #include "frontend/listing.h"
 
 #include <algorithm>
+#include <charconv>
 #include <string_view>
 #include <tuple>
 #include <utility>
@@ -12,7 +13,6 @@
 #include "diagnostics/report_writer.h"
 #include "frontend/cycles.h"
 #include "frontend/message_printer.h"
-#include "frontend/number_text.h"
 #include "frontend/summary.h"
 #include "frontend/terminal_text.h"
 
@@ -69,6 +69,8 @@ class Listing {
     }
 
     std::string Text() {
+        text = SummaryText(analysis) + "\n";
+        text.reserve(text.size() + UsualSize());
         Begin("Addr Offset  Bytes");
         PadTo(cyclesColumn).append("T");
         PadTo(placeColumn).append("File:Line");
@@ -91,6 +93,18 @@ class Listing {
         return {message.opening, message.place.line};
     }
 
+    // What statements and names need if all of them have source: growing by doubling would copy it
+    // all.
+    std::size_t UsualSize() const {
+        constexpr std::size_t usualName = 80;  // its row among the names
+        std::size_t size =
+            analysis.statements.size() * (sourceColumn + 1) + analysis.names.size() * usualName;
+        for (const Opening& opening : analysis.openings) {
+            size += analysis.files[static_cast<std::size_t>(opening.file)].text->Bytes().size();
+        }
+        return size;
+    }
+
     void SortMessages() {
         for (std::size_t i = 0; i < analysis.messages.size(); ++i) {
             messages.push_back(i);
@@ -111,18 +125,17 @@ class Listing {
 
     void AddStatement(const Statement& statement) {
         const std::uint32_t rows = (statement.count + bytesPerRow - 1) / bytesPerRow;
-        for (std::uint32_t row = 0; row < std::max({rows, statement.lineCount, 1U}); ++row) {
-            Begin("");
-            if (row == 0 || row < rows) {
-                AddBytes(statement, row * bytesPerRow);
+        const std::uint32_t lines = std::max(statement.lineCount, 1U);
+        for (std::uint32_t i = 0; i < std::max(rows, lines); ++i) {
+            // A row is made in one piece and appended once: a listing has one for every line.
+            char columns[placeColumn + 16];  // an address and an offset may be wider than usual
+            const std::string_view start(
+                columns, PutColumns(columns, statement, i, i == 0 || i < rows, i < lines));
+            if (i < lines) {
+                AddRow(start, statement, statement.line + static_cast<std::int32_t>(i));
+            } else {
+                text.append(start) += '\n';
             }
-            if (row == 0 && statement.kind == StatementKind::instruction) {
-                PadTo(cyclesColumn) += CyclesText(CyclesOf(analysis, statement));
-            }
-            if (row < std::max(statement.lineCount, 1U)) {
-                AddSource(statement, statement.line + static_cast<std::int32_t>(row));
-            }
-            text += '\n';
         }
     }
 
@@ -137,30 +150,54 @@ class Listing {
             .first(std::min(size, analysis.image.size() - start));
     }
 
-    void AddBytes(const Statement& statement, std::uint32_t done) {
-        char row[8 + 1 + 8 + 2 + 2 * bytesPerRow + 8];
-        char* to = PutHex(row, (statement.address + done) & 0xFFFF, 4);
-        *to++ = ' ';
-        to = PutHex(to, statement.offset + done, 6);
-        const auto bytes = BytesOf(statement, done, bytesPerRow);
-        to = PutText(to, bytes.empty() ? "" : "  ");
-        for (const std::uint8_t byte : bytes) {
-            to = PutHexByte(to, byte);
+    // Writes what comes before the place, up to its column if that follows. Result: its end.
+    char* PutColumns(char* columns, const Statement& statement, std::uint32_t row, bool hasBytes,
+                     bool hasSource) const {
+        char* to = columns;
+        const auto padTo = [&](std::size_t column) {
+            to = PutPadding(to, static_cast<std::size_t>(to - columns), column);
+        };
+        if (hasBytes) {
+            const std::uint32_t done = row * bytesPerRow;
+            to = PutHex(to, (statement.address + done) & 0xFFFF, 4);
+            *to++ = ' ';
+            to = PutHex(to, statement.offset + done, 6);
+            const auto bytes = BytesOf(statement, done, bytesPerRow);
+            to = PutText(to, bytes.empty() ? "" : "  ");
+            for (const std::uint8_t byte : bytes) {
+                to = PutHexByte(to, byte);
+            }
         }
-        text.append(row, to);
+        if (row == 0 && statement.kind == StatementKind::instruction) {
+            padTo(cyclesColumn);
+            to = PutCycles(to, CyclesOf(analysis, statement));
+        }
+        if (hasSource) {
+            padTo(placeColumn);
+        }
+        return to;
     }
 
-    void AddSource(const Statement& statement, std::int32_t line) {
+    // Appends a row that begins with `columns` and shows `line`.
+    void AddRow(std::string_view columns, const Statement& statement, std::int32_t line) {
         const Opening& opening = analysis.openings[static_cast<std::size_t>(statement.opening)];
         const auto number = static_cast<std::size_t>(opening.file);
         const SourceFile& file = analysis.files[number];
-        PadTo(placeColumn).append(file.name) += ':';
-        AppendNumber(&text, line);
         const std::string_view source = file.text->Line(line);
+        constexpr std::size_t mostDigits = 16;
+        row.resize(std::max(row.size(), columns.size() + file.name.size() + mostDigits +
+                                            sourceColumn + source.size() + 2));
+        char* to = PutText(PutText(row.data(), columns), file.name);
+        *to++ = ':';
+        to = std::to_chars(to, to + mostDigits, line).ptr;
         if (!source.empty()) {
-            lineStart += hiddenBytes[number];
-            PadTo(std::max(sourceColumn, text.size() - lineStart + 2)) += source;
+            const std::size_t width =
+                static_cast<std::size_t>(to - row.data()) - hiddenBytes[number];
+            to = PutPadding(to, width, std::max(sourceColumn, width + 2));
+            to = PutText(to, source);
         }
+        *to++ = '\n';
+        text.append(row.data(), to);
     }
 
     // The messages for the lines of `statement`.
@@ -236,13 +273,14 @@ class Listing {
     std::vector<std::size_t> messages;  // their numbers, by opening and line
     std::vector<bool> isListed;         // by the numbers of the messages
     std::string text;
+    std::vector<char> row;      // room for the one that is being made
     std::size_t lineStart = 0;  // offset of the line that was begun
 };
 
 }  // namespace
 
 std::string ListingText(const Analysis& analysis) {
-    return SummaryText(analysis) + "\n" + Listing(analysis).Text();
+    return Listing(analysis).Text();
 }
 
 }  // namespace korv

@@ -23,7 +23,7 @@ LogicalLine LogicalLineAt(const StoredText& text, std::int32_t number) {
     LogicalLine line;
     line.text.resize(256);
     LineCleaner cleaner{line.text.data()};
-    const std::string& bytes = text.Bytes();
+    const std::string_view bytes = text.Bytes();
     std::size_t start = text.LineStart(number);
     bool goesOn = true;
     for (std::size_t at = start; goesOn && at != bytes.size(); ++at) {

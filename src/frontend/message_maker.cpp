@@ -135,7 +135,8 @@ void MessageMaker::Make(const Report& report) {
                           .part = {report.place.offset, report.place.length},
                           .text = report.text,
                           .statementId = id,
-                          .isSkipped = report.isSkipped};
+                          .isSkipped = report.isSkipped,
+                          .reason = report.reason};
     Advice advice = adviser.AdviceFor(fault);
     if (advice.isFollowOn) {
         return;

@@ -65,6 +65,10 @@ class MessageMaker : private RunFacts {
     void Finish();
     /// The part of the file that `place` is; a statement as a whole is its mnemonic or its label.
     [[nodiscard]] Place PlaceOf(const SourcePlace& place);
+    /// The file of opening `opening`: index in `files`.
+    [[nodiscard]] std::int32_t FileOf(std::int32_t opening) const {
+        return analysis->openings[static_cast<std::size_t>(opening)].file;
+    }
     /// The stored text of opening `opening`.
     [[nodiscard]] const StoredText& TextOf(std::int32_t opening) const;
     /// Whether a further message would be kept.

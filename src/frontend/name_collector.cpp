@@ -1,6 +1,7 @@
 #include "frontend/name_collector.h"
 
 #include <algorithm>
+#include <optional>
 #include <utility>
 
 #include "codegen/handlers.h"
@@ -8,6 +9,7 @@
 #include "driver/statement.h"
 #include "frontend/message_maker.h"
 #include "frontend/statement_view.h"
+#include "source/char_class.h"
 #include "symbols/identifier_manager.h"
 
 namespace korv {
@@ -26,34 +28,63 @@ NameKind KindOf(const CIdentifier& record) {
     return NameKind::undefined;
 }
 
-}  // namespace
-
-bool MayHoldName(CStatement& statement) {
-    bool hasValue = statement.args.Count() == 0;  // also where nobody has looked at the operands
-    for (const lsArg& arg : statement.args) {
-        hasValue = hasValue || arg.IsValue();
-    }
-    return hasValue;
+bool IsDigit(char c) {
+    return HasClass(c, CC_DIGIT);
 }
 
-void NameCollector::AddUses(const CStatement& statement, bool isSkipped, MessageMaker* places) {
-    const StatementView view = CutStatement(statement.text);
-    if (view.keyword != nullptr &&
-        (view.keyword->handler == AssembleInclude || view.keyword->handler == AssembleBinclude)) {
-        return;  // its operand is the name of a file
+// Whether the operand of a statement is the name of a file.
+bool NamesFile(const Keyword* keyword) {
+    return keyword != nullptr &&
+           (keyword->handler == AssembleInclude || keyword->handler == AssembleBinclude);
+}
+
+// Whether nothing follows the mnemonic of `statement`, or its label if that is alone.
+bool EndsWithToken(const CStatement& statement) {
+    if (statement.token.data() == nullptr) {
+        return false;  // no line has had one yet
     }
-    for (const OperandView& operand : view.operands) {
-        for (const Token& token : operand.tokens) {
-            if (operand.HoldsAsName(token)) {
-                uses[std::string(token.text)].push_back(
-                    {places->PlaceOf(statement.PlaceOf(token.text)), isSkipped});
+    const char* next = statement.token.data() + statement.token.size();
+    return *SkipBlanks(next + (*next == ':' ? 1 : 0)) == '\0';
+}
+
+}  // namespace
+
+void NameCollector::AddUses(CStatement& statement, const Keyword* keyword, bool isSkipped,
+                            bool isFaulty, MessageMaker* places) {
+    if (NamesFile(keyword)) {
+        return;
+    }
+    if (isSkipped || isFaulty || (statement.args.Count() == 0 && !EndsWithToken(statement))) {
+        // Nobody has looked at the operands, or not at all of them.
+        for (const OperandView& operand : CutStatement(statement.text).operands) {
+            AddNames(statement, operand.text, operand.what, isSkipped, places);
+        }
+        return;
+    }
+    for (const lsArg& arg : statement.args) {
+        if (arg.IsValue() && !std::ranges::all_of(arg.text, IsDigit)) {
+            AddNames(statement, arg.text, arg, isSkipped, places);
+        }
+    }
+}
+
+void NameCollector::AddNames(const CStatement& statement, std::string_view text,
+                             const OperandClass& operand, bool isSkipped, MessageMaker* places) {
+    TokenCutter cutter(text);
+    for (std::size_t index = 0; const std::optional<Token> token = cutter.Next(); ++index) {
+        if (IsLookedUp(*token, index, operand)) {
+            auto found = uses.find(token->text);
+            if (found == uses.end()) {
+                found = uses.emplace(token->text, std::vector<NameUse>()).first;
             }
+            found->second.push_back({places->PlaceOf(statement.PlaceIn(token->text)), isSkipped});
         }
     }
 }
 
 std::vector<Name> NameCollector::Take(const CIdentifierManager& table, MessageMaker* places) {
     std::vector<Name> names;
+    names.reserve(static_cast<std::size_t>(table.RecordCount()));
     for (std::int32_t i = 0; i < table.RecordCount(); ++i) {
         const CIdentifier& record = table.Record(i);
         if ((record.flags & IDS_SYSTEM) == IDS_RESERVED_WORD) {
@@ -81,8 +112,17 @@ std::vector<Name> NameCollector::Take(const CIdentifierManager& table, MessageMa
         name.uses = std::move(rest);
     }
     uses.clear();
-    std::ranges::sort(names, {}, &Name::text);
-    return names;
+    std::vector<Name*> order;  // since a name is large, and moved often in a sort
+    for (Name& name : names) {
+        order.push_back(&name);
+    }
+    std::ranges::sort(order, {}, [](const Name* name) { return std::string_view(name->text); });
+    std::vector<Name> sorted;
+    sorted.reserve(names.size());
+    for (Name* const name : order) {
+        sorted.push_back(std::move(*name));
+    }
+    return sorted;
 }
 
 }  // namespace korv

@@ -54,6 +54,7 @@ struct FaultView {
     std::string_view text;  ///< the detail of the message, often the part itself; may be empty
     std::int32_t statementId = 0;  ///< the same for all messages of one statement of the run
     bool isSkipped = false;        ///< a condition keeps the statement from being assembled
+    std::string_view reason = {};  ///< the system's, why a file cannot be read
 };
 
 struct Advice {

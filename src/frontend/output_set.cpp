@@ -1,7 +1,7 @@
 // The order of the steps decides what a failure leaves. Whatever can be refused is asked for first.
 // Then the bytes of all files are written under other names, where nobody sees them. What cannot be
 // taken back, that is what goes to a pipe or a device, comes next, and last the files get their
-// names, each with a way back.
+// names. The way back from that is prepared before, since a run without memory ends at once.
 
 #include "frontend/output_set.h"
 
@@ -102,13 +102,23 @@ class OutputSet {
         const platform::OutputGuard guard;
         for (std::size_t i = outputs.size(); i-- > 0;) {
             if (!staged[i].IsStream() && !staged[i].Put(outputs[i].contents)) {
-                std::string failure = WriteFailure(outputs[i]);
-                staged.clear();  // while no signal comes
-                return failure;
+                const std::string failure = WriteFailure(outputs[i]);
+                return failure + TakeAllBack();
             }
         }
         std::ranges::for_each(staged, &StagedOutput::Keep);
         return {};
+    }
+
+    // What to add to a failure: the files whose old contents are lost.
+    std::string TakeAllBack() {
+        std::string failure;
+        for (std::size_t i = 0; i < outputs.size(); ++i) {
+            if (!staged[i].TakeBack()) {
+                failure += "; cannot restore " + ShownName(outputs[i].name);
+            }
+        }
+        return failure;
     }
 
     const std::vector<Output>& outputs;

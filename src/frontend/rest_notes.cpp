@@ -7,6 +7,7 @@
 #include "frontend/instruction_forms.h"
 #include "frontend/note_rows.h"
 #include "frontend/note_steps.h"
+#include "frontend/terminal_text.h"
 #include "source/char_class.h"
 
 namespace korv {
@@ -30,14 +31,22 @@ Advice AdviseOnReservedName(const StatementView& statement) {
     return advice;
 }
 
-// An INCLUDE or BINCLUDE whose file is not found: other spellings of its name are tried.
-Advice AdviseOnFile(const RunFacts& facts, const StatementView& statement) {
+// An INCLUDE or BINCLUDE whose file is not found, or cannot be read. Other spellings of its name
+// are tried.
+Advice AdviseOnFile(const RunFacts& facts, const FaultView& fault) {
+    const StatementView& statement = fault.statement;
     const std::string_view name = statement.Typed(statement.rest);
     Advice advice;
     advice.place = statement.PartOf(statement.rest);
     const bool isWrapped =
         name.size() > 2 && (name.front() == '"' || name.front() == '<' || name.front() == '\'');
     const std::string inner(isWrapped ? name.substr(1, name.size() - 2) : name);
+    const bool isUnquoted = statement.mnemonic == "BINCLUDE" && name.starts_with('"');
+    const std::string_view meant = isUnquoted ? std::string_view(inner) : name;
+    if (!fault.reason.empty() && facts.HasFile(meant)) {
+        advice.text = "could not read file " + Quoted(meant) + ": " + std::string(fault.reason);
+        return advice;
+    }
     std::string slashed = inner;
     std::ranges::replace(slashed, '\\', '/');
     const std::string base = slashed.substr(slashed.find_last_of('/') + 1);
@@ -208,7 +217,7 @@ Advice AdviseOnRest(Adviser& adviser, const FaultView& fault) {
             }
             break;
         case MSG_CANNOT_OPEN:
-            return AdviseOnFile(adviser.Facts(), statement);
+            return AdviseOnFile(adviser.Facts(), fault);
         case MSG_REDEFINITION:
             return AdviseOnRedefinition(adviser.Facts(), fault);
         case MSG_OFFSET_TOO_BIG:

@@ -13,22 +13,34 @@ class Labels {
   public:
     explicit Labels(const Analysis& analysis) {
         for (const Name& name : analysis.names) {
-            if (name.kind == NameKind::label) {
+            if (name.kind == NameKind::label && name.opening != noIndex) {
                 labels.push_back(&name);
             }
         }
         std::ranges::sort(labels, {}, Position);
+        std::size_t next = 0;
+        for (std::size_t opening = 0; opening < analysis.openings.size(); ++opening) {
+            nextOf.push_back(next);
+            while (next < labels.size() &&
+                   static_cast<std::size_t>(labels[next]->opening) == opening) {
+                ++next;
+            }
+        }
     }
 
-    // Null: the statement has none.
-    [[nodiscard]] const Name* Of(const Statement& statement) const {
-        const auto found = std::ranges::lower_bound(
-            labels, std::pair(statement.opening, statement.line), {}, Position);
-        if (found == labels.end() || (*found)->opening != statement.opening ||
-            std::int64_t{(*found)->definition.line} - statement.line >= statement.lineCount) {
+    // The label of `statement`; null for none. The statements of a file are asked for in their
+    // order.
+    [[nodiscard]] const Name* Of(const Statement& statement) {
+        std::size_t& next = nextOf[static_cast<std::size_t>(statement.opening)];
+        while (next < labels.size() && labels[next]->opening == statement.opening &&
+               labels[next]->definition.line < statement.line) {
+            ++next;
+        }
+        if (next == labels.size() || labels[next]->opening != statement.opening ||
+            std::int64_t{labels[next]->definition.line} - statement.line >= statement.lineCount) {
             return nullptr;
         }
-        return *found;
+        return labels[next];
     }
 
   private:
@@ -37,12 +49,13 @@ class Labels {
     }
 
     std::vector<const Name*> labels;
+    std::vector<std::size_t> nextOf;  // by opening: its first label not before the last statement
 };
 
 }  // namespace
 
 std::vector<Routine> RoutinesOf(const Analysis& analysis) {
-    const Labels labels(analysis);
+    Labels labels(analysis);
     std::vector<Routine> routines;
     Routine routine;
     std::uint32_t nextAddress = 0;

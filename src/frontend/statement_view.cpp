@@ -5,15 +5,31 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 #include "codegen/keywords.h"
-#include "codegen/recogniser.h"
 #include "expr/number.h"
-#include "expr/token.h"
 #include "source/char_class.h"
 
 namespace korv {
 namespace {
+
+constexpr std::size_t letterCount = 26;
+
+constexpr std::size_t LetterOf(std::string_view word) {
+    return static_cast<std::uint8_t>(word[0] - 'A');
+}
+
+// By letter, the first keyword that begins with it or with a later one.
+constexpr auto rowOfLetter = [] {
+    std::array<std::size_t, letterCount + 1> rows{};
+    for (const Keyword& keyword : keywords) {
+        for (std::size_t letter = LetterOf(keyword.word) + 1; letter < rows.size(); ++letter) {
+            ++rows[letter];
+        }
+    }
+    return rows;
+}();
 
 std::string_view Trimmed(std::string_view text) {
     text = WithoutLeadingBlanks(text);
@@ -121,14 +137,14 @@ std::size_t OperandEnd(std::string_view text, std::size_t start) {
 
 }  // namespace
 
-bool OperandView::HoldsAsName(const Token& token) const {
+bool IsLookedUp(const Token& token, std::size_t index, const OperandClass& operand) {
     switch (token.kind) {
         case TokenKind::name:
         case TokenKind::digitName:
             return true;
         case TokenKind::registerName:
         case TokenKind::condition:  // but the IX of (IX+d)
-            return what.kind == KIND_VALUE && !(IsIndexed() && &token == &tokens[1]);
+            return operand.kind == KIND_VALUE && !(IsIndexed(operand) && index == 1);
         default:
             return false;
     }
@@ -143,23 +159,36 @@ const Token* OperandView::OnlyToken() const {
     return isInParentheses ? &tokens[1] : nullptr;
 }
 
+std::optional<Token> TokenCutter::Next() {
+    if (waiting.code != 0) {
+        const bool isLong = waiting.code == OP_LESS_EQUAL || waiting.code == OP_GREATER_EQUAL;
+        const std::string_view word = reader.Token();
+        const auto at = static_cast<std::size_t>(word.data() + word.size() - text.data());
+        return Token{TokenKind::op, text.substr(at, isLong ? 2 : 1), 0,
+                     std::exchange(waiting, {}).code};
+    }
+    while (!reader.isAtEnd) {
+        reader.Next();
+        waiting = reader.op;
+        const std::string_view word = reader.Token();
+        if (word.find('"') != std::string_view::npos) {
+            return StringToken(word, reader.lacksClosingQuote);
+        }
+        if (!word.empty()) {
+            return WordToken(word);
+        }
+        if (waiting.code != 0) {
+            return Next();
+        }
+    }
+    return std::nullopt;
+}
+
 std::vector<Token> CutTokens(std::string_view text) {
     std::vector<Token> tokens;
-    for (TokenReader reader(text); !reader.isAtEnd;) {
-        reader.Next();
-        const std::string_view word = reader.Token();
-        const auto quote = word.find('"');
-        if (quote != std::string_view::npos) {
-            tokens.push_back(StringToken(word, reader.lacksClosingQuote));
-        } else if (!word.empty()) {
-            tokens.push_back(WordToken(word));
-        }
-        if (reader.op.code != 0) {
-            const bool isLong =
-                reader.op.code == OP_LESS_EQUAL || reader.op.code == OP_GREATER_EQUAL;
-            const auto at = static_cast<std::size_t>(word.data() + word.size() - text.data());
-            tokens.push_back({TokenKind::op, text.substr(at, isLong ? 2 : 1), 0, reader.op.code});
-        }
+    TokenCutter cutter(text);
+    while (const std::optional<Token> token = cutter.Next()) {
+        tokens.push_back(*token);
     }
     return tokens;
 }
@@ -216,13 +245,16 @@ StatementView CutStatement(std::string_view line, std::string_view typed) {
 }
 
 const Keyword* FindKeyword(std::string_view word) {
-    std::array<char, 16> text{};  // which ends with a 0
-    if (word.size() >= text.size()) {
+    const std::size_t letter = word.empty() ? letterCount : LetterOf(word);
+    if (letter >= letterCount) {
         return nullptr;
     }
-    std::ranges::copy(word, text.begin());
-    const Keyword* const row = RecogniseInstruction(text.data());
-    return row != nullptr && row->word.size() == word.size() ? row : nullptr;
+    for (std::size_t row = rowOfLetter[letter]; row < rowOfLetter[letter + 1]; ++row) {
+        if (keywords[row].word == word) {
+            return &keywords[row];
+        }
+    }
+    return nullptr;
 }
 
 }  // namespace korv

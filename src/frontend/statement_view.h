@@ -6,12 +6,14 @@
 
 #include <cassert>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "expr/evaluator.h"
 #include "expr/registers.h"
+#include "expr/token.h"
 
 namespace korv {
 
@@ -53,18 +55,39 @@ struct Token {
     }
 };
 
+/// Cuts the tokens of one expression or operand.
+class TokenCutter {
+  public:
+    explicit TokenCutter(std::string_view text) : text(text), reader(text) {}
+    /// The next token; none at the end.
+    std::optional<Token> Next();
+
+  private:
+    std::string_view text;
+    TokenReader reader;
+    Operator waiting;  // the next token, after the one that it ended
+};
+
+/// Whether `operand` is (IX+d) or (IY+d).
+[[nodiscard]] inline bool IsIndexed(const OperandClass& operand) {
+    return operand.reg == REG_IX_INDEXED || operand.reg == REG_IY_INDEXED;
+}
+
+/// Whether `token`, number `index` from 0 in `operand`, is looked up as a name. A register or a
+/// condition is one only as a part of an expression.
+[[nodiscard]] bool IsLookedUp(const Token& token, std::size_t index, const OperandClass& operand);
+
 /// An operand, without the blanks around it. It may be empty.
 struct OperandView {
     std::string_view text;
     OperandClass what;  ///< KIND_NONE if it is empty, or nothing is in its parentheses
     std::vector<Token> tokens;
 
-    [[nodiscard]] bool IsIndexed() const {
-        return what.reg == REG_IX_INDEXED || what.reg == REG_IY_INDEXED;
+    [[nodiscard]] bool IsIndexed() const { return korv::IsIndexed(what); }
+    /// Whether `token`, one of `tokens`, is looked up as a name.
+    [[nodiscard]] bool HoldsAsName(const Token& token) const {
+        return IsLookedUp(token, static_cast<std::size_t>(&token - tokens.data()), what);
     }
-    /// Whether `token`, one of `tokens`, is looked up as a name. A register or a condition is one
-    /// only as a part of an expression.
-    [[nodiscard]] bool HoldsAsName(const Token& token) const;
     /// Its only token, in parentheses or not; null if there are several.
     [[nodiscard]] const Token* OnlyToken() const;
 };

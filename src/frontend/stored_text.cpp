@@ -1,16 +1,23 @@
 #include "frontend/stored_text.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace korv {
+namespace {
 
-StoredText::StoredText(std::string newPath, std::string newBytes,
+StoredText::Block CopyOf(std::string_view bytes) {
+    StoredText::Block copy{std::make_unique_for_overwrite<char[]>(bytes.size()), bytes.size()};
+    std::ranges::copy(bytes, copy.data.get());
+    return copy;
+}
+
+}  // namespace
+
+StoredText::StoredText(std::string newPath, Block newBytes,
                        const platform::FileIdentity& newIdentity)
-    : path(std::move(newPath)), bytes(std::move(newBytes)), identity(newIdentity), starts{0} {
-    const std::string_view text = bytes;
-    for (std::size_t at = 0; (at = text.find('\n', at)) != std::string_view::npos;) {
-        starts.push_back(++at);
-    }
+    : path(std::move(newPath)), bytes(std::move(newBytes)), identity(newIdentity) {
+    const std::string_view text = Bytes();
     std::size_t at = 0;
     while ((at = text.find('\r', at)) != std::string_view::npos &&
            text.substr(++at).starts_with('\n')) {
@@ -19,17 +26,34 @@ StoredText::StoredText(std::string newPath, std::string newBytes,
                   text.find('\x1A') != std::string_view::npos;
 }
 
+StoredText::StoredText(std::string newPath, std::string_view newBytes,
+                       const platform::FileIdentity& newIdentity)
+    : StoredText(std::move(newPath), CopyOf(newBytes), newIdentity) {}
+
+void StoredText::FindStarts() const {
+    const std::string_view text = Bytes();
+    starts.push_back(0);
+    for (std::size_t at = 0; (at = text.find('\n', at)) != std::string_view::npos;) {
+        starts.push_back(++at);
+    }
+}
+
 std::size_t StoredText::LineStart(std::int32_t number) const {
-    return number < 1 || number > LineCount() ? bytes.size()
-                                              : starts[static_cast<std::size_t>(number) - 1];
+    return number < 1 || number > LineCount() ? bytes.size
+                                              : Starts()[static_cast<std::size_t>(number) - 1];
 }
 
 std::string_view StoredText::Line(std::int32_t number) const {
-    const std::size_t start = LineStart(number);
-    std::string_view line(bytes.data() + start, LineStart(number + 1) - start);
-    line.remove_suffix(line.ends_with('\n') ? 1 : 0);
-    line.remove_suffix(line.ends_with('\r') ? 1 : 0);
-    return line;
+    if (number < 1 || number > LineCount()) {
+        return {};
+    }
+    const auto next = static_cast<std::size_t>(number);
+    const std::size_t start = starts[next - 1];
+    std::size_t end = next < starts.size() ? starts[next] - 1 : bytes.size;
+    if (end > start && bytes.data[end - 1] == '\r') {
+        --end;
+    }
+    return Bytes().substr(start, end - start);
 }
 
 }  // namespace korv

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -13,16 +14,24 @@ namespace korv {
 
 class StoredText {
   public:
+    /// Bytes as they were read, owned.
+    struct Block {
+        std::unique_ptr<char[]> data;
+        std::size_t size = 0;
+    };
     /// The file at the full path `path`, or a text by any other name.
-    StoredText(std::string path, std::string bytes, const platform::FileIdentity& identity = {});
+    StoredText(std::string path, Block bytes, const platform::FileIdentity& identity = {});
+    /// The same with a copy of `bytes`.
+    StoredText(std::string path, std::string_view bytes,
+               const platform::FileIdentity& identity = {});
 
     [[nodiscard]] const std::string& Path() const { return path; }
-    [[nodiscard]] const std::string& Bytes() const { return bytes; }
+    [[nodiscard]] std::string_view Bytes() const { return {bytes.data.get(), bytes.size}; }
     /// Which file it is; the default for a text that is none.
     [[nodiscard]] const platform::FileIdentity& Identity() const { return identity; }
 
     [[nodiscard]] std::int32_t LineCount() const {
-        return static_cast<std::int32_t>(starts.size());
+        return static_cast<std::int32_t>(Starts().size());
     }
     /// Offset of physical line `number`, from 1; the size of the text for later ones.
     [[nodiscard]] std::size_t LineStart(std::int32_t number) const;
@@ -34,10 +43,19 @@ class StoredText {
     [[nodiscard]] bool HasOddBytes() const { return hasOddBytes; }
 
   private:
+    [[nodiscard]] const std::vector<std::size_t>& Starts() const {
+        if (starts.empty()) {
+            FindStarts();
+        }
+        return starts;
+    }
+    void FindStarts() const;
+
     std::string path;
-    std::string bytes;
+    Block bytes;
     platform::FileIdentity identity;
-    std::vector<std::size_t> starts;  // of the lines
+    // Of the lines. Made when a line is asked for, since most runs ask for none.
+    mutable std::vector<std::size_t> starts;
     bool hasOddBytes = false;
 };
 

@@ -32,10 +32,11 @@ std::string Expression(std::int32_t value) {
 void PutEqu(std::string* text, const Name& name) {
     constexpr std::size_t longestName = 230;  // a longer one makes its line too long to be read
     constexpr std::size_t valueColumn = 24;
-    std::string label = name.text + ":";
-    label.resize(std::max(label.size(), valueColumn), ' ');
     *text += name.text.size() > longestName ? "; too long: " : "";
-    *text += label + " EQU " + Expression(name.value) + "\n";
+    const std::size_t start = text->size();
+    text->append(name.text) += ':';
+    text->resize(std::max(text->size(), start + valueColumn), ' ');
+    text->append(" EQU ").append(Expression(name.value)) += '\n';
 }
 
 void PutSym(std::string* text, const Name& name) {
@@ -104,6 +105,8 @@ SymbolFile SymbolText(const Analysis& analysis, SymbolFormat format) {
         return std::tuple(name->value, std::string_view(name->text));
     });
     SymbolFile file{.text = std::string(row.header)};
+    constexpr std::size_t usualLine = 48;
+    file.text.reserve(names.size() * usualLine);
     for (const Name* name : names) {
         if (!row.allows(name->text)) {
             ++file.droppedNames;

@@ -158,8 +158,9 @@ bool MakeAlike(int handle, const OutputPlace& place) {
             Requested([&] { return fchmod(handle, old.st_mode & permissions); }) == 0);
 }
 
-bool Empty(int handle) {
-    return Requested([&] { return ftruncate(handle, 0); }) == 0 && lseek(handle, 0, SEEK_SET) == 0;
+bool SetSize(int handle, std::uint64_t size) {
+    return Requested([&] { return ftruncate(handle, static_cast<off_t>(size)); }) == 0 &&
+           lseek(handle, 0, SEEK_SET) == 0;
 }
 
 std::ptrdiff_t WriteSome(int handle, const void* buffer, std::size_t count) {
@@ -191,7 +192,8 @@ bool PutInPlace(FileHandle* handle, std::string* temporary, const std::string& p
 
 void Remove(std::string* name) {
     if (!name->empty()) {
-        unlink(name->c_str());
+        while (unlink(name->c_str()) != 0 && errno == EINTR) {
+        }
         Forget(*name);
         name->clear();
     }

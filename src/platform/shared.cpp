@@ -79,7 +79,7 @@ bool OutputFile::Commit() {
 
 void OutputFile::Write(const void* bytes, std::size_t count) {
     if (!std::exchange(isEmptied, true)) {
-        hasFailed = !Empty(handle);
+        hasFailed = !SetSize(handle, 0);
     }
     hasFailed = hasFailed || !WriteWhole(handle, {static_cast<const char*>(bytes), count});
 }

@@ -27,8 +27,8 @@ inline constexpr std::size_t mostAtOnce = 0x10000000;
 [[nodiscard]] std::ptrdiff_t ReadSome(int handle, void* buffer, std::size_t count);
 [[nodiscard]] std::ptrdiff_t WriteSome(int handle, const void* buffer, std::size_t count);
 
-/// Removes all bytes of an open file, which is then written from its start.
-[[nodiscard]] bool Empty(int handle);
+/// Makes an open file `size` bytes long, and goes to its start.
+[[nodiscard]] bool SetSize(int handle, std::uint64_t size);
 
 // What `OutputFile` asks of a system.
 

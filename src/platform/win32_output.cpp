@@ -124,8 +124,9 @@ bool MakeAlike(int handle, const OutputPlace& place) {
            }) != 0;
 }
 
-bool Empty(int handle) {
-    return !FailsOnPurpose() && _chsize_s(handle, 0) == 0 && _lseeki64(handle, 0, SEEK_SET) == 0;
+bool SetSize(int handle, std::uint64_t size) {
+    return !FailsOnPurpose() && _chsize_s(handle, static_cast<std::int64_t>(size)) == 0 &&
+           _lseeki64(handle, 0, SEEK_SET) == 0;
 }
 
 bool EndWriting(FileHandle*) {

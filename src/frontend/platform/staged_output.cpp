@@ -31,21 +31,23 @@ std::string ErrorText() {
     return ReasonOf(LastError());
 }
 
-// What fails here has no further way back.
-StagedOutput::~StagedOutput() {
+bool StagedOutput::TakeBack() {
     handle = FileHandle();
-    const bool isPut = temporary.empty();
     Remove(&temporary);
-    if (isPut && !backup.empty()) {
-        static_cast<void>(PutInPlace(&handle, &backup, place.path));
+    bool isBack = true;
+    if (std::exchange(isPut, false)) {
+        if (!isThere) {
+            Remove(&place.path);
+        } else if (oldBytes) {
+            isBack =
+                (SetSize(place.handle, oldBytes->size()) && WriteWhole(place.handle, *oldBytes)) ||
+                BytesOf(place.path) == oldBytes;
+        } else {
+            isBack = !backup.empty() && PutInPlace(&handle, &backup, place.path);
+        }
     }
     Remove(&backup);
-    if (isNew) {
-        Remove(&place.path);
-    }
-    if (oldBytes) {
-        static_cast<void>(Empty(place.handle) && WriteWhole(place.handle, *oldBytes));
-    }
+    return isBack;
 }
 
 bool StagedOutput::Open(std::string_view name) {
@@ -87,9 +89,14 @@ bool StagedOutput::IsTerminal() const {
 bool StagedOutput::Stage(std::string_view contents) {
     const bool isPossible = CreateReplacement(place, &temporary, &handle);
     if (temporary.empty()) {
+        oldBytes = isPossible ? BytesOf(place.path) : std::nullopt;
         return isPossible;
     }
     place.handle = FileHandle();  // not every system replaces a file that is open
+    if (isThere) {
+        static_cast<void>(CreateAtFreeName(
+            place, &backup, [&](const std::string& name) { return Link(place.path, name); }));
+    }
     return WriteWhole(handle, contents) && EndWriting(&handle);
 }
 
@@ -100,28 +107,22 @@ bool StagedOutput::Send(std::string_view contents) {
 }
 
 bool StagedOutput::Overwrite(std::string_view contents) {
-    oldBytes = BytesOf(place.path);
-    return Empty(place.handle) && WriteWhole(place.handle, contents) && Flush(place.handle);
+    isPut = true;
+    // The old bytes keep their room on the disk until the new ones are there.
+    return WriteWhole(place.handle, contents) && SetSize(place.handle, contents.size()) &&
+           Flush(place.handle);
 }
 
 bool StagedOutput::Put(std::string_view contents) {
     if (temporary.empty()) {
         return Overwrite(contents);
     }
-    if (isThere) {
-        static_cast<void>(CreateAtFreeName(
-            place, &backup, [&](const std::string& name) { return Link(place.path, name); }));
-    }
-    if (!PutInPlace(&handle, &temporary, place.path)) {
-        return false;
-    }
-    isNew = !isThere;
-    return true;
+    isPut = PutInPlace(&handle, &temporary, place.path);
+    return isPut;
 }
 
 void StagedOutput::Keep() {
-    isNew = false;
-    oldBytes.reset();
+    isPut = false;
     Remove(&backup);
 }
 

@@ -16,12 +16,13 @@ namespace korv::platform {
 /// are replaced. Standard output, a device or a pipe is a stream. Each step is taken for all
 /// outputs before the next step: `Open`; `Stage` for files, `Send` for streams, `Put` for files,
 /// `Keep`. What is destroyed before `Keep` is as it was before `Open`, but for what a stream has
-/// taken. If a step fails, `ErrorText` gives the reason.
+/// taken. If a step fails, `ErrorText` gives the reason. Without memory the process may end in each
+/// step but `Put`, which needs none.
 class StagedOutput {
   public:
     StagedOutput() = default;
     StagedOutput(StagedOutput&&) noexcept = default;
-    ~StagedOutput();
+    ~StagedOutput() { static_cast<void>(TakeBack()); }
 
     /// Opens what is at `name`, taken exactly as spelled, if anything is. Waits for the reader of a
     /// named pipe. A file that standard output goes to is opened as that stream.
@@ -36,13 +37,16 @@ class StagedOutput {
     /// Whether a person sees what is written, and control characters act.
     [[nodiscard]] bool IsTerminal() const;
 
-    /// Writes `contents` to a new file. Nothing is done yet where there can be none.
+    /// Writes `contents` to a new file, and prepares the way back. Where there can be no new file
+    /// the old one is only read.
     [[nodiscard]] bool Stage(std::string_view contents);
     /// Writes `contents` to the stream. A signal that asks the process to end does so while the
     /// stream does not take them.
     [[nodiscard]] bool Send(std::string_view contents);
     /// Puts the new file in place, or replaces the bytes of the old one by `contents`.
     [[nodiscard]] bool Put(std::string_view contents);
+    /// Undoes what was done since `Open`. False: `Put` cannot be undone.
+    bool TakeBack();
     /// Gives up the way back from `Put`.
     void Keep();
 
@@ -55,8 +59,8 @@ class StagedOutput {
     FileHandle handle;                    // of the new file
     std::string temporary;                // its name; empty: the old file is written, or it is put
     std::string backup;                   // a second name of the file that was there
-    std::optional<std::string> oldBytes;  // of a file that is overwritten
-    bool isNew = false;                   // a file was put where there was none
+    std::optional<std::string> oldBytes;  // of a file that is to be overwritten
+    bool isPut = false;                   // what was there before is replaced, or may be
 };
 
 /// Keeps signals that end the process waiting while it lives, so that it ends between the outputs

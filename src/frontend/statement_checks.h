@@ -1,0 +1,65 @@
+/// The warnings about statements that have been assembled: finds what is odd in one and hands it to
+/// the maker of messages.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "driver/assembler.h"
+#include "frontend/checks.h"
+#include "frontend/condition_watch.h"
+#include "frontend/message_maker.h"
+#include "frontend/options.h"
+
+namespace korv {
+
+class StatementChecks {
+  public:
+    /// None is owned.
+    StatementChecks(const Options& options, CAssembler* assembler, MessageMaker* maker)
+        : assembler(assembler), maker(maker), hasGaps(options.format != ImageFormat::hex) {}
+
+    /// Whether `Look` may find something in `statement`, which has a text and `count` bytes. Asked
+    /// of every statement, so it is quick.
+    [[nodiscard]] bool MayBeOdd(CStatement& statement, std::uint32_t count) const {
+        if (conditions.HasChanged(*assembler)) {
+            return true;
+        }
+        return assembler->assembling != 0 &&
+               ((statement.HasLabel() && MayBeMisread(statement.label)) ||
+                assembler->location != statement.address + count ||
+                HasOddOperand(statement, count));
+    }
+    /// Warns of what is odd in `statement`. One that `isFaulty`, of which something has been
+    /// reported, is only followed.
+    void Look(CStatement* statement, std::uint32_t count, bool isFaulty);
+    /// Warns of comments that take away a line, in a statement of several lines.
+    void LookAtComments(const CStatement& statement);
+    /// Warns of what is odd in the bytes of the file of `opening`.
+    void LookAtBytes(std::int32_t opening);
+
+    void Warn(const CStatement& statement, const Findings& findings);
+    [[nodiscard]] const ConditionWatch& Conditions() const { return conditions; }
+
+  private:
+    [[nodiscard]] std::span<const std::uint8_t> BytesOf(std::uint32_t count) const {
+        return assembler->binary.Bytes().last(count);
+    }
+    [[nodiscard]] bool HasOddOperand(CStatement& statement, std::uint32_t count) const {
+        for (const lsArg& arg : statement.args) {
+            if (IsOdd(arg, BytesOf(count))) {
+                return true;
+            }
+        }
+        return false;
+    }
+    void CheckOrg(const CStatement& statement);
+    void WarnOfBytes(std::int32_t opening, const std::vector<ByteFinding>& findings);
+
+    CAssembler* const assembler;
+    MessageMaker* const maker;
+    const bool hasGaps;  // the image has no addresses of its own
+    ConditionWatch conditions;
+};
+
+}  // namespace korv

@@ -11,14 +11,13 @@
 #include <map>
 #include <set>
 
+#include "faults.h"
 #include "frontend/frontend.h"
-#include "platform/platform.h"
 #include "run.h"
 
 namespace korv_test {
 namespace {
 namespace fs = std::filesystem;
-using korv::platform::RequestFault;
 using Files = std::map<std::string, std::string>;
 
 Files FilesHere() {
@@ -80,7 +79,7 @@ TEST_P(FaultTest, LeavesWhatItSays) {
             fs::permissions(name, fs::perms(0640));
             contents == none ? fs::remove(name) : false;
         }
-        korv::platform::FaultFileRequest(n, what);
+        FaultFileRequest(n, what);
         // Where the system finds it too, it has another name when it has not been looked up.
         RunKorv({isWindows ? "main.kor" : "Main.Kor", "out/OUT.COM", "/d", "/l", "/m", "/f:4"});
         fs::current_path(directory.Path());  // there may have been no way back
@@ -102,7 +101,7 @@ TEST_P(FaultTest, LeavesWhatItSays) {
     const std::string rightErrors = errors();
     for (int n = 1;; ++n) {
         Files files = run(n);
-        if (!korv::platform::FaultFileRequest(0, {})) {
+        if (!FaultFileRequest(0, {})) {
             ASSERT_GT(n, 40);
             break;
         }
@@ -146,7 +145,6 @@ struct Fault {
 std::ostream& operator<<(std::ostream& out, const Fault& fault) {
     return out << fault.name;
 }
-using korv::platform::FailAllocation, korv::platform::FaultFileRequest;
 const Fault faults[] = {
     {"request", [](int n) { FaultFileRequest(n, RequestFault::failsOnce); }, false},
     {"requests", [](int n) { FaultFileRequest(n, RequestFault::failsForGood); }, false},

@@ -20,6 +20,7 @@
 
 #include "diagnostics/report_writer.h"
 #include "driver/assembler.h"
+#include "faults.h"
 #include "frontend/frontend.h"
 #include "platform/platform.h"
 #include "run.h"
@@ -99,7 +100,7 @@ TEST(FaultDeathTest, AnyAllocationMayFailOnceOrForGood) {
         const auto run = [&, file = name, all = allBehind](int n) {
             WriteFile("OUT.COM", "old");
             return RunChild({"korv", file, "OUT.COM", "/d", "/l", "/f:777", "/linelen:1233", all ? "/f:0" : "/p-"},
-                            [n, all](pid_t) { korv::platform::FailAllocation(n, all); });
+                            [n, all](pid_t) { FailAllocation(n, all); });
         };
         const auto results = [] { return *ReadFile("OUT.COM") + *ReadFile("Debug.Out") + *ReadFile("Labels.Out"); };
         const std::string right = run(0).console;

@@ -101,11 +101,6 @@ std::uint32_t BinBlock::PutWordAt(std::int32_t value, std::uint32_t at) {
     return at;
 }
 
-std::int32_t BinBlock::WriteTo(platform::OutputFile* file) const {
-    file->Write(data, position);
-    return 0;
-}
-
 Status BinBlock::DumpStatus(std::FILE* output) const {
     if (output == nullptr) {
         return noStream;

@@ -1,6 +1,6 @@
-/// The growing buffer into which the whole run assembles. It knows offsets in the target, and
-/// nothing of addresses: the location counter is another number, which its users move, and neither
-/// is computed from the other.
+/// The growing buffer into which the whole run assembles. It has offsets in the target and no
+/// addresses: the location counter is a separate number, which its users move. Neither is computed
+/// from the other.
 #pragma once
 
 #include <cstdint>
@@ -14,8 +14,8 @@ namespace korv {
 
 class BinBlock {
   public:
-    /// A buffer of `initialSize` bytes, filled with 0xFF. `stream`, not owned, receives the message
-    /// of a failed allocation, which ends the process, here and in every other operation.
+    /// A buffer of `initialSize` bytes, filled with 0xFF. A failed allocation, here and in every
+    /// other operation, is reported to `stream`, which is not owned, and ends the process.
     BinBlock(std::uint32_t initialSize, std::FILE* stream);
     ~BinBlock();
     BinBlock(const BinBlock&) = delete;
@@ -43,10 +43,10 @@ class BinBlock {
         return start;
     }
     std::uint32_t PutBytes(std::span<const std::uint8_t> bytes);
-    /// Appends `count` zero bytes, just as that many calls of `PutByte` do.
+    /// Appends `count` zero bytes, like that many calls of `PutByte`.
     std::uint32_t PutZeros(std::uint32_t count);
 
-    /// Overwrite, and do not move `Position`. Result: `at`. A byte at a position of all bits set is
+    /// Overwrite, without moving `Position`. Result: `at`. If all bits of `at` are set, a byte is
     /// not written; a word must not be put there.
     std::uint32_t PutByteAt(std::int32_t value, std::uint32_t at);
     std::uint32_t PutWordAt(std::int32_t value, std::uint32_t at);
@@ -61,8 +61,8 @@ class BinBlock {
     /// All bytes, until the next is appended.
     [[nodiscard]] std::span<const std::uint8_t> Bytes() const { return {data, position}; }
 
-    /// Writes all bytes to `file`. Result: 0; whether the write succeeded, the file knows.
-    std::int32_t WriteTo(platform::OutputFile* file) const;
+    /// Writes all bytes to `file`, which remembers whether that has failed.
+    void WriteTo(platform::OutputFile* file) const { file->Write(data, position); }
     /// Prints the lines of the status dump. Result: 0, or `noStream`.
     Status DumpStatus(std::FILE* stream) const;
 
@@ -71,19 +71,19 @@ class BinBlock {
     static constexpr std::uint32_t byteStep = 4096;
     static constexpr std::uint32_t wordStep = 16384;
 
-    // Tries to take all steps of `step` until `offset`, which lies outside, is inside the buffer,
-    // by one allocation. Where that fails nothing is said: the single steps follow, which tell how
-    // far the memory went.
+    // Tries to grow in one allocation by as many steps of `step` as it takes until `offset`, which
+    // is outside, is inside the buffer. A failure is not reported: the single steps follow, and
+    // their report shows how far the memory went.
     void GrowAtOnce(std::uint32_t step, std::uint64_t offset);
-    // Grows in steps of `step` until `offset` lies inside the buffer.
+    // Grows in steps of `step` until `offset` is inside the buffer.
     void GrowBy(std::uint32_t step, std::uint64_t offset);
-    // The same where it mostly does already.
+    // The same if it is not inside yet.
     void Reserve(std::uint32_t step, std::uint64_t offset) {
         if (offset >= size) {
             GrowBy(step, offset);
         }
     }
-    // The rare case of an append ends with it, so that the usual one is free of calls.
+    // The rare case of an append is a call at its end, so that the usual case has none.
     std::uint32_t GrowAndPutByte(std::int32_t value);
     std::uint32_t GrowAndPutWord(std::int32_t value);
 

@@ -9,7 +9,7 @@ namespace korv {
 
 Status AssembleBit(CAssembler* assembler, CStatement* statement, char kind) {
     const lsArg& bit = statement->args.First();
-    if (bit.status != 0) {  // the number lies in the opcode: it cannot be patched
+    if (bit.status != 0) {  // the number is part of the opcode and cannot be patched
         return Refuse(statement, bit, MSG_NOT_IMMEDIATE);
     }
     if (!bit.IsPlainValue() || bit.value < 0 || bit.value > 7) {

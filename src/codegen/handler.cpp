@@ -12,8 +12,8 @@ bool EndsOperand(char c) {
     return ActionOf(c) == TokenAction::separator;
 }
 
-// The end of the operand that goes on at `next`: its comma, a semicolon or the end of the line,
-// outside of quotes. A quote left open protects all that follows.
+// The end of the operand that continues at `next`: a comma, a semicolon or the end of the line,
+// outside quotes. After an unclosed quote it is the end of the line.
 const char* FindOperandEnd(const char* next) {
     for (; !EndsOperand(*next); ++next) {
         if (*next == '"') {
@@ -28,8 +28,8 @@ const char* FindOperandEnd(const char* next) {
     return next;
 }
 
-// Adds an operand of any form, which begins at `start` and goes on at `next`. A missing one is
-// reported if there is a comma at one of its sides. Result: the end of the operand. Not inlined:
+// Adds an operand of any form. It begins at `start` and continues at `next`. An empty one is
+// reported if there is a comma on either side of it. Result: the end of the operand. Not inlined:
 // that would cost 0.6 % of the instructions of a run.
 [[gnu::noinline]] const char* AddOperand(CAssembler* assembler, CStatement* statement,
                                          const char* start, const char* next) {
@@ -56,10 +56,10 @@ const char* FindOperandEnd(const char* next) {
 // Cuts the text after the mnemonic at its commas and adds each operand to the list of the
 // statement, evaluated. Reports operands that are empty or refused.
 //
-// Nearly every operand is a single token, alone or in parentheses: the scan that finds its end also
-// finds that out. Any other goes on from there to its comma. `before` is what ended the mnemonic, a
-// blank or the end of the line, later the comma before an operand. Inlined, since nearly every line
-// comes here once: 0.9 % of the instructions of a run.
+// Nearly every operand is a single token, alone or in parentheses: the scan for its end shows that.
+// Any other operand is then scanned further, up to its comma. `before` is what ended the mnemonic,
+// a blank or the end of the line, later the comma before an operand. Inlined, since it runs once
+// for nearly every line: 0.9 % of the instructions of a run.
 [[gnu::always_inline]] inline void SplitOperands(CAssembler* assembler, CStatement* statement,
                                                  const char* before) {
     if (*before == '\0') {

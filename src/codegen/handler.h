@@ -1,5 +1,5 @@
-/// The frame that all handlers of instructions and directives share: what is done before a handler
-/// begins, according to the keyword's row.
+/// The frame that all handlers of instructions and directives share: the steps before the handler
+/// itself, chosen by the row of the keyword.
 #pragma once
 
 #include <cstdint>
@@ -14,9 +14,9 @@ class CAssembler;
 struct CStatement;
 struct lsArg;
 
-/// Assembles one statement, once its frame is done. Result: 0; a message number, which the
-/// statement loop reports as an error without a text; or `generalFailure`. What the statement
-/// has emitted by then stays. Handlers are compared by identity.
+/// Assembles one statement, after its frame. Result: 0; a message number, which the statement loop
+/// reports as an error without a text; or `generalFailure`. What the statement has emitted by then
+/// stays. Handlers are compared by identity.
 using HandlerFunction = Status(CAssembler* assembler, CStatement* statement);
 using InstructionHandler = HandlerFunction*;
 
@@ -27,17 +27,17 @@ Status With(CAssembler* assembler, CStatement* statement) {
     return handler(assembler, statement, facts...);
 }
 
-/// For a handler that ends with `status`, which is not 0, because of `arg`: the report is about
-/// that operand. Result: `status`.
+/// For a handler that fails with `status`, which is not 0, because of `arg`, so that the report is
+/// about that operand. Result: `status`.
 [[gnu::cold]] Status Refuse(CStatement* statement, const lsArg& arg, Status status);
 
-/// Defines the label of the line, which has one, with IDF_* bits, and marks it as defined.
+/// Defines the label of the line, which must have one, with IDF_* bits, and marks it as defined.
 void DefineLabel(CAssembler* assembler, CStatement* statement, std::int32_t value,
                  std::uint32_t flags);
 /// Defines the label of the line, if there is one, as the address of the statement.
 void DefineLineLabel(CAssembler* assembler, CStatement* statement);
 
-/// How many operands a mnemonic takes, and what it answers to more.
+/// How many operands a mnemonic takes, and the message if there are more.
 struct OperandCount {
     std::int32_t fewest;
     std::int32_t most;
@@ -50,14 +50,13 @@ inline constexpr OperandCount oneOrTwoOperands{1, 2};
 inline constexpr OperandCount twoOperands{2, 2};
 inline constexpr OperandCount anyOperands{1, std::numeric_limits<std::int32_t>::max()};
 
-/// What comes before a handler's own work, in its order. The count of the operands is looked at
-/// last, so a wrong one keeps neither the label from being defined nor the operands from being
-/// read.
+/// The steps before a handler, in their order. The number of operands is checked last: with a wrong
+/// one, the label is still defined and the operands are still read.
 enum class Frame {
     labelFirst,     ///< label, operands: a label can be an operand of its own line
     operandsFirst,  ///< operands, label
-    operandsOnly,   ///< operands; the handler sees to the label itself
-    noLabel,        ///< operands; a label is an error here, which stops nothing
+    operandsOnly,   ///< operands; the handler defines the label
+    noLabel,        ///< operands; a label is an error, but the handler runs
     // from here on the rest of the line is not read
     labelOnly,  ///< label
     nothing,    ///< the label is left to the loop
@@ -75,13 +74,13 @@ enum class KeywordGroup : std::uint8_t {
 struct Keyword {
     std::string_view word;
     InstructionHandler handler;
-    OperandCount operands;            ///< not looked at where the frame reads none
+    OperandCount operands;            ///< ignored if the frame reads none
     Frame frame = Frame::labelFirst;  ///< nearly all instructions and the data directives
     KeywordGroup group = KeywordGroup::instruction;
 };
 
-/// Performs the frame of `keyword`, which is the token of the statement. Result: 0, or what
-/// is wrong with the number of operands.
+/// Performs the frame of `keyword`, which is the token of the statement. Result: 0, or the message
+/// if the number of operands is wrong.
 [[nodiscard]] Status BeginStatement(CAssembler* assembler, CStatement* statement,
                                     const Keyword& keyword);
 

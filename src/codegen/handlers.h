@@ -1,5 +1,5 @@
-/// All handlers, by the file that defines them. They begin where their frame is done, with the
-/// operands ready. The keyword table maps words to handlers.
+/// All handlers, by the file that defines them. A handler runs after its frame, with the operands
+/// ready. The keyword table maps words to handlers.
 #pragma once
 
 #include <cstdint>
@@ -49,7 +49,7 @@ HandlerFunction AssembleOrg, AssembleEqu;
 HandlerFunction AssembleIf, AssembleElse, AssembleEndif, AssembleEnd;
 
 // codegen/handler.cpp
-/// A command without a function: its result is `answer`.
+/// A command that does nothing but fail with `answer`.
 Status AnswerOnly(CAssembler* assembler, CStatement* statement, Status answer);
 
 // source/include_files.cpp

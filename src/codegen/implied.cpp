@@ -1,7 +1,6 @@
 // The instructions without operands, which consist of their frame and one or two bytes.
 
 #include "codegen/handlers.h"
-#include "codegen/operand_forms.h"
 #include "driver/assembler.h"
 
 namespace korv {

@@ -13,14 +13,9 @@ constexpr std::int32_t ConditionField(const lsArg& condition) {
     return condition.condition * 8;
 }
 
-// What JP, CALL and JR have in common: a condition, if there are two operands, and a target.
+// JP, CALL and JR have a target, and before it a condition if there are two operands.
 bool IsConditional(const CStatement& statement) {
     return statement.args.Count() == 2;
-}
-
-// JP (HL), JP (IX) and JP (IY).
-bool IsRegisterJump(std::int32_t reg) {
-    return reg == REG_HL_INDIRECT || reg == REG_IX_INDIRECT || reg == REG_IY_INDIRECT;
 }
 
 }  // namespace
@@ -29,7 +24,8 @@ Status AssembleJp(CAssembler* assembler, CStatement* statement) {
     const lsArg& first = statement->args.First();
     const lsArg& target = statement->args.Last();
     const bool isConditional = IsConditional(*statement);
-    if (!isConditional && IsRegisterJump(first.reg)) {
+    if (!isConditional && (first.reg == REG_HL_INDIRECT || first.reg == REG_IX_INDIRECT ||
+                           first.reg == REG_IY_INDIRECT)) {
         return assembler->EmitOpcode(IndexPrefix(first.reg), 0xE9);
     }
     if (isConditional && !first.IsCondition()) {  // the statement goes on, with the number -1
@@ -51,7 +47,7 @@ Status AssembleCall(CAssembler* assembler, CStatement* statement) {
         return Refuse(statement, isRefused ? first : target, MSG_ILLEGAL_ARGUMENT);
     }
     assembler->EmitByte(isConditional ? 0xC4 + ConditionField(first) : 0xCD);
-    // A known value outside 16 bits is cut without a word.
+    // A known value outside 16 bits is cut without a warning.
     return EmitValue<wordKind>(assembler, statement, target, PatchText::operand);
 }
 
@@ -67,8 +63,8 @@ Status AssembleJr(CAssembler* assembler, CStatement* statement) {
     return EmitRelative(assembler, statement, target, MSG_OFFSET_TOO_BIG);
 }
 
-// Takes its operand as text, so that it knows no registers: DJNZ A goes to the label A. What is no
-// value without parentheses is scanned as such a text.
+// Takes its operand as text: no register has a meaning here, and DJNZ A jumps to the label A. So an
+// operand that was not read as a value without parentheses is scanned again as one.
 Status AssembleDjnz(CAssembler* assembler, CStatement* statement) {
     lsArg& target = statement->args.First();
     if (!target.IsValue() || target.reg != REG_NONE) {
@@ -91,7 +87,7 @@ Status AssembleRet(CAssembler* assembler, CStatement* statement) {
 
 Status AssembleRst(CAssembler* assembler, CStatement* statement) {
     const lsArg& target = statement->args.First();
-    if (target.status != 0) {  // the address lies in the opcode: it cannot be patched
+    if (target.status != 0) {  // the address is part of the opcode and cannot be patched
         return Refuse(statement, target,
                       target.status == MSG_UNRESOLVED ? MSG_NOT_IMMEDIATE : MSG_BAD_EXPRESSION);
     }

@@ -1,7 +1,5 @@
-// LD: one mnemonic for the whole load group. The destination decides; its source then has the
-// shapes that the processor's load group lists for it.
-
-#include <array>
+// LD: one mnemonic for the whole load group. The destination decides which sources are possible, as
+// listed in the processor's load group.
 
 #include "codegen/handlers.h"
 #include "codegen/late_value.h"
@@ -20,16 +18,7 @@ constexpr OperandForm toAccumulator =
 constexpr OperandForm toMemory =
     ByteForm(storeOpcode, storeImmediateOpcode, ALLOW_A | ALLOW_B_TO_L, FORM_IMM8);
 
-// By the number of the register.
-constexpr auto toRegister = [] {
-    std::array<OperandForm, 8> forms{};
-    for (std::uint8_t reg = 0; reg < forms.size(); ++reg) {
-        forms[reg] = ByteForm(0x40 + 8 * reg, 0x06 + 8 * reg);
-    }
-    return forms;
-}();
-
-// The shapes in which only A may be the source.
+// The forms in which only A may be the source.
 Status LoadFromAccumulator(CAssembler* assembler, CStatement* statement, const lsArg& src,
                            std::uint8_t prefix, std::int32_t opcode) {
     if (src.reg != REG_A) {
@@ -53,7 +42,7 @@ Status LoadAccumulator(CAssembler* assembler, CStatement* statement, const lsArg
 }
 
 // The pairs, from an immediate word or from memory; SP from HL, IX or IY too. A value outside 16
-// bits is cut without a word.
+// bits is cut without a warning.
 Status LoadPair(CAssembler* assembler, CStatement* statement, const lsArg& dst, const lsArg& src) {
     if (dst.reg == REG_SP && IsHlOrIndex(src.reg)) {
         return assembler->EmitOpcode(IndexPrefix(src.reg), 0xF9);
@@ -121,7 +110,7 @@ Status AssembleLd(CAssembler* assembler, CStatement* statement) {
     }
     if (IsByteRegister(dst.reg)) {
         return EncodeOperand(assembler, statement, src,
-                             toRegister[static_cast<std::size_t>(dst.reg)]);
+                             ByteForm(0x40 + 8 * dst.reg, 0x06 + 8 * dst.reg));
     }
     if (IsPair(dst.reg) && dst.reg != REG_AF) {
         return LoadPair(assembler, statement, dst, src);

@@ -96,16 +96,7 @@ Status EncodeAccumulatorOp(CAssembler* assembler, CStatement* statement, std::in
 }
 
 Status ProcessBSR_Ex(CAssembler* assembler, CStatement* statement, char kind, std::int32_t field) {
-    const std::int32_t base = kind == 'X'   ? 0x00
-                              : kind == 'B' ? 0x40
-                              : kind == 'R' ? 0x80
-                              : kind == 'S' ? 0xC0
-                                            : -1;
-    if (base < 0) {
-        assembler->ReportError(statement, MSG_GENERAL_FAILURE,
-                               "ProcessBSR_Ex -> Not BSRX in switch!");
-        return 0;
-    }
+    const std::int32_t base = kind == 'X' ? 0x00 : kind == 'B' ? 0x40 : kind == 'R' ? 0x80 : 0xC0;
     std::int32_t opcode = base + 8 * field;
     const lsArg& arg = kind == 'X' ? statement->args.First() : statement->args.Second();
     if (IsFieldRegister(arg.reg)) {

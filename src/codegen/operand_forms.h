@@ -1,6 +1,5 @@
-/// The encoders that whole families of instructions share: one classified operand becomes bytes,
-/// with the checks, the messages and the patch that belong to it. A handler calls one of them as
-/// its last act and returns its result.
+/// The encoders that groups of instructions share. Each turns one classified operand into bytes,
+/// with its checks, messages and patch. A handler calls one of them last and returns its result.
 #pragma once
 
 #include <cstdint>
@@ -34,13 +33,13 @@ inline constexpr std::uint32_t ALLOW_SP = 0x4000;
 inline constexpr std::uint32_t ALLOW_FIELD = ALLOW_A | ALLOW_B_TO_L | ALLOW_HL_INDIRECT;
 
 /// Bits of `OperandForm::forms`.
-inline constexpr std::uint32_t FORM_IMM8 = 0x001;    ///< an immediate byte may stand here
-inline constexpr std::uint32_t FORM_IX = 0x004;      ///< (IX+d) may stand here
-inline constexpr std::uint32_t FORM_IY = 0x008;      ///< (IY+d) may stand here
-inline constexpr std::uint32_t FORM_DIRECT = 0x020;  ///< (nn) may stand here: LD A,(nn)
-inline constexpr std::uint32_t FORM_PREFIX = 0x100;  ///< `prefix` goes first
+inline constexpr std::uint32_t FORM_IMM8 = 0x001;    ///< an immediate byte is allowed
+inline constexpr std::uint32_t FORM_IX = 0x004;      ///< (IX+d) is allowed
+inline constexpr std::uint32_t FORM_IY = 0x008;      ///< (IY+d) is allowed
+inline constexpr std::uint32_t FORM_DIRECT = 0x020;  ///< (nn) is allowed: LD A,(nn)
+inline constexpr std::uint32_t FORM_PREFIX = 0x100;  ///< `prefix` is emitted first
 
-/// Which operands an instruction allows in one place, and its opcodes.
+/// The operands that an instruction allows in one place, and their opcodes.
 struct OperandForm {
     std::uint8_t shift = 0;            ///< left shift of the operand's number into the opcode
     std::uint8_t opcode = 0;           ///< of the register forms, without the number
@@ -50,7 +49,7 @@ struct OperandForm {
     std::uint32_t forms = 0;           ///< FORM_* bits
 };
 
-/// The form of an operand that is any byte: in a register, in memory, or immediate.
+/// The form of an operand that is a byte: in a register, in memory, or immediate.
 [[nodiscard]] constexpr OperandForm ByteForm(std::int32_t opcode, std::int32_t immediateOpcode,
                                              std::uint32_t allowed = ALLOW_FIELD,
                                              std::uint32_t forms = FORM_IMM8 | FORM_IX | FORM_IY) {
@@ -91,7 +90,7 @@ struct OperandForm {
 [[nodiscard]] constexpr bool IsPair(std::int32_t reg) {
     return reg >= REG_BC && reg <= REG_AF;
 }
-/// Whether `reg` is the code of HL, or of IX or IY, which take its place after a prefix.
+/// Whether `reg` is the code of HL, or of IX or IY, which replace it after a prefix.
 [[nodiscard]] constexpr bool IsHlOrIndex(std::int32_t reg) {
     return reg >= REG_HL && reg <= REG_IY;
 }

@@ -1,10 +1,10 @@
-// The decision tree of the vocabulary, made by the compiler from the keyword table: so there is no
-// generator to install and nothing to edit, and the tree cannot differ from the table.
+// The decision tree of the vocabulary. The compiler builds it from the keyword table, so it needs
+// no generator and cannot differ from the table.
 //
 // A node is a range of the sorted table whose words agree in their first `depth` characters. The
 // next character of the token is read once; a binary decision over the candidates at that depth
-// picks the range in which it agrees, and the terminator is a candidate like any other, so that IN
-// is distinguished from INC and INCLUDE. After inlining only comparisons and jumps are left.
+// picks the range in which it agrees. The terminator is a candidate like any other: it
+// distinguishes IN from INC and INCLUDE. After inlining only comparisons and jumps are left.
 
 #include "codegen/recogniser.h"
 
@@ -37,8 +37,8 @@ constexpr std::size_t EndOfBranch(std::size_t first, std::size_t end, std::size_
     return row;
 }
 
-// A row of the range that begins a branch: in the middle, but for LD, which is every third
-// statement of a program and asked for first: 0.4 % of the instructions of a run.
+// A row of the range that begins a branch, in the middle of the range. LD, which is every third
+// statement of a program, is compared first: 0.4 % of the instructions of a run.
 constexpr std::size_t Pivot(std::size_t first, std::size_t end, std::size_t depth) {
     std::size_t row = first + (end - first) / 2;
     for (std::size_t i = first; i < end; ++i) {

@@ -1,4 +1,4 @@
-/// From a mnemonic to its handler.
+/// Finds the row of a mnemonic.
 #pragma once
 
 #include "codegen/handler.h"

@@ -1,5 +1,5 @@
-// Stack, exchange, interrupt mode and ports. IN and OUT hold the only undocumented forms that are
-// taken: IN F,(C) and OUT (C),F, with the number 6 in the register field.
+// Stack, exchange, interrupt mode and ports. IN and OUT have the only undocumented forms that are
+// accepted: IN F,(C) and OUT (C),F, with 6 in the register field.
 
 #include <array>
 
@@ -25,7 +25,7 @@ Status AssembleEx(CAssembler* assembler, CStatement* statement) {
     if (first.reg == REG_DE && second.reg == REG_HL) {
         return assembler->EmitOpcode(PREFIX_NONE, 0xEB);
     }
-    // AF' is no register name: it is known by its text.
+    // AF' is not in the table of registers, so its text is compared.
     if (first.reg == REG_AF && (second.reg == REG_AF || second.text == "AF'")) {
         return assembler->EmitOpcode(PREFIX_NONE, 0x08);
     }
@@ -39,7 +39,7 @@ Status AssembleEx(CAssembler* assembler, CStatement* statement) {
 
 Status AssembleIm(CAssembler* assembler, CStatement* statement) {
     const lsArg& mode = statement->args.First();
-    if (mode.status != 0) {  // the mode lies in the opcode: it cannot be patched
+    if (mode.status != 0) {  // the mode is part of the opcode and cannot be patched
         return Refuse(statement, mode, MSG_NOT_IMMEDIATE);
     }
     if (!mode.IsPlainValue()) {

@@ -22,17 +22,16 @@ inline constexpr ValueRange byteRange{-128, 255, MSG_NOT_BYTE};
 inline constexpr ValueRange signedByteRange{-128, 127, MSG_NOT_SIGNED_BYTE};
 inline constexpr ValueRange wordRange{-32768, 65535, MSG_NOT_WORD};
 inline constexpr ValueRange signedWordRange{-32768, 32767, MSG_NOT_SIGNED_WORD};
-/// Data bytes and port numbers: the same values as `byteRange`, but here a value outside is an
-/// error.
+/// Data bytes and port numbers: the same values as `byteRange`, but a value outside is an error.
 inline constexpr ValueRange dataByteRange{-128, 255, MSG_NOT_UNSIGNED_BYTE};
-/// Distances of relative jumps; the message is that of a late one.
+/// Distances of relative jumps, with the message for a late one.
 inline constexpr ValueRange relativeRange{-128, 127, MSG_OFFSET_TOO_BIG};
 
 /// Indexed by PF_8BIT, and by PF_SIGNED.
 inline constexpr ValueRange widthRanges[2][2] = {{wordRange, signedWordRange},
                                                  {byteRange, signedByteRange}};
 
-/// What a value of the kind `kind` (PF_* bits) may be, known at once or late.
+/// The range of a value of `kind` (PF_* bits), known at once or late.
 [[nodiscard]] constexpr const ValueRange& RangeOf(std::uint32_t kind) {
     if ((kind & PF_RELATIVE) != 0) {
         return relativeRange;

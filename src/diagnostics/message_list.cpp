@@ -8,34 +8,23 @@
 
 namespace korv {
 
-CMessageList::CMessageList(std::int32_t capacity) : capacity(capacity) {
+CMessageList::CMessageList(std::int32_t capacity, std::int32_t kind,
+                           const CFileNameRegistry* fileNames)
+    : capacity(capacity), kind(kind), fileNames(fileNames) {
     messages.reserve(static_cast<std::size_t>(capacity));
 }
 
-Status CMessageList::Take(std::int32_t number, std::string_view text, const SourcePlace& place) {
+void CMessageList::Take(std::int32_t number, std::string_view text, const SourcePlace& place) {
     if (receiver != nullptr) {
         receiver->OnMessage(kind, number, text, place);
-        return 0;
+    } else {
+        messages.push_back({number, text.data() != nullptr ? CopyOf(text) : nullptr, place});
     }
-    return Add({number, text.data() != nullptr ? CopyOf(text) : nullptr, place});
 }
 
-Status CMessageList::Add(CMessage message) {
-    if (Count() == capacity) {
-        return listIsFull;
-    }
-    messages.push_back(std::move(message));
-    return 0;
-}
-
-std::int32_t CMessageList::Print(ReportWriter&& to, std::int32_t limit) const {
-    const char* const kindName = kind == ML_ERROR     ? "error"
-                                 : kind == ML_WARNING ? "warning"
-                                                      : "fatal error";
+void CMessageList::Print(ReportWriter&& to) const {
+    const char* const kindName = kind == ML_ERROR ? "error" : "warning";
     for (const CMessage& message : messages) {
-        if (limit-- == 0) {
-            break;
-        }
         std::array<char, 64> text;
         const auto putFormatted = [&](const char* format, auto... values) {
             std::snprintf(text.data(), text.size(), format, values...);
@@ -55,7 +44,6 @@ std::int32_t CMessageList::Print(ReportWriter&& to, std::int32_t limit) const {
         }
         to.Put("\n");
     }
-    return 0;
 }
 
 }  // namespace korv

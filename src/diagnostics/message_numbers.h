@@ -1,25 +1,26 @@
-/// The messages: number, name and text of each. Whether a report is an error or a warning is
-/// decided by the list that it goes to. This header includes nothing of the project and is open to
-/// all folders.
+/// The messages: number, name and text of each. The list that a report is added to decides whether
+/// it is an error or a warning. This header includes nothing of the project, and all folders may
+/// include it.
 #pragma once
 
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <functional>
+#include <iterator>
 
 namespace korv {
 
-/// The result of what can fail: 0, a row of MESSAGE_TABLE, or -1, which has a name for each
-/// function that returns it.
+/// The result of a function that can fail: 0, a row of MESSAGE_TABLE, or -1, which has a separate
+/// name for each such function.
 using Status = std::int32_t;
 inline constexpr Status generalFailure = -1;  ///< handlers; reported as MSG_GENERAL_FAILURE
 inline constexpr Status endOfFile = -1;       ///< CSourceFile::ReadLine
 inline constexpr Status emptyOperand = -1;    ///< KO_Args::Add; reported as an internal error
 inline constexpr Status patchFailed = -1;     ///< CIdentifierManager::Backpatch
-inline constexpr Status listIsFull = -1;      ///< CMessageList
 inline constexpr Status noStream = -1;        ///< DumpStatus
 
-/// All messages by number. Some are reported by nobody.
+/// All messages by number. Some are never reported.
 // clang-format off
 #define KORV_MESSAGES(ROW) \
     ROW(0, MSG_NONE, "Error #0.") \
@@ -99,11 +100,10 @@ struct MessageRow {
 inline constexpr auto MESSAGE_TABLE = std::to_array<MessageRow>({KORV_MESSAGES(KORV_ROW)});
 #undef KORV_ROW
 
-static_assert(MESSAGE_TABLE[0].number == 0 &&
-                  std::ranges::adjacent_find(MESSAGE_TABLE,
-                                             [](const MessageRow& a, const MessageRow& b) {
-                                                 return b.number != a.number + 1;
-                                             }) == MESSAGE_TABLE.end(),
+static_assert(MESSAGE_TABLE.front().number == 0 &&
+                  MESSAGE_TABLE.back().number + 1 == std::ssize(MESSAGE_TABLE) &&
+                  std::ranges::is_sorted(MESSAGE_TABLE, std::ranges::less_equal(),
+                                         &MessageRow::number),
               "a row of MESSAGE_TABLE is not at the place of its number");
 
 }  // namespace korv

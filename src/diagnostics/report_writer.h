@@ -1,5 +1,5 @@
-/// The text of a report, formatted without the general routines and written by the block, since a
-/// listing has a line for each of the source.
+/// Formats the text of a report without the general routines and writes it by the block, since a
+/// listing has a line for each line of the source.
 #pragma once
 
 #include <algorithm>
@@ -15,7 +15,7 @@
 
 namespace korv {
 
-/// These write to `to`, which has room, and give the place after what they wrote.
+/// These write to `to`, which must have room, and return the place after the last character.
 inline char* PutText(char* to, std::string_view text) {
     std::memcpy(to, text.data(), text.size());
     return to + text.size();
@@ -54,7 +54,7 @@ inline char* PutPadding(char* to, std::size_t size, std::size_t width) {
 
 /// The UTF-8 character at the start of a text.
 struct PrintableCharacter {
-    std::size_t size;  ///< in bytes; 0 for a control character, or what is no UTF-8
+    std::size_t size;  ///< in bytes; 0 for a control character or invalid UTF-8
     char32_t code;
 };
 /// `text` is not empty.
@@ -64,7 +64,7 @@ class ReportWriter {
   public:
     static constexpr std::size_t blockSize = 16384;
 
-    /// Writes to a file, or to the console. Neither is owned, and each has to live longer.
+    /// Writes to a file or to the console. Neither is owned; both must outlive the writer.
     explicit ReportWriter(platform::OutputFile* file) : file(file) {}
     explicit ReportWriter(std::FILE* console)
         : console(console), isTerminal(platform::IsTerminal(console)) {}
@@ -72,8 +72,8 @@ class ReportWriter {
     ReportWriter(const ReportWriter&) = delete;
     ReportWriter& operator=(const ReportWriter&) = delete;
 
-    /// Where at least `count` characters can be put, at most a block. `Advance` takes them over, up
-    /// to `end`.
+    /// Where at least `count` characters, at most a block, can be put. `Advance` then appends them,
+    /// up to `end`.
     char* Room(std::size_t count) {
         if (count > static_cast<std::size_t>(block.data() + blockSize - next)) [[unlikely]] {
             Flush();
@@ -94,9 +94,9 @@ class ReportWriter {
 
     void PutHexByte(std::uint8_t value) { Advance(korv::PutHexByte(Room(2), value)); }
 
-    /// As `Put`, for a text from a source or of a file name. A terminal gets none of its control
-    /// characters, nor bytes that are no UTF-8, but "\xHH" for them, so that no text can pass for
-    /// ours or speak to the terminal.
+    /// Like `Put`, for a text from a source or of a file name. On a terminal, "\xHH" replaces
+    /// control characters and invalid UTF-8, so that the text can neither control the terminal nor
+    /// imitate other output.
     void PutForeign(std::string_view text);
 
   private:
@@ -110,8 +110,8 @@ class ReportWriter {
     char* next = block.data();
 };
 
-/// Prints `format` on the console with `texts`, which are from a source or of file names, in the
-/// places of its "%".
+/// Prints `format` on the console, with each "%" replaced by one of `texts`, which come from a
+/// source or are file names.
 void PrintTexts(std::FILE* console, std::string_view format,
                 std::initializer_list<std::string_view> texts);
 

@@ -1,11 +1,11 @@
-/// A place in the source, as reports, definitions and patches name it.
+/// A place in the source, for reports, definitions and patches.
 #pragma once
 
 #include <cstdint>
 
 namespace korv {
 
-/// A part of a logical line. The default is no place at all.
+/// A part of a logical line. The default means no place.
 struct SourcePlace {
     std::int32_t file = 0;     ///< file number, 0 for none
     std::int32_t line = 0;     ///< its first physical line, 0 for none

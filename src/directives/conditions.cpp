@@ -1,6 +1,6 @@
 // Conditional assembly: one flag, and a stack of one byte per open IF. IF sets the flag from its
-// own condition alone and keeps the state around it for ENDIF; so a true IF in a skipped block is
-// assembled. The stack belongs to the run and not to a file: a level may be opened in one file and
+// own condition alone and saves the previous state for ENDIF. So a true IF in a skipped block is
+// assembled. The stack belongs to the run, not to a file: a level may be opened in one file and
 // closed in another.
 
 #include "codegen/handlers.h"

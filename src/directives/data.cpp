@@ -1,6 +1,6 @@
 // Data: DB for bytes and strings, DW for words, DM for one text, DS for a block of zero bytes,
-// BINCLUDE for the bytes of a file. A string's text is the operand's own text with its quotes;
-// there is no escape character.
+// BINCLUDE for the bytes of a file. A string is the text of the operand with its quotes; there is
+// no escape character.
 
 #include <algorithm>
 
@@ -16,7 +16,7 @@ namespace {
 
 enum class StringEnd { closed, textAfter, open };
 
-// Emits the bytes of a string, whose text begins with its quote, up to the quote that closes it.
+// Emits the bytes of a string up to its closing quote. `text` begins with the opening quote.
 StringEnd EmitString(CAssembler* assembler, std::string_view text) {
     const std::string_view inner = text.substr(1);
     const std::size_t end = inner.find('"');
@@ -45,7 +45,7 @@ void DefineByte(CAssembler* assembler, CStatement* statement, const lsArg& arg) 
     }
 }
 
-// Result: what is left of the operand's status.
+// Result: the status of the operand, unless it has been reported here.
 Status DefineWord(CAssembler* assembler, CStatement* statement, const lsArg& arg) {
     const Status status =
         arg.IsValue() ? EmitChecked<wordKind>(assembler, statement, arg, PatchText::operand) : 0;
@@ -89,14 +89,14 @@ Status AssembleDm(CAssembler* assembler, CStatement* statement) {
 
 Status AssembleDs(CAssembler* assembler, CStatement* statement) {
     const lsArg& size = statement->args.First();
-    if (size.status != 0) {  // what follows would move: the size cannot be patched
+    if (size.status != 0) {  // a patched size would move what follows
         return Refuse(statement, size,
                       size.status == MSG_UNRESOLVED ? MSG_NOT_IMMEDIATE : MSG_ILLEGAL_ARGUMENT);
     }
     if (!size.IsValue()) {
         return Refuse(statement, size, MSG_ILLEGAL_ARGUMENT);
     }
-    constexpr std::int32_t blockSize = 0x8000000;  // filled in less time than anybody would wait
+    constexpr std::int32_t blockSize = 0x8000000;  // filled in a moment
     for (std::int32_t left = size.value; left > 0 && !assembler->flags.Has(RF_ABORT);) {
         const std::int32_t count = std::min(left, blockSize);
         assembler->EmitZeros(static_cast<std::uint32_t>(count));
@@ -105,7 +105,7 @@ Status AssembleDs(CAssembler* assembler, CStatement* statement) {
     return 0;
 }
 
-// The bytes of a file as they are. The file is looked up like a source, and is none: it has no
+// The bytes of a file as they are. The file is found like a source, but it is not one: it has no
 // number and no depth, and the progress meter does not count it. It is read whole before anything
 // is emitted.
 Status AssembleBinclude(CAssembler* assembler, CStatement* statement) {
@@ -117,7 +117,7 @@ Status AssembleBinclude(CAssembler* assembler, CStatement* statement) {
     FileBytes file;
     if (const Status status = assembler->sources->Read(name, &file); status != 0) {
         assembler->ReportError(statement, status, arg.text);
-    } else if (!assembler->flags.Has(RF_ABORT)) {  // which may have left a part of it
+    } else if (!assembler->flags.Has(RF_ABORT)) {  // which ends the reading early
         if (assembler->observer != nullptr) {
             assembler->observer->OnIncludedBytes(file.found.path);
         }

@@ -1,5 +1,5 @@
 // ORG and EQU. Neither emits a byte. ORG moves the location counter and nothing else: the bytes of
-// the image follow each other without a gap, whatever the address is.
+// the image have no gap, whatever their addresses.
 
 #include <cstdio>
 
@@ -26,7 +26,7 @@ Status AssembleOrg(CAssembler* assembler, CStatement* statement) {
         assembler->ReportWarning(statement, MSG_ORG_AFTER_CODE, text, arg.text);
         assembler->startAddress = static_cast<std::int32_t>(binaryStart);
     }
-    return 0;  // the label gets the address of the statement, that is the location from before
+    return 0;  // the label gets the address of the statement, which is the old location
 }
 
 Status AssembleEqu(CAssembler* assembler, CStatement* statement) {
@@ -36,7 +36,7 @@ Status AssembleEqu(CAssembler* assembler, CStatement* statement) {
     const lsArg& arg = statement->args.First();
     const bool isWaiting = arg.status == MSG_UNRESOLVED;
     if (isWaiting) {
-        // The patch goes first: an EQU on its own name thus waits for itself.
+        // The patch comes first, so an EQU on its own name waits for itself.
         FilePatch(assembler, statement, arg, PatchText::operand, noPosition, PF_EQU | PF_16BIT);
     }
     DefineLabel(assembler, statement, isWaiting ? -1 : arg.value,

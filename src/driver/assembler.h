@@ -23,7 +23,6 @@
 namespace korv {
 
 class RunObserver;
-class WordSet;
 
 // clang-format off
 inline constexpr std::uint32_t RF_ABORT           = 0x0001;  ///< stop after the current statement
@@ -43,8 +42,8 @@ inline constexpr std::uint32_t RF_SETTLED         = 0x4000;  ///< the target is 
 inline constexpr std::uint32_t RF_OBSERVED        = 0x8000;  ///< there is an observer
 // clang-format on
 
-/// The flags word. The console's side sets a bit at any moment, so every change is one atomic
-/// operation. Nothing else is ordered by it: the bit itself is all that is said.
+/// The flags word. A console event sets a bit at any moment, so every change is one atomic
+/// operation. It orders nothing else: only the bit itself matters.
 class FlagsWord {
   public:
     [[nodiscard]] std::uint32_t Load() const { return bits.load(std::memory_order_relaxed); }
@@ -75,16 +74,11 @@ inline constexpr std::int32_t noStartAddress = -1;
 struct Meter {
     std::uint32_t bytesRead = 0;   ///< consumed; by the loop
     std::uint32_t bytesTotal = 0;  ///< sizes of all files opened; by include files
-
-    [[nodiscard]] std::int32_t Percentage() const {
-        const std::uint32_t total = bytesTotal / 8;
-        return static_cast<std::int32_t>(total == 0 ? 100 : bytesRead / 8 * 100 / total);
-    }
 };
 
 class CAssembler {
   public:
-    /// A run that reports to `stream`, which is not owned, and keeps the first `maxMessages` errors
+    /// A run that prints to `stream`, which is not owned, and keeps the first `maxMessages` errors
     /// and as many warnings.
     explicit CAssembler(std::FILE* stream, std::int32_t maxMessages = 50);
     /// Prints the time display and flushes all output streams.
@@ -92,9 +86,11 @@ class CAssembler {
 
     // ---- driver/run.cpp: the run
 
-    /// Set a size in bytes, if `n` is above 0. Result: the old one.
-    std::uint32_t SetFileBufferSize(std::int32_t n);
-    std::int32_t SetLineBufferSize(std::int32_t n);
+    /// Set a size in bytes, if `n` is above 0.
+    void SetFileBufferSize(std::int32_t n) {
+        fileBufferSize = n > 0 ? static_cast<std::uint32_t>(n) : fileBufferSize;
+    }
+    void SetLineBufferSize(std::int32_t n) { lineBufferSize = n > 0 ? n : lineBufferSize; }
     /// Runs with the letters of `flagString` (see driver/command_line.h) turned into the flags
     /// word. An empty source is "Main.Kor", an empty target is derived from the source. Result: as
     /// `Run`.
@@ -104,18 +100,18 @@ class CAssembler {
     std::int32_t Run();
 
     /// For a front end, which handles names, reports and outputs itself: `newObserver`, not owned,
-    /// is notified of the run. `AssembleSource` alone then does all that depends on the source, up
+    /// is notified of the run. `AssembleSource` then does everything that depends on the source, up
     /// to the last message.
     void Observe(RunObserver* newObserver);
     void AssembleSource();
 
     // ---- driver/statement_loop.cpp
 
-    /// Assembles the statements of `file`, up to its end or to what stops it. Result: the number of
-    /// the next line.
+    /// Assembles the statements of `file` until it ends or something stops the run. Result: the
+    /// number of the next line.
     std::int32_t RunStatements(CSourceFile* file, CStatement* statement);
 
-    // ---- driver/reports.cpp: what a run leaves besides its target
+    // ---- driver/reports.cpp: the results of a run
 
     void WriteDebugFile();
     void ReportErrors();
@@ -123,9 +119,9 @@ class CAssembler {
     void WriteLabelFile();
     void ReportCounts();
     void WriteTarget();
-    /// What precedes the bytes of a binary target: a sign, load address, end, start of the program.
+    /// The header of a binary target: a sign, load address, end, start of the program.
     using LoadHeader = std::array<std::uint8_t, 7>;
-    /// The identifier EXEC, if there is one, is the start, and counts as used.
+    /// The start is the identifier EXEC, if there is one; it is marked as used.
     [[nodiscard]] LoadHeader MakeLoadHeader();
     /// Prints the progress meter.
     virtual void Progress();
@@ -135,8 +131,8 @@ class CAssembler {
 
     // ---- source/include_files.cpp
 
-    /// Enters the file `name`, main or included, assembles it and leaves it. Result: 0, or why it
-    /// could not be opened: MSG_CANNOT_OPEN or MSG_OUT_OF_MEMORY.
+    /// Enters the file `name`, the main file or an included one, assembles it and leaves it.
+    /// Result: 0, or why it could not be opened: MSG_CANNOT_OPEN or MSG_OUT_OF_MEMORY.
     Status AssembleIncludeFile(std::string_view name);
 
     // ---- expr/scanner.cpp
@@ -144,9 +140,9 @@ class CAssembler {
     /// Evaluates the expression `text`. Result: 0 with the value; MSG_UNRESOLVED when a name has no
     /// value yet; MSG_BAD_EXPRESSION; MSG_GENERAL_FAILURE for a number without digits;
     /// MSG_TOO_COMPLEX for too many nodes; MSG_BAD_NUMBER above 65535. `value` is 0 unless it is 0.
-    /// `fault` is the token at which the evaluation failed, a view of `text`. It is empty if their
-    /// calculation failed. A name that ends with a quote which `text` lacks is valid until the next
-    /// scan only.
+    /// `fault` is the token at which the evaluation failed, a view of `text`. It is empty if the
+    /// calculation failed. A name whose closing quote is missing from `text` is valid until the
+    /// next scan only.
     [[nodiscard]] Status ScanExpression(std::string_view text, std::int32_t* value,
                                         std::string_view* fault);
     /// The same for a text that is one token (see expr/token.h). `value` is set with 0 only.
@@ -154,16 +150,13 @@ class CAssembler {
 
     // ---- symbols/system_identifiers.cpp
 
-    /// Enters the version identifiers.
+    /// Enters the version identifiers, and reserves the words if RF_SYSTEM_IDS is set.
     void LoadSystemIdentifiers();
-    /// Reserves the words of `list`. Result: their number.
-    std::int32_t LoadSystemIdentifiersFromString(const WordSet& list);
 
     // ---- emission
 
-    /// Append to the image and move `location`, and nothing else does either. Bits beyond the width
-    /// are dropped. Result: the offset in the image of what was written, which is what a patch
-    /// needs.
+    /// Append to the image and move `location`. Nothing else does either. Bits beyond the width are
+    /// dropped. Result: the offset in the image of the first byte, for a patch.
     [[gnu::always_inline]] std::uint32_t EmitByte(std::int32_t value) {
         ++location;
         return binary.PutByte(value);
@@ -180,7 +173,7 @@ class CAssembler {
         location += 2;
         return binary.PutWord(value);
     }
-    /// The same for any number of bytes, but none after the first that exceeds `maxImage`.
+    /// The same for any number of bytes, but at most one more than fits `maxImage`.
     std::uint32_t EmitBytes(std::span<const std::uint8_t> bytes) {
         bytes = bytes.first(Fitting(bytes.size()));
         location += static_cast<std::uint32_t>(bytes.size());
@@ -205,7 +198,7 @@ class CAssembler {
         ReportWarning(statement, number, text, text);
     }
 
-    // ---- the state of the run: what it is, and who may write it
+    // ---- the state of the run, and who may write it
 
     /// RF_* bits; by the driver and the handlers; RF_ABORT from the console's side too.
     FlagsWord flags;
@@ -228,7 +221,7 @@ class CAssembler {
     RunObserver* observer = nullptr;  ///< not owned; null for none; by `Observe`
     DiskStore disk{&flags};
     SourceStore* sources = &disk;  ///< of all files that are read; not owned; by a front end
-    CMessageList errors;           ///< whoever finds one reports to it
+    CMessageList errors;           ///< all code that finds an error reports to it
     CMessageList warnings;         ///< the same
     CFileNameRegistry fileNames;   ///< by include files
     std::FILE* output;             ///< where all console reports go; not owned; set once
@@ -249,7 +242,9 @@ class CAssembler {
                     platform::OutputFile::Kind kind = platform::OutputFile::Kind::report);
     bool CommitOutput(platform::OutputFile* file, const std::string& name, bool isWhole = true);
     template <class Write>
-    bool WriteReport(const std::string& name, const char* complaint, Write write);
+    void WriteReport(const std::string& name, const char* complaint, const char* confirmation,
+                     Write write);
+    void PrintList(const CMessageList& list, const char* heading);
     [[nodiscard]] std::size_t Fitting(std::size_t count) const {
         const std::uint64_t limit = std::uint64_t{maxImage} + 1;
         return static_cast<std::size_t>(std::min<std::uint64_t>(

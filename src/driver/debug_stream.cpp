@@ -1,5 +1,5 @@
 // A record is a start byte, the number of bytes of the target as 32 bits, lowest byte first, the
-// text, and an end byte. There is no escape: a start or end byte within a text is taken for one.
+// text, and an end byte. There is no escape: a start or end byte within a text counts as one.
 
 #include "driver/debug_stream.h"
 
@@ -23,24 +23,17 @@ std::string_view TakeUpTo(char c, std::string_view* text) {
     return taken;
 }
 
-// The lowest byte first on every machine. GCC makes one move of it where that is the machine's
-// order.
-void StoreCount(char* to, std::uint32_t count) {
-    to[0] = static_cast<char>(count);
-    to[1] = static_cast<char>(count >> 8);
-    to[2] = static_cast<char>(count >> 16);
-    to[3] = static_cast<char>(count >> 24);
-}
-
-// It is a signed number; what is below 0 counts as none.
-std::uint32_t LoadCount(const char* from) {
-    const auto byteAt = [from](int i) { return std::uint32_t{static_cast<std::uint8_t>(from[i])}; };
-    const std::uint32_t count = byteAt(0) | byteAt(1) << 8 | byteAt(2) << 16 | byteAt(3) << 24;
+// The number of bytes of the record at `record`. It is signed; one below 0 counts as 0.
+std::uint32_t CountOf(std::string_view record) {
+    std::uint32_t count = 0;
+    for (std::size_t i = 4; i > 0; --i) {
+        count = count << 8 | static_cast<std::uint8_t>(record[i]);
+    }
     return count < 0x80000000 ? count : 0;
 }
 
-// A record may claim more bytes than the image has, since bytes of a source can pass for one: after
-// the image so many are shown.
+// Bytes of a source can look like a record that claims more bytes than the image has. This many are
+// shown after the end of the image.
 constexpr std::uint64_t mostOutside = 65536;
 
 }  // namespace
@@ -67,7 +60,9 @@ void DebugStream::AddRecord(std::uint32_t position, std::string_view line) {
     if (char* const to = records.Room(size)) {
         records.Advance(size);
         to[0] = recordStart;
-        StoreCount(to + 1, byteCount);
+        for (unsigned i = 0; i < 4; ++i) {
+            to[1 + i] = static_cast<char>(byteCount >> 8 * i);
+        }
         *PutText(to + headSize, line) = recordEnd;
     }
 }
@@ -89,7 +84,7 @@ void DebugStream::WriteListing(const CAssembler* assembler, platform::OutputFile
         char* const to = out.Room(12);
         *to = '<';
         out.Advance(PutText(PutHex(to + 1, static_cast<std::uint32_t>(offset), 2), "> ["));
-        const std::uint64_t following = offset + LoadCount(rest.data() + 1);
+        const std::uint64_t following = offset + CountOf(rest);
         const std::uint64_t shown = std::min(following, binary.Position() + mostOutside);
         for (; offset < shown && !flags.Has(RF_ABORT); ++offset) {
             out.PutHexByte(binary.At(static_cast<std::uint32_t>(offset)));

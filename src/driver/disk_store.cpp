@@ -22,17 +22,13 @@ CSourceFile DiskStore::Open(const std::string& path, std::uint32_t bufferSize) {
     return file;
 }
 
-std::optional<std::string> DiskStore::Leave() {
-    return directory.Leave() ? std::nullopt : std::optional<std::string>(directory.Path());
-}
-
 Status DiskStore::Read(std::string_view name, FileBytes* file) {
     platform::InputFile stream;
     if (Find(name, &file->found) != 0 || !stream.Open(file->found.path)) {
         return MSG_CANNOT_OPEN;
     }
     filesRead.insert(stream.Identity());
-    constexpr std::uint64_t longestBlock = 0x1000000;  // read in less time than anybody would wait
+    constexpr std::uint64_t longestBlock = 0x1000000;  // read in a moment
     const auto blockSize =
         static_cast<std::size_t>(std::clamp<std::uint64_t>(stream.Size(), 4096, longestBlock));
     std::size_t got = 1;
@@ -50,7 +46,7 @@ Status DiskStore::Read(std::string_view name, FileBytes* file) {
 
 void DiskStore::Keep(std::string_view name) {
     const std::string path = directory.FullPath(name).path;
-    if (platform::KindOf(path) == platform::FileKind::regular) {
+    if (platform::IsRegularFile(path)) {
         static_cast<void>(Open(path, 0));
     }
 }

@@ -10,7 +10,7 @@ class FlagsWord;
 
 class DiskStore : public SourceStore {
   public:
-    /// `flags`, not owned, are those of the run: RF_ABORT ends the reading of a file.
+    /// `flags`, not owned, are the flags of the run: RF_ABORT ends the reading of a file.
     explicit DiskStore(const FlagsWord* flags) : flags(flags) {}
 
     [[nodiscard]] Status Find(std::string_view name, platform::FoundPath* file) override;
@@ -18,20 +18,18 @@ class DiskStore : public SourceStore {
         return directory.EnterDirectoryOf(file);
     }
     [[nodiscard]] CSourceFile Open(const std::string& path, std::uint32_t bufferSize) override;
-    [[nodiscard]] std::optional<std::string> Leave() override;
+    [[nodiscard]] std::optional<std::string> Leave() override { return directory.Leave(); }
     [[nodiscard]] Status Read(std::string_view name, FileBytes* file) override;
 
-    /// Whether `name` means what it should; see `platform::CurrentDirectory`.
+    /// See `platform::CurrentDirectory`.
     [[nodiscard]] bool Reaches(std::string_view name) const { return directory.Reaches(name); }
     /// The files that have been read.
     [[nodiscard]] const platform::FileSet& FilesRead() const { return filesRead; }
-    /// Counts the file `name` among them, if it is there.
+    /// Adds the file `name` to them, if it exists.
     void Keep(std::string_view name);
 
-  protected:
-    platform::CurrentDirectory directory;
-
   private:
+    platform::CurrentDirectory directory;
     const FlagsWord* flags;
     platform::FileSet filesRead;
 };

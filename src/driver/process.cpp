@@ -1,14 +1,12 @@
 #include "driver/process.h"
 
 #include <algorithm>
-#include <array>
 #include <atomic>
 #include <cstdio>
 #include <cstdlib>
 #include <iterator>
 #include <string_view>
 
-#include "diagnostics/report_writer.h"
 #include "driver/assembler.h"
 #include "driver/command_line.h"
 #include "platform/platform.h"
@@ -16,13 +14,13 @@
 namespace korv {
 namespace {
 
-// The run in progress, null at all other times; the only way from the hooks to a run. Atomic, since
-// a console event may come at any moment.
+// The run in progress, null at all other times. Only the hooks use it. Atomic, since a console
+// event may come at any moment.
 std::atomic<CAssembler*> theAssembler = nullptr;
 // A console event has come, perhaps before the run.
 std::atomic<bool> hasEventCome = false;
 
-constexpr std::string_view title = "Brelloc Korv v" KORV_VERSION " *FAST*";
+constexpr const char* title = "Brelloc Korv v" KORV_VERSION " *FAST*";
 
 struct Event {
     int number;
@@ -36,7 +34,7 @@ constexpr Event events[] = {
     {platform::EVENT_SHUTDOWN, "Shutdown received! Aborting program...\n"},
 };
 
-// Result: that of the run.
+// Result: the result of the run.
 std::int32_t RunAssembler(const CommandLine& commandLine) {
     CAssembler assembler(stdout);
     theAssembler = &assembler;
@@ -47,7 +45,7 @@ std::int32_t RunAssembler(const CommandLine& commandLine) {
     assembler.SetLineBufferSize(commandLine.lineBufferRequest);
     const std::int32_t result = assembler.RunFromCommandLine(
         commandLine.sourceArgument, commandLine.targetArgument, commandLine.flagString);
-    // Before the object goes, so that no hook reaches it any more.
+    // Before the object is destroyed, so that no hook uses it any more.
     theAssembler = nullptr;
     platform::AwaitConsoleHandler();
     return result;
@@ -61,11 +59,8 @@ int RunProcess(int argumentCount, char** arguments) {
         platform::SetAllocationFailureHook(OnAllocationFailure);
     std::FILE* const previousStream = platform::SetMemoryFailureStream(stdout);
     [[maybe_unused]] static const int registration = std::atexit(OnExit);  // once a process
-    std::array<char, 256> titleBuffer;
-    if (const char* const line = MakeTitle(titleBuffer.data(), titleBuffer.size() - 1)) {
-        platform::SetConsoleTitle(line);
-        std::printf("%s\n", line);
-    }
+    platform::SetConsoleTitle(title);
+    std::puts(title);
     const CommandLine commandLine = ParseCommandLine(argumentCount, arguments);
     std::int32_t exitValue = 0;
     hasEventCome = false;
@@ -84,14 +79,6 @@ int RunProcess(int argumentCount, char** arguments) {
     platform::SetAllocationFailureHook(previousHook);
     platform::SetMemoryFailureStream(previousStream);
     return exitValue;
-}
-
-char* MakeTitle(char* buffer, std::size_t capacity) {
-    if (title.size() > capacity) {
-        return nullptr;
-    }
-    *PutText(buffer, title) = '\0';
-    return buffer;
 }
 
 int OnAllocationFailure(std::size_t size) {
@@ -116,7 +103,7 @@ int OnConsoleEvent(int event) {
     }
     hasEventCome = true;
     CAssembler* const assembler = theAssembler;
-    // Nothing is aborted any more once it is settled whether there will be a target.
+    // Once it is settled whether there will be a target, nothing is aborted any more.
     if (assembler == nullptr || (assembler->flags.Set(RF_ABORT) & RF_SETTLED) == 0) {
         platform::WriteFromHandler(row->text);
     }

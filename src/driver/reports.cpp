@@ -1,4 +1,4 @@
-// What a run leaves: report files, console reports, the target.
+// The results of a run: report files, console reports, the target.
 
 #include "diagnostics/report_writer.h"
 #include "driver/assembler.h"
@@ -6,13 +6,8 @@
 #include "platform/platform.h"
 
 namespace korv {
-namespace {
 
-constexpr char rule[] = "-------------------------------------------------------------------\n";
-
-}  // namespace
-
-// No report overwrites an input. A target may, unless its name differs from that of the source in
+// No report overwrites an input. A target may, unless its name and the name of the source differ in
 // case only.
 bool CAssembler::OpenOutput(platform::OutputFile* file, const std::string& name,
                             platform::OutputFile::Kind kind) {
@@ -31,16 +26,17 @@ bool CAssembler::CommitOutput(platform::OutputFile* file, const std::string& nam
     return isWritten;
 }
 
-// Writes the report file `name` by `write`, which returns whether it is whole; `complaint` is
-// printed if the file cannot be opened. Result: whether it is there.
+// Writes the report file `name` by `write`, which returns whether it is whole. Prints
+// `confirmation` when the file is there, and `complaint` if it cannot be opened.
 template <class Write>
-bool CAssembler::WriteReport(const std::string& name, const char* complaint, Write write) {
+void CAssembler::WriteReport(const std::string& name, const char* complaint,
+                             const char* confirmation, Write write) {
     platform::OutputFile file;
     if (!OpenOutput(&file, name)) {
         std::fputs(complaint, output);
-        return false;
+    } else if (CommitOutput(&file, name, write(&file))) {
+        std::fputs(confirmation, output);
     }
-    return CommitOutput(&file, name, write(&file));
 }
 
 void CAssembler::ReportError(const CStatement* statement, std::int32_t number,
@@ -55,38 +51,36 @@ void CAssembler::ReportWarning(const CStatement* statement, std::int32_t number,
 
 void CAssembler::WriteDebugFile() {
     const auto write = [this](platform::OutputFile* file) {
-        // A run that has been aborted has its listing too. Only an abort during this makes it
-        // incomplete.
+        // An aborted run has its listing too. Only an abort during the writing makes it incomplete.
         const std::uint32_t aborted = flags.Clear(RF_ABORT) & RF_ABORT;
         debugStream.WriteListing(this, file);
         return (flags.Set(aborted) & RF_ABORT) == 0;
     };
-    if (WriteReport(targetDirectory + "Debug.Out", "[Korv] Could not open 'debug.out'!\n", write) &&
-        flags.Has(RF_MESSAGES)) {
-        std::fprintf(output, "[Korv] Debugfile written!\n");
-    }
+    WriteReport(targetDirectory + "Debug.Out", "[Korv] Could not open 'debug.out'!\n",
+                flags.Has(RF_MESSAGES) ? "[Korv] Debugfile written!\n" : "", write);
+}
+
+void CAssembler::PrintList(const CMessageList& list, const char* heading) {
+    std::fprintf(output, heading, list.Count());
+    list.Print(ReportWriter(output));
+    std::fputs("-------------------------------------------------------------------\n", output);
 }
 
 void CAssembler::ReportErrors() {
     if (errors.Count() == 0) {
         return;
     }
-    std::fprintf(output, "[Korv] GOT %d ERRORS!\n", errors.Count());
-    errors.Print(ReportWriter(output), allMessages);
-    std::fputs(rule, output);
+    PrintList(errors, "[Korv] GOT %d ERRORS!\n");
     const auto write = [this](platform::OutputFile* file) {
-        return errors.Print(ReportWriter(file), allMessages) == 0;
+        errors.Print(ReportWriter(file));
+        return true;
     };
-    if (WriteReport("Errors.Out", "", write)) {
-        std::fprintf(output, "[Korv] Errors.Out written!\n");
-    }
+    WriteReport("Errors.Out", "", "[Korv] Errors.Out written!\n", write);
 }
 
 void CAssembler::ReportWarnings() {
     if (warnings.Count() > 0) {
-        std::fprintf(output, "[Korv] Got %d Warnings!\n", warnings.Count());
-        warnings.Print(ReportWriter(output), allMessages);
-        std::fputs(rule, output);
+        PrintList(warnings, "[Korv] Got %d Warnings!\n");
     }
 }
 
@@ -95,10 +89,8 @@ void CAssembler::WriteLabelFile() {
         identifiers.DumpIdentifiers(file);
         return true;
     };
-    if (WriteReport(targetDirectory + "Labels.Out", "Could not create file Labels.Out.\n", write) &&
-        flags.Has(RF_MESSAGES)) {
-        std::fprintf(output, "[Korv] Labels.Out written.\n");
-    }
+    WriteReport(targetDirectory + "Labels.Out", "Could not create file Labels.Out.\n",
+                flags.Has(RF_MESSAGES) ? "[Korv] Labels.Out written.\n" : "", write);
 }
 
 void CAssembler::ReportCounts() {
@@ -112,9 +104,10 @@ CAssembler::LoadHeader CAssembler::MakeLoadHeader() {
     const std::uint32_t start =
         startAddress == noStartAddress ? binaryStart : static_cast<std::uint32_t>(startAddress);
     const std::uint32_t end = binary.Position() + start - 1;
-    const CIdentifier* const name = identifiers.FindID("EXEC", /*markUsed=*/true);
-    const std::uint32_t exec = name == nullptr ? start : static_cast<std::uint32_t>(name->value);
-    const auto byte = [](std::uint32_t value) { return static_cast<std::uint8_t>(value); };
+    std::int32_t value = 0;
+    const bool hasExec = identifiers.ValueOf("EXEC", &value) == 0;
+    const std::uint32_t exec = hasExec ? static_cast<std::uint32_t>(value) : start;
+    const auto byte = [](std::uint32_t word) { return static_cast<std::uint8_t>(word); };
     return {0xFE,           byte(start), byte(start >> 8), byte(end),
             byte(end >> 8), byte(exec),  byte(exec >> 8)};
 }
@@ -146,7 +139,9 @@ void CAssembler::WriteTarget() {
 }
 
 void CAssembler::Progress() {
-    std::fprintf(output, "%3d%% completed.\r", meter.Percentage());
+    const std::uint32_t total = meter.bytesTotal / 8;
+    const std::uint32_t percentage = total == 0 ? 100 : meter.bytesRead / 8 * 100 / total;
+    std::fprintf(output, "%3d%% completed.\r", static_cast<std::int32_t>(percentage));
     std::fflush(output);
 }
 

@@ -2,7 +2,6 @@
 
 #include <cstdio>
 #include <ctime>
-#include <utility>
 
 #include "diagnostics/report_writer.h"
 #include "driver/assembler.h"
@@ -10,27 +9,16 @@
 #include "driver/run_observer.h"
 #include "expr/tmp_string.h"
 #include "platform/platform.h"
-#include "symbols/system_identifiers.h"
 
 namespace korv {
-namespace {
-
-constexpr std::uint32_t initialBinarySize = 4096;
-constexpr std::string_view defaultSource = "Main.Kor";
-
-}  // namespace
 
 CAssembler::CAssembler(std::FILE* stream, std::int32_t maxMessages)
-    : errors(maxMessages),
-      warnings(maxMessages),
+    : errors(maxMessages, ML_ERROR, &fileNames),
+      warnings(maxMessages, ML_WARNING, &fileNames),
       output(stream),
-      binary(initialBinarySize, stream),
+      binary(/*initialSize=*/4096, stream),
       identifiers(this),
-      startTime(std::time(nullptr)) {
-    errors.SetFileNames(&fileNames);
-    warnings.SetFileNames(&fileNames);
-    warnings.SetKind(ML_WARNING);
-}
+      startTime(std::time(nullptr)) {}
 
 CAssembler::~CAssembler() {
     if (flags.Has(RF_TIME)) {
@@ -40,24 +28,16 @@ CAssembler::~CAssembler() {
     std::fflush(nullptr);
 }
 
-std::uint32_t CAssembler::SetFileBufferSize(std::int32_t n) {
-    return std::exchange(fileBufferSize, n > 0 ? static_cast<std::uint32_t>(n) : fileBufferSize);
-}
-
-std::int32_t CAssembler::SetLineBufferSize(std::int32_t n) {
-    return std::exchange(lineBufferSize, n > 0 ? n : lineBufferSize);
-}
-
 std::int32_t CAssembler::RunFromCommandLine(std::string_view source, std::string_view target,
                                             std::string_view flagString) {
-    sourceName = source.empty() ? defaultSource : source;
+    sourceName = source.empty() ? "Main.Kor" : source;
     targetName = target;
     flags.Set(FlagsFrom(flagString, output));
     return Run();
 }
 
 std::int32_t CAssembler::Run() {
-    if (targetName.empty()) {  // it is named after the source, and stands beside it
+    if (targetName.empty()) {  // in the directory of the source, with its name
         const platform::PathParts parts = platform::SplitPath(sourceName);
         targetName = parts.directory;
         targetName += parts.baseName;
@@ -106,16 +86,13 @@ void CAssembler::AssembleSource() {
         identifiers.SetLog(&debugStream);
     }
     LoadSystemIdentifiers();
-    if (flags.Has(RF_SYSTEM_IDS)) {
-        LoadSystemIdentifiersFromString(reservedWords);
-    }
     if (flags.Has(RF_BINARY)) {
         location = binaryStart;
     }
     if (observer != nullptr) {
         observer->OnStart();
     }
-    std::fflush(output);  // what a break event prints goes past the buffer, and belongs after this
+    std::fflush(output);  // a break event prints without the buffer, and later than this
 
     const std::int32_t status = AssembleIncludeFile(sourceName);
     if (status != 0) {

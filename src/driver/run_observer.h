@@ -1,5 +1,5 @@
-/// Reports the steps of a run to a front end while it goes on. Without an observer nothing is
-/// called.
+/// The steps of a run, reported to a front end as they happen. A run without an observer reports
+/// none.
 #pragma once
 
 #include <cstdint>
@@ -11,7 +11,7 @@ namespace korv {
 
 struct CStatement;
 
-/// Hears of the messages of the run too.
+/// Receives the messages of the run too.
 class RunObserver : public MessageReceiver {
   public:
     /// The names that every run has are in the table, and nothing has been read yet.

@@ -1,4 +1,4 @@
-/// The record of one statement, which every handler gets.
+/// The record of one statement, passed to every handler.
 #pragma once
 
 #include <cstdint>
@@ -32,15 +32,15 @@ struct CStatement {
     /// The character that ended `token`; 0 is the end of the line.
     [[nodiscard]] char Terminator() const { return *(token.data() + token.size()); }
 
-    /// The place of `part`, which is in the line.
+    /// The place of `part`, which must be in the line.
     [[nodiscard]] SourcePlace PlaceIn(std::string_view part) const {
         return {fileName, lineNumber, static_cast<std::uint32_t>(part.data() - text),
                 static_cast<std::uint32_t>(part.size())};
     }
-    /// The same for any text. One that is not in the line, such as none, gives the statement as a
-    /// whole.
+    /// The same for any text. For one that is not in the line, or has no data, it is the place of
+    /// the whole statement.
     [[nodiscard]] SourcePlace PlaceOf(std::string_view part) const {
-        // Compared as numbers: the part may belong to another text.
+        // Compared as numbers, since the part may belong to another text.
         const auto start = reinterpret_cast<std::uintptr_t>(text);
         const auto at = reinterpret_cast<std::uintptr_t>(part.data());
         return at >= start && at <= start + std::strlen(text)

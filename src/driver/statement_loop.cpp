@@ -1,7 +1,7 @@
 // The loop over the statements of one file, the heart of the assembler. A logical line is cut in
-// place into label, mnemonic and operand text, the mnemonic's handler runs, and what the handler
-// left open is done here: the label, the message for a bad result, the debug record. On its normal
-// path the loop allocates nothing.
+// place into label, mnemonic and operand text, and the handler of the mnemonic runs. The loop does
+// the rest: a label that is not defined yet, the message for a bad result, the debug record. On its
+// normal path the loop allocates nothing.
 
 #include "codegen/handlers.h"
 #include "codegen/recogniser.h"
@@ -13,12 +13,12 @@
 namespace korv {
 namespace {
 
-// `token`, cut to what a word may have.
+// `token`, cut to the longest word.
 std::string_view Word(std::string_view token) {
     return token.substr(0, maxWord);
 }
 
-// The label begins with the line. Result: what follows it.
+// The label begins with the line. Result: the text after it.
 const char* CutLabel(CAssembler* assembler, CStatement* statement) {
     const char* const start = statement->text;
     const char* end = start + 1;
@@ -45,13 +45,13 @@ const char* CutLabel(CAssembler* assembler, CStatement* statement) {
     assembler->ReportError(statement, MSG_UNKNOWN_INSTRUCTION, Word(statement->token));
 }
 
-// While a condition skips statements, these alone run.
+// Only these run while a condition skips statements.
 bool RunsWhileSkipping(InstructionHandler handler) {
     return handler == AssembleIf || handler == AssembleElse || handler == AssembleEndif;
 }
 
-// Runs the handler of the mnemonic at `start` in its frame. Result: the handler's, 0 if there is
-// nothing to run.
+// Runs the handler of the mnemonic at `start`, after its frame. Result: the result of the handler;
+// 0 if there is nothing to run.
 Status RunHandler(CAssembler* assembler, CStatement* statement, const char* start) {
     const Keyword* const keyword = RecogniseInstruction(start);
     if (keyword == nullptr) [[unlikely]] {
@@ -66,7 +66,7 @@ Status RunHandler(CAssembler* assembler, CStatement* statement, const char* star
     return result != 0 ? result : keyword->handler(assembler, statement);
 }
 
-// One statement, from its cleaned line, which is not empty.
+// Assembles one statement from its cleaned line, which is not empty.
 void Assemble(CAssembler* assembler, CStatement* statement) {
     statement->address = assembler->statementAddress = assembler->location;
     const char* next = statement->text;
@@ -93,11 +93,11 @@ void Assemble(CAssembler* assembler, CStatement* statement) {
 }
 
 constexpr std::uint32_t stops = RF_ABORT | RF_END;
-// Whatever needs more than the statement itself: one test on the normal path.
+// Whatever needs work after a statement: one test on the normal path.
 constexpr std::uint32_t extras = stops | RF_DEBUG | RF_NO_DEBUG_RECORD | RF_PROGRESS | RF_OBSERVED;
 
-// What follows a statement of `lineCount` physical lines and `byteCount` bytes where `bits`, the
-// flags after it, hold one of `extras`. Result: whether the reading goes on.
+// The work after a statement of `lineCount` physical lines and `byteCount` bytes if `bits`, the
+// flags after it, contain any of `extras`. Result: whether to read on.
 bool FinishStatement(CAssembler* assembler, CStatement* statement, std::uint32_t bits,
                      std::uint32_t lineCount, std::uint32_t byteCount) {
     if ((bits & RF_OBSERVED) != 0) {
@@ -119,7 +119,7 @@ bool FinishStatement(CAssembler* assembler, CStatement* statement, std::uint32_t
     if ((bits & stops) == 0) {
         return true;
     }
-    assembler->meter.bytesRead += byteCount;  // the line that stops the reading counts twice
+    assembler->meter.bytesRead += byteCount;  // the last line counts twice if it stops the reading
     return false;
 }
 

@@ -1,10 +1,10 @@
 // The evaluator: a cursor walks a linked list of nodes, and every operation replaces its operands
-// by its result, until one value is left. There is no stack and no recursion. Precedence is one
-// look ahead at the next operator.
+// by its result, until one value is left. There is no stack and no recursion. Precedence is decided
+// by looking ahead at the next operator.
 //
-// The list is in the order of the text, and every result stays in the leftmost node involved; so
-// the last one standing is node 0. A budget of steps ends the walk over a malformed expression, in
-// which the cursor could circle for ever.
+// The list is in the order of the text. Every result is stored in the leftmost node involved, so
+// the last node left is node 0. In a malformed expression the cursor could circle for ever; a
+// budget of steps ends that walk.
 
 #include "expr/evaluator.h"
 
@@ -29,8 +29,8 @@ std::int32_t Exponential(std::int32_t exponent) {
                          : 0;
 }
 
-// The result of an operator, of a unary one with 0 on its left; none: there is no such operator, or
-// no result.
+// The result of an operator; a unary one has 0 on its left. None: there is no such operator, or no
+// result.
 std::optional<std::int32_t> Applied(std::int32_t code, std::int32_t left, std::int32_t right) {
     const auto l = static_cast<std::uint32_t>(left);
     const auto r = static_cast<std::uint32_t>(right);
@@ -74,7 +74,7 @@ class NodeList {
         return IsValue(at) && nodes[at].prev == none && nodes[at].next == none;
     }
 
-    // One step at a node. Result: the node where the cursor goes; none: the walk fails.
+    // One step at a node. Result: the next node for the cursor; none: the walk fails.
     std::int32_t Step(std::int32_t at) {
         const std::int32_t left = nodes[at].prev;
         const std::int32_t right = nodes[at].next;
@@ -85,10 +85,11 @@ class NodeList {
             return IsValue(right) ? none : right;
         }
         if (right == none || nodes[at].value == OP_CLOSE) {
-            return none;  // every operator wants something to its right; a ")" is its bracket's
+            return none;  // every operator needs an operand to its right; a ")" belongs to its
+                          // bracket
         }
         if (!IsValue(right)) {
-            return right;  // a bracket or a sign on the right is worked first
+            return right;  // a bracket or a sign on the right comes first
         }
         const std::int32_t following = nodes[right].next;
         if (following != none && nodes[following].priority > nodes[at].priority) {
@@ -103,8 +104,8 @@ class NodeList {
   private:
     [[nodiscard]] bool IsValue(std::int32_t at) const { return nodes[at].type == NODE_VALUE; }
 
-    // The bracket that opens at `at` before the value `right`; where something else than its end
-    // follows, that is worked first.
+    // The bracket that opens at `at`, before the value `right`. If anything but its end follows,
+    // that comes first.
     std::int32_t CloseBracket(std::int32_t at, std::int32_t right) {
         const std::int32_t following = nodes[right].next;
         if (following == none || nodes[following].value != OP_CLOSE) {
@@ -116,7 +117,7 @@ class NodeList {
         return at;
     }
 
-    // The operator `at` before the value `right`, unary where it may be and no value stands to its
+    // The operator `at`, before the value `right`. It is unary if it can be and has no value to its
     // left.
     std::int32_t Apply(std::int32_t at, std::int32_t left, std::int32_t right) {
         const std::int32_t code = nodes[at].value;

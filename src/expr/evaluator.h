@@ -40,9 +40,9 @@ struct ExprNode {
     std::int32_t next;      ///< index of the right neighbour, -1 for none
 };
 
-/// Works in place on the first `count` of the `capacity` elements at `nodes`, which stand in source
-/// order with `value`, `type` and `priority` set. Result: 0 with the value in `nodes[0].value`,
-/// or MSG_BAD_EXPRESSION. Numbers are signed 32-bit and wrap.
+/// Works in place on the first `count` of the `capacity` elements at `nodes`. They are in source
+/// order, with `value`, `type` and `priority` set. Result: 0 with the value in `nodes[0].value`, or
+/// MSG_BAD_EXPRESSION. Numbers are signed 32-bit and wrap.
 [[nodiscard]] Status ReduceNodes(ExprNode* nodes, std::int32_t capacity, std::int32_t count);
 
 }  // namespace korv

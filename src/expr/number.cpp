@@ -7,8 +7,8 @@ namespace {
 
 constexpr std::int32_t maxNumber = 65535;
 
-// A digit is of class CC_HEX to base 16, where "?", "@" and "_" count by their code as letters do.
-// A dot groups the digits to base 2.
+// In base 16 a digit is of class CC_HEX; the value of "?", "@" and "_" follows from their code,
+// like that of a letter. In base 2 a dot may group the digits.
 Status ReadDigits(std::string_view digits, std::int32_t base, std::int32_t* value) {
     if (digits.empty()) {
         return MSG_GENERAL_FAILURE;
@@ -34,8 +34,8 @@ Status ReadDigits(std::string_view digits, std::int32_t base, std::int32_t* valu
     return 0;
 }
 
-// A token whose radix its last character tells, or which is decimal. "B" is a digit too, "H" and
-// "O" are not; so it is told by what stands before it whether one of them is the suffix.
+// A token whose last character gives the radix, or a decimal one. "B" is a digit too, but "H" and
+// "O" are not: one of these is the suffix if only digits precede it.
 Status ReadSuffixed(std::string_view token, std::int32_t* value) {
     const std::size_t last = token.size() - 1;
     const std::string_view digits = token.substr(0, last);

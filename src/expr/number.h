@@ -1,4 +1,4 @@
-/// Numbers as a source writes them: with a prefix, with a suffix, decimal, or as a character.
+/// The notations of numbers: with a prefix, with a suffix, decimal, or as a character.
 #pragma once
 
 #include <cstdint>
@@ -18,12 +18,12 @@ inline constexpr Status notANumber = -1;
 }
 
 /// Reads `token`, which is not empty and not "$" alone. Result: 0 with the number in `value`;
-/// MSG_GENERAL_FAILURE for a form without digits; MSG_BAD_NUMBER above 65535; MSG_BAD_EXPRESSION
+/// MSG_GENERAL_FAILURE for a number without digits; MSG_BAD_NUMBER above 65535; MSG_BAD_EXPRESSION
 /// for a string that is not of one character; `notANumber`. `value` is set with 0 only.
 [[nodiscard]] Status ReadNumber(std::string_view token, std::int32_t* value);
 
-/// Reads `token`, which is not empty, if it is decimal and of at most four digits, as most numbers
-/// are: these need no limit. False: it is something else.
+/// Reads `token`, which is not empty, if it is decimal and has at most four digits, as most numbers
+/// do: these need no check of the limit. False: it is something else.
 [[nodiscard]] inline bool ReadShortDecimal(std::string_view token, std::int32_t* value) {
     if (token.size() > 4) {
         return false;

@@ -1,5 +1,5 @@
-// Reading one operand. The name of a register or condition never reaches the scanner; everything
-// else is an expression, which is evaluated at once. An operand without a value yet keeps the name
+// Reading one operand. The name of a register or condition never reaches the scanner. Everything
+// else is an expression and is evaluated at once. An operand without a value yet stores the name
 // that it waits for, so that the handler can file a patch.
 
 #include "expr/operands.h"
@@ -15,9 +15,8 @@
 namespace korv {
 namespace {
 
-// What the text `*inner` in parentheses is, as a REG_* code, if it is an expression: IX or IY with
-// a displacement, whose expression begins at its sign, or an address. Leaves the expression in
-// `*inner`.
+// The REG_* code of the expression `*inner` in parentheses: IX or IY with a displacement, or an
+// address. Leaves the expression in `*inner`; a displacement begins at its sign.
 std::int32_t TakeIndex(std::string_view* inner) {
     const bool isIx = inner->starts_with("IX");
     if (isIx || inner->starts_with("IY")) {

@@ -14,7 +14,8 @@ namespace korv {
 
 class CAssembler;
 
-/// One operand. Its texts are views of the line; whatever outlives the statement takes a copy.
+/// One operand. Its texts are views of the line; copy them for anything that outlives the
+/// statement.
 struct lsArg : OperandClass {
     Status status = 0;       ///< of its expression; 0 if that succeeded or there is none
     std::int32_t value = 0;  ///< of its expression; 0 unless `status` is 0
@@ -30,7 +31,6 @@ struct lsArg : OperandClass {
     [[nodiscard]] bool IsRegister() const { return kind == KIND_REGISTER; }
     [[nodiscard]] bool IsValue() const { return kind == KIND_VALUE; }
     [[nodiscard]] bool IsCondition() const { return kind == KIND_CONDITION; }
-    [[nodiscard]] bool IsConstant() const { return (flags & LA_CONSTANT) != 0; }
     [[nodiscard]] bool IsQuoted() const { return (flags & LA_QUOTED) != 0; }
     [[nodiscard]] bool IsIndirect() const { return (flags & LA_INDIRECT) != 0; }
     /// Whether this is (IX+d) or (IY+d).
@@ -66,8 +66,8 @@ class KO_Args {
     KO_Args& operator=(const KO_Args&) = delete;
 
     /// Adds the operand `text`, a part of the line which is not empty and has no blanks at its
-    /// ends, and evaluates it. Result: 0, or `emptyOperand` for "()", which is not added. What
-    /// becomes of its expression is in the record. Ends the process when there is no memory for a
+    /// ends, and evaluates it. Result: 0, or `emptyOperand` for "()", which is not added. The
+    /// record has the status of the expression. Ends the process when there is no memory for a
     /// record.
     Status Add(std::string_view text);
     /// The same for a text that is one token (see expr/token.h), alone or in parentheses.
@@ -87,11 +87,7 @@ class KO_Args {
 
     /// Operand `n`, from 1; null when there is none.
     [[nodiscard]] lsArg* Arg(std::int32_t n);
-    /// The text of operand `n`; without data where there is no such operand.
-    [[nodiscard]] std::string_view Text(std::int32_t n) {
-        return n <= count ? Arg(n)->text : std::string_view();
-    }
-    /// Operands of a statement that has them.
+    /// Only for a statement that has these operands.
     [[nodiscard]] lsArg& First() { return inlineArgs[0]; }
     [[nodiscard]] lsArg& Second() { return inlineArgs[1]; }
     [[nodiscard]] lsArg& Last() { return count == 1 ? inlineArgs[0] : *tail; }
@@ -109,7 +105,7 @@ class KO_Args {
     }
 
   private:
-    // The record of a further operand, yet to be evaluated.
+    // Appends the record of an operand that has not been evaluated yet.
     lsArg* Append(std::string_view text, const OperandClass& what) {
         const auto number = static_cast<std::size_t>(count++);
         lsArg* const arg = number < inlineArgs.size() ? &inlineArgs[number] : NewRecord();

@@ -1,6 +1,6 @@
 /// The names of registers and conditions as operands, from the processor's published instruction
-/// set, with the codes that the encoders decide on. An operand is looked up in
-/// this one table; beside it, only IX and IY before a displacement and the text AF' are recognised.
+/// set, with the codes for the encoders. All operands are looked up in this table, except IX and IY
+/// before a displacement and the text AF'.
 #pragma once
 
 #include <array>
@@ -47,7 +47,7 @@ inline constexpr std::int32_t KIND_REGISTER = 1;
 inline constexpr std::int32_t KIND_VALUE = 2;
 inline constexpr std::int32_t KIND_CONDITION = 4;
 
-/// What an operand is, before its value is asked for.
+/// The class of an operand, before its evaluation.
 struct OperandClass {
     std::int32_t reg = REG_NONE;    ///< REG_* code
     std::int32_t condition = -1;    ///< condition number 0 to 7, or -1
@@ -55,7 +55,7 @@ struct OperandClass {
     std::int32_t kind = KIND_NONE;  ///< KIND_*
 };
 
-/// A word as it can stand in an operand, bare and in parentheses.
+/// A word in an operand, bare and in parentheses.
 struct OperandName {
     std::string_view name;
     OperandClass bare;
@@ -108,9 +108,10 @@ inline constexpr std::array operandNames = {
 };
 // clang-format on
 
-/// The lookup: words of two characters index a table by the low bits of both, which tell letters
-/// apart, words of one a further part of it by that character. So an operand that is no name costs
-/// a load and a comparison. A plain search of the table costs 30 % more instructions in all.
+/// The lookup. Words of two characters index a table by the low bits of both, which are different
+/// for all letters; words of one character index a further part of it. So an operand that is not a
+/// name costs a load and a comparison. A plain search of the table costs 30 % more instructions in
+/// all.
 namespace operand_class {
 
 inline constexpr std::size_t letters = 32;
@@ -124,7 +125,7 @@ constexpr std::size_t SlotOf(std::string_view name) {
     return first % letters * letters + static_cast<std::uint8_t>(name[1]) % letters;
 }
 
-// Row numbers, indexed by SlotOf. Row 0 is that of the words without a row.
+// Row numbers, indexed by SlotOf. Row 0 is for words without a row.
 inline constexpr auto rowsBySlot = [] {
     std::array<std::uint8_t, pairs + 256> table{};
     for (std::size_t i = 0; i < operandNames.size(); ++i) {
@@ -151,9 +152,9 @@ static_assert(operandNames[noRow].name.empty() && operandNames[longRow].name == 
 }
 }  // namespace operand_class
 
-/// What the word `token` is as an operand, and what it is in parentheses. A word that is no name of
-/// the table is a value. Always inlined: the front end asks too, and the compiler would make it a
-/// call for every operand, which costs 1 % of a run of korv-as.
+/// The class of the operand `token`, bare and in parentheses. A word that is not in the table is a
+/// value. Always inlined: the front end asks too, and the compiler would make it a call for every
+/// operand, which costs 1 % of a run of korv-as.
 [[nodiscard, gnu::always_inline]] inline const OperandClass& ClassOf(std::string_view token) {
     return operandNames[operand_class::RowOf(token)].bare;
 }

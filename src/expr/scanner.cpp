@@ -1,6 +1,6 @@
-// From the text of an expression to its value: one pass from left to right cuts tokens, turns each
-// value token into a number at once, and hands the nodes to the evaluator at the end. A name
-// without a value ends the scan; the whole text is scanned again when the name has got its value.
+// Evaluates the text of an expression. One pass from left to right cuts it into tokens and turns
+// each value token into a number; at the end the nodes are passed to the evaluator. A name without
+// a value ends the scan; the whole text is scanned again when the name has a value.
 
 #include <array>
 
@@ -11,15 +11,10 @@
 #include "source/char_class.h"
 
 namespace korv {
-namespace {
 
-constexpr std::int32_t maxNodes = 20;  // of one expression; the 20th is one too many
-
-}  // namespace
-
-// Short decimal numbers and names, as nearly all tokens are, come first. A token that begins with a
-// letter is a name, unless it is a word operator, a hexadecimal number with its suffix, or a suffix
-// alone.
+// Nearly all tokens are short decimal numbers or names, so these come first. A token that begins
+// with a letter is a name, unless it is a word operator, a hexadecimal number with its suffix, or a
+// suffix alone.
 Status CAssembler::ParseValue(std::string_view token, std::int32_t* value) {
     if (ReadShortDecimal(token, value)) {
         return 0;
@@ -46,6 +41,7 @@ Status CAssembler::ParseValue(std::string_view token, std::int32_t* value) {
 
 Status CAssembler::ScanExpression(std::string_view text, std::int32_t* value,
                                   std::string_view* fault) {
+    constexpr std::int32_t maxNodes = 20;      // the 20th is one too many
     std::array<ExprNode, maxNodes + 1> nodes;  // one token and its operator may be one too many
     std::int32_t count = 0;
     const auto store = [&](std::int32_t type, std::int32_t content, std::int32_t priority) {

@@ -8,13 +8,6 @@
 #include "platform/platform.h"
 
 namespace korv {
-namespace {
-constexpr std::size_t blockSize = 16384;
-}
-
-CtmpStringBlock* CtmpStringManager::head = nullptr;
-CtmpStringBlock* CtmpStringManager::current = nullptr;
-std::int32_t CtmpStringManager::blockCount = 0;
 
 void CtmpStringManager::MakeBlock(std::size_t size) {
     auto* const block = new (std::nothrow) CtmpStringBlock;

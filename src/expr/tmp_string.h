@@ -1,7 +1,7 @@
-/// Text that outlives its statement: handles on strings in blocks of 16384 bytes that are filled
+/// Text that outlives its statement: handles of strings in blocks of 16384 bytes, which are filled
 /// from front to back. A string needs no separate allocation and never moves. A block counts its
-/// live references, and goes when it is full and the last of them is released. All handles of the
-/// process share one pool.
+/// live references. It is freed when it is full and the last of them has been released. All handles
+/// of the process share one pool.
 #pragma once
 
 #include <cstddef>
@@ -23,20 +23,19 @@ struct CtmpStringBlock {
     std::int32_t isFull = 0;              ///< 1 once a request did not fit
 };
 
-/// The pool, and the one owner of the state of its blocks. Process-wide: patches of one run and the
-/// next share it. One thread uses it.
+/// The pool, which alone changes the state of its blocks. Process-wide: all runs share it, in one
+/// thread.
 class CtmpStringManager {
   public:
-    /// Takes `count` bytes from the current block, or from a further one, with a reference on it,
-    /// which is handed out in `block`. Result: the bytes. Ends the process when there is no memory
-    /// for a block.
+    /// Takes `count` bytes from the current block or from a new one, which is returned in `block`
+    /// with a further reference. Result: the bytes. Ends the process when there is no memory for a
+    /// block.
     static char* Alloc(std::size_t count, CtmpStringBlock** block);
 
     /// Drops a reference on `block`.
     static void Release(CtmpStringBlock* block);
 
-    /// Frees every block, whatever its count. No handle may be released after this: all holders are
-    /// gone before.
+    /// Frees every block, whatever its count. All handles must have been destroyed before.
     static void ReleaseAll();
 
     /// Writes the number of blocks and a line for each, the newest first. Result: 0, or `noStream`.
@@ -46,9 +45,11 @@ class CtmpStringManager {
     static void MakeBlock(std::size_t size);
     static void FreeBlock(CtmpStringBlock* block);
 
-    static CtmpStringBlock* head;     // the newest block
-    static CtmpStringBlock* current;  // the block that takes new strings
-    static std::int32_t blockCount;
+    static constexpr std::size_t blockSize = 16384;
+
+    inline static CtmpStringBlock* head = nullptr;     // the newest block
+    inline static CtmpStringBlock* current = nullptr;  // the block that takes new strings
+    inline static std::int32_t blockCount = 0;
 };
 
 class CtmpString {
@@ -58,8 +59,8 @@ class CtmpString {
     CtmpString& operator=(const CtmpString&) = delete;
     ~CtmpString() { Release(); }
 
-    /// Copies `source` into the pool, terminated; nothing without data. For a handle that holds no
-    /// reference.
+    /// Copies `source` into the pool, terminated. Does nothing if it has no data. The handle must
+    /// be empty.
     void Assign(std::string_view source);
 
     /// Drops the reference; the handle is empty then.

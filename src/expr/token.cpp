@@ -81,7 +81,7 @@ void TokenReader::Next() {
     isAtEnd = true;
 }
 
-// The character `c` ends the token.
+// Ends the token at the character `c`.
 bool TokenReader::TakeEnd(char c) {
     tokenEnd = position++;
     op = symbolOf[static_cast<std::uint8_t>(c)];  // none for a blank and a quote
@@ -94,7 +94,7 @@ bool TokenReader::TakeEnd(char c) {
     return true;
 }
 
-// A string belongs to the token, whatever that holds already, and ends it.
+// A string belongs to the token, whatever precedes it, and ends it.
 void TokenReader::TakeString() {
     while (position != end && *position != '"') {
         ++position;
@@ -116,7 +116,7 @@ bool TokenReader::TakeAmpersand() {
     return TakeEnd('&');
 }
 
-// A dot opens and closes a word operator, or is a character like any other.
+// A dot opens or closes a word operator, or is an ordinary character.
 bool TokenReader::TakeDot() {
     if (position == start) {
         hasOpenDot = true;

@@ -1,7 +1,7 @@
-/// The tokens of an expression: what each character does to them, the operators, and the reader
-/// that cuts a text into tokens. Tokens are views of the text. If the text ends within a string,
-/// the closing quote is missing from the last one. Letters arrive in upper case, so the word
-/// operators exist in upper case only.
+/// The tokens of an expression: the effect of each character, the operators, and the reader that
+/// cuts a text into tokens. Tokens are views of the text. If the text ends within a string, the
+/// closing quote is missing from the last one. Letters arrive in upper case, so the word operators
+/// exist in upper case only.
 #pragma once
 
 #include <array>
@@ -23,8 +23,8 @@ struct OperatorRow {
     Operator op;
 };
 
-/// Operators of one character. "&" is no operator where a number prefix begins, and "<" and ">" may
-/// go on with "=".
+/// Operators of one character. "&" may begin the prefix of a number instead, and "<" and ">" may be
+/// followed by "=".
 inline constexpr std::array symbolOperators = {
     OperatorRow{"(", {OP_OPEN, 20}},   OperatorRow{"*", {OP_MULTIPLY, 12}},
     OperatorRow{"/", {OP_DIVIDE, 12}}, OperatorRow{"+", {OP_PLUS, 11}},
@@ -35,8 +35,8 @@ inline constexpr std::array symbolOperators = {
     OperatorRow{">", {OP_GREATER, 2}}, OperatorRow{"=", {OP_EQUAL, 1}},
 };
 
-/// What a character does to the token that is being read. Characters of the first two kinds belong
-/// to it; but where a line is cut into operands, a separator ends the operand.
+/// The effect of a character on the token that is being read. Characters of the first two kinds
+/// belong to it; but when a line is cut into operands, a separator ends the operand.
 enum class TokenAction : std::uint8_t {
     append,
     separator,
@@ -64,8 +64,7 @@ inline constexpr auto tokenActions = [] {
     return tokenActions[static_cast<std::uint8_t>(c)];
 }
 
-/// Past the characters from `text` on that belong to a token wherever they stand. `text` is
-/// terminated.
+/// Skips the characters from `text` on that always belong to a token. `text` is terminated.
 [[nodiscard]] inline const char* SkipToken(const char* text) {
     for (;; text += 4) {  // unrolled, which saves 2 % of all instructions
         for (int i = 0; i < 4; ++i) {
@@ -78,7 +77,7 @@ inline constexpr auto tokenActions = [] {
 
 inline constexpr std::size_t longestWordOperator = 3;  // without its dots
 
-/// The operator that `token` is as a word, bare or in dots as in ".AND.".
+/// The operator that is spelled `token`, with or without dots, as in ".AND.".
 [[nodiscard]] Operator FindWord(std::string_view token);
 
 /// Cuts the tokens of one text.
@@ -87,14 +86,14 @@ class TokenReader {
     explicit TokenReader(std::string_view text)
         : position(text.data()), end(text.data() + text.size()) {}
 
-    /// Reads the next token, which may be empty, and the operator that ended it.
+    /// Reads the next token, which may be empty, and the operator after it.
     void Next();
 
     [[nodiscard]] std::string_view Token() const {
         return {start, static_cast<std::size_t>(tokenEnd - start)};
     }
 
-    Operator op;                     ///< that ended the token; none at a blank, a quote and the end
+    Operator op;                     ///< after the token; none at a blank, a quote and the end
     bool isAtEnd = false;            ///< the text is used up
     bool lacksClosingQuote = false;  ///< of a token that the text ended in
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "platform/platform.h"
+#include "frontend/platform/platform.h"
 
 namespace korv {
 namespace {
@@ -129,7 +129,7 @@ class Expander {
                 text->append(block, count);
             }
         }
-        return file.Failed() ? "cannot read " + name + ": " + file.Reason() : "";
+        return file.Failed() ? "cannot read " + name + ": " + platform::ReasonOf(file.Error()) : "";
     }
 
     std::string_view directory;

@@ -4,6 +4,8 @@
 #include <filesystem>
 #include <utility>
 
+#include "frontend/platform/platform.h"
+
 namespace korv {
 namespace {
 
@@ -130,12 +132,12 @@ FileStore::Text FileStore::Load(const std::string& path) {
     }
     platform::InputFile file;
     if (!file.Open(path)) {
-        failure = file.Reason();
+        failure = platform::ReasonOf(file.Error());
         return nullptr;
     }
     StoredText::Block bytes = ReadWhole(&file);
     if (file.Failed() || bytes.size > longestFile) {
-        failure = file.Failed() ? file.Reason() : "File too large";
+        failure = file.Failed() ? platform::ReasonOf(file.Error()) : "File too large";
         return nullptr;
     }
     return Keep(std::make_shared<const StoredText>(path, std::move(bytes), file.Identity()));

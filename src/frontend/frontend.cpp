@@ -20,6 +20,7 @@
 #include "frontend/message_printer.h"
 #include "frontend/options.h"
 #include "frontend/output_set.h"
+#include "frontend/platform/platform.h"
 #include "frontend/program_checks.h"
 #include "frontend/sld.h"
 #include "frontend/summary.h"
@@ -71,10 +72,8 @@ std::string TakeStandardInput(FileStore* store) {
     if (std::ferror(stdin) != 0) {
         return std::generic_category().message(errno);
     }
-    platform::FileIdentity identity;
-    const bool isFile = platform::IdentityOf(stdin, &identity);
     store->SetText(store->FullPath(standardStream), bytes,
-                   isFile ? identity : platform::FileIdentity());
+                   platform::IdentityOf(stdin).value_or(platform::FileIdentity()));
     return "";
 }
 

@@ -12,8 +12,9 @@
 #include <string_view>
 #include <utility>
 
+#include "frontend/platform/platform.h"
+#include "frontend/platform/staged_output.h"
 #include "frontend/terminal_text.h"
-#include "platform/staged_output.h"
 
 namespace korv {
 namespace {
@@ -91,9 +92,9 @@ class OutputSet {
         if (one || other) {
             return one == other;
         }
-        const std::string &first = outputs[a].name, &second = outputs[b].name;
         const bool areStreams = staged[a].IsStream() || staged[b].IsStream();
-        return areStreams ? first == "-" && second == "-" : platform::LeadToOneFile(first, second);
+        return areStreams ? outputs[a].name == "-" && outputs[b].name == "-"
+                          : staged[a].LeadsWhere(staged[b]);
     }
 
     std::string PutAll() {

@@ -1,6 +1,5 @@
 // All memory is allocated here, so that the failure hook is called for every allocation that fails,
-// those of `new` included. Nothing here throws: where `new` has no memory, the hook has printed
-// what there is to say, and the process ends.
+// including `new`. Nothing here throws: if `new` has no memory, the process ends after the hook.
 
 #include <algorithm>
 #include <bit>
@@ -8,18 +7,20 @@
 #include <new>
 #include <utility>
 
-#include "platform/fault_point.h"
 #include "platform/platform.h"
 
 namespace korv::platform {
 namespace {
 
-// Process-wide, as the allocator itself is.
+// Process-wide, like the allocator itself.
 AllocationFailureHook failureHook = nullptr;
 std::FILE* failureStream = nullptr;  // null: standard error
-FaultPoint faults;
 
-// Calls the hook if `memory` is null; an allocation that fails inside the hook is not reported
+bool FailsOnPurpose() {
+    return allocationFault != nullptr && allocationFault();
+}
+
+// Calls the hook if `memory` is null. An allocation that fails inside the hook is not reported
 // again.
 void* Reported(void* memory, std::size_t size) {
     if (memory == nullptr && failureHook != nullptr) {
@@ -32,12 +33,14 @@ void* Reported(void* memory, std::size_t size) {
 
 }  // namespace
 
+Fault allocationFault = nullptr;
+
 AllocationFailureHook SetAllocationFailureHook(AllocationFailureHook hook) {
     return std::exchange(failureHook, hook);
 }
 
 void* Reallocate(void* memory, std::size_t size) {
-    return Reported(faults.Hits() ? nullptr : std::realloc(memory, size == 0 ? 1 : size), size);
+    return Reported(FailsOnPurpose() ? nullptr : std::realloc(memory, size == 0 ? 1 : size), size);
 }
 
 void* TryReallocate(void* memory, std::size_t size) {
@@ -48,9 +51,9 @@ void* Allocate(std::size_t size) {
     return Reallocate(nullptr, size);
 }
 
-// Memory fresh from the system is 0 already, so this is not the same as clearing it.
+// Memory fresh from the system is 0 already, so this may be quicker than clearing it.
 void* AllocateZeroed(std::size_t size) {
-    return Reported(faults.Hits() ? nullptr : std::calloc(size, 1), size);
+    return Reported(FailsOnPurpose() ? nullptr : std::calloc(size, 1), size);
 }
 
 void Free(void* memory) {
@@ -76,13 +79,10 @@ void PrintMemoryFailure(const char* line) {
     std::fprintf(failureStream == nullptr ? stderr : failureStream, "%s\n", line);
 }
 
-void FailAllocation(std::int64_t n, bool andAllAfter) {
-    faults.Set(n, andAllAfter);
-}
-
 }  // namespace korv::platform
 
-// All forms, since a sanitizer brings the others, which must not free what comes from here.
+// All forms, since those that are missing may come from a sanitizer, and must not free memory that
+// is allocated here.
 void* operator new(std::size_t size) {
     void* const memory = korv::platform::Allocate(size);
     if (memory == nullptr) {

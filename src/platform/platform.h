@@ -1,12 +1,12 @@
-/// All that Korv needs of the operating system. No other folder includes a system header or tests
-/// for a system; each system has its own implementation of this header, in posix*.cpp and
-/// win32*.cpp.
+/// Everything that the core needs of the operating system. Each system has its own implementation,
+/// in posix*.cpp and win32*.cpp. No other code of the core includes a system header or tests for a
+/// system.
 ///
-/// File names: both `/` and `\` separate components. Texts keep what was typed; the separator is
-/// translated for the call to the system only. Names to be read are found without regard to ASCII
-/// case, names to be written are taken exactly as spelled. No file that a run has read is ever
-/// written over because names differ in case only. Texts, names among them, are UTF-8 where the
-/// system asks.
+/// File names: both `/` and `\` separate components. Texts stay as typed; the separator is
+/// translated for calls to the system only. Files to be read are found without regard to ASCII
+/// case; files to be written get exactly the name that was typed. A file that a run has read is
+/// never overwritten because two names differ in case only. If the system requires an encoding,
+/// texts and names are UTF-8.
 #pragma once
 
 #include <compare>
@@ -14,6 +14,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 #include <string_view>
@@ -24,15 +25,15 @@ namespace korv::platform {
 // ----------------------------------------------------------------------------------------------------
 // memory
 
-/// Called with the size in bytes of every allocation that fails, those of `new` included. Its
-/// result is not used: nothing is tried again.
+/// Called with the size in bytes of every allocation that fails, including `new`. Its result is not
+/// used: nothing is tried again.
 using AllocationFailureHook = int (*)(std::size_t size);
 
 /// Installs `hook` (null: none). Result: the previous one.
 AllocationFailureHook SetAllocationFailureHook(AllocationFailureHook hook);
 
-/// Memory from the general allocator; null after the hook has had its turn. A size of 0 is taken
-/// as 1.
+/// Memory from the general allocator; null, after a call of the hook, if there is none. A size of 0
+/// means 1.
 [[nodiscard]] void* Allocate(std::size_t size);
 /// Like `Allocate`; all bytes are 0, and there is at least one.
 [[nodiscard]] void* AllocateZeroed(std::size_t size);
@@ -40,12 +41,13 @@ AllocationFailureHook SetAllocationFailureHook(AllocationFailureHook hook);
 /// Like `Allocate`, keeping the contents. On failure the result is null and `memory` stays valid.
 [[nodiscard]] void* Reallocate(void* memory, std::size_t size);
 
-/// Like `Reallocate`, but without the hook: the caller has another way. Tests cannot let it fail.
+/// Like `Reallocate`, but without the hook, for a caller that can do without. Tests cannot make it
+/// fail.
 [[nodiscard]] void* TryReallocate(void* memory, std::size_t size);
 
 void Free(void* memory);
 
-/// Bytes in one piece of memory that grows as they are appended. A failure to grow is a result,
+/// Bytes in one piece of memory, which grows as they are appended. A failure to grow is a result
 /// and does not end the process.
 class Buffer {
   public:
@@ -54,8 +56,8 @@ class Buffer {
     Buffer(const Buffer&) = delete;
     Buffer& operator=(const Buffer&) = delete;
 
-    /// Where `count` further bytes can be written; null when there is no memory for them, and the
-    /// bytes that are there stay. `Advance` then appends as many of them as have been written.
+    /// Where `count` further bytes can be written; null if there is no memory for them, and the
+    /// buffer is unchanged. `Advance` then appends the bytes that have been written.
     [[nodiscard]] char* Room(std::size_t count) {
         return count <= capacity - used || Grow(count) ? data + used : nullptr;
     }
@@ -72,83 +74,79 @@ class Buffer {
     std::size_t capacity = 0;
 };
 
-/// Where `PrintMemoryFailure` prints: standard error at first. Result: the previous stream, which
-/// is not owned.
+/// Sets the stream of `PrintMemoryFailure`, which is not owned; standard error by default. Result:
+/// the previous one.
 std::FILE* SetMemoryFailureStream(std::FILE* stream);
 
-/// Prints `line`, which names what no memory could be allocated for.
+/// Prints `line`, which names the object for which there was no memory.
 void PrintMemoryFailure(const char* line);
 
-/// For tests: lets the n-th allocation from here on fail, and every later one too if
-/// `andAllAfter`. 0 ends it.
-void FailAllocation(std::int64_t n, bool andAllAfter);
+/// For tests. Called before each allocation, or before each request that looks for, opens, reads,
+/// writes, closes or renames a file, or changes the directory. If the result is true, that fails.
+/// Null for none.
+using Fault = bool (*)();
+extern Fault allocationFault;
+extern Fault requestFault;
 
 // ----------------------------------------------------------------------------------------------------
 // paths
 
-/// The pieces of a file name as views of the given text; joined they give it again.
+/// The pieces of a file name, as views of the given text. Joined they are that text.
 struct PathParts {
-    std::string_view directory;  ///< up to and with the last separator, or the colon of a drive
+    std::string_view directory;  ///< up to the last separator, included, or the colon of a drive
                                  ///< where there are drives; empty for none
-    std::string_view baseName;   ///< without the last "." and what follows
+    std::string_view baseName;   ///< without the last "." and the text after it
     std::string_view extension;  ///< with its "."; empty for none
 };
 
 [[nodiscard]] PathParts SplitPath(std::string_view path);
 
-/// Characters of the drive at the start of a name, with its colon; 0 where there is none, or are no
-/// drives.
+/// The length of the drive at the start of a name, with its colon; 0 if there is none.
 [[nodiscard]] std::size_t DriveLength(std::string_view name);
 
-/// Whether `word` of the command line, which begins with "/", is an absolute file name and no
-/// switch: something stands before its last "/", and that is an existing directory. Never so where
-/// there are drives.
+/// Whether `word` of the command line, which begins with "/", is an absolute file name and not a
+/// switch: the part before its last "/" is an existing directory. Always false on systems with
+/// drives.
 [[nodiscard]] bool IsFileNotSwitch(const char* word);
 
-/// Whether `name` means the same wherever the current directory is, but for a drive.
+/// Whether `name` does not depend on the current directory, except for its drive.
 [[nodiscard]] bool IsAbsolutePath(std::string_view name);
 
-/// Whether the file that was read as `source` must not be replaced by writing `target`, should the
-/// two be one file: where case makes files differ, if the names differ in nothing else but
-/// separators; elsewhere always.
+/// Whether the file that was read as `source` must not be overwritten as `target`, if the two are
+/// one file: always on systems that ignore case, otherwise if the names differ in case and
+/// separators only.
 [[nodiscard]] bool IsProtectedFrom(std::string_view source, std::string_view target);
 
-/// Whether two names lead to one regular file, or to one place where there is none yet.
-[[nodiscard]] bool LeadToOneFile(std::string_view a, std::string_view b);
+/// Whether `name` leads to a regular file, which is not opened.
+[[nodiscard]] bool IsRegularFile(std::string_view name);
 
-/// What a name leads to, nothing among the others; to ask does not open it.
-enum class FileKind { regular, pipe, other };
-[[nodiscard]] FileKind KindOf(std::string_view name);
-
-/// Where a name of a file to be read leads.
+/// The result of looking for a file to be read.
 struct FoundPath {
-    std::string path;     ///< full; empty: the current directory cannot be had, or the path is
+    std::string path;     ///< full; empty: the current directory has no path, or the path is
                           ///< longer than the system allows
     bool isFile = false;  ///< whether it exists; then the path is spelled as on disk
 };
 
-/// The current directory, which follows the file being read, and the way from a name to a file.
-/// Nobody else changes the current directory during a run.
+/// The current directory, which follows the file being read, and the search for files. No other
+/// code changes the current directory during a run.
 class CurrentDirectory {
   public:
     CurrentDirectory();
     ~CurrentDirectory();
 
-    /// The full path of a file to be read: the current directory joined with `name`, "." and ".."
-    /// removed as text; spelled as on disk where the file is found, else as written.
+    /// The full path of a file to be read: the current directory joined with `name`, without "."
+    /// and "..", which are removed as text. It is spelled as on disk if the file is found, else as
+    /// typed.
     [[nodiscard]] FoundPath FullPath(std::string_view name);
 
-    /// Makes the directory of `file`, which `FullPath` gave, the current one, found without regard
-    /// to case. False: there is none, or it cannot be entered; the current one stays. `Leave`
-    /// belongs to each call, whatever its result.
+    /// Makes the directory of `file`, a result of `FullPath`, the current one. It is found without
+    /// regard to case. False: it does not exist or cannot be entered, and the current directory is
+    /// unchanged. Each call needs a `Leave`, whatever its result.
     [[nodiscard]] bool EnterDirectoryOf(const FoundPath& file);
-    /// Goes back to where the last `EnterDirectoryOf` came from, also to a directory that cannot
-    /// be read or has no name. False: that fails.
-    [[nodiscard]] bool Leave();
-    /// The path of the directory that `Leave` leads to; empty if it was never asked for, or has
-    /// none.
-    [[nodiscard]] std::string_view Path() const;
-    /// Whether `name` means what it should: a relative one does not once a `Leave` has failed.
+    /// Goes back to the directory before the last `EnterDirectoryOf`, even if it cannot be read or
+    /// has no name. If that fails, the result is its path, or empty if it has none.
+    [[nodiscard]] std::optional<std::string> Leave();
+    /// Whether `name` leads to the right file: a relative one does not after a `Leave` has failed.
     [[nodiscard]] bool Reaches(std::string_view name) const {
         return !isLost || IsAbsolutePath(name);
     }
@@ -162,7 +160,7 @@ class CurrentDirectory {
 // ----------------------------------------------------------------------------------------------------
 // files
 
-/// What distinguishes a file from all others, whatever its name: the system's numbers.
+/// Identifies a file, whatever its name, by the system's numbers.
 struct FileIdentity {
     std::uint64_t device = 0;
     std::uint64_t number = 0;
@@ -170,7 +168,7 @@ struct FileIdentity {
 };
 using FileSet = std::set<FileIdentity>;
 
-/// An open file by its number, -1 for none; closed with its owner.
+/// The number of an open file, -1 for none. The file is closed with its owner.
 class FileHandle {
   public:
     explicit FileHandle(int number = -1) : number(number) {}
@@ -181,7 +179,7 @@ class FileHandle {
     }
     ~FileHandle();
     operator int() const { return number; }
-    /// The number, for whoever closes the file.
+    /// The number, for a caller that closes the file.
     [[nodiscard]] int Release() { return std::exchange(number, -1); }
 
   private:
@@ -191,119 +189,77 @@ class FileHandle {
 /// A file read as a stream of bytes. A directory does not open.
 class InputFile {
   public:
-    /// Opens `name`, taken exactly as spelled. Called once.
+    /// Opens `name`, exactly as spelled. Called once.
     bool Open(std::string_view name);
     [[nodiscard]] bool IsOpen() const { return handle >= 0; }
-    /// Whether the file has a size; a pipe or a device has none.
+    /// Whether the file has a size, unlike a pipe or a device.
     [[nodiscard]] bool HasSize() const { return hasSize; }
-    /// Size in bytes when opened, 0 without one.
+    /// The size in bytes when it was opened; 0 if it has none.
     [[nodiscard]] std::uint64_t Size() const { return size; }
     /// Of the file that was opened.
     [[nodiscard]] const FileIdentity& Identity() const { return identity; }
-    /// Reads up to `count` bytes. Result: their number, 0 at the end of the file, which is where it
-    /// was when the file was opened, on a read error, which ends the file, and when a console event
-    /// comes while there is nothing to read.
+    /// Reads up to `count` bytes. Result: their number. It is 0 at the end of the file, which is
+    /// where it was when the file was opened; on a read error, which ends the file; and if a
+    /// console event comes while there is nothing to read.
     std::size_t Read(void* buffer, std::size_t count);
-    /// Whether `Open` or a read has failed; the end of the file is no failure, nor is a console
-    /// event.
+    /// Whether `Open` or a read has failed. The end of the file and a console event are not
+    /// failures.
     [[nodiscard]] bool Failed() const { return error != 0; }
-    /// Why, in the system's words.
-    [[nodiscard]] std::string Reason() const;
+    /// The system's number of that failure; 0: there is none.
+    [[nodiscard]] int Error() const { return error; }
 
   private:
     FileHandle handle;
     bool hasSize = false;
-    int error = 0;  // the system's number of the failure; 0: there is none
+    int error = 0;
     std::uint64_t size = 0;
     std::uint64_t taken = 0;  // bytes read
     FileIdentity identity;
 };
 
-/// A file that is written. Its bytes go to a new file in the same directory, and `Commit` gives
-/// that one its name, in one step: until then, and where anything fails, nothing appears and what
-/// stood there before is whole. What was there keeps its permissions. A device, a pipe, and a file
-/// that a new one cannot take the place of (the directory does not let it, or its owner cannot be
-/// kept) are written where they are, from the first `Write` on. However the process ends, short of
-/// being killed outright, no unfinished file is left.
+/// A file that is written. Its bytes are written to a new file in the same directory, to which
+/// `Commit` gives the name in one step. Before that, or if anything fails, nothing appears and the
+/// old file is whole. The new file gets the permissions of the old one. Some files are written in
+/// place, from the first `Write` on: devices, pipes, and files that cannot be replaced because the
+/// directory does not allow it or the owner would change. No unfinished file is left when the
+/// process ends, unless it is killed outright.
 class OutputFile {
   public:
     enum class Kind {
-        target,  ///< the bytes as they are; goes where a symbolic link of that name points
-        report,  ///< text, with the line ends of the system; replaces such a link
+        target,  ///< the bytes as they are; a symbolic link of that name is followed
+        report,  ///< text, with the line ends of the system; such a link is replaced
     };
 
-    ~OutputFile() { GiveUp(); }  ///< Gives up what has not been committed.
+    ~OutputFile() { GiveUp(); }  ///< Gives up the file if it has not been committed.
 
-    /// Opens `name`, taken exactly as spelled, unless it leads to one of the files of `kept`.
-    /// Called once. False: it cannot be opened; so does a file that may not be written, also where
-    /// it could be replaced. Nothing else may be called then.
+    /// Opens `name`, exactly as spelled, unless it leads to one of the files of `kept`. Called
+    /// once. False: it cannot be opened, or it may not be written, even if it could be replaced.
+    /// Nothing else may be called then.
     [[nodiscard]] bool Open(std::string_view name, Kind kind, const FileSet& kept);
-    /// Appends. What fails is kept for `Commit`; later calls do nothing then.
+    /// Appends. A failure is remembered for `Commit`, and later calls do nothing.
     void Write(const void* bytes, std::size_t count);
-    /// Ends the file. True: all its bytes are there under its name.
+    /// Ends the file. True: it has its name and all its bytes.
     [[nodiscard]] bool Commit();
 
   private:
     void GiveUp();
 
     FileHandle handle;
-    bool isEmptied = true;   // false: it is written in place, and the old bytes are in the way
-    bool hasFailed = false;  // some byte is not there
-    std::string path;        // where the file is to be
-    std::string temporary;   // where it is until then; empty: it is written in place
+    bool isEmptied = true;   // false: it is written in place, and the old bytes are still there
+    bool hasFailed = false;  // some byte has not been written
+    std::string path;        // the final path
+    std::string temporary;   // the path until then; empty: it is written in place
 };
-
-/// For tests: what happens at the n-th request from here on that looks for, opens, reads, writes,
-/// closes or renames a file, or changes the directory.
-enum class RequestFault {
-    failsOnce,
-    failsForGood,  ///< this one and all later ones
-    isBroken,      ///< a console event comes just before it
-};
-
-/// 0 ends it. Result: whether the request asked for last has come.
-bool FaultFileRequest(std::int64_t n, RequestFault fault);
 
 // ----------------------------------------------------------------------------------------------------
 // console
 
-/// Makes sure that the standard streams are there, since a file opened in the place of a missing
-/// one would get what is printed, and that no write ends the process.
+/// Opens the standard streams that are missing, since a file that took the place of one would
+/// receive the output. Makes sure that no write ends the process.
 void OpenStandardStreams();
 
 /// Whether `stream` goes to a terminal: a person sees what is written, and control characters act.
 [[nodiscard]] bool IsTerminal(std::FILE* stream);
-
-/// Whether `stream`, a standard stream, was not there when the process was started.
-[[nodiscard]] bool IsMissing(std::FILE* stream);
-
-/// The identity of the file that `stream` goes to or comes from. False: it is no regular file.
-[[nodiscard]] bool IdentityOf(std::FILE* stream, FileIdentity* identity);
-
-/// Whether `stream` goes to a terminal that takes the sequences for colours; lets it, if need be.
-[[nodiscard]] bool TakesColors(std::FILE* stream);
-
-/// From here on `stream`, a standard stream, is one of bytes, whose line ends nobody changes.
-void MakeBinary(std::FILE* stream);
-
-/// Standard input and output as a connection with another program: bytes, past the buffers of the
-/// library. From its construction on, what else the process prints on standard output is written to
-/// standard error. One at a time.
-class StandardConnection {
-  public:
-    StandardConnection();
-
-    /// Whether a `Read` has a result at once: bytes, or the end of the input.
-    [[nodiscard]] bool IsInputWaiting() const;
-    /// Reads up to `count` bytes, waiting for the first. Result: their number; 0 at the end of the
-    /// input, and when it fails.
-    [[nodiscard]] std::size_t Read(void* buffer, std::size_t count);
-    /// Writes all of `bytes`. False: that fails.
-    [[nodiscard]] bool Write(std::string_view bytes);
-
-  private:
-    FileHandle output;
-};
 
 /// Sets the title of the console's window, if there is one.
 void SetConsoleTitle(const char* title);
@@ -315,24 +271,24 @@ inline constexpr int EVENT_CLOSE = 2;
 inline constexpr int EVENT_LOGOFF = 5;
 inline constexpr int EVENT_SHUTDOWN = 6;
 
-/// Called with an event at any moment, between any two instructions of the program or beside them
-/// on a thread of its own: it may use nothing but lock-free atomics and `WriteFromHandler`. Result:
-/// 1 when the event was handled; where the process would end with that, it waits until the program
-/// has come to its own end.
+/// Called with an event at any moment, either between any two instructions of the program or on a
+/// separate thread. It may use only lock-free atomics and `WriteFromHandler`. Result: 1 if the
+/// event was handled. If the system would then end the process, that waits until the program has
+/// ended.
 using ConsoleHandler = int (*)(int event);
 
-/// Installs `handler` where there is none; null takes it away and puts back what there was before.
-/// A close event that the process was started to ignore stays ignored.
+/// Installs `handler` if there is none; null removes it and restores the previous state. If the
+/// process was started to ignore the close event, that stays ignored.
 void SetConsoleHandler(ConsoleHandler handler);
 
-/// Waits until no handler runs that has begun before: what it might reach may go then.
+/// Waits until no handler runs that has begun before, so that objects used by it can be destroyed.
 void AwaitConsoleHandler();
 
-/// Writes to standard output from within a `ConsoleHandler`, past all buffers.
+/// Writes to standard output from a `ConsoleHandler`, without any buffer.
 void WriteFromHandler(std::string_view text);
 
-/// Waits for one key and takes it: on a console without the return key, elsewhere one byte or the
-/// end of the input. A console event counts as a key.
+/// Waits for one key and reads it. On a console it needs no return key; otherwise it is one byte,
+/// or the end of the input. A console event counts as a key.
 void WaitForKey();
 
 }  // namespace korv::platform

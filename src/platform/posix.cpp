@@ -3,20 +3,15 @@
 #include "platform/posix.h"
 
 #include <fcntl.h>
-#include <poll.h>
 #include <termios.h>
 #include <unistd.h>
 
 #include <atomic>
-#include <csignal>
-#include <cstdlib>
-
-#include "platform/staged_output.h"
 
 namespace korv::platform {
 namespace {
 
-// Process-wide, as signal dispositions are.
+// Process-wide, like signal dispositions.
 struct Signal {
     int number;
     int event;
@@ -30,9 +25,7 @@ struct Signal {
 std::atomic<ConsoleHandler> consoleHandler = nullptr;
 std::atomic<bool> hasEventCome = false;
 sigset_t previousMask;  // before the first `HoldSignals`
-sigset_t heldMask;      // before the `SignalWindow` that is open
 int holds = 0;          // calls of it without their `ReleaseSignals`
-bool isMissing[3];      // the standard streams that were closed, by their numbers
 
 void OnSignal(int number) {
     hasEventCome = true;
@@ -45,45 +38,12 @@ void OnSignal(int number) {
     errno = savedError;
 }
 
-// Gives the signals of which `isOurs` is true to `handler`, and keeps what there was before.
-template <typename IsOurs>
-void TakeSignals(void (*handler)(int), IsOurs isOurs) {
-    struct sigaction action = {};  // without flags: what waits for input is to wake up
-    action.sa_handler = handler;
-    sigfillset(&action.sa_mask);
-    for (Signal& signal : signals) {
-        sigaction(signal.number, nullptr, &signal.previous);
-        if (isOurs(signal)) {
-            sigaction(signal.number, &action, nullptr);
-        }
-    }
-}
-
-void GiveSignalsBack() {
-    for (const Signal& signal : signals) {
-        sigaction(signal.number, &signal.previous, nullptr);
-    }
-}
-
-// Ends the process as the signal would have.
-void EndBySignal(int number) {
-    RemoveUnfinished();
-    std::signal(number, SIG_DFL);
-    sigset_t own;
-    sigemptyset(&own);
-    sigaddset(&own, number);
-    std::raise(number);
-    sigprocmask(SIG_UNBLOCK, &own, nullptr);
-}
-
 }  // namespace
+
+bool wasMissing[3];
 
 int LastError() {
     return errno != 0 ? errno : EIO;
-}
-
-void BreakOff() {
-    std::raise(SIGINT);
 }
 
 bool HasEventCome() {
@@ -113,34 +73,8 @@ void ReleaseSignals() {
     }
 }
 
-SignalWindow::SignalWindow() {
-    if (holds == 0 || consoleHandler != nullptr) {
-        return;
-    }
-    sigset_t released;
-    sigemptyset(&released);
-    TakeSignals(EndBySignal, [&released](const Signal& signal) {
-        // Ignored signals stay so, as after nohup.
-        const bool isOurs =
-            signal.previous.sa_handler == SIG_DFL && sigismember(&previousMask, signal.number) == 0;
-        if (isOurs) {
-            sigaddset(&released, signal.number);
-        }
-        return isOurs;
-    });
-    sigprocmask(SIG_UNBLOCK, &released, &heldMask);
-    isOpen = true;
-}
-
-SignalWindow::~SignalWindow() {
-    if (isOpen) {
-        sigprocmask(SIG_SETMASK, &heldMask, nullptr);
-        GiveSignalsBack();
-    }
-}
-
-bool IsTerminalAt(int handle) {
-    return isatty(handle) != 0;
+const sigset_t* MaskBeforeHold() {
+    return holds != 0 ? &previousMask : nullptr;
 }
 
 FileHandle::~FileHandle() {
@@ -174,49 +108,18 @@ std::ptrdiff_t ReadSome(int handle, void* buffer, std::size_t count) {
 void OpenStandardStreams() {
     for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
         if (fcntl(stream, F_GETFD) < 0) {
-            isMissing[stream] = true;
-            // The lowest free number, that is this one, stays in use.
+            wasMissing[stream] = true;
+            // This gets the lowest free number, which is that of the stream, and stays open.
             [[maybe_unused]] const int opened = open("/dev/null", O_RDWR);
         }
     }
-    // A write that fails is to say so, and not to end the process.
+    // A write that fails shall return, not end the process.
     std::signal(SIGXFSZ, SIG_IGN);
     std::signal(SIGPIPE, SIG_IGN);
 }
 
-bool IsMissing(std::FILE* stream) {
-    return isMissing[fileno(stream)];
-}
-
-bool IdentityOf(std::FILE* stream, FileIdentity* identity) {
-    struct stat status;
-    if (Requested([&] { return fstat(fileno(stream), &status); }) != 0 ||
-        !S_ISREG(status.st_mode)) {
-        return false;
-    }
-    *identity = IdentityOf(status);
-    return true;
-}
-
 bool IsTerminal(std::FILE* stream) {
-    return IsTerminalAt(fileno(stream));
-}
-
-bool TakesColors(std::FILE* stream) {
-    const char* const type = std::getenv("TERM");
-    return type != nullptr && *type != '\0' && std::string_view(type) != "dumb" &&
-           IsTerminal(stream);
-}
-
-void MakeBinary(std::FILE*) {}  // as all are
-
-StandardConnection::StandardConnection() : output(fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 3)) {
-    dup2(STDERR_FILENO, STDOUT_FILENO);
-}
-
-bool StandardConnection::IsInputWaiting() const {
-    struct pollfd input = {STDIN_FILENO, POLLIN, 0};
-    return poll(&input, 1, /*timeout=*/0) > 0;
+    return isatty(fileno(stream)) != 0;
 }
 
 void SetConsoleTitle(const char* title) {
@@ -226,16 +129,24 @@ void SetConsoleTitle(const char* title) {
 }
 
 void SetConsoleHandler(ConsoleHandler handler) {
-    if (handler == nullptr) {
-        GiveSignalsBack();
-        consoleHandler = nullptr;
-        return;
+    if (handler != nullptr) {
+        hasEventCome = false;
+        consoleHandler = handler;  // before its first signal
     }
-    hasEventCome = false;
+    struct sigaction action = {};  // without flags, so that it interrupts waiting for input
+    action.sa_handler = OnSignal;
+    sigfillset(&action.sa_mask);
+    for (Signal& signal : signals) {
+        if (handler == nullptr) {
+            sigaction(signal.number, &signal.previous, nullptr);
+            continue;
+        }
+        sigaction(signal.number, nullptr, &signal.previous);
+        if (signal.event != EVENT_CLOSE || signal.previous.sa_handler != SIG_IGN) {
+            sigaction(signal.number, &action, nullptr);
+        }
+    }
     consoleHandler = handler;
-    TakeSignals(OnSignal, [](const Signal& signal) {
-        return signal.event != EVENT_CLOSE || signal.previous.sa_handler != SIG_IGN;
-    });
 }
 
 void AwaitConsoleHandler() {}  // it interrupts the program and runs to its end

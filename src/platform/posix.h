@@ -1,9 +1,10 @@
-/// What the files of the POSIX implementation share.
+/// Shared by the files of the POSIX implementation.
 #pragma once
 
 #include <sys/stat.h>
 
 #include <cerrno>
+#include <csignal>
 #include <string>
 #include <string_view>
 
@@ -15,10 +16,6 @@ namespace korv::platform {
 /// `name` with the separators of the system.
 [[nodiscard]] std::string Translated(std::string_view name);
 
-/// Makes `path` where a symbolic link of that name leads to, in as many steps as it takes. False:
-/// it leads nowhere that has a name.
-bool FollowLinks(std::string* path);
-
 [[nodiscard]] inline FileIdentity IdentityOf(const struct stat& status) {
     return {static_cast<std::uint64_t>(status.st_dev), static_cast<std::uint64_t>(status.st_ino)};
 }
@@ -26,8 +23,9 @@ bool FollowLinks(std::string* path);
 /// Whether a console event has come since a handler was installed.
 [[nodiscard]] bool HasEventCome();
 
-/// The result of `request`, a call that gives -1 on failure and sets `errno`; made again when a
-/// signal has broken it off. After a console event that is its failure: the run has to end.
+/// The result of `request`, a call that returns -1 on failure and sets `errno`. It is repeated if a
+/// signal has interrupted it, but not after a console event: then it fails, since the run has to
+/// end.
 template <typename Request>
 [[nodiscard]] auto Requested(Request request) -> decltype(request()) {
     for (;;) {
@@ -42,8 +40,29 @@ template <typename Request>
     }
 }
 
-/// Removes the files of `Create` that are not in place yet. Safe in a handler of signals while they
-/// are kept waiting elsewhere.
+/// Removes the unfinished files. Safe in a signal handler, as long as signals are blocked wherever
+/// the list of these files changes.
 void RemoveUnfinished();
+
+/// Adds `temporary` to the unfinished files. False: there are too many.
+[[nodiscard]] bool Remember(const std::string& temporary);
+/// Removes `temporary`, which could not be created, from them. Result: why.
+[[nodiscard]] Creation ForgetRefused(const std::string& temporary);
+
+/// Creates the file `temporary` by `request`, as for `Requested`. It is removed if the process ends
+/// before `PutInPlace` or `Remove`.
+template <typename Request>
+[[nodiscard]] Creation Created(const std::string& temporary, Request request) {
+    if (!Remember(temporary)) {
+        return Creation::failed;
+    }
+    return Requested(request) >= 0 ? Creation::done : ForgetRefused(temporary);
+}
+
+/// The signals that were blocked before `HoldSignals`; null if none are held.
+[[nodiscard]] const sigset_t* MaskBeforeHold();
+
+/// The standard streams that were closed when the process was started, by their numbers.
+extern bool wasMissing[3];
 
 }  // namespace korv::platform

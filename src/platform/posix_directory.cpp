@@ -1,8 +1,8 @@
 // Names of files, and the current directory, on POSIX.
 //
-// A name is found without regard to case by what the directory holds. To read a directory costs
-// more than all else that an INCLUDE asks of the system, so what was read is kept, and asked again
-// as long as the directory has not changed since, which a single call shows.
+// A name is found without regard to case in the list of the directory. Reading a directory costs
+// more than all other system calls of an INCLUDE, so the list is kept and used as long as the
+// directory has not changed, which a single call shows.
 
 #include <dirent.h>
 #include <fcntl.h>
@@ -14,30 +14,26 @@
 #include <chrono>
 #include <climits>
 #include <cstdlib>
-#include <filesystem>
 #include <map>
 #include <set>
-#include <system_error>
 #include <utility>
 #include <vector>
 
-#include "platform/platform.h"
 #include "platform/posix.h"
 
-// For a handle that serves to go back: needs no right to read the directory, where the system knows
-// such a kind.
+// For a handle that is used to go back. On systems that have it, it needs no right to read the
+// directory.
 #ifndef O_PATH
 #define O_PATH O_RDONLY
 #endif
 
 namespace korv::platform {
-namespace fs = std::filesystem;
 namespace {
 
 using std::chrono::nanoseconds;
 
-// macOS finds names without regard to case itself, so what is found may be spelled otherwise; and
-// the time of a change has another name there.
+// macOS itself ignores case, so a file that is found may be spelled differently. The time of a
+// change has another name there.
 #ifdef __APPLE__
 #define st_mtim st_mtimespec
 constexpr bool mayFindOtherCase = true;
@@ -49,7 +45,7 @@ nanoseconds TimeOfChange(const struct stat& status) {
     return std::chrono::seconds(status.st_mtim.tv_sec) + nanoseconds(status.st_mtim.tv_nsec);
 }
 
-// False: `path` leads to nothing, or the system does not say.
+// False: `path` leads to nothing, or the call has failed.
 bool Ask(const std::string& path, struct stat* status) {
     return Requested([&] { return stat(path.c_str(), status); }) == 0;
 }
@@ -79,14 +75,15 @@ std::pair<std::string, std::string> Divided(const std::string& path) {
 // The names in a directory as they were when it was read.
 class Listing {
   public:
-    // Spells `name` as what it means in `directory`: an entry of exactly that name, or else the
-    // first in byte order of those that match when case is ignored. False: there is none.
+    // Spells `name` like the entry of `directory` that it stands for: the one with exactly that
+    // name, or else the first in byte order that matches without regard to case. False: there is
+    // none.
     bool Find(const std::string& directory, std::string* name) {
         struct stat status;
-        const bool isThere = Ask(directory, &status);
-        const bool isKnown =
-            isThere && IdentityOf(status) == identity && TimeOfChange(status) == changed;
-        if (!isKnown && !(isThere && Read(directory, status))) {
+        const auto isKnown = [&] {
+            return IdentityOf(status) == identity && TimeOfChange(status) == changed;
+        };
+        if (!Ask(directory, &status) || !(isKnown() || Read(directory, status))) {
             return Exists(Joined(directory, *name));
         }
         const std::string raised = Raised(*name);
@@ -102,7 +99,7 @@ class Listing {
     }
 
   private:
-    // `status` is that of before the reading. False: it cannot be read.
+    // `status` is from before the reading. False: the directory cannot be read.
     bool Read(const std::string& directory, const struct stat& status) {
         using namespace std::chrono;
         const auto now = system_clock::now().time_since_epoch();
@@ -115,9 +112,9 @@ class Listing {
             std::free(entries[i]);
         }
         std::free(entries);
-        // The time of a directory moves by the tick of a clock, and on some file systems by a
-        // second or two: what changes it after the reading, but within the tick of the last change
-        // before, does not show.
+        // The time of a directory is as coarse as the tick of a clock, on some file systems a
+        // second or two. A change after the reading does not show if it is within the same tick as
+        // the last change before it.
         const nanoseconds time = TimeOfChange(status);
         const auto tick = time % seconds(1) == seconds(0) ? milliseconds(2000) : milliseconds(20);
         const bool isSettled = count >= 0 && time + tick < now;
@@ -127,7 +124,7 @@ class Listing {
     }
 
     std::set<std::pair<std::string, std::string>> names;  // in capitals, and as they are
-    // Of the directory, before it was read; none where a later change might not show in its time.
+    // The directory, before it was read; none if a later change might not show in its time.
     FileIdentity identity;
     nanoseconds changed{};
 };
@@ -155,39 +152,20 @@ bool IsProtectedFrom(std::string_view source, std::string_view target) {
     return Raised(Translated(source)) == Raised(Translated(target));
 }
 
-FileKind KindOf(std::string_view name) {
+bool IsRegularFile(std::string_view name) {
     struct stat status;
-    const bool exists = Ask(Translated(name), &status);
-    return exists && S_ISREG(status.st_mode)    ? FileKind::regular
-           : exists && S_ISFIFO(status.st_mode) ? FileKind::pipe
-                                                : FileKind::other;
-}
-
-bool LeadToOneFile(std::string_view a, std::string_view b) {
-    std::string first = Translated(a), second = Translated(b);
-    struct stat one, other;
-    if (Ask(first, &one) && Ask(second, &other)) {
-        return S_ISREG(one.st_mode) && IdentityOf(one) == IdentityOf(other);
-    }
-    FollowLinks(&first);  // they may lead to nothing yet
-    FollowLinks(&second);
-    std::error_code failure;
-    const auto placeOf = [&failure](const fs::path& name) {
-        return fs::weakly_canonical(fs::absolute(name, failure), failure);
-    };
-    return fs::path(first).filename() == fs::path(second).filename() &&
-           placeOf(first) == placeOf(second);
+    return Ask(Translated(name), &status) && S_ISREG(status.st_mode);
 }
 
 struct CurrentDirectory::State {
-    // A directory on the way from the first file to the one being read.
+    // A directory on the path of includes from the first file to the one being read.
     struct Level {
-        std::string path;   // empty: not asked for, or it has none
-        FileHandle handle;  // for the way back; opened when the directory is first left
-        int stays = 0;      // calls of `EnterDirectoryOf` that are not ended and led nowhere else
+        std::string path{};      // empty: not needed yet, or it has none
+        FileHandle handle{};     // to go back; opened when the directory is first left
+        bool isEntered = false;  // false: it is the directory of the level below
     };
 
-    // Whether the path of the current directory can be had; then it is that of the last level.
+    // Whether the current directory has a path; if so, it is stored in the last level.
     bool HasPath() {
         std::string& path = levels.back().path;
         std::array<char, PATH_MAX> text;
@@ -198,7 +176,7 @@ struct CurrentDirectory::State {
         return !path.empty();
     }
 
-    // Spells a full path as it is on disk, component by component. False: there is no such file,
+    // Spells a full path as on disk, component by component. False: there is no such file, and
     // `path` is unchanged.
     bool SpellAsOnDisk(std::string* path) {
         const bool isRoot = path->size() == 1;
@@ -227,7 +205,7 @@ FoundPath CurrentDirectory::FullPath(std::string_view name) {
         if (!state->HasPath()) {
             return {};
         }
-        path = state->levels.back().path;
+        path = state->levels.back().path == "/" ? "" : state->levels.back().path;
     }
     for (std::size_t start = 0; start < name.size();) {
         const std::size_t end = std::min(name.find_first_of(separators, start), name.size());
@@ -235,10 +213,7 @@ FoundPath CurrentDirectory::FullPath(std::string_view name) {
         if (component == "..") {
             path.erase(std::min(path.find_last_of('/'), path.size()));
         } else if (!component.empty() && component != ".") {
-            if (path != "/") {
-                path += '/';
-            }
-            path += component;
+            path.append("/").append(component);
         }
         start = end + 1;
     }
@@ -255,10 +230,10 @@ FoundPath CurrentDirectory::FullPath(std::string_view name) {
 bool CurrentDirectory::EnterDirectoryOf(const FoundPath& file) {
     State::Level& here = state->levels.back();
     std::string directory = Divided(file.path).first;
-    // A path that leads to a file of the current directory leads there too. One that leads nowhere
-    // may not: the path of the current directory need not be passable.
+    // A path that leads to a file in the current directory stays there. One that leads nowhere may
+    // not: the path of the current directory need not be passable.
     if (file.isFile && state->HasPath() && here.path == directory) {
-        ++here.stays;
+        state->levels.push_back({.path = here.path});
         return true;
     }
     if (here.handle < 0) {
@@ -267,30 +242,23 @@ bool CurrentDirectory::EnterDirectoryOf(const FoundPath& file) {
     }
     const auto enter = [&] { return Requested([&] { return chdir(directory.c_str()); }) == 0; };
     const bool hasWayBack = here.handle >= 0 || state->HasPath();
-    if (hasWayBack && (enter() || (state->SpellAsOnDisk(&directory) && enter()))) {
-        state->levels.emplace_back();
-        return true;
-    }
-    ++here.stays;
-    return false;
+    const bool isEntered = hasWayBack && (enter() || (state->SpellAsOnDisk(&directory) && enter()));
+    state->levels.push_back({.path = isEntered ? "" : here.path, .isEntered = isEntered});
+    return isEntered;
 }
 
-bool CurrentDirectory::Leave() {
-    if (state->levels.back().stays > 0) {
-        --state->levels.back().stays;
-        return true;
-    }
+std::optional<std::string> CurrentDirectory::Leave() {
+    const bool wasEntered = state->levels.back().isEntered;
     state->levels.pop_back();
     const State::Level& here = state->levels.back();
-    const bool isBack =
-        Requested(
-            [&] { return here.handle >= 0 ? fchdir(here.handle) : chdir(here.path.c_str()); }) == 0;
-    isLost = isLost || !isBack;
-    return isBack;
-}
-
-std::string_view CurrentDirectory::Path() const {
-    return state->levels.back().path;
+    const auto goBack = [&] {
+        return here.handle >= 0 ? fchdir(here.handle) : chdir(here.path.c_str());
+    };
+    if (!wasEntered || Requested(goBack) == 0) {
+        return std::nullopt;
+    }
+    isLost = true;
+    return here.path;
 }
 
 }  // namespace korv::platform

@@ -1,5 +1,5 @@
-// Writing files on POSIX. A temporary file lives from `Open` to the end of `Commit`; meanwhile the
-// signals that end a process wait, and an exit removes it.
+// Writing files on POSIX. A temporary file exists from `Open` to the end of `Commit`. Meanwhile the
+// signals that end a process are blocked, and an exit removes the file.
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -11,7 +11,6 @@
 #include <cstdlib>
 #include <string>
 
-#include "platform/platform.h"
 #include "platform/posix.h"
 
 namespace korv::platform {
@@ -19,34 +18,39 @@ namespace {
 
 constexpr mode_t permissions = 07777;
 
-// The names of the temporary files that there are now, and null. Process-wide, since the process
-// may end anywhere; of a fixed size, since a report of what went wrong must not need memory.
+// The names of the temporary files that exist now, and null. Process-wide, since the process may
+// end anywhere. The size is fixed, since writing a report must not need memory.
 std::array<const std::string*, 16> unfinished{};
 
-bool IsNoneUnfinished() {
-    return std::ranges::count(unfinished, nullptr) == std::ssize(unfinished);
-}
-
-// The temporary file has its final name, or is gone. It need not be one of ours.
+// `temporary` has its final name or has been removed. It need not be in the list.
 void Forget(const std::string& temporary) {
     const auto slot = std::ranges::find(unfinished, &temporary);
     if (slot != unfinished.end()) {
         *slot = nullptr;
-        if (IsNoneUnfinished()) {
-            ReleaseSignals();
-        }
+        ReleaseSignals();
     }
 }
 
-// Whether a new file was refused by its directory, or has no name that is short enough: the old one
-// can be written all the same. With a full disk, say, it would only be lost.
-bool IsRefused(int error) {
-    return error == EACCES || error == EPERM || error == EROFS || error == ENAMETOOLONG;
+// Replaces `path` by the target of a symbolic link of that name, repeatedly. False: the target has
+// no name.
+bool FollowLinks(std::string* path) {
+    for (int i = 0; i < 40; ++i) {
+        std::array<char, PATH_MAX> text;
+        const ssize_t size =
+            Requested([&] { return readlink(path->c_str(), text.data(), text.size()); });
+        if (size < 0) {
+            return errno == EINVAL || errno == ENOENT;  // no link, or nothing
+        }
+        const std::string_view target(text.data(), static_cast<std::size_t>(size));
+        path->erase(target.starts_with('/') ? 0 : path->find_last_of('/') + 1);
+        *path += target;
+    }
+    return false;
 }
 
-// What a name leads to: whether there is anything, then with its `status`.
+// The file at a name: whether it exists, and if so its `status`.
 struct Target {
-    bool isKnown = true;  // false: the system does not say
+    bool isKnown = true;  // false: the call has failed
     bool exists = false;
     struct stat status {};
 
@@ -57,12 +61,12 @@ struct Target {
     }
 };
 
-// Follows the symbolic link that `place->path` is.
+// Follows the symbolic link at `place->path`.
 void FollowLink(OutputPlace* place, Target* target) {
     target->Ask(stat, place->path);
     std::string path = place->path;
     struct stat status;
-    // Links of the system's own, as to a pipe that is open, have texts that are no names.
+    // Some links are made by the system, for example to an open pipe. Their texts are not names.
     place->isReplaceable =
         FollowLinks(&path) &&
         (!target->exists || (Requested([&] { return stat(path.c_str(), &status); }) == 0 &&
@@ -80,21 +84,6 @@ void RemoveUnfinished() {
             unlink(temporary->c_str());
         }
     }
-}
-
-bool FollowLinks(std::string* path) {
-    for (int i = 0; i < 40; ++i) {
-        std::array<char, PATH_MAX> text;
-        const ssize_t size =
-            Requested([&] { return readlink(path->c_str(), text.data(), text.size()); });
-        if (size < 0) {
-            return errno == EINVAL || errno == ENOENT;  // no link, or nothing
-        }
-        const std::string_view target(text.data(), static_cast<std::size_t>(size));
-        path->erase(target.starts_with('/') ? 0 : path->find_last_of('/') + 1);
-        *path += target;
-    }
-    return false;
 }
 
 bool FindPlace(const FileSet& kept, OutputPlace* place) {
@@ -117,42 +106,39 @@ bool FindPlace(const FileSet& kept, OutputPlace* place) {
     }
     place->directory = place->path.substr(0, place->path.find_last_of('/') + 1);
     place->mode = 0666;
-    if (target.exists) {  // whether it may be written it says itself, whatever its directory allows
+    if (target.exists) {  // it may be written if it can be opened, whatever its directory allows
         place->isRegular = S_ISREG(target.status.st_mode);
         place->identity = IdentityOf(target.status);
-        place->mode = 0600;  // nobody else may look into the new file until it is like the old one
+        place->mode = 0600;  // private, until the new file gets the permissions of the old one
         const int flags = O_WRONLY | O_CLOEXEC | O_NOCTTY | (place->isReplaceable ? O_NOFOLLOW : 0);
         place->handle = FileHandle(Requested([&] { return open(place->path.c_str(), flags); }));
     }
     return !target.exists || place->handle >= 0;
 }
 
-namespace {
-
-// Makes `temporary` by `create`, a call of the system.
-template <typename Call>
-Creation Created(const std::string& temporary, Call create) {
+bool Remember(const std::string& temporary) {
     [[maybe_unused]] static const int registered = std::atexit(RemoveUnfinished);
-    if (IsNoneUnfinished()) {
-        HoldSignals();
-    }
     const std::string** const slot = std::ranges::find(unfinished, nullptr);
     if (slot == unfinished.end()) {
-        return Creation::failed;
+        return false;
     }
+    HoldSignals();
     *slot = &temporary;
-    if (Requested(create) >= 0) {
-        return Creation::done;
-    }
+    return true;
+}
+
+// If the directory refuses a new file, or its name would be too long, the old file can still be
+// written. In other cases, such as a full disk, it would only be lost.
+Creation ForgetRefused(const std::string& temporary) {
     const int error = errno;
     Forget(temporary);
     errno = error;
-    return error == EEXIST    ? Creation::nameIsTaken
-           : IsRefused(error) ? Creation::isRefused
-                              : Creation::failed;
+    const bool isRefused =
+        error == EACCES || error == EPERM || error == EROFS || error == ENAMETOOLONG;
+    return error == EEXIST ? Creation::nameIsTaken
+           : isRefused     ? Creation::isRefused
+                           : Creation::failed;
 }
-
-}  // namespace
 
 Creation Create(const std::string& temporary, const OutputPlace& place, FileHandle* handle) {
     constexpr int flags = O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC;
@@ -160,10 +146,6 @@ Creation Create(const std::string& temporary, const OutputPlace& place, FileHand
         *handle = FileHandle(open(temporary.c_str(), flags, place.mode));
         return static_cast<int>(*handle);
     });
-}
-
-Creation Link(const std::string& path, const std::string& temporary) {
-    return Created(temporary, [&] { return link(path.c_str(), temporary.c_str()); });
 }
 
 bool MakeAlike(int handle, const OutputPlace& place) {
@@ -185,15 +167,11 @@ std::ptrdiff_t WriteSome(int handle, const void* buffer, std::size_t count) {
     return Requested([&] { return write(handle, buffer, count); });
 }
 
-bool Flush(int handle) {
-    return Requested([&] { return fsync(handle); }) == 0;
-}
-
 bool EndWriting(FileHandle* handle) {
     if (*handle < 0) {
         return true;
     }
-    // Broken off by a signal it is closed too, and what was written is with the system.
+    // Interrupted by a signal, it is closed too, and the system has all bytes.
     const bool isClosed = close(handle->Release()) == 0 || errno == EINTR;
     if (FailsOnPurpose()) {
         errno = EIO;

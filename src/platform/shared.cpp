@@ -2,26 +2,11 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <system_error>
 #include <utility>
 
-#include "platform/fault_point.h"
-#include "platform/staged_output.h"
-
 namespace korv::platform {
-namespace {
 
-FaultPoint faults;
-RequestFault fault = RequestFault::failsOnce;
-
-// The words of the C library, which are the same on all systems where it has some.
-std::string ReasonOf(int error) {
-    return std::error_code(error, std::system_category()).default_error_condition().message();
-}
-
-constexpr std::size_t mostAtOnce = 0x10000000;  // bytes that one call moves on any system
-
-}  // namespace
+Fault requestFault = nullptr;
 
 PathParts SplitPath(std::string_view path) {
     const std::size_t separator = path.find_last_of(separators) + 1;  // 0 for none
@@ -38,7 +23,7 @@ bool IsAbsolutePath(std::string_view name) {
 std::size_t InputFile::Read(void* buffer, std::size_t count) {
     std::uint64_t wanted = std::min(count, mostAtOnce);
     if (size != 0) {
-        // Nobody has to ask for the end of a file whose size is known.
+        // A file of known size needs no call to find its end.
         wanted = std::min(wanted, size - taken);
     }
     if (wanted == 0 || Failed()) {
@@ -49,14 +34,6 @@ std::size_t InputFile::Read(void* buffer, std::size_t count) {
     const std::size_t bytes = got < 0 ? 0 : static_cast<std::size_t>(got);
     taken += bytes;
     return bytes;
-}
-
-std::string InputFile::Reason() const {
-    return ReasonOf(error);
-}
-
-std::string ErrorText() {
-    return ReasonOf(LastError());
 }
 
 bool OutputFile::Open(std::string_view name, Kind kind, const FileSet& kept) {
@@ -74,26 +51,6 @@ bool OutputFile::Open(std::string_view name, Kind kind, const FileSet& kept) {
     return handle >= 0;
 }
 
-namespace {
-
-// Calls `create` with names of files beside `place` until one is free, which `name` gets. Names
-// that are taken are left over from a process that was killed, or belong to one with the same
-// number.
-template <typename Create>
-Creation CreateAtFreeName(const OutputPlace& place, std::string* name, Create create) {
-    Creation creation = Creation::nameIsTaken;
-    for (unsigned i = 0; i < 100 && creation == Creation::nameIsTaken; ++i) {
-        *name = place.directory + "korv" + std::to_string(ProcessNumber() + i) + ".tmp";
-        creation = create(*name);
-    }
-    if (creation != Creation::done) {
-        name->clear();
-    }
-    return creation;
-}
-
-}  // namespace
-
 bool CreateReplacement(const OutputPlace& place, std::string* temporary, FileHandle* handle) {
     const bool isThere = place.handle >= 0;
     if (!place.isReplaceable || (isThere && !place.isRegular)) {
@@ -108,18 +65,13 @@ bool CreateReplacement(const OutputPlace& place, std::string* temporary, FileHan
     return creation == Creation::done || (isThere && creation == Creation::isRefused);
 }
 
-void LinkAtFreeName(const OutputPlace& place, std::string* name) {
-    static_cast<void>(CreateAtFreeName(
-        place, name, [&](const std::string& free) { return Link(place.path, free); }));
-}
-
 void OutputFile::GiveUp() {
     handle = FileHandle();
     Remove(&temporary);
 }
 
 bool OutputFile::Commit() {
-    Write(nullptr, 0);  // an empty file is one too
+    Write(nullptr, 0);  // creates an empty file
     const bool isWhole = !hasFailed && PutInPlace(&handle, &temporary, path);
     GiveUp();
     return isWhole;
@@ -142,29 +94,6 @@ bool WriteWhole(int handle, std::string_view bytes) {
         bytes.remove_prefix(static_cast<std::size_t>(written));
     }
     return true;
-}
-
-std::size_t StandardConnection::Read(void* buffer, std::size_t count) {
-    const std::ptrdiff_t got = ReadSome(/*handle=*/0, buffer, std::min(count, mostAtOnce));
-    return got < 0 ? 0 : static_cast<std::size_t>(got);
-}
-
-bool StandardConnection::Write(std::string_view bytes) {
-    return WriteWhole(output, bytes);
-}
-
-bool FaultFileRequest(std::int64_t n, RequestFault newFault) {
-    fault = newFault;
-    return faults.Set(n, fault == RequestFault::failsForGood);
-}
-
-bool FailsOnPurpose() {
-    const bool isHit = faults.Hits();
-    if (isHit && fault == RequestFault::isBroken) {
-        BreakOff();
-        return false;
-    }
-    return isHit;
 }
 
 }  // namespace korv::platform

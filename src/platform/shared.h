@@ -1,4 +1,4 @@
-/// What the implementations for all systems share.
+/// Shared by the implementations for all systems.
 #pragma once
 
 #include <cstddef>
@@ -11,17 +11,19 @@ namespace korv::platform {
 
 inline constexpr std::string_view separators = "/\\";
 
-/// Whether a request fails on purpose.
-[[nodiscard]] bool FailsOnPurpose();
+/// Bytes that one call can transfer on any system.
+inline constexpr std::size_t mostAtOnce = 0x10000000;
+
+/// Whether the next request fails on purpose.
+[[nodiscard]] inline bool FailsOnPurpose() {
+    return requestFault != nullptr && requestFault();
+}
 
 /// The system's number of the failure of the last request; never 0.
 [[nodiscard]] int LastError();
 
-/// Makes a console event come.
-void BreakOff();
-
-/// Read and write up to `count` bytes in one call. Result: the number of bytes, or -1. A reading
-/// that a console event breaks off gives 0.
+/// Read and write up to `count` bytes in one call. Result: the number of bytes, or -1. It is 0 if a
+/// console event interrupts reading.
 [[nodiscard]] std::ptrdiff_t ReadSome(int handle, void* buffer, std::size_t count);
 [[nodiscard]] std::ptrdiff_t WriteSome(int handle, const void* buffer, std::size_t count);
 
@@ -30,77 +32,70 @@ void BreakOff();
 
 // What `OutputFile` asks of a system.
 
-/// What the name of an output leads to.
+/// The place that the name of an output leads to.
 struct OutputPlace {
     OutputFile::Kind kind{};
-    std::string path;               ///< where a new file is to be
-    std::string directory;          ///< of `path`, with its separator
-    FileHandle handle;              ///< of what is there, open for writing; none: there is nothing
-    bool isRegular = false;         ///< what is there is a file, and no device or pipe
-    FileIdentity identity;          ///< of what is there, if it is regular
-    bool isStandardOutput = false;  ///< no path and no handle: it is that stream
-    bool isReplaceable = true;      ///< a new file can take that name
-    unsigned mode = 0;  ///< permissions or attributes of a new file, in the system's bits
+    std::string path;           ///< the path of a new file
+    std::string directory;      ///< of `path`, with its separator
+    FileHandle handle;          ///< the existing file, open for writing; none if there is none
+    bool isRegular = false;     ///< it is a file, not a device or a pipe
+    FileIdentity identity;      ///< if it is regular
+    bool isReplaceable = true;  ///< a new file can replace it
+    unsigned mode = 0;          ///< permissions or attributes of a new file, in the system's bits
 };
 
-/// Looks for what `place->path`, at first as it was typed, leads to. False: it may not be written,
-/// or is one of the files of `kept`, or the system does not say.
+/// Finds the place that `place->path`, which is as typed at first, leads to. False: it may not be
+/// written, is one of the files of `kept`, or cannot be determined.
 [[nodiscard]] bool FindPlace(const FileSet& kept, OutputPlace* place);
 
 enum class Creation {
     done,
     nameIsTaken,
-    isRefused,  ///< by the directory: what is there already can be written all the same
-    failed,     ///< what is there would only be lost
+    isRefused,  ///< by the directory; an existing file can still be written
+    failed,     ///< an existing file would only be lost
 };
-/// Creates `temporary`, which is removed if the process ends before `PutInPlace` or `Remove`. The
-/// three of them take the same object, which stays where it is meanwhile. At most 16 at a time.
+/// Creates `temporary`, which is removed if the process ends before `PutInPlace` or `Remove`. These
+/// take the same object, which must not move meanwhile. At most 16 at a time.
 [[nodiscard]] Creation Create(const std::string& temporary, const OutputPlace& place,
                               FileHandle* handle);
-/// Creates a file that can take the place of what is at `place`, at the first name that is free. No
-/// name: what is there has to be written itself. False: neither can be.
+/// Creates a file that can replace the one at `place`, at the first free name. If `temporary` is
+/// empty, the existing file has to be written in place. False: neither is possible.
 [[nodiscard]] bool CreateReplacement(const OutputPlace& place, std::string* temporary,
                                      FileHandle* handle);
-/// Gives what is at `place` a second name, which is removed if the process ends before `PutInPlace`
-/// or `Remove`. Result: the name; empty: there can be none.
-void LinkAtFreeName(const OutputPlace& place, std::string* name);
-/// For `LinkAtFreeName`: gives `path` the second name `temporary`.
-[[nodiscard]] Creation Link(const std::string& path, const std::string& temporary);
-/// Gives a new file the owner and the permissions of what is at `place`. False: that cannot be.
+/// Gives a new file the owner and the permissions of the file at `place`. False: that is not
+/// possible.
 [[nodiscard]] bool MakeAlike(int handle, const OutputPlace& place);
-/// Writes all of `bytes`. False: some are not there.
+/// Writes all of `bytes`. False: that has failed.
 [[nodiscard]] bool WriteWhole(int handle, std::string_view bytes);
-/// Makes sure that all bytes of a file are there.
-[[nodiscard]] bool Flush(int handle);
-/// Ends a file as far as its bytes are concerned. False: some are not there.
+/// Completes the bytes of a file. False: some have not been written.
 [[nodiscard]] bool EndWriting(FileHandle* handle);
-/// Ends a file, and gives `temporary`, if it is not empty, the name `path`. It is empty then.
+/// Completes a file, and renames `temporary`, if it is not empty, to `path`. It is empty then.
 [[nodiscard]] bool PutInPlace(FileHandle* handle, std::string* temporary, const std::string& path);
 /// Removes the file `name`, if it is not empty. It is empty then.
 void Remove(std::string* name);
 
-/// Whether the open file `handle` is a terminal.
-[[nodiscard]] bool IsTerminalAt(int handle);
-
-/// Keeps signals that end the process waiting, but for console events where there is a handler,
-/// which do not end it. There may be several calls at a time; each has its `ReleaseSignals`.
+/// Blocks the signals that end the process. If there is a console handler, its events do not end
+/// the process and are not blocked. Calls nest; each needs a `ReleaseSignals`.
 void HoldSignals();
 void ReleaseSignals();
 
-/// Lets signals that were kept waiting, and that ask the process to end, do so while it lives; the
-/// files of `Create` are removed first.
-class SignalWindow {
-  public:
-    SignalWindow();
-    ~SignalWindow();
-    SignalWindow(const SignalWindow&) = delete;
-    SignalWindow& operator=(const SignalWindow&) = delete;
-
-  private:
-    bool isOpen = false;
-};
-
-/// The number of the process, from which names of temporary files are made.
+/// The number of the process.
 [[nodiscard]] unsigned long ProcessNumber();
+
+/// Calls `create` with names of files in the directory of `place` until one is free, and returns
+/// that in `name`. Names that are taken are left over from a process that was killed, or belong to
+/// one with the same number.
+template <typename Create>
+Creation CreateAtFreeName(const OutputPlace& place, std::string* name, Create create) {
+    Creation creation = Creation::nameIsTaken;
+    for (unsigned i = 0; i < 100 && creation == Creation::nameIsTaken; ++i) {
+        *name = place.directory + "korv" + std::to_string(ProcessNumber() + i) + ".tmp";
+        creation = create(*name);
+    }
+    if (creation != Creation::done) {
+        name->clear();
+    }
+    return creation;
+}
 
 }  // namespace korv::platform

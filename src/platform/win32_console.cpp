@@ -10,7 +10,6 @@
 #include <utility>
 
 #include "platform/platform.h"
-#include "platform/staged_output.h"
 #include "platform/win32.h"
 
 // Words of the command line are no patterns: "/?" is a switch.
@@ -24,9 +23,7 @@ namespace {
 std::atomic<ConsoleHandler> consoleHandler = nullptr;
 SRWLOCK handlerLock = SRWLOCK_INIT;  // held while it runs
 HANDLE eventHasCome = nullptr;
-UINT codePage = 0;               // of the console, to be put back; 0: it was not changed
-HANDLE coloredOutput = nullptr;  // whose mode is to be put back
-DWORD outputMode = 0;
+UINT codePage = 0;  // of the console, to be put back; 0: it was not changed
 
 HANDLE HandleOf(std::FILE* stream) {
     return platform::HandleOf(_fileno(stream));
@@ -57,9 +54,6 @@ void PutBack() {
     if (codePage != 0) {
         SetConsoleOutputCP(codePage);
     }
-    if (coloredOutput != nullptr) {
-        SetConsoleMode(coloredOutput, outputMode);
-    }
 }
 
 DWORD WINAPI TakeByte(void* input) {
@@ -86,10 +80,6 @@ void TakeKey(HANDLE input) {
 
 }  // namespace
 
-void BreakOff() {
-    OnConsoleEvent(CTRL_C_EVENT);
-}
-
 void OpenStandardStreams() {
     // The library keeps the numbers of missing streams. On a console it would make a call of the
     // system for each character, and take each byte of one for a character of its own; line ends
@@ -101,7 +91,7 @@ void OpenStandardStreams() {
     for (std::FILE* const stream : {stdout, stderr}) {
         if (IsTerminal(stream)) {
             std::setvbuf(stream, nullptr, _IOFBF, 4096);
-            MakeBinary(stream);
+            _setmode(_fileno(stream), _O_BINARY);
             codePage = codePage == 0 ? GetConsoleOutputCP() : codePage;
             SetConsoleOutputCP(CP_UTF8);
         }
@@ -109,58 +99,14 @@ void OpenStandardStreams() {
     std::atexit(PutBack);
 }
 
-bool IsMissing(std::FILE* stream) {
-    return HandleOf(stream) == INVALID_HANDLE_VALUE;
-}
-
-bool IdentityOf(std::FILE* stream, FileIdentity* identity) {
-    return GetFileType(HandleOf(stream)) == FILE_TYPE_DISK && Identify(HandleOf(stream), identity);
-}
-
-bool IsTerminalAt(int handle) {
-    DWORD mode = 0;
-    return GetConsoleMode(HandleOf(handle), &mode) != 0;
-}
-
 bool IsTerminal(std::FILE* stream) {
-    return IsTerminalAt(_fileno(stream));
+    DWORD mode = 0;
+    return GetConsoleMode(HandleOf(stream), &mode) != 0;
 }
 
 // A temporary file goes with the process, however that ends.
 void HoldSignals() {}
 void ReleaseSignals() {}
-SignalWindow::SignalWindow() = default;
-SignalWindow::~SignalWindow() = default;
-
-bool TakesColors(std::FILE* stream) {
-    const HANDLE output = HandleOf(stream);
-    if (coloredOutput == nullptr && GetConsoleMode(output, &outputMode) != 0) {
-        const DWORD mode =
-            outputMode | ENABLE_PROCESSED_OUTPUT | ENABLE_VIRTUAL_TERMINAL_PROCESSING;
-        coloredOutput = SetConsoleMode(output, mode) != 0 ? output : nullptr;
-    }
-    return coloredOutput != nullptr && coloredOutput == output;
-}
-
-void MakeBinary(std::FILE* stream) {
-    std::fflush(stream);
-    _setmode(_fileno(stream), _O_BINARY);
-}
-
-StandardConnection::StandardConnection() : output(_dup(_fileno(stdout))) {
-    MakeBinary(stdin);
-    _setmode(output, _O_BINARY);
-    _dup2(_fileno(stderr), _fileno(stdout));
-}
-
-bool StandardConnection::IsInputWaiting() const {
-    const HANDLE input = HandleOf(stdin);
-    DWORD count = 0;
-    if (GetFileType(input) != FILE_TYPE_PIPE) {
-        return WaitForSingleObject(input, /*dwMilliseconds=*/0) == WAIT_OBJECT_0;
-    }
-    return PeekNamedPipe(input, nullptr, 0, nullptr, &count, nullptr) == 0 || count != 0;
-}
 
 void SetConsoleTitle(const char* title) {
     SetConsoleTitleW(Wide(title).c_str());

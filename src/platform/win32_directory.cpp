@@ -55,11 +55,6 @@ bool Spell(const std::wstring& path, std::wstring* component) {
     return true;
 }
 
-OwnedHandle OpenToIdentify(std::string_view name) {
-    return OpenHandle(Unlimited(FullName(Wide(name))), 0, OPEN_EXISTING,
-                      FILE_FLAG_BACKUP_SEMANTICS);
-}
-
 }  // namespace
 
 std::size_t DriveLength(std::string_view name) {
@@ -74,26 +69,11 @@ bool IsProtectedFrom(std::string_view, std::string_view) {
     return true;
 }
 
-FileKind KindOf(std::string_view name) {
+bool IsRegularFile(std::string_view name) {
     const std::wstring path = FullName(Wide(name));
     const DWORD attributes = HasDrive(path) ? AttributesOf(path) : INVALID_FILE_ATTRIBUTES;
     static_assert((INVALID_FILE_ATTRIBUTES & FILE_ATTRIBUTE_DIRECTORY) != 0);
-    return (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0 ? FileKind::other : FileKind::regular;
-}
-
-bool LeadToOneFile(std::string_view a, std::string_view b) {
-    const OwnedHandle one = OpenToIdentify(a), other = OpenToIdentify(b);
-    if (one.get() != INVALID_HANDLE_VALUE && other.get() != INVALID_HANDLE_VALUE) {
-        FileIdentity identities[2];
-        DWORD attributes = 0;
-        return GetFileType(one.get()) == FILE_TYPE_DISK &&
-               GetFileType(other.get()) == FILE_TYPE_DISK &&
-               Identify(one.get(), &identities[0], &attributes) &&
-               (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0 &&
-               Identify(other.get(), &identities[1]) && identities[0] == identities[1];
-    }
-    const std::wstring first = FullName(Wide(a)), second = FullName(Wide(b));
-    return CompareStringOrdinal(first.c_str(), -1, second.c_str(), -1, TRUE) == CSTR_EQUAL;
+    return (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
 }
 
 struct CurrentDirectory::State {
@@ -174,13 +154,9 @@ bool CurrentDirectory::EnterDirectoryOf(const FoundPath& file) {
     return isThere;
 }
 
-bool CurrentDirectory::Leave() {
+std::optional<std::string> CurrentDirectory::Leave() {
     state->levels.pop_back();
-    return true;
-}
-
-std::string_view CurrentDirectory::Path() const {
-    return state->levels.back();
+    return std::nullopt;
 }
 
 }  // namespace korv::platform

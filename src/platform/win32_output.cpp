@@ -114,16 +114,6 @@ Creation Create(const std::string& temporary, const OutputPlace& place, FileHand
                                       : Creation::failed;
 }
 
-Creation Link(const std::string& path, const std::string& temporary) {
-    const bool isDone =
-        Requested([&] {
-            return CreateHardLinkW(Wide(temporary).c_str(), Wide(path).c_str(), nullptr);
-        }) != 0;
-    return isDone                                   ? Creation::done
-           : GetLastError() == ERROR_ALREADY_EXISTS ? Creation::nameIsTaken
-                                                    : Creation::failed;
-}
-
 // Lets the same people do the same with a new file as with an old one.
 bool MakeAlike(int handle, const OutputPlace& place) {
     Access access = AccessOf(HandleOf(place.handle));
@@ -137,10 +127,6 @@ bool MakeAlike(int handle, const OutputPlace& place) {
 bool SetSize(int handle, std::uint64_t size) {
     return !FailsOnPurpose() && _chsize_s(handle, static_cast<std::int64_t>(size)) == 0 &&
            _lseeki64(handle, 0, SEEK_SET) == 0;
-}
-
-bool Flush(int handle) {
-    return Requested([&] { return FlushFileBuffers(HandleOf(handle)); }) != 0;
 }
 
 bool EndWriting(FileHandle*) {

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/platform.h"
+#include "frontend/platform/platform.h"
 #include "server/server.h"
 
 namespace korv {

@@ -1,5 +1,5 @@
-/// The classes of characters, the one answer of reader, statement loop, operand code and scanner to
-/// "what is this character". No locale is asked. Bytes from 0x80 up have no class.
+/// The classes of characters for reader, statement loop, operands and scanner. They do not depend
+/// on the locale. Bytes from 0x80 up have no class.
 #pragma once
 
 #include <array>
@@ -14,9 +14,9 @@ inline constexpr std::uint8_t CC_HEX = 0x04;     ///< 0 to 9, A to F, a to i, "?
 inline constexpr std::uint8_t CC_BLANK = 0x08;   ///< tab, vertical tab, space
 inline constexpr std::uint8_t CC_LOWER = 0x10;   ///< a to z
 
-/// What a name goes on with, and a label is made of.
+/// The characters of labels, and of names after the first character.
 inline constexpr std::uint8_t CC_NAME = CC_LETTER | CC_DIGIT | CC_HEX;
-/// What a name begins with: letters, digits, "?", "@" and "_".
+/// The first character of a name: letters, digits, "?", "@" and "_".
 inline constexpr std::uint8_t CC_NAME_START = CC_LETTER | CC_HEX;
 
 /// Bits CC_*, indexed by the character as an unsigned byte.
@@ -39,12 +39,12 @@ inline constexpr auto charClass = [] {
     return (charClass[static_cast<unsigned char>(c)] & mask) != 0;
 }
 
-/// `c`, or the capital of a letter that is none.
+/// `c`; the capital of a lower-case letter.
 [[nodiscard]] constexpr char Raised(char c) noexcept {
     return HasClass(c, CC_LOWER) ? static_cast<char>(c - ('a' - 'A')) : c;
 }
 
-/// Past the blanks at `text`, which is terminated.
+/// Skips the blanks at `text`, which is terminated.
 [[nodiscard]] constexpr const char* SkipBlanks(const char* text) noexcept {
     while (HasClass(*text, CC_BLANK)) {
         ++text;

@@ -18,15 +18,18 @@ CFileNameRegistry::~CFileNameRegistry() {
     }
 }
 
-std::int32_t CFileNameRegistry::AddName(std::unique_ptr<char[]> name) {
+std::int32_t CFileNameRegistry::AddName(std::string_view name) {
+    std::unique_ptr<char[]> copy = CopyOf(name);
+    if (copy == nullptr) {
+        return 0;
+    }
     char* const slot = names.Room(sizeof(char*));
     if (slot == nullptr) {
         platform::PrintMemoryFailure("realloc error");
         return 0;
     }
-    new (slot) const char*(name.release());
+    new (slot) const char*(copy.release());
     names.Advance(sizeof(char*));
-    capacity *= count == capacity ? 2 : 1;
     return ++count;
 }
 
@@ -34,11 +37,8 @@ const char* CFileNameRegistry::NameOf(std::int32_t number) const {
     if (number == 0) {
         return "Uhm, I DUNNO! ;p";
     }
-    if (number < 0 || number > capacity) {
-        return "--Error--";
-    }
-    return number > count ? nullptr
-                          : reinterpret_cast<const char* const*>(names.Bytes().data())[number - 1];
+    const auto* const all = reinterpret_cast<const char* const*>(names.Bytes().data());
+    return number > 0 && number <= count ? all[number - 1] : "--Error--";
 }
 
 }  // namespace korv

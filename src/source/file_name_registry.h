@@ -1,5 +1,5 @@
 /// The files of a run, numbered in the order of opening, so that messages, identifiers and patches
-/// can name a file by a number. A file opened twice has two numbers.
+/// can refer to a file by its number. A file opened twice has two numbers.
 #pragma once
 
 #include <cstdint>
@@ -10,7 +10,7 @@
 
 namespace korv {
 
-/// A copy of `text`, terminated; null when there is no memory for it.
+/// A terminated copy of `text`; null if there is no memory for it.
 [[nodiscard]] std::unique_ptr<char[]> CopyOf(std::string_view text);
 
 class CFileNameRegistry {
@@ -20,17 +20,16 @@ class CFileNameRegistry {
     CFileNameRegistry(const CFileNameRegistry&) = delete;
     CFileNameRegistry& operator=(const CFileNameRegistry&) = delete;
 
-    /// Takes over `name`. Result: its number, from 1. When the table cannot grow, that is printed
-    /// as a memory failure, the name is released and the number is 0.
-    std::int32_t AddName(std::unique_ptr<char[]> name);
+    /// Keeps a copy of `name`. Result: its number, from 1. If there is no memory for it, the number
+    /// is 0; if the table cannot grow, that is printed as a memory failure.
+    std::int32_t AddName(std::string_view name);
 
-    /// The text for a message, valid as long as the registry: the name, null for a slot that is
-    /// still free, or a phrase for 0 (no file) and for a number without a slot.
+    /// The text for a message, valid as long as the registry: the name, or a phrase for 0 (no file)
+    /// or for a number that no file has.
     [[nodiscard]] const char* NameOf(std::int32_t number) const;
 
   private:
-    std::int32_t capacity = 10;  // slots
-    platform::Buffer names;      // pointers, owned; that of number n is in slot n - 1
+    platform::Buffer names;  // owned pointers; that of number n has the index n - 1
     std::int32_t count = 0;
 };
 

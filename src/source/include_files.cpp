@@ -44,10 +44,7 @@ Status CAssembler::EnterFile(std::string_view name) {
     if (!sources->Enter(file)) {
         errors.Report(MSG_CANNOT_CHANGE_DIRECTORY, path);
     }
-    std::int32_t fileNumber = 0;
-    if (std::unique_ptr<char[]> copy = CopyOf(path); copy != nullptr) {
-        fileNumber = fileNames.AddName(std::move(copy));
-    }
+    const std::int32_t fileNumber = fileNames.AddName(path);
     const char* const includer = std::exchange(currentFileName, fileNames.NameOf(fileNumber));
     const Status status = OpenAndRun(path, fileNumber);
     currentFileName = includer;
@@ -57,7 +54,7 @@ Status CAssembler::EnterFile(std::string_view name) {
     return status;
 }
 
-// Result: 0, or why the file could not be opened or not be read.
+// Result: 0, or why the file could not be opened.
 Status CAssembler::OpenAndRun(const std::string& path, std::int32_t fileNumber) {
     CSourceFile file = sources->Open(path, fileBufferSize);
     if (file.IsOpen() == 0) {
@@ -88,8 +85,8 @@ Status CAssembler::OpenAndRun(const std::string& path, std::int32_t fileNumber) 
 }
 
 Status AssembleInclude(CAssembler* assembler, CStatement* statement) {
-    // The text as written: what it would be as an expression does not matter, and quotes are part
-    // of the name.
+    // The text as written: its value as an expression does not matter, and quotes are part of the
+    // name.
     const lsArg& arg = statement->args.First();
     const std::string_view name = arg.text;
     TraceFile(assembler, "INCLUDING", name);
@@ -99,7 +96,8 @@ Status AssembleInclude(CAssembler* assembler, CStatement* statement) {
     }
     const std::int32_t status = assembler->AssembleIncludeFile(name);
     TraceFile(assembler, "Closing", name);
-    // The lines of the file have their own records; this one would show their bytes again.
+    // The lines of the file have records of their own; a record of this line would repeat their
+    // bytes.
     assembler->flags.Set(RF_NO_DEBUG_RECORD);
     return status == 0 ? 0 : Refuse(statement, arg, status);
 }

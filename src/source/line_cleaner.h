@@ -1,4 +1,4 @@
-/// The rules by which a logical line is cleaned, one byte of the file after the other.
+/// The rules for cleaning a logical line, applied to one byte of the file after another.
 #pragma once
 
 #include <cstddef>
@@ -8,17 +8,17 @@
 
 namespace korv {
 
-/// Ends a text file on some old systems; here it is dropped.
+/// Marks the end of a text file on some old systems; it is dropped.
 inline constexpr char endOfText = 0x1A;
 
-/// The hard idea is the last significant character, which decides where trailing blanks begin and
-/// whether the line goes on. It is not kept up to date per byte but found when it is asked for, by
-/// walking back over blanks from the end of what has been stored. After a continuation it is the
-/// place of the backslash, and the backslash stays there until something overwrites it. So an empty
-/// line after a continuation continues the line again.
+/// The hard idea is the last significant character. It decides where trailing blanks begin and
+/// whether the line is continued. It is not updated for each byte, but found when it is needed, by
+/// walking back over blanks from the end of the stored text. After a continuation it is the
+/// backslash, which remains there until something overwrites it. So an empty line after a
+/// continuation continues the line again.
 ///
-/// A caller finds the place of a character in the file by `size`: before a byte is taken, it is the
-/// index in the line at which the byte is stored, and it does not grow if the byte is dropped.
+/// A caller can map characters of the line to the file by `size`: before a byte is taken, it is the
+/// index at which the byte will be stored, and it does not grow if the byte is dropped.
 struct LineCleaner {
     /// Takes the next byte of the file. False: it is the line feed that ends the line.
     bool Take(char c) {
@@ -45,19 +45,19 @@ struct LineCleaner {
         return isComment ? commentStart : end == 0 ? size : end;
     }
 
-    /// Terminates the text. The backslash of a continuation by nothing is no part of it.
+    /// Terminates the text. A backslash that is continued by nothing is not part of it.
     void Finish() {
         line[size] = '\0';
         line[Length()] = '\0';
     }
 
-    char* line;                 ///< receives the text; has room for what is taken and 1 more
+    char* line;                 ///< receives the text; needs room for all bytes taken and 1 more
     std::size_t size = 0;       ///< of what has been stored
-    std::size_t segment = 0;    ///< where what follows the last continuation begins
-    std::size_t endBefore = 0;  ///< what `SignificantEnd` was there
+    std::size_t segment = 0;    ///< start of the text after the last continuation
+    std::size_t endBefore = 0;  ///< `SignificantEnd` before that
     std::size_t commentStart = 0;
     std::uint32_t taken = 0;     ///< bytes
-    std::uint32_t released = 0;  ///< bytes that have lost their place in the line
+    std::uint32_t released = 0;  ///< bytes taken that are no longer in the line
     std::uint32_t lines = 0;     ///< line feeds taken
     bool isString = false;
     bool isComment = false;
@@ -73,7 +73,8 @@ struct LineCleaner {
         line[size++] = isComment || isString ? c : Raised(c);
     }
 
-    // After a line feed: whether the line goes on, with what follows in the place of the backslash.
+    // Whether the line is continued after a line feed. The text that follows replaces the
+    // backslash.
     bool Continues() {
         const std::size_t end = SignificantEnd();
         if (end == 0 || line[end - 1] != '\\') {

@@ -1,7 +1,7 @@
-// The reader. Nearly every line is plain text in one piece, perhaps with strings and with a
-// comment: it is copied by the chunk, raised to upper case on the way, and only looked at more
-// closely where a chunk holds a byte that needs attention. All other lines, with continuations,
-// with odd bytes, at the end of a block, go byte by byte.
+// The reader. Nearly every line is plain text in one piece, perhaps with strings and a comment. It
+// is copied by the chunk and converted to upper case on the way; only a chunk with a byte that
+// needs attention is examined more closely. All other lines are read byte by byte: those with
+// continuations or odd bytes, and those at the end of a block.
 
 #include "source/source_file.h"
 
@@ -18,23 +18,22 @@
 namespace korv {
 namespace {
 
-// What the bytes ahead belong to.
+// What the next bytes belong to.
 enum class Run { plain, string, comment };
 
-// Sixteen bytes that are worked at once; vectors of this kind are common to the compilers we build
-// with.
+// Sixteen bytes that are processed at once. All supported compilers have such vectors.
 constexpr std::size_t chunkSize = 16;
 using Chunk __attribute__((vector_size(chunkSize))) = std::uint8_t;
 using SignedChunk __attribute__((vector_size(chunkSize))) = std::int8_t;
-// How a call passes them differs between targets; these calls all stay in this file.
+// Targets differ in how a call passes them, but all these calls are within this file.
 #pragma GCC diagnostic ignored "-Wpsabi"
 
 Chunk All(char c) {
     return Chunk{} + static_cast<std::uint8_t>(c);
 }
 
-// The bytes from `first` to `last`. Moved to the lowest of the signed numbers, which are what
-// machines compare.
+// The bytes from `first` to `last`. They are moved to the lowest signed numbers, since machines
+// compare signed numbers.
 template <char first, char last>
 auto Between(Chunk bytes) {
     constexpr int lowest = -128;
@@ -42,7 +41,7 @@ auto Between(Chunk bytes) {
            SignedChunk{} + static_cast<std::int8_t>(lowest + last - first + 1);
 }
 
-// The bytes that need attention, and with them a few control characters that hardly ever occur.
+// The bytes that need attention, and a few control characters that hardly ever occur.
 template <Run run>
 auto AttentionIn(Chunk bytes) {
     auto attention = Between<'\n', endOfText>(bytes);
@@ -74,7 +73,7 @@ std::size_t FirstIn(Mask mask) {
 }
 
 // The bytes at `from` up to the first one that needs attention, at most a chunk: copies them, with
-// the letters raised in plain text; of a comment nothing is wanted. A whole chunk is read, and
+// the letters of plain text in upper case. Comments are not copied. A whole chunk is read and
 // written. Result: their number.
 template <Run run>
 std::size_t CopyChunk(const std::uint8_t* from, char* to) {
@@ -90,8 +89,8 @@ std::size_t CopyChunk(const std::uint8_t* from, char* to) {
     return length;
 }
 
-// Copies chunks from `*next` to `*out`, both moved on, up to a byte that needs attention. False:
-// there is none before `lastChunk`, after which no whole chunk is left.
+// Copies chunks from `*next` to `*out`, and advances both, up to a byte that needs attention.
+// False: there is none before `lastChunk`, after which no whole chunk is left.
 template <Run run>
 bool CopyRun(const std::uint8_t** next, char** out, const std::uint8_t* lastChunk) {
     while (*next <= lastChunk) {
@@ -105,8 +104,8 @@ bool CopyRun(const std::uint8_t** next, char** out, const std::uint8_t* lastChun
     return false;
 }
 
-// What a line has to be looked at for if it ends in it: blanks, and the backslash that continues
-// it. A table, since this is asked of every line.
+// The characters that need attention at the end of a line: blanks, and the backslash that continues
+// it. A table, since every line is checked.
 constexpr auto isOddEnd = [] {
     std::array<bool, 256> table{};
     for (std::size_t byte = 0; byte < table.size(); ++byte) {
@@ -141,14 +140,14 @@ Status CSourceFile::OpenStatus() const {
                                            : MSG_CANNOT_OPEN;
 }
 
-// The next `count` bytes are at `block`.
+// Continues with the `count` bytes at `block`.
 void CSourceFile::TakeBlock(const std::uint8_t* block, std::size_t count) {
     readPosition = block;
     endOfData = block + count;
     endOfChunks = block + (count > chunkSize ? count - chunkSize : 0);
 }
 
-// False: there is no further one.
+// False: there are no more.
 bool CSourceFile::ReadBlock() {
     if (isInMemory) {
         return false;
@@ -164,8 +163,8 @@ Status CSourceFile::ReadLine(char* line, std::uint32_t maxLength, std::uint32_t*
                : ReadAnyLine(line, maxLength, bytesOut, linesOut);
 }
 
-// Reads the next line if it is the usual case: in one piece in the buffer and without a
-// continuation. False: it is another case, and nothing has been read.
+// Reads the next line in the usual case: it is in one piece in the buffer, and has no continuation.
+// False: this is another case, and nothing has been read.
 inline bool CSourceFile::ReadPlainLine(char* line, std::uint32_t maxLength, std::uint32_t* bytesOut,
                                        std::uint32_t* linesOut) {
     const std::uint8_t* next = readPosition;
@@ -199,9 +198,9 @@ inline bool CSourceFile::ReadPlainLine(char* line, std::uint32_t maxLength, std:
     return true;
 }
 
-// Goes on with a line whose first chunk does not end it: strings, a comment, the carriage return of
-// its end. A chunk is read and written whole, so the end of the buffer and of the longest line are
-// not its business. False: it comes near them, or there is something else.
+// Continues a line that is longer than its first chunk: strings, a comment, the carriage return at
+// its end. Chunks are read and written whole, so it stops near the end of the buffer or of the
+// longest line. False: it has stopped there, or at something else.
 bool CSourceFile::CopyToLineFeed(const std::uint8_t** next, char** out, std::uint32_t maxLength,
                                  bool* hasComment) {
     if (maxLength < chunkSize) {
@@ -213,7 +212,7 @@ bool CSourceFile::CopyToLineFeed(const std::uint8_t** next, char** out, std::uin
     if (!CopyRun<Run::plain>(next, out, lastChunk)) {
         return false;
     }
-    while (**next == '"') {  // the string, and what follows it
+    while (**next == '"') {  // the string, and the text after it
         for (const Run run : {Run::string, Run::plain}) {
             *(*out)++ = '"';
             ++*next;

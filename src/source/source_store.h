@@ -1,4 +1,4 @@
-/// Where the files of a run come from: `driver/disk_store.h`, or texts that a front end holds.
+/// The source of the files of a run: the disk (`driver/disk_store.h`), or texts in memory.
 #pragma once
 
 #include <optional>
@@ -11,35 +11,35 @@
 
 namespace korv {
 
-/// All bytes of a file that is no source.
+/// All bytes of a file that is not a source.
 struct FileBytes {
     platform::FoundPath found;
     std::string_view bytes;  ///< in `buffer`, or in the store until its next call
     platform::Buffer buffer;
 };
 
-/// Resolves the names of files as they are written in a source, and opens the files. `Enter` and
-/// `Leave` nest: a relative name counts from the file that has been entered last, the name of the
-/// main file from where the run began.
+/// Resolves the names of files in a source, and opens the files. `Enter` and `Leave` nest: a name
+/// is relative to the file that was entered last; the name of the main file is relative to the
+/// directory in which the run began.
 class SourceStore {
   public:
     virtual ~SourceStore() = default;
 
-    /// Resolves `name`, whether there is such a file or not. Result: 0, MSG_CANNOT_GET_DIRECTORY,
-    /// or MSG_CANNOT_OPEN where relative names have lost their meaning.
+    /// Resolves `name`, whether the file exists or not. Result: 0, MSG_CANNOT_GET_DIRECTORY, or
+    /// MSG_CANNOT_OPEN if relative names no longer have a meaning.
     [[nodiscard]] virtual Status Find(std::string_view name, platform::FoundPath* file) = 0;
 
-    /// Enters the source `file`, which `Find` gave. False: its directory cannot be entered. `Leave`
-    /// belongs to each call, whatever its result.
+    /// Enters the source `file`, a result of `Find`. False: its directory cannot be entered. Each
+    /// call needs a `Leave`, whatever its result.
     [[nodiscard]] virtual bool Enter(const platform::FoundPath& file) = 0;
-    /// Opens the source entered last, with its `path` and a read buffer of at most `bufferSize`
-    /// bytes, if it takes one.
+    /// Opens the source entered last, by its `path`, with a read buffer of at most `bufferSize`
+    /// bytes if it needs one.
     [[nodiscard]] virtual CSourceFile Open(const std::string& path, std::uint32_t bufferSize) = 0;
-    /// Leaves the source entered last. Where that fails, the result is the directory that cannot be
-    /// gone back to.
+    /// Leaves the source entered last. If that fails, the result is the directory that cannot be
+    /// entered again.
     [[nodiscard]] virtual std::optional<std::string> Leave() = 0;
 
-    /// Reads the file `name` whole, but for a run that is aborted meanwhile. Result: 0 or
+    /// Reads the whole file `name`, unless the run is aborted meanwhile. Result: 0 or
     /// MSG_CANNOT_OPEN.
     [[nodiscard]] virtual Status Read(std::string_view name, FileBytes* file) = 0;
 };

@@ -1,13 +1,13 @@
-// Resolves forward references. A patch is evaluated; if that gives an EQU its value, all that
-// waited for the EQU is evaluated next, further EQUs among it. This is recursive by nature, and a
-// source decides how deep it is; so the recursion is kept off the stack.
+// Resolves forward references. A patch is evaluated. If that gives an EQU its value, everything
+// that waited for the EQU is evaluated next, including further EQUs. This is recursive, and the
+// source decides how deep; so the recursion does not use the stack.
 //
-// - A patch is owned by the chain on which it hangs. Whoever takes a chain off its identifier owns
-//   its patches, works each once and then frees it; so `next` is read before a patch is freed.
-// - The patches that are being worked form a stack of their own through `parent`, from a patch to
-//   the EQU patch whose value released it. The first patch of a chain gets its `parent` when the
-//   chain is released, each further one when it is worked.
-// - The root belongs to the caller, who frees it.
+// - A chain owns its patches. The code that takes a chain from its identifier owns them, processes
+//   each once and then frees it; so `next` is read before a patch is freed.
+// - The patches in progress form a stack through `parent`, from a patch to the EQU patch whose
+//   value released it. The first patch of a chain gets its `parent` when the chain is released,
+//   each further one when its turn comes.
+// - The caller owns and frees the root.
 
 #include <string>
 #include <utility>
@@ -19,7 +19,7 @@
 namespace korv {
 namespace {
 
-// The walk over one patch and all that its value releases.
+// The walk over one patch and everything that its value releases.
 class Backpatcher {
   public:
     explicit Backpatcher(CAssembler* assembler)
@@ -34,7 +34,7 @@ class Backpatcher {
     Status WorkReleased(CPatchInfo* root);
     Status WorkPatch(CPatchInfo* patch);
     Status EvaluatePatch(const CPatchInfo& patch, std::int32_t* value);
-    CPatchInfo* LeavePatch(CPatchInfo* patch, const CPatchInfo* root, Status* result);
+    CPatchInfo* Next(CPatchInfo* patch, const CPatchInfo* root, Status* result);
     void MovePatch(const CPatchInfo& patch, std::string_view name);
     Status ResolveEqu(const CPatchInfo& patch, std::int32_t value);
     Status WritePatch(const CPatchInfo& patch, std::int32_t value);
@@ -44,22 +44,14 @@ class Backpatcher {
     CPatchInfo* released = nullptr;  // owned; the chain that the last EQU has released
 };
 
-// Works the chain that the EQU patch `root` has released, and all that follows from it.
+// Processes the chain that the EQU patch `root` has released, and everything that follows from it.
 Status Backpatcher::WorkReleased(CPatchInfo* root) {
-    CPatchInfo* patch = root;
     Status result = 0;
-    do {
-        if (released != nullptr) {
-            released->parent = patch;
-            patch = std::exchange(released, nullptr);
-        } else {
-            patch = LeavePatch(patch, root, &result);
-        }
-        if (patch == nullptr) {
-            return result;
-        }
+    CPatchInfo* patch = root;
+    while ((patch = Next(patch, root, &result)) != nullptr) {
         result = WorkPatch(patch);
-    } while (true);
+    }
+    return result;
 }
 
 // Evaluates one patch and writes its value, or gives it to an EQU, which may release a chain.
@@ -76,8 +68,8 @@ Status Backpatcher::WorkPatch(CPatchInfo* patch) {
     return (patch->flags & PF_EQU) == 0 ? WritePatch(*patch, value) : ResolveEqu(*patch, value);
 }
 
-// The value of the text of `patch`. Result: that of the scan; with MSG_UNRESOLVED a copy waits for
-// the next name.
+// Evaluates the text of `patch`. Result: the status of the scan; with MSG_UNRESOLVED a copy waits
+// for the next name.
 Status Backpatcher::EvaluatePatch(const CPatchInfo& patch, std::int32_t* value) {
     std::string_view fault;
     const Status status = assembler->ScanExpression(patch.Text(), value, &fault);
@@ -91,9 +83,14 @@ Status Backpatcher::EvaluatePatch(const CPatchInfo& patch, std::int32_t* value) 
     return status;
 }
 
-// `patch` has been worked, with `result`. Goes on with the next one of its chain; at the end of the
-// chain the patch above is done too. Result: the patch to work next; null when `root` is done.
-CPatchInfo* Backpatcher::LeavePatch(CPatchInfo* patch, const CPatchInfo* root, Status* result) {
+// `patch` has been processed, with `result`. The chain that it has released comes next, or else the
+// next patch of its own chain. At the end of a chain the patch above it is done too. Result: the
+// patch to process next; null when `root` is done.
+CPatchInfo* Backpatcher::Next(CPatchInfo* patch, const CPatchInfo* root, Status* result) {
+    if (released != nullptr) {
+        released->parent = patch;
+        return std::exchange(released, nullptr);
+    }
     while (patch != root) {
         CPatchInfo* const parent = patch->parent;
         CPatchInfo* next = patch->next;
@@ -118,7 +115,7 @@ CPatchInfo* Backpatcher::LeavePatch(CPatchInfo* patch, const CPatchInfo* root, S
     return nullptr;
 }
 
-// Files a copy of `patch` under `name`, the next one that its expression waits for.
+// Files a copy of `patch` under `name`, the next name that its expression waits for.
 void Backpatcher::MovePatch(const CPatchInfo& patch, std::string_view name) {
     CPatchInfo* const copy = CPatchInfoMemBlock::AllocPatchInfo(patch.position, patch.flags,
                                                                 patch.address, patch.Place());
@@ -129,7 +126,7 @@ void Backpatcher::MovePatch(const CPatchInfo& patch, std::string_view name) {
                       patch.Text(), "]\n");
 }
 
-// Gives the EQU of `patch` its value and takes what waits for it.
+// Gives the EQU of `patch` its value and releases the chain that waits for it.
 Status Backpatcher::ResolveEqu(const CPatchInfo& patch, std::int32_t value) {
     const std::string_view name = patch.name.View();
     CIdentifier* const equ = identifiers.Find(name);
@@ -147,20 +144,13 @@ Status Backpatcher::ResolveEqu(const CPatchInfo& patch, std::int32_t value) {
     return 0;
 }
 
-// Overwrites the placeholder of a patch. A value out of range is written all the same, cut to its
-// low bits.
+// Overwrites the placeholder of a patch. A value out of range is written too, cut to its low bits.
 Status Backpatcher::WritePatch(const CPatchInfo& patch, std::int32_t value) {
     const ValueRange& range = RangeOf(patch.flags);
     if ((patch.flags & PF_RELATIVE) != 0) {
         const std::int32_t offset = RelativeOffset(value, patch.address);
         assembler->binary.PutByteAt(offset, patch.position);
         return range.Holds(offset) ? 0 : range.message;
-    }
-    if ((patch.flags & (PF_8BIT | PF_16BIT)) == 0) {
-        std::fprintf(assembler->output,
-                     "*scream* Erhm, WHAT am I supposed to do? [%s] %s, line %d.\n",
-                     patch.Text().data(), assembler->fileNames.NameOf(patch.file), patch.line);
-        return patchFailed;
     }
     if (!range.Holds(value)) {
         assembler->warnings.Report(range.message, patch.Text(), patch.Place());

@@ -1,5 +1,5 @@
 /// The record of a name: label, EQU identifier, reserved word, version identifier, or a name that
-/// was only referred to.
+/// was only used.
 #pragma once
 
 #include <cstdint>
@@ -20,7 +20,7 @@ inline constexpr std::uint32_t IDF_RESOLVED = 0x040;  ///< `value` is known
 inline constexpr std::uint32_t IDF_INTERNAL = 0x200;  ///< the system's own; left out of the listing
 inline constexpr std::uint32_t IDF_RESERVED = 0x800;  ///< may not be defined by a source line
 
-/// The states in which a record is entered. A name only referred to has no bit at all.
+/// The states in which a record is entered. A name that was only used has no bits.
 inline constexpr std::uint32_t IDS_LABEL = IDF_LABEL | IDF_16BIT | IDF_RESOLVED;
 inline constexpr std::uint32_t IDS_EQU = IDF_EQU | IDF_16BIT | IDF_RESOLVED;
 inline constexpr std::uint32_t IDS_EQU_WAITING = IDF_EQU | IDF_16BIT;
@@ -28,14 +28,14 @@ inline constexpr std::uint32_t IDS_RESERVED_WORD = IDF_RESERVED | IDF_INTERNAL;
 inline constexpr std::uint32_t IDS_SYSTEM = IDF_RESERVED | IDF_INTERNAL | IDF_RESOLVED;
 
 struct CIdentifier {
-    CIdentifier* next = nullptr;  ///< in the order of the listing, once that is made
+    std::uint32_t bucket = 0;  ///< for the order of the listing, set when it is sorted
     std::uint32_t flags = 0;
     const char* name = nullptr;  ///< in the name pool or constant; never moves
     std::uint32_t nameLength = 0;
     std::int32_t line = 0;          ///< of the definition; 0 for a name only referred to
     std::int32_t file = 0;          ///< of the definition; 0 for a name only referred to
     std::int32_t value = 0;         ///< meaningful with IDF_RESOLVED; -1 in an EQU that waits
-    CPatchInfo* patches = nullptr;  ///< owned; what waits for this name, the newest first
+    CPatchInfo* patches = nullptr;  ///< owned; the patches that wait for this name, newest first
     void* macro = nullptr;          ///< body of a macro; always null, as no command records one
 
     [[nodiscard]] std::string_view Name() const { return {name, nameLength}; }

@@ -1,9 +1,8 @@
 #include "symbols/identifier_listing.h"
 
-#include <array>
+#include <algorithm>
 #include <charconv>
 #include <string>
-#include <utility>
 
 #include "diagnostics/report_writer.h"
 #include "source/file_name_registry.h"
@@ -11,41 +10,14 @@
 namespace korv {
 namespace {
 
-CIdentifier* Merge(CIdentifier* a, CIdentifier* b) {
-    CIdentifier* merged = nullptr;
-    CIdentifier** end = &merged;
-    while (a != nullptr && b != nullptr) {
-        CIdentifier*& smaller = b->Name() < a->Name() ? b : a;
-        *end = smaller;
-        end = &smaller->next;
-        smaller = smaller->next;
-    }
-    *end = a != nullptr ? a : b;
-    return merged;
-}
-
-// Sorts a chain by name, ascending.
-CIdentifier* Sorted(CIdentifier* chain) {
-    if (chain == nullptr || chain->next == nullptr) {
-        return chain;
-    }
-    CIdentifier* middle = chain;
-    for (const CIdentifier* fast = chain->next; fast != nullptr && fast->next != nullptr;
-         fast = fast->next->next) {
-        middle = middle->next;
-    }
-    CIdentifier* const second = std::exchange(middle->next, nullptr);
-    return Merge(Sorted(chain), Sorted(second));
-}
-
-std::size_t BucketOf(std::string_view name) {
+std::uint32_t BucketOf(std::string_view name) {
     std::uint32_t h = 0;
     for (const char c : name) {
         h = h * 16 + static_cast<std::uint32_t>(static_cast<signed char>(c));
         const std::uint32_t g = h & 0xF0000000;
         if (g != 0) {
-            // An arithmetic shift, unlike that of the published hash: the order of listings depends
-            // on it.
+            // An arithmetic shift, unlike in the published hash: the order of listings depends on
+            // it.
             h ^= static_cast<std::uint32_t>(static_cast<std::int32_t>(g) >> 24);
             h ^= g;
         }
@@ -72,33 +44,24 @@ void PutLine(ReportWriter* out, const CIdentifier& record, std::string_view file
 
 }  // namespace
 
-CIdentifier* SortForListing(CIdentifier* chain) {
-    std::array<CIdentifier*, tableSize> buckets{};
-    while (chain != nullptr) {
-        CIdentifier* const next = chain->next;
-        chain->next = std::exchange(buckets[BucketOf(chain->Name())], chain);
-        chain = next;
+void SortForListing(std::span<CIdentifier*> records) {
+    for (CIdentifier* const record : records) {
+        record->bucket = BucketOf(record->Name());
     }
-    CIdentifier* first = nullptr;
-    CIdentifier** end = &first;
-    for (CIdentifier* const bucket : buckets) {
-        *end = Sorted(bucket);
-        while (*end != nullptr) {
-            end = &(*end)->next;
-        }
-    }
-    return first;
+    std::ranges::sort(records, [](const CIdentifier* a, const CIdentifier* b) {
+        return a->bucket != b->bucket ? a->bucket < b->bucket : a->Name() < b->Name();
+    });
 }
 
-void WriteListing(const CIdentifier* chain, const CFileNameRegistry& fileNames,
+void WriteListing(std::span<CIdentifier* const> records, const CFileNameRegistry& fileNames,
                   platform::OutputFile* file) {
     ReportWriter out(file);
     out.Put("Identifier\t\tValue\tFlags\tFile(Line)\n");
     std::int32_t count = 0;
-    for (; chain != nullptr; chain = chain->next) {
-        if ((chain->flags & IDF_INTERNAL) == 0) {
+    for (const CIdentifier* const record : records) {
+        if ((record->flags & IDF_INTERNAL) == 0) {
             ++count;
-            PutLine(&out, *chain, fileNames.NameOf(chain->file));
+            PutLine(&out, *record, fileNames.NameOf(record->file));
         }
     }
     out.Put(std::to_string(count));

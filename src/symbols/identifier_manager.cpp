@@ -14,6 +14,7 @@ CIdentifierManager::CIdentifierManager(CAssembler* assembler)
         CIdentifier{.name = namePool.Store(name.text),
                     .nameLength = static_cast<std::uint32_t>(name.text.size())};
     records.push_back(record);
+    sortedRecords.push_back(record);
     if (reservedWords != nullptr && reservedWords->Has(name)) {
         record->flags = IDS_RESERVED_WORD;
     } else {
@@ -43,7 +44,7 @@ void CIdentifierManager::AddID(const Definition& definition) {
     }
 }
 
-// Reports that `definition` is of a name which may not be defined, or not again.
+// Reports that the name of `definition` may not be defined, or not again.
 void CIdentifierManager::Refuse(const Definition& definition, bool isReserved) {
     Trace(isReserved ? "Attempt to use command/instruction as a label! [" : "Label redefinition! [",
           definition.name, "]\n");
@@ -51,8 +52,7 @@ void CIdentifierManager::Refuse(const Definition& definition, bool isReserved) {
                              definition.place);
 }
 
-// `identifier` had only been referred to and is defined now. If it has a value, the patches that
-// wait for it are applied.
+// `identifier` had only been used and is defined now. If it has a value, its patches are applied.
 void CIdentifierManager::ApplyPatches(CIdentifier* identifier) {
     if ((identifier->flags & IDF_RESOLVED) == 0) {
         Trace("Could not backpatch yet! [", identifier->Name(), "]\n");
@@ -74,7 +74,7 @@ void CIdentifierManager::ApplyPatches(CIdentifier* identifier) {
 }
 
 Status CIdentifierManager::AddPatch(std::string_view name, CPatchInfo* patch) {
-    // Mostly the name that had no value just now; to look it up again costs 1 % of all
+    // Mostly the name that had no value just now. Looking it up again costs 1 % of all
     // instructions.
     const bool isMissing = name.data() == missing.text.data() && name.size() == missing.text.size();
     const HashedName hashed = isMissing ? missing : HashedName(name);
@@ -101,25 +101,16 @@ CPatchInfo* CIdentifierManager::TakePatches(CIdentifier* identifier) {
     return std::exchange(identifier->patches, nullptr);
 }
 
-// All records, in the order of the listing.
-CIdentifier* CIdentifierManager::SortedRecords() {
-    CIdentifier* chain = nullptr;
-    for (CIdentifier* const record : records) {
-        record->next = std::exchange(chain, record);
-    }
-    return SortForListing(chain);
-}
-
-std::int32_t CIdentifierManager::ReportUnresolved() {
+void CIdentifierManager::ReportUnresolved() {
     if (waitingCount == 0) {
-        return 0;
+        return;
     }
-    for (const CIdentifier* record = SortedRecords(); record != nullptr; record = record->next) {
+    SortForListing(sortedRecords);
+    for (const CIdentifier* const record : sortedRecords) {
         if (record->patches != nullptr) {
             assembler->errors.Report(MSG_UNRESOLVED, record->Name(), record->patches->Place());
         }
     }
-    return waitingCount;
 }
 
 void CIdentifierManager::ReleasePatches() {
@@ -131,9 +122,9 @@ void CIdentifierManager::ReleasePatches() {
     }
 }
 
-std::int32_t CIdentifierManager::DumpIdentifiers(platform::OutputFile* file) {
-    WriteListing(SortedRecords(), assembler->fileNames, file);
-    return 0;
+void CIdentifierManager::DumpIdentifiers(platform::OutputFile* file) {
+    SortForListing(sortedRecords);
+    WriteListing(sortedRecords, assembler->fileNames, file);
 }
 
 Status CIdentifierManager::DumpStatus(std::FILE* stream) const {

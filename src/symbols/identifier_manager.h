@@ -1,7 +1,6 @@
 /// All names of a run in one flat table: labels, EQU identifiers, reserved words, version
-/// identifiers, and names that were only referred to. A record also carries the patches that wait
-/// for its value, so that defining a name is the moment at which all forward references to it are
-/// filled in.
+/// identifiers, and names that were only used. A record also has the patches that wait for its
+/// value, so that all forward references to a name are filled in when it is defined.
 #pragma once
 
 #include <cstddef>
@@ -14,6 +13,7 @@
 
 #include "diagnostics/message_numbers.h"
 #include "diagnostics/source_place.h"
+#include "platform/platform.h"
 #include "symbols/identifier.h"
 #include "symbols/name_index.h"
 #include "symbols/name_pool.h"
@@ -24,12 +24,8 @@ namespace korv {
 
 class CAssembler;
 class DebugStream;
-namespace platform {
-class OutputFile;
-}
 
-/// What `AddID` is given: a name and its definition. The name has to stay valid during the call
-/// only.
+/// For `AddID`: a name and its definition. The name has to be valid during the call only.
 struct Definition {
     std::string_view name;
     SourcePlace place;
@@ -44,16 +40,15 @@ class CIdentifierManager {
     explicit CIdentifierManager(CAssembler* assembler);
     ~CIdentifierManager() { ReleasePatches(); }
 
-    /// Traces the life of patches to `newLog`, not owned; null for no trace. Result: the one
-    /// before.
+    /// Traces patches to `newLog`, not owned; null for no trace. Result: the previous one.
     DebugStream* SetLog(DebugStream* newLog) { return std::exchange(log, newLog); }
 
-    /// Defines a name. A name only referred to so far gets its definition, and its patches are
-    /// applied, the newest first. Refused definitions and failures of patches are reported here.
+    /// Defines a name. A name that was only used so far gets its definition, and its patches are
+    /// applied, newest first. Refused definitions and failures of patches are reported here.
     void AddID(const Definition& definition);
 
-    /// Reserves `words`, which have to live as long as the table and are none of its names yet.
-    /// They count as entered, but a record is made only of those that a source names.
+    /// Reserves `words`, which must live as long as the table and must not be in it yet. They count
+    /// as entered, but only those that a source uses get a record.
     void Reserve(const WordSet& words) {
         reservedWords = &words;
         totalCount += words.Count();
@@ -61,18 +56,8 @@ class CIdentifierManager {
 
     /// The record of `name`, with or without a value; null if there is none.
     [[nodiscard]] CIdentifier* Find(const HashedName& name) const { return index.Find(name); }
-    /// The record of `name` if it has a value, else null: a name that waits and one never seen are
-    /// the same here. `markUsed` marks it as read.
-    CIdentifier* FindID(const HashedName& name, bool markUsed) {
-        CIdentifier* const record = index.Find(name);
-        if (record == nullptr || (record->flags & IDF_RESOLVED) == 0) {
-            return nullptr;
-        }
-        record->flags |= markUsed ? IDF_USED : 0;
-        return record;
-    }
-
-    /// The value of `name`, marked as read. Result: 0 with `value`, or MSG_UNRESOLVED.
+    /// The value of `name`, which is marked as read. Result: 0 with `value`, or MSG_UNRESOLVED: a
+    /// name that waits and one never seen are the same here.
     [[nodiscard]] Status ValueOf(std::string_view name, std::int32_t* value) {
         const HashedName hashed = name;
         CIdentifier* const record = index.Find(hashed);
@@ -86,41 +71,40 @@ class CIdentifierManager {
         return 0;
     }
 
-    /// Takes over `patch`, which waits for `name`, and hangs it on the record of that name, made if
-    /// there is none. The text of `name` has not changed since `ValueOf` was asked for it. Result:
-    /// 0, or that of `Backpatch` should the name have a value.
+    /// Takes over `patch`, which waits for `name`, and adds it to the chain of that name, which is
+    /// entered if it is new. The text of `name` must not have changed since the call of `ValueOf`.
+    /// Result: 0, or the result of `Backpatch` if the name has a value.
     Status AddPatch(std::string_view name, CPatchInfo* patch);
 
-    /// Takes the patches that wait for `identifier` off it. Result: the chain, which the caller
-    /// owns.
+    /// Takes the chain of patches from `identifier`. Result: the chain, which the caller owns.
     [[nodiscard]] CPatchInfo* TakePatches(CIdentifier* identifier);
 
-    /// Evaluates a patch that its caller has taken off its chain and still owns, now that its
-    /// identifier has a value. Writes the result, or gives it to a waiting EQU and goes on with all
-    /// that waits for that. If a further name has no value yet, a copy of the patch waits for it.
-    /// Result: 0; 20 (MSG_BAD_EXPRESSION); 28 (MSG_OFFSET_TOO_BIG); -1 for a failure after an EQU,
-    /// or a patch of no known kind.
+    /// Evaluates a patch whose identifier has got a value. The caller has taken it from its chain
+    /// and still owns it. Writes the result, or gives it to a waiting EQU and continues with
+    /// everything that waits for that. If another name has no value yet, a copy of the patch waits
+    /// for it. Result: 0; 20 (MSG_BAD_EXPRESSION); 28 (MSG_OFFSET_TOO_BIG); `patchFailed` for a
+    /// failure below an EQU.
     Status Backpatch(CPatchInfo* patch);
 
-    /// Reports every name that something still waits for. Result: their number.
-    std::int32_t ReportUnresolved();
+    /// Reports every name that something still waits for.
+    void ReportUnresolved();
 
-    /// Releases the patches that still wait. To be called at the end of a run, while the pool of
-    /// their texts exists.
+    /// Releases the patches that still wait. Called at the end of a run, before the pool of their
+    /// texts is released.
     void ReleasePatches();
 
-    /// Prints the body of the identifier list, in the order of the buckets. Result: 0.
-    std::int32_t DumpIdentifiers(platform::OutputFile* file);
+    /// Prints the body of the identifier list, in the order of the buckets.
+    void DumpIdentifiers(platform::OutputFile* file);
     /// Prints the lines of the status dump. Result: 0, or `noStream`.
     Status DumpStatus(std::FILE* stream) const;
 
-    /// Records in the table, of every kind; reserved words without a record among them.
+    /// Names in the table, of every kind, including reserved words without a record.
     [[nodiscard]] std::int32_t TotalCount() const { return totalCount; }
     /// Records that have been made.
     [[nodiscard]] std::int32_t RecordCount() const {
         return static_cast<std::int32_t>(records.size());
     }
-    /// The record `number`, from 0, in the order in which the names were met.
+    /// The record `number`, from 0, in the order of the first uses of the names.
     [[nodiscard]] const CIdentifier& Record(std::int32_t number) const {
         return *records[static_cast<std::size_t>(number)];
     }
@@ -137,10 +121,10 @@ class CIdentifierManager {
     CIdentifier* Enter(const HashedName& name);
     void Refuse(const Definition& definition, bool isReserved);
     void ApplyPatches(CIdentifier* identifier);
-    CIdentifier* SortedRecords();
     void WriteTrace(std::initializer_list<std::string_view> pieces) const;
 
-    std::vector<CIdentifier*> records;  // in the pool; they stay where they are
+    std::vector<CIdentifier*> records;        // in the pool; they do not move
+    std::vector<CIdentifier*> sortedRecords;  // the same, once a report has sorted them
     std::int32_t totalCount = 0;
     std::int32_t waitingCount = 0;           // records with patches
     const WordSet* reservedWords = nullptr;  // not owned

@@ -24,8 +24,8 @@ void CNameIndex::Grow() {
     left += places / 2 - (mask + 1) / 2;
     mask = places - 1;
     for (const Entry* entry = old; entry != oldEnd; ++entry) {
-        if (entry->record != nullptr) {
-            Place(*entry);
+        if (entry->record != nullptr && !PlaceNear(*entry)) {
+            AddToOverflow(*entry);
         }
     }
     if (old != firstEntries.data()) {

@@ -1,5 +1,5 @@
 /// Finds the record of a name. A name is looked up for every label and for every name in an
-/// expression, so this is a hash table with the whole hash beside each record.
+/// expression, so this is a hash table that stores the whole hash with each record.
 #pragma once
 
 #include <algorithm>
@@ -37,21 +37,9 @@ template <typename Word>
     };
     return size == 0 ? 0 : byteAt(0) << 16 | byteAt(size / 2) << 8 | byteAt(size - 1);
 }
-static_assert([] {
-    constexpr char text[] = {1, 2, 3, 4, 5, 6, 7, 8};
-    for (std::size_t size = 1; size <= sizeof text; ++size) {
-        const auto tail = std::bit_cast<std::array<char, 8>>(TailOf(text, size));
-        for (std::size_t i = 0; i < size; ++i) {
-            if (std::ranges::count(tail, text[i]) == 0) {
-                return false;
-            }
-        }
-    }
-    return true;
-}());
 
-/// Hash of a name, taken in pieces of up to 8 bytes. It has nothing to do with the buckets, which
-/// give the order of the listing.
+/// The hash of a name, computed from pieces of up to 8 bytes. It is unrelated to the buckets of the
+/// listing.
 ///
 /// Two names of the same length, up to 8, never have the same hash: their tails differ, and each
 /// further step can be undone. (The length is the same number for both, an odd factor has an
@@ -85,15 +73,15 @@ static_assert([] {
     return !differAt(text.size() - 8);
 }
 
-/// A name that is looked up, with its hash: a name that is not found is often entered next. Made of
-/// a plain text wherever one is passed.
+/// A name with its hash, which is needed again when a name that was not found is entered. Plain
+/// text converts to it.
 struct HashedName {
     constexpr HashedName() = default;
     constexpr HashedName(std::string_view text, std::uint64_t hash) : text(text), hash(hash) {}
     constexpr HashedName(std::string_view text) : HashedName(text, HashOf(text)) {}
     constexpr HashedName(const char* text) : HashedName(std::string_view(text)) {}
 
-    /// Any order will do, and this is a quick one.
+    /// Any order will do; this one is quick to compare.
     friend bool operator<(const HashedName& a, const HashedName& b) {
         return a.hash != b.hash ? a.hash < b.hash
                : a.text.size() != b.text.size()
@@ -105,8 +93,8 @@ struct HashedName {
     std::uint64_t hash = 0;
 };
 
-/// Lets a container take its memory from a pool. A source may send all its names to the container,
-/// and each would cost a call of the general allocator.
+/// Lets a container take its memory from a pool. All names of a source may be in the container, and
+/// each would cost a call of the general allocator.
 template <typename T>
 struct PoolAllocator {
     using value_type = T;
@@ -123,11 +111,11 @@ struct PoolAllocator {
     CNamePool* pool;
 };
 
-/// Open addressing, at most half full; nothing is ever taken out. The hash is quick and no secret,
-/// so a source can be made whose names all belong to one place. Hence a name is at most
-/// `longestProbe` entries from its place, and those that find no room there go to a sorted tree. No
-/// names make a lookup slower than a search in that tree, and ordinary ones hardly ever get there.
-/// A secret seed would do as well, but two runs would no longer take the same steps.
+/// Open addressing, at most half full; nothing is ever removed. The hash is quick and not secret,
+/// so a source can be crafted whose names all have one place. Hence a name is at most
+/// `longestProbe` entries from its place, and names that find no room there are kept in a sorted
+/// tree. No names make a lookup slower than a search in that tree, and ordinary names hardly ever
+/// get there. A secret seed would do as well, but then two runs would not take the same steps.
 class CNameIndex {
   public:
     /// An empty index. Names that hash badly take memory from `pool`, which is not owned.
@@ -151,13 +139,15 @@ class CNameIndex {
         return FindInOverflow(name);
     }
 
-    /// Enters `record`, not owned, whose name has the given hash and is not there yet.
+    /// Enters `record`, not owned. Its name must have the given hash and must not be there yet.
     void Insert(CIdentifier* record, std::uint64_t hash) {
         if (left == 0) [[unlikely]] {
             Grow();
         }
         --left;
-        Place({record, hash});
+        if (!PlaceNear({record, hash})) [[unlikely]] {
+            AddToOverflow({record, hash});
+        }
     }
 
   private:
@@ -171,18 +161,14 @@ class CNameIndex {
     [[nodiscard]] Entry* PlaceOf(std::uint64_t hash) const {
         return &entries[static_cast<std::uint32_t>(hash) & mask];
     }
-    // Whether `record`, which has the hash of `text`, is it. See `HashOf` for short names.
+    // Whether the name of `record`, which has the same hash, is `text`. See `HashOf` for short
+    // names.
     [[nodiscard]] static bool IsName(const CIdentifier& record, std::string_view text) {
         return record.nameLength == text.size() &&
                (text.size() <= 8 || EqualTexts(record.name, text));
     }
     [[nodiscard]] CIdentifier* FindInOverflow(const HashedName& name) const;
     void Grow();
-    void Place(Entry entry) {
-        if (!PlaceNear(entry)) [[unlikely]] {
-            AddToOverflow(entry);
-        }
-    }
     // False: there is no room near its place.
     bool PlaceNear(Entry entry) {
         Entry* at = PlaceOf(entry.hash);
@@ -198,12 +184,12 @@ class CNameIndex {
 
     static constexpr std::uint32_t firstPlaces = 128;
 
-    // There are `longestProbe` more of them than places. The first ones are part of the index: a
-    // run without many names allocates none.
+    // There are `longestProbe` more entries than places. The first ones are part of the index, so a
+    // run with few names allocates none.
     std::array<Entry, firstPlaces + longestProbe> firstEntries{};
     Entry* entries = firstEntries.data();  // owned if they are others
     std::uint32_t mask = firstPlaces - 1;  // the number of places, a power of 2, less 1
-    std::uint32_t left = firstPlaces / 2;  // places to take before there are to be more
+    std::uint32_t left = firstPlaces / 2;  // places to fill before the table grows
     // Names that found no room: all entries near their place are taken.
     std::map<HashedName, CIdentifier*, std::less<>,
              PoolAllocator<std::pair<const HashedName, CIdentifier*>>>

@@ -8,10 +8,6 @@
 
 namespace korv {
 
-namespace {
-constexpr std::size_t blockSize = 4096;
-}
-
 struct CNamePool::Block {
     Block* next;
     alignas(std::max_align_t) char memory[1];  // `blockSize` bytes, more for a name that is longer

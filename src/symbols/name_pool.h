@@ -1,4 +1,4 @@
-/// Storage for the texts of names, and for what else lives as long as they do.
+/// Memory for the texts of names, and for other data with the same lifetime.
 #pragma once
 
 #include <cstddef>
@@ -7,8 +7,8 @@
 
 namespace korv {
 
-/// Blocks of 4096 bytes, filled from front to back and released as a whole: nothing in them moves.
-/// The pool does not look for equal texts.
+/// Blocks of 4096 bytes, filled from front to back and released together; nothing in them moves.
+/// Equal texts are stored again.
 class CNamePool {
   public:
     /// Makes the first block. A failed allocation, here and later, is reported to `console`, which
@@ -26,6 +26,8 @@ class CNamePool {
   private:
     struct Block;
     void AddBlock(std::size_t size);
+
+    static constexpr std::size_t blockSize = 4096;
 
     std::FILE* console;
     Block* blocks = nullptr;  // owned; the newest first, which is the current one

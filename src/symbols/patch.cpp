@@ -7,9 +7,6 @@
 
 namespace korv {
 
-CPatchInfoMemBlock* CPatchInfoMemBlock::blocks = nullptr;
-CPatchInfoMemBlock* CPatchInfoMemBlock::blocksWithRoom = nullptr;
-
 void CPatchInfoMemBlock::MakeBlock() {
     [[maybe_unused]] static const int registered = std::atexit(ReleaseBlocks);
     auto* const block = new (std::nothrow) CPatchInfoMemBlock;
@@ -36,14 +33,6 @@ void CPatchInfoMemBlock::ReleaseBlocks() {
         delete block;
     }
     blocksWithRoom = nullptr;
-}
-
-std::int32_t CPatchInfoMemBlock::BlockCount() {
-    std::int32_t count = 0;
-    for (const CPatchInfoMemBlock* block = blocks; block != nullptr; block = block->nextBlock) {
-        ++count;
-    }
-    return count;
 }
 
 }  // namespace korv

@@ -1,5 +1,5 @@
-/// The note of a value that is not known yet: where it is to be written in the target, the text to
-/// evaluate, how to check and write it.
+/// A value that is not known yet: its position in the target, the text to evaluate, and how to
+/// check and write the value.
 #pragma once
 
 #include <cstdint>
@@ -25,22 +25,22 @@ inline constexpr std::uint32_t PF_NAME = 0x1000;     ///< the text is the name w
 /// `position` of a patch that writes nothing.
 inline constexpr std::uint32_t noPosition = 0xFFFFFFFF;
 
-/// Lives in a slot of a `CPatchInfoMemBlock`: made by `AllocPatchInfo`, given back by
-/// `FreePatchInfo`, which releases its strings. In between it hangs on the chain of exactly one
+/// Lives in a slot of a `CPatchInfoMemBlock`: created by `AllocPatchInfo` and freed by
+/// `FreePatchInfo`, which releases its strings. In between it belongs to the chain of exactly one
 /// identifier, which owns it.
 struct CPatchInfo {
     CPatchInfoMemBlock* const owner;  ///< the block in which the record lives
     const std::uint16_t slot;         ///< index in `owner`
     const std::uint16_t flags;        ///< PF_* bits
-    const std::uint32_t position;     ///< offset in the target of what is overwritten
-    // The reference. Late messages point there and not at the definition.
+    const std::uint32_t position;     ///< offset in the target of the bytes to overwrite
+    // The place of the reference, for late messages.
     const std::uint32_t address;  ///< location counter at the start of its statement
     const std::int32_t file;
     const std::int32_t line;
     const std::uint32_t offset;         ///< of the text in its cleaned line
     CPatchInfo* next = nullptr;         ///< next patch of the identifier's chain
-    CIdentifier* identifier = nullptr;  ///< the one on whose chain it hangs; not owned
-    CPatchInfo* parent = nullptr;       ///< while an EQU is worked: the patch above
+    CIdentifier* identifier = nullptr;  ///< the owner of the chain; not owned
+    CPatchInfo* parent = nullptr;       ///< while an EQU is resolved: the patch above
     CtmpString expression{};            ///< empty: the text is the name of `identifier`
     CtmpString name{};  ///< PF_EQU: the identifier that the value defines; else empty
 
@@ -48,15 +48,15 @@ struct CPatchInfo {
     [[nodiscard]] std::string_view Text() const {
         return expression.c_str() == nullptr ? identifier->Name() : expression.View();
     }
-    /// Where the source has that text.
+    /// The place of that text in the source.
     [[nodiscard]] SourcePlace Place() const {
         return {file, line, offset, static_cast<std::uint32_t>(Text().size())};
     }
 };
 
-/// Records for 256 patches, of which at most 255 are in use at a time. Slots are given out from a
-/// ring, and those that come back are used again in that order. The blocks belong to the process
-/// and live until it ends.
+/// Records for 256 patches, at most 255 of which are in use at a time. A ring holds the free slots;
+/// freed slots are used again in the order in which they were freed. The blocks belong to the
+/// process and live until it ends.
 class CPatchInfoMemBlock {
   public:
     static constexpr std::uint32_t slotCount = 256;
@@ -96,9 +96,6 @@ class CPatchInfoMemBlock {
         block->ring[block->tail] = slot;
     }
 
-    /// Blocks that exist. For tests.
-    static std::int32_t BlockCount();
-
   private:
     CPatchInfoMemBlock() = default;
     [[nodiscard]] bool HasRoom() const { return head != tail; }
@@ -112,8 +109,8 @@ class CPatchInfoMemBlock {
     CPatchInfoMemBlock* nextBlock = nullptr;     // all blocks
     CPatchInfoMemBlock* nextWithRoom = nullptr;  // blocks with a free slot
 
-    static CPatchInfoMemBlock* blocks;
-    static CPatchInfoMemBlock* blocksWithRoom;
+    inline static CPatchInfoMemBlock* blocks = nullptr;
+    inline static CPatchInfoMemBlock* blocksWithRoom = nullptr;
 };
 
 }  // namespace korv

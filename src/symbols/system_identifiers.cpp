@@ -1,6 +1,6 @@
 // The names that a source may not define: the version identifiers, which expressions can read, and
-// the reserved words, which have no value. Reserving only keeps them from being labels; mnemonics
-// are found by the recogniser.
+// the reserved words, which have no value. A reserved word cannot be a label, and that is all:
+// mnemonics are found by the recogniser.
 
 #include "symbols/system_identifiers.h"
 
@@ -48,11 +48,9 @@ void CAssembler::LoadSystemIdentifiers() {
     for (const Definition& definition : versionIdentifiers) {
         identifiers.AddID(definition);
     }
-}
-
-std::int32_t CAssembler::LoadSystemIdentifiersFromString(const WordSet& list) {
-    identifiers.Reserve(list);
-    return list.Count();
+    if (flags.Has(RF_SYSTEM_IDS)) {
+        identifiers.Reserve(reservedWords);
+    }
 }
 
 }  // namespace korv

@@ -10,11 +10,11 @@
 
 namespace korv {
 
-/// A set of words that the compiler hashes and places: every run reserves the same words, and most
-/// runs are short.
+/// A set of words, built at compile time: every run reserves the same words, and most runs are
+/// short.
 class WordSet {
   public:
-    /// Adds `word`, which lives as long as the set and is not in it yet.
+    /// Adds `word`, which must live as long as the set and must not be in it yet.
     constexpr void Add(std::string_view word) {
         words[PlaceOf(word)] = word;
         ++count;

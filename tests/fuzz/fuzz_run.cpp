@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <fstream>
 #include <map>
+#include <optional>
 #include <sstream>
 #include <vector>
 
@@ -62,12 +63,17 @@ std::uint32_t __real__ZN4korv8BinBlock8PutZerosEj(void*, std::uint32_t);
 std::uint32_t __wrap__ZN4korv8BinBlock8PutZerosEj(void* binary, std::uint32_t count) {
     return __real__ZN4korv8BinBlock8PutZerosEj(binary, std::min(count, 5000U));
 }
-bool __real__ZN4korv8platform16CurrentDirectory5LeaveEv(void*);
-bool __wrap__ZN4korv8platform16CurrentDirectory5LeaveEv(void* directory) {
-    korv::OnConsoleEvent(++filesRead == 200 ? korv::platform::EVENT_CTRL_C : -1);
-    return __real__ZN4korv8platform16CurrentDirectory5LeaveEv(directory);
 }
 
+// Not extern "C", whose results are of C.
+std::optional<std::string> RealLeave(void*) __asm__("__real__ZN4korv8platform16CurrentDirectory5LeaveEv");
+std::optional<std::string> WrapLeave(void*) __asm__("__wrap__ZN4korv8platform16CurrentDirectory5LeaveEv");
+std::optional<std::string> WrapLeave(void* directory) {
+    korv::OnConsoleEvent(++filesRead == 200 ? korv::platform::EVENT_CTRL_C : -1);
+    return RealLeave(directory);
+}
+
+extern "C" {
 // A line buffer of any size may be asked for; a big one is refused, as by a full memory.
 const char* __asan_default_options() {
     return "allocator_may_return_null=1:max_allocation_size_mb=64";

@@ -32,6 +32,8 @@ class StagedOutput {
     [[nodiscard]] bool IsStream() const;
     /// Which file it is; none: there is no file yet, or it is no regular one.
     [[nodiscard]] std::optional<FileIdentity> Identity() const;
+    /// Of two files that are not there yet: whether they have one path.
+    [[nodiscard]] bool LeadsWhere(const StagedOutput& other) const;
     /// Whether a person sees what is written, and control characters act.
     [[nodiscard]] bool IsTerminal() const;
 
@@ -52,6 +54,7 @@ class StagedOutput {
     [[nodiscard]] bool Overwrite(std::string_view contents);
 
     OutputPlace place;
+    bool isStandardOutput = false;        // `place` has no path and no handle
     bool isThere = false;                 // there was something before
     FileHandle handle;                    // of the new file
     std::string temporary;                // its name; empty: the old file is written, or it is put

@@ -1,7 +1,10 @@
-#include "platform/staged_output.h"
+#include "frontend/platform/staged_output.h"
 
 #include <cstdio>
 #include <utility>
+
+#include "frontend/platform/platform.h"
+#include "frontend/platform/shared.h"
 
 namespace korv::platform {
 namespace {
@@ -23,6 +26,10 @@ std::optional<std::string> BytesOf(const std::string& path) {
 }
 
 }  // namespace
+
+std::string ErrorText() {
+    return ReasonOf(LastError());
+}
 
 bool StagedOutput::TakeBack() {
     handle = FileHandle();
@@ -49,30 +56,34 @@ bool StagedOutput::Open(std::string_view name) {
         return false;
     }
     isThere = place.handle >= 0;
-    FileIdentity stream;
-    const bool isRedirected =
-        place.isRegular && IdentityOf(stdout, &stream) && stream == place.identity;
+    const bool isRedirected = place.isRegular && IdentityOf(stdout) == place.identity;
     return !isRedirected || OpenStandardOutput();
 }
 
 bool StagedOutput::OpenStandardOutput() {
     place = OutputPlace();
-    place.isStandardOutput = true;
-    place.isRegular = IdentityOf(stdout, &place.identity);
+    isStandardOutput = true;
+    const std::optional<FileIdentity> identity = IdentityOf(stdout);
+    place.isRegular = identity.has_value();
+    place.identity = identity.value_or(FileIdentity());
     MakeBinary(stdout);
     return true;
 }
 
 bool StagedOutput::IsStream() const {
-    return place.isStandardOutput || (isThere && !place.isRegular);
+    return isStandardOutput || (isThere && !place.isRegular);
 }
 
 std::optional<FileIdentity> StagedOutput::Identity() const {
     return place.isRegular ? std::optional(place.identity) : std::nullopt;
 }
 
+bool StagedOutput::LeadsWhere(const StagedOutput& other) const {
+    return AreOnePlace(place.path, other.place.path);
+}
+
 bool StagedOutput::IsTerminal() const {
-    return IsTerminalAt(place.isStandardOutput ? standardOutput : place.handle);
+    return IsTerminalAt(isStandardOutput ? standardOutput : place.handle);
 }
 
 bool StagedOutput::Stage(std::string_view contents) {
@@ -83,15 +94,16 @@ bool StagedOutput::Stage(std::string_view contents) {
     }
     place.handle = FileHandle();  // not every system replaces a file that is open
     if (isThere) {
-        LinkAtFreeName(place, &backup);
+        static_cast<void>(CreateAtFreeName(
+            place, &backup, [&](const std::string& name) { return Link(place.path, name); }));
     }
     return WriteWhole(handle, contents) && EndWriting(&handle);
 }
 
 bool StagedOutput::Send(std::string_view contents) {
     const SignalWindow window;
-    return place.isStandardOutput ? WriteWhole(standardOutput, contents)
-                                  : WriteWhole(place.handle, contents) && EndWriting(&place.handle);
+    return isStandardOutput ? WriteWhole(standardOutput, contents)
+                            : WriteWhole(place.handle, contents) && EndWriting(&place.handle);
 }
 
 bool StagedOutput::Overwrite(std::string_view contents) {

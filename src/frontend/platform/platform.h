@@ -1,0 +1,48 @@
+/// What korv-as and korv-ls need of the operating system besides platform/platform.h.
+#pragma once
+
+#include <cstddef>
+#include <cstdio>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "platform/platform.h"
+
+namespace korv::platform {
+
+/// The system's words for an error number, as "No such file or directory".
+[[nodiscard]] std::string ReasonOf(int error);
+
+/// Whether `stream`, a standard stream, was not there when the process was started.
+[[nodiscard]] bool IsMissing(std::FILE* stream);
+
+/// The identity of the file that `stream` goes to or comes from; none if it is no regular file.
+[[nodiscard]] std::optional<FileIdentity> IdentityOf(std::FILE* stream);
+
+/// Whether `stream` goes to a terminal that takes the sequences for colours; lets it, if need be.
+[[nodiscard]] bool TakesColors(std::FILE* stream);
+
+/// From here on `stream`, a standard stream, is one of bytes, whose line ends nobody changes.
+void MakeBinary(std::FILE* stream);
+
+/// Standard input and output as a connection with another program: bytes, without the buffers of
+/// the library. From its construction on, whatever else the process prints on standard output is
+/// written to standard error. One at a time.
+class StandardConnection {
+  public:
+    StandardConnection();
+
+    /// Whether a `Read` has a result at once: bytes, or the end of the input.
+    [[nodiscard]] bool IsInputWaiting() const;
+    /// Reads up to `count` bytes, waiting for the first. Result: their number; 0 at the end of the
+    /// input, and when it fails.
+    [[nodiscard]] std::size_t Read(void* buffer, std::size_t count);
+    /// Writes all of `bytes`. False: that fails.
+    [[nodiscard]] bool Write(std::string_view bytes);
+
+  private:
+    FileHandle output;
+};
+
+}  // namespace korv::platform

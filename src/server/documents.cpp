@@ -13,23 +13,36 @@ std::optional<std::int64_t> VersionOf(const Json& document) {
     return version == nullptr ? std::nullopt : std::optional(*version);
 }
 
-// `text` after a change that the client has sent.
-std::string Changed(const StoredText& text, const Json& change, PositionEncoding encoding) {
+// The offset of a position in `text`; the end of its line or of the text for one that is beyond.
+// Several changes in a row cost no division of the text into lines.
+std::size_t OffsetOf(std::string_view text, const Position& at, PositionEncoding encoding) {
+    std::size_t start = 0;
+    for (std::uint32_t line = 0; line < at.line; ++line) {
+        const std::size_t end = text.find('\n', start);
+        if (end == std::string_view::npos) {
+            return text.size();
+        }
+        start = end + 1;
+    }
+    std::string_view line = text.substr(start, text.find('\n', start) - start);
+    line.remove_suffix(line.ends_with('\r') ? 1 : 0);
+    return start + ColumnOf(line, at.character, encoding);
+}
+
+// Makes a change that the client has sent.
+void Apply(const Json& change, PositionEncoding encoding, std::string* text) {
     const auto& newText = Get<std::string>(change, "/text");
     if (!change.contains("range")) {
-        return newText;
+        *text = newText;
+        return;
     }
     const auto range = FindRange(change, "/range");
     if (!range) {
         throw Missing("/range");
     }
-    const auto offsetOf = [&](const Position& at) {
-        const auto line = static_cast<std::int32_t>(at.line) + 1;
-        return text.LineStart(line) + ColumnOf(text.Line(line), at.character, encoding);
-    };
-    const std::size_t start = offsetOf(range->start);
-    const std::size_t end = std::max(start, offsetOf(range->end));
-    return std::string(text.Bytes()).replace(start, end - start, newText);
+    const std::size_t start = OffsetOf(*text, range->start, encoding);
+    const std::size_t end = std::max(start, OffsetOf(*text, range->end, encoding));
+    text->replace(start, end - start, newText);
 }
 
 }  // namespace
@@ -44,10 +57,21 @@ std::string Documents::UriOf(const std::string& path) const {
     return document == nullptr ? UriOfPath(path) : document->uri;
 }
 
+std::shared_ptr<const StoredText> Documents::TextOf(const std::string& path) {
+    const auto found = documents.find(path);
+    if (found == documents.end()) {
+        return nullptr;
+    }
+    Document& document = found->second;
+    if (document.text == nullptr) {
+        document.text = std::make_shared<const StoredText>(path, document.bytes);
+    }
+    return document.text;
+}
+
 void Documents::Open(const std::string& path, const Json& document) {
-    documents[path] = {
-        Get<std::string>(document, "/uri"), VersionOf(document),
-        std::make_shared<const StoredText>(path, Get<std::string>(document, "/text"))};
+    documents[path] = {Get<std::string>(document, "/uri"), VersionOf(document),
+                       Get<std::string>(document, "/text"), nullptr};
 }
 
 bool Documents::Change(const std::string& path, const Json& parameters, PositionEncoding encoding) {
@@ -56,11 +80,12 @@ bool Documents::Change(const std::string& path, const Json& parameters, Position
     if (found == documents.end()) {
         return false;
     }
-    auto text = found->second.text;
+    std::string bytes = found->second.bytes;  // one change that is none takes back all
     for (const Json& change : changes) {
-        text = std::make_shared<const StoredText>(path, Changed(*text, change, encoding));
+        Apply(change, encoding, &bytes);
     }
-    found->second.text = std::move(text);
+    found->second.bytes = std::move(bytes);
+    found->second.text = nullptr;
     found->second.version = VersionOf(parameters.at("textDocument"));
     return true;
 }

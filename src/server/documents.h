@@ -15,7 +15,8 @@ namespace korv {
 struct Document {
     std::string uri;  ///< as the client spells it
     std::optional<std::int64_t> version;
-    std::shared_ptr<const StoredText> text;
+    std::string bytes;
+    std::shared_ptr<const StoredText> text;  ///< made from `bytes` when it is asked for
 };
 
 class Documents {
@@ -24,6 +25,8 @@ class Documents {
     [[nodiscard]] const std::map<std::string, Document>& All() const { return documents; }
     /// `path` is full, here and below. Null if it is not open.
     [[nodiscard]] const Document* Find(const std::string& path) const;
+    /// The text of a document, made once after each row of changes; null if it is not open.
+    [[nodiscard]] std::shared_ptr<const StoredText> TextOf(const std::string& path);
     /// The URI by which the client knows the file.
     [[nodiscard]] std::string UriOf(const std::string& path) const;
 

@@ -74,7 +74,7 @@ void Programs::Analyse(Program* program) {
         store.AddSearchDirectory(name);
     }
     for (const auto& [path, document] : documents->All()) {
-        store.SetText(document.text);
+        store.SetText(documents->TextOf(path));
     }
     auto analysis = std::make_shared<const Analysis>(korv::Analyse(
         program->configuration.options, &store, {.statements = true, .names = true, .uses = true}));

@@ -192,8 +192,8 @@ const Strings& Workspace::IncludesOf(const std::string& path) {
     const auto [at, isNew] = includes.try_emplace(path);
     if (isNew) {
         FileStore store;
-        if (const Document* const document = documents->Find(path)) {
-            store.SetText(document->text);
+        if (const FileStore::Text open = documents->TextOf(path)) {
+            store.SetText(open);
         }
         (void)store.Open(path, 0);  // reads it, if it is on the disk only
         const FileStore::Text text = store.TextOf(path);

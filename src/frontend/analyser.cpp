@@ -10,10 +10,8 @@
 #include <utility>
 
 #include "codegen/handlers.h"
-#include "codegen/keywords.h"
 #include "driver/assembler.h"
 #include "driver/run_observer.h"
-#include "expr/number.h"
 #include "expr/tmp_string.h"
 #include "frontend/definition.h"
 #include "frontend/file_store.h"
@@ -22,8 +20,6 @@
 #include "frontend/program_checks.h"
 #include "frontend/statement_checks.h"
 #include "frontend/statement_record.h"
-#include "frontend/terminal_text.h"
-#include "source/char_class.h"
 
 namespace korv {
 namespace {
@@ -368,14 +364,7 @@ void Analyser::Finish() {
                 checks.LookAtBytes(opening);
             }
         }
-        for (const SourcePlace& place : checks.Conditions().Open()) {
-            Message message;
-            message.place = maker.PlaceOf(place);
-            message.opening = maker.OpeningOf(place.file);
-            message.text = "this IF has no ENDIF";
-            message.code = "open-if";
-            maker.Add(std::move(message));
-        }
+        checks.LookAtOpenConditions();
     }
     maker.Finish();
     const auto bytes = assembler.binary.Bytes();

@@ -1,5 +1,7 @@
 #include "frontend/statement_checks.h"
 
+#include <utility>
+
 #include "codegen/handlers.h"
 #include "codegen/keywords.h"
 #include "frontend/statement_view.h"
@@ -49,6 +51,17 @@ void StatementChecks::LookAtComments(const CStatement& statement) {
 
 void StatementChecks::LookAtBytes(std::int32_t opening) {
     WarnOfBytes(opening, CheckBytes(maker->TextOf(opening)));
+}
+
+void StatementChecks::LookAtOpenConditions() {
+    for (const SourcePlace& place : conditions.Open()) {
+        Message message;
+        message.place = maker->PlaceOf(place);
+        message.opening = maker->OpeningOf(place.file);
+        message.text = "this IF has no ENDIF";
+        message.code = "open-if";
+        maker->Add(std::move(message));
+    }
 }
 
 void StatementChecks::Warn(const CStatement& statement, const Findings& findings) {

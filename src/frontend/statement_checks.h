@@ -35,6 +35,8 @@ class StatementChecks {
     void Look(CStatement* statement, std::uint32_t count, bool isFaulty);
     /// Warns of comments that take away a line, in a statement of several lines.
     void LookAtComments(const CStatement& statement);
+    /// Reports each IF that has no ENDIF.
+    void LookAtOpenConditions();
     /// Warns of what is odd in the bytes of the file of `opening`.
     void LookAtBytes(std::int32_t opening);
 

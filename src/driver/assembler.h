@@ -173,7 +173,7 @@ class CAssembler {
         location += 2;
         return binary.PutWord(value);
     }
-    /// The same for any number of bytes, but at most one more than fits `maxImage`.
+    /// Emits `bytes`, but at most one more than `maxImage` allows.
     std::uint32_t EmitBytes(std::span<const std::uint8_t> bytes) {
         bytes = bytes.first(Fitting(bytes.size()));
         location += static_cast<std::uint32_t>(bytes.size());

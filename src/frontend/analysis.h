@@ -125,7 +125,7 @@ struct Message {
     std::string text;
     std::string detail;            ///< what is at fault, quoted if it is source text; or empty
     std::string note;              ///< what to do about it, or empty
-    std::vector<Related> related;  ///< other places that belong to it, such as a first definition
+    std::vector<Related> related;  ///< places that belong to it, which an editor leads to
     std::vector<Edit> edits;       ///< what `note` proposes, where that is a change of the text
 };
 

@@ -151,6 +151,9 @@ void MessageMaker::Make(const Report& report) {
     }
     message.place = PlaceOf(place);
     message.note = std::move(advice.note);
+    if (advice.first.file != 0) {
+        message.related.push_back({PlaceOf(advice.first), "the first definition"});
+    }
     explained.insert(advice.explains.begin(), advice.explains.end());
     if (report.number == MSG_LABEL_WITHOUT_COLON && message.warning == Warning::keywordLabel) {
         message.text = RowOf(Warning::keywordLabel).meaning;
@@ -232,6 +235,8 @@ std::optional<KnownName> MessageMaker::FindName(std::string_view name) const {
         const Opening& opening =
             analysis->openings[static_cast<std::size_t>(OpeningOf(record->file))];
         known.where = analysis->LineName({opening.file, record->line});
+        known.definition = {
+            .file = record->file, .line = record->line, .length = record->nameLength};
         known.isHere = &TextOf(OpeningOf(record->file)) == &TextOf(OpeningOf(viewedPlace.file)) &&
                        record->line == viewedPlace.line;
         if (!known.hasValue && (record->flags & IDF_EQU) != 0) {

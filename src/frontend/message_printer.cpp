@@ -98,9 +98,6 @@ class MessagePrinter {
         if (!message.note.empty()) {
             PrintNote(place, message.note);
         }
-        for (const Related& related : message.related) {
-            PrintNote(PlaceText(analysis, related.place), related.text);
-        }
     }
 
     void PrintCounts() {

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "diagnostics/message_numbers.h"
+#include "diagnostics/source_place.h"
 #include "frontend/nearest.h"
 #include "frontend/spelling.h"
 #include "frontend/statement_view.h"
@@ -24,6 +25,7 @@ struct KnownName {
     std::int32_t value = 0;
     bool isCommandLine = false;  ///< defined by -D
     std::string where;           ///< "file:line" of the definition; empty for none
+    SourcePlace definition;      ///< its name; its file is 0 for none
     bool isHere = false;         ///< that is the line of the statement in hand, read before
     std::string waitingLine;     ///< the cleaned line of an EQU that waits for a name; else empty
 };
@@ -74,6 +76,7 @@ struct Advice {
     bool isFollowOn = false;            ///< an earlier message explains it: do not print it
     std::vector<std::string> explains;  ///< labels whose names are the cause
     bool isRepeated = false;            ///< the file has been read before
+    SourcePlace first;                  ///< the definition that came first; its file is 0 for none
     bool definesName = false;           ///< the line was to define its label, or these
     std::vector<std::string> names;
 };
@@ -92,7 +95,7 @@ class Adviser {
     /// `name` or, where that is taken, the name with a number after it; taken from now on.
     [[nodiscard]] std::string UnusedName(const std::string& name);
 
-    /// Whether an ENDIF was refused, which explains an IF that is open; each explains one.
+    /// Whether a refused ENDIF explains an open IF. Each explains one, so it is taken.
     [[nodiscard]] bool TakeRefusedEnd();
 
     [[nodiscard]] const RunFacts& Facts() const { return facts; }

@@ -141,6 +141,7 @@ Advice AdviseOnRedefinition(const RunFacts& facts, const FaultView& fault) {
         advice.isRepeated = true;
     } else if (first && !first->where.empty()) {
         advice.note = "rename one of them: the first definition is " + first->where;
+        advice.first = first->definition;
     }
     if (!statement.label.empty()) {
         advice.place = statement.PartOf(statement.label);

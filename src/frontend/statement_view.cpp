@@ -221,7 +221,7 @@ StatementView CutStatement(std::string_view line, std::string_view typed) {
         view.label = Prefix(line, [](char c) { return HasClass(c, CC_NAME); });
         line.remove_prefix(view.label.size());
         view.hasColon = line.starts_with(':');
-        line.remove_prefix(line.empty() ? 0 : 1);  // the core takes any character for the colon
+        line.remove_prefix(line.empty() ? 0 : 1);  // the core skips whatever ends a label
     } else if (line.starts_with('*')) {
         line.remove_prefix(1);
     }

@@ -258,7 +258,7 @@ class OutputFile {
 /// receive the output. Makes sure that no write ends the process.
 void OpenStandardStreams();
 
-/// Whether `stream` goes to a terminal: a person sees what is written, and control characters act.
+/// Whether `stream` goes to a terminal, which would obey control characters.
 [[nodiscard]] bool IsTerminal(std::FILE* stream);
 
 /// Sets the title of the console's window, if there is one.

@@ -69,9 +69,9 @@ enum class Creation {
 [[nodiscard]] bool WriteWhole(int handle, std::string_view bytes);
 /// Completes the bytes of a file. False: some have not been written.
 [[nodiscard]] bool EndWriting(FileHandle* handle);
-/// Completes a file, and renames `temporary`, if it is not empty, to `path`. It is empty then.
+/// Completes a file. If `temporary` names one, renames that to `path` and empties the name.
 [[nodiscard]] bool PutInPlace(FileHandle* handle, std::string* temporary, const std::string& path);
-/// Removes the file `name`, if it is not empty. It is empty then.
+/// If `name` names a file, removes it and empties the name.
 void Remove(std::string* name);
 
 /// Blocks the signals that end the process. If there is a console handler, its events do not end

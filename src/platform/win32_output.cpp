@@ -20,8 +20,8 @@ namespace {
 constexpr DWORD keptAttributes = FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM |
                                  FILE_ATTRIBUTE_NOT_CONTENT_INDEXED | FILE_ATTRIBUTE_ENCRYPTED;
 
-// Whether a new file was refused by its directory: the old one can be written all the same. With a
-// full disk, say, it would only be lost.
+// Whether the directory refused a new file. The old file can still be written then. After another
+// error, such as a full disk, writing it would only lose its bytes.
 bool IsRefused(DWORD error) {
     return error == ERROR_ACCESS_DENIED || error == ERROR_WRITE_PROTECT;
 }

@@ -30,9 +30,9 @@ class Documents {
     /// The URI by which the client knows the file.
     [[nodiscard]] std::string UriOf(const std::string& path) const;
 
-    /// `document` is that of the notification; one that is open already is replaced.
+    /// `document` is the part of the notification. Replaces a document that is open already.
     void Open(const std::string& path, const Json& document);
-    /// `parameters` are those of the notification. False: the document is not open.
+    /// `parameters` come with the notification. False: the document is not open.
     bool Change(const std::string& path, const Json& parameters, PositionEncoding encoding);
     void Close(const std::string& path) { documents.erase(path); }
 

@@ -23,7 +23,7 @@ class Channel {
 
 class MessageStream {
   public:
-    /// In bytes. No editor sends a longer message; a longer length is that of another protocol.
+    /// In bytes. No editor sends a longer message: whoever does speaks another protocol.
     static constexpr std::size_t longestMessage = 64 * 1024 * 1024;
 
     /// `channel` is not owned.
@@ -49,7 +49,7 @@ class MessageStream {
     Channel* channel;
     std::string input;                  // read, and not yet taken
     std::size_t taken = 0;              // bytes of `input` that are no longer needed
-    std::optional<std::size_t> length;  // of the message whose header is being taken
+    std::optional<std::size_t> length;  // of the message, once its header has told it
     bool hasHeader = false;             // that header has been taken
     bool isAtEnd = false;
     std::string failure;

@@ -143,7 +143,7 @@ Strings Workspace::FoldersUpFrom(const std::string& path) {
     return found;
 }
 
-// Words without a source are those of every file that is a program of its own.
+// If the words name no source, they hold for every file that is a program of its own.
 Configuration Workspace::ReadConfiguration(const std::string& argumentFile, const std::string& base,
                                            Strings configured) {
     Configuration configuration;

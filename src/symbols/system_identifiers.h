@@ -25,7 +25,7 @@ class WordSet {
     [[nodiscard]] std::int32_t Count() const { return count; }
 
   private:
-    // Where `name` is or would be: at the first free place from its own.
+    // The index of `name`, or of the free place where it would be entered.
     [[nodiscard]] constexpr std::size_t PlaceOf(const HashedName& name) const {
         std::size_t place = name.hash % words.size();
         while (words[place].hash != 0 && words[place].hash != name.hash) {

@@ -34,7 +34,7 @@ class StagedOutput {
     [[nodiscard]] std::optional<FileIdentity> Identity() const;
     /// Of two files that are not there yet: whether they have one path.
     [[nodiscard]] bool LeadsWhere(const StagedOutput& other) const;
-    /// Whether a person sees what is written, and control characters act.
+    /// Whether it goes to a terminal, which would obey control characters.
     [[nodiscard]] bool IsTerminal() const;
 
     /// Writes `contents` to a new file, and prepares the way back. Where there can be no new file

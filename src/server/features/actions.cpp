@@ -52,11 +52,7 @@ Json DiagnosticOf(const Snapshot& snapshot, const Message& message) {
     }
     Json related;
     for (const Related& each : message.related) {
-        if (each.place.IsSomewhere()) {
-            related.push_back(relatedAt(each.place, each.text));
-        } else {
-            text += "\nnote: " + each.text;
-        }
+        related.push_back(relatedAt(each.place, each.text));
     }
     for (std::int32_t opening = message.opening; opening != noIndex;) {
         const Opening& at = snapshot.analysis->openings[static_cast<std::size_t>(opening)];

@@ -22,8 +22,7 @@ constexpr std::size_t commentColumn = 34;
 // In bytes. A line that grows beyond it is left alone.
 constexpr std::size_t longestLine = 120;
 
-// The parts of a physical line; what is between them is blanks. Their places are those of the
-// views.
+// The parts of a physical line, as views of it. Only blanks are between them.
 struct LineParts {
     std::string_view label;  // with its colon
     std::string_view mnemonic;

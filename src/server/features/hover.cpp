@@ -17,7 +17,7 @@
 namespace korv {
 namespace {
 
-// A text of the source between the signs of code, which it must not end.
+// `text` as a block of code in Markdown. A backquote in it would end the block.
 std::string Code(std::string text) {
     std::ranges::replace(text, '`', '\'');
     return "```korv\n" + text + "\n```";

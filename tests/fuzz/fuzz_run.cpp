@@ -66,8 +66,8 @@ std::uint32_t __wrap__ZN4korv8BinBlock8PutZerosEj(void* binary, std::uint32_t co
 }
 
 // Not extern "C", whose results are of C.
-std::optional<std::string> RealLeave(void*) __asm__("__real__ZN4korv8platform16CurrentDirectory5LeaveEv");
-std::optional<std::string> WrapLeave(void*) __asm__("__wrap__ZN4korv8platform16CurrentDirectory5LeaveEv");
+std::optional<std::string> RealLeave(void*) __asm__("__real__ZN4korv8platform16CurrentDirectory5LeaveB5cxx11Ev");
+std::optional<std::string> WrapLeave(void*) __asm__("__wrap__ZN4korv8platform16CurrentDirectory5LeaveB5cxx11Ev");
 std::optional<std::string> WrapLeave(void* directory) {
     korv::OnConsoleEvent(++filesRead == 200 ? korv::platform::EVENT_CTRL_C : -1);
     return RealLeave(directory);

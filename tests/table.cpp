@@ -49,7 +49,7 @@ bool IsBytes(const std::string& text) {
 }
 
 // The lines that a line with alternatives stands for, each with its alternative: "LD [B|C],5" is two lines. A line
-// without brackets stands for itself; its alternative is "=", so that "[=]" in its messages does not change.
+// without brackets stands for itself; its alternative is "=", so "[=]" in its messages stays as it is.
 std::vector<std::pair<std::string, std::string>> Alternatives(const std::string& line) {
     static const std::regex bracket(R"(\[([^\[\]]*\|[^\[\]]*)\])");
     std::smatch match;

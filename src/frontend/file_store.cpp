@@ -32,7 +32,7 @@ StoredText::Block ReadWhole(platform::InputFile* file) {
     std::size_t room = 0;
     for (std::size_t count = 1; count != 0 && bytes.size <= FileStore::longestFile;) {
         if (bytes.size == room) {
-            // A byte more than the file has tells its end.
+            // With room for one byte more, a read of less tells where the file ends.
             room = std::max({leastRoom, 2 * room,
                              static_cast<std::size_t>(std::min<std::uint64_t>(
                                  file->Size() + 1, FileStore::longestFile + 1))});

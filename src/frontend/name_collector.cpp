@@ -8,6 +8,7 @@
 #include "codegen/keywords.h"
 #include "driver/statement.h"
 #include "frontend/message_maker.h"
+#include "frontend/statement_record.h"
 #include "frontend/statement_view.h"
 #include "source/char_class.h"
 #include "symbols/identifier_manager.h"
@@ -39,12 +40,9 @@ bool NamesFile(const Keyword* keyword) {
 }
 
 // Whether nothing follows the mnemonic of `statement`, or its label if that is alone.
-bool EndsWithToken(const CStatement& statement) {
-    if (statement.token.data() == nullptr) {
-        return false;  // no line has had one yet
-    }
-    const char* next = statement.token.data() + statement.token.size();
-    return *SkipBlanks(next + (*next == ':' ? 1 : 0)) == '\0';
+bool HasNoOperands(const CStatement& statement) {
+    const std::string_view mnemonic = MnemonicOf(statement);
+    return *SkipBlanks(mnemonic.data() + mnemonic.size()) == '\0';
 }
 
 }  // namespace
@@ -54,7 +52,7 @@ void NameCollector::AddUses(CStatement& statement, const Keyword* keyword, bool 
     if (NamesFile(keyword)) {
         return;
     }
-    if (isSkipped || isFaulty || (statement.args.Count() == 0 && !EndsWithToken(statement))) {
+    if (isSkipped || isFaulty || (statement.args.Count() == 0 && !HasNoOperands(statement))) {
         // Nobody has looked at the operands, or not at all of them.
         for (const OperandView& operand : CutStatement(statement.text).operands) {
             AddNames(statement, operand.text, operand.what, isSkipped, places);

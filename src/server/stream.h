@@ -23,7 +23,7 @@ class Channel {
 
 class MessageStream {
   public:
-    /// In bytes. No editor sends a longer message: whoever does speaks another protocol.
+    /// In bytes. No editor sends a longer message.
     static constexpr std::size_t longestMessage = 64 * 1024 * 1024;
 
     /// `channel` is not owned.

@@ -20,7 +20,7 @@ struct Configuration {
     /// Relative names count from here. For an argument file it is the folder of the file, since
     /// make and CI run korv-as there; for the settings it is the workspace folder.
     std::string directory;
-    std::string source;   ///< full path of that of the program; empty: the words have none
+    std::string source;   ///< full path of the source; empty: the words name none
     Options options;      ///< without a source those of each file that is a program by itself
     std::string failure;  ///< why the words are of no use; empty: they are
 };

@@ -230,7 +230,7 @@ class Client : public korv::Channel {
                 Notify("$/cancelRequest", {{"id", lastId}});
             } else {
                 Ask(path);
-                return;  // so that the text is that of the reply
+                return;  // so that the reply is about this text
             }
         }
     }

@@ -16,7 +16,7 @@ const Name& NameOf(const Snapshot& snapshot, const NameAt& at) {
     return snapshot.analysis->names[static_cast<std::size_t>(at.name)];
 }
 
-// All places of the name at that of the query.
+// All places of the name that the query is about.
 std::vector<NameAt> Occurrences(const Query& query) {
     const auto at = FindNameAt(query.snapshot, query.place);
     return at ? OccurrencesOf(query.snapshot, at->name) : std::vector<NameAt>();

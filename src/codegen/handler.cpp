@@ -96,10 +96,9 @@ void DefineLabel(CAssembler* assembler, CStatement* statement, std::int32_t valu
 }
 
 void DefineLineLabel(CAssembler* assembler, CStatement* statement) {
-    if (!statement->HasLabel()) [[likely]] {
-        return;
+    if (statement->HasLabel()) [[unlikely]] {
+        DefineLabel(assembler, statement, static_cast<std::int32_t>(statement->address), IDS_LABEL);
     }
-    DefineLabel(assembler, statement, static_cast<std::int32_t>(statement->address), IDS_LABEL);
 }
 
 Status Refuse(CStatement* statement, const lsArg& arg, Status status) {

@@ -3,6 +3,7 @@
 #include "codegen/handler.h"
 #include "codegen/value_range.h"
 #include "driver/assembler.h"
+#include "source/char_class.h"
 
 namespace korv {
 namespace {
@@ -10,11 +11,6 @@ namespace {
 // Whether two views of one line are the same part of it.
 bool IsSamePart(std::string_view a, std::string_view b) {
     return a.data() == b.data() && a.size() == b.size();
-}
-
-// `text` without its parentheses, if it has them.
-std::string_view WithoutParentheses(std::string_view text) {
-    return text.front() == '(' && text.back() == ')' ? text.substr(1, text.size() - 2) : text;
 }
 
 }  // namespace

@@ -89,12 +89,9 @@ Status AssembleDm(CAssembler* assembler, CStatement* statement) {
 
 Status AssembleDs(CAssembler* assembler, CStatement* statement) {
     const lsArg& size = statement->args.First();
-    if (size.status != 0) {  // a patched size would move what follows
+    if (size.status != 0 || !size.IsValue()) {  // a patched size would move what follows
         return Refuse(statement, size,
                       size.status == MSG_UNRESOLVED ? MSG_NOT_IMMEDIATE : MSG_ILLEGAL_ARGUMENT);
-    }
-    if (!size.IsValue()) {
-        return Refuse(statement, size, MSG_ILLEGAL_ARGUMENT);
     }
     constexpr std::int32_t blockSize = 0x8000000;  // filled in a moment
     for (std::int32_t left = size.value; left > 0 && !assembler->flags.Has(RF_ABORT);) {

@@ -8,6 +8,7 @@
 #include "driver/assembler.h"
 
 namespace korv {
+
 Status AssembleOrg(CAssembler* assembler, CStatement* statement) {
     const lsArg& arg = statement->args.First();
     if (arg.status != 0) {

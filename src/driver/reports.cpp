@@ -105,7 +105,7 @@ CAssembler::LoadHeader CAssembler::MakeLoadHeader() {
         startAddress == noStartAddress ? binaryStart : static_cast<std::uint32_t>(startAddress);
     const std::uint32_t end = binary.Position() + start - 1;
     std::int32_t value = 0;
-    const bool hasExec = identifiers.ValueOf("EXEC", &value) == 0;
+    const bool hasExec = identifiers.FindID("EXEC", &value) == 0;
     const std::uint32_t exec = hasExec ? static_cast<std::uint32_t>(value) : start;
     const auto byte = [](std::uint32_t word) { return static_cast<std::uint8_t>(word); };
     return {0xFE,           byte(start), byte(start >> 8), byte(end),

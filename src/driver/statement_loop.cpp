@@ -102,9 +102,6 @@ bool FinishStatement(CAssembler* assembler, CStatement* statement, std::uint32_t
                      std::uint32_t lineCount, std::uint32_t byteCount) {
     if ((bits & RF_OBSERVED) != 0) {
         assembler->observer->OnStatement(*statement, lineCount);
-        if ((bits & extras) == RF_OBSERVED) {
-            return true;
-        }
     }
     if ((bits & RF_NO_DEBUG_RECORD) != 0) {
         assembler->flags.Clear(RF_NO_DEBUG_RECORD);

@@ -10,7 +10,6 @@
 #include "driver/assembler.h"
 #include "expr/token.h"
 #include "platform/platform.h"
-#include "source/char_class.h"
 
 namespace korv {
 namespace {
@@ -18,12 +17,14 @@ namespace {
 // The REG_* code of the expression `*inner` in parentheses: IX or IY with a displacement, or an
 // address. Leaves the expression in `*inner`; a displacement begins at its sign.
 std::int32_t TakeIndex(std::string_view* inner) {
-    const bool isIx = inner->starts_with("IX");
-    if (isIx || inner->starts_with("IY")) {
-        const std::string_view rest = WithoutLeadingBlanks(inner->substr(2));
+    const char second = inner->size() > 2 && inner->front() == 'I' ? (*inner)[1] : '\0';
+    if (second == 'X' || second == 'Y') {
+        std::string_view rest = *inner;
+        rest.remove_prefix(2);
+        rest = WithoutLeadingBlanks(rest);
         if (rest.starts_with('+') || rest.starts_with('-')) {
             *inner = rest;
-            return isIx ? REG_IX_INDEXED : REG_IY_INDEXED;
+            return second == 'X' ? REG_IX_INDEXED : REG_IY_INDEXED;
         }
     }
     *inner = WithoutLeadingBlanks(*inner);
@@ -74,8 +75,8 @@ void KO_Args::EvaluateToken(lsArg* arg, std::string_view token) {
 }
 
 Status KO_Args::Add(std::string_view text) {
-    const bool isIndirect = text.front() == '(' && text.back() == ')';
-    std::string_view expression = isIndirect ? text.substr(1, text.size() - 2) : text;
+    std::string_view expression = WithoutParentheses(text);
+    const bool isIndirect = expression.size() != text.size();
     if (expression.empty()) {
         return emptyOperand;
     }

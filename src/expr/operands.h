@@ -9,6 +9,7 @@
 
 #include "diagnostics/message_numbers.h"
 #include "expr/registers.h"
+#include "source/char_class.h"
 
 namespace korv {
 
@@ -28,7 +29,6 @@ struct lsArg : OperandClass {
     std::string_view fault;
     lsArg* next = nullptr;  ///< record of the next operand, if there is one
 
-    [[nodiscard]] bool IsRegister() const { return kind == KIND_REGISTER; }
     [[nodiscard]] bool IsValue() const { return kind == KIND_VALUE; }
     [[nodiscard]] bool IsCondition() const { return kind == KIND_CONDITION; }
     [[nodiscard]] bool IsQuoted() const { return (flags & LA_QUOTED) != 0; }
@@ -77,7 +77,7 @@ class KO_Args {
         }
     }
     void AddTokenInParentheses(std::string_view text) {
-        const std::string_view token = text.substr(1, text.size() - 2);
+        const std::string_view token = WithoutParentheses(text);
         if (lsArg* const arg = Append(text, ClassInParentheses(token)); arg->IsValue()) {
             EvaluateToken(arg, token);
         }

@@ -36,7 +36,7 @@ Status CAssembler::ParseValue(std::string_view token, std::int32_t* value) {
     } else if (token.size() <= longestWordOperator && FindWord(token).code != 0) {
         return MSG_BAD_EXPRESSION;
     }
-    return identifiers.ValueOf(token, value);
+    return identifiers.FindID(token, value);
 }
 
 Status CAssembler::ScanExpression(std::string_view text, std::int32_t* value,

@@ -7,7 +7,7 @@
 #include <new>
 #include <utility>
 
-#include "platform/platform.h"
+#include "platform/shared.h"
 
 namespace korv::platform {
 namespace {
@@ -15,10 +15,6 @@ namespace {
 // Process-wide, like the allocator itself.
 AllocationFailureHook failureHook = nullptr;
 std::FILE* failureStream = nullptr;  // null: standard error
-
-bool FailsOnPurpose() {
-    return allocationFault != nullptr && allocationFault();
-}
 
 // Calls the hook if `memory` is null. An allocation that fails inside the hook is not reported
 // again.
@@ -40,7 +36,9 @@ AllocationFailureHook SetAllocationFailureHook(AllocationFailureHook hook) {
 }
 
 void* Reallocate(void* memory, std::size_t size) {
-    return Reported(FailsOnPurpose() ? nullptr : std::realloc(memory, size == 0 ? 1 : size), size);
+    return Reported(
+        FailsOnPurpose(allocationFault) ? nullptr : std::realloc(memory, size == 0 ? 1 : size),
+        size);
 }
 
 void* TryReallocate(void* memory, std::size_t size) {
@@ -53,7 +51,7 @@ void* Allocate(std::size_t size) {
 
 // Memory fresh from the system is 0 already, so this may be quicker than clearing it.
 void* AllocateZeroed(std::size_t size) {
-    return Reported(FailsOnPurpose() ? nullptr : std::calloc(size, 1), size);
+    return Reported(FailsOnPurpose(allocationFault) ? nullptr : std::calloc(size, 1), size);
 }
 
 void Free(void* memory) {

@@ -205,7 +205,7 @@ FoundPath CurrentDirectory::FullPath(std::string_view name) {
         if (!state->HasPath()) {
             return {};
         }
-        path = state->levels.back().path == "/" ? "" : state->levels.back().path;
+        path = state->levels.back().path;
     }
     for (std::size_t start = 0; start < name.size();) {
         const std::size_t end = std::min(name.find_first_of(separators, start), name.size());
@@ -213,7 +213,7 @@ FoundPath CurrentDirectory::FullPath(std::string_view name) {
         if (component == "..") {
             path.erase(std::min(path.find_last_of('/'), path.size()));
         } else if (!component.empty() && component != ".") {
-            path.append("/").append(component);
+            path = Joined(path, component);
         }
         start = end + 1;
     }

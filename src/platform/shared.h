@@ -14,9 +14,9 @@ inline constexpr std::string_view separators = "/\\";
 /// Bytes that one call can transfer on any system.
 inline constexpr std::size_t mostAtOnce = 0x10000000;
 
-/// Whether the next request fails on purpose.
-[[nodiscard]] inline bool FailsOnPurpose() {
-    return requestFault != nullptr && requestFault();
+/// Whether the next request, or what else `fault` is for, fails on purpose.
+[[nodiscard]] inline bool FailsOnPurpose(Fault fault = requestFault) {
+    return fault != nullptr && fault();
 }
 
 /// The system's number of the failure of the last request; never 0.

@@ -69,6 +69,12 @@ template <typename Character>
     return text;
 }
 
+/// `text`, which is not empty, without the parentheses that it begins and ends with, if it does.
+[[nodiscard]] constexpr std::string_view WithoutParentheses(std::string_view text) noexcept {
+    const bool hasThem = text.front() == '(' && text.back() == ')';
+    return hasThem ? std::string_view(text.data() + 1, text.size() - 2) : text;
+}
+
 static_assert(HasClass('7', CC_DIGIT) && HasClass('i', CC_HEX) && !HasClass('G', CC_HEX));
 static_assert(!HasClass('\n', CC_BLANK) && !HasClass('\xE4', 0xFF));
 

@@ -58,7 +58,7 @@ class CIdentifierManager {
     [[nodiscard]] CIdentifier* Find(const HashedName& name) const { return index.Find(name); }
     /// The value of `name`, which is marked as read. Result: 0 with `value`, or MSG_UNRESOLVED: a
     /// name that waits and one never seen are the same here.
-    [[nodiscard]] Status ValueOf(std::string_view name, std::int32_t* value) {
+    [[nodiscard]] Status FindID(std::string_view name, std::int32_t* value) {
         const HashedName hashed = name;
         CIdentifier* const record = index.Find(hashed);
         if (record == nullptr || (record->flags & IDF_RESOLVED) == 0) {
@@ -72,7 +72,7 @@ class CIdentifierManager {
     }
 
     /// Takes over `patch`, which waits for `name`, and adds it to the chain of that name, which is
-    /// entered if it is new. The text of `name` must not have changed since the call of `ValueOf`.
+    /// entered if it is new. The text of `name` must not have changed since the call of `FindID`.
     /// Result: 0, or the result of `Backpatch` if the name has a value.
     Status AddPatch(std::string_view name, CPatchInfo* patch);
 

@@ -79,7 +79,6 @@ struct HashedName {
     constexpr HashedName() = default;
     constexpr HashedName(std::string_view text, std::uint64_t hash) : text(text), hash(hash) {}
     constexpr HashedName(std::string_view text) : HashedName(text, HashOf(text)) {}
-    constexpr HashedName(const char* text) : HashedName(std::string_view(text)) {}
 
     /// Any order will do; this one is quick to compare.
     friend bool operator<(const HashedName& a, const HashedName& b) {

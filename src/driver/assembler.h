@@ -161,7 +161,7 @@ class CAssembler {
         ++location;
         return binary.PutByte(value);
     }
-    /// An opcode, after its prefix if that is not 0. Result: 0, as the last act of a handler.
+    /// An opcode, after its prefix if that is not 0. Result: 0, so that a handler can end with it.
     Status EmitOpcode(std::uint8_t prefix, std::int32_t opcode) {
         if (prefix != 0) {
             EmitByte(prefix);

@@ -117,8 +117,8 @@ void CAssembler::WriteTarget() {
     platform::OutputFile file;
     const bool isOpen = !gotErrors && !flags.Has(RF_ABORT) &&
                         OpenOutput(&file, targetName, platform::OutputFile::Kind::target);
-    // A break up to here, though it may have no message any more, keeps the target from being
-    // written. One that comes later has no effect.
+    // A break up to here keeps the target from being written, even if it is too late for its
+    // message. A later one has no effect.
     const bool isAborted = (flags.Set(RF_SETTLED) & RF_ABORT) != 0;
     if (gotErrors || isAborted) {
         std::fprintf(output, "[Korv] Got errors! Binary output NOT saved to disk!\n");

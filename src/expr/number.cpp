@@ -7,8 +7,8 @@ namespace {
 
 constexpr std::int32_t maxNumber = 65535;
 
-// In base 16 a digit is of class CC_HEX; the value of "?", "@" and "_" follows from their code,
-// like that of a letter. In base 2 a dot may group the digits.
+// In base 16 a digit is any character of class CC_HEX: "?", "@" and "_" have values that follow
+// from their codes, as letters have. In base 2 dots may separate groups of digits.
 Status ReadDigits(std::string_view digits, std::int32_t base, std::int32_t* value) {
     if (digits.empty()) {
         return MSG_GENERAL_FAILURE;

@@ -153,8 +153,8 @@ static_assert(operandNames[noRow].name.empty() && operandNames[longRow].name == 
 }  // namespace operand_class
 
 /// The class of the operand `token`, bare and in parentheses. A word that is not in the table is a
-/// value. Always inlined: the front end asks too, and the compiler would make it a call for every
-/// operand, which costs 1 % of a run of korv-as.
+/// value. Always inlined: the front end uses it too, so the compiler would make it a call, which
+/// costs 1 % of a run of korv-as.
 [[nodiscard, gnu::always_inline]] inline const OperandClass& ClassOf(std::string_view token) {
     return operandNames[operand_class::RowOf(token)].bare;
 }

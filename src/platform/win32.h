@@ -1,6 +1,6 @@
-/// What the files of the Win32 implementation share. The system is called with wide characters,
-/// since only these calls take all names and long ones; all other texts are UTF-8, and so is the
-/// code page of the process, by its manifest.
+/// Shared by the files of the Win32 implementation. The system is called with wide characters,
+/// because only these calls accept every name, however long. All other texts are UTF-8; the
+/// manifest makes that the code page of the process.
 #pragma once
 
 #include <io.h>
@@ -72,8 +72,8 @@ template <typename Request>
     }
 }
 
-/// What a call of the system that fills a buffer gives; empty for a failure. `call` takes the size
-/// and the buffer, and gives the length, or the size that it needs.
+/// The text that a call of the system writes to a buffer; empty for a failure. `call` takes the
+/// size and the buffer. It returns the length of the text, or the size that it needs.
 template <typename Call>
 [[nodiscard]] std::wstring Filled(Call call) {
     std::wstring text(MAX_PATH, L'\0');

@@ -114,7 +114,7 @@ Creation Create(const std::string& temporary, const OutputPlace& place, FileHand
                                       : Creation::failed;
 }
 
-// Lets the same people do the same with a new file as with an old one.
+// Gives a new file the access rights of the old one.
 bool MakeAlike(int handle, const OutputPlace& place) {
     Access access = AccessOf(HandleOf(place.handle));
     return access.empty() || access == AccessOf(HandleOf(handle)) ||

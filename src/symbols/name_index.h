@@ -113,8 +113,9 @@ struct PoolAllocator {
 /// Open addressing, at most half full; nothing is ever removed. The hash is quick and not secret,
 /// so a source can be crafted whose names all have one place. Hence a name is at most
 /// `longestProbe` entries from its place, and names that find no room there are kept in a sorted
-/// tree. No names make a lookup slower than a search in that tree, and ordinary names hardly ever
-/// get there. A secret seed would do as well, but then two runs would not take the same steps.
+/// tree. So no choice of names makes a lookup slower than a search in that tree, and ordinary names
+/// hardly ever reach it. A secret seed would do as well, but then two runs would not take the same
+/// steps.
 class CNameIndex {
   public:
     /// An empty index. Names that hash badly take memory from `pool`, which is not owned.

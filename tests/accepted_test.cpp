@@ -117,15 +117,20 @@ std::string FieldOf(const std::string& operand, const Row& row) {
 
 // The bytes and messages of each line of a source, except error 12, which is reported at the end for undefined names.
 std::vector<Outcome> Assemble(const std::string& source, std::size_t lines) {
+    static std::string first;  // of the statements in hand; a directive that uses up the memory ends the process
+    [[maybe_unused]] static const int isSet = std::atexit([] {
+        std::fputs(first.empty() ? "" : ("mark large counts as undriven in refusals.txt; " + first).c_str(), stderr);
+    });
+    first = source.substr(0, source.find('\n') + 1);
     WriteFile("Main.Kor", source + lateSource);
     std::FILE* const console = std::fopen("console", "w");
     {
         korv::CAssembler assembler(console, static_cast<int>(4 * lines));
         assembler.maxImage = mostBytes;
         assembler.RunFromCommandLine("Main.Kor", "", "D");
-        EXPECT_LE(assembler.binary.Position(), mostBytes)
-            << "mark large counts as undriven in refusals.txt; " << source.substr(0, 20);
+        EXPECT_LE(assembler.binary.Position(), mostBytes) << "mark large counts as undriven in refusals.txt; " << first;
     }
+    first.clear();
     std::fclose(console);
     std::vector<Outcome> outcomes;
     std::ifstream listing("Debug.Out");

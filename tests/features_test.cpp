@@ -102,7 +102,7 @@ std::string ShownEdit(const Json& edit) {
 
 // The text of `file` with `edits`, which are in order and do not overlap.
 std::string Changed(const korv::Snapshot& snapshot, std::int32_t file, const Json& edits) {
-    const korv::StoredText& before = *snapshot.File(file).text;
+    const korv::StoredText& before = snapshot.Text(file);
     const auto offset = [&](const Json& edit, const char* end) {
         const auto at = korv::FindPosition(edit["range"], end);
         const korv::Place place = snapshot.PlaceOf(file, at.value());

@@ -3,6 +3,7 @@
 /// read, and it is never changed after it was made.
 #pragma once
 
+#include <compare>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -29,7 +30,7 @@ struct Place {
     std::uint32_t length = 0;     ///< in bytes; it ends with the line at the latest
 
     [[nodiscard]] bool IsSomewhere() const { return file != noIndex; }
-    bool operator==(const Place&) const = default;
+    auto operator<=>(const Place&) const = default;  ///< by file, line and column
 };
 
 /// A file that was read, once, however often it is included.

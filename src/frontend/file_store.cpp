@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "frontend/platform/platform.h"
+#include "source/char_class.h"
 
 namespace korv {
 namespace {
@@ -102,7 +103,14 @@ platform::FoundPath FileStore::Beside(const std::string& from, std::string_view 
     const bool isAbsolute = platform::IsAbsolutePath(name) || from.empty();
     platform::FoundPath found =
         directory.FullPath(isAbsolute ? std::string(name) : from + '/' + std::string(name));
-    found.isFile = found.isFile || texts.contains(found.path);
+    if (!found.isFile) {  // files are found regardless of case, so texts are too
+        const auto text = std::ranges::find_if(texts, [&found](const auto& each) {
+            return std::ranges::equal(each.first, found.path, {}, Raised, Raised);
+        });
+        if (text != texts.end()) {
+            found = {text->first, /*isFile=*/true};
+        }
+    }
     return found;
 }
 

@@ -21,7 +21,6 @@
 #include "frontend/options.h"
 #include "frontend/output_set.h"
 #include "frontend/platform/platform.h"
-#include "frontend/program_checks.h"
 #include "frontend/sld.h"
 #include "frontend/summary.h"
 #include "frontend/symbol_formats.h"
@@ -96,18 +95,6 @@ std::string ImageText(const Analysis& analysis, ImageFormat format) {
             return HexImage(analysis);
     }
     return "";
-}
-
-// The symbol file. Warns about symbols that it leaves out.
-std::string SymbolFileText(const Options& options, Analysis* analysis) {
-    SymbolFile file = SymbolText(*analysis, options.symbolFormat);
-    if (std::string dropped = file.Dropped(); !dropped.empty()) {
-        Message message;
-        message.warning = Warning::symbolRange;
-        message.detail = std::move(dropped);
-        AddWarning(options.warnings, std::move(message), analysis);
-    }
-    return std::move(file.text);
 }
 
 // Collects the outputs of a run without errors in `outputs`, the image first. Result: empty, or why

@@ -211,6 +211,15 @@ std::string Raised(std::string_view typed) {
     return line;
 }
 
+std::size_t CommentStart(std::string_view typed) {
+    bool isString = false;
+    std::size_t at = 0;
+    for (; at < typed.size() && (isString || typed[at] != ';'); ++at) {
+        isString = isString != (typed[at] == '"');
+    }
+    return at;
+}
+
 StatementView CutStatement(std::string_view line, std::string_view typed) {
     StatementView view;
     view.line = line;

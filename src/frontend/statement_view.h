@@ -128,6 +128,9 @@ struct StatementView {
 /// `typed` with the letters outside of strings raised, as the core's reader does it.
 [[nodiscard]] std::string Raised(std::string_view typed);
 
+/// The offset of the comment in a physical line; its size if it has none.
+[[nodiscard]] std::size_t CommentStart(std::string_view typed);
+
 /// The tokens of one expression or operand.
 [[nodiscard]] std::vector<Token> CutTokens(std::string_view text);
 

@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <tuple>
+#include <utility>
 #include <vector>
 
 #include "diagnostics/report_writer.h"
+#include "frontend/program_checks.h"
 #include "source/char_class.h"
 
 namespace korv {
@@ -128,6 +130,20 @@ std::string SymbolFile::Dropped() const {
     const std::string values = counted(droppedValues, " value");
     const std::string names = counted(droppedNames, " name");
     return values + (values.empty() || names.empty() ? "" : ", ") + names;
+}
+
+std::string SymbolFileText(const Options& options, Analysis* analysis) {
+    if (options.symbols.empty() || !analysis->failure.empty() || analysis->errorCount != 0) {
+        return "";
+    }
+    SymbolFile file = SymbolText(*analysis, options.symbolFormat);
+    if (std::string dropped = file.Dropped(); !dropped.empty()) {
+        Message message;
+        message.warning = Warning::symbolRange;
+        message.detail = std::move(dropped);
+        AddWarning(options.warnings, std::move(message), analysis);
+    }
+    return std::move(file.text);
 }
 
 }  // namespace korv

@@ -39,4 +39,8 @@ struct SymbolFile {
 /// `Wanted::names`.
 [[nodiscard]] SymbolFile SymbolText(const Analysis& analysis, SymbolFormat format);
 
+/// The symbol file that `options` ask for; empty if they ask for none or there are errors. Adds a
+/// warning about what is missing in it to `analysis`.
+std::string SymbolFileText(const Options& options, Analysis* analysis);
+
 }  // namespace korv

@@ -11,11 +11,7 @@ namespace {
 
 // Where the comment of `typed` begins, or the blanks before it.
 std::size_t StatementEnd(std::string_view typed) {
-    bool isString = false;
-    std::size_t end = 0;
-    for (; end < typed.size() && (isString || typed[end] != ';'); ++end) {
-        isString = isString != (typed[end] == '"');
-    }
+    std::size_t end = CommentStart(typed);
     while (end > 0 && HasClass(typed[end - 1], CC_BLANK)) {
         --end;
     }

@@ -8,13 +8,8 @@
 namespace korv {
 namespace {
 
-std::optional<std::int64_t> VersionOf(const Json& document) {
-    const auto* const version = Find<std::int64_t>(document, "/version");
-    return version == nullptr ? std::nullopt : std::optional(*version);
-}
-
 // The offset of a position in `text`; the end of its line or of the text for one that is beyond.
-// Several changes in a row cost no division of the text into lines.
+// Several changes in a row do not divide the text into lines.
 std::size_t OffsetOf(std::string_view text, const Position& at, PositionEncoding encoding) {
     std::size_t start = 0;
     for (std::uint32_t line = 0; line < at.line; ++line) {
@@ -32,7 +27,7 @@ std::size_t OffsetOf(std::string_view text, const Position& at, PositionEncoding
 // Makes a change that the client has sent.
 void Apply(const Json& change, PositionEncoding encoding, std::string* text) {
     const auto& newText = Get<std::string>(change, "/text");
-    if (!change.contains("range")) {
+    if (At(change, "/range").is_null()) {
         *text = newText;
         return;
     }
@@ -57,37 +52,34 @@ std::string Documents::UriOf(const std::string& path) const {
     return document == nullptr ? UriOfPath(path) : document->uri;
 }
 
-std::shared_ptr<const StoredText> Documents::TextOf(const std::string& path) {
-    const auto found = documents.find(path);
-    if (found == documents.end()) {
-        return nullptr;
+void Documents::AddTo(FileStore* store) {
+    for (auto& [path, document] : documents) {
+        if (document.text == nullptr) {
+            document.text = std::make_shared<const StoredText>(path, document.bytes);
+        }
+        store->SetText(document.text);
     }
-    Document& document = found->second;
-    if (document.text == nullptr) {
-        document.text = std::make_shared<const StoredText>(path, document.bytes);
-    }
-    return document.text;
 }
 
 void Documents::Open(const std::string& path, const Json& document) {
-    documents[path] = {Get<std::string>(document, "/uri"), VersionOf(document),
+    documents[path] = {Get<std::string>(document, "/uri"), At(document, "/version"),
                        Get<std::string>(document, "/text"), nullptr};
 }
 
-bool Documents::Change(const std::string& path, const Json& parameters, PositionEncoding encoding) {
+void Documents::Change(const std::string& path, const Json& parameters) {
     const auto& changes = Get<Json::array_t>(parameters, "/contentChanges");
     const auto found = documents.find(path);
     if (found == documents.end()) {
-        return false;
+        return;
     }
-    std::string bytes = found->second.bytes;  // one change that is none takes back all
+    Document& document = found->second;
+    std::string bytes = document.bytes;  // a faulty change cancels all of them
     for (const Json& change : changes) {
         Apply(change, encoding, &bytes);
     }
-    found->second.bytes = std::move(bytes);
-    found->second.text = nullptr;
-    found->second.version = VersionOf(parameters.at("textDocument"));
-    return true;
+    document.bytes = std::move(bytes);
+    document.text = nullptr;
+    document.version = At(parameters, "/textDocument/version");
 }
 
 }  // namespace korv

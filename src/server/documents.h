@@ -1,42 +1,44 @@
 /// The documents that are open in the editor. Their texts take the place of what is on the disk.
 #pragma once
 
-#include <cstdint>
 #include <map>
-#include <memory>
-#include <optional>
 #include <string>
 
-#include "frontend/stored_text.h"
+#include "frontend/file_store.h"
 #include "server/protocol.h"
 
 namespace korv {
 
 struct Document {
     std::string uri;  ///< as the client spells it
-    std::optional<std::int64_t> version;
+    Json version;     ///< null if the client gives none
     std::string bytes;
-    std::shared_ptr<const StoredText> text;  ///< made from `bytes` when it is asked for
+    FileStore::Text text;  ///< made from `bytes` when it is needed
 };
 
 class Documents {
   public:
+    /// How the client counts characters, in changes and everywhere else.
+    void SetEncoding(PositionEncoding newEncoding) { encoding = newEncoding; }
+    [[nodiscard]] PositionEncoding Encoding() const { return encoding; }
+
     /// By full path.
     [[nodiscard]] const std::map<std::string, Document>& All() const { return documents; }
     /// `path` is full, here and below. Null if it is not open.
     [[nodiscard]] const Document* Find(const std::string& path) const;
-    /// The text of a document, made once after each row of changes; null if it is not open.
-    [[nodiscard]] std::shared_ptr<const StoredText> TextOf(const std::string& path);
     /// The URI by which the client knows the file.
     [[nodiscard]] std::string UriOf(const std::string& path) const;
+    /// Gives the texts of all documents to `store`. Each is made once after a series of changes.
+    void AddTo(FileStore* store);
 
     /// `document` is the part of the notification. Replaces a document that is open already.
     void Open(const std::string& path, const Json& document);
-    /// `parameters` come with the notification. False: the document is not open.
-    bool Change(const std::string& path, const Json& parameters, PositionEncoding encoding);
+    /// `parameters` are those of the notification. Ignored if the document is not open.
+    void Change(const std::string& path, const Json& parameters);
     void Close(const std::string& path) { documents.erase(path); }
 
   private:
+    PositionEncoding encoding = PositionEncoding::utf16;
     std::map<std::string, Document> documents;
 };
 

@@ -2,7 +2,6 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <string>
 #include <string_view>
 
 #include "frontend/platform/platform.h"
@@ -24,20 +23,8 @@ constexpr const char* help =
     "\n"
     "Exit status: 0 ended by the editor; 1 the connection broke; 2 wrong use.\n";
 
-class StandardChannel : public Channel {
-  public:
-    bool IsInputWaiting() override { return connection.IsInputWaiting(); }
-    std::size_t Read(char* buffer, std::size_t count) override {
-        return connection.Read(buffer, count);
-    }
-    bool Write(std::string_view bytes) override { return connection.Write(bytes); }
-
-  private:
-    platform::StandardConnection connection;
-};
-
-// What a text may take is bounded, so this is a machine out of memory. The editor starts the server
-// anew.
+// The memory for a text is limited, so the machine itself is out of memory. The editor restarts the
+// server.
 int OnAllocationFailure(std::size_t) {
     std::fputs("korv-ls: error: out of memory\n", stderr);
     std::_Exit(1);
@@ -45,8 +32,8 @@ int OnAllocationFailure(std::size_t) {
 
 int Serve() {
     platform::SetAllocationFailureHook(OnAllocationFailure);
-    StandardChannel channel;
-    Server server(&channel, KORV_VERSION);
+    platform::StandardConnection connection;
+    Server server(&connection, KORV_VERSION);
     const int status = server.Run();
     if (!server.Failure().empty()) {
         std::fprintf(stderr, "korv-ls: error: %s\n", server.Failure().c_str());

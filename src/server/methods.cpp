@@ -1,9 +1,8 @@
-// The methods of the protocol: what changes the state of the server, and the table of the features.
+// The methods of the protocol: those that change the state of the server, and the table of the
+// features.
 
 #include <algorithm>
-#include <span>
-#include <string_view>
-#include <utility>
+#include <iterator>
 
 #include "server/features/features.h"
 #include "server/server.h"
@@ -11,50 +10,49 @@
 
 namespace korv {
 
-struct Server::Feature {
+struct Feature {
     std::string_view name;
-    std::string_view provider;                                        // its capability
-    enum class About : std::uint8_t { file, position, range } about;  // what it cannot do without
+    std::string_view provider;  // its capability
+    std::string_view needed;    // the parameter that it needs besides the document
     Json (*reply)(const Query& query);
-
-    static std::span<const Feature> All();
 };
 
-std::span<const Server::Feature> Server::Feature::All() {
-    // clang-format off
-    static constexpr Feature all[] = {
-        {"textDocument/hover", "hoverProvider", About::position, Hover},
-        {"textDocument/definition", "definitionProvider", About::position, Definition},
-        {"textDocument/declaration", "declarationProvider", About::position, Definition},
-        {"textDocument/references", "referencesProvider", About::position, References},
-        {"textDocument/documentHighlight", "documentHighlightProvider", About::position, Highlights},
-        {"textDocument/prepareRename", "renameProvider", About::position, PrepareRename},
-        {"textDocument/rename", "renameProvider", About::position, korv::Rename},
-        {"textDocument/completion", "completionProvider", About::position, Completions},
-        {"textDocument/signatureHelp", "signatureHelpProvider", About::position, Signatures},
-        {"textDocument/documentSymbol", "documentSymbolProvider", About::file, DocumentSymbols},
-        {"textDocument/semanticTokens/full", "semanticTokensProvider", About::file, SemanticTokens},
-        {"textDocument/semanticTokens/range", "semanticTokensProvider", About::range, SemanticTokens},
-        {"textDocument/foldingRange", "foldingRangeProvider", About::file, FoldingRanges},
-        {"textDocument/inlayHint", "inlayHintProvider", About::range, InlayHints},
-        {"textDocument/codeAction", "codeActionProvider", About::range, CodeActions},
-        {"textDocument/formatting", "documentFormattingProvider", About::file, Formatting},
-        {"textDocument/rangeFormatting", "documentRangeFormattingProvider", About::range, Formatting},
-        {"textDocument/documentLink", "documentLinkProvider", About::file, Links},
-    };
-    // clang-format on
-    return all;
-}
+namespace {
+
+// clang-format off
+constexpr Feature features[] = {
+    {"textDocument/hover", "hoverProvider", "/position", Hover},
+    {"textDocument/definition", "definitionProvider", "/position", Definition},
+    {"textDocument/declaration", "declarationProvider", "/position", Definition},
+    {"textDocument/references", "referencesProvider", "/position", References},
+    {"textDocument/documentHighlight", "documentHighlightProvider", "/position", Highlights},
+    {"textDocument/prepareRename", "renameProvider", "/position", PrepareRename},
+    {"textDocument/rename", "renameProvider", "/position", Rename},
+    {"textDocument/completion", "completionProvider", "/position", Completions},
+    {"textDocument/signatureHelp", "signatureHelpProvider", "/position", Signatures},
+    {"textDocument/documentSymbol", "documentSymbolProvider", "", DocumentSymbols},
+    {"textDocument/semanticTokens/full", "semanticTokensProvider", "", SemanticTokens},
+    {"textDocument/semanticTokens/range", "semanticTokensProvider", "/range", SemanticTokens},
+    {"textDocument/foldingRange", "foldingRangeProvider", "", FoldingRanges},
+    {"textDocument/inlayHint", "inlayHintProvider", "/range", InlayHints},
+    {"textDocument/codeAction", "codeActionProvider", "/range", CodeActions},
+    {"textDocument/formatting", "documentFormattingProvider", "", Formatting},
+    {"textDocument/rangeFormatting", "documentRangeFormattingProvider", "/range", Formatting},
+    {"textDocument/documentLink", "documentLinkProvider", "", Links},
+};
+// clang-format on
+
+}  // namespace
 
 Json Server::Answer(const std::string& name, const Json& parameters) {
     struct Notification {
         std::string_view name;
-        void (Server::*take)(const Json& parameters);  // null: it does no harm
+        void (Server::*take)(const Json& parameters);  // null: nothing to do
     };
     static constexpr Notification notifications[] = {
         {"initialized", &Server::OnInitialized},
         {"$/setTrace", nullptr},
-        {"$/cancelRequest", nullptr},  // is done already
+        {"$/cancelRequest", nullptr},  // see `IsCancelled`
         {"window/workDoneProgress/cancel", nullptr},
         {"textDocument/didOpen", &Server::OnOpened},
         {"textDocument/didChange", &Server::OnChanged},
@@ -83,9 +81,8 @@ Json Server::Answer(const std::string& name, const Json& parameters) {
     if (name == "workspace/symbol") {
         return WorkspaceSymbols(parameters);
     }
-    const auto features = Feature::All();
-    const auto feature = std::ranges::find(features, name, &Feature::name);
-    if (feature != features.end()) {
+    const auto* const feature = std::ranges::find(features, name, &Feature::name);
+    if (feature != std::end(features)) {
         return AnswerFeature(*feature, parameters);
     }
     const auto* const notification = std::ranges::find(notifications, name, &Notification::name);
@@ -104,11 +101,8 @@ Json Server::AnswerFeature(const Feature& feature, const Json& parameters) {
     const std::string path = PathOfDocument(parameters);
     const auto position = FindPosition(parameters, "/position");
     const auto range = FindRange(parameters, "/range");
-    if (feature.about == Feature::About::position && !position) {
-        throw Missing("/position");
-    }
-    if (feature.about == Feature::About::range && !range) {
-        throw Missing("/range");
+    if ((feature.needed == "/position" && !position) || (feature.needed == "/range" && !range)) {
+        throw Missing(std::string(feature.needed));
     }
     Update();
     const Snapshot* const snapshot = programs.SnapshotOf(path);
@@ -120,15 +114,15 @@ Json Server::AnswerFeature(const Feature& feature, const Json& parameters) {
                           range.value_or(everything), parameters, workspace});
 }
 
-// A document that is no file, such as one without a name yet, is one in the current directory.
+// A document that is not a file, such as one without a name yet, counts as one in the current
+// directory.
 std::string Server::PathOf(const std::string& uri) {
     if (const auto path = PathOfUri(uri)) {
         return workspace.FullPath(*path);
     }
     std::string name = uri;
     std::ranges::replace_if(
-        name, [](char c) { return std::string_view(":/\\").find(c) != std::string_view::npos; },
-        '_');
+        name, [](char c) { return c == ':' || c == '/' || c == '\\'; }, '_');
     return workspace.FullPath(name);
 }
 
@@ -139,12 +133,10 @@ std::string Server::PathOfDocument(const Json& parameters) {
 Json Server::Initialize(const Json& parameters) {
     phase = Phase::initialized;
     const Strings encodings = StringsOf(parameters, "/capabilities/general/positionEncodings");
-    encoding = std::ranges::count(encodings, "utf-8") != 0 ? PositionEncoding::utf8
-                                                           : PositionEncoding::utf16;
-    programs.SetEncoding(encoding);
-    const auto* const watches =
-        Find<bool>(parameters, "/capabilities/workspace/didChangeWatchedFiles/dynamicRegistration");
-    watchesOnRequest = watches != nullptr && *watches;
+    const bool isUtf8 = std::ranges::count(encodings, "utf-8") != 0;
+    documents.SetEncoding(isUtf8 ? PositionEncoding::utf8 : PositionEncoding::utf16);
+    watchesOnRequest = Get<bool>(
+        parameters, "/capabilities/workspace/didChangeWatchedFiles/dynamicRegistration", false);
     Strings folders = StringsOf(parameters, "/workspaceFolders", "/uri");
     const auto* const root = Find<std::string>(parameters, "/rootUri");
     if (folders.empty() && root != nullptr) {
@@ -153,64 +145,50 @@ Json Server::Initialize(const Json& parameters) {
     for (const std::string& folder : folders) {
         workspace.AddFolder(PathOf(folder));
     }
-    if (parameters.contains("initializationOptions")) {
-        workspace.SetSettings(parameters["initializationOptions"]);
-    }
-    Json capabilities = {
-        {"positionEncoding", encoding == PositionEncoding::utf8 ? "utf-8" : "utf-16"},
-        {"textDocumentSync",
-         {{"openClose", true}, {"change", 2}, {"save", {{"includeText", false}}}}},
-        {"renameProvider", {{"prepareProvider", true}}},
-        {"completionProvider", {{"triggerCharacters", Json::array({" ", ",", "("})}}},
-        {"signatureHelpProvider", {{"triggerCharacters", Json::array({" ", ","})}}},
-        {"workspaceSymbolProvider", true},
-        {"semanticTokensProvider",
-         {{"legend", SemanticTokensLegend()}, {"full", true}, {"range", true}}},
-        {"codeActionProvider", {{"codeActionKinds", Json::array({"quickfix"})}}},
-        {"documentLinkProvider", {{"resolveProvider", false}}},
-        {"workspace",
-         {{"workspaceFolders", {{"supported", true}, {"changeNotifications", true}}}}}};
-    for (const Feature& feature : Feature::All()) {
-        capabilities.emplace(feature.provider, true);  // unless it is there, with options
+    workspace.SetSettings(At(parameters, "/initializationOptions"));
+    Json capabilities = Json::parse(R"({
+        "textDocumentSync": {"openClose": true, "change": 2, "save": {"includeText": false}},
+        "renameProvider": {"prepareProvider": true},
+        "completionProvider": {"triggerCharacters": [" ", ",", "("]},
+        "signatureHelpProvider": {"triggerCharacters": [" ", ","]},
+        "workspaceSymbolProvider": true,
+        "semanticTokensProvider": {"full": true, "range": true},
+        "codeActionProvider": {"codeActionKinds": ["quickfix"]},
+        "documentLinkProvider": {"resolveProvider": false},
+        "workspace": {"workspaceFolders": {"supported": true, "changeNotifications": true}}
+    })");
+    capabilities["positionEncoding"] = isUtf8 ? "utf-8" : "utf-16";
+    capabilities["semanticTokensProvider"]["legend"] = SemanticTokensLegend();
+    for (const Feature& feature : features) {
+        capabilities.emplace(feature.provider, true);  // unless it is there with options
     }
     return {{"capabilities", capabilities},
             {"serverInfo", {{"name", "korv-ls"}, {"version", version}}}};
 }
 
-// Asks the client to report what happens to files on the disk.
+// Asks the client to report changes of files on the disk.
 void Server::OnInitialized(const Json&) {
     if (watchesOnRequest) {
-        const Json everything = {{"watchers", Json::array({{{"globPattern", "**/*"}}})}};
-        const Json registration = {{"id", "files"},
-                                   {"method", "workspace/didChangeWatchedFiles"},
-                                   {"registerOptions", everything}};
-        stream.Write(TextOf({{"jsonrpc", "2.0"},
-                             {"id", "watch files"},
-                             {"method", "client/registerCapability"},
-                             {"params", {{"registrations", Json::array({registration})}}}}));
+        stream.Write(R"({"jsonrpc":"2.0","id":"watch files","method":"client/registerCapability",)"
+                     R"("params":{"registrations":[{"id":"files",)"
+                     R"("method":"workspace/didChangeWatchedFiles",)"
+                     R"("registerOptions":{"watchers":[{"globPattern":"**/*"}]}}]}})");
     }
 }
 
 void Server::OnOpened(const Json& parameters) {
-    documents.Open(PathOfDocument(parameters), parameters["textDocument"]);
+    documents.Open(PathOfDocument(parameters), At(parameters, "/textDocument"));
     programs.OnFilesChanged();
 }
 
 void Server::OnChanged(const Json& parameters) {
     const std::string path = PathOfDocument(parameters);
-    if (documents.Change(path, parameters, encoding)) {
-        programs.OnTextChanged(path);
-    }
+    documents.Change(path, parameters);
+    programs.OnTextChanged(path);
 }
 
 void Server::OnClosed(const Json& parameters) {
-    const std::string path = PathOfDocument(parameters);
-    // What was published under the client's spelling of the URI is taken back under it.
-    const std::string uri = documents.UriOf(path);
-    if (published.erase(uri) != 0) {
-        Notify(publishDiagnostics, {{"uri", uri}, {"diagnostics", Json::array()}});
-    }
-    documents.Close(path);
+    documents.Close(PathOfDocument(parameters));
     programs.OnFilesChanged();
 }
 
@@ -222,7 +200,7 @@ void Server::OnFilesChanged(const Json& parameters) {
 }
 
 void Server::OnSettingsChanged(const Json& parameters) {
-    if (parameters.contains("settings") && workspace.SetSettings(parameters["settings"])) {
+    if (workspace.SetSettings(At(parameters, "/settings"))) {
         programs.OnConfigurationChanged();
     }
 }
@@ -241,8 +219,8 @@ Json Server::WorkspaceSymbols(const Json& parameters) {
     const auto& query = Get<std::string>(parameters, "/query");
     Update();
     Json symbols = Json::array();
-    for (const Snapshot* const snapshot : programs.Snapshots()) {
-        AddSymbolsLike(*snapshot, query, &symbols);
+    for (const auto& [key, program] : programs.All()) {
+        AddSymbolsLike(program.snapshot, query, &symbols);
     }
     return symbols;
 }

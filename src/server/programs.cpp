@@ -1,33 +1,32 @@
 #include "server/programs.h"
 
 #include <algorithm>
-#include <memory>
 #include <span>
 #include <utility>
 
 #include "frontend/analyser.h"
-#include "frontend/file_store.h"
+#include "frontend/symbol_formats.h"
 #include "server/features/features.h"
 
 namespace korv {
 namespace {
 
-// Errors of a program that are kept, and messages that are shown: nobody reads more in an editor.
+// The limit for the errors of a program and for the messages that are shown: nobody reads more in
+// an editor.
 constexpr std::size_t mostMessages = 1000;
 
-// What cannot be blamed on a line.
+// An error that concerns no line.
 Json FailureDiagnostic(const std::string& failure) {
     return {{"range", Range()}, {"severity", 1}, {"source", "korv"}, {"message", failure}};
 }
 
-// Adds the messages of a program; a file that is also part of another has each once. Those without
-// a place are shown at the start of the main file.
+// Adds the messages of a program. If a file is also part of another program, each message appears
+// once. Messages without a place are shown at the start of the main file.
 void AddMessages(const Snapshot& snapshot, DiagnosticsByPath* all) {
-    const std::vector<Message>& messages = snapshot.analysis->messages;
+    const std::span<const Message> messages = snapshot.analysis->messages;
     const DiagnosticsByPath others = *all;
-    for (const Message& message :
-         std::span(messages).first(std::min(messages.size(), mostMessages))) {
-        const std::string& path = snapshot.File(std::max(message.place.file, 0)).text->Path();
+    for (const Message& message : messages.first(std::min(messages.size(), mostMessages))) {
+        const std::string& path = snapshot.Text(std::max(message.place.file, 0)).Path();
         Json diagnostic = DiagnosticOf(snapshot, message);
         const auto isSame = [&diagnostic](const Json& other) {
             return other["range"] == diagnostic["range"] &&
@@ -45,7 +44,7 @@ void AddMessages(const Snapshot& snapshot, DiagnosticsByPath* all) {
 void Programs::OnTextChanged(const std::string& path) {
     isStale = true;
     for (auto& [key, program] : programs) {
-        program.isStale = program.isStale || Reads(key, path);
+        program.isStale = program.isStale || program.Reads(path);
     }
 }
 
@@ -60,54 +59,51 @@ void Programs::OnFilesChanged() {
 void Programs::OnConfigurationChanged() {
     isStale = true;
     workspace->Forget();
+    programOf.clear();
     programs.clear();
 }
 
-bool Programs::Reads(const Key& key, const std::string& path) const {
-    const auto found = programs.find(key);
-    return found != programs.end() && found->second.snapshot.FileOf(path) != noIndex;
-}
-
-void Programs::Analyse(Program* program) {
+// Analyses the current texts of the program, unless it has been done.
+void Programs::Refresh(Program* program) {
+    if (!program->isStale) {
+        return;
+    }
+    const Options& options = program->configuration.options;
     FileStore store(program->configuration.directory);
-    for (const std::string& name : program->configuration.options.includes) {
+    for (const std::string& name : options.includes) {
         store.AddSearchDirectory(name);
     }
-    for (const auto& [path, document] : documents->All()) {
-        store.SetText(documents->TextOf(path));
-    }
-    auto analysis = std::make_shared<const Analysis>(korv::Analyse(
-        program->configuration.options, &store, {.statements = true, .names = true, .uses = true}));
-    program->snapshot = {analysis, {}, encoding, nullptr};
-    for (const SourceFile& file : analysis->files) {
-        program->snapshot.uris.push_back(documents->UriOf(file.text->Path()));
+    documents->AddTo(&store);
+    Analysis analysis = Analyse(options, &store, {.statements = true, .names = true, .uses = true});
+    SymbolFileText(options, &analysis);  // for its warning
+    Snapshot& snapshot = program->snapshot;
+    snapshot = {
+        std::make_shared<const Analysis>(std::move(analysis)), {}, documents->Encoding(), {}};
+    for (const SourceFile& file : snapshot.analysis->files) {
+        snapshot.uris.push_back(documents->UriOf(file.text->Path()));
     }
     program->isStale = false;
-    ++analysisCount;
 }
 
-// The program with the source `main`, after an analysis of its present texts.
-const Programs::Key& Programs::Analysed(const Configuration& configuration,
-                                        const std::string& main) {
-    const Key key = main + '\n' + configuration.origin + '\n' + configuration.directory;
-    const auto [at, isNew] = programs.try_emplace(key);
+// The program with the source `main`, which is needed.
+Programs::Program& Programs::Need(const Configuration& configuration, const std::string& main) {
+    const auto [at, isNew] =
+        programs.try_emplace(main + '\n' + configuration.origin + '\n' + configuration.directory);
     Program& program = at->second;
     if (isNew) {
         program.main = main;
         program.configuration = configuration;
-        if (main != configuration.source) {  // else it stays as it was written, for messages
+        if (main != configuration.source) {  // else it stays as the words have it, for messages
             program.configuration.options.source = main;
         }
         program.configuration.options.maxErrors = mostMessages;
     }
-    if (program.isStale) {
-        Analyse(&program);
-    }
-    needed.insert(key);
-    return at->first;
+    Refresh(&program);
+    program.isNeeded = true;
+    return program;
 }
 
-const Programs::Key& Programs::ProgramFor(const std::string& path) {
+Programs::Program& Programs::ProgramFor(const std::string& path) {
     const Configuration& configuration = workspace->ConfigurationOf(path);
     if (!configuration.failure.empty()) {
         const bool isFile = !configuration.origin.empty();
@@ -115,62 +111,52 @@ const Programs::Key& Programs::ProgramFor(const std::string& path) {
             (isFile ? "" : "settings of korv: ") + configuration.failure;
     }
     if (!configuration.source.empty()) {
-        const Key& key = Analysed(configuration, configuration.source);
-        if (Reads(key, path)) {
-            return key;
+        Program& program = Need(configuration, configuration.source);
+        if (program.Reads(path)) {
+            return program;
         }
     }
     for (auto& [key, program] : programs) {
-        if (program.main == path || !Reads(key, path)) {
+        if (program.main == path || !program.Reads(path)) {
             continue;
         }
-        if (program.isStale) {
-            Analyse(&program);
-        }
-        if (Reads(key, path)) {
-            needed.insert(key);
-            return key;
+        Refresh(&program);
+        if (program.Reads(path)) {
+            program.isNeeded = true;
+            return program;
         }
     }
     const std::string& includer = workspace->IncluderOf(path);
-    const Key& key = Analysed(configuration, includer);
-    return includer == path || Reads(key, path) ? key : Analysed(configuration, path);
+    Program& program = Need(configuration, includer);
+    return includer == path || program.Reads(path) ? program : Need(configuration, path);
 }
 
 void Programs::Update() {
     failures.clear();
-    // An analysis in the first round may show that a program reads a document seen before.
+    programOf.clear();
+    // An analysis in the first round may show that a program reads an earlier document.
     for (int round = 0; round < 2; ++round) {
-        programOf.clear();
-        needed.clear();
+        for (auto& [key, program] : programs) {
+            program.isNeeded = false;
+        }
         for (const auto& [path, document] : documents->All()) {
-            programOf[path] = ProgramFor(path);
+            programOf[path] = &ProgramFor(path);
         }
     }
-    std::erase_if(programs,
-                  [this](const auto& program) { return !needed.contains(program.first); });
+    std::erase_if(programs, [](const auto& each) { return !each.second.isNeeded; });
     isStale = false;
 }
 
 const Snapshot* Programs::SnapshotOf(const std::string& path) const {
     if (const auto document = programOf.find(path); document != programOf.end()) {
-        const auto program = programs.find(document->second);
-        return program == programs.end() ? nullptr : &program->second.snapshot;
+        return &document->second->snapshot;
     }
     for (const auto& [key, program] : programs) {
-        if (Reads(key, path)) {
+        if (program.Reads(path)) {
             return &program.snapshot;
         }
     }
     return nullptr;
-}
-
-std::vector<const Snapshot*> Programs::Snapshots() const {
-    std::vector<const Snapshot*> snapshots;
-    for (const auto& [key, program] : programs) {
-        snapshots.push_back(&program.snapshot);
-    }
-    return snapshots;
 }
 
 DiagnosticsByPath Programs::Diagnostics() const {

@@ -51,6 +51,12 @@ RequestError Missing(std::string path) {
     return {ErrorCode::invalidParameters, "missing or wrong: " + path.substr(1)};
 }
 
+const Json& At(const Json& json, const std::string& path) {
+    static const Json none;
+    const Json::json_pointer pointer(path);
+    return json.contains(pointer) ? json[pointer] : none;
+}
+
 Strings StringsOf(const Json& json, const std::string& listPath, const std::string& path) {
     Strings strings;
     if (const auto* const list = Find<Json::array_t>(json, listPath)) {
@@ -65,27 +71,19 @@ Strings StringsOf(const Json& json, const std::string& listPath, const std::stri
 
 std::optional<Position> FindPosition(const Json& json, const std::string& path) {
     constexpr std::int64_t most = INT32_MAX - 1;  // lines count from 1 elsewhere
-    const auto* const line = Find<std::int64_t>(json, path + "/line");
-    const auto* const character = Find<std::int64_t>(json, path + "/character");
-    if (line == nullptr || character == nullptr || *line < 0 || *character < 0) {
+    const auto line = Get<std::int64_t>(json, path + "/line", -1);
+    const auto character = Get<std::int64_t>(json, path + "/character", -1);
+    if (line < 0 || character < 0) {
         return std::nullopt;
     }
-    return Position{static_cast<std::uint32_t>(std::min(*line, most)),
-                    static_cast<std::uint32_t>(std::min(*character, most))};
+    return Position{static_cast<std::uint32_t>(std::min(line, most)),
+                    static_cast<std::uint32_t>(std::min(character, most))};
 }
 
 std::optional<Range> FindRange(const Json& json, const std::string& path) {
     const auto start = FindPosition(json, path + "/start");
     const auto end = FindPosition(json, path + "/end");
     return start && end ? std::optional(Range{*start, *end}) : std::nullopt;
-}
-
-void to_json(Json& json, const Position& position) {
-    json = {{"line", position.line}, {"character", position.character}};
-}
-
-void to_json(Json& json, const Range& range) {
-    json = {{"start", range.start}, {"end", range.end}};
 }
 
 }  // namespace korv

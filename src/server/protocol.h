@@ -1,5 +1,5 @@
 /// The protocol: positions in a text as editors count them, the refusal of a request, and the
-/// reading of parameters. What has another type than the protocol requires counts as missing.
+/// reading of parameters. A parameter of the wrong type counts as missing.
 #pragma once
 
 #include <compare>
@@ -32,17 +32,20 @@ struct Range {
     bool operator==(const Range&) const = default;
 };
 
-/// Units of the first `column` bytes of `line`. A byte that is not UTF-8 counts as one character,
-/// as an editor shows it.
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE(Position, line, character)
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE(Range, start, end)
+
+/// The units of the first `column` bytes of `line`. A byte that is not UTF-8 counts as one
+/// character, as an editor shows it.
 [[nodiscard]] std::uint32_t UnitsOf(std::string_view line, std::size_t column,
                                     PositionEncoding encoding);
 
-/// The byte column of `character` in `line`; the end of the line for one that is beyond it, the
-/// start of the character for one inside a surrogate pair.
+/// The byte column of `character` in `line`. A position beyond the line is at its end, one inside a
+/// surrogate pair at the start of the pair.
 [[nodiscard]] std::size_t ColumnOf(std::string_view line, std::uint32_t character,
                                    PositionEncoding encoding);
 
-/// Numbers of the protocol.
+/// As the protocol numbers them.
 enum class ErrorCode : std::int32_t {
     parseError = -32700,
     invalidRequest = -32600,
@@ -53,36 +56,39 @@ enum class ErrorCode : std::int32_t {
     requestFailed = -32803,
 };
 
-/// Thrown where a request has no result; the client shows the message to a person.
+/// Thrown if a request has no result; the client shows the message to the user.
 struct RequestError {
     ErrorCode code = ErrorCode::requestFailed;
     std::string message;
 };
 
-/// The refusal of a request without the parameter at `path`.
+/// The refusal of a request that lacks the parameter at `path`.
 [[nodiscard]] RequestError Missing(std::string path);
 
-/// The value at a path, such as "/textDocument/uri"; null if there is none of this type, which is
-/// one that a `Json` holds.
+/// The value at a path, such as "/textDocument/uri"; JSON's null if there is none.
+[[nodiscard]] const Json& At(const Json& json, const std::string& path);
+/// The same for a value of one of the types that a `Json` holds; null if there is none.
 template <typename Value>
 [[nodiscard]] const Value* Find(const Json& json, const std::string& path) {
-    const Json::json_pointer pointer(path);
-    return json.contains(pointer) ? json[pointer].get_ptr<const Value*>() : nullptr;
+    return At(json, path).get_ptr<const Value*>();
 }
-/// The same for a value that the request cannot do without.
+/// A value that the request cannot do without.
 template <typename Value>
 [[nodiscard]] const Value& Get(const Json& json, const std::string& path) {
     const Value* const found = Find<Value>(json, path);
     return found != nullptr ? *found : throw Missing(path);
+}
+/// A value with a default.
+template <typename Value>
+[[nodiscard]] Value Get(const Json& json, const std::string& path, const Value& otherwise) {
+    const Value* const found = Find<Value>(json, path);
+    return found != nullptr ? *found : otherwise;
 }
 /// The strings at `path` in the elements of the list at `listPath`.
 [[nodiscard]] Strings StringsOf(const Json& json, const std::string& listPath,
                                 const std::string& path = "");
 [[nodiscard]] std::optional<Position> FindPosition(const Json& json, const std::string& path);
 [[nodiscard]] std::optional<Range> FindRange(const Json& json, const std::string& path);
-
-void to_json(Json& json, const Position& position);
-void to_json(Json& json, const Range& range);
 
 /// A change of a text.
 [[nodiscard]] inline Json TextEdit(const Range& range, std::string_view newText) {
@@ -92,7 +98,7 @@ void to_json(Json& json, const Range& range);
     return {{"kind", "markdown"}, {"value", text}};
 }
 
-/// As the client gets it. What is no character in a text of the source becomes U+FFFD.
+/// The text that is sent. Bytes that are not UTF-8, from a source, become U+FFFD.
 [[nodiscard]] inline std::string TextOf(const Json& json) {
     return json.dump(/*indent=*/-1, ' ', /*ensure_ascii=*/false, Json::error_handler_t::replace);
 }

@@ -1,4 +1,5 @@
-// The loop of the server: in which order messages are taken, and when it analyses and publishes.
+// The loop of the server: the order in which messages are handled, and when it analyses and
+// publishes.
 
 #include "server/server.h"
 
@@ -8,71 +9,56 @@
 namespace korv {
 namespace {
 
-// A reply to the request with that `id`; `key` is "result" or "error".
+// The reply to the request with that `id`; `key` is "result" or "error".
 std::string ReplyText(const Json& id, const char* key, const Json& value) {
     return R"({"jsonrpc":"2.0","id":)" + TextOf(id) + ",\"" + key + "\":" + TextOf(value) + "}";
 }
 
 }  // namespace
 
-Server::Server(Channel* channel, std::string version)
-    : stream(channel), version(std::move(version)) {}
-
-// Reads a message into the queue. A request that is cancelled before its turn is refused.
-void Server::Enqueue(std::string_view text) {
-    Json message = Json::parse(text, /*cb=*/nullptr, /*allow_exceptions=*/false);
-    const auto* const method = Find<std::string>(message, "/method");
-    if (method != nullptr && *method == "$/cancelRequest") {
-        for (Queued& each : queue) {
-            const bool isIt = each.message.contains("id") && message.contains("params") &&
-                              message["params"].contains("id") &&
-                              each.message["id"] == message["params"]["id"];
-            each.isCancelled = each.isCancelled || isIt;
-        }
-    }
-    queue.push_back({std::move(message)});
-}
-
-// The next message; none: the input has ended. What is waiting is read first, so that a request to
-// cancel another one comes in time. When nothing is waiting, there is time to analyse.
-std::optional<Server::Queued> Server::NextMessage() {
-    constexpr std::size_t longestQueue = 1000;
-    while (queue.size() < longestQueue) {
-        const auto text = stream.Read(MessageStream::Wait::no);
-        if (!text) {
-            break;
-        }
-        Enqueue(*text);
-    }
-    if (queue.empty()) {
-        Update();
-        const auto text = stream.Read(MessageStream::Wait::yes);
-        if (!text) {
-            return std::nullopt;
-        }
-        Enqueue(*text);
-    }
-    Queued next = std::move(queue.front());
-    queue.pop_front();
-    return next;
-}
+Server::Server(platform::Connection* connection, std::string version)
+    : stream(connection), version(std::move(version)) {}
 
 int Server::Run() {
-    while (phase != Phase::ended) {
-        const auto next = NextMessage();
-        if (!next) {
-            break;
-        }
-        Take(*next);
+    while (phase != Phase::ended && FillQueue()) {
+        const Json next = std::move(queue.front());
+        queue.pop_front();
+        Take(next);
     }
     return status;
 }
 
-void Server::Take(const Queued& queued) {
-    const Json& message = queued.message;
+// Reads all messages that are waiting, so that one that cancels a request is seen before the
+// request is handled. If there is none, there is time to analyse before the next one. False: the
+// input has ended.
+bool Server::FillQueue() {
+    constexpr std::size_t longestQueue = 1000;
+    while (queue.size() < longestQueue) {
+        auto text = stream.Read(MessageStream::Wait::no);
+        if (!text && queue.empty()) {
+            Update();
+            text = stream.Read(MessageStream::Wait::yes);
+        }
+        if (!text) {
+            break;
+        }
+        queue.push_back(Json::parse(*text, /*cb=*/nullptr, /*allow_exceptions=*/false));
+    }
+    return !queue.empty();
+}
+
+// Whether a waiting message cancels the request.
+bool Server::IsCancelled(const Json& id) const {
+    const Json method = "$/cancelRequest";
+    return std::ranges::any_of(queue, [&](const Json& each) {
+        return At(each, "/method") == method && At(each, "/params/id") == id;
+    });
+}
+
+void Server::Take(const Json& message) {
     const bool hasId = message.contains("id");
     if (hasId && (message.contains("result") || message.contains("error"))) {
-        return;  // the answer to a request of ours, which needs none
+        return;  // the reply to a request of the server, which does not need it
     }
     const bool isIdProper = hasId && (message["id"].is_string() || message["id"].is_number());
     const Json id = isIdProper ? message["id"] : Json();
@@ -86,55 +72,48 @@ void Server::Take(const Queued& queued) {
             throw RequestError{ErrorCode::invalidRequest,
                                "the message has no method or no proper id"};
         }
-        if (queued.isCancelled) {
+        if (hasId && IsCancelled(id)) {
             throw RequestError{ErrorCode::requestCancelled, "cancelled by the client"};
         }
-        const Json none;
-        const Json result = Answer(*method, message.contains("params") ? message["params"] : none);
+        const Json result = Answer(*method, At(message, "/params"));
         if (!isNotification) {
             stream.Write(ReplyText(id, "result", result));
         }
     } catch (const RequestError& error) {
-        if (!isNotification) {  // of which nobody is told what became of it
+        if (!isNotification) {  // which has no reply
             stream.Write(
                 ReplyText(id, "error", {{"code", error.code}, {"message", error.message}}));
         }
     }
 }
 
-void Server::Notify(const char* method, const Json& parameters) {
-    stream.Write(TextOf({{"jsonrpc", "2.0"}, {"method", method}, {"params", parameters}}));
-}
-
+// Analyses what has changed. Then sends the diagnostics of files in which they have changed, and of
+// all documents that have changed.
 void Server::Update() {
-    if (programs.IsStale()) {
-        programs.Update();
-        Publish();
+    if (!programs.IsStale()) {
+        return;
     }
-}
-
-// Sends the diagnostics of files where they have changed, and of all documents that have changed.
-void Server::Publish() {
-    std::map<std::string, Json> next;
+    programs.Update();
+    const auto publish = [this](const Json& parameters) {
+        stream.Write(TextOf({{"jsonrpc", "2.0"},
+                             {"method", "textDocument/publishDiagnostics"},
+                             {"params", parameters}}));
+    };
+    auto previous = std::exchange(published, {});
     for (const auto& [path, list] : programs.Diagnostics()) {
         const Document* const document = documents.Find(path);
         const std::string uri = documents.UriOf(path);
-        next[uri] = {{"uri", uri}, {"diagnostics", list}};
-        if (document != nullptr && document->version) {
-            next[uri]["version"] = *document->version;
+        Json& parameters = published[uri] = {{"uri", uri}, {"diagnostics", list}};
+        if (document != nullptr && !document->version.is_null()) {
+            parameters["version"] = document->version;
+        }
+        const auto before = previous.extract(uri);
+        if (before.empty() || before.mapped() != parameters) {
+            publish(parameters);
         }
     }
-    const std::map<std::string, Json> previous = std::exchange(published, std::move(next));
     for (const auto& [uri, parameters] : previous) {
-        if (!published.contains(uri)) {
-            Notify(publishDiagnostics, {{"uri", uri}, {"diagnostics", Json::array()}});
-        }
-    }
-    for (const auto& [uri, parameters] : published) {
-        const auto before = previous.find(uri);
-        if (before == previous.end() || before->second != parameters) {
-            Notify(publishDiagnostics, parameters);
-        }
+        publish({{"uri", uri}, {"diagnostics", Json::array()}});
     }
 }
 

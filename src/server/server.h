@@ -1,17 +1,15 @@
-/// The language server: reads the messages of a client, keeps the programs of its documents up to
-/// date, and answers.
+/// The language server: reads the messages of a client, keeps the analyses of its documents up to
+/// date, and replies.
 ///
-/// Changes that are waiting in the input are folded: nothing is analysed as long as there is a
-/// further message to read, unless a request needs the result. One thread does it all, since the
-/// assembler runs once at a time in a process.
+/// As long as there is a further message to read, nothing is analysed unless a request needs the
+/// result, so a series of changes needs one analysis. There is one thread, since a process can run
+/// only one assembler at a time.
 #pragma once
 
 #include <cstdint>
 #include <deque>
 #include <map>
-#include <optional>
 #include <string>
-#include <string_view>
 
 #include "server/documents.h"
 #include "server/programs.h"
@@ -20,35 +18,26 @@
 
 namespace korv {
 
+struct Feature;  // a row of the table in methods.cpp
+
 class Server {
   public:
-    /// `channel` is not owned.
-    Server(Channel* channel, std::string version);
+    /// `connection` is not owned.
+    Server(platform::Connection* connection, std::string version);
 
     /// Serves until the client ends it. Result: the exit status, 0 after the requests `shutdown`
     /// and `exit`, else 1.
     [[nodiscard]] int Run();
     /// Why `Run` has ended early; empty: the client ended it.
     [[nodiscard]] const std::string& Failure() const { return stream.Failure(); }
-    /// For tests.
-    [[nodiscard]] std::uint64_t AnalysisCount() const { return programs.AnalysisCount(); }
 
   private:
-    struct Queued {
-        Json message;
-        bool isCancelled = false;
-    };
-    struct Feature;  // a row of the table in methods.cpp
-
-    [[nodiscard]] std::optional<Queued> NextMessage();
-    void Enqueue(std::string_view text);
-    void Take(const Queued& queued);
+    [[nodiscard]] bool FillQueue();
+    [[nodiscard]] bool IsCancelled(const Json& id) const;
+    void Take(const Json& message);
     [[nodiscard]] Json Answer(const std::string& method, const Json& parameters);
     [[nodiscard]] Json AnswerFeature(const Feature& feature, const Json& parameters);
-    static constexpr const char* publishDiagnostics = "textDocument/publishDiagnostics";
-    void Notify(const char* method, const Json& parameters);
     void Update();
-    void Publish();
     [[nodiscard]] std::string PathOf(const std::string& uri);
     [[nodiscard]] std::string PathOfDocument(const Json& parameters);
 
@@ -67,8 +56,7 @@ class Server {
     Documents documents;
     Workspace workspace{&documents};
     Programs programs{&documents, &workspace};
-    PositionEncoding encoding = PositionEncoding::utf16;
-    std::deque<Queued> queue;               // read, and not yet taken
+    std::deque<Json> queue;                 // messages that were read and are not handled yet
     std::map<std::string, Json> published;  // parameters with diagnostics, by URI
     enum class Phase : std::uint8_t { created, initialized, shutDown, ended };
     Phase phase = Phase::created;

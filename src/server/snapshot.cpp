@@ -9,55 +9,39 @@
 namespace korv {
 namespace {
 
-void AddStatements(const Analysis& analysis, PlaceIndex* index) {
-    index->statements.resize(analysis.files.size());
+// The label at `start` of a line. A name has one definition; others are skipped or refused.
+void AddLabel(const Analysis& analysis, Place start, PlaceIndex* index) {
+    const std::string_view line = analysis.LineOf(start);
+    const auto end = std::ranges::find_if_not(line, [](char c) { return HasClass(c, CC_NAME); });
+    const std::string label = Raised({line.begin(), end});
+    const Name* const name = FindName(analysis, label);
+    if (name != nullptr && FindKeyword(label) == nullptr) {
+        start.length = static_cast<std::uint32_t>(label.size());
+        index->Add({name, start, /*isDefinition=*/true});
+    }
+}
+
+PlaceIndex IndexOf(const Analysis& analysis) {
+    PlaceIndex index;
+    for (const Name& name : analysis.names) {
+        if (name.definition.IsSomewhere()) {
+            index.Add({&name, name.definition, /*isDefinition=*/true});
+        }
+        for (const NameUse& use : name.uses) {
+            index.Add({&name, use.place, /*isDefinition=*/false});
+        }
+    }
+    index.statements.resize(analysis.files.size());
     std::vector<std::int32_t> first(analysis.files.size(), noIndex);  // opening, by file
     for (const Statement& statement : analysis.statements) {
         const Opening& opening = analysis.openings[static_cast<std::size_t>(statement.opening)];
         const auto file = static_cast<std::size_t>(opening.file);
         first[file] = first[file] == noIndex ? statement.opening : first[file];
         if (statement.opening == first[file]) {
-            index->statements[file].push_back(&statement);
+            index.statements[file].push_back(&statement);
+            AddLabel(analysis, {opening.file, statement.line}, &index);
         }
     }
-}
-
-// The labels at the start of lines, since a name has one definition only: there may be others,
-// which are skipped or refused.
-void AddLabels(const Analysis& analysis, PlaceIndex* index) {
-    for (std::size_t i = 0; i < analysis.files.size(); ++i) {
-        const StoredText& text = *analysis.files[i].text;
-        for (const Statement* const statement : index->statements[i]) {
-            std::string_view label = text.Line(statement->line);
-            const auto end =
-                std::ranges::find_if_not(label, [](char c) { return HasClass(c, CC_NAME); });
-            label = {label.begin(), end};
-            if (label.empty() || FindKeyword(Raised(label)) != nullptr) {
-                continue;
-            }
-            if (const Name* const name = FindName(analysis, Raised(label))) {
-                index->Add({static_cast<std::int32_t>(name - analysis.names.data()),
-                            {static_cast<std::int32_t>(i), statement->line, 0,
-                             static_cast<std::uint32_t>(label.size())},
-                            /*isDefinition=*/true});
-            }
-        }
-    }
-}
-
-PlaceIndex IndexOf(const Analysis& analysis) {
-    PlaceIndex index;
-    AddStatements(analysis, &index);
-    for (std::size_t i = 0; i < analysis.names.size(); ++i) {
-        const auto number = static_cast<std::int32_t>(i);
-        if (analysis.names[i].definition.IsSomewhere()) {
-            index.Add({number, analysis.names[i].definition, /*isDefinition=*/true});
-        }
-        for (const NameUse& use : analysis.names[i].uses) {
-            index.Add({number, use.place, /*isDefinition=*/false});
-        }
-    }
-    AddLabels(analysis, &index);
     return index;
 }
 
@@ -78,17 +62,21 @@ std::int32_t Snapshot::FileOf(std::string_view path) const {
                : static_cast<std::int32_t>(found - analysis->files.begin());
 }
 
+Place Snapshot::RestOf(std::int32_t file, std::int32_t line, std::uint32_t column) const {
+    return {file, line, column, static_cast<std::uint32_t>(Text(file).Line(line).size()) - column};
+}
+
 Range Snapshot::RangeOf(const Place& place) const {
-    const std::string_view line = Line(place.file, place.line);
+    const std::string_view line = analysis->LineOf(place);
     const auto number = static_cast<std::uint32_t>(std::max(place.line, 1) - 1);
     return {{number, UnitsOf(line, place.column, encoding)},
             {number, UnitsOf(line, place.column + place.length, encoding)}};
 }
 
 Place Snapshot::PlaceOf(std::int32_t file, Position position) const {
-    const auto last = static_cast<std::uint32_t>(File(file).text->LineCount());
+    const auto last = static_cast<std::uint32_t>(Text(file).LineCount());
     const auto line = static_cast<std::int32_t>(std::min(position.line, last)) + 1;
-    const std::size_t column = ColumnOf(Line(file, line), position.character, encoding);
+    const std::size_t column = ColumnOf(Text(file).Line(line), position.character, encoding);
     return {file, line, static_cast<std::uint32_t>(column), 0};
 }
 
@@ -97,16 +85,14 @@ bool Covers(const Place& wide, const Place& place) {
            place.column <= wide.column + wide.length;
 }
 
-std::optional<NameAt> FindNameAt(const Snapshot& snapshot, const Place& place) {
+const NameAt* FindNameAt(const Snapshot& snapshot, const Place& place) {
     const auto& names = snapshot.Index().names;
-    const auto next = names.upper_bound({place.file, place.line, place.column});
-    if (next == names.begin() || !Covers(std::prev(next)->second.place, place)) {
-        return std::nullopt;
-    }
-    return std::prev(next)->second;
+    const auto next = names.upper_bound(place);
+    const bool isFound = next != names.begin() && Covers(std::prev(next)->second.place, place);
+    return isFound ? &std::prev(next)->second : nullptr;
 }
 
-std::vector<NameAt> OccurrencesOf(const Snapshot& snapshot, std::int32_t name) {
+std::vector<NameAt> OccurrencesOf(const Snapshot& snapshot, const Name* name) {
     std::vector<NameAt> found;
     for (const auto& [key, at] : snapshot.Index().names) {
         if (at.name == name) {
@@ -129,12 +115,6 @@ Statements StatementsIn(const Snapshot& snapshot, std::int32_t file, const Range
         all, first, {}, [](const Statement* each) { return LastLineOf(*each); });
     const auto end = std::ranges::upper_bound(begin, all.end(), last, {}, &Statement::line);
     return {begin, end};
-}
-
-const Statement* FindStatementAt(const Snapshot& snapshot, std::int32_t file, std::int32_t line) {
-    const auto number = static_cast<std::uint32_t>(line - 1);
-    const Statements here = StatementsIn(snapshot, file, {{number, 0}, {number, 0}});
-    return here.empty() ? nullptr : here.front();
 }
 
 }  // namespace korv

@@ -13,17 +13,16 @@ void MessageStream::Fail(std::string_view sentence) {
     isAtEnd = true;
 }
 
-// Reads what there is of the input. False: it has ended.
-bool MessageStream::Fill() {
+// Reads what has arrived of the input, or waits for it.
+void MessageStream::Fill() {
     std::array<char, 65536> block;
-    const std::size_t count = channel->Read(block.data(), block.size());
+    const std::size_t count = connection->Read(block.data(), block.size());
     isAtEnd = count == 0;
     if (taken > input.size() / 2) {
         input.erase(0, taken);
         taken = 0;
     }
     input.append(block.data(), count);
-    return !isAtEnd;
 }
 
 void MessageStream::TakeField(std::string_view line) {
@@ -44,57 +43,51 @@ void MessageStream::TakeField(std::string_view line) {
     }
 }
 
-// Takes the header of the next message, as soon as it is whole. False: it is not.
+// Takes the header of the next message. False: it has not arrived completely.
 bool MessageStream::TakeHeader() {
     constexpr std::size_t longestHeader = 4096;
     constexpr std::string_view lineEnd = "\r\n";
-    while (!isAtEnd) {
-        const std::string_view rest = std::string_view(input).substr(taken);
-        const std::size_t end = rest.find(lineEnd);
-        if (end == std::string_view::npos || end > longestHeader) {
-            if (rest.size() > longestHeader) {
-                Fail("the input is not in messages with a Content-Length");
-            }
-            return false;
-        }
-        taken += end + lineEnd.size();
-        if (end != 0) {
-            TakeField(rest.substr(0, end));
-        } else if (length) {
-            return true;
-        } else {
-            Fail("a message has no Content-Length");
-        }
+    const std::string_view rest = std::string_view(input).substr(taken);
+    const std::size_t size = rest.find("\r\n\r\n");
+    if (std::min(size, rest.size()) > longestHeader) {
+        Fail("the input is not in messages with a Content-Length");
     }
-    return false;
+    if (isAtEnd || size == std::string_view::npos) {
+        return false;
+    }
+    std::string_view header = rest.substr(0, size + lineEnd.size());
+    while (!header.empty() && !isAtEnd) {
+        const std::size_t end = header.find(lineEnd);
+        TakeField(header.substr(0, end));
+        header.remove_prefix(end + lineEnd.size());
+    }
+    if (!length && !isAtEnd) {
+        Fail("a message has no Content-Length");
+    }
+    taken += size + 2 * lineEnd.size();
+    return !isAtEnd;
 }
 
 std::optional<std::string> MessageStream::Read(Wait wait) {
-    for (;;) {
-        if (isAtEnd) {
-            return std::nullopt;
+    while (!isAtEnd) {
+        if ((length || TakeHeader()) && input.size() - taken >= *length) {
+            std::string message = input.substr(taken, *length);
+            taken += *length;
+            length.reset();
+            return message;
         }
-        if (hasHeader || (hasHeader = TakeHeader())) {
-            if (input.size() - taken >= *length) {
-                std::string message = input.substr(taken, *length);
-                taken += *length;
-                length.reset();
-                hasHeader = false;
-                return message;
-            }
+        if (isAtEnd || (wait == Wait::no && !connection->IsInputWaiting())) {
+            break;
         }
-        if (isAtEnd || (wait == Wait::no && !channel->IsInputWaiting()) || !Fill()) {
-            return std::nullopt;
-        }
+        Fill();
     }
+    return std::nullopt;
 }
 
 void MessageStream::Write(std::string_view message) {
     std::string header = "Content-Length: " + std::to_string(message.size()) + "\r\n\r\n";
-    // In one piece: a client that reads by the block gets whole messages.
-    if (!channel->Write(header.append(message))) {
-        isAtEnd = true;
-    }
+    // In one piece: a client that reads block by block gets whole messages.
+    isAtEnd |= !connection->Write(header.append(message));
 }
 
 }  // namespace korv

@@ -31,7 +31,7 @@ std::string Unescaped(std::string_view text) {
 }
 
 bool IsPlain(char c) {
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') ||
+    return HasClass(c, CC_LETTER | CC_DIGIT) ||
            std::string_view("-._~/").find(c) != std::string_view::npos;
 }
 

@@ -3,12 +3,10 @@
 #include <algorithm>
 #include <filesystem>
 #include <system_error>
-#include <utility>
 
 #include "codegen/handlers.h"
 #include "codegen/keywords.h"
 #include "frontend/argument_files.h"
-#include "frontend/file_store.h"
 #include "frontend/statement_view.h"
 #include "source/char_class.h"
 
@@ -17,13 +15,13 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// A search through folders of other things has to end. No source is that long, and no folder of a
-// program has that many files.
+// Limits of the search through folders, which may contain anything. No source is that long, and no
+// folder of a program has that many files.
 constexpr std::size_t longestSource = 1024 * 1024;
 constexpr std::size_t mostFiles = 2000;
 constexpr int deepestInclude = 16;
 
-// Narrow characters would be those of some other code where names are wide.
+// By way of UTF-8: where the system's names are wide, narrow characters are in another encoding.
 fs::path PathOf(const std::string& name) {
     return std::u8string(name.begin(), name.end());
 }
@@ -33,12 +31,17 @@ std::string NameOf(const fs::path& path) {
     return {name.begin(), name.end()};
 }
 
-std::string DirectoryOf(const std::string& path) {
-    std::string parent(platform::SplitPath(path).directory);
-    if (parent.size() > 1 && parent.size() > platform::DriveLength(parent) + 1) {
-        parent.pop_back();  // the separator
+// Without a separator at its end, unless it is a root.
+std::string Trimmed(std::string folder) {
+    const bool isRoot = folder.size() <= platform::DriveLength(folder) + 1;
+    if (!isRoot && (folder.ends_with('/') || folder.ends_with('\\'))) {
+        folder.pop_back();
     }
-    return parent;
+    return folder;
+}
+
+std::string DirectoryOf(const std::string& path) {
+    return Trimmed(std::string(platform::SplitPath(path).directory));
 }
 
 bool IsIn(const std::string& path, const std::string& folder) {
@@ -46,7 +49,7 @@ bool IsIn(const std::string& path, const std::string& folder) {
            (folder.ends_with('/') || path[folder.size()] == '/' || path[folder.size()] == '\\');
 }
 
-// What is in a folder, in the order of the names.
+// The contents of a folder, by name.
 std::vector<fs::directory_entry> EntriesOf(const fs::path& folder) {
     std::vector<fs::directory_entry> entries;
     std::error_code error;
@@ -88,16 +91,12 @@ std::string Workspace::FullPath(const std::string& name, const std::string& fold
 }
 
 void Workspace::AddFolder(const std::string& path) {
-    std::string folder = FullPath(path);
-    if (folder.size() > 1 && (folder.ends_with('/') || folder.ends_with('\\'))) {
-        folder.pop_back();
-    }
-    folders.push_back(std::move(folder));
+    folders.push_back(Trimmed(path));
     Forget();
 }
 
 void Workspace::RemoveFolder(const std::string& path) {
-    std::erase(folders, FullPath(path));
+    std::erase(folders, Trimmed(path));
     Forget();
 }
 
@@ -107,12 +106,10 @@ bool Workspace::SetSettings(const Json& settings) {
         return false;
     }
     words = StringsOf(section, "/arguments");
-    const auto* const main = Find<std::string>(section, "/main");
-    if (main != nullptr && !main->empty()) {
-        words.push_back(*main);
+    if (const auto main = Get<std::string>(section, "/main", ""); !main.empty()) {
+        words.push_back(main);
     }
-    const auto* const hints = Find<std::string>(section, "/inlayHints");
-    inlayHints = hints == nullptr ? "none" : *hints;
+    inlayHints = Get<std::string>(section, "/inlayHints", "none");
     Forget();
     return true;
 }
@@ -123,21 +120,16 @@ void Workspace::Forget() {
     includes.clear();
 }
 
-std::string Workspace::FolderOf(const std::string& path) {
-    std::string longest;
-    for (const std::string& folder : folders) {
-        if (IsIn(path, folder) && folder.size() > longest.size()) {
-            longest = folder;
-        }
-    }
-    return longest.empty() ? DirectoryOf(path) : longest;
-}
-
 // The folder of the file, and those above it up to the workspace folder.
 Strings Workspace::FoldersUpFrom(const std::string& path) {
-    const std::string last = FolderOf(path);
+    std::string top;  // the longest workspace folder
+    for (const std::string& folder : folders) {
+        if (IsIn(path, folder) && folder.size() > top.size()) {
+            top = folder;
+        }
+    }
     Strings found = {DirectoryOf(path)};
-    while (found.back() != last && IsIn(found.back(), last)) {
+    while (!top.empty() && IsIn(found.back(), top)) {
         found.push_back(DirectoryOf(found.back()));
     }
     return found;
@@ -169,15 +161,14 @@ Configuration Workspace::ReadConfiguration(const std::string& argumentFile, cons
 }
 
 Configuration Workspace::FindConfiguration(const std::string& path) {
-    if (words.empty()) {
-        for (const std::string& folder : FoldersUpFrom(path)) {
-            const platform::FoundPath file = directory.FullPath(folder + "/" + argumentFileName);
-            if (file.isFile) {
-                return ReadConfiguration(file.path, folder, {std::string("@") + argumentFileName});
-            }
+    const Strings above = FoldersUpFrom(path);
+    for (const std::string& folder : words.empty() ? above : Strings()) {
+        const platform::FoundPath file = directory.FullPath(folder + "/" + argumentFileName);
+        if (file.isFile) {
+            return ReadConfiguration(file.path, folder, {std::string("@") + argumentFileName});
         }
     }
-    return ReadConfiguration("", FolderOf(path), words);
+    return ReadConfiguration("", above.back(), words);
 }
 
 const Configuration& Workspace::ConfigurationOf(const std::string& path) {
@@ -192,10 +183,8 @@ const Strings& Workspace::IncludesOf(const std::string& path) {
     const auto [at, isNew] = includes.try_emplace(path);
     if (isNew) {
         FileStore store;
-        if (const FileStore::Text open = documents->TextOf(path)) {
-            store.SetText(open);
-        }
-        (void)store.Open(path, 0);  // reads it, if it is on the disk only
+        documents->AddTo(&store);
+        (void)store.Open(path, 0);  // reads it, if it is not open
         const FileStore::Text text = store.TextOf(path);
         for (const std::string& name : text == nullptr ? Strings() : IncludedNames(*text)) {
             at->second.push_back(FullPath(name, DirectoryOf(path)));

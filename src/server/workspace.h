@@ -1,6 +1,5 @@
-/// Which program a file is part of, as far as settings, argument files and the sources on the disk
-/// tell; see `Programs` for what analyses tell. The folders are searched again after each `Forget`
-/// only.
+/// Which program a file is part of according to settings, argument files and the sources on the
+/// disk; `Programs` adds what analyses show. Results are kept until the next `Forget`.
 #pragma once
 
 #include <map>
@@ -21,41 +20,40 @@ struct Configuration {
     /// make and CI run korv-as there; for the settings it is the workspace folder.
     std::string directory;
     std::string source;   ///< full path of the source; empty: the words name none
-    Options options;      ///< without a source those of each file that is a program by itself
-    std::string failure;  ///< why the words are of no use; empty: they are
+    Options options;      ///< without a source, those of each file that is a program by itself
+    std::string failure;  ///< why the words cannot be used; empty: they can
 };
 
 class Workspace {
   public:
-    /// The name of an argument file that is looked for.
+    /// The name of an argument file.
     static constexpr const char* argumentFileName = "korv-as.args";
 
     /// `documents` is not owned.
     explicit Workspace(Documents* documents) : documents(documents) {}
 
+    /// `path` is full.
     void AddFolder(const std::string& path);
     void RemoveFolder(const std::string& path);
-    /// `settings` are section "korv" of the client's, or hold it. False: they are neither.
+    /// `settings` are section "korv" of those of the client, or contain it. False: neither.
     bool SetSettings(const Json& settings);
     /// "none", "address" or "addressAndBytes".
     [[nodiscard]] const std::string& InlayHints() const { return inlayHints; }
 
-    /// The full path of a name, spelled as on disk. A relative one is one in `folder`; empty: in
-    /// the current directory.
+    /// The full path of a name, spelled as on disk. A relative name is one in `folder`, or in the
+    /// current directory if that is empty.
     [[nodiscard]] std::string FullPath(const std::string& name, const std::string& folder = "");
-    /// The workspace folder that the file at `path` is in, or else the folder of the file.
-    [[nodiscard]] std::string FolderOf(const std::string& path);
 
     /// What applies to the file at `path`: the settings if they have words, else the nearest
     /// argument file, else nothing.
     [[nodiscard]] const Configuration& ConfigurationOf(const std::string& path);
-    /// The file that includes the one at `path`, directly or by others, and that no file includes;
-    /// `path` itself if there is none. Searched: the folder of the file and those above it, up to
-    /// the workspace folder.
+    /// The file that includes the one at `path`, directly or through others, and that no file
+    /// includes; `path` itself if there is none. Searched: the folder of the file and those above
+    /// it, up to the workspace folder.
     [[nodiscard]] const std::string& IncluderOf(const std::string& path);
 
-    /// The names in the folder `name` relative to that of the file at `path`; those of folders end
-    /// with a slash.
+    /// The names in the folder `name`, which is relative to the folder of the file at `path`. Names
+    /// of folders end with a slash.
     [[nodiscard]] Strings FilesIn(const std::string& path, const std::string& name);
 
     /// Files have been created, changed, or removed.

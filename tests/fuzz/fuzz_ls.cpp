@@ -10,6 +10,7 @@
 
 #include "frontend/analyser.h"
 #include "frontend/file_store.h"
+#include "frontend/symbol_formats.h"
 #include "server/features/features.h"
 #include "server/server.h"
 #include "source/source_file.h"
@@ -71,7 +72,7 @@ std::string UriOf(const std::string& path) {
     return "file://" + path;
 }
 
-class Client : public korv::Channel {
+class Client : public korv::platform::Connection {
   public:
     Client(const std::string& switches, Texts sources, std::string script)
         : sources(std::move(sources)), script(std::move(script)) {
@@ -98,7 +99,7 @@ class Client : public korv::Channel {
         Open(mainPath);
     }
 
-    bool IsInputWaiting() override { return !input.empty(); }
+    bool IsInputWaiting() const override { return !input.empty(); }
     // Is called without input only when all that was sent has been handled.
     std::size_t Read(char* buffer, std::size_t count) override {
         if (input.empty()) {
@@ -252,8 +253,10 @@ class Client : public korv::Channel {
             return;
         }
         const bool hasAddresses = options.format == korv::ImageFormat::hex || !options.debug.empty();
-        const auto analysis = std::make_shared<const korv::Analysis>(AnalysisOf(
-            texts, {.statements = hasAddresses, .names = options.warnings.IsOn(korv::Warning::unusedLabel)}));
+        const bool hasNames = options.warnings.IsOn(korv::Warning::unusedLabel) || !options.symbols.empty();
+        const auto analysis =
+            std::make_shared<korv::Analysis>(AnalysisOf(texts, {.statements = hasAddresses, .names = hasNames}));
+        SymbolFileText(options, analysis.get());  // for its warning
         korv::Snapshot snapshot{analysis, {}, Encoding(), nullptr};
         for (const korv::SourceFile& file : analysis->files) {
             snapshot.uris.push_back(UriOf(file.text->Path()));

@@ -12,7 +12,7 @@ std::string ReasonOf(int error) {
     return std::error_code(error, std::system_category()).default_error_condition().message();
 }
 
-std::size_t StandardConnection::Read(void* buffer, std::size_t count) {
+std::size_t StandardConnection::Read(char* buffer, std::size_t count) {
     const std::ptrdiff_t got = ReadSome(/*handle=*/0, buffer, std::min(count, mostAtOnce));
     return got < 0 ? 0 : static_cast<std::size_t>(got);
 }

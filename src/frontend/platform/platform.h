@@ -26,20 +26,27 @@ namespace korv::platform {
 /// From here on `stream`, a standard stream, is one of bytes, whose line ends nobody changes.
 void MakeBinary(std::FILE* stream);
 
-/// Standard input and output as a connection with another program: bytes, without the buffers of
-/// the library. From its construction on, whatever else the process prints on standard output is
-/// written to standard error. One at a time.
-class StandardConnection {
+/// A connection with another program, as bytes. Tests have one of their own.
+class Connection {
   public:
-    StandardConnection();
-
+    virtual ~Connection() = default;
     /// Whether a `Read` has a result at once: bytes, or the end of the input.
-    [[nodiscard]] bool IsInputWaiting() const;
+    [[nodiscard]] virtual bool IsInputWaiting() const = 0;
     /// Reads up to `count` bytes, waiting for the first. Result: their number; 0 at the end of the
     /// input, and when it fails.
-    [[nodiscard]] std::size_t Read(void* buffer, std::size_t count);
+    [[nodiscard]] virtual std::size_t Read(char* buffer, std::size_t count) = 0;
     /// Writes all of `bytes`. False: that fails.
-    [[nodiscard]] bool Write(std::string_view bytes);
+    [[nodiscard]] virtual bool Write(std::string_view bytes) = 0;
+};
+
+/// Standard input and output, without the buffers of the library. From its construction on,
+/// whatever else the process prints on standard output is written to standard error. One at a time.
+class StandardConnection : public Connection {
+  public:
+    StandardConnection();
+    [[nodiscard]] bool IsInputWaiting() const override;
+    [[nodiscard]] std::size_t Read(char* buffer, std::size_t count) override;
+    [[nodiscard]] bool Write(std::string_view bytes) override;
 
   private:
     FileHandle output;

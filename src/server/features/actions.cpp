@@ -1,11 +1,6 @@
-#include <algorithm>
 #include <map>
 #include <set>
-#include <string>
-#include <string_view>
-#include <tuple>
 #include <utility>
-#include <vector>
 
 #include "frontend/message_printer.h"
 #include "server/features/features.h"
@@ -13,31 +8,26 @@
 namespace korv {
 namespace {
 
-// Changes by the URIs of their files.
-using Changes = std::map<std::string, std::vector<std::pair<Range, std::string>>>;
-
-// The edits of `messages`. An editor takes no changes that overlap: of these the first one stays.
-// They occur where two messages propose to change one word.
+// The edits of `messages`. An editor refuses edits that overlap; they occur if two messages propose
+// to change one word. The first of them is kept.
 Json EditOf(const Snapshot& snapshot, const std::vector<const Message*>& messages) {
-    Changes changes;
+    std::map<Place, const Edit*> edits;  // by their starts, without lengths
     for (const Message* const message : messages) {
         for (const Edit& each : message->edits) {
-            changes[snapshot.UriOf(each.place.file)].emplace_back(snapshot.RangeOf(each.place),
-                                                                  each.text);
+            const Place& at = each.place;
+            edits.try_emplace({at.file, at.line, at.column}, &each);
         }
     }
-    Json byUri;
-    for (auto& [uri, list] : changes) {
-        std::ranges::stable_sort(list, {}, [](const auto& change) { return change.first.start; });
-        const Range* last = nullptr;
-        for (const auto& [range, text] : list) {
-            if (last == nullptr || (last->end <= range.start && last->start < range.start)) {
-                byUri[uri].push_back(TextEdit(range, text));
-                last = &range;
-            }
+    Json changes;
+    Place last;
+    for (const auto& [start, edit] : edits) {
+        if (!Covers(last, start) || start.column == last.column + last.length) {
+            changes[snapshot.UriOf(start.file)].push_back(
+                TextEdit(snapshot.RangeOf(edit->place), edit->text));
+            last = edit->place;
         }
     }
-    return {{"changes", byUri}};
+    return {{"changes", changes}};
 }
 
 }  // namespace
@@ -80,17 +70,15 @@ Json CodeActions(const Query& query) {
     Json actions = Json::array();
     std::map<std::string_view, std::vector<const Message*>> kinds;  // by code
     std::set<std::string_view> codesHere;
-    std::set<std::tuple<std::int32_t, std::int32_t, std::uint32_t, std::string_view>> seen;
+    std::set<std::pair<Place, std::string_view>> seen;
     for (const Message& message : snapshot.analysis->messages) {
-        const Place& at = message.place;
         // A file that is included twice has each of its messages twice.
-        if (message.edits.empty() ||
-            !seen.emplace(at.file, at.line, at.column, message.note).second) {
+        if (message.edits.empty() || !seen.emplace(message.place, message.note).second) {
             continue;
         }
         kinds[message.code].push_back(&message);
-        const std::int64_t line = at.line - 1;
-        if (at.file == query.file && line >= query.range.start.line &&
+        const std::int64_t line = message.place.line - 1;
+        if (message.place.file == query.file && line >= query.range.start.line &&
             line <= query.range.end.line) {
             codesHere.insert(message.code);
             actions.push_back({{"title", message.note},

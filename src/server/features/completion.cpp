@@ -1,24 +1,19 @@
 #include <algorithm>
 #include <array>
-#include <string>
-#include <string_view>
 #include <utility>
-#include <vector>
 
 #include "codegen/handlers.h"
 #include "codegen/keywords.h"
 #include "expr/registers.h"
-#include "expr/token.h"
 #include "frontend/instruction_forms.h"
 #include "frontend/instruction_help.h"
 #include "server/features/features.h"
-#include "server/line_prefix.h"
 #include "source/char_class.h"
 
 namespace korv {
 namespace {
 
-/// Numbers of the protocol.
+// As the protocol numbers them.
 enum class ItemKind : std::uint8_t {
     function = 3,
     variable = 6,
@@ -27,6 +22,35 @@ enum class ItemKind : std::uint8_t {
     constant = 21,
     operatorSign = 24,
 };
+
+// A line up to the cursor. It need not assemble.
+struct LinePrefix {
+    explicit LinePrefix(std::string_view typed);
+
+    std::string line;    // in capitals outside of strings
+    StatementView view;  // of `line`
+    enum class Part : std::uint8_t { label, mnemonic, operand, string, comment };
+    Part part = Part::operand;          // that the cursor is in
+    std::size_t operand = 0;            // index of the operand that the cursor is in, if any
+    std::string_view operandText = {};  // of this operand, as typed
+};
+
+LinePrefix::LinePrefix(std::string_view typed) : line(Raised(typed)), view(CutStatement(line)) {
+    const auto startOf = [this](std::string_view text) { return view.PartOf(text).offset; };
+    if (CommentStart(typed) != typed.size()) {
+        part = Part::comment;
+    } else if (std::ranges::count(typed, '"') % 2 != 0) {
+        part = Part::string;
+    } else if (view.label.size() == line.size()) {
+        part = Part::label;
+    } else if (startOf(view.mnemonic) + view.mnemonic.size() == line.size()) {
+        part = Part::mnemonic;
+    }
+    if (!view.operands.empty()) {
+        operand = view.operands.size() - 1;
+        operandText = WithoutLeadingBlanks(typed.substr(startOf(view.operands.back().text)));
+    }
+}
 
 // The forms of `mnemonic` in one line.
 std::string FormsText(std::string_view mnemonic) {
@@ -38,7 +62,7 @@ std::string FormsText(std::string_view mnemonic) {
     return text;
 }
 
-// Whether the word does nothing but be refused.
+// Whether every use of the word is an error.
 bool IsReservedOnly(const Keyword& keyword) {
     return keyword.handler == With<AnswerOnly, MSG_NOT_IMPLEMENTED> ||
            keyword.handler == With<AnswerOnly, MSG_NOT_IN_MACRO>;
@@ -48,13 +72,12 @@ class ItemList {
   public:
     explicit ItemList(const Query& query)
         : query(query),
-          line(query.LineBefore()),
-          prefix(CutPrefix(line)),
+          prefix(query.LineBefore()),
           isOpen(prefix.operandText.starts_with('(')),
-          keyword(FindKeyword(prefix.mnemonic)),
-          isSmall(std::ranges::any_of(line, [](char c) { return HasClass(c, CC_LOWER); })) {}
+          isSmall(prefix.line != query.LineBefore()) {}
 
     [[nodiscard]] Json Make() {
+        const Keyword* const keyword = prefix.view.keyword;
         const bool takesFile = keyword != nullptr && (keyword->handler == AssembleInclude ||
                                                       keyword->handler == AssembleBinclude);
         switch (prefix.part) {
@@ -68,9 +91,9 @@ class ItemList {
                     AddOperands();
                 }
                 break;
-            case LinePrefix::Part::string:  // INCLUDE takes quotes for a part of the name
+            case LinePrefix::Part::string:  // for INCLUDE, quotes are part of the name
                 if (takesFile && keyword->handler == AssembleBinclude) {
-                    AddFiles(prefix.operandText.substr(1));
+                    AddFiles(prefix.operandText.substr(prefix.operandText.find('"') + 1));
                 }
                 break;
             case LinePrefix::Part::label:
@@ -81,7 +104,7 @@ class ItemList {
     }
 
   private:
-    // `order` comes before the label where the editor sorts; without it the label decides.
+    // The editor sorts by `order`, then by label; without it by label alone.
     Json& Add(ItemKind kind, std::string label, std::string_view order = "") {
         Json item = {{"label", label}, {"kind", kind}};
         if (!order.empty()) {
@@ -89,7 +112,7 @@ class ItemList {
         }
         return items.emplace_back(std::move(item));
     }
-    // A word of the language, in the letters of what has been typed.
+    // A word of the language, in small letters if the line has some.
     Json& AddWord(ItemKind kind, std::string_view word, std::string_view order = "") {
         std::string label(word);
         for (char& c : label) {
@@ -110,32 +133,32 @@ class ItemList {
 
     void AddFiles(std::string_view typed) {
         const std::size_t end = typed.find_last_of("/\\") + 1;  // 0 where there is none
-        const std::string& path = query.snapshot.File(query.file).text->Path();
+        const std::string& path = query.snapshot.Text(query.file).Path();
         const std::string folder(typed.substr(0, end));
         for (std::string& name : query.workspace.FilesIn(path, folder)) {
             Add(ItemKind::file, std::move(name));
         }
     }
 
-    // Whether the mnemonic takes an operand that is `word`, in the parenthesis if one is open,
-    // after the operands before it.
+    // Whether `word` can be the operand after those before it, in parentheses if one is open.
     [[nodiscard]] bool May(std::string_view word) const {
-        std::string tried = Raised(line.substr(0, line.size() - prefix.operandText.size()));
+        std::string tried = prefix.line.substr(0, prefix.line.size() - prefix.operandText.size());
         tried += isOpen ? "(" + std::string(word) + ")" : word;
         return FindFaultyOperand(CutStatement(tried)) > prefix.operand;
     }
     [[nodiscard]] bool MayBeValue() const { return May("0"); }
 
     void AddOperands() {
-        const bool isFirstWord = prefix.operandText.size() == prefix.word.size() + (isOpen ? 1 : 0);
-        if (!isFirstWord) {
-            AddNames();
-            AddOperators();
-            return;
+        const bool isFirstWord = std::ranges::all_of(prefix.operandText.substr(isOpen ? 1 : 0),
+                                                     [](char c) { return HasClass(c, CC_NAME); });
+        if (isFirstWord) {
+            AddRegisters();
         }
-        AddRegisters();
-        if (MayBeValue()) {
+        if (!isFirstWord || MayBeValue()) {
             AddNames();
+        }
+        if (!isFirstWord) {
+            AddOperators();
         }
     }
 
@@ -155,7 +178,7 @@ class ItemList {
             std::ranges::for_each(std::array{"IX+0", "IY+0"}, add);
             return;
         }
-        if (!MayBeValue()) {  // where AF' would be read as one
+        if (!MayBeValue()) {  // else AF' would be read as one
             add("AF'");
         }
         std::ranges::for_each(
@@ -170,8 +193,7 @@ class ItemList {
             }
             std::string_view label = name.text;
             if (name.definition.IsSomewhere()) {  // as its definition spells it
-                const Place& at = name.definition;
-                label = query.snapshot.Line(at.file, at.line).substr(at.column, at.length);
+                label = query.snapshot.TextAt(name.definition);
             }
             const bool isLabel = name.kind == NameKind::label;
             Json& item =
@@ -189,11 +211,9 @@ class ItemList {
     }
 
     const Query& query;
-    std::string_view line;  // up to the cursor
     LinePrefix prefix;
-    bool isOpen;  // the operand in hand begins with a parenthesis
-    const Keyword* keyword;
-    bool isSmall;
+    bool isOpen;   // the operand begins with a parenthesis
+    bool isSmall;  // the line has small letters outside of strings
     Json items = Json::array();
 };
 
@@ -216,29 +236,26 @@ Json Completions(const Query& query) {
 }
 
 Json Signatures(const Query& query) {
-    const std::string_view line = query.LineBefore();
-    const LinePrefix prefix = CutPrefix(line);
+    const LinePrefix prefix(query.LineBefore());
+    const StatementView& statement = prefix.view;
     const bool isInOperands =
         prefix.part == LinePrefix::Part::operand || prefix.part == LinePrefix::Part::string;
-    const Keyword* const keyword = FindKeyword(prefix.mnemonic);
-    if (!isInOperands || keyword == nullptr) {
+    if (!isInOperands || statement.keyword == nullptr) {
         return nullptr;
     }
-    const std::string raised = Raised(line);
-    const StatementView statement = CutStatement(raised);
-    // A list goes on with operands like the first one.
-    const bool isList = keyword->operands.most > 2;
+    // Further operands of a list are like the first one.
+    const bool isList = statement.keyword->operands.most > 2;
     const std::size_t operand = isList ? 0 : prefix.operand;
-    const auto inHand =  // forms that also fit what has been written of the operand
+    const auto matching =  // forms that also match what has been written of the operand
         FormsOf(statement, std::min(operand + 1, statement.operands.size()));
     Json signatures = Json::array();
     std::size_t active = 0;
     for (const std::string& form : FormsOf(statement, operand)) {
-        Json signature = SignatureOf(form, HelpFor(*keyword));
+        Json signature = SignatureOf(form, HelpFor(*statement.keyword));
         if (signature["parameters"].size() <= operand) {
             continue;
         }
-        if (!inHand.empty() && form == inHand.front()) {
+        if (!matching.empty() && form == matching.front()) {
             active = signatures.size();
         }
         signatures.push_back(std::move(signature));

@@ -2,10 +2,7 @@
 /// the protocol has it. They throw a `RequestError` where there is a reason to show instead.
 #pragma once
 
-#include <cstdint>
-#include <string>
 #include <string_view>
-#include <vector>
 
 #include "server/snapshot.h"
 #include "server/workspace.h"
@@ -14,20 +11,20 @@ namespace korv {
 
 struct Query {
     const Snapshot& snapshot;
-    std::int32_t file;  ///< that the request is about, one of the snapshot
-    Place place;        ///< of the position, if the request has one
-    Range range;        ///< all of the file, if the request has none
+    std::int32_t file;  ///< of the snapshot, which the request is about
+    Place place;        ///< of the position, if the request has one; without length
+    Range range;        ///< all of the file if the request has none
     const Json& parameters;
     Workspace& workspace;
 
     /// The raw line up to the position.
     [[nodiscard]] std::string_view LineBefore() const {
-        return snapshot.Line(file, place.line).substr(0, place.column);
+        return snapshot.Text(file).Line(place.line).substr(0, place.column);
     }
 };
 
 // navigation.cpp: from a name to where it is defined and used, and renaming.
-/// Where the name is defined, or the file that an INCLUDE or BINCLUDE reads.
+/// The definition of the name, or the file that an INCLUDE or BINCLUDE reads.
 [[nodiscard]] Json Definition(const Query& query);
 /// All uses of the name, also in skipped blocks.
 [[nodiscard]] Json References(const Query& query);
@@ -40,16 +37,16 @@ struct Query {
 [[nodiscard]] Json Links(const Query& query);
 
 // hover.cpp
-/// About a name its value, kind, definition, comment and uses; about a number its other bases;
-/// about a mnemonic what it does, its address, bytes and T-states; about "$" the address.
+/// For a name its value, kind, definition, comment and uses; for a number its other bases; for a
+/// mnemonic what it does, its address, bytes and T-states; for "$" the address.
 [[nodiscard]] Json Hover(const Query& query);
 
 // completion.cpp: what may be written at the cursor, in a line that need not assemble.
 /// Mnemonics where one belongs; registers, conditions and names where the forms of the mnemonic
 /// take them; files after INCLUDE. Nothing in strings and comments.
 [[nodiscard]] Json Completions(const Query& query);
-/// The forms of the mnemonic before the cursor that agree with the operands before the one in hand;
-/// none where the cursor is not among operands.
+/// The forms of the mnemonic that match the operands before the one at the cursor; none if the
+/// cursor is not in an operand.
 [[nodiscard]] Json Signatures(const Query& query);
 
 // outline.cpp
@@ -61,10 +58,10 @@ void AddSymbolsLike(const Snapshot& snapshot, std::string_view text, Json* symbo
 /// Blocks from IF to ENDIF, comments of several lines, and routines: a label that is followed by
 /// code, up to the next such label.
 [[nodiscard]] Json FoldingRanges(const Query& query);
-/// Address and bytes of lines after their end, where they move nothing.
+/// Address and bytes after the ends of lines, where they move no text.
 [[nodiscard]] Json InlayHints(const Query& query);
 
-// tokens.cpp: what each word is to the assembler. A skipped line is a comment.
+// tokens.cpp: the kind of each word. A skipped line is a comment.
 [[nodiscard]] Json SemanticTokens(const Query& query);
 /// The names of the types and modifiers of tokens.
 [[nodiscard]] Json SemanticTokensLegend();
@@ -72,15 +69,14 @@ void AddSymbolsLike(const Snapshot& snapshot, std::string_view text, Json* symbo
 // actions.cpp
 /// The message as the editor shows it.
 [[nodiscard]] Json DiagnosticOf(const Snapshot& snapshot, const Message& message);
-/// The fixes of the messages in the lines of the range, then for each of their codes one for all
-/// messages of the program that have it and a fix, if there are several.
+/// The fixes of the messages in the lines of the range; then, for each of their codes, one action
+/// with all fixes of that code in the program, if there are several.
 [[nodiscard]] Json CodeActions(const Query& query);
 
 // formatting.cpp
-/// The changes that lay out lines in columns. They replace blanks between the parts of a line by
-/// other blanks and so change no byte of the image. Left alone are lines that are continued, that
-/// are comments, whose mnemonic is unknown or whose reading is in doubt, and those that would
-/// become long.
+/// The changes that lay out lines in columns. They only replace blanks between the parts of a line,
+/// so the image stays the same. Not changed are comment lines, continued lines, lines with an
+/// unknown mnemonic or an ambiguous division, and lines that would become long.
 [[nodiscard]] Json Formatting(const Query& query);
 
 }  // namespace korv

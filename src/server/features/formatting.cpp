@@ -1,127 +1,93 @@
 // Only blanks between the parts of a line are replaced, so strings, comments and operands cannot
-// change. What could change is where a line ends for the reader, which takes a limited number of
-// bytes: hence the limit for lines that grow.
+// change. The reader takes a limited number of bytes of a line, so lines may grow only up to a
+// limit.
 
 #include <algorithm>
-#include <string>
-#include <string_view>
-#include <utility>
+#include <array>
 
 #include "frontend/statement_view.h"
 #include "server/features/features.h"
-#include "server/line_prefix.h"
 #include "source/char_class.h"
 
 namespace korv {
 namespace {
 
-// Columns, from 0. With tabs, the nearest tab stops.
-constexpr std::size_t mnemonicColumn = 10;
-constexpr std::size_t operandColumn = 15;
-constexpr std::size_t commentColumn = 34;
-// In bytes. A line that grows beyond it is left alone.
+// The parts of a physical line, with only blanks between them: label with its colon, mnemonic,
+// operands, comment.
+using LineParts = std::array<std::string_view, 4>;
+// Their columns, from 0. With tabs, the nearest tab stops.
+constexpr std::array<std::size_t, 4> columns = {0, 10, 15, 34};
+// In bytes. A line that would grow beyond it is not changed.
 constexpr std::size_t longestLine = 120;
 
-// The parts of a physical line, as views of it. Only blanks are between them.
-struct LineParts {
-    std::string_view label;  // with its colon
-    std::string_view mnemonic;
-    std::string_view operands;
-    std::string_view comment;
-};
-
-// Takes the characters up to the first one that `ends` takes off the front of `text`.
-template <typename Ends>
-std::string_view TakeUntil(std::string_view* text, Ends ends) {
-    const std::string_view part(text->begin(), std::ranges::find_if(*text, ends));
-    text->remove_prefix(part.size());
-    return part;
-}
-
-bool IsBlank(char c) {
-    return HasClass(c, CC_BLANK);
-}
-
-std::string_view WithoutBlanksAtEnd(std::string_view text) {
-    while (!text.empty() && IsBlank(text.back())) {
-        text.remove_suffix(1);
+// None: the line must not be changed.
+std::optional<LineParts> Cut(std::string_view line) {
+    constexpr std::string_view odd("\0\r\x1A", 3);
+    const std::size_t comment = CommentStart(line);
+    const std::string statement = Raised(line.substr(0, comment));
+    const bool isStringOpen = std::ranges::count(statement, '"') % 2 != 0;
+    const bool isContinued = line.substr(0, line.find_last_not_of("\t\v ") + 1).ends_with('\\');
+    if (isStringOpen || isContinued || line.find_first_of(odd) != std::string_view::npos) {
+        return std::nullopt;
     }
-    return text;
-}
-
-// False: the line is to be left alone.
-bool Cut(std::string_view line, LineParts* parts) {
-    const std::string_view odd("\0\r\x1A", 3);
-    if (line.find_first_of(odd) != std::string_view::npos ||
-        WithoutBlanksAtEnd(line).ends_with('\\')) {
-        return false;
+    const StatementView view = CutStatement(statement, line);
+    const std::size_t labelSize = view.label.size() + (view.hasColon ? 1 : 0);
+    const std::string_view next = std::string_view(statement).substr(labelSize, 1);
+    // The assembler takes any character after a label for the colon.
+    const bool isClear = view.hasColon || next.empty() || HasClass(next.front(), CC_BLANK);
+    const bool isKnown = view.keyword != nullptr || view.mnemonic.empty();
+    const bool isComment = view.label.empty() && view.mnemonic.empty();
+    if (!isClear || !isKnown || isComment) {
+        return std::nullopt;
     }
-    parts->comment = line.substr(CommentStart(line));
-    std::string_view rest = WithoutBlanksAtEnd(line.substr(0, line.size() - parts->comment.size()));
-    if (std::ranges::count(rest, '"') % 2 != 0) {  // a string that has no end
-        return false;
-    }
-    const std::string_view name = TakeUntil(&rest, [](char c) { return !HasClass(c, CC_NAME); });
-    const bool hasColon = !name.empty() && rest.starts_with(':');
-    rest.remove_prefix(hasColon ? 1 : 0);
-    parts->label = {name.data(), name.size() + (hasColon ? 1 : 0)};
-    // Any character after a label is taken for the colon.
-    const bool isClear = hasColon || rest.empty() || IsBlank(rest.front());
-    rest = WithoutLeadingBlanks(rest);
-    parts->mnemonic = TakeUntil(&rest, IsBlank);
-    parts->operands = WithoutLeadingBlanks(rest);
-    return isClear &&
-           (parts->mnemonic.empty() || FindKeyword(Raised(parts->mnemonic)) != nullptr) &&
-           !(parts->label.empty() && parts->mnemonic.empty());
+    return LineParts{line.substr(0, labelSize), view.Typed(view.mnemonic), view.Typed(view.rest),
+                     line.substr(comment)};
 }
 
 class LineFormatter {
   public:
     explicit LineFormatter(const Query& query) : snapshot(query.snapshot), file(query.file) {
-        const auto* const size = Find<std::int64_t>(query.parameters, "/options/tabSize");
-        const auto* const blanks = Find<bool>(query.parameters, "/options/insertSpaces");
-        tabSize =
-            size == nullptr ? 8 : static_cast<std::size_t>(std::clamp<std::int64_t>(*size, 1, 16));
-        hasTabs = blanks != nullptr && !*blanks;
+        const auto size = Get<std::int64_t>(query.parameters, "/options/tabSize", 8);
+        tabSize = static_cast<std::size_t>(std::clamp<std::int64_t>(size, 1, 16));
+        hasTabs = !Get(query.parameters, "/options/insertSpaces", true);
     }
 
     // Adds the changes of line `number`.
     void Format(std::int32_t number, const LineParts& parts, Json::array_t* edits) {
         line = number;
-        text = snapshot.Line(file, line);
-        end = column = size = 0;
+        text = snapshot.Text(file).Line(line);
+        end = 0;
+        formatted.clear();
         changes.clear();
-        Put(parts.label, 0);
-        Put(parts.mnemonic, mnemonicColumn);
-        Put(parts.operands, operandColumn);
-        Put(parts.comment, commentColumn);
-        if (parts.comment.empty()) {
+        for (std::size_t i = 0; i < parts.size(); ++i) {
+            Put(parts[i], columns[i]);
+        }
+        if (parts.back().empty()) {  // no comment
             Replace(text.size(), "");
         }
-        if (size <= std::max(longestLine, text.size())) {
+        if (formatted.size() <= std::max(longestLine, text.size())) {
             edits->insert(edits->end(), changes.begin(), changes.end());
         }
     }
 
   private:
-    // `part`, which is where the last one ends or after it, at `target` or a blank after the last.
+    // Moves `part`, which follows the last one, to column `target`, or to a blank after the last
+    // one if that ends later.
     void Put(std::string_view part, std::size_t target) {
         if (part.empty()) {
             return;
         }
-        if (column != 0 || target != 0) {
-            Replace(StartOf(part), GapTo(target));
+        const auto start = static_cast<std::size_t>(part.data() - text.data());
+        if (target != 0 || !formatted.empty()) {
+            Replace(start, GapTo(target));
         }
-        Advance(part);
-        end = StartOf(part) + part.size();
-    }
-
-    [[nodiscard]] std::size_t StartOf(std::string_view part) const {
-        return static_cast<std::size_t>(part.data() - text.data());
+        formatted += part;
+        end = start + part.size();
     }
 
     // At least one blank.
     [[nodiscard]] std::string GapTo(std::size_t target) const {
+        const std::size_t column = Column();
         if (!hasTabs) {
             return std::string(std::max(target, column + 1) - column, ' ');
         }
@@ -129,35 +95,35 @@ class LineFormatter {
         return std::string(std::max(stop, column / tabSize + 1) - column / tabSize, '\t');
     }
 
-    // Puts `gap` between the end of the last part and `start`.
+    // Makes `gap` the text between the end of the last part and `start`.
     void Replace(std::size_t start, const std::string& gap) {
         if (text.substr(end, start - end) != gap) {
             const Place place{file, line, static_cast<std::uint32_t>(end),
                               static_cast<std::uint32_t>(start - end)};
             changes.push_back(TextEdit(snapshot.RangeOf(place), gap));
         }
-        Advance(gap);
+        formatted += gap;
     }
 
-    void Advance(std::string_view part) {
-        size += part.size();
-        for (const char c : part) {
+    // At the end of the new line.
+    [[nodiscard]] std::size_t Column() const {
+        std::size_t column = 0;
+        for (const char c : formatted) {
             const bool isContinuation = (static_cast<unsigned char>(c) & 0xC0) == 0x80;  // UTF-8
-            column = c == '\t' ? column / tabSize * tabSize + tabSize
-                               : column + (isContinuation ? 0 : 1);
+            column += c == '\t' ? tabSize - column % tabSize : isContinuation ? 0 : 1;
         }
+        return column;
     }
 
     const Snapshot& snapshot;
     std::int32_t file;
     std::size_t tabSize;
     bool hasTabs;
-    // Of the line in hand.
+    // Of the current line.
     std::int32_t line = 0;
     std::string_view text;
-    std::size_t end = 0;     // of the last part, in `text`
-    std::size_t column = 0;  // in the line as it becomes
-    std::size_t size = 0;    // of the line as it becomes
+    std::size_t end = 0;    // of the last part, in `text`
+    std::string formatted;  // the new line so far
     Json::array_t changes;
 };
 
@@ -171,10 +137,9 @@ Json Formatting(const Query& query) {
     }
     LineFormatter formatter(query);
     for (const Statement* const statement : StatementsIn(query.snapshot, query.file, lines)) {
-        LineParts parts;
-        if (statement->lineCount == 1 &&
-            Cut(query.snapshot.Line(query.file, statement->line), &parts)) {
-            formatter.Format(statement->line, parts, &edits);
+        const auto parts = Cut(query.snapshot.Text(query.file).Line(statement->line));
+        if (parts && statement->lineCount == 1) {
+            formatter.Format(statement->line, *parts, &edits);
         }
     }
     return edits;

@@ -1,8 +1,5 @@
 #include <algorithm>
 #include <array>
-#include <string>
-#include <string_view>
-#include <utility>
 
 #include "codegen/keywords.h"
 #include "frontend/cycles.h"
@@ -11,7 +8,6 @@
 #include "frontend/statement_view.h"
 #include "server/features/features.h"
 #include "server/features/value_text.h"
-#include "server/line_prefix.h"
 #include "source/char_class.h"
 
 namespace korv {
@@ -46,22 +42,20 @@ std::string CommentOf(const StoredText& text, std::int32_t number) {
     return comment;
 }
 
-std::string NameText(const Snapshot& snapshot, std::int32_t number) {
-    const Name& name = snapshot.analysis->names[static_cast<std::size_t>(number)];
+std::string NameText(const Snapshot& snapshot, const Name& name) {
     const Place& definition = name.definition;
     std::string text = Code(name.text + (name.hasValue ? " = " + ValueText(name.value) : ""));
     text += std::string("\n") + kindTexts.at(static_cast<std::size_t>(name.kind));
     if (definition.IsSomewhere()) {
         text += ", defined in " + snapshot.analysis->LineName(definition);
     }
-    const auto all = OccurrencesOf(snapshot, number);
+    const auto all = OccurrencesOf(snapshot, &name);
     const auto uses = std::ranges::count(all, false, &NameAt::isDefinition);
     text += uses == 0   ? ", never used"
             : uses == 1 ? ", used once"
                         : ", used " + std::to_string(uses) + " times";
     if (definition.IsSomewhere()) {
-        const std::string comment =
-            CommentOf(*snapshot.File(definition.file).text, definition.line);
+        const std::string comment = CommentOf(snapshot.Text(definition.file), definition.line);
         text += comment.empty() ? "" : "\n\n" + Code(comment);
     }
     return text;
@@ -101,27 +95,27 @@ Json Hover(const Query& query) {
     const auto about = [&](const Place& place, const std::string& text) -> Json {
         return {{"contents", Markdown(text)}, {"range", snapshot.RangeOf(place)}};
     };
-    if (const auto at = FindNameAt(snapshot, query.place)) {
-        return about(at->place, NameText(snapshot, at->name));
+    if (const NameAt* const at = FindNameAt(snapshot, query.place)) {
+        return about(at->place, NameText(snapshot, *at->name));
     }
-    const Statement* const statement = FindStatementAt(snapshot, query.file, query.place.line);
-    if (statement == nullptr) {
+    const Statements here = StatementsIn(snapshot, query.file, snapshot.RangeOf(query.place));
+    if (here.empty()) {
         return nullptr;
     }
-    const StoredText& text = *snapshot.File(query.file).text;
-    const LogicalLine line = LogicalLineAt(text, statement->line);
-    const StatementView view = CutStatement(line.text);
+    const Statement& statement = *here.front();
+    const StoredText& text = snapshot.Text(query.file);
     PlaceMap places;
+    const StatementView view = CutStatement(places.LineAt(text, statement.line).text);
     const auto placeOf = [&](std::string_view part) {
         const LinePart at = view.PartOf(part);
-        return places.PlaceOf(query.file, text, statement->line, at.offset, at.length);
+        return places.PlaceOf(query.file, text, statement.line, at.offset, at.length);
     };
-    if (statement->keyword != nullptr && Covers(placeOf(view.mnemonic), query.place)) {
-        return about(placeOf(view.mnemonic), StatementText(snapshot, *statement));
+    if (statement.keyword != nullptr && Covers(placeOf(view.mnemonic), query.place)) {
+        return about(placeOf(view.mnemonic), StatementText(snapshot, statement));
     }
     for (const OperandView& operand : view.operands) {
         for (const Token& token : operand.tokens) {
-            const std::string found = TokenText(token, *statement);
+            const std::string found = TokenText(token, statement);
             if (!found.empty() && Covers(placeOf(token.text), query.place)) {
                 return about(placeOf(token.text), found);
             }

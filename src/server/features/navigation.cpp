@@ -3,8 +3,6 @@
 #include <utility>
 
 #include "expr/number.h"
-#include "expr/registers.h"
-#include "expr/token.h"
 #include "frontend/statement_view.h"
 #include "server/features/features.h"
 #include "source/char_class.h"
@@ -12,27 +10,19 @@
 namespace korv {
 namespace {
 
-const Name& NameOf(const Snapshot& snapshot, const NameAt& at) {
-    return snapshot.analysis->names[static_cast<std::size_t>(at.name)];
-}
-
 // All places of the name that the query is about.
 std::vector<NameAt> Occurrences(const Query& query) {
-    const auto at = FindNameAt(query.snapshot, query.place);
-    return at ? OccurrencesOf(query.snapshot, at->name) : std::vector<NameAt>();
-}
-
-std::string_view TextAt(const Snapshot& snapshot, const Place& place) {
-    return snapshot.Line(place.file, place.line).substr(place.column, place.length);
+    const NameAt* const at = FindNameAt(query.snapshot, query.place);
+    return at != nullptr ? OccurrencesOf(query.snapshot, at->name) : std::vector<NameAt>();
 }
 
 // The name at the place of the query, if it can be renamed.
-NameAt RenamedAt(const Query& query) {
-    const auto at = FindNameAt(query.snapshot, query.place);
-    if (!at) {
+const NameAt& RenamedAt(const Query& query) {
+    const NameAt* const at = FindNameAt(query.snapshot, query.place);
+    if (at == nullptr) {
         throw RequestError{.message = "there is no name here"};
     }
-    const Name& name = NameOf(query.snapshot, *at);
+    const Name& name = *at->name;
     if (name.kind == NameKind::internal) {
         throw RequestError{.message = name.text + " is a name of the assembler"};
     }
@@ -40,7 +30,7 @@ NameAt RenamedAt(const Query& query) {
         throw RequestError{.message = name.text + " is defined by -D"};
     }
     for (const NameAt& each : OccurrencesOf(query.snapshot, at->name)) {
-        if (Raised(TextAt(query.snapshot, each.place)) != name.text) {
+        if (Raised(query.snapshot.TextAt(each.place)) != name.text) {
             throw RequestError{.message = name.text + " is continued on the next line at " +
                                           query.snapshot.analysis->LineName(each.place)};
         }
@@ -83,18 +73,16 @@ Json Definition(const Query& query) {
             return Json::array({{{"uri", snapshot.UriOf(use.file)}, {"range", Range()}}});
         }
     }
-    const auto at = FindNameAt(snapshot, query.place);
-    if (!at || !NameOf(snapshot, *at).definition.IsSomewhere()) {
-        return Json::array();
-    }
-    return Json::array({snapshot.LocationOf(NameOf(snapshot, *at).definition)});
+    const NameAt* const at = FindNameAt(snapshot, query.place);
+    const bool isDefined = at != nullptr && at->name->definition.IsSomewhere();
+    return isDefined ? Json::array({snapshot.LocationOf(at->name->definition)}) : Json::array();
 }
 
 Json References(const Query& query) {
-    const bool* const wanted = Find<bool>(query.parameters, "/context/includeDeclaration");
+    const bool withDefinitions = Get(query.parameters, "/context/includeDeclaration", true);
     Json locations = Json::array();
     for (const NameAt& each : Occurrences(query)) {
-        if (!each.isDefinition || wanted == nullptr || *wanted) {
+        if (!each.isDefinition || withDefinitions) {
             locations.push_back(query.snapshot.LocationOf(each.place));
         }
     }
@@ -115,14 +103,14 @@ Json Highlights(const Query& query) {
 
 Json PrepareRename(const Query& query) {
     const Place at = RenamedAt(query).place;
-    return {{"range", query.snapshot.RangeOf(at)}, {"placeholder", TextAt(query.snapshot, at)}};
+    return {{"range", query.snapshot.RangeOf(at)}, {"placeholder", query.snapshot.TextAt(at)}};
 }
 
 Json Rename(const Query& query) {
     const auto& newName = Get<std::string>(query.parameters, "/newName");
-    const NameAt at = RenamedAt(query);
+    const NameAt& at = RenamedAt(query);
     const std::string raised = Raised(newName);
-    if (raised != NameOf(query.snapshot, at).text) {  // another spelling is always possible
+    if (raised != at.name->text) {  // another spelling is always possible
         if (std::string reason = ReasonAgainst(query.snapshot, raised); !reason.empty()) {
             throw RequestError{.message = std::move(reason)};
         }
@@ -136,18 +124,18 @@ Json Rename(const Query& query) {
 }
 
 Json Links(const Query& query) {
-    std::map<Position, Json> links;  // a file that is included twice has each of them twice
+    std::map<Place, std::int32_t> files;  // a file that is included twice has each link twice
     for (const FileUse& use : query.snapshot.analysis->fileUses) {
         if (use.place.file == query.file) {
-            const Range range = query.snapshot.RangeOf(use.place);
-            links[range.start] = {{"range", range}, {"target", query.snapshot.UriOf(use.file)}};
+            files[use.place] = use.file;
         }
     }
-    Json list = Json::array();
-    for (const auto& [start, link] : links) {
-        list.push_back(link);
+    Json links = Json::array();
+    for (const auto& [place, file] : files) {
+        links.push_back(
+            {{"range", query.snapshot.RangeOf(place)}, {"target", query.snapshot.UriOf(file)}});
     }
-    return list;
+    return links;
 }
 
 }  // namespace korv

@@ -1,6 +1,4 @@
 #include <algorithm>
-#include <string>
-#include <vector>
 
 #include "codegen/handlers.h"
 #include "codegen/keywords.h"
@@ -17,7 +15,7 @@ int SymbolKindOf(const Name& name) {
     return name.kind == NameKind::label ? 12 : 14;
 }
 
-// In the order of the lines. A name that is defined twice counts where it got its value.
+// In the order of the lines. A name that is defined twice counts where its value comes from.
 std::vector<const Name*> DefinedIn(const Snapshot& snapshot, std::int32_t file) {
     std::vector<const Name*> names;
     for (const Name& name : snapshot.analysis->names) {
@@ -29,32 +27,32 @@ std::vector<const Name*> DefinedIn(const Snapshot& snapshot, std::int32_t file) 
     return names;
 }
 
-// Physical lines, from 1.
-struct Fold {
-    std::int32_t first;
-    std::int32_t last;
-    bool isComment;
-};
+// Adds a range of physical lines, from 1, unless there is nothing to fold.
+void Add(std::int32_t first, std::int32_t last, const char* kind, Json::array_t* folds) {
+    if (first != 0 && last > first) {
+        folds->push_back({{"startLine", first - 1}, {"endLine", last - 1}, {"kind", kind}});
+    }
+}
 
-void AddComments(const StoredText& text, std::vector<Fold>* folds) {
-    std::int32_t first = 0;  // of the comment in hand
+void AddComments(const StoredText& text, Json::array_t* folds) {
+    std::int32_t first = 0;  // of the current comment
     for (std::int32_t line = 1; line <= text.LineCount() + 1; ++line) {
         if (WithoutLeadingBlanks(text.Line(line)).starts_with(';')) {
             first = first == 0 ? line : first;
-        } else if (first != 0) {
-            folds->push_back({first, line - 1, /*isComment=*/true});
+        } else {
+            Add(first, line - 1, "comment", folds);
             first = 0;
         }
     }
 }
 
-void AddConditions(Statements statements, std::vector<Fold>* folds) {
+void AddConditions(Statements statements, Json::array_t* folds) {
     std::vector<std::int32_t> open;  // the lines of IF and ELSE
     for (const Statement* const statement : statements) {
         const InstructionHandler handler =
             statement->keyword == nullptr ? nullptr : statement->keyword->handler;
         if ((handler == AssembleElse || handler == AssembleEndif) && !open.empty()) {
-            folds->push_back({open.back(), statement->line - 1, /*isComment=*/false});
+            Add(open.back(), statement->line - 1, "region", folds);
             open.pop_back();
         }
         if (handler == AssembleIf || handler == AssembleElse) {
@@ -64,22 +62,22 @@ void AddConditions(Statements statements, std::vector<Fold>* folds) {
 }
 
 void AddRoutines(const Snapshot& snapshot, std::int32_t file, Statements statements,
-                 std::vector<Fold>* folds) {
+                 Json::array_t* folds) {
     auto names = DefinedIn(snapshot, file);
     std::erase_if(names, [](const Name* name) { return name->kind != NameKind::label; });
     auto next = names.begin();
-    Fold routine = {0, 0, /*isComment=*/false};
+    std::int32_t first = 0, last = 0;  // lines of the current routine
     for (const Statement* const statement : statements) {
         while (next != names.end() && (*next)->definition.line <= statement->line) {
-            folds->push_back(routine);
-            routine.first = (*next)->definition.line;
+            Add(first, last, "region", folds);
+            first = (*next)->definition.line;
             ++next;
         }
         if (statement->count != 0) {
-            routine.last = LastLineOf(*statement);
+            last = LastLineOf(*statement);
         }
     }
-    folds->push_back(routine);
+    Add(first, last, "region", folds);
 }
 
 }  // namespace
@@ -88,9 +86,7 @@ Json DocumentSymbols(const Query& query) {
     const Snapshot& snapshot = query.snapshot;
     Json symbols = Json::array();
     for (const Name* const name : DefinedIn(snapshot, query.file)) {
-        Place line = name->definition;
-        line.column = 0;
-        line.length = static_cast<std::uint32_t>(snapshot.Line(query.file, line.line).size());
+        const Place line = snapshot.RestOf(query.file, name->definition.line, 0);
         const auto value = static_cast<std::uint32_t>(name->value);
         symbols.push_back({{"name", name->text},
                            {"detail", name->hasValue ? Hex(value, 4) + "H" : "no value"},
@@ -114,21 +110,13 @@ void AddSymbolsLike(const Snapshot& snapshot, std::string_view text, Json* symbo
 }
 
 Json FoldingRanges(const Query& query) {
-    std::vector<Fold> folds;
+    Json::array_t folds;
     const Statements statements = StatementsIn(query.snapshot, query.file, query.range);
-    AddComments(*query.snapshot.File(query.file).text, &folds);
+    AddComments(query.snapshot.Text(query.file), &folds);
     AddConditions(statements, &folds);
     AddRoutines(query.snapshot, query.file, statements, &folds);
-    std::ranges::stable_sort(folds, {}, &Fold::first);
-    Json ranges = Json::array();
-    for (const Fold& fold : folds) {
-        if (fold.first != 0 && fold.last > fold.first) {  // else there is nothing to fold
-            ranges.push_back({{"startLine", fold.first - 1},
-                              {"endLine", fold.last - 1},
-                              {"kind", fold.isComment ? "comment" : "region"}});
-        }
-    }
-    return ranges;
+    std::ranges::stable_sort(folds, {}, [](const Json& fold) { return fold["startLine"]; });
+    return folds;
 }
 
 Json InlayHints(const Query& query) {
@@ -147,11 +135,9 @@ Json InlayHints(const Query& query) {
         if (form == "addressAndBytes") {
             label += "  " + BytesText(*snapshot.analysis, *statement, mostBytes);
         }
-        const std::int32_t last = LastLineOf(*statement);
-        const auto size = static_cast<std::uint32_t>(snapshot.Line(query.file, last).size());
-        hints.push_back({{"position", snapshot.RangeOf({query.file, last, size, 0}).start},
-                         {"label", label},
-                         {"paddingLeft", true}});
+        const Place last = snapshot.RestOf(query.file, LastLineOf(*statement), 0);
+        hints.push_back(
+            {{"position", snapshot.RangeOf(last).end}, {"label", label}, {"paddingLeft", true}});
     }
     return hints;
 }

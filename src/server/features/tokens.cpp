@@ -1,6 +1,4 @@
-#include <algorithm>
 #include <array>
-#include <vector>
 
 #include "codegen/handlers.h"
 #include "codegen/keywords.h"
@@ -11,8 +9,8 @@
 namespace korv {
 namespace {
 
-// The names that the protocol has for types and modifiers. In a token a type is a number, and the
-// modifiers are bits, both in the order of the legend.
+// The protocol's names of types and modifiers. In a token, the type is a number and the modifiers
+// are bits, both in the order of the legend.
 constexpr std::array typeNames = {"keyword",  "macro",  "variable", "enumMember", "function",
                                   "property", "number", "string",   "comment",    "operator"};
 enum Type : std::uint32_t {
@@ -31,12 +29,6 @@ enum Type : std::uint32_t {
 constexpr std::array modifierNames = {"definition", "readonly"};
 constexpr std::uint32_t definition = 1;
 constexpr std::uint32_t readonly = 2;
-
-struct PaintedToken {
-    Range range;  // on one line
-    Type type;
-    std::uint32_t modifiers;
-};
 
 Type TypeOf(const Name& name) {
     return name.kind == NameKind::label ? label : constant;
@@ -68,9 +60,11 @@ Type TypeOf(const Token& token) {
     return none;
 }
 
+// Adds the tokens of statement after statement, in the order of the text.
 class Painter {
   public:
-    Painter(const Snapshot& snapshot, std::int32_t file) : snapshot(snapshot), file(file) {}
+    Painter(const Snapshot& snapshot, std::int32_t file)
+        : snapshot(snapshot), file(file), text(snapshot.Text(file)) {}
 
     void Paint(const Statement& statement) {
         current = &statement;
@@ -80,7 +74,7 @@ class Painter {
             }
             return;
         }
-        const LogicalLine& line = places.LineAt(*snapshot.File(file).text, statement.line);
+        const LogicalLine& line = places.LineAt(text, statement.line);
         const StatementView view = CutStatement(line.text);
         if (const Name* const name = FindName(*snapshot.analysis, view.label)) {
             Add(view, view.label, TypeOf(*name), definition);
@@ -97,21 +91,7 @@ class Painter {
         PaintComments(line);
     }
 
-    // Each token is five numbers; lines and columns count from the token before.
-    [[nodiscard]] std::vector<std::uint32_t> Take() {
-        std::ranges::sort(tokens, {}, [](const PaintedToken& token) { return token.range.start; });
-        std::vector<std::uint32_t> data;
-        Position last;
-        for (const auto& [range, type, modifiers] : tokens) {
-            const Position& start = range.start;
-            const bool isOnSameLine = start.line == last.line;
-            data.insert(data.end(), {start.line - last.line,
-                                     start.character - (isOnSameLine ? last.character : 0),
-                                     range.end.character - start.character, type, modifiers});
-            last = start;
-        }
-        return data;
-    }
+    [[nodiscard]] const std::vector<std::uint32_t>& Data() const { return data; }
 
   private:
     void PaintOperands(const StatementView& view) {
@@ -127,9 +107,9 @@ class Painter {
         }
     }
 
-    // What the cleaned line has left out at the end of each physical line, where that is a comment.
+    // The comment at the end of each physical line, which the cleaned line does not have.
     void PaintComments(const LogicalLine& line) {
-        bool isComment = false;  // one that goes on
+        bool isComment = false;  // one that is continued
         auto at = line.positions.begin();
         for (std::int32_t each = current->line; each <= LastLineOf(*current); ++each) {
             std::size_t end = 0;  // of the text in the line
@@ -137,7 +117,7 @@ class Painter {
                 end = at->column + 1;
             }
             if (!isComment) {
-                end = snapshot.Line(file, each).find(';', end);
+                end = text.Line(each).find(';', end);
             }
             if (end != std::string_view::npos) {
                 AddRest(each, static_cast<std::uint32_t>(end));
@@ -150,27 +130,31 @@ class Painter {
              std::uint32_t modifiers = 0) {
         if (!part.empty() && type != none) {
             const LinePart at = view.PartOf(part);
-            AddPlace(places.PlaceOf(file, *snapshot.File(file).text, current->line, at.offset,
-                                    at.length),
-                     type, modifiers);
+            AddPlace(places.PlaceOf(file, text, current->line, at.offset, at.length), type,
+                     modifiers);
         }
     }
     void AddRest(std::int32_t line, std::uint32_t column) {
-        const auto size = static_cast<std::uint32_t>(snapshot.Line(file, line).size());
-        AddPlace({file, line, column, size - column}, comment, 0);
+        AddPlace(snapshot.RestOf(file, line, column), comment, 0);
     }
+    // Each token is five numbers; lines and columns count from the previous token.
     void AddPlace(const Place& place, Type type, std::uint32_t modifiers) {
-        const Range range = snapshot.RangeOf(place);
-        if (range.end.character > range.start.character) {
-            tokens.push_back({range, type, modifiers});
+        const auto [start, end] = snapshot.RangeOf(place);
+        if (start < end) {
+            const std::uint32_t lines = start.line - last.line;
+            data.insert(data.end(), {lines, start.character - (lines == 0 ? last.character : 0),
+                                     end.character - start.character, type, modifiers});
+            last = start;
         }
     }
 
     const Snapshot& snapshot;
     std::int32_t file;
+    const StoredText& text;
     PlaceMap places;
     const Statement* current = nullptr;
-    std::vector<PaintedToken> tokens;
+    std::vector<std::uint32_t> data;
+    Position last;  // the start of the last token
 };
 
 }  // namespace
@@ -184,7 +168,7 @@ Json SemanticTokens(const Query& query) {
     for (const Statement* const each : StatementsIn(query.snapshot, query.file, query.range)) {
         painter.Paint(*each);
     }
-    return {{"data", painter.Take()}};
+    return {{"data", painter.Data()}};
 }
 
 }  // namespace korv

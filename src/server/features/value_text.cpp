@@ -15,14 +15,13 @@ std::string Hex(std::uint32_t value, std::size_t digits) {
 std::string ValueText(std::int32_t value) {
     const auto bits = static_cast<std::uint32_t>(value);
     const std::string decimal = std::to_string(value);
-    if (value < -0x8000 || value > 0xFFFF) {  // only on the way to a result
+    if (value < -0x8000 || value > 0xFFFF) {  // only as a part of an expression
         return Hex(bits, 8) + "H, " + decimal;
     }
     const bool isByte = value >= 0 && value <= 255;
-    std::string text = isByte ? Hex(bits, 2) : Hex(bits & 0xFFFF, 4);
-    text += "H, " + decimal + ", ";
-    text += isByte ? std::bitset<8>(bits).to_string() : std::bitset<16>(bits).to_string();
-    text += "B";
+    const std::string digits = Hex(bits & 0xFFFF, isByte ? 2 : 4);
+    const std::string binary = std::bitset<16>(bits).to_string().substr(isByte ? 8 : 0);
+    std::string text = digits + "H, " + decimal + ", " + binary + "B";
     if (value > ' ' && value < 0x7F && value != '"') {
         text += std::string(", \"") + static_cast<char>(value) + '"';
     }

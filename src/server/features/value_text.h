@@ -1,8 +1,6 @@
-/// Values and bytes as the language writes them.
+/// Values and bytes in the notation of the language.
 #pragma once
 
-#include <cstddef>
-#include <cstdint>
 #include <string>
 
 #include "frontend/analysis.h"
@@ -12,10 +10,10 @@ namespace korv {
 /// At least `digits` hexadecimal digits.
 [[nodiscard]] std::string Hex(std::uint32_t value, std::size_t digits);
 
-/// `value` in all bases; also as a character, where it is a visible one.
+/// `value` in all bases; also as a character if it is a visible one.
 [[nodiscard]] std::string ValueText(std::int32_t value);
 
-/// The bytes of `statement`, by blanks; at most `most`, then "...".
+/// The bytes of `statement`, separated by blanks; at most `most`, then "...".
 [[nodiscard]] std::string BytesText(const Analysis& analysis, const Statement& statement,
                                     std::uint32_t most);
 

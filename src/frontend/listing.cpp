@@ -251,7 +251,7 @@ class Listing {
             if (IsListed(name)) {
                 const bool hasPlace = name.definition.IsSomewhere();
                 add(name.text, ValueText(name), KindText(name.kind),
-                    std::to_string(name.uses.size()),
+                    std::to_string(name.useCount),
                     hasPlace ? analysis.LineName(name.definition) : "-");
             }
         }
@@ -260,7 +260,7 @@ class Listing {
     void AddUnusedNames() {
         std::string unused;
         for (const Name& name : analysis.names) {
-            const bool isUsed = name.isUsed || !name.uses.empty() || !name.hasValue;
+            const bool isUsed = name.isUsed || name.useCount != 0 || !name.hasValue;
             unused += IsListed(name) && !isUsed ? "  " + name.text + "\n" : "";
         }
         text += unused.empty() ? "" : "\nNever used\n" + unused;

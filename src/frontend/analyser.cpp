@@ -63,7 +63,8 @@ class Analyser : public RunObserver {
     std::optional<Warning> WarningFor(std::int32_t number, const CStatement* statement) const;
     void TakeReports(Level* level);
     void Record(const CStatement& statement, std::uint32_t lineCount, std::uint32_t count);
-    void TakeStatement(CStatement* statement, std::uint32_t lineCount, std::uint32_t count);
+    void TakeStatement(CStatement* statement, std::uint32_t lineCount, std::uint32_t count,
+                       bool isOdd);
     void Finish();
 
     const Options& options;
@@ -92,7 +93,8 @@ Analyser::Analyser(const Options& options, FileStore* store, const Wanted& wante
       assembler(stderr),
       maker(&analysis, &assembler, store, &options.warnings),
       checks(options, &assembler, &maker),
-      isNextWanted(wanted.statements || wanted.uses) {
+      names(&assembler.identifiers),
+      isNextWanted(wanted.statements) {
     analysis.errorLimit = options.maxErrors;
     assembler.sources = store;
     assembler.sourceName = options.source;
@@ -318,35 +320,37 @@ void Analyser::Record(const CStatement& statement, std::uint32_t lineCount, std:
 void Analyser::OnStatement(CStatement& statement, std::uint32_t lineCount) {
     const std::uint32_t count = assembler.binary.Position() - imageSize;
     imageSize += count;
-    if (isNextWanted || lineCount > 1 || imageSize > options.maxImage ||
-        (statement.text[0] != '\0' && checks.MayBeOdd(statement, count))) {
-        TakeStatement(&statement, lineCount, count);
+    const bool isOdd = statement.text[0] != '\0' && checks.MayBeOdd(statement, count);
+    if (isOdd || isNextWanted || lineCount > 1 || imageSize > options.maxImage) {
+        TakeStatement(&statement, lineCount, count, isOdd);
     }
 }
 
 [[gnu::noinline]] void Analyser::TakeStatement(CStatement* statement, std::uint32_t lineCount,
-                                               std::uint32_t count) {
+                                               std::uint32_t count, bool isOdd) {
     Level& level = levels.back();
     const bool isInclude = std::exchange(level.isRecorded, false);
     if (wanted.statements && !isInclude) {
         Record(*statement, lineCount, count);
     }
     const bool isFaulty = std::exchange(level.isFaulty, false);
-    TakeReports(&level);
+    if (!level.reports.empty()) {
+        TakeReports(&level);
+    }
     if (lineCount > 1) {
         checks.LookAtComments(*statement);
     }
-    if (statement->text[0] != '\0') {
-        if (wanted.uses && !isInclude) {
-            names.AddUses(*statement, analysis.statements.back().keyword, assembler.assembling == 0,
-                          isFaulty, &maker);
-        }
+    if ((wanted.uses || wanted.useCounts) && !isInclude && statement->text[0] != '\0') {
+        names.AddUses(*statement, analysis.statements.back().keyword, assembler.assembling == 0,
+                      isFaulty, wanted.uses ? &maker : nullptr);
+    }
+    if (isOdd) {
         checks.Look(statement, count, isFaulty);
     }
     if (imageSize > options.maxImage && !isStopped) {
         StopAtLimit(*statement);
     }
-    isNextWanted = wanted.statements || wanted.uses;
+    isNextWanted = wanted.statements;
 }
 
 // What can be reported only when all has been read.
@@ -373,8 +377,8 @@ void Analyser::Finish() {
         analysis.header = HeaderOf(assembler.MakeLoadHeader());
     }
     analysis.blocks = blocks.Take();
-    if (wanted.names || wanted.uses) {
-        analysis.names = names.Take(assembler.identifiers, &maker);
+    if (wanted.names) {
+        analysis.names = names.Take(&maker);
     }
     // Both formats have addresses, and so two meanings for one of them.
     if (options.format == ImageFormat::hex || !options.debug.empty()) {

@@ -13,7 +13,9 @@ class FileStore;
 struct Wanted {
     bool statements = false;  ///< and blocks
     bool names = false;
-    bool uses = false;  ///< of the names; these and the statements are then wanted too
+    // With one of these the names and the statements must be wanted too.
+    bool useCounts = false;  ///< how often each name is used
+    bool uses = false;       ///< the same and where; also where each file is included
 };
 
 /// Assembles `options.source`. All files are read through `store`; the texts that the analysis

@@ -100,6 +100,7 @@ struct Name {
     bool isUsed = false;  ///< an expression has read the value
     Place definition;     ///< of the name where it is defined; nowhere without one
     std::int32_t opening = noIndex;
+    std::size_t useCount = 0;   ///< with `Wanted::useCounts` or `Wanted::uses` only
     std::vector<NameUse> uses;  ///< in the order of the source; with `Wanted::uses` only
 };
 

@@ -80,9 +80,9 @@ Wanted WantedFor(const Options& options) {
     const bool isListed = !options.listing.empty();
     const bool isMeasured = !options.debug.empty() || options.summary;
     return {.statements = isListed || isMeasured || options.format == ImageFormat::hex,
-            .names = isMeasured || !options.symbols.empty() ||
+            .names = isListed || isMeasured || !options.symbols.empty() ||
                      options.warnings.IsOn(Warning::unusedLabel),
-            .uses = isListed};
+            .useCounts = isListed};
 }
 
 std::string ImageText(const Analysis& analysis, ImageFormat format) {

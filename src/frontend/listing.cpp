@@ -5,7 +5,7 @@
 #include "frontend/listing.h"
 
 #include <algorithm>
-#include <charconv>
+#include <span>
 #include <string_view>
 #include <tuple>
 #include <utility>
@@ -15,6 +15,7 @@
 #include "frontend/message_printer.h"
 #include "frontend/summary.h"
 #include "frontend/terminal_text.h"
+#include "frontend/text_buffer.h"
 
 namespace korv {
 namespace {
@@ -40,22 +41,26 @@ std::string_view KindText(NameKind kind) {
     return {};
 }
 
-std::string Hex(std::uint32_t value, std::size_t minDigits) {
-    char digits[16];
-    return {digits, PutHex(digits, value, minDigits)};
-}
-
-std::string ValueText(const Name& name) {
+// At most `longestNumber` characters.
+char* PutValue(char* to, const Name& name) {
     if (!name.hasValue) {
-        return "-";
+        return PutText(to, "-");
     }
     const bool isWord = name.value >= 0 && name.value <= 0xFFFF;
-    return isWord ? Hex(static_cast<std::uint32_t>(name.value), 4) : std::to_string(name.value);
+    return isWord ? PutHex(to, static_cast<std::uint32_t>(name.value), 4)
+                  : PutNumber(to, name.value);
+}
+
+// What statements and names need in a program of one file.
+std::size_t UsualSize(const Analysis& analysis) {
+    constexpr std::size_t usualColumns = 64, usualName = 80;
+    return analysis.statements.size() * usualColumns + analysis.names.size() * usualName +
+           analysis.files.front().text->Bytes().size();
 }
 
 class Listing {
   public:
-    explicit Listing(const Analysis& analysis) : analysis(analysis) {
+    explicit Listing(const Analysis& analysis) : analysis(analysis), text(UsualSize(analysis)) {
         std::size_t widest = 0;
         for (const SourceFile& file : analysis.files) {
             const std::size_t digits = std::to_string(file.text->LineCount()).size();
@@ -69,20 +74,17 @@ class Listing {
     }
 
     std::string Text() {
-        text = SummaryText(analysis) + "\n";
-        text.reserve(text.size() + UsualSize());
-        Begin("Addr Offset  Bytes");
-        PadTo(cyclesColumn).append("T");
-        PadTo(placeColumn).append("File:Line");
-        PadTo(sourceColumn).append("Source\n");
+        PutSummary(analysis, &text);
+        text.Put("\n");
+        PutHeading();
         for (const Statement& statement : analysis.statements) {
-            AddStatement(statement);
-            AddMessages(statement);
+            PutStatement(statement);
+            PutMessages(statement);
         }
-        AddMessagesLeft();
-        AddNames();
-        AddUnusedNames();
-        return std::move(text);
+        PutMessagesLeft();
+        PutNames();
+        PutUnusedNames();
+        return text.Take();
     }
 
   private:
@@ -93,18 +95,6 @@ class Listing {
         return {message.opening, message.place.line};
     }
 
-    // What statements and names need if all of them have source: growing by doubling would copy it
-    // all.
-    std::size_t UsualSize() const {
-        constexpr std::size_t usualName = 80;  // its row among the names
-        std::size_t size =
-            analysis.statements.size() * (sourceColumn + 1) + analysis.names.size() * usualName;
-        for (const Opening& opening : analysis.openings) {
-            size += analysis.files[static_cast<std::size_t>(opening.file)].text->Bytes().size();
-        }
-        return size;
-    }
-
     void SortMessages() {
         for (std::size_t i = 0; i < analysis.messages.size(); ++i) {
             messages.push_back(i);
@@ -113,30 +103,42 @@ class Listing {
         isListed.resize(messages.size());
     }
 
-    void Begin(std::string_view start) {
-        lineStart = text.size();
-        text += start;
-    }
-    // Appends blanks up to `column` of the line that was begun.
-    std::string& PadTo(std::size_t column) {
-        const std::size_t size = text.size() - lineStart;
-        return text.append(std::max(column, size) - size, ' ');
+    void PutHeading() {
+        char* const start = text.Room(sourceColumn + 32);
+        char* to = PutBlanks(PutText(start, "Addr Offset  Bytes"), start + cyclesColumn);
+        to = PutBlanks(PutText(to, "T"), start + placeColumn);
+        to = PutBlanks(PutText(to, "File:Line"), start + sourceColumn);
+        text.Advance(PutText(to, "Source\n"));
     }
 
-    void AddStatement(const Statement& statement) {
+    void PutStatement(const Statement& statement) {
         const std::uint32_t rows = (statement.count + bytesPerRow - 1) / bytesPerRow;
         const std::uint32_t lines = std::max(statement.lineCount, 1U);
         for (std::uint32_t i = 0; i < std::max(rows, lines); ++i) {
-            // A row is made in one piece and appended once: a listing has one for every line.
-            char columns[placeColumn + 16];  // an address and an offset may be wider than usual
-            const std::string_view start(
-                columns, PutColumns(columns, statement, i, i == 0 || i < rows, i < lines));
-            if (i < lines) {
-                AddRow(start, statement, statement.line + static_cast<std::int32_t>(i));
-            } else {
-                text.append(start) += '\n';
-            }
+            PutRow(statement, i, i == 0 || i < rows, i < lines);
         }
+    }
+
+    void PutRow(const Statement& statement, std::uint32_t row, bool hasBytes, bool hasSource) {
+        const Opening& opening = analysis.openings[static_cast<std::size_t>(statement.opening)];
+        const auto number = static_cast<std::size_t>(opening.file);
+        const SourceFile& file = analysis.files[number];
+        const std::int32_t line = statement.line + static_cast<std::int32_t>(row);
+        const std::string_view source = hasSource ? file.text->Line(line) : std::string_view();
+        char* const start = text.Room(2 * placeColumn + file.name.size() + longestNumber +
+                                      sourceColumn + source.size() + 4);
+        char* to = PutColumns(start, statement, row, hasBytes);
+        if (hasSource) {
+            to = PutText(std::max(to, start + placeColumn), file.name);
+            *to++ = ':';
+            to = PutNumber(to, line);
+        }
+        if (!source.empty()) {
+            to = PutBlanks(to, std::max(start + sourceColumn + hiddenBytes[number], to + 2));
+            to = PutText(to, source);
+        }
+        *to++ = '\n';
+        text.Advance(to);
     }
 
     // Up to `count` bytes from `done` on; fewer if the image ends before, as after an error.
@@ -150,58 +152,36 @@ class Listing {
             .first(std::min(size, analysis.image.size() - start));
     }
 
-    // Writes what comes before the place, up to its column if that follows. Result: its end.
-    char* PutColumns(char* columns, const Statement& statement, std::uint32_t row, bool hasBytes,
-                     bool hasSource) const {
-        char* to = columns;
-        const auto padTo = [&](std::size_t column) {
-            to = PutPadding(to, static_cast<std::size_t>(to - columns), column);
-        };
+    // Writes what comes before the place, with blanks up to its column. Result: the end of the
+    // text before the blanks.
+    char* PutColumns(char* start, const Statement& statement, std::uint32_t row,
+                     bool hasBytes) const {
+        const std::uint32_t done = row * bytesPerRow;
+        char* to = start;
         if (hasBytes) {
-            const std::uint32_t done = row * bytesPerRow;
             to = PutHex(to, (statement.address + done) & 0xFFFF, 4);
             *to++ = ' ';
             to = PutHex(to, statement.offset + done, 6);
+        }
+        std::fill_n(to, placeColumn, ' ');  // of a constant size, which is quicker than exact
+        if (hasBytes) {
             const auto bytes = BytesOf(statement, done, bytesPerRow);
-            to = PutText(to, bytes.empty() ? "" : "  ");
+            to += bytes.empty() ? 0 : 2;
             for (const std::uint8_t byte : bytes) {
                 to = PutHexByte(to, byte);
             }
         }
         if (row == 0 && statement.kind == StatementKind::instruction) {
-            padTo(cyclesColumn);
-            to = PutCycles(to, CyclesOf(analysis, statement));
-        }
-        if (hasSource) {
-            padTo(placeColumn);
+            to = PutCycles(std::max(to, start + cyclesColumn), CyclesOf(analysis, statement));
         }
         return to;
     }
 
-    // Appends a row that begins with `columns` and shows `line`.
-    void AddRow(std::string_view columns, const Statement& statement, std::int32_t line) {
-        const Opening& opening = analysis.openings[static_cast<std::size_t>(statement.opening)];
-        const auto number = static_cast<std::size_t>(opening.file);
-        const SourceFile& file = analysis.files[number];
-        const std::string_view source = file.text->Line(line);
-        constexpr std::size_t mostDigits = 16;
-        row.resize(std::max(row.size(), columns.size() + file.name.size() + mostDigits +
-                                            sourceColumn + source.size() + 2));
-        char* to = PutText(PutText(row.data(), columns), file.name);
-        *to++ = ':';
-        to = std::to_chars(to, to + mostDigits, line).ptr;
-        if (!source.empty()) {
-            const std::size_t width =
-                static_cast<std::size_t>(to - row.data()) - hiddenBytes[number];
-            to = PutPadding(to, width, std::max(sourceColumn, width + 2));
-            to = PutText(to, source);
-        }
-        *to++ = '\n';
-        text.append(row.data(), to);
-    }
-
     // The messages for the lines of `statement`.
-    void AddMessages(const Statement& statement) {
+    void PutMessages(const Statement& statement) {
+        if (messages.empty()) {
+            return;
+        }
         const MessageKey first{statement.opening, statement.line};
         const MessageKey last{
             statement.opening,
@@ -209,62 +189,89 @@ class Listing {
         const auto key = [this](std::size_t i) { return KeyOf(i); };
         auto next = std::ranges::lower_bound(messages, first, {}, key);
         for (; next != messages.end() && KeyOf(*next) <= last; ++next) {
-            AddMessage(*next);
+            PutMessage(*next);
         }
     }
 
-    void AddMessagesLeft() {
+    void PutMessagesLeft() {
         for (std::size_t i = 0; i < isListed.size(); ++i) {
-            AddMessage(i);
+            PutMessage(i);
         }
     }
 
-    void AddMessage(std::size_t number) {
+    void PutMessage(std::size_t number) {
         if (!isListed[number]) {
             isListed[number] = true;
             const Message& message = analysis.messages[number];
-            text += "*** " + MessageLine(analysis, message);
-            text += message.note.empty() ? "" : "*** note: " + message.note + "\n";
+            text.Put("*** " + MessageLine(analysis, message));
+            text.Put(message.note.empty() ? "" : "*** note: " + message.note + "\n");
         }
     }
 
     static bool IsListed(const Name& name) { return name.kind != NameKind::internal; }
 
-    void AddNames() {
+    void PutNames() {
         std::size_t longest = 4;
         for (const Name& name : analysis.names) {
             longest = std::max(longest, IsListed(name) ? name.text.size() : 0);
         }
         constexpr std::size_t longestColumn = 40;
-        const std::size_t valueColumn = std::min(longest, longestColumn) + 2;
-        const auto add = [&](std::string_view name, std::string_view value, std::string_view kind,
-                             std::string_view uses, std::string_view place) {
-            Begin(name);
-            PadTo(std::max(valueColumn, name.size() + 2)).append(value);
-            PadTo(valueColumn + 8).append(" ").append(kind);
-            PadTo(valueColumn + 19).append(" ").append(uses);
-            PadTo(valueColumn + 26).append(" ").append(place).append("\n");
-        };
-        text += "\n";
-        add("Name", "Value", "Kind", "Uses", "File:Line");
+        valueColumn = std::min(longest, longestColumn) + 2;
+        text.Put("\n");
+        const std::string_view heading = "Name";
+        char* const start = text.Room(heading.size() + widestNameColumns + 16);
+        text.Advance(
+            PutText(PutNameColumns(start, heading, "Value", "Kind", "Uses"), "File:Line\n"));
         for (const Name& name : analysis.names) {
             if (IsListed(name)) {
-                const bool hasPlace = name.definition.IsSomewhere();
-                add(name.text, ValueText(name), KindText(name.kind),
-                    std::to_string(name.uses.size()),
-                    hasPlace ? analysis.LineName(name.definition) : "-");
+                PutName(name);
             }
         }
     }
 
-    void AddUnusedNames() {
-        std::string unused;
-        for (const Name& name : analysis.names) {
-            const bool isUsed = name.isUsed || !name.uses.empty() || !name.hasValue;
-            unused += IsListed(name) && !isUsed ? "  " + name.text + "\n" : "";
+    void PutName(const Name& name) {
+        const Place& place = name.definition;
+        std::string_view file = "-";
+        if (place.IsSomewhere()) {
+            file = analysis.files[static_cast<std::size_t>(place.file)].name;
         }
-        text += unused.empty() ? "" : "\nNever used\n" + unused;
+        char value[longestNumber], uses[longestNumber];
+        char* const start =
+            text.Room(name.text.size() + widestNameColumns + file.size() + longestNumber + 2);
+        char* to = PutNameColumns(start, name.text, {value, PutValue(value, name)},
+                                  KindText(name.kind), {uses, PutNumber(uses, name.useCount)});
+        to = PutText(to, file);
+        if (place.IsSomewhere()) {
+            *to++ = ':';
+            to = PutNumber(to, place.line);
+        }
+        *to++ = '\n';
+        text.Advance(to);
     }
+
+    // Writes what comes before the place of a name. Result: the end, where the place is put.
+    char* PutNameColumns(char* start, std::string_view name, std::string_view value,
+                         std::string_view kind, std::string_view uses) const {
+        char* to = PutText(start, name);
+        std::fill_n(to, widestNameColumns, ' ');
+        to = PutText(std::max(start + valueColumn, to + 2), value);
+        to = PutText(std::max(start + valueColumn + 8, to) + 1, kind);
+        to = PutText(std::max(start + valueColumn + 19, to) + 1, uses);
+        return std::max(start + valueColumn + 26, to) + 1;
+    }
+
+    void PutUnusedNames() {
+        std::string_view heading = "\nNever used\n";
+        for (const Name& name : analysis.names) {
+            const bool isUsed = name.isUsed || name.useCount != 0 || !name.hasValue;
+            if (IsListed(name) && !isUsed) {
+                text.Put(std::exchange(heading, {}));
+                text.Put("  " + name.text + "\n");
+            }
+        }
+    }
+
+    static constexpr std::size_t widestNameColumns = 80;  // from the end of the name to the place
 
     const Analysis& analysis;
     std::size_t sourceColumn = 0;  // from 0
@@ -272,9 +279,8 @@ class Listing {
     std::vector<std::size_t> hiddenBytes;
     std::vector<std::size_t> messages;  // their numbers, by opening and line
     std::vector<bool> isListed;         // by the numbers of the messages
-    std::string text;
-    std::vector<char> row;      // room for the one that is being made
-    std::size_t lineStart = 0;  // offset of the line that was begun
+    std::size_t valueColumn = 0;        // of the values of names
+    TextBuffer text;
 };
 
 }  // namespace

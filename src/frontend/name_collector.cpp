@@ -1,12 +1,14 @@
 #include "frontend/name_collector.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <optional>
 #include <utility>
 
 #include "codegen/handlers.h"
 #include "codegen/keywords.h"
 #include "driver/statement.h"
+#include "expr/number.h"
 #include "frontend/message_maker.h"
 #include "frontend/statement_record.h"
 #include "frontend/statement_view.h"
@@ -29,6 +31,10 @@ NameKind KindOf(const CIdentifier& record) {
     return NameKind::undefined;
 }
 
+bool IsReserved(const CIdentifier& record) {
+    return (record.flags & IDS_SYSTEM) == IDS_RESERVED_WORD;
+}
+
 bool IsDigit(char c) {
     return HasClass(c, CC_DIGIT);
 }
@@ -37,6 +43,31 @@ bool IsDigit(char c) {
 bool NamesFile(const Keyword* keyword) {
     return keyword != nullptr &&
            (keyword->handler == AssembleInclude || keyword->handler == AssembleBinclude);
+}
+
+// The part of `text`, a value, that is evaluated: what is in its parentheses, or added to IX or IY.
+std::string_view EvaluatedPart(std::string_view text, const OperandClass& operand) {
+    if (text.front() != '(' || text.back() != ')') {
+        return text;
+    }
+    const bool hasSign = IsIndexed(operand) && (text[3] == '+' || text[3] == '-');
+    const std::size_t start = hasSign ? 4 : 1;
+    return text.substr(start, text.size() - 1 - start);
+}
+
+// Whether `word`, which is looked up, is one name. False: it may be more than that.
+bool IsOneName(std::string_view word) {
+    if (word.empty() || IsDigit(word.front()) || FindWord(word).code != 0) {
+        return false;
+    }
+    const char last = word.back();
+    const bool maybeNumber = last == 'H' || last == 'B' || last == 'O';
+    return !maybeNumber && std::ranges::all_of(word, [](char c) { return HasClass(c, CC_NAME); });
+}
+
+bool IsNumber(std::string_view word) {
+    std::int32_t value = 0;
+    return !word.empty() && word.front() != '&' && ReadNumber(word, &value) == 0;
 }
 
 // Whether nothing follows the mnemonic of `statement`, or its label if that is alone.
@@ -60,7 +91,7 @@ void NameCollector::AddUses(CStatement& statement, const Keyword* keyword, bool 
         return;
     }
     for (const lsArg& arg : statement.args) {
-        if (arg.IsValue() && !std::ranges::all_of(arg.text, IsDigit)) {
+        if (arg.IsValue()) {
             AddNames(statement, arg.text, arg, isSkipped, places);
         }
     }
@@ -68,59 +99,143 @@ void NameCollector::AddUses(CStatement& statement, const Keyword* keyword, bool 
 
 void NameCollector::AddNames(const CStatement& statement, std::string_view text,
                              const OperandClass& operand, bool isSkipped, MessageMaker* places) {
+    if (operand.kind == KIND_VALUE) {  // mostly one name or number, which need not be cut
+        const std::string_view word = EvaluatedPart(text, operand);
+        if (IsOneName(word)) {
+            AddUse(statement, word, isSkipped, places);
+            return;
+        }
+        if (IsNumber(word)) {
+            return;
+        }
+    }
     TokenCutter cutter(text);
     for (std::size_t index = 0; const std::optional<Token> token = cutter.Next(); ++index) {
         if (IsLookedUp(*token, index, operand)) {
-            auto found = uses.find(token->text);
-            if (found == uses.end()) {
-                found = uses.emplace(token->text, std::vector<NameUse>()).first;
-            }
-            found->second.push_back({places->PlaceOf(statement.PlaceIn(token->text)), isSkipped});
+            AddUse(statement, token->text, isSkipped, places);
         }
     }
 }
 
-std::vector<Name> NameCollector::Take(const CIdentifierManager& table, MessageMaker* places) {
-    std::vector<Name> names;
-    names.reserve(static_cast<std::size_t>(table.RecordCount()));
-    for (std::int32_t i = 0; i < table.RecordCount(); ++i) {
-        const CIdentifier& record = table.Record(i);
-        if ((record.flags & IDS_SYSTEM) == IDS_RESERVED_WORD) {
-            continue;
-        }
-        Name name;
-        name.text = record.Name();
-        name.kind = KindOf(record);
-        name.hasValue = (record.flags & IDF_RESOLVED) != 0;
-        name.value = name.hasValue ? record.value : 0;
-        name.isUsed = (record.flags & IDF_USED) != 0;
-        if (record.file != 0) {  // a name is defined at the start of its line
-            name.opening = places->OpeningOf(record.file);
-            name.definition = places->PlaceOf(
-                {.file = record.file, .line = record.line, .length = record.nameLength});
-        }
-        if (auto found = uses.extract(name.text)) {
-            name.uses = std::move(found.mapped());
-        }
-        names.push_back(std::move(name));
+void NameCollector::AddUse(const CStatement& statement, std::string_view name, bool isSkipped,
+                           MessageMaker* places) {
+    const CIdentifier* const record = table->Find(name);
+    Uses& all = record != nullptr ? uses[record] : earlyUses[std::string(name)];
+    ++all.count;
+    if (places != nullptr) {
+        all.places.push_back({places->PlaceOf(statement.PlaceIn(name)), isSkipped});
     }
-    for (auto& [text, rest] : uses) {  // only skipped blocks have these
-        Name& name = names.emplace_back();
-        name.text = text;
-        name.uses = std::move(rest);
+}
+
+// Moves the early uses of names that the table has now to the others of these names.
+void NameCollector::JoinEarlyUses() {
+    std::erase_if(earlyUses, [this](auto& early) {
+        const CIdentifier* const record = table->Find(std::string_view(early.first));
+        if (record == nullptr) {
+            return false;
+        }
+        Uses& all = uses[record];
+        all.count += early.second.count;
+        all.places.insert(all.places.begin(), early.second.places.begin(),
+                          early.second.places.end());
+        return true;
+    });
+}
+
+// A name on its way into the result.
+struct NameCollector::Entry {
+    std::uint64_t piece = 0;              // of its text, as a number of the same order
+    const CIdentifier* record = nullptr;  // null for a name with early uses only
+    const std::pair<const std::string, Uses>* early = nullptr;
+
+    [[nodiscard]] std::string_view Text() const {
+        return record != nullptr ? record->Name() : early->first;
+    }
+    // Takes up to 8 characters from `offset` on.
+    void TakePiece(std::size_t offset) {
+        const std::string_view text = Text();
+        const std::size_t size =
+            std::min(text.size() - std::min(offset, text.size()), sizeof piece);
+        piece = 0;
+        for (std::size_t i = 0; i < size; ++i) {
+            piece |= std::uint64_t{static_cast<std::uint8_t>(text[offset + i])} << (56 - 8 * i);
+        }
+    }
+};
+
+// Sorts names that are the same before `offset`: 8 characters at a time, since numbers are compared
+// several times as fast as texts. It ends, since no two names are the same and none has a byte 0.
+void NameCollector::Sort(std::span<Entry> entries, std::size_t offset) {
+    for (Entry& entry : entries) {
+        entry.TakePiece(offset);
+    }
+    std::ranges::sort(entries, {}, &Entry::piece);
+    while (!entries.empty()) {
+        const auto differs = [&](const Entry& entry) { return entry.piece != entries[0].piece; };
+        const auto end = std::ranges::find_if(entries, differs);
+        const auto count = static_cast<std::size_t>(end - entries.begin());
+        if (count > 1) {
+            Sort(entries.first(count), offset + sizeof(Entry::piece));
+        }
+        entries = entries.subspan(count);
+    }
+}
+
+std::vector<NameCollector::Entry> NameCollector::SortedEntries() const {
+    std::vector<Entry> entries;
+    entries.reserve(static_cast<std::size_t>(table->RecordCount()) + earlyUses.size());
+    for (std::int32_t i = 0; i < table->RecordCount(); ++i) {
+        const CIdentifier& record = table->Record(i);
+        if (!IsReserved(record) || uses.contains(&record)) {
+            entries.push_back({.record = &record});
+        }
+    }
+    for (const auto& early : earlyUses) {
+        entries.push_back({.early = &early});
+    }
+    Sort(entries, 0);
+    return entries;
+}
+
+Name NameCollector::NameOf(const Entry& entry, MessageMaker* places) {
+    Name name;
+    name.text = entry.Text();
+    if (entry.record == nullptr) {
+        name.useCount = entry.early->second.count;
+        name.uses = entry.early->second.places;
+        return name;
+    }
+    const CIdentifier& record = *entry.record;
+    if (const auto all = uses.find(&record); all != uses.end()) {
+        name.useCount = all->second.count;
+        name.uses = std::move(all->second.places);
+    }
+    if (IsReserved(record)) {  // only used, as far as the source is concerned
+        return name;
+    }
+    name.kind = KindOf(record);
+    name.hasValue = (record.flags & IDF_RESOLVED) != 0;
+    name.value = name.hasValue ? record.value : 0;
+    name.isUsed = (record.flags & IDF_USED) != 0;
+    if (record.file != 0) {  // a name is defined at the start of its line
+        name.opening = places->OpeningOf(record.file);
+        name.definition = places->PlaceOf(
+            {.file = record.file, .line = record.line, .length = record.nameLength});
+    }
+    return name;
+}
+
+std::vector<Name> NameCollector::Take(MessageMaker* places) {
+    JoinEarlyUses();
+    const std::vector<Entry> entries = SortedEntries();
+    std::vector<Name> names;
+    names.reserve(entries.size());
+    for (const Entry& entry : entries) {
+        names.push_back(NameOf(entry, places));
     }
     uses.clear();
-    std::vector<Name*> order;  // since a name is large, and moved often in a sort
-    for (Name& name : names) {
-        order.push_back(&name);
-    }
-    std::ranges::sort(order, {}, [](const Name* name) { return std::string_view(name->text); });
-    std::vector<Name> sorted;
-    sorted.reserve(names.size());
-    for (Name* const name : order) {
-        sorted.push_back(std::move(*name));
-    }
-    return sorted;
+    earlyUses.clear();
+    return names;
 }
 
 }  // namespace korv

@@ -1,7 +1,7 @@
 #include "frontend/routines.h"
 
 #include <algorithm>
-#include <utility>
+#include <cstddef>
 
 #include "frontend/cycles.h"
 
@@ -14,41 +14,45 @@ class Labels {
     explicit Labels(const Analysis& analysis) {
         for (const Name& name : analysis.names) {
             if (name.kind == NameKind::label && name.opening != noIndex) {
-                labels.push_back(&name);
+                labels.push_back({PositionOf(name.opening, name.definition.line), &name});
             }
         }
-        std::ranges::sort(labels, {}, Position);
+        std::ranges::sort(labels, {}, &Label::position);
         std::size_t next = 0;
         for (std::size_t opening = 0; opening < analysis.openings.size(); ++opening) {
+            next = Next(next, PositionOf(static_cast<std::int32_t>(opening), 0));
             nextOf.push_back(next);
-            while (next < labels.size() &&
-                   static_cast<std::size_t>(labels[next]->opening) == opening) {
-                ++next;
-            }
         }
     }
 
     // The label of `statement`; null for none. The statements of a file are asked for in their
     // order.
     [[nodiscard]] const Name* Of(const Statement& statement) {
+        const std::uint64_t position = PositionOf(statement.opening, statement.line);
         std::size_t& next = nextOf[static_cast<std::size_t>(statement.opening)];
-        while (next < labels.size() && labels[next]->opening == statement.opening &&
-               labels[next]->definition.line < statement.line) {
-            ++next;
-        }
-        if (next == labels.size() || labels[next]->opening != statement.opening ||
-            std::int64_t{labels[next]->definition.line} - statement.line >= statement.lineCount) {
-            return nullptr;
-        }
-        return labels[next];
+        next = Next(next, position);
+        return next != labels.size() && labels[next].position - position < statement.lineCount
+                   ? labels[next].name
+                   : nullptr;
     }
 
   private:
-    static std::pair<std::int32_t, std::int32_t> Position(const Name* name) {
-        return {name->opening, name->definition.line};
+    struct Label {
+        std::uint64_t position;
+        const Name* name;
+    };
+    static std::uint64_t PositionOf(std::int32_t opening, std::int32_t line) {
+        return static_cast<std::uint64_t>(opening) << 32 | static_cast<std::uint32_t>(line);
+    }
+    // The first label from `label` on that is not before `position`.
+    [[nodiscard]] std::size_t Next(std::size_t label, std::uint64_t position) const {
+        while (label != labels.size() && labels[label].position < position) {
+            ++label;
+        }
+        return label;
     }
 
-    std::vector<const Name*> labels;
+    std::vector<Label> labels;
     std::vector<std::size_t> nextOf;  // by opening: its first label not before the last statement
 };
 

@@ -6,10 +6,9 @@
 
 #include <array>
 #include <string_view>
-#include <utility>
 #include <vector>
 
-#include "frontend/number_text.h"
+#include "frontend/text_buffer.h"
 #include "source/char_class.h"
 
 namespace korv {
@@ -55,16 +54,18 @@ class SldWriter {
             fileFields.push_back(Field(file.name));
             holdsKeyword.push_back(HoldsKeyword(file.text->Bytes()));
         }
+        text.Put("|SLD.data.version|1\n||K|KEYWORDS|WPMEM,LOGPOINT,ASSERTION\n");
     }
 
     void Put(const Line& line) {
-        text.append(fileFields[static_cast<std::size_t>(line.file)]) += '|';
-        AppendNumber(&text, line.line);
-        text += "||0|";
-        AppendNumber(&text, line.page);
-        text += '|';
-        AppendNumber(&text, line.value);
-        text.append({'|', line.type, '|'}).append(line.data) += '\n';
+        const std::string& file = fileFields[static_cast<std::size_t>(line.file)];
+        char* to = text.Room(file.size() + 3 * longestNumber + line.data.size() + 16);
+        to = PutText(PutText(to, file), "|");
+        to = PutText(PutNumber(to, line.line), "||0|");
+        to = PutText(PutNumber(to, line.page), "|");
+        to = PutText(PutNumber(to, line.value), "|");
+        *to++ = line.type;
+        text.Advance(PutText(PutText(PutText(to, "|"), line.data), "\n"));
     }
 
     void PutStatement(const Statement& statement) {
@@ -97,12 +98,13 @@ class SldWriter {
              .data = data});
     }
 
-    std::string text = "|SLD.data.version|1\n||K|KEYWORDS|WPMEM,LOGPOINT,ASSERTION\n";
+    std::string Take() { return text.Take(); }
 
   private:
     void PutKeywordComment(std::int32_t file, const Statement& statement, std::uint32_t address);
 
     const Analysis& analysis;
+    TextBuffer text;
     std::vector<std::string> fileFields;
     std::vector<bool> holdsKeyword;  // by file; few do
 };
@@ -153,7 +155,7 @@ std::string SldText(const Analysis& analysis) {
     for (const Name& name : analysis.names) {
         writer.PutName(name);
     }
-    return std::move(writer.text);
+    return writer.Take();
 }
 
 }  // namespace korv

@@ -10,6 +10,7 @@
 #include "codegen/keywords.h"
 #include "expr/number.h"
 #include "source/char_class.h"
+#include "symbols/name_index.h"
 
 namespace korv {
 namespace {
@@ -29,6 +30,16 @@ constexpr auto rowOfLetter = [] {
         }
     }
     return rows;
+}();
+
+// Of each keyword, its characters as one number: a text of the same length has it too only if it is
+// the same.
+constexpr auto tailOfRow = [] {
+    std::array<std::uint64_t, keywords.size()> tails{};
+    for (std::size_t row = 0; row < keywords.size(); ++row) {
+        tails[row] = TailOf(keywords[row].word.data(), keywords[row].word.size());
+    }
+    return tails;
 }();
 
 std::string_view Trimmed(std::string_view text) {
@@ -254,12 +265,16 @@ StatementView CutStatement(std::string_view line, std::string_view typed) {
 }
 
 const Keyword* FindKeyword(std::string_view word) {
+    constexpr std::size_t longestTail = 8;
+    static_assert(std::ranges::all_of(
+        keywords, [](const Keyword& keyword) { return keyword.word.size() <= longestTail; }));
     const std::size_t letter = word.empty() ? letterCount : LetterOf(word);
-    if (letter >= letterCount) {
+    if (letter >= letterCount || word.size() > longestTail) {
         return nullptr;
     }
+    const std::uint64_t tail = TailOf(word.data(), word.size());
     for (std::size_t row = rowOfLetter[letter]; row < rowOfLetter[letter + 1]; ++row) {
-        if (keywords[row].word == word) {
+        if (tailOfRow[row] == tail && keywords[row].word.size() == word.size()) {
             return &keywords[row];
         }
     }

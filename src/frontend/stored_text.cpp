@@ -32,6 +32,8 @@ StoredText::StoredText(std::string newPath, std::string_view newBytes,
 
 void StoredText::FindStarts() const {
     const std::string_view text = Bytes();
+    constexpr std::size_t usualLine = 24;
+    starts.reserve(text.size() / usualLine + 1);
     starts.push_back(0);
     for (std::size_t at = 0; (at = text.find('\n', at)) != std::string_view::npos;) {
         starts.push_back(++at);
@@ -41,19 +43,6 @@ void StoredText::FindStarts() const {
 std::size_t StoredText::LineStart(std::int32_t number) const {
     return number < 1 || number > LineCount() ? bytes.size
                                               : Starts()[static_cast<std::size_t>(number) - 1];
-}
-
-std::string_view StoredText::Line(std::int32_t number) const {
-    if (number < 1 || number > LineCount()) {
-        return {};
-    }
-    const auto next = static_cast<std::size_t>(number);
-    const std::size_t start = starts[next - 1];
-    std::size_t end = next < starts.size() ? starts[next] - 1 : bytes.size;
-    if (end > start && bytes.data[end - 1] == '\r') {
-        --end;
-    }
-    return Bytes().substr(start, end - start);
 }
 
 }  // namespace korv

@@ -36,7 +36,19 @@ class StoredText {
     /// The offset of physical line `number`, from 1; the size of the text if there is no such line.
     [[nodiscard]] std::size_t LineStart(std::int32_t number) const;
     /// Physical line `number`, from 1, without its line end; empty if there is no such line.
-    [[nodiscard]] std::string_view Line(std::int32_t number) const;
+    [[nodiscard]] std::string_view Line(std::int32_t number) const {
+        const std::vector<std::size_t>& all = Starts();
+        const std::size_t next = static_cast<std::uint32_t>(number);
+        if (next - 1 >= all.size()) {
+            return {};
+        }
+        const std::size_t start = all[next - 1];
+        std::size_t end = next < all.size() ? all[next] - 1 : bytes.size;
+        if (end > start && bytes.data[end - 1] == '\r') {
+            --end;
+        }
+        return {bytes.data.get() + start, end - start};
+    }
 
     /// Whether the text contains a byte 0 or 1AH, or a carriage return without a line feed. Then an
     /// offset in a cleaned line may differ from the column.

@@ -4,14 +4,17 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <initializer_list>
 #include <nlohmann/json.hpp>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "diagnostics/report_writer.h"
 #include "frontend/routines.h"
 #include "frontend/terminal_text.h"
+#include "frontend/text_buffer.h"
 
 namespace korv {
 namespace {
@@ -105,76 +108,126 @@ Summary Summarise(const Analysis& analysis) {
     return summary;
 }
 
-std::string Hex(std::uint32_t address) {
-    char digits[16];
-    return {digits, PutHex(digits, address, 4)};
-}
-
-using Row = std::vector<std::string>;
-
-// Columns are as wide as their widest cell. The first one is aligned left and all others right. A
-// table without a row below its heading is left out.
-void PutTable(std::string* text, const std::vector<Row>& rows) {
-    if (rows.size() < 2) {
-        return;
-    }
-    std::vector<std::size_t> widths(rows.front().size());
-    for (const Row& row : rows) {
-        for (std::size_t i = 0; i < row.size(); ++i) {
-            widths[i] = std::max(widths[i], EndColumn(row[i], 0, false));
+// Cells by column, added row by row. The first column is aligned left and all others right; each
+// is as wide as its widest cell.
+class Table {
+  public:
+    explicit Table(std::initializer_list<std::string_view> headings) : widths(headings.size()) {
+        for (const std::string_view heading : headings) {
+            Add(heading);
         }
     }
-    *text += "\n";
-    for (const Row& row : rows) {
-        for (std::size_t i = 0; i < row.size(); ++i) {
-            const std::string padding(widths[i] - EndColumn(row[i], 0, false), ' ');
-            *text += i == 0 ? row[i] + padding : "  " + padding + row[i];
-        }
-        *text += "\n";
+
+    void Add(std::string_view text) {
+        texts.Put(text);
+        Add(text.size(), EndColumn(text, 0, false));
     }
-}
+    void AddNumber(std::uint64_t value) {
+        char* const start = texts.Room(longestNumber);
+        AddDigits(start, PutNumber(start, value));
+    }
+    void AddAddress(std::uint32_t value) {
+        char* const start = texts.Room(longestNumber);
+        AddDigits(start, PutHex(start, value, 4));
+    }
+
+    // A table without a row below its headings is left out.
+    void PutTo(TextBuffer* out) const {
+        if (cells.size() <= widths.size()) {
+            return;
+        }
+        std::string_view left = texts.Text();
+        std::size_t at = 0;
+        out->Put("\n");
+        for (const Cell& cell : cells) {
+            const bool isFirst = at == 0;
+            const std::size_t blanks = widths[at] - cell.width;
+            char* to = out->Room(blanks + cell.size + 24);
+            to = isFirst ? to : PutBlanks(to, to + 2 + blanks);
+            to = PutText(to, left.substr(0, cell.size));
+            left.remove_prefix(cell.size);
+            to = isFirst ? PutBlanks(to, to + blanks) : to;
+            at = at + 1 == widths.size() ? 0 : at + 1;
+            *to = '\n';
+            out->Advance(to + (at == 0 ? 1 : 0));
+        }
+    }
+
+  private:
+    struct Cell {
+        std::size_t size;   // in bytes
+        std::size_t width;  // in columns
+    };
+    void AddDigits(char* start, char* end) {
+        texts.Advance(end);
+        const auto size = static_cast<std::size_t>(end - start);
+        Add(size, size);
+    }
+    void Add(std::size_t size, std::size_t width) {
+        std::size_t& widest = widths[column];
+        widest = std::max(widest, width);
+        column = column + 1 == widths.size() ? 0 : column + 1;
+        cells.push_back({size, width});
+    }
+
+    std::vector<std::size_t> widths;  // by column
+    std::size_t column = 0;           // of the next cell
+    std::vector<Cell> cells;
+    TextBuffer texts;  // of all cells
+};
 
 }  // namespace
 
-std::string SummaryText(const Analysis& analysis) {
+void PutSummary(const Analysis& analysis, TextBuffer* text) {
     const Summary summary = Summarise(analysis);
-    const auto number = [](auto value) { return std::to_string(value); };
-    std::string text = "Image: " + number(analysis.image.size()) +
-                       " bytes. Room to FFFFH: " + number(summary.room) + " bytes.\n\n" + "0000 " +
-                       summary.map + " FFFF\n" + "A character is 1 KiB: # code, + data, . free.\n";
+    text->Put("Image: " + std::to_string(analysis.image.size()) +
+              " bytes. Room to FFFFH: " + std::to_string(summary.room) + " bytes.\n\n" + "0000 " +
+              summary.map + " FFFF\n" + "A character is 1 KiB: # code, + data, . free.\n");
 
-    std::vector<Row> files = {{"File", "Statements", "Code", "Data", "DS"}};
+    Table files({"File", "Statements", "Code", "Data", "DS"});
     for (std::size_t i = 0; i < analysis.files.size(); ++i) {
         const Sizes& sizes = summary.files[i];
         if (!analysis.files[i].isBinary) {
-            files.push_back({analysis.files[i].name, number(sizes.statements), number(sizes.code),
-                             number(sizes.data), number(sizes.space)});
+            files.Add(analysis.files[i].name);
+            files.AddNumber(sizes.statements);
+            files.AddNumber(sizes.code);
+            files.AddNumber(sizes.data);
+            files.AddNumber(sizes.space);
         }
     }
-    PutTable(&text, files);
+    files.PutTo(text);
 
-    std::vector<Row> blocks = {{"From", "To", "Bytes"}};
+    Table blocks({"From", "To", "Bytes"});
     for (const Block& block : analysis.blocks) {
-        blocks.push_back(
-            {Hex(block.address), Hex(block.address + block.count - 1), number(block.count)});
+        blocks.AddAddress(block.address);
+        blocks.AddAddress(block.address + block.count - 1);
+        blocks.AddNumber(block.count);
     }
-    PutTable(&text, blocks);
+    blocks.PutTo(text);
 
-    std::vector<Row> largest = {{"Largest routines", "Bytes"}};
+    Table largest({"Largest routines", "Bytes"});
     for (const Routine& routine : summary.largest) {
-        largest.push_back({routine.label->text, number(routine.count)});
+        largest.Add(routine.label->text);
+        largest.AddNumber(routine.count);
     }
-    PutTable(&text, largest);
+    largest.PutTo(text);
 
-    std::vector<Row> times = {{"T-states", "Address", "Best", "Worst"}};
+    Table times({"T-states", "Address", "Best", "Worst"});
     for (const Routine& routine : summary.routines) {
         if (routine.most != 0) {
-            times.push_back({routine.label->text, Hex(routine.address), number(routine.least),
-                             number(routine.most)});
+            times.Add(routine.label->text);
+            times.AddAddress(routine.address);
+            times.AddNumber(routine.least);
+            times.AddNumber(routine.most);
         }
     }
-    PutTable(&text, times);
-    return text;
+    times.PutTo(text);
+}
+
+std::string SummaryText(const Analysis& analysis) {
+    TextBuffer text;
+    PutSummary(analysis, &text);
+    return text.Take();
 }
 
 std::string SummaryJson(const Analysis& analysis) {

@@ -7,6 +7,7 @@
 
 #include "diagnostics/report_writer.h"
 #include "frontend/program_checks.h"
+#include "frontend/text_buffer.h"
 #include "source/char_class.h"
 
 namespace korv {
@@ -14,46 +15,57 @@ namespace {
 
 constexpr std::int32_t lastAddress = 0xFFFF;
 
-std::string Hex(std::int32_t value) {
-    char digits[16];
-    return {digits, PutHex(digits, static_cast<std::uint32_t>(value), 4)};
+// The room that a line needs besides the name.
+constexpr std::size_t longestRest = 64;
+
+char* PutAddress(char* to, std::int32_t value) {
+    return PutHex(to, static_cast<std::uint32_t>(value), 4);
 }
 
-// A value as an expression that the source language accepts: its numbers end at 65535.
-std::string Expression(std::int32_t value) {
-    if (value >= 0 && value <= lastAddress) {
-        return "$" + Hex(value);
-    }
+// Writes a value as an expression that the source language accepts: its numbers end at 65535.
+char* PutExpression(char* to, std::int32_t value) {
     if (value < 0 && value >= -lastAddress) {
-        return "-" + std::to_string(-value);
+        return PutNumber(to, value);
     }
-    return "$" + Hex(static_cast<std::int32_t>(static_cast<std::uint32_t>(value) >> 16)) +
-           " SHL 16 OR $" + Hex(value & lastAddress);
+    *to++ = '$';
+    if (value < 0 || value > lastAddress) {
+        to = PutAddress(to, static_cast<std::int32_t>(static_cast<std::uint32_t>(value) >> 16));
+        to = PutText(to, " SHL 16 OR $");
+    }
+    return PutAddress(to, value & lastAddress);
 }
 
-void PutEqu(std::string* text, const Name& name) {
-    constexpr std::size_t longestLine = 255;  // a longer one could not be read back
+char* PutEqu(char* start, const Name& name) {
+    constexpr std::ptrdiff_t longestLine = 255;  // a longer one could not be read back
     constexpr std::size_t valueColumn = 24;
-    std::string line = name.text + ":";
-    line.resize(std::max(line.size(), valueColumn), ' ');
-    line += " EQU " + Expression(name.value);
-    if (line.size() > longestLine) {
-        line = ("; too long: " + line).substr(0, longestLine);
+    constexpr std::string_view refusal = "; too long: ";
+    std::fill_n(start, valueColumn, ' ');
+    char* to = PutText(PutText(start, name.text), ":");
+    to = PutText(std::max(to, start + valueColumn), " EQU ");
+    to = PutExpression(to, name.value);
+    if (to - start > longestLine) {
+        to = start + longestLine;
+        std::copy_backward(start, to - refusal.size(), to);
+        PutText(start, refusal);
     }
-    *text += line + "\n";
+    return to;
 }
 
-void PutSym(std::string* text, const Name& name) {
-    *text += "00:" + Hex(name.value) + " " + name.text + "\n";
+char* PutSym(char* to, const Name& name) {
+    to = PutAddress(PutText(to, "00:"), name.value);
+    return PutText(PutText(to, " "), name.text);
 }
 
-void PutNoi(std::string* text, const Name& name) {
-    *text += "DEF " + name.text + " 0x" + Hex(name.value) + "\n";
+char* PutNoi(char* to, const Name& name) {
+    to = PutText(PutText(to, "DEF "), name.text);
+    return PutAddress(PutText(to, " 0x"), name.value);
 }
 
 // The address as the processor sees it, the linear one and the type, 00 for a label.
-void PutCspect(std::string* text, const Name& name) {
-    *text += Hex(name.value) + " " + Hex(name.value) + " 00 " + name.text + "\n";
+char* PutCspect(char* to, const Name& name) {
+    to = PutText(PutAddress(to, name.value), " ");
+    to = PutText(PutAddress(to, name.value), " 00 ");
+    return PutText(to, name.text);
 }
 
 bool AllowsAll(std::string_view) {
@@ -99,27 +111,29 @@ const SymbolFormatRow& RowOf(SymbolFormat format) {
 
 SymbolFile SymbolText(const Analysis& analysis, SymbolFormat format) {
     const SymbolFormatRow& row = RowOf(format);
-    std::vector<const Name*> names;
+    std::vector<std::pair<std::int32_t, const Name*>> names;  // these are in order of their text
+    names.reserve(analysis.names.size());
     for (const Name& name : analysis.names) {
         if (name.hasValue && name.kind != NameKind::internal) {
-            names.push_back(&name);
+            names.emplace_back(name.value, &name);
         }
     }
-    std::ranges::sort(names, {}, [](const Name* name) {
-        return std::tuple(name->value, std::string_view(name->text));
-    });
-    SymbolFile file{.text = std::string(row.header)};
+    std::ranges::sort(names);
+    SymbolFile file;
     constexpr std::size_t usualLine = 48;
-    file.text.reserve(names.size() * usualLine);
-    for (const Name* name : names) {
+    TextBuffer text(row.header.size() + names.size() * usualLine);
+    text.Put(row.header);
+    for (const auto& [value, name] : names) {
         if (!row.allows(name->text)) {
             ++file.droppedNames;
-        } else if (!row.hasAllValues && (name->value < 0 || name->value > lastAddress)) {
+        } else if (!row.hasAllValues && (value < 0 || value > lastAddress)) {
             ++file.droppedValues;
         } else {
-            row.put(&file.text, *name);
+            char* const line = text.Room(name->text.size() + longestRest);
+            text.Advance(PutText(row.put(line, *name), "\n"));
         }
     }
+    file.text = text.Take();
     return file;
 }
 

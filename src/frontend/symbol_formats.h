@@ -19,7 +19,7 @@ struct SymbolFormatRow {
     std::string_view header;     ///< lines before the first symbol
     bool hasAllValues;           ///< false: only those from 0 to FFFFH
     bool (*allows)(std::string_view name);
-    void (*put)(std::string* text, const Name& name);  ///< its line
+    char* (*put)(char* to, const Name& name);  ///< writes its line; the result is the end
 };
 
 /// One row for each value of `SymbolFormat`, in its order.

@@ -54,6 +54,9 @@ std::string EscapedText(std::string_view text) {
 }
 
 std::size_t EndColumn(std::string_view text, std::size_t column, bool isEscaped) {
+    if (std::ranges::all_of(text, [](char c) { return c >= ' ' && c < '\x7F'; })) {
+        return column + text.size();
+    }
     constexpr std::size_t tabWidth = 8;
     ForEachCharacter(text, isEscaped, [&column](std::string_view bytes, std::size_t width) {
         column = bytes == "\t" ? (column / tabWidth + 1) * tabWidth : column + width;

@@ -1,0 +1,65 @@
+/// The text of an output while it is made. A listing has a row for each line of the source, so
+/// whoever writes asks for room once for each row, not for each piece of it.
+#pragma once
+
+#include <algorithm>
+#include <charconv>
+#include <cstddef>
+#include <cstring>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "diagnostics/report_writer.h"
+
+namespace korv {
+
+/// Of a number in decimal.
+inline constexpr std::size_t longestNumber = 20;
+
+/// Writes `value` in decimal to `to`, which must have room for the longest. Result: its end.
+template <typename Number>
+char* PutNumber(char* to, Number value) {
+    return std::to_chars(to, to + longestNumber, value).ptr;
+}
+
+/// Puts blanks up to `end` if that is after `to`, and up to 15 more behind: in whole pieces, which
+/// is quicker than a call for the few that are needed. Result: the later of `to` and `end`.
+inline char* PutBlanks(char* to, char* end) {
+    constexpr std::size_t piece = 16;
+    for (char* at = to; at < end; at += piece) {
+        std::memset(at, ' ', piece);
+    }
+    return std::max(to, end);
+}
+
+class TextBuffer {
+  public:
+    /// An empty text that is expected to have `size` characters, since growing copies it.
+    explicit TextBuffer(std::size_t size = 0) { text.reserve(size); }
+
+    /// Where at least `count` characters can be put. `Advance` then appends them, up to `end`.
+    char* Room(std::size_t count) {
+        if (count > text.size() - used) [[unlikely]] {
+            constexpr std::size_t step = 1024;  // small, since a string fills its room with zeros
+            text.resize(used + std::max(count, step));
+        }
+        return text.data() + used;
+    }
+    void Advance(char* end) { used = static_cast<std::size_t>(end - text.data()); }
+
+    void Put(std::string_view piece) { Advance(PutText(Room(piece.size()), piece)); }
+
+    [[nodiscard]] std::string_view Text() const { return {text.data(), used}; }
+    /// The text; it is empty then.
+    [[nodiscard]] std::string Take() {
+        text.resize(std::exchange(used, 0));
+        return std::exchange(text, {});
+    }
+
+  private:
+    std::string text;      // the rest is room
+    std::size_t used = 0;  // characters
+};
+
+}  // namespace korv

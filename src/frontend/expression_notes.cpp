@@ -177,6 +177,12 @@ void AdviseOnTwoValues(OperandCase* it, const Token& token) {
     }
 }
 
+// Whether a jump goes to "+" or "--", which are labels elsewhere.
+bool IsAnonymousLabel(const StatementView& statement, std::string_view text) {
+    return HoldsWord("JP JR CALL DJNZ", statement.mnemonic) &&
+           text.find_first_not_of("+-") == std::string_view::npos;
+}
+
 bool IsComparing(const OperandView& operand) {
     return std::ranges::any_of(operand.tokens, [](const Token& token) {
         return token.code == OP_LESS || token.code == OP_GREATER || token.code == OP_EQUAL ||
@@ -300,7 +306,8 @@ bool AdviseOnExpression(OperandCase* it) {
             AdviseOnNoLeft(it, *token);
             break;
         case ExpressionFault::noRight:
-            note = "add a value after " + text;
+            note = IsAnonymousLabel(it->statement, it->operand->text) ? anonymousLabelNote
+                                                                      : "add a value after " + text;
             break;
         case ExpressionFault::openBracket:
         case ExpressionFault::closeBracket:

@@ -5,6 +5,7 @@
 #include "codegen/keywords.h"
 #include "frontend/instruction_forms.h"
 #include "frontend/note_rows.h"
+#include "frontend/note_steps.h"
 #include "frontend/operand_case.h"
 #include "source/char_class.h"
 
@@ -160,7 +161,7 @@ void AdviseOnUnknownName(OperandCase* it) {
         return;
     }
     if (name == "@B" || name == "@F" || name == "@@") {
-        note = "name the label: there are no anonymous labels";
+        note = anonymousLabelNote;
         return;
     }
     if (AdviseOnCircle(it, name) || AdviseOnGluedOperator(it, *token) || AdviseOnProse(it)) {

@@ -12,6 +12,9 @@
 #include "frontend/instruction_forms.h"
 #include "frontend/note_rows.h"
 #include "frontend/note_steps.h"
+#include "frontend/operand_case.h"
+#include "frontend/proposal.h"
+#include "frontend/translation.h"
 #include "source/char_class.h"
 
 namespace korv {
@@ -72,6 +75,12 @@ std::string_view EndOfBlock(const StatementView& statement) {
     return HoldsWord("MACRO MAC", word) ? "endm" : HoldsWord("STRUCT STRUC", word) ? "ends" : "";
 }
 
+bool HoldsEnd(const StatementView& statement) {
+    return std::ranges::any_of(statement.operands, [](const OperandView& operand) {
+        return FindToken(operand, "ENDIF") != nullptr || FindToken(operand, "ENDC") != nullptr;
+    });
+}
+
 // The mnemonic that was meant: of the statement with the changes that are proposed, or of an
 // instruction that begins in column 1.
 std::string MeantMnemonic(const FaultView& fault, const Advice& advice) {
@@ -81,6 +90,40 @@ std::string MeantMnemonic(const FaultView& fault, const Advice& advice) {
         line.insert(0, " ");
     }
     return std::string(CutStatement(line.substr(0, line.find('\n'))).mnemonic);
+}
+
+// Replaces what else is foreign in a statement of which a part is to be changed. Result: whether
+// that is all that was missing.
+bool Complete(const RunFacts& facts, const StatementView& statement, Advice* advice) {
+    const Translation whole = Translate(statement, advice->edits);
+    const std::vector<TextEdit> edits = {{LinePart{0, whole.end}, whole.typed}};
+    if (whole.changes < 2 || !IsSound(facts, statement, edits)) {
+        return false;
+    }
+    advice->edits = edits;
+    advice->note = "write " + whole.typed.substr(whole.typed.find_first_not_of(" \t")) +
+                   (HasClass(whole.typed.front(), CC_BLANK) ? "" : " from column 1 on");
+    return true;
+}
+
+// Removes a proposal that would bring the next message, and the note too if it names the change.
+void Withdraw(const FaultView& fault, Advice* advice) {
+    const StatementView& statement = fault.statement;
+    const bool isNamed = std::ranges::any_of(advice->edits, [&](const TextEdit& edit) {
+        const std::size_t start = edit.text.find_first_not_of(" \t\n");
+        return start != std::string::npos &&
+               advice->note.find(edit.text.substr(start)) != std::string::npos;
+    });
+    const bool isRename = advice->note.find(" here and ") != std::string::npos;
+    if (isNamed && !isRename) {
+        const std::string meant = MeantMnemonic(fault, *advice);
+        const bool isWord = fault.number == MSG_UNKNOWN_INSTRUCTION;
+        advice->note = !isWord ? FormsNote(statement)
+                       : FindKeyword(meant) == nullptr
+                           ? ""
+                           : "use " + std::string(meant) + checkOperands;
+    }
+    advice->edits.clear();
 }
 
 }  // namespace
@@ -141,6 +184,11 @@ Advice Adviser::AdviceFor(const FaultView& fault) {
     } else {
         advice = AdviseOnRest(*this, fault);
     }
+    if (!advice.edits.empty() && advice.newName.empty() &&
+        !IsSound(facts, fault.statement, advice.edits) &&
+        !Complete(facts, fault.statement, &advice)) {
+        Withdraw(fault, &advice);
+    }
     if (advice.note.empty() && advice.edits.size() == 1 && !advice.edits[0].text.empty()) {
         advice.note = "write " + advice.edits[0].text;
     }
@@ -176,6 +224,11 @@ bool Adviser::IsFollowOn(const FaultView& fault, const Advice& advice) {
         if (isAgain || (!advice.note.empty() && advice.note == lastNote)) {
             return true;
         }
+    }
+    if (std::ranges::any_of(advice.explains, [this](const std::string& name) {
+            return renamedLabels.contains(name);
+        })) {
+        return true;
     }
     if (fault.number == MSG_NOT_IN_CONDITION && refusedConditions > 0) {
         refusedConditions -= statement.mnemonic == "ELSE" ? 0 : 1;
@@ -229,6 +282,10 @@ void Adviser::Remember(const FaultView& fault, const Advice& advice) {
         fault.number == MSG_CONDITIONS_TOO_DEEP;
     if (advice.isFollowOn) {
         return;
+    }
+    renamedLabels.insert(advice.explains.begin(), advice.explains.end());
+    if (IsCondition(statement.mnemonic) && HoldsEnd(statement)) {  // "IF X NOP ENDIF"
+        ++refusedEnds;
     }
     const std::string meant = MeantMnemonic(fault, advice);
     if ((isRefused || fault.number == MSG_RESERVED_NAME) &&

@@ -24,6 +24,8 @@ Advice AdviseOnReservedName(Adviser& adviser, const StatementView& statement) {
         const std::string name = adviser.UnusedName(std::string(statement.Typed(label)) + "1");
         advice.edits = {{*advice.place, name}};
         advice.note = "choose another name here and where it is used, such as " + name;
+        advice.names.emplace_back(label);
+        advice.newName = name;
         return advice;
     }
     advice.edits = {{LinePart{0, 0}, " "}};
@@ -69,7 +71,8 @@ Advice AdviseOnFile(const RunFacts& facts, const FaultView& fault) {
             return advice;
         }
     }
-    if (inner.find_first_of(" \t") != std::string::npos) {
+    const bool isJoined = statement.typed.data() == statement.line.data();
+    if (isJoined && inner.find_first_of(" \t") != std::string::npos) {
         advice.note =
             "check for a backslash at the end of the line: it joins the next line to the name";
         return advice;

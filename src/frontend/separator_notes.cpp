@@ -65,12 +65,26 @@ bool AdviseOnSeparator(OperandCase* it) {
         return false;
     }
     const std::vector<TextEdit> edits = {{it->statement.PartOf(text.substr(at, size)), ","}};
-    if (!HasFormWith(it->statement, edits)) {
+    if (HasFormWith(it->statement, edits)) {
+        it->PointAt(text.substr(at, size));
+        it->advice.edits = edits;
+        it->advice.note = WriteNote(it->statement, edits);
+        return true;
+    }
+    const std::string typed =
+        Applied(it->statement.typed.substr(0, it->statement.line.size()), edits);
+    const std::string line = Raised(typed);
+    const StatementView changed = CutStatement(line, typed);
+    const bool isPair = ClassOf(text.substr(0, at)).kind != KIND_VALUE;
+    auto row = isPair ? OperandAdvice(changed, FormMessage(changed)) : std::nullopt;
+    if (!row) {
         return false;
     }
     it->PointAt(text.substr(at, size));
-    it->advice.edits = edits;
-    it->advice.note = WriteNote(it->statement, edits);
+    it->advice.note = std::move(row->note);
+    if (!row->edits.empty()) {  // of the whole statement
+        it->advice.edits = {NewStatement(it->statement, row->edits[0].text)};
+    }
     return true;
 }
 
@@ -136,6 +150,28 @@ bool AdviseOnSplitBrackets(OperandCase* it) {
     return false;
 }
 
+namespace {
+
+// Proposes a line break before each instruction within `operand`.
+void AddInstructionBreaks(OperandCase* it, const OperandView& operand) {
+    const Keyword* const keyword = it->statement.keyword;
+    const bool isAlone = keyword != nullptr && keyword->operands.most == 0 &&  // "EXX RET"
+                         keyword->group == KeywordGroup::instruction;
+    for (std::size_t i = isAlone ? 0 : 1; i < operand.tokens.size(); ++i) {
+        const Token& token = operand.tokens[i];
+        const Token& before = operand.tokens[i == 0 ? 0 : i - 1];
+        const bool isSign = HoldsWord("| : \\ !", before.text) && i > 1;
+        if (token.kind == TokenKind::name && FindKeyword(token.text) != nullptr &&
+            !it->IsDefined(token.text) && !HoldsWord("IF COND", token.text) &&
+            (isSign || i == 0 || (before.IsValue() && !before.text.ends_with(':')))) {
+            it->Replace(isSign ? it->statement.Span(before.text, token.text) : token.text,
+                        "\n\t" + std::string(it->statement.Typed(token.text)));
+        }
+    }
+}
+
+}  // namespace
+
 // A second instruction in the line, with or without a sign before it.
 bool AdviseOnSecondInstruction(OperandCase* it) {
     const auto& operands = it->statement.operands;
@@ -154,26 +190,14 @@ bool AdviseOnSecondInstruction(OperandCase* it) {
         }
     }
     for (const OperandView& operand : operands) {
-        const Keyword* const keyword = it->statement.keyword;
-        const bool isAlone = keyword != nullptr && keyword->operands.most == 0 &&  // "EXX RET"
-                             keyword->group == KeywordGroup::instruction;
-        for (std::size_t i = isAlone ? 0 : 1; i < operand.tokens.size(); ++i) {
-            const Token& token = operand.tokens[i];
-            const Token& before = operand.tokens[i == 0 ? 0 : i - 1];
-            const bool isSign = HoldsWord("| : \\ !", before.text) && i > 1;
-            if (token.kind == TokenKind::name && FindKeyword(token.text) != nullptr &&
-                !it->IsDefined(token.text) && !HoldsWord("IF COND", token.text) &&
-                (isSign || i == 0 || (before.IsValue() && !before.text.ends_with(':')))) {
-                const std::string_view part =
-                    isSign ? it->statement.Span(before.text, token.text) : token.text;
-                it->PointAt(part);
-                it->Replace(part, "\n\t" + std::string(it->statement.Typed(token.text)));
-                it->advice.note = "write one instruction in a line";
-                return true;
-            }
-        }
+        AddInstructionBreaks(it, operand);
     }
-    return false;
+    if (it->advice.edits.empty()) {
+        return false;
+    }
+    it->advice.place = it->advice.edits[0].part;
+    it->advice.note = "write one instruction in a line";
+    return true;
 }
 
 // "DB HELLO, WORLD"": the words from the first that is unknown to the quote are the string.

@@ -312,6 +312,13 @@ Foreign FindForeign(const StatementView& statement, const OperandView& operand) 
             }
             return found;
         }
+        const bool isSlashed =
+            i == 0 && c == '/' && operand.text.size() > 2 && operand.text.ends_with(c);
+        if (isSlashed && HoldsWord("DB DEFB DM DEFM", statement.mnemonic)) {  // ".ASCII /text/"
+            const std::string_view inner = operand.text.substr(1, operand.text.size() - 2);
+            const std::string fix = '"' + std::string(statement.Typed(inner)) + '"';
+            return {operand.text, fix, "use double quotes: " + fix};
+        }
         if (c == '{' && HoldsWord("DB DEFB DW DEFW", statement.mnemonic)) {
             return {operand.text.substr(i, 1), "",
                     "remove the braces: values follow the directive"};
@@ -332,6 +339,17 @@ Foreign FindForeign(const StatementView& statement, const OperandView& operand) 
         }
     }
     return {};
+}
+
+std::size_t FindName(std::string_view text, std::string_view name, std::size_t from) {
+    for (std::size_t at = from; (at = text.find(name, at)) != std::string_view::npos; ++at) {
+        const std::size_t end = at + name.size();
+        if ((at == 0 || !HasClass(text[at - 1], CC_NAME)) &&
+            (end == text.size() || !HasClass(text[end], CC_NAME))) {
+            return at;
+        }
+    }
+    return std::string_view::npos;
 }
 
 std::string Applied(std::string_view line, const std::vector<TextEdit>& edits) {

@@ -33,6 +33,11 @@ inline constexpr std::string_view largeNumberNote =
 /// none.
 [[nodiscard]] std::string NumberSpelling(std::string_view token);
 
+/// Where `name` begins in `text`, at or after `from`, as no part of a longer name; npos for
+/// nowhere.
+[[nodiscard]] std::size_t FindName(std::string_view text, std::string_view name,
+                                   std::size_t from = 0);
+
 /// `line` with `edits`, which are in its order.
 [[nodiscard]] std::string Applied(std::string_view line, const std::vector<TextEdit>& edits);
 

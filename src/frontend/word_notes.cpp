@@ -92,6 +92,13 @@ Advice AdviseOnData(const StatementView& statement) {
     return advice;
 }
 
+// "+", "-" and "@@", which are labels without a name elsewhere.
+Advice AdviseOnAnonymousLabel(const StatementView& statement) {
+    const std::string_view word = statement.mnemonic;
+    const bool isSigns = word.find_first_not_of("+-") == std::string_view::npos;
+    return isSigns ? Say(statement, word, anonymousLabelNote) : Advice{};
+}
+
 // Lines for a preprocessor that are no definition.
 Advice AdviseOnMark(const StatementView& statement) {
     const std::string_view word = statement.mnemonic;
@@ -233,8 +240,9 @@ Advice AdviseOnColumn(const StatementView& statement) {
 Advice AdviseOnUnknownWord(Adviser& adviser, const FaultView& fault) {
     const StatementView& statement = fault.statement;
     const std::string_view word = statement.mnemonic;
-    for (const auto step : {AdviseOnEncoding, AdviseOnOrigin, AdviseOnComment, AdviseOnPreprocessor,
-                            AdviseOnMark, AdviseOnDefinition}) {
+    for (const auto step :
+         {AdviseOnEncoding, AdviseOnOrigin, AdviseOnAnonymousLabel, AdviseOnComment,
+          AdviseOnPreprocessor, AdviseOnMark, AdviseOnDefinition}) {
         if (Advice advice = step(statement); advice.place) {
             return advice;
         }

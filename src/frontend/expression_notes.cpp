@@ -152,28 +152,43 @@ void AdviseOnTwoValues(OperandCase* it, const Token& token) {
     if (AdviseOnGluedOperator(it, token)) {
         return;
     }
-    const bool isUnknown = before.kind == TokenKind::name && !it->IsDefined(before.text);
-    const std::string joined = std::string(before.text) + "_" + std::string(token.text);
-    if (isUnknown && it->IsDefined(joined)) {
-        it->PointAt(it->statement.Span(before.text, token.text));
-        it->Replace(it->statement.Span(before.text, token.text), joined);
-        it->advice.note = "did you mean " + joined + "?";
+    const std::string number = std::string(before.text) + std::string(token.text);
+    if (token.text.size() == 1 && before.kind == TokenKind::number &&
+        CutTokens(number)[0].kind == TokenKind::number && HasClass(token.text[0], CC_LETTER)) {
+        const std::string_view part = it->statement.Span(before.text, token.text);
+        it->PointAt(part);
+        it->Replace(part, number);
+        it->advice.note = "remove the blank: " + number;
         return;
+    }
+    const bool isUnknown = before.kind == TokenKind::name && !it->IsDefined(before.text);
+    for (const std::string_view between : {"_", ""}) {
+        const std::string joined = std::string(before.text).append(between).append(token.text);
+        if ((isUnknown || isName) && it->IsDefined(joined)) {
+            it->PointAt(it->statement.Span(before.text, token.text));
+            it->Replace(it->statement.Span(before.text, token.text), joined);
+            it->advice.note = "did you mean " + joined + "?";
+            return;
+        }
     }
     if (!comma.empty() && (isName || isKnown) && !isUnknown && HasFormWith(it->statement, comma)) {
         it->advice.edits = comma;
         it->advice.note = "add the comma: " + WriteNote(it->statement, comma).substr(6);
     } else if (AdviseOnProse(it)) {
         return;
+    } else if (isName && !comma.empty() && AdviseOnSeparated(it, token.text, comma)) {
+        return;
     } else if (!isKnown || before.code == OP_CLOSE) {
         it->advice.note = "begin the comment with a semicolon, or add the operator that is missing";
     } else {
         const bool isRegister =
             isName || token.kind == TokenKind::registerName || token.kind == TokenKind::condition;
-        it->advice.note = isRegister ? "remove " + std::string(it->statement.Typed(token.text)) +
-                                           ", or begin a comment with a semicolon"
-                                     : "add the operator that is missing, or begin a comment with "
-                                       "a semicolon";
+        const bool isExcess =
+            isRegister && HasFormWith(it->statement, {{it->statement.PartOf(token.text), ""}});
+        it->advice.note = isExcess ? "remove " + std::string(it->statement.Typed(token.text)) +
+                                         ", or begin a comment with a semicolon"
+                                   : "add the operator that is missing, or begin a comment with "
+                                     "a semicolon";
     }
 }
 
@@ -323,7 +338,15 @@ bool AdviseOnExpression(OperandCase* it) {
                 note = "write " + name + ": a name has no quotes";
                 break;
             }
-            note = "use a string of one character: only DB and DM take longer ones";
+            if (const std::string value = EscapeValue(text.substr(1, text.size() - 2));
+                !value.empty()) {
+                it->Replace(token->text, value);
+                note = "write " + value + ": there are no escape sequences";
+                break;
+            }
+            note = HoldsWord("DB DEFB", it->statement.mnemonic)
+                       ? "write a string of several characters as an operand of its own"
+                       : "use a string of one character: only DB and DM take longer ones";
             break;
         case ExpressionFault::emptyString:
             note = "put one character between the quotes";
@@ -349,7 +372,8 @@ bool AdviseOnExpression(OperandCase* it) {
             if (text.ends_with('"') && std::ranges::count(text, '"') == 1) {
                 it->Insert(token->text, "\"");
                 note = "open the string with a double quote";
-            } else if (IsNameText(text.substr(0, text.size() - 1)) && text.ends_with('.')) {
+            } else if (const std::string stem = text.substr(0, text.size() - 1);
+                       IsNameText(stem) && (text.ends_with('.') || it->IsDefined(stem))) {
                 it->Replace(token->text.substr(text.size() - 1), "");
                 note = WriteNote(it->statement, it->advice.edits);
             } else if (!AdviseOnDots(it, *token)) {

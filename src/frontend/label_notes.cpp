@@ -19,11 +19,12 @@ Advice AdviseOnOddName(Adviser& adviser, const StatementView& statement) {
     const std::size_t end = std::min(line.find_first_of(" \t:", blanks + 1), line.size());
     const std::string_view word = line.substr(blanks, end - blanks);
     const bool hasColon = end < line.size() && line[end] == ':';
-    const bool isWord =
-        !hasColon && (word.starts_with('.') || word.starts_with('!')) &&
-        FindKeyword(statement.rest.substr(0, statement.rest.find_first_of(" \t"))) == nullptr &&
-        WordAdvice(statement);
-    if (word.empty() || (!hasColon && blanks > 0) || isWord) {
+    const bool isMarked = !hasColon && (word.starts_with('.') || word.starts_with('!'));
+    const bool isBefore =  // ".LOOP LD A,5"
+        isMarked &&
+        FindKeyword(statement.rest.substr(0, statement.rest.find_first_of(" \t"))) != nullptr;
+    const bool isWord = isMarked && !isBefore && WordAdvice(statement);
+    if (word.empty() || (!hasColon && !isBefore && blanks > 0) || isWord) {
         return {};
     }
     std::string name;
@@ -58,6 +59,7 @@ Advice AdviseOnOddName(Adviser& adviser, const StatementView& statement) {
     Advice advice = Replace(statement, line.substr(0, end), name, note);
     if (word.front() == ':') {
         advice.edits[0].text += ':';
+        advice.names.push_back(Raised(name));
     } else {
         advice.newName = name;
     }

@@ -136,8 +136,10 @@ void MessageMaker::Make(const Report& report) {
     // Each advice looks at all operands. Nobody reads so many messages about one line.
     constexpr std::int32_t mostAdvised = 50;
     if (++reports > mostAdvised) {
-        message.place = PlaceOf(report.place);
-        AddMessage(std::move(message), analysis);
+        if (!adviser.IsRefused(report.text)) {
+            message.place = PlaceOf(report.place);
+            AddMessage(std::move(message), analysis);
+        }
         return;
     }
     const StatementView& statement = StatementAt(report.place);

@@ -127,7 +127,9 @@ void AdviseOnUnknownName(OperandCase* it) {
             return isName && (takesDefined || !it->IsDefined(each.text));
         };
         auto found = std::ranges::find_if(it->operand->tokens, isIt);
-        if (found == it->operand->tokens.end() && it->fault.number == MSG_NOT_IMMEDIATE) {
+        const bool isImmediate =
+            it->fault.number == MSG_NOT_IMMEDIATE || HoldsWord("IF COND", it->statement.mnemonic);
+        if (found == it->operand->tokens.end() && isImmediate) {
             takesDefined = true;
             found = std::ranges::find_if(it->operand->tokens, isIt);
         }
@@ -185,7 +187,7 @@ void AdviseOnUnknownName(OperandCase* it) {
         return;
     }
     if (token->kind == TokenKind::digitName) {
-        note = "begin the name with a letter, or write a number as 255, 0FFH, $FF, 1010B or %1010";
+        note = numberNote;
         return;
     }
     if (std::string digits = name; name.front() == 'O' || name.front() == 'L') {

@@ -294,7 +294,7 @@ std::string WriteNote(const StatementView& statement, const std::vector<TextEdit
 std::optional<RowAdvice> WordAdvice(const StatementView& statement) {
     std::string_view word = statement.mnemonic;
     const bool isMarked =
-        word.size() > 1 && std::string_view(".#!").find(word[0]) != std::string_view::npos;
+        word.size() > 1 && std::string_view(".#!%").find(word[0]) != std::string_view::npos;
     const Translation translation = Translate(statement);
     StatementView changed = translation.View();
     const auto count = static_cast<int>(changed.operands.size());

@@ -48,12 +48,12 @@ bool IsAboutValue(Status number) {
 // Blocks that other assemblers have: what ends one follows from what begins it.
 constexpr std::string_view blockStarts =
     "MACRO MAC REPT REPEAT DUP IRP IRPC WHILE FOR STRUCT UNION MODULE PHASE DISP SCOPE PROC "
-    "NAMESPACE";
+    "NAMESPACE LUA ENUM FUNC FUNCTION";
 constexpr std::string_view blockEnds =
     "ENDM MEND MACEND ENDMACRO ENDR EDUP WEND ENDW NEXT ENDS ENDSTRUCT ENDUNION ENDMODULE ENDMOD "
     "DEPHASE UNPHASE "
     "ENDSCOPE ENDP ENDNAMESPACE ENT EXITM UNTIL ENDREPEAT ENDREP ENDREPT ENDWHILE ENDFOR ENDU "
-    "ENDSTRUC ENDPROC";
+    "ENDSTRUC ENDPROC ENDLUA ENDE ENDENUM ENDFUNC ENDFUNCTION }";
 
 // Directives whose operands are names that other files would define.
 constexpr std::string_view importDirectives =
@@ -61,7 +61,7 @@ constexpr std::string_view importDirectives =
 
 // Without the marks that other assemblers put before directives.
 std::string_view Plain(std::string_view word) {
-    const std::size_t start = word.find_first_not_of(".#!");
+    const std::size_t start = word.find_first_not_of(".#!%");
     return start == std::string_view::npos ? word : word.substr(start);
 }
 
@@ -72,13 +72,19 @@ bool IsCondition(std::string_view word) {
 // The word that ends what the statement begins, where the lines in between mean nothing here.
 std::string_view EndOfBlock(const StatementView& statement) {
     const std::string_view word = Plain(statement.mnemonic);
-    return HoldsWord("MACRO MAC", word) ? "endm" : HoldsWord("STRUCT STRUC", word) ? "ends" : "";
+    return HoldsWord("MACRO MAC", word)      ? "endm"
+           : HoldsWord("STRUCT STRUC", word) ? "ends"
+           : word == "LUA"                   ? "endlua"
+                                             : "";
 }
 
+// Whether a condition is ended in the line that begins it, or by a brace.
 bool HoldsEnd(const StatementView& statement) {
-    return std::ranges::any_of(statement.operands, [](const OperandView& operand) {
-        return FindToken(operand, "ENDIF") != nullptr || FindToken(operand, "ENDC") != nullptr;
-    });
+    return statement.rest.ends_with('{') ||
+           std::ranges::any_of(statement.operands, [](const OperandView& operand) {
+               return FindToken(operand, "ENDIF") != nullptr ||
+                      FindToken(operand, "ENDC") != nullptr;
+           });
 }
 
 // The mnemonic that was meant: of the statement with the changes that are proposed, or of an
@@ -122,6 +128,11 @@ void Withdraw(const FaultView& fault, Advice* advice) {
                        : FindKeyword(meant) == nullptr
                            ? ""
                            : "use " + std::string(meant) + checkOperands;
+    }
+    const LinePart part = advice->place.value_or(fault.part);
+    const std::string_view text = statement.line.substr(part.offset, part.length);
+    if (advice->note.empty() && !text.empty() && HasClass(text.front(), CC_DIGIT)) {
+        advice->note = numberNote;
     }
     advice->edits.clear();
 }
@@ -168,7 +179,11 @@ std::string_view Adviser::NearestName(std::string_view name) {
 
 std::string Adviser::UnusedName(const std::string& name) {
     std::string unused = name;
-    for (int number = 1; FindKeyword(Raised(unused)) != nullptr || facts.FindName(Raised(unused)) ||
+    const auto isDefined = [this](const std::string& each) {
+        const auto known = facts.FindName(Raised(each));
+        return known && known->hasValue;
+    };
+    for (int number = 1; FindKeyword(Raised(unused)) != nullptr || isDefined(unused) ||
                          !proposedNames.insert(Raised(unused)).second;) {
         unused = name + std::to_string(++number);
     }
@@ -204,7 +219,8 @@ Advice Adviser::AdviceFor(const FaultView& fault) {
         }
         Remember(fault, advice);
     } else {
-        advice.isFollowOn = IsAboutValue(fault.number) && UsesRefusedName(fault);
+        advice.isFollowOn = IsAboutValue(fault.number) &&
+                            (UsesOneOf(refusedNames, fault) || UsesOneOf(unsureNames, fault));
     }
     return advice;
 }
@@ -253,19 +269,22 @@ bool Adviser::IsFollowOn(const FaultView& fault, const Advice& advice) {
     if (fault.number == MSG_UNRESOLVED && hasRefusedFile && advice.edits.empty()) {
         return true;
     }
-    return IsAboutValue(fault.number) && UsesRefusedName(fault);
+    return IsAboutValue(fault.number) && UsesOneOf(refusedNames, fault);
 }
 
-bool Adviser::UsesRefusedName(const FaultView& fault) const {
-    if (refusedNames.empty()) {
+bool Adviser::UsesOneOf(const std::unordered_set<std::string>& names, const FaultView& fault) {
+    if (names.empty()) {
         return false;
     }
-    return std::ranges::any_of(fault.statement.operands, [this](const OperandView& operand) {
-        return refusedNames.contains(std::string(operand.text)) ||
-               std::ranges::any_of(operand.tokens, [this](const Token& token) {
-                   return refusedNames.contains(std::string(token.text));
-               });
-    });
+    const auto isOne = [&names](std::string_view text) {
+        return names.contains(std::string(text));
+    };
+    const auto uses = [&isOne](const OperandView& operand) {
+        return isOne(operand.text) || std::ranges::any_of(operand.tokens, isOne, &Token::text);
+    };
+    const OperandView* const operand = FocusOf(fault);
+    return operand != nullptr ? uses(*operand)
+                              : std::ranges::any_of(fault.statement.operands, uses);
 }
 
 void Adviser::Remember(const FaultView& fault, const Advice& advice) {
@@ -306,9 +325,13 @@ void Adviser::Remember(const FaultView& fault, const Advice& advice) {
             }
         }
     }
+    if (fault.number == MSG_UNKNOWN_INSTRUCTION && !statement.label.empty()) {
+        unsureNames.emplace(statement.label);
+    }
     hasRefusedFile =
         hasRefusedFile || (fault.number == MSG_CANNOT_OPEN && statement.mnemonic == "INCLUDE");
-    hasRefusedBlock = hasRefusedBlock || HoldsWord(blockStarts, Plain(statement.mnemonic));
+    hasRefusedBlock = hasRefusedBlock || HoldsWord(blockStarts, Plain(statement.mnemonic)) ||
+                      statement.rest.ends_with('{');
     if (const std::string_view end = EndOfBlock(statement); !end.empty()) {
         RememberBlock(fault, end);
     }

@@ -99,6 +99,11 @@ class Adviser {
     /// The definition of `name` will be refused: what uses it before only follows from that.
     void ExpectRefusal(std::string_view name) { refusedNames.emplace(name); }
 
+    /// Whether the definition of `name` was refused.
+    [[nodiscard]] bool IsRefused(const std::string& name) const {
+        return refusedNames.contains(name);
+    }
+
     /// Whether a refused ENDIF explains an open IF. Each explains one, so it is taken.
     [[nodiscard]] bool TakeRefusedEnd();
 
@@ -106,7 +111,9 @@ class Adviser {
 
   private:
     [[nodiscard]] bool IsFollowOn(const FaultView& fault, const Advice& advice);
-    [[nodiscard]] bool UsesRefusedName(const FaultView& fault) const;
+    // Whether the operand at fault, or any if none is known, has one of `names`.
+    [[nodiscard]] static bool UsesOneOf(const std::unordered_set<std::string>& names,
+                                        const FaultView& fault);
     void Remember(const FaultView& fault, const Advice& advice);
     void RememberBlock(const FaultView& fault, std::string_view end);
     // What is wrong after the line of `fault` up to `line` follows from it.
@@ -117,6 +124,7 @@ class Adviser {
     std::unique_ptr<NearWords> names;  // made at the first question
     std::unordered_set<std::string> proposedNames;
     std::unordered_set<std::string> refusedNames;   // whose definition was refused
+    std::unordered_set<std::string> unsureNames;    // that a refused line gave the address instead
     std::unordered_set<std::string> renamedLabels;  // that a note wants to have another name
     std::int32_t refusedConditions = 0;             // IFs that were refused and are still open
     std::int32_t refusedEnds = 0;                   // of conditions that are open

@@ -4,6 +4,7 @@
 #include "frontend/operand_case.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "codegen/keywords.h"
 #include "frontend/expression_fault.h"
@@ -33,6 +34,12 @@ const OperandView* FocusOf(const FaultView& fault) {
         if (isNamed && (!isByForm || faulty >= operands.size())) {
             return at;
         }
+    }
+    const std::int32_t most =
+        fault.statement.keyword == nullptr ? 0 : fault.statement.keyword->operands.most;
+    if (fault.number == MSG_TOO_MANY_ARGUMENTS && most > 1 &&
+        std::cmp_greater(operands.size(), most)) {
+        return &operands[static_cast<std::size_t>(most)];
     }
     switch (fault.number) {
         case MSG_ILLEGAL_ARGUMENT:

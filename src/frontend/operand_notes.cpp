@@ -57,6 +57,14 @@ bool AdviseOnSet(OperandCase* it) {
 bool AdviseOnIndexHalf(OperandCase* it) {
     for (const OperandView& operand : it->statement.operands) {
         const Token* const token = operand.OnlyToken();
+        if (token != nullptr && !it->IsDefined(token->text) &&
+            HoldsWord("AX BX CX DX AL AH BL BH CL CH DL DH SI DI BP EAX EBX ECX EDX",
+                      token->text)) {
+            it->PointAt(token->text);
+            it->advice.note = "use the registers of the Z80: " + std::string(token->text) +
+                              " is of another processor";
+            return true;
+        }
         const bool isHalf =
             token != nullptr &&
             HoldsWord("IXH IXL IYH IYL HX LX HY LY XH XL YH YL IXU IYU", token->text);
@@ -138,7 +146,8 @@ bool AdviseOnM(OperandCase* it) {
 
 // "DM HELLO": the quotes are missing.
 bool AdviseOnBareText(OperandCase* it) {
-    const bool isText = HoldsWord("DM DEFM", it->statement.mnemonic) && it->operand != nullptr;
+    const bool isText = HoldsWord("DM DEFM", it->statement.mnemonic) && it->operand != nullptr &&
+                        it->statement.operands.size() == 1;
     const Token* const token = isText ? it->operand->OnlyToken() : nullptr;
     if (token == nullptr || token->kind != TokenKind::name || it->IsDefined(token->text)) {
         return false;
@@ -266,13 +275,16 @@ std::string Sentence(const Token& token, std::string_view end) {
 }  // namespace
 
 std::string FormsNote(const StatementView& statement) {
-    const std::size_t faulty = FindFaultyOperand(statement);
+    const Keyword* const keyword = statement.keyword;
+    const std::int32_t most = keyword == nullptr ? 0 : keyword->operands.most;
+    const bool isExcess =
+        keyword != nullptr && most > 1 && std::cmp_greater(statement.operands.size(), most);
+    const std::size_t faulty =
+        isExcess ? static_cast<std::size_t>(most) : FindFaultyOperand(statement);
     if (faulty == noFault) {
         return "";
     }
     const std::vector<std::string> choices = ChoicesAt(statement, faulty);
-    const Keyword* const keyword = statement.keyword;
-    const std::int32_t most = keyword == nullptr ? 0 : keyword->operands.most;
     const std::string word(statement.mnemonic);
     if (choices.empty() && keyword != nullptr && faulty < statement.operands.size() &&
         std::cmp_greater(statement.operands.size(), most)) {
@@ -334,7 +346,9 @@ void AdviseOnOperandCase(OperandCase* it) {
                           kind == ExpressionFault::openBracket ||
                           kind == ExpressionFault::closeBracket;
     const bool isData = HoldsWord("DB DEFB DW DEFW DS DEFS", fault.statement.mnemonic);
-    if (isValue && (isCount || isData || isBroken || fault.number != MSG_ILLEGAL_ARGUMENT) &&
+    if (isValue &&
+        ((isCount && kind != ExpressionFault::longString) || isData || isBroken ||
+         fault.number != MSG_ILLEGAL_ARGUMENT) &&
         AdviseOnExpression(it)) {
         return;
     }

@@ -50,6 +50,24 @@ bool AdviseOnComma(OperandCase* it) {
     return false;
 }
 
+bool AdviseOnSeparated(OperandCase* it, std::string_view part,
+                       const std::vector<TextEdit>& commas) {
+    const std::string typed =
+        Applied(it->statement.typed.substr(0, it->statement.line.size()), commas);
+    const std::string line = Raised(typed);
+    const StatementView changed = CutStatement(line, typed);
+    auto row = OperandAdvice(changed, FormMessage(changed));
+    if (!row) {
+        return false;
+    }
+    it->PointAt(part);
+    it->advice.note = std::move(row->note);
+    if (!row->edits.empty()) {  // of the whole statement
+        it->advice.edits = {NewStatement(it->statement, row->edits[0].text)};
+    }
+    return true;
+}
+
 // A comma that is another sign, as in "LD A:5".
 bool AdviseOnSeparator(OperandCase* it) {
     const auto& operands = it->statement.operands;
@@ -58,7 +76,9 @@ bool AdviseOnSeparator(OperandCase* it) {
     }
     const std::string_view text = operands[0].text;
     const std::size_t at = text.find_first_of(":.=<-;/");
-    const std::size_t size = text.substr(std::min(at, text.size()), 2) == "->" ? 2 : 1;
+    const std::string_view sign = text.substr(std::min(at, text.size()), 2);
+    const bool isNegative = at + 2 < text.size() && HasClass(text[at + 2], CC_DIGIT);  // "A<-5"
+    const std::size_t size = sign == "->" || (sign == "<-" && !isNegative) ? 2 : 1;
     const bool isMissing = it->fault.number == MSG_ARGUMENT_EXPECTED;
     if (at == std::string_view::npos || at == 0 || at + size >= text.size() ||
         (!isMissing && ClassOf(text.substr(0, at)).kind == KIND_VALUE)) {
@@ -71,21 +91,10 @@ bool AdviseOnSeparator(OperandCase* it) {
         it->advice.note = WriteNote(it->statement, edits);
         return true;
     }
-    const std::string typed =
-        Applied(it->statement.typed.substr(0, it->statement.line.size()), edits);
-    const std::string line = Raised(typed);
-    const StatementView changed = CutStatement(line, typed);
-    const bool isPair = ClassOf(text.substr(0, at)).kind != KIND_VALUE;
-    auto row = isPair ? OperandAdvice(changed, FormMessage(changed)) : std::nullopt;
-    if (!row) {
-        return false;
-    }
-    it->PointAt(text.substr(at, size));
-    it->advice.note = std::move(row->note);
-    if (!row->edits.empty()) {  // of the whole statement
-        it->advice.edits = {NewStatement(it->statement, row->edits[0].text)};
-    }
-    return true;
+    const std::string_view next = text.substr(at + size);
+    return ClassOf(text.substr(0, at)).kind != KIND_VALUE &&
+           FindKeyword(next.substr(0, next.find_first_of(" \t"))) == nullptr &&
+           AdviseOnSeparated(it, text.substr(at, size), edits);
 }
 
 // "DB (1,2,3)": brackets around a list of values.

@@ -29,6 +29,9 @@ inline constexpr std::string_view largeNumberNote =
 /// The first of `operand`; `part` without data for none.
 [[nodiscard]] Foreign FindForeign(const StatementView& statement, const OperandView& operand);
 
+/// What an escape sequence stands for, or a double quote; empty if `content` is neither.
+[[nodiscard]] std::string EscapeValue(std::string_view content);
+
 /// A number as it is written here, from `token` as another assembler writes it; empty if it is
 /// none.
 [[nodiscard]] std::string NumberSpelling(std::string_view token);

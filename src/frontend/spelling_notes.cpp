@@ -117,8 +117,8 @@ bool AdviseOnSpelling(OperandCase* it) {
             it->advice.note = WriteNote(statement, it->advice.edits) + ": a name has no quotes";
             return true;
         }
-        if (found.edits.empty() && found.part.starts_with('&') &&
-            it->IsDefined(found.part.substr(1))) {  // an address in C
+        if (found.edits.empty() && HoldsWord("& $ %", found.part.substr(0, 1)) &&
+            it->IsDefined(found.part.substr(1))) {  // an address in C, a variable of a shell
             it->Replace(found.part.substr(0, 1), "");
             it->advice.note = WriteNote(statement, it->advice.edits);
             return true;

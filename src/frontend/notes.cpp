@@ -48,12 +48,12 @@ bool IsAboutValue(Status number) {
 // Blocks that other assemblers have: what ends one follows from what begins it.
 constexpr std::string_view blockStarts =
     "MACRO MAC REPT REPEAT DUP IRP IRPC WHILE FOR STRUCT UNION MODULE PHASE DISP SCOPE PROC "
-    "NAMESPACE LUA ENUM FUNC FUNCTION";
+    "NAMESPACE LUA ENUM FUNC FUNCTION SELECT SWITCH";
 constexpr std::string_view blockEnds =
     "ENDM MEND MACEND ENDMACRO ENDR EDUP WEND ENDW NEXT ENDS ENDSTRUCT ENDUNION ENDMODULE ENDMOD "
     "DEPHASE UNPHASE "
     "ENDSCOPE ENDP ENDNAMESPACE ENT EXITM UNTIL ENDREPEAT ENDREP ENDREPT ENDWHILE ENDFOR ENDU "
-    "ENDSTRUC ENDPROC ENDLUA ENDE ENDENUM ENDFUNC ENDFUNCTION }";
+    "ENDSTRUC ENDPROC ENDLUA ENDE ENDENUM ENDFUNC ENDFUNCTION ENDSELECT ENDSWITCH CASE DEFAULT }";
 
 // Directives whose operands are names that other files would define.
 constexpr std::string_view importDirectives =
@@ -66,7 +66,7 @@ std::string_view Plain(std::string_view word) {
 }
 
 bool IsCondition(std::string_view word) {
-    return Plain(word).starts_with("IF") || word == "COND";
+    return Plain(word).starts_with("IF") || HoldsWord("COND UNLESS WHEN", word);
 }
 
 // The word that ends what the statement begins, where the lines in between mean nothing here.
@@ -115,17 +115,20 @@ bool Complete(const RunFacts& facts, const StatementView& statement, Advice* adv
 // Removes a proposal that would bring the next message, and the note too if it names the change.
 void Withdraw(const FaultView& fault, Advice* advice) {
     const StatementView& statement = fault.statement;
-    const bool isNamed = std::ranges::any_of(advice->edits, [&](const TextEdit& edit) {
-        const std::size_t start = edit.text.find_first_not_of(" \t\n");
-        return start != std::string::npos &&
-               advice->note.find(edit.text.substr(start)) != std::string::npos;
-    });
+    const bool isQuestion = advice->note.starts_with("did you mean ");
+    const bool isNamed = isQuestion ||
+                         advice->note.starts_with(WriteNote(statement, advice->edits)) ||
+                         std::ranges::any_of(advice->edits, [&](const TextEdit& edit) {
+                             const std::size_t start = edit.text.find_first_not_of(" \t\n");
+                             return start != std::string::npos &&
+                                    advice->note.find(edit.text.substr(start)) != std::string::npos;
+                         });
     const bool isRename = advice->note.find(" here and ") != std::string::npos;
     if (isNamed && !isRename) {
         const std::string meant = MeantMnemonic(fault, *advice);
         const bool isWord = fault.number == MSG_UNKNOWN_INSTRUCTION;
         advice->note = !isWord ? FormsNote(statement)
-                       : FindKeyword(meant) == nullptr
+                       : isQuestion || FindKeyword(meant) == nullptr
                            ? ""
                            : "use " + std::string(meant) + checkOperands;
     }

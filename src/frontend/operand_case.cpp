@@ -35,11 +35,9 @@ const OperandView* FocusOf(const FaultView& fault) {
             return at;
         }
     }
-    const std::int32_t most =
-        fault.statement.keyword == nullptr ? 0 : fault.statement.keyword->operands.most;
-    if (fault.number == MSG_TOO_MANY_ARGUMENTS && most > 1 &&
-        std::cmp_greater(operands.size(), most)) {
-        return &operands[static_cast<std::size_t>(most)];
+    if (const std::size_t excess = FindExcess(fault.statement);
+        fault.number == MSG_TOO_MANY_ARGUMENTS && excess != noFault) {
+        return &operands[excess];
     }
     switch (fault.number) {
         case MSG_ILLEGAL_ARGUMENT:

@@ -71,6 +71,12 @@ struct OperandCase {
 [[nodiscard]] bool AdviseOnSpelling(OperandCase* it);
 /// Advises on words after the operands that were meant as a comment.
 [[nodiscard]] bool AdviseOnProse(OperandCase* it);
+/// Advises on a text with double quotes in it.
+[[nodiscard]] bool AdviseOnQuotes(OperandCase* it);
+/// Advises on a string with a quote too many at one end.
+[[nodiscard]] bool AdviseOnExtraQuote(OperandCase* it);
+/// Proposes the second quote of the string at `text`, the end of an operand.
+void CloseString(OperandCase* it, std::string_view text);
 /// Advises on a string in data whose first quote is missing.
 [[nodiscard]] bool AdviseOnUnopenedString(OperandCase* it);
 /// Advises on the name without a value.

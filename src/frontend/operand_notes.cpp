@@ -277,17 +277,15 @@ std::string Sentence(const Token& token, std::string_view end) {
 std::string FormsNote(const StatementView& statement) {
     const Keyword* const keyword = statement.keyword;
     const std::int32_t most = keyword == nullptr ? 0 : keyword->operands.most;
-    const bool isExcess =
-        keyword != nullptr && most > 1 && std::cmp_greater(statement.operands.size(), most);
-    const std::size_t faulty =
-        isExcess ? static_cast<std::size_t>(most) : FindFaultyOperand(statement);
+    const std::size_t excess = FindExcess(statement);
+    const std::size_t faulty = excess == noFault ? FindFaultyOperand(statement) : excess;
     if (faulty == noFault) {
         return "";
     }
     const std::vector<std::string> choices = ChoicesAt(statement, faulty);
     const std::string word(statement.mnemonic);
-    if (choices.empty() && keyword != nullptr && faulty < statement.operands.size() &&
-        std::cmp_greater(statement.operands.size(), most)) {
+    if ((choices.empty() || excess != noFault) && keyword != nullptr &&
+        faulty < statement.operands.size() && std::cmp_greater(statement.operands.size(), most)) {
         return "remove " + std::string(statement.operands[faulty].text) + ": " + word + " takes " +
                (most == 0   ? "no operand"
                 : most == 1 ? "one operand"

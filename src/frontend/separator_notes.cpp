@@ -79,7 +79,9 @@ bool AdviseOnSeparator(OperandCase* it) {
     const std::string_view sign = text.substr(std::min(at, text.size()), 2);
     const bool isNegative = at + 2 < text.size() && HasClass(text[at + 2], CC_DIGIT);  // "A<-5"
     const std::size_t size = sign == "->" || (sign == "<-" && !isNegative) ? 2 : 1;
-    const bool isMissing = it->fault.number == MSG_ARGUMENT_EXPECTED;
+    const bool isAfterString = at != std::string_view::npos && at > 1 && sign[0] == ':' &&
+                               text[0] == '"' && text.find('"', 1) == at - 1;
+    const bool isMissing = it->fault.number == MSG_ARGUMENT_EXPECTED || isAfterString;
     if (at == std::string_view::npos || at == 0 || at + size >= text.size() ||
         (!isMissing && ClassOf(text.substr(0, at)).kind == KIND_VALUE)) {
         return false;
@@ -206,41 +208,6 @@ bool AdviseOnSecondInstruction(OperandCase* it) {
     }
     it->advice.place = it->advice.edits[0].part;
     it->advice.note = "write one instruction in a line";
-    return true;
-}
-
-// "DB HELLO, WORLD"": the words from the first that is unknown to the quote are the string.
-bool AdviseOnUnopenedString(OperandCase* it) {
-    const auto& operands = it->statement.operands;
-    const auto isEnd = [](const OperandView& operand) {
-        const std::size_t quote = operand.text.find('"');
-        const std::string_view after =
-            operand.text.substr(std::min(quote, operand.text.size() - 1) + 1);
-        return quote != std::string_view::npos && quote > 0 &&
-               after.find('"') == std::string_view::npos &&
-               (after.empty() || HasClass(after.front(), CC_BLANK) || after.front() == ',');
-    };
-    const auto isProse = [it](const OperandView& operand) {
-        return !operand.tokens.empty() &&
-               std::ranges::all_of(operand.tokens, [it](const Token& token) {
-                   return token.kind == TokenKind::name && !it->IsDefined(token.text);
-               });
-    };
-    if (!HoldsWord("DB DEFB DM DEFM", it->statement.mnemonic)) {
-        return false;
-    }
-    const auto end = std::ranges::find_if(
-        operands, [isEnd](const OperandView& each) { return !each.text.empty() && isEnd(each); });
-    if (end == operands.end() || end->text.front() == '\'') {
-        return false;
-    }
-    auto start = end;
-    while (start != operands.begin() && isProse(*(start - 1))) {
-        --start;
-    }
-    it->PointAt(start->text);
-    it->Insert(start->text, "\"");
-    it->advice.note = "open the string with a double quote";
     return true;
 }
 

@@ -178,6 +178,9 @@ Foreign ForeignToken(const StatementView& statement, const Token& token) {
     if (text.front() == '%') {
         return {text, "", "use the digits 0 and 1 after %, and MOD for the remainder"};
     }
+    if (text.find("..") != std::string_view::npos) {
+        return {text, "", "write the values one by one: there are no ranges"};
+    }
     if (HasClass(text.front(), CC_DIGIT) && text.find('.') != std::string_view::npos) {
         return {text, "", "use whole numbers: there are no fractions"};
     }
@@ -219,7 +222,8 @@ Foreign SplitRegister(const StatementView& statement, const OperandView& operand
 
 // A register in parentheses with blanks beside it, or an index register without displacement.
 Foreign ForeignMemory(const StatementView& statement, const OperandView& operand) {
-    if (operand.what.reg == REG_IX_INDIRECT || operand.what.reg == REG_IY_INDIRECT) {
+    const bool isWhole = operand.what.reg == REG_IX_INDIRECT || operand.what.reg == REG_IY_INDIRECT;
+    if (isWhole && statement.mnemonic != "JP") {
         const std::string fix = std::string(statement.Typed(operand.text.substr(0, 3))) + "+0)";
         return {operand.text, fix, "write the displacement: " + fix};
     }

@@ -134,7 +134,12 @@ Advice AdviseOnJoinedWords(const RunFacts& facts, const StatementView& statement
                            isSize   ? std::uint32_t{2}
                            : isSign ? std::uint32_t{1}
                                     : 0};
-        const std::vector<TextEdit> edits = {{gap, isSize ? "" : " "}};
+        const bool isCondition =  // "CALL.NZ X"
+            isSign && !statement.rest.empty() && ClassOf(word.substr(size + 1)).condition >= 0;
+        std::vector<TextEdit> edits = {{gap, isSize ? "" : " "}};
+        if (isCondition) {
+            edits.push_back({statement.PartOf(word.substr(word.size())), ","});
+        }
         const std::string line = Applied(statement.line, edits);
         const StatementView changed = CutStatement(line);
         const bool isPlain =

@@ -8,6 +8,7 @@
 #include <ctime>
 #include <fstream>
 #include <map>
+#include <set>
 
 #include "frontend/analyser.h"
 #include "frontend/file_store.h"
@@ -48,27 +49,26 @@ std::string Printed(const std::string& source) {
 // The errors that remain after making the changes that the notes propose; empty if they propose none.
 std::string ErrorsAfterChange(const std::string& source) {
     const korv::Analysis analysis = AnalysisOf(source);
-    std::map<std::int32_t, std::string> changed;
+    std::map<std::pair<std::int32_t, std::uint32_t>, const korv::Edit*> edits;  // by line and column
+    std::set<std::int32_t> changed;
     for (const korv::Message& message : analysis.messages) {
-        if (message.severity != korv::Severity::error || message.edits.empty() ||
-            changed.contains(message.place.line)) {
-            continue;
+        if (message.severity == korv::Severity::error && !message.edits.empty() &&
+            changed.insert(message.place.line).second) {
+            for (const korv::Edit& edit : message.edits) {
+                edits.emplace(std::pair(edit.place.line, edit.place.column), &edit);
+            }
         }
-        std::string line(analysis.LineOf(message.place));
-        for (auto edit = message.edits.rbegin(); edit != message.edits.rend(); ++edit) {
-            line.replace(edit->place.column, edit->place.length, edit->text);
-        }
-        changed[message.place.line] = line;
     }
     Strings lines = Split(source, '|');
-    for (const auto& [number, line] : changed) {
-        lines.at(static_cast<std::size_t>(number) - 1) = line;
+    for (auto it = edits.rbegin(); it != edits.rend(); ++it) {
+        const korv::Place& place = it->second->place;
+        lines.at(static_cast<std::size_t>(place.line) - 1).replace(place.column, place.length, it->second->text);
     }
     std::string text;
     for (const std::string& line : lines) {
         text += (text.empty() ? "" : "|") + line;
     }
-    return changed.empty() ? "" : Printed(text);
+    return edits.empty() ? "" : Printed(text);
 }
 
 TEST(NotesTest, EachRowHasItsExampleAndProposesWhatAssembles) {

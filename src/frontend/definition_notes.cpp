@@ -47,9 +47,11 @@ Advice Replace(const StatementView& statement, std::string_view part, std::strin
 
 // "#define X 5", and other lines for a preprocessor.
 Advice AdviseOnPreprocessor(const StatementView& statement) {
-    const std::string_view word = statement.mnemonic;
-    const std::string_view rest = statement.rest;
-    if (word == "#DEFINE" || word == ".DEFINE" || word == "DEFINE" || word == "%DEFINE") {
+    const bool isFirst = statement.label == "DEFINE" && !statement.hasColon;
+    const std::string_view word = isFirst ? statement.label : statement.mnemonic;
+    const std::string_view rest =
+        isFirst ? WithoutLeadingBlanks(statement.line.substr(word.size())) : statement.rest;
+    if (HoldsWord("#DEFINE .DEFINE DEFINE %DEFINE", word)) {
         const std::string_view name = rest.substr(0, rest.find_first_of(" \t"));
         const std::string_view value = WithoutLeadingBlanks(rest.substr(name.size()));
         if (IsNameText(name) && !value.empty()) {
@@ -70,7 +72,7 @@ Advice AdviseOnNameSecond(const StatementView& statement) {
     // "DEFC X = 5", ".EQU X,5": the name comes second, and the first word may be in column 1.
     const std::string_view first =
         word.empty() || statement.label.empty() || statement.hasColon ? word : statement.label;
-    if (HoldsWord("EQU DEFL DEFC LET CONST .EQU .SET .DEFL VAR .VAR", first)) {
+    if (HoldsWord("EQU DEFL DEFC LET CONST .EQU .SET .DEFL VAR .VAR .EQUIV", first)) {
         const std::string_view text = WithoutLeadingBlanks(
             statement.line.substr(statement.PartOf(first).offset + first.size()));
         const std::string_view name = text.substr(0, text.find_first_of(" \t=,"));
@@ -126,8 +128,8 @@ Advice AdviseOnDefinition(const StatementView& statement) {
             return Replace(statement, statement.Span(word, last), fix, "write " + fix);
         }
     }
-    const bool isSign =
-        HoldsWord("= := == EQU DEFL SET ASET VAR CONST EQUS EQ .EQU .SET .DEFL DEFINE DEFC", sign);
+    const bool isSign = HoldsWord(
+        "= := == EQU DEFL SET ASET VAR CONST EQUS EQ EQUALS .EQU .SET .DEFL DEFINE DEFC", sign);
     if (!isSign || !IsNameText(name) || WithoutLeadingBlanks(value).empty()) {
         return {};
     }

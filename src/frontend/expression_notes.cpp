@@ -8,6 +8,7 @@
 #include "frontend/note_rows.h"
 #include "frontend/note_steps.h"
 #include "frontend/operand_case.h"
+#include "frontend/proposal.h"
 #include "source/char_class.h"
 
 namespace korv {
@@ -26,48 +27,6 @@ std::vector<TextEdit> CommasIn(const OperandCase& it, std::size_t first, std::si
         }
     }
     return edits;
-}
-
-// A text with double quotes in it: the number 34 for each.
-bool AdviseOnQuotes(OperandCase* it) {
-    const std::string_view text = it->operand->text;
-    const bool isText = text.size() > 3 && text.front() == '"' && text.back() == '"' &&
-                        std::ranges::none_of(it->operand->tokens, [](const Token& token) {
-                            return token.text.find('"') == std::string_view::npos;
-                        });
-    const bool hasBlanks =
-        std::ranges::adjacent_find(it->operand->tokens, [](const Token& one, const Token& next) {
-            return one.text.data() + one.text.size() != next.text.data();
-        }) != it->operand->tokens.end();
-    if (!isText || hasBlanks) {
-        return false;
-    }
-    const std::string_view inner = it->statement.Typed(text.substr(1, text.size() - 2));
-    std::string fix;
-    std::string piece;
-    const auto close = [&](bool isLast) {
-        if (!piece.empty()) {
-            fix += (fix.empty() ? "\"" : ",\"") + piece + "\"";
-        }
-        fix += isLast ? "" : fix.empty() ? "34" : ",34";
-        piece.clear();
-    };
-    for (std::size_t i = 0; i < inner.size(); ++i) {
-        if (inner[i] != '"') {
-            piece += inner[i];
-            continue;
-        }
-        if (piece.ends_with('\\')) {  // as in "say \"hi\""
-            piece.pop_back();
-        }
-        close(false);
-        i += i + 1 < inner.size() && inner[i + 1] == '"' ? std::size_t{1} : 0;
-    }
-    close(true);
-    it->PointAt(text);
-    it->Replace(text, fix);
-    it->advice.note = "write " + fix + ": a double quote in a string is the number 34";
-    return true;
 }
 
 // A name with a dot in it, in two tokens that touch.
@@ -130,10 +89,30 @@ const Token* FindProse(const OperandCase& it) {
     return nullptr;
 }
 
+// A number or a name with a blank in it, as in "8000 H" and "SCREEN WIDTH".
+bool AdviseOnSplitWord(OperandCase* it, const Token& before, const Token& token, bool isNoValue) {
+    const std::string number = std::string(before.text) + std::string(token.text);
+    const bool isNumber = token.text.size() == 1 && HasClass(token.text[0], CC_LETTER) &&
+                          before.kind == TokenKind::number &&
+                          CutTokens(number)[0].kind == TokenKind::number;
+    std::string joined = isNumber ? number : "";
+    for (const std::string_view between : {"_", ""}) {
+        const std::string name = std::string(before.text).append(between).append(token.text);
+        joined = joined.empty() && isNoValue && it->IsDefined(name) ? name : joined;
+    }
+    if (joined.empty()) {
+        return false;
+    }
+    it->PointAt(it->statement.Span(before.text, token.text));
+    it->Replace(it->statement.Span(before.text, token.text), joined);
+    it->advice.note = isNumber ? "remove the blank: " + number : "did you mean " + joined + "?";
+    return true;
+}
+
 // Two values without anything between them: a comma, an operator or a semicolon is missing.
 void AdviseOnTwoValues(OperandCase* it, const Token& token) {
     const bool isData = HoldsWord(dataDirectives, it->statement.mnemonic);
-    if (AdviseOnDots(it, token) || (isData && AdviseOnQuotes(it))) {
+    if (AdviseOnDots(it, token) || AdviseOnExtraQuote(it) || (isData && AdviseOnQuotes(it))) {
         return;
     }
     it->PointAt(token.text);
@@ -153,28 +132,35 @@ void AdviseOnTwoValues(OperandCase* it, const Token& token) {
         return;
     }
     const bool isUnknown = before.kind == TokenKind::name && !it->IsDefined(before.text);
-    const std::string joined = std::string(before.text) + "_" + std::string(token.text);
-    if (isUnknown && it->IsDefined(joined)) {
-        it->PointAt(it->statement.Span(before.text, token.text));
-        it->Replace(it->statement.Span(before.text, token.text), joined);
-        it->advice.note = "did you mean " + joined + "?";
+    if (AdviseOnSplitWord(it, before, token, isUnknown || isName)) {
         return;
     }
     if (!comma.empty() && (isName || isKnown) && !isUnknown && HasFormWith(it->statement, comma)) {
         it->advice.edits = comma;
         it->advice.note = "add the comma: " + WriteNote(it->statement, comma).substr(6);
-    } else if (AdviseOnProse(it)) {
         return;
-    } else if (!isKnown || before.code == OP_CLOSE) {
-        it->advice.note = "begin the comment with a semicolon, or add the operator that is missing";
-    } else {
-        const bool isRegister =
-            isName || token.kind == TokenKind::registerName || token.kind == TokenKind::condition;
-        it->advice.note = isRegister ? "remove " + std::string(it->statement.Typed(token.text)) +
-                                           ", or begin a comment with a semicolon"
-                                     : "add the operator that is missing, or begin a comment with "
-                                       "a semicolon";
     }
+    if (AdviseOnProse(it) ||
+        (isName && !comma.empty() && AdviseOnSeparated(it, token.text, comma))) {
+        return;
+    }
+    const std::string typed(it->statement.Typed(token.text));
+    const bool isRegister =
+        isName || token.kind == TokenKind::registerName || token.kind == TokenKind::condition;
+    if (token.code == OP_OPEN && isUnknown) {
+        it->advice.note = "write the value out: there are no functions";
+    } else if (isRegister && IsSound(it->adviser.Facts(), it->statement,
+                                     {{it->statement.PartOf(token.text), ""}})) {
+        it->advice.note = "remove " + typed + ", or begin a comment with a semicolon";
+    } else {
+        it->advice.note = "put an operator, a comma or a semicolon before " + typed;
+    }
+}
+
+// Whether a jump goes to "+" or "--", which are labels elsewhere.
+bool IsAnonymousLabel(const StatementView& statement, std::string_view text) {
+    return HoldsWord("JP JR CALL DJNZ", statement.mnemonic) &&
+           text.find_first_not_of("+-") == std::string_view::npos;
 }
 
 bool IsComparing(const OperandView& operand) {
@@ -242,23 +228,6 @@ void AdviseOnNoLeft(OperandCase* it, const Token& token) {
     it->Replace(part, number);
 }
 
-// Proposes the second quote of a string: before the numbers that follow a comma, else at its end.
-void CloseString(OperandCase* it, std::string_view text) {
-    std::size_t end = text.size();
-    for (std::size_t comma; (comma = text.substr(0, end).rfind(',')) != std::string_view::npos;) {
-        const std::vector<Token> tokens = CutTokens(text.substr(comma + 1, end - comma - 1));
-        if (tokens.size() != 1 || tokens[0].kind != TokenKind::number) {
-            break;
-        }
-        end = comma;
-    }
-    if (end < 2) {
-        return;
-    }
-    const bool isSingle = end > 2 && text[end - 1] == '\'';  // "text'
-    it->Replace(isSingle ? text.substr(end - 1, 1) : text.substr(end, 0), "\"");
-}
-
 }  // namespace
 
 bool AdviseOnProse(OperandCase* it) {
@@ -300,7 +269,8 @@ bool AdviseOnExpression(OperandCase* it) {
             AdviseOnNoLeft(it, *token);
             break;
         case ExpressionFault::noRight:
-            note = "add a value after " + text;
+            note = IsAnonymousLabel(it->statement, it->operand->text) ? anonymousLabelNote
+                                                                      : "add a value after " + text;
             break;
         case ExpressionFault::openBracket:
         case ExpressionFault::closeBracket:
@@ -316,7 +286,15 @@ bool AdviseOnExpression(OperandCase* it) {
                 note = "write " + name + ": a name has no quotes";
                 break;
             }
-            note = "use a string of one character: only DB and DM take longer ones";
+            if (const std::string value = EscapeValue(text.substr(1, text.size() - 2));
+                !value.empty()) {
+                it->Replace(token->text, value);
+                note = "write " + value + ": there are no escape sequences";
+                break;
+            }
+            note = HoldsWord("DB DEFB", it->statement.mnemonic)
+                       ? "write a string of several characters as an operand of its own"
+                       : "use a string of one character: only DB and DM take longer ones";
             break;
         case ExpressionFault::emptyString:
             note = "put one character between the quotes";
@@ -339,10 +317,11 @@ bool AdviseOnExpression(OperandCase* it) {
             note = largeNumberNote;
             break;
         case ExpressionFault::badToken:
-            if (text.ends_with('"') && std::ranges::count(text, '"') == 1) {
+            if (text.ends_with('"') && std::ranges::count(text, '"') % 2 == 1) {
                 it->Insert(token->text, "\"");
                 note = "open the string with a double quote";
-            } else if (IsNameText(text.substr(0, text.size() - 1)) && text.ends_with('.')) {
+            } else if (const std::string stem = text.substr(0, text.size() - 1);
+                       IsNameText(stem) && (text.ends_with('.') || it->IsDefined(stem))) {
                 it->Replace(token->text.substr(text.size() - 1), "");
                 note = WriteNote(it->statement, it->advice.edits);
             } else if (!AdviseOnDots(it, *token)) {

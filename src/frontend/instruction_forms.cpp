@@ -218,6 +218,21 @@ std::size_t FindFaultyOperand(const StatementView& statement) {
     return statement.operands.size();
 }
 
+std::size_t FindExcess(const StatementView& statement) {
+    const std::size_t count = statement.operands.size();
+    if (statement.keyword == nullptr || statement.keyword->operands.most != 2 || count != 3) {
+        return noFault;
+    }
+    for (std::size_t i = count; i-- > 0;) {
+        StatementView shorter = statement;
+        shorter.operands.erase(shorter.operands.begin() + static_cast<std::ptrdiff_t>(i));
+        if (HasForm(shorter)) {
+            return i;
+        }
+    }
+    return count - 1;
+}
+
 bool HasShape(const StatementView& statement, std::string_view shapes) {
     if (shapes == "*" || (shapes.empty() && statement.operands.empty())) {
         return true;

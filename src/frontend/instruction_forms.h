@@ -75,6 +75,10 @@ inline constexpr std::size_t noFault = static_cast<std::size_t>(-1);
 /// operands if another one is missing; `noFault` if a form matches, or the mnemonic is unknown.
 [[nodiscard]] std::size_t FindFaultyOperand(const StatementView& statement);
 
+/// The index of the operand to remove where there is one too many for a mnemonic that takes two:
+/// the last that leaves a form, else the last. `noFault` for other statements.
+[[nodiscard]] std::size_t FindExcess(const StatementView& statement);
+
 /// Whether the operands match one of `shapes`, which are written like forms; empty: no operands.
 /// Further classes: any an operand; v a value, in parentheses or not; gp BC, DE or HL; pair these,
 /// IX, IY, SP or AF; reg a register or condition; (reg), (cc), (any) these in parentheses.

@@ -19,11 +19,12 @@ Advice AdviseOnOddName(Adviser& adviser, const StatementView& statement) {
     const std::size_t end = std::min(line.find_first_of(" \t:", blanks + 1), line.size());
     const std::string_view word = line.substr(blanks, end - blanks);
     const bool hasColon = end < line.size() && line[end] == ':';
-    const bool isWord =
-        !hasColon && (word.starts_with('.') || word.starts_with('!')) &&
-        FindKeyword(statement.rest.substr(0, statement.rest.find_first_of(" \t"))) == nullptr &&
-        WordAdvice(statement);
-    if (word.empty() || (!hasColon && blanks > 0) || isWord) {
+    const bool isMarked = !hasColon && (word.starts_with('.') || word.starts_with('!'));
+    const bool isBefore =  // ".LOOP LD A,5"
+        isMarked &&
+        FindKeyword(statement.rest.substr(0, statement.rest.find_first_of(" \t"))) != nullptr;
+    const bool isWord = isMarked && !isBefore && WordAdvice(statement);
+    if (word.empty() || (!hasColon && !isBefore && blanks > 0) || isWord) {
         return {};
     }
     std::string name;
@@ -55,10 +56,13 @@ Advice AdviseOnOddName(Adviser& adviser, const StatementView& statement) {
                                  ? "use letters from A to Z, digits, ?, @ and _ in a name"
                                  : "write " + name + " here and where it is used: a name has " +
                                        (hasDot ? "no dots" : "only letters, digits, ?, @ and _");
-    if (word.front() == ':') {
-        name += ':';
-    }
     Advice advice = Replace(statement, line.substr(0, end), name, note);
+    if (word.front() == ':') {
+        advice.edits[0].text += ':';
+        advice.names.push_back(Raised(name));
+    } else {
+        advice.newName = name;
+    }
     advice.place = statement.PartOf(word);
     advice.definesName = true;
     advice.names.emplace_back(word);
@@ -92,11 +96,11 @@ Advice AdviseOnLabelPlace(const StatementView& statement) {
             std::string name(statement.Typed(statement.label));
             name += '_' + std::string(statement.Typed(word.substr(0, word.size() - 1)));
             Advice joined =
-                Replace(statement, both, name,
+                Replace(statement, both, name + ":",
                         "write " + name + " here and where it is used: a name has no blanks");
             joined.definesName = true;
-            joined.names.push_back(std::string(statement.label) +
-                                   std::string(word.substr(0, word.size() - 1)));
+            joined.names.emplace_back(both.substr(0, both.size() - 1));
+            joined.newName = name;
             return joined;
         }
         if (!statement.label.empty()) {

@@ -6,7 +6,9 @@
 
 #include "driver/assembler.h"
 #include "frontend/file_store.h"
+#include "frontend/note_steps.h"
 #include "frontend/program_checks.h"
+#include "frontend/renames.h"
 #include "frontend/terminal_text.h"
 #include "source/char_class.h"
 
@@ -60,6 +62,9 @@ void MessageMaker::Finish() {
     for (const auto& each : pending) {
         if (const auto* const report = std::get_if<Report>(&each); report && !report->warning) {
             refusedLines.insert(lineOf(*report));
+            if (report->number == MSG_UNKNOWN_INSTRUCTION) {
+                ExpectRefusal(report->place);
+            }
             if (report->number == MSG_ARGUMENT_EXPECTED || report->number == MSG_ILLEGAL_ARGUMENT) {
                 shortLines.insert(lineOf(*report));
             }
@@ -86,15 +91,22 @@ void MessageMaker::Finish() {
     RemoveExplained();
 }
 
+// A label that is no name, as in ".LOOP: NOP", may be used before.
+void MessageMaker::ExpectRefusal(const SourcePlace& place) {
+    const std::string_view line = StatementAt(place).line;
+    const std::string_view word = line.substr(0, line.find_first_of(" \t:"));
+    if (!word.empty() && !IsNameText(word) && line.substr(word.size()).starts_with(':')) {
+        adviser.ExpectRefusal(word);
+    }
+}
+
 // The warning about a name that an error is about is a second message about one mistake.
 void MessageMaker::RemoveExplained() {
     const auto isExplained = [this](const Message& message) {
         const bool isAboutName =
             message.severity == Severity::warning &&
             (message.warning == Warning::registerLabel || message.warning == Warning::numberLabel);
-        return isAboutName && std::ranges::any_of(explained, [&](const std::string& name) {
-                   return message.detail == name || message.detail == Quoted(name);
-               });
+        return isAboutName && explained.contains(message.detail);
     };
     if (!explained.empty()) {
         analysis->warningCount -= std::erase_if(analysis->messages, isExplained);
@@ -124,8 +136,10 @@ void MessageMaker::Make(const Report& report) {
     // Each advice looks at all operands. Nobody reads so many messages about one line.
     constexpr std::int32_t mostAdvised = 50;
     if (++reports > mostAdvised) {
-        message.place = PlaceOf(report.place);
-        AddMessage(std::move(message), analysis);
+        if (!adviser.IsRefused(report.text)) {
+            message.place = PlaceOf(report.place);
+            AddMessage(std::move(message), analysis);
+        }
         return;
     }
     const StatementView& statement = StatementAt(report.place);
@@ -154,7 +168,9 @@ void MessageMaker::Make(const Report& report) {
     if (advice.first.file != 0) {
         message.related.push_back({PlaceOf(advice.first), "the first definition"});
     }
-    explained.insert(advice.explains.begin(), advice.explains.end());
+    for (const std::string& name : advice.explains) {
+        explained.insert(Quoted(name));  // as the detail of a warning
+    }
     if (report.number == MSG_LABEL_WITHOUT_COLON && message.warning == Warning::keywordLabel) {
         message.text = RowOf(Warning::keywordLabel).meaning;
         message.code = RowOf(Warning::keywordLabel).name;
@@ -172,7 +188,22 @@ void MessageMaker::Make(const Report& report) {
             message.edits.push_back({part, std::move(edit.text)});
         }
     }
+    if (!advice.newName.empty() && !message.edits.empty()) {
+        AddUses(advice, &message);
+    }
     AddMessage(std::move(message), analysis);
+}
+
+// Where a label gets another name, its uses get it too; if they are too many, nothing is proposed.
+void MessageMaker::AddUses(const Advice& advice, Message* message) {
+    const Place& at = message->place;
+    for (const Place& use : FindUses(TextOf(message->opening), at.file, advice.names.front(),
+                                     at.line, &renameBudget)) {
+        message->edits.push_back({use, advice.newName});
+    }
+    if (renameBudget == 0) {
+        message->edits.clear();
+    }
 }
 
 void MessageMaker::Warn(Warning warning, const Place& place, std::int32_t opening,

@@ -92,6 +92,8 @@ class MessageMaker : private RunFacts {
 
     void Make(const Report& report);
     void RemoveExplained();
+    void ExpectRefusal(const SourcePlace& place);
+    void AddUses(const Advice& advice, Message* message);
     // The statement in hand, cut once for all its messages.
     const StatementView& StatementAt(const SourcePlace& place);
     // Full path of the file of the statement in hand.
@@ -109,6 +111,7 @@ class MessageMaker : private RunFacts {
     StatementView view;
     bool isOneLine = false;  // `view` is of one physical line, without bytes that are dropped
     std::vector<std::variant<Report, Message>> pending;
+    std::int32_t renameBudget = 200'000;        // lines that may be searched for uses
     std::unordered_set<std::string> explained;  // names of labels that errors speak of
     // A number for each statement with a report, and how many it has had, by the core's file and
     // line.

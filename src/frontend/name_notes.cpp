@@ -5,6 +5,7 @@
 #include "codegen/keywords.h"
 #include "frontend/instruction_forms.h"
 #include "frontend/note_rows.h"
+#include "frontend/note_steps.h"
 #include "frontend/operand_case.h"
 #include "source/char_class.h"
 
@@ -126,7 +127,9 @@ void AdviseOnUnknownName(OperandCase* it) {
             return isName && (takesDefined || !it->IsDefined(each.text));
         };
         auto found = std::ranges::find_if(it->operand->tokens, isIt);
-        if (found == it->operand->tokens.end() && it->fault.number == MSG_NOT_IMMEDIATE) {
+        const bool isImmediate =
+            it->fault.number == MSG_NOT_IMMEDIATE || HoldsWord("IF COND", it->statement.mnemonic);
+        if (found == it->operand->tokens.end() && isImmediate) {
             takesDefined = true;
             found = std::ranges::find_if(it->operand->tokens, isIt);
         }
@@ -160,7 +163,7 @@ void AdviseOnUnknownName(OperandCase* it) {
         return;
     }
     if (name == "@B" || name == "@F" || name == "@@") {
-        note = "name the label: there are no anonymous labels";
+        note = anonymousLabelNote;
         return;
     }
     if (AdviseOnCircle(it, name) || AdviseOnGluedOperator(it, *token) || AdviseOnProse(it)) {
@@ -184,7 +187,7 @@ void AdviseOnUnknownName(OperandCase* it) {
         return;
     }
     if (token->kind == TokenKind::digitName) {
-        note = "begin the name with a letter, or write a number as 255, 0FFH, $FF, 1010B or %1010";
+        note = numberNote;
         return;
     }
     if (std::string digits = name; name.front() == 'O' || name.front() == 'L') {

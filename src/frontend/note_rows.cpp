@@ -264,15 +264,19 @@ std::optional<RowAdvice> AdviceOnRest(std::string_view text) {
     const std::string typed = " " + std::string(text);
     const std::string line = Raised(typed);
     const StatementView statement = CutStatement(line, typed);
-    const Keyword* const keyword = statement.keyword;
-    const auto count = static_cast<std::int32_t>(statement.operands.size());
-    return keyword == nullptr                 ? std::nullopt
-           : count > keyword->operands.most   ? OperandAdvice(statement, MSG_TOO_MANY_ARGUMENTS)
-           : count < keyword->operands.fewest ? OperandAdvice(statement, MSG_ARGUMENT_EXPECTED)
-                                              : OperandAdvice(statement, MSG_ILLEGAL_ARGUMENT);
+    return statement.keyword == nullptr ? std::nullopt
+                                        : OperandAdvice(statement, FormMessage(statement));
 }
 
 }  // namespace
+
+Status FormMessage(const StatementView& statement, Status number) {
+    const auto count = static_cast<std::int32_t>(statement.operands.size());
+    return count > statement.keyword->operands.most     ? MSG_TOO_MANY_ARGUMENTS
+           : count < statement.keyword->operands.fewest ? MSG_ARGUMENT_EXPECTED
+           : number == MSG_ILLEGAL_CONDITION            ? number
+                                                        : MSG_ILLEGAL_ARGUMENT;
+}
 
 TextEdit NewStatement(const StatementView& statement, std::string text) {
     const std::string_view last = statement.rest.empty() ? statement.mnemonic : statement.rest;
@@ -290,7 +294,7 @@ std::string WriteNote(const StatementView& statement, const std::vector<TextEdit
 std::optional<RowAdvice> WordAdvice(const StatementView& statement) {
     std::string_view word = statement.mnemonic;
     const bool isMarked =
-        word.size() > 1 && std::string_view(".#!").find(word[0]) != std::string_view::npos;
+        word.size() > 1 && std::string_view(".#!%").find(word[0]) != std::string_view::npos;
     const Translation translation = Translate(statement);
     StatementView changed = translation.View();
     const auto count = static_cast<int>(changed.operands.size());
@@ -300,8 +304,7 @@ std::optional<RowAdvice> WordAdvice(const StatementView& statement) {
             const std::string start = "use " + FirstWord(found.edits[0].text);
             const auto rest = AdviceOnRest(found.edits[0].text);
             if (!rest || rest->edits.empty()) {
-                return RowAdvice{
-                    start + (rest ? ": " + rest->note : " with operands of the Z80"), {}, {}};
+                return RowAdvice{start + (rest ? ": " + rest->note : checkOperands), {}, {}};
             }
             found.note = "write " + InOneLine(rest->edits[0].text);
             found.edits[0].text = rest->edits[0].text;

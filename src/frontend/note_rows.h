@@ -15,6 +15,8 @@ namespace korv {
 inline constexpr std::string_view macroNote =
     "write the lines out, or INCLUDE them from a file: there are no macros or procedures";
 
+inline constexpr const char* checkOperands = " and check the operands";
+
 struct RowAdvice {
     std::string note;
     std::vector<TextEdit> edits;
@@ -26,6 +28,11 @@ struct RowAdvice {
 [[nodiscard]] std::optional<RowAdvice> TokenAdvice(const StatementView& statement,
                                                    const OperandView& operand);
 [[nodiscard]] std::optional<RowAdvice> OperandAdvice(const StatementView& statement, Status number);
+
+/// The message about the operands of `statement`, by their number; `number` if that is about a
+/// condition.
+[[nodiscard]] Status FormMessage(const StatementView& statement,
+                                 Status number = MSG_ILLEGAL_ARGUMENT);
 
 /// "write " and the statement as it is with `edits`, without its label.
 [[nodiscard]] std::string WriteNote(const StatementView& statement,

@@ -11,8 +11,16 @@ namespace korv {
 /// Operands that do not fit, or have no value.
 [[nodiscard]] Advice AdviseOnOperands(Adviser& adviser, const FaultView& fault);
 
+/// The operands that fit instead of the first that does not; empty if they all fit.
+[[nodiscard]] std::string FormsNote(const StatementView& statement);
+
 /// Whether the operand of a jump is as 1B or 1F, which mean numbered labels in other assemblers.
 [[nodiscard]] bool IsNumberedLabel(const StatementView& statement);
+inline constexpr const char* braceNote =
+    "end a condition with ENDIF and a routine with RET: there are no braces";
+inline constexpr const char* numberNote =
+    "begin the name with a letter, or write a number as 255, 0FFH, $FF, 1010B or %1010";
+inline constexpr const char* anonymousLabelNote = "name the label: there are no anonymous labels";
 inline constexpr std::string_view numberedLabelNote =
     "name the label: there are no numbered labels, and 1B is a binary number";
 

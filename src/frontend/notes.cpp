@@ -12,6 +12,9 @@
 #include "frontend/instruction_forms.h"
 #include "frontend/note_rows.h"
 #include "frontend/note_steps.h"
+#include "frontend/operand_case.h"
+#include "frontend/proposal.h"
+#include "frontend/translation.h"
 #include "source/char_class.h"
 
 namespace korv {
@@ -45,12 +48,12 @@ bool IsAboutValue(Status number) {
 // Blocks that other assemblers have: what ends one follows from what begins it.
 constexpr std::string_view blockStarts =
     "MACRO MAC REPT REPEAT DUP IRP IRPC WHILE FOR STRUCT UNION MODULE PHASE DISP SCOPE PROC "
-    "NAMESPACE";
+    "NAMESPACE LUA ENUM FUNC FUNCTION SELECT SWITCH";
 constexpr std::string_view blockEnds =
     "ENDM MEND MACEND ENDMACRO ENDR EDUP WEND ENDW NEXT ENDS ENDSTRUCT ENDUNION ENDMODULE ENDMOD "
     "DEPHASE UNPHASE "
     "ENDSCOPE ENDP ENDNAMESPACE ENT EXITM UNTIL ENDREPEAT ENDREP ENDREPT ENDWHILE ENDFOR ENDU "
-    "ENDSTRUC ENDPROC";
+    "ENDSTRUC ENDPROC ENDLUA ENDE ENDENUM ENDFUNC ENDFUNCTION ENDSELECT ENDSWITCH CASE DEFAULT }";
 
 // Directives whose operands are names that other files would define.
 constexpr std::string_view importDirectives =
@@ -58,18 +61,30 @@ constexpr std::string_view importDirectives =
 
 // Without the marks that other assemblers put before directives.
 std::string_view Plain(std::string_view word) {
-    const std::size_t start = word.find_first_not_of(".#!");
+    const std::size_t start = word.find_first_not_of(".#!%");
     return start == std::string_view::npos ? word : word.substr(start);
 }
 
 bool IsCondition(std::string_view word) {
-    return Plain(word).starts_with("IF") || word == "COND";
+    return Plain(word).starts_with("IF") || HoldsWord("COND UNLESS WHEN", word);
 }
 
 // The word that ends what the statement begins, where the lines in between mean nothing here.
 std::string_view EndOfBlock(const StatementView& statement) {
     const std::string_view word = Plain(statement.mnemonic);
-    return HoldsWord("MACRO MAC", word) ? "endm" : HoldsWord("STRUCT STRUC", word) ? "ends" : "";
+    return HoldsWord("MACRO MAC", word)      ? "endm"
+           : HoldsWord("STRUCT STRUC", word) ? "ends"
+           : word == "LUA"                   ? "endlua"
+                                             : "";
+}
+
+// Whether a condition is ended in the line that begins it, or by a brace.
+bool HoldsEnd(const StatementView& statement) {
+    return statement.rest.ends_with('{') ||
+           std::ranges::any_of(statement.operands, [](const OperandView& operand) {
+               return FindToken(operand, "ENDIF") != nullptr ||
+                      FindToken(operand, "ENDC") != nullptr;
+           });
 }
 
 // The mnemonic that was meant: of the statement with the changes that are proposed, or of an
@@ -81,6 +96,48 @@ std::string MeantMnemonic(const FaultView& fault, const Advice& advice) {
         line.insert(0, " ");
     }
     return std::string(CutStatement(line.substr(0, line.find('\n'))).mnemonic);
+}
+
+// Replaces what else is foreign in a statement of which a part is to be changed. Result: whether
+// that is all that was missing.
+bool Complete(const RunFacts& facts, const StatementView& statement, Advice* advice) {
+    const Translation whole = Translate(statement, advice->edits);
+    const std::vector<TextEdit> edits = {{LinePart{0, whole.end}, whole.typed}};
+    if (whole.changes < 2 || !IsSound(facts, statement, edits)) {
+        return false;
+    }
+    advice->edits = edits;
+    advice->note = "write " + whole.typed.substr(whole.typed.find_first_not_of(" \t")) +
+                   (HasClass(whole.typed.front(), CC_BLANK) ? "" : " from column 1 on");
+    return true;
+}
+
+// Removes a proposal that would bring the next message, and the note too if it names the change.
+void Withdraw(const FaultView& fault, Advice* advice) {
+    const StatementView& statement = fault.statement;
+    const bool isQuestion = advice->note.starts_with("did you mean ");
+    const bool isNamed = isQuestion ||
+                         advice->note.starts_with(WriteNote(statement, advice->edits)) ||
+                         std::ranges::any_of(advice->edits, [&](const TextEdit& edit) {
+                             const std::size_t start = edit.text.find_first_not_of(" \t\n");
+                             return start != std::string::npos &&
+                                    advice->note.find(edit.text.substr(start)) != std::string::npos;
+                         });
+    const bool isRename = advice->note.find(" here and ") != std::string::npos;
+    if (isNamed && !isRename) {
+        const std::string meant = MeantMnemonic(fault, *advice);
+        const bool isWord = fault.number == MSG_UNKNOWN_INSTRUCTION;
+        advice->note = !isWord ? FormsNote(statement)
+                       : isQuestion || FindKeyword(meant) == nullptr
+                           ? ""
+                           : "use " + std::string(meant) + checkOperands;
+    }
+    const LinePart part = advice->place.value_or(fault.part);
+    const std::string_view text = statement.line.substr(part.offset, part.length);
+    if (advice->note.empty() && !text.empty() && HasClass(text.front(), CC_DIGIT)) {
+        advice->note = numberNote;
+    }
+    advice->edits.clear();
 }
 
 }  // namespace
@@ -125,7 +182,11 @@ std::string_view Adviser::NearestName(std::string_view name) {
 
 std::string Adviser::UnusedName(const std::string& name) {
     std::string unused = name;
-    for (int number = 1; FindKeyword(Raised(unused)) != nullptr || facts.FindName(Raised(unused)) ||
+    const auto isDefined = [this](const std::string& each) {
+        const auto known = facts.FindName(Raised(each));
+        return known && known->hasValue;
+    };
+    for (int number = 1; FindKeyword(Raised(unused)) != nullptr || isDefined(unused) ||
                          !proposedNames.insert(Raised(unused)).second;) {
         unused = name + std::to_string(++number);
     }
@@ -140,6 +201,11 @@ Advice Adviser::AdviceFor(const FaultView& fault) {
         advice = AdviseOnOperands(*this, fault);
     } else {
         advice = AdviseOnRest(*this, fault);
+    }
+    if (!advice.edits.empty() && advice.newName.empty() &&
+        !IsSound(facts, fault.statement, advice.edits) &&
+        !Complete(facts, fault.statement, &advice)) {
+        Withdraw(fault, &advice);
     }
     if (advice.note.empty() && advice.edits.size() == 1 && !advice.edits[0].text.empty()) {
         advice.note = "write " + advice.edits[0].text;
@@ -156,7 +222,8 @@ Advice Adviser::AdviceFor(const FaultView& fault) {
         }
         Remember(fault, advice);
     } else {
-        advice.isFollowOn = IsAboutValue(fault.number) && UsesRefusedName(fault);
+        advice.isFollowOn = IsAboutValue(fault.number) &&
+                            (UsesOneOf(refusedNames, fault) || UsesOneOf(unsureNames, fault));
     }
     return advice;
 }
@@ -176,6 +243,11 @@ bool Adviser::IsFollowOn(const FaultView& fault, const Advice& advice) {
         if (isAgain || (!advice.note.empty() && advice.note == lastNote)) {
             return true;
         }
+    }
+    if (std::ranges::any_of(advice.explains, [this](const std::string& name) {
+            return renamedLabels.contains(name);
+        })) {
+        return true;
     }
     if (fault.number == MSG_NOT_IN_CONDITION && refusedConditions > 0) {
         refusedConditions -= statement.mnemonic == "ELSE" ? 0 : 1;
@@ -200,19 +272,22 @@ bool Adviser::IsFollowOn(const FaultView& fault, const Advice& advice) {
     if (fault.number == MSG_UNRESOLVED && hasRefusedFile && advice.edits.empty()) {
         return true;
     }
-    return IsAboutValue(fault.number) && UsesRefusedName(fault);
+    return IsAboutValue(fault.number) && UsesOneOf(refusedNames, fault);
 }
 
-bool Adviser::UsesRefusedName(const FaultView& fault) const {
-    if (refusedNames.empty()) {
+bool Adviser::UsesOneOf(const std::unordered_set<std::string>& names, const FaultView& fault) {
+    if (names.empty()) {
         return false;
     }
-    return std::ranges::any_of(fault.statement.operands, [this](const OperandView& operand) {
-        return refusedNames.contains(std::string(operand.text)) ||
-               std::ranges::any_of(operand.tokens, [this](const Token& token) {
-                   return refusedNames.contains(std::string(token.text));
-               });
-    });
+    const auto isOne = [&names](std::string_view text) {
+        return names.contains(std::string(text));
+    };
+    const auto uses = [&isOne](const OperandView& operand) {
+        return isOne(operand.text) || std::ranges::any_of(operand.tokens, isOne, &Token::text);
+    };
+    const OperandView* const operand = FocusOf(fault);
+    return operand != nullptr ? uses(*operand)
+                              : std::ranges::any_of(fault.statement.operands, uses);
 }
 
 void Adviser::Remember(const FaultView& fault, const Advice& advice) {
@@ -229,6 +304,10 @@ void Adviser::Remember(const FaultView& fault, const Advice& advice) {
         fault.number == MSG_CONDITIONS_TOO_DEEP;
     if (advice.isFollowOn) {
         return;
+    }
+    renamedLabels.insert(advice.explains.begin(), advice.explains.end());
+    if (IsCondition(statement.mnemonic) && HoldsEnd(statement)) {  // "IF X NOP ENDIF"
+        ++refusedEnds;
     }
     const std::string meant = MeantMnemonic(fault, advice);
     if ((isRefused || fault.number == MSG_RESERVED_NAME) &&
@@ -249,9 +328,13 @@ void Adviser::Remember(const FaultView& fault, const Advice& advice) {
             }
         }
     }
+    if (fault.number == MSG_UNKNOWN_INSTRUCTION && !statement.label.empty()) {
+        unsureNames.emplace(statement.label);
+    }
     hasRefusedFile =
         hasRefusedFile || (fault.number == MSG_CANNOT_OPEN && statement.mnemonic == "INCLUDE");
-    hasRefusedBlock = hasRefusedBlock || HoldsWord(blockStarts, Plain(statement.mnemonic));
+    hasRefusedBlock = hasRefusedBlock || HoldsWord(blockStarts, Plain(statement.mnemonic)) ||
+                      statement.rest.ends_with('{');
     if (const std::string_view end = EndOfBlock(statement); !end.empty()) {
         RememberBlock(fault, end);
     }

@@ -79,6 +79,7 @@ struct Advice {
     SourcePlace first;                  ///< the definition that came first; its file is 0 for none
     bool definesName = false;           ///< the line was to define its label, or these
     std::vector<std::string> names;
+    std::string newName;  ///< of the first of `names`, for its uses too; empty: it stays
 };
 
 /// Gives advice on the messages of one run, in the order in which they were reported.
@@ -95,6 +96,14 @@ class Adviser {
     /// `name` or, where that is taken, the name with a number after it; taken from now on.
     [[nodiscard]] std::string UnusedName(const std::string& name);
 
+    /// The definition of `name` will be refused: what uses it before only follows from that.
+    void ExpectRefusal(std::string_view name) { refusedNames.emplace(name); }
+
+    /// Whether the definition of `name` was refused.
+    [[nodiscard]] bool IsRefused(const std::string& name) const {
+        return refusedNames.contains(name);
+    }
+
     /// Whether a refused ENDIF explains an open IF. Each explains one, so it is taken.
     [[nodiscard]] bool TakeRefusedEnd();
 
@@ -102,7 +111,9 @@ class Adviser {
 
   private:
     [[nodiscard]] bool IsFollowOn(const FaultView& fault, const Advice& advice);
-    [[nodiscard]] bool UsesRefusedName(const FaultView& fault) const;
+    // Whether the operand at fault, or any if none is known, has one of `names`.
+    [[nodiscard]] static bool UsesOneOf(const std::unordered_set<std::string>& names,
+                                        const FaultView& fault);
     void Remember(const FaultView& fault, const Advice& advice);
     void RememberBlock(const FaultView& fault, std::string_view end);
     // What is wrong after the line of `fault` up to `line` follows from it.
@@ -112,18 +123,20 @@ class Adviser {
     const RunFacts& facts;
     std::unique_ptr<NearWords> names;  // made at the first question
     std::unordered_set<std::string> proposedNames;
-    std::unordered_set<std::string> refusedNames;  // whose definition was refused
-    std::int32_t refusedConditions = 0;            // IFs that were refused and are still open
-    std::int32_t refusedEnds = 0;                  // of conditions that are open
-    bool hasRefusedTest = false;                   // a condition that has no spelling here
-    std::int32_t skippedFile = 0;                  // of a refused macro or comment of several lines
-    std::int32_t skippedAfter = 0;                 // its first line
-    std::int32_t skippedTo = 0;                    // its last line
-    bool hasRepeatedFile = false;                  // a file that defines names is read twice
-    bool hasRefusedFile = false;                   // an INCLUDE
-    bool hasRefusedBlock = false;                  // such as a macro
-    std::int32_t lastStatement = -1;               // with an error
-    std::vector<LinePart> lastPlaces;              // of its errors
+    std::unordered_set<std::string> refusedNames;   // whose definition was refused
+    std::unordered_set<std::string> unsureNames;    // that a refused line gave the address instead
+    std::unordered_set<std::string> renamedLabels;  // that a note wants to have another name
+    std::int32_t refusedConditions = 0;             // IFs that were refused and are still open
+    std::int32_t refusedEnds = 0;                   // of conditions that are open
+    bool hasRefusedTest = false;                    // a condition that has no spelling here
+    std::int32_t skippedFile = 0;      // of a refused macro or comment of several lines
+    std::int32_t skippedAfter = 0;     // its first line
+    std::int32_t skippedTo = 0;        // its last line
+    bool hasRepeatedFile = false;      // a file that defines names is read twice
+    bool hasRefusedFile = false;       // an INCLUDE
+    bool hasRefusedBlock = false;      // such as a macro
+    std::int32_t lastStatement = -1;   // with an error
+    std::vector<LinePart> lastPlaces;  // of its errors
     std::string lastNote;
 };
 

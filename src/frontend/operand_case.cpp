@@ -4,6 +4,7 @@
 #include "frontend/operand_case.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "codegen/keywords.h"
 #include "frontend/expression_fault.h"
@@ -33,6 +34,10 @@ const OperandView* FocusOf(const FaultView& fault) {
         if (isNamed && (!isByForm || faulty >= operands.size())) {
             return at;
         }
+    }
+    if (const std::size_t excess = FindExcess(fault.statement);
+        fault.number == MSG_TOO_MANY_ARGUMENTS && excess != noFault) {
+        return &operands[excess];
     }
     switch (fault.number) {
         case MSG_ILLEGAL_ARGUMENT:

@@ -54,6 +54,9 @@ struct OperandCase {
 [[nodiscard]] bool AdviseOnComma(OperandCase* it);
 /// Advises on another sign instead of a comma, as in "LD A:5".
 [[nodiscard]] bool AdviseOnSeparator(OperandCase* it);
+/// Advises on a statement that `commas` would cut into operands which do not fit, as in "SUB A:5".
+[[nodiscard]] bool AdviseOnSeparated(OperandCase* it, std::string_view part,
+                                     const std::vector<TextEdit>& commas);
 /// Advises on brackets around the values of a data directive.
 [[nodiscard]] bool AdviseOnListBrackets(OperandCase* it);
 /// Advises on a sign after a register.
@@ -68,6 +71,12 @@ struct OperandCase {
 [[nodiscard]] bool AdviseOnSpelling(OperandCase* it);
 /// Advises on words after the operands that were meant as a comment.
 [[nodiscard]] bool AdviseOnProse(OperandCase* it);
+/// Advises on a text with double quotes in it.
+[[nodiscard]] bool AdviseOnQuotes(OperandCase* it);
+/// Advises on a string with a quote too many at one end.
+[[nodiscard]] bool AdviseOnExtraQuote(OperandCase* it);
+/// Proposes the second quote of the string at `text`, the end of an operand.
+void CloseString(OperandCase* it, std::string_view text);
 /// Advises on a string in data whose first quote is missing.
 [[nodiscard]] bool AdviseOnUnopenedString(OperandCase* it);
 /// Advises on the name without a value.

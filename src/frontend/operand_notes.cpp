@@ -10,6 +10,7 @@
 #include "frontend/note_rows.h"
 #include "frontend/note_steps.h"
 #include "frontend/operand_case.h"
+#include "frontend/proposal.h"
 #include "source/char_class.h"
 
 namespace korv {
@@ -25,6 +26,15 @@ bool Take(OperandCase* it, std::optional<RowAdvice> row) {
         it->PointAt(row->part);
     }
     return true;
+}
+
+// "A, B or C".
+std::string Listed(const std::vector<std::string>& words) {
+    std::string text;
+    for (std::size_t i = 0; i < words.size(); ++i) {
+        text += (i == 0 ? "" : i + 1 == words.size() ? " or " : ", ") + words[i];
+    }
+    return text;
 }
 
 // "X SET 5" and "EQU X,5".
@@ -47,6 +57,14 @@ bool AdviseOnSet(OperandCase* it) {
 bool AdviseOnIndexHalf(OperandCase* it) {
     for (const OperandView& operand : it->statement.operands) {
         const Token* const token = operand.OnlyToken();
+        if (token != nullptr && !it->IsDefined(token->text) &&
+            HoldsWord("AX BX CX DX AL AH BL BH CL CH DL DH SI DI BP EAX EBX ECX EDX",
+                      token->text)) {
+            it->PointAt(token->text);
+            it->advice.note = "use the registers of the Z80: " + std::string(token->text) +
+                              " is of another processor";
+            return true;
+        }
         const bool isHalf =
             token != nullptr &&
             HoldsWord("IXH IXL IYH IYL HX LX HY LY XH XL YH YL IXU IYU", token->text);
@@ -66,30 +84,28 @@ bool AdviseOnIndexHalf(OperandCase* it) {
     return false;
 }
 
-// A label with the name of a register or condition, where an address belongs.
+// A label with the name of a register or condition, where a value or an address belongs.
 bool AdviseOnLabelName(OperandCase* it) {
-    const Token* const token = it->operand == nullptr ? nullptr : it->operand->OnlyToken();
-    const bool isName = token != nullptr && it->fault.number == MSG_ILLEGAL_ARGUMENT &&
-                        ClassOf(token->text).kind != KIND_VALUE && it->IsDefined(token->text);
-    if (!isName) {
-        return false;
+    for (const OperandView& operand : it->statement.operands) {
+        const Token* const token = operand.OnlyToken();
+        if (token == nullptr || ClassOf(token->text).kind == KIND_VALUE ||
+            !it->IsDefined(token->text)) {
+            continue;
+        }
+        const bool hasForm = std::ranges::any_of(
+            std::array{"0", "(0)"}, [it, &operand, token](const std::string& value) {
+                const std::string_view part = value == "0" ? token->text : operand.text;
+                return HasFormWith(it->statement, {{it->statement.PartOf(part), value}});
+            });
+        if (hasForm) {
+            it->PointAt(token->text);
+            it->advice.note =
+                "choose another name: " + std::string(it->statement.Typed(token->text)) +
+                " alone is a " + (token->kind == TokenKind::condition ? "condition" : "register");
+            return true;
+        }
     }
-    const std::string name(it->statement.Typed(token->text));
-    const std::string kind = token->kind == TokenKind::condition ? "condition" : "register";
-    const std::vector<TextEdit> edits = {{it->statement.PartOf(token->text), name + "+0"}};
-    const bool isNumber = token->text == "B" || token->text == "H";
-    if (!HasFormWith(it->statement, edits)) {
-        return false;
-    }
-    it->PointAt(token->text);
-    if (isNumber) {
-        it->advice.note = "choose another name: " + name + " alone is a register, and " + name +
-                          "+0 a number without digits";
-        return true;
-    }
-    it->advice.edits = edits;
-    it->advice.note = WriteNote(it->statement, edits) + ": " + name + " alone is a " + kind;
-    return true;
+    return false;
 }
 
 // A register or condition where a value belongs, in data and the like.
@@ -105,67 +121,13 @@ bool AdviseOnRegister(OperandCase* it) {
     }
     const std::string name(token->text);
     it->PointAt(operand->text);
-    if (name == "B" || name == "H") {
-        it->advice.note = "choose another name: " + name + " is a register, and " + name +
-                          "+0 a number without digits";
-    } else if (it->IsDefined(name)) {
-        it->Replace(operand->text, name + "+0");
-        it->advice.note = "write " + name + "+0: " + name + " alone is a register or condition";
+    if (it->IsDefined(name)) {
+        it->advice.note = "choose another name: " + name + " alone is a register or condition";
     } else {
         it->advice.note =
             "use a number, a string or a name: " + name + " is a register or condition";
     }
     return true;
-}
-
-// Whether the proposed change holds one of the tokens of an expression that `isIt`.
-template <typename IsIt>
-bool ProposesToken(const OperandCase& it, IsIt isIt) {
-    const auto isProposed = [&](const Token& token) {
-        return isIt(token) && std::ranges::any_of(it.advice.edits, [&token](const TextEdit& edit) {
-                   const std::string text = Raised(edit.text);
-                   const std::size_t at = text.find(token.text);
-                   return at != std::string::npos && at > 0 && !HasClass(text[at - 1], CC_NAME);
-               });
-    };
-    return std::ranges::any_of(it.statement.operands, [&isProposed](const OperandView& operand) {
-        return operand.what.kind == KIND_VALUE && !operand.IsIndexed() &&
-               std::ranges::any_of(operand.tokens, isProposed);
-    });
-}
-
-// A name that nothing defines.
-bool ProposesUnknown(const OperandCase& it) {
-    return ProposesToken(it, [&it](const Token& token) {
-        return token.kind == TokenKind::name && !it.adviser.Facts().FindName(token.text);
-    });
-}
-
-// A register in a sum.
-bool ProposesRegister(const OperandCase& it) {
-    return ProposesToken(it, [&it](const Token& token) {
-        return token.kind == TokenKind::registerName && !it.IsDefined(token.text);
-    });
-}
-
-// A proposed "M+0" where there is no name M leads to the next error.
-bool ProposesUnknownName(const OperandCase& it) {
-    for (const TextEdit& edit : it.advice.edits) {
-        const std::size_t at = edit.text.find("+0");
-        if (at == std::string::npos || at == 0 || edit.text.find("(IX+0)") != std::string::npos) {
-            continue;
-        }
-        std::size_t start = at;
-        while (start > 0 && HasClass(edit.text[start - 1], CC_NAME)) {
-            --start;
-        }
-        const std::string_view name = std::string_view(edit.text).substr(start, at - start);
-        const bool isNumber = name == "B" || name == "H";
-        if (isNumber || (ClassOf(name).kind != KIND_VALUE && !it.IsDefined(name))) {
-            return true;
-        }
-    }
-    return false;
 }
 
 // M, which is the memory at HL on the 8080.
@@ -184,7 +146,8 @@ bool AdviseOnM(OperandCase* it) {
 
 // "DM HELLO": the quotes are missing.
 bool AdviseOnBareText(OperandCase* it) {
-    const bool isText = HoldsWord("DM DEFM", it->statement.mnemonic) && it->operand != nullptr;
+    const bool isText = HoldsWord("DM DEFM", it->statement.mnemonic) && it->operand != nullptr &&
+                        it->statement.operands.size() == 1;
     const Token* const token = isText ? it->operand->OnlyToken() : nullptr;
     if (token == nullptr || token->kind != TokenKind::name || it->IsDefined(token->text)) {
         return false;
@@ -195,8 +158,85 @@ bool AdviseOnBareText(OperandCase* it) {
     return true;
 }
 
+// A register in double quotes.
+bool AdviseOnQuotedRegister(OperandCase* it) {
+    for (const OperandView& operand : it->statement.operands) {
+        const std::string_view text = operand.text;
+        const bool isString =
+            operand.tokens.size() == 1 && operand.tokens[0].kind == TokenKind::string;
+        const std::string name(isString ? text.substr(1, text.size() - 2) : "");
+        const std::vector<TextEdit> edits = {{it->statement.PartOf(text), name}};
+        if (ClassOf(Raised(name)).kind != KIND_VALUE && HasFormWith(it->statement, edits)) {
+            it->PointAt(text);
+            it->advice.edits = edits;
+            it->advice.note = WriteNote(it->statement, edits) + ": a register has no quotes";
+            return true;
+        }
+    }
+    return false;
+}
+
+// The registers and conditions that `token` is a slip of: those as long as it first, and of these
+// the one with its letters.
+std::vector<std::string> NearRegisters(const StatementView& statement, const Token& token) {
+    std::vector<std::string> near;
+    std::size_t best = 3;
+    for (const std::string_view name :
+         {"A",  "B",  "C",  "D",  "E", "H",  "L",  "BC", "DE", "HL", "SP",
+          "IX", "IY", "AF", "NZ", "Z", "NC", "PO", "PE", "P",  "M"}) {
+        const bool isPermuted = std::ranges::is_permutation(name, token.text);
+        const std::size_t rank = isPermuted ? 0 : name.size() == token.text.size() ? 1 : 2;
+        if (rank > best || EditDistance(token.text, name) != 1 ||
+            !HasFormWith(statement, {{statement.PartOf(token.text), std::string(name)}})) {
+            continue;
+        }
+        if (rank < best) {
+            near.clear();
+            best = rank;
+        }
+        near.emplace_back(name);
+    }
+    return near;
+}
+
+// A misspelt register or condition.
+bool AdviseOnMisspeltRegister(OperandCase* it) {
+    constexpr std::size_t longest = 3;
+    for (const OperandView& operand : it->statement.operands) {
+        const Token* const token = operand.OnlyToken();
+        if (token == nullptr || token->kind != TokenKind::name || token->text.size() < 2 ||
+            token->text.size() > longest || it->IsDefined(token->text)) {
+            continue;
+        }
+        const std::vector<std::string> near = NearRegisters(it->statement, *token);
+        if (near.empty()) {
+            continue;
+        }
+        it->PointAt(token->text);
+        if (near.size() == 1) {
+            it->Replace(token->text, near[0]);
+        }
+        it->advice.note = "did you mean " + Listed(near) + "?";
+        return true;
+    }
+    return false;
+}
+
+// A change that keeps a name which nothing defines brings the message about the name.
+bool ProposesUnknownName(const OperandCase& it) {
+    return std::ranges::any_of(it.statement.operands, [&it](const OperandView& operand) {
+        const Token* const token = operand.OnlyToken();
+        return token != nullptr && token->kind == TokenKind::name &&
+               !it.adviser.Facts().FindName(token->text) &&
+               std::ranges::any_of(it.advice.edits, [token](const TextEdit& edit) {
+                   return FindName(Raised(edit.text), token->text) != std::string::npos;
+               });
+    });
+}
+
 bool AdviseOnShape(OperandCase* it) {
-    if (AdviseOnBareText(it) || AdviseOnLabelName(it)) {
+    if (AdviseOnBareText(it) || AdviseOnLabelName(it) || AdviseOnQuotedRegister(it) ||
+        (it->fault.number != MSG_TOO_MANY_ARGUMENTS && AdviseOnMisspeltRegister(it))) {
         return true;
     }
     const auto& operands = it->statement.operands;
@@ -214,53 +254,16 @@ bool AdviseOnShape(OperandCase* it) {
     if (!Take(it, OperandAdvice(it->statement, it->fault.number))) {
         return AdviseOnM(it);
     }
-    if (ProposesRegister(*it)) {
-        it->advice.edits.clear();
-        it->advice.note.clear();
-        return false;
-    }
-    if (ProposesUnknown(*it)) {
-        it->advice.edits.clear();
-    }
-    if (ProposesUnknownName(*it)) {
+    if (!it->advice.edits.empty() &&
+        !IsSound(it->adviser.Facts(), it->statement, it->advice.edits)) {
         it->advice.edits.clear();
         it->advice.note.clear();
         return AdviseOnM(it);
     }
+    if (ProposesUnknownName(*it)) {
+        it->advice.edits.clear();
+    }
     return true;
-}
-
-// The forms that agree with the operands before the fault.
-void AdviseOnForms(OperandCase* it) {
-    const std::size_t faulty = FindFaultyOperand(it->statement);
-    if (faulty == noFault) {
-        return;
-    }
-    const std::vector<std::string> choices = ChoicesAt(it->statement, faulty);
-    const Keyword* const keyword = it->statement.keyword;
-    const std::int32_t most = keyword == nullptr ? 0 : keyword->operands.most;
-    if (choices.empty() && keyword != nullptr && faulty < it->statement.operands.size() &&
-        std::cmp_greater(it->statement.operands.size(), most)) {
-        const std::string text(it->statement.operands[faulty].text);
-        it->advice.note = "remove " + text + ": " + std::string(it->statement.mnemonic) +
-                          " takes " +
-                          (most == 0   ? "no operand"
-                           : most == 1 ? "one operand"
-                                       : "two operands");
-        return;
-    }
-    std::string& note = it->advice.note;
-    for (std::size_t i = 0; i < choices.size(); ++i) {
-        note += (i == 0 ? "" : i + 1 == choices.size() ? " or " : ", ") + choices[i];
-    }
-    if (note.empty()) {
-        return;
-    }
-    std::string head(it->statement.mnemonic);
-    for (std::size_t i = 0; i < faulty; ++i) {
-        head += (i == 0 ? " " : ",") + std::string(it->statement.operands[i].text);
-    }
-    note = "use " + note + (faulty == 0 ? " with " : " after ") + head;
 }
 
 constexpr std::size_t npos = std::string::npos;
@@ -270,6 +273,33 @@ std::string Sentence(const Token& token, std::string_view end) {
 }
 
 }  // namespace
+
+std::string FormsNote(const StatementView& statement) {
+    const Keyword* const keyword = statement.keyword;
+    const std::int32_t most = keyword == nullptr ? 0 : keyword->operands.most;
+    const std::size_t excess = FindExcess(statement);
+    const std::size_t faulty = excess == noFault ? FindFaultyOperand(statement) : excess;
+    if (faulty == noFault) {
+        return "";
+    }
+    const std::vector<std::string> choices = ChoicesAt(statement, faulty);
+    const std::string word(statement.mnemonic);
+    if ((choices.empty() || excess != noFault) && keyword != nullptr &&
+        faulty < statement.operands.size() && std::cmp_greater(statement.operands.size(), most)) {
+        return "remove " + std::string(statement.operands[faulty].text) + ": " + word + " takes " +
+               (most == 0   ? "no operand"
+                : most == 1 ? "one operand"
+                            : "two operands");
+    }
+    if (choices.empty()) {
+        return "";
+    }
+    std::string head = word;
+    for (std::size_t i = 0; i < faulty; ++i) {
+        head += (i == 0 ? " " : ",") + std::string(statement.operands[i].text);
+    }
+    return "use " + Listed(choices) + (faulty == 0 ? " with " : " after ") + head;
+}
 
 void AdviseOnOperandCase(OperandCase* it) {
     const FaultView& fault = it->fault;
@@ -289,7 +319,7 @@ void AdviseOnOperandCase(OperandCase* it) {
     }
     if (HoldsWord("INCLUDE BINCLUDE", fault.statement.mnemonic)) {
         if (!AdviseOnShape(it)) {
-            AdviseOnForms(it);
+            it->advice.note = FormsNote(it->statement);
         }
         return;
     }
@@ -314,7 +344,9 @@ void AdviseOnOperandCase(OperandCase* it) {
                           kind == ExpressionFault::openBracket ||
                           kind == ExpressionFault::closeBracket;
     const bool isData = HoldsWord("DB DEFB DW DEFW DS DEFS", fault.statement.mnemonic);
-    if (isValue && (isCount || isData || isBroken || fault.number != MSG_ILLEGAL_ARGUMENT) &&
+    if (isValue &&
+        ((isCount && kind != ExpressionFault::longString) || isData || isBroken ||
+         fault.number != MSG_ILLEGAL_ARGUMENT) &&
         AdviseOnExpression(it)) {
         return;
     }
@@ -329,7 +361,7 @@ void AdviseOnOperandCase(OperandCase* it) {
     if (AdviseOnEmptyOperand(it) || AdviseOnShape(it) || (isValue && AdviseOnExpression(it))) {
         return;
     }
-    AdviseOnForms(it);
+    it->advice.note = FormsNote(it->statement);
 }
 
 Advice AdviseOnOperands(Adviser& adviser, const FaultView& fault) {

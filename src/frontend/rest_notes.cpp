@@ -24,6 +24,8 @@ Advice AdviseOnReservedName(Adviser& adviser, const StatementView& statement) {
         const std::string name = adviser.UnusedName(std::string(statement.Typed(label)) + "1");
         advice.edits = {{*advice.place, name}};
         advice.note = "choose another name here and where it is used, such as " + name;
+        advice.names.emplace_back(label);
+        advice.newName = name;
         return advice;
     }
     advice.edits = {{LinePart{0, 0}, " "}};
@@ -56,20 +58,23 @@ Advice AdviseOnFile(const RunFacts& facts, const FaultView& fault) {
         advice.note = "write the name of a file, not of a directory";
         return advice;
     }
-    if (name.size() > 1 && name.front() == '"' && name.back() != '"') {
+    const std::size_t quote = name.find('"', 1);
+    if (name.size() > 1 && name.front() == '"' && quote == std::string_view::npos) {
         advice.note = "close the name with a double quote, or remove the one before it";
         return advice;
     }
     for (const std::string& candidate :
-         {inner, slashed, inner + ".kor", inner + ".asm", inner + ".inc", inner + ".z80",
-          stem + ".kor", base, "../" + slashed}) {
+         {inner, std::string(name.substr(first, std::min(quote, name.size()) - first)), slashed,
+          inner + ".kor", inner + ".asm", inner + ".inc", inner + ".z80", stem + ".kor", base,
+          "../" + slashed}) {
         if (candidate != name && facts.HasFile(candidate)) {
             advice.edits = {{*advice.place, candidate}};
             advice.note = "write " + std::string(statement.mnemonic) + " " + candidate;
             return advice;
         }
     }
-    if (inner.find_first_of(" \t") != std::string::npos) {
+    const bool isJoined = statement.typed.data() == statement.line.data();
+    if (isJoined && inner.find_first_of(" \t") != std::string::npos) {
         advice.note =
             "check for a backslash at the end of the line: it joins the next line to the name";
         return advice;
@@ -165,6 +170,17 @@ Advice AdviseOnEmptyBrackets(const StatementView& statement) {
     return advice;
 }
 
+// "LD A,(X)+1", which is no byte from memory.
+Advice AdviseOnPartInBrackets(const StatementView& statement) {
+    for (const OperandView& operand : statement.operands) {
+        if (operand.text.starts_with('(') && !operand.text.ends_with(')')) {
+            return Say(statement, operand.text,
+                       "load from memory first: brackets around a part of an operand only group");
+        }
+    }
+    return {};
+}
+
 Advice AdviseOnRange(const StatementView& statement, Status number) {
     Advice advice;
     if (!statement.operands.empty()) {
@@ -201,7 +217,7 @@ constexpr auto fixedNotes = std::to_array<FixedNote>({
     {MSG_ILLEGAL_ELSE, "remove it, or add the ENDIF before it: an IF has one ELSE"},
     {MSG_LABEL_TOO_LONG, "shorten the name to 256 characters", true},
     {MSG_LINE_TOO_LONG,
-     "break the line: with its comment it has at most 255 bytes and a line feed"},
+     "break the line, or accept more by --line-length: the comment and the line end count too"},
     {MSG_NO_CLOSING_QUOTE, "close the string with a double quote"},
     {MSG_EXPECTED_ARGUMENT, "add the operand, or remove the comma"},
     {MSG_LABEL_WITHOUT_COLON, "end the label with a colon", true},
@@ -233,7 +249,8 @@ Advice AdviseOnRest(Adviser& adviser, const FaultView& fault) {
             if (statement.mnemonic == "DJNZ") {
                 return AdviseOnFarJump(statement);
             }
-            return fault.isError ? AdviseOnRange(statement, fault.number) : advice;
+            return fault.isError ? AdviseOnRange(statement, fault.number)
+                                 : AdviseOnPartInBrackets(statement);
         case MSG_NOT_UNSIGNED_BYTE:
             return AdviseOnRange(statement, fault.number);
         case MSG_TEXT_AFTER_STRING:

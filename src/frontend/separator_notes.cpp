@@ -50,6 +50,24 @@ bool AdviseOnComma(OperandCase* it) {
     return false;
 }
 
+bool AdviseOnSeparated(OperandCase* it, std::string_view part,
+                       const std::vector<TextEdit>& commas) {
+    const std::string typed =
+        Applied(it->statement.typed.substr(0, it->statement.line.size()), commas);
+    const std::string line = Raised(typed);
+    const StatementView changed = CutStatement(line, typed);
+    auto row = OperandAdvice(changed, FormMessage(changed));
+    if (!row) {
+        return false;
+    }
+    it->PointAt(part);
+    it->advice.note = std::move(row->note);
+    if (!row->edits.empty()) {  // of the whole statement
+        it->advice.edits = {NewStatement(it->statement, row->edits[0].text)};
+    }
+    return true;
+}
+
 // A comma that is another sign, as in "LD A:5".
 bool AdviseOnSeparator(OperandCase* it) {
     const auto& operands = it->statement.operands;
@@ -58,20 +76,27 @@ bool AdviseOnSeparator(OperandCase* it) {
     }
     const std::string_view text = operands[0].text;
     const std::size_t at = text.find_first_of(":.=<-;/");
-    const std::size_t size = text.substr(std::min(at, text.size()), 2) == "->" ? 2 : 1;
-    const bool isMissing = it->fault.number == MSG_ARGUMENT_EXPECTED;
+    const std::string_view sign = text.substr(std::min(at, text.size()), 2);
+    const bool isNegative = at + 2 < text.size() && HasClass(text[at + 2], CC_DIGIT);  // "A<-5"
+    const std::size_t size = sign == "->" || (sign == "<-" && !isNegative) ? 2 : 1;
+    const bool isAfterString = at != std::string_view::npos && at > 1 && sign[0] == ':' &&
+                               text[0] == '"' && text.find('"', 1) == at - 1;
+    const bool isMissing = it->fault.number == MSG_ARGUMENT_EXPECTED || isAfterString;
     if (at == std::string_view::npos || at == 0 || at + size >= text.size() ||
         (!isMissing && ClassOf(text.substr(0, at)).kind == KIND_VALUE)) {
         return false;
     }
     const std::vector<TextEdit> edits = {{it->statement.PartOf(text.substr(at, size)), ","}};
-    if (!HasFormWith(it->statement, edits)) {
-        return false;
+    if (HasFormWith(it->statement, edits)) {
+        it->PointAt(text.substr(at, size));
+        it->advice.edits = edits;
+        it->advice.note = WriteNote(it->statement, edits);
+        return true;
     }
-    it->PointAt(text.substr(at, size));
-    it->advice.edits = edits;
-    it->advice.note = WriteNote(it->statement, edits);
-    return true;
+    const std::string_view next = text.substr(at + size);
+    return ClassOf(text.substr(0, at)).kind != KIND_VALUE &&
+           FindKeyword(next.substr(0, next.find_first_of(" \t"))) == nullptr &&
+           AdviseOnSeparated(it, text.substr(at, size), edits);
 }
 
 // "DB (1,2,3)": brackets around a list of values.
@@ -136,6 +161,28 @@ bool AdviseOnSplitBrackets(OperandCase* it) {
     return false;
 }
 
+namespace {
+
+// Proposes a line break before each instruction within `operand`.
+void AddInstructionBreaks(OperandCase* it, const OperandView& operand) {
+    const Keyword* const keyword = it->statement.keyword;
+    const bool isAlone = keyword != nullptr && keyword->operands.most == 0 &&  // "EXX RET"
+                         keyword->group == KeywordGroup::instruction;
+    for (std::size_t i = isAlone ? 0 : 1; i < operand.tokens.size(); ++i) {
+        const Token& token = operand.tokens[i];
+        const Token& before = operand.tokens[i == 0 ? 0 : i - 1];
+        const bool isSign = HoldsWord("| : \\ !", before.text) && i > 1;
+        if (token.kind == TokenKind::name && FindKeyword(token.text) != nullptr &&
+            !it->IsDefined(token.text) && !HoldsWord("IF COND", token.text) &&
+            (isSign || i == 0 || (before.IsValue() && !before.text.ends_with(':')))) {
+            it->Replace(isSign ? it->statement.Span(before.text, token.text) : token.text,
+                        "\n\t" + std::string(it->statement.Typed(token.text)));
+        }
+    }
+}
+
+}  // namespace
+
 // A second instruction in the line, with or without a sign before it.
 bool AdviseOnSecondInstruction(OperandCase* it) {
     const auto& operands = it->statement.operands;
@@ -154,60 +201,13 @@ bool AdviseOnSecondInstruction(OperandCase* it) {
         }
     }
     for (const OperandView& operand : operands) {
-        const Keyword* const keyword = it->statement.keyword;
-        const bool isAlone = keyword != nullptr && keyword->operands.most == 0 &&  // "EXX RET"
-                             keyword->group == KeywordGroup::instruction;
-        for (std::size_t i = isAlone ? 0 : 1; i < operand.tokens.size(); ++i) {
-            const Token& token = operand.tokens[i];
-            const Token& before = operand.tokens[i == 0 ? 0 : i - 1];
-            const bool isSign = HoldsWord("| : \\ !", before.text) && i > 1;
-            if (token.kind == TokenKind::name && FindKeyword(token.text) != nullptr &&
-                !it->IsDefined(token.text) && !HoldsWord("IF COND", token.text) &&
-                (isSign || i == 0 || (before.IsValue() && !before.text.ends_with(':')))) {
-                const std::string_view part =
-                    isSign ? it->statement.Span(before.text, token.text) : token.text;
-                it->PointAt(part);
-                it->Replace(part, "\n\t" + std::string(it->statement.Typed(token.text)));
-                it->advice.note = "write one instruction in a line";
-                return true;
-            }
-        }
+        AddInstructionBreaks(it, operand);
     }
-    return false;
-}
-
-// "DB HELLO, WORLD"": the words from the first that is unknown to the quote are the string.
-bool AdviseOnUnopenedString(OperandCase* it) {
-    const auto& operands = it->statement.operands;
-    const auto isEnd = [](const OperandView& operand) {
-        const std::size_t quote = operand.text.find('"');
-        const std::string_view after =
-            operand.text.substr(std::min(quote, operand.text.size() - 1) + 1);
-        return quote != std::string_view::npos && quote > 0 &&
-               after.find('"') == std::string_view::npos &&
-               (after.empty() || HasClass(after.front(), CC_BLANK) || after.front() == ',');
-    };
-    const auto isProse = [it](const OperandView& operand) {
-        return !operand.tokens.empty() &&
-               std::ranges::all_of(operand.tokens, [it](const Token& token) {
-                   return token.kind == TokenKind::name && !it->IsDefined(token.text);
-               });
-    };
-    if (!HoldsWord("DB DEFB DM DEFM", it->statement.mnemonic)) {
+    if (it->advice.edits.empty()) {
         return false;
     }
-    const auto end = std::ranges::find_if(
-        operands, [isEnd](const OperandView& each) { return !each.text.empty() && isEnd(each); });
-    if (end == operands.end() || end->text.front() == '\'') {
-        return false;
-    }
-    auto start = end;
-    while (start != operands.begin() && isProse(*(start - 1))) {
-        --start;
-    }
-    it->PointAt(start->text);
-    it->Insert(start->text, "\"");
-    it->advice.note = "open the string with a double quote";
+    it->advice.place = it->advice.edits[0].part;
+    it->advice.note = "write one instruction in a line";
     return true;
 }
 

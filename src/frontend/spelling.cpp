@@ -5,6 +5,7 @@
 #include "expr/number.h"
 #include "frontend/instruction_forms.h"
 #include "frontend/note_steps.h"
+#include "frontend/operand_case.h"
 #include "source/char_class.h"
 
 namespace korv {
@@ -33,25 +34,6 @@ std::string Spelled(std::string_view digits, char base) {
     return "";
 }
 
-// An escape sequence in single quotes.
-std::string EscapeValue(std::string_view content) {
-    if (content.size() == 2 && content.front() == '\\') {
-        switch (content[1]) {
-            case 'n':
-                return "10";
-            case 'r':
-                return "13";
-            case 't':
-                return "9";
-            case '0':
-                return "0";
-            default:
-                return "\"" + std::string(content.substr(1)) + "\"";
-        }
-    }
-    return content == "\"" ? "34" : "";
-}
-
 // Whether the single quote at `at` is within a word and another one follows.
 bool IsApostrophe(std::string_view source, std::size_t at) {
     return at > 0 && at + 1 < source.size() && HasClass(source[at - 1], CC_LETTER) &&
@@ -67,7 +49,9 @@ Foreign SingleQuoted(const StatementView& statement, std::size_t start) {
     std::string content;
     const char quote = source[start];
     for (; end < source.size(); ++end) {
-        if (source[end] == quote && source.substr(end + 1, 1) == "'" && end > start + 1) {
+        if (source.substr(end, 3) == "\\''") {  // '\''
+            ++end;
+        } else if (source[end] == quote && source.substr(end + 1, 1) == "'" && end > start + 1) {
             ++end;
         } else if (source[end] == quote && IsApostrophe(source, end)) {  // 'don't'
             content += '\'';
@@ -142,6 +126,9 @@ Foreign ForeignToken(const StatementView& statement, const Token& token) {
         return {text, "",
                 "use the digits 0 and 1 before B, or write " + typed + "H if it is hexadecimal"};
     }
+    if (letter == text.size() - 1 && letter > 0 && text.ends_with('O')) {  // "8O"
+        return {text, "", "use the digits 0 to 7 before O"};
+    }
     if (letter != std::string_view::npos && letter > 0 && letter + 1 < text.size() &&
         text[letter] == 'E' && IsOf(text.substr(letter + 1), "0123456789")) {  // "1E3"
         return {text, "", "write " + typed + "H if it is hexadecimal: there are no exponents"};
@@ -191,6 +178,9 @@ Foreign ForeignToken(const StatementView& statement, const Token& token) {
     if (text.front() == '%') {
         return {text, "", "use the digits 0 and 1 after %, and MOD for the remainder"};
     }
+    if (text.find("..") != std::string_view::npos) {
+        return {text, "", "write the values one by one: there are no ranges"};
+    }
     if (HasClass(text.front(), CC_DIGIT) && text.find('.') != std::string_view::npos) {
         return {text, "", "use whole numbers: there are no fractions"};
     }
@@ -211,13 +201,36 @@ Foreign ForeignToken(const StatementView& statement, const Token& token) {
     return {};
 }
 
+// "INC H L", where the blank is neither before a comment nor a comma that is missing.
+Foreign SplitRegister(const StatementView& statement, const OperandView& operand) {
+    const std::vector<Token>& tokens = operand.tokens;
+    if (tokens.size() != 2 || tokens[0].kind != TokenKind::registerName ||
+        tokens[1].kind != TokenKind::registerName) {
+        return {};
+    }
+    const std::string_view left = statement.Typed(tokens[0].text);
+    const std::string_view right = statement.Typed(tokens[1].text);
+    const std::string_view part = statement.Span(tokens[0].text, tokens[1].text);
+    const std::string joined = std::string(left) + std::string(right);
+    const LinePart place = statement.PartOf(part);
+    if (ClassOf(Raised(joined)).kind == KIND_VALUE || !HasFormWith(statement, {{place, joined}}) ||
+        HasFormWith(statement, {{place, std::string(left) + "," + std::string(right)}})) {
+        return {};
+    }
+    return {part, joined, "remove the blank: " + joined};
+}
+
 // A register in parentheses with blanks beside it, or an index register without displacement.
 Foreign ForeignMemory(const StatementView& statement, const OperandView& operand) {
-    if (operand.what.reg == REG_IX_INDIRECT || operand.what.reg == REG_IY_INDIRECT) {
+    const bool isWhole = operand.what.reg == REG_IX_INDIRECT || operand.what.reg == REG_IY_INDIRECT;
+    if (isWhole && statement.mnemonic != "JP") {
         const std::string fix = std::string(statement.Typed(operand.text.substr(0, 3))) + "+0)";
         return {operand.text, fix, "write the displacement: " + fix};
     }
     const std::vector<Token>& tokens = operand.tokens;
+    if (Foreign found = SplitRegister(statement, operand); found.part.data() != nullptr) {
+        return found;
+    }
     const bool isValue = operand.what.reg == REG_DIRECT && operand.what.kind == KIND_VALUE;
     if (!isValue || tokens.size() < 3 || ClassOf(tokens[1].text).kind == KIND_VALUE) {
         return {};
@@ -235,7 +248,33 @@ Foreign ForeignMemory(const StatementView& statement, const OperandView& operand
 
 }  // namespace
 
+std::string EscapeValue(std::string_view content) {
+    if (content.size() == 2 && content.front() == '\\') {
+        switch (content[1]) {
+            case 'n':
+                return "10";
+            case 'r':
+                return "13";
+            case 't':
+                return "9";
+            case '0':
+                return "0";
+            default:
+                return "\"" + std::string(content.substr(1)) + "\"";
+        }
+    }
+    return content == "\"" ? "34" : "";
+}
+
 std::string NumberSpelling(std::string_view token) {
+    const bool isGrouped = token.size() > 2 && HasClass(token[0], CC_DIGIT) &&
+                           HasClass(token[1], CC_LETTER) &&
+                           token.find('_') != std::string_view::npos;
+    if (isGrouped) {  // "0B1111_0000"
+        std::string digits(token);
+        std::erase(digits, '_');
+        return NumberSpelling(digits);
+    }
     const std::size_t size = token.size();
     const std::size_t quote = token.find('\'');
     if (size > 3 && quote == 1 && token.ends_with('\'')) {  // H'FF'
@@ -312,11 +351,24 @@ Foreign FindForeign(const StatementView& statement, const OperandView& operand) 
             }
             return found;
         }
+        if (c == '{' && i > 0 && i + 1 == operand.text.size()) {  // "IF (X == 1) {"
+            return {operand.text.substr(i), "", braceNote};
+        }
+        const bool isSlashed =
+            i == 0 && c == '/' && operand.text.size() > 2 && operand.text.ends_with(c);
+        if (isSlashed && HoldsWord("DB DEFB DM DEFM", statement.mnemonic)) {  // ".ASCII /text/"
+            const std::string_view inner = operand.text.substr(1, operand.text.size() - 2);
+            const std::string fix = '"' + std::string(statement.Typed(inner)) + '"';
+            return {operand.text, fix, "use double quotes: " + fix};
+        }
         if (c == '{' && HoldsWord("DB DEFB DW DEFW", statement.mnemonic)) {
             return {operand.text.substr(i, 1), "",
                     "remove the braces: values follow the directive"};
         }
-        if (c == '[' && i > 0 && HasClass(operand.text[i - 1], CC_NAME)) {  // "TABLE[2]"
+        const bool isIndexed = operand.text.substr(i).starts_with("[IX]") ||
+                               operand.text.substr(i).starts_with("[IY]");
+        if (c == '[' && i > 0 && !isIndexed &&
+            HasClass(operand.text[i - 1], CC_NAME)) {  // "TABLE[2]"
             return {operand.text, "", "add the index to the address with +: there are no arrays"};
         }
         if (c == '[' || c == '{' || ((c == ']' || c == '}') && i + 1 == operand.text.size())) {
@@ -332,6 +384,17 @@ Foreign FindForeign(const StatementView& statement, const OperandView& operand) 
         }
     }
     return {};
+}
+
+std::size_t FindName(std::string_view text, std::string_view name, std::size_t from) {
+    for (std::size_t at = from; (at = text.find(name, at)) != std::string_view::npos; ++at) {
+        const std::size_t end = at + name.size();
+        if ((at == 0 || !HasClass(text[at - 1], CC_NAME)) &&
+            (end == text.size() || !HasClass(text[end], CC_NAME))) {
+            return at;
+        }
+    }
+    return std::string_view::npos;
 }
 
 std::string Applied(std::string_view line, const std::vector<TextEdit>& edits) {

@@ -29,9 +29,17 @@ inline constexpr std::string_view largeNumberNote =
 /// The first of `operand`; `part` without data for none.
 [[nodiscard]] Foreign FindForeign(const StatementView& statement, const OperandView& operand);
 
+/// What an escape sequence stands for, or a double quote; empty if `content` is neither.
+[[nodiscard]] std::string EscapeValue(std::string_view content);
+
 /// A number as it is written here, from `token` as another assembler writes it; empty if it is
 /// none.
 [[nodiscard]] std::string NumberSpelling(std::string_view token);
+
+/// Where `name` begins in `text`, at or after `from`, as no part of a longer name; npos for
+/// nowhere.
+[[nodiscard]] std::size_t FindName(std::string_view text, std::string_view name,
+                                   std::size_t from = 0);
 
 /// `line` with `edits`, which are in its order.
 [[nodiscard]] std::string Applied(std::string_view line, const std::vector<TextEdit>& edits);

@@ -35,19 +35,10 @@ Found FindSpelling(const StatementView& statement, const OperandView& operand) {
     return {};
 }
 
-// What to report about the statement once its spellings are those of here.
-Status NumberOfRest(const StatementView& changed, Status number) {
-    const auto count = static_cast<std::int32_t>(changed.operands.size());
-    return count > changed.keyword->operands.most     ? MSG_TOO_MANY_ARGUMENTS
-           : count < changed.keyword->operands.fewest ? MSG_ARGUMENT_EXPECTED
-           : number == MSG_ILLEGAL_CONDITION          ? number
-                                                      : MSG_ILLEGAL_ARGUMENT;
-}
-
 // Takes the advice on the statement that `translation` makes.
 void AdviseOnTranslated(OperandCase* it, const Translation& translation) {
     const StatementView changed = translation.View();
-    const FaultView fault{.number = NumberOfRest(changed, it->fault.number),
+    const FaultView fault{.number = FormMessage(changed, it->fault.number),
                           .isError = it->fault.isError,
                           .isLate = it->fault.isLate,
                           .statement = changed,
@@ -121,13 +112,13 @@ bool AdviseOnSpelling(OperandCase* it) {
         it->PointAt(found.part);
         if (const std::string_view inner = found.part.substr(1, found.part.size() - 2);
             found.edits.empty() && found.part.size() > 2 && found.part.front() == '\'' &&
-            it->IsDefined(inner)) {
+            (it->IsDefined(inner) || ClassOf(inner).kind != KIND_VALUE)) {
             it->Replace(found.part, std::string(statement.Typed(inner)));
             it->advice.note = WriteNote(statement, it->advice.edits) + ": a name has no quotes";
             return true;
         }
-        if (found.edits.empty() && found.part.starts_with('&') &&
-            it->IsDefined(found.part.substr(1))) {  // an address in C
+        if (found.edits.empty() && HoldsWord("& $ %", found.part.substr(0, 1)) &&
+            it->IsDefined(found.part.substr(1))) {  // an address in C, a variable of a shell
             it->Replace(found.part.substr(0, 1), "");
             it->advice.note = WriteNote(statement, it->advice.edits);
             return true;

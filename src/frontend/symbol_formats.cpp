@@ -1,7 +1,6 @@
 #include "frontend/symbol_formats.h"
 
 #include <algorithm>
-#include <tuple>
 #include <utility>
 #include <vector>
 

@@ -9,15 +9,6 @@
 namespace korv {
 namespace {
 
-// Where the comment of `typed` begins, or the blanks before it.
-std::size_t StatementEnd(std::string_view typed) {
-    std::size_t end = CommentStart(typed);
-    while (end > 0 && HasClass(typed[end - 1], CC_BLANK)) {
-        --end;
-    }
-    return end;
-}
-
 // Whether the statement goes on after the change: it becomes no comment and no second line.
 bool IsWithin(const TextEdit& edit) {
     return !edit.text.empty() && edit.text.find_first_of("\n;") != 0;
@@ -45,6 +36,14 @@ std::optional<TextEdit> FirstChange(const StatementView& statement) {
 TextEdit Translation::Whole(const StatementView& statement, std::string text) const {
     const std::uint32_t start = statement.PartOf(statement.mnemonic).offset;
     return {{start, std::max(end, start) - start}, std::move(text)};
+}
+
+std::size_t StatementEnd(std::string_view typed) {
+    std::size_t end = CommentStart(typed);
+    while (end > 0 && HasClass(typed[end - 1], CC_BLANK)) {
+        --end;
+    }
+    return end;
 }
 
 Translation Translate(const StatementView& statement, const std::vector<TextEdit>& first) {

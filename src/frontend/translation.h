@@ -11,6 +11,9 @@
 
 namespace korv {
 
+/// Where the comment of `typed` begins, or the blanks before it.
+[[nodiscard]] std::size_t StatementEnd(std::string_view typed);
+
 struct Translation {
     std::string typed;      ///< the line as typed, replaced, without its comment
     std::string line;       ///< the same, cleaned

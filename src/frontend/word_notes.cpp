@@ -92,6 +92,22 @@ Advice AdviseOnData(const StatementView& statement) {
     return advice;
 }
 
+// "+", "-" and "@@", which are labels without a name elsewhere.
+Advice AdviseOnAnonymousLabel(const StatementView& statement) {
+    const std::string_view word = statement.mnemonic;
+    const std::string_view next = statement.rest.substr(0, statement.rest.find_first_of(" \t"));
+    const bool isSigns = word.find_first_not_of("+-") == std::string_view::npos;
+    const bool isLabel = isSigns && (next.empty() || FindKeyword(next) != nullptr);
+    return isLabel || word == "@@:" ? Say(statement, word, anonymousLabelNote) : Advice{};
+}
+
+// A block in braces.
+Advice AdviseOnBrace(const StatementView& statement) {
+    const std::string_view word = statement.mnemonic;
+    const bool isBrace = word.starts_with('{') || word.starts_with('}') || word.ends_with('{');
+    return isBrace || statement.rest.ends_with('{') ? Say(statement, word, braceNote) : Advice{};
+}
+
 // Lines for a preprocessor that are no definition.
 Advice AdviseOnMark(const StatementView& statement) {
     const std::string_view word = statement.mnemonic;
@@ -118,7 +134,12 @@ Advice AdviseOnJoinedWords(const RunFacts& facts, const StatementView& statement
                            isSize   ? std::uint32_t{2}
                            : isSign ? std::uint32_t{1}
                                     : 0};
-        const std::vector<TextEdit> edits = {{gap, isSize ? "" : " "}};
+        const bool isCondition =  // "CALL.NZ X"
+            isSign && !statement.rest.empty() && ClassOf(word.substr(size + 1)).condition >= 0;
+        std::vector<TextEdit> edits = {{gap, isSize ? "" : " "}};
+        if (isCondition) {
+            edits.push_back({statement.PartOf(word.substr(word.size())), ","});
+        }
         const std::string line = Applied(statement.line, edits);
         const StatementView changed = CutStatement(line);
         const bool isPlain =
@@ -140,6 +161,16 @@ Advice AdviseOnJoinedWords(const RunFacts& facts, const StatementView& statement
 // A mnemonic with a sign after it, as in "DI, EI" and "LD, A,5".
 Advice AdviseOnSign(const StatementView& statement) {
     const std::string_view word = statement.mnemonic;
+    const std::size_t sign = word.find_first_of(",:");
+    const Keyword* const first = FindKeyword(word.substr(0, sign));
+    const std::string_view second = word.substr(std::min(sign, word.size() - 1) + 1);
+    if (first != nullptr && first->operands.fewest == 0 &&
+        FindKeyword(second.substr(0, second.find_first_of(",:"))) != nullptr) {  // "DI,EI"
+        Advice advice =
+            Replace(statement, word.substr(sign, 1), "\n\t", "write one instruction in a line");
+        advice.place = statement.PartOf(word);
+        return advice;
+    }
     const std::string_view stem = word.substr(0, word.find_last_not_of(",;.-") + 1);
     const Keyword* const keyword = FindKeyword(stem);
     if (stem.size() == word.size() || keyword == nullptr) {
@@ -162,7 +193,9 @@ std::string_view NearestKeyword(const StatementView& statement, std::string_view
     static const std::vector<std::string_view> words = [] {
         std::vector<std::string_view> all;
         for (const Keyword& keyword : keywords) {
-            all.push_back(keyword.word);
+            if (!HoldsWord("DD DEFD MACRO ENDM PROC ENDP MAC_ON MAC_OFF", keyword.word)) {
+                all.push_back(keyword.word);
+            }
         }
         return all;
     }();
@@ -209,6 +242,15 @@ Advice AdviseOnColumn(const StatementView& statement) {
     const StatementView indented = CutStatement(line);
     Advice advice;
     advice.place = statement.PartOf(label);
+    const std::string_view rest = indented.rest;
+    if (indented.mnemonic == "INCLUDE" && rest.size() > 2 && rest.starts_with('"') &&
+        rest.ends_with('"')) {
+        const std::string fix = std::string(statement.Typed(label)) + " " +
+                                std::string(rest.substr(1, rest.size() - 2));
+        advice.edits = {{statement.PartOf(statement.line), " " + fix}};
+        advice.note = "write " + fix + ", not in column 1";
+        return advice;
+    }
     if (indented.keyword != nullptr) {
         advice.edits = {{LinePart{0, 0}, " "}};
         advice.note = "indent " + std::string(label) + ": only labels begin in column 1";
@@ -233,8 +275,9 @@ Advice AdviseOnColumn(const StatementView& statement) {
 Advice AdviseOnUnknownWord(Adviser& adviser, const FaultView& fault) {
     const StatementView& statement = fault.statement;
     const std::string_view word = statement.mnemonic;
-    for (const auto step : {AdviseOnEncoding, AdviseOnOrigin, AdviseOnComment, AdviseOnPreprocessor,
-                            AdviseOnMark, AdviseOnDefinition}) {
+    for (const auto step :
+         {AdviseOnEncoding, AdviseOnOrigin, AdviseOnAnonymousLabel, AdviseOnBrace, AdviseOnComment,
+          AdviseOnPreprocessor, AdviseOnMark, AdviseOnDefinition}) {
         if (Advice advice = step(statement); advice.place) {
             return advice;
         }
@@ -270,6 +313,8 @@ Advice AdviseOnUnknownWord(Adviser& adviser, const FaultView& fault) {
     if (const std::string_view near = NearestKeyword(statement, word); !near.empty()) {
         advice.edits = {{statement.PartOf(word), std::string(near)}};
         advice.note = "did you mean " + std::string(near) + "?";
+    } else if (ClassOf(word.substr(0, word.find_first_of("+-="))).kind != KIND_VALUE) {
+        advice.note = "write an instruction, such as LD or ADD: there are no assignments";
     } else if (fault.isSkipped) {
         advice.note =
             "begin the line with a semicolon: mnemonics are checked in skipped blocks too";

@@ -1,0 +1,122 @@
+// Strings whose quotes are missing, too many, or within the text.
+
+#include <algorithm>
+
+#include "frontend/instruction_forms.h"
+#include "frontend/operand_case.h"
+#include "source/char_class.h"
+
+namespace korv {
+
+// A text with double quotes in it: the number 34 for each.
+bool AdviseOnQuotes(OperandCase* it) {
+    const std::string_view text = it->operand->text;
+    const bool isText = text.size() > 3 && text.front() == '"' && text.back() == '"' &&
+                        std::ranges::none_of(it->operand->tokens, [](const Token& token) {
+                            return token.text.find('"') == std::string_view::npos;
+                        });
+    const bool hasBlanks =
+        std::ranges::adjacent_find(it->operand->tokens, [](const Token& one, const Token& next) {
+            return one.text.data() + one.text.size() != next.text.data();
+        }) != it->operand->tokens.end();
+    if (!isText || hasBlanks) {
+        return false;
+    }
+    const std::string_view inner = it->statement.Typed(text.substr(1, text.size() - 2));
+    std::string fix;
+    std::string piece;
+    const auto close = [&](bool isLast) {
+        if (!piece.empty()) {
+            fix += (fix.empty() ? "\"" : ",\"") + piece + "\"";
+        }
+        fix += isLast ? "" : fix.empty() ? "34" : ",34";
+        piece.clear();
+    };
+    for (std::size_t i = 0; i < inner.size(); ++i) {
+        if (inner[i] != '"') {
+            piece += inner[i];
+            continue;
+        }
+        if (piece.ends_with('\\')) {  // as in "say \"hi\""
+            piece.pop_back();
+        }
+        close(false);
+        i += i + 1 < inner.size() && inner[i + 1] == '"' ? std::size_t{1} : 0;
+    }
+    close(true);
+    it->PointAt(text);
+    it->Replace(text, fix);
+    it->advice.note = "write " + fix + ": a double quote in a string is the number 34";
+    return true;
+}
+
+// "A"" and ""A"".
+bool AdviseOnExtraQuote(OperandCase* it) {
+    const std::string_view text = it->operand->text;
+    const std::size_t first = text.find_first_not_of('"');
+    const std::size_t end = text.find_last_not_of('"') + 1;
+    if (first == std::string_view::npos || first == 0 || end == text.size() ||
+        text.substr(first, end - first).find('"') != std::string_view::npos ||
+        first + text.size() - end < 3) {
+        return false;
+    }
+    const std::string fix = '"' + std::string(text.substr(first, end - first)) + '"';
+    it->PointAt(text);
+    it->Replace(text, fix);
+    it->advice.note = "remove the extra quote: " + fix;
+    return true;
+}
+
+// Proposes the second quote of a string: before the numbers that follow a comma, else at its end.
+void CloseString(OperandCase* it, std::string_view text) {
+    std::size_t end = text.size();
+    for (std::size_t comma; (comma = text.substr(0, end).rfind(',')) != std::string_view::npos;) {
+        const std::vector<Token> tokens = CutTokens(text.substr(comma + 1, end - comma - 1));
+        if (tokens.size() != 1 || tokens[0].kind != TokenKind::number) {
+            break;
+        }
+        end = comma;
+    }
+    if (end < 2) {
+        return;
+    }
+    const bool isSingle = end > 2 && text[end - 1] == '\'';  // "text'
+    it->Replace(isSingle ? text.substr(end - 1, 1) : text.substr(end, 0), "\"");
+}
+
+// "DB HELLO, WORLD"": the words from the first that is unknown to the quote are the string.
+bool AdviseOnUnopenedString(OperandCase* it) {
+    const auto& operands = it->statement.operands;
+    const auto isEnd = [](const OperandView& operand) {
+        const std::size_t quote = operand.text.find('"');
+        const std::string_view after =
+            operand.text.substr(std::min(quote, operand.text.size() - 1) + 1);
+        return quote != std::string_view::npos && quote > 0 &&
+               after.find('"') == std::string_view::npos &&
+               (after.empty() || HasClass(after.front(), CC_BLANK) || after.front() == ',');
+    };
+    const auto isProse = [it](const OperandView& operand) {
+        return !operand.tokens.empty() &&
+               std::ranges::all_of(operand.tokens, [it](const Token& token) {
+                   return token.kind == TokenKind::name && !it->IsDefined(token.text);
+               });
+    };
+    if (!HoldsWord("DB DEFB DM DEFM", it->statement.mnemonic)) {
+        return false;
+    }
+    const auto end = std::ranges::find_if(
+        operands, [isEnd](const OperandView& each) { return !each.text.empty() && isEnd(each); });
+    if (end == operands.end() || end->text.front() == '\'') {
+        return false;
+    }
+    auto start = end;
+    while (start != operands.begin() && isProse(*(start - 1))) {
+        --start;
+    }
+    it->PointAt(start->text);
+    it->Insert(start->text, "\"");
+    it->advice.note = "open the string with a double quote";
+    return true;
+}
+
+}  // namespace korv

@@ -280,11 +280,17 @@ std::optional<KnownName> MessageMaker::FindName(std::string_view name) const {
 std::int32_t MessageMaker::FindLine(std::string_view text, std::size_t column) const {
     const StoredText& stored = TextOf(OpeningOf(viewedPlace.file));
     std::int32_t line = viewedPlace.line;
+    const std::pair key(viewedPlace.file, std::string(text));
+    const auto absent = absentFrom.find(key);
+    if (absent != absentFrom.end() && absent->second <= line) {
+        return 0;
+    }
     for (; line <= stored.LineCount(); ++line, column = 0) {
         if (stored.Line(line).find(text, column) != std::string_view::npos) {
             return line;
         }
     }
+    absentFrom.insert_or_assign(key, viewedPlace.line + 1);
     return 0;
 }
 

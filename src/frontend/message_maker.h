@@ -117,6 +117,9 @@ class MessageMaker : private RunFacts {
     // line.
     std::map<std::pair<std::int32_t, std::int32_t>, std::pair<std::int32_t, std::int32_t>>
         statements;
+    // By file and text: the first line from which `FindLine` has searched in vain. Each of many
+    // messages would search the rest of the file again.
+    mutable std::map<std::pair<std::int32_t, std::string>, std::int32_t> absentFrom;
 };
 
 }  // namespace korv

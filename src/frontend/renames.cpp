@@ -25,8 +25,11 @@ void AddUsesIn(std::string_view typed, const Place& start, std::string_view name
     }
     const StatementView statement = CutStatement(line);
     const std::string_view rest = statement.rest;
-    for (std::size_t at = 0; (at = FindName(rest, name, at)) != std::string_view::npos; ++at) {
-        if (std::ranges::count(rest.substr(0, at), '"') % 2 == 0) {  // in no string
+    bool isString = false;
+    for (std::size_t at = 0, seen = 0; (at = FindName(rest, name, at)) != std::string_view::npos;
+         seen = at++) {
+        isString = isString != (std::ranges::count(rest.substr(seen, at - seen), '"') % 2 != 0);
+        if (!isString) {
             Place use = start;
             use.column = statement.PartOf(rest.substr(at)).offset;
             use.length = static_cast<std::uint32_t>(name.size());
@@ -39,6 +42,9 @@ void AddUsesIn(std::string_view typed, const Place& start, std::string_view name
 
 std::vector<Place> FindUses(const StoredText& text, std::int32_t file, std::string_view name,
                             std::int32_t line, std::int32_t* budget) {
+    if (*budget == 0) {
+        return {};
+    }
     std::int32_t first = 1, last = text.LineCount();
     if (name.starts_with('.') || name.ends_with('$')) {
         for (first = line; first > 1 && !HasLabel(text.Line(first));) {

@@ -266,7 +266,7 @@ void Check(Program* program, const Strings& words, const std::vector<Request>& r
         } catch (const korv::RequestError& error) {
             reply = "refused: " + error.message + "\n";
         }
-        EXPECT_EQ(request.expected, reply) << request.place << " " << request.text;
+        EXPECT_EQ(request.expected, ReplaceAll(reply, "\n", " | ")) << request.place << " " << request.text;
     }
 }
 
@@ -285,11 +285,11 @@ TEST(FeaturesTest, RepliesAreThoseOfTheTables) {
                     program.names.push_back(text.substr(5));
                 } else if (text.starts_with("? ")) {
                     const std::size_t end = std::min(text.find(" = "), text.size());
-                    const std::string reply = end == text.size() ? "" : text.substr(end + 3) + "\n";
+                    const std::string reply = end == text.size() ? "" : text.substr(end + 3) + " | ";
                     requests.push_back({line.place, text.substr(2, end - 2), reply});
                 } else if (text.starts_with("=")) {
                     requests.at(requests.size() - 1).expected +=
-                        text.substr(std::min<std::size_t>(2, text.size())) + "\n";
+                        text.substr(std::min<std::size_t>(2, text.size())) + " | ";
                 } else if (text.starts_with("    ") && first != std::string::npos && text[first] == '^') {
                     const std::string& name = program.names.back();
                     const auto number = std::ranges::count(program.files[name], '\n');

@@ -107,6 +107,9 @@ TEST_P(ServerSessionTest, Holds) {
         const std::string text = line.substr(std::min(line.size(), words[0].size() + 1));
         if (words[0] == ">") {
             client.Send(Whole(text, here));
+        } else if (words[0] == "start") {
+            client.Send(Whole(R"({"id":1,"method":"initialize","params":)" + text + "}", here));
+            expected.emplace_back(R"({"id":1,"result":...)");
         } else if (words[0] == "!") {
             client.input += ReplaceAll(text, "|", "\r\n");
         } else if (words[0] == "<") {
@@ -221,8 +224,7 @@ TEST(ServerTest, DiagnosticsAreTheMessagesOfKorvAs) {
                     printed.insert(analysis.files[static_cast<std::size_t>(std::max(place.file, 0))].text->Path() +
                                    ":" + std::to_string(std::max(place.line, 1)) +
                                    (message.severity == korv::Severity::error ? " error " : " warning ") +
-                                   message.text + (message.detail.empty() ? "" : ": " + message.detail) +
-                                   (message.note.empty() ? "" : "\nnote: " + message.note));
+                                   SentenceOf(message) + (message.note.empty() ? "" : "\nnote: " + message.note));
                 }
                 EXPECT_EQ(printed, shown) << block.front().place;
                 count += shown.size();

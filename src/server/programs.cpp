@@ -85,21 +85,21 @@ void Programs::Refresh(Program* program) {
     program->isStale = false;
 }
 
-// The program with the source `main`, which is needed.
+// The program with the source `main`, which is needed. Its options are taken again at each
+// analysis, since the argument file may have changed with other files.
 Programs::Program& Programs::Need(const Configuration& configuration, const std::string& main) {
-    const auto [at, isNew] =
-        programs.try_emplace(main + '\n' + configuration.origin + '\n' + configuration.directory);
-    Program& program = at->second;
-    if (isNew) {
+    Program& program =
+        programs[main + '\n' + configuration.origin + '\n' + configuration.directory];
+    program.isNeeded = true;
+    if (program.isStale) {
         program.main = main;
         program.configuration = configuration;
         if (main != configuration.source) {  // else it stays as the words have it, for messages
             program.configuration.options.source = main;
         }
         program.configuration.options.maxErrors = mostMessages;
+        Refresh(&program);
     }
-    Refresh(&program);
-    program.isNeeded = true;
     return program;
 }
 

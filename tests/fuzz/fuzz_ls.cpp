@@ -151,14 +151,8 @@ class Client : public korv::platform::Connection {
     // `offset` as the client counts.
     Json PositionOf(const std::string& text, std::size_t offset) const {
         const std::size_t start = offset == 0 ? 0 : text.rfind('\n', offset - 1) + 1;
-        std::size_t units = offset - start;
-        for (std::size_t i = start; i < offset && !isUtf8; ++i) {
-            const auto byte = static_cast<unsigned char>(text[i]);
-            units -= (byte & 0xC0) == 0x80 ? 1 : 0;
-            units += byte >= 0xF0 ? 1 : 0;
-        }
         return {{"line", std::count(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(start), '\n')},
-                {"character", units}};
+                {"character", korv::UnitsOf(std::string_view(text).substr(start), offset - start, Encoding())}};
     }
 
     void Send(const Json& message) {

@@ -77,13 +77,13 @@ class Analyser : public RunObserver {
     BlockBuilder blocks;
     std::vector<Level> levels;  // the last one's statement is being assembled
     std::unordered_map<std::string, std::int32_t> fileIndex;  // by full path
-    NameCollector names;
+    NameCollector names{&assembler.identifiers};
     std::vector<Report> unresolved;  // found at the end of the run
     std::string defineFailure;       // of the definition being made
     bool isDefining = false;
-    bool isStopped = false;       // what is still reported follows from that
-    std::uint32_t imageSize = 0;  // after the last statement
-    bool isNextWanted;  // whatever the statement in hand is: it has a report, or all are wanted
+    bool isStopped = false;                 // what is still reported follows from that
+    std::uint32_t imageSize = 0;            // after the last statement
+    bool isNextWanted = wanted.statements;  // all are, or the one in hand has a report
 };
 
 Analyser::Analyser(const Options& options, FileStore* store, const Wanted& wanted)
@@ -92,9 +92,7 @@ Analyser::Analyser(const Options& options, FileStore* store, const Wanted& wante
       store(store),
       assembler(stderr),
       maker(&analysis, &assembler, store, &options.warnings),
-      checks(options, &assembler, &maker),
-      names(&assembler.identifiers),
-      isNextWanted(wanted.statements) {
+      checks(options, &assembler, &maker) {
     analysis.errorLimit = options.maxErrors;
     assembler.sources = store;
     assembler.sourceName = options.source;
@@ -329,20 +327,19 @@ void Analyser::OnStatement(CStatement& statement, std::uint32_t lineCount) {
 [[gnu::noinline]] void Analyser::TakeStatement(CStatement* statement, std::uint32_t lineCount,
                                                std::uint32_t count, bool isOdd) {
     Level& level = levels.back();
-    const bool isInclude = std::exchange(level.isRecorded, false);
-    if (wanted.statements && !isInclude) {
-        Record(*statement, lineCount, count);
-    }
     const bool isFaulty = std::exchange(level.isFaulty, false);
+    if (wanted.statements && !std::exchange(level.isRecorded, false)) {
+        Record(*statement, lineCount, count);
+        if (wanted.uses || wanted.useCounts) {
+            names.AddUses(*statement, analysis.statements.back().keyword, assembler.assembling == 0,
+                          isFaulty, wanted.uses ? &maker : nullptr);
+        }
+    }
     if (!level.reports.empty()) {
         TakeReports(&level);
     }
     if (lineCount > 1) {
         checks.LookAtComments(*statement);
-    }
-    if ((wanted.uses || wanted.useCounts) && !isInclude && statement->text[0] != '\0') {
-        names.AddUses(*statement, analysis.statements.back().keyword, assembler.assembling == 0,
-                      isFaulty, wanted.uses ? &maker : nullptr);
     }
     if (isOdd) {
         checks.Look(statement, count, isFaulty);

@@ -23,8 +23,8 @@ char* PutNumber(char* to, Number value) {
     return std::to_chars(to, to + longestNumber, value).ptr;
 }
 
-/// Puts blanks up to `end` if that is after `to`, and up to 15 more behind: in whole pieces, which
-/// is quicker than a call for the few that are needed. Result: the later of `to` and `end`.
+/// Puts blanks up to `end` if that is after `to`, and up to 15 more after it: whole pieces are
+/// quicker than a call for the few that are needed. Result: the later of `to` and `end`.
 inline char* PutBlanks(char* to, char* end) {
     constexpr std::size_t piece = 16;
     for (char* at = to; at < end; at += piece) {

@@ -92,8 +92,10 @@ const Token* FindProse(const OperandCase& it) {
 // A number or a name with a blank in it, as in "8000 H" and "SCREEN WIDTH".
 bool AdviseOnSplitWord(OperandCase* it, const Token& before, const Token& token, bool isNoValue) {
     const std::string number = std::string(before.text) + std::string(token.text);
-    const bool isNumber = token.text.size() == 1 && HasClass(token.text[0], CC_LETTER) &&
-                          before.kind == TokenKind::number &&
+    const bool isEnd = token.text.size() == 1 && HasClass(token.text[0], CC_LETTER);
+    const bool isNumber = (isEnd || !HoldsWord(dataDirectives, it->statement.mnemonic)) &&
+                          before.kind == TokenKind::number && HasClass(token.text[0], CC_NAME) &&
+                          !HasClass(token.text.back(), CC_DIGIT) &&
                           CutTokens(number)[0].kind == TokenKind::number;
     std::string joined = isNumber ? number : "";
     for (const std::string_view between : {"_", ""}) {
@@ -147,7 +149,10 @@ void AdviseOnTwoValues(OperandCase* it, const Token& token) {
     const std::string typed(it->statement.Typed(token.text));
     const bool isRegister =
         isName || token.kind == TokenKind::registerName || token.kind == TokenKind::condition;
-    if (token.code == OP_OPEN && isUnknown) {
+    if (token.code == OP_OPEN && &token == &it->operand->tokens.back()) {
+        it->Replace(token.text, "");
+        it->advice.note = "remove the bracket: nothing follows it";
+    } else if (token.code == OP_OPEN && isUnknown) {
         it->advice.note = "write the value out: there are no functions";
     } else if (isRegister && IsSound(it->adviser.Facts(), it->statement,
                                      {{it->statement.PartOf(token.text), ""}})) {
@@ -182,7 +187,8 @@ void AdviseOnBracket(OperandCase* it, const Token& token, bool isOpened) {
         const bool isMissing =
             HasFormWith(it->statement, open) && operand.text.back() == ')' && count(OP_OPEN) == 0;
         const std::string_view last = operand.text.substr(operand.text.size() - 1);
-        if (isMissing && operand.tokens.size() > 2) {  // "1+2)", where either may be meant
+        const bool isIndex = operand.text.starts_with("IX") || operand.text.starts_with("IY");
+        if (isMissing && operand.tokens.size() > 2 && !isIndex) {  // "1+2)": either may be meant
             it->PointAt(last);
             it->advice.note = "remove the bracket, or open it at the start of the operand";
             return;
@@ -301,7 +307,7 @@ bool AdviseOnExpression(OperandCase* it) {
             break;
         case ExpressionFault::openString:
             CloseString(it, token->text);
-            note = "close the string with a double quote";
+            note = closeQuoteNote;
             break;
         case ExpressionFault::emptyNumber:
             if (token->kind == TokenKind::registerName && !it->IsDefined(token->text)) {
@@ -317,7 +323,12 @@ bool AdviseOnExpression(OperandCase* it) {
             note = largeNumberNote;
             break;
         case ExpressionFault::badToken:
-            if (text.ends_with('"') && std::ranges::count(text, '"') % 2 == 1) {
+            if (const std::string word = text.substr(0, text.size() - 1);
+                text.ends_with('"') && word.size() > 1 &&
+                (it->IsDefined(word) || ClassOf(word).kind != KIND_VALUE)) {
+                it->Replace(token->text.substr(text.size() - 1), "");
+                note = "remove the quote: it was not opened";
+            } else if (text.ends_with('"') && std::ranges::count(text, '"') % 2 == 1) {
                 it->Insert(token->text, "\"");
                 note = "open the string with a double quote";
             } else if (const std::string stem = text.substr(0, text.size() - 1);

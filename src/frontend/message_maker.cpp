@@ -194,14 +194,17 @@ void MessageMaker::Make(const Report& report) {
     AddMessage(std::move(message), analysis);
 }
 
-// Where a label gets another name, its uses get it too; if they are too many, nothing is proposed.
+// Where a name is to be another one, that holds for all its uses. A label that is to be renamed and
+// has too many keeps its name.
 void MessageMaker::AddUses(const Advice& advice, Message* message) {
     const Place& at = message->place;
     for (const Place& use : FindUses(TextOf(message->opening), at.file, advice.names.front(),
                                      at.line, &renameBudget)) {
-        message->edits.push_back({use, advice.newName});
+        if (use != message->edits[0].place) {
+            message->edits.push_back({use, advice.newName});
+        }
     }
-    if (renameBudget == 0) {
+    if (renameBudget == 0 && message->number != MSG_UNRESOLVED) {
         message->edits.clear();
     }
 }

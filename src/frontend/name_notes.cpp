@@ -86,7 +86,8 @@ bool AdviseOnGluedCondition(OperandCase* it, const Token& token) {
         const std::string_view text = token.text;
         const std::vector<TextEdit> edits = {
             {it->statement.PartOf(text.substr(std::min(size, text.size()), 0)), ","}};
-        if (text.size() > size + 1 && ClassOf(text.substr(0, size)).condition >= 0 &&
+        const bool isDouble = size == 1 && text[0] == text[1];  // "PPRINT"
+        if (text.size() > size + 1 && !isDouble && ClassOf(text.substr(0, size)).condition >= 0 &&
             it->IsDefined(text.substr(size)) && HasFormWith(it->statement, edits)) {
             it->advice.edits = edits;
             it->advice.note = "add the comma: " + WriteNote(it->statement, edits).substr(6);
@@ -183,7 +184,9 @@ void AdviseOnUnknownName(OperandCase* it) {
     }
     if (!near.empty()) {
         it->Replace(token->text, near);
-        note = "did you mean " + std::string(near) + "?";
+        note = "did you mean " + near + "?";
+        it->advice.names = {name};
+        it->advice.newName = near;
         return;
     }
     if (token->kind == TokenKind::digitName) {
@@ -207,6 +210,9 @@ void AdviseOnUnknownName(OperandCase* it) {
         !number.empty() && name.size() % 2 == 0) {
         it->Replace(token->text, number);
         note = "write " + number + " if it is hexadecimal";
+        return;
+    }
+    if (AdviseOnMisspeltRegister(it)) {
         return;
     }
     if (it->fault.number == MSG_NOT_IMMEDIATE || HoldsWord("IF COND", it->statement.mnemonic)) {

@@ -256,7 +256,7 @@ inline constexpr auto operandTable = std::to_array<OperandRow>({
     {"16", "LD", "(n),r", "LD A,%2\n\tLD %1,A", "use A: no other single register is stored to an address", " LD (1234),B"},
     {"16", "LD", "(n),n", "LD A,%2\n\tLD %1,A", "load A first: a number is stored to (HL) and (IX+d) only", " LD (1234),5"},
     {"16", "LD", "(n),(any)", "", "load a register first: nothing is copied from memory to memory", " LD (1234),(HL)"},
-    {"16", "LD", "n,any", "LD (%1),%2", "write %f to store to memory", " LD 1234,A"},
+    {"16", "LD", "n,any", "LD (%1),%2", "write %f to store to memory, or put the target first", " LD 1234,A"},
     {"16", "LD", "I,any R,any", "LD A,%2\n\tLD %1,A", "use A: only A is loaded to %1", " LD I,5"},
     {"16", "LD", "any,I any,R", "LD A,%2\n\tLD %1,A", "use A: %2 is loaded to A only", " LD B,I"},
     {"16", "LD", "r,(reg)", "", "use (HL), (IX+d) or, with A, (BC) and (DE)", " LD A,(B)"},

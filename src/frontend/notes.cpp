@@ -240,7 +240,9 @@ bool Adviser::IsFollowOn(const FaultView& fault, const Advice& advice) {
         const bool isAgain = std::ranges::any_of(
             lastPlaces,
             [&place, isWhole](const LinePart& each) { return isWhole || Overlap(each, place); });
-        if (isAgain || (!advice.note.empty() && advice.note == lastNote)) {
+        const bool isOpen =
+            lastNote == closeQuoteNote || lastNote == doubleQuoteNote;  // the rest is within a text
+        if (isAgain || isOpen || (!advice.note.empty() && advice.note == lastNote)) {
             return true;
         }
     }
@@ -269,7 +271,7 @@ bool Adviser::IsFollowOn(const FaultView& fault, const Advice& advice) {
     if (fault.number == MSG_REDEFINITION && advice.isRepeated) {
         return std::exchange(hasRepeatedFile, true);
     }
-    if (fault.number == MSG_UNRESOLVED && hasRefusedFile && advice.edits.empty()) {
+    if (fault.number == MSG_UNRESOLVED && (hasRefusedFile || hasRefusedEnd)) {
         return true;
     }
     return IsAboutValue(fault.number) && UsesOneOf(refusedNames, fault);
@@ -318,6 +320,7 @@ void Adviser::Remember(const FaultView& fault, const Advice& advice) {
     if (HoldsWord("ENDIF ENDC", meant) && fault.number != MSG_NOT_IN_CONDITION &&
         fault.number != MSG_LABEL_NOT_ALLOWED) {
         (refusedConditions > 0 ? refusedConditions : refusedEnds) += refusedConditions > 0 ? -1 : 1;
+        hasRefusedEnd = hasRefusedEnd || refusedEnds > 0;
     }
     const bool isImport = HoldsWord(importDirectives, Plain(statement.mnemonic));
     if (fault.number == MSG_UNKNOWN_INSTRUCTION && (isImport || advice.edits.empty())) {
@@ -331,8 +334,8 @@ void Adviser::Remember(const FaultView& fault, const Advice& advice) {
     if (fault.number == MSG_UNKNOWN_INSTRUCTION && !statement.label.empty()) {
         unsureNames.emplace(statement.label);
     }
-    hasRefusedFile =
-        hasRefusedFile || (fault.number == MSG_CANNOT_OPEN && statement.mnemonic == "INCLUDE");
+    hasRefusedFile = hasRefusedFile || meant == "INCLUDE" ||
+                     (fault.number == MSG_CANNOT_OPEN && statement.mnemonic == "INCLUDE");
     hasRefusedBlock = hasRefusedBlock || HoldsWord(blockStarts, Plain(statement.mnemonic)) ||
                       statement.rest.ends_with('{');
     if (const std::string_view end = EndOfBlock(statement); !end.empty()) {

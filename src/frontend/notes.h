@@ -128,6 +128,7 @@ class Adviser {
     std::unordered_set<std::string> renamedLabels;  // that a note wants to have another name
     std::int32_t refusedConditions = 0;             // IFs that were refused and are still open
     std::int32_t refusedEnds = 0;                   // of conditions that are open
+    bool hasRefusedEnd = false;                     // of one that may be false
     bool hasRefusedTest = false;                    // a condition that has no spelling here
     std::int32_t skippedFile = 0;      // of a refused macro or comment of several lines
     std::int32_t skippedAfter = 0;     // its first line

@@ -61,8 +61,7 @@ Foreign SingleQuoted(const StatementView& statement, std::size_t start) {
         }
         content += source[end];
     }
-    Foreign found{line.substr(start, end + 1 - start), "",
-                  "use double quotes, also for one character"};
+    Foreign found{line.substr(start, end + 1 - start), "", doubleQuoteNote};
     if (end >= source.size() && content.size() == 1) {  // 'A
         found.part = line.substr(start, 2);
         found.fix = "\"" + content + "\"";
@@ -203,21 +202,21 @@ Foreign ForeignToken(const StatementView& statement, const Token& token) {
 
 // "INC H L", where the blank is neither before a comment nor a comma that is missing.
 Foreign SplitRegister(const StatementView& statement, const OperandView& operand) {
-    const std::vector<Token>& tokens = operand.tokens;
-    if (tokens.size() != 2 || tokens[0].kind != TokenKind::registerName ||
-        tokens[1].kind != TokenKind::registerName) {
-        return {};
+    for (std::size_t i = 0; i + 1 < operand.tokens.size(); ++i) {
+        const Token& left = operand.tokens[i];
+        const Token& right = operand.tokens[i + 1];
+        const std::string joined =
+            std::string(statement.Typed(left.text)).append(statement.Typed(right.text));
+        const LinePart place = statement.PartOf(statement.Span(left.text, right.text));
+        const bool isRegister =
+            left.IsValue() && right.IsValue() && ClassOf(Raised(joined)).kind != KIND_VALUE;
+        if (isRegister && HasFormWith(statement, {{place, joined}}) &&
+            !HasFormWith(statement,
+                         {{place, std::string(left.text) + "," + std::string(right.text)}})) {
+            return {statement.Span(left.text, right.text), joined, "remove the blank: " + joined};
+        }
     }
-    const std::string_view left = statement.Typed(tokens[0].text);
-    const std::string_view right = statement.Typed(tokens[1].text);
-    const std::string_view part = statement.Span(tokens[0].text, tokens[1].text);
-    const std::string joined = std::string(left) + std::string(right);
-    const LinePart place = statement.PartOf(part);
-    if (ClassOf(Raised(joined)).kind == KIND_VALUE || !HasFormWith(statement, {{place, joined}}) ||
-        HasFormWith(statement, {{place, std::string(left) + "," + std::string(right)}})) {
-        return {};
-    }
-    return {part, joined, "remove the blank: " + joined};
+    return {};
 }
 
 // A register in parentheses with blanks beside it, or an index register without displacement.

@@ -337,7 +337,8 @@ std::optional<RowAdvice> WordAdvice(const StatementView& statement) {
             const bool isWord =
                 HoldsWord(row.words, word) || (isImmediate && HoldsWord(row.words, marked));
             const bool isData =  // and no slip such as "DL A,B"
-                row.fix.starts_with('D') || row.note.starts_with("write the bytes");
+                HoldsWord("DB DW DS", row.fix.substr(0, row.fix.find(' '))) ||
+                row.note.starts_with("write the bytes");
             if (isWord && (row.operands < 0 || row.operands == count) && !(isData && hasRegister)) {
                 return advice(row.note, row.fix);
             }

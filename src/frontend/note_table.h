@@ -148,7 +148,7 @@ inline constexpr auto operandTable = std::to_array<OperandRow>({
     {"13", "LDI", "A,(HL) (HL),A", "LD %r\n\tINC HL", "write LD %r and INC HL: LDI takes no operands", " LDI A,(HL)"},
     {"13", "LDI", "A,(DE) (DE),A", "LD %r\n\tINC DE", "write LD %r and INC DE: LDI takes no operands", " LDI A,(DE)"},
     {"13", "LDD", "A,(HL) (HL),A", "LD %r\n\tDEC HL", "write LD %r and DEC HL: LDD takes no operands", " LDD A,(HL)"},
-    {"13", "LDI LDD", "r,s A,(nn) (HL),r (HL),n (xy+d),r (nn),A dd,nn xy,nn", "LD %r", "did you mean LD? %w takes no operands", " LDD B,5"},
+    {"13", "LDI LDD", "r,s A,(nn) A,I A,R I,A R,A (HL),r (HL),n (xy+d),r (nn),A dd,nn xy,nn", "LD %r", "did you mean LD? %w takes no operands", " LDD B,5"},
     {"13", "CPI", "*", "CP %r", "", " CPI 5"},
     {"13", "NEG CPL DAA RLCA RRCA RLA RRA", "A", "%w", "", " NEG A"},
     {"13", "NEG CPL DAA RLCA RRCA RLA RRA", "any", "", "remove the operand: %w works on the accumulator", " NEG B"},

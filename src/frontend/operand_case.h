@@ -78,12 +78,16 @@ struct OperandCase {
 [[nodiscard]] std::string Listed(const std::vector<std::string>& words);
 /// Advises on a register in double quotes.
 [[nodiscard]] bool AdviseOnQuotedRegister(OperandCase* it);
-/// Advises on a misspelt register or condition.
-[[nodiscard]] bool AdviseOnMisspeltRegister(OperandCase* it);
+/// Advises on a misspelt register or condition. `isSure`: only with letters swapped or doubled.
+[[nodiscard]] bool AdviseOnMisspeltRegister(OperandCase* it, bool isSure = false);
+/// Advises on a register or a name with a blank in it.
+[[nodiscard]] bool AdviseOnSplitWord(OperandCase* it);
 /// Advises on two operands in one word, as in "LD DEHELLO".
 [[nodiscard]] bool AdviseOnGluedOperands(OperandCase* it);
 /// Advises on two operands in the wrong order.
 [[nodiscard]] bool AdviseOnSwappedOperands(OperandCase* it);
+/// Advises on data with a double quote too few.
+[[nodiscard]] bool AdviseOnOddQuotes(OperandCase* it);
 /// Advises on a text with double quotes in it.
 [[nodiscard]] bool AdviseOnQuotes(OperandCase* it);
 /// Advises on a string with a quote too many at one end.

@@ -177,6 +177,12 @@ bool AdviseOnShape(OperandCase* it) {
     }
     if (it->ProposesUnknownName()) {
         it->advice.edits.clear();
+        const Token* const token = it->operand == nullptr ? nullptr : it->operand->OnlyToken();
+        if (token != nullptr && token->kind == TokenKind::name &&
+            token->text.size() == 1) {  // rather a register than a name
+            it->advice.note.clear();
+            return false;
+        }
     }
     return true;
 }
@@ -185,6 +191,21 @@ constexpr std::size_t npos = std::string::npos;
 
 std::string Sentence(const Token& token, std::string_view end) {
     return std::string(token.text) + std::string(end);
+}
+
+// The place unless a better one is found: the operand, one whose brackets do not match first.
+void AimAt(OperandCase* it, bool isCount) {
+    for (const OperandView& operand : it->statement.operands) {
+        const ExpressionFault kind = FindExpressionFault(operand).fault;
+        if (kind == ExpressionFault::openBracket || kind == ExpressionFault::closeBracket) {
+            it->operand = &operand;
+        }
+    }
+    if (it->operand != nullptr) {
+        it->PointAt(it->operand->text);
+    } else if (isCount && FindFaultyOperand(it->statement) == it->statement.operands.size()) {
+        it->PointAt(it->statement.mnemonic);
+    }
 }
 
 }  // namespace
@@ -220,28 +241,18 @@ void AdviseOnOperandCase(OperandCase* it) {
     const FaultView& fault = it->fault;
     const bool isCount =
         fault.number == MSG_TOO_MANY_ARGUMENTS || fault.number == MSG_ARGUMENT_EXPECTED;
-    const std::size_t faulty = FindFaultyOperand(fault.statement);
-    for (const OperandView& operand : fault.statement.operands) {
-        const ExpressionFault kind = FindExpressionFault(operand).fault;
-        if (kind == ExpressionFault::openBracket || kind == ExpressionFault::closeBracket) {
-            it->operand = &operand;
-        }
-    }
-    if (it->operand != nullptr) {
-        it->PointAt(it->operand->text);
-    } else if (isCount && faulty == fault.statement.operands.size()) {
-        it->PointAt(fault.statement.mnemonic);
-    }
+    AimAt(it, isCount);
     if (HoldsWord("INCLUDE BINCLUDE", fault.statement.mnemonic)) {
         if (!AdviseOnShape(it)) {
             it->advice.note = FormsNote(it->statement);
         }
         return;
     }
-    if (AdviseOnSet(it) || AdviseOnComma(it) || AdviseOnSecondInstruction(it) ||
-        AdviseOnLastSign(it) || AdviseOnListBrackets(it) || AdviseOnSplitBrackets(it) ||
-        AdviseOnSeparator(it) || AdviseOnGluedOperands(it) || AdviseOnIndexHalf(it) ||
-        AdviseOnSpelling(it) || AdviseOnUnopenedString(it) || AdviseOnRegister(it) ||
+    if (AdviseOnOddQuotes(it) || AdviseOnSet(it) || AdviseOnComma(it) ||
+        AdviseOnSecondInstruction(it) || AdviseOnLastSign(it) || AdviseOnListBrackets(it) ||
+        AdviseOnSplitBrackets(it) || AdviseOnSeparator(it) || AdviseOnGluedOperands(it) ||
+        AdviseOnSplitWord(it) || AdviseOnIndexHalf(it) || AdviseOnSpelling(it) ||
+        AdviseOnUnopenedString(it) || AdviseOnRegister(it) ||
         (fault.number == MSG_TOO_MANY_ARGUMENTS && AdviseOnProse(it))) {
         return;
     }

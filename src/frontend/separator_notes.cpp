@@ -83,7 +83,10 @@ bool AdviseOnSeparator(OperandCase* it) {
     const bool isAfterString = at != std::string_view::npos && at > 1 &&
                                (sign[0] == ':' || sign[0] == '.') && sign != ".." &&
                                text[0] == '"' && text.find('"', 1) == at - 1;
-    const bool isMissing = (it->fault.number == MSG_ARGUMENT_EXPECTED && !isData) || isAfterString;
+    const bool isList = isData && at != std::string_view::npos && sign[0] == ':' &&  // "DW A:B"
+                        it->IsDefined(text.substr(0, at));
+    const bool isMissing =
+        isAfterString || isList || (it->fault.number == MSG_ARGUMENT_EXPECTED && !isData);
     if (at == std::string_view::npos || at == 0 || at + size >= text.size() ||
         (!isMissing && ClassOf(text.substr(0, at)).kind == KIND_VALUE)) {
         return false;

@@ -5,26 +5,40 @@
 #include "frontend/instruction_forms.h"
 #include "frontend/note_rows.h"
 #include "frontend/operand_case.h"
+#include "frontend/proposal.h"
 #include "source/char_class.h"
 
 namespace korv {
 namespace {
 
+// Whether `text` is `name` with two letters swapped or one doubled.
+bool IsSureSlip(std::string_view text, std::string_view name) {
+    const bool isDoubled =
+        text.size() == name.size() + 1 && std::ranges::all_of(text, [name](char c) {
+            return name.find(c) != std::string_view::npos;
+        });
+    return isDoubled || std::ranges::is_permutation(name, text);
+}
+
 // The registers and conditions that `token` is a slip of: those as long as it first, and of these
 // the one with its letters.
-std::vector<std::string> NearRegisters(const StatementView& statement, const Token& token,
-                                       bool isIndex) {
+std::vector<std::string> NearRegisters(const OperandCase& it, const Token& token, bool isIndex) {
     std::vector<std::string> near;
     std::size_t best = 3;
     for (const std::string_view name :
          {"A",  "B",  "C",  "D",  "E", "H",  "L",  "BC", "DE", "HL", "SP",
           "IX", "IY", "AF", "NZ", "Z", "NC", "PO", "PE", "P",  "M"}) {
-        const bool isPermuted = std::ranges::is_permutation(name, token.text);
-        const std::size_t rank = isPermuted ? 0 : name.size() == token.text.size() ? 1 : 2;
+        const std::size_t rank = IsSureSlip(token.text, name)       ? 0
+                                 : name.size() == token.text.size() ? 1
+                                                                    : 2;
+        const std::vector<TextEdit> edits = {{it.statement.PartOf(token.text), std::string(name)}};
         if (rank > best || (isIndex && !name.starts_with('I')) ||
-            EditDistance(token.text, name) != 1 ||
-            !HasFormWith(statement, {{statement.PartOf(token.text), std::string(name)}})) {
+            EditDistance(token.text, name) != 1 || !HasFormWith(it.statement, edits)) {
             continue;
+        }
+        const std::string line = Raised(Applied(it.statement.line, edits));
+        if (HasLargeName(it.adviser.Facts(), CutStatement(line))) {
+            continue;  // an address, so a pair was meant
         }
         if (rank < best) {
             near.clear();
@@ -35,9 +49,20 @@ std::vector<std::string> NearRegisters(const StatementView& statement, const Tok
     return near;
 }
 
+// The defined name that two words are, of which the first is none.
+std::string NameOf(const OperandCase& it, std::string_view left, std::string_view right) {
+    for (const std::string_view between : {"_", ""}) {
+        const std::string name = std::string(left).append(between).append(right);
+        if (!it.IsDefined(left) && it.IsDefined(name)) {
+            return name;
+        }
+    }
+    return "";
+}
+
 }  // namespace
 
-bool AdviseOnMisspeltRegister(OperandCase* it) {
+bool AdviseOnMisspeltRegister(OperandCase* it, bool isSure) {
     constexpr std::size_t longest = 3;
     for (const OperandView& operand : it->statement.operands) {
         const Token* token = operand.OnlyToken();
@@ -50,8 +75,8 @@ bool AdviseOnMisspeltRegister(OperandCase* it) {
             it->IsDefined(token->text)) {
             continue;
         }
-        const std::vector<std::string> near = NearRegisters(it->statement, *token, isIndex);
-        if (near.empty()) {
+        const std::vector<std::string> near = NearRegisters(*it, *token, isIndex);
+        if (near.empty() || (isSure && !IsSureSlip(token->text, near[0]))) {
             continue;
         }
         it->PointAt(token->text);
@@ -90,22 +115,55 @@ bool AdviseOnQuotedRegister(OperandCase* it) {
     return false;
 }
 
+bool AdviseOnSplitWord(OperandCase* it) {
+    const StatementView& statement = it->statement;
+    for (const OperandView& operand : statement.operands) {
+        for (std::size_t i = 0; i + 1 < operand.tokens.size(); ++i) {
+            const Token& left = operand.tokens[i];
+            const Token& right = operand.tokens[i + 1];
+            if (!left.IsValue() || !right.IsValue()) {
+                continue;
+            }
+            const std::string_view part = statement.Span(left.text, right.text);
+            const std::string joined =
+                std::string(statement.Typed(left.text)).append(statement.Typed(right.text));
+            const std::string comma = std::string(left.text) + "," + std::string(right.text);
+            const bool isRegister = ClassOf(Raised(joined)).kind != KIND_VALUE &&
+                                    HasFormWith(statement, {{statement.PartOf(part), joined}}) &&
+                                    !HasFormWith(statement, {{statement.PartOf(part), comma}});
+            const std::string name = NameOf(*it, left.text, right.text);
+            if (isRegister || !name.empty()) {
+                it->PointAt(part);
+                it->Replace(part, isRegister ? joined : name);
+                it->advice.note =
+                    isRegister ? "remove the blank: " + joined : "did you mean " + name + "?";
+                return true;
+            }
+        }
+    }
+    return false;
+}
+
 bool AdviseOnGluedOperands(OperandCase* it) {
     const auto& operands = it->statement.operands;
-    if (it->fault.number != MSG_ARGUMENT_EXPECTED || operands.size() != 1 ||
-        operands[0].tokens.size() != 1) {
+    if (it->fault.number != MSG_ARGUMENT_EXPECTED || operands.size() != 1) {
         return false;
     }
     const std::string_view text = operands[0].text;
+    const bool isWhole = ClassOf(text).kind != KIND_VALUE;  // "LD DE", without the second one
     for (const std::size_t size : {std::size_t{2}, std::size_t{1}}) {
-        const std::string_view left = text.substr(0, size);
         const std::string_view right = text.substr(std::min(size, text.size()));
+        const std::vector<Token> tokens = CutTokens(right);
+        if (isWhole || tokens.empty() || HasClass(right[0], CC_BLANK) ||
+            ClassOf(text.substr(0, size)).kind == KIND_VALUE) {
+            continue;
+        }
         const std::vector<TextEdit> edits = {{it->statement.PartOf(right.substr(0, 0)), ","}};
-        if (!right.empty() && ClassOf(left).kind != KIND_VALUE &&
-            (ClassOf(right).kind != KIND_VALUE || it->IsDefined(right) ||
-             HasClass(right[0], CC_DIGIT)) &&
-            HasFormWith(it->statement, edits)) {
-            it->PointAt(text);
+        const bool isOperand = right.starts_with('(') || right == "AF'" ||
+                               tokens[0].kind == TokenKind::number ||
+                               ClassOf(right).kind != KIND_VALUE || it->IsDefined(tokens[0].text);
+        if (isOperand && HasFormWith(it->statement, edits)) {
+            it->PointAt(right);
             it->advice.edits = edits;
             it->advice.note = "add the comma: " + WriteNote(it->statement, edits).substr(6);
             return true;

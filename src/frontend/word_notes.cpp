@@ -119,6 +119,14 @@ Advice AdviseOnMark(const StatementView& statement) {
     return {};
 }
 
+// Whether all names in the expression of `operand` are known.
+bool HasKnownNames(const RunFacts& facts, const OperandView& operand) {
+    return std::ranges::all_of(operand.tokens, [&](const Token& token) {
+        const bool isOdd = token.kind == TokenKind::other || token.kind == TokenKind::openString;
+        return !isOdd && (!operand.HoldsAsName(token) || facts.FindName(token.text));
+    });
+}
+
 // Words run together, as in "LD(HL),A" and "DB5".
 Advice AdviseOnJoinedWords(const RunFacts& facts, const StatementView& statement) {
     const std::string_view word = statement.mnemonic;
@@ -145,9 +153,8 @@ Advice AdviseOnJoinedWords(const RunFacts& facts, const StatementView& statement
         const bool isFile =
             HoldsWord("INCLUDE BINCLUDE", changed.mnemonic) && facts.HasFile(changed.rest);
         const bool isPlain =
-            isFile || std::ranges::none_of(changed.operands, [&facts](const OperandView& operand) {
-                return operand.what.kind == KIND_VALUE &&
-                       HasClass(operand.text.front(), CC_LETTER) && !facts.FindName(operand.text);
+            isFile || std::ranges::all_of(changed.operands, [&facts](const OperandView& operand) {
+                return operand.text == "AF'" || HasKnownNames(facts, operand);
             });
         if (HasForm(changed) && !changed.operands.empty() && (!isWord || isPlain)) {
             Advice advice;
@@ -295,16 +302,24 @@ Advice AdviseOnUnknownWord(Adviser& adviser, const FaultView& fault) {
     if (Advice advice = AdviseOnOddName(adviser, statement); advice.place) {
         return advice;
     }
+    if (!adviser.Facts().FindName(word)) {
+        if (Advice advice = AdviseOnSplitMnemonic(statement); advice.place) {
+            return advice;
+        }
+    }
     if (Advice advice = AdviseOnLabelPlace(adviser, statement); advice.place) {
         return advice;
     }
-    for (const auto step : {AdviseOnSign, AdviseOnSplitMnemonic}) {
-        if (Advice found = step(statement); found.place) {
-            return found;
-        }
+    if (Advice found = AdviseOnSign(statement); found.place) {
+        return found;
     }
     Advice advice;
     advice.place = statement.PartOf(word);
+    if (FindKeyword(statement.label) != nullptr && !statement.hasColon) {  // "IF WIDTH"
+        if (Advice found = AdviseOnColumn(statement); found.place) {
+            return found;
+        }
+    }
     if (const auto row = WordAdvice(statement)) {
         advice.note = row->note;
         advice.edits = row->edits;
@@ -339,8 +354,7 @@ Advice AdviseOnUnknownWord(Adviser& adviser, const FaultView& fault) {
 Advice AdviseOnSplitMnemonic(const StatementView& statement) {
     const std::string_view word = statement.mnemonic;
     const std::string_view next = statement.rest.substr(0, statement.rest.find_first_of(" \t"));
-    const bool isOperand = next == statement.rest && ClassOf(next).kind != KIND_VALUE &&
-                           statement.keyword != nullptr;  // "LD D", where the second one is missing
+    const bool isOperand = next == statement.rest && statement.keyword != nullptr;  // "LD D"
     if (next.empty() || isOperand || FindKeyword(std::string(word).append(next)) == nullptr) {
         return {};
     }

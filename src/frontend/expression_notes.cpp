@@ -89,24 +89,22 @@ const Token* FindProse(const OperandCase& it) {
     return nullptr;
 }
 
-// A number or a name with a blank in it, as in "8000 H" and "SCREEN WIDTH".
-bool AdviseOnSplitWord(OperandCase* it, const Token& before, const Token& token, bool isNoValue) {
+// A number with a blank in it, as in "8000 H". In data, decimal digits are rather two values.
+bool AdviseOnSplitNumber(OperandCase* it, const Token& before, const Token& token) {
     const std::string number = std::string(before.text) + std::string(token.text);
-    const bool isNumber = token.text.size() == 1 && HasClass(token.text[0], CC_LETTER) &&
-                          before.kind == TokenKind::number &&
-                          CutTokens(number)[0].kind == TokenKind::number;
-    std::string joined = isNumber ? number : "";
-    for (const std::string_view between : {"_", ""}) {
-        const std::string name = std::string(before.text).append(between).append(token.text);
-        joined = joined.empty() && isNoValue && it->IsDefined(name) ? name : joined;
+    const bool isEnd = token.text.size() == 1 && HasClass(token.text[0], CC_LETTER);
+    const bool isBroken = before.kind == TokenKind::digitName;  // "0FF FFH"
+    const bool isData = HoldsWord(dataDirectives, it->statement.mnemonic);
+    const bool isNumber =
+        (isEnd || isBroken || !isData) && (isBroken || before.kind == TokenKind::number) &&
+        HasClass(token.text[0], CC_NAME) && !HasClass(token.text.back(), CC_DIGIT) &&
+        CutTokens(number)[0].kind == TokenKind::number;
+    if (isNumber) {
+        it->PointAt(it->statement.Span(before.text, token.text));
+        it->Replace(it->statement.Span(before.text, token.text), number);
+        it->advice.note = "remove the blank: " + number;
     }
-    if (joined.empty()) {
-        return false;
-    }
-    it->PointAt(it->statement.Span(before.text, token.text));
-    it->Replace(it->statement.Span(before.text, token.text), joined);
-    it->advice.note = isNumber ? "remove the blank: " + number : "did you mean " + joined + "?";
-    return true;
+    return isNumber;
 }
 
 // Two values without anything between them: a comma, an operator or a semicolon is missing.
@@ -132,7 +130,7 @@ void AdviseOnTwoValues(OperandCase* it, const Token& token) {
         return;
     }
     const bool isUnknown = before.kind == TokenKind::name && !it->IsDefined(before.text);
-    if (AdviseOnSplitWord(it, before, token, isUnknown || isName)) {
+    if (AdviseOnSplitNumber(it, before, token)) {
         return;
     }
     if (!comma.empty() && (isName || isKnown) && !isUnknown && HasFormWith(it->statement, comma)) {
@@ -147,7 +145,10 @@ void AdviseOnTwoValues(OperandCase* it, const Token& token) {
     const std::string typed(it->statement.Typed(token.text));
     const bool isRegister =
         isName || token.kind == TokenKind::registerName || token.kind == TokenKind::condition;
-    if (token.code == OP_OPEN && isUnknown) {
+    if (token.code == OP_OPEN && &token == &it->operand->tokens.back()) {
+        it->Replace(token.text, "");
+        it->advice.note = "remove the bracket: nothing follows it";
+    } else if (token.code == OP_OPEN && isUnknown) {
         it->advice.note = "write the value out: there are no functions";
     } else if (isRegister && IsSound(it->adviser.Facts(), it->statement,
                                      {{it->statement.PartOf(token.text), ""}})) {
@@ -182,7 +183,8 @@ void AdviseOnBracket(OperandCase* it, const Token& token, bool isOpened) {
         const bool isMissing =
             HasFormWith(it->statement, open) && operand.text.back() == ')' && count(OP_OPEN) == 0;
         const std::string_view last = operand.text.substr(operand.text.size() - 1);
-        if (isMissing && operand.tokens.size() > 2) {  // "1+2)", where either may be meant
+        const bool isIndex = operand.text.starts_with("IX") || operand.text.starts_with("IY");
+        if (isMissing && operand.tokens.size() > 2 && !isIndex) {  // "1+2)": either may be meant
             it->PointAt(last);
             it->advice.note = "remove the bracket, or open it at the start of the operand";
             return;
@@ -226,6 +228,53 @@ void AdviseOnNoLeft(OperandCase* it, const Token& token) {
     const std::string_view part = it->statement.Span(token.text, it->operand->tokens[next].text);
     it->PointAt(part);
     it->Replace(part, number);
+}
+
+// A string of several characters where a value belongs.
+void AdviseOnLongString(OperandCase* it, const Token& token) {
+    const std::string text(token.text.substr(1, token.text.size() - 2));
+    const std::string value = EscapeValue(text);
+    if (it->IsDefined(Raised(text))) {
+        it->Replace(token.text, Raised(text));
+        it->advice.note = "write " + Raised(text) + ": a name has no quotes";
+    } else if (!value.empty()) {
+        it->Replace(token.text, value);
+        it->advice.note = "write " + value + ": there are no escape sequences";
+    } else {
+        it->advice.note = HoldsWord("DB DEFB", it->statement.mnemonic)
+                              ? "write a string of several characters as an operand of its own"
+                              : "use a string of one character: only DB and DM take longer ones";
+    }
+}
+
+std::string EmptyNumberNote(const OperandCase& it, const Token& token) {
+    const std::string text(token.text);
+    if (token.kind == TokenKind::registerName && !it.IsDefined(text)) {
+        return "add with ADD, INC, SUB or DEC: " + text +
+               " is a register, and expressions have none";
+    }
+    return text == "B" || text == "H" || text == "O"
+               ? "choose another name: " + text + " alone reads as a number without digits"
+               : "add the digits after " + text;
+}
+
+// A token that is none of the language, perhaps for its last character.
+void AdviseOnBadToken(OperandCase* it, const Token& token) {
+    const std::string_view text = token.text;
+    const std::string_view stem = text.substr(0, text.size() - 1);
+    const bool isWord = it->IsDefined(stem) || ClassOf(stem).kind != KIND_VALUE;
+    if (text.ends_with('"') && stem.size() > 1 && isWord) {
+        it->Replace(text.substr(stem.size()), "");
+        it->advice.note = "remove the quote: it was not opened";
+    } else if (text.ends_with('"') && std::ranges::count(text, '"') % 2 == 1) {
+        it->Insert(text, "\"");
+        it->advice.note = "open the string with a double quote";
+    } else if (IsNameText(stem) && (text.ends_with('.') || it->IsDefined(stem))) {
+        it->Replace(text.substr(stem.size()), "");
+        it->advice.note = WriteNote(it->statement, it->advice.edits);
+    } else if (!AdviseOnDots(it, token)) {
+        it->advice.note = "use numbers, names, strings in double quotes and operators";
+    }
 }
 
 }  // namespace
@@ -280,53 +329,23 @@ bool AdviseOnExpression(OperandCase* it) {
             note = "give the comparison a name by EQU: it has no value in brackets";
             break;
         case ExpressionFault::longString:
-            if (const std::string name = Raised(text.substr(1, text.size() - 2));
-                it->IsDefined(name)) {
-                it->Replace(token->text, name);
-                note = "write " + name + ": a name has no quotes";
-                break;
-            }
-            if (const std::string value = EscapeValue(text.substr(1, text.size() - 2));
-                !value.empty()) {
-                it->Replace(token->text, value);
-                note = "write " + value + ": there are no escape sequences";
-                break;
-            }
-            note = HoldsWord("DB DEFB", it->statement.mnemonic)
-                       ? "write a string of several characters as an operand of its own"
-                       : "use a string of one character: only DB and DM take longer ones";
+            AdviseOnLongString(it, *token);
             break;
         case ExpressionFault::emptyString:
             note = "put one character between the quotes";
             break;
         case ExpressionFault::openString:
             CloseString(it, token->text);
-            note = "close the string with a double quote";
+            note = closeQuoteNote;
             break;
         case ExpressionFault::emptyNumber:
-            if (token->kind == TokenKind::registerName && !it->IsDefined(token->text)) {
-                note = "add with ADD, INC, SUB or DEC: " + text +
-                       " is a register, and expressions have none";
-                break;
-            }
-            note = token->text == "B" || token->text == "H" || token->text == "O"
-                       ? "choose another name: " + text + " alone reads as a number without digits"
-                       : "add the digits after " + text;
+            note = EmptyNumberNote(*it, *token);
             break;
         case ExpressionFault::largeNumber:
             note = largeNumberNote;
             break;
         case ExpressionFault::badToken:
-            if (text.ends_with('"') && std::ranges::count(text, '"') % 2 == 1) {
-                it->Insert(token->text, "\"");
-                note = "open the string with a double quote";
-            } else if (const std::string stem = text.substr(0, text.size() - 1);
-                       IsNameText(stem) && (text.ends_with('.') || it->IsDefined(stem))) {
-                it->Replace(token->text.substr(text.size() - 1), "");
-                note = WriteNote(it->statement, it->advice.edits);
-            } else if (!AdviseOnDots(it, *token)) {
-                note = "use numbers, names, strings in double quotes and operators";
-            }
+            AdviseOnBadToken(it, *token);
             break;
         case ExpressionFault::tooComplex:
             it->PointAt(it->operand->text);

@@ -69,7 +69,7 @@ Advice AdviseOnOddName(Adviser& adviser, const StatementView& statement) {
     return advice;
 }
 
-Advice AdviseOnLabelPlace(const StatementView& statement) {
+Advice AdviseOnLabelPlace(const Adviser& adviser, const StatementView& statement) {
     const std::string_view word = statement.mnemonic;
     if (word.starts_with(':') && !statement.label.empty() &&
         (word.size() == 1 || FindKeyword(word.substr(1)) != nullptr)) {  // "LOOP : NOP", "X :EQU 5"
@@ -94,12 +94,15 @@ Advice AdviseOnLabelPlace(const StatementView& statement) {
         if (!statement.label.empty() && !statement.hasColon) {
             const std::string_view both = statement.Span(statement.label, word);
             std::string name(statement.Typed(statement.label));
-            name += '_' + std::string(statement.Typed(word.substr(0, word.size() - 1)));
+            const auto isUsed = adviser.Facts().FindName(
+                std::string(statement.label).append(word.substr(0, word.size() - 1)));
+            name +=
+                (isUsed ? "" : "_") + std::string(statement.Typed(word.substr(0, word.size() - 1)));
             Advice joined =
                 Replace(statement, both, name + ":",
                         "write " + name + " here and where it is used: a name has no blanks");
             joined.definesName = true;
-            joined.names.emplace_back(both.substr(0, both.size() - 1));
+            joined.names = {std::string(both.substr(0, both.size() - 1)), Raised(name)};
             joined.newName = name;
             return joined;
         }

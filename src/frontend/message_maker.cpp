@@ -155,53 +155,60 @@ void MessageMaker::Make(const Report& report) {
                           .isSkipped = report.isSkipped,
                           .reason = report.reason};
     Advice advice = adviser.AdviceFor(fault);
-    if (advice.isFollowOn) {
-        return;
+    if (!advice.isFollowOn) {
+        Take(std::move(advice), report, &message);
+        AddMessage(std::move(message), analysis);
     }
+}
+
+void MessageMaker::Take(Advice advice, const Report& report, Message* message) {
     SourcePlace place = report.place;
     if (advice.place) {
         place.offset = advice.place->offset;
         place.length = advice.place->length;
     }
-    message.place = PlaceOf(place);
-    message.note = std::move(advice.note);
+    message->place = PlaceOf(place);
+    message->note = std::move(advice.note);
     if (advice.first.file != 0) {
-        message.related.push_back({PlaceOf(advice.first), "the first definition"});
+        message->related.push_back({PlaceOf(advice.first), "the first definition"});
     }
     for (const std::string& name : advice.explains) {
         explained.insert(Quoted(name));  // as the detail of a warning
     }
-    if (report.number == MSG_LABEL_WITHOUT_COLON && message.warning == Warning::keywordLabel) {
-        message.text = RowOf(Warning::keywordLabel).meaning;
-        message.code = RowOf(Warning::keywordLabel).name;
-        message.note = "indent it, or end it with a colon if it is a label";
-    } else if (report.number == MSG_ORG_IN_CODE && message.warning == Warning::orgGap) {
-        message.note = "remove one ORG: the image is loaded at the address of the first";
+    if (report.number == MSG_LABEL_WITHOUT_COLON && message->warning == Warning::keywordLabel) {
+        message->text = RowOf(Warning::keywordLabel).meaning;
+        message->code = RowOf(Warning::keywordLabel).name;
+        message->note = "indent it, or end it with a colon if it is a label";
+    } else if (report.number == MSG_ORG_IN_CODE && message->warning == Warning::orgGap) {
+        message->note = "remove one ORG: the image is loaded at the address of the first";
     }
     if (!advice.text.empty()) {
-        message.text = std::move(advice.text);
-        message.detail.clear();
+        message->text = std::move(advice.text);
+        message->detail.clear();
     }
-    if (isOneLine) {  // else an offset is not a column
-        for (TextEdit& edit : advice.edits) {
-            const Place part{message.place.file, place.line, edit.part.offset, edit.part.length};
-            message.edits.push_back({part, std::move(edit.text)});
-        }
+    if (!isOneLine) {  // then an offset is not a column
+        return;
     }
-    if (!advice.newName.empty() && !message.edits.empty()) {
-        AddUses(advice, &message);
+    for (TextEdit& edit : advice.edits) {
+        const Place part{message->place.file, place.line, edit.part.offset, edit.part.length};
+        message->edits.push_back({part, std::move(edit.text)});
     }
-    AddMessage(std::move(message), analysis);
+    if (!advice.newName.empty() && !message->edits.empty()) {
+        AddUses(advice, message);
+    }
 }
 
-// Where a label gets another name, its uses get it too; if they are too many, nothing is proposed.
+// Where a name is to be another one, that holds for all its uses. A label that is to be renamed and
+// has too many keeps its name.
 void MessageMaker::AddUses(const Advice& advice, Message* message) {
     const Place& at = message->place;
     for (const Place& use : FindUses(TextOf(message->opening), at.file, advice.names.front(),
                                      at.line, &renameBudget)) {
-        message->edits.push_back({use, advice.newName});
+        if (use != message->edits[0].place) {
+            message->edits.push_back({use, advice.newName});
+        }
     }
-    if (renameBudget == 0) {
+    if (renameBudget == 0 && message->number != MSG_UNRESOLVED) {
         message->edits.clear();
     }
 }

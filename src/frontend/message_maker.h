@@ -93,6 +93,7 @@ class MessageMaker : private RunFacts {
     void Make(const Report& report);
     void RemoveExplained();
     void ExpectRefusal(const SourcePlace& place);
+    void Take(Advice advice, const Report& report, Message* message);
     void AddUses(const Advice& advice, Message* message);
     // The statement in hand, cut once for all its messages.
     const StatementView& StatementAt(const SourcePlace& place);

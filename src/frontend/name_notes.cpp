@@ -54,7 +54,7 @@ bool AdviseOnCircle(OperandCase* it, const std::string& name) {
 bool AdviseOnGluedOperator(OperandCase* it, const Token& token) {
     for (const std::string_view word : {"AND", "XOR", "OR", "SHL", "SHR", "MOD"}) {
         const std::size_t at = token.text.find(word);
-        if (at == std::string_view::npos || at + word.size() == token.text.size()) {
+        if (at == std::string_view::npos) {
             continue;
         }
         const auto isKnown = [it](std::string_view part) {
@@ -64,10 +64,13 @@ bool AdviseOnGluedOperator(OperandCase* it, const Token& token) {
         };
         const std::string_view left = token.text.substr(0, at);
         const std::string_view right = token.text.substr(at + word.size());
+        const bool isBeforeValue =  // "1SHL 5"
+            right.empty() && &token != &it->operand->tokens.back() && (&token)[1].IsValue();
         const bool isAfterValue = &token != it->operand->tokens.data() && left.empty();
-        if ((isKnown(left) || isAfterValue) && isKnown(right)) {
+        if ((isKnown(left) || isAfterValue) && (isKnown(right) || isBeforeValue)) {
             const std::string fix = std::string(left) + (left.empty() ? "" : " ") +
-                                    std::string(word) + " " + std::string(right);
+                                    std::string(word) + (right.empty() ? "" : " ") +
+                                    std::string(right);
             it->Replace(token.text, fix);
             it->advice.note = WriteNote(it->statement, it->advice.edits) + ": " +
                               std::string(word) + " needs blanks around it";
@@ -76,6 +79,8 @@ bool AdviseOnGluedOperator(OperandCase* it, const Token& token) {
     }
     return false;
 }
+
+namespace {
 
 // "JR NZLOOP": a condition without its comma.
 bool AdviseOnGluedCondition(OperandCase* it, const Token& token) {
@@ -86,7 +91,8 @@ bool AdviseOnGluedCondition(OperandCase* it, const Token& token) {
         const std::string_view text = token.text;
         const std::vector<TextEdit> edits = {
             {it->statement.PartOf(text.substr(std::min(size, text.size()), 0)), ","}};
-        if (text.size() > size + 1 && ClassOf(text.substr(0, size)).condition >= 0 &&
+        const bool isDouble = size == 1 && text[0] == text[1];  // "PPRINT"
+        if (text.size() > size + 1 && !isDouble && ClassOf(text.substr(0, size)).condition >= 0 &&
             it->IsDefined(text.substr(size)) && HasFormWith(it->statement, edits)) {
             it->advice.edits = edits;
             it->advice.note = "add the comma: " + WriteNote(it->statement, edits).substr(6);
@@ -114,48 +120,102 @@ std::string NameThatLooksLike(const OperandCase& it, const std::string& name) {
     return "";
 }
 
-// A name that has no value.
-void AdviseOnUnknownName(OperandCase* it) {
-    const std::string_view text = it->fault.text;
-    const Token* token = it->operand == nullptr ? nullptr : FindToken(*it->operand, text);
-    if (token == nullptr && it->operand != nullptr) {
-        bool takesDefined = false;
-        const auto isIt = [it, &takesDefined](const Token& each) {
+// The name without a value that the message is about; where a value is needed at once, it may have
+// one by now. Null for none.
+const Token* FindUnknown(const OperandCase& it) {
+    if (it.operand == nullptr) {
+        return nullptr;
+    }
+    if (const Token* const token = FindToken(*it.operand, it.fault.text)) {
+        return token;
+    }
+    const bool isImmediate =
+        it.fault.number == MSG_NOT_IMMEDIATE || HoldsWord("IF COND", it.statement.mnemonic);
+    for (const bool takesDefined : {false, true}) {
+        for (const Token& each : it.operand->tokens) {
             const bool isName = each.kind == TokenKind::name || each.kind == TokenKind::digitName ||
                                 each.kind == TokenKind::registerName ||
                                 each.kind == TokenKind::condition;
-            return isName && (takesDefined || !it->IsDefined(each.text));
-        };
-        auto found = std::ranges::find_if(it->operand->tokens, isIt);
-        const bool isImmediate =
-            it->fault.number == MSG_NOT_IMMEDIATE || HoldsWord("IF COND", it->statement.mnemonic);
-        if (found == it->operand->tokens.end() && isImmediate) {
-            takesDefined = true;
-            found = std::ranges::find_if(it->operand->tokens, isIt);
+            if (isName && (takesDefined ? isImmediate : !it.IsDefined(each.text))) {
+                return &each;
+            }
         }
-        token = found == it->operand->tokens.end() ? nullptr : &*found;
     }
+    return nullptr;
+}
+
+// A register or condition in an expression.
+bool AdviseOnNamedRegister(OperandCase* it, const Token& token) {
+    if (token.kind != TokenKind::registerName && token.kind != TokenKind::condition) {
+        return false;
+    }
+    const bool isSum = std::ranges::any_of(it->operand->tokens, [](const Token& each) {
+        return each.code == OP_PLUS || each.code == OP_MINUS;
+    });
+    const std::string_view sum = it->operand->text;
+    const std::vector<TextEdit> memory = {
+        {it->statement.PartOf(sum), "(" + std::string(it->statement.Typed(sum)) + ")"}};
+    if (isSum && sum.starts_with('I') && HasFormWith(it->statement, memory)) {  // "IX+5"
+        it->PointAt(sum);
+        it->advice.edits = memory;
+        it->advice.note = WriteNote(it->statement, memory);
+        return true;
+    }
+    it->advice.note = (isSum ? "add with ADD, INC, SUB or DEC: " : "use a number or a name: ") +
+                      std::string(token.text) +
+                      " is a register or condition, and expressions have none";
+    return true;
+}
+
+// "OFFH" and "LO", which begin with a letter for a digit.
+bool AdviseOnLetterForDigit(OperandCase* it, const Token& token) {
+    std::string digits(token.text);
+    if (digits.front() != 'O' && digits.front() != 'L') {
+        return false;
+    }
+    digits.front() = digits.front() == 'O' ? '0' : '1';
+    std::ranges::replace(digits, 'O', '0');
+    if (const std::string spelled = NumberSpelling(digits); digits.starts_with("0X")) {
+        digits = spelled;
+    }
+    const std::vector<Token> tokens = CutTokens(digits);
+    if (tokens.size() != 1 || tokens[0].kind != TokenKind::number) {
+        return false;
+    }
+    it->Replace(token.text, digits);
+    it->advice.note =
+        "write " + digits + ": " + std::string(token.text.substr(0, 1)) + " is a letter";
+    return true;
+}
+
+// A defined name that is spelt nearly so.
+bool AdviseOnNearName(OperandCase* it, const Token& token) {
+    std::string near = NameThatLooksLike(*it, std::string(token.text));
+    if (near.empty()) {
+        near = it->adviser.NearestName(token.text);
+    }
+    if (near.empty()) {
+        return false;
+    }
+    it->Replace(token.text, near);
+    it->advice.note = "did you mean " + near + "?";
+    it->advice.names = {std::string(token.text)};
+    it->advice.newName = near;
+    return true;
+}
+
+}  // namespace
+
+// A name that has no value.
+void AdviseOnUnknownName(OperandCase* it) {
+    const Token* const token = FindUnknown(*it);
     if (token == nullptr) {
         return;
     }
     it->PointAt(token->text);
     const std::string name(token->text);
     std::string& note = it->advice.note;
-    if (token->kind == TokenKind::registerName || token->kind == TokenKind::condition) {
-        const bool isSum = std::ranges::any_of(it->operand->tokens, [](const Token& each) {
-            return each.code == OP_PLUS || each.code == OP_MINUS;
-        });
-        const std::string_view sum = it->operand->text;
-        const std::vector<TextEdit> memory = {
-            {it->statement.PartOf(sum), "(" + std::string(it->statement.Typed(sum)) + ")"}};
-        if (isSum && sum.starts_with('I') && HasFormWith(it->statement, memory)) {  // "IX+5"
-            it->PointAt(sum);
-            it->advice.edits = memory;
-            note = WriteNote(it->statement, memory);
-            return;
-        }
-        note = (isSum ? "add with ADD, INC, SUB or DEC: " : "use a number or a name: ") + name +
-               " is a register or condition, and expressions have none";
+    if (AdviseOnNamedRegister(it, *token)) {
         return;
     }
     if (FindKeyword(token->text) != nullptr) {
@@ -177,36 +237,23 @@ void AdviseOnUnknownName(OperandCase* it) {
     if (AdviseOnGluedCondition(it, *token)) {
         return;
     }
-    std::string near = NameThatLooksLike(*it, name);
-    if (near.empty()) {
-        near = it->adviser.NearestName(token->text);
-    }
-    if (!near.empty()) {
-        it->Replace(token->text, near);
-        note = "did you mean " + std::string(near) + "?";
+    if (AdviseOnNearName(it, *token) || AdviseOnMisspeltRegister(it, true)) {
         return;
     }
     if (token->kind == TokenKind::digitName) {
         note = numberNote;
         return;
     }
-    if (std::string digits = name; name.front() == 'O' || name.front() == 'L') {
-        digits.front() = name.front() == 'O' ? '0' : '1';
-        std::ranges::replace(digits, 'O', '0');
-        if (const std::string spelled = NumberSpelling(digits); digits.starts_with("0X")) {
-            digits = spelled;
-        }
-        const std::vector<Token> tokens = CutTokens(digits);
-        if (tokens.size() == 1 && tokens[0].kind == TokenKind::number) {
-            it->Replace(token->text, digits);
-            note = "write " + digits + ": " + name.substr(0, 1) + " is a letter";
-            return;
-        }
+    if (AdviseOnLetterForDigit(it, *token)) {
+        return;
     }
     if (const std::string number = NumberSpelling("0X" + name);
         !number.empty() && name.size() % 2 == 0) {
         it->Replace(token->text, number);
         note = "write " + number + " if it is hexadecimal";
+        return;
+    }
+    if (AdviseOnMisspeltRegister(it)) {
         return;
     }
     if (it->fault.number == MSG_NOT_IMMEDIATE || HoldsWord("IF COND", it->statement.mnemonic)) {

@@ -88,7 +88,7 @@ std::string_view NearWords::Find(std::string_view word,
                 continue;
             }
             const std::size_t rank = 8 * steps + (preferred && !preferred(entry.word) ? 4 : 0) +
-                                     (isOther ? 2 : 0) + (entry.letters != letters ? 1 : 0);
+                                     (isOther ? 2 : 0) + (entry.letters != letters ? 3 : 0);
             if (rank < best || (rank == best && entry.word.starts_with(word))) {
                 best = rank;
                 found = entry.word;

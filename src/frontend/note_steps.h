@@ -8,6 +8,9 @@ namespace korv {
 /// A mnemonic that is not in the vocabulary.
 [[nodiscard]] Advice AdviseOnWord(Adviser& adviser, const FaultView& fault);
 
+/// A mnemonic with a blank in it, as in "RE T"; empty advice for none.
+[[nodiscard]] Advice AdviseOnSplitMnemonic(const StatementView& statement);
+
 /// Operands that do not fit, or have no value.
 [[nodiscard]] Advice AdviseOnOperands(Adviser& adviser, const FaultView& fault);
 
@@ -42,7 +45,7 @@ inline constexpr std::string_view numberedLabelNote =
 [[nodiscard]] Advice AdviseOnOddName(Adviser& adviser, const StatementView& statement);
 
 /// A label that is not in column 1, or has its colon elsewhere; empty advice for none.
-[[nodiscard]] Advice AdviseOnLabelPlace(const StatementView& statement);
+[[nodiscard]] Advice AdviseOnLabelPlace(const Adviser& adviser, const StatementView& statement);
 
 /// Whether `text` has a byte that is not ASCII.
 [[nodiscard]] bool HasOddByte(std::string_view text);

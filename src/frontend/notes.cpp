@@ -87,59 +87,6 @@ bool HoldsEnd(const StatementView& statement) {
            });
 }
 
-// The mnemonic that was meant: of the statement with the changes that are proposed, or of an
-// instruction that begins in column 1.
-std::string MeantMnemonic(const FaultView& fault, const Advice& advice) {
-    const StatementView& statement = fault.statement;
-    std::string line = Raised(Applied(statement.line, advice.edits));
-    if (advice.edits.empty() && !statement.hasColon && FindKeyword(statement.label) != nullptr) {
-        line.insert(0, " ");
-    }
-    return std::string(CutStatement(line.substr(0, line.find('\n'))).mnemonic);
-}
-
-// Replaces what else is foreign in a statement of which a part is to be changed. Result: whether
-// that is all that was missing.
-bool Complete(const RunFacts& facts, const StatementView& statement, Advice* advice) {
-    const Translation whole = Translate(statement, advice->edits);
-    const std::vector<TextEdit> edits = {{LinePart{0, whole.end}, whole.typed}};
-    if (whole.changes < 2 || !IsSound(facts, statement, edits)) {
-        return false;
-    }
-    advice->edits = edits;
-    advice->note = "write " + whole.typed.substr(whole.typed.find_first_not_of(" \t")) +
-                   (HasClass(whole.typed.front(), CC_BLANK) ? "" : " from column 1 on");
-    return true;
-}
-
-// Removes a proposal that would bring the next message, and the note too if it names the change.
-void Withdraw(const FaultView& fault, Advice* advice) {
-    const StatementView& statement = fault.statement;
-    const bool isQuestion = advice->note.starts_with("did you mean ");
-    const bool isNamed = isQuestion ||
-                         advice->note.starts_with(WriteNote(statement, advice->edits)) ||
-                         std::ranges::any_of(advice->edits, [&](const TextEdit& edit) {
-                             const std::size_t start = edit.text.find_first_not_of(" \t\n");
-                             return start != std::string::npos &&
-                                    advice->note.find(edit.text.substr(start)) != std::string::npos;
-                         });
-    const bool isRename = advice->note.find(" here and ") != std::string::npos;
-    if (isNamed && !isRename) {
-        const std::string meant = MeantMnemonic(fault, *advice);
-        const bool isWord = fault.number == MSG_UNKNOWN_INSTRUCTION;
-        advice->note = !isWord ? FormsNote(statement)
-                       : isQuestion || FindKeyword(meant) == nullptr
-                           ? ""
-                           : "use " + std::string(meant) + checkOperands;
-    }
-    const LinePart part = advice->place.value_or(fault.part);
-    const std::string_view text = statement.line.substr(part.offset, part.length);
-    if (advice->note.empty() && !text.empty() && HasClass(text.front(), CC_DIGIT)) {
-        advice->note = numberNote;
-    }
-    advice->edits.clear();
-}
-
 }  // namespace
 
 bool Adviser::TakeRefusedEnd() {
@@ -202,11 +149,7 @@ Advice Adviser::AdviceFor(const FaultView& fault) {
     } else {
         advice = AdviseOnRest(*this, fault);
     }
-    if (!advice.edits.empty() && advice.newName.empty() &&
-        !IsSound(facts, fault.statement, advice.edits) &&
-        !Complete(facts, fault.statement, &advice)) {
-        Withdraw(fault, &advice);
-    }
+    CheckProposal(facts, fault, &advice);
     if (advice.note.empty() && advice.edits.size() == 1 && !advice.edits[0].text.empty()) {
         advice.note = "write " + advice.edits[0].text;
     }
@@ -222,10 +165,23 @@ Advice Adviser::AdviceFor(const FaultView& fault) {
         }
         Remember(fault, advice);
     } else {
+        if (fault.number == MSG_LABEL_WITHOUT_COLON &&
+            HoldsWord("ENDIF ENDC", fault.statement.label)) {
+            ++refusedEnds;
+            hasRefusedEnd = true;
+        }
         advice.isFollowOn = IsAboutValue(fault.number) &&
                             (UsesOneOf(refusedNames, fault) || UsesOneOf(unsureNames, fault));
     }
     return advice;
+}
+
+std::string Adviser::UnknownName(const FaultView& fault, const Advice& advice) const {
+    const LinePart place = advice.place.value_or(fault.part);
+    const std::string_view name = fault.statement.line.substr(place.offset, place.length);
+    const auto known = facts.FindName(name);
+    const bool isUnknown = fault.number == MSG_UNRESOLVED || fault.number == MSG_NOT_IMMEDIATE;
+    return isUnknown && IsNameText(name) && !(known && known->hasValue) ? std::string(name) : "";
 }
 
 bool Adviser::IsFollowOn(const FaultView& fault, const Advice& advice) {
@@ -240,9 +196,15 @@ bool Adviser::IsFollowOn(const FaultView& fault, const Advice& advice) {
         const bool isAgain = std::ranges::any_of(
             lastPlaces,
             [&place, isWhole](const LinePart& each) { return isWhole || Overlap(each, place); });
-        if (isAgain || (!advice.note.empty() && advice.note == lastNote)) {
+        const bool isOpen =
+            lastNote == closeQuoteNote || lastNote == doubleQuoteNote;  // the rest is within a text
+        if (isAgain || isOpen || (!advice.note.empty() && advice.note == lastNote)) {
             return true;
         }
+    }
+    if (const std::string name = UnknownName(fault, advice);
+        !name.empty() && answeredNames.contains(name)) {
+        return true;
     }
     if (std::ranges::any_of(advice.explains, [this](const std::string& name) {
             return renamedLabels.contains(name);
@@ -269,7 +231,7 @@ bool Adviser::IsFollowOn(const FaultView& fault, const Advice& advice) {
     if (fault.number == MSG_REDEFINITION && advice.isRepeated) {
         return std::exchange(hasRepeatedFile, true);
     }
-    if (fault.number == MSG_UNRESOLVED && hasRefusedFile && advice.edits.empty()) {
+    if (fault.number == MSG_UNRESOLVED && (hasRefusedFile || hasRefusedEnd)) {
         return true;
     }
     return IsAboutValue(fault.number) && UsesOneOf(refusedNames, fault);
@@ -305,20 +267,9 @@ void Adviser::Remember(const FaultView& fault, const Advice& advice) {
     if (advice.isFollowOn) {
         return;
     }
+    answeredNames.insert(UnknownName(fault, advice));
     renamedLabels.insert(advice.explains.begin(), advice.explains.end());
-    if (IsCondition(statement.mnemonic) && HoldsEnd(statement)) {  // "IF X NOP ENDIF"
-        ++refusedEnds;
-    }
-    const std::string meant = MeantMnemonic(fault, advice);
-    if ((isRefused || fault.number == MSG_RESERVED_NAME) &&
-        (IsCondition(statement.mnemonic) || IsCondition(meant))) {
-        ++refusedConditions;
-        hasRefusedTest = hasRefusedTest || advice.edits.empty();
-    }
-    if (HoldsWord("ENDIF ENDC", meant) && fault.number != MSG_NOT_IN_CONDITION &&
-        fault.number != MSG_LABEL_NOT_ALLOWED) {
-        (refusedConditions > 0 ? refusedConditions : refusedEnds) += refusedConditions > 0 ? -1 : 1;
-    }
+    RememberCondition(fault, advice, isRefused);
     const bool isImport = HoldsWord(importDirectives, Plain(statement.mnemonic));
     if (fault.number == MSG_UNKNOWN_INSTRUCTION && (isImport || advice.edits.empty())) {
         for (const OperandView& operand : statement.operands) {  // it may define them elsewhere
@@ -331,8 +282,8 @@ void Adviser::Remember(const FaultView& fault, const Advice& advice) {
     if (fault.number == MSG_UNKNOWN_INSTRUCTION && !statement.label.empty()) {
         unsureNames.emplace(statement.label);
     }
-    hasRefusedFile =
-        hasRefusedFile || (fault.number == MSG_CANNOT_OPEN && statement.mnemonic == "INCLUDE");
+    hasRefusedFile = hasRefusedFile || MeantMnemonic(fault, advice) == "INCLUDE" ||
+                     (fault.number == MSG_CANNOT_OPEN && statement.mnemonic == "INCLUDE");
     hasRefusedBlock = hasRefusedBlock || HoldsWord(blockStarts, Plain(statement.mnemonic)) ||
                       statement.rest.ends_with('{');
     if (const std::string_view end = EndOfBlock(statement); !end.empty()) {
@@ -348,6 +299,27 @@ void Adviser::Remember(const FaultView& fault, const Advice& advice) {
         refusedNames.emplace(statement.label);
     }
     refusedNames.insert(advice.names.begin(), advice.names.end());
+}
+
+void Adviser::RememberCondition(const FaultView& fault, const Advice& advice, bool isRefused) {
+    const StatementView& statement = fault.statement;
+    if (IsCondition(statement.mnemonic) && HoldsEnd(statement)) {  // "IF X NOP ENDIF"
+        ++refusedEnds;
+    }
+    const std::string meant = MeantMnemonic(fault, advice);
+    const bool isSlip = fault.number == MSG_UNKNOWN_INSTRUCTION && advice.edits.empty() &&
+                        statement.mnemonic.size() <= 3 &&
+                        EditDistance(statement.mnemonic, "IF") == 1;
+    if ((isRefused || fault.number == MSG_RESERVED_NAME) &&
+        (IsCondition(statement.mnemonic) || IsCondition(meant) || isSlip)) {
+        ++refusedConditions;
+        hasRefusedTest = hasRefusedTest || advice.edits.empty();
+    }
+    if (HoldsWord("ENDIF ENDC", meant) && fault.number != MSG_NOT_IN_CONDITION &&
+        fault.number != MSG_LABEL_NOT_ALLOWED) {
+        (refusedConditions > 0 ? refusedConditions : refusedEnds) += refusedConditions > 0 ? -1 : 1;
+        hasRefusedEnd = hasRefusedEnd || refusedEnds > 0;
+    }
 }
 
 // Neither the name of a macro nor its parameters mean anything, and what is wrong in it may be

@@ -110,11 +110,14 @@ class Adviser {
     [[nodiscard]] const RunFacts& Facts() const { return facts; }
 
   private:
+    // The name without a value that `fault` is about; empty for none.
+    [[nodiscard]] std::string UnknownName(const FaultView& fault, const Advice& advice) const;
     [[nodiscard]] bool IsFollowOn(const FaultView& fault, const Advice& advice);
     // Whether the operand at fault, or any if none is known, has one of `names`.
     [[nodiscard]] static bool UsesOneOf(const std::unordered_set<std::string>& names,
                                         const FaultView& fault);
     void Remember(const FaultView& fault, const Advice& advice);
+    void RememberCondition(const FaultView& fault, const Advice& advice, bool isRefused);
     void RememberBlock(const FaultView& fault, std::string_view end);
     // What is wrong after the line of `fault` up to `line` follows from it.
     void SkipTo(std::int32_t line, const FaultView& fault);
@@ -125,9 +128,11 @@ class Adviser {
     std::unordered_set<std::string> proposedNames;
     std::unordered_set<std::string> refusedNames;   // whose definition was refused
     std::unordered_set<std::string> unsureNames;    // that a refused line gave the address instead
+    std::unordered_set<std::string> answeredNames;  // without a value, reported
     std::unordered_set<std::string> renamedLabels;  // that a note wants to have another name
     std::int32_t refusedConditions = 0;             // IFs that were refused and are still open
     std::int32_t refusedEnds = 0;                   // of conditions that are open
+    bool hasRefusedEnd = false;                     // of one that may be false
     bool hasRefusedTest = false;                    // a condition that has no spelling here
     std::int32_t skippedFile = 0;      // of a refused macro or comment of several lines
     std::int32_t skippedAfter = 0;     // its first line

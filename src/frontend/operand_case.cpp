@@ -14,6 +14,19 @@
 
 namespace korv {
 
+bool OperandCase::ProposesUnknownName() const {
+    const bool isFile = HoldsWord("INCLUDE BINCLUDE", statement.mnemonic);
+    return !isFile && std::ranges::any_of(statement.operands, [this](const OperandView& operand) {
+        return std::ranges::any_of(operand.tokens, [this, &operand](const Token& token) {
+            const bool isName = token.kind == TokenKind::name || token.kind == TokenKind::digitName;
+            return isName && operand.HoldsAsName(token) && !adviser.Facts().FindName(token.text) &&
+                   std::ranges::any_of(advice.edits, [&token](const TextEdit& edit) {
+                       return FindName(Raised(edit.text), token.text) != std::string::npos;
+                   });
+        });
+    });
+}
+
 const OperandView* FocusOf(const FaultView& fault) {
     const auto& operands = fault.statement.operands;
     const auto find = [&operands](auto isIt) -> const OperandView* {

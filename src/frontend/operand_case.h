@@ -30,6 +30,9 @@ struct OperandCase {
     void Insert(std::string_view part, std::string text) {
         Replace(part.substr(0, 0), std::move(text));
     }
+    /// Whether the change keeps a name that nothing defines: that brings the message about the
+    /// name.
+    [[nodiscard]] bool ProposesUnknownName() const;
     [[nodiscard]] bool IsDefined(std::string_view name) const {
         const auto known = adviser.Facts().FindName(name);
         return known && known->hasValue;
@@ -71,6 +74,20 @@ struct OperandCase {
 [[nodiscard]] bool AdviseOnSpelling(OperandCase* it);
 /// Advises on words after the operands that were meant as a comment.
 [[nodiscard]] bool AdviseOnProse(OperandCase* it);
+/// "A, B or C".
+[[nodiscard]] std::string Listed(const std::vector<std::string>& words);
+/// Advises on a register in double quotes.
+[[nodiscard]] bool AdviseOnQuotedRegister(OperandCase* it);
+/// Advises on a misspelt register or condition. `isSure`: only with letters swapped or doubled.
+[[nodiscard]] bool AdviseOnMisspeltRegister(OperandCase* it, bool isSure = false);
+/// Advises on a register or a name with a blank in it.
+[[nodiscard]] bool AdviseOnSplitWord(OperandCase* it);
+/// Advises on two operands in one word, as in "LD DEHELLO".
+[[nodiscard]] bool AdviseOnGluedOperands(OperandCase* it);
+/// Advises on two operands in the wrong order.
+[[nodiscard]] bool AdviseOnSwappedOperands(OperandCase* it);
+/// Advises on data with a double quote too few.
+[[nodiscard]] bool AdviseOnOddQuotes(OperandCase* it);
 /// Advises on a text with double quotes in it.
 [[nodiscard]] bool AdviseOnQuotes(OperandCase* it);
 /// Advises on a string with a quote too many at one end.

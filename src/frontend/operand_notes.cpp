@@ -28,15 +28,6 @@ bool Take(OperandCase* it, std::optional<RowAdvice> row) {
     return true;
 }
 
-// "A, B or C".
-std::string Listed(const std::vector<std::string>& words) {
-    std::string text;
-    for (std::size_t i = 0; i < words.size(); ++i) {
-        text += (i == 0 ? "" : i + 1 == words.size() ? " or " : ", ") + words[i];
-    }
-    return text;
-}
-
 // "X SET 5" and "EQU X,5".
 bool AdviseOnSet(OperandCase* it) {
     const StatementView& statement = it->statement;
@@ -158,82 +149,6 @@ bool AdviseOnBareText(OperandCase* it) {
     return true;
 }
 
-// A register in double quotes.
-bool AdviseOnQuotedRegister(OperandCase* it) {
-    for (const OperandView& operand : it->statement.operands) {
-        const std::string_view text = operand.text;
-        const bool isString =
-            operand.tokens.size() == 1 && operand.tokens[0].kind == TokenKind::string;
-        const std::string name(isString ? text.substr(1, text.size() - 2) : "");
-        const std::vector<TextEdit> edits = {{it->statement.PartOf(text), name}};
-        if (ClassOf(Raised(name)).kind != KIND_VALUE && HasFormWith(it->statement, edits)) {
-            it->PointAt(text);
-            it->advice.edits = edits;
-            it->advice.note = WriteNote(it->statement, edits) + ": a register has no quotes";
-            return true;
-        }
-    }
-    return false;
-}
-
-// The registers and conditions that `token` is a slip of: those as long as it first, and of these
-// the one with its letters.
-std::vector<std::string> NearRegisters(const StatementView& statement, const Token& token) {
-    std::vector<std::string> near;
-    std::size_t best = 3;
-    for (const std::string_view name :
-         {"A",  "B",  "C",  "D",  "E", "H",  "L",  "BC", "DE", "HL", "SP",
-          "IX", "IY", "AF", "NZ", "Z", "NC", "PO", "PE", "P",  "M"}) {
-        const bool isPermuted = std::ranges::is_permutation(name, token.text);
-        const std::size_t rank = isPermuted ? 0 : name.size() == token.text.size() ? 1 : 2;
-        if (rank > best || EditDistance(token.text, name) != 1 ||
-            !HasFormWith(statement, {{statement.PartOf(token.text), std::string(name)}})) {
-            continue;
-        }
-        if (rank < best) {
-            near.clear();
-            best = rank;
-        }
-        near.emplace_back(name);
-    }
-    return near;
-}
-
-// A misspelt register or condition.
-bool AdviseOnMisspeltRegister(OperandCase* it) {
-    constexpr std::size_t longest = 3;
-    for (const OperandView& operand : it->statement.operands) {
-        const Token* const token = operand.OnlyToken();
-        if (token == nullptr || token->kind != TokenKind::name || token->text.size() < 2 ||
-            token->text.size() > longest || it->IsDefined(token->text)) {
-            continue;
-        }
-        const std::vector<std::string> near = NearRegisters(it->statement, *token);
-        if (near.empty()) {
-            continue;
-        }
-        it->PointAt(token->text);
-        if (near.size() == 1) {
-            it->Replace(token->text, near[0]);
-        }
-        it->advice.note = "did you mean " + Listed(near) + "?";
-        return true;
-    }
-    return false;
-}
-
-// A change that keeps a name which nothing defines brings the message about the name.
-bool ProposesUnknownName(const OperandCase& it) {
-    return std::ranges::any_of(it.statement.operands, [&it](const OperandView& operand) {
-        const Token* const token = operand.OnlyToken();
-        return token != nullptr && token->kind == TokenKind::name &&
-               !it.adviser.Facts().FindName(token->text) &&
-               std::ranges::any_of(it.advice.edits, [token](const TextEdit& edit) {
-                   return FindName(Raised(edit.text), token->text) != std::string::npos;
-               });
-    });
-}
-
 bool AdviseOnShape(OperandCase* it) {
     if (AdviseOnBareText(it) || AdviseOnLabelName(it) || AdviseOnQuotedRegister(it) ||
         (it->fault.number != MSG_TOO_MANY_ARGUMENTS && AdviseOnMisspeltRegister(it))) {
@@ -260,8 +175,14 @@ bool AdviseOnShape(OperandCase* it) {
         it->advice.note.clear();
         return AdviseOnM(it);
     }
-    if (ProposesUnknownName(*it)) {
+    if (it->ProposesUnknownName()) {
         it->advice.edits.clear();
+        const Token* const token = it->operand == nullptr ? nullptr : it->operand->OnlyToken();
+        if (token != nullptr && token->kind == TokenKind::name &&
+            token->text.size() == 1) {  // rather a register than a name
+            it->advice.note.clear();
+            return false;
+        }
     }
     return true;
 }
@@ -270,6 +191,21 @@ constexpr std::size_t npos = std::string::npos;
 
 std::string Sentence(const Token& token, std::string_view end) {
     return std::string(token.text) + std::string(end);
+}
+
+// The place unless a better one is found: the operand, one whose brackets do not match first.
+void AimAt(OperandCase* it, bool isCount) {
+    for (const OperandView& operand : it->statement.operands) {
+        const ExpressionFault kind = FindExpressionFault(operand).fault;
+        if (kind == ExpressionFault::openBracket || kind == ExpressionFault::closeBracket) {
+            it->operand = &operand;
+        }
+    }
+    if (it->operand != nullptr) {
+        it->PointAt(it->operand->text);
+    } else if (isCount && FindFaultyOperand(it->statement) == it->statement.operands.size()) {
+        it->PointAt(it->statement.mnemonic);
+    }
 }
 
 }  // namespace
@@ -305,27 +241,17 @@ void AdviseOnOperandCase(OperandCase* it) {
     const FaultView& fault = it->fault;
     const bool isCount =
         fault.number == MSG_TOO_MANY_ARGUMENTS || fault.number == MSG_ARGUMENT_EXPECTED;
-    const std::size_t faulty = FindFaultyOperand(fault.statement);
-    for (const OperandView& operand : fault.statement.operands) {
-        const ExpressionFault kind = FindExpressionFault(operand).fault;
-        if (kind == ExpressionFault::openBracket || kind == ExpressionFault::closeBracket) {
-            it->operand = &operand;
-        }
-    }
-    if (it->operand != nullptr) {
-        it->PointAt(it->operand->text);
-    } else if (isCount && faulty == fault.statement.operands.size()) {
-        it->PointAt(fault.statement.mnemonic);
-    }
+    AimAt(it, isCount);
     if (HoldsWord("INCLUDE BINCLUDE", fault.statement.mnemonic)) {
         if (!AdviseOnShape(it)) {
             it->advice.note = FormsNote(it->statement);
         }
         return;
     }
-    if (AdviseOnSet(it) || AdviseOnComma(it) || AdviseOnSecondInstruction(it) ||
-        AdviseOnLastSign(it) || AdviseOnListBrackets(it) || AdviseOnSplitBrackets(it) ||
-        AdviseOnSeparator(it) || AdviseOnIndexHalf(it) || AdviseOnSpelling(it) ||
+    if (AdviseOnOddQuotes(it) || AdviseOnSet(it) || AdviseOnComma(it) ||
+        AdviseOnSecondInstruction(it) || AdviseOnLastSign(it) || AdviseOnListBrackets(it) ||
+        AdviseOnSplitBrackets(it) || AdviseOnSeparator(it) || AdviseOnGluedOperands(it) ||
+        AdviseOnSplitWord(it) || AdviseOnIndexHalf(it) || AdviseOnSpelling(it) ||
         AdviseOnUnopenedString(it) || AdviseOnRegister(it) ||
         (fault.number == MSG_TOO_MANY_ARGUMENTS && AdviseOnProse(it))) {
         return;
@@ -358,13 +284,17 @@ void AdviseOnOperandCase(OperandCase* it) {
         it->advice.note = "check for a division by 0 and for names that are not values";
         return;
     }
-    if (AdviseOnEmptyOperand(it) || AdviseOnShape(it) || (isValue && AdviseOnExpression(it))) {
+    if (AdviseOnEmptyOperand(it) || AdviseOnShape(it) || (isValue && AdviseOnExpression(it)) ||
+        AdviseOnSwappedOperands(it)) {
         return;
     }
     it->advice.note = FormsNote(it->statement);
 }
 
 Advice AdviseOnOperands(Adviser& adviser, const FaultView& fault) {
+    if (Advice split = AdviseOnSplitMnemonic(fault.statement); split.place) {  // "IN CLUDE X"
+        return split;
+    }
     OperandCase it{adviser, fault, fault.statement, FocusOf(fault)};
     AdviseOnOperandCase(&it);
     const std::string note = Raised(it.advice.note);  // which has the names as they were typed

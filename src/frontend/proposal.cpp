@@ -5,10 +5,15 @@
 #include "codegen/keywords.h"
 #include "frontend/expression_fault.h"
 #include "frontend/instruction_forms.h"
+#include "frontend/note_rows.h"
+#include "frontend/note_steps.h"
 #include "frontend/translation.h"
+#include "source/char_class.h"
 
 namespace korv {
 namespace {
+
+constexpr std::int32_t largestByte = 255;
 
 bool HasValue(const RunFacts& facts, std::string_view name) {
     const auto known = facts.FindName(name);
@@ -28,9 +33,18 @@ bool TakesByte(const StatementView& statement, std::size_t index) {
                                                             : has("n") && !has("nn");
 }
 
+// The value of the only number or name in `operand`; 0 for none.
+std::int32_t ValueOf(const RunFacts& facts, const OperandView& operand) {
+    const Token* const token = operand.OnlyToken();
+    if (token == nullptr || token->kind == TokenKind::number) {
+        return token == nullptr ? 0 : token->value;
+    }
+    const auto known = facts.FindName(token->text);
+    return known && known->hasValue ? known->value : 0;
+}
+
 bool IsOutOfRange(const StatementView& statement, std::size_t index) {
     const Token* const token = statement.operands[index].OnlyToken();
-    constexpr std::int32_t largestByte = 255;
     return token != nullptr && token->kind == TokenKind::number && token->value > largestByte &&
            TakesByte(statement, index);
 }
@@ -78,6 +92,15 @@ bool IsSoundLine(const RunFacts& facts, const StatementView& before, std::string
 
 }  // namespace
 
+bool HasLargeName(const RunFacts& facts, const StatementView& statement) {
+    for (std::size_t i = 0; i < statement.operands.size(); ++i) {
+        if (ValueOf(facts, statement.operands[i]) > largestByte && TakesByte(statement, i)) {
+            return true;
+        }
+    }
+    return false;
+}
+
 bool IsSound(const RunFacts& facts, const StatementView& statement,
              const std::vector<TextEdit>& edits) {
     const std::string changed = Raised(Applied(statement.typed, edits));
@@ -89,6 +112,69 @@ bool IsSound(const RunFacts& facts, const StatementView& statement,
         start = end + 1;
     }
     return true;
+}
+
+std::string MeantMnemonic(const FaultView& fault, const Advice& advice) {
+    const StatementView& statement = fault.statement;
+    std::string line = Raised(Applied(statement.line, advice.edits));
+    if (advice.edits.empty() && !statement.hasColon && FindKeyword(statement.label) != nullptr) {
+        line.insert(0, " ");
+    }
+    return std::string(CutStatement(line.substr(0, line.find('\n'))).mnemonic);
+}
+
+namespace {
+
+// Replaces what else is foreign in a statement of which a part is to be changed. Result: whether
+// that is all that was missing.
+bool Complete(const RunFacts& facts, const StatementView& statement, Advice* advice) {
+    const Translation whole = Translate(statement, advice->edits);
+    const std::vector<TextEdit> edits = {{LinePart{0, whole.end}, whole.typed}};
+    if (whole.changes < 2 || !IsSound(facts, statement, edits)) {
+        return false;
+    }
+    advice->edits = edits;
+    advice->note = "write " + whole.typed.substr(whole.typed.find_first_not_of(" \t")) +
+                   (HasClass(whole.typed.front(), CC_BLANK) ? "" : " from column 1 on");
+    return true;
+}
+
+// Removes a proposal that would bring the next message, and the note too if it names the change.
+void Withdraw(const FaultView& fault, Advice* advice) {
+    const StatementView& statement = fault.statement;
+    const bool isQuestion = advice->note.starts_with("did you mean ");
+    const bool isNamed = isQuestion ||
+                         advice->note.starts_with(WriteNote(statement, advice->edits)) ||
+                         std::ranges::any_of(advice->edits, [&](const TextEdit& edit) {
+                             const std::size_t start = edit.text.find_first_not_of(" \t\n");
+                             return start != std::string::npos &&
+                                    advice->note.find(edit.text.substr(start)) != std::string::npos;
+                         });
+    const bool isRename = advice->note.find(" here and ") != std::string::npos;
+    if (isNamed && !isRename) {
+        const std::string meant = MeantMnemonic(fault, *advice);
+        const bool isWord = fault.number == MSG_UNKNOWN_INSTRUCTION;
+        advice->note = !isWord ? FormsNote(statement)
+                       : isQuestion || FindKeyword(meant) == nullptr
+                           ? ""
+                           : "use " + std::string(meant) + checkOperands;
+    }
+    const LinePart part = advice->place.value_or(fault.part);
+    const std::string_view text = statement.line.substr(part.offset, part.length);
+    if (advice->note.empty() && !text.empty() && HasClass(text.front(), CC_DIGIT)) {
+        advice->note = numberNote;
+    }
+    advice->edits.clear();
+}
+
+}  // namespace
+
+void CheckProposal(const RunFacts& facts, const FaultView& fault, Advice* advice) {
+    if (!advice->edits.empty() && advice->newName.empty() &&
+        !IsSound(facts, fault.statement, advice->edits) &&
+        !Complete(facts, fault.statement, advice)) {
+        Withdraw(fault, advice);
+    }
 }
 
 }  // namespace korv

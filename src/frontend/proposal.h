@@ -13,4 +13,15 @@ namespace korv {
 [[nodiscard]] bool IsSound(const RunFacts& facts, const StatementView& statement,
                            const std::vector<TextEdit>& edits);
 
+/// Completes the change that `advice` proposes if other parts of the statement are foreign too, or
+/// withdraws it, with the note if that names it.
+void CheckProposal(const RunFacts& facts, const FaultView& fault, Advice* advice);
+
+/// The mnemonic that was meant: of the statement with the changes that are proposed, or of an
+/// instruction that begins in column 1.
+[[nodiscard]] std::string MeantMnemonic(const FaultView& fault, const Advice& advice);
+
+/// Whether an operand that takes a byte has a name with a larger value.
+[[nodiscard]] bool HasLargeName(const RunFacts& facts, const StatementView& statement);
+
 }  // namespace korv

@@ -218,7 +218,7 @@ constexpr auto fixedNotes = std::to_array<FixedNote>({
     {MSG_LABEL_TOO_LONG, "shorten the name to 256 characters", true},
     {MSG_LINE_TOO_LONG,
      "break the line, or accept more by --line-length: the comment and the line end count too"},
-    {MSG_NO_CLOSING_QUOTE, "close the string with a double quote"},
+    {MSG_NO_CLOSING_QUOTE, closeQuoteNote},
     {MSG_EXPECTED_ARGUMENT, "add the operand, or remove the comma"},
     {MSG_LABEL_WITHOUT_COLON, "end the label with a colon", true},
     {MSG_COMMAND_LINE_SKIPPED, "begin the comment with a semicolon"},
@@ -270,7 +270,10 @@ Advice AdviseOnRest(Adviser& adviser, const FaultView& fault) {
         case MSG_SYSTEM_ERROR:
         case -1:
             advice = AdviseOnEmptyBrackets(statement);
-            if (!advice.place && fault.isLate) {
+            if (!advice.place && fault.isLate && statement.mnemonic == "EQU") {
+                advice.text = "a value that waits for this name does not fit";
+                advice.note = "check the jumps and values that use " + std::string(statement.label);
+            } else if (!advice.place && fault.isLate) {
                 advice = AdviseOnFarJump(statement);
                 advice.text = "the jump is too far";
             }

@@ -71,17 +71,22 @@ bool AdviseOnSeparated(OperandCase* it, std::string_view part,
 // A comma that is another sign, as in "LD A:5".
 bool AdviseOnSeparator(OperandCase* it) {
     const auto& operands = it->statement.operands;
-    if (operands.size() != 1) {
+    const bool isData = HoldsWord(dataDirectives, it->statement.mnemonic);
+    if (operands.size() != 1 && (!isData || it->operand == nullptr)) {
         return false;
     }
-    const std::string_view text = operands[0].text;
+    const std::string_view text = operands.size() == 1 ? operands[0].text : it->operand->text;
     const std::size_t at = text.find_first_of(":.=<-;/");
     const std::string_view sign = text.substr(std::min(at, text.size()), 2);
     const bool isNegative = at + 2 < text.size() && HasClass(text[at + 2], CC_DIGIT);  // "A<-5"
     const std::size_t size = sign == "->" || (sign == "<-" && !isNegative) ? 2 : 1;
-    const bool isAfterString = at != std::string_view::npos && at > 1 && sign[0] == ':' &&
+    const bool isAfterString = at != std::string_view::npos && at > 1 &&
+                               (sign[0] == ':' || sign[0] == '.') && sign != ".." &&
                                text[0] == '"' && text.find('"', 1) == at - 1;
-    const bool isMissing = it->fault.number == MSG_ARGUMENT_EXPECTED || isAfterString;
+    const bool isList = isData && at != std::string_view::npos && sign[0] == ':' &&  // "DW A:B"
+                        it->IsDefined(text.substr(0, at));
+    const bool isMissing =
+        isAfterString || isList || (it->fault.number == MSG_ARGUMENT_EXPECTED && !isData);
     if (at == std::string_view::npos || at == 0 || at + size >= text.size() ||
         (!isMissing && ClassOf(text.substr(0, at)).kind == KIND_VALUE)) {
         return false;

@@ -2,37 +2,12 @@
 
 #include <algorithm>
 
-#include "expr/number.h"
 #include "frontend/instruction_forms.h"
 #include "frontend/note_steps.h"
-#include "frontend/operand_case.h"
 #include "source/char_class.h"
 
 namespace korv {
 namespace {
-
-constexpr std::string_view hexDigits = "0123456789ABCDEF";
-
-bool IsOf(std::string_view text, std::string_view characters) {
-    return !text.empty() && text.find_first_not_of(characters) == std::string_view::npos;
-}
-
-// Digits to a base that a letter or a prefix of another assembler denotes.
-std::string Spelled(std::string_view digits, char base) {
-    const bool isHex = base == 'X' || base == 'H';
-    const bool isBinary = base == 'B' || base == '%';
-    const bool isOctal = base == 'O' || base == 'Q';
-    if (isHex && IsOf(digits, hexDigits)) {
-        return "$" + std::string(digits);
-    }
-    if (isBinary && IsOf(digits, "01")) {
-        return "%" + std::string(digits);
-    }
-    if (isOctal && IsOf(digits, "01234567")) {
-        return std::string(digits) + "O";
-    }
-    return "";
-}
 
 // Whether the single quote at `at` is within a word and another one follows.
 bool IsApostrophe(std::string_view source, std::size_t at) {
@@ -61,8 +36,7 @@ Foreign SingleQuoted(const StatementView& statement, std::size_t start) {
         }
         content += source[end];
     }
-    Foreign found{line.substr(start, end + 1 - start), "",
-                  "use double quotes, also for one character"};
+    Foreign found{line.substr(start, end + 1 - start), "", doubleQuoteNote};
     if (end >= source.size() && content.size() == 1) {  // 'A
         found.part = line.substr(start, 2);
         found.fix = "\"" + content + "\"";
@@ -117,8 +91,8 @@ Foreign Bracketed(std::string_view operand, std::string_view typed) {
     return {operand, fix, "use parentheses for memory: " + fix};
 }
 
-// A token that is no token of the language.
-Foreign ForeignToken(const StatementView& statement, const Token& token) {
+// A number to another base or with a mistake in its digits.
+Foreign ForeignNumber(const StatementView& statement, const Token& token) {
     const std::string_view text = token.text;
     const std::string typed(statement.Typed(text));
     const std::size_t letter = text.find_first_not_of("0123456789");
@@ -130,7 +104,8 @@ Foreign ForeignToken(const StatementView& statement, const Token& token) {
         return {text, "", "use the digits 0 to 7 before O"};
     }
     if (letter != std::string_view::npos && letter > 0 && letter + 1 < text.size() &&
-        text[letter] == 'E' && IsOf(text.substr(letter + 1), "0123456789")) {  // "1E3"
+        text[letter] == 'E' &&
+        text.find_first_not_of("0123456789", letter + 1) == std::string_view::npos) {  // "1E3"
         return {text, "", "write " + typed + "H if it is hexadecimal: there are no exponents"};
     }
     if (const std::string number = NumberSpelling(text); !number.empty()) {
@@ -143,14 +118,13 @@ Foreign ForeignToken(const StatementView& statement, const Token& token) {
                     ? "write " + number + ", or " + std::string(text) + "H if it is hexadecimal"
                     : ""};
     }
-    if (token.kind != TokenKind::other) {
-        return {};
-    }
-    const std::size_t percent = text.find('%', 1);
-    if (percent != std::string_view::npos && percent + 1 < text.size()) {
-        const std::string fix = typed.substr(0, percent) + " MOD " + typed.substr(percent + 1);
-        return {text, fix, ""};
-    }
+    return {};
+}
+
+// A colon after or before a name, or between two statements.
+Foreign ForeignColon(const StatementView& statement, const Token& token) {
+    const std::string_view text = token.text;
+    const std::string typed(statement.Typed(text));
     if (text.size() > 1 && text.ends_with(':')) {
         const char* const restEnd = statement.rest.data() + statement.rest.size();
         const std::string_view after = WithoutLeadingBlanks({text.data() + text.size(), restEnd});
@@ -163,12 +137,35 @@ Foreign ForeignToken(const StatementView& statement, const Token& token) {
     if (text.size() > 1 && text.front() == ':') {
         return {text, typed.substr(1), "remove the colon: only the definition of a label has one"};
     }
+    const std::size_t colon = text.find(':');
+    if (colon != std::string_view::npos && FindKeyword(text.substr(colon + 1)) != nullptr) {
+        return {text.substr(colon, 1), "\n\t", "write one instruction in a line"};
+    }
+    return {};
+}
+
+// A token that is no token of the language.
+Foreign ForeignToken(const StatementView& statement, const Token& token) {
+    if (Foreign number = ForeignNumber(statement, token); number.part.data() != nullptr) {
+        return number;
+    }
+    if (token.kind != TokenKind::other) {
+        return {};
+    }
+    const std::string_view text = token.text;
+    const std::string typed(statement.Typed(text));
+    const std::size_t percent = text.find('%', 1);
+    if (percent != std::string_view::npos && percent + 1 < text.size()) {
+        const std::string fix = typed.substr(0, percent) + " MOD " + typed.substr(percent + 1);
+        return {text, fix, ""};
+    }
+    if (text.find('?') == std::string_view::npos) {
+        if (Foreign colon = ForeignColon(statement, token); colon.part.data() != nullptr) {
+            return colon;
+        }
+    }
     if (text.find('?') != std::string_view::npos) {
         return {text, "", "use IF and ELSE: there is no operator that chooses"};
-    }
-    if (const std::size_t colon = text.find(':');
-        colon != std::string_view::npos && FindKeyword(text.substr(colon + 1)) != nullptr) {
-        return {text.substr(colon, 1), "\n\t", "write one instruction in a line"};
     }
     if ((text.front() == '$' || text.front() == '&') && text.size() > 1) {
         return {
@@ -201,25 +198,6 @@ Foreign ForeignToken(const StatementView& statement, const Token& token) {
     return {};
 }
 
-// "INC H L", where the blank is neither before a comment nor a comma that is missing.
-Foreign SplitRegister(const StatementView& statement, const OperandView& operand) {
-    const std::vector<Token>& tokens = operand.tokens;
-    if (tokens.size() != 2 || tokens[0].kind != TokenKind::registerName ||
-        tokens[1].kind != TokenKind::registerName) {
-        return {};
-    }
-    const std::string_view left = statement.Typed(tokens[0].text);
-    const std::string_view right = statement.Typed(tokens[1].text);
-    const std::string_view part = statement.Span(tokens[0].text, tokens[1].text);
-    const std::string joined = std::string(left) + std::string(right);
-    const LinePart place = statement.PartOf(part);
-    if (ClassOf(Raised(joined)).kind == KIND_VALUE || !HasFormWith(statement, {{place, joined}}) ||
-        HasFormWith(statement, {{place, std::string(left) + "," + std::string(right)}})) {
-        return {};
-    }
-    return {part, joined, "remove the blank: " + joined};
-}
-
 // A register in parentheses with blanks beside it, or an index register without displacement.
 Foreign ForeignMemory(const StatementView& statement, const OperandView& operand) {
     const bool isWhole = operand.what.reg == REG_IX_INDIRECT || operand.what.reg == REG_IY_INDIRECT;
@@ -228,9 +206,6 @@ Foreign ForeignMemory(const StatementView& statement, const OperandView& operand
         return {operand.text, fix, "write the displacement: " + fix};
     }
     const std::vector<Token>& tokens = operand.tokens;
-    if (Foreign found = SplitRegister(statement, operand); found.part.data() != nullptr) {
-        return found;
-    }
     const bool isValue = operand.what.reg == REG_DIRECT && operand.what.kind == KIND_VALUE;
     if (!isValue || tokens.size() < 3 || ClassOf(tokens[1].text).kind == KIND_VALUE) {
         return {};
@@ -247,91 +222,6 @@ Foreign ForeignMemory(const StatementView& statement, const OperandView& operand
 }
 
 }  // namespace
-
-std::string EscapeValue(std::string_view content) {
-    if (content.size() == 2 && content.front() == '\\') {
-        switch (content[1]) {
-            case 'n':
-                return "10";
-            case 'r':
-                return "13";
-            case 't':
-                return "9";
-            case '0':
-                return "0";
-            default:
-                return "\"" + std::string(content.substr(1)) + "\"";
-        }
-    }
-    return content == "\"" ? "34" : "";
-}
-
-std::string NumberSpelling(std::string_view token) {
-    const bool isGrouped = token.size() > 2 && HasClass(token[0], CC_DIGIT) &&
-                           HasClass(token[1], CC_LETTER) &&
-                           token.find('_') != std::string_view::npos;
-    if (isGrouped) {  // "0B1111_0000"
-        std::string digits(token);
-        std::erase(digits, '_');
-        return NumberSpelling(digits);
-    }
-    const std::size_t size = token.size();
-    const std::size_t quote = token.find('\'');
-    if (size > 3 && quote == 1 && token.ends_with('\'')) {  // H'FF'
-        return Spelled(token.substr(2, size - 3), token[0]);
-    }
-    if (size > 2 && (token.starts_with("0X") || token.starts_with("0B") ||
-                     token.starts_with("0O") || token.starts_with("0Q"))) {
-        if (std::string number = Spelled(token.substr(2), token[1]); !number.empty()) {
-            return number;
-        }
-        if (token.ends_with('H') && token[1] == 'X') {
-            return Spelled(token.substr(2, size - 3), 'H');
-        }
-    }
-    if (size > 2 && (token[0] == '$' || token[0] == '#') && token.ends_with('H')) {
-        return Spelled(token.substr(1, size - 2), 'H');
-    }
-    if (size > 2 && (token[0] == '$' || token[0] == '#') && token[1] == '$') {
-        return Spelled(token.substr(2), 'H');
-    }
-    if (size > 2 && (token[0] == '#' || token.starts_with("$0X"))) {  // "#X1F", "#0x1F", "#%101"
-        return token[1] == 'X'   ? Spelled(token.substr(2), 'X')
-               : token[1] == '%' ? Spelled(token.substr(2), 'B')
-                                 : NumberSpelling(token.substr(1));
-    }
-    if (size > 2 && token[0] == '%' && token.ends_with('B')) {
-        return Spelled(token.substr(1, size - 2), 'B');
-    }
-    if (size > 2 && std::string_view("$%").find(token[0]) != std::string_view::npos &&
-        token.find('_') != std::string_view::npos) {
-        std::string digits(token.substr(1));
-        std::erase(digits, '_');
-        return Spelled(digits, token[0] == '$' ? 'H' : 'B');
-    }
-    if (size > 3 && (token.starts_with("16#") || token.starts_with("2#"))) {
-        return Spelled(token.substr(token.find('#') + 1), token[0] == '2' ? 'B' : 'H');
-    }
-    if (token.empty() || !HasClass(token[0], CC_DIGIT)) {
-        return "";
-    }
-    if (token.ends_with('Q')) {
-        return Spelled(token.substr(0, size - 1), 'Q');
-    }
-    std::string digits(token);
-    std::erase(digits, '_');
-    std::int32_t value = 0;
-    if (digits.size() < size && ReadNumber(digits, &value) == 0) {
-        return digits;
-    }
-    if (token.ends_with('D') && IsOf(token.substr(0, size - 1), "0123456789")) {
-        return std::string(token.substr(0, size - 1));
-    }
-    if (IsOf(token, hexDigits) && ReadNumber(token, &value) == notANumber) {
-        return std::string(token) + "H";
-    }
-    return "";
-}
 
 Foreign FindForeign(const StatementView& statement, const OperandView& operand) {
     bool isString = false;

@@ -23,6 +23,8 @@ struct Foreign {
     std::string note;  ///< why, or what to do instead; empty: "write " and the spelling
 };
 
+inline constexpr const char* doubleQuoteNote = "use double quotes, also for one character";
+inline constexpr const char* closeQuoteNote = "close the string with a double quote";
 inline constexpr std::string_view largeNumberNote =
     "use at most 65535; a larger value has to be computed, as in 35000*2";
 

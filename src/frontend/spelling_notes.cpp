@@ -68,6 +68,23 @@ void AdviseOnTranslated(OperandCase* it, const Translation& translation) {
     }
 }
 
+// A name in single quotes or after a sign that other languages have there.
+bool AdviseOnMarkedName(OperandCase* it, std::string_view part) {
+    const std::string_view inner = part.substr(1, part.size() - 2);
+    if (part.size() > 2 && part.front() == '\'' &&
+        (it->IsDefined(inner) || ClassOf(inner).kind != KIND_VALUE)) {
+        it->Replace(part, std::string(it->statement.Typed(inner)));
+        it->advice.note = WriteNote(it->statement, it->advice.edits) + ": a name has no quotes";
+        return true;
+    }
+    if (HoldsWord("& $ %", part.substr(0, 1)) && it->IsDefined(part.substr(1))) {
+        it->Replace(part.substr(0, 1), "");
+        it->advice.note = WriteNote(it->statement, it->advice.edits);
+        return true;
+    }
+    return false;
+}
+
 // Proposes the statement that `translation` makes, in a note that has the text of one change.
 void ProposeWhole(OperandCase* it, const Translation& translation) {
     const StatementView changed = translation.View();
@@ -110,17 +127,7 @@ bool AdviseOnSpelling(OperandCase* it) {
             continue;
         }
         it->PointAt(found.part);
-        if (const std::string_view inner = found.part.substr(1, found.part.size() - 2);
-            found.edits.empty() && found.part.size() > 2 && found.part.front() == '\'' &&
-            (it->IsDefined(inner) || ClassOf(inner).kind != KIND_VALUE)) {
-            it->Replace(found.part, std::string(statement.Typed(inner)));
-            it->advice.note = WriteNote(statement, it->advice.edits) + ": a name has no quotes";
-            return true;
-        }
-        if (found.edits.empty() && HoldsWord("& $ %", found.part.substr(0, 1)) &&
-            it->IsDefined(found.part.substr(1))) {  // an address in C, a variable of a shell
-            it->Replace(found.part.substr(0, 1), "");
-            it->advice.note = WriteNote(statement, it->advice.edits);
+        if (found.edits.empty() && AdviseOnMarkedName(it, found.part)) {
             return true;
         }
         it->advice.note = std::move(found.note);

@@ -4,6 +4,7 @@
 
 #include "frontend/instruction_forms.h"
 #include "frontend/operand_case.h"
+#include "frontend/proposal.h"
 #include "source/char_class.h"
 
 namespace korv {
@@ -117,6 +118,28 @@ bool AdviseOnUnopenedString(OperandCase* it) {
     it->Insert(start->text, "\"");
     it->advice.note = "open the string with a double quote";
     return true;
+}
+
+bool AdviseOnOddQuotes(OperandCase* it) {
+    const std::string_view rest = it->statement.rest;
+    const auto count = std::ranges::count(rest, '"');
+    if (count % 2 == 0 || count < 3 || !HoldsWord("DB DEFB", it->statement.mnemonic)) {
+        return false;
+    }
+    for (const char sign : {'\'', ',', '"'}) {  // 'text", "text,13 and text"
+        for (std::size_t i = 0; i < rest.size(); ++i) {
+            const std::string_view part = rest.substr(sign == '"' ? 0 : i, sign == '\'' ? 1 : 0);
+            const std::vector<TextEdit> edits = {{it->statement.PartOf(part), "\""}};
+            if (rest[i] == sign && IsSound(it->adviser.Facts(), it->statement, edits)) {
+                it->PointAt(rest.substr(sign == '"' ? 0 : i, 1));
+                it->advice.edits = edits;
+                it->advice.note =
+                    sign == '"' ? "open the string with a double quote" : closeQuoteNote;
+                return true;
+            }
+        }
+    }
+    return false;
 }
 
 }  // namespace korv

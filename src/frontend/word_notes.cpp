@@ -119,6 +119,14 @@ Advice AdviseOnMark(const StatementView& statement) {
     return {};
 }
 
+// Whether all names in the expression of `operand` are known.
+bool HasKnownNames(const RunFacts& facts, const OperandView& operand) {
+    return std::ranges::all_of(operand.tokens, [&](const Token& token) {
+        const bool isOdd = token.kind == TokenKind::other || token.kind == TokenKind::openString;
+        return !isOdd && (!operand.HoldsAsName(token) || facts.FindName(token.text));
+    });
+}
+
 // Words run together, as in "LD(HL),A" and "DB5".
 Advice AdviseOnJoinedWords(const RunFacts& facts, const StatementView& statement) {
     const std::string_view word = statement.mnemonic;
@@ -142,10 +150,11 @@ Advice AdviseOnJoinedWords(const RunFacts& facts, const StatementView& statement
         }
         const std::string line = Applied(statement.line, edits);
         const StatementView changed = CutStatement(line);
+        const bool isFile =
+            HoldsWord("INCLUDE BINCLUDE", changed.mnemonic) && facts.HasFile(changed.rest);
         const bool isPlain =
-            std::ranges::none_of(changed.operands, [&facts](const OperandView& operand) {
-                return operand.what.kind == KIND_VALUE &&
-                       HasClass(operand.text.front(), CC_LETTER) && !facts.FindName(operand.text);
+            isFile || std::ranges::all_of(changed.operands, [&facts](const OperandView& operand) {
+                return operand.text == "AF'" || HasKnownNames(facts, operand);
             });
         if (HasForm(changed) && !changed.operands.empty() && (!isWord || isPlain)) {
             Advice advice;
@@ -272,6 +281,14 @@ Advice AdviseOnColumn(const StatementView& statement) {
     return {};
 }
 
+// "A += 5" and "A++".
+bool IsAssignment(const StatementView& statement) {
+    const std::string_view word = statement.mnemonic;
+    const std::size_t sign = word.find_first_of("+-=");
+    return ClassOf(word.substr(0, sign)).kind != KIND_VALUE &&
+           (sign != std::string_view::npos || statement.rest.find_first_of("+-=*") == 0);
+}
+
 Advice AdviseOnUnknownWord(Adviser& adviser, const FaultView& fault) {
     const StatementView& statement = fault.statement;
     const std::string_view word = statement.mnemonic;
@@ -285,13 +302,23 @@ Advice AdviseOnUnknownWord(Adviser& adviser, const FaultView& fault) {
     if (Advice advice = AdviseOnOddName(adviser, statement); advice.place) {
         return advice;
     }
-    if (Advice advice = AdviseOnLabelPlace(statement); advice.place) {
+    if (!adviser.Facts().FindName(word)) {
+        if (Advice advice = AdviseOnSplitMnemonic(statement); advice.place) {
+            return advice;
+        }
+    }
+    if (Advice advice = AdviseOnLabelPlace(adviser, statement); advice.place) {
         return advice;
+    }
+    if (Advice found = AdviseOnSign(statement); found.place) {
+        return found;
     }
     Advice advice;
     advice.place = statement.PartOf(word);
-    if (Advice found = AdviseOnSign(statement); found.place) {
-        return found;
+    if (FindKeyword(statement.label) != nullptr && !statement.hasColon) {  // "IF WIDTH"
+        if (Advice found = AdviseOnColumn(statement); found.place) {
+            return found;
+        }
     }
     if (const auto row = WordAdvice(statement)) {
         advice.note = row->note;
@@ -313,7 +340,7 @@ Advice AdviseOnUnknownWord(Adviser& adviser, const FaultView& fault) {
     if (const std::string_view near = NearestKeyword(statement, word); !near.empty()) {
         advice.edits = {{statement.PartOf(word), std::string(near)}};
         advice.note = "did you mean " + std::string(near) + "?";
-    } else if (ClassOf(word.substr(0, word.find_first_of("+-="))).kind != KIND_VALUE) {
+    } else if (IsAssignment(statement)) {
         advice.note = "write an instruction, such as LD or ADD: there are no assignments";
     } else if (fault.isSkipped) {
         advice.note =
@@ -323,6 +350,20 @@ Advice AdviseOnUnknownWord(Adviser& adviser, const FaultView& fault) {
 }
 
 }  // namespace
+
+Advice AdviseOnSplitMnemonic(const StatementView& statement) {
+    const std::string_view word = statement.mnemonic;
+    const std::string_view next = statement.rest.substr(0, statement.rest.find_first_of(" \t"));
+    const bool isOperand = next == statement.rest && statement.keyword != nullptr;  // "LD D"
+    if (next.empty() || isOperand || FindKeyword(std::string(word).append(next)) == nullptr) {
+        return {};
+    }
+    const std::string_view part = statement.Span(word, next);
+    const std::string fix = std::string(statement.Typed(word)).append(statement.Typed(next));
+    const std::string line = Raised(Applied(statement.line, {{statement.PartOf(part), fix}}));
+    return HasForm(CutStatement(line)) ? Replace(statement, part, fix, "remove the blank: " + fix)
+                                       : Advice{};
+}
 
 Advice AdviseOnWord(Adviser& adviser, const FaultView& fault) {
     Advice advice = AdviseOnUnknownWord(adviser, fault);

@@ -78,7 +78,6 @@ inline constexpr auto wordTable = std::to_array<WordRow>({
     {"EXAF EXA", "EX AF,AF'", "", " EXAF", 0},
     {"DBNZ LOOP", "DJNZ %1", "", "X: LOOP X", 1},
     {"DJZ DNJZ JDNZ", "DJNZ %1", "", "X: DNJZ X", 1},
-    {"CPA ANDA ORAA SUBA XORA CPB ANDB ORB", "", "put a blank between the instruction and its operand", " XORA"},
     {"LDIRX LDDRX LDIX", "", "use LDIR or LDDR: this instruction is of a later processor", " LDIRX"},
     // The 8080.
     {"MOV", "LD %m1,%m2", "", " MOV A,M", 2},
@@ -153,7 +152,7 @@ inline constexpr auto wordTable = std::to_array<WordRow>({
     {"PLA POPA PUL", "POP AF", "", " PLA", 0},
     {"PUSHAF", "PUSH AF", "", " PUSHAF", 0},
     {"MOVE MOVEA XCH", "LD %r", "", " MOVE A,B", 2},
-    {"LDH LDHL INX DCX INR DCR LDX LDY LDA STA STX STY TAX TXA TAY TYA TXS TSX DEX DEY INY BVC BVS CPX CPY ADDA LDAB CLI SED CLD CLV BRK INCA DECA LEA INT XLAT CMPA BLS BHI BGT BLE LDD_ PSHS PULS", "", "use the instructions of the Z80: this one is of another processor", " LDX 5"},
+    {"LDH LDHL INX DCX INR DCR LDX LDY LDA STA STX STY TAX TXA TAY TYA TXS TSX DEX DEY INY BVC BVS CPX CPY ADDA LDAB CLI SED CLD CLV BRK LEA INT XLAT CMPA BLS BHI BGT BLE LDD_ PSHS PULS", "", "use the instructions of the Z80: this one is of another processor", " LDX 5"},
 });
 // clang-format on
 

@@ -1,0 +1,198 @@
+// Slips of the finger in operands: registers, a comma that is missing, the order.
+
+#include <algorithm>
+
+#include "frontend/instruction_forms.h"
+#include "frontend/note_rows.h"
+#include "frontend/operand_case.h"
+#include "frontend/proposal.h"
+#include "source/char_class.h"
+
+namespace korv {
+namespace {
+
+// Whether `text` is `name` with two letters swapped or one doubled.
+bool IsSureSlip(std::string_view text, std::string_view name) {
+    const bool isDoubled =
+        text.size() == name.size() + 1 && std::ranges::all_of(text, [name](char c) {
+            return name.find(c) != std::string_view::npos;
+        });
+    return isDoubled || std::ranges::is_permutation(name, text);
+}
+
+// The registers and conditions that `token` is a slip of: those as long as it first, and of these
+// the one with its letters.
+std::vector<std::string> NearRegisters(const OperandCase& it, const Token& token, bool isIndex) {
+    std::vector<std::string> near;
+    std::size_t best = 3;
+    for (const std::string_view name :
+         {"A",  "B",  "C",  "D",  "E", "H",  "L",  "BC", "DE", "HL", "SP",
+          "IX", "IY", "AF", "NZ", "Z", "NC", "PO", "PE", "P",  "M"}) {
+        const std::size_t rank = IsSureSlip(token.text, name)       ? 0
+                                 : name.size() == token.text.size() ? 1
+                                                                    : 2;
+        const std::vector<TextEdit> edits = {{it.statement.PartOf(token.text), std::string(name)}};
+        if (rank > best || (isIndex && !name.starts_with('I')) ||
+            EditDistance(token.text, name) != 1 || !HasFormWith(it.statement, edits)) {
+            continue;
+        }
+        const std::string line = Raised(Applied(it.statement.line, edits));
+        if (HasLargeName(it.adviser.Facts(), CutStatement(line))) {
+            continue;  // an address, so a pair was meant
+        }
+        if (rank < best) {
+            near.clear();
+            best = rank;
+        }
+        near.emplace_back(name);
+    }
+    return near;
+}
+
+// The defined name that two words are, of which the first is none.
+std::string NameOf(const OperandCase& it, std::string_view left, std::string_view right) {
+    for (const std::string_view between : {"_", ""}) {
+        const std::string name = std::string(left).append(between).append(right);
+        if (!it.IsDefined(left) && it.IsDefined(name)) {
+            return name;
+        }
+    }
+    return "";
+}
+
+}  // namespace
+
+bool AdviseOnMisspeltRegister(OperandCase* it, bool isSure) {
+    constexpr std::size_t longest = 3;
+    for (const OperandView& operand : it->statement.operands) {
+        const Token* token = operand.OnlyToken();
+        const bool isIndex = token == nullptr && operand.tokens.size() > 3 &&
+                             operand.tokens[0].code == OP_OPEN;  // "(XI+1)"
+        token = isIndex ? &operand.tokens[1] : token;
+        const bool isName = token != nullptr &&
+                            (token->kind == TokenKind::name || token->kind == TokenKind::digitName);
+        if (!isName || token->text.size() < 2 || token->text.size() > longest ||
+            it->IsDefined(token->text)) {
+            continue;
+        }
+        const std::vector<std::string> near = NearRegisters(*it, *token, isIndex);
+        if (near.empty() || (isSure && !IsSureSlip(token->text, near[0]))) {
+            continue;
+        }
+        it->PointAt(token->text);
+        if (near.size() == 1) {
+            it->Replace(token->text, near[0]);
+        }
+        it->advice.note = "did you mean " + Listed(near) + "?";
+        return true;
+    }
+    return false;
+}
+
+std::string Listed(const std::vector<std::string>& words) {
+    std::string text;
+    for (std::size_t i = 0; i < words.size(); ++i) {
+        text += (i == 0 ? "" : i + 1 == words.size() ? " or " : ", ") + words[i];
+    }
+    return text;
+}
+
+// A register in double quotes.
+bool AdviseOnQuotedRegister(OperandCase* it) {
+    for (const OperandView& operand : it->statement.operands) {
+        const std::string_view text = operand.text;
+        const bool isString =
+            operand.tokens.size() == 1 && operand.tokens[0].kind == TokenKind::string;
+        const std::string name(isString ? text.substr(1, text.size() - 2) : "");
+        const std::vector<TextEdit> edits = {{it->statement.PartOf(text), name}};
+        if (ClassOf(Raised(name)).kind != KIND_VALUE && HasFormWith(it->statement, edits)) {
+            it->PointAt(text);
+            it->advice.edits = edits;
+            it->advice.note = WriteNote(it->statement, edits) + ": a register has no quotes";
+            return true;
+        }
+    }
+    return false;
+}
+
+bool AdviseOnSplitWord(OperandCase* it) {
+    const StatementView& statement = it->statement;
+    for (const OperandView& operand : statement.operands) {
+        for (std::size_t i = 0; i + 1 < operand.tokens.size(); ++i) {
+            const Token& left = operand.tokens[i];
+            const Token& right = operand.tokens[i + 1];
+            if (!left.IsValue() || !right.IsValue()) {
+                continue;
+            }
+            const std::string_view part = statement.Span(left.text, right.text);
+            const std::string joined =
+                std::string(statement.Typed(left.text)).append(statement.Typed(right.text));
+            const std::string comma = std::string(left.text) + "," + std::string(right.text);
+            const bool isRegister = ClassOf(Raised(joined)).kind != KIND_VALUE &&
+                                    HasFormWith(statement, {{statement.PartOf(part), joined}}) &&
+                                    !HasFormWith(statement, {{statement.PartOf(part), comma}});
+            const std::string name = NameOf(*it, left.text, right.text);
+            if (isRegister || !name.empty()) {
+                it->PointAt(part);
+                it->Replace(part, isRegister ? joined : name);
+                it->advice.note =
+                    isRegister ? "remove the blank: " + joined : "did you mean " + name + "?";
+                return true;
+            }
+        }
+    }
+    return false;
+}
+
+bool AdviseOnGluedOperands(OperandCase* it) {
+    const auto& operands = it->statement.operands;
+    if (it->fault.number != MSG_ARGUMENT_EXPECTED || operands.size() != 1) {
+        return false;
+    }
+    const std::string_view text = operands[0].text;
+    const bool isWhole = ClassOf(text).kind != KIND_VALUE;  // "LD DE", without the second one
+    for (const std::size_t size : {std::size_t{2}, std::size_t{1}}) {
+        const std::string_view right = text.substr(std::min(size, text.size()));
+        const std::vector<Token> tokens = CutTokens(right);
+        if (isWhole || tokens.empty() || HasClass(right[0], CC_BLANK) ||
+            ClassOf(text.substr(0, size)).kind == KIND_VALUE) {
+            continue;
+        }
+        const std::vector<TextEdit> edits = {{it->statement.PartOf(right.substr(0, 0)), ","}};
+        const bool isOperand = right.starts_with('(') || right == "AF'" ||
+                               tokens[0].kind == TokenKind::number ||
+                               ClassOf(right).kind != KIND_VALUE || it->IsDefined(tokens[0].text);
+        if (isOperand && HasFormWith(it->statement, edits)) {
+            it->PointAt(right);
+            it->advice.edits = edits;
+            it->advice.note = "add the comma: " + WriteNote(it->statement, edits).substr(6);
+            return true;
+        }
+    }
+    return false;
+}
+
+bool AdviseOnSwappedOperands(OperandCase* it) {
+    const auto& operands = it->statement.operands;
+    if (operands.size() != 2 || operands[0].text.empty() || operands[1].text.empty()) {
+        return false;
+    }
+    const std::string_view first = operands[0].text;
+    const std::string_view second = operands[1].text;
+    const std::vector<TextEdit> edits = {
+        {it->statement.PartOf(first), std::string(it->statement.Typed(second))},
+        {it->statement.PartOf(second), std::string(it->statement.Typed(first))}};
+    if (!HasFormWith(it->statement, edits)) {
+        return false;
+    }
+    it->advice.edits = edits;
+    if (it->ProposesUnknownName()) {
+        it->advice.edits.clear();
+        return false;
+    }
+    it->PointAt(first);
+    it->advice.note = WriteNote(it->statement, edits) + ": the target is the first operand";
+    return true;
+}
+
+}  // namespace korv

@@ -164,7 +164,7 @@ struct NameCollector::Entry {
 };
 
 // Sorts names that are the same before `offset`: 8 characters at a time, since numbers are compared
-// several times as fast as texts. It ends, since no two names are the same and none has a byte 0.
+// several times as fast as texts.
 void NameCollector::Sort(std::span<Entry> entries, std::size_t offset) {
     for (Entry& entry : entries) {
         entry.TakePiece(offset);
@@ -174,8 +174,10 @@ void NameCollector::Sort(std::span<Entry> entries, std::size_t offset) {
         const auto differs = [&](const Entry& entry) { return entry.piece != entries[0].piece; };
         const auto end = std::ranges::find_if(entries, differs);
         const auto count = static_cast<std::size_t>(end - entries.begin());
-        if (count > 1) {
+        if (count > 1 && offset < maxWord) {
             Sort(entries.first(count), offset + sizeof(Entry::piece));
+        } else if (count > 1) {  // only a skipped block has such names, of any length
+            std::ranges::sort(entries.first(count), {}, &Entry::Text);
         }
         entries = entries.subspan(count);
     }

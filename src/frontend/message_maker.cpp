@@ -70,6 +70,9 @@ void MessageMaker::Finish() {
             }
         }
     }
+    if (assembler->assembling == 0) {
+        adviser.ExpectSkippedEnd();
+    }
     for (auto& each : std::exchange(pending, {})) {
         if (const auto* const report = std::get_if<Report>(&each)) {
             if (report->warning != Warning::emptyOperand || !shortLines.contains(lineOf(*report))) {

@@ -330,14 +330,15 @@ std::optional<RowAdvice> WordAdvice(const StatementView& statement) {
             changed.mnemonic.remove_prefix(1);
             return advice("", changed.rest.empty() ? "%w" : word == "INCLUDE" ? "%w %n1" : "%w %r");
         }
-        const bool hasRegister = std::ranges::any_of(
-            changed.operands,
-            [](const OperandView& operand) { return operand.what.kind == KIND_REGISTER; });
+        const bool hasRegister =
+            std::ranges::any_of(changed.operands, [](const OperandView& operand) {
+                return operand.what.kind == KIND_REGISTER || operand.what.kind == KIND_CONDITION;
+            });
         for (const WordRow& row : wordTable) {
             const bool isWord =
                 HoldsWord(row.words, word) || (isImmediate && HoldsWord(row.words, marked));
             const bool isData =  // and no slip such as "DL A,B"
-                HoldsWord("DB DW DS", row.fix.substr(0, row.fix.find(' '))) ||
+                HoldsWord("DB DW DS INCLUDE BINCLUDE", row.fix.substr(0, row.fix.find(' '))) ||
                 row.note.starts_with("write the bytes");
             if (isWord && (row.operands < 0 || row.operands == count) && !(isData && hasRegister)) {
                 return advice(row.note, row.fix);

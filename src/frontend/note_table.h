@@ -52,7 +52,7 @@ inline constexpr auto tokenTable = std::to_array<TokenRow>({
     {"*", "%i \\( \\)", "%1", "write %f: a name has no brackets after it", "X: CALL X()"},
     {"JP JR CALL", "%i @ \\(", "", "put the arguments into registers: a routine takes none in brackets", "X: CALL X(5)"},
     {"LD", "^ %iBYTE|WORD|PTR \\( %v \\) ;", "(%3)", "", " LD BYTE (HL),5"},
-    {"*", "%i @ \\( %rHL|BC|DE|SP \\) ;", "", "compute the address first: no register is added to one here", "X: NOP| LD A,X(HL)"},
+    {"*", "%i @ \\( %r \\) ;", "", "compute the address first: no register is added to one here", "X: NOP| LD A,X(HL)"},
     {"BIT SET RES", "%v @ < <", "", "write the number of the bit, from 0 to 7: it is no mask", " BIT 1<<7,A"},
     {"BIT SET RES", "%v @ SHL", "", "write the number of the bit, from 0 to 7: it is no mask", ""},
     {"*", "^ \\( %rHL|DE|BC \\) @ + ;", "", "step with INC %2 after it: this form is of another processor", " LD A,(HL)+"},

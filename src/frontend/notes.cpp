@@ -131,7 +131,7 @@ std::string Adviser::UnusedName(const std::string& name) {
     std::string unused = name;
     const auto isDefined = [this](const std::string& each) {
         const auto known = facts.FindName(Raised(each));
-        return known && known->hasValue;
+        return known && known->hasValue && !known->isHere;
     };
     for (int number = 1; FindKeyword(Raised(unused)) != nullptr || isDefined(unused) ||
                          !proposedNames.insert(Raised(unused)).second;) {
@@ -198,7 +198,8 @@ bool Adviser::IsFollowOn(const FaultView& fault, const Advice& advice) {
             [&place, isWhole](const LinePart& each) { return isWhole || Overlap(each, place); });
         const bool isOpen =
             lastNote == closeQuoteNote || lastNote == doubleQuoteNote;  // the rest is within a text
-        if (isAgain || isOpen || (!advice.note.empty() && advice.note == lastNote)) {
+        if (isAgain || isOpen || lastNumber == MSG_ILLEGAL_CONDITION ||
+            (!advice.note.empty() && advice.note == lastNote)) {
             return true;
         }
     }
@@ -231,7 +232,7 @@ bool Adviser::IsFollowOn(const FaultView& fault, const Advice& advice) {
     if (fault.number == MSG_REDEFINITION && advice.isRepeated) {
         return std::exchange(hasRepeatedFile, true);
     }
-    if (fault.number == MSG_UNRESOLVED && (hasRefusedFile || hasRefusedEnd)) {
+    if (fault.number == MSG_UNRESOLVED && (hasRefusedFile || (hasRefusedEnd && fault.isLate))) {
         return true;
     }
     return IsAboutValue(fault.number) && UsesOneOf(refusedNames, fault);
@@ -260,6 +261,7 @@ void Adviser::Remember(const FaultView& fault, const Advice& advice) {
     }
     lastPlaces.push_back(advice.place.value_or(fault.part));
     lastNote = advice.note;
+    lastNumber = fault.number;
     const bool isRefused =
         fault.number == MSG_UNKNOWN_INSTRUCTION || fault.number == MSG_ARGUMENT_EXPECTED ||
         fault.number == MSG_TOO_MANY_ARGUMENTS || fault.number == MSG_ILLEGAL_ARGUMENT ||

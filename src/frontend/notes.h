@@ -99,6 +99,9 @@ class Adviser {
     /// The definition of `name` will be refused: what uses it before only follows from that.
     void ExpectRefusal(std::string_view name) { refusedNames.emplace(name); }
 
+    /// The source ends in a part that an open condition skips: what it would define is unknown.
+    void ExpectSkippedEnd() { hasRefusedEnd = true; }
+
     /// Whether the definition of `name` was refused.
     [[nodiscard]] bool IsRefused(const std::string& name) const {
         return refusedNames.contains(name);
@@ -143,6 +146,7 @@ class Adviser {
     std::int32_t lastStatement = -1;   // with an error
     std::vector<LinePart> lastPlaces;  // of its errors
     std::string lastNote;
+    Status lastNumber = 0;
 };
 
 }  // namespace korv

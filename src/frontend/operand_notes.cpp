@@ -248,12 +248,11 @@ void AdviseOnOperandCase(OperandCase* it) {
         }
         return;
     }
-    if (AdviseOnOddQuotes(it) || AdviseOnSet(it) || AdviseOnComma(it) ||
+    if (AdviseOnOddQuotes(it) || AdviseOnSet(it) || AdviseOnSplitWord(it) || AdviseOnComma(it) ||
         AdviseOnSecondInstruction(it) || AdviseOnLastSign(it) || AdviseOnListBrackets(it) ||
         AdviseOnSplitBrackets(it) || AdviseOnSeparator(it) || AdviseOnGluedOperands(it) ||
-        AdviseOnSplitWord(it) || AdviseOnIndexHalf(it) || AdviseOnSpelling(it) ||
-        AdviseOnUnopenedString(it) || AdviseOnRegister(it) ||
-        (fault.number == MSG_TOO_MANY_ARGUMENTS && AdviseOnProse(it))) {
+        AdviseOnIndexHalf(it) || AdviseOnSpelling(it) || AdviseOnUnopenedString(it) ||
+        AdviseOnRegister(it) || (fault.number == MSG_TOO_MANY_ARGUMENTS && AdviseOnProse(it))) {
         return;
     }
     const Keyword* const keyword = fault.statement.keyword;

@@ -109,6 +109,13 @@ Advice AdviseOnFarJump(const StatementView& statement) {
         advice.note = "write $" + target + ": a relative jump takes an address";
         return advice;
     }
+    if (target.ends_with("-$")) {  // a distance
+        const std::string_view part = statement.operands.back().text;
+        advice.place = statement.PartOf(part);
+        advice.edits = {{statement.PartOf(part.substr(part.size() - 2)), ""}};
+        advice.note = WriteNote(statement, advice.edits) + ": a relative jump takes an address";
+        return advice;
+    }
     if (statement.mnemonic == "JR") {
         advice.edits = {{statement.PartOf(statement.mnemonic), "JP"}};
         advice.note = "use JP: JR reaches from 126 bytes before to 129 bytes after its own address";
@@ -202,6 +209,20 @@ Advice AdviseOnRange(const StatementView& statement, Status number) {
     return advice;
 }
 
+// A value that turned out wrong after its line, of which the core reports no more.
+Advice AdviseOnFailure(const FaultView& fault) {
+    const StatementView& statement = fault.statement;
+    Advice advice = AdviseOnEmptyBrackets(statement);
+    if (!advice.place && fault.isLate && statement.mnemonic == "EQU") {
+        advice.text = "a value that waits for this name does not fit";
+        advice.note = "check the jumps and values that use " + std::string(statement.label);
+    } else if (!advice.place && fault.isLate) {
+        advice = AdviseOnFarJump(statement);
+        advice.text = "the jump is too far";
+    }
+    return advice;
+}
+
 struct FixedNote {
     Status number;
     std::string_view note;
@@ -254,30 +275,17 @@ Advice AdviseOnRest(Adviser& adviser, const FaultView& fault) {
         case MSG_NOT_UNSIGNED_BYTE:
             return AdviseOnRange(statement, fault.number);
         case MSG_TEXT_AFTER_STRING:
-            advice.edits = {NewStatement(statement, "DB " + std::string(statement.rest))};
             advice.note =
                 "use DB for several operands: a double quote in a string is the number 34";
-            advice.edits.clear();
             return advice;
         case MSG_NOT_IMPLEMENTED:
-            if (HoldsWord("DD DEFD", statement.mnemonic)) {
-                advice.note = "write two words with DW, the low one first";
-            } else {
-                advice.note = macroNote;
-            }
-            advice.place = statement.PartOf(statement.mnemonic);
-            return advice;
+            return Say(statement, statement.mnemonic,
+                       HoldsWord("DD DEFD", statement.mnemonic)
+                           ? "write two words with DW, the low one first"
+                           : std::string(macroNote));
         case MSG_SYSTEM_ERROR:
         case -1:
-            advice = AdviseOnEmptyBrackets(statement);
-            if (!advice.place && fault.isLate && statement.mnemonic == "EQU") {
-                advice.text = "a value that waits for this name does not fit";
-                advice.note = "check the jumps and values that use " + std::string(statement.label);
-            } else if (!advice.place && fault.isLate) {
-                advice = AdviseOnFarJump(statement);
-                advice.text = "the jump is too far";
-            }
-            return advice;
+            return AdviseOnFailure(fault);
         default:
             break;
     }

@@ -175,6 +175,11 @@ Foreign ForeignToken(const StatementView& statement, const Token& token) {
     if (text.front() == '%') {
         return {text, "", "use the digits 0 and 1 after %, and MOD for the remainder"};
     }
+    if (text.starts_with("IX.") || text.starts_with("IY.")) {
+        const std::string fix = typed.substr(0, 2) + "+" + typed.substr(3);
+        const bool isOpen = text.data() > statement.line.data() && text.data()[-1] == '(';
+        return {text, isOpen ? fix : "(" + fix + ")", ""};
+    }
     if (text.find("..") != std::string_view::npos) {
         return {text, "", "write the values one by one: there are no ranges"};
     }
@@ -259,7 +264,12 @@ Foreign FindForeign(const StatementView& statement, const OperandView& operand) 
                                operand.text.substr(i).starts_with("[IY]");
         if (c == '[' && i > 0 && !isIndexed &&
             HasClass(operand.text[i - 1], CC_NAME)) {  // "TABLE[2]"
-            return {operand.text, "", "add the index to the address with +: there are no arrays"};
+            const std::string_view index =
+                operand.text.substr(i + 1, operand.text.find(']', i) - i - 1);
+            return {operand.text, "",
+                    ClassOf(index).kind == KIND_VALUE
+                        ? "add the index to the address with +: there are no arrays"
+                        : "compute the address first: no register is added to one here"};
         }
         if (c == '[' || c == '{' || ((c == ']' || c == '}') && i + 1 == operand.text.size())) {
             return Bracketed(operand.text, statement.Typed(operand.text));

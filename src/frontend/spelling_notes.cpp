@@ -9,6 +9,7 @@
 #include "frontend/note_rows.h"
 #include "frontend/note_steps.h"
 #include "frontend/operand_case.h"
+#include "frontend/proposal.h"
 #include "frontend/translation.h"
 
 namespace korv {
@@ -143,7 +144,9 @@ bool AdviseOnSpelling(OperandCase* it) {
             return FindExpressionFault(each).fault != ExpressionFault::none &&
                    each.what.kind == KIND_VALUE && each.tokens.size() > 1;
         });
-        if (isBroken || !HasForm(changed)) {
+        const bool isSound = IsSound(it->adviser.Facts(), statement,
+                                     {{LinePart{0, translation.end}, translation.typed}});
+        if (isBroken || !HasForm(changed) || !isSound) {
             if (it->operand != nullptr) {
                 it->PointAt(it->operand->text);
             }

@@ -212,7 +212,7 @@ std::string_view NearestKeyword(const StatementView& statement, std::string_view
         StatementView changed = statement;
         changed.mnemonic = each;
         changed.keyword = FindKeyword(each);
-        return HasForm(changed);
+        return each != "END" && HasForm(changed);  // which would hide all that follows
     };
     const std::string_view near = NearWords(words).Find(word, isForm);
     if (!near.empty() || word.size() > 2 || statement.operands.empty()) {
@@ -265,7 +265,9 @@ Advice AdviseOnColumn(const StatementView& statement) {
         advice.note = "indent " + std::string(label) + ": only labels begin in column 1";
         return advice;
     }
-    if (const auto foreign = WordAdvice(indented); foreign) {
+    const bool isSign = !statement.mnemonic.empty() && !HasClass(statement.mnemonic[0], CC_NAME) &&
+                        statement.mnemonic[0] != '"';  // no "NAME <- 5"
+    if (const auto foreign = isSign ? std::nullopt : WordAdvice(indented); foreign) {
         advice.note = foreign->note;
         if (!foreign->edits.empty()) {
             advice.edits = {{statement.PartOf(statement.line), " " + foreign->edits[0].text}};

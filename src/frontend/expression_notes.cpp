@@ -339,6 +339,11 @@ bool AdviseOnExpression(OperandCase* it) {
             note = closeQuoteNote;
             break;
         case ExpressionFault::emptyNumber:
+            if (text == "O" && !it->IsDefined(text)) {
+                it->Replace(token->text, "0");
+                note = "write 0: O is a letter";
+                break;
+            }
             note = EmptyNumberNote(*it, *token);
             break;
         case ExpressionFault::largeNumber:

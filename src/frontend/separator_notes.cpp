@@ -18,7 +18,8 @@ bool AdviseOnComma(OperandCase* it) {
     const bool isShort =
         it->fault.number == MSG_ARGUMENT_EXPECTED || it->fault.number == MSG_ILLEGAL_ARGUMENT;
     if (isShort && end + 1 < typed.size() && typed[end] == ';' &&
-        !HasClass(typed[end + 1], CC_BLANK) && !statement.rest.empty()) {
+        !HasClass(typed[end + 1], CC_BLANK) && !statement.rest.empty() &&
+        !statement.rest.ends_with('\'')) {  // "DB ';'"
         std::string changed(typed);
         changed[end] = ',';
         const std::string line = Raised(changed.substr(0, changed.find(';')));

@@ -208,11 +208,13 @@ std::string_view NearestKeyword(const StatementView& statement, std::string_view
         }
         return all;
     }();
-    const auto isForm = [&statement](std::string_view each) {
+    const auto isForm = [&statement, word](std::string_view each) {
         StatementView changed = statement;
         changed.mnemonic = each;
         changed.keyword = FindKeyword(each);
-        return each != "END" && HasForm(changed);  // which would hide all that follows
+        // END would hide all that follows.
+        return HasForm(changed) &&
+               (each != "END" || word.find_first_of("FI") == std::string_view::npos);
     };
     const std::string_view near = NearWords(words).Find(word, isForm);
     if (!near.empty() || word.size() > 2 || statement.operands.empty()) {

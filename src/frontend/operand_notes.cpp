@@ -234,7 +234,8 @@ std::string FormsNote(const StatementView& statement) {
     for (std::size_t i = 0; i < faulty; ++i) {
         head += (i == 0 ? " " : ",") + std::string(statement.operands[i].text);
     }
-    return "use " + Listed(choices) + (faulty == 0 ? " with " : " after ") + head;
+    std::string note = "use ";  // as a sum, GCC 12 warns about it at the link
+    return note.append(Listed(choices)).append(faulty == 0 ? " with " : " after ").append(head);
 }
 
 void AdviseOnOperandCase(OperandCase* it) {

@@ -171,12 +171,15 @@ void PrintHelp() {
 std::uint32_t FlagsFrom(std::string_view flagString, std::FILE* console) {
     std::uint32_t bits = RF_SYSTEM_IDS;
     for (const char c : flagString) {
+        if (c == ' ') {
+            continue;
+        }
         const auto* const row = std::ranges::find_if(switches, [c](const Switch& candidate) {
             return candidate.bits != 0 && Raised(c) == candidate.word.back();
         });
         if (row != std::end(switches)) {
             bits = HasClass(c, CC_LOWER) ? bits & ~row->bits : bits | row->bits | row->alsoOn;
-        } else if (c != ' ') {
+        } else {
             std::fprintf(console, "Unrecognized flag encountered: %c\n", c);
         }
     }

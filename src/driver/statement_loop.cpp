@@ -113,11 +113,9 @@ bool FinishStatement(CAssembler* assembler, CStatement* statement, std::uint32_t
     if ((bits & RF_PROGRESS) != 0 && statement->lineNumber % progressInterval == 0) {
         assembler->Progress();
     }
-    if ((bits & stops) == 0) {
-        return true;
-    }
-    assembler->meter.bytesRead += byteCount;  // the last line counts twice if it stops the reading
-    return false;
+    const bool isStopped = (bits & stops) != 0;
+    assembler->meter.bytesRead += isStopped ? byteCount : 0;  // the last line counts twice
+    return !isStopped;
 }
 
 }  // namespace

@@ -40,19 +40,23 @@ ExpressionFault FaultOf(const Token& token) {
     }
 }
 
+// Without brackets around the whole operand, which mean memory.
+std::span<const Token> ExpressionTokens(const OperandView& operand) {
+    const std::span<const Token> tokens = operand.tokens;
+    const bool isMemory =
+        operand.text.size() > 1 && operand.text.front() == '(' && operand.text.back() == ')';
+    return isMemory && tokens.size() > 1 && tokens.front().code == OP_OPEN &&
+                   tokens.back().code == OP_CLOSE
+               ? tokens.subspan(1, tokens.size() - 2)
+               : tokens;
+}
+
 }  // namespace
 
 FaultyToken FindExpressionFault(const OperandView& operand) {
     const Token* before = nullptr;  // the previous token, if it ends a value or opens a bracket
     std::vector<const Token*> brackets;
-    std::span<const Token> tokens = operand.tokens;
-    // Brackets around a whole operand mean memory and do not belong to the expression.
-    const bool isMemory =
-        operand.text.size() > 1 && operand.text.front() == '(' && operand.text.back() == ')';
-    if (isMemory && tokens.size() > 1 && tokens.front().code == OP_OPEN &&
-        tokens.back().code == OP_CLOSE) {
-        tokens = tokens.subspan(1, tokens.size() - 2);
-    }
+    const std::span<const Token> tokens = ExpressionTokens(operand);
     const bool isBalanced = std::ranges::count(tokens, OP_OPEN, &Token::code) ==
                             std::ranges::count(tokens, OP_CLOSE, &Token::code);
     constexpr std::size_t mostTokens = 19;  // the evaluator's nodes

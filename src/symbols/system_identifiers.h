@@ -27,7 +27,7 @@ class WordSet {
   private:
     // The index of `name`, or of the free place where it would be entered.
     [[nodiscard]] constexpr std::size_t PlaceOf(const HashedName& name) const {
-        std::size_t place = name.hash % words.size();
+        auto place = static_cast<std::size_t>(name.hash % words.size());
         while (words[place].hash != 0 && words[place].hash != name.hash) {
             place = (place + 1) % words.size();
         }

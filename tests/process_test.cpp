@@ -210,7 +210,14 @@ TEST(WaitTest, EndsWithAnEvent) {
     ASSERT_EQ(0, pipe(ends));
     const auto breakOff = [](pid_t child) {
         Await([] { return Contains(ReadFile("console").value_or(""), "Press a key"); });
-        kill(child, SIGTERM);
+        const auto hasEnded = [child] {
+            siginfo_t end = {};
+            return waitid(P_PID, static_cast<id_t>(child), &end, WEXITED | WNOHANG | WNOWAIT) != 0 || end.si_pid != 0;
+        };
+        for (int i = 0; i < 5 && !hasEnded(); ++i) {  // an event between the prompt and the waiting comes too early
+            kill(child, SIGTERM);
+            Await(hasEnded);
+        }
     };
     const auto fromPipe = [&](pid_t) { dup2(ends[0], STDIN_FILENO); };
     const auto [status, console] = RunChild({"korv", "Main.Kor", "/wait"}, fromPipe, breakOff);

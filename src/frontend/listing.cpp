@@ -265,7 +265,7 @@ class Listing {
         for (const Name& name : analysis.names) {
             const bool isUsed = name.isUsed || name.useCount != 0 || !name.hasValue;
             if (IsListed(name) && !isUsed) {
-                text.Put(std::exchange(heading, {}));
+                text.Put(std::exchange(heading, ""));
                 text.Put("  " + name.text + "\n");
             }
         }

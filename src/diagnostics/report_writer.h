@@ -17,8 +17,7 @@ namespace korv {
 
 /// These write to `to`, which must have room, and return the place after the last character.
 inline char* PutText(char* to, std::string_view text) {
-    std::memcpy(to, text.data(), text.size());
-    return to + text.size();
+    return to + text.copy(to, text.size());  // which takes a text without an address too
 }
 
 /// The two digits of each byte.

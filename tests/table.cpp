@@ -48,8 +48,8 @@ bool IsBytes(const std::string& text) {
     return text.size() % 2 == 0 && text.find_first_not_of("0123456789ABCDEF") == std::string::npos;
 }
 
-// The lines that a line with alternatives stands for, each with its alternative: "LD [B|C],5" is two lines. A line
-// without brackets stands for itself; its alternative is "=", so "[=]" in its messages stays as it is.
+// Expands a line with alternatives: "LD [B|C],5" gives two lines, each with its alternative. A line without brackets
+// gives itself, with the alternative "=", so that "[=]" in its messages is not changed.
 std::vector<std::pair<std::string, std::string>> Alternatives(const std::string& line) {
     static const std::regex bracket(R"(\[([^\[\]]*\|[^\[\]]*)\])");
     std::smatch match;

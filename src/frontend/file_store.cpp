@@ -33,7 +33,7 @@ StoredText::Block ReadWhole(platform::InputFile* file) {
     std::size_t room = 0;
     for (std::size_t count = 1; count != 0 && bytes.size <= FileStore::longestFile;) {
         if (bytes.size == room) {
-            // With room for one byte more, a read of less tells where the file ends.
+            // There is room for one byte more, so a short read means the end of the file.
             room = std::max({leastRoom, 2 * room,
                              static_cast<std::size_t>(std::min<std::uint64_t>(
                                  file->Size() + 1, FileStore::longestFile + 1))});

@@ -1,5 +1,5 @@
-/// The text of an output while it is made. A listing has a row for each line of the source, so
-/// whoever writes asks for room once for each row, not for each piece of it.
+/// The text of an output while it is made. A listing has a row for each line of the source, so its
+/// writer asks for room once per row, not once per piece.
 #pragma once
 
 #include <algorithm>

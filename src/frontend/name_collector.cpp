@@ -47,12 +47,10 @@ bool NamesFile(const Keyword* keyword) {
 
 // The part of `text`, a value, that is evaluated: what is in its parentheses, or added to IX or IY.
 std::string_view EvaluatedPart(std::string_view text, const OperandClass& operand) {
-    if (text.front() != '(' || text.back() != ')') {
-        return text;
-    }
-    const bool hasSign = IsIndexed(operand) && (text[3] == '+' || text[3] == '-');
-    const std::size_t start = hasSign ? 4 : 1;
-    return text.substr(start, text.size() - 1 - start);
+    const std::string_view inner = WithoutParentheses(text);
+    const bool hasSign =
+        IsIndexed(operand) && inner.size() > 2 && (inner[2] == '+' || inner[2] == '-');
+    return inner.substr(hasSign ? 3 : 0);
 }
 
 // Whether `word`, which is looked up, is one name. False: it may be more than that.

@@ -21,9 +21,7 @@ char Lowered(char c) {
 using Texts = std::vector<std::string_view>;  // what %1, %2 stand for
 
 std::string_view Inner(std::string_view operand) {
-    const bool isInParentheses =
-        operand.size() > 2 && operand.front() == '(' && operand.back() == ')';
-    return isInParentheses ? operand.substr(1, operand.size() - 2) : operand;
+    return operand.size() > 2 ? WithoutParentheses(operand) : operand;
 }
 
 // The pair that is called `name` on the 8080, which names it by its high register.

@@ -93,7 +93,7 @@ struct OperandCase {
 [[nodiscard]] bool AdviseOnQuotes(OperandCase* it);
 /// Advises on a string with an extra quote at one end.
 [[nodiscard]] bool AdviseOnExtraQuote(OperandCase* it);
-/// Proposes the second quote of the string at `text`, the end of an operand.
+/// Proposes the closing quote of the string `text`, which is the end of an operand.
 void CloseString(OperandCase* it, std::string_view text);
 /// Advises on a string in data whose first quote is missing.
 [[nodiscard]] bool AdviseOnUnopenedString(OperandCase* it);

@@ -13,8 +13,8 @@ struct Routine {
     const Name* label = nullptr;
     std::uint32_t address = 0;
     std::uint32_t count = 0;  ///< bytes; more than 0
-    std::uint64_t least = 0;  ///< T-states of all its instructions, each executed once
-    std::uint64_t most = 0;   ///< and with no condition met; here with every condition met
+    std::uint64_t least = 0;  ///< T-states, each instruction executed once, no condition met
+    std::uint64_t most = 0;   ///< the same with every condition met
 };
 
 /// In the order of the source. Needs `Wanted::statements` and `Wanted::names`.

@@ -1,5 +1,5 @@
-// Cuts a line as the core does. A line without a comment sign outside of strings is expected, as
-// the reader makes it; a semicolon that is there all the same ends it.
+// Cuts a line as the core does. The line must have no comment, as the reader leaves it: a semicolon
+// is not treated specially.
 
 #include "frontend/statement_view.h"
 

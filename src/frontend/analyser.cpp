@@ -52,8 +52,8 @@ class Analyser : public RunObserver {
     struct Level {
         CStatement* statement;  // the current one
         std::int32_t opening;
-        std::vector<Report> reports = {};  // of the statement
-        bool isRecorded = false;           // an INCLUDE, recorded before its file
+        std::vector<Report> reports = {};  // about that statement
+        bool isRecorded = false;           // it is an INCLUDE and has been recorded
         bool isFaulty = false;  // it is known to assemble to something other than it says
     };
     void Stop(const CStatement& statement, std::string text, std::string code, std::string note);
@@ -81,7 +81,7 @@ class Analyser : public RunObserver {
     std::vector<Report> unresolved;  // found at the end of the run
     std::string defineFailure;       // reported for the current -D
     bool isDefining = false;
-    bool isStopped = false;                 // further reports only follow from that
+    bool isStopped = false;                 // by an error, which explains later reports
     std::uint32_t imageSize = 0;            // after the last statement
     bool isNextWanted = wanted.statements;  // the current statement needs TakeStatement
 };

@@ -19,7 +19,7 @@ namespace korv {
 
 struct Keyword;
 
-/// In place of an index into one of the vectors of an `Analysis`: none.
+/// The value of an index into a vector of an `Analysis` if it refers to nothing.
 inline constexpr std::int32_t noIndex = -1;
 
 /// A part of a physical line: the position of something in the source.
@@ -74,9 +74,8 @@ struct Statement {
     std::uint32_t offset = 0;        ///< of its first byte in the image, without the load header
     std::uint32_t count = 0;         ///< number of its bytes
     StatementKind kind = StatementKind::blank;
-    bool isSkipped = false;  ///< not assembled, because of a condition
-    const Keyword* keyword =
-        nullptr;  ///< its row in the vocabulary, which is static; null if unknown
+    bool isSkipped = false;            ///< not assembled, because of a condition
+    const Keyword* keyword = nullptr;  ///< row in the vocabulary, static; null: unknown
 };
 
 enum class NameKind : std::uint8_t {
@@ -132,7 +131,7 @@ struct Message {
     std::vector<Edit> edits;       ///< the changes to the text that `note` proposes
 };
 
-/// A part of the image with consecutive addresses, none of them above 64 KiB.
+/// A part of the image with consecutive addresses, all of them below 64 KiB.
 struct Block {
     std::uint32_t address = 0;
     std::uint32_t offset = 0;  ///< in the image, without the load header
@@ -159,10 +158,9 @@ struct Analysis {
     std::vector<Block> blocks;  ///< in the order of the source; with `Wanted::statements` only
     std::vector<std::uint8_t> image;   ///< without a load header
     std::optional<LoadHeader> header;  ///< of a .bin
-    std::uint64_t errorCount = 0;      ///< of all errors, including those beyond the limit
+    std::uint64_t errorCount = 0;      ///< all errors, including those beyond the limit
     std::uint64_t warningCount = 0;
-    std::uint64_t errorLimit =
-        0;                ///< messages after that many errors are not in `messages`; 0: all are
+    std::uint64_t errorLimit = 0;  ///< after that many errors, no message is kept; 0: no limit
     std::string failure;  ///< why there is no result at all, such as a source that cannot be read
 
     /// File name and line for a person, as in "sub/a.kor:12".

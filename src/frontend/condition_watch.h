@@ -25,10 +25,10 @@ class ConditionWatch {
     struct Level {
         SourcePlace place;
         bool isLive;         // the conditions of this level and all outer levels are true
-        bool isLiveOutside;  // those of all outer levels are
+        bool isLiveOutside;  // the conditions of all outer levels are true
     };
     std::vector<Level> levels;
-    std::int32_t depth = 0;          // size of `levels`, in the type of the run's own
+    std::int32_t depth = 0;          // size of `levels`, in the type of `conditionDepth`
     std::int32_t wasAssembling = 1;  // after the last change
 };
 

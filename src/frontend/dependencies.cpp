@@ -45,8 +45,8 @@ bool IsWritable(std::string_view name) {
             return false;
         }
     }
-    // These would be a home directory, a member of an archive, or a backslash before the line end
-    // or the colon.
+    // Not a home directory, not a member of an archive, and no backslash before the line end or the
+    // colon.
     return !name.starts_with('~') && !name.ends_with(')') && !name.ends_with(' ') &&
            !name.ends_with(':') && !IsSpecial(name);
 }

@@ -1,4 +1,4 @@
-/// Why an expression has no value, and at which token.
+/// Finds out why an expression has no value, and at which token.
 #pragma once
 
 #include <cstdint>

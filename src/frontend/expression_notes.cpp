@@ -30,7 +30,7 @@ std::vector<TextEdit> CommasIn(const OperandCase& it, std::size_t first, std::si
     return edits;
 }
 
-// A name with a dot in front or inside; the latter is cut into two tokens.
+// A name with a dot before or inside it. A dot inside cuts the name into two tokens.
 bool AdviseOnDots(OperandCase* it, const Token& token) {
     const char* const at = token.text.data();
     if (token.text.front() != '.' || token.text.size() < 2) {
@@ -219,7 +219,7 @@ void AdviseOnNoLeft(OperandCase* it, const Token& token) {
     const std::string number =
         isPrefix ? NumberSpelling("0X" + std::string(it->operand->tokens[next].text)) : "";
     if (number.empty() && isPrefix && it->IsDefined(it->operand->tokens[next].text)) {
-        it->Replace(token.text, "");  // an address in C
+        it->Replace(token.text, "");  // as for an address in C
         it->advice.note = WriteNote(it->statement, it->advice.edits);
         return;
     }

@@ -47,7 +47,7 @@ class FileStore : public SourceStore {
     [[nodiscard]] const platform::FileSet& Identities() const { return identities; }
     /// Why the last file could not be read, in the words of the system.
     [[nodiscard]] const std::string& Failure() const { return failure; }
-    /// Whether an INCLUDE of `name` in the file at the full path `includer` would find a file.
+    /// True if an INCLUDE of `name` in the file at the full path `includer` would find a file.
     [[nodiscard]] bool Has(const std::string& includer, std::string_view name);
     /// The directories that such an INCLUDE would search, as a user would write them.
     [[nodiscard]] std::vector<std::string> SearchedDirectories(const std::string& includer) const;

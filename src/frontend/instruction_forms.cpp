@@ -95,7 +95,7 @@ constexpr auto termTable = std::to_array<TermRow>({
 });
 // clang-format on
 
-// Whether `operand` belongs to the class `term`, or is the text `term`.
+// True if `operand` belongs to the class `term`, or is the text `term`.
 bool IsA(const OperandView& operand, std::string_view term, bool ignoresParentheses) {
     const auto* const row = std::ranges::find(termTable, term, &TermRow::term);
     return row == termTable.end() ? term == operand.text

@@ -41,7 +41,7 @@ std::string_view KindText(NameKind kind) {
     return {};
 }
 
-// At most `longestNumber` characters.
+// Writes the value of `name`, in at most `longestNumber` characters.
 char* PutValue(char* to, const Name& name) {
     if (!name.hasValue) {
         return PutText(to, "-");

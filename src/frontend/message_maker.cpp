@@ -103,8 +103,8 @@ void MessageMaker::ExpectRefusal(const SourcePlace& place) {
     }
 }
 
-// Removes warnings about the names of labels that an error is about: two messages about one
-// mistake.
+// Removes warnings about the names of labels that an error is about: they would be a second message
+// about the same mistake.
 void MessageMaker::RemoveExplained() {
     const auto isExplained = [this](const Message& message) {
         const bool isAboutName =

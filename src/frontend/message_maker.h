@@ -33,7 +33,7 @@ struct Report {
     std::string reason = {};  ///< why a file cannot be read, as the system puts it
 };
 
-/// The text of message `number` by the conventions of compilers: lower case, no full stop.
+/// The text of message `number` in the style of compilers: lower case, no full stop.
 [[nodiscard]] std::string MessageText(std::int32_t number);
 
 class MessageMaker : private RunFacts {

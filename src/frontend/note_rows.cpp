@@ -35,7 +35,7 @@ std::string_view PairOf8080(std::string_view name) {
                            : name;
 }
 
-// The pair that a register is a half of.
+// The pair that contains a register.
 std::string_view PairWith(std::string_view name) {
     constexpr std::array<std::string_view, 4> pairs = {"AF", "BC", "DE", "HL"};
     const auto* const pair = std::ranges::find_if(
@@ -309,7 +309,7 @@ std::optional<RowAdvice> WordAdvice(const StatementView& statement) {
             found.note = "write " + InOneLine(rest->edits[0].text);
             found.edits[0].text = rest->edits[0].text;
         }
-        if (!found.edits.empty()) {  // only a label begins in column 1
+        if (!found.edits.empty()) {  // it must not be a label
             const bool isFirst = statement.PartOf(statement.mnemonic).offset == 0;
             found.edits = {
                 translation.Whole(statement, (isFirst ? " " : "") + found.edits[0].text)};
@@ -322,7 +322,7 @@ std::optional<RowAdvice> WordAdvice(const StatementView& statement) {
         }
         word.remove_prefix(strips ? 1 : 0);
         const bool isImmediate = count == 1 && changed.rest.starts_with('#');
-        const std::string marked = std::string(word) + "#";  // of a 6502
+        const std::string marked = std::string(word) + "#";  // for the 6502
         if (strips && HoldsWord("MACRO PROC ENDP ENDM", word)) {
             return RowAdvice{std::string(macroNote), {}, {}};
         }

@@ -1,4 +1,4 @@
-/// The rows of the note tables that fit a statement, with their templates filled.
+/// The rows of the note tables that fit a statement, with their templates filled in.
 #pragma once
 
 #include <optional>

@@ -199,8 +199,8 @@ bool Adviser::IsFollowOn(const FaultView& fault, const Advice& advice) {
         const bool isAgain = std::ranges::any_of(
             lastPlaces,
             [&place, isWhole](const LinePart& each) { return isWhole || Overlap(each, place); });
-        const bool isOpen = lastNote == closeQuoteNote ||
-                            lastNote == doubleQuoteNote;  // the rest is inside a string
+        const bool isOpen =
+            lastNote == closeQuoteNote || lastNote == doubleQuoteNote;  // the rest is a string
         if (isAgain || isOpen || lastNumber == MSG_ILLEGAL_CONDITION ||
             (!advice.note.empty() && advice.note == lastNote)) {
             return true;
@@ -277,8 +277,7 @@ void Adviser::Remember(const FaultView& fault, const Advice& advice) {
     RememberCondition(fault, advice, isRefused);
     const bool isImport = HoldsWord(importDirectives, Plain(statement.mnemonic));
     if (fault.number == MSG_UNKNOWN_INSTRUCTION && (isImport || advice.edits.empty())) {
-        for (const OperandView& operand :
-             statement.operands) {  // other assemblers may define them here
+        for (const OperandView& operand : statement.operands) {  // perhaps names to define
             const auto known = facts.FindName(operand.text);
             if (!known || !known->hasValue) {
                 refusedNames.emplace(operand.text);

@@ -25,7 +25,7 @@ struct KnownName {
     std::int32_t value = 0;
     bool isCommandLine = false;  ///< defined by -D
     std::string where;           ///< "file:line" of the definition; empty for none
-    SourcePlace definition;      ///< of the name; file 0: none
+    SourcePlace definition;      ///< place of the name; file 0: none
     bool isHere = false;         ///< it is on the line of the current statement
     std::string waitingLine;     ///< the cleaned line of an unresolved EQU; else empty
 };
@@ -96,8 +96,8 @@ class Adviser {
     /// `name`, with a number after it if it is taken. The result counts as taken from now on.
     [[nodiscard]] std::string UnusedName(const std::string& name);
 
-    /// Prepares for the refusal of the definition of `name`: errors about earlier uses follow from
-    /// it.
+    /// Prepares for the refusal of the definition of `name`: errors about earlier uses only follow
+    /// from it.
     void ExpectRefusal(std::string_view name) { refusedNames.emplace(name); }
 
     /// Prepares for a source that ends inside a skipped block: what that would define is unknown.
@@ -131,7 +131,7 @@ class Adviser {
     std::unique_ptr<NearWords> names;  // created on first use
     std::unordered_set<std::string> proposedNames;
     std::unordered_set<std::string> refusedNames;   // whose definition was refused
-    std::unordered_set<std::string> unsureNames;    // labels of refused lines, perhaps not meant so
+    std::unordered_set<std::string> unsureNames;    // labels of lines with an unknown mnemonic
     std::unordered_set<std::string> answeredNames;  // without a value, and already reported
     std::unordered_set<std::string> renamedLabels;  // that a note proposes to rename
     std::int32_t refusedConditions = 0;             // IFs that were refused and are still open

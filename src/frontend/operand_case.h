@@ -79,7 +79,8 @@ struct OperandCase {
 [[nodiscard]] std::string Listed(const std::vector<std::string>& words);
 /// Advises on a register in double quotes.
 [[nodiscard]] bool AdviseOnQuotedRegister(OperandCase* it);
-/// Advises on a misspelt register or condition. `isSure`: only with letters swapped or doubled.
+/// Advises on a misspelt register or condition. With `isSure`, only if letters are swapped or
+/// doubled.
 [[nodiscard]] bool AdviseOnMisspeltRegister(OperandCase* it, bool isSure = false);
 /// Advises on a register or a name with a blank in it.
 [[nodiscard]] bool AdviseOnSplitWord(OperandCase* it);
@@ -95,7 +96,7 @@ struct OperandCase {
 [[nodiscard]] bool AdviseOnExtraQuote(OperandCase* it);
 /// Proposes the closing quote of the string `text`, which is the end of an operand.
 void CloseString(OperandCase* it, std::string_view text);
-/// Advises on a string in data whose first quote is missing.
+/// Advises on a string in data whose opening quote is missing.
 [[nodiscard]] bool AdviseOnUnopenedString(OperandCase* it);
 /// Advises on the name without a value.
 void AdviseOnUnknownName(OperandCase* it);

@@ -180,7 +180,7 @@ bool AdviseOnShape(OperandCase* it) {
         it->advice.edits.clear();
         const Token* const token = it->operand == nullptr ? nullptr : it->operand->OnlyToken();
         if (token != nullptr && token->kind == TokenKind::name &&
-            token->text.size() == 1) {  // more likely a register than a name
+            token->text.size() == 1) {  // probably a register
             it->advice.note.clear();
             return false;
         }

@@ -1,7 +1,7 @@
 // The order of the steps determines what a failure leaves behind. First, all outputs are opened and
 // checked. Then all files are written under temporary names. Output to pipes and devices cannot be
-// undone, so it is sent next. Last, the files get their final names. Everything that undoing this
-// needs is prepared in advance, since a run without memory ends at once.
+// undone, so it is sent next. Last, the files get their final names. Everything needed to undo that
+// is prepared in advance, since a run without memory ends at once.
 
 #include "frontend/output_set.h"
 
@@ -110,8 +110,8 @@ class OutputSet {
         return {};
     }
 
-    // Undoes all outputs. Result: what to add to the error message, the files whose old contents
-    // are lost.
+    // Undoes all outputs. Result: an addition to the error message that lists the files whose old
+    // contents are lost.
     std::string TakeAllBack() {
         std::string failure;
         for (std::size_t i = 0; i < outputs.size(); ++i) {

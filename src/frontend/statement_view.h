@@ -80,7 +80,7 @@ class TokenCutter {
 /// An operand, without the blanks around it. It may be empty.
 struct OperandView {
     std::string_view text;
-    OperandClass what;  ///< KIND_NONE if it is empty or "()"
+    OperandClass what;  ///< KIND_NONE if it, or the text in its parentheses, is empty
     std::vector<Token> tokens;
 
     [[nodiscard]] bool IsIndexed() const { return korv::IsIndexed(what); }

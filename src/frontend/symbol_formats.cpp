@@ -110,8 +110,7 @@ const SymbolFormatRow& RowOf(SymbolFormat format) {
 
 SymbolFile SymbolText(const Analysis& analysis, SymbolFormat format) {
     const SymbolFormatRow& row = RowOf(format);
-    std::vector<std::pair<std::int32_t, const Name*>>
-        names;  // the pointers are in order of the texts
+    std::vector<std::pair<std::int32_t, const Name*>> names;  // pointers sort by text
     names.reserve(analysis.names.size());
     for (const Name& name : analysis.names) {
         if (name.hasValue && name.kind != NameKind::internal) {

@@ -11,7 +11,8 @@
 
 namespace korv {
 
-/// The offset in `typed` of the blanks before its comment, or at its end.
+/// The offset in `typed` at which the statement ends, before the comment and the blanks in front of
+/// it.
 [[nodiscard]] std::size_t StatementEnd(std::string_view typed);
 
 struct Translation {

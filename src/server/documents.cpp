@@ -8,8 +8,8 @@
 namespace korv {
 namespace {
 
-// The offset of a position in `text`. A position beyond its line or the text is at the end of that.
-// The text is not divided into lines, since each of several changes would do that again.
+// The offset of a position in `text`. A position beyond its line or beyond the text counts as the
+// end of it. The text is not divided into lines, since each of several changes would do that again.
 std::size_t OffsetOf(std::string_view text, const Position& at, PositionEncoding encoding) {
     std::size_t start = 0;
     for (std::uint32_t line = 0; line < at.line; ++line) {

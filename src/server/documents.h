@@ -26,14 +26,14 @@ class Documents {
     [[nodiscard]] const std::map<std::string, Document>& All() const { return documents; }
     /// `path` is a full path, here and below. Null if the document is not open.
     [[nodiscard]] const Document* Find(const std::string& path) const;
-    /// The URI by which the client knows the file.
+    /// The URI of the file, as the client spells it.
     [[nodiscard]] std::string UriOf(const std::string& path) const;
     /// Adds the texts of all documents to `store`. After a series of changes, a text is created
     /// only once.
     void AddTo(FileStore* store);
 
-    /// `document` is the member of that kind in the notification. Replaces a document that is
-    /// already open.
+    /// `document` is the "textDocument" of the notification. Replaces a document that is already
+    /// open.
     void Open(const std::string& path, const Json& document);
     /// `parameters` are those of the notification. Ignored if the document is not open.
     void Change(const std::string& path, const Json& parameters);

@@ -72,7 +72,7 @@ template <typename Value>
 [[nodiscard]] const Value* Find(const Json& json, const std::string& path) {
     return At(json, path).get_ptr<const Value*>();
 }
-/// A value that the request must have. Throws `Missing` if it is not there.
+/// A value that the request must have. Throws `Missing` if there is none.
 template <typename Value>
 [[nodiscard]] const Value& Get(const Json& json, const std::string& path) {
     const Value* const found = Find<Value>(json, path);

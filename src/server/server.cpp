@@ -57,7 +57,7 @@ bool Server::IsCancelled(const Json& id) const {
 void Server::Take(const Json& message) {
     const bool hasId = message.contains("id");
     if (hasId && (message.contains("result") || message.contains("error"))) {
-        return;  // a reply to the server's own request, which needs none
+        return;  // a reply to the server's own request, which is not needed
     }
     const bool isIdProper = hasId && (message["id"].is_string() || message["id"].is_number());
     const Json id = isIdProper ? message["id"] : Json();

@@ -81,8 +81,8 @@ bool AllowsPlain(std::string_view name) {
            std::ranges::all_of(name, isPlain);
 }
 
-// openMSX recognises this format only by the beginning of the first line; Game Boy emulators look
-// for the section.
+// openMSX recognises this format only by the beginning of the first line; readers for the Game Boy
+// look for the section.
 constexpr std::string_view symHeader =
     "; this file was created with wlalink's format, by korv-as\n[labels]\n";
 

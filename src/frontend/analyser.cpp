@@ -1,6 +1,6 @@
-// The observer of a run. Reports are kept until their statement has been assembled, since the first
-// of them may be the consequence of a later one; then those that only follow from another are
-// dropped, and the others become messages with a place in the file and a note.
+// Observes a run. Reports are kept until their statement has been assembled, because the first may
+// be a consequence of a later one. Reports that only follow from another are then dropped; the
+// others become messages with a place in the file and a note.
 
 #include "frontend/analyser.h"
 
@@ -31,7 +31,7 @@ LoadHeader HeaderOf(const CAssembler::LoadHeader& bytes) {
     return {word(1), word(3), word(5)};
 }
 
-// More files than any program opens. A file that includes itself several times would open millions.
+// More than any real program opens. A file that includes itself several times would open millions.
 constexpr std::size_t maxOpenings = 65536;
 
 class Analyser : public RunObserver {
@@ -48,13 +48,13 @@ class Analyser : public RunObserver {
     void OnStatement(CStatement& statement, std::uint32_t lineCount) override;
 
   private:
-    // A source that is being read.
+    // A source file that is being read.
     struct Level {
-        CStatement* statement;  // in hand
+        CStatement* statement;  // the current one
         std::int32_t opening;
-        std::vector<Report> reports = {};  // of the statement
-        bool isRecorded = false;           // the statement is an INCLUDE and has its record
-        bool isFaulty = false;             // its bytes are known not to be what it appears to say
+        std::vector<Report> reports = {};  // about that statement
+        bool isRecorded = false;           // it is an INCLUDE and has been recorded
+        bool isFaulty = false;  // it is known to assemble to something other than it says
     };
     void Stop(const CStatement& statement, std::string text, std::string code, std::string note);
     void StopAtLimit(const CStatement& statement);
@@ -79,11 +79,11 @@ class Analyser : public RunObserver {
     std::unordered_map<std::string, std::int32_t> fileIndex;  // by full path
     NameCollector names{&assembler.identifiers};
     std::vector<Report> unresolved;  // found at the end of the run
-    std::string defineFailure;       // of the definition being made
+    std::string defineFailure;       // reported for the current -D
     bool isDefining = false;
-    bool isStopped = false;                 // what is still reported follows from that
+    bool isStopped = false;                 // by an error, which explains later reports
     std::uint32_t imageSize = 0;            // after the last statement
-    bool isNextWanted = wanted.statements;  // all are, or the one in hand has a report
+    bool isNextWanted = wanted.statements;  // the current statement needs TakeStatement
 };
 
 Analyser::Analyser(const Options& options, FileStore* store, const Wanted& wanted)
@@ -114,7 +114,7 @@ Analysis Analyser::Run() {
 }
 
 void Analyser::OnStart() {
-    assembler.statementAddress = assembler.location;  // for a $
+    assembler.statementAddress = assembler.location;  // the value of $
     isDefining = true;
     for (const std::string& define : options.defines) {
         defineFailure.clear();
@@ -153,7 +153,7 @@ void Analyser::StopAtLimit(const CStatement& statement) {
          "max-image", "use --max-image to allow another length");
 }
 
-// Index of the file at `path`, which has been read.
+// Index in `analysis.files` of the file at `path`, which is added when it is first used.
 std::int32_t Analyser::FileAt(const std::string& path, bool isBinary) {
     const auto [found, isNew] =
         fileIndex.emplace(path, static_cast<std::int32_t>(analysis.files.size()));
@@ -203,14 +203,14 @@ void Analyser::OnFileEnd() {
         }
     }
     levels.pop_back();
-    isNextWanted = true;  // the INCLUDE goes on
+    isNextWanted = true;  // the INCLUDE is still to be processed
 }
 
 void Analyser::OnIncludedBytes(const std::string& path) {
     AddFileUse(*levels.back().statement, FileAt(path, /*isBinary=*/true));
 }
 
-// `statement` has read the file that its operand names.
+// Records that `statement` has read the file that its operand names.
 void Analyser::AddFileUse(const CStatement& statement, std::int32_t file) {
     if (wanted.uses) {
         const std::string_view name = CutStatement(statement.text).rest;
@@ -227,7 +227,7 @@ void Analyser::OnMessage(std::int32_t kind, std::int32_t number, std::string_vie
     if (isStopped) {
         return;
     }
-    if (place.file == 0) {  // the main file cannot be had, or a message with a place follows
+    if (place.file == 0) {  // the main file cannot be read, or a message with a place follows
         if (levels.empty() && analysis.failure.empty()) {
             analysis.failure = "cannot read " + options.source + ": " + store->Failure();
         }
@@ -263,7 +263,7 @@ void Analyser::OnMessage(std::int32_t kind, std::int32_t number, std::string_vie
     }
 }
 
-// The name of the core's warning `number` about `statement`, if that is in hand.
+// The front end's name for the core's warning `number`. `statement` is the current one, or null.
 std::optional<Warning> Analyser::WarningFor(std::int32_t number,
                                             const CStatement* statement) const {
     if (number == MSG_LABEL_WITHOUT_COLON && statement != nullptr &&
@@ -277,7 +277,7 @@ std::optional<Warning> Analyser::WarningFor(std::int32_t number,
     return WarningOf(number);
 }
 
-// Hands the reports on the statement of `level` on, now that all of them are known.
+// Passes the reports about the statement of `level` to `maker`, now that all of them are known.
 void Analyser::TakeReports(Level* level) {
     const auto isError = [](const Report& report) { return !report.isWarning && !report.isLate; };
     const bool hasError = std::ranges::any_of(level->reports, isError);
@@ -290,8 +290,8 @@ void Analyser::TakeReports(Level* level) {
     level->reports.clear();
 }
 
-// Adds the record of a statement that has been assembled or, if it includes a file, of one that is
-// yet to be, so that it comes before those of the file.
+// Adds the record of a statement that has been assembled. An INCLUDE is recorded before its file is
+// read, so that its record precedes those of the file.
 void Analyser::Record(const CStatement& statement, std::uint32_t lineCount, std::uint32_t count) {
     const std::string_view mnemonic = MnemonicOf(statement);
     const Keyword* const keyword = FindKeyword(mnemonic);
@@ -313,8 +313,8 @@ void Analyser::Record(const CStatement& statement, std::uint32_t lineCount, std:
     }
 }
 
-// Every statement comes here, and most go again at once: with 20 more instructions for each the run
-// takes 4 % longer.
+// Called for every statement. Most need nothing more: with 20 more instructions here, the run takes
+// 4 % longer.
 void Analyser::OnStatement(CStatement& statement, std::uint32_t lineCount) {
     const std::uint32_t count = assembler.binary.Position() - imageSize;
     imageSize += count;
@@ -350,7 +350,7 @@ void Analyser::OnStatement(CStatement& statement, std::uint32_t lineCount) {
     isNextWanted = wanted.statements;
 }
 
-// What can be reported only when all has been read.
+// Adds the messages that need the whole program, and completes the analysis.
 void Analyser::Finish() {
     if (!isStopped) {
         std::ranges::sort(unresolved, {}, [](const Report& report) {
@@ -377,7 +377,7 @@ void Analyser::Finish() {
     if (wanted.names) {
         analysis.names = names.Take(&maker);
     }
-    // Both formats have addresses, and so two meanings for one of them.
+    // Intel HEX and SLD files contain addresses, so an address that is used twice is ambiguous.
     if (options.format == ImageFormat::hex || !options.debug.empty()) {
         for (Message& message : OverlapWarnings(analysis)) {
             message.place = maker.PlaceOf({maker.NumberOf(message.opening), message.place.line});

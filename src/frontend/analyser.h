@@ -8,18 +8,18 @@ namespace korv {
 
 class FileStore;
 
-/// What an analysis holds besides files, openings, messages and image. What nobody wants costs
-/// nothing.
+/// The parts of an analysis besides files, openings, messages and image. A part that is not wanted
+/// costs nothing.
 struct Wanted {
     bool statements = false;  ///< and blocks
     bool names = false;
-    // With one of these the names and the statements must be wanted too.
+    // Each of these requires `statements` and `names` too.
     bool useCounts = false;  ///< how often each name is used
-    bool uses = false;       ///< the same and where; also where each file is included
+    bool uses = false;       ///< the same, and where; also where each file is included
 };
 
 /// Assembles `options.source`. All files are read through `store`; the texts that the analysis
-/// holds stay valid without it. There is one run at a time in a process.
+/// holds stay valid without it. A process may only have one run at a time.
 [[nodiscard]] Analysis Analyse(const Options& options, FileStore* store, const Wanted& wanted);
 
 }  // namespace korv

@@ -1,6 +1,6 @@
-/// The result of one run as plain data: whatever is printed, listed, exported or shown in an editor
-/// is a function of it. It has no pointer into the assembler, so the run may be over when it is
-/// read, and it is never changed after it was made.
+/// The result of one run as plain data. Everything that is printed, listed, exported or shown in an
+/// editor is computed from it. It contains no pointers into the assembler, so it is still valid
+/// after the run, and it is never changed once it is made.
 #pragma once
 
 #include <compare>
@@ -19,29 +19,29 @@ namespace korv {
 
 struct Keyword;
 
-/// Index into one of the vectors of an `Analysis` where there is none.
+/// The value of an index into a vector of an `Analysis` if it refers to nothing.
 inline constexpr std::int32_t noIndex = -1;
 
-/// A part of a physical line, as editors count: where something was written.
+/// A part of a physical line: the position of something in the source.
 struct Place {
     std::int32_t file = noIndex;  ///< index in `Analysis::files`; `noIndex`: no place at all
     std::int32_t line = 0;        ///< from 1
     std::uint32_t column = 0;     ///< in bytes, from 0
-    std::uint32_t length = 0;     ///< in bytes; it ends with the line at the latest
+    std::uint32_t length = 0;     ///< in bytes; at most to the end of the line
 
     [[nodiscard]] bool IsSomewhere() const { return file != noIndex; }
     auto operator<=>(const Place&) const = default;  ///< by file, line and column
 };
 
-/// A file that was read, once, however often it is included.
+/// A file that was read. It has one record, however often it is included.
 struct SourceFile {
     std::shared_ptr<const StoredText> text;
-    std::string name;       ///< relative to the directory of the run where that is shorter
+    std::string name;       ///< relative to the directory of the run, if that is shorter
     bool isBinary = false;  ///< only BINCLUDE has read it
     bool isStandardInput = false;
 };
 
-/// A source file that was assembled; one for each INCLUDE.
+/// The assembly of a source file, once for the main file and once for each INCLUDE.
 struct Opening {
     std::int32_t file = noIndex;      ///< index in `files`
     std::int32_t includer = noIndex;  ///< index in `openings`; `noIndex` for the main file
@@ -60,33 +60,33 @@ enum class StatementKind : std::uint8_t {
     instruction,  ///< of the processor
     data,         ///< DB, DW, DM, BINCLUDE
     space,        ///< DS
-    directive,    ///< has no bytes
+    directive,    ///< emits no bytes
     unknown,      ///< its mnemonic is not in the vocabulary
 };
 
-/// A logical line that was read, in the order of assembly. An INCLUDE comes before the lines of its
+/// A logical line. Statements are in the order of assembly; an INCLUDE precedes the lines of its
 /// file.
 struct Statement {
     std::int32_t opening = noIndex;  ///< index in `openings`
     std::int32_t line = 0;           ///< first physical line, from 1
     std::uint32_t lineCount = 1;     ///< physical lines
-    std::uint32_t address = 0;  ///< location counter at its start; of its first byte but for ORG
-    std::uint32_t offset = 0;   ///< of its first byte in the image, without the load header
-    std::uint32_t count = 0;    ///< of its bytes
+    std::uint32_t address = 0;       ///< of its first byte; for ORG, the new address
+    std::uint32_t offset = 0;        ///< of its first byte in the image, without the load header
+    std::uint32_t count = 0;         ///< number of its bytes
     StatementKind kind = StatementKind::blank;
-    bool isSkipped = false;            ///< a condition kept it from being assembled
-    const Keyword* keyword = nullptr;  ///< its row in the vocabulary, a constant; null for none
+    bool isSkipped = false;            ///< not assembled, because of a condition
+    const Keyword* keyword = nullptr;  ///< row in the vocabulary, static; null: unknown
 };
 
 enum class NameKind : std::uint8_t {
     label,
     constant,     ///< defined by EQU
     commandLine,  ///< defined by -D
-    internal,     ///< the system's own: version identifiers
+    internal,     ///< predefined: version identifiers
     undefined,    ///< only referred to
 };
 
-/// A name in an expression, or after "-D".
+/// A use of a name in an expression.
 struct NameUse {
     Place place;
     bool isSkipped = false;  ///< in a block that is not assembled
@@ -95,10 +95,10 @@ struct NameUse {
 struct Name {
     std::string text;
     NameKind kind = NameKind::undefined;
-    bool hasValue = false;  ///< false also for an EQU that waits in vain
+    bool hasValue = false;  ///< also false for an EQU that was never resolved
     std::int32_t value = 0;
     bool isUsed = false;  ///< an expression has read the value
-    Place definition;     ///< of the name where it is defined; nowhere without one
+    Place definition;     ///< of the name in its definition; nowhere without one
     std::int32_t opening = noIndex;
     std::size_t useCount = 0;   ///< with `Wanted::useCounts` or `Wanted::uses` only
     std::vector<NameUse> uses;  ///< in the order of the source; with `Wanted::uses` only
@@ -120,18 +120,18 @@ struct Related {
 struct Message {
     Severity severity = Severity::error;
     std::int32_t number = 0;  ///< row of MESSAGE_TABLE; 0 for a message of the front end alone
-    std::optional<Warning> warning;  ///< its name, if -W knows it
+    std::optional<Warning> warning;  ///< its name, if -W can select it
     std::string code;                ///< "X16", or a name; empty for none
     Place place;
     std::int32_t opening = noIndex;  ///< in which `place` is; `noIndex` without a place
     std::string text;
     std::string detail;            ///< what is at fault, quoted if it is source text; or empty
     std::string note;              ///< what to do about it, or empty
-    std::vector<Related> related;  ///< places that belong to it, which an editor leads to
-    std::vector<Edit> edits;       ///< what `note` proposes, where that is a change of the text
+    std::vector<Related> related;  ///< related places, which an editor links to
+    std::vector<Edit> edits;       ///< the changes to the text that `note` proposes
 };
 
-/// A part of the image whose addresses follow each other, within the 64 KiB.
+/// A part of the image with consecutive addresses, all of them below 64 KiB.
 struct Block {
     std::uint32_t address = 0;
     std::uint32_t offset = 0;  ///< in the image, without the load header
@@ -144,7 +144,7 @@ struct Block {
 struct LoadHeader {
     std::uint32_t start = 0;  ///< load address
     std::uint32_t end = 0;    ///< address of the last byte
-    std::uint32_t exec = 0;   ///< where the program begins
+    std::uint32_t exec = 0;   ///< address where execution begins
 };
 
 /// The result of one run.
@@ -158,10 +158,9 @@ struct Analysis {
     std::vector<Block> blocks;  ///< in the order of the source; with `Wanted::statements` only
     std::vector<std::uint8_t> image;   ///< without a load header
     std::optional<LoadHeader> header;  ///< of a .bin
-    std::uint64_t errorCount = 0;      ///< of all, also of those beyond the limit
+    std::uint64_t errorCount = 0;      ///< all errors, including those beyond the limit
     std::uint64_t warningCount = 0;
-    std::uint64_t errorLimit =
-        0;                ///< messages after that many errors are not in `messages`; 0: all are
+    std::uint64_t errorLimit = 0;  ///< after that many errors, no message is kept; 0: no limit
     std::string failure;  ///< why there is no result at all, such as a source that cannot be read
 
     /// File name and line for a person, as in "sub/a.kor:12".

@@ -9,8 +9,8 @@ namespace korv {
 namespace {
 
 constexpr int deepest = 10;
-// The most bytes in all files, where a file counts each time it is read. This also ends the reading
-// of an endless file, and of files that refer to each other endlessly.
+// The limit for the bytes of all files together; a file counts each time it is read. It also stops
+// at an endless file, and at files that refer to each other endlessly.
 constexpr std::size_t mostBytes = 0x100000;
 
 constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
@@ -26,7 +26,7 @@ class WordReader {
         at = text.starts_with(byteOrderMark) ? byteOrderMark.size() : 0;
     }
 
-    // Whether there is another word in the text.
+    // Skips blanks and comments. Returns whether another word follows.
     bool Skip() {
         for (bool isLineStart = std::exchange(isAtStart, false); at < text.size(); ++at) {
             isLineStart = isLineStart || text[at] == '\n';
@@ -39,7 +39,7 @@ class WordReader {
         return false;
     }
 
-    // The next word. Sets `openQuote` if a quote in it is not closed.
+    // Returns the next word. Sets `openQuote` if a quote in it is not closed.
     std::string Read() {
         std::string word;
         char quote = '\0';

@@ -16,7 +16,7 @@
 namespace korv {
 namespace {
 
-// Whether "$" alone is in the expression of `arg`, which waits for a name.
+// True if the unresolved expression of `arg` contains the location counter, "$".
 bool HoldsLocation(const lsArg& arg) {
     for (TokenReader reader(arg.expression); !reader.isAtEnd;) {
         reader.Next();
@@ -27,8 +27,8 @@ bool HoldsLocation(const lsArg& arg) {
     return false;
 }
 
-// Whether `arg`, which is odd, is of a kind that programs are full of: a string without a
-// backslash, or an expression that waits for a name and does not speak of its own address.
+// True if `arg`, for which `IsOdd` is true, is of a common and harmless kind: a string without a
+// backslash, or an unresolved expression without a "$".
 bool IsUsual(const lsArg& arg) {
     if (IsLateExpression(arg)) {
         return arg.text.find('$') == std::string_view::npos;
@@ -41,19 +41,19 @@ bool HasOpenQuote(std::string_view text) {
     return std::ranges::count(text, '"') % 2 != 0;
 }
 
-// Whether a string that is a value lacks its second quote.
+// True if `arg` is a string that is used as a value and has no closing quote.
 bool IsOpenString(const lsArg& arg) {
     return arg.status == 0 && arg.IsValue() && HasOpenQuote(arg.text);
 }
 
-// What is odd about `arg`, which waits for nothing. As a value, a register reads 0, and so does the
-// register of an operand with a displacement.
+// Adds what is odd about `arg`, which is resolved. A register that is used as a value counts as 0,
+// and so does the register of an operand with a displacement.
 void CheckOperand(const lsArg& arg, const Keyword* keyword, Findings* findings) {
     const InstructionHandler handler = keyword == nullptr ? nullptr : keyword->handler;
     const auto isOneOf = [handler](std::initializer_list<InstructionHandler> handlers) {
         return std::ranges::find(handlers, handler) != handlers.end();
     };
-    if (IsOpenString(arg) && handler != AssembleDm) {  // which has reported it
+    if (IsOpenString(arg) && handler != AssembleDm) {  // DM reports it itself
         findings->push_back({Warning::openString, arg.text, Quoted(arg.text), ""});
     }
     const bool isRegister =
@@ -137,7 +137,7 @@ std::vector<ByteFinding> CheckBytes(const StoredText& text) {
     const auto add = [&](Warning warning, std::size_t at) {
         const auto before = bytes.substr(0, at);
         const auto line = 1 + std::ranges::count(before, '\n');
-        const std::size_t start = before.rfind('\n') + 1;  // 0 where there is none
+        const std::size_t start = before.rfind('\n') + 1;  // 0 on the first line
         found.push_back(
             {warning, static_cast<std::int32_t>(line), static_cast<std::uint32_t>(at - start)});
     };

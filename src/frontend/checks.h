@@ -1,6 +1,6 @@
-/// Warnings that only the front end gives: where a statement assembles to something other than it
-/// appears to say, and the core has no report for it. Functions over one statement or one file; the
-/// analyser gives their findings a place.
+/// Warnings that only the front end gives, about statements that assemble to something other than
+/// they appear to say. Each function looks at one statement or one file; the caller determines the
+/// place in the file.
 #pragma once
 
 #include <cstdint>
@@ -24,19 +24,19 @@ struct CStatement;
 /// What a check has found.
 struct Finding {
     Warning warning;
-    std::string_view part;  ///< of the cleaned line; without data: its mnemonic
-    std::string detail;     ///< shown after the meaning of the warning; may be empty
+    std::string_view part;  ///< of the cleaned line; null data: the mnemonic
+    std::string detail;     ///< shown after the text of the warning; may be empty
     std::string_view note;  ///< what to do about it, a constant; may be empty
 };
 using Findings = std::vector<Finding>;
 
-/// Whether `arg` waits for more than a name alone.
+/// True if `arg` is an unresolved expression, not just an unresolved name.
 [[nodiscard]] inline bool IsLateExpression(const lsArg& arg) {
     return arg.status == MSG_UNRESOLVED && arg.expression.size() != arg.fault.size();
 }
 
-/// Whether `arg`, of a statement with the bytes `bytes`, may call for a warning. Asked of every
-/// statement, so it is quick.
+/// True if `arg`, an operand of a statement that emitted `bytes`, may need a warning. Called for
+/// every statement, so it must be fast.
 [[nodiscard]] inline bool IsOdd(const lsArg& arg, std::span<const std::uint8_t> bytes) {
     if (!arg.IsValue()) {
         return bytes.empty();
@@ -49,16 +49,17 @@ using Findings = std::vector<Finding>;
             (bytes.empty() || (bytes[0] != PREFIX_IX && bytes[0] != PREFIX_IY)));
 }
 
-/// Whether `label` may be something else where it is used. Asked of every label, so it is quick.
+/// True if a use of `label` may be read as a register or a number. Called for every label, so it
+/// must be fast.
 [[nodiscard]] inline bool MayBeMisread(std::string_view label) {
     const char last = label.back();
     return label.size() <= 2 || last == 'H' || last == 'B' || last == 'O' ||
            (HasClass(last, CC_DIGIT) && HasClass(label.front(), CC_DIGIT));
 }
-/// Looks at such a label.
+/// Checks a label for which `MayBeMisread` is true.
 void CheckLabel(std::string_view label, Findings* findings);
 
-/// Looks at the operands of a statement that has been assembled without an error.
+/// Checks the operands of a statement that has been assembled without an error.
 void CheckOperands(CStatement* statement, std::span<const std::uint8_t> bytes, Findings* findings);
 
 /// A finding about the bytes of a file, at a physical place.
@@ -72,7 +73,8 @@ struct ByteFinding {
 /// file differently from how it is read. Only the first of each kind is reported.
 [[nodiscard]] std::vector<ByteFinding> CheckBytes(const StoredText& text);
 
-/// Comments of `line` that end with a backslash and so take away a line that holds something else.
+/// Comments of `line` that end with a backslash and so swallow the next line, which is not a
+/// comment.
 [[nodiscard]] std::vector<ByteFinding> CheckComments(const StoredText& text,
                                                      const LogicalLine& line);
 

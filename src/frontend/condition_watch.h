@@ -1,4 +1,4 @@
-/// Follows the open levels of IF, and warns about those that may be surprising.
+/// Keeps track of the open IFs, and warns about surprising ones.
 #pragma once
 
 #include <vector>
@@ -11,12 +11,12 @@ namespace korv {
 
 class ConditionWatch {
   public:
-    /// Whether the statement that has just been assembled was an IF, ELSE or ENDIF which changed
-    /// the state of the run. Asked for every statement.
+    /// True if the statement that has just been assembled was an IF, ELSE or ENDIF that changed the
+    /// state of the run. Called for every statement.
     [[nodiscard]] bool HasChanged(const CAssembler& assembler) const {
         return assembler.assembling != wasAssembling || assembler.conditionDepth != depth;
     }
-    /// Takes over that change. Result: what to warn about in `statement`.
+    /// Records that change. Result: what to warn about in `statement`.
     Findings Follow(const CAssembler& assembler, const CStatement& statement);
     /// The IFs without an ENDIF so far.
     [[nodiscard]] std::vector<SourcePlace> Open() const;
@@ -24,11 +24,11 @@ class ConditionWatch {
   private:
     struct Level {
         SourcePlace place;
-        bool isLive;         // its lines are being assembled, also according to all outer levels
-        bool isLiveOutside;  // the same for the line of the IF itself
+        bool isLive;         // the conditions of this level and all outer levels are true
+        bool isLiveOutside;  // the conditions of all outer levels are true
     };
     std::vector<Level> levels;
-    std::int32_t depth = 0;          // of `levels`, as it is compared with every statement
+    std::int32_t depth = 0;          // size of `levels`, in the type of `conditionDepth`
     std::int32_t wasAssembling = 1;  // after the last change
 };
 

@@ -1,8 +1,8 @@
-// From the published tables, one table for each prefix. The tests compare every documented opcode
-// with an emulator. If its condition is met, a relative jump takes 5 T-states more, a return 6 and
-// a call 7, but a JP takes no more. A block instruction takes 5 more for each repetition. The
-// published tables do not contain ED 70 and ED 71, IN F,(C) and OUT (C),F, which Korv accepts: they
-// take as long as the neighbouring opcodes.
+// The times are from the published tables, with one table for each prefix. The tests compare every
+// documented opcode with an emulator. If its condition is met, a relative jump takes 5 T-states
+// more, a return 6 and a call 7, but a JP takes no more. A block instruction takes 5 more for each
+// repetition. The published tables do not contain ED 70 and ED 71, IN F,(C) and OUT (C),F, which
+// Korv accepts: they take as long as the neighbouring opcodes.
 
 #include "frontend/cycles.h"
 
@@ -81,9 +81,9 @@ constexpr Table afterEd = [] {
         {14, {0x45, 0x4D}},                                                    // RETN, RETI
         {15, {0x42, 0x52, 0x62, 0x72, 0x4A, 0x5A, 0x6A, 0x7A}},                // SBC HL, ADC HL
         {18, {0x67, 0x6F}},                                                    // RRD, RLD
-        {20, {0x43, 0x53, 0x63, 0x73, 0x4B, 0x5B, 0x6B, 0x7B}},                // LD (nn),rr and back
-        {16, {0xA0, 0xA1, 0xA2, 0xA3, 0xA8, 0xA9, 0xAA, 0xAB,                  // LDI and the like
-              0xB0, 0xB1, 0xB2, 0xB3, 0xB8, 0xB9, 0xBA, 0xBB}},                // LDIR and the like
+        {20, {0x43, 0x53, 0x63, 0x73, 0x4B, 0x5B, 0x6B, 0x7B}},                // LD (nn),rr; LD rr,(nn)
+        {16, {0xA0, 0xA1, 0xA2, 0xA3, 0xA8, 0xA9, 0xAA, 0xAB,                  // LDI to OUTD
+              0xB0, 0xB1, 0xB2, 0xB3, 0xB8, 0xB9, 0xBA, 0xBB}},                // LDIR to OTDR
     });
     Extend(&table, 5, {0xB0, 0xB1, 0xB2, 0xB3, 0xB8, 0xB9, 0xBA, 0xBB});
     return table;
@@ -97,7 +97,7 @@ constexpr Table afterIndexPrefix = TableOf({
     {19, {0x36, 0x46, 0x4E, 0x56, 0x5E, 0x66, 0x6E, 0x7E,                      // LD r,(IX+d)
           0x70, 0x71, 0x72, 0x73, 0x74, 0x75, 0x77,                            // LD (IX+d),r
           0x86, 0x8E, 0x96, 0x9E, 0xA6, 0xAE, 0xB6, 0xBE}},                    // ADD A,(IX+d) to CP
-    {20, {0x22, 0x2A}},                                                        // LD (nn),IX and back
+    {20, {0x22, 0x2A}},                                                        // LD (nn),IX; LD IX,(nn)
     {23, {0x34, 0x35, 0xE3}},                                                  // INC (IX+d), EX
 });
 // clang-format on

@@ -24,9 +24,9 @@ struct Cycles {
 /// The T-states of a statement; 0 if it is not an instruction or has no bytes.
 [[nodiscard]] Cycles CyclesOf(const Analysis& analysis, const Statement& statement);
 
-/// Of the text of any `Cycles`.
+/// Length of the longest text of a `Cycles`, in characters.
 inline constexpr std::size_t longestCycles = 7;
-/// Writes that text to `to`, which has room for the longest. Result: its end.
+/// Writes the text of `cycles` to `to`, which has room for the longest. Result: its end.
 char* PutCycles(char* to, Cycles cycles);
 
 /// "10", or "17/10" with the longer time first; empty for 0.

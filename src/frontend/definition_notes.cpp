@@ -1,5 +1,5 @@
-// Definitions that are written as in another assembler: another sign, the name after the directive,
-// or a line for a preprocessor.
+// Advice on definitions in the style of another assembler: with another sign, with the name after
+// the directive, or as a preprocessor line.
 
 #include <algorithm>
 
@@ -13,7 +13,7 @@ namespace korv {
 
 namespace {
 
-// The definition as it is written here, with the value as it would be here too.
+// The definition in Korv's syntax, with its value translated too.
 std::string Definition(const StatementView& statement, std::string_view name,
                        std::string_view value) {
     const std::string typed = std::string(statement.Typed(name)) + ": EQU " +
@@ -45,7 +45,7 @@ Advice Replace(const StatementView& statement, std::string_view part, std::strin
     return advice;
 }
 
-// "#define X 5", and other lines for a preprocessor.
+// "#define X 5", and other preprocessor lines.
 Advice AdviseOnPreprocessor(const StatementView& statement) {
     const bool isFirst = statement.label == "DEFINE" && !statement.hasColon;
     const std::string_view word = isFirst ? statement.label : statement.mnemonic;

@@ -26,7 +26,7 @@ bool IsEscapable(char c) {
     return c == ' ' || c == '#' || c == ':' || c == '$';
 }
 
-// Whether make would take the target for a special one, such as ".SUFFIXES", or for a directive.
+// True if make would mistake the target for a special one, such as ".SUFFIXES", or for a directive.
 bool IsSpecial(std::string_view name) {
     while (name.starts_with("./")) {
         name.remove_prefix(2);
@@ -45,7 +45,8 @@ bool IsWritable(std::string_view name) {
             return false;
         }
     }
-    // A home directory, a member of an archive, and a backslash before the line end or the colon.
+    // Not a home directory, not a member of an archive, and no backslash before the line end or the
+    // colon.
     return !name.starts_with('~') && !name.ends_with(')') && !name.ends_with(' ') &&
            !name.ends_with(':') && !IsSpecial(name);
 }
@@ -63,7 +64,7 @@ std::string Escaped(std::string_view name) {
     return text;
 }
 
-// The name with the separators that rules have on every system.
+// The name with forward slashes, which rules use on every system.
 std::string Generic(const std::string& name) {
     const std::filesystem::path path(std::u8string(name.begin(), name.end()));
     const std::u8string text = path.generic_u8string();

@@ -9,7 +9,7 @@ namespace korv {
 
 struct Dependencies {
     std::string text;     ///< the contents of the file; empty after a failure
-    std::string failure;  ///< why there is no text; empty: there is one
+    std::string failure;  ///< why there is no text; else empty
 };
 
 /// A rule that makes `target`, named as in the Makefile, depend on all files that were read, and an

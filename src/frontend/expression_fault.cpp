@@ -17,7 +17,7 @@ bool IsComparison(std::int32_t code) {
            code == OP_GREATER_EQUAL;
 }
 
-// The fault of a value by itself, without its neighbours.
+// The fault of a single value, regardless of its neighbours.
 ExpressionFault FaultOf(const Token& token) {
     switch (token.kind) {
         case TokenKind::string:
@@ -32,7 +32,7 @@ ExpressionFault FaultOf(const Token& token) {
             return ExpressionFault::largeNumber;
         case TokenKind::other:
             return ExpressionFault::badToken;
-        case TokenKind::registerName:  // B and H are suffixes of numbers, so alone they are numbers
+        case TokenKind::registerName:  // B and H alone are suffixes of numbers without digits
             return token.text == "B" || token.text == "H" ? ExpressionFault::emptyNumber
                                                           : ExpressionFault::none;
         default:
@@ -40,7 +40,7 @@ ExpressionFault FaultOf(const Token& token) {
     }
 }
 
-// Without brackets around the whole operand, which mean memory.
+// The tokens without brackets around the whole operand, which mean memory.
 std::span<const Token> ExpressionTokens(const OperandView& operand) {
     const std::span<const Token> tokens = operand.tokens;
     const bool isMemory =
@@ -54,12 +54,12 @@ std::span<const Token> ExpressionTokens(const OperandView& operand) {
 }  // namespace
 
 FaultyToken FindExpressionFault(const OperandView& operand) {
-    const Token* before = nullptr;  // the previous token, if it ends a value or opens a bracket
+    const Token* before = nullptr;  // the previous token
     std::vector<const Token*> brackets;
     const std::span<const Token> tokens = ExpressionTokens(operand);
     const bool isBalanced = std::ranges::count(tokens, OP_OPEN, &Token::code) ==
                             std::ranges::count(tokens, OP_CLOSE, &Token::code);
-    constexpr std::size_t mostTokens = 19;  // the evaluator's nodes
+    constexpr std::size_t mostTokens = 19;  // the number of the evaluator's nodes
     if (tokens.size() > mostTokens) {
         return {ExpressionFault::tooComplex, &tokens[mostTokens]};
     }

@@ -1,4 +1,4 @@
-/// Why an expression has no value, and at which token.
+/// Finds out why an expression has no value, and at which token.
 #pragma once
 
 #include <cstdint>
@@ -14,14 +14,14 @@ enum class ExpressionFault : std::uint8_t {
     noRight,       ///< the operator has no value after it
     openBracket,   ///< the bracket is not closed
     closeBracket,  ///< the bracket was not opened
-    comparison,    ///< a comparison in brackets, which has no value there
+    comparison,    ///< a comparison inside brackets, where it has no value
     longString,
     emptyString,
     openString,
     emptyNumber,
     largeNumber,
     badToken,
-    tooComplex,   ///< the first token that is one too many
+    tooComplex,   ///< the token is the first beyond the limit
     zeroDivisor,  ///< a number 0 after / or MOD
 };
 

@@ -1,4 +1,4 @@
-// Expressions whose tokens do not fit together.
+// Advice on expressions whose tokens do not fit together.
 
 #include <algorithm>
 
@@ -14,7 +14,8 @@
 namespace korv {
 namespace {
 
-// Commas between the values that follow each other, of the tokens from `first` to before `end`.
+// Edits that put commas between adjacent values, for the tokens from `first` up to, but not
+// including, `end`.
 std::vector<TextEdit> CommasIn(const OperandCase& it, std::size_t first, std::size_t end) {
     const std::vector<Token>& tokens = it.operand->tokens;
     std::vector<TextEdit> edits;
@@ -29,7 +30,7 @@ std::vector<TextEdit> CommasIn(const OperandCase& it, std::size_t first, std::si
     return edits;
 }
 
-// A name with a dot in it, in two tokens that touch.
+// A name with a dot before or inside it. A dot inside cuts the name into two tokens.
 bool AdviseOnDots(OperandCase* it, const Token& token) {
     const char* const at = token.text.data();
     if (token.text.front() != '.' || token.text.size() < 2) {
@@ -56,8 +57,8 @@ bool AdviseOnDots(OperandCase* it, const Token& token) {
     return true;
 }
 
-// The token with which a comment without its semicolon begins: an unknown name, or two signs before
-// it, after a statement that is complete. Null for none.
+// The first token of a comment that lacks its semicolon: an unknown name, or the "--" before it,
+// after a complete statement. Null if there is none.
 const Token* FindProse(const OperandCase& it) {
     for (const OperandView& operand : it.statement.operands) {
         const std::vector<Token>& tokens = operand.tokens;
@@ -89,7 +90,8 @@ const Token* FindProse(const OperandCase& it) {
     return nullptr;
 }
 
-// A number with a blank in it, as in "8000 H". In data, decimal digits are rather two values.
+// A number with a blank in it, as in "8000 H". In data, two decimal numbers are more likely two
+// values.
 bool AdviseOnSplitNumber(OperandCase* it, const Token& before, const Token& token) {
     const std::string number = std::string(before.text) + std::string(token.text);
     const bool isEnd = token.text.size() == 1 && HasClass(token.text[0], CC_LETTER);
@@ -158,7 +160,7 @@ void AdviseOnTwoValues(OperandCase* it, const Token& token) {
     }
 }
 
-// Whether a jump goes to "+" or "--", which are labels elsewhere.
+// True for a jump to "+" or "--", which are labels in other assemblers.
 bool IsAnonymousLabel(const StatementView& statement, std::string_view text) {
     return HoldsWord("JP JR CALL DJNZ", statement.mnemonic) &&
            text.find_first_not_of("+-") == std::string_view::npos;
@@ -210,14 +212,14 @@ void AdviseOnBracket(OperandCase* it, const Token& token, bool isOpened) {
     }
 }
 
-// An operator at the start, where "&FF" is meant for a number.
+// An operator without a value before it, such as the "&" of "&FF" for a number.
 void AdviseOnNoLeft(OperandCase* it, const Token& token) {
     const auto next = static_cast<std::size_t>(&token - it->operand->tokens.data()) + 1;
     const bool isPrefix = token.text == "&" && next < it->operand->tokens.size();
     const std::string number =
         isPrefix ? NumberSpelling("0X" + std::string(it->operand->tokens[next].text)) : "";
     if (number.empty() && isPrefix && it->IsDefined(it->operand->tokens[next].text)) {
-        it->Replace(token.text, "");  // an address in C
+        it->Replace(token.text, "");  // as for an address in C
         it->advice.note = WriteNote(it->statement, it->advice.edits);
         return;
     }
@@ -230,7 +232,7 @@ void AdviseOnNoLeft(OperandCase* it, const Token& token) {
     it->Replace(part, number);
 }
 
-// A string of several characters where a value belongs.
+// A string of several characters where one value is expected.
 void AdviseOnLongString(OperandCase* it, const Token& token) {
     const std::string text(token.text.substr(1, token.text.size() - 2));
     const std::string value = EscapeValue(text);
@@ -258,7 +260,7 @@ std::string EmptyNumberNote(const OperandCase& it, const Token& token) {
                : "add the digits after " + text;
 }
 
-// A token that is none of the language, perhaps for its last character.
+// A token that the language does not have, perhaps only because of its last character.
 void AdviseOnBadToken(OperandCase* it, const Token& token) {
     const std::string_view text = token.text;
     const std::string_view stem = text.substr(0, text.size() - 1);
@@ -298,7 +300,7 @@ bool AdviseOnProse(OperandCase* it) {
     return true;
 }
 
-// An expression that is no expression.
+// An expression that cannot be evaluated.
 bool AdviseOnExpression(OperandCase* it) {
     if (it->operand == nullptr) {
         return false;

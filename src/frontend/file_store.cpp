@@ -12,7 +12,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// On systems with wide names, narrow characters would be in another encoding.
+// On systems with wide file names, a path made from `char` would be in another encoding than UTF-8.
 fs::path PathOf(const std::string& name) {
     return std::u8string(name.begin(), name.end());
 }
@@ -26,14 +26,15 @@ std::string DirectoryOf(const std::string& path) {
     return directory;
 }
 
-// All bytes of `file`, or more than `longestFile` of them.
+// Reads all bytes of `file`, but stops after more than `longestFile` of them.
 StoredText::Block ReadWhole(platform::InputFile* file) {
-    constexpr std::size_t leastRoom = 4096;  // of a file without a size
+    constexpr std::size_t leastRoom = 4096;  // for a file of unknown size
     StoredText::Block bytes;
     std::size_t room = 0;
     for (std::size_t count = 1; count != 0 && bytes.size <= FileStore::longestFile;) {
         if (bytes.size == room) {
-            // There is room for one byte more, so a short read means the end of the file.
+            // One byte more than the size, so that the read that finds the end needs no larger
+            // buffer.
             room = std::max({leastRoom, 2 * room,
                              static_cast<std::size_t>(std::min<std::uint64_t>(
                                  file->Size() + 1, FileStore::longestFile + 1))});
@@ -97,8 +98,8 @@ std::vector<std::string> FileStore::SearchedDirectories(const std::string& inclu
     return names;
 }
 
-// The file that `name` refers to in a file or directory with the full path `from`. A text that only
-// the editor has counts as a file.
+// The file that `name` refers to from the directory with the full path `from`. A text that exists
+// only in the editor counts as a file.
 platform::FoundPath FileStore::Beside(const std::string& from, std::string_view name) {
     const bool isAbsolute = platform::IsAbsolutePath(name) || from.empty();
     platform::FoundPath found =

@@ -24,17 +24,17 @@ class FileStore : public SourceStore {
     /// In bytes. A longer file is refused, since assembling it would take too much memory.
     static constexpr std::size_t longestFile = 0x10000000;
 
-    /// Relative names, including the name of the main file, are relative to `directory`; empty: to
-    /// the current directory.
+    /// Relative names, including that of the main file, are relative to `directory`, or to the
+    /// current directory if that is empty.
     explicit FileStore(std::string_view directory = {});
 
     /// Adds a directory to search for files that are not beside the file that includes them.
     void AddSearchDirectory(std::string_view name);
-    /// Gives the bytes of the file at the full path `path`, in place of what the disk holds.
+    /// Sets the contents of the file at the full path `path`, in place of those on the disk.
     void SetText(const std::string& path, std::string_view bytes,
                  const platform::FileIdentity& identity = {});
 
-    /// The same for a text that is kept already, under its path.
+    /// The same for a text that is already stored, under its own path.
     void SetText(Text text) { Keep(std::move(text)); }
 
     /// The full path of `name`, which is relative to the directory of the run.
@@ -47,9 +47,9 @@ class FileStore : public SourceStore {
     [[nodiscard]] const platform::FileSet& Identities() const { return identities; }
     /// Why the last file could not be read, in the words of the system.
     [[nodiscard]] const std::string& Failure() const { return failure; }
-    /// Whether an INCLUDE of `name` in the file at the full path `includer` would find a file.
+    /// True if an INCLUDE of `name` in the file at the full path `includer` would find a file.
     [[nodiscard]] bool Has(const std::string& includer, std::string_view name);
-    /// The directories that would be searched, as a user would write them.
+    /// The directories that such an INCLUDE would search, as a user would write them.
     [[nodiscard]] std::vector<std::string> SearchedDirectories(const std::string& includer) const;
 
     [[nodiscard]] Status Find(std::string_view name, platform::FoundPath* file) override;
@@ -68,7 +68,7 @@ class FileStore : public SourceStore {
     platform::CurrentDirectory directory;  // never changed
     std::string base;                      // full path of the directory of the run
     std::vector<std::string> searched;     // full paths
-    std::vector<std::string> entered;      // directories of the sources being read
+    std::vector<std::string> entered;      // directories of the source files being read
     std::map<std::string, Text> texts;     // by full path
     platform::FileSet identities;
     std::string failure;

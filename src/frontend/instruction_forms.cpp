@@ -9,7 +9,7 @@
 namespace korv {
 namespace {
 
-// Removes the part of `text` up to `separator` from its front, and returns it.
+// Removes the front of `text` up to `separator`, and returns it.
 std::string_view TakePart(std::string_view* text, char separator) {
     const std::size_t end = std::min(text->find(separator), text->size());
     const std::string_view part = text->substr(0, end);
@@ -23,8 +23,8 @@ const FormRow* RowOfWord(std::string_view mnemonic) {
     return row == formTable.end() ? nullptr : row;
 }
 
-// Whether `operand` may be a number without bits of `mask` that is at most `most`. A value that has
-// to be computed may be any number.
+// True if `operand` may be a number from 0 to `most` without bits outside `mask`. An expression may
+// have any value.
 bool MayBe(const OperandView& operand, std::int32_t most, std::int32_t mask) {
     const Token* const token = operand.OnlyToken();
     if (token == nullptr ||
@@ -34,7 +34,7 @@ bool MayBe(const OperandView& operand, std::int32_t most, std::int32_t mask) {
     return token->value >= 0 && token->value <= most && (token->value & ~mask) == 0;
 }
 
-// A class of operands, named by its letters in the table.
+// A class of operands; `term` is its name in `formTable` or in shapes.
 struct TermRow {
     std::string_view term;
     bool (*includes)(const OperandView& operand, bool ignoresParentheses);
@@ -95,14 +95,15 @@ constexpr auto termTable = std::to_array<TermRow>({
 });
 // clang-format on
 
-// Whether `operand` belongs to the class `term`, or is the text `term`.
+// True if `operand` belongs to the class `term`, or is the text `term`.
 bool IsA(const OperandView& operand, std::string_view term, bool ignoresParentheses) {
     const auto* const row = std::ranges::find(termTable, term, &TermRow::term);
     return row == termTable.end() ? term == operand.text
                                   : row->includes(operand, ignoresParentheses);
 }
 
-// Whether the first `count` operands match those of `form`. `isWhole`: and it has no others.
+// True if the first `count` operands match those of `form`. With `isWhole`, `form` must have no
+// others.
 bool Begins(const StatementView& statement, std::string_view form, std::size_t count,
             bool ignoresParentheses, bool isWhole) {
     if (form == "-") {

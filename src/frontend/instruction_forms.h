@@ -13,12 +13,11 @@
 
 namespace korv {
 
-/// The operand forms of some mnemonics. Terms that begin with a small letter are classes:
-/// r A to L; s r, n, (HL) or (xy+d); m the same without n; dd BC, DE, HL, SP; qq BC, DE, HL, AF;
-/// xy IX or IY; cc a condition; c4 NZ, Z, NC, C; n byte, nn word, e target of a relative jump, all
-/// three any value; b 0 to 7; p 0, 8 .. 56; i 0 to 2; x a value or string; str a string; name a
-/// file.
-/// "*" repeats the operand before it. All other terms are themselves.
+/// The operand forms of some mnemonics. Terms that begin with a lower-case letter are classes: r A
+/// to L; s r, n, (HL) or (xy+d); m the same without n; dd BC, DE, HL, SP; qq BC, DE, HL, AF; xy IX
+/// or IY; cc a condition; c4 NZ, Z, NC, C; n byte, nn word, e target of a relative jump, all three
+/// of which match any value; b 0 to 7; p 0, 8 .. 56; i 0 to 2; x a value or string; str a string;
+/// name a file. "*" repeats the operand before it. All other terms match literally.
 struct FormRow {
     std::string_view words;           ///< mnemonics, separated by blanks
     std::string_view forms;           ///< separated by blanks; "-" is the form without operands
@@ -63,28 +62,28 @@ inline constexpr std::size_t noFault = static_cast<std::size_t>(-1);
                                                std::size_t operandCount);
 
 /// The terms for the operand at index `place`, in the forms that match the operands before it. Each
-/// appears once. Classes appear as their letters, except s and m, which are replaced by their
-/// members.
+/// appears once. Classes are replaced by their members, except r, n, nn, x, str and name; e becomes
+/// nn.
 [[nodiscard]] std::vector<std::string> ChoicesAt(const StatementView& statement, std::size_t place);
 
-/// Whether the statement matches a form of its mnemonic. Values are ignored, except plain numbers
+/// True if the statement matches a form of its mnemonic. Values are ignored, except plain numbers
 /// that are part of an opcode.
 [[nodiscard]] bool HasForm(const StatementView& statement);
 
 /// The index of the first operand such that no form matches the operands up to it; the number of
-/// operands if another one is missing; `noFault` if a form matches, or the mnemonic is unknown.
+/// operands if one is missing after them; `noFault` if a form matches, or the mnemonic is unknown.
 [[nodiscard]] std::size_t FindFaultyOperand(const StatementView& statement);
 
-/// The index of the operand to remove where there is one too many for a mnemonic that takes two:
-/// the last that leaves a form, else the last. `noFault` for other statements.
+/// The index of the operand to remove if a mnemonic that takes two has three: the last one whose
+/// removal leaves a valid form, otherwise the last operand. `noFault` for other statements.
 [[nodiscard]] std::size_t FindExcess(const StatementView& statement);
 
-/// Whether the operands match one of `shapes`, which are written like forms; empty: no operands.
+/// True if the operands match one of `shapes`, which are written like forms; empty: no operands.
 /// Further classes: any an operand; v a value, in parentheses or not; gp BC, DE or HL; pair these,
 /// IX, IY, SP or AF; reg a register or condition; (reg), (cc), (any) these in parentheses.
 [[nodiscard]] bool HasShape(const StatementView& statement, std::string_view shapes);
 
-/// Whether `word` is one of `words`, which are separated by blanks; "*" stands for all words.
+/// True if `word` is one of `words`, which are separated by blanks; "*" stands for all words.
 [[nodiscard]] bool HoldsWord(std::string_view words, std::string_view word);
 
 }  // namespace korv

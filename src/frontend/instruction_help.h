@@ -1,4 +1,4 @@
-/// A sentence about every instruction and directive, for the hover of an editor.
+/// One sentence about each instruction and directive, which an editor shows on hover.
 #pragma once
 
 #include <string_view>

@@ -1,4 +1,4 @@
-// Labels that are written as in another assembler, or in another place.
+// Advice on labels in the style of another assembler, or in the wrong place.
 
 #include <algorithm>
 

@@ -1,6 +1,6 @@
-// Columns: address, offset in the image, bytes, T-states, file and line, source. The source begins
-// at a multiple of 8 columns, the same one in every line, so that its tabs fall where they do in
-// an editor.
+// Columns: address, offset in the image, bytes, T-states, file and line, source. In every line, the
+// source begins at the same multiple of 8 columns, so that its tabs fall where they do in an
+// editor.
 
 #include "frontend/listing.h"
 
@@ -41,7 +41,7 @@ std::string_view KindText(NameKind kind) {
     return {};
 }
 
-// At most `longestNumber` characters.
+// Writes the value of `name`, in at most `longestNumber` characters.
 char* PutValue(char* to, const Name& name) {
     if (!name.hasValue) {
         return PutText(to, "-");
@@ -51,7 +51,7 @@ char* PutValue(char* to, const Name& name) {
                   : PutNumber(to, name.value);
 }
 
-// What statements and names need in a program of one file.
+// An estimate in bytes, which suffices for a typical program of one file.
 std::size_t UsualSize(const Analysis& analysis) {
     constexpr std::size_t usualColumns = 64, usualName = 80;
     return analysis.statements.size() * usualColumns + analysis.names.size() * usualName +
@@ -68,7 +68,7 @@ class Listing {
             widest = std::max(widest, width + 1 + digits);
             hiddenBytes.push_back(file.name.size() - width);
         }
-        constexpr std::size_t widestPlace = 64;  // a longer one moves its own line only
+        constexpr std::size_t widestPlace = 64;  // a longer one shifts only its own line
         sourceColumn = (placeColumn + std::min(widest, widestPlace) + 2 + 7) / 8 * 8;
         SortMessages();
     }
@@ -141,7 +141,8 @@ class Listing {
         text.Advance(to);
     }
 
-    // Up to `count` bytes from `done` on; fewer if the image ends before, as after an error.
+    // Up to `count` bytes of `statement` from its byte `done` on; fewer if the image ends earlier,
+    // as after an error.
     std::span<const std::uint8_t> BytesOf(const Statement& statement, std::uint32_t done,
                                           std::uint32_t count) const {
         const std::size_t start =
@@ -152,8 +153,8 @@ class Listing {
             .first(std::min(size, analysis.image.size() - start));
     }
 
-    // Writes what comes before the place, with blanks up to its column. Result: the end of the
-    // text before the blanks.
+    // Writes the columns before the place, with blanks up to the place. Result: the end of the text
+    // before the blanks.
     char* PutColumns(char* start, const Statement& statement, std::uint32_t row,
                      bool hasBytes) const {
         const std::uint32_t done = row * bytesPerRow;
@@ -163,7 +164,7 @@ class Listing {
             *to++ = ' ';
             to = PutHex(to, statement.offset + done, 6);
         }
-        std::fill_n(to, placeColumn, ' ');  // of a constant size, which is quicker than exact
+        std::fill_n(to, placeColumn, ' ');  // a constant count is faster than the exact one
         if (hasBytes) {
             const auto bytes = BytesOf(statement, done, bytesPerRow);
             to += bytes.empty() ? 0 : 2;
@@ -177,7 +178,7 @@ class Listing {
         return to;
     }
 
-    // The messages for the lines of `statement`.
+    // Writes the messages about the lines of `statement`.
     void PutMessages(const Statement& statement) {
         if (messages.empty()) {
             return;
@@ -249,7 +250,7 @@ class Listing {
         text.Advance(to);
     }
 
-    // Writes what comes before the place of a name. Result: the end, where the place is put.
+    // Writes the columns before the place of a name. Result: where the place is to be written.
     char* PutNameColumns(char* start, std::string_view name, std::string_view value,
                          std::string_view kind, std::string_view uses) const {
         char* to = PutText(start, name);
@@ -275,10 +276,11 @@ class Listing {
 
     const Analysis& analysis;
     std::size_t sourceColumn = 0;  // from 0
-    // By file: bytes of its name less columns, since characters may have more than one byte.
+    // For each file, the bytes of its name minus its columns, since a character may have several
+    // bytes.
     std::vector<std::size_t> hiddenBytes;
-    std::vector<std::size_t> messages;  // their numbers, by opening and line
-    std::vector<bool> isListed;         // by the numbers of the messages
+    std::vector<std::size_t> messages;  // their indices, sorted by opening and line
+    std::vector<bool> isListed;         // for each message, by index
     std::size_t valueColumn = 0;        // of the values of names
     TextBuffer text;
 };

@@ -9,7 +9,7 @@
 namespace korv {
 namespace {
 
-// Whether offsets in the cleaned line that begins with `line` are columns of the file.
+// True if offsets in the cleaned line that begins with the physical line `line` are columns of it.
 bool IsPlain(const StoredText& text, std::string_view line) {
     while (!line.empty() && HasClass(line.back(), CC_BLANK)) {
         line.remove_suffix(1);

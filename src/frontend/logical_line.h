@@ -1,6 +1,6 @@
 /// A logical line after cleaning by the reader, with the place of each character in the file.
-/// Needed only if an offset in the cleaned line is not the column: after a continuation, or after a
-/// byte that the reader drops.
+/// Needed only if an offset in the cleaned line differs from the column: after a continuation, or
+/// after a byte that the reader drops.
 #pragma once
 
 #include <cstdint>
@@ -27,15 +27,15 @@ struct LogicalLine {
 /// The logical line that begins at physical line `number` of `text`.
 [[nodiscard]] LogicalLine LogicalLineAt(const StoredText& text, std::int32_t number);
 
-/// Converts places in cleaned lines to places in files. Stores the last line, since a line often
+/// Converts places in cleaned lines to places in files. Caches the last line, since a line often
 /// has several messages.
 class PlaceMap {
   public:
     /// The cleaned line that begins at line `number` of `text`; valid until the next call.
     const LogicalLine& LineAt(const StoredText& text, std::int32_t number);
 
-    /// The place in file `file`, which contains `text`, of the `length` characters at `offset` in
-    /// the cleaned line that begins at `line`.
+    /// The place of the `length` characters at `offset` in the cleaned line that begins at `line`
+    /// of the file with index `file` and contents `text`.
     Place PlaceOf(std::int32_t file, const StoredText& text, std::int32_t line, std::size_t offset,
                   std::size_t length);
 

@@ -16,7 +16,7 @@ namespace korv {
 
 namespace {
 
-// What the core adds to its text, in quotes unless it has its own.
+// The detail that the core appends to its message, in quotes if it is not quoted already.
 std::string DetailOf(std::string_view text) {
     text.remove_prefix(std::min(text.find_first_not_of(' '), text.size()));
     return text.empty() || text[0] == '\'' ? std::string(text) : Quoted(text);
@@ -54,7 +54,7 @@ std::int32_t MessageMaker::AddOpening(std::int32_t number, const Opening& openin
 
 void MessageMaker::Finish() {
     std::set<std::pair<std::int32_t, std::int32_t>> refusedLines;  // file and line of an error
-    auto shortLines = refusedLines;  // of one that an empty operand may be the cause of
+    auto shortLines = refusedLines;  // of errors that an empty operand may have caused
     const auto lineOf = [this](const Report& report) {
         const auto opening = static_cast<std::size_t>(OpeningOf(report.place.file));
         return std::pair(analysis->openings[opening].file, report.place.line);
@@ -94,7 +94,7 @@ void MessageMaker::Finish() {
     RemoveExplained();
 }
 
-// A label that is no name, as in ".LOOP: NOP", may be used before.
+// Prepares for uses of a label that is not a valid name, as in ".LOOP: NOP": some may precede it.
 void MessageMaker::ExpectRefusal(const SourcePlace& place) {
     const std::string_view line = StatementAt(place).line;
     const std::string_view word = line.substr(0, line.find_first_of(" \t:"));
@@ -103,7 +103,8 @@ void MessageMaker::ExpectRefusal(const SourcePlace& place) {
     }
 }
 
-// The warning about a name that an error is about is a second message about one mistake.
+// Removes warnings about the names of labels that an error is about: they would be a second message
+// about the same mistake.
 void MessageMaker::RemoveExplained() {
     const auto isExplained = [this](const Message& message) {
         const bool isAboutName =
@@ -136,7 +137,7 @@ void MessageMaker::Make(const Report& report) {
     const auto count = static_cast<std::int32_t>(statements.size());
     auto& [id, reports] =
         statements.try_emplace({report.place.file, report.place.line}, count, 0).first->second;
-    // Each advice looks at all operands. Nobody reads so many messages about one line.
+    // Each piece of advice examines all operands, and nobody reads so many messages about one line.
     constexpr std::int32_t mostAdvised = 50;
     if (++reports > mostAdvised) {
         if (!adviser.IsRefused(report.text)) {
@@ -176,7 +177,7 @@ void MessageMaker::Take(Advice advice, const Report& report, Message* message) {
         message->related.push_back({PlaceOf(advice.first), "the first definition"});
     }
     for (const std::string& name : advice.explains) {
-        explained.insert(Quoted(name));  // as the detail of a warning
+        explained.insert(Quoted(name));  // like the detail of a warning
     }
     if (report.number == MSG_LABEL_WITHOUT_COLON && message->warning == Warning::keywordLabel) {
         message->text = RowOf(Warning::keywordLabel).meaning;
@@ -189,7 +190,7 @@ void MessageMaker::Take(Advice advice, const Report& report, Message* message) {
         message->text = std::move(advice.text);
         message->detail.clear();
     }
-    if (!isOneLine) {  // then an offset is not a column
+    if (!isOneLine) {  // offsets in the line are not columns
         return;
     }
     for (TextEdit& edit : advice.edits) {
@@ -201,8 +202,8 @@ void MessageMaker::Take(Advice advice, const Report& report, Message* message) {
     }
 }
 
-// Where a name is to be another one, that holds for all its uses. A label that is to be renamed and
-// has too many keeps its name.
+// Replaces the name in all its other uses too. If there are too many lines to search, a label keeps
+// its name.
 void MessageMaker::AddUses(const Advice& advice, Message* message) {
     const Place& at = message->place;
     for (const Place& use : FindUses(TextOf(message->opening), at.file, advice.names.front(),

@@ -1,5 +1,5 @@
-/// Makes the messages of an analysis from the core's reports and from the findings of checks: finds
-/// the place in the file, asks for advice, counts.
+/// Makes the messages of an analysis from the core's reports and the findings of checks: finds
+/// their places in the files, asks for advice, and counts them.
 #pragma once
 
 #include <cstdint>
@@ -21,24 +21,24 @@ namespace korv {
 class CAssembler;
 class FileStore;
 
-/// A report as it came from the core.
+/// A report from the core.
 struct Report {
-    bool isWarning = false;               ///< for the core
-    std::optional<Warning> warning = {};  ///< which one it is here; none: an error
-    std::int32_t number = 0;              ///< row of MESSAGE_TABLE, or below 0
+    bool isWarning = false;               ///< as the core classifies it
+    std::optional<Warning> warning = {};  ///< its name in the front end; none: an error
+    std::int32_t number = 0;              ///< row of MESSAGE_TABLE; negative: an internal error
     std::string text;                     ///< the detail; may be empty
     SourcePlace place;
     bool isLate = false;      ///< its line is not the one being assembled
-    bool isSkipped = false;   ///< a condition kept its line from being assembled
-    std::string reason = {};  ///< the system's, of a file that cannot be read
+    bool isSkipped = false;   ///< its line is not assembled, because of a condition
+    std::string reason = {};  ///< why a file cannot be read, as the system puts it
 };
 
-/// The text of message `number` by the conventions of compilers: small letters, no full stop.
+/// The text of message `number` in the style of compilers: lower case, no full stop.
 [[nodiscard]] std::string MessageText(std::int32_t number);
 
 class MessageMaker : private RunFacts {
   public:
-    /// None is owned.
+    /// Owns none of its arguments.
     MessageMaker(Analysis* analysis, CAssembler* assembler, FileStore* store,
                  const WarningChoice* warnings)
         : analysis(analysis),
@@ -47,23 +47,25 @@ class MessageMaker : private RunFacts {
           warnings(warnings),
           adviser(*this) {}
 
-    /// The core's file `number` is the next opening. It counts files that cannot be opened too.
+    /// Adds the opening of the core's file `number`. The core also numbers files that cannot be
+    /// opened. Result: its index.
     std::int32_t AddOpening(std::int32_t number, const Opening& opening);
     /// Index in `openings` of the core's file `number`.
     [[nodiscard]] std::int32_t OpeningOf(std::int32_t number) const {
         return openingByNumber[static_cast<std::size_t>(number)];
     }
 
-    /// Keeps a report, a message or a warning for `Finish`, which needs the names that are defined
-    /// later to say what to do about it.
+    /// Keeps a report, a message or a warning for `Finish`: its note may depend on names that are
+    /// defined later.
     void Add(Report report) { pending.emplace_back(std::move(report)); }
     void Add(Message message) { pending.emplace_back(std::move(message)); }
     void Warn(Warning warning, const Place& place, std::int32_t opening, std::string detail,
               std::string_view note);
-    /// Makes the messages, in the order in which they came, of all that is wanted and does not only
-    /// follow from an earlier one.
+    /// Makes messages from what was kept, in the same order, except for warnings that are off and
+    /// reports that only follow from an earlier one.
     void Finish();
-    /// The part of the file that `place` is; a statement as a whole is its mnemonic or its label.
+    /// The place in the file that corresponds to `place`. A whole statement is marked by its
+    /// mnemonic, or by its label if it has none.
     [[nodiscard]] Place PlaceOf(const SourcePlace& place);
     /// The file of opening `opening`: index in `files`.
     [[nodiscard]] std::int32_t FileOf(std::int32_t opening) const {
@@ -71,7 +73,7 @@ class MessageMaker : private RunFacts {
     }
     /// The stored text of opening `opening`.
     [[nodiscard]] const StoredText& TextOf(std::int32_t opening) const;
-    /// Whether a further message would be kept.
+    /// True if another message would be kept.
     [[nodiscard]] bool IsOpen() const {
         return analysis->errorLimit == 0 || analysis->errorCount < analysis->errorLimit;
     }
@@ -95,9 +97,9 @@ class MessageMaker : private RunFacts {
     void ExpectRefusal(const SourcePlace& place);
     void Take(Advice advice, const Report& report, Message* message);
     void AddUses(const Advice& advice, Message* message);
-    // The statement in hand, cut once for all its messages.
+    // The statement at `place`, cut only once for all its messages.
     const StatementView& StatementAt(const SourcePlace& place);
-    // Full path of the file of the statement in hand.
+    // Full path of the file of the statement in `view`.
     [[nodiscard]] const std::string& PathInHand() const;
 
     Analysis* analysis;
@@ -110,16 +112,16 @@ class MessageMaker : private RunFacts {
     SourcePlace viewedPlace;  // of `view`
     std::string viewedLine;
     StatementView view;
-    bool isOneLine = false;  // `view` is of one physical line, without bytes that are dropped
+    bool isOneLine = false;  // `view` is one physical line, without dropped bytes
     std::vector<std::variant<Report, Message>> pending;
-    std::int32_t renameBudget = 200'000;        // lines that may be searched for uses
-    std::unordered_set<std::string> explained;  // names of labels that errors speak of
-    // A number for each statement with a report, and how many it has had, by the core's file and
-    // line.
+    std::int32_t renameBudget = 200'000;        // lines that may still be searched for uses
+    std::unordered_set<std::string> explained;  // names of labels that errors are about
+    // By the core's file and line: the number of each statement with a report, and how many reports
+    // it has had.
     std::map<std::pair<std::int32_t, std::int32_t>, std::pair<std::int32_t, std::int32_t>>
         statements;
-    // By file and text: the first line from which `FindLine` has searched in vain. Each of many
-    // messages would search the rest of the file again.
+    // By file and text: the first line from which `FindLine` has found nothing. Without this, each
+    // of many messages would search the rest of the file again.
     mutable std::map<std::pair<std::int32_t, std::string>, std::int32_t> absentFrom;
 };
 

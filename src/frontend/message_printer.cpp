@@ -55,7 +55,7 @@ std::size_t CharacterStart(std::string_view line, std::size_t offset) {
 }
 
 Excerpt ExcerptOf(std::string_view line, const Place& place) {
-    constexpr std::size_t longestShown = 400;  // bytes; lines that assemble are shorter
+    constexpr std::size_t longestShown = 400;  // bytes; by default, lines that assemble are shorter
     const std::size_t column = std::min<std::size_t>(place.column, line.size());
     std::size_t start = 0, end = line.size();
     if (line.size() > longestShown) {
@@ -126,7 +126,7 @@ class MessagePrinter {
   private:
     Pen NewPen() { return {&text, style}; }
 
-    // Prints the chain of includes, innermost first; once each time a file is opened.
+    // Prints the chain of includes, innermost first, once for each time that a file is opened.
     void PrintIncluded(std::int32_t number) {
         const auto index = static_cast<std::size_t>(number);
         if (isIntroduced[index]) {

@@ -9,13 +9,13 @@
 
 namespace korv {
 
-/// Where a text is printed.
+/// How a text is printed.
 struct TextStyle {
     bool isColored = false;   ///< colours are wanted
     bool isTerminal = false;  ///< control characters take effect, so those of sources are escaped
 };
 
-/// All messages and their number; empty if there are none.
+/// All messages and their counts; empty if there are none.
 [[nodiscard]] std::string MessagesText(const Analysis& analysis, const TextStyle& style);
 
 /// The text of a message, without its place and its note.

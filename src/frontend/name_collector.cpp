@@ -39,13 +39,14 @@ bool IsDigit(char c) {
     return HasClass(c, CC_DIGIT);
 }
 
-// Whether the operand of a statement is the name of a file.
+// True if the operand of a statement is the name of a file.
 bool NamesFile(const Keyword* keyword) {
     return keyword != nullptr &&
            (keyword->handler == AssembleInclude || keyword->handler == AssembleBinclude);
 }
 
-// The part of `text`, a value, that is evaluated: what is in its parentheses, or added to IX or IY.
+// The part of the operand `text` that is evaluated: what is in its parentheses, or the displacement
+// of IX or IY.
 std::string_view EvaluatedPart(std::string_view text, const OperandClass& operand) {
     const std::string_view inner = WithoutParentheses(text);
     const bool hasSign =
@@ -53,7 +54,7 @@ std::string_view EvaluatedPart(std::string_view text, const OperandClass& operan
     return inner.substr(hasSign ? 3 : 0);
 }
 
-// Whether `word`, which is looked up, is one name. False: it may be more than that.
+// True if `word` is certainly a single name. False: it may be a number or an expression.
 bool IsOneName(std::string_view word) {
     if (word.empty() || IsDigit(word.front()) || FindWord(word).code != 0) {
         return false;
@@ -68,7 +69,7 @@ bool IsNumber(std::string_view word) {
     return !word.empty() && word.front() != '&' && ReadNumber(word, &value) == 0;
 }
 
-// Whether nothing follows the mnemonic of `statement`, or its label if that is alone.
+// True if nothing follows the mnemonic of `statement`, or its label if it has no mnemonic.
 bool HasNoOperands(const CStatement& statement) {
     const std::string_view mnemonic = MnemonicOf(statement);
     return *SkipBlanks(mnemonic.data() + mnemonic.size()) == '\0';
@@ -82,7 +83,7 @@ void NameCollector::AddUses(CStatement& statement, const Keyword* keyword, bool 
         return;
     }
     if (isSkipped || isFaulty || (statement.args.Count() == 0 && !HasNoOperands(statement))) {
-        // Nobody has looked at the operands, or not at all of them.
+        // The core has not evaluated the operands, or not all of them.
         for (const OperandView& operand : CutStatement(statement.text).operands) {
             AddNames(statement, operand.text, operand.what, isSkipped, places);
         }
@@ -97,7 +98,7 @@ void NameCollector::AddUses(CStatement& statement, const Keyword* keyword, bool 
 
 void NameCollector::AddNames(const CStatement& statement, std::string_view text,
                              const OperandClass& operand, bool isSkipped, MessageMaker* places) {
-    if (operand.kind == KIND_VALUE) {  // mostly one name or number, which need not be cut
+    if (operand.kind == KIND_VALUE) {  // usually one name or number, which need not be cut
         const std::string_view word = EvaluatedPart(text, operand);
         if (IsOneName(word)) {
             AddUse(statement, word, isSkipped, places);
@@ -125,7 +126,7 @@ void NameCollector::AddUse(const CStatement& statement, std::string_view name, b
     }
 }
 
-// Moves the early uses of names that the table has now to the others of these names.
+// Adds the early uses of names that are in the table by now to the other uses of these names.
 void NameCollector::JoinEarlyUses() {
     std::erase_if(earlyUses, [this](auto& early) {
         const CIdentifier* const record = table->Find(std::string_view(early.first));
@@ -140,16 +141,16 @@ void NameCollector::JoinEarlyUses() {
     });
 }
 
-// A name on its way into the result.
+// A name that is to be sorted.
 struct NameCollector::Entry {
-    std::uint64_t piece = 0;              // of its text, as a number of the same order
+    std::uint64_t piece = 0;              // up to 8 characters, as a number of the same order
     const CIdentifier* record = nullptr;  // null for a name with early uses only
     const std::pair<const std::string, Uses>* early = nullptr;
 
     [[nodiscard]] std::string_view Text() const {
         return record != nullptr ? record->Name() : early->first;
     }
-    // Takes up to 8 characters from `offset` on.
+    // Sets `piece` to up to 8 characters from `offset` on.
     void TakePiece(std::size_t offset) {
         const std::string_view text = Text();
         const std::size_t size =
@@ -161,8 +162,8 @@ struct NameCollector::Entry {
     }
 };
 
-// Sorts names that are the same before `offset`: 8 characters at a time, since numbers are compared
-// several times as fast as texts.
+// Sorts names whose first `offset` characters are equal, 8 characters at a time, since comparing
+// numbers is several times as fast as comparing texts.
 void NameCollector::Sort(std::span<Entry> entries, std::size_t offset) {
     for (Entry& entry : entries) {
         entry.TakePiece(offset);
@@ -174,7 +175,7 @@ void NameCollector::Sort(std::span<Entry> entries, std::size_t offset) {
         const auto count = static_cast<std::size_t>(end - entries.begin());
         if (count > 1 && offset < maxWord) {
             Sort(entries.first(count), offset + sizeof(Entry::piece));
-        } else if (count > 1) {  // only a skipped block has such names, of any length
+        } else if (count > 1) {  // such long names occur only in skipped blocks
             std::ranges::sort(entries.first(count), {}, &Entry::Text);
         }
         entries = entries.subspan(count);
@@ -210,7 +211,7 @@ Name NameCollector::NameOf(const Entry& entry, MessageMaker* places) {
         name.useCount = all->second.count;
         name.uses = std::move(all->second.places);
     }
-    if (IsReserved(record)) {  // only used, as far as the source is concerned
+    if (IsReserved(record)) {  // the source uses it but cannot define it
         return name;
     }
     name.kind = KindOf(record);

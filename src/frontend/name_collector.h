@@ -21,15 +21,14 @@ struct OperandClass;
 
 class NameCollector {
   public:
-    /// For the names of `table`, which is not owned.
+    /// Collects the names of `table`, which is not owned.
     explicit NameCollector(const CIdentifierManager* table) : table(table) {}
 
-    /// Adds the names in the operands of `statement`, which may be one that is not assembled, or
-    /// that an error was found in. `keyword` is its row in the vocabulary, or null. Without
-    /// `places` the uses are only counted.
+    /// Adds the names in the operands of `statement`, even if it is skipped or has an error.
+    /// `keyword` is its row in the vocabulary, or null. Without `places` the uses are only counted.
     void AddUses(CStatement& statement, const Keyword* keyword, bool isSkipped, bool isFaulty,
                  MessageMaker* places);
-    /// All names by their text, with the uses that were added; those are gone then.
+    /// Returns all names with their uses, sorted by text, and forgets the uses.
     [[nodiscard]] std::vector<Name> Take(MessageMaker* places);
 
   private:
@@ -48,10 +47,10 @@ class NameCollector {
     static void Sort(std::span<Entry> entries, std::size_t offset);
 
     const CIdentifierManager* table;
-    // The table finds a name more quickly than a map of texts would.
+    // By record, since the table finds a name faster than a map of texts would.
     std::unordered_map<const CIdentifier*, Uses> uses;
-    // Of names that the table did not have: those in a skipped block, or after the one that an
-    // expression waits for.
+    // Uses of names that were not in the table yet: in a skipped block, or after the first
+    // unresolved name of an expression.
     std::unordered_map<std::string, Uses> earlyUses;
 };
 

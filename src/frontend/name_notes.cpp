@@ -1,4 +1,4 @@
-// Names without a value.
+// Advice on names without a value.
 
 #include <algorithm>
 
@@ -12,7 +12,8 @@
 namespace korv {
 namespace {
 
-// An EQU that depends on itself. A chain that ends at an unknown name is explained there.
+// An EQU that depends on itself. A chain of EQUs that ends at an unknown name is reported at that
+// name.
 bool AdviseOnCircle(OperandCase* it, const std::string& name) {
     if (it->statement.mnemonic == "EQU" && it->statement.label == name) {
         it->advice.note = "give " + name + " a value: it depends on itself";
@@ -102,7 +103,7 @@ bool AdviseOnGluedCondition(OperandCase* it, const Token& token) {
     return false;
 }
 
-// A name that is defined, with 1 for L or 0 for O, or the other way round.
+// A defined name that differs from `name` by 1 for L or 0 for O, or vice versa.
 std::string NameThatLooksLike(const OperandCase& it, const std::string& name) {
     constexpr std::string_view signs = "L1O0";
     std::string other = name;
@@ -120,8 +121,8 @@ std::string NameThatLooksLike(const OperandCase& it, const std::string& name) {
     return "";
 }
 
-// The name without a value that the message is about; where a value is needed at once, it may have
-// one by now. Null for none.
+// The name without a value that the message is about; if a value is needed at once, the name may be
+// defined later. Null if there is none.
 const Token* FindUnknown(const OperandCase& it) {
     if (it.operand == nullptr) {
         return nullptr;
@@ -167,7 +168,7 @@ bool AdviseOnNamedRegister(OperandCase* it, const Token& token) {
     return true;
 }
 
-// "OFFH" and "LO", which begin with a letter for a digit.
+// "OFFH" and "LO", which begin with a letter in place of a digit.
 bool AdviseOnLetterForDigit(OperandCase* it, const Token& token) {
     std::string digits(token.text);
     if (digits.front() != 'O' && digits.front() != 'L') {
@@ -188,7 +189,7 @@ bool AdviseOnLetterForDigit(OperandCase* it, const Token& token) {
     return true;
 }
 
-// A defined name that is spelt nearly so.
+// A defined name with a similar spelling.
 bool AdviseOnNearName(OperandCase* it, const Token& token) {
     std::string near = NameThatLooksLike(*it, std::string(token.text));
     if (near.empty()) {

@@ -23,9 +23,9 @@ class NearWords {
     explicit NearWords(const std::vector<std::string_view>& words);
 
     /// The word nearest to `word`, at a distance of at most a third of its length; empty if there
-    /// is none. Among words at the same distance, a `preferred` one wins, then one with the same
-    /// first letter, then one with the same letters, then one that `word` is the beginning of, then
-    /// the first one in the set.
+    /// is none. Among words at the same distance, being `preferred` counts most, then having the
+    /// same letters, then having the same first letter. If that leaves a tie, one that `word` is
+    /// the beginning of wins, otherwise the first one in the set.
     [[nodiscard]] std::string_view Find(
         std::string_view word, const std::function<bool(std::string_view)>& preferred = {});
 
@@ -35,7 +35,7 @@ class NearWords {
         std::string_view word;
     };
     std::vector<std::vector<Entry>> byLength;
-    std::size_t budget = 4'000'000;  // tests of an entry that are left
+    std::size_t budget = 4'000'000;  // entries that may still be tested
 };
 
 }  // namespace korv

@@ -33,7 +33,7 @@ std::string_view PairOf8080(std::string_view name) {
                            : name;
 }
 
-// The pair that a register is a half of.
+// The pair that contains a register.
 std::string_view PairWith(std::string_view name) {
     constexpr std::array<std::string_view, 4> pairs = {"AF", "BC", "DE", "HL"};
     const auto* const pair = std::ranges::find_if(
@@ -53,7 +53,7 @@ std::string_view ConditionAtEnd(std::string_view mnemonic) {
     return {};
 }
 
-// What the template letter `kind` makes of the text with its number.
+// `text`, an operand or token, as the template letter `kind` shows it.
 std::string Shown(char kind, std::string_view text) {
     const std::string raised = Raised(text);
     const bool isSmall = raised != text;
@@ -75,7 +75,7 @@ std::string Shown(char kind, std::string_view text) {
         case 'm':
             return raised == "M" ? cased("(HL)")
                                  : std::string(text.substr(text.starts_with('#') ? 1 : 0));
-        case 'b': {  // a text whose last character has bit 7 set
+        case 'b': {  // a string whose last character is to have bit 7 set
             const bool isText = text.size() > 2 && text.front() == '"' && text.back() == '"';
             if (!isText) {
                 return std::string(text);
@@ -96,8 +96,8 @@ std::string Shown(char kind, std::string_view text) {
     }
 }
 
-// `pattern` with its letters filled; `fix` replaces %f. Without it the pattern is a fix
-// itself, and in small letters if the statement is.
+// `pattern` with its placeholders filled in; `fix` replaces %f. Without `fix`, the pattern is a fix
+// itself, and is put in lower case if the statement is.
 std::string Filled(std::string_view pattern, const StatementView& statement, const Texts& texts,
                    std::optional<std::string_view> fix) {
     std::string text;
@@ -137,7 +137,7 @@ Texts TextsOf(const StatementView& statement) {
     return texts;
 }
 
-// A statement for a sentence: several lines of it in one.
+// A statement as part of a sentence, with several lines joined into one.
 std::string InOneLine(std::string_view text) {
     std::string line;
     bool isString = false;
@@ -152,8 +152,8 @@ std::string InOneLine(std::string_view text) {
     return line;
 }
 
-// "*" is any characters, "#" a digit, "|" parts alternatives, and a backslash takes away what a
-// character means.
+// "*" matches any characters, "#" a digit, "|" separates alternatives, and a backslash makes the
+// next character literal.
 bool MatchesOne(std::string_view text, std::string_view pattern) {
     if (pattern.empty()) {
         return text.empty();
@@ -186,7 +186,7 @@ bool Matches(std::string_view text, std::string_view pattern) {
     }
 }
 
-// The letter in a term of each kind of token, in the order of `TokenKind`; a blank for none.
+// The letter for each kind of token in a term, in the order of `TokenKind`; a blank for none.
 constexpr std::string_view kindLetters = "rcnlesuid   x";
 static_assert(kindLetters[static_cast<std::size_t>(TokenKind::other)] == 'x');
 
@@ -204,8 +204,8 @@ bool FitsTerm(const Token& token, std::string_view term) {
     return term == "*" ? token.code == '*' : !isString && Matches(token.text, term);
 }
 
-// The number of tokens from `start` on that fit `terms`; 0: they do not. `from` gets the token
-// after the mark.
+// The number of tokens from `start` on that match `terms`; 0 if they do not. Sets `from` to the
+// token after "@", or to `start` if `terms` has none.
 std::size_t FitLength(const std::vector<Token>& tokens, std::size_t start, std::string_view terms,
                       std::size_t* from) {
     std::size_t at = *from = start;
@@ -239,7 +239,7 @@ RowAdvice AdviceOf(std::string_view note, std::string_view fix, const StatementV
     return advice;
 }
 
-// Which of the numbers, by blanks, is `number`.
+// True if `number` is one of `numbers`, which are separated by blanks.
 bool HoldsNumber(std::string_view numbers, Status number) {
     return HoldsWord(numbers, std::to_string(number));
 }
@@ -248,7 +248,7 @@ std::string FirstWord(std::string_view text) {
     return std::string(text.substr(0, text.find_first_of(" \t")));
 }
 
-// Whether a statement that is to be proposed has a form. Directives take what they are given.
+// True if a statement that is to be proposed matches a form. Directives match with any operands.
 bool IsForm(std::string_view text) {
     const std::string line = " " + Raised(text);
     const StatementView statement = CutStatement(line);
@@ -257,7 +257,7 @@ bool IsForm(std::string_view text) {
            HasForm(statement);
 }
 
-// What the rows say of a statement that is to be proposed but has no form.
+// The advice of the rows on a statement that is to be proposed but matches no form.
 std::optional<RowAdvice> AdviceOnRest(std::string_view text) {
     const std::string typed = " " + std::string(text);
     const std::string line = Raised(typed);
@@ -307,7 +307,7 @@ std::optional<RowAdvice> WordAdvice(const StatementView& statement) {
             found.note = "write " + InOneLine(rest->edits[0].text);
             found.edits[0].text = rest->edits[0].text;
         }
-        if (!found.edits.empty()) {  // which does not begin in column 1 as a label does
+        if (!found.edits.empty()) {  // it must not be a label
             const bool isFirst = statement.PartOf(statement.mnemonic).offset == 0;
             found.edits = {
                 translation.Whole(statement, (isFirst ? " " : "") + found.edits[0].text)};
@@ -320,7 +320,7 @@ std::optional<RowAdvice> WordAdvice(const StatementView& statement) {
         }
         word.remove_prefix(strips ? 1 : 0);
         const bool isImmediate = count == 1 && changed.rest.starts_with('#');
-        const std::string marked = std::string(word) + "#";  // of a 6502
+        const std::string marked = std::string(word) + "#";  // for the 6502
         if (strips && HoldsWord("MACRO PROC ENDP ENDM", word)) {
             return RowAdvice{std::string(macroNote), {}, {}};
         }
@@ -335,7 +335,7 @@ std::optional<RowAdvice> WordAdvice(const StatementView& statement) {
         for (const WordRow& row : wordTable) {
             const bool isWord =
                 HoldsWord(row.words, word) || (isImmediate && HoldsWord(row.words, marked));
-            const bool isData =  // and no slip such as "DL A,B"
+            const bool isData =  // unless it is a slip such as "DL A,B"
                 HoldsWord("DB DW DS INCLUDE BINCLUDE", row.fix.substr(0, row.fix.find(' '))) ||
                 row.note.starts_with("write the bytes");
             if (isWord && (row.operands < 0 || row.operands == count) && !(isData && hasRegister)) {

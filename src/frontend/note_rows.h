@@ -1,4 +1,4 @@
-/// The rows of the note tables that fit a statement, with their templates filled.
+/// The rows of the note tables that fit a statement, with their templates filled in.
 #pragma once
 
 #include <optional>
@@ -20,25 +20,26 @@ inline constexpr const char* checkOperands = " and check the operands";
 struct RowAdvice {
     std::string note;
     std::vector<TextEdit> edits;
-    std::string_view part;  ///< the tokens that match; without data for other rows
+    std::string_view part;  ///< the tokens that match; null data for other rows
 };
 
-/// For a mnemonic that is not in the vocabulary, with other spellings in its operands.
+/// Advice on a mnemonic that is not in the vocabulary. Foreign spellings in its operands are
+/// replaced too.
 [[nodiscard]] std::optional<RowAdvice> WordAdvice(const StatementView& statement);
 [[nodiscard]] std::optional<RowAdvice> TokenAdvice(const StatementView& statement,
                                                    const OperandView& operand);
 [[nodiscard]] std::optional<RowAdvice> OperandAdvice(const StatementView& statement, Status number);
 
-/// The message about the operands of `statement`, by their number; `number` if that is about a
-/// condition.
+/// The number of the message about the operands of `statement`: too many, too few, or illegal;
+/// `number` if that is about a condition.
 [[nodiscard]] Status FormMessage(const StatementView& statement,
                                  Status number = MSG_ILLEGAL_ARGUMENT);
 
-/// "write " and the statement as it is with `edits`, without its label.
+/// "write " and the statement with `edits` applied, without its label.
 [[nodiscard]] std::string WriteNote(const StatementView& statement,
                                     const std::vector<TextEdit>& edits);
 
-/// The change of the mnemonic and its operands to `text`.
+/// The edit that replaces the mnemonic and its operands by `text`.
 [[nodiscard]] TextEdit NewStatement(const StatementView& statement, std::string text);
 
 }  // namespace korv

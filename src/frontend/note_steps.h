@@ -5,19 +5,19 @@
 
 namespace korv {
 
-/// A mnemonic that is not in the vocabulary.
+/// Advice on a mnemonic that is not in the vocabulary.
 [[nodiscard]] Advice AdviseOnWord(Adviser& adviser, const FaultView& fault);
 
-/// A mnemonic with a blank in it, as in "RE T"; empty advice for none.
+/// Advice on a mnemonic with a blank in it, as in "RE T"; empty if there is none.
 [[nodiscard]] Advice AdviseOnSplitMnemonic(const StatementView& statement);
 
-/// Operands that do not fit, or have no value.
+/// Advice on operands that do not fit, or have no value.
 [[nodiscard]] Advice AdviseOnOperands(Adviser& adviser, const FaultView& fault);
 
-/// The operands that fit instead of the first that does not; empty if they all fit.
+/// A note with what would fit in place of the first operand that does not; empty if they all fit.
 [[nodiscard]] std::string FormsNote(const StatementView& statement);
 
-/// Whether the operand of a jump is as 1B or 1F, which mean numbered labels in other assemblers.
+/// True if the operand of a jump is like 1B or 1F, which are numbered labels in other assemblers.
 [[nodiscard]] bool IsNumberedLabel(const StatementView& statement);
 inline constexpr const char* braceNote =
     "end a condition with ENDIF and a routine with RET: there are no braces";
@@ -27,36 +27,37 @@ inline constexpr const char* anonymousLabelNote = "name the label: there are no 
 inline constexpr std::string_view numberedLabelNote =
     "name the label: there are no numbered labels, and 1B is a binary number";
 
-/// A definition whose name follows the directive, as in "EQU X,5"; empty advice if the line is
+/// Advice on a definition whose name follows the directive, as in "EQU X,5"; empty if there is
 /// none.
 [[nodiscard]] Advice AdviseOnNameSecond(const StatementView& statement);
 
-/// All else: labels, files, conditions, ranges.
+/// Advice on all else: labels, files, conditions, ranges.
 [[nodiscard]] Advice AdviseOnRest(Adviser& adviser, const FaultView& fault);
 
-/// A definition that is written as in another assembler, or in the wrong column; empty advice if
-/// the line is none.
+/// Advice on a definition in the style of another assembler, or in the wrong column; empty if there
+/// is none.
 [[nodiscard]] Advice AdviseOnDefinition(const StatementView& statement);
 
-/// "#define X 5", and what `AdviseOnNameSecond` gives.
+/// Advice on "#define X 5"; for other lines, that of `AdviseOnNameSecond`.
 [[nodiscard]] Advice AdviseOnPreprocessor(const StatementView& statement);
 
-/// A name with characters that no name has, at the start of the line; empty advice for none.
+/// Advice on a name with invalid characters at the start of the line; empty if there is none.
 [[nodiscard]] Advice AdviseOnOddName(Adviser& adviser, const StatementView& statement);
 
-/// A label that is not in column 1, or has its colon elsewhere; empty advice for none.
+/// Advice on a label that is not in column 1, or whose colon is not right after it; empty if there
+/// is none.
 [[nodiscard]] Advice AdviseOnLabelPlace(const Adviser& adviser, const StatementView& statement);
 
-/// Whether `text` has a byte that is not ASCII.
+/// True if `text` has a byte that is not ASCII.
 [[nodiscard]] bool HasOddByte(std::string_view text);
 
-/// Whether `text` can be a name.
+/// True if `text` can be a name.
 [[nodiscard]] bool IsNameText(std::string_view text);
 
 /// Advice at `part` without a change.
 [[nodiscard]] Advice Say(const StatementView& statement, std::string_view part, std::string note);
 
-/// Advice at `part`, which is to become `text`.
+/// Advice to replace `part` by `text`.
 [[nodiscard]] Advice Replace(const StatementView& statement, std::string_view part,
                              std::string text, std::string note);
 

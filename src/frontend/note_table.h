@@ -1,6 +1,6 @@
-/// What to do about a message, as tables: tokens that are not of this language, and operands that
-/// have no form. Every row has an example that produces it; where a row proposes a spelling, the
-/// example with that change has to assemble.
+/// Tables of notes about tokens that are not part of the language, and about operands that match no
+/// form. Almost every row has an example that produces it; if the row proposes a change, the
+/// example must assemble with that change.
 #pragma once
 
 #include <array>
@@ -10,29 +10,29 @@
 
 namespace korv {
 
-/// Templates: %w the mnemonic, %1 to %9 an operand or in a token row a token of the match, %r all
+/// Templates: %w the mnemonic, %1 to %9 an operand, or in a token row a matched token, %r all
 /// operands, %m1 operand 1 with M as (HL) and without #, %p1 with B, D, H, PSW as BC, DE, HL, AF,
-/// %f the statement with the change. An empty note is "write %f". In an example "|" ends a line.
+/// %f the statement with the change. An empty note is "write %f". In an example, "|" ends a line.
 
-/// Tokens in a row, within one operand. Terms by blanks: "%k" a kind and perhaps a pattern of its
-/// text, else a pattern alone, which no string matches; "^" is the start of the operand, ";" its
-/// end; the place begins after "@" if there is one. Kinds: n number, e number without digits, l too
-/// large, s string, u open string, i name, d name that begins with a digit, r register, c
-/// condition, x other, v anything but an operator.
+/// Adjacent tokens of one operand. The terms are separated by blanks. "%k" is a kind, which a
+/// pattern for its text may follow; any other term is a pattern, which matches no string. "^" is
+/// the start of the operand, ";" its end. If there is an "@", the place begins after it. Kinds: n
+/// number, e number without digits, l too large, s string, u open string, i name, d name that
+/// begins with a digit, r register, c condition, x other, v anything but an operator.
 struct TokenRow {
     std::string_view words;  ///< mnemonics, "*" for all
     std::string_view tokens;
-    std::string_view fix;  ///< of these tokens; empty for none
+    std::string_view fix;  ///< replaces these tokens; empty: no proposal
     std::string_view note;
     std::string_view example;
 };
 
 /// Operands that do not fit.
 struct OperandRow {
-    std::string_view numbers;  ///< of messages, by blanks; "*" for all errors
-    std::string_view words;    ///< mnemonics by blanks, "*" for all
-    std::string_view shapes;   ///< by blanks, in the terms of `FormRow` and `HasShape`; "*" for all
-    std::string_view fix;      ///< of the statement; empty for none
+    std::string_view numbers;  ///< of messages, separated by blanks; "*" for all errors
+    std::string_view words;    ///< mnemonics, separated by blanks; "*" for all
+    std::string_view shapes;   ///< in the terms of `FormRow` and `HasShape`; "*" for all
+    std::string_view fix;      ///< replaces the statement; empty: no proposal
     std::string_view note;
     std::string_view example;
 };
@@ -160,7 +160,7 @@ inline constexpr auto operandTable = std::to_array<OperandRow>({
     {"13", "RET", "*", "RET %1", "", " RET NZ,5"},
     {"13", "LDI LDD LDIR LDDR CPIR CPDR CPD EXX HALT NOP EI DI RETI RETN SCF CCF INI IND INIR INDR OUTI OUTD OTIR OTDR RLD RRD", "*", "%w", "remove the operands: %w takes none, and a comment begins with a semicolon", " LDIR 5"},
     {"13", "ELSE ENDIF ENDC", "*", "%w", "remove the operand, or begin it with a semicolon if it is a comment", " IF 1| ENDIF X"},
-    // ADD answers to three operands as to too few.
+    // ADD reports three operands as too few.
     {"14", "ADD ADC SBC", "any,any,any", "", "remove the last operand: %w takes two", " ADD A,B,C"},
     {"14", "ADC SBC", "s", "%w A,%1", "", " ADC B"},
     {"14", "IN", "(C)", "IN A,(C)", "", " IN (C)"},

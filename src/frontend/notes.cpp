@@ -1,5 +1,6 @@
-// The order of the questions: what has been said already; the mnemonic; the operand at fault, its
-// foreign spellings first and then its tokens; the operands as a whole; the forms of the mnemonic.
+// Advice is looked for in this order: the mnemonic; the operand at fault, first its foreign
+// spellings and then its tokens; the operands as a whole; the forms of the mnemonic. A message that
+// only follows from an earlier one is then marked as such.
 
 #include "frontend/notes.h"
 
@@ -20,7 +21,7 @@
 namespace korv {
 namespace {
 
-// The numbers of messages about the value of an expression.
+// True for messages about the value of an expression.
 bool IsAboutExpression(Status number) {
     constexpr std::array numbers = {MSG_UNRESOLVED,  MSG_NOT_IMMEDIATE,   MSG_BAD_EXPRESSION,
                                     MSG_TOO_COMPLEX, MSG_GENERAL_FAILURE, MSG_BAD_NUMBER};
@@ -36,7 +37,7 @@ bool Overlap(const LinePart& a, const LinePart& b) {
     return a.offset < b.offset + b.length && b.offset < a.offset + a.length;
 }
 
-// Whether the value that a message is about may be wrong because of a name in it.
+// True for messages about a value that may be wrong because of a name in it.
 bool IsAboutValue(Status number) {
     constexpr std::array numbers = {
         MSG_UNRESOLVED,      MSG_BAD_EXPRESSION,  MSG_ILLEGAL_ARGUMENT, MSG_NOT_IMMEDIATE,
@@ -45,7 +46,8 @@ bool IsAboutValue(Status number) {
     return std::ranges::find(numbers, number) != numbers.end();
 }
 
-// Blocks that other assemblers have: what ends one follows from what begins it.
+// Words that begin and end blocks in other assemblers. An error about the end of a block only
+// follows from the one about its start.
 constexpr std::string_view blockStarts =
     "MACRO MAC REPT REPEAT DUP IRP IRPC WHILE FOR STRUCT UNION MODULE PHASE DISP SCOPE PROC "
     "NAMESPACE LUA ENUM FUNC FUNCTION SELECT SWITCH";
@@ -55,11 +57,11 @@ constexpr std::string_view blockEnds =
     "ENDSCOPE ENDP ENDNAMESPACE ENT EXITM UNTIL ENDREPEAT ENDREP ENDREPT ENDWHILE ENDFOR ENDU "
     "ENDSTRUC ENDPROC ENDLUA ENDE ENDENUM ENDFUNC ENDFUNCTION ENDSELECT ENDSWITCH CASE DEFAULT }";
 
-// Directives whose operands are names that other files would define.
+// Directives of other assemblers whose operands are names defined in other files.
 constexpr std::string_view importDirectives =
     "EXTRN EXTERN EXTERNAL EXT XREF GLOBAL GLOBL XLIB IMPORT";
 
-// Without the marks that other assemblers put before directives.
+// `word` without the marks that other assemblers put before directives.
 std::string_view Plain(std::string_view word) {
     const std::size_t start = word.find_first_not_of(".#!%");
     return start == std::string_view::npos ? word : word.substr(start);
@@ -69,7 +71,8 @@ bool IsCondition(std::string_view word) {
     return Plain(word).starts_with("IF") || HoldsWord("COND UNLESS WHEN", word);
 }
 
-// The word that ends what the statement begins, where the lines in between mean nothing here.
+// The word that ends the block that the statement begins, if the lines in between mean nothing to
+// Korv.
 std::string_view EndOfBlock(const StatementView& statement) {
     const std::string_view word = Plain(statement.mnemonic);
     return HoldsWord("MACRO MAC", word)      ? "endm"
@@ -78,7 +81,7 @@ std::string_view EndOfBlock(const StatementView& statement) {
                                              : "";
 }
 
-// Whether a condition is ended in the line that begins it, or by a brace.
+// True if the line of a condition also ends it, or if a brace is to end it.
 bool HoldsEnd(const StatementView& statement) {
     return statement.rest.ends_with('{') ||
            std::ranges::any_of(statement.operands, [](const OperandView& operand) {
@@ -97,7 +100,7 @@ bool Adviser::TakeRefusedEnd() {
     return true;
 }
 
-// A comment of several lines, as other assemblers have it. One that nothing ends is of one line.
+// A comment of several lines, as in other assemblers. If nothing ends it, it counts as one line.
 void Adviser::RememberComment(const FaultView& fault, Advice* advice) {
     const StatementView& statement = fault.statement;
     const LinePart place = advice->place.value_or(LinePart{});
@@ -191,13 +194,13 @@ bool Adviser::IsFollowOn(const FaultView& fault, const Advice& advice) {
     }
     const LinePart place = advice.place.value_or(fault.part);
     const bool isWhole = fault.part.length == 0 &&
-                         !fault.isLate;  // the result of a statement that has failed already
+                         !fault.isLate;  // the whole statement failed, after an error in it
     if (fault.statementId == lastStatement) {
         const bool isAgain = std::ranges::any_of(
             lastPlaces,
             [&place, isWhole](const LinePart& each) { return isWhole || Overlap(each, place); });
         const bool isOpen =
-            lastNote == closeQuoteNote || lastNote == doubleQuoteNote;  // the rest is within a text
+            lastNote == closeQuoteNote || lastNote == doubleQuoteNote;  // the rest is a string
         if (isAgain || isOpen || lastNumber == MSG_ILLEGAL_CONDITION ||
             (!advice.note.empty() && advice.note == lastNote)) {
             return true;
@@ -274,7 +277,7 @@ void Adviser::Remember(const FaultView& fault, const Advice& advice) {
     RememberCondition(fault, advice, isRefused);
     const bool isImport = HoldsWord(importDirectives, Plain(statement.mnemonic));
     if (fault.number == MSG_UNKNOWN_INSTRUCTION && (isImport || advice.edits.empty())) {
-        for (const OperandView& operand : statement.operands) {  // it may define them elsewhere
+        for (const OperandView& operand : statement.operands) {  // perhaps names to define
             const auto known = facts.FindName(operand.text);
             if (!known || !known->hasValue) {
                 refusedNames.emplace(operand.text);
@@ -324,8 +327,8 @@ void Adviser::RememberCondition(const FaultView& fault, const Advice& advice, bo
     }
 }
 
-// Neither the name of a macro nor its parameters mean anything, and what is wrong in it may be
-// right where its lines are written out.
+// The name and the parameters of a macro mean nothing, and lines that are wrong inside it may be
+// right once they are written out.
 void Adviser::RememberBlock(const FaultView& fault, std::string_view end) {
     const StatementView& statement = fault.statement;
     if (!statement.label.empty()) {

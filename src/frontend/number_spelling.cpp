@@ -1,4 +1,4 @@
-// Numbers as other assemblers write them.
+// Numbers in the notations of other assemblers.
 
 #include <algorithm>
 
@@ -15,7 +15,8 @@ bool IsOf(std::string_view text, std::string_view characters) {
     return !text.empty() && text.find_first_not_of(characters) == std::string_view::npos;
 }
 
-// Digits to a base that a letter or a prefix of another assembler denotes.
+// `digits` in Korv's notation, for the base that another assembler marks with `base`; empty if they
+// do not belong to it.
 std::string Spelled(std::string_view digits, char base) {
     const bool isHex = base == 'X' || base == 'H';
     const bool isBinary = base == 'B' || base == '%';
@@ -32,7 +33,7 @@ std::string Spelled(std::string_view digits, char base) {
     return "";
 }
 
-// The same for a number that only its end or its digits distinguish.
+// The same for a number that only its suffix or its digits distinguish.
 std::string SuffixSpelling(std::string_view token) {
     const std::size_t size = token.size();
     if (token.empty() || !HasClass(token[0], CC_DIGIT)) {

@@ -30,8 +30,8 @@ struct OperandCase {
     void Insert(std::string_view part, std::string text) {
         Replace(part.substr(0, 0), std::move(text));
     }
-    /// Whether the change keeps a name that nothing defines: that brings the message about the
-    /// name.
+    /// True if the change contains an undefined name, so that it would only lead to an error about
+    /// that name.
     [[nodiscard]] bool ProposesUnknownName() const;
     [[nodiscard]] bool IsDefined(std::string_view name) const {
         const auto known = adviser.Facts().FindName(name);
@@ -39,14 +39,15 @@ struct OperandCase {
     }
 };
 
-/// The operand that the message is about; null if one is missing, or it is about none of them.
+/// The operand that the message is about; null if an operand is missing, or it is about none of
+/// them.
 [[nodiscard]] const OperandView* FocusOf(const FaultView& fault);
 
-/// Whether the changed statement matches a form of its mnemonic.
+/// True if the changed statement matches a form of its mnemonic.
 [[nodiscard]] bool HasFormWith(const StatementView& statement, const std::vector<TextEdit>& edits);
 
-/// The token `text` in the expression of `operand`, which does not include the name of an index
-/// register; null if there is none.
+/// The token `text` in the expression of `operand`, not counting the name of an index register;
+/// null if there is none.
 [[nodiscard]] const Token* FindToken(const OperandView& operand, std::string_view text);
 
 /// Advises on the fault that the tokens of the operand show. Result: false if they show none.
@@ -70,15 +71,16 @@ struct OperandCase {
 [[nodiscard]] bool AdviseOnEmptyOperand(OperandCase* it);
 /// Advises on a second instruction on the line, with or without a sign before it.
 [[nodiscard]] bool AdviseOnSecondInstruction(OperandCase* it);
-/// Advises on what is written as in another assembler.
+/// Advises on the spellings of other assemblers.
 [[nodiscard]] bool AdviseOnSpelling(OperandCase* it);
 /// Advises on words after the operands that were meant as a comment.
 [[nodiscard]] bool AdviseOnProse(OperandCase* it);
-/// "A, B or C".
+/// `words` as "A, B or C".
 [[nodiscard]] std::string Listed(const std::vector<std::string>& words);
 /// Advises on a register in double quotes.
 [[nodiscard]] bool AdviseOnQuotedRegister(OperandCase* it);
-/// Advises on a misspelt register or condition. `isSure`: only with letters swapped or doubled.
+/// Advises on a misspelt register or condition. With `isSure`, only if letters are swapped or
+/// doubled.
 [[nodiscard]] bool AdviseOnMisspeltRegister(OperandCase* it, bool isSure = false);
 /// Advises on a register or a name with a blank in it.
 [[nodiscard]] bool AdviseOnSplitWord(OperandCase* it);
@@ -86,19 +88,19 @@ struct OperandCase {
 [[nodiscard]] bool AdviseOnGluedOperands(OperandCase* it);
 /// Advises on two operands in the wrong order.
 [[nodiscard]] bool AdviseOnSwappedOperands(OperandCase* it);
-/// Advises on data with a double quote too few.
+/// Advises on data with a missing double quote.
 [[nodiscard]] bool AdviseOnOddQuotes(OperandCase* it);
 /// Advises on a text with double quotes in it.
 [[nodiscard]] bool AdviseOnQuotes(OperandCase* it);
-/// Advises on a string with a quote too many at one end.
+/// Advises on a string with an extra quote at one end.
 [[nodiscard]] bool AdviseOnExtraQuote(OperandCase* it);
-/// Proposes the second quote of the string at `text`, the end of an operand.
+/// Proposes the closing quote of the string `text`, which is the end of an operand.
 void CloseString(OperandCase* it, std::string_view text);
-/// Advises on a string in data whose first quote is missing.
+/// Advises on a string in data whose opening quote is missing.
 [[nodiscard]] bool AdviseOnUnopenedString(OperandCase* it);
 /// Advises on the name without a value.
 void AdviseOnUnknownName(OperandCase* it);
-/// Takes the first explanation of all that fits.
+/// Uses the first explanation that fits.
 void AdviseOnOperandCase(OperandCase* it);
 
 }  // namespace korv

@@ -1,5 +1,6 @@
-// Operands that do not fit the mnemonic or have no value. First the operand at fault is found, by
-// the place that the core reported or by the forms; then the first explanation that fits counts.
+// Advice on operands that do not fit the mnemonic or have no value. First the operand at fault is
+// found, from the place that the core reported or from the forms; then the first explanation that
+// fits is used.
 
 #include <algorithm>
 #include <array>
@@ -44,7 +45,7 @@ bool AdviseOnSet(OperandCase* it) {
     return true;
 }
 
-// A half of an index register.
+// A half of an index register, the program counter, or a register of another processor.
 bool AdviseOnIndexHalf(OperandCase* it) {
     for (const OperandView& operand : it->statement.operands) {
         const Token* const token = operand.OnlyToken();
@@ -75,7 +76,7 @@ bool AdviseOnIndexHalf(OperandCase* it) {
     return false;
 }
 
-// A label with the name of a register or condition, where a value or an address belongs.
+// A label with the name of a register or condition, where a value or an address is expected.
 bool AdviseOnLabelName(OperandCase* it) {
     for (const OperandView& operand : it->statement.operands) {
         const Token* const token = operand.OnlyToken();
@@ -99,7 +100,7 @@ bool AdviseOnLabelName(OperandCase* it) {
     return false;
 }
 
-// A register or condition where a value belongs, in data and the like.
+// A register or condition where a value is expected, as in data.
 bool AdviseOnRegister(OperandCase* it) {
     const OperandView* const operand = it->operand;
     if (operand == nullptr || operand->what.kind == KIND_VALUE || operand->tokens.empty() ||
@@ -179,7 +180,7 @@ bool AdviseOnShape(OperandCase* it) {
         it->advice.edits.clear();
         const Token* const token = it->operand == nullptr ? nullptr : it->operand->OnlyToken();
         if (token != nullptr && token->kind == TokenKind::name &&
-            token->text.size() == 1) {  // rather a register than a name
+            token->text.size() == 1) {  // probably a register
             it->advice.note.clear();
             return false;
         }
@@ -193,7 +194,8 @@ std::string Sentence(const Token& token, std::string_view end) {
     return std::string(token.text) + std::string(end);
 }
 
-// The place unless a better one is found: the operand, one whose brackets do not match first.
+// Sets the place in case no better one is found: the operand, preferably one whose brackets do not
+// match.
 void AimAt(OperandCase* it, bool isCount) {
     for (const OperandView& operand : it->statement.operands) {
         const ExpressionFault kind = FindExpressionFault(operand).fault;
@@ -234,7 +236,7 @@ std::string FormsNote(const StatementView& statement) {
     for (std::size_t i = 0; i < faulty; ++i) {
         head += (i == 0 ? " " : ",") + std::string(statement.operands[i].text);
     }
-    std::string note = "use ";  // as a sum, GCC 12 warns about it at the link
+    std::string note = "use ";  // with +, GCC 12 warns about it at link time
     return note.append(Listed(choices)).append(faulty == 0 ? " with " : " after ").append(head);
 }
 
@@ -297,7 +299,7 @@ Advice AdviseOnOperands(Adviser& adviser, const FaultView& fault) {
     }
     OperandCase it{adviser, fault, fault.statement, FocusOf(fault)};
     AdviseOnOperandCase(&it);
-    const std::string note = Raised(it.advice.note);  // which has the names as they were typed
+    const std::string note = Raised(it.advice.note);  // the note has names as they were typed
     for (const OperandView& operand : fault.statement.operands) {
         const Token* const token = operand.OnlyToken();
         const bool isCause =
@@ -310,7 +312,7 @@ Advice AdviseOnOperands(Adviser& adviser, const FaultView& fault) {
     const Keyword* const keyword = fault.statement.keyword;
     const bool isExcess = fault.number == MSG_ARGUMENT_EXPECTED && keyword != nullptr &&
                           std::cmp_greater(fault.statement.operands.size(), keyword->operands.most);
-    if (isExcess) {  // ADD answers to three operands as to too few
+    if (isExcess) {  // ADD reports three operands as too few
         it.advice.text = "too many operands";
     }
     return it.advice;

@@ -13,8 +13,8 @@ namespace {
 constexpr std::uint64_t mostOf32Bits = 0xFFFFFFFF;
 constexpr std::uint64_t longestLine = 0x10000;  // bytes
 
-// Each `Take` stores an argument in a member of `Options` of one type. If an option is repeated,
-// the last one counts, unless its member is a list.
+// Each `Take` stores an argument in a member of `Options`; there is one for each type. If an option
+// is repeated, the last one counts, unless its member is a list.
 std::string Take(const OptionRow&, std::string_view, bool* isOn) {
     *isOn = true;
     return "";

@@ -42,7 +42,7 @@ bool IsOption(std::string_view word) {
                                 : word.size() > 1 && word[0] == '-' && RowOf(word[1]) != nullptr);
 }
 
-// The option that is probably meant by `name`, a misspelt one without its dashes; empty: none is
+// The option that is probably meant by the misspelt `name`, which has no dashes; empty if none is
 // near.
 std::string Meant(std::string_view name) {
     std::vector<std::string_view> names;

@@ -28,7 +28,7 @@ inline constexpr int statusFailure =
 inline constexpr const char* standardStream = "-";
 
 struct Options {
-    Request request = Request::assemble;  ///< if it is another one, all else is ignored
+    Request request = Request::assemble;  ///< otherwise all other options are ignored
     std::string source;
     std::string output;                       ///< the image; never empty
     std::optional<ImageFormat> wantedFormat;  ///< none: determined by the extension of `output`

@@ -1,7 +1,7 @@
-// The order of the steps decides what a failure leaves. Whatever can be refused is asked for first.
-// Then the bytes of all files are written under other names, where nobody sees them. What cannot be
-// taken back, that is what goes to a pipe or a device, comes next, and last the files get their
-// names. The way back from that is prepared before, since a run without memory ends at once.
+// The order of the steps determines what a failure leaves behind. First, all outputs are opened and
+// checked. Then all files are written under temporary names. Output to pipes and devices cannot be
+// undone, so it is sent next. Last, the files get their final names. Everything needed to undo that
+// is prepared in advance, since a run without memory ends at once.
 
 #include "frontend/output_set.h"
 
@@ -71,7 +71,8 @@ class OutputSet {
                                                             : staged[i].Send(contents));
     }
 
-    // Why output `i` is refused: it is an input or also another output. Empty: it is not refused.
+    // Why output `i` is refused: it is an input, or the same file as another output. Empty if it is
+    // accepted.
     std::string RefusalOf(std::size_t i, const platform::FileSet& inputs) const {
         const std::string name = ShownName(outputs[i].name);
         const std::optional<platform::FileIdentity> identity = staged[i].Identity();
@@ -109,7 +110,8 @@ class OutputSet {
         return {};
     }
 
-    // What to add to a failure: the files whose old contents are lost.
+    // Undoes all outputs. Result: an addition to the error message that lists the files whose old
+    // contents are lost.
     std::string TakeAllBack() {
         std::string failure;
         for (std::size_t i = 0; i < outputs.size(); ++i) {

@@ -7,10 +7,10 @@
 
 namespace korv {
 
-/// Adds `message`, a named warning, to those of `analysis` if `choice` wants it, as a warning or as
-/// an error. Its text and code are filled in.
+/// Adds `message`, a named warning, to `analysis` if it is on in `choice`, as a warning or as an
+/// error. Fills in its text and code.
 void AddWarning(const WarningChoice& choice, Message message, Analysis* analysis);
-/// Counts `message`, and adds it unless the limit of errors has been reached.
+/// Counts `message`, and adds it unless the error limit has been reached.
 void AddMessage(Message message, Analysis* analysis);
 
 /// Warns about each block that overlaps an earlier one, at the block that is later in the source.

@@ -20,7 +20,7 @@ bool HasValue(const RunFacts& facts, std::string_view name) {
     return known && known->hasValue;
 }
 
-// Whether the mnemonic takes nothing but a byte as operand `index`.
+// True if operand `index` of the mnemonic can only be a byte.
 bool TakesByte(const StatementView& statement, std::size_t index) {
     if (HoldsWord("DB DEFB", statement.mnemonic)) {
         return true;
@@ -33,7 +33,7 @@ bool TakesByte(const StatementView& statement, std::size_t index) {
                                                             : has("n") && !has("nn");
 }
 
-// The value of the only number or name in `operand`; 0 for none.
+// The value of `operand` if it is a single number or name, otherwise 0.
 std::int32_t ValueOf(const RunFacts& facts, const OperandView& operand) {
     const Token* const token = operand.OnlyToken();
     if (token == nullptr || token->kind == TokenKind::number) {
@@ -49,7 +49,7 @@ bool IsOutOfRange(const StatementView& statement, std::size_t index) {
            TakesByte(statement, index);
 }
 
-// A string that is a whole operand of DB or DM, a name of a file and AF' are no expressions.
+// A string that is a whole operand of DB or DM, a file name and AF' are not expressions.
 bool IsExpression(const StatementView& statement, const OperandView& operand) {
     const bool isText = operand.tokens.size() == 1 && operand.tokens[0].kind == TokenKind::string &&
                         HoldsWord("DB DEFB DM DEFM", statement.mnemonic);
@@ -125,8 +125,8 @@ std::string MeantMnemonic(const FaultView& fault, const Advice& advice) {
 
 namespace {
 
-// Replaces what else is foreign in a statement of which a part is to be changed. Result: whether
-// that is all that was missing.
+// Extends the change of one part to everything that is foreign in the statement. Result: true if
+// the changed statement is sound.
 bool Complete(const RunFacts& facts, const StatementView& statement, Advice* advice) {
     const Translation whole = Translate(statement, advice->edits);
     const std::vector<TextEdit> edits = {{LinePart{0, whole.end}, whole.typed}};
@@ -139,7 +139,7 @@ bool Complete(const RunFacts& facts, const StatementView& statement, Advice* adv
     return true;
 }
 
-// Removes a proposal that would bring the next message, and the note too if it names the change.
+// Removes a proposal that would lead to another error, and the note too if it names the change.
 void Withdraw(const FaultView& fault, Advice* advice) {
     const StatementView& statement = fault.statement;
     const bool isQuestion = advice->note.starts_with("did you mean ");

@@ -1,4 +1,4 @@
-/// Tries a proposed change before it is offered, so that no advice leads to the next message.
+/// Tries a proposed change before it is offered, so that no advice leads to another error.
 #pragma once
 
 #include <vector>
@@ -7,21 +7,21 @@
 
 namespace korv {
 
-/// Whether the lines that `edits` make of the statement have no fault that the lines alone show:
-/// an unknown mnemonic, operands without a form, a broken expression, a register in one, a name
-/// that neither the statement nor the run has, a byte out of range.
+/// True if the lines that result from `edits` show no fault: an unknown mnemonic, operands that
+/// match no form, a broken expression, a register in one, a name that neither the statement nor the
+/// run has, a byte out of range.
 [[nodiscard]] bool IsSound(const RunFacts& facts, const StatementView& statement,
                            const std::vector<TextEdit>& edits);
 
-/// Completes the change that `advice` proposes if other parts of the statement are foreign too, or
-/// withdraws it, with the note if that names it.
+/// If the change that `advice` proposes is not sound, extends it to other foreign parts of the
+/// statement, or else withdraws it, together with a note that names it.
 void CheckProposal(const RunFacts& facts, const FaultView& fault, Advice* advice);
 
-/// The mnemonic that was meant: of the statement with the changes that are proposed, or of an
-/// instruction that begins in column 1.
+/// The mnemonic that was meant: that of the statement with the proposed changes, or of an
+/// instruction in column 1.
 [[nodiscard]] std::string MeantMnemonic(const FaultView& fault, const Advice& advice);
 
-/// Whether an operand that takes a byte has a name with a larger value.
+/// True if an operand that can only be a byte is a number or a name with a larger value.
 [[nodiscard]] bool HasLargeName(const RunFacts& facts, const StatementView& statement);
 
 }  // namespace korv

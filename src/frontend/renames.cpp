@@ -11,7 +11,7 @@
 namespace korv {
 namespace {
 
-// Whether the line begins with a label that ends the reach of local ones.
+// True if the line begins with a label that ends the scope of local labels.
 bool HasLabel(std::string_view line) {
     return !line.empty() && HasClass(line.front(), CC_NAME_START) &&
            !HasClass(line.front(), CC_DIGIT);

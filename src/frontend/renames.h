@@ -1,5 +1,5 @@
-/// Where a name is used that has to be changed: a proposal to rename a label without its uses would
-/// lead to the next message.
+/// Finds the uses of a name that is to be changed: renaming a label without its uses would lead to
+/// another error.
 #pragma once
 
 #include <cstdint>
@@ -12,10 +12,10 @@ namespace korv {
 
 class StoredText;
 
-/// The places in `text`, which is file `file`, where an operand has `name`, in upper case. A name
-/// such as .LOOP or 1$, which is local elsewhere, is searched for between the labels around line
-/// `line`. `budget` is the number of lines that may still be read; 0 after too many, and then
-/// nothing is found.
+/// The places in `text`, the file with index `file`, where an operand contains `name`, which is in
+/// upper case. A name such as .LOOP or 1$, which is local in other assemblers, is only searched for
+/// between the labels around `line`. `budget` is the number of lines that may still be read. If it
+/// is too small, it becomes 0 and nothing is found.
 [[nodiscard]] std::vector<Place> FindUses(const StoredText& text, std::int32_t file,
                                           std::string_view name, std::int32_t line,
                                           std::int32_t* budget);

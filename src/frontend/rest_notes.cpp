@@ -1,4 +1,4 @@
-// Messages that are about neither the mnemonic nor the form of an operand.
+// Advice on messages that are about neither the mnemonic nor the form of an operand.
 
 #include <algorithm>
 #include <array>
@@ -40,7 +40,7 @@ Advice AdviseOnFile(const RunFacts& facts, const FaultView& fault) {
     const std::string_view name = statement.Typed(statement.rest);
     Advice advice;
     advice.place = statement.PartOf(statement.rest);
-    constexpr std::string_view signs = "\"<>'()[]= \t";  // around a name elsewhere
+    constexpr std::string_view signs = "\"<>'()[]= \t";  // around a name in other assemblers
     const std::size_t first = std::min(name.find_first_not_of(signs), name.size());
     const std::string inner(name.substr(first, name.find_last_not_of(signs) + 1 - first));
     const bool isWrapped = inner.size() < name.size();
@@ -177,7 +177,7 @@ Advice AdviseOnEmptyBrackets(const StatementView& statement) {
     return advice;
 }
 
-// "LD A,(X)+1", which is no byte from memory.
+// "LD A,(X)+1", which does not read memory.
 Advice AdviseOnPartInBrackets(const StatementView& statement) {
     for (const OperandView& operand : statement.operands) {
         if (operand.text.starts_with('(') && !operand.text.ends_with(')')) {
@@ -209,7 +209,7 @@ Advice AdviseOnRange(const StatementView& statement, Status number) {
     return advice;
 }
 
-// A value that turned out wrong after its line, of which the core reports no more.
+// A value that turned out to be wrong after its line was assembled. The core reports no details.
 Advice AdviseOnFailure(const FaultView& fault) {
     const StatementView& statement = fault.statement;
     Advice advice = AdviseOnEmptyBrackets(statement);

@@ -8,7 +8,7 @@
 namespace korv {
 namespace {
 
-// The labels by opening and line, to find the label of a statement.
+// The labels, sorted by opening and line, to find the label of a statement.
 class Labels {
   public:
     explicit Labels(const Analysis& analysis) {
@@ -25,8 +25,8 @@ class Labels {
         }
     }
 
-    // The label of `statement`; null for none. The statements of a file are asked for in their
-    // order.
+    // The label of `statement`; null for none. Must be called in order for the statements of a
+    // file.
     [[nodiscard]] const Name* Of(const Statement& statement) {
         const std::uint64_t position = PositionOf(statement.opening, statement.line);
         std::size_t& next = nextOf[static_cast<std::size_t>(statement.opening)];

@@ -8,13 +8,13 @@
 
 namespace korv {
 
-/// The code and data from a label to the next one, or to an ORG that continues elsewhere.
+/// The code and data from a label to the next one, or to an ORG that changes the address.
 struct Routine {
     const Name* label = nullptr;
     std::uint32_t address = 0;
     std::uint32_t count = 0;  ///< bytes; more than 0
-    std::uint64_t least = 0;  ///< T-states of all its instructions, each executed once,
-    std::uint64_t most = 0;   ///< with no condition met and with every one
+    std::uint64_t least = 0;  ///< T-states, each instruction executed once, no condition met
+    std::uint64_t most = 0;   ///< the same with every condition met
 };
 
 /// In the order of the source. Needs `Wanted::statements` and `Wanted::names`.

@@ -1,4 +1,4 @@
-// Operands that are not separated as they are here, and a second instruction in the line.
+// Advice on operands with the wrong separator, and on a second instruction on the line.
 
 #include <algorithm>
 
@@ -63,13 +63,13 @@ bool AdviseOnSeparated(OperandCase* it, std::string_view part,
     }
     it->PointAt(part);
     it->advice.note = std::move(row->note);
-    if (!row->edits.empty()) {  // of the whole statement
+    if (!row->edits.empty()) {  // it replaces the whole statement
         it->advice.edits = {NewStatement(it->statement, row->edits[0].text)};
     }
     return true;
 }
 
-// A comma that is another sign, as in "LD A:5".
+// Another sign instead of a comma, as in "LD A:5".
 bool AdviseOnSeparator(OperandCase* it) {
     const auto& operands = it->statement.operands;
     const bool isData = HoldsWord(dataDirectives, it->statement.mnemonic);
@@ -129,7 +129,7 @@ bool AdviseOnListBrackets(OperandCase* it) {
     return true;
 }
 
-// "PUSH HL." and the like: a sign after the name of a register.
+// A sign after the name of a register, as in "PUSH HL.".
 bool AdviseOnLastSign(OperandCase* it) {
     for (const OperandView& operand : it->statement.operands) {
         const std::string_view text = operand.text;
@@ -189,7 +189,7 @@ void AddInstructionBreaks(OperandCase* it, const OperandView& operand) {
 
 }  // namespace
 
-// A second instruction in the line, with or without a sign before it.
+// A second instruction on the line, with or without a sign before it.
 bool AdviseOnSecondInstruction(OperandCase* it) {
     const auto& operands = it->statement.operands;
     for (std::size_t i = 1; i < operands.size(); ++i) {  // "PUSH HL, POP DE"

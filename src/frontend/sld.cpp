@@ -86,7 +86,7 @@ class SldWriter {
             (!isConstant && name.kind != NameKind::label)) {
             return;
         }
-        std::string data = "," + Field(name.text) + ",,";  // without a module and a local name
+        std::string data = "," + Field(name.text) + ",,";  // no module, no local name
         data += isConstant ? "+equ" : "";
         data += isConstant && name.isUsed ? "," : "";
         data += name.isUsed ? "+used" : "";
@@ -106,7 +106,7 @@ class SldWriter {
     const Analysis& analysis;
     TextBuffer text;
     std::vector<std::string> fileFields;
-    std::vector<bool> holdsKeyword;  // by file; few do
+    std::vector<bool> holdsKeyword;  // by file; few files do
 };
 
 // A comment begins at a semicolon outside double quotes. The rest of the statement belongs to it,

@@ -1,4 +1,4 @@
-// Slips of the finger in operands: registers, a comma that is missing, the order.
+// Advice on slips in operands: misspelt registers, a missing comma, the wrong order.
 
 #include <algorithm>
 
@@ -11,7 +11,7 @@
 namespace korv {
 namespace {
 
-// Whether `text` is `name` with two letters swapped or one doubled.
+// True if `text` is `name` with two letters swapped or one doubled.
 bool IsSureSlip(std::string_view text, std::string_view name) {
     const bool isDoubled =
         text.size() == name.size() + 1 && std::ranges::all_of(text, [name](char c) {
@@ -20,8 +20,8 @@ bool IsSureSlip(std::string_view text, std::string_view name) {
     return isDoubled || std::ranges::is_permutation(name, text);
 }
 
-// The registers and conditions that `token` is a slip of: those as long as it first, and of these
-// the one with its letters.
+// The registers and conditions of which `token` may be a misspelling: only sure slips if there are
+// any, otherwise only those of the same length, otherwise all.
 std::vector<std::string> NearRegisters(const OperandCase& it, const Token& token, bool isIndex) {
     std::vector<std::string> near;
     std::size_t best = 3;
@@ -38,7 +38,7 @@ std::vector<std::string> NearRegisters(const OperandCase& it, const Token& token
         }
         const std::string line = Raised(Applied(it.statement.line, edits));
         if (HasLargeName(it.adviser.Facts(), CutStatement(line))) {
-            continue;  // an address, so a pair was meant
+            continue;  // the value is an address, so a pair was meant
         }
         if (rank < best) {
             near.clear();
@@ -49,7 +49,7 @@ std::vector<std::string> NearRegisters(const OperandCase& it, const Token& token
     return near;
 }
 
-// The defined name that two words are, of which the first is none.
+// The defined name that two words form together, if the first is not a defined name itself.
 std::string NameOf(const OperandCase& it, std::string_view left, std::string_view right) {
     for (const std::string_view between : {"_", ""}) {
         const std::string name = std::string(left).append(between).append(right);
@@ -150,7 +150,7 @@ bool AdviseOnGluedOperands(OperandCase* it) {
         return false;
     }
     const std::string_view text = operands[0].text;
-    const bool isWhole = ClassOf(text).kind != KIND_VALUE;  // "LD DE", without the second one
+    const bool isWhole = ClassOf(text).kind != KIND_VALUE;  // "LD DE", without its second operand
     for (const std::size_t size : {std::size_t{2}, std::size_t{1}}) {
         const std::string_view right = text.substr(std::min(size, text.size()));
         const std::vector<Token> tokens = CutTokens(right);

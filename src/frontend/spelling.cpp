@@ -9,14 +9,14 @@
 namespace korv {
 namespace {
 
-// Whether the single quote at `at` is within a word and another one follows.
+// True if the single quote at `at` is inside a word and another single quote follows.
 bool IsApostrophe(std::string_view source, std::size_t at) {
     return at > 0 && at + 1 < source.size() && HasClass(source[at - 1], CC_LETTER) &&
            HasClass(source[at + 1], CC_LETTER) &&
            source.find('\'', at + 1) < source.find('"', at + 1);
 }
 
-// The text in single quotes at `start` of `line`. Two quotes in a row are one in it.
+// The text in single quotes that begins at `start` of the line. Two quotes in a row stand for one.
 Foreign SingleQuoted(const StatementView& statement, std::size_t start) {
     const std::string_view line = statement.line;
     const std::string_view source = statement.typed;
@@ -57,7 +57,7 @@ Foreign SingleQuoted(const StatementView& statement, std::size_t start) {
         found.note = "use one character in double quotes: only DB and DM take longer strings";
         return found;
     }
-    // A semicolon in the text has ended the cleaned line: the change is for the line as typed.
+    // A semicolon in the text ends the cleaned line, so the change applies to the line as typed.
     found.part = {line.data() + start, end + 1 - start};
     found.fix = EscapeValue(content);
     if (found.fix.empty() && content.find('"') == std::string::npos) {
@@ -71,7 +71,7 @@ Foreign SingleQuoted(const StatementView& statement, std::size_t start) {
     return found;
 }
 
-// The text in square brackets around `at`, with parentheses.
+// `operand` with parentheses in place of square brackets and braces.
 Foreign Bracketed(std::string_view operand, std::string_view typed) {
     std::string fix;
     bool isString = false;
@@ -91,7 +91,7 @@ Foreign Bracketed(std::string_view operand, std::string_view typed) {
     return {operand, fix, "use parentheses for memory: " + fix};
 }
 
-// A number to another base or with a mistake in its digits.
+// A number in a foreign notation, or with a wrong digit.
 Foreign ForeignNumber(const StatementView& statement, const Token& token) {
     const std::string_view text = token.text;
     const std::string typed(statement.Typed(text));
@@ -144,7 +144,7 @@ Foreign ForeignColon(const StatementView& statement, const Token& token) {
     return {};
 }
 
-// A token that is no token of the language.
+// A token that the language does not have.
 Foreign ForeignToken(const StatementView& statement, const Token& token) {
     if (Foreign number = ForeignNumber(statement, token); number.part.data() != nullptr) {
         return number;
@@ -203,7 +203,7 @@ Foreign ForeignToken(const StatementView& statement, const Token& token) {
     return {};
 }
 
-// A register in parentheses with blanks beside it, or an index register without displacement.
+// A register in parentheses with blanks beside it, or an index register without a displacement.
 Foreign ForeignMemory(const StatementView& statement, const OperandView& operand) {
     const bool isWhole = operand.what.reg == REG_IX_INDIRECT || operand.what.reg == REG_IY_INDIRECT;
     if (isWhole && statement.mnemonic != "JP") {

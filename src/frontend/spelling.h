@@ -1,5 +1,5 @@
-/// Parts of an operand that other assemblers write otherwise: each with its spelling here. None is
-/// looked for in strings.
+/// Parts of an operand that other assemblers write differently, each with its spelling in Korv.
+/// Strings are not searched.
 #pragma once
 
 #include <string>
@@ -19,7 +19,7 @@ struct TextEdit {
 /// A part with a foreign spelling.
 struct Foreign {
     std::string_view part;
-    std::string fix;   ///< its spelling here; empty: there is none
+    std::string fix;   ///< its spelling in Korv; empty: there is none
     std::string note;  ///< why, or what to do instead; empty: "write " and the spelling
 };
 
@@ -28,22 +28,22 @@ inline constexpr const char* closeQuoteNote = "close the string with a double qu
 inline constexpr std::string_view largeNumberNote =
     "use at most 65535; a larger value has to be computed, as in 35000*2";
 
-/// The first of `operand`; `part` without data for none.
+/// The first foreign part of `operand`; `part` has null data if there is none.
 [[nodiscard]] Foreign FindForeign(const StatementView& statement, const OperandView& operand);
 
-/// What an escape sequence stands for, or a double quote; empty if `content` is neither.
+/// The value of an escape sequence or of a double quote; empty if `content` is neither.
 [[nodiscard]] std::string EscapeValue(std::string_view content);
 
-/// A number as it is written here, from `token` as another assembler writes it; empty if it is
-/// none.
+/// The number `token`, which is in the notation of another assembler, in Korv's notation; empty if
+/// it is not a number.
 [[nodiscard]] std::string NumberSpelling(std::string_view token);
 
-/// Where `name` begins in `text`, at or after `from`, as no part of a longer name; npos for
-/// nowhere.
+/// The offset of `name` in `text`, at or after `from`, where it is not part of a longer name; npos
+/// if there is none.
 [[nodiscard]] std::size_t FindName(std::string_view text, std::string_view name,
                                    std::size_t from = 0);
 
-/// `line` with `edits`, which are in its order.
+/// `line` with `edits` applied; they must be in order of their offsets.
 [[nodiscard]] std::string Applied(std::string_view line, const std::vector<TextEdit>& edits);
 
 }  // namespace korv

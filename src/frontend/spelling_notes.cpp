@@ -1,5 +1,5 @@
-// Operands that are written as in another assembler. What is proposed is the whole statement, with
-// all that is foreign in it replaced; if that has no form, the advice is on what else is wrong.
+// Advice on operands in the style of another assembler. It proposes the whole statement with
+// everything foreign in it replaced; if that matches no form, it is about what else is wrong.
 
 #include <algorithm>
 
@@ -15,9 +15,9 @@
 namespace korv {
 namespace {
 
-// A spelling, from either of the two sources.
+// A foreign spelling, from `FindForeign` or `TokenAdvice`.
 struct Found {
-    std::string_view part;  // without data: none
+    std::string_view part;  // null data: none
     std::string note;
     std::vector<TextEdit> edits;
 };
@@ -36,7 +36,7 @@ Found FindSpelling(const StatementView& statement, const OperandView& operand) {
     return {};
 }
 
-// Takes the advice on the statement that `translation` makes.
+// Uses the advice on the translated statement.
 void AdviseOnTranslated(OperandCase* it, const Translation& translation) {
     const StatementView changed = translation.View();
     const FaultView fault{.number = FormMessage(changed, it->fault.number),
@@ -69,7 +69,7 @@ void AdviseOnTranslated(OperandCase* it, const Translation& translation) {
     }
 }
 
-// A name in single quotes or after a sign that other languages have there.
+// A name in single quotes, or after a sign that other languages put before it.
 bool AdviseOnMarkedName(OperandCase* it, std::string_view part) {
     const std::string_view inner = part.substr(1, part.size() - 2);
     if (part.size() > 2 && part.front() == '\'' &&
@@ -86,7 +86,7 @@ bool AdviseOnMarkedName(OperandCase* it, std::string_view part) {
     return false;
 }
 
-// Proposes the statement that `translation` makes, in a note that has the text of one change.
+// Proposes the translated statement, which in the note replaces the text of the single change.
 void ProposeWhole(OperandCase* it, const Translation& translation) {
     const StatementView changed = translation.View();
     const std::string whole(changed.Typed(changed.Span(changed.mnemonic, changed.rest)));
@@ -109,7 +109,7 @@ void ProposeWhole(OperandCase* it, const Translation& translation) {
 bool AdviseOnSpelling(OperandCase* it) {
     const StatementView& statement = it->statement;
     std::vector<const OperandView*> candidates;
-    // An operand too many may be the end of a second instruction in the line.
+    // An extra operand may be the end of a second instruction on the line.
     if (it->operand != nullptr && it->fault.number != MSG_TOO_MANY_ARGUMENTS) {
         candidates.push_back(it->operand);
     } else {

@@ -1,5 +1,5 @@
-/// The warnings about statements that have been assembled: finds what is odd in one and hands it to
-/// the maker of messages.
+/// Warnings about statements that have been assembled: finds what is odd in one, and passes it to
+/// the `MessageMaker`.
 #pragma once
 
 #include <cstdint>
@@ -15,12 +15,12 @@ namespace korv {
 
 class StatementChecks {
   public:
-    /// None is owned.
+    /// Owns none of its arguments.
     StatementChecks(const Options& options, CAssembler* assembler, MessageMaker* maker)
         : assembler(assembler), maker(maker), hasGaps(options.format != ImageFormat::hex) {}
 
-    /// Whether `Look` may find something in `statement`, which has a text and `count` bytes. Asked
-    /// of every statement, so it is quick.
+    /// True if `Look` may find something in `statement`, which is not empty and emitted `count`
+    /// bytes. Called for every statement, so it must be fast.
     [[nodiscard]] bool MayBeOdd(CStatement& statement, std::uint32_t count) const {
         if (conditions.HasChanged(*assembler)) {
             return true;
@@ -30,14 +30,14 @@ class StatementChecks {
                 assembler->location != statement.address + count ||
                 HasOddOperand(statement, count));
     }
-    /// Warns of what is odd in `statement`. One that `isFaulty`, of which something has been
-    /// reported, is only followed.
+    /// Warns about what is odd in `statement`. If `isFaulty`, it has been reported already, and
+    /// only its effect on open IFs is recorded.
     void Look(CStatement* statement, std::uint32_t count, bool isFaulty);
-    /// Warns of comments that take away a line, in a statement of several lines.
+    /// Warns about comments that swallow a line, in a statement of several lines.
     void LookAtComments(const CStatement& statement);
     /// Reports each IF that has no ENDIF.
     void LookAtOpenConditions();
-    /// Warns of what is odd in the bytes of the file of `opening`.
+    /// Warns about odd bytes in the file of `opening`.
     void LookAtBytes(std::int32_t opening);
 
     void Warn(const CStatement& statement, const Findings& findings);
@@ -60,7 +60,7 @@ class StatementChecks {
 
     CAssembler* const assembler;
     MessageMaker* const maker;
-    const bool hasGaps;  // the image has no addresses of its own
+    const bool hasGaps;  // the image contains no addresses
     ConditionWatch conditions;
 };
 

@@ -1,4 +1,4 @@
-/// What an analysis keeps of a statement, and the blocks of the image that statements make.
+/// What an analysis stores about a statement, and the blocks of the image.
 #pragma once
 
 #include <cstdint>
@@ -12,14 +12,14 @@ namespace korv {
 
 struct CStatement;
 
-/// The mnemonic in the line of `statement`, or what is in its place; empty for none.
+/// The mnemonic of `statement`, or the unknown word in its place; empty for none.
 [[nodiscard]] std::string_view MnemonicOf(const CStatement& statement);
 
-/// The kind of `statement`, whose mnemonic has the row `keyword`, or null.
+/// The kind of `statement`. `keyword` is the row of its mnemonic, or null.
 [[nodiscard]] StatementKind KindOf(const CStatement& statement, std::string_view mnemonic,
                                    const Keyword* keyword);
 
-/// Divides an image into blocks. Statements come in their order.
+/// Divides an image into blocks. Statements must be added in order.
 class BlockBuilder {
   public:
     void Add(std::uint32_t address, std::uint32_t offset, std::uint32_t count, const Place& place,

@@ -9,18 +9,18 @@
 
 namespace korv {
 
-/// The first backslash sequence in a string, such as \n, which is two bytes here. A backslash in a
-/// file name does not count.
+/// The first backslash sequence in a string, such as \n, which is two bytes in Korv. A backslash in
+/// a file name does not count.
 [[nodiscard]] std::optional<LinePart> FindEscape(const StatementView& statement);
 
-/// Whether an expression reads `label` as a number, like 1B, EACH, B and 7.
+/// True if an expression reads `label` as a number, like 1B, EACH, B and 7.
 [[nodiscard]] bool ReadsAsNumber(std::string_view label);
 
-/// Whether `label` as a whole operand is a register or condition, like P and HL.
+/// True if `label` as a whole operand is a register or condition, like P and HL.
 [[nodiscard]] bool ReadsAsRegister(std::string_view label);
 
-/// What makes a condition mean something other than in most languages, and what to write instead;
-/// empty if nothing does.
+/// What to write instead of a condition that means something other than in most languages; empty
+/// for other conditions.
 [[nodiscard]] std::string_view SurpriseInCondition(const OperandView& condition);
 
 }  // namespace korv

@@ -1,5 +1,5 @@
-// Cuts a line as the core does. A line without a comment sign outside of strings is expected, as
-// the reader makes it; a semicolon that is there all the same ends it.
+// Cuts a line as the core does. The line must have no comment, as the reader leaves it: a semicolon
+// is not treated specially.
 
 #include "frontend/statement_view.h"
 
@@ -21,7 +21,7 @@ constexpr std::size_t LetterOf(std::string_view word) {
     return static_cast<std::uint8_t>(word[0] - 'A');
 }
 
-// By letter, the first keyword that begins with it or with a later one.
+// For each letter, the index of the first keyword that begins with it or with a later letter.
 constexpr auto rowOfLetter = [] {
     std::array<std::size_t, letterCount + 1> rows{};
     for (const Keyword& keyword : keywords) {
@@ -32,8 +32,8 @@ constexpr auto rowOfLetter = [] {
     return rows;
 }();
 
-// Of each keyword, its characters as one number: a text of the same length has it too only if it is
-// the same.
+// The characters of each keyword as one number. Two words of the same length have the same number
+// only if they are equal.
 constexpr auto tailOfRow = [] {
     std::array<std::uint64_t, keywords.size()> tails{};
     for (std::size_t row = 0; row < keywords.size(); ++row) {
@@ -50,7 +50,7 @@ std::string_view Trimmed(std::string_view text) {
     return text;
 }
 
-// The characters at the start of `text` that `belongs` takes.
+// The characters at the start of `text` for which `belongs` is true.
 template <typename Belongs>
 std::string_view Prefix(std::string_view text, Belongs belongs) {
     return {text.begin(), std::ranges::find_if_not(text, belongs)};
@@ -61,7 +61,7 @@ bool IsName(std::string_view text) {
            std::ranges::all_of(text, [](char c) { return HasClass(c, CC_NAME); });
 }
 
-// What a token of characters is that ends at no quote.
+// The token for `text`, which contains no double quote.
 Token WordToken(std::string_view text) {
     Token token{TokenKind::other, text};
     if (text == "$") {
@@ -100,7 +100,7 @@ Token WordToken(std::string_view text) {
 Token StringToken(std::string_view text, bool isOpen) {
     Token token{isOpen ? TokenKind::openString : TokenKind::string, text};
     if (text.front() != '"') {
-        token.kind = TokenKind::other;  // glued to what is before it
+        token.kind = TokenKind::other;  // joined to the text before it
     } else if (!isOpen && text.size() == 3) {
         token.value = static_cast<signed char>(text[1]);
     }
@@ -121,7 +121,7 @@ OperandView ViewOf(std::string_view text) {
         operand.what = isIndirect ? ClassInParentheses(inner) : ClassOf(inner);
         return operand;
     }
-    if (WithoutLeadingBlanks(inner).empty()) {  // the core refuses it
+    if (WithoutLeadingBlanks(inner).empty()) {  // the core rejects it
         return operand;
     }
     operand.what = isIndirect ? operand_class::direct : operand_class::value;
@@ -137,7 +137,7 @@ OperandView ViewOf(std::string_view text) {
     return operand;
 }
 
-// The end of the operand at `start` of `text`: a comma outside of strings, or the end.
+// The end of the operand that begins at `start`: a comma outside strings, or the end of `text`.
 std::size_t OperandEnd(std::string_view text, std::size_t start) {
     bool isString = false;
     for (; start < text.size() && (isString || text[start] != ','); ++start) {
@@ -154,7 +154,7 @@ bool IsLookedUp(const Token& token, std::size_t index, const OperandClass& opera
         case TokenKind::digitName:
             return true;
         case TokenKind::registerName:
-        case TokenKind::condition:  // but the IX of (IX+d)
+        case TokenKind::condition:  // except the IX of (IX+d)
             return operand.kind == KIND_VALUE && !(IsIndexed(operand) && index == 1);
         default:
             return false;
@@ -241,7 +241,7 @@ StatementView CutStatement(std::string_view line, std::string_view typed) {
         view.label = Prefix(line, [](char c) { return HasClass(c, CC_NAME); });
         line.remove_prefix(view.label.size());
         view.hasColon = line.starts_with(':');
-        line.remove_prefix(line.empty() ? 0 : 1);  // the core skips whatever ends a label
+        line.remove_prefix(line.empty() ? 0 : 1);  // the core skips the character after a label
     } else if (line.starts_with('*')) {
         line.remove_prefix(1);
     }

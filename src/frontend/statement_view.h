@@ -1,4 +1,4 @@
-/// A cleaned logical line cut into label, mnemonic, operands and tokens, by the core's own tables
+/// A cleaned logical line cut into label, mnemonic, operands and tokens, with the core's own tables
 /// and token reader. It needs no live statement: late messages, skipped lines and the incomplete
 /// lines of an editor are cut the same way. Every part is a view of the line, so its place is an
 /// offset and a length.
@@ -34,13 +34,13 @@ enum class TokenKind : std::uint8_t {
     largeNumber,  ///< above 65535
     emptyNumber,  ///< without digits
     string,
-    openString,  ///< without its second quote
+    openString,  ///< without its closing quote
     name,
     digitName,  ///< a name for the core, but it begins with a digit
     op,         ///< of one or two characters
     wordOp,     ///< AND, .AND.
     here,       ///< $
-    other,      ///< no token of the language: 'A', [HL], X.Y
+    other,      ///< not a token of the language: 'A', [HL], X.Y
 };
 
 struct Token {
@@ -49,7 +49,7 @@ struct Token {
     std::int32_t value = 0;  ///< of a number or a string of one character
     std::int32_t code = 0;   ///< OP_* of an operator
 
-    /// Whether the core takes it for something with a value.
+    /// True if the core treats it as a value.
     [[nodiscard]] bool IsValue() const {
         return kind != TokenKind::op && kind != TokenKind::wordOp;
     }
@@ -65,26 +65,26 @@ class TokenCutter {
   private:
     std::string_view text;
     TokenReader reader;
-    Operator waiting;  // the next token, after the one that it ended
+    Operator waiting;  // an operator that ended a token and is the next one
 };
 
-/// Whether `operand` is (IX+d) or (IY+d).
+/// True if `operand` is (IX+d) or (IY+d).
 [[nodiscard]] inline bool IsIndexed(const OperandClass& operand) {
     return operand.reg == REG_IX_INDEXED || operand.reg == REG_IY_INDEXED;
 }
 
-/// Whether `token`, number `index` from 0 in `operand`, is looked up as a name. A register or a
-/// condition is one only as a part of an expression.
+/// True if `token`, at `index` in `operand`, is looked up as a name. A register or condition is a
+/// name only as a part of an expression.
 [[nodiscard]] bool IsLookedUp(const Token& token, std::size_t index, const OperandClass& operand);
 
 /// An operand, without the blanks around it. It may be empty.
 struct OperandView {
     std::string_view text;
-    OperandClass what;  ///< KIND_NONE if it is empty, or nothing is in its parentheses
+    OperandClass what;  ///< KIND_NONE if it, or the text in its parentheses, is empty
     std::vector<Token> tokens;
 
     [[nodiscard]] bool IsIndexed() const { return korv::IsIndexed(what); }
-    /// Whether `token`, one of `tokens`, is looked up as a name.
+    /// True if `token`, one of `tokens`, is looked up as a name.
     [[nodiscard]] bool HoldsAsName(const Token& token) const {
         return IsLookedUp(token, static_cast<std::size_t>(&token - tokens.data()), what);
     }
@@ -94,8 +94,8 @@ struct OperandView {
 
 struct StatementView {
     std::string_view line;
-    std::string_view typed;  ///< the line before it was cleaned, with its comment and its small
-                             ///< letters; `line` itself where their offsets differ
+    std::string_view typed;  ///< the line before it was cleaned, with its comment and lower-case
+                             ///< letters; `line` itself if the offsets differ
     std::string_view label;  ///< without its colon
     bool hasColon = false;
     std::string_view mnemonic;  ///< up to a blank, whether it is in the vocabulary or not
@@ -103,7 +103,7 @@ struct StatementView {
     std::vector<OperandView> operands;
     const Keyword* keyword = nullptr;  ///< the row of `mnemonic`; null for none
 
-    /// Where `text`, a part of `line`, is.
+    /// The place of `text`, a part of `line`.
     [[nodiscard]] LinePart PartOf(std::string_view text) const {
         assert(text.data() >= line.data() && text.data() <= line.data() + line.size());
         return {static_cast<std::uint32_t>(text.data() - line.data()),
@@ -113,7 +113,7 @@ struct StatementView {
     [[nodiscard]] std::string_view Typed(std::string_view text) const {
         return typed.substr(PartOf(text).offset, text.size());
     }
-    /// Whether the mnemonic was typed in small letters.
+    /// True if the mnemonic was typed in lower case.
     [[nodiscard]] bool IsSmall() const;
     /// From the first character of `first` to the last one of `last`.
     [[nodiscard]] std::string_view Span(std::string_view first, std::string_view last) const {
@@ -121,11 +121,11 @@ struct StatementView {
     }
 };
 
-/// Both lines are kept as views: they have to outlive the result. `typed` is the physical line;
-/// empty where it is not known.
+/// The result contains views of both lines, which must outlive it. `typed` is the physical line;
+/// empty if that is not known.
 [[nodiscard]] StatementView CutStatement(std::string_view line, std::string_view typed = {});
 
-/// `typed` with the letters outside of strings raised, as the core's reader does it.
+/// `typed` with letters outside strings converted to upper case, as by the core's reader.
 [[nodiscard]] std::string Raised(std::string_view typed);
 
 /// The offset of the comment in a physical line; its size if it has none.
@@ -134,8 +134,8 @@ struct StatementView {
 /// The tokens of one expression or operand.
 [[nodiscard]] std::vector<Token> CutTokens(std::string_view text);
 
-/// The row of a mnemonic in upper case, or null. The core's recogniser is left to the loop over the
-/// statements, into which the compiler builds it as long as nothing else calls it.
+/// The row of a mnemonic in upper case, or null. It does not call the core's recogniser, which the
+/// compiler inlines into the statement loop only as long as nothing else calls it.
 [[nodiscard]] const Keyword* FindKeyword(std::string_view word);
 
 }  // namespace korv

@@ -19,7 +19,7 @@ class StoredText {
         std::unique_ptr<char[]> data;
         std::size_t size = 0;
     };
-    /// The file at the full path `path`, or a text by any other name.
+    /// `path` is the full path of the file, or any other name for a text.
     StoredText(std::string path, Block bytes, const platform::FileIdentity& identity = {});
     /// The same with a copy of `bytes`.
     StoredText(std::string path, std::string_view bytes,
@@ -27,7 +27,7 @@ class StoredText {
 
     [[nodiscard]] const std::string& Path() const { return path; }
     [[nodiscard]] std::string_view Bytes() const { return {bytes.data.get(), bytes.size}; }
-    /// Which file it is; the default for a text that is none.
+    /// The identity of the file; the default for a text that is not a file.
     [[nodiscard]] const platform::FileIdentity& Identity() const { return identity; }
 
     [[nodiscard]] std::int32_t LineCount() const {
@@ -50,7 +50,7 @@ class StoredText {
         return {bytes.data.get() + start, end - start};
     }
 
-    /// Whether the text contains a byte 0 or 1AH, or a carriage return without a line feed. Then an
+    /// True if the text contains a byte 0 or 1AH, or a carriage return without a line feed. Then an
     /// offset in a cleaned line may differ from the column.
     [[nodiscard]] bool HasOddBytes() const { return hasOddBytes; }
 
@@ -66,7 +66,7 @@ class StoredText {
     std::string path;
     Block bytes;
     platform::FileIdentity identity;
-    // Of the lines. Made when a line is asked for, since most runs ask for none.
+    // Offsets of the lines, computed when a line is first requested, since most runs need none.
     mutable std::vector<std::size_t> starts;
     bool hasOddBytes = false;
 };

@@ -1,4 +1,4 @@
-// Strings whose quotes are missing, too many, or within the text.
+// Advice on strings with quotes that are missing, superfluous, or inside the text.
 
 #include <algorithm>
 
@@ -9,7 +9,7 @@
 
 namespace korv {
 
-// A text with double quotes in it: the number 34 for each.
+// A text with double quotes in it: proposes the number 34 for each.
 bool AdviseOnQuotes(OperandCase* it) {
     const std::string_view text = it->operand->text;
     const bool isText = text.size() > 3 && text.front() == '"' && text.back() == '"' &&
@@ -68,7 +68,8 @@ bool AdviseOnExtraQuote(OperandCase* it) {
     return true;
 }
 
-// Proposes the second quote of a string: before the numbers that follow a comma, else at its end.
+// Proposes the closing quote of a string: before any numbers that follow a comma, otherwise at its
+// end.
 void CloseString(OperandCase* it, std::string_view text) {
     std::size_t end = text.size();
     for (std::size_t comma; (comma = text.substr(0, end).rfind(',')) != std::string_view::npos;) {
@@ -85,7 +86,7 @@ void CloseString(OperandCase* it, std::string_view text) {
     it->Replace(isSingle ? text.substr(end - 1, 1) : text.substr(end, 0), "\"");
 }
 
-// "DB HELLO, WORLD"": the words from the first that is unknown to the quote are the string.
+// "DB HELLO, WORLD"": the string extends from the first unknown word to the quote.
 bool AdviseOnUnopenedString(OperandCase* it) {
     const auto& operands = it->statement.operands;
     const auto isEnd = [](const OperandView& operand) {

@@ -100,7 +100,7 @@ Summary Summarise(const Analysis& analysis) {
     summary.room = addressCount - end;
     summary.routines = RoutinesOf(analysis);
     summary.largest.resize(std::min(largestCount, summary.routines.size()));
-    // Routines of equal size stay in the order of the source.
+    // Routines of equal size are in the order of their addresses.
     const auto isLarger = [](const Routine& a, const Routine& b) {
         return a.count != b.count ? a.count > b.count : a.address < b.address;
     };
@@ -108,8 +108,8 @@ Summary Summarise(const Analysis& analysis) {
     return summary;
 }
 
-// Cells by column, added row by row. The first column is aligned left and all others right; each
-// is as wide as its widest cell.
+// A table whose cells are added row by row. The first column is aligned left and all others right;
+// each is as wide as its widest cell.
 class Table {
   public:
     explicit Table(std::initializer_list<std::string_view> headings) : widths(headings.size()) {
@@ -131,7 +131,7 @@ class Table {
         AddDigits(start, PutHex(start, value, 4));
     }
 
-    // A table without a row below its headings is left out.
+    // Writes the table, unless it has no row below its headings.
     void PutTo(TextBuffer* out) const {
         if (cells.size() <= widths.size()) {
             return;

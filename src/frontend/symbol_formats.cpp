@@ -14,7 +14,7 @@ namespace {
 
 constexpr std::int32_t lastAddress = 0xFFFF;
 
-// The room that a line needs besides the name.
+// The room in characters that a line needs besides the name.
 constexpr std::size_t longestRest = 64;
 
 char* PutAddress(char* to, std::int32_t value) {
@@ -60,7 +60,7 @@ char* PutNoi(char* to, const Name& name) {
     return PutAddress(PutText(to, " 0x"), name.value);
 }
 
-// The address as the processor sees it, the linear one and the type, 00 for a label.
+// The logical address, the linear address, and the type, which is 00 for a label.
 char* PutCspect(char* to, const Name& name) {
     to = PutText(PutAddress(to, name.value), " ");
     to = PutText(PutAddress(to, name.value), " 00 ");
@@ -71,7 +71,7 @@ bool AllowsAll(std::string_view) {
     return true;
 }
 
-// The readers of "sym" take names of letters, digits and "_@#$.", not beginning with a digit.
+// The readers of "sym" accept names of letters, digits and "_@#$." that begin with a letter or "_".
 bool AllowsPlain(std::string_view name) {
     const auto isPlain = [](char c) {
         return HasClass(c, CC_LETTER | CC_DIGIT) ||
@@ -81,8 +81,8 @@ bool AllowsPlain(std::string_view name) {
            std::ranges::all_of(name, isPlain);
 }
 
-// openMSX takes a .sym for this form only by the beginning of the first line; the readers of the
-// Game Boy's tools look for the section.
+// openMSX recognises this format only by the beginning of the first line; readers for the Game Boy
+// look for the section.
 constexpr std::string_view symHeader =
     "; this file was created with wlalink's format, by korv-as\n[labels]\n";
 
@@ -110,7 +110,7 @@ const SymbolFormatRow& RowOf(SymbolFormat format) {
 
 SymbolFile SymbolText(const Analysis& analysis, SymbolFormat format) {
     const SymbolFormatRow& row = RowOf(format);
-    std::vector<std::pair<std::int32_t, const Name*>> names;  // these are in order of their text
+    std::vector<std::pair<std::int32_t, const Name*>> names;  // pointers sort by text
     names.reserve(analysis.names.size());
     for (const Name& name : analysis.names) {
         if (name.hasValue && name.kind != NameKind::internal) {

@@ -1,4 +1,4 @@
-/// The forms of a symbol file: names and values for debuggers and emulators.
+/// The formats of a symbol file: names and values for debuggers and emulators.
 #pragma once
 
 #include <cstddef>
@@ -13,8 +13,8 @@ namespace korv {
 
 struct SymbolFormatRow {
     SymbolFormat format;
-    std::string_view name;       ///< as the command line takes it
-    std::string_view extension;  ///< that its readers expect, without the dot
+    std::string_view name;       ///< as on the command line
+    std::string_view extension;  ///< which its readers expect, without the dot
     std::string_view readers;    ///< programs, separated by commas
     std::string_view header;     ///< lines before the first symbol
     bool hasAllValues;           ///< false: only those from 0 to FFFFH
@@ -31,7 +31,7 @@ struct SymbolFile {
     std::size_t droppedNames = 0;   ///< that the format does not allow
     std::size_t droppedValues = 0;  ///< that the format cannot hold, of names that it allows
 
-    /// How many are missing, for one warning, as "2 values, 1 name"; empty for none.
+    /// What is missing, for a warning, as "2 values, 1 name"; empty if nothing is.
     [[nodiscard]] std::string Dropped() const;
 };
 
@@ -39,8 +39,8 @@ struct SymbolFile {
 /// `Wanted::names`.
 [[nodiscard]] SymbolFile SymbolText(const Analysis& analysis, SymbolFormat format);
 
-/// The symbol file that `options` ask for; empty if they ask for none or there are errors. Adds a
-/// warning about what is missing in it to `analysis`.
+/// The contents of the symbol file that `options` ask for; empty if they ask for none or there are
+/// errors. If names or values are missing from it, adds a warning to `analysis`.
 std::string SymbolFileText(const Options& options, Analysis* analysis);
 
 }  // namespace korv

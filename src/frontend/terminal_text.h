@@ -12,8 +12,8 @@ namespace korv {
     return "'" + std::string(text) + "'";
 }
 
-/// `text` with "\xHH" for control characters and bytes that are not UTF-8, so that no text controls
-/// the terminal. Tabs and line feeds are kept.
+/// `text` with "\xHH" for control characters and bytes that are not UTF-8, so that a text cannot
+/// control the terminal. Tabs and line feeds are kept.
 [[nodiscard]] std::string EscapedText(std::string_view text);
 
 /// The column after `text` if it begins at `column`, from 0; a tab ends at a multiple of 8.

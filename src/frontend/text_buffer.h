@@ -1,5 +1,5 @@
-/// The text of an output while it is made. A listing has a row for each line of the source, so its
-/// writer asks for room once per row, not once per piece.
+/// The text of an output while it is put together. A listing has a row for each line of the source,
+/// so its writer requests room once per row, not once per piece.
 #pragma once
 
 #include <algorithm>
@@ -14,7 +14,7 @@
 
 namespace korv {
 
-/// Of a number in decimal.
+/// Length of the longest number in decimal.
 inline constexpr std::size_t longestNumber = 20;
 
 /// Writes `value` in decimal to `to`, which must have room for the longest. Result: its end.
@@ -23,8 +23,8 @@ char* PutNumber(char* to, Number value) {
     return std::to_chars(to, to + longestNumber, value).ptr;
 }
 
-/// Puts blanks up to `end` if that is after `to`, and up to 15 more after it: whole pieces are
-/// quicker than a call for the few that are needed. Result: the later of `to` and `end`.
+/// Writes blanks up to `end` if that is after `to`, and up to 15 more after it: writing whole
+/// pieces is faster than a call for the few that are needed. Result: the later of `to` and `end`.
 inline char* PutBlanks(char* to, char* end) {
     constexpr std::size_t piece = 16;
     for (char* at = to; at < end; at += piece) {
@@ -35,13 +35,15 @@ inline char* PutBlanks(char* to, char* end) {
 
 class TextBuffer {
   public:
-    /// An empty text that is expected to have `size` characters, since growing copies it.
+    /// An empty text with memory for `size` characters, the expected number, since growing copies
+    /// it.
     explicit TextBuffer(std::size_t size = 0) { text.reserve(size); }
 
-    /// Where at least `count` characters can be put. `Advance` then appends them, up to `end`.
+    /// A place where at least `count` characters can be written. `Advance` then appends them, up to
+    /// `end`.
     char* Room(std::size_t count) {
         if (count > text.size() - used) [[unlikely]] {
-            constexpr std::size_t step = 1024;  // small, since a string fills its room with zeros
+            constexpr std::size_t step = 1024;  // small, since resize() fills it with zeros
             text.resize(used + std::max(count, step));
         }
         return text.data() + used;
@@ -51,14 +53,14 @@ class TextBuffer {
     void Put(std::string_view piece) { Advance(PutText(Room(piece.size()), piece)); }
 
     [[nodiscard]] std::string_view Text() const { return {text.data(), used}; }
-    /// The text; it is empty then.
+    /// Returns the text, and leaves the buffer empty.
     [[nodiscard]] std::string Take() {
         text.resize(std::exchange(used, 0));
         return std::exchange(text, {});
     }
 
   private:
-    std::string text;      // the rest is room
+    std::string text;      // `used` characters, then free room
     std::size_t used = 0;  // characters
 };
 

@@ -9,12 +9,12 @@
 namespace korv {
 namespace {
 
-// Whether the statement goes on after the change: it becomes no comment and no second line.
+// True if the changed part stays in the statement: it does not become a comment or a second line.
 bool IsWithin(const TextEdit& edit) {
     return !edit.text.empty() && edit.text.find_first_of("\n;") != 0;
 }
 
-// The first spelling that is replaced within the statement.
+// The first foreign spelling that is replaced within the statement.
 std::optional<TextEdit> FirstChange(const StatementView& statement) {
     for (const OperandView& operand : statement.operands) {
         const Foreign found = FindForeign(statement, operand);

@@ -1,5 +1,5 @@
-/// A statement with everything replaced that other assemblers write otherwise, so that what a note
-/// proposes assembles even where only one part of it was reported.
+/// A statement with all spellings of other assemblers replaced, so that what a note proposes
+/// assembles even if only one part of it was reported.
 #pragma once
 
 #include <cstdint>
@@ -11,22 +11,23 @@
 
 namespace korv {
 
-/// Where the comment of `typed` begins, or the blanks before it.
+/// The offset in `typed` at which the statement ends, before the comment and the blanks in front of
+/// it.
 [[nodiscard]] std::size_t StatementEnd(std::string_view typed);
 
 struct Translation {
-    std::string typed;      ///< the line as typed, replaced, without its comment
+    std::string typed;      ///< the line as typed, translated, without its comment
     std::string line;       ///< the same, cleaned
-    std::uint32_t end = 0;  ///< of what it replaces in the line as typed
+    std::uint32_t end = 0;  ///< of the part that it replaces in the line as typed
     std::int32_t changes = 0;
 
     /// Views of `typed` and `line`.
     [[nodiscard]] StatementView View() const { return CutStatement(line, typed); }
-    /// The change of `statement` from its mnemonic on to `text`.
+    /// The edit that replaces `statement`, from its mnemonic on, by `text`.
     [[nodiscard]] TextEdit Whole(const StatementView& statement, std::string text) const;
 };
 
-/// `statement` with `first` and then with all other spellings replaced.
+/// `statement` with the edits `first` applied, and then with all foreign spellings replaced.
 [[nodiscard]] Translation Translate(const StatementView& statement,
                                     const std::vector<TextEdit>& first = {});
 

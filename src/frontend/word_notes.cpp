@@ -1,5 +1,5 @@
-// A mnemonic that is not in the vocabulary: a word of another assembler, a definition or label in
-// another shape, a line that begins in column 1, words that are joined, or a slip of the finger.
+// Advice on a mnemonic that is not in the vocabulary: a word of another assembler, a definition or
+// label in another style, an instruction in column 1, words that are joined, or a misspelling.
 
 #include <algorithm>
 
@@ -12,7 +12,7 @@
 namespace korv {
 namespace {
 
-// The bytes of a file that is no plain text.
+// Bytes of a file that is not plain text.
 Advice AdviseOnEncoding(const StatementView& statement) {
     const std::string_view line = statement.line;
     if (statement.mnemonic.starts_with("\xEF\xBB\xBF")) {
@@ -33,7 +33,7 @@ Advice AdviseOnEncoding(const StatementView& statement) {
     return {};
 }
 
-// "//", "/*", "#" and the like, and a "*" in column 1, which is a blank here.
+// "//", "/*", "#" and similar marks, and a "*" in column 1, which Korv treats as a blank.
 Advice AdviseOnComment(const StatementView& statement) {
     const std::string_view word = statement.mnemonic;
     if (statement.line.starts_with('*') && !word.starts_with('=') && word != "*/") {
@@ -92,7 +92,7 @@ Advice AdviseOnData(const StatementView& statement) {
     return advice;
 }
 
-// "+", "-" and "@@", which are labels without a name elsewhere.
+// "+", "-" and "@@", which are anonymous labels in other assemblers.
 Advice AdviseOnAnonymousLabel(const StatementView& statement) {
     const std::string_view word = statement.mnemonic;
     const std::string_view next = statement.rest.substr(0, statement.rest.find_first_of(" \t"));
@@ -108,7 +108,7 @@ Advice AdviseOnBrace(const StatementView& statement) {
     return isBrace || statement.rest.ends_with('{') ? Say(statement, word, braceNote) : Advice{};
 }
 
-// Lines for a preprocessor that are no definition.
+// Preprocessor lines that are not definitions.
 Advice AdviseOnMark(const StatementView& statement) {
     const std::string_view word = statement.mnemonic;
     const std::string_view plain = word.substr(std::min<std::size_t>(1, word.size()));
@@ -119,7 +119,7 @@ Advice AdviseOnMark(const StatementView& statement) {
     return {};
 }
 
-// Whether all names in the expression of `operand` are known.
+// True if all tokens of `operand` are valid and all its names are known.
 bool HasKnownNames(const RunFacts& facts, const OperandView& operand) {
     return std::ranges::all_of(operand.tokens, [&](const Token& token) {
         const bool isOdd = token.kind == TokenKind::other || token.kind == TokenKind::openString;
@@ -196,8 +196,8 @@ Advice AdviseOnSign(const StatementView& statement) {
     return advice;
 }
 
-// The keyword that was meant by `word`: of those that are as near, one with a form of these
-// operands.
+// The keyword that `word` was probably meant to be. Among keywords at the same distance, one that
+// accepts the operands is preferred.
 std::string_view NearestKeyword(const StatementView& statement, std::string_view word) {
     static const std::vector<std::string_view> words = [] {
         std::vector<std::string_view> all;
@@ -212,7 +212,7 @@ std::string_view NearestKeyword(const StatementView& statement, std::string_view
         StatementView changed = statement;
         changed.mnemonic = each;
         changed.keyword = FindKeyword(each);
-        // END would hide all that follows.
+        // END would hide everything after it.
         return HasForm(changed) &&
                (each != "END" || word.find_first_of("FI") == std::string_view::npos);
     };
@@ -220,7 +220,7 @@ std::string_view NearestKeyword(const StatementView& statement, std::string_view
     if (!near.empty() || word.size() > 2 || statement.operands.empty()) {
         return near;
     }
-    // Of so short a word much is a slip of: there has to be one with these operands, and only one.
+    // Many keywords are near so short a word: exactly one of them must accept the operands.
     std::string_view only;
     for (const std::string_view each : words) {
         if (each.size() <= 3 && EditDistance(word, each) == 1 && isForm(each)) {
@@ -268,7 +268,7 @@ Advice AdviseOnColumn(const StatementView& statement) {
         return advice;
     }
     const bool isSign = !statement.mnemonic.empty() && !HasClass(statement.mnemonic[0], CC_NAME) &&
-                        statement.mnemonic[0] != '"';  // no "NAME <- 5"
+                        statement.mnemonic[0] != '"';  // not "NAME <- 5"
     if (const auto foreign = isSign ? std::nullopt : WordAdvice(indented); foreign) {
         advice.note = foreign->note;
         if (!foreign->edits.empty()) {
@@ -373,7 +373,7 @@ Advice AdviseOnWord(Adviser& adviser, const FaultView& fault) {
     Advice advice = AdviseOnUnknownWord(adviser, fault);
     const std::string line = Raised(Applied(fault.statement.line, advice.edits));
     if (!advice.edits.empty() && !advice.definesName && CutStatement(line).mnemonic == "EQU") {
-        advice.definesName = true;  // "X: EQV 5": what uses X is not the next mistake
+        advice.definesName = true;  // "X: EQV 5": uses of X are no further mistakes
     }
     return advice;
 }

@@ -7,10 +7,10 @@
 
 namespace korv {
 
-/// A mnemonic or directive that is not in the vocabulary. The first row that fits counts.
+/// A mnemonic or directive that is not in the vocabulary. The first row that matches is used.
 struct WordRow {
-    std::string_view words;  ///< by blanks; also with a "." or "#" or "!" before them
-    std::string_view fix;    ///< of the statement; empty for none
+    std::string_view words;  ///< separated by blanks; also after ".", "#", "!" or "%"
+    std::string_view fix;    ///< replaces the statement; empty: no proposal
     std::string_view note;
     std::string_view example;
     int operands = -1;  ///< number of operands that it needs; -1: any
@@ -19,7 +19,7 @@ struct WordRow {
 // clang-format off
 inline constexpr auto wordTable = std::to_array<WordRow>({
     {"TEXT BSS", "", "remove the line: one run makes one image and nothing is linked", " .TEXT", 0},
-    // Of the same meaning.
+    // With the same meaning.
     {"EQUB EQUS BYTE DC.B FCB ASCII ASC TEXT FCC STRING DEFT DTEXT STR", "DB %r", "", " BYTE 5"},
     {"ASCIIZ ASCIZ DZ STRINGZ TEXTZ DEFZ", "DB %r,0", "", " ASCIIZ \"abc\""},
     {"DC", "DB %b1", "", " DC \"abc\"", 1},

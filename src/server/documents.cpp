@@ -8,8 +8,8 @@
 namespace korv {
 namespace {
 
-// The offset of a position in `text`; the end of its line or of the text for one that is beyond.
-// Several changes in a row do not divide the text into lines.
+// The offset of a position in `text`. A position beyond its line or beyond the text counts as the
+// end of it. The text is not divided into lines, since each of several changes would do that again.
 std::size_t OffsetOf(std::string_view text, const Position& at, PositionEncoding encoding) {
     std::size_t start = 0;
     for (std::uint32_t line = 0; line < at.line; ++line) {
@@ -24,7 +24,7 @@ std::size_t OffsetOf(std::string_view text, const Position& at, PositionEncoding
     return start + ColumnOf(line, at.character, encoding);
 }
 
-// Makes a change that the client has sent.
+// Applies a change that the client has sent.
 void Apply(const Json& change, PositionEncoding encoding, std::string* text) {
     const auto& newText = Get<std::string>(change, "/text");
     if (At(change, "/range").is_null()) {

@@ -1,4 +1,4 @@
-/// The documents that are open in the editor. Their texts take the place of what is on the disk.
+/// The documents that are open in the editor. Their texts are used instead of those on the disk.
 #pragma once
 
 #include <map>
@@ -11,7 +11,7 @@ namespace korv {
 
 struct Document {
     std::string uri;  ///< as the client spells it
-    Json version;     ///< null if the client gives none
+    Json version;     ///< null if the client sends none
     std::string bytes;
     FileStore::Text text;  ///< made from `bytes` when it is needed
 };
@@ -24,14 +24,16 @@ class Documents {
 
     /// By full path.
     [[nodiscard]] const std::map<std::string, Document>& All() const { return documents; }
-    /// `path` is full, here and below. Null if it is not open.
+    /// `path` is a full path, here and below. Null if the document is not open.
     [[nodiscard]] const Document* Find(const std::string& path) const;
-    /// The URI by which the client knows the file.
+    /// The URI of the file, as the client spells it.
     [[nodiscard]] std::string UriOf(const std::string& path) const;
-    /// Gives the texts of all documents to `store`. Each is made once after a series of changes.
+    /// Adds the texts of all documents to `store`. After a series of changes, a text is created
+    /// only once.
     void AddTo(FileStore* store);
 
-    /// `document` is the part of the notification. Replaces a document that is open already.
+    /// `document` is the "textDocument" of the notification. Replaces a document that is already
+    /// open.
     void Open(const std::string& path, const Json& document);
     /// `parameters` are those of the notification. Ignored if the document is not open.
     void Change(const std::string& path, const Json& parameters);

@@ -95,7 +95,7 @@ Json Server::Answer(const std::string& name, const Json& parameters) {
     return nullptr;
 }
 
-// Null for a file that is not part of any program.
+// The result is null for a file that is not part of any program.
 Json Server::AnswerFeature(const Feature& feature, const Json& parameters) {
     constexpr Range everything = {{0, 0}, {INT32_MAX - 1, 0}};
     const std::string path = PathOfDocument(parameters);
@@ -114,8 +114,8 @@ Json Server::AnswerFeature(const Feature& feature, const Json& parameters) {
                           range.value_or(everything), parameters, workspace});
 }
 
-// A document that is not a file, such as one without a name yet, counts as one in the current
-// directory.
+// A document that is not a file, such as one without a name yet, is treated as a file in the
+// current directory.
 std::string Server::PathOf(const std::string& uri) {
     if (const auto path = PathOfUri(uri)) {
         return workspace.FullPath(*path);
@@ -160,7 +160,7 @@ Json Server::Initialize(const Json& parameters) {
     capabilities["positionEncoding"] = isUtf8 ? "utf-8" : "utf-16";
     capabilities["semanticTokensProvider"]["legend"] = SemanticTokensLegend();
     for (const Feature& feature : features) {
-        capabilities.emplace(feature.provider, true);  // unless it is there with options
+        capabilities.emplace(feature.provider, true);  // unless it is already there, with options
     }
     return {{"capabilities", capabilities},
             {"serverInfo", {{"name", "korv-ls"}, {"version", version}}}};

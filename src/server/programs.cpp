@@ -15,13 +15,13 @@ namespace {
 // an editor.
 constexpr std::size_t mostMessages = 1000;
 
-// An error that concerns no line.
+// An error that is not about a line.
 Json FailureDiagnostic(const std::string& failure) {
     return {{"range", Range()}, {"severity", 1}, {"source", "korv"}, {"message", failure}};
 }
 
-// Adds the messages of a program. If a file is also part of another program, each message appears
-// once. Messages without a place are shown at the start of the main file.
+// Adds the messages of a program. If a file is also part of another program, each of its messages
+// appears only once. Messages without a place are shown at the start of the main file.
 void AddMessages(const Snapshot& snapshot, DiagnosticsByPath* all) {
     const std::span<const Message> messages = snapshot.analysis->messages;
     const DiagnosticsByPath others = *all;
@@ -63,7 +63,7 @@ void Programs::OnConfigurationChanged() {
     programs.clear();
 }
 
-// Analyses the current texts of the program, unless it has been done.
+// Analyses the current texts of the program, unless that has been done.
 void Programs::Refresh(Program* program) {
     if (!program->isStale) {
         return;
@@ -85,8 +85,8 @@ void Programs::Refresh(Program* program) {
     program->isStale = false;
 }
 
-// The program with the source `main`, which is needed. Its options are taken again at each
-// analysis, since the argument file may have changed with other files.
+// Returns the program with the source `main`, and marks it as needed. Its options are set again
+// before each analysis, since the argument file may have changed along with other files.
 Programs::Program& Programs::Need(const Configuration& configuration, const std::string& main) {
     Program& program =
         programs[main + '\n' + configuration.origin + '\n' + configuration.directory];
@@ -94,7 +94,7 @@ Programs::Program& Programs::Need(const Configuration& configuration, const std:
     if (program.isStale) {
         program.main = main;
         program.configuration = configuration;
-        if (main != configuration.source) {  // else it stays as the words have it, for messages
+        if (main != configuration.source) {  // else it stays as written, for messages
             program.configuration.options.source = main;
         }
         program.configuration.options.maxErrors = mostMessages;

@@ -30,7 +30,7 @@ class Programs {
         }
     };
 
-    /// Neither is owned.
+    /// Owns neither argument.
     Programs(Documents* documents, Workspace* workspace)
         : documents(documents), workspace(workspace) {}
 
@@ -41,9 +41,9 @@ class Programs {
     /// Settings or argument files may have changed.
     void OnConfigurationChanged();
 
-    /// Whether `Update` has something to do.
+    /// True if `Update` has something to do.
     [[nodiscard]] bool IsStale() const { return isStale; }
-    /// Analyses what has changed.
+    /// Analyses the programs that have changed.
     void Update();
 
     /// By main file and configuration, as of the last `Update`.
@@ -51,7 +51,7 @@ class Programs {
     /// The snapshot of the program that the file at `path` is part of, as of the last `Update`;
     /// null for none. It is valid until the next one.
     [[nodiscard]] const Snapshot* SnapshotOf(const std::string& path) const;
-    /// By the paths of the files that have any, and of all documents.
+    /// By path, for files that have any and for all documents.
     [[nodiscard]] DiagnosticsByPath Diagnostics() const;
 
   private:

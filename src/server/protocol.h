@@ -19,7 +19,7 @@ using Strings = std::vector<std::string>;
 /// How a client counts the characters of a line. UTF-16 unless it offers UTF-8.
 enum class PositionEncoding : std::uint8_t { utf16, utf8 };
 
-/// A place between two characters. Both count from 0.
+/// A place between two characters. Both numbers count from 0.
 struct Position {
     std::uint32_t line = 0;
     std::uint32_t character = 0;  ///< in units of the encoding
@@ -45,7 +45,7 @@ NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE(Range, start, end)
 [[nodiscard]] std::size_t ColumnOf(std::string_view line, std::uint32_t character,
                                    PositionEncoding encoding);
 
-/// As the protocol numbers them.
+/// With the numbers of the protocol.
 enum class ErrorCode : std::int32_t {
     parseError = -32700,
     invalidRequest = -32600,
@@ -72,13 +72,13 @@ template <typename Value>
 [[nodiscard]] const Value* Find(const Json& json, const std::string& path) {
     return At(json, path).get_ptr<const Value*>();
 }
-/// A value that the request cannot do without.
+/// A value that the request must have. Throws `Missing` if there is none.
 template <typename Value>
 [[nodiscard]] const Value& Get(const Json& json, const std::string& path) {
     const Value* const found = Find<Value>(json, path);
     return found != nullptr ? *found : throw Missing(path);
 }
-/// A value with a default.
+/// A value, or `otherwise` if there is none.
 template <typename Value>
 [[nodiscard]] Value Get(const Json& json, const std::string& path, const Value& otherwise) {
     const Value* const found = Find<Value>(json, path);
@@ -98,7 +98,7 @@ template <typename Value>
     return {{"kind", "markdown"}, {"value", text}};
 }
 
-/// The text that is sent. Bytes that are not UTF-8, from a source, become U+FFFD.
+/// The text to send. Bytes from a source that are not UTF-8 become U+FFFD.
 [[nodiscard]] inline std::string TextOf(const Json& json) {
     return json.dump(/*indent=*/-1, ' ', /*ensure_ascii=*/false, Json::error_handler_t::replace);
 }

@@ -28,9 +28,8 @@ int Server::Run() {
     return status;
 }
 
-// Reads all messages that are waiting, so that one that cancels a request is seen before the
-// request is handled. If there is none, there is time to analyse before the next one. False: the
-// input has ended.
+// Reads all waiting messages, so that a cancellation is seen before its request is handled. If none
+// is waiting, there is time to analyse before the next one. Result: false if the input has ended.
 bool Server::FillQueue() {
     constexpr std::size_t longestQueue = 1000;
     while (queue.size() < longestQueue) {
@@ -47,7 +46,7 @@ bool Server::FillQueue() {
     return !queue.empty();
 }
 
-// Whether a waiting message cancels the request.
+// True if a waiting message cancels the request.
 bool Server::IsCancelled(const Json& id) const {
     const Json method = "$/cancelRequest";
     return std::ranges::any_of(queue, [&](const Json& each) {
@@ -58,7 +57,7 @@ bool Server::IsCancelled(const Json& id) const {
 void Server::Take(const Json& message) {
     const bool hasId = message.contains("id");
     if (hasId && (message.contains("result") || message.contains("error"))) {
-        return;  // the reply to a request of the server, which does not need it
+        return;  // a reply to the server's own request, which is not needed
     }
     const bool isIdProper = hasId && (message["id"].is_string() || message["id"].is_number());
     const Json id = isIdProper ? message["id"] : Json();
@@ -80,15 +79,15 @@ void Server::Take(const Json& message) {
             stream.Write(ReplyText(id, "result", result));
         }
     } catch (const RequestError& error) {
-        if (!isNotification) {  // which has no reply
+        if (!isNotification) {  // a notification has no reply
             stream.Write(
                 ReplyText(id, "error", {{"code", error.code}, {"message", error.message}}));
         }
     }
 }
 
-// Analyses what has changed. Then sends the diagnostics of files in which they have changed, and of
-// all documents that have changed.
+// Analyses what has changed. Then publishes the diagnostics of each file for which they, or the
+// version of the document, have changed.
 void Server::Update() {
     if (!programs.IsStale()) {
         return;

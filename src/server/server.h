@@ -1,9 +1,9 @@
 /// The language server: reads the messages of a client, keeps the analyses of its documents up to
 /// date, and replies.
 ///
-/// As long as there is a further message to read, nothing is analysed unless a request needs the
-/// result, so a series of changes needs one analysis. There is one thread, since a process can run
-/// only one assembler at a time.
+/// While further messages are waiting, nothing is analysed unless a request needs the result, so a
+/// series of changes needs only one analysis. There is one thread, since a process can run only one
+/// assembler at a time.
 #pragma once
 
 #include <cstdint>
@@ -25,10 +25,10 @@ class Server {
     /// `connection` is not owned.
     Server(platform::Connection* connection, std::string version);
 
-    /// Serves until the client ends it. Result: the exit status, 0 after the requests `shutdown`
-    /// and `exit`, else 1.
+    /// Serves until the client ends it. Result: the exit status, 0 after `shutdown` and `exit`,
+    /// else 1.
     [[nodiscard]] int Run();
-    /// Why `Run` has ended early; empty: the client ended it.
+    /// Why `Run` ended early; empty if the client ended it.
     [[nodiscard]] const std::string& Failure() const { return stream.Failure(); }
 
   private:
@@ -56,7 +56,7 @@ class Server {
     Documents documents;
     Workspace workspace{&documents};
     Programs programs{&documents, &workspace};
-    std::deque<Json> queue;                 // messages that were read and are not handled yet
+    std::deque<Json> queue;                 // messages that have been read but not handled
     std::map<std::string, Json> published;  // parameters with diagnostics, by URI
     enum class Phase : std::uint8_t { created, initialized, shutDown, ended };
     Phase phase = Phase::created;

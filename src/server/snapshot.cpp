@@ -9,7 +9,8 @@
 namespace korv {
 namespace {
 
-// The label at `start` of a line. A name has one definition; others are skipped or refused.
+// Adds the label at `start`, the beginning of a line. It need not be the definition of its name: it
+// may have been skipped or refused.
 void AddLabel(const Analysis& analysis, Place start, PlaceIndex* index) {
     const std::string_view line = analysis.LineOf(start);
     const auto end = std::ranges::find_if_not(line, [](char c) { return HasClass(c, CC_NAME); });
@@ -109,7 +110,7 @@ const Name* FindName(const Analysis& analysis, std::string_view text) {
 
 Statements StatementsIn(const Snapshot& snapshot, std::int32_t file, const Range& range) {
     const Statements all = snapshot.Index().statements[static_cast<std::size_t>(file)];
-    // Wide enough for the largest number of a client and 1.
+    // 64 bits, to hold the largest number that a client can send, plus 1.
     const auto first = std::int64_t{range.start.line} + 1, last = std::int64_t{range.end.line} + 1;
     const auto begin = std::ranges::lower_bound(
         all, first, {}, [](const Statement* each) { return LastLineOf(*each); });

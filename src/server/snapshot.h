@@ -15,14 +15,14 @@
 
 namespace korv {
 
-/// A name at a place. A file that is included twice has each of its names there once.
+/// A name at a place. In a file that is included twice, there is only one for each place.
 struct NameAt {
     const Name* name = nullptr;  ///< one of `Analysis::names`
     Place place;
-    bool isDefinition = false;  ///< a label or EQU, also a skipped one or a second one
+    bool isDefinition = false;  ///< a label or EQU, even a skipped or repeated one
 };
 
-/// For the search for what is at a place.
+/// An index for finding what is at a place.
 struct PlaceIndex {
     /// By file: the statements of its first opening, in the order of the lines.
     std::vector<std::vector<const Statement*>> statements;
@@ -54,29 +54,29 @@ struct Snapshot {
     }
     /// The rest of a line, from `column`.
     [[nodiscard]] Place RestOf(std::int32_t file, std::int32_t line, std::uint32_t column) const;
-    /// A place, which is somewhere, as the client counts.
+    /// The range of `place`, which must be somewhere, as the client counts.
     [[nodiscard]] Range RangeOf(const Place& place) const;
     [[nodiscard]] Json LocationOf(const Place& place) const {
         return {{"uri", UriOf(place.file)}, {"range", RangeOf(place)}};
     }
-    /// A position of the client as a place without length.
+    /// A position of the client as a place with length 0.
     [[nodiscard]] Place PlaceOf(std::int32_t file, Position position) const;
-    /// Made when it is first needed, which it is not to publish messages.
+    /// Built when it is first needed. Publishing messages does not need it.
     [[nodiscard]] const PlaceIndex& Index() const;
 
     mutable std::shared_ptr<const PlaceIndex> index;  ///< only for `Index`
 };
 
-/// Whether `place` is in `wide`, or at one of its ends: a cursor after a word is on it.
+/// True if `place` is inside `wide` or at one of its ends: a cursor right after a word counts.
 [[nodiscard]] bool Covers(const Place& wide, const Place& place);
 
-/// The name at `place`, which has no length; null for none.
+/// The name at `place`, which has length 0; null for none.
 [[nodiscard]] const NameAt* FindNameAt(const Snapshot& snapshot, const Place& place);
 
-/// All places of `name`, in their order.
+/// All places of `name`, in order.
 [[nodiscard]] std::vector<NameAt> OccurrencesOf(const Snapshot& snapshot, const Name* name);
 
-/// The name `text`, which is in capitals; null for none.
+/// The name `text`, which is in upper case; null for none.
 [[nodiscard]] const Name* FindName(const Analysis& analysis, std::string_view text);
 
 /// The last physical line of a statement.

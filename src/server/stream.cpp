@@ -13,7 +13,7 @@ void MessageStream::Fail(std::string_view sentence) {
     isAtEnd = true;
 }
 
-// Reads what has arrived of the input, or waits for it.
+// Reads the input that has arrived, or waits for some.
 void MessageStream::Fill() {
     std::array<char, 65536> block;
     const std::size_t count = connection->Read(block.data(), block.size());
@@ -43,7 +43,8 @@ void MessageStream::TakeField(std::string_view line) {
     }
 }
 
-// Takes the header of the next message. False: it has not arrived completely.
+// Reads the header of the next message. Result: false if it is faulty or has not arrived
+// completely.
 bool MessageStream::TakeHeader() {
     constexpr std::size_t longestHeader = 4096;
     constexpr std::string_view lineEnd = "\r\n";
@@ -86,7 +87,7 @@ std::optional<std::string> MessageStream::Read(Wait wait) {
 
 void MessageStream::Write(std::string_view message) {
     std::string header = "Content-Length: " + std::to_string(message.size()) + "\r\n\r\n";
-    // In one piece: a client that reads block by block gets whole messages.
+    // In one piece, so that a client that reads block by block gets whole messages.
     isAtEnd |= !connection->Write(header.append(message));
 }
 

@@ -23,7 +23,7 @@ class MessageStream {
     /// The next message, without its header. None: the input has ended, or with `Wait::no` the
     /// message has not arrived completely.
     [[nodiscard]] std::optional<std::string> Read(Wait wait);
-    /// Why the input cannot be divided into messages; empty: it can.
+    /// Why the input cannot be divided into messages; empty if it can.
     [[nodiscard]] const std::string& Failure() const { return failure; }
 
     void Write(std::string_view message);
@@ -37,7 +37,7 @@ class MessageStream {
     platform::Connection* connection;
     std::string input;                  // read so far
     std::size_t taken = 0;              // bytes of `input` that are no longer needed
-    std::optional<std::size_t> length;  // of the message whose header has been taken
+    std::optional<std::size_t> length;  // of the message whose header has been read
     bool isAtEnd = false;               // nothing more is read
     std::string failure;
 };

@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::string_view scheme = "file:";
 
-// A "%" without two digits after it stays as it is.
+// A "%" without two digits after it is left unchanged.
 std::string Unescaped(std::string_view text) {
     std::string plain;
     while (!text.empty()) {
@@ -64,7 +64,7 @@ std::string UriOfPath(std::string_view path) {
                                                        : "file://";
     const bool hasDrives = platform::DriveLength("c:") != 0;
     for (const char c : path) {
-        if (c == '\\' && hasDrives) {  // elsewhere a character of a name
+        if (c == '\\' && hasDrives) {  // on other systems, part of a name
             uri += '/';
         } else if (IsPlain(c)) {
             uri += c;

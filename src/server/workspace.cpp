@@ -21,7 +21,7 @@ constexpr std::size_t longestSource = 1024 * 1024;
 constexpr std::size_t mostFiles = 2000;
 constexpr int deepestInclude = 16;
 
-// By way of UTF-8: where the system's names are wide, narrow characters are in another encoding.
+// Through UTF-8: on systems with wide file names, `char` would be in another encoding.
 fs::path PathOf(const std::string& name) {
     return std::u8string(name.begin(), name.end());
 }
@@ -49,7 +49,7 @@ bool IsIn(const std::string& path, const std::string& folder) {
            (folder.ends_with('/') || path[folder.size()] == '/' || path[folder.size()] == '\\');
 }
 
-// The contents of a folder, by name.
+// The contents of a folder, sorted by name.
 std::vector<fs::directory_entry> EntriesOf(const fs::path& folder) {
     std::vector<fs::directory_entry> entries;
     std::error_code error;
@@ -122,7 +122,7 @@ void Workspace::Forget() {
 
 // The folder of the file, and those above it up to the workspace folder.
 Strings Workspace::FoldersUpFrom(const std::string& path) {
-    std::string top;  // the longest workspace folder
+    std::string top;  // the innermost workspace folder
     for (const std::string& folder : folders) {
         if (IsIn(path, folder) && folder.size() > top.size()) {
             top = folder;
@@ -135,7 +135,7 @@ Strings Workspace::FoldersUpFrom(const std::string& path) {
     return found;
 }
 
-// If the words name no source, they hold for every file that is a program of its own.
+// If the words name no source, they apply to every file that is a program by itself.
 Configuration Workspace::ReadConfiguration(const std::string& argumentFile, const std::string& base,
                                            Strings configured) {
     Configuration configuration;

@@ -1,5 +1,5 @@
-/// Which program a file is part of according to settings, argument files and the sources on the
-/// disk; `Programs` adds what analyses show. Results are kept until the next `Forget`.
+/// Determines which program a file is part of, from settings, argument files and the sources on the
+/// disk; `Programs` adds what the analyses show. Results are cached until the next `Forget`.
 #pragma once
 
 #include <map>
@@ -16,12 +16,12 @@ namespace korv {
 /// The words of a korv-as command line, from an argument file or from the settings.
 struct Configuration {
     std::string origin;  ///< full path of the argument file; empty: the settings, or nothing at all
-    /// Relative names count from here. For an argument file it is the folder of the file, since
-    /// make and CI run korv-as there; for the settings it is the workspace folder.
+    /// Relative names are relative to this directory. For an argument file it is the folder of the
+    /// file, since make and CI run korv-as there; for the settings it is the workspace folder.
     std::string directory;
     std::string source;   ///< full path of the source; empty: the words name none
     Options options;      ///< without a source, those of each file that is a program by itself
-    std::string failure;  ///< why the words cannot be used; empty: they can
+    std::string failure;  ///< why the words cannot be used; else empty
 };
 
 class Workspace {
@@ -32,16 +32,16 @@ class Workspace {
     /// `documents` is not owned.
     explicit Workspace(Documents* documents) : documents(documents) {}
 
-    /// `path` is full.
+    /// `path` is a full path.
     void AddFolder(const std::string& path);
     void RemoveFolder(const std::string& path);
-    /// `settings` are section "korv" of those of the client, or contain it. False: neither.
+    /// `settings` is the client's section "korv", or contains it. Result: false if neither.
     bool SetSettings(const Json& settings);
     /// "none", "address" or "addressAndBytes".
     [[nodiscard]] const std::string& InlayHints() const { return inlayHints; }
 
-    /// The full path of a name, spelled as on disk. A relative name is one in `folder`, or in the
-    /// current directory if that is empty.
+    /// The full path of a name, spelled as on disk. A relative name is relative to `folder`, or to
+    /// the current directory if that is empty.
     [[nodiscard]] std::string FullPath(const std::string& name, const std::string& folder = "");
 
     /// What applies to the file at `path`: the settings if they have words, else the nearest
@@ -56,7 +56,7 @@ class Workspace {
     /// of folders end with a slash.
     [[nodiscard]] Strings FilesIn(const std::string& path, const std::string& name);
 
-    /// Files have been created, changed, or removed.
+    /// Discards the results: files have been created, changed or removed.
     void Forget();
 
   private:
@@ -72,7 +72,7 @@ class Workspace {
     Strings folders;                       // full paths
     Strings words;                         // of the settings
     std::string inlayHints;
-    // Kept until something changes.
+    // Cached until something changes.
     std::map<std::string, Configuration> configurations;  // by the path of the file
     std::map<std::string, std::string> includers;         // by the path of the file
     std::map<std::string, Strings> includes;              // full paths, by the path of the file

@@ -1,4 +1,4 @@
-/// What korv-as and korv-ls need of the operating system besides platform/platform.h.
+/// What korv-as and korv-ls need from the operating system besides platform/platform.h.
 #pragma once
 
 #include <cstddef>
@@ -11,36 +11,37 @@
 
 namespace korv::platform {
 
-/// The system's words for an error number, as "No such file or directory".
+/// The system's text for an error number, such as "No such file or directory".
 [[nodiscard]] std::string ReasonOf(int error);
 
-/// Whether `stream`, a standard stream, was not there when the process was started.
+/// True if `stream`, a standard stream, was closed when the process was started.
 [[nodiscard]] bool IsMissing(std::FILE* stream);
 
-/// The identity of the file that `stream` goes to or comes from; none if it is no regular file.
+/// The identity of the file that `stream` writes or reads; none if it is not a regular file.
 [[nodiscard]] std::optional<FileIdentity> IdentityOf(std::FILE* stream);
 
-/// Whether `stream` goes to a terminal that takes the sequences for colours; lets it, if need be.
+/// True if `stream` is a terminal that accepts colour sequences; enables them if necessary.
 [[nodiscard]] bool TakesColors(std::FILE* stream);
 
-/// From here on `stream`, a standard stream, is one of bytes, whose line ends nobody changes.
+/// Puts `stream`, a standard stream, into binary mode: line ends are not converted.
 void MakeBinary(std::FILE* stream);
 
-/// A connection with another program, as bytes. Tests have one of their own.
+/// A byte connection with another program. Tests have their own implementation.
 class Connection {
   public:
     virtual ~Connection() = default;
-    /// Whether a `Read` has a result at once: bytes, or the end of the input.
+    /// True if `Read` would return at once, with bytes or with the end of the input.
     [[nodiscard]] virtual bool IsInputWaiting() const = 0;
     /// Reads up to `count` bytes, waiting for the first. Result: their number; 0 at the end of the
-    /// input, and when it fails.
+    /// input, or on failure.
     [[nodiscard]] virtual std::size_t Read(char* buffer, std::size_t count) = 0;
-    /// Writes all of `bytes`. False: that fails.
+    /// Writes all of `bytes`. Result: false on failure.
     [[nodiscard]] virtual bool Write(std::string_view bytes) = 0;
 };
 
-/// Standard input and output, without the buffers of the library. From its construction on,
-/// whatever else the process prints on standard output is written to standard error. One at a time.
+/// Standard input and output, without the buffers of the library. Once it is constructed,
+/// everything else that the process prints on standard output is written to standard error. Only
+/// one may exist.
 class StandardConnection : public Connection {
   public:
     StandardConnection();

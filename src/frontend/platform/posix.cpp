@@ -18,7 +18,7 @@ namespace {
 namespace fs = std::filesystem;
 
 // Process-wide, as signal dispositions are.
-sigset_t released;  // by the `SignalWindow` that is open
+sigset_t released;  // by the current `SignalWindow`
 
 // Ends the process as the signal would have.
 void EndBySignal(int number) {
@@ -50,7 +50,7 @@ bool TakesColors(std::FILE* stream) {
            IsTerminal(stream);
 }
 
-void MakeBinary(std::FILE*) {}  // as all are
+void MakeBinary(std::FILE*) {}  // all streams are
 
 StandardConnection::StandardConnection() : output(fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 3)) {
     dup2(STDERR_FILENO, STDOUT_FILENO);
@@ -87,7 +87,7 @@ SignalWindow::SignalWindow() {
     for (const int signal : {SIGINT, SIGQUIT, SIGHUP, SIGTERM}) {
         struct sigaction action;
         sigaction(signal, nullptr, &action);
-        // Ignored signals stay so, as after nohup.
+        // Signals that are ignored, as after nohup, stay ignored.
         if (before != nullptr && sigismember(before, signal) == 0 && action.sa_handler == SIG_DFL) {
             std::signal(signal, EndBySignal);
             sigaddset(&released, signal);

@@ -1,4 +1,4 @@
-/// What `StagedOutput` asks of a system, besides platform/shared.h.
+/// What `StagedOutput` needs from a system, besides platform/shared.h.
 #pragma once
 
 #include <string>
@@ -7,21 +7,21 @@
 
 namespace korv::platform {
 
-/// Gives `path` the second name `name`, which is removed if the process ends before `PutInPlace` or
-/// `Remove`.
+/// Gives the file `path` a second name, `name`, which is removed if the process ends before
+/// `PutInPlace` or `Remove`.
 [[nodiscard]] Creation Link(const std::string& path, const std::string& name);
 
 /// Makes sure that the bytes of an open file are on the disk.
 [[nodiscard]] bool Flush(int handle);
 
-/// Whether the open file `handle` is a terminal.
+/// True if the open file `handle` is a terminal.
 [[nodiscard]] bool IsTerminalAt(int handle);
 
-/// Whether two paths of `FindPlace`, at which there is nothing yet, lead to one place.
+/// True if two paths from `FindPlace`, neither of which exists yet, lead to the same place.
 [[nodiscard]] bool AreOnePlace(const std::string& a, const std::string& b);
 
-/// Lets signals that are kept waiting, and that ask the process to end, do so while it lives; the
-/// unfinished files are removed first. One at a time.
+/// While it exists, blocked signals that ask the process to end do end it; the unfinished files are
+/// removed first. Only one may exist.
 class SignalWindow {
   public:
     SignalWindow();

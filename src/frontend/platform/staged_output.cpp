@@ -9,7 +9,7 @@
 namespace korv::platform {
 namespace {
 
-// The standard output of the process, by the number that its file has.
+// The file number of standard output.
 constexpr int standardOutput = 1;
 
 std::optional<std::string> BytesOf(const std::string& path) {
@@ -92,7 +92,7 @@ bool StagedOutput::Stage(std::string_view contents) {
         oldBytes = isPossible ? BytesOf(place.path) : std::nullopt;
         return isPossible;
     }
-    place.handle = FileHandle();  // not every system replaces a file that is open
+    place.handle = FileHandle();  // some systems cannot replace an open file
     if (isThere) {
         static_cast<void>(CreateAtFreeName(
             place, &backup, [&](const std::string& name) { return Link(place.path, name); }));
@@ -108,7 +108,8 @@ bool StagedOutput::Send(std::string_view contents) {
 
 bool StagedOutput::Overwrite(std::string_view contents) {
     isPut = true;
-    // The old bytes keep their room on the disk until the new ones are there.
+    // The size changes last, so that the file keeps its space on the disk until the new bytes are
+    // written.
     return WriteWhole(place.handle, contents) && SetSize(place.handle, contents.size()) &&
            Flush(place.handle);
 }

@@ -1,4 +1,4 @@
-/// Outputs of a run that are written all or not at all.
+/// Outputs of a run, either all or none of which are written.
 #pragma once
 
 #include <optional>
@@ -9,45 +9,45 @@
 
 namespace korv::platform {
 
-/// Why the system refused what it was asked for last, as "No such file or directory".
+/// Why the last request to the system failed, such as "No such file or directory".
 [[nodiscard]] std::string ErrorText();
 
-/// One of several outputs. A file gets a new one of its name; where that cannot be, its own bytes
-/// are replaced. Standard output, a device or a pipe is a stream. Each step is taken for all
-/// outputs before the next step: `Open`; `Stage` for files, `Send` for streams, `Put` for files,
-/// `Keep`. What is destroyed before `Keep` is as it was before `Open`, but for what a stream has
-/// taken. If a step fails, `ErrorText` gives the reason. Without memory the process may end in each
-/// step but `Put`, which needs none.
+/// One of several outputs. A file is replaced by a new one of the same name; if that is impossible,
+/// its bytes are overwritten. Standard output, a device or a pipe is a stream. Each step is
+/// performed for all outputs before the next step: `Open`; `Stage` for files, `Send` for streams,
+/// `Put` for files, `Keep`. Destroying an output before `Keep` restores what was there before
+/// `Open`, except for what was sent to a stream. If a step fails, `ErrorText` returns the reason.
+/// If memory runs out, the process may end in any step except `Put`, which needs none.
 class StagedOutput {
   public:
     StagedOutput() = default;
     StagedOutput(StagedOutput&&) noexcept = default;
     ~StagedOutput() { static_cast<void>(TakeBack()); }
 
-    /// Opens what is at `name`, taken exactly as spelled, if anything is. Waits for the reader of a
-    /// named pipe. A file that standard output goes to is opened as that stream.
+    /// Opens the file `name`, exactly as spelled, if it exists. Waits for the reader of a named
+    /// pipe. If standard output is redirected to the file, opens that stream instead.
     [[nodiscard]] bool Open(std::string_view name);
     [[nodiscard]] bool OpenStandardOutput();
 
     [[nodiscard]] bool IsStream() const;
-    /// Which file it is; none: there is no file yet, or it is no regular one.
+    /// The identity of the file; none if it does not exist yet, or is not a regular file.
     [[nodiscard]] std::optional<FileIdentity> Identity() const;
-    /// Of two files that are not there yet: whether they have one path.
+    /// True if this and `other`, files that do not exist yet, have the same path.
     [[nodiscard]] bool LeadsWhere(const StagedOutput& other) const;
-    /// Whether it goes to a terminal, which would obey control characters.
+    /// True if it is a terminal, which would obey control characters.
     [[nodiscard]] bool IsTerminal() const;
 
-    /// Writes `contents` to a new file, and prepares the way back. Where there can be no new file
-    /// the old one is only read.
+    /// Writes `contents` to a new file, and prepares `TakeBack`. If no new file can be created,
+    /// only reads the old one.
     [[nodiscard]] bool Stage(std::string_view contents);
-    /// Writes `contents` to the stream. A signal that asks the process to end does so while the
-    /// stream does not take them.
+    /// Writes `contents` to the stream. A signal that asks the process to end takes effect even
+    /// while the stream blocks.
     [[nodiscard]] bool Send(std::string_view contents);
     /// Puts the new file in place, or replaces the bytes of the old one by `contents`.
     [[nodiscard]] bool Put(std::string_view contents);
-    /// Undoes what was done since `Open`. False: `Put` cannot be undone.
+    /// Undoes what was done since `Open`. Result: false if `Put` cannot be undone.
     bool TakeBack();
-    /// Gives up the way back from `Put`.
+    /// Makes `Put` final.
     void Keep();
 
   private:
@@ -55,16 +55,16 @@ class StagedOutput {
 
     OutputPlace place;
     bool isStandardOutput = false;        // `place` has no path and no handle
-    bool isThere = false;                 // there was something before
+    bool isThere = false;                 // the file existed before
     FileHandle handle;                    // of the new file
-    std::string temporary;                // its name; empty: the old file is written, or it is put
-    std::string backup;                   // a second name of the file that was there
+    std::string temporary;                // its name; empty: overwriting, or after `Put`
+    std::string backup;                   // a second name of the old file
     std::optional<std::string> oldBytes;  // of a file that is to be overwritten
-    bool isPut = false;                   // what was there before is replaced, or may be
+    bool isPut = false;                   // the old contents are replaced, or may be
 };
 
-/// Keeps signals that end the process waiting while it lives, so that it ends between the outputs
-/// of a run at no moment. Before, those that wait end it.
+/// While it exists, signals that would end the process have to wait, so that it never ends between
+/// two outputs of a run. Signals that are already waiting end it before that.
 class OutputGuard {
   public:
     OutputGuard();

@@ -12,7 +12,7 @@ namespace korv::platform {
 namespace {
 
 // Process-wide, as the console is.
-HANDLE coloredOutput = nullptr;  // its mode is put back at the end
+HANDLE coloredOutput = nullptr;  // its mode is restored at exit
 DWORD outputMode = 0;
 
 HANDLE HandleOf(std::FILE* stream) {
@@ -91,7 +91,7 @@ bool AreOnePlace(const std::string& a, const std::string& b) {
     return CompareStringOrdinal(first.c_str(), -1, second.c_str(), -1, TRUE) == CSTR_EQUAL;
 }
 
-// A temporary file is removed with the process, however that ends.
+// Nothing to do: the system removes temporary files however the process ends.
 SignalWindow::SignalWindow() = default;
 SignalWindow::~SignalWindow() = default;
 

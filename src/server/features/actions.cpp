@@ -8,8 +8,8 @@
 namespace korv {
 namespace {
 
-// The edits of `messages`. An editor refuses edits that overlap; they occur if two messages propose
-// to change one word. The first of them is kept.
+// The edits of `messages`. An editor rejects edits that overlap, which occur if two messages
+// propose to change the same word. Only the first of them is kept.
 Json EditOf(const Snapshot& snapshot, const std::vector<const Message*>& messages) {
     std::map<Place, const Edit*> edits;  // by their starts, without lengths
     for (const Message* const message : messages) {

@@ -13,7 +13,7 @@
 namespace korv {
 namespace {
 
-// As the protocol numbers them.
+// With the numbers of the protocol.
 enum class ItemKind : std::uint8_t {
     function = 3,
     variable = 6,
@@ -27,10 +27,10 @@ enum class ItemKind : std::uint8_t {
 struct LinePrefix {
     explicit LinePrefix(std::string_view typed);
 
-    std::string line;    // in capitals outside of strings
+    std::string line;    // in upper case outside strings
     StatementView view;  // of `line`
     enum class Part : std::uint8_t { label, mnemonic, operand, string, comment };
-    Part part = Part::operand;          // that the cursor is in
+    Part part = Part::operand;          // which contains the cursor
     std::size_t operand = 0;            // index of the operand that the cursor is in, if any
     std::string_view operandText = {};  // of this operand, as typed
 };
@@ -62,7 +62,7 @@ std::string FormsText(std::string_view mnemonic) {
     return text;
 }
 
-// Whether every use of the word is an error.
+// True if every use of the word is an error.
 bool IsReservedOnly(const Keyword& keyword) {
     return keyword.handler == With<AnswerOnly, MSG_NOT_IMPLEMENTED> ||
            keyword.handler == With<AnswerOnly, MSG_NOT_IN_MACRO>;
@@ -104,7 +104,7 @@ class ItemList {
     }
 
   private:
-    // The editor sorts by `order`, then by label; without it by label alone.
+    // The editor sorts by `order`, then by label; without `order`, by label alone.
     Json& Add(ItemKind kind, std::string label, std::string_view order = "") {
         Json item = {{"label", label}, {"kind", kind}};
         if (!order.empty()) {
@@ -112,7 +112,7 @@ class ItemList {
         }
         return items.emplace_back(std::move(item));
     }
-    // A word of the language, in small letters if the line has some.
+    // A word of the language, in lower case if the line contains lower-case letters.
     Json& AddWord(ItemKind kind, std::string_view word, std::string_view order = "") {
         std::string label(word);
         for (char& c : label) {
@@ -132,7 +132,7 @@ class ItemList {
     }
 
     void AddFiles(std::string_view typed) {
-        const std::size_t end = typed.find_last_of("/\\") + 1;  // 0 where there is none
+        const std::size_t end = typed.find_last_of("/\\") + 1;  // 0 if there is none
         const std::string& path = query.snapshot.Text(query.file).Path();
         const std::string folder(typed.substr(0, end));
         for (std::string& name : query.workspace.FilesIn(path, folder)) {
@@ -140,7 +140,7 @@ class ItemList {
         }
     }
 
-    // Whether `word` can be the operand after those before it, in parentheses if one is open.
+    // True if `word` fits as the operand at the cursor, in parentheses if one is open.
     [[nodiscard]] bool May(std::string_view word) const {
         std::string tried = prefix.line.substr(0, prefix.line.size() - prefix.operandText.size());
         tried += isOpen ? "(" + std::string(word) + ")" : word;
@@ -162,7 +162,7 @@ class ItemList {
         }
     }
 
-    // Registers and conditions that some form of the statement takes.
+    // Registers and conditions that some form of the statement accepts.
     void AddRegisters() {
         const auto add = [this](std::string_view name) {
             if (May(name)) {
@@ -178,7 +178,7 @@ class ItemList {
             std::ranges::for_each(std::array{"IX+0", "IY+0"}, add);
             return;
         }
-        if (!MayBeValue()) {  // else AF' would be read as one
+        if (!MayBeValue()) {  // else AF' would be read as a value
             add("AF'");
         }
         std::ranges::for_each(
@@ -213,7 +213,7 @@ class ItemList {
     const Query& query;
     LinePrefix prefix;
     bool isOpen;   // the operand begins with a parenthesis
-    bool isSmall;  // the line has small letters outside of strings
+    bool isSmall;  // the line has lower-case letters outside strings
     Json items = Json::array();
 };
 

@@ -1,5 +1,6 @@
-/// The features: each is a function from a request about a place in a snapshot to its result, as
-/// the protocol has it. They throw a `RequestError` where there is a reason to show instead.
+/// The features: each is a function from a request about a place in a snapshot to its result, in
+/// the form of the protocol. A feature throws a `RequestError` to show a reason instead of a
+/// result.
 #pragma once
 
 #include <string_view>
@@ -11,9 +12,9 @@ namespace korv {
 
 struct Query {
     const Snapshot& snapshot;
-    std::int32_t file;  ///< of the snapshot, which the request is about
-    Place place;        ///< of the position, if the request has one; without length
-    Range range;        ///< all of the file if the request has none
+    std::int32_t file;  ///< index of the file that the request is about
+    Place place;        ///< the position, with length 0, if the request has one
+    Range range;        ///< the whole file if the request has none
     const Json& parameters;
     Workspace& workspace;
 
@@ -23,10 +24,10 @@ struct Query {
     }
 };
 
-// navigation.cpp: from a name to where it is defined and used, and renaming.
+// navigation.cpp: definitions and uses of names, and renaming.
 /// The definition of the name, or the file that an INCLUDE or BINCLUDE reads.
 [[nodiscard]] Json Definition(const Query& query);
-/// All uses of the name, also in skipped blocks.
+/// All uses and definitions of the name, including those in skipped blocks.
 [[nodiscard]] Json References(const Query& query);
 /// The same within the file.
 [[nodiscard]] Json Highlights(const Query& query);
@@ -42,16 +43,16 @@ struct Query {
 [[nodiscard]] Json Hover(const Query& query);
 
 // completion.cpp: what may be written at the cursor, in a line that need not assemble.
-/// Mnemonics where one belongs; registers, conditions and names where the forms of the mnemonic
-/// take them; files after INCLUDE. Nothing in strings and comments.
+/// Mnemonics where one is expected; registers, conditions and names where the forms of the mnemonic
+/// accept them; files after INCLUDE and BINCLUDE. Nothing in comments and other strings.
 [[nodiscard]] Json Completions(const Query& query);
 /// The forms of the mnemonic that match the operands before the one at the cursor; none if the
 /// cursor is not in an operand.
 [[nodiscard]] Json Signatures(const Query& query);
 
 // outline.cpp
-/// The labels and constants of the file, in the order of the text. The list is flat: which labels
-/// are routines and which are places within one is not certain.
+/// The labels and constants of the file, in the order of the text. The list is flat: it is not
+/// certain which labels are routines and which are places inside one.
 [[nodiscard]] Json DocumentSymbols(const Query& query);
 /// Adds the names of the whole program that contain `text`, without regard to case.
 void AddSymbolsLike(const Snapshot& snapshot, std::string_view text, Json* symbols);
@@ -75,8 +76,8 @@ void AddSymbolsLike(const Snapshot& snapshot, std::string_view text, Json* symbo
 
 // formatting.cpp
 /// The changes that lay out lines in columns. They only replace blanks between the parts of a line,
-/// so the image stays the same. Not changed are comment lines, continued lines, lines with an
-/// unknown mnemonic or an ambiguous division, and lines that would become long.
+/// so the image stays the same. Comment lines, continued lines, lines with an unknown mnemonic or
+/// an ambiguous division, and lines that would become too long are not changed.
 [[nodiscard]] Json Formatting(const Query& query);
 
 }  // namespace korv

@@ -1,5 +1,5 @@
 // Only blanks between the parts of a line are replaced, so strings, comments and operands cannot
-// change. The reader takes a limited number of bytes of a line, so lines may grow only up to a
+// change. The reader accepts a limited number of bytes per line, so lines may only grow up to a
 // limit.
 
 #include <algorithm>
@@ -20,7 +20,7 @@ constexpr std::array<std::size_t, 4> columns = {0, 10, 15, 34};
 // In bytes. A line that would grow beyond it is not changed.
 constexpr std::size_t longestLine = 120;
 
-// None: the line must not be changed.
+// Divides a line into its parts. None: it must not be changed.
 std::optional<LineParts> Cut(std::string_view line) {
     constexpr std::string_view odd("\0\r\x1A", 3);
     const std::size_t comment = CommentStart(line);
@@ -33,7 +33,7 @@ std::optional<LineParts> Cut(std::string_view line) {
     const StatementView view = CutStatement(statement, line);
     const std::size_t labelSize = view.label.size() + (view.hasColon ? 1 : 0);
     const std::string_view next = std::string_view(statement).substr(labelSize, 1);
-    // The assembler takes any character after a label for the colon.
+    // The assembler treats any character after a label as the colon.
     const bool isClear = view.hasColon || next.empty() || HasClass(next.front(), CC_BLANK);
     const bool isKnown = view.keyword != nullptr || view.mnemonic.empty();
     const bool isComment = view.label.empty() && view.mnemonic.empty();
@@ -71,8 +71,8 @@ class LineFormatter {
     }
 
   private:
-    // Moves `part`, which follows the last one, to column `target`, or to a blank after the last
-    // one if that ends later.
+    // Moves `part`, the next one, to column `target`, or to one blank after the previous part if
+    // that ends later.
     void Put(std::string_view part, std::size_t target) {
         if (part.empty()) {
             return;
@@ -85,7 +85,7 @@ class LineFormatter {
         end = start + part.size();
     }
 
-    // At least one blank.
+    // The gap before column `target`; at least one blank.
     [[nodiscard]] std::string GapTo(std::size_t target) const {
         const std::size_t column = Column();
         if (!hasTabs) {
@@ -95,7 +95,7 @@ class LineFormatter {
         return std::string(std::max(stop, column / tabSize + 1) - column / tabSize, '\t');
     }
 
-    // Makes `gap` the text between the end of the last part and `start`.
+    // Replaces the text between the end of the last part and `start` by `gap`.
     void Replace(std::size_t start, const std::string& gap) {
         if (text.substr(end, start - end) != gap) {
             const Place place{file, line, static_cast<std::uint32_t>(end),
@@ -105,7 +105,7 @@ class LineFormatter {
         formatted += gap;
     }
 
-    // At the end of the new line.
+    // The column at the end of the new line.
     [[nodiscard]] std::size_t Column() const {
         std::size_t column = 0;
         for (const char c : formatted) {

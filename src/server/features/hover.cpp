@@ -76,7 +76,7 @@ std::string StatementText(const Snapshot& snapshot, const Statement& statement) 
     return cycles.empty() ? text : text + "\n" + cycles + " T-states";
 }
 
-// About a token; empty for nothing.
+// The text about a token; empty if there is nothing to show.
 std::string TokenText(const Token& token, const Statement& statement) {
     const bool isCharacter = token.kind == TokenKind::string && token.text.size() == 3;
     if (token.kind == TokenKind::number || isCharacter) {

@@ -38,7 +38,7 @@ const NameAt& RenamedAt(const Query& query) {
     return *at;
 }
 
-// Why `name`, in capitals, cannot be the name of a label; empty: it can.
+// Why `name`, which is in upper case, cannot be the name of a label; empty if it can.
 std::string ReasonAgainst(const Snapshot& snapshot, const std::string& name) {
     constexpr std::size_t longestName = 256;
     std::int32_t value = 0;
@@ -110,7 +110,7 @@ Json Rename(const Query& query) {
     const auto& newName = Get<std::string>(query.parameters, "/newName");
     const NameAt& at = RenamedAt(query);
     const std::string raised = Raised(newName);
-    if (raised != at.name->text) {  // another spelling is always possible
+    if (raised != at.name->text) {  // a change of case is always possible
         if (std::string reason = ReasonAgainst(query.snapshot, raised); !reason.empty()) {
             throw RequestError{.message = std::move(reason)};
         }

@@ -15,7 +15,8 @@ int SymbolKindOf(const Name& name) {
     return name.kind == NameKind::label ? 12 : 14;
 }
 
-// In the order of the lines. A name that is defined twice counts where its value comes from.
+// The names defined in `file`, in the order of the lines. A name that is defined twice appears
+// where its value comes from.
 std::vector<const Name*> DefinedIn(const Snapshot& snapshot, std::int32_t file) {
     std::vector<const Name*> names;
     for (const Name& name : snapshot.analysis->names) {

@@ -60,7 +60,7 @@ Type TypeOf(const Token& token) {
     return none;
 }
 
-// Adds the tokens of statement after statement, in the order of the text.
+// Adds the tokens of one statement after another, in the order of the text.
 class Painter {
   public:
     Painter(const Snapshot& snapshot, std::int32_t file)
@@ -107,7 +107,7 @@ class Painter {
         }
     }
 
-    // The comment at the end of each physical line, which the cleaned line does not have.
+    // The comment at the end of each physical line, which the cleaned line does not contain.
     void PaintComments(const LogicalLine& line) {
         bool isComment = false;  // one that is continued
         auto at = line.positions.begin();

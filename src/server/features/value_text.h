@@ -10,7 +10,7 @@ namespace korv {
 /// At least `digits` hexadecimal digits.
 [[nodiscard]] std::string Hex(std::uint32_t value, std::size_t digits);
 
-/// `value` in all bases; also as a character if it is a visible one.
+/// `value` in all bases; also as a character if that is visible.
 [[nodiscard]] std::string ValueText(std::int32_t value);
 
 /// The bytes of `statement`, separated by blanks; at most `most`, then "...".

@@ -1,4 +1,5 @@
-/// The source of the files of a run: the disk (`driver/disk_store.h`), or texts in memory.
+/// The interface through which a run gets its files: from the disk (`driver/disk_store.h`), or from
+/// texts in memory.
 #pragma once
 
 #include <optional>

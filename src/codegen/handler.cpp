@@ -43,7 +43,7 @@ const char* FindOperandEnd(const char* next) {
         }
         return end;
     }
-    const char* before = start - 1;  // the comma before it, or what ended the mnemonic
+    const char* before = start - 1;  // moves to the comma before it, if there is one
     while (HasClass(*before, CC_BLANK) && before != statement->text) {
         --before;
     }

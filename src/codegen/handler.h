@@ -50,8 +50,8 @@ inline constexpr OperandCount oneOrTwoOperands{1, 2};
 inline constexpr OperandCount twoOperands{2, 2};
 inline constexpr OperandCount anyOperands{1, std::numeric_limits<std::int32_t>::max()};
 
-/// The steps before a handler, in their order. The number of operands is checked last: with a wrong
-/// one, the label is still defined and the operands are still read.
+/// The steps before a handler, in their order. The number of operands is checked last: even if it
+/// is wrong, the label is defined and the operands are read.
 enum class Frame {
     labelFirst,     ///< label, operands: a label can be an operand of its own line
     operandsFirst,  ///< operands, label

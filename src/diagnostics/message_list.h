@@ -39,7 +39,7 @@ class MessageReceiver {
 class CMessageList {
   public:
     /// An empty list of ML_ERROR or ML_WARNING with room for `capacity` messages. The room is
-    /// allocated here: later a report needs memory for its text only, and the list works even if no
+    /// allocated here: later a report needs memory only for its text, and the list works even if no
     /// memory is left. `fileNames`, not owned, supplies the names of the files for printing.
     CMessageList(std::int32_t capacity, std::int32_t kind, const CFileNameRegistry* fileNames);
 

@@ -7,8 +7,8 @@
 
 namespace korv {
 
-// No report overwrites an input. A target may, unless its name and the name of the source differ in
-// case only.
+// No report overwrites an input. A target may, unless `platform::IsProtectedFrom` protects the
+// source from its name.
 bool CAssembler::OpenOutput(platform::OutputFile* file, const std::string& name,
                             platform::OutputFile::Kind kind) {
     const bool isKept =

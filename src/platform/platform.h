@@ -1,6 +1,6 @@
-/// Everything that the core needs of the operating system. Each system has its own implementation,
-/// in posix*.cpp and win32*.cpp. No other code of the core includes a system header or tests for a
-/// system.
+/// Everything that the core needs from the operating system. Each system has its own
+/// implementation, in posix*.cpp and win32*.cpp. No other code of the core includes a system header
+/// or tests for a system.
 ///
 /// File names: both `/` and `\` separate components. Texts stay as typed; the separator is
 /// translated for calls to the system only. Files to be read are found without regard to ASCII
@@ -134,17 +134,18 @@ class CurrentDirectory {
     CurrentDirectory();
     ~CurrentDirectory();
 
-    /// The full path of a file to be read: the current directory joined with `name`, without "."
-    /// and "..", which are removed as text. It is spelled as on disk if the file is found, else as
+    /// The full path of a file to be read: the current directory joined with `name`, with "." and
+    /// ".." resolved in the text alone. It is spelled as on disk if the file is found, else as
     /// typed.
     [[nodiscard]] FoundPath FullPath(std::string_view name);
 
-    /// Makes the directory of `file`, a result of `FullPath`, the current one. It is found without
-    /// regard to case. False: it does not exist or cannot be entered, and the current directory is
-    /// unchanged. Each call needs a `Leave`, whatever its result.
+    /// Makes the directory of `file`, a result of `FullPath`, the current one. That directory is
+    /// found without regard to case. False: it does not exist or cannot be entered, and the current
+    /// directory is unchanged. Each call needs a `Leave`, whatever its result.
     [[nodiscard]] bool EnterDirectoryOf(const FoundPath& file);
-    /// Goes back to the directory before the last `EnterDirectoryOf`, even if it cannot be read or
-    /// has no name. If that fails, the result is the path of that directory, empty if it has none.
+    /// Goes back to the directory before the last `EnterDirectoryOf`, even if that cannot be read
+    /// or has no name any more. If that fails, the result is the path of that directory, empty if
+    /// it has none.
     [[nodiscard]] std::optional<std::string> Leave();
     /// Whether `name` leads to the right file. A relative name does not once a `Leave` has failed.
     [[nodiscard]] bool Reaches(std::string_view name) const {
@@ -198,9 +199,9 @@ class InputFile {
     [[nodiscard]] std::uint64_t Size() const { return size; }
     /// The identity of the open file.
     [[nodiscard]] const FileIdentity& Identity() const { return identity; }
-    /// Reads up to `count` bytes. Result: the number read. It is 0 at the end that the file had
-    /// when it was opened; after a read error, which ends the file; and if a console event occurs
-    /// while there is nothing to read.
+    /// Reads up to `count` bytes. Result: the number read. It is 0 at the end of the file, whose
+    /// size counts as fixed once it is open; after a read error, which ends the file; and if a
+    /// console event occurs while there is nothing to read.
     std::size_t Read(void* buffer, std::size_t count);
     /// Whether `Open` or a read has failed. The end of the file and a console event are not
     /// failures.
@@ -281,15 +282,15 @@ using ConsoleHandler = int (*)(int event);
 /// with the close event ignored, that event stays ignored.
 void SetConsoleHandler(ConsoleHandler handler);
 
-/// Waits until every handler call that has begun has returned, so that the objects that it uses can
-/// be destroyed.
+/// Waits until all handler calls that have begun have returned, so that the objects that they use
+/// can be destroyed.
 void AwaitConsoleHandler();
 
 /// Writes to standard output from a `ConsoleHandler`, unbuffered.
 void WriteFromHandler(std::string_view text);
 
-/// Waits for one key and reads it. On a console, no Return key is needed; other input is read up to
-/// one byte or its end. A console event counts as a key.
+/// Waits for one key and reads it. On a console, no Return key is needed. From other input, one
+/// byte or the end is read. A console event counts as a key.
 void WaitForKey();
 
 }  // namespace korv::platform

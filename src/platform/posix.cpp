@@ -133,7 +133,7 @@ void SetConsoleHandler(ConsoleHandler handler) {
         hasEventCome = false;
         consoleHandler = handler;  // before its first signal
     }
-    struct sigaction action = {};  // no SA_RESTART: it interrupts waiting for input
+    struct sigaction action = {};  // no SA_RESTART: a signal ends a wait for input
     action.sa_handler = OnSignal;
     sigfillset(&action.sa_mask);
     for (Signal& signal : signals) {

@@ -1,8 +1,8 @@
 // Names of files, and the current directory, on POSIX.
 //
 // A name is looked up without regard to case in a list of its directory's entries. Reading a
-// directory costs more than all other system calls of an INCLUDE, so the list is kept and used as
-// long as the directory has not changed. A single call shows that.
+// directory costs more than all other system calls of an INCLUDE, so the list is kept and used
+// until the directory changes. One call is enough to check that.
 
 #include <dirent.h>
 #include <fcntl.h>
@@ -162,7 +162,7 @@ struct CurrentDirectory::State {
     struct Level {
         std::string path{};      // empty: not needed yet, or there is none
         FileHandle handle{};     // to go back; opened when the directory is first left
-        bool isEntered = false;  // false: the same as at the level below
+        bool isEntered = false;  // false: the same directory as the level below
     };
 
     // Whether the current directory has a path; if so, it is stored in the last level.

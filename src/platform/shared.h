@@ -44,7 +44,7 @@ struct OutputPlace {
     unsigned mode = 0;          ///< permissions or attributes of a new file, in the system's bits
 };
 
-/// Finds the place that `place->path` leads to, and completes `place`. False: it may not be
+/// Finds the place that `place->path` leads to, and completes `place`. False: the place may not be
 /// written, is one of the files of `kept`, or cannot be determined.
 [[nodiscard]] bool FindPlace(const FileSet& kept, OutputPlace* place);
 

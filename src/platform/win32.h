@@ -25,8 +25,8 @@ namespace korv::platform {
 [[nodiscard]] std::wstring Wide(std::string_view text);
 [[nodiscard]] std::string Narrow(std::wstring_view wide);
 
-/// The full path of `name` as the system makes it, from the current directory of the process; a
-/// device has one that begins with `\\.\`. Empty: there is none.
+/// The full path of `name`, which the system forms from the current directory of the process. The
+/// path of a device begins with `\\.\`. Empty: there is none.
 [[nodiscard]] std::wstring FullName(const std::wstring& name);
 
 /// A full path in the form that is not limited to 260 characters.

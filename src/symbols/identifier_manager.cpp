@@ -8,7 +8,7 @@ namespace korv {
 CIdentifierManager::CIdentifierManager(CAssembler* assembler)
     : namePool(assembler->output), index(&namePool), assembler(assembler) {}
 
-// Makes a record for a name that is not in the table.
+// Creates the record of a name that is not in the table.
 [[gnu::noinline]] CIdentifier* CIdentifierManager::Enter(const HashedName& name) {
     auto* const record = new (namePool.Take(sizeof(CIdentifier), alignof(CIdentifier)))
         CIdentifier{.name = namePool.Store(name.text),

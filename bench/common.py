@@ -27,7 +27,7 @@ def require(tools):
 
 
 def made_by(preset, pattern):
-    """A program that tools/build makes for a preset. It is built if missing; an existing one is used as it is."""
+    """The file that tools/build makes for a preset. It is built if missing; an existing one is used as it is."""
     if not list(ROOT.glob(pattern)):
         do(ROOT / "tools" / "build", preset)
     path, = ROOT.glob(pattern)
@@ -70,7 +70,7 @@ def source(lines, shape):
 
 
 def counted(command, folder=WORK):
-    """The instructions that a program executes, without those of the kernel, and what it writes to standard error.
+    """The instructions that a program executes, without those of the kernel, and its standard error.
 
     It runs in `folder`, with an empty environment, since the C library reads each variable.
     """

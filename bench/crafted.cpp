@@ -1,5 +1,5 @@
 // Writes labels whose hashes have the same low bits, so that all of them belong in one place of the
-// index. Uses the hash function of the program itself, so it stays effective when that changes.
+// index. Uses korv's own hash function, so it stays effective when that changes.
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>

@@ -4,9 +4,9 @@
 // each run, because a file system may write a replaced file to the disk immediately, which takes
 // longer than the program.
 //
-// This is not done in Python by bench/run, for two reasons. The kernel counts the memory of the
-// process that starts a program as peak memory of the program, so the starter must be smaller than
-// the program that is measured: this one is linked statically. And starting a process from Python
+// There are two reasons why bench/run does not do this in Python. The kernel counts the memory of
+// the process that starts a program as peak memory of the program, so the starter must be smaller
+// than the program that is measured, and is linked statically. And starting a process from Python
 // takes longer than the programs need for ten lines.
 
 #include <fcntl.h>

@@ -1,5 +1,5 @@
 # Prepares the files in CPACK_TEMPORARY_DIRECTORY for the .deb. Debian requires all licences in one file, a Debian
-# changelog, and compressed changelogs and man pages without names and times. Debian's zsh has its own folder for
+# changelog, and changelogs and man pages compressed without names and times. Debian's zsh has a separate folder for the
 # completions of packages.
 set(share ${CPACK_TEMPORARY_DIRECTORY}/usr/share)
 set(copyright ${share}/doc/korv/copyright)

@@ -1,13 +1,14 @@
-# Where files are installed by `cmake --install`, and by `cpack` for a .deb. Vim searches share/vim/vimfiles of its own
-# prefix (/usr on Debian, Fedora and Arch). No other editor has a place shared by all its users: files for these are in
-# share/korv, and the manual says how to use them. The doc folder contains the manual and example programs.
+# The places of the files that `cmake --install` installs, and `cpack` for a .deb. Vim searches share/vim/vimfiles of
+# its own prefix (/usr on Debian, Fedora and Arch). No other editor has a folder shared by all its users: files for
+# these are in share/korv, and the manual explains how to use them. The doc folder contains the manual and example
+# programs.
 include(GNUInstallDirs)
 install(TARGETS korv)
 install(FILES docs/man1/korv.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 if(TARGET korv-as)
   install(TARGETS korv-as korv-ls)
   install(FILES docs/man1/korv-as.1 docs/man1/korv-ls.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
-  # Where each shell searches for the completions of packages; for Debian's zsh, see debian.cmake.
+  # The folders that the shells search for completions; for Debian's zsh, see debian.cmake.
   set(completions ${CMAKE_SOURCE_DIR}/editors/completions)
   install(FILES ${completions}/korv-as.bash DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
           RENAME korv-as)

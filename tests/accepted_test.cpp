@@ -1,6 +1,6 @@
-// Combines every keyword with every pair of operands. The statements of encodings/ must be accepted, also with other
-// numbers; refusals.txt describes the bytes and messages of all others. Both are compared for each statement, so that
-// no statement silently assembles to another one.
+// Combines every keyword with every pair of operands. The statements in encodings/ must be accepted, with other numbers
+// too; refusals.txt describes the bytes and messages of all other statements. Bytes and messages are compared for each
+// statement, so that none silently assembles to another one.
 
 #include <gtest/gtest.h>
 
@@ -26,7 +26,7 @@ namespace {
 
 constexpr std::uint32_t mostBytes = 0x100000;  // of a keyword's statements together
 
-// Added at the end of each source. It defines names, so that operands that use them get their values late.
+// Added at the end of each source. It defines names late, for operands that have no value at first.
 constexpr const char* lateSource = "SOON: EQU 18\nLATE: EQU 300\nFAR: EQU 65535+1\n";
 const std::map<std::string, int> worth = {{"SOON", 18},   {"+SOON", 18},      {"LATE", 300}, {"-LATE", -300},
                                           {"FAR", 65536}, {"65535+1", 65536}, {"\"A\"", 65}};
@@ -43,8 +43,8 @@ using Operands = std::vector<const Shape*>;
 struct Row {
     std::string line;
     Strings columns;
-    std::vector<std::set<const Shape*>> operands = {};  // those that match
-    Strings fields = {};  // of a named statement: for each operand byte, word, disp, jump, or empty
+    std::vector<std::set<const Shape*>> operands = {};  // the operands that match
+    Strings fields = {};  // of a named statement, one per operand: byte, word, disp, jump or empty
     bool isUsed = false;
 };
 enum Column { ABOUT, MNEMONICS, OPERANDS, BYTES, MESSAGES };
@@ -52,7 +52,7 @@ enum Column { ABOUT, MNEMONICS, OPERANDS, BYTES, MESSAGES };
 struct Outcome {
     std::string bytes;
     std::multiset<std::string> messages;
-    std::string line;  // of the table, which describes this outcome
+    std::string line;  // the line of the table that describes this outcome
 };
 
 std::string Hex(int value, std::size_t bytes) {
@@ -60,19 +60,19 @@ std::string Hex(int value, std::size_t bytes) {
     return ToHex({raw, bytes});
 }
 
-// Hexadecimal bytes as a failure shows them.
+// Hexadecimal bytes, shortened for the report of a failure.
 std::string Brief(const std::string& hex) {
     return hex.size() <= 40 ? hex : hex.substr(0, 40) + "... of " + std::to_string(hex.size() / 2) + " bytes ";
 }
 
-// The text without its parentheses; of an index operand, only the displacement.
+// The text without its parentheses. For an index operand, only the displacement.
 std::string Inner(const std::string& text) {
     const std::size_t sign = text.starts_with("(I") ? text.find_first_of("+-") : std::string::npos;
     const std::size_t start = sign != std::string::npos ? sign : text[0] == '(' ? 1 : 0;
     return text.substr(start, text.size() - start - (start == 0 ? 0 : 1));
 }
 
-// The pattern for all values of this form: n, (n), (IX+n) or (IY+n).
+// The pattern for all values of the same form: n, (n), (IX+n) or (IY+n).
 std::string FormOf(const std::string& text) {
     const std::size_t cut = text.size() - Inner(text).size();
     return cut == 0 ? "n" : cut == 2 ? "(n)" : text.substr(0, 3) + "+n)";
@@ -101,7 +101,8 @@ int Evaluate(const std::string& text, int address) {
     return static_cast<int>(number) + (isHere ? address : 0);
 }
 
-// Which field of a named statement's bytes holds the number of an operand; empty if it is part of the opcode.
+// The field of a named statement's bytes that holds the number of an operand; empty if the number is part of the
+// opcode.
 std::string FieldOf(const std::string& operand, const Row& row) {
     const int value = Evaluate(Inner(operand), korv::comStart);
     const int distance = value - static_cast<int>(korv::comStart) - 2;
@@ -117,7 +118,7 @@ std::string FieldOf(const std::string& operand, const Row& row) {
 
 // The bytes and messages of each line of a source, except error 12, which is reported at the end for undefined names.
 std::vector<Outcome> Assemble(const std::string& source, std::size_t lines) {
-    static std::string first;  // of the statements in hand; a directive that uses up the memory ends the process
+    static std::string first;  // the first statement, since a directive that uses up the memory ends the process
     [[maybe_unused]] static const int isSet = std::atexit([] {
         std::fputs(first.empty() ? "" : ("mark large counts as undriven in refusals.txt; " + first).c_str(), stderr);
     });
@@ -217,7 +218,7 @@ struct Crossing {
         }
     }
 
-    // The first line that matches, among those for the current keyword.
+    // The first line for the current keyword that matches.
     const Row& First(const std::string& about, const Operands& operands) {
         static const Row none{"", {"", "", "", "", "no line decides"}};
         const auto isIn = [](const Shape* shape, const auto& set) { return set.contains(shape); };
@@ -296,7 +297,7 @@ struct Crossing {
         return outcome;
     }
 
-    // The table of forms must contain the statement if and only if it was accepted, apart from its values.
+    // The table of forms must contain the statement if and only if it was accepted, whatever its values.
     void CompareForms(const std::string& text, const Outcome& got) {
         const std::string line = " " + text;
         const korv::StatementView view = korv::CutStatement(line);
@@ -311,7 +312,7 @@ struct Crossing {
         };
         const bool hasNumber = korv::HoldsWord("BIT SET RES RST IM", view.mnemonic) && !view.operands.empty() &&
                                view.operands[0].what.kind == korv::KIND_VALUE && !view.operands[0].IsIndexed();
-        const bool isJump = view.mnemonic == "DJNZ";  // which takes any word as a name
+        const bool isJump = view.mnemonic == "DJNZ";  // DJNZ accepts any word as a name
         if (!isJump && !hasNumber && !says(" 17 18 19 20 24 25 34 51 55 ") &&
             std::ranges::none_of(view.operands, isBad) && korv::HasForm(view) == says(" 1 13 14 16 54 -1 ")) {
             Differ(text + ": accepted but not in the table of forms, or the reverse");

@@ -1,4 +1,4 @@
-// The cases of cases/ and the examples in the manual: each is a separate test, named after its table, line and title.
+// The cases in cases/ and the examples in the manual. Each is a separate test, named after its table, line and title.
 // Also tests the reader of the tables.
 
 #include <gtest/gtest.h>
@@ -33,7 +33,7 @@ std::string MessagesIn(const std::string& console) {
     return messages;
 }
 
-// The console output for a case that expects `lines`: the title comes first, and the line that erases the meter last,
+// The console output of a case that expects `lines`: the title is first, and the line that erases the meter last,
 // except after the help.
 std::string Console(const std::string& lines) {
     const bool isHelp = lines.find("[Korv] HELP!\n") != std::string::npos;
@@ -77,7 +77,7 @@ TEST_P(CaseTest, Holds) {
         ASSERT_TRUE(fs::exists(test.target)) << test.title << "\n" << console;
         expected[test.target] = test.bytes ? FromHex(*test.bytes) : got[test.target];
     }
-    test.places.erase("console");  // its first line is in no table
+    test.places.erase("console");  // the title line is in no table
     const std::string different = Differences(test, expected, got);
     EXPECT_TRUE(different.empty()) << different;
 }
@@ -86,11 +86,11 @@ TEST_P(CaseTest, Holds) {
 INSTANTIATE_TEST_SUITE_P(Tables, CaseTest, testing::ValuesIn(AllBlocks()),
                          [](const auto& test) { return TestName(test.param); });
 
-// Faults in a table are refused with the name of the table and the line.
+// A fault in a table is reported with the name of the table and the line.
 TEST(TableTest, RefusesWhatWouldBeAnExpectationThatNobodyLooksAt) {
     // clang-format off
     const std::string inCase = "case A\n    NOP\n", inEncodings = "# I and R\n\n";
-    const std::tuple<std::string, std::string, Strings> rows[] = {  // the start of a table, the refusal, lines that cause it
+    const std::tuple<std::string, std::string, Strings> rows[] = {  // the start of a table, the message, lines that cause it
         {inCase, "", {"bytes 00", "bytes 00\n\n\ncase B\nbytes none"}},
         {inCase, "T:3: unknown word", {"byte 00", "# byte", "\tNOP\nbytes 00", "   NOP\nbytes 00"}},
         {inCase, "T:3: unknown escape", {"raw \\q", "raw \\", "raw \\x4G", "raw \\#"}},

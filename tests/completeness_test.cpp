@@ -1,6 +1,6 @@
 // Checks that nothing is missing: each keyword, message, reserved word and switch has a case and is in the manual; each
-// option is there and in the man page. The manual is written by hand, so it is an independent check of every word and
-// text. A failure names what is missing.
+// option is in the manual and the man page. The manual is written by hand, so it is an independent check of every word
+// and text. A failure names the missing item.
 
 #include <gtest/gtest.h>
 
@@ -29,7 +29,7 @@ namespace {
 
 using StringSet = std::set<std::string>;
 
-// Everything that the first group of `pattern` matches.
+// All texts that the first group of `pattern` matches.
 template <class Container = Strings>
 Container Found(const std::string& text, const std::string& pattern) {
     const std::regex regex(pattern);
@@ -76,9 +76,9 @@ std::regex PatternOf(const std::string& form) {
 }
 
 TEST(CompletenessTest, EveryInstructionHasItsTestAndItsRow) {
-    const std::string lines = ReplaceAll(AllCases(), "|", "\n     ");  // each alternative is a line
+    const std::string lines = ReplaceAll(AllCases(), "|", "\n     ");  // one line for each alternative
     const auto cases = Found<StringSet>(lines, "\n(?:    |raw )[^\\s;]*[ \t]+\\[?([A-Z_]+)");
-    std::map<std::string, std::pair<std::regex, bool>> forms;  // the bool: there is a test
+    std::map<std::string, std::pair<std::regex, bool>> forms;  // the bool: whether a test uses it
     StringSet listed;
     for (const std::string& row : Rows(Manual("### 5.2", "### 5.8") + Manual("## 6 ", "## 7 "))) {
         for (const std::string& form : Found(row, "`([A-Z][^`]*)`")) {
@@ -122,10 +122,10 @@ TEST(CompletenessTest, EveryInstructionHasItsTestAndItsRow) {
 
 TEST(CompletenessTest, EveryMessageHasTheTextOfTheManualAndACase) {
     const StringSet withoutCase = {
-        "error 15",  // a signal; tested in process_test.cpp
+        "error 15",  // needs a signal; tested in process_test.cpp
         "error 26",  // an EQU that waits always has its name
         "error 29",  // a name without a value always has its patches
-        "error 52",  // no memory; tested in process_test.cpp
+        "error 52",  // needs a lack of memory; tested in process_test.cpp
     };
     std::map<std::string, StringSet> texts = {{"21", {""}}, {"42", {""}}};  // in the manual
     StringSet kinds;                                                        // "error 16"
@@ -154,7 +154,7 @@ TEST(CompletenessTest, EveryMessageHasTheTextOfTheManualAndACase) {
     }
 }
 
-// Everything that a run leaves: its console output, and the names and contents of its files.
+// The complete result of a run: its console output, and the names and contents of its files.
 std::string Traces(const std::string& source, const Strings& arguments) {
     const TempDir directory;
     WriteFile("Main.Kor", source);
@@ -240,7 +240,7 @@ TEST(CompletenessTest, EverySwitchIsOnOffOrMalformed) {
 }
 
 TEST(CompletenessTest, EveryOptionAndWarningOfKorvAsIsInItsDocuments) {
-    // The files, and what precedes a letter and a long name in each; both are followed by a separator.
+    // The files, and the text before a letter and before a long name in each. A separator follows both.
     const std::string texts[][3] = {{Manual("## 13", "### 13.1"), "`-", "`--"},
                                     {"docs/man1/korv-as.1", " Fl ", " Fl Fl "},
                                     {"editors/completions/korv-as.bash", " -", " --"},
@@ -267,7 +267,7 @@ TEST(CompletenessTest, EveryOptionAndWarningOfKorvAsIsInItsDocuments) {
     }
     const std::string manual = Manual("### 13.2", "## 14");
     const std::string runs = ReadFile(ProjectPath("tests/frontend/runs.txt")).value_or("");
-    std::set<std::string_view> ofCore;  // warnings that have a number in messages
+    std::set<std::string_view> ofCore;  // warnings that have a message number
     for (std::size_t number = 0; number < korv::MESSAGE_TABLE.size(); ++number) {
         if (const auto warning = korv::WarningOf(static_cast<korv::Status>(number))) {
             ofCore.insert(korv::RowOf(*warning).name);
@@ -296,7 +296,7 @@ TEST(CompletenessTest, TheWidthsOfCharactersAreThoseOfUnicode) {
     EXPECT_TRUE(made == table) << "made by " << tool;
 }
 
-// All runs of two letters and more, in capitals.
+// All runs of two or more letters, in capitals.
 StringSet WordsOf(const std::string& text) {
     StringSet words;
     std::string word;
@@ -310,7 +310,7 @@ StringSet WordsOf(const std::string& text) {
     return words;
 }
 
-// What is in double quotes in a source, without escapes, and without what is included.
+// The texts in double quotes in a source, without escapes and without the names of included files.
 std::string TextsOf(const std::string& source) {
     std::string texts;
     for (const std::string& line : Split(source, '\n')) {

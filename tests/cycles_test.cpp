@@ -17,7 +17,7 @@ namespace {
 
 using Bytes = std::vector<std::uint8_t>;
 
-/// The T-states of the instruction with these registers. Only the flags in AF matter.
+/// The T-states of the instruction with these registers. In AF, only the flags matter.
 int Measure(const Bytes& bytes, unsigned af, unsigned bc) {
     std::array<Z80EX_BYTE, 0x10000> memory{};
     std::ranges::copy(bytes, memory.begin());
@@ -40,7 +40,7 @@ int Measure(const Bytes& bytes, unsigned af, unsigned bc) {
     return cycles;
 }
 
-// With all flags clear and all flags set, every condition is met once. With these counters, DJNZ and the block
+// Between all flags clear and all flags set, every condition is met once. With these counters, DJNZ and the block
 // instructions end once and repeat once.
 korv::Cycles Measured(const Bytes& bytes) {
     std::vector<int> all;
@@ -58,7 +58,7 @@ TEST(CyclesTest, AgreeWithTheEmulatorForEveryDocumentedOpcode) {
     std::vector<int> compared;
     for (Bytes bytes : pages) {
         compared.push_back(0);
-        bytes.resize(bytes.size() + 4, 0x30);  // no documented opcode with a prefix
+        bytes.resize(bytes.size() + 4, 0x30);  // not a documented opcode after a prefix
         std::uint8_t& opcode = bytes[bytes.size() - 4];
         for (int i = 0; i < 0x100; ++i) {
             opcode = static_cast<std::uint8_t>(i);

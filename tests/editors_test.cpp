@@ -24,7 +24,7 @@ std::string Editor(const std::string& name) {
     return ReadFile(ProjectPath("editors/" + name)).value_or("");
 }
 
-// The words in the text that the first group of `pattern` matches.
+// The words in the texts that the first group of `pattern` matches.
 StringSet WordsIn(const std::string& text, const std::string& pattern) {
     const std::regex list(pattern);
     const std::regex word("[A-Z_]+");
@@ -136,7 +136,7 @@ TEST(EditorsTest, PatternsMatchTheMessages) {
         MatchedByVim("korv-as", ofKorvAs + RunKorvAs({"none.kor"})));
 }
 
-// The completions that bash proposes for the last word of a command line. Bash splits words at "=" and "@".
+// The words that bash proposes to complete the last word of a command line. Bash splits words at "=" and "@".
 TEST(EditorsTest, BashCompletesOptionsArgumentsAndFiles) {
     if (std::system("bash -c 'type mapfile compgen' >/dev/null 2>&1") != 0) {
         GTEST_SKIP() << "bash is not installed";

@@ -13,11 +13,11 @@ namespace korv_test {
 namespace {
 
 // A Z80 with 64 KiB of RAM, and the CP/M calls that a console program needs: 0 (end), 1 (read a key), 2 (print a
-// character), 9 (print text up to "$") and 10 (read a line). Input is not echoed, so `output` is only what the program
-// prints. After the end of the input, a key is 1AH and a line is empty.
+// character), 9 (print text up to "$") and 10 (read a line). Input is not echoed, so `output` is only the text that the
+// program prints. At the end of the input, a key is 1AH and a line is empty.
 struct Emulator {
     static constexpr unsigned systemEntry = 5;
-    static constexpr unsigned stackTop = 0xFF00;  // the word 0 there is the return address
+    static constexpr unsigned stackTop = 0xFF00;  // the word there, 0, is the return address
     std::string memory = std::string(0x10000, '\0');
     std::string output;
     std::string_view input;  // the unread part; lines end in a line feed
@@ -29,7 +29,7 @@ struct Emulator {
             [](auto*, Z80EX_WORD, Z80EX_BYTE, void*) {}, nullptr, nullptr, nullptr),
         z80ex_destroy};
 
-    // Result: false if the program has not returned to address 0 after more steps than any test needs.
+    // Result: false if the program has not returned to address 0 within more steps than any test needs.
     bool Run(const std::string& code, unsigned start, unsigned entry) {
         memory.replace(start, code.size(), code).resize(0x10000);
         memory[systemEntry] = '\xC9';
@@ -52,7 +52,7 @@ struct Emulator {
         }
         std::size_t used = 0;
         if (call == 0) {
-            z80ex_set_reg(cpu.get(), regSP, stackTop);  // so that the RET ends the program
+            z80ex_set_reg(cpu.get(), regSP, stackTop);  // the RET then ends the program
         } else if (call == 1) {
             const unsigned key = input.empty() ? 0x1AU : static_cast<Z80EX_BYTE>(input[0]);
             z80ex_set_reg(cpu.get(), regAF, static_cast<Z80EX_WORD>(key << 8));
@@ -72,7 +72,7 @@ struct Emulator {
     }
 };
 
-/// What sieve.kor prints.
+/// The text that sieve.kor prints.
 std::string Primes() {
     std::string text;
     int count = 0;

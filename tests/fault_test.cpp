@@ -1,4 +1,4 @@
-// What a run leaves when the system fails it, at each point in turn.
+// The files that a run leaves when the system fails at each point of it in turn.
 
 #include <gtest/gtest.h>
 
@@ -32,10 +32,10 @@ Files FilesHere() {
     return files;
 }
 
-const std::string none = "none";  // instead of the contents of a file that is not there
+const std::string none = "none";  // the contents of a file that does not exist
 
-// The files that a run writes, and what it says of each that is there, or cannot be opened. A
-// target may be refused, and of errors there may be none.
+// The files that a run writes, with its message if the file has been written, and if it cannot be opened. There may be
+// no target, and no file of errors.
 const std::tuple<std::string, std::string, std::string> written[] = {
     {"out/OUT.COM", "Binary target secured. (out/OUT.COM)\n", "Could not open out/OUT.COM.\n"},
     {"out/Debug.Out", "Debugfile written!\n", "Could not open 'debug.out'!\n"},
@@ -44,7 +44,7 @@ const std::tuple<std::string, std::string, std::string> written[] = {
 };
 std::string consoles;  // of all runs
 
-// The last line of the source, what stood at the place of those files, what happens to a request.
+// The last line of the source, the old contents of those files, the fault of a request.
 using Row = std::tuple<std::string, std::string, RequestFault>;
 class FaultTest : public testing::TestWithParam<Row> {
   public:
@@ -58,7 +58,7 @@ class FaultTest : public testing::TestWithParam<Row> {
               "(0) : error X32 : Could not get directory.\n"}) {
             EXPECT_TRUE(Contains(consoles, message)) << message;
         }
-        // On Windows the way back is no request.
+        // On Windows, leaving a directory makes no request.
         EXPECT_EQ(!isWindows, Contains(consoles, "(0) : error X31 : Could not change directory. [$DIR]\n"));
     }
 };
@@ -81,9 +81,9 @@ TEST_P(FaultTest, LeavesWhatItSays) {
             contents == none ? fs::remove(name) : false;
         }
         FaultFileRequest(n, what);
-        // Where the system finds it too, it has another name when it has not been looked up.
+        // If the system ignores case, a file whose directory could not be searched is found under the name as typed.
         RunKorv({isWindows ? "main.kor" : "Main.Kor", "out/OUT.COM", "/d", "/l", "/m", "/f:4"});
-        fs::current_path(directory.Path());  // there may have been no way back
+        fs::current_path(directory.Path());  // the run may have failed to leave a directory
         console = ReplaceAll(*ReadFile("console"), "\\", "/");
         files = FilesHere();
         files.erase("console");
@@ -123,7 +123,7 @@ TEST_P(FaultTest, LeavesWhatItSays) {
         ASSERT_EQ(sources, files);
         const bool isAborted = Contains(console, "Aborting");
         ASSERT_FALSE(isAborted && Contains(console, "secured"));
-        if (fault == RequestFault::isBroken && !isAborted) {  // too late, and so it is not said
+        if (fault == RequestFault::isBroken && !isAborted) {  // it was too late, and is not mentioned
             ASSERT_EQ(right, console);
         }
         ASSERT_FALSE(Contains(console, "/main.kor]") && Contains(console, "[FROB]"));
@@ -136,12 +136,12 @@ INSTANTIATE_TEST_SUITE_P(Any, FaultTest,
                                           testing::Values(RequestFault::failsOnce, RequestFault::failsForGood,
                                                           RequestFault::isBroken)));
 
-// What fails at the n-th point of a run, and whether that ends the process.
+// A fault at the n-th point of a run, and whether it ends the process.
 struct Fault {
     const char* name;
     void (*cause)(int n);
     bool isEnd;
-    int step = 1;  // of n: a run makes a thousand allocations, and each needs a process
+    int step = 1;  // of n: a run has a thousand allocations, and each fault needs a process
 };
 std::ostream& operator<<(std::ostream& out, const Fault& fault) {
     return out << fault.name;
@@ -156,7 +156,7 @@ const Fault faults[] = {
 #endif
 };
 
-// How a run ended, and whether its fault has come.
+// The end of a run, and whether its fault has occurred.
 struct Ending {
     std::string printed;
     bool hasCome;
@@ -190,7 +190,7 @@ Ending RunUnder(const Fault& fault, int n) {
 
 class OutputFaultTest : public testing::TestWithParam<std::tuple<Fault, bool>> {};
 
-// All outputs are the new ones or the old ones, and what is printed agrees with that.
+// All outputs are the new ones, or all are the old ones, and the messages agree with that.
 TEST_P(OutputFaultTest, LeavesAllOutputsOrNone) {
     const auto& [fault, isThere] = GetParam();
     const TempDir directory;
@@ -219,14 +219,14 @@ TEST_P(OutputFaultTest, LeavesAllOutputsOrNone) {
         if (printed == right) {
             return files == after;
         }
-        if (!Contains(printed, "exit status ")) {  // names are full, since the current directory was not found
+        if (!Contains(printed, "exit status ")) {  // names are full paths, since the current directory was not found
             return files["out/a.com"] == after["out/a.com"] && files["out/a.sym"] == after["out/a.sym"] &&
                    Contains(files["out/a.d"], fs::path(directory.Path()).generic_string()) &&
                    Contains(files["out/a.lst"], directory.Path());
         }
         for (const std::string& name : outputs) {
             const bool isLost = isForGood && Contains(printed, "; cannot restore " + name);
-            const bool isListing = name == "out/a.lst" && Contains(printed, ": error: could not ");  // and shows that
+            const bool isListing = name == "out/a.lst" && Contains(printed, ": error: could not ");  // it shows it
             const bool isNew = files[name] != before[name];
             if (isNew != isLost && !(isNew && isListing)) {
                 return false;

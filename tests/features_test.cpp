@@ -1,4 +1,4 @@
-// The features of korv-ls: tables of sources with marks, and the reply to requests there.
+// The features of korv-ls: tables of sources with marks, and the replies to requests at the marks.
 
 #include "server/features/features.h"
 
@@ -20,7 +20,7 @@ using korv::Json;
 
 constexpr korv::Range wholeFile{{0, 0}, {0xFFFFFFFF, 0}};
 
-// The files of a case, with what the analysis makes of them.
+// The files of a case, with their analysis.
 struct Program {
     std::map<std::string, std::string> files;  // by name
     Strings names;                             // of the files; the main one first
@@ -32,13 +32,13 @@ struct Program {
     std::vector<Mark> marks = {};
     korv::Snapshot snapshot = {};
     std::int32_t markedFile = 0;
-    korv::Place place = {};  // of the mark in question
+    korv::Place place = {};  // of the mark of the current request
 
     void Analyse(korv::PositionEncoding encoding) {
         korv::FileStore store;
         for (const auto& [name, text] : files) {
             if (!name.starts_with('/')) {
-                WriteFile(name, "");  // that a file exists is asked of the disk
+                WriteFile(name, "");  // the analysis asks the disk whether a file exists
             }
             store.SetText(store.FullPath(name), text);
         }
@@ -56,7 +56,7 @@ struct Program {
         markedFile = snapshot.FileOf(korv::FileStore().FullPath(mark.file));
         place = {markedFile, mark.line, mark.column, 0};
     }
-    // The result of a feature at the mark, or in its line.
+    // The result of a feature for the mark and its line.
     [[nodiscard]] Json Ask(Json (*feature)(const korv::Query&), const Json& parameters = {}) const {
         korv::Documents documents;
         korv::Workspace workspace(&documents);
@@ -67,7 +67,7 @@ struct Program {
     }
 };
 
-// As editors show it: from 1. "2:3-5" is within a line.
+// Counted from 1, as in editors. "2:3-5" is within a line.
 std::string Shown(const Json& range) {
     const auto shown = [](const Json& at, const char* part) { return std::to_string(at[part].get<int>() + 1); };
     const Json& start = range["start"];
@@ -81,7 +81,7 @@ std::string Shown(const Json& range) {
 std::string At(const Json& location) {
     return std::string(location["uri"]) + " " + Shown(location["range"]);
 }
-// Each item on a line, or all on one if another separator is given.
+// One line for each item, or all on one line if another separator is given.
 template <typename Text>
 std::string Lines(const Json& items, const Text& text, const std::string& separator = "\n") {
     std::string all;
@@ -117,7 +117,7 @@ std::string Changed(const korv::Snapshot& snapshot, std::int32_t file, const Jso
     return text.append(before.Bytes().substr(end));
 }
 
-// The operand in hand is in brackets.
+// The signatures, with the current operand in brackets and "*" before the active one.
 std::string Signatures(const Program& program) {
     const Json help = program.Ask(korv::Signatures);
     std::size_t number = 0;
@@ -129,7 +129,7 @@ std::string Signatures(const Program& program) {
     };
     return Lines(help.is_null() ? Json() : help["signatures"], shown, " | ");
 }
-// A line for each one of the source: columns and types.
+// The columns and types of the tokens, with one line for each line of the source.
 std::string Tokens(const Program& program) {
     const Json data = program.Ask(korv::SemanticTokens)["data"];
     std::ostringstream all;
@@ -146,7 +146,7 @@ std::string Tokens(const Program& program) {
     return all.str() + "\n";
 }
 
-// The reply to `request` with the rest of its line, as text.
+// The reply to `request` as text. `word` is the rest of the line of the request.
 std::string Reply(const Program& program, const std::string& request, const std::string& word) {
     if (request == "hover") {
         const Json hover = program.Ask(korv::Hover);
@@ -220,7 +220,7 @@ std::string Reply(const Program& program, const std::string& request, const std:
                  [](const Json& each) { return std::string(each["title"]) + "\n" + ShownEdit(each["edit"]); });
 }
 
-// Bytes for "{HH}"; `columns` gets the offset of each character of `text`.
+// Replaces each "{HH}" by its byte. `columns` receives the offset of each character of `text`.
 std::string Unescaped(const std::string& text, std::vector<std::size_t>* columns) {
     std::string bytes;
     for (std::size_t i = 0; i < text.size(); ++i) {

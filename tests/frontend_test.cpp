@@ -66,7 +66,7 @@ Strings AllTables() {
     return tables;
 }
 
-// The cases of a table. All instructions of a table of encodings together are one case.
+// The cases of a table. All instructions of a table of encodings form one case.
 std::vector<Case> CasesOf(const std::string& table) {
     std::vector<Case> cases;
     if (Contains(table, "/encodings/")) {
@@ -82,8 +82,8 @@ std::vector<Case> CasesOf(const std::string& table) {
 
 class FrontendPromiseTest : public testing::TestWithParam<std::string> {};
 
-// For every source of the tables, korv-as must make the image of korv or none. It may only make none if korv makes
-// none, or if it reports one of the errors that korv does not have.
+// For every source of the tables, korv-as must make the same image as korv or none. It may make none only if korv makes
+// none, or if it reports an error that korv does not have.
 TEST_P(FrontendPromiseTest, EverySourceGivesTheImageOfKorvOrNone) {
     const std::regex stricter("error: .*(\\[(open-if|max-image)\\]|\n *(IF|COND) )", std::regex::icase);
     int images = 0;
@@ -191,7 +191,7 @@ TEST(FrontendTest, RefusesAFaultyCommandLineAndWritesNothing) {
         WriteFile("open", "a.kor\n-o b\nx\"y\n\n");
         fs::create_hard_link("a.kor", "sub/link");
         if (isWindows && (Contains(words, "sub/to") || Contains(words, "/dev/"))) {
-            continue;  // which needs a privilege there
+            continue;  // links need a privilege on Windows
         }
         isWindows ? void() : fs::create_symlink("../new", "sub/to");
         const auto before = FilesHere();

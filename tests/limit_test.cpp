@@ -29,7 +29,7 @@ TEST(BinBlockTest, GrowsInItsStepsAndNotBefore) {
         {[&](auto* block) { block->PutBytes(ones); }, 36864, 20480},
         {[](auto* block) { block->PutByteAt(1, 4095), block->PutWordAt(1, 4094); }, 4096, 0},
         {[](auto* block) { block->PutByteAt(1, 99999), block->PutWordAt(1, 102399); }, 118784, 0},
-        {[](auto* block) { block->PutByteAt(1, 4294967295); }, 4096, 0},  // no position
+        {[](auto* block) { block->PutByteAt(1, 4294967295); }, 4096, 0},  // not a position
     };
     for (const auto& [put, size, position] : rows) {
         korv::BinBlock block(4096, stdout);
@@ -57,7 +57,7 @@ TEST(FileNameTest, HasAPhraseForANumberThatWasNotGiven) {
     EXPECT_STREQ("--Error--", names.NameOf(-1));
 }
 
-TEST(NameIndexTest, TellsShortNamesApartByTheirTail) {  // their texts are not compared
+TEST(NameIndexTest, TellsShortNamesApartByTheirTail) {  // the texts of short names are not compared
     const std::string text = "\1\2\3\4\5\6\7\10";
     for (std::size_t size = 1; size <= text.size(); ++size) {
         const auto tail = std::bit_cast<std::array<char, 8>>(korv::TailOf(text.data(), size));

@@ -1,5 +1,5 @@
-// The notes: the example in each row of their tables, and mistakes of all kinds. If a note proposes a change, making
-// the change must remove the error and cause no other.
+// The notes: the example in each row of their tables, and mistakes of all kinds. If a note proposes a change, the
+// change must remove the error and cause no other.
 
 #include "frontend/notes.h"
 
@@ -105,7 +105,7 @@ TEST(NotesTest, MistakesGetOneMessageAtTheirPlace) {
         const std::size_t cut = line.find(" <- ");
         ASSERT_NE(std::string::npos, cut) << line;
         const std::string source = line.substr(cut + 4);
-        const bool isWhole = line[0] != '?';  // otherwise the proposed change does not mend everything
+        const bool isWhole = line[0] != '?';  // otherwise the proposed change corrects only a part
         EXPECT_EQ(line.substr(isWhole ? 0 : 1, cut - (isWhole ? 0 : 1)) + "\n", Printed(source)) << source;
         EXPECT_EQ("", isWhole ? ErrorsAfterChange(source) : "") << source;
         ++count;
@@ -135,7 +135,7 @@ TEST(NotesTest, NearWordsAreFoundAndNoneThatIsFar) {
         views.push_back(many[i]);
     }
     korv::NearWords index(views);
-    const std::clock_t start = std::clock();  // of the processor, which other programs may use too
+    const std::clock_t start = std::clock();  // processor time, since other programs may be running too
     for (int i = 0; i < 10000; ++i) {
         EXPECT_TRUE(index.Find("LABLE" + std::to_string(200000 + i)).empty() || i < 100);
     }

@@ -1,5 +1,4 @@
-// What a summary and a rule for make contain if the names of files are unusual. All else about outputs is in
-// frontend/runs.txt.
+// The summary and the rule for make with unusual file names. All other tests of outputs are in frontend/runs.txt.
 
 #include <gtest/gtest.h>
 

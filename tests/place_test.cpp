@@ -1,4 +1,4 @@
-// The part of a line that a message points at.
+// The parts of lines that messages point at.
 
 #include <gtest/gtest.h>
 

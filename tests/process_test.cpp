@@ -1,4 +1,4 @@
-// Tests that need POSIX: how the program dies, is interrupted or waits, in a child process; owners, permissions, links.
+// Tests that need POSIX: programs that die, are interrupted or wait, in a child process; owners, permissions, links.
 
 #include "driver/process.h"
 
@@ -80,8 +80,7 @@ TEST(FaultDeathTest, AnyAllocationMayFailOnceOrForGood) {
     // clang-format on
     const std::string death = "Could not allocate more memory! (Size=4096)\n";
     const std::string firstDeath = "[ERROR!] Failed to allocate 8192 bytes.\n" + dump + death + dump;
-    const std::string use =
-        " DW F0+" + std::string(1100, '0') + "\n";  // 16 of them: the 15th no longer fits in a block
+    const std::string use = " DW F0+" + std::string(1100, '0') + "\n";  // no block has room for 15
     std::string source =
         "L0: DW F0+0,F1,F2\n" + ReplaceAll(std::string(16, 'x'), "x", use) + " IF 1\n INCLUDE 7\n ENDIF\n";
     const std::string text = " DB \"" + std::string(200, 'x') + "\"\n";
@@ -122,8 +121,8 @@ TEST(FaultDeathTest, AnyAllocationMayFailOnceOrForGood) {
     // clang-format off
     const std::string line = " : error X52 : Out of Memory.\n", noFile = "\nUhm, I DUNNO! ;p(0)" + line;
     const std::pair<std::string, std::string> rows[] = {
-        // the size that could not be allocated, and what is printed then
-        {"", "Could not allocate more memory! (Size=20480)\n"},  // larger by a word
+        // the size that could not be allocated, and the output
+        {"", "Could not allocate more memory! (Size=20480)\n"},  // grown for a word
         {"", "Could not allocate memory for BinBlock.\n"}, {"", "Could not allocate more memory.\n"},
         {"", "Could not allocate memory for CPatchInfoMemBlock!\n"}, {"", "realloc error\n"},
         {"", "Could not allocate memory for CtmpStringBlock!\n"}, {"", "Could not allocate memory for lsArg!\n"},
@@ -214,7 +213,7 @@ TEST(WaitTest, EndsWithAnEvent) {
             siginfo_t end = {};
             return waitid(P_PID, static_cast<id_t>(child), &end, WEXITED | WNOHANG | WNOWAIT) != 0 || end.si_pid != 0;
         };
-        for (int i = 0; i < 5 && !hasEnded(); ++i) {  // an event between the prompt and the waiting comes too early
+        for (int i = 0; i < 5 && !hasEnded(); ++i) {  // an event between the prompt and the wait is too early
             kill(child, SIGTERM);
             Await(hasEnded);
         }
@@ -234,7 +233,7 @@ TEST(SettledTest, ARefusedTargetCannotBeAborted) {
     EXPECT_TRUE(assembler.flags.Has(korv::RF_SETTLED));
 }
 
-// Both ends of a terminal; -1 where none can be had.
+// Both ends of a terminal; -1 if the system provides none.
 class Terminal {
   public:
     Terminal() : keyboard(posix_openpt(O_RDWR | O_NOCTTY)) {
@@ -245,7 +244,7 @@ class Terminal {
         close(screen);
         close(keyboard);
     }
-    // What it shows.
+    // The text on the screen.
     [[nodiscard]] std::string Text() const {
         std::string text(4096, '\0');
         text.resize(static_cast<std::size_t>(std::max<ssize_t>(0, read(keyboard, text.data(), text.size()))));
@@ -266,7 +265,7 @@ TEST(WaitTest, TakesOneKeyOfATerminal) {
     termios now = before;
     const auto type = [&](pid_t) {
         Await([&] { return tcgetattr(terminal.screen, &now) == 0 && now.c_lflag != before.c_lflag; });
-        EXPECT_EQ(1, write(terminal.keyboard, "x", 1));  // without the return key
+        EXPECT_EQ(1, write(terminal.keyboard, "x", 1));  // without a Return
     };
     const auto fromTerminal = [&](pid_t) { dup2(terminal.screen, STDIN_FILENO); };
     EXPECT_EQ(0, RunChild({"korv", "/wait"}, fromTerminal, type).status);
@@ -275,7 +274,7 @@ TEST(WaitTest, TakesOneKeyOfATerminal) {
     EXPECT_EQ(before.c_lflag, now.c_lflag);
 }
 
-// The superuser has all permissions, so these runs are made by another user, in directories that everybody can use.
+// The superuser has all permissions, so these runs are made as another user, in directories that everybody can use.
 class AsNobody {
   public:
     AsNobody() {
@@ -349,7 +348,7 @@ TEST(OutputTest, LeavesNothingWhenTheProcessEnds) {
         if (child == 0) {
             korv::platform::OutputFile files[2];
             bool isRight = files[0].Open("a", {}, {}) && files[1].Open("b", {}, {});
-            std::raise(SIGUSR1);  // which is delayed while a file is unfinished
+            std::raise(SIGUSR1);  // delayed while a file is unfinished
             files[0].Write("text", 4);
             isRight = isRight && files[0].Commit() && (!isLast || files[1].Commit());
             std::exit(isRight ? 0 : 1);
@@ -396,7 +395,7 @@ int RunFrontendOn(
     return korv::RunFrontend(static_cast<int>(argv.size()), argv.data());
 }
 
-// Colours if they are wanted, and no byte of a source that controls the terminal.
+// Prints colours if they are wanted, and no control characters from a source.
 TEST(TerminalTest, GetsColoursAndNoControlCharactersFromKorvAs) {
     const Terminal terminal;
     if (terminal.screen < 0) {
@@ -411,7 +410,7 @@ TEST(TerminalTest, GetsColoursAndNoControlCharactersFromKorvAs) {
     const std::string coloured = "\x1B[1ma.kor:1:9: \x1B[31merror: \x1B[0mcould not resolve label: 'FOO' [X12]\n"
                                  " DB \"\\x1B\",FOO\n           \x1B[32m^~~\x1B[0m\nkorv-as: 1 error\n";
     const std::tuple<const char*, const char*, const char*, std::string> rows[] = {
-        // TERM, NO_COLOR, the words of the run, what is shown
+        // TERM, NO_COLOR, the words of the run, the output
         {"xterm", nullptr, "a.kor", coloured}, {"xterm", "", "a.kor", coloured}, {"xterm", "1", "a.kor", plain},
         {"dumb", nullptr, "a.kor", plain}, {"", nullptr, "a.kor", plain}, {"xterm", nullptr, "a.kor --color never", plain},
         {"dumb", "1", "a.kor --color always", coloured}, {"xterm", "", "--\x1B", "korv-as: error: unknown option '--\\x1B'; --help lists the options\n"},
@@ -433,7 +432,7 @@ TEST(TerminalTest, GetsColoursAndNoControlCharactersFromKorvAs) {
     }
 }
 
-// With standard output on a full disk; after "|" in a pipe that nobody reads; after "<" and ">" a stream is closed.
+// Standard output is on a full disk. After "|" it is a pipe that nobody reads. After "<" or ">" that stream is closed.
 TEST(FrontendProcessTest, WhyAFileCannotBeReadOrWrittenIsSaid) {
     const std::string full = ": No space left on device", denied = ": Permission denied";
     const std::pair<std::string, std::string> rows[] = {{"-h", "write standard output" + full},

@@ -21,13 +21,13 @@ inline constexpr const char* nullDevice = "/dev/null";
 
 /// Runs korv with `arguments` in the current directory. Result: its output, which is also left in a file `console`.
 std::string RunKorv(Strings arguments);
-/// Runs korv-as, with a file `stdin` in the current directory as its standard input, if there is one. Result: its
-/// output on both streams, then its exit status if that is not 0. Leaves no file.
+/// Runs korv-as. A file `stdin` in the current directory, if there is one, is its standard input. Result: its output on
+/// both streams, then its exit status if that is not 0. Leaves no file.
 std::string RunKorvAs(Strings arguments);
 /// The same, but stores its standard output in `output`. Result: the rest.
 std::string RunKorvAs(Strings arguments, std::string* output);
 
-/// Enters an empty directory; leaves and removes it at the end.
+/// Enters a new empty directory. The destructor leaves and removes it.
 class TempDir {
   public:
     TempDir();

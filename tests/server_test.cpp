@@ -1,4 +1,4 @@
-// korv-ls: whole sessions, as the client sees them, and beside korv-as on all sources of the tables.
+// korv-ls: whole sessions as the client sees them, and a comparison with korv-as on all sources of the tables.
 
 #include "server/server.h"
 
@@ -29,7 +29,7 @@ class QueuedClient : public korv::platform::Connection {
 
     bool IsInputWaiting() const override { return true; }
     std::size_t Read(char* buffer, std::size_t count) override {
-        const std::size_t part = std::min({count, input.size(), std::size_t{7}});  // headers and bodies come in pieces
+        const std::size_t part = std::min({count, input.size(), std::size_t{7}});  // headers and bodies in pieces
         input.copy(buffer, part);
         input.erase(0, part);
         return part;
@@ -53,7 +53,7 @@ class QueuedClient : public korv::platform::Connection {
     }
 };
 
-// A message without "jsonrpc", which all have.
+// Adds "jsonrpc" to a message, which the tables leave out.
 std::string Whole(std::string text, const std::string& here) {
     text = ReplaceAll(text, "$URI", here);
     return text.starts_with("{") ? "{\"jsonrpc\":\"2.0\"," + text.substr(1) : text;
@@ -64,7 +64,7 @@ std::string OpenMessage(const std::string& uri, const std::string& text) {
            text + "\"}}}";
 }
 
-// What a message publishes, as "shown URI VERSION | 1:2-5 error CODE TEXT <- URI 1:2-5 TEXT", with columns from 1.
+// The contents of a publication, as "shown URI VERSION | 1:2-5 error CODE TEXT <- URI 1:2-5 TEXT", with columns from 1.
 std::string ShownText(const std::string& body) {
     const korv::Json parameters = korv::Json::parse(body)["params"];
     const auto message = [](const korv::Json& range, const korv::Json& text) {
@@ -184,7 +184,7 @@ TEST(ServerTest, UrisArePathsAndBack) {
     }
 }
 
-// What korv-as prints for the messages of one file, and what the server shows there.
+// For each file, the messages of korv-as must be those that the server publishes.
 TEST(ServerTest, DiagnosticsAreTheMessagesOfKorvAs) {
     std::size_t count = 0;
     for (const std::string folder : {"cases", "frontend"}) {

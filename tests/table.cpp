@@ -23,7 +23,7 @@ void Require(bool isTrue, const std::string& otherwise) {
     }
 }
 
-// Calls `work` for each line. Adds the place of the line to what it throws.
+// Calls `work` for each line, and adds the place of the line to an exception that it throws.
 template <typename Work>
 void ForEachLine(const std::vector<TableLine>& lines, const Work& work) {
     for (const TableLine& line : lines) {
@@ -48,8 +48,8 @@ bool IsBytes(const std::string& text) {
     return text.size() % 2 == 0 && text.find_first_not_of("0123456789ABCDEF") == std::string::npos;
 }
 
-// Expands a line with alternatives: "LD [B|C],5" gives two lines, each with its alternative. A line without brackets
-// gives itself, with the alternative "=", so that "[=]" in its messages is not changed.
+// Expands a line with alternatives: "LD [B|C],5" yields two lines, each with its alternative. A line without brackets
+// yields itself, with the alternative "=", so that "[=]" in its messages stays.
 std::vector<std::pair<std::string, std::string>> Alternatives(const std::string& line) {
     static const std::regex bracket(R"(\[([^\[\]]*\|[^\[\]]*)\])");
     std::smatch match;
@@ -119,7 +119,7 @@ class CaseReader {
         }
     }
 
-    // `place` is where `line` is in its table.
+    // `place` is the place of `line` in its table.
     void Take(const std::string& line, const std::string& place) {
         takenPlace = place;
         if (file.empty()) {
@@ -209,7 +209,7 @@ class CaseReader {
                 parts.pop_back();
             }
             for (const auto& [text, part] : Alternatives(source)) {
-                // Marks on a line of their own belong to the line before.
+                // A line that consists only of marks belongs to the line before.
                 *block += isMarked && source.empty() ? "" : text + "\n";
                 const auto number = std::count(block->begin(), block->end(), '\n');
                 for (std::size_t i = 1; i < parts.size(); ++i) {

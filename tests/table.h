@@ -1,5 +1,5 @@
-/// Readers of the text tables, whose format README.md describes. A reader throws an exception with the table and the
-/// line if it does not understand something, so only the test that needs this line fails.
+/// Readers of the text tables, whose format README.md describes. If a reader does not understand a line, it throws an
+/// exception that names the table and the line, so only the test that needs that line fails.
 #pragma once
 
 #include <map>
@@ -35,21 +35,21 @@ std::string TestName(const Block& block);
 struct Case {
     std::map<std::string, std::string> files;  ///< contents by name
     Strings arguments = {"Main.Kor"};
-    std::string target;                          ///< the name of the file that the arguments ask for
+    std::string target;                          ///< the name of the target that the arguments select
     std::string messages;                        ///< as printed, without directories: errors, then warnings
     bool hasError = false;                       ///< whether an error is expected
     std::optional<std::string> bytes;            ///< the target in hexadecimal, or "none"
     std::map<std::string, std::string> outputs;  ///< expected contents by name; "console" as in README.md
-    /// For each expectation, the offsets in it and the lines of the table that they come from. Messages expected by
-    /// marks are under "messages".
+    /// For each expectation, the offsets in it and the lines of the table that they come from. Messages that are
+    /// expected by marks have the name "messages".
     std::map<std::string, std::vector<std::pair<std::size_t, std::string>>> places;
     std::string title;  ///< the first line of the case, and its place
 };
 
 Case ReadCase(const Block& block);
 
-/// Describes where the texts in `got` differ from `expected`: the title, then for each name the line of the table, the
-/// offset, the two bytes and their lines. Empty: nowhere.
+/// Describes the differences between the texts in `got` and `expected`: the title, then for each name the line of the
+/// table, the offset, the two bytes and their lines. Empty: there are none.
 std::string Differences(const Case& test, std::map<std::string, std::string> expected,
                         std::map<std::string, std::string> got);
 
@@ -59,7 +59,7 @@ struct Encoding {
     std::string place = {};  ///< of the line in its table
 };
 
-/// Reads a table of encodings. The line "LD [B|C],5 = 06 05|0E 05" stands for two of them.
+/// Reads a table of encodings. The line "LD [B|C],5 = 06 05|0E 05" stands for two encodings.
 std::vector<Encoding> ReadEncodings(const std::string& path);
 
 }  // namespace korv_test

@@ -1,5 +1,5 @@
 // Arithmetic and logic. The encoders are shared; the mnemonics differ in the spelling that they
-// take: ADD with or without "A,", ADC and SBC only with it, the others never.
+// accept: ADD with or without "A,", ADC and SBC only with it, the others only without.
 
 #include "codegen/handlers.h"
 #include "codegen/operand_forms.h"
@@ -12,7 +12,8 @@ constexpr std::uint32_t pairs = ALLOW_BC | ALLOW_DE | ALLOW_SP;
 
 constexpr std::int32_t toImmediate = 0x46;  // from 80 to C6, 88 to CE, 98 to DE
 
-// The form of the operand that is added to HL, IX or IY. It may be the same register.
+// The form of the pair that is added to HL, IX or IY, or subtracted from HL. It may be the same
+// register.
 constexpr OperandForm PairForm(std::uint8_t prefix, std::uint8_t opcode, std::int32_t to) {
     const std::uint32_t forms = prefix == PREFIX_NONE ? 0 : FORM_PREFIX;
     return {4, opcode, 0, prefix, pairs | AllowedBit(to), forms};

@@ -42,7 +42,7 @@ void BinBlock::GrowBy(std::uint32_t step, std::uint64_t offset) {
         const bool hasRoom = size <= std::numeric_limits<std::uint32_t>::max() - step;
         void* const grown = hasRoom ? platform::Reallocate(data, size + step) : nullptr;
         if (grown == nullptr) {
-            const bool isByte = step == byteStep;  // the sizes of words are signed
+            const bool isByte = step == byteStep;  // for words, the size is printed as signed
             std::fprintf(stream, "Could not allocate more memory! (Size=%lld)\n",
                          isByte ? static_cast<long long>(size) : static_cast<std::int32_t>(size));
             std::exit(-1);

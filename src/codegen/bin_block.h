@@ -1,6 +1,6 @@
-/// The growing buffer into which the whole run assembles. It has offsets in the target and no
-/// addresses: the location counter is a separate number, which its users move. Neither is computed
-/// from the other.
+/// The growing buffer into which the whole run assembles. Its positions are offsets in the target,
+/// not addresses: the location counter is a separate number, which the callers move. Neither is
+/// computed from the other.
 #pragma once
 
 #include <cstdint>
@@ -21,8 +21,9 @@ class BinBlock {
     BinBlock(const BinBlock&) = delete;
     BinBlock& operator=(const BinBlock&) = delete;
 
-    /// Appends take the low bits of a value, unchecked. Result: the offset of the first byte.
-    // Inlined by force: 0.6 % of the instructions of a run, and as much again in EmitByte.
+    /// These append the low bits of a value, unchecked. Result: the offset of the first byte.
+    // Inlining is forced, which saves 0.6 % of the instructions of a run, and as much again in
+    // EmitByte.
     [[gnu::always_inline]] std::uint32_t PutByte(std::int32_t value) {
         if (position >= size) [[unlikely]] {
             return GrowAndPutByte(value);
@@ -46,8 +47,8 @@ class BinBlock {
     /// Appends `count` zero bytes, like that many calls of `PutByte`.
     std::uint32_t PutZeros(std::uint32_t count);
 
-    /// Overwrite, without moving `Position`. Result: `at`. If all bits of `at` are set, a byte is
-    /// not written; a word must not be put there.
+    /// These overwrite, without moving `Position`. Result: `at`. If all bits of `at` are set, a
+    /// byte is not written; a word must not be put there.
     std::uint32_t PutByteAt(std::int32_t value, std::uint32_t at);
     std::uint32_t PutWordAt(std::int32_t value, std::uint32_t at);
 
@@ -58,7 +59,7 @@ class BinBlock {
         return offset < position ? data[offset] : 0xFF;
     }
 
-    /// All bytes, until the next is appended.
+    /// All bytes; valid until the next one is appended.
     [[nodiscard]] std::span<const std::uint8_t> Bytes() const { return {data, position}; }
 
     /// Writes all bytes to `file`, which remembers whether that has failed.
@@ -71,19 +72,19 @@ class BinBlock {
     static constexpr std::uint32_t byteStep = 4096;
     static constexpr std::uint32_t wordStep = 16384;
 
-    // Tries to grow in one allocation by as many steps of `step` as it takes until `offset`, which
-    // is outside, is inside the buffer. A failure is not reported: the single steps follow, and
-    // their report shows how far the memory went.
+    // Tries to grow in one allocation, by as many steps of `step` as bring `offset`, which is
+    // outside, inside the buffer. A failure is not reported: single steps follow, and their report
+    // shows how far they got.
     void GrowAtOnce(std::uint32_t step, std::uint64_t offset);
     // Grows in steps of `step` until `offset` is inside the buffer.
     void GrowBy(std::uint32_t step, std::uint64_t offset);
-    // The same if it is not inside yet.
+    // The same, unless `offset` is inside already.
     void Reserve(std::uint32_t step, std::uint64_t offset) {
         if (offset >= size) {
             GrowBy(step, offset);
         }
     }
-    // The rare case of an append is a call at its end, so that the usual case has none.
+    // The rare case of an append is a tail call, so that the usual case contains no call.
     std::uint32_t GrowAndPutByte(std::int32_t value);
     std::uint32_t GrowAndPutWord(std::int32_t value);
 

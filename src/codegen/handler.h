@@ -15,8 +15,8 @@ struct CStatement;
 struct lsArg;
 
 /// Assembles one statement, after its frame. Result: 0; a message number, which the statement loop
-/// reports as an error without a text; or `generalFailure`. What the statement has emitted by then
-/// stays. Handlers are compared by identity.
+/// reports as an error without a text; or `generalFailure`. Bytes that the statement has emitted by
+/// then stay. Handlers are compared by their addresses.
 using HandlerFunction = Status(CAssembler* assembler, CStatement* statement);
 using InstructionHandler = HandlerFunction*;
 
@@ -27,7 +27,7 @@ Status With(CAssembler* assembler, CStatement* statement) {
     return handler(assembler, statement, facts...);
 }
 
-/// For a handler that fails with `status`, which is not 0, because of `arg`, so that the report is
+/// For a handler that fails with `status`, which is not 0, because of `arg`: the report will be
 /// about that operand. Result: `status`.
 [[gnu::cold]] Status Refuse(CStatement* statement, const lsArg& arg, Status status);
 
@@ -37,7 +37,7 @@ void DefineLabel(CAssembler* assembler, CStatement* statement, std::int32_t valu
 /// Defines the label of the line, if there is one, as the address of the statement.
 void DefineLineLabel(CAssembler* assembler, CStatement* statement);
 
-/// How many operands a mnemonic takes, and the message if there are more.
+/// The number of operands that a mnemonic takes, and the message if there are more.
 struct OperandCount {
     std::int32_t fewest;
     std::int32_t most;
@@ -50,8 +50,8 @@ inline constexpr OperandCount oneOrTwoOperands{1, 2};
 inline constexpr OperandCount twoOperands{2, 2};
 inline constexpr OperandCount anyOperands{1, std::numeric_limits<std::int32_t>::max()};
 
-/// The steps before a handler, in their order. The number of operands is checked last: with a wrong
-/// one, the label is still defined and the operands are still read.
+/// The steps before a handler, in their order. The number of operands is checked last: even if it
+/// is wrong, the label is defined and the operands are read.
 enum class Frame {
     labelFirst,     ///< label, operands: a label can be an operand of its own line
     operandsFirst,  ///< operands, label
@@ -65,9 +65,9 @@ enum class Frame {
 /// What a statement leaves in the image.
 enum class KeywordGroup : std::uint8_t {
     instruction,  ///< the bytes of an instruction of the processor
-    data,         ///< bytes that the source gives
+    data,         ///< bytes given in the source
     space,        ///< bytes of 0
-    directive,    ///< none
+    directive,    ///< nothing
 };
 
 /// A row of the keyword table.

@@ -25,7 +25,7 @@ Status AssembleStep(CAssembler* assembler, CStatement* statement, std::uint8_t b
                     std::uint8_t pairOpcode);
 
 // codegen/bits.cpp; rotates and shifts are ProcessBSR_Ex
-/// BIT, RES and SET: `kind` as in ProcessBSR_Ex.
+/// BIT, RES and SET; `kind` as for ProcessBSR_Ex.
 Status AssembleBit(CAssembler* assembler, CStatement* statement, char kind);
 
 // codegen/jumps.cpp

@@ -1,4 +1,4 @@
-// Jumps, calls and returns: the operands that are forward references most often.
+// Jumps, calls and returns. Their operands are forward references more often than any others.
 
 #include "codegen/handlers.h"
 #include "codegen/late_value.h"
@@ -28,7 +28,7 @@ Status AssembleJp(CAssembler* assembler, CStatement* statement) {
                            first.reg == REG_IY_INDIRECT)) {
         return assembler->EmitOpcode(IndexPrefix(first.reg), 0xE9);
     }
-    if (isConditional && !first.IsCondition()) {  // the statement goes on, with the number -1
+    if (isConditional && !first.IsCondition()) {  // it is still assembled, with condition -1
         assembler->ReportError(statement, MSG_ILLEGAL_CONDITION, first.text);
     }
     if (!target.IsPlainValue()) {
@@ -63,7 +63,7 @@ Status AssembleJr(CAssembler* assembler, CStatement* statement) {
     return EmitRelative(assembler, statement, target, MSG_OFFSET_TOO_BIG);
 }
 
-// Takes its operand as text: no register has a meaning here, and DJNZ A jumps to the label A. So an
+// Uses its operand as text: registers have no meaning here, and DJNZ A jumps to the label A. So an
 // operand that was not read as a value without parentheses is scanned again as one.
 Status AssembleDjnz(CAssembler* assembler, CStatement* statement) {
     lsArg& target = statement->args.First();

@@ -1,7 +1,7 @@
 /// The vocabulary: every mnemonic with its frame, its number of operands, and its handler with the
 /// facts that distinguish it within its group. To add an instruction, add its row. The rows are in
 /// the order of their characters. The compiler builds the recogniser's tree from this table, and
-/// refuses a table that is out of order or has a word twice.
+/// rejects a table that is out of order or has a word twice.
 #pragma once
 
 #include <array>
@@ -28,7 +28,7 @@ template <std::int32_t field>
 constexpr Keyword Shift(std::string_view word) {
     return {word, With<ProcessBSR_Ex, 'X', field>, oneOperand};
 }
-/// Commands that are only reserved, with the message that they fail with.
+/// Commands that are only reserved, and fail with the message `answer`.
 template <Status answer>
 constexpr Keyword Reserved(std::string_view word, Frame frame = Frame::labelOnly) {
     return {word, With<AnswerOnly, answer>, noOperand, frame, KeywordGroup::directive};

@@ -26,7 +26,7 @@ enum class PatchText {
 };
 
 /// Emits the value of `arg` in the width of `kind`, and files a patch if it is not known yet.
-/// Result: 0, or why its expression failed; in that case 0 has been emitted.
+/// Result: 0, or the failure of its expression; in that case 0 has been emitted.
 template <std::uint32_t kind>
 Status EmitValue(CAssembler* assembler, CStatement* statement, const lsArg& arg, PatchText text);
 
@@ -35,8 +35,9 @@ template <std::uint32_t kind>
 [[nodiscard]] Status EmitChecked(CAssembler* assembler, CStatement* statement, const lsArg& arg,
                                  PatchText text);
 
-/// Emits the distance from the statement to the address `arg` as a byte. Result: 0; `tooFar` if it
-/// is known and does not fit, or why the expression failed. In both cases nothing has been emitted.
+/// Emits the distance from the statement to the address `arg` as a byte. Result: 0; `tooFar` if the
+/// distance is known and does not fit; or the failure of the expression. In the last two cases
+/// nothing has been emitted.
 [[nodiscard]] Status EmitRelative(CAssembler* assembler, CStatement* statement, const lsArg& arg,
                                   Status tooFar);
 

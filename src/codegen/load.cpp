@@ -41,7 +41,7 @@ Status LoadAccumulator(CAssembler* assembler, CStatement* statement, const lsArg
     }
 }
 
-// The pairs, from an immediate word or from memory; SP from HL, IX or IY too. A value outside 16
+// Loads a pair from an immediate word or from memory; SP from HL, IX or IY too. A value outside 16
 // bits is cut without a warning.
 Status LoadPair(CAssembler* assembler, CStatement* statement, const lsArg& dst, const lsArg& src) {
     if (dst.reg == REG_SP && IsHlOrIndex(src.reg)) {

@@ -61,7 +61,7 @@ struct OperandForm {
             forms};
 }
 
-/// The byte that selects IX or IY, if `reg` is one of its codes in any form.
+/// The prefix that selects IX or IY, if `reg` is any code of it; else PREFIX_NONE.
 [[nodiscard]] constexpr std::uint8_t IndexPrefix(std::int32_t reg) {
     switch (reg) {
         case REG_IX:
@@ -112,11 +112,11 @@ struct OperandForm {
 static_assert(AllowedBit(REG_HL_INDIRECT) == ALLOW_HL_INDIRECT && AllowedBit(0) == 0x0002);
 static_assert(AllowedBit(REG_BC) == ALLOW_BC && AllowedBit(REG_SP) == ALLOW_SP);
 
-/// Encodes `arg` in one of the ways of `form`. Result: 0 or a message number.
+/// Encodes `arg` in one of the ways that `form` allows. Result: 0 or a message number.
 [[nodiscard]] Status EncodeOperand(CAssembler* assembler, CStatement* statement, const lsArg& arg,
                                    const OperandForm& form);
 
-/// Encodes operand 1 in the group `group` of accumulator operations (bits 5 to 3 of the opcode).
+/// Encodes operand 1 for the accumulator operation `group` (bits 5 to 3 of the opcode).
 [[nodiscard]] Status EncodeAccumulatorOp(CAssembler* assembler, CStatement* statement,
                                          std::int32_t group);
 

@@ -1,4 +1,5 @@
-/// The ranges of values that a byte or a word can hold, each with the message of a value outside.
+/// The ranges of values that a byte or a word can hold, each with the message for a value outside
+/// it.
 #pragma once
 
 #include <cstdint>
@@ -24,10 +25,10 @@ inline constexpr ValueRange wordRange{-32768, 65535, MSG_NOT_WORD};
 inline constexpr ValueRange signedWordRange{-32768, 32767, MSG_NOT_SIGNED_WORD};
 /// Data bytes and port numbers: the same values as `byteRange`, but a value outside is an error.
 inline constexpr ValueRange dataByteRange{-128, 255, MSG_NOT_UNSIGNED_BYTE};
-/// Distances of relative jumps, with the message for a late one.
+/// Distances of relative jumps, with the message of a patch.
 inline constexpr ValueRange relativeRange{-128, 127, MSG_OFFSET_TOO_BIG};
 
-/// Indexed by PF_8BIT, and by PF_SIGNED.
+/// Indexed by the bits PF_8BIT and PF_SIGNED.
 inline constexpr ValueRange widthRanges[2][2] = {{wordRange, signedWordRange},
                                                  {byteRange, signedByteRange}};
 

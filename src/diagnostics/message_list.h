@@ -24,8 +24,8 @@ struct CMessage {
 inline constexpr std::int32_t ML_ERROR = 0;
 inline constexpr std::int32_t ML_WARNING = 1;
 
-/// Takes the messages in the order in which they arise, errors and warnings together and however
-/// many there are.
+/// Takes the messages in the order in which they arise, errors and warnings together, without a
+/// limit.
 class MessageReceiver {
   public:
     /// `kind` is the kind of the list; the others are the arguments of `Report`.
@@ -39,15 +39,15 @@ class MessageReceiver {
 class CMessageList {
   public:
     /// An empty list of ML_ERROR or ML_WARNING with room for `capacity` messages. The room is
-    /// allocated here: later a report needs memory for its text only, and the list works even if
-    /// there is none left. `fileNames`, not owned, has the names of the files for printing.
+    /// allocated here: later a report needs memory only for its text, and the list works even if no
+    /// memory is left. `fileNames`, not owned, supplies the names of the files for printing.
     CMessageList(std::int32_t capacity, std::int32_t kind, const CFileNameRegistry* fileNames);
 
     /// Passes all reports to `newReceiver`, not owned, instead of keeping them.
     void SetReceiver(MessageReceiver* newReceiver) { receiver = newReceiver; }
 
     /// Reports message `number`; `text` is copied. A view without data means no text and no
-    /// brackets; an empty text gives empty brackets. A full list drops the message.
+    /// brackets; an empty text is printed as empty brackets. A full list drops the message.
     void Report(std::int32_t number, std::string_view text, const SourcePlace& place = {}) {
         // A source may have a warning for each line. Once the list is full, they cost nothing.
         if (Count() < capacity) {
@@ -57,7 +57,7 @@ class CMessageList {
 
     [[nodiscard]] std::int32_t Count() const { return static_cast<std::int32_t>(messages.size()); }
 
-    /// Prints all messages, a line each.
+    /// Prints all messages, one line each.
     void Print(ReportWriter&& to) const;
 
   private:

@@ -1,6 +1,6 @@
 /// The messages: number, name and text of each. The list that a report is added to decides whether
-/// it is an error or a warning. This header includes nothing of the project, and all folders may
-/// include it.
+/// it is an error or a warning. This header includes no other header of the project, and all
+/// folders may include it.
 #pragma once
 
 #include <algorithm>
@@ -95,7 +95,7 @@ struct MessageRow {
     const char* text;
 };
 
-/// The row of a number is at that index.
+/// All rows, indexed by message number.
 #define KORV_ROW(number, name, text) {number, text},
 inline constexpr auto MESSAGE_TABLE = std::to_array<MessageRow>({KORV_MESSAGES(KORV_ROW)});
 #undef KORV_ROW

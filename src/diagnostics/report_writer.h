@@ -1,5 +1,5 @@
-/// Formats the text of a report without the general routines and writes it by the block, since a
-/// listing has a line for each line of the source.
+/// Formats the text of a report without the routines of the library and writes it in blocks, since
+/// a listing has a line for each line of the source.
 #pragma once
 
 #include <algorithm>
@@ -15,9 +15,9 @@
 
 namespace korv {
 
-/// These write to `to`, which must have room, and return the place after the last character.
+/// These write to `to`, which must have room, and return the position after the last character.
 inline char* PutText(char* to, std::string_view text) {
-    return to + text.copy(to, text.size());  // which takes a text without an address too
+    return to + text.copy(to, text.size());  // which accepts a view without data too
 }
 
 /// The two digits of each byte.
@@ -35,7 +35,7 @@ inline char* PutHexByte(char* to, std::uint8_t value) {
     return to + 2;
 }
 
-/// At least `minDigits`, at most 8 hexadecimal digits; there is room for 8.
+/// At least `minDigits` and at most 8 hexadecimal digits. There must be room for 8.
 inline char* PutHex(char* to, std::uint32_t value, std::size_t minDigits) {
     std::array<char, 16> all{};
     for (std::size_t i = 0; i < 4; ++i) {
@@ -46,7 +46,7 @@ inline char* PutHex(char* to, std::uint32_t value, std::size_t minDigits) {
     return to + digits;
 }
 
-/// Blanks that make a text of `size` characters `width` characters long.
+/// The blanks that pad a text of `size` characters to `width` characters.
 inline char* PutPadding(char* to, std::size_t size, std::size_t width) {
     return std::fill_n(to, std::max(size, width) - size, ' ');
 }
@@ -71,8 +71,8 @@ class ReportWriter {
     ReportWriter(const ReportWriter&) = delete;
     ReportWriter& operator=(const ReportWriter&) = delete;
 
-    /// Where at least `count` characters, at most a block, can be put. `Advance` then appends them,
-    /// up to `end`.
+    /// The position at which at least `count` characters, at most a block, can be written.
+    /// `Advance` then appends them, up to `end`.
     char* Room(std::size_t count) {
         if (count > static_cast<std::size_t>(block.data() + blockSize - next)) [[unlikely]] {
             Flush();
@@ -81,7 +81,7 @@ class ReportWriter {
     }
     void Advance(char* end) { next = end; }
 
-    /// Of any length.
+    /// Appends `text`, of any length.
     void Put(std::string_view text) {
         if (text.size() > blockSize) [[unlikely]] {
             Flush();
@@ -93,7 +93,7 @@ class ReportWriter {
 
     void PutHexByte(std::uint8_t value) { Advance(korv::PutHexByte(Room(2), value)); }
 
-    /// Like `Put`, for a text from a source or of a file name. On a terminal, "\xHH" replaces
+    /// Like `Put`, for a text from a source or for a file name. On a terminal, "\xHH" replaces
     /// control characters and invalid UTF-8, so that the text can neither control the terminal nor
     /// imitate other output.
     void PutForeign(std::string_view text);

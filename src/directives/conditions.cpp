@@ -1,7 +1,7 @@
 // Conditional assembly: one flag, and a stack of one byte per open IF. IF sets the flag from its
-// own condition alone and saves the previous state for ENDIF. So a true IF in a skipped block is
-// assembled. The stack belongs to the run, not to a file: a level may be opened in one file and
-// closed in another.
+// own condition alone and saves the previous state for ENDIF. So the block of a true IF is
+// assembled even within a skipped block. The stack belongs to the run, not to a file: a level may
+// be opened in one file and closed in another.
 
 #include "codegen/handlers.h"
 #include "driver/assembler.h"
@@ -10,7 +10,7 @@ namespace korv {
 namespace {
 
 // Bits of a level's state byte.
-constexpr std::uint8_t wasAssembling = 0x02;  // when its IF was met
+constexpr std::uint8_t wasAssembling = 0x02;  // before its IF
 constexpr std::uint8_t isTrue = 0x04;         // its condition
 constexpr std::uint8_t hasElse = 0x08;        // its ELSE has been seen
 

@@ -29,7 +29,7 @@ StringEnd EmitString(CAssembler* assembler, std::string_view text) {
     return end + 1 == inner.size() ? StringEnd::closed : StringEnd::textAfter;
 }
 
-// A value or a string.
+// Emits one operand of DB, a value or a string.
 void DefineByte(CAssembler* assembler, CStatement* statement, const lsArg& arg) {
     if (arg.status == 0 || arg.status == MSG_UNRESOLVED) {
         if (!arg.IsValue()) {
@@ -45,7 +45,8 @@ void DefineByte(CAssembler* assembler, CStatement* statement, const lsArg& arg) 
     }
 }
 
-// Result: the status of the operand, unless it has been reported here.
+// Emits one operand of DW. Result: the status of its expression, which has been reported here if it
+// is not 0.
 Status DefineWord(CAssembler* assembler, CStatement* statement, const lsArg& arg) {
     const Status status =
         arg.IsValue() ? EmitChecked<wordKind>(assembler, statement, arg, PatchText::operand) : 0;
@@ -93,7 +94,7 @@ Status AssembleDs(CAssembler* assembler, CStatement* statement) {
         return Refuse(statement, size,
                       size.status == MSG_UNRESOLVED ? MSG_NOT_IMMEDIATE : MSG_ILLEGAL_ARGUMENT);
     }
-    constexpr std::int32_t blockSize = 0x8000000;  // filled in a moment
+    constexpr std::int32_t blockSize = 0x8000000;  // RF_ABORT is tested between blocks
     for (std::int32_t left = size.value; left > 0 && !assembler->flags.Has(RF_ABORT);) {
         const std::int32_t count = std::min(left, blockSize);
         assembler->EmitZeros(static_cast<std::uint32_t>(count));
@@ -102,9 +103,9 @@ Status AssembleDs(CAssembler* assembler, CStatement* statement) {
     return 0;
 }
 
-// The bytes of a file as they are. The file is found like a source, but it is not one: it has no
-// number and no depth, and the progress meter does not count it. It is read whole before anything
-// is emitted.
+// The bytes of a file as they are. The file is found like a source, but does not count as one: it
+// has no number and no depth, and the progress meter does not count it. It is read whole before
+// anything is emitted.
 Status AssembleBinclude(CAssembler* assembler, CStatement* statement) {
     const lsArg& arg = statement->args.First();
     std::string_view name = arg.text;
@@ -114,7 +115,7 @@ Status AssembleBinclude(CAssembler* assembler, CStatement* statement) {
     FileBytes file;
     if (const Status status = assembler->sources->Read(name, &file); status != 0) {
         assembler->ReportError(statement, status, arg.text);
-    } else if (!assembler->flags.Has(RF_ABORT)) {  // which ends the reading early
+    } else if (!assembler->flags.Has(RF_ABORT)) {  // an abort ends the reading early
         if (assembler->observer != nullptr) {
             assembler->observer->OnIncludedBytes(file.found.path);
         }

@@ -1,5 +1,5 @@
-// ORG and EQU. Neither emits a byte. ORG moves the location counter and nothing else: the bytes of
-// the image have no gap, whatever their addresses.
+// ORG and EQU. Neither emits a byte. ORG moves the location counter, but leaves no gap in the
+// image. The first one may set the start address.
 
 #include <cstdio>
 

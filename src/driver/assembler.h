@@ -1,4 +1,5 @@
-/// The one object of a run. Every handler, manager and reader reaches what it needs through it.
+/// The object that holds a whole run. Every handler, manager and reader reaches what it needs
+/// through it.
 #pragma once
 
 #include <algorithm>
@@ -42,7 +43,7 @@ inline constexpr std::uint32_t RF_SETTLED         = 0x4000;  ///< the target is 
 inline constexpr std::uint32_t RF_OBSERVED        = 0x8000;  ///< there is an observer
 // clang-format on
 
-/// The flags word. A console event sets a bit at any moment, so every change is one atomic
+/// The flags word. A console event may set a bit at any moment, so every change is one atomic
 /// operation. It orders nothing else: only the bit itself matters.
 class FlagsWord {
   public:
@@ -63,17 +64,17 @@ class FlagsWord {
 inline constexpr std::int32_t maxFileDepthAllowed = 10;
 /// Open levels of IF.
 inline constexpr std::int32_t maxConditions = 32;
-/// Where a .com image is loaded, and a .bin image that no ORG has placed.
+/// The load addresses of a .com image, and of a .bin image whose start no ORG has set.
 inline constexpr std::uint32_t comStart = 256;
 inline constexpr std::uint32_t binaryStart = 16384;
 
-/// No ORG has fixed where the target starts.
+/// No ORG has set the start of the target.
 inline constexpr std::int32_t noStartAddress = -1;
 
-/// What the progress meter shows, in bytes of source. Both wrap in a source above 4 GiB.
+/// The numbers behind the progress meter, in bytes of source. Both wrap in a source above 4 GiB.
 struct Meter {
-    std::uint32_t bytesRead = 0;   ///< consumed; by the loop
-    std::uint32_t bytesTotal = 0;  ///< sizes of all files opened; by include files
+    std::uint32_t bytesRead = 0;   ///< consumed; set by the loop
+    std::uint32_t bytesTotal = 0;  ///< sizes of all files opened; set by include files
 };
 
 class CAssembler {
@@ -91,8 +92,8 @@ class CAssembler {
         fileBufferSize = n > 0 ? static_cast<std::uint32_t>(n) : fileBufferSize;
     }
     void SetLineBufferSize(std::int32_t n) { lineBufferSize = n > 0 ? n : lineBufferSize; }
-    /// Runs with the letters of `flagString` (see driver/command_line.h) turned into the flags
-    /// word. An empty source is "Main.Kor", an empty target is derived from the source. Result: as
+    /// Runs with the flags that the letters of `flagString` stand for (see driver/command_line.h).
+    /// An empty source is "Main.Kor", an empty target is derived from the source. Result: that of
     /// `Run`.
     std::int32_t RunFromCommandLine(std::string_view source, std::string_view target,
                                     std::string_view flagString);
@@ -119,14 +120,15 @@ class CAssembler {
     void WriteLabelFile();
     void ReportCounts();
     void WriteTarget();
-    /// The header of a binary target: a sign, load address, end, start of the program.
+    /// The header of a binary target: a mark, the load address, the last address, the start of the
+    /// program.
     using LoadHeader = std::array<std::uint8_t, 7>;
     /// The start is the identifier EXEC, if there is one; it is marked as used.
     [[nodiscard]] LoadHeader MakeLoadHeader();
     /// Prints the progress meter.
     virtual void Progress();
-    /// Prints the state of the run and the memory that it holds; null is the run's stream. Result:
-    /// 0.
+    /// Prints the state of the run and the memory that it holds to `stream`; null stands for the
+    /// run's stream. Result: 0.
     std::int32_t StatusDump(std::FILE* stream);
 
     // ---- source/include_files.cpp
@@ -139,13 +141,14 @@ class CAssembler {
 
     /// Evaluates the expression `text`. Result: 0 with the value; MSG_UNRESOLVED when a name has no
     /// value yet; MSG_BAD_EXPRESSION; MSG_GENERAL_FAILURE for a number without digits;
-    /// MSG_TOO_COMPLEX for too many nodes; MSG_BAD_NUMBER above 65535. `value` is 0 unless it is 0.
-    /// `fault` is the token at which the evaluation failed, a view of `text`. It is empty if the
-    /// calculation failed. A name whose closing quote is missing from `text` is valid until the
-    /// next scan only.
+    /// MSG_TOO_COMPLEX for too many nodes; MSG_BAD_NUMBER above 65535. `value` is 0 unless the
+    /// result is 0. `fault` is the token at which the evaluation failed, a view of `text`. It is
+    /// empty if the calculation failed. If the closing quote of a name is missing from `text`,
+    /// `fault` is valid only until the next scan.
     [[nodiscard]] Status ScanExpression(std::string_view text, std::int32_t* value,
                                         std::string_view* fault);
-    /// The same for a text that is one token (see expr/token.h). `value` is set with 0 only.
+    /// The same for a text that is one token (see expr/token.h). `value` is set only if the result
+    /// is 0.
     [[nodiscard]] Status ParseValue(std::string_view token, std::int32_t* value);
 
     // ---- symbols/system_identifiers.cpp
@@ -155,13 +158,13 @@ class CAssembler {
 
     // ---- emission
 
-    /// Append to the image and move `location`. Nothing else does either. Bits beyond the width are
+    /// Append to the image, which nothing else does, and move `location`. Bits beyond the width are
     /// dropped. Result: the offset in the image of the first byte, for a patch.
     [[gnu::always_inline]] std::uint32_t EmitByte(std::int32_t value) {
         ++location;
         return binary.PutByte(value);
     }
-    /// An opcode, after its prefix if that is not 0. Result: 0, so that a handler can end with it.
+    /// An opcode, after its prefix if that is not 0. Result: 0, so that a handler can return it.
     Status EmitOpcode(std::uint8_t prefix, std::int32_t opcode) {
         if (prefix != 0) {
             EmitByte(prefix);
@@ -190,7 +193,7 @@ class CAssembler {
                                    std::string_view text, std::string_view part);
     [[gnu::cold]] void ReportWarning(const CStatement* statement, std::int32_t number,
                                      std::string_view text, std::string_view part);
-    /// The same where `text` is that part.
+    /// The same if `text` is that part.
     void ReportError(const CStatement* statement, std::int32_t number, std::string_view text) {
         ReportError(statement, number, text, text);
     }
@@ -198,11 +201,11 @@ class CAssembler {
         ReportWarning(statement, number, text, text);
     }
 
-    // ---- the state of the run, and who may write it
+    // ---- the state of the run, and the code that may write it
 
-    /// RF_* bits; by the driver and the handlers; RF_ABORT from the console's side too.
+    /// RF_* bits; by the driver and the handlers; RF_ABORT by console events too.
     FlagsWord flags;
-    std::int32_t totalLines = 0;        ///< line counters of ended files; by include files
+    std::int32_t totalLines = 0;        ///< line counters of finished files; by include files
     std::int32_t fileDepth = 0;         ///< source files open now; by include files
     std::int32_t maxFileDepth = 0;      ///< highest `fileDepth` reached; by include files
     std::int32_t lineBufferSize = 256;  ///< longest logical line in bytes; by its setter
@@ -212,10 +215,10 @@ class CAssembler {
     std::array<std::uint8_t, maxConditions> conditionStack{};
     std::string sourceName;  ///< main source file, as typed; before the run
     std::string targetName;  ///< target file, given or derived; before the run
-    /// Z80 address of the next byte; by emission and ORG.
+    /// Z80 address of the next byte; by emission, ORG and `AssembleSource`.
     std::uint32_t location = comStart;
     std::uint32_t statementAddress = 0;  ///< `location` at the start of the statement; by the loop
-    /// Full path of the file being read, null outside of files; `fileNames` owns it. By include
+    /// Full path of the file being read, null if there is none; `fileNames` owns it. By include
     /// files.
     const char* currentFileName = nullptr;
     RunObserver* observer = nullptr;  ///< not owned; null for none; by `Observe`
@@ -224,7 +227,7 @@ class CAssembler {
     CMessageList errors;           ///< all code that finds an error reports to it
     CMessageList warnings;         ///< the same
     CFileNameRegistry fileNames;   ///< by include files
-    std::FILE* output;             ///< where all console reports go; not owned; set once
+    std::FILE* output;             ///< receives all console reports; not owned; set once
     BinBlock binary;               ///< by emission and patches
     CIdentifierManager identifiers;
     DebugStream debugStream;      ///< with RF_DEBUG; by the loop and the traces
@@ -233,7 +236,7 @@ class CAssembler {
     std::uint32_t fileBufferSize = 65536;  ///< most bytes of a read buffer; by its setter
     void* currentMacro = nullptr;          ///< the macro being recorded; no command records one
     std::int32_t startAddress = noStartAddress;  ///< of the target; by ORG
-    /// Most bytes of the image. The front end that sets it checks for more. By a front end.
+    /// Most bytes of the image; by a front end, which checks whether there are more.
     std::uint32_t maxImage = std::numeric_limits<std::uint32_t>::max();
     Meter meter;  ///< by the loop and include files
 

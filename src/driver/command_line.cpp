@@ -27,7 +27,7 @@ struct Switch {
     std::uint32_t alsoOn = 0;  // set with them, and not cleared
 };
 
-// In the order of the help; a word that begins with another one comes after it.
+// In the order of the help; a word that begins with another word comes after that one.
 // clang-format off
 constexpr Switch switches[] = {
     {"D", Kind::onOff, "/d[+|-]", "Enable/disable debug.out file.", RF_DEBUG},
@@ -73,7 +73,7 @@ void Put(const Switch& row, bool isOn, CommandLine* result) {
 // the nearest value that fits 32 bits. Complains if it is not above 0.
 std::int32_t ReadSize(const char* text, const char* what, std::string_view word) {
     text = SkipBlanks(text);
-    // A line end is not a blank here, but is one in the library.
+    // A line end is not a blank here, but the library would skip it as one.
     const long long number = *text < ' ' ? 0 : std::strtoll(text, nullptr, 10);
     using Limits = std::numeric_limits<std::int32_t>;
     const auto size = std::clamp<long long>(number, Limits::min(), Limits::max());

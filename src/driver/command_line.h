@@ -14,8 +14,8 @@ struct CommandLine {
     char flagString[10] = "         ";
     std::string_view sourceArgument;      ///< the first word that is not a switch; null for none
     std::string_view targetArgument;      ///< the second one; null for none
-    std::int32_t fileBufferRequest = -1;  ///< bytes; counts when above 0
-    std::int32_t lineBufferRequest = -1;  ///< bytes; counts when above 0
+    std::int32_t fileBufferRequest = -1;  ///< bytes; used if above 0
+    std::int32_t lineBufferRequest = -1;  ///< bytes; used if above 0
     bool helpWanted = false;
     bool waitWanted = false;
 };

@@ -32,8 +32,8 @@ std::uint32_t CountOf(std::string_view record) {
     return count < 0x80000000 ? count : 0;
 }
 
-// Bytes of a source can look like a record that claims more bytes than the image has. This many are
-// shown after the end of the image.
+// Bytes of a source can look like a record that claims more bytes than the image has. At most this
+// many are shown after the end of the image.
 constexpr std::uint64_t mostOutside = 65536;
 
 }  // namespace

@@ -12,14 +12,15 @@ namespace korv {
 
 class CAssembler;
 
-/// Kept in memory, which doubles as it fills. If there is none left, the failure hook ends the run
-/// with the current statement and MSG_ABORTED is reported. The listing then lacks what had no room.
+/// Kept in memory, in a buffer that doubles as it fills. If no memory is left, the failure hook
+/// ends the run after the current statement and MSG_ABORTED is reported. The listing then lacks the
+/// records that had no room.
 class DebugStream {
   public:
     /// Appends free text, given in pieces.
     void AddText(std::initializer_list<std::string_view> pieces);
     /// Appends the record of a line, after which the image has `position` bytes. The bytes of the
-    /// line are those since the previous one. An empty line without bytes has no record.
+    /// line are those added since the previous line. An empty line without bytes has no record.
     void AddRecord(std::uint32_t position, std::string_view line);
     /// The same for a line that gets no record.
     void PassOver(std::uint32_t position) { binarySizeAtLineStart = position; }

@@ -28,7 +28,7 @@ Status DiskStore::Read(std::string_view name, FileBytes* file) {
         return MSG_CANNOT_OPEN;
     }
     filesRead.insert(stream.Identity());
-    constexpr std::uint64_t longestBlock = 0x1000000;  // read in a moment
+    constexpr std::uint64_t longestBlock = 0x1000000;  // RF_ABORT is tested between blocks
     const auto blockSize =
         static_cast<std::size_t>(std::clamp<std::uint64_t>(stream.Size(), 4096, longestBlock));
     std::size_t got = 1;

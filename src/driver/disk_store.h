@@ -25,7 +25,7 @@ class DiskStore : public SourceStore {
     [[nodiscard]] bool Reaches(std::string_view name) const { return directory.Reaches(name); }
     /// The files that have been read.
     [[nodiscard]] const platform::FileSet& FilesRead() const { return filesRead; }
-    /// Adds the file `name` to them, if it exists.
+    /// Adds the file `name` to them, if it is a regular file.
     void Keep(std::string_view name);
 
   private:

@@ -15,9 +15,9 @@ namespace korv {
 namespace {
 
 // The run in progress, null at all other times. Only the hooks use it. Atomic, since a console
-// event may come at any moment.
+// event may occur at any moment.
 std::atomic<CAssembler*> theAssembler = nullptr;
-// A console event has come, perhaps before the run.
+// A console event has occurred, perhaps before the run.
 std::atomic<bool> hasEventCome = false;
 
 constexpr const char* title = "Brelloc Korv v" KORV_VERSION " *FAST*";
@@ -58,7 +58,7 @@ int RunProcess(int argumentCount, char** arguments) {
     const platform::AllocationFailureHook previousHook =
         platform::SetAllocationFailureHook(OnAllocationFailure);
     std::FILE* const previousStream = platform::SetMemoryFailureStream(stdout);
-    [[maybe_unused]] static const int registration = std::atexit(OnExit);  // once a process
+    [[maybe_unused]] static const int registration = std::atexit(OnExit);  // once per process
     platform::SetConsoleTitle(title);
     std::puts(title);
     const CommandLine commandLine = ParseCommandLine(argumentCount, arguments);

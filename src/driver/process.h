@@ -1,4 +1,4 @@
-/// The process around the one run: hooks, title, and the order of start and end.
+/// The process around its one run: hooks, title, and the order of startup and exit.
 #pragma once
 
 #include <cstddef>

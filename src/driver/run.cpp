@@ -47,7 +47,7 @@ std::int32_t CAssembler::Run() {
         errors.Report(MSG_NO_SOURCE_NAME, noText);
     } else if (sourceName == targetName) {
         errors.Report(MSG_SOURCE_IS_TARGET, noText);
-        disk.Keep(sourceName);  // a report may have that name too
+        disk.Keep(sourceName);  // a report of that name must not overwrite it
     } else {
         AssembleSource();
     }
@@ -64,7 +64,7 @@ std::int32_t CAssembler::Run() {
     }
     WriteTarget();
 
-    identifiers.ReleasePatches();  // they hold temporary strings
+    identifiers.ReleasePatches();  // patches hold temporary strings
     CtmpStringManager::ReleaseAll();
     std::fflush(nullptr);
     return 0;
@@ -92,7 +92,7 @@ void CAssembler::AssembleSource() {
     if (observer != nullptr) {
         observer->OnStart();
     }
-    std::fflush(output);  // a break event prints without the buffer, and later than this
+    std::fflush(output);  // a break event prints unbuffered, and must appear after this
 
     const std::int32_t status = AssembleIncludeFile(sourceName);
     if (status != 0) {

@@ -37,8 +37,8 @@ struct CStatement {
         return {fileName, lineNumber, static_cast<std::uint32_t>(part.data() - text),
                 static_cast<std::uint32_t>(part.size())};
     }
-    /// The same for any text. For one that is not in the line, or has no data, it is the place of
-    /// the whole statement.
+    /// The same for any text. If `part` is not in the line or has no data, the result is the place
+    /// of the whole statement.
     [[nodiscard]] SourcePlace PlaceOf(std::string_view part) const {
         // Compared as numbers, since the part may belong to another text.
         const auto start = reinterpret_cast<std::uintptr_t>(text);
@@ -50,6 +50,6 @@ struct CStatement {
 };
 
 /// Bits of `CStatement::flags`.
-inline constexpr std::uint32_t SF_LABEL_DEFINED = 0x1;  ///< the label has been taken care of
+inline constexpr std::uint32_t SF_LABEL_DEFINED = 0x1;  ///< `DefineLabel` has been called
 
 }  // namespace korv

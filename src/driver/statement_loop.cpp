@@ -13,12 +13,12 @@
 namespace korv {
 namespace {
 
-// `token`, cut to the longest word.
+// `token`, cut to the length of the longest word.
 std::string_view Word(std::string_view token) {
     return token.substr(0, maxWord);
 }
 
-// The label begins with the line. Result: the text after it.
+// Cuts off the label at the start of the line. Result: the text after it.
 const char* CutLabel(CAssembler* assembler, CStatement* statement) {
     const char* const start = statement->text;
     const char* end = start + 1;
@@ -93,7 +93,7 @@ void Assemble(CAssembler* assembler, CStatement* statement) {
 }
 
 constexpr std::uint32_t stops = RF_ABORT | RF_END;
-// Whatever needs work after a statement: one test on the normal path.
+// All flags that need work after a statement, so that the normal path has only one test.
 constexpr std::uint32_t extras = stops | RF_DEBUG | RF_NO_DEBUG_RECORD | RF_PROGRESS | RF_OBSERVED;
 
 // The work after a statement of `lineCount` physical lines and `byteCount` bytes if `bits`, the

@@ -21,7 +21,8 @@ std::int32_t Wrapped(std::uint32_t value) {
     return static_cast<std::int32_t>(value);
 }
 
-// e to the power `exponent`, whole part, low 32 bits; 0 when that does not fit 64 bits.
+// The low 32 bits of the whole part of e to the power `exponent`; 0 when that part does not fit 64
+// bits.
 std::int32_t Exponential(std::int32_t exponent) {
     constexpr double limit = 9223372036854775808.0;  // 2 to the 63
     const double power = std::exp(static_cast<double>(exponent));
@@ -29,7 +30,7 @@ std::int32_t Exponential(std::int32_t exponent) {
                          : 0;
 }
 
-// The result of an operator; a unary one has 0 on its left. None: there is no such operator, or no
+// The result of an operator; for a unary one, `left` is 0. None: there is no such operator, or no
 // result.
 std::optional<std::int32_t> Applied(std::int32_t code, std::int32_t left, std::int32_t right) {
     const auto l = static_cast<std::uint32_t>(left);
@@ -104,8 +105,8 @@ class NodeList {
   private:
     [[nodiscard]] bool IsValue(std::int32_t at) const { return nodes[at].type == NODE_VALUE; }
 
-    // The bracket that opens at `at`, before the value `right`. If anything but its end follows,
-    // that comes first.
+    // Replaces the bracket that opens at `at`, before the value `right`, by that value. If anything
+    // but its end follows, that is processed first.
     std::int32_t CloseBracket(std::int32_t at, std::int32_t right) {
         const std::int32_t following = nodes[right].next;
         if (following == none || nodes[following].value != OP_CLOSE) {
@@ -117,8 +118,8 @@ class NodeList {
         return at;
     }
 
-    // The operator `at`, before the value `right`. It is unary if it can be and has no value to its
-    // left.
+    // Applies the operator `at`, before the value `right`. It is unary if it can be and has no
+    // value to its left.
     std::int32_t Apply(std::int32_t at, std::int32_t left, std::int32_t right) {
         const std::int32_t code = nodes[at].value;
         const bool isBinary = code != OP_NOT && left != none && IsValue(left);

@@ -9,7 +9,7 @@
 
 namespace korv {
 
-/// Result of `ReadNumber`: the token has no form of a number, and may be a name.
+/// Result of `ReadNumber`: the token does not have the form of a number, and may be a name.
 inline constexpr Status notANumber = -1;
 
 /// The base that a letter denotes, after "&" or at the end of a number; 0: none.
@@ -19,11 +19,12 @@ inline constexpr Status notANumber = -1;
 
 /// Reads `token`, which is not empty and not "$" alone. Result: 0 with the number in `value`;
 /// MSG_GENERAL_FAILURE for a number without digits; MSG_BAD_NUMBER above 65535; MSG_BAD_EXPRESSION
-/// for a string that is not of one character; `notANumber`. `value` is set with 0 only.
+/// for a string that is not exactly one character; `notANumber`. `value` is set only if the result
+/// is 0.
 [[nodiscard]] Status ReadNumber(std::string_view token, std::int32_t* value);
 
-/// Reads `token`, which is not empty, if it is decimal and has at most four digits, as most numbers
-/// do: these need no check of the limit. False: it is something else.
+/// Reads `token`, which is not empty, if it is decimal and has at most four digits, like most
+/// numbers. These need no check of the limit. False: it is something else.
 [[nodiscard]] inline bool ReadShortDecimal(std::string_view token, std::int32_t* value) {
     if (token.size() > 4) {
         return false;

@@ -21,8 +21,9 @@ struct lsArg : OperandClass {
     Status status = 0;       ///< of its expression; 0 if that succeeded or there is none
     std::int32_t value = 0;  ///< of its expression; 0 unless `status` is 0
     std::string_view text;   ///< the operand as written
-    /// The part of `text` that is evaluated. This and `fault` are left over from an earlier line
-    /// unless `status` is not 0: clearing them for every operand costs 5 % of all instructions.
+    /// The part of `text` that is evaluated. This and `fault` are valid only if `status` is not 0;
+    /// otherwise they are left over from an earlier line. Clearing them for every operand costs 5 %
+    /// of all instructions.
     std::string_view expression;
     /// The token at which the evaluation failed. With MSG_UNRESOLVED, the name that has no value
     /// yet. Empty if the tokens are good and their calculation failed.
@@ -65,10 +66,9 @@ class KO_Args {
     KO_Args(const KO_Args&) = delete;
     KO_Args& operator=(const KO_Args&) = delete;
 
-    /// Adds the operand `text`, a part of the line which is not empty and has no blanks at its
-    /// ends, and evaluates it. Result: 0, or `emptyOperand` for "()", which is not added. The
-    /// record has the status of the expression. Ends the process when there is no memory for a
-    /// record.
+    /// Adds the operand `text`, a part of the line that is not empty and has no blanks at its ends,
+    /// and evaluates it. Result: 0, or `emptyOperand` for "()", which is not added. The status of
+    /// the expression is in the record. Ends the process when there is no memory for a record.
     Status Add(std::string_view text);
     /// The same for a text that is one token (see expr/token.h), alone or in parentheses.
     void AddToken(std::string_view text) {
@@ -124,7 +124,7 @@ class KO_Args {
     std::int32_t count = 0;
     std::array<lsArg, 2> inlineArgs;
     lsArg* tail = &inlineArgs[1];  // record of the last operand, if there are two or more
-    lsArg* spare = nullptr;        // owned; released, so that a line of data allocates nothing
+    lsArg* spare = nullptr;        // owned; kept for later lines, so that few allocate any
     CAssembler* owner;
 };
 

@@ -111,7 +111,7 @@ inline constexpr std::array operandNames = {
 /// The lookup. Words of two characters index a table by the low bits of both, which are different
 /// for all letters; words of one character index a further part of it. So an operand that is not a
 /// name costs a load and a comparison. A plain search of the table costs 30 % more instructions in
-/// all.
+/// total.
 namespace operand_class {
 
 inline constexpr std::size_t letters = 32;

@@ -27,9 +27,9 @@ struct CtmpStringBlock {
 /// thread.
 class CtmpStringManager {
   public:
-    /// Takes `count` bytes from the current block or from a new one, which is returned in `block`
-    /// with a further reference. Result: the bytes. Ends the process when there is no memory for a
-    /// block.
+    /// Takes `count` bytes from the current block or from a new one. Returns that block, with one
+    /// more reference, in `block`. Result: the bytes. Ends the process when there is no memory for
+    /// a block.
     static char* Alloc(std::size_t count, CtmpStringBlock** block);
 
     /// Drops a reference on `block`.
@@ -63,7 +63,7 @@ class CtmpString {
     /// be empty.
     void Assign(std::string_view source);
 
-    /// Drops the reference; the handle is empty then.
+    /// Drops the reference; the handle is empty afterwards.
     void Release() {
         if (block != nullptr) {
             CtmpStringManager::Release(block);

@@ -21,7 +21,7 @@ static_assert(std::ranges::max(wordOperators, {}, [](const OperatorRow& row) {
                   return row.spelling.size();
               }).spelling.size() == longestWordOperator);
 
-// First characters of the words, and of the words in dots.
+// First characters of word operators, which may also be written between dots.
 constexpr auto beginsWord = [] {
     std::array<bool, 256> table{};
     for (const OperatorRow& row : wordOperators) {

@@ -80,7 +80,7 @@ inline constexpr std::size_t longestWordOperator = 3;  // without its dots
 /// The operator that is spelled `token`, with or without dots, as in ".AND.".
 [[nodiscard]] Operator FindWord(std::string_view token);
 
-/// Cuts the tokens of one text.
+/// Reads the tokens of one text.
 class TokenReader {
   public:
     explicit TokenReader(std::string_view text)
@@ -93,9 +93,9 @@ class TokenReader {
         return {start, static_cast<std::size_t>(tokenEnd - start)};
     }
 
-    Operator op;                     ///< after the token; none at a blank, a quote and the end
+    Operator op;                     ///< after the token; none before a blank, a quote or the end
     bool isAtEnd = false;            ///< the text is used up
-    bool lacksClosingQuote = false;  ///< of a token that the text ended in
+    bool lacksClosingQuote = false;  ///< the text ended within the token
 
   private:
     bool TakeEnd(char c);
@@ -107,7 +107,7 @@ class TokenReader {
     const char* end;
     const char* start = nullptr;
     const char* tokenEnd = nullptr;
-    bool hasOpenDot = false;  // lives across tokens: only a dot that closes one clears it
+    bool hasOpenDot = false;  // kept across tokens: only the closing dot clears it
 };
 
 }  // namespace korv

@@ -79,8 +79,8 @@ void PrintMemoryFailure(const char* line) {
 
 }  // namespace korv::platform
 
-// All forms, since those that are missing may come from a sanitizer, and must not free memory that
-// is allocated here.
+// All forms in use are replaced. A form left out may come from a sanitizer, which must not free
+// memory that is allocated here.
 void* operator new(std::size_t size) {
     void* const memory = korv::platform::Allocate(size);
     if (memory == nullptr) {

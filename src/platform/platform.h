@@ -1,6 +1,6 @@
-/// Everything that the core needs of the operating system. Each system has its own implementation,
-/// in posix*.cpp and win32*.cpp. No other code of the core includes a system header or tests for a
-/// system.
+/// Everything that the core needs from the operating system. Each system has its own
+/// implementation, in posix*.cpp and win32*.cpp. No other code of the core includes a system header
+/// or tests for a system.
 ///
 /// File names: both `/` and `\` separate components. Texts stay as typed; the separator is
 /// translated for calls to the system only. Files to be read are found without regard to ASCII
@@ -26,7 +26,7 @@ namespace korv::platform {
 // memory
 
 /// Called with the size in bytes of every allocation that fails, including `new`. Its result is not
-/// used: nothing is tried again.
+/// used: the allocation is not repeated.
 using AllocationFailureHook = int (*)(std::size_t size);
 
 /// Installs `hook` (null: none). Result: the previous one.
@@ -41,8 +41,8 @@ AllocationFailureHook SetAllocationFailureHook(AllocationFailureHook hook);
 /// Like `Allocate`, keeping the contents. On failure the result is null and `memory` stays valid.
 [[nodiscard]] void* Reallocate(void* memory, std::size_t size);
 
-/// Like `Reallocate`, but without the hook, for a caller that can do without. Tests cannot make it
-/// fail.
+/// Like `Reallocate`, but without the hook, for a caller that can do without the memory. Tests
+/// cannot make it fail.
 [[nodiscard]] void* TryReallocate(void* memory, std::size_t size);
 
 void Free(void* memory);
@@ -56,8 +56,8 @@ class Buffer {
     Buffer(const Buffer&) = delete;
     Buffer& operator=(const Buffer&) = delete;
 
-    /// Where `count` further bytes can be written; null if there is no memory for them, and the
-    /// buffer is unchanged. `Advance` then appends the bytes that have been written.
+    /// The address at which `count` further bytes can be written; null, with the buffer unchanged,
+    /// if there is no memory for them. `Advance` then appends the bytes that have been written.
     [[nodiscard]] char* Room(std::size_t count) {
         return count <= capacity - used || Grow(count) ? data + used : nullptr;
     }
@@ -82,8 +82,8 @@ std::FILE* SetMemoryFailureStream(std::FILE* stream);
 void PrintMemoryFailure(const char* line);
 
 /// For tests. Called before each allocation, or before each request that looks for, opens, reads,
-/// writes, closes or renames a file, or changes the directory. If the result is true, that fails.
-/// Null for none.
+/// writes, closes or renames a file, or changes the directory. If the result is true, that
+/// allocation or request fails. Null: none fails on purpose.
 using Fault = bool (*)();
 extern Fault allocationFault;
 extern Fault requestFault;
@@ -91,10 +91,10 @@ extern Fault requestFault;
 // ----------------------------------------------------------------------------------------------------
 // paths
 
-/// The pieces of a file name, as views of the given text. Joined they are that text.
+/// The pieces of a file name, as views of the given text. Joined, they are that text.
 struct PathParts {
-    std::string_view directory;  ///< up to the last separator, included, or the colon of a drive
-                                 ///< where there are drives; empty for none
+    std::string_view directory;  ///< up to and including the last separator, or the colon of
+                                 ///< a drive on systems with drives; empty for none
     std::string_view baseName;   ///< without the last "." and the text after it
     std::string_view extension;  ///< with its "."; empty for none
 };
@@ -112,19 +112,19 @@ struct PathParts {
 /// Whether `name` does not depend on the current directory, except for its drive.
 [[nodiscard]] bool IsAbsolutePath(std::string_view name);
 
-/// Whether the file that was read as `source` must not be overwritten as `target`, if the two are
-/// one file: always on systems that ignore case, otherwise if the names differ in case and
-/// separators only.
+/// Whether the file that was read as `source` must not be overwritten under the name `target`,
+/// which leads to the same file. Always true on systems that ignore case; otherwise true if the
+/// names differ at most in case and separators.
 [[nodiscard]] bool IsProtectedFrom(std::string_view source, std::string_view target);
 
-/// Whether `name` leads to a regular file, which is not opened.
+/// Whether `name` leads to a regular file. Does not open it.
 [[nodiscard]] bool IsRegularFile(std::string_view name);
 
 /// The result of looking for a file to be read.
 struct FoundPath {
     std::string path;     ///< full; empty: the current directory has no path, or the path is
                           ///< longer than the system allows
-    bool isFile = false;  ///< whether it exists; then the path is spelled as on disk
+    bool isFile = false;  ///< whether it exists; the path is then spelled as on disk
 };
 
 /// The current directory, which follows the file being read, and the search for files. No other
@@ -134,19 +134,20 @@ class CurrentDirectory {
     CurrentDirectory();
     ~CurrentDirectory();
 
-    /// The full path of a file to be read: the current directory joined with `name`, without "."
-    /// and "..", which are removed as text. It is spelled as on disk if the file is found, else as
+    /// The full path of a file to be read: the current directory joined with `name`, with "." and
+    /// ".." resolved in the text alone. It is spelled as on disk if the file is found, else as
     /// typed.
     [[nodiscard]] FoundPath FullPath(std::string_view name);
 
-    /// Makes the directory of `file`, a result of `FullPath`, the current one. It is found without
-    /// regard to case. False: it does not exist or cannot be entered, and the current directory is
-    /// unchanged. Each call needs a `Leave`, whatever its result.
+    /// Makes the directory of `file`, a result of `FullPath`, the current one. That directory is
+    /// found without regard to case. False: it does not exist or cannot be entered, and the current
+    /// directory is unchanged. Each call needs a `Leave`, whatever its result.
     [[nodiscard]] bool EnterDirectoryOf(const FoundPath& file);
-    /// Goes back to the directory before the last `EnterDirectoryOf`, even if it cannot be read or
-    /// has no name. If that fails, the result is its path, or empty if it has none.
+    /// Goes back to the directory before the last `EnterDirectoryOf`, even if that cannot be read
+    /// or has no name any more. If that fails, the result is the path of that directory, empty if
+    /// it has none.
     [[nodiscard]] std::optional<std::string> Leave();
-    /// Whether `name` leads to the right file: a relative one does not after a `Leave` has failed.
+    /// Whether `name` leads to the right file. A relative name does not once a `Leave` has failed.
     [[nodiscard]] bool Reaches(std::string_view name) const {
         return !isLost || IsAbsolutePath(name);
     }
@@ -160,7 +161,7 @@ class CurrentDirectory {
 // ----------------------------------------------------------------------------------------------------
 // files
 
-/// Identifies a file, whatever its name, by the system's numbers.
+/// The system's numbers for a file, which are the same under all its names.
 struct FileIdentity {
     std::uint64_t device = 0;
     std::uint64_t number = 0;
@@ -168,7 +169,7 @@ struct FileIdentity {
 };
 using FileSet = std::set<FileIdentity>;
 
-/// The number of an open file, -1 for none. The file is closed with its owner.
+/// The number of an open file, -1 for none. Closes the file when it is destroyed.
 class FileHandle {
   public:
     explicit FileHandle(int number = -1) : number(number) {}
@@ -186,7 +187,7 @@ class FileHandle {
     int number;
 };
 
-/// A file read as a stream of bytes. A directory does not open.
+/// A file read as a stream of bytes. A directory cannot be opened.
 class InputFile {
   public:
     /// Opens `name`, exactly as spelled. Called once.
@@ -194,18 +195,18 @@ class InputFile {
     [[nodiscard]] bool IsOpen() const { return handle >= 0; }
     /// Whether the file has a size, unlike a pipe or a device.
     [[nodiscard]] bool HasSize() const { return hasSize; }
-    /// The size in bytes when it was opened; 0 if it has none.
+    /// The size in bytes when the file was opened; 0 if it has none.
     [[nodiscard]] std::uint64_t Size() const { return size; }
-    /// Of the file that was opened.
+    /// The identity of the open file.
     [[nodiscard]] const FileIdentity& Identity() const { return identity; }
-    /// Reads up to `count` bytes. Result: their number. It is 0 at the end of the file, which is
-    /// where it was when the file was opened; on a read error, which ends the file; and if a
-    /// console event comes while there is nothing to read.
+    /// Reads up to `count` bytes. Result: the number read. It is 0 at the end of the file, whose
+    /// size counts as fixed once it is open; after a read error, which ends the file; and if a
+    /// console event occurs while there is nothing to read.
     std::size_t Read(void* buffer, std::size_t count);
     /// Whether `Open` or a read has failed. The end of the file and a console event are not
     /// failures.
     [[nodiscard]] bool Failed() const { return error != 0; }
-    /// The system's number of that failure; 0: there is none.
+    /// The system's number for that failure; 0 for none.
     [[nodiscard]] int Error() const { return error; }
 
   private:
@@ -217,11 +218,11 @@ class InputFile {
     FileIdentity identity;
 };
 
-/// A file that is written. Its bytes are written to a new file in the same directory, to which
-/// `Commit` gives the name in one step. Before that, or if anything fails, nothing appears and the
-/// old file is whole. The new file gets the permissions of the old one. Some files are written in
-/// place, from the first `Write` on: devices, pipes, and files that cannot be replaced because the
-/// directory does not allow it or the owner would change. No unfinished file is left when the
+/// A file that is written. Its bytes go into a new file in the same directory, which `Commit`
+/// renames in one step. Until then, and if anything fails, nothing appears under the name, and an
+/// old file stays whole. The new file gets the permissions of the old one. Some files are written
+/// in place, from the first `Write` on: devices, pipes, and files that cannot be replaced because
+/// the directory does not allow it or the owner would change. No unfinished file is left when the
 /// process ends, unless it is killed outright.
 class OutputFile {
   public:
@@ -233,29 +234,29 @@ class OutputFile {
     ~OutputFile() { GiveUp(); }  ///< Gives up the file if it has not been committed.
 
     /// Opens `name`, exactly as spelled, unless it leads to one of the files of `kept`. Called
-    /// once. False: it cannot be opened, or it may not be written, even if it could be replaced.
-    /// Nothing else may be called then.
+    /// once. False: the file cannot be opened, or it may not be written, even if it could be
+    /// replaced. No other member may be called then.
     [[nodiscard]] bool Open(std::string_view name, Kind kind, const FileSet& kept);
-    /// Appends. A failure is remembered for `Commit`, and later calls do nothing.
+    /// Appends bytes. A failure is remembered for `Commit`, and later calls do nothing.
     void Write(const void* bytes, std::size_t count);
-    /// Ends the file. True: it has its name and all its bytes.
+    /// Completes the file. True: it has its name and all its bytes.
     [[nodiscard]] bool Commit();
 
   private:
     void GiveUp();
 
     FileHandle handle;
-    bool isEmptied = true;   // false: it is written in place, and the old bytes are still there
+    bool isEmptied = true;   // false: it is written in place, and still has its old bytes
     bool hasFailed = false;  // some byte has not been written
     std::string path;        // the final path
-    std::string temporary;   // the path until then; empty: it is written in place
+    std::string temporary;   // the path before `Commit`; empty: it is written in place
 };
 
 // ----------------------------------------------------------------------------------------------------
 // console
 
-/// Opens the standard streams that are missing, since a file that took the place of one would
-/// receive the output. Makes sure that no write ends the process.
+/// Opens the standard streams that are missing, since a file that got the number of one would
+/// receive its output. Also makes sure that no write ends the process.
 void OpenStandardStreams();
 
 /// Whether `stream` goes to a terminal, which would obey control characters.
@@ -273,22 +274,23 @@ inline constexpr int EVENT_SHUTDOWN = 6;
 
 /// Called with an event at any moment, either between any two instructions of the program or on a
 /// separate thread. It may use only lock-free atomics and `WriteFromHandler`. Result: 1 if the
-/// event was handled. If the system would then end the process, that waits until the program has
-/// ended.
+/// event was handled. If the system ends the process after such an event, it waits until the
+/// program has ended.
 using ConsoleHandler = int (*)(int event);
 
-/// Installs `handler` if there is none; null removes it and restores the previous state. If the
-/// process was started to ignore the close event, that stays ignored.
+/// Installs `handler`; null removes it and restores the previous state. If the process was started
+/// with the close event ignored, that event stays ignored.
 void SetConsoleHandler(ConsoleHandler handler);
 
-/// Waits until no handler runs that has begun before, so that objects used by it can be destroyed.
+/// Waits until all handler calls that have begun have returned, so that the objects that they use
+/// can be destroyed.
 void AwaitConsoleHandler();
 
-/// Writes to standard output from a `ConsoleHandler`, without any buffer.
+/// Writes to standard output from a `ConsoleHandler`, unbuffered.
 void WriteFromHandler(std::string_view text);
 
-/// Waits for one key and reads it. On a console it needs no return key; otherwise it is one byte,
-/// or the end of the input. A console event counts as a key.
+/// Waits for one key and reads it. On a console, no Return key is needed. From other input, one
+/// byte or the end is read. A console event counts as a key.
 void WaitForKey();
 
 }  // namespace korv::platform

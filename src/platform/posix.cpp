@@ -25,7 +25,7 @@ struct Signal {
 std::atomic<ConsoleHandler> consoleHandler = nullptr;
 std::atomic<bool> hasEventCome = false;
 sigset_t previousMask;  // before the first `HoldSignals`
-int holds = 0;          // calls of it without their `ReleaseSignals`
+int holds = 0;          // calls of it without a `ReleaseSignals` yet
 
 void OnSignal(int number) {
     hasEventCome = true;
@@ -109,11 +109,11 @@ void OpenStandardStreams() {
     for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
         if (fcntl(stream, F_GETFD) < 0) {
             wasMissing[stream] = true;
-            // It gets the lowest free number, which is the stream's, and stays open.
+            // The file gets the lowest free number, which is the stream's, and stays open.
             [[maybe_unused]] const int opened = open("/dev/null", O_RDWR);
         }
     }
-    // A write that fails shall return, not end the process.
+    // A failed write must return an error, not end the process.
     std::signal(SIGXFSZ, SIG_IGN);
     std::signal(SIGPIPE, SIG_IGN);
 }
@@ -133,7 +133,7 @@ void SetConsoleHandler(ConsoleHandler handler) {
         hasEventCome = false;
         consoleHandler = handler;  // before its first signal
     }
-    struct sigaction action = {};  // without flags, so that it interrupts waiting for input
+    struct sigaction action = {};  // no SA_RESTART: a signal ends a wait for input
     action.sa_handler = OnSignal;
     sigfillset(&action.sa_mask);
     for (Signal& signal : signals) {
@@ -149,7 +149,7 @@ void SetConsoleHandler(ConsoleHandler handler) {
     consoleHandler = handler;
 }
 
-void AwaitConsoleHandler() {}  // it interrupts the program and runs to its end
+void AwaitConsoleHandler() {}  // the handler interrupts the program and runs to its end
 
 void WriteFromHandler(std::string_view text) {
     while (!text.empty()) {

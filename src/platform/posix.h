@@ -20,7 +20,7 @@ namespace korv::platform {
     return {static_cast<std::uint64_t>(status.st_dev), static_cast<std::uint64_t>(status.st_ino)};
 }
 
-/// Whether a console event has come since a handler was installed.
+/// Whether a console event has occurred since a handler was installed.
 [[nodiscard]] bool HasEventCome();
 
 /// The result of `request`, a call that returns -1 on failure and sets `errno`. It is repeated if a
@@ -46,7 +46,8 @@ void RemoveUnfinished();
 
 /// Adds `temporary` to the unfinished files. False: there are too many.
 [[nodiscard]] bool Remember(const std::string& temporary);
-/// Removes `temporary`, which could not be created, from them. Result: why.
+/// Removes `temporary`, which could not be created, from the unfinished files. Result: the reason,
+/// from `errno`.
 [[nodiscard]] Creation ForgetRefused(const std::string& temporary);
 
 /// Creates the file `temporary` by `request`, as for `Requested`. It is removed if the process ends

@@ -1,8 +1,8 @@
 // Names of files, and the current directory, on POSIX.
 //
-// A name is found without regard to case in the list of the directory. Reading a directory costs
-// more than all other system calls of an INCLUDE, so the list is kept and used as long as the
-// directory has not changed, which a single call shows.
+// A name is looked up without regard to case in a list of its directory's entries. Reading a
+// directory costs more than all other system calls of an INCLUDE, so the list is kept and used
+// until the directory changes. One call is enough to check that.
 
 #include <dirent.h>
 #include <fcntl.h>
@@ -21,8 +21,8 @@
 
 #include "platform/posix.h"
 
-// For a handle that is used to go back. On systems that have it, it needs no right to read the
-// directory.
+// For the handle with which a directory is entered again. Where O_PATH exists, that needs no right
+// to read the directory.
 #ifndef O_PATH
 #define O_PATH O_RDONLY
 #endif
@@ -32,8 +32,8 @@ namespace {
 
 using std::chrono::nanoseconds;
 
-// macOS itself ignores case, so a file that is found may be spelled differently. The time of a
-// change has another name there.
+// macOS itself ignores case, so a file that is found may be spelled differently. The member for the
+// time of the last change has another name there.
 #ifdef __APPLE__
 #define st_mtim st_mtimespec
 constexpr bool mayFindOtherCase = true;
@@ -66,7 +66,7 @@ std::string Raised(std::string name) {
     return name;
 }
 
-// The directory and the name of a path that holds a "/"; the name of "/" is empty.
+// The directory and the name of a path that contains a "/"; the name of "/" is empty.
 std::pair<std::string, std::string> Divided(const std::string& path) {
     const std::size_t separator = path.find_last_of('/');
     return {path.substr(0, std::max<std::size_t>(separator, 1)), path.substr(separator + 1)};
@@ -75,9 +75,9 @@ std::pair<std::string, std::string> Divided(const std::string& path) {
 // The names in a directory as they were when it was read.
 class Listing {
   public:
-    // Spells `name` like the entry of `directory` that it stands for: the one with exactly that
-    // name, or else the first in byte order that matches without regard to case. False: there is
-    // none.
+    // Spells `name` like the entry of `directory` that it matches: the one with exactly that name,
+    // or else the first in byte order that matches without regard to case. False: there is none. If
+    // the directory cannot be read, only the exact name is tried.
     bool Find(const std::string& directory, std::string* name) {
         struct stat status;
         const auto isKnown = [&] {
@@ -99,7 +99,7 @@ class Listing {
     }
 
   private:
-    // `status` is from before the reading. False: the directory cannot be read.
+    // `status` was determined before the reading. False: the directory cannot be read.
     bool Read(const std::string& directory, const struct stat& status) {
         using namespace std::chrono;
         const auto now = system_clock::now().time_since_epoch();
@@ -112,9 +112,9 @@ class Listing {
             std::free(entries[i]);
         }
         std::free(entries);
-        // The time of a directory is as coarse as the tick of a clock, on some file systems a
-        // second or two. A change after the reading does not show if it is within the same tick as
-        // the last change before it.
+        // The time of a directory is as coarse as a clock tick, on some file systems a second or
+        // two. A change after the reading does not show if it falls in the same tick as the last
+        // change before it.
         const nanoseconds time = TimeOfChange(status);
         const auto tick = time % seconds(1) == seconds(0) ? milliseconds(2000) : milliseconds(20);
         const bool isSettled = count >= 0 && time + tick < now;
@@ -123,8 +123,8 @@ class Listing {
         return count >= 0;
     }
 
-    std::set<std::pair<std::string, std::string>> names;  // in capitals, and as they are
-    // The directory, before it was read; none if a later change might not show in its time.
+    std::set<std::pair<std::string, std::string>> names;  // in capitals, and as spelled
+    // The directory that was read; none if a later change might not show in its time.
     FileIdentity identity;
     nanoseconds changed{};
 };
@@ -158,11 +158,11 @@ bool IsRegularFile(std::string_view name) {
 }
 
 struct CurrentDirectory::State {
-    // A directory on the path of includes from the first file to the one being read.
+    // The directory of a file in the chain of includes, from the first file to the one being read.
     struct Level {
-        std::string path{};      // empty: not needed yet, or it has none
+        std::string path{};      // empty: not needed yet, or there is none
         FileHandle handle{};     // to go back; opened when the directory is first left
-        bool isEntered = false;  // false: it is the directory of the level below
+        bool isEntered = false;  // false: the same directory as the level below
     };
 
     // Whether the current directory has a path; if so, it is stored in the last level.
@@ -191,8 +191,8 @@ struct CurrentDirectory::State {
         return true;
     }
 
-    std::vector<Level> levels = std::vector<Level>(1);  // the first is where the run began
-    std::map<std::string, Listing> listings;            // of directories that were asked, by path
+    std::vector<Level> levels = std::vector<Level>(1);  // the first is where the run started
+    std::map<std::string, Listing> listings;            // of directories searched, by path
 };
 
 CurrentDirectory::CurrentDirectory() : state(std::make_unique<State>()) {}
@@ -230,8 +230,8 @@ FoundPath CurrentDirectory::FullPath(std::string_view name) {
 bool CurrentDirectory::EnterDirectoryOf(const FoundPath& file) {
     State::Level& here = state->levels.back();
     std::string directory = Divided(file.path).first;
-    // A path that leads to a file in the current directory stays there. One that leads nowhere may
-    // not: the path of the current directory need not be passable.
+    // For a file found in the current directory there is nothing to enter. For one that was not
+    // found, that directory is entered anyway, which can fail: its path need not be passable.
     if (file.isFile && state->HasPath() && here.path == directory) {
         state->levels.push_back({.path = here.path});
         return true;

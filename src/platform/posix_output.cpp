@@ -18,11 +18,11 @@ namespace {
 
 constexpr mode_t permissions = 07777;
 
-// The names of the temporary files that exist now, and null. Process-wide, since the process may
-// end anywhere. The size is fixed, since writing a report must not need memory.
+// The names of the temporary files that exist now; null in free slots. Process-wide, since the
+// process may end anywhere. The size is fixed, since writing a report must not need memory.
 std::array<const std::string*, 16> unfinished{};
 
-// `temporary` has its final name or has been removed. It need not be in the list.
+// Takes `temporary`, which has been renamed or removed, off the list. It need not be on it.
 void Forget(const std::string& temporary) {
     const auto slot = std::ranges::find(unfinished, &temporary);
     if (slot != unfinished.end()) {
@@ -31,15 +31,15 @@ void Forget(const std::string& temporary) {
     }
 }
 
-// Replaces `path` by the target of a symbolic link of that name, repeatedly. False: the target has
-// no name.
+// Replaces `path` by the target of the symbolic link of that name, if it is one, and repeats that.
+// False: a link cannot be read, or there are 40 of them.
 bool FollowLinks(std::string* path) {
     for (int i = 0; i < 40; ++i) {
         std::array<char, PATH_MAX> text;
         const ssize_t size =
             Requested([&] { return readlink(path->c_str(), text.data(), text.size()); });
         if (size < 0) {
-            return errno == EINVAL || errno == ENOENT;  // no link, or nothing
+            return errno == EINVAL || errno == ENOENT;  // not a link, or no such file
         }
         const std::string_view target(text.data(), static_cast<std::size_t>(size));
         path->erase(target.starts_with('/') ? 0 : path->find_last_of('/') + 1);
@@ -171,7 +171,7 @@ bool EndWriting(FileHandle* handle) {
     if (*handle < 0) {
         return true;
     }
-    // Interrupted by a signal, it is closed too, and the system has all bytes.
+    // A file is closed even if a signal interrupts the call, and the system has all its bytes.
     const bool isClosed = close(handle->Release()) == 0 || errno == EINTR;
     if (FailsOnPurpose()) {
         errno = EIO;

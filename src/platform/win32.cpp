@@ -1,4 +1,4 @@
-// Texts, and reading files, on Win32.
+// Conversion of texts, and reading files, on Win32.
 
 #include "platform/win32.h"
 

@@ -25,11 +25,11 @@ namespace korv::platform {
 [[nodiscard]] std::wstring Wide(std::string_view text);
 [[nodiscard]] std::string Narrow(std::wstring_view wide);
 
-/// The full path of `name` as the system makes it, from the current directory of the process; a
-/// device has one that begins with `\\.\`. Empty: there is none.
+/// The full path of `name`, which the system forms from the current directory of the process. The
+/// path of a device begins with `\\.\`. Empty: there is none.
 [[nodiscard]] std::wstring FullName(const std::wstring& name);
 
-/// A full path in the form that is not cut at 260 characters.
+/// A full path in the form that is not limited to 260 characters.
 [[nodiscard]] std::wstring Unlimited(const std::wstring& path);
 
 struct HandleCloser {
@@ -39,25 +39,26 @@ struct HandleCloser {
         }
     }
 };
-/// An open file by its handle, which is invalid for none.
+/// The handle of an open file, closed with its owner; an invalid one for none.
 using OwnedHandle = std::unique_ptr<void, HandleCloser>;
 
-/// Like `CreateFileW`, shared with everybody; it is no directory that opens. An invalid handle:
-/// it cannot be opened.
+/// Like `CreateFileW`, shared with all processes. Does not open a directory. Result: an invalid
+/// handle on failure.
 [[nodiscard]] OwnedHandle OpenHandle(const std::wstring& path, DWORD access, DWORD disposition,
                                      DWORD attributes);
 
-/// An open file by a number. `mode` is _O_BINARY, or _O_TEXT for the line ends of the system.
+/// Turns the handle of an open file into a number. `mode` is _O_BINARY, or _O_TEXT for the line
+/// ends of the system.
 [[nodiscard]] FileHandle Numbered(OwnedHandle file, int mode);
 
 [[nodiscard]] inline HANDLE HandleOf(int number) {
     return reinterpret_cast<HANDLE>(_get_osfhandle(number));
 }
 
-/// The identity of an open file. False: the system does not say.
+/// The identity of an open file. False: the system cannot determine it.
 [[nodiscard]] bool Identify(HANDLE file, FileIdentity* identity, DWORD* attributes = nullptr);
 
-/// The result of `request`, a call that gives 0 or an invalid handle on failure.
+/// The result of `request`, a call that returns 0 or an invalid handle on failure.
 template <typename Request>
 [[nodiscard]] auto Requested(Request request) -> decltype(request()) {
     using Result = decltype(request());
@@ -73,7 +74,8 @@ template <typename Request>
 }
 
 /// The text that a call of the system writes to a buffer; empty for a failure. `call` takes the
-/// size and the buffer. It returns the length of the text, or the size that it needs.
+/// size and the buffer. It returns the length of the text, or the size needed if the buffer is too
+/// small.
 template <typename Call>
 [[nodiscard]] std::wstring Filled(Call call) {
     std::wstring text(MAX_PATH, L'\0');

@@ -1,4 +1,4 @@
-// The console on Win32. Its events come on threads of the system's own.
+// The console on Win32. The system delivers its events on separate threads.
 
 #include <fcntl.h>
 #include <io.h>
@@ -12,7 +12,7 @@
 #include "platform/platform.h"
 #include "platform/win32.h"
 
-// Words of the command line are no patterns: "/?" is a switch.
+// Keeps the library from expanding words of the command line as patterns: "/?" is a switch.
 extern "C" int _dowildcard;
 int _dowildcard = 0;
 
@@ -21,15 +21,15 @@ namespace {
 
 // Process-wide, as the console is.
 std::atomic<ConsoleHandler> consoleHandler = nullptr;
-SRWLOCK handlerLock = SRWLOCK_INIT;  // held while it runs
+SRWLOCK handlerLock = SRWLOCK_INIT;  // held while the handler runs
 HANDLE eventHasCome = nullptr;
-UINT codePage = 0;  // of the console, to be put back; 0: it was not changed
+UINT codePage = 0;  // of the console, to be restored; 0: not changed
 
 HANDLE HandleOf(std::FILE* stream) {
     return platform::HandleOf(_fileno(stream));
 }
 
-// Events are passed on by the system's own numbers.
+// Events are passed on with the system's numbers.
 static_assert(EVENT_CTRL_C == CTRL_C_EVENT && EVENT_CTRL_BREAK == CTRL_BREAK_EVENT);
 static_assert(EVENT_CLOSE == CTRL_CLOSE_EVENT && EVENT_LOGOFF == CTRL_LOGOFF_EVENT);
 static_assert(EVENT_SHUTDOWN == CTRL_SHUTDOWN_EVENT);
@@ -44,7 +44,7 @@ BOOL WINAPI OnConsoleEvent(DWORD event) {
     }
     SetEvent(eventHasCome);
     if (event >= CTRL_CLOSE_EVENT) {
-        Sleep(INFINITE);  // the process would end with the return from here, and not with the run
+        Sleep(INFINITE);  // returning would end the process before the run has ended
     }
     return TRUE;
 }
@@ -62,8 +62,8 @@ DWORD WINAPI TakeByte(void* input) {
     return ReadFile(input, &key, 1, &count, nullptr) != 0 ? 0 : 1;
 }
 
-// Waits for a key with a character: those that only shift others have none, and a key that goes up
-// belongs to what was typed before.
+// Waits until a key that has a character is pressed. Modifier keys have none, and the release of a
+// key belongs to what was typed before.
 void TakeKey(HANDLE input) {
     const HANDLE awaited[] = {input, eventHasCome};
     INPUT_RECORD record = {};
@@ -81,9 +81,9 @@ void TakeKey(HANDLE input) {
 }  // namespace
 
 void OpenStandardStreams() {
-    // The library keeps the numbers of missing streams. On a console it would make a call of the
-    // system for each character, and take each byte of one for a character of its own; line ends
-    // the console sees to.
+    // The library reserves the numbers of missing streams. On a console it would make a system call
+    // for each byte and treat each byte as a character, so there the output is buffered and binary.
+    // The console handles the line ends.
     static bool isDone = false;
     if (std::exchange(isDone, true)) {
         return;
@@ -104,7 +104,7 @@ bool IsTerminal(std::FILE* stream) {
     return GetConsoleMode(HandleOf(stream), &mode) != 0;
 }
 
-// A temporary file goes with the process, however that ends.
+// A temporary file is deleted when the process ends, however that happens.
 void HoldSignals() {}
 void ReleaseSignals() {}
 
@@ -133,8 +133,8 @@ void AwaitConsoleHandler() {
 }
 
 void WriteFromHandler(std::string_view text) {
-    // By the number, which knows whether line ends are to be changed. Its lock is held by nobody
-    // who waits for a handler.
+    // Written by the stream's number, which has the setting for line ends. No thread that waits for
+    // a handler holds its lock.
     [[maybe_unused]] const int written =
         _write(_fileno(stdout), text.data(), static_cast<unsigned>(text.size()));
 }
@@ -149,7 +149,7 @@ void WaitForKey() {
         SetConsoleMode(input, mode);
         return;
     }
-    // Beside this thread, since an event counts as a key too.
+    // Read in another thread, since an event counts as a key too.
     const HANDLE reader = CreateThread(nullptr, 0, TakeByte, input, 0, nullptr);
     if (reader != nullptr) {
         const HANDLE awaited[] = {reader, eventHasCome};

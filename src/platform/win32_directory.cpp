@@ -1,7 +1,7 @@
 // Names of files, and the current directory, on Win32.
 //
-// The current directory of the process stays where it is: no path of more than 260 characters can
-// be made the current one, while a full path may have 32767. What is current is a text here.
+// The current directory of the process is never changed: its path is limited to 260 characters,
+// while a full path may have 32767. The current directory of the run is kept as a text instead.
 
 #include <algorithm>
 #include <cwctype>
@@ -15,7 +15,7 @@ namespace korv::platform {
 namespace {
 
 constexpr std::size_t driveLength = 2;
-constexpr std::size_t longestPath = 32767 - 5;  // of the system, less what `Unlimited` adds
+constexpr std::size_t longestPath = 32767 - 5;  // the system's limit, less what `Unlimited` adds
 
 bool IsSeparator(wchar_t c) {
     return c == L'/' || c == L'\\';
@@ -25,7 +25,7 @@ bool HasDrive(const std::wstring& path) {
     return path.size() >= driveLength && std::iswalpha(path[0]) != 0 && path[1] == L':';
 }
 
-// The directory of a full path; that of a drive keeps its separator.
+// The directory of a full path. The root of a drive keeps its separator.
 std::wstring DirectoryOf(const std::wstring& path) {
     const std::size_t separator = path.find_last_of(L'\\');
     return path.substr(0, std::max(separator, driveLength + 1));
@@ -40,13 +40,14 @@ bool IsDirectory(const std::wstring& path) {
     return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
 }
 
-// How its directory spells the last component of `path`. False: there is no such entry.
+// Sets `component` to the last component of `path` as spelled on disk. False: there is no such
+// entry.
 bool Spell(const std::wstring& path, std::wstring* component) {
     WIN32_FIND_DATAW entry;
     const HANDLE search =
         Requested([&] { return FindFirstFileW(Unlimited(path).c_str(), &entry); });
     if (search == INVALID_HANDLE_VALUE) {
-        // A directory that may be passed but not be read.
+        // The directory may be traversed but not read.
         return GetLastError() == ERROR_ACCESS_DENIED &&
                AttributesOf(path) != INVALID_FILE_ATTRIBUTES;
     }
@@ -77,7 +78,7 @@ bool IsRegularFile(std::string_view name) {
 }
 
 struct CurrentDirectory::State {
-    // What the system is to make a full path of.
+    // The text from which the system makes the full path of `name`.
     [[nodiscard]] std::wstring Joined(const std::wstring& name) const {
         const std::wstring here = Wide(levels.back());
         const bool isRooted = !name.empty() && IsSeparator(name[0]);
@@ -86,7 +87,7 @@ struct CurrentDirectory::State {
             return isShare ? name : here.substr(0, driveLength) + name;
         }
         if (!HasDrive(name)) {
-            // A device is one wherever it is named.
+            // The name of a device means the device in every directory.
             return FullName(name).starts_with(L"\\\\.\\") ? name : here + L'\\' + name;
         }
         const bool isHere = std::towupper(name[0]) == std::towupper(here[0]) &&
@@ -95,12 +96,12 @@ struct CurrentDirectory::State {
     }
 
     // Spells a full path as it is on disk, component by component. False: there is no such file,
-    // `path` is unchanged.
+    // and `path` is unchanged.
     bool SpellAsOnDisk(std::wstring* path) const {
         if (path->find_first_of(L"*?<>\"|") != std::wstring::npos) {
-            return false;  // it would be taken for a pattern, and no file has such a name
+            return false;  // the system would treat it as a pattern, and no file has such a name
         }
-        const std::wstring here = Wide(levels.back());  // which is spelled so
+        const std::wstring here = Wide(levels.back());  // spelled as on disk already
         std::wstring spelled = path->substr(0, driveLength);
         spelled[0] = static_cast<wchar_t>(std::towupper(spelled[0]));
         if (path->starts_with(here + L'\\')) {
@@ -123,8 +124,8 @@ struct CurrentDirectory::State {
         return true;
     }
 
-    // Full paths of the directories on the way from the first file to the one being read; the first
-    // is where the run began.
+    // Full paths of the directories in the chain of includes; the first is the one in which the run
+    // started.
     std::vector<std::string> levels{Narrow(FullName(L"."))};
 };
 

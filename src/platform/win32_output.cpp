@@ -1,6 +1,6 @@
-// Writing files on Win32. From its first moment a temporary file is marked as deleted: nobody else
-// can open it, and it goes with its handle, however the process ends. `Commit` takes the mark away
-// and gives it its name.
+// Writing files on Win32. A temporary file is marked as deleted as soon as it exists: no other
+// process can open it, and it disappears when its handle is closed, however the process ends.
+// `Commit` removes the mark and renames the file.
 
 #include <fcntl.h>
 #include <io.h>
@@ -16,7 +16,8 @@
 namespace korv::platform {
 namespace {
 
-// Of an old file, what a new one in its place has too; what may be read only is not replaced.
+// The attributes of an old file that a new one in its place gets too. A read-only file is not
+// replaced.
 constexpr DWORD keptAttributes = FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM |
                                  FILE_ATTRIBUTE_NOT_CONTENT_INDEXED | FILE_ATTRIBUTE_ENCRYPTED;
 
@@ -36,7 +37,7 @@ bool MarkAsDeleted(HANDLE file, bool isDeleted) {
 
 using Access = std::vector<std::byte>;
 
-// Who may do what with a file; empty where the file system has no such thing.
+// The access rights of a file; empty if the file system has none.
 Access AccessOf(HANDLE file) {
     DWORD size = 0;
     GetKernelObjectSecurity(file, DACL_SECURITY_INFORMATION, nullptr, 0, &size);
@@ -47,7 +48,7 @@ Access AccessOf(HANDLE file) {
     return access;
 }
 
-// Where what is open is found, with no link on the way; empty where the system does not say.
+// The path of an open file with all links resolved; empty if the system cannot determine it.
 std::wstring PathOf(HANDLE file) {
     return Filled([file](DWORD size, wchar_t* buffer) {
         return GetFinalPathNameByHandleW(file, buffer, size, 0);
@@ -66,7 +67,8 @@ bool IsThere(const OwnedHandle& file) {
 
 bool FindPlace(const FileSet& kept, OutputPlace* place) {
     std::wstring path = Unlimited(FullName(Wide(place->path)));
-    // Of a symbolic link, a report replaces the link and a target what it leads to.
+    // If the name is a symbolic link, a report replaces the link, a target the file that it leads
+    // to.
     const bool isTarget = place->kind == OutputFile::Kind::target;
     const DWORD flags = isTarget ? 0 : FILE_FLAG_OPEN_REPARSE_POINT;
     OwnedHandle file = OpenHandle(path, GENERIC_WRITE | DELETE, OPEN_EXISTING, flags);
@@ -130,7 +132,7 @@ bool SetSize(int handle, std::uint64_t size) {
 }
 
 bool EndWriting(FileHandle*) {
-    return true;  // the file would go with its handle
+    return true;  // closing the handle would delete the file
 }
 
 std::ptrdiff_t WriteSome(int handle, const void* buffer, std::size_t count) {
@@ -138,7 +140,7 @@ std::ptrdiff_t WriteSome(int handle, const void* buffer, std::size_t count) {
 }
 
 bool PutInPlace(FileHandle* handle, std::string* temporary, const std::string& path) {
-    const bool isMarked = *handle >= 0;  // and not a second name of a file
+    const bool isMarked = *handle >= 0;  // false: `temporary` is a second name of a file
     const auto move = [&] {
         return MoveFileExW(Wide(*temporary).c_str(), Wide(path).c_str(), MOVEFILE_REPLACE_EXISTING);
     };
@@ -152,7 +154,7 @@ bool PutInPlace(FileHandle* handle, std::string* temporary, const std::string& p
 }
 
 void Remove(std::string* name) {
-    DeleteFileW(Wide(*name).c_str());  // gone already, but if the mark could not be set
+    DeleteFileW(Wide(*name).c_str());  // still there only if the mark could not be set
     name->clear();
 }
 

@@ -1,5 +1,5 @@
-/// The classes of characters for reader, statement loop, operands and scanner. They do not depend
-/// on the locale. Bytes from 0x80 up have no class.
+/// The classes of characters for the reader, the statement loop, the operands and the scanner. They
+/// do not depend on the locale. Bytes from 0x80 up have no class.
 #pragma once
 
 #include <array>
@@ -39,7 +39,7 @@ inline constexpr auto charClass = [] {
     return (charClass[static_cast<unsigned char>(c)] & mask) != 0;
 }
 
-/// `c`; the capital of a lower-case letter.
+/// `c`, with a lower-case letter converted to upper case.
 [[nodiscard]] constexpr char Raised(char c) noexcept {
     return HasClass(c, CC_LOWER) ? static_cast<char>(c - ('a' - 'A')) : c;
 }
@@ -69,7 +69,7 @@ template <typename Character>
     return text;
 }
 
-/// `text`, which is not empty, without the parentheses that it begins and ends with, if it does.
+/// `text`, which is not empty, without the parentheses around it, if it has both.
 [[nodiscard]] constexpr std::string_view WithoutParentheses(std::string_view text) noexcept {
     const bool hasThem = text.front() == '(' && text.back() == ')';
     return hasThem ? std::string_view(text.data() + 1, text.size() - 2) : text;

@@ -21,7 +21,7 @@ class CFileNameRegistry {
     CFileNameRegistry& operator=(const CFileNameRegistry&) = delete;
 
     /// Keeps a copy of `name`. Result: its number, from 1. If there is no memory for it, the number
-    /// is 0; if the table cannot grow, that is printed as a memory failure.
+    /// is 0. If it is the table that cannot grow, that is printed as a memory failure.
     std::int32_t AddName(std::string_view name);
 
     /// The text for a message, valid as long as the registry: the name, or a phrase for 0 (no file)
@@ -29,7 +29,7 @@ class CFileNameRegistry {
     [[nodiscard]] const char* NameOf(std::int32_t number) const;
 
   private:
-    platform::Buffer names;  // owned pointers; that of number n has the index n - 1
+    platform::Buffer names;  // owned pointers; the one of number n has the index n - 1
     std::int32_t count = 0;
 };
 

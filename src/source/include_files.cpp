@@ -31,7 +31,7 @@ Status CAssembler::AssembleIncludeFile(std::string_view name) {
     return status;
 }
 
-// Result: as `AssembleIncludeFile`.
+// Result: that of `AssembleIncludeFile`.
 Status CAssembler::EnterFile(std::string_view name) {
     platform::FoundPath file;
     if (const Status status = sources->Find(name, &file); status != 0) {
@@ -54,7 +54,7 @@ Status CAssembler::EnterFile(std::string_view name) {
     return status;
 }
 
-// Result: 0, or why the file could not be opened.
+// Result: 0, or the reason why the file could not be opened.
 Status CAssembler::OpenAndRun(const std::string& path, std::int32_t fileNumber) {
     CSourceFile file = sources->Open(path, fileBufferSize);
     if (file.IsOpen() == 0) {
@@ -96,8 +96,7 @@ Status AssembleInclude(CAssembler* assembler, CStatement* statement) {
     }
     const std::int32_t status = assembler->AssembleIncludeFile(name);
     TraceFile(assembler, "Closing", name);
-    // The lines of the file have records of their own; a record of this line would repeat their
-    // bytes.
+    // The lines of the file have their own records; a record of this line would repeat their bytes.
     assembler->flags.Set(RF_NO_DEBUG_RECORD);
     return status == 0 ? 0 : Refuse(statement, arg, status);
 }

@@ -1,4 +1,4 @@
-/// The rules for cleaning a logical line, applied to one byte of the file after another.
+/// The rules for cleaning a logical line, applied to the file byte by byte.
 #pragma once
 
 #include <cstddef>
@@ -11,9 +11,9 @@ namespace korv {
 /// Marks the end of a text file on some old systems; it is dropped.
 inline constexpr char endOfText = 0x1A;
 
-/// The hard idea is the last significant character. It decides where trailing blanks begin and
-/// whether the line is continued. It is not updated for each byte, but found when it is needed, by
-/// walking back over blanks from the end of the stored text. After a continuation it is the
+/// The key to the rules is the last significant character. It decides where trailing blanks begin
+/// and whether the line is continued. It is not updated for each byte, but found when it is needed,
+/// by walking back over blanks from the end of the stored text. After a continuation it is the
 /// backslash, which remains there until something overwrites it. So an empty line after a
 /// continuation continues the line again.
 ///
@@ -33,7 +33,7 @@ struct LineCleaner {
         return true;
     }
 
-    /// The index after the last character that is no blank; 0 for none.
+    /// The index after the last character that is not a blank; 0 for none.
     [[nodiscard]] std::size_t SignificantEnd() const {
         const char* const end = WithoutBlanks(line + segment, line + size);
         return end == line + segment ? endBefore : static_cast<std::size_t>(end - line);
@@ -45,16 +45,16 @@ struct LineCleaner {
         return isComment ? commentStart : end == 0 ? size : end;
     }
 
-    /// Terminates the text. A backslash that is continued by nothing is not part of it.
+    /// Terminates the text. A backslash that nothing follows is not part of it.
     void Finish() {
         line[size] = '\0';
         line[Length()] = '\0';
     }
 
     char* line;                 ///< receives the text; needs room for all bytes taken and 1 more
-    std::size_t size = 0;       ///< of what has been stored
+    std::size_t size = 0;       ///< characters stored in `line`
     std::size_t segment = 0;    ///< start of the text after the last continuation
-    std::size_t endBefore = 0;  ///< `SignificantEnd` before that
+    std::size_t endBefore = 0;  ///< `SignificantEnd` at that continuation
     std::size_t commentStart = 0;
     std::uint32_t taken = 0;     ///< bytes
     std::uint32_t released = 0;  ///< bytes taken that are no longer in the line

@@ -1,5 +1,5 @@
 // The reader. Nearly every line is plain text in one piece, perhaps with strings and a comment. It
-// is copied by the chunk and converted to upper case on the way; only a chunk with a byte that
+// is copied in chunks and converted to upper case in the same step; only a chunk with a byte that
 // needs attention is examined more closely. All other lines are read byte by byte: those with
 // continuations or odd bytes, and those at the end of a block.
 
@@ -18,7 +18,7 @@
 namespace korv {
 namespace {
 
-// What the next bytes belong to.
+// The part of a line that the next bytes belong to.
 enum class Run { plain, string, comment };
 
 // Sixteen bytes that are processed at once. All supported compilers have such vectors.
@@ -32,8 +32,8 @@ Chunk All(char c) {
     return Chunk{} + static_cast<std::uint8_t>(c);
 }
 
-// The bytes from `first` to `last`. They are moved to the lowest signed numbers, since machines
-// compare signed numbers.
+// Marks the bytes from `first` to `last`. They are moved to the lowest signed numbers first, since
+// vector instructions compare signed numbers.
 template <char first, char last>
 auto Between(Chunk bytes) {
     constexpr int lowest = -128;
@@ -41,7 +41,7 @@ auto Between(Chunk bytes) {
            SignedChunk{} + static_cast<std::int8_t>(lowest + last - first + 1);
 }
 
-// The bytes that need attention, and a few control characters that hardly ever occur.
+// Marks the bytes that need attention, and a few control characters that hardly ever occur.
 template <Run run>
 auto AttentionIn(Chunk bytes) {
     auto attention = Between<'\n', endOfText>(bytes);
@@ -72,9 +72,10 @@ std::size_t FirstIn(Mask mask) {
 #endif
 }
 
-// The bytes at `from` up to the first one that needs attention, at most a chunk: copies them, with
-// the letters of plain text in upper case. Comments are not copied. A whole chunk is read and
-// written. Result: their number.
+// Copies the bytes at `from` up to the first one that needs attention, at most a chunk, with the
+// letters of plain text in upper case. Comments are not copied. Always reads a whole chunk, and
+// writes one unless it is in a comment. Result: the number of bytes before the one that needs
+// attention.
 template <Run run>
 std::size_t CopyChunk(const std::uint8_t* from, char* to) {
     Chunk bytes;
@@ -90,7 +91,7 @@ std::size_t CopyChunk(const std::uint8_t* from, char* to) {
 }
 
 // Copies chunks from `*next` to `*out`, and advances both, up to a byte that needs attention.
-// False: there is none before `lastChunk`, after which no whole chunk is left.
+// False: there is none up to `lastChunk`, the last position at which a whole chunk may be read.
 template <Run run>
 bool CopyRun(const std::uint8_t** next, char** out, const std::uint8_t* lastChunk) {
     while (*next <= lastChunk) {
@@ -163,8 +164,8 @@ Status CSourceFile::ReadLine(char* line, std::uint32_t maxLength, std::uint32_t*
                : ReadAnyLine(line, maxLength, bytesOut, linesOut);
 }
 
-// Reads the next line in the usual case: it is in one piece in the buffer, and has no continuation.
-// False: this is another case, and nothing has been read.
+// Reads the next line in the usual case: it is in one piece in the buffer and is not continued.
+// False: it is another case, and nothing has been read.
 inline bool CSourceFile::ReadPlainLine(char* line, std::uint32_t maxLength, std::uint32_t* bytesOut,
                                        std::uint32_t* linesOut) {
     const std::uint8_t* next = readPosition;
@@ -198,9 +199,9 @@ inline bool CSourceFile::ReadPlainLine(char* line, std::uint32_t maxLength, std:
     return true;
 }
 
-// Continues a line that is longer than its first chunk: strings, a comment, the carriage return at
-// its end. Chunks are read and written whole, so it stops near the end of the buffer or of the
-// longest line. False: it has stopped there, or at something else.
+// Copies the rest of a line that does not end in its first chunk: strings, a comment, the carriage
+// return at the end. Chunks are read and written whole, so it gives up near the end of the buffer
+// or of the longest line. False: it has given up there, or at another byte that it does not handle.
 bool CSourceFile::CopyToLineFeed(const std::uint8_t** next, char** out, std::uint32_t maxLength,
                                  bool* hasComment) {
     if (maxLength < chunkSize) {
@@ -235,7 +236,7 @@ bool CSourceFile::CopyToLineFeed(const std::uint8_t** next, char** out, std::uin
     return **next == '\n';
 }
 
-// Reads the next line, whatever it is.
+// Reads the next line, whatever its form.
 [[gnu::noinline]] Status CSourceFile::ReadAnyLine(char* line, std::uint32_t maxLength,
                                                   std::uint32_t* bytesOut,
                                                   std::uint32_t* linesOut) {

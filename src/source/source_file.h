@@ -17,10 +17,10 @@ class CSourceFile {
     /// Opens the file `name`, exactly as spelled, with a read buffer of at most `maxBufferSize`
     /// bytes. A file without a size, such as a pipe, gets a buffer of that size.
     CSourceFile(std::string_view name, std::uint32_t maxBufferSize);
-    /// A file that has been read already: its contents are `text`, which is not owned.
+    /// A file that has been read already, with the contents `text`, which is not owned.
     [[nodiscard]] static CSourceFile OfText(std::string_view text);
 
-    /// The least that a line needs room for, however short the longest may be.
+    /// The least room for a line, even if the longest line allowed is shorter.
     static constexpr std::size_t leastRoom = 32;
 
     /// Reads the next logical line into `line` as terminated text. There must be room for
@@ -29,7 +29,7 @@ class CSourceFile {
     /// that end in a backslash are joined. A line of only blanks keeps them. Result: 0,
     /// `endOfFile`, or MSG_LINE_TOO_LONG when the line takes more than `maxLength` bytes of the
     /// file. `bytesOut` receives the bytes taken from the file and `linesOut` the line feeds among
-    /// them, unless it is too long.
+    /// them, unless the line is too long.
     [[nodiscard]] Status ReadLine(char* line, std::uint32_t maxLength, std::uint32_t* bytesOut,
                                   std::uint32_t* linesOut);
 
@@ -39,7 +39,7 @@ class CSourceFile {
     [[nodiscard]] std::int32_t IsOpen() const { return OpenStatus() == 0 ? 1 : 0; }
     /// The file itself, for its identity and for read failures.
     [[nodiscard]] const platform::InputFile& Stream() const { return stream; }
-    /// MSG_CANNOT_OPEN; MSG_OUT_OF_MEMORY for its buffer; else 0.
+    /// MSG_CANNOT_OPEN; MSG_OUT_OF_MEMORY if there is no memory for its buffer; else 0.
     [[nodiscard]] Status OpenStatus() const;
 
   private:

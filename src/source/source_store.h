@@ -1,4 +1,5 @@
-/// The source of the files of a run: the disk (`driver/disk_store.h`), or texts in memory.
+/// The interface through which a run gets its files: from the disk (`driver/disk_store.h`), or from
+/// texts in memory.
 #pragma once
 
 #include <optional>
@@ -26,7 +27,7 @@ class SourceStore {
     virtual ~SourceStore() = default;
 
     /// Resolves `name`, whether the file exists or not. Result: 0, MSG_CANNOT_GET_DIRECTORY, or
-    /// MSG_CANNOT_OPEN if relative names no longer have a meaning.
+    /// MSG_CANNOT_OPEN if relative names can no longer be resolved.
     [[nodiscard]] virtual Status Find(std::string_view name, platform::FoundPath* file) = 0;
 
     /// Enters the source `file`, a result of `Find`. False: its directory cannot be entered. Each

@@ -1,12 +1,12 @@
 // Resolves forward references. A patch is evaluated. If that gives an EQU its value, everything
-// that waited for the EQU is evaluated next, including further EQUs. This is recursive, and the
-// source decides how deep; so the recursion does not use the stack.
+// that waited for the EQU is evaluated next, including further EQUs. This is recursive, as deep as
+// the source makes it; so the recursion does not use the call stack.
 //
-// - A chain owns its patches. The code that takes a chain from its identifier owns them, processes
-//   each once and then frees it; so `next` is read before a patch is freed.
+// - A chain owns its patches. The code that takes a chain from its identifier becomes their owner,
+//   processes each once and then frees it; so `next` is read before a patch is freed.
 // - The patches in progress form a stack through `parent`, from a patch to the EQU patch whose
 //   value released it. The first patch of a chain gets its `parent` when the chain is released,
-//   each further one when its turn comes.
+//   each further one just before it is processed.
 // - The caller owns and frees the root.
 
 #include <string>
@@ -68,8 +68,8 @@ Status Backpatcher::WorkPatch(CPatchInfo* patch) {
     return (patch->flags & PF_EQU) == 0 ? WritePatch(*patch, value) : ResolveEqu(*patch, value);
 }
 
-// Evaluates the text of `patch`. Result: the status of the scan; with MSG_UNRESOLVED a copy waits
-// for the next name.
+// Evaluates the text of `patch`. Result: the status of the scan; on MSG_UNRESOLVED, a copy of the
+// patch waits for the next name.
 Status Backpatcher::EvaluatePatch(const CPatchInfo& patch, std::int32_t* value) {
     std::string_view fault;
     const Status status = assembler->ScanExpression(patch.Text(), value, &fault);

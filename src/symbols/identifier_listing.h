@@ -1,4 +1,4 @@
-/// The listing of the identifiers, and its order, which the reports at the end of a run have too.
+/// The listing of the identifiers, and its order, which the reports of unresolved names follow too.
 #pragma once
 
 #include <cstdint>
@@ -15,10 +15,10 @@ class CFileNameRegistry;
 inline constexpr std::uint32_t tableSize = 211;
 
 /// Sorts `records` by bucket, and by name within one. Needs no memory, since reports are made even
-/// if there is none left.
+/// if none is left.
 void SortForListing(std::span<CIdentifier*> records);
 
-/// Writes the listing of the sorted `records`, except the system's own names.
+/// Writes the listing of the sorted `records`, without the built-in names.
 void WriteListing(std::span<CIdentifier* const> records, const CFileNameRegistry& fileNames,
                   platform::OutputFile* file);
 

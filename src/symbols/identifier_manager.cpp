@@ -8,7 +8,7 @@ namespace korv {
 CIdentifierManager::CIdentifierManager(CAssembler* assembler)
     : namePool(assembler->output), index(&namePool), assembler(assembler) {}
 
-// Makes a record for a name that is not in the table.
+// Creates the record of a name that is not in the table.
 [[gnu::noinline]] CIdentifier* CIdentifierManager::Enter(const HashedName& name) {
     auto* const record = new (namePool.Take(sizeof(CIdentifier), alignof(CIdentifier)))
         CIdentifier{.name = namePool.Store(name.text),
@@ -74,8 +74,8 @@ void CIdentifierManager::ApplyPatches(CIdentifier* identifier) {
 }
 
 Status CIdentifierManager::AddPatch(std::string_view name, CPatchInfo* patch) {
-    // Mostly the name that had no value just now. Looking it up again costs 1 % of all
-    // instructions.
+    // This is usually the name that has just been found without a value. Looking it up again costs
+    // 1 % of all instructions.
     const bool isMissing = name.data() == missing.text.data() && name.size() == missing.text.size();
     const HashedName hashed = isMissing ? missing : HashedName(name);
     CIdentifier* const known = isMissing && waiting != nullptr ? waiting : index.Find(hashed);

@@ -25,7 +25,7 @@ namespace korv {
 class CAssembler;
 class DebugStream;
 
-/// For `AddID`: a name and its definition. The name has to be valid during the call only.
+/// For `AddID`: a name and its definition. The name must be valid only during the call.
 struct Definition {
     std::string_view name;
     SourcePlace place;
@@ -57,7 +57,7 @@ class CIdentifierManager {
     /// The record of `name`, with or without a value; null if there is none.
     [[nodiscard]] CIdentifier* Find(const HashedName& name) const { return index.Find(name); }
     /// The value of `name`, which is marked as read. Result: 0 with `value`, or MSG_UNRESOLVED: a
-    /// name that waits and one never seen are the same here.
+    /// name that waits and one never seen are not distinguished.
     [[nodiscard]] Status FindID(std::string_view name, std::int32_t* value) {
         const HashedName hashed = name;
         CIdentifier* const record = index.Find(hashed);
@@ -93,7 +93,7 @@ class CIdentifierManager {
     /// texts is released.
     void ReleasePatches();
 
-    /// Prints the body of the identifier list, in the order of the buckets.
+    /// Writes the listing of identifiers, in the order of the buckets.
     void DumpIdentifiers(platform::OutputFile* file);
     /// Prints the lines of the status dump. Result: 0, or `noStream`.
     Status DumpStatus(std::FILE* stream) const;
@@ -124,13 +124,13 @@ class CIdentifierManager {
     void WriteTrace(std::initializer_list<std::string_view> pieces) const;
 
     std::vector<CIdentifier*> records;        // in the pool; they do not move
-    std::vector<CIdentifier*> sortedRecords;  // the same, once a report has sorted them
+    std::vector<CIdentifier*> sortedRecords;  // the same records, in the order of the last report
     std::int32_t totalCount = 0;
     std::int32_t waitingCount = 0;           // records with patches
     const WordSet* reservedWords = nullptr;  // not owned
     CNamePool namePool;
     CNameIndex index;
-    HashedName missing;              // the last one without a value; its text may be gone
+    HashedName missing;              // the last name found without a value; its text may be gone
     CIdentifier* waiting = nullptr;  // its record, if it had one
     CAssembler* assembler;
     DebugStream* log = nullptr;

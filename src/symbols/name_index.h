@@ -43,8 +43,9 @@ template <typename Word>
 ///
 /// Two names of the same length, up to 8, never have the same hash: their tails differ, and each
 /// further step can be undone. (The length is the same number for both, an odd factor has an
-/// inverse modulo 2 to the 64, and so has the shift with exclusive or.) `CNameIndex` relies on
-/// this and compares no text of such names; comparing them too costs 3 % of all instructions.
+/// inverse modulo 2 to the 64, and the shift with exclusive or can be inverted too.) `CNameIndex`
+/// relies on this and compares no text of such names; comparing them too costs 3 % of all
+/// instructions.
 [[nodiscard]] constexpr std::uint64_t HashOf(std::string_view name) {
     constexpr std::uint64_t multiplier =
         0x9E3779B97F4A7C15;  // 2 to the 64, divided by the golden ratio; odd
@@ -153,7 +154,7 @@ class CNameIndex {
   private:
     static constexpr int longestProbe = 16;
 
-    // Without a record it is free.
+    // An entry without a record is free.
     struct Entry {
         CIdentifier* record = nullptr;
         std::uint64_t hash = 0;
@@ -184,10 +185,10 @@ class CNameIndex {
 
     static constexpr std::uint32_t firstPlaces = 128;
 
-    // There are `longestProbe` more entries than places. The first ones are part of the index, so a
+    // There are `longestProbe` more entries than places. The first array is part of the index, so a
     // run with few names allocates none.
     std::array<Entry, firstPlaces + longestProbe> firstEntries{};
-    Entry* entries = firstEntries.data();  // owned if they are others
+    Entry* entries = firstEntries.data();  // owned unless they are the first ones
     std::uint32_t mask = firstPlaces - 1;  // the number of places, a power of 2, less 1
     std::uint32_t left = firstPlaces / 2;  // places to fill before the table grows
     // Names that found no room: all entries near their place are taken.

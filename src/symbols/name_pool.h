@@ -8,7 +8,7 @@
 namespace korv {
 
 /// Blocks of 4096 bytes, filled from front to back and released together; nothing in them moves.
-/// Equal texts are stored again.
+/// Equal texts are not shared.
 class CNamePool {
   public:
     /// Makes the first block. A failed allocation, here and later, is reported to `console`, which
@@ -30,8 +30,8 @@ class CNamePool {
     static constexpr std::size_t blockSize = 4096;
 
     std::FILE* console;
-    Block* blocks = nullptr;  // owned; the newest first, which is the current one
-    std::size_t used = 0;     // bytes used in it
+    Block* blocks = nullptr;  // owned; the newest first; that is the current one
+    std::size_t used = 0;     // bytes used in the current block
 };
 
 }  // namespace korv

@@ -20,16 +20,16 @@ inline constexpr std::uint32_t PF_8BIT = 0x008;      ///< one byte at `position`
 inline constexpr std::uint32_t PF_16BIT = 0x010;     ///< a word at `position`, low byte first
 inline constexpr std::uint32_t PF_RELATIVE = 0x100;  ///< the byte is a distance from `address`
 inline constexpr std::uint32_t PF_SIGNED = 0x400;    ///< the range check is signed
-inline constexpr std::uint32_t PF_NAME = 0x1000;     ///< the text is the name waited for, alone
+inline constexpr std::uint32_t PF_NAME = 0x1000;     ///< the text is just a name, or "(name)"
 
 /// `position` of a patch that writes nothing.
 inline constexpr std::uint32_t noPosition = 0xFFFFFFFF;
 
-/// Lives in a slot of a `CPatchInfoMemBlock`: created by `AllocPatchInfo` and freed by
+/// Is in a slot of a `CPatchInfoMemBlock`: created by `AllocPatchInfo` and freed by
 /// `FreePatchInfo`, which releases its strings. In between it belongs to the chain of exactly one
 /// identifier, which owns it.
 struct CPatchInfo {
-    CPatchInfoMemBlock* const owner;  ///< the block in which the record lives
+    CPatchInfoMemBlock* const owner;  ///< the block that holds the record
     const std::uint16_t slot;         ///< index in `owner`
     const std::uint16_t flags;        ///< PF_* bits
     const std::uint32_t position;     ///< offset in the target of the bytes to overwrite
@@ -83,7 +83,7 @@ class CPatchInfoMemBlock {
                                                       place.offset};
     }
 
-    /// Releases the strings of `patch` and gives its slot back.
+    /// Releases the strings of `patch` and frees its slot.
     static void FreePatchInfo(CPatchInfo* patch) {
         CPatchInfoMemBlock* const block = patch->owner;
         const std::uint32_t slot = patch->slot;
@@ -103,7 +103,7 @@ class CPatchInfoMemBlock {
     static void ReleaseBlocks();
 
     std::uint32_t head = 0;  // ring index of the next free slot; the ring is empty at `tail`
-    std::uint32_t tail = slotCount - 1;          // ring index of the slot given back last
+    std::uint32_t tail = slotCount - 1;          // ring index of the slot freed last
     std::uint32_t ring[slotCount];               // free slots
     CPatchInfo* records = nullptr;               // owned, raw memory for `slotCount` records
     CPatchInfoMemBlock* nextBlock = nullptr;     // all blocks

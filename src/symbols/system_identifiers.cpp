@@ -1,5 +1,5 @@
 // The names that a source may not define: the version identifiers, which expressions can read, and
-// the reserved words, which have no value. A reserved word cannot be a label, and that is all:
+// the reserved words, which have no value. Reserving a word only keeps it from being a label:
 // mnemonics are found by the recogniser.
 
 #include "symbols/system_identifiers.h"

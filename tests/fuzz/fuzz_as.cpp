@@ -1,5 +1,5 @@
-// Runs of korv-as from any bytes, with the input of fuzz_run.cpp, whose switches are options here. All files are texts
-// in memory, and so are all outputs. The core assembles the same texts alone, for comparison.
+// Runs of korv-as from any bytes. The input has the form of that of fuzz_run.cpp, with options instead of switches. All
+// files are texts in memory, and so are all outputs. For comparison, the core alone assembles the same texts.
 
 #include <algorithm>
 #include <cstdio>
@@ -31,7 +31,7 @@ void Require(bool isTrue, const char* otherwise) {
     }
 }
 
-// A file that includes itself twice is read a thousand times, which is legal and takes its time.
+// A file that includes itself twice is read a thousand times, which is legal but slow.
 class ShortStore : public korv::FileStore {
   public:
     explicit ShortStore(const Sources& sources) : FileStore("/no-such-directory") {
@@ -118,7 +118,7 @@ void MakeOutputs(const Options& options, const Analysis& analysis) {
     Require(size != 0, "no output");
 }
 
-// Compares with what the core makes of the same files.
+// Compares with the result of the core for the same files.
 void CompareWithCore(const Options& options, const Sources& sources, const Analysis& analysis) {
     ShortStore store(sources);
     korv::CAssembler assembler(stderr);
@@ -159,7 +159,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     CheckData(analysis);
     if (analysis.failure.empty()) {
         MakeOutputs(options, analysis);
-        ShortStore again(sources);  // what is collected changes nothing else
+        ShortStore again(sources);  // the parts that are collected must change nothing else
         const Analysis least = korv::Analyse(options, &again, {});
         Require(least.image == analysis.image, "the image depends on what is wanted");
         Require(least.messages.size() == analysis.messages.size() || !options.debug.empty() ||

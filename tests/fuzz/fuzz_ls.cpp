@@ -1,7 +1,7 @@
-// Sessions of korv-ls from any bytes: the input of fuzz_run.cpp, whose switches are the settings here and whose last
-// file says what a client does with the other three: edits and requests at any place, documents that are opened and
-// closed. After each batch of them every request has had its reply, and what was published is what a fresh analysis of
-// the same texts reports.
+// Sessions of korv-ls from any bytes. The input has the form of that of fuzz_run.cpp. Its switches are the settings,
+// and its last file controls what a client does with the other three: edits and requests at any place, documents that
+// are opened and closed. After each batch, every request must have had its reply, and the published messages must be
+// those of a fresh analysis of the same texts.
 
 #include <algorithm>
 #include <cstdio>
@@ -15,8 +15,8 @@
 #include "server/server.h"
 #include "source/source_file.h"
 
-// A file that includes itself twice is read a thousand times, which is legal and takes its time. So the linker puts
-// these two in front of those that they are named after: an analysis reads fifty texts at most.
+// A file that includes itself twice is read a thousand times, which is legal but slow. So the linker puts these two in
+// front of the functions that they are named after: an analysis reads at most fifty texts.
 namespace wrapped {
 korv::CSourceFile RealOfText(std::string_view) asm(
     "__real__ZN4korv11CSourceFile6OfTextESt17basic_string_viewIcSt11char_traitsIcEE");
@@ -51,7 +51,7 @@ void Require(bool isTrue, const std::string& otherwise) {
     }
 }
 
-// JSON has no other bytes. Those from F8H are a character of two units in UTF-16.
+// Makes UTF-8 from any bytes, since JSON allows nothing else. Bytes from F8H become a character of two units in UTF-16.
 std::string Utf8(std::string_view bytes) {
     std::string text;
     for (const char c : bytes) {
@@ -100,7 +100,7 @@ class Client : public korv::platform::Connection {
     }
 
     bool IsInputWaiting() const override { return !input.empty(); }
-    // Is called without input only when all that was sent has been handled.
+    // Called without input only when all messages sent have been handled.
     std::size_t Read(char* buffer, std::size_t count) override {
         if (input.empty()) {
             Require(waiting.empty(), "a request without reply");
@@ -148,7 +148,7 @@ class Client : public korv::platform::Connection {
         return offset - (offset != 0 && text[offset - 1] == '\r' ? 1 : 0);
     }
 
-    // `offset` as the client counts.
+    // `offset` as the client counts it.
     Json PositionOf(const std::string& text, std::size_t offset) const {
         const std::size_t start = offset == 0 ? 0 : text.rfind('\n', offset - 1) + 1;
         return {{"line", std::count(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(start), '\n')},
@@ -197,7 +197,7 @@ class Client : public korv::platform::Connection {
             "signatureHelp", "documentSymbol", "semanticTokens/full", "semanticTokens/range", "foldingRange",
             "inlayHint", "codeAction", "formatting", "rangeFormatting", "documentLink"};
         // clang-format on
-        const std::string& text = sources[path];  // as it was: positions beyond the text are possible
+        const std::string& text = sources[path];  // the text as opened: positions beyond the current end are possible
         const Json position = PositionOf(text, NextOffset(text));
         Request(std::string("textDocument/") + methods[Next() % static_cast<int>(std::size(methods))],
                 {{"textDocument", {{"uri", UriOf(path)}}},
@@ -225,7 +225,7 @@ class Client : public korv::platform::Connection {
                 Notify("$/cancelRequest", {{"id", lastId}});
             } else {
                 Ask(path);
-                return;  // so that the reply is about this text
+                return;  // before further changes, so that the reply is about this text
             }
         }
     }
@@ -241,7 +241,8 @@ class Client : public korv::platform::Connection {
         return korv::Analyse(options, &store, wanted);
     }
 
-    // A document that is not part of the program is one by itself, whose messages may come first. That is left alone.
+    // A document that is not part of the program is a program by itself, whose messages may come first. Such a state is
+    // not checked.
     void CheckDiagnostics() {
         if (texts.empty()) {
             return;

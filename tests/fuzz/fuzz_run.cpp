@@ -1,5 +1,5 @@
-// Whole runs from any bytes: a line of switches, the main source, and after each of the first bytes FE another file.
-// The sanitizers see what is wrong inside a run, the checks below what it leaves.
+// Whole runs from any bytes: a line of switches, the main source, and another file after each of the first bytes FE.
+// The sanitizers detect faults within a run; the checks below examine the files that it leaves.
 
 #include <unistd.h>
 
@@ -39,7 +39,7 @@ Files FilesAfterRun(std::vector<std::string> words, const Files& sources) {
     std::vector<char*> argv(words.size());
     std::transform(words.begin(), words.end(), argv.begin(), [](auto& word) { return &word[0]; });
     filesRead = 0;
-    const int handle = dup(STDOUT_FILENO);  // the lowest that is free
+    const int handle = dup(STDOUT_FILENO);  // the lowest free number
     close(handle);
     Require(korv::RunProcess(static_cast<int>(argv.size()), argv.data()) == 0, "exit status");
     Require(dup(STDOUT_FILENO) == handle && close(handle) == 0, "file left open");
@@ -56,16 +56,16 @@ Files FilesAfterRun(std::vector<std::string> words, const Files& sources) {
 }  // namespace
 
 extern "C" {
-// One line may ask for gigabytes of zeros, and a file that includes itself twice for a thousand files; both is legal
-// and takes its time. So the linker puts these two in front of PutZeros and Leave: a block has 5000 bytes at most, and
-// a run that has read 200 files is broken off.
+// One line may ask for gigabytes of zeros, and a file that includes itself twice for a thousand files; both are legal
+// but slow. So the linker puts these two in front of PutZeros and Leave: a block has at most 5000 bytes, and a run is
+// aborted once it has read 200 files.
 std::uint32_t __real__ZN4korv8BinBlock8PutZerosEj(void*, std::uint32_t);
 std::uint32_t __wrap__ZN4korv8BinBlock8PutZerosEj(void* binary, std::uint32_t count) {
     return __real__ZN4korv8BinBlock8PutZerosEj(binary, std::min(count, 5000U));
 }
 }
 
-// Not extern "C", whose results are of C.
+// Not extern "C", which allows only results of C types.
 std::optional<std::string> RealLeave(void*) __asm__("__real__ZN4korv8platform16CurrentDirectory5LeaveB5cxx11Ev");
 std::optional<std::string> WrapLeave(void*) __asm__("__wrap__ZN4korv8platform16CurrentDirectory5LeaveB5cxx11Ev");
 std::optional<std::string> WrapLeave(void* directory) {
@@ -74,7 +74,7 @@ std::optional<std::string> WrapLeave(void* directory) {
 }
 
 extern "C" {
-// A line buffer of any size may be asked for; a big one is refused, as by a full memory.
+// A run may ask for a line buffer of any size. A big one is refused, as if memory were exhausted.
 const char* __asan_default_options() {
     return "allocator_may_return_null=1:max_allocation_size_mb=64";
 }
@@ -89,7 +89,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     }
     sources["DAT"].assign(std::istreambuf_iterator<char>(input), {});
 
-    // Any text may be a switch; other words, and the help, are a target that may be written.
+    // A word may be any switch. Other words, and the switches for help, are replaced by a target that may be written.
     std::vector<std::string> words = {"korv", "Main.Kor"};
     std::istringstream lineInput(line);
     for (std::string word; words.size() < 10 && lineInput >> word;) {
@@ -97,13 +97,13 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
         words.push_back(isSwitch ? word : "Sub\\OUT.COM");
     }
     Files files = FilesAfterRun(words, sources);
-    // The size of the read buffer changes nothing, and nothing is left over from the run before.
+    // The size of the read buffer must change nothing, and nothing may be left over from the run before.
     static std::uint32_t runs = 0;
     if (++runs % 64 == 0) {
         words.emplace_back("-f:7");
         Require(FilesAfterRun(words, sources) == files, "second run differs");
     }
-    // One target or, with errors, none; and the sources are as they were.
+    // There must be one target, or none if there are errors, and the sources must be unchanged.
     const std::size_t count = sources.size() + (files.contains("Errors.Out") ? 0 : 1);
     std::erase_if(files, [](const auto& file) { return file.first.ends_with(".Out"); });
     Require(files.size() == count, "a target too much or none");

@@ -1,4 +1,4 @@
-// For tools/test_editors: what the client of Visual Studio Code's libraries gets from korv-ls, in main.kor, which
+// For tools/test_editors: checks what the client of Visual Studio Code's libraries gets from korv-ls in main.kor, which
 // includes lib.kor.
 const assert = require("assert");
 const { spawn } = require("child_process");

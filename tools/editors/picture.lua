@@ -30,7 +30,7 @@ end
 
 while height > 1 and vim.tbl_isempty(vim.tbl_filter(
     function(at) return at.text ~= " " and not at.hl.reverse end, screen[height])) do
-  height = height - 1  -- the empty end
+  height = height - 1  -- empty rows at the end
 end
 
 local function colour(number, otherwise) return number and ("#%06x"):format(number) or otherwise end

@@ -12,7 +12,7 @@ endif()
 string(TIMESTAMP now "%a, %d %b %Y %H:%M:%S +0000" UTC)
 file(WRITE ${changes}.Debian "korv (${CPACK_PACKAGE_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE}) unstable; urgency=medium
 
-  * Release ${CPACK_PACKAGE_VERSION}; changelog.gz says what is new.
+  * Release ${CPACK_PACKAGE_VERSION}; see changelog.gz for the changes.
 
  -- ${CPACK_DEBIAN_PACKAGE_MAINTAINER}  ${now}
 ")

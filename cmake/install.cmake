@@ -38,9 +38,10 @@ endif()
 set(CPACK_DEBIAN_PACKAGE_DESCRIPTION "Korv reads a source for the Zilog Z80 once and writes one flat image:
 a CP/M .com or a .bin with a load header, and with korv-as also Intel HEX.
 
-korv answers a person at a console. korv-as is for builds and editors: exit
-status, messages with file, line and column, dependencies for make and ninja,
-a listing and a symbol file. Files for vim, for Visual Studio Code and for the
-checks of GitHub are included.")
+korv is for use at a console. korv-as is for make, CI and editors: exit status,
+messages with file, line, column and advice, dependencies for make and ninja,
+a listing, symbols and source lines for debuggers. korv-ls is the language
+server, for any editor that has a client. Files for vim, for Visual Studio Code
+and for the checks of GitHub are included.")
 set(CPACK_PRE_BUILD_SCRIPTS ${CMAKE_SOURCE_DIR}/cmake/debian.cmake)
 include(CPack)

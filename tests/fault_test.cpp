@@ -7,6 +7,8 @@
 #include <unistd.h>
 #endif
 
+#include <algorithm>
+#include <cctype>
 #include <csignal>
 #include <filesystem>
 #include <map>
@@ -188,6 +190,13 @@ Ending RunUnder(const Fault& fault, int n) {
     return {printed, FaultFileRequest(0, {})};
 }
 
+// A file with the letters and slashes of names made alike.
+Files::value_type WithFoldedNames(Files::value_type file) {
+    std::ranges::transform(file.second, file.second.begin(),
+                           [](unsigned char c) { return c == '\\' ? '/' : static_cast<char>(std::tolower(c)); });
+    return file;
+}
+
 class OutputFaultTest : public testing::TestWithParam<std::tuple<Fault, bool>> {};
 
 // All outputs are the new ones, or all are the old ones, and the messages agree with that.
@@ -216,8 +225,8 @@ TEST_P(OutputFaultTest, LeavesAllOutputsOrNone) {
         if (printed.ends_with("signal")) {
             return files == before || files == after;
         }
-        if (printed == right) {
-            return files == after;
+        if (printed == right) {  // Windows shows a name as typed if it cannot search the directory
+            return std::ranges::equal(files, after, {}, WithFoldedNames, WithFoldedNames);
         }
         if (!Contains(printed, "exit status ")) {  // names are full paths, since the current directory was not found
             return files["out/a.com"] == after["out/a.com"] && files["out/a.sym"] == after["out/a.sym"] &&

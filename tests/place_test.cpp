@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "driver/assembler.h"
+#include "frontend/logical_line.h"
 #include "run.h"
 
 namespace korv_test {
@@ -62,6 +63,12 @@ TEST(PlaceTest, IsThePartAtFault) {
     for (std::size_t i = 0; i < rows.size(); ++i) {
         EXPECT_EQ(rows[i].second, got[i]) << rows[i].first;
     }
+}
+
+// A line without an end, as in a binary file, must not cost memory for each of its characters.
+TEST(PlaceTest, ALineIsCutAtTheMostThatCanAssemble) {
+    const korv::StoredText text("a", std::string(0x10001, 'X'));
+    EXPECT_EQ(std::string(0x10000, 'X'), korv::LogicalLineAt(text, 1).text);
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "frontend/options.h"
 #include "source/char_class.h"
 #include "source/line_cleaner.h"
 
@@ -26,7 +27,7 @@ LogicalLine LogicalLineAt(const StoredText& text, std::int32_t number) {
     const std::string_view bytes = text.Bytes();
     std::size_t start = text.LineStart(number);
     bool goesOn = true;
-    for (std::size_t at = start; goesOn && at != bytes.size(); ++at) {
+    for (std::size_t at = start; goesOn && at != bytes.size() && cleaner.size < longestLine; ++at) {
         if (cleaner.size + 2 > line.text.size()) {
             line.text.resize(2 * line.text.size());
             cleaner.line = line.text.data();

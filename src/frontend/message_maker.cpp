@@ -239,7 +239,8 @@ const StatementView& MessageMaker::StatementAt(const SourcePlace& place) {
         const LogicalLine& lines = places.LineAt(TextOf(OpeningOf(place.file)), place.line);
         viewedLine = lines.text;
         const std::string_view typed = TextOf(OpeningOf(place.file)).Line(place.line);
-        isOneLine = lines.lastLine == place.line && Raised(typed).starts_with(viewedLine);
+        isOneLine = lines.lastLine == place.line &&
+                    Raised(typed.substr(0, viewedLine.size())) == viewedLine;
         view = CutStatement(viewedLine, isOneLine ? typed : std::string_view());
     }
     return view;

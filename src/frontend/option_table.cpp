@@ -11,7 +11,6 @@ namespace korv {
 namespace {
 
 constexpr std::uint64_t mostOf32Bits = 0xFFFFFFFF;
-constexpr std::uint64_t longestLine = 0x10000;  // bytes
 
 // Each `Take` stores an argument in a member of `Options`; there is one for each type. If an option
 // is repeated, the last one counts, unless its member is a list.

@@ -27,6 +27,9 @@ inline constexpr int statusFailure =
 /// Standard input as the source, standard output as an output.
 inline constexpr const char* standardStream = "-";
 
+/// The most bytes that --line-length allows for a line.
+inline constexpr std::uint32_t longestLine = 0x10000;
+
 struct Options {
     Request request = Request::assemble;  ///< otherwise all other options are ignored
     std::string source;

@@ -35,15 +35,15 @@ char* PutExpression(char* to, std::int32_t value) {
 }
 
 char* PutEqu(char* start, const Name& name) {
-    constexpr std::ptrdiff_t longestLine = 255;  // a longer one could not be read back
+    constexpr std::ptrdiff_t longestReadable = 255;  // a longer one could not be read back
     constexpr std::size_t valueColumn = 24;
     constexpr std::string_view refusal = "; too long: ";
     std::fill_n(start, valueColumn, ' ');
     char* to = PutText(PutText(start, name.text), ":");
     to = PutText(std::max(to, start + valueColumn), " EQU ");
     to = PutExpression(to, name.value);
-    if (to - start > longestLine) {
-        to = start + longestLine;
+    if (to - start > longestReadable) {
+        to = start + longestReadable;
         std::copy_backward(start, to - refusal.size(), to);
         PutText(start, refusal);
     }

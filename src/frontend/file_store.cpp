@@ -35,9 +35,9 @@ StoredText::Block ReadWhole(platform::InputFile* file) {
         if (bytes.size == room) {
             // One byte more than the size, so that the read that finds the end needs no larger
             // buffer.
-            room = std::max({leastRoom, 2 * room,
-                             static_cast<std::size_t>(std::min<std::uint64_t>(
-                                 file->Size() + 1, FileStore::longestFile + 1))});
+            const std::uint64_t wanted = std::max<std::uint64_t>(2 * room, file->Size() + 1);
+            room = static_cast<std::size_t>(
+                std::clamp<std::uint64_t>(wanted, leastRoom, FileStore::longestFile + 1));
             auto larger = std::make_unique_for_overwrite<char[]>(room);
             std::copy_n(bytes.data.get(), bytes.size, larger.get());
             bytes.data = std::move(larger);

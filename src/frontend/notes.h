@@ -137,6 +137,7 @@ class Adviser {
     std::int32_t refusedEnds = 0;                   // of conditions that are open
     bool hasRefusedEnd = false;                     // of one that may be false
     bool hasRefusedTest = false;                    // a condition that has no spelling here
+    bool hasRefusedBranch = false;                  // an IF or ELSE: both branches are assembled
     std::int32_t skippedFile = 0;      // of a refused macro or comment of several lines
     std::int32_t skippedAfter = 0;     // its first line
     std::int32_t skippedTo = 0;        // its last line

@@ -30,6 +30,9 @@ struct OperandCase {
     void Insert(std::string_view part, std::string text) {
         Replace(part.substr(0, 0), std::move(text));
     }
+    /// Proposes `edits`, with the statement that they make between `head` and `tail`. Result: true.
+    bool Propose(std::string_view part, std::vector<TextEdit> edits,
+                 std::string_view head = "write ", std::string_view tail = "");
     /// Whether the change keeps a name that nothing defines: that brings the message about the
     /// name.
     [[nodiscard]] bool ProposesUnknownName() const;
@@ -62,7 +65,7 @@ struct OperandCase {
                                      const std::vector<TextEdit>& commas);
 /// Advises on brackets around the values of a data directive.
 [[nodiscard]] bool AdviseOnListBrackets(OperandCase* it);
-/// Advises on a sign after a register.
+/// Advises on a sign after a register or a number.
 [[nodiscard]] bool AdviseOnLastSign(OperandCase* it);
 /// Advises on brackets with a comma in them.
 [[nodiscard]] bool AdviseOnSplitBrackets(OperandCase* it);

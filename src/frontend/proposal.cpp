@@ -63,8 +63,11 @@ bool IsSoundOperand(const RunFacts& facts, const StatementView& before,
     if (!IsExpression(statement, operand)) {
         return true;
     }
+    const bool isProduct =  // of a character: "x"*3
+        std::ranges::find(operand.tokens, OP_MULTIPLY, &Token::code) != operand.tokens.end() &&
+        operand.text.find('"') != std::string_view::npos;
     if (FindExpressionFault(operand).fault != ExpressionFault::none ||
-        IsOutOfRange(statement, index)) {
+        IsOutOfRange(statement, index) || (isProduct && TakesByte(statement, index))) {
         return false;
     }
     return std::ranges::all_of(operand.tokens, [&](const Token& token) {
@@ -154,7 +157,8 @@ void Withdraw(const FaultView& fault, Advice* advice) {
     if (isNamed && !isRename) {
         const std::string meant = MeantMnemonic(fault, *advice);
         const bool isWord = fault.number == MSG_UNKNOWN_INSTRUCTION;
-        advice->note = !isWord ? FormsNote(statement)
+        advice->note = advice->note.starts_with("use double quotes") ? doubleQuoteNote
+                       : !isWord                                     ? FormsNote(statement)
                        : isQuestion || FindKeyword(meant) == nullptr
                            ? ""
                            : "use " + std::string(meant) + checkOperands;

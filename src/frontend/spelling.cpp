@@ -97,8 +97,10 @@ Foreign ForeignNumber(const StatementView& statement, const Token& token) {
     const std::string typed(statement.Typed(text));
     const std::size_t letter = text.find_first_not_of("0123456789");
     if (letter == text.size() - 1 && letter > 2 && text.ends_with('B')) {  // "102B"
+        const bool isEither = text.size() < 5;
         return {text, "",
-                "use the digits 0 and 1 before B, or write " + typed + "H if it is hexadecimal"};
+                "use the digits 0 and 1 before B" +
+                    (isEither ? ", or write " + typed + "H if it is hexadecimal" : "")};
     }
     if (letter == text.size() - 1 && letter > 0 && text.ends_with('O')) {  // "8O"
         return {text, "", "use the digits 0 to 7 before O"};
@@ -129,7 +131,7 @@ Foreign ForeignColon(const StatementView& statement, const Token& token) {
         const char* const restEnd = statement.rest.data() + statement.rest.size();
         const std::string_view after = WithoutLeadingBlanks({text.data() + text.size(), restEnd});
         if (!after.empty() && HasClass(after.front(), CC_LETTER)) {  // "LD A,1: INC A"
-            return {text.substr(text.size() - 1), "\n\t", "write one instruction in a line"};
+            return {text.substr(text.size() - 1), "\n\t", oneInstructionNote};
         }
         return {text, typed.substr(0, typed.size() - 1),
                 "remove the colon: only the definition of a label has one"};
@@ -139,7 +141,7 @@ Foreign ForeignColon(const StatementView& statement, const Token& token) {
     }
     const std::size_t colon = text.find(':');
     if (colon != std::string_view::npos && FindKeyword(text.substr(colon + 1)) != nullptr) {
-        return {text.substr(colon, 1), "\n\t", "write one instruction in a line"};
+        return {text.substr(colon, 1), "\n\t", oneInstructionNote};
     }
     return {};
 }
@@ -149,10 +151,10 @@ Foreign ForeignToken(const StatementView& statement, const Token& token) {
     if (Foreign number = ForeignNumber(statement, token); number.part.data() != nullptr) {
         return number;
     }
-    if (token.kind != TokenKind::other) {
+    const std::string_view text = token.text;
+    if (token.kind != TokenKind::other || text.find('"') != std::string_view::npos) {
         return {};
     }
-    const std::string_view text = token.text;
     const std::string typed(statement.Typed(text));
     const std::size_t percent = text.find('%', 1);
     if (percent != std::string_view::npos && percent + 1 < text.size()) {
@@ -184,7 +186,7 @@ Foreign ForeignToken(const StatementView& statement, const Token& token) {
         return {text, "", "write the values one by one: there are no ranges"};
     }
     if (HasClass(text.front(), CC_DIGIT) && text.find('.') != std::string_view::npos) {
-        return {text, "", "use whole numbers: there are no fractions"};
+        return {text, "", "use whole numbers, and commas between them: there are no fractions"};
     }
     if (text.ends_with('\'') && statement.mnemonic != "EX") {
         return {text, "", "use EX AF,AF' or EXX: the second set of registers has no names"};
@@ -206,7 +208,7 @@ Foreign ForeignToken(const StatementView& statement, const Token& token) {
 // A register in parentheses with blanks beside it, or an index register without displacement.
 Foreign ForeignMemory(const StatementView& statement, const OperandView& operand) {
     const bool isWhole = operand.what.reg == REG_IX_INDIRECT || operand.what.reg == REG_IY_INDIRECT;
-    if (isWhole && statement.mnemonic != "JP") {
+    if (isWhole && !HoldsWord("JP JR CALL", statement.mnemonic)) {
         const std::string fix = std::string(statement.Typed(operand.text.substr(0, 3))) + "+0)";
         return {operand.text, fix, "write the displacement: " + fix};
     }

@@ -138,13 +138,11 @@ Advice AdviseOnDefinition(const StatementView& statement) {
     const bool isSign = HoldsWord(
         "= := == EQU DEFL SET ASET VAR CONST EQUS EQ EQUAL EQUALS .EQU .SET .DEFL DEFINE DEFC",
         sign);
-    if (!isSign || !IsNameText(name) || WithoutLeadingBlanks(value).empty()) {
-        return {};
-    }
-    if (FindKeyword(name) != nullptr) {
-        return {};
-    }
     value = WithoutLeadingBlanks(value);
+    if (!isSign || !IsNameText(name) || value.empty() || ClassOf(value).kind != KIND_VALUE ||
+        FindKeyword(name) != nullptr) {
+        return {};
+    }
     Advice advice = Defined(statement, sign, name, value);
     if (!statement.label.empty()) {
         advice.note = "write " + advice.edits[0].text;

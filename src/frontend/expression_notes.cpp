@@ -74,7 +74,7 @@ const Token* FindProse(const OperandCase& it) {
                 i > 0 && (tokens[i - 1].IsValue() || tokens[i - 1].code == OP_CLOSE);
             const bool isFirst = i == 0 && tokens.size() > 1 && tokens[1].IsValue();
             if (tokens[i].kind != TokenKind::name || it.IsDefined(tokens[i].text) ||
-                HoldsWord("PLUS MINUS TIMES X", tokens[i].text) ||
+                HoldsWord("PLUS MINUS TIMES X IS", tokens[i].text) ||
                 (!isDashed && !isAfterValue && !isFirst)) {
                 continue;
             }
@@ -243,7 +243,9 @@ void AdviseOnNoLeft(OperandCase* it, const Token& token) {
 void AdviseOnLongString(OperandCase* it, const Token& token) {
     const std::string text(token.text.substr(1, token.text.size() - 2));
     const std::string value = EscapeValue(text);
-    if (it->IsDefined(Raised(text))) {
+    if (it->IsDefined(Raised(text)) &&
+        IsSound(it->adviser.Facts(), it->statement,
+                {{it->statement.PartOf(token.text), Raised(text)}})) {
         it->Replace(token.text, Raised(text));
         it->advice.note = "write " + Raised(text) + ": a name has no quotes";
     } else if (!value.empty()) {

@@ -203,6 +203,12 @@ void AimAt(OperandCase* it, bool isCount) {
             break;
         }
     }
+    const auto& operands = it->statement.operands;
+    if (HoldsWord("CALL JR", it->statement.mnemonic) && operands.size() == 2 &&
+        operands[0].what.kind == KIND_VALUE && operands[1].what.kind == KIND_VALUE &&
+        (operands[0].tokens.size() > 1 || !operands[0].tokens[0].IsValue())) {  // "CALL !Z,X"
+        it->operand = operands.data();
+    }
     if (it->operand != nullptr) {
         it->PointAt(it->operand->text);
     } else if (isCount && FindFaultyOperand(it->statement) == it->statement.operands.size()) {
@@ -254,6 +260,7 @@ void AdviseOnOperandCase(OperandCase* it) {
     if (AdviseOnOddQuotes(it) || AdviseOnSet(it) || AdviseOnSplitWord(it) || AdviseOnComma(it) ||
         AdviseOnSecondInstruction(it) || AdviseOnLastSign(it) || AdviseOnListBrackets(it) ||
         AdviseOnSplitBrackets(it) || AdviseOnSeparator(it) || AdviseOnGluedOperands(it) ||
+        (it->operand != nullptr && it->operand->tokens.size() > 2 && AdviseOnBareText(it)) ||
         AdviseOnIndexHalf(it) || AdviseOnSpelling(it) || AdviseOnUnopenedString(it) ||
         AdviseOnBareText(it) || AdviseOnRegister(it) ||
         (fault.number == MSG_TOO_MANY_ARGUMENTS && AdviseOnProse(it))) {

@@ -43,10 +43,10 @@ std::int32_t ValueOf(const RunFacts& facts, const OperandView& operand) {
     return known && known->hasValue ? known->value : 0;
 }
 
-bool IsOutOfRange(const StatementView& statement, std::size_t index) {
-    const Token* const token = statement.operands[index].OnlyToken();
-    return token != nullptr && token->kind == TokenKind::number && token->value > largestByte &&
-           TakesByte(statement, index);
+bool IsOutOfRange(const RunFacts& facts, const StatementView& statement, std::size_t index) {
+    const bool isBit = index == 0 && HoldsWord("BIT SET RES", statement.mnemonic);
+    return ValueOf(facts, statement.operands[index]) > (isBit ? 7 : largestByte) &&
+           (isBit || TakesByte(statement, index));
 }
 
 // A string that is a whole operand of DB or DM, a name of a file and AF' are no expressions.
@@ -67,7 +67,7 @@ bool IsSoundOperand(const RunFacts& facts, const StatementView& before,
         std::ranges::find(operand.tokens, OP_MULTIPLY, &Token::code) != operand.tokens.end() &&
         operand.text.find('"') != std::string_view::npos;
     if (FindExpressionFault(operand).fault != ExpressionFault::none ||
-        IsOutOfRange(statement, index) || (isProduct && TakesByte(statement, index))) {
+        IsOutOfRange(facts, statement, index) || (isProduct && TakesByte(statement, index))) {
         return false;
     }
     return std::ranges::all_of(operand.tokens, [&](const Token& token) {
@@ -97,7 +97,7 @@ bool IsSoundLine(const RunFacts& facts, const StatementView& before, std::string
 
 bool HasLargeName(const RunFacts& facts, const StatementView& statement) {
     for (std::size_t i = 0; i < statement.operands.size(); ++i) {
-        if (ValueOf(facts, statement.operands[i]) > largestByte && TakesByte(statement, i)) {
+        if (IsOutOfRange(facts, statement, i)) {
             return true;
         }
     }

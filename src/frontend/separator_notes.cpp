@@ -92,6 +92,12 @@ bool AdviseOnSeparator(OperandCase* it) {
         return false;
     }
     const std::vector<TextEdit> edits = {{it->statement.PartOf(text.substr(at, size)), ","}};
+    if (size == 1 && sign[0] == '-' && HasClass(text[at + 1], CC_DIGIT) &&
+        ClassOf(text.substr(0, at)).kind != KIND_VALUE) {  // "LD DE-10"
+        it->PointAt(text.substr(at, 1));
+        it->advice.note = "separate the operands with a comma";
+        return true;
+    }
     if (HasFormWith(it->statement, edits)) {
         return it->Propose(text.substr(at, size), edits);
     }

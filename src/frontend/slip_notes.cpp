@@ -114,30 +114,34 @@ bool AdviseOnQuotedRegister(OperandCase* it) {
 
 bool AdviseOnSplitWord(OperandCase* it) {
     const StatementView& statement = it->statement;
+    std::vector<Token> tokens;
     for (const OperandView& operand : statement.operands) {
-        for (std::size_t i = 0; i + 1 < operand.tokens.size(); ++i) {
-            const Token& left = operand.tokens[i];
-            const bool isDash =
-                operand.tokens[i + 1].code == OP_MINUS && i + 2 < operand.tokens.size();
-            const Token& right = operand.tokens[i + (isDash ? 2 : 1)];
-            if (!left.IsValue() || !right.IsValue() || (isDash && it->IsDefined(right.text))) {
-                continue;
-            }
-            const std::string_view part = statement.Span(left.text, right.text);
-            const std::string joined =
-                std::string(statement.Typed(left.text)).append(statement.Typed(right.text));
-            const std::string comma = std::string(left.text) + "," + std::string(right.text);
-            const bool isRegister = ClassOf(Raised(joined)).kind != KIND_VALUE &&
-                                    HasFormWith(statement, {{statement.PartOf(part), joined}}) &&
-                                    !HasFormWith(statement, {{statement.PartOf(part), comma}});
-            const std::string name = NameOf(*it, left.text, right.text);
-            if (isRegister || !name.empty()) {
-                it->PointAt(part);
-                it->Replace(part, isRegister ? joined : name);
-                it->advice.note =
-                    isRegister ? "remove the blank: " + joined : "did you mean " + name + "?";
-                return true;
-            }
+        tokens.insert(tokens.end(), operand.tokens.begin(), operand.tokens.end());
+    }
+    for (std::size_t i = 0; i + 1 < tokens.size(); ++i) {
+        const Token& left = tokens[i];
+        const bool isDash = tokens[i + 1].code == OP_MINUS && i + 2 < tokens.size();
+        const Token& right = tokens[i + (isDash ? 2 : 1)];
+        if (!left.IsValue() || !right.IsValue() || (isDash && it->IsDefined(right.text))) {
+            continue;
+        }
+        const std::string_view part = statement.Span(left.text, right.text);
+        const bool hasComma = part.find(',') != std::string_view::npos;  // "PUSH B,C"
+        const std::string joined =
+            std::string(statement.Typed(left.text)).append(statement.Typed(right.text));
+        const std::string comma = std::string(left.text) + "," + std::string(right.text);
+        const bool isRegister = ClassOf(Raised(joined)).kind != KIND_VALUE &&
+                                !(hasComma && HoldsWord("INC DEC", statement.mnemonic)) &&
+                                HasFormWith(statement, {{statement.PartOf(part), joined}}) &&
+                                !HasFormWith(statement, {{statement.PartOf(part), comma}});
+        const std::string name = hasComma ? "" : NameOf(*it, left.text, right.text);
+        if (isRegister || !name.empty()) {
+            it->PointAt(part);
+            it->Replace(part, isRegister ? joined : name);
+            it->advice.note = !isRegister ? "did you mean " + name + "?"
+                              : hasComma  ? "remove the comma: " + joined
+                                          : "remove the blank: " + joined;
+            return true;
         }
     }
     return false;

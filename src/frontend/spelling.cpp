@@ -79,16 +79,10 @@ Foreign Bracketed(std::string_view operand, std::string_view typed) {
         isString = isString != (c == '"');
         fix += isString ? c : c == '[' || c == '{' ? '(' : c == ']' || c == '}' ? ')' : c;
     }
-    const std::string raised = Raised(fix);
-    for (const std::string_view step : {"(HL+)", "(HLI)", "(HL-)", "(HLD)"}) {
-        if (raised == step) {
-            const bool isUp = step[3] == '+' || step[3] == 'I';
-            return {operand, "",
-                    std::string("write (HL), then ") + (isUp ? "INC" : "DEC") +
-                        " HL: this form is of another processor"};
-        }
-    }
-    return {operand, fix, "use parentheses for memory: " + fix};
+    const bool isStep = HoldsWord("(HLI) (HLD)", Raised(fix));
+    return {operand, isStep ? "" : fix,
+            isStep ? "write (HL), then INC HL or DEC HL: this form is of another processor"
+                   : "use parentheses for memory: " + fix};
 }
 
 // A number to another base or with a mistake in its digits.
@@ -177,7 +171,7 @@ Foreign ForeignToken(const StatementView& statement, const Token& token) {
     if (text.front() == '%') {
         return {text, "", "use the digits 0 and 1 after %, and MOD for the remainder"};
     }
-    if (text.starts_with("IX.") || text.starts_with("IY.")) {
+    if ((text.starts_with("IX") || text.starts_with("IY")) && HoldsWord(". :", text.substr(2, 1))) {
         const std::string fix = typed.substr(0, 2) + "+" + typed.substr(3);
         const bool isOpen = text.data() > statement.line.data() && text.data()[-1] == '(';
         return {text, isOpen ? fix : "(" + fix + ")", ""};
@@ -281,6 +275,9 @@ Foreign FindForeign(const StatementView& statement, const OperandView& operand) 
         return found;
     }
     for (const Token& token : operand.tokens) {
+        if (&token != &operand.tokens.back() && (&token)[1].text == "H") {  // "0FF H"
+            continue;
+        }
         if (Foreign found = ForeignToken(statement, token); found.part.data() != nullptr) {
             return found;
         }

@@ -217,21 +217,15 @@ std::string_view NearestKeyword(const StatementView& statement, std::string_view
         return HasForm(changed) &&
                (each != "END" || word.find_first_of("FI") == std::string_view::npos);
     };
-    const std::string_view near = NearWords(words).Find(word, isForm);
-    if (!near.empty() || word.size() > 2 || statement.operands.empty()) {
-        return near;
+    if (word.size() > (statement.operands.empty() ? 3 : 2)) {
+        return NearWords(words).Find(word, isForm);
     }
-    // Of so short a word much is a slip of: there has to be one with these operands, and only one.
-    std::string_view only;
-    for (const std::string_view each : words) {
-        if (each.size() <= 3 && EditDistance(word, each) == 1 && isForm(each)) {
-            if (!only.empty()) {
-                return {};
-            }
-            only = each;
-        }
-    }
-    return only;
+    // Of so short a word much is a slip of: there has to be only one.
+    const auto isNear = [word, isForm](std::string_view each) {
+        return EditDistance(word, each) == 1 && isForm(each);
+    };
+    const auto near = std::ranges::find_if(words, isNear);
+    return std::ranges::count_if(words, isNear) == 1 ? *near : "";
 }
 
 // A statement that begins in column 1, where only labels do.
@@ -292,8 +286,9 @@ Advice AdviseOnColumn(const StatementView& statement) {
 bool IsAssignment(const StatementView& statement) {
     const std::string_view word = statement.mnemonic;
     const std::size_t sign = word.find_first_of("+-=");
-    return ClassOf(word.substr(0, sign)).kind != KIND_VALUE &&
-           (sign != std::string_view::npos || statement.rest.find_first_of("+-=*") == 0);
+    return statement.rest.starts_with('=') ||
+           (ClassOf(word.substr(0, sign)).kind != KIND_VALUE &&
+            (sign != std::string_view::npos || statement.rest.find_first_of("+-*") == 0));
 }
 
 Advice AdviseOnUnknownWord(Adviser& adviser, const FaultView& fault) {

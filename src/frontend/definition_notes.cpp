@@ -108,9 +108,9 @@ Advice AdviseOnDefinition(const StatementView& statement) {
         sign = value.substr(0, value.find_first_of(" \t"));
         value = WithoutLeadingBlanks(value.substr(sign.size()));
     }
-    if (const std::size_t at = word.find('='); statement.label.empty() && value.empty() &&
-                                               at != std::string_view::npos && at > 0 &&
-                                               at + 1 < word.size()) {  // "HL=5"
+    const std::size_t at = std::min(word.find('='), word.size());
+    if (value.empty() && at > 0 && at + 1 < word.size() &&
+        (statement.label.empty() || ClassOf(word.substr(0, at)).kind != KIND_VALUE)) {  // "HL=5"
         name = word.substr(0, at);
         sign = word.substr(at, 1);
         value = word.substr(at + 1);

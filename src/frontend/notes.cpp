@@ -317,7 +317,7 @@ void Adviser::RememberCondition(const FaultView& fault, const Advice& advice, bo
     const bool isSlip = fault.number == MSG_UNKNOWN_INSTRUCTION && advice.edits.empty() &&
                         statement.mnemonic.size() <= 3 &&
                         EditDistance(statement.mnemonic, "IF") == 1;
-    hasRefusedBranch = hasRefusedBranch || HoldsWord("ELSE ELSEIF ELIF", Plain(meant));
+    hasRefusedBranch = hasRefusedBranch || HoldsWord("ELSE ELSEIF ELSIF ELIF", Plain(meant));
     if ((isRefused || fault.number == MSG_RESERVED_NAME) &&
         (IsCondition(statement.mnemonic) || HoldsWord("IFDEF IFNDEF", statement.label) ||
          IsCondition(meant) || isSlip)) {

@@ -114,17 +114,7 @@ bool AdviseOnQuotedRegister(OperandCase* it) {
 
 bool AdviseOnSplitWord(OperandCase* it) {
     const StatementView& statement = it->statement;
-    std::vector<Token> tokens;
-    for (const OperandView& operand : statement.operands) {
-        tokens.insert(tokens.end(), operand.tokens.begin(), operand.tokens.end());
-    }
-    for (std::size_t i = 0; i + 1 < tokens.size(); ++i) {
-        const Token& left = tokens[i];
-        const bool isDash = tokens[i + 1].code == OP_MINUS && i + 2 < tokens.size();
-        const Token& right = tokens[i + (isDash ? 2 : 1)];
-        if (!left.IsValue() || !right.IsValue() || (isDash && it->IsDefined(right.text))) {
-            continue;
-        }
+    const auto isSplit = [it, &statement](const Token& left, const Token& right) {
         const std::string_view part = statement.Span(left.text, right.text);
         const bool hasComma = part.find(',') != std::string_view::npos;  // "PUSH B,C"
         const std::string joined =
@@ -141,6 +131,23 @@ bool AdviseOnSplitWord(OperandCase* it) {
             it->advice.note = !isRegister ? "did you mean " + name + "?"
                               : hasComma  ? "remove the comma: " + joined
                                           : "remove the blank: " + joined;
+        }
+        return isRegister || !name.empty();
+    };
+    const auto& operands = statement.operands;
+    for (std::size_t k = 0; k < operands.size(); ++k) {
+        const std::vector<Token>& tokens = operands[k].tokens;
+        for (std::size_t i = 0; i + 1 < tokens.size(); ++i) {
+            const bool isDash = tokens[i + 1].code == OP_MINUS && i + 2 < tokens.size();
+            const Token& right = tokens[i + (isDash ? 2 : 1)];
+            if (tokens[i].IsValue() && right.IsValue() && !(isDash && it->IsDefined(right.text)) &&
+                isSplit(tokens[i], right)) {
+                return true;
+            }
+        }
+        const bool isPair = operands.size() <= 3 && k + 1 < operands.size() && tokens.size() == 1 &&
+                            operands[k + 1].tokens.size() == 1;
+        if (isPair && isSplit(tokens[0], operands[k + 1].tokens[0])) {
             return true;
         }
     }

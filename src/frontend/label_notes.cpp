@@ -92,13 +92,6 @@ Advice AdviseOnLabelPlace(const Adviser& adviser, const StatementView& statement
         if (!statement.label.empty() && !statement.hasColon) {
             const std::string_view both = statement.Span(statement.label, word);
             std::string name(statement.Typed(statement.label));
-            if (adviser.Facts().FindName(word.substr(0, word.size() - 1))) {  // "DEF NAME:"
-                Advice advice = Replace(statement, both, std::string(statement.Typed(word)),
-                                        "remove " + name + ": a label is one word");
-                advice.definesName = true;
-                advice.names.emplace_back(word.substr(0, word.size() - 1));
-                return advice;
-            }
             const auto isUsed = adviser.Facts().FindName(
                 std::string(statement.label).append(word.substr(0, word.size() - 1)));
             name +=

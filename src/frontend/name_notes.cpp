@@ -82,24 +82,6 @@ bool AdviseOnGluedOperator(OperandCase* it, const Token& token) {
 
 namespace {
 
-// "JR NZLOOP": a condition without its comma.
-bool AdviseOnGluedCondition(OperandCase* it, const Token& token) {
-    if (!HoldsWord("JP JR CALL", it->statement.mnemonic) || it->statement.operands.size() != 1) {
-        return false;
-    }
-    for (const std::size_t size : {std::size_t{2}, std::size_t{1}}) {
-        const std::string_view text = token.text;
-        const std::vector<TextEdit> edits = {
-            {it->statement.PartOf(text.substr(std::min(size, text.size()), 0)), ","}};
-        const bool isDouble = size == 1 && text[0] == text[1];  // "PPRINT"
-        if (text.size() > size + 1 && !isDouble && ClassOf(text.substr(0, size)).condition >= 0 &&
-            it->IsDefined(text.substr(size)) && HasFormWith(it->statement, edits)) {
-            return it->Propose(text, edits, "add the comma: ");
-        }
-    }
-    return false;
-}
-
 // A name that is defined, with 1 for L or 0 for O, or the other way round.
 std::string NameThatLooksLike(const OperandCase& it, const std::string& name) {
     constexpr std::string_view signs = "L1O0";
@@ -231,9 +213,6 @@ void AdviseOnUnknownName(OperandCase* it) {
     if (const auto known = it->adviser.Facts().FindName(token->text); known && known->hasValue) {
         note = "define " + name + " above this line: " + std::string(it->statement.mnemonic) +
                " needs its value at once";
-        return;
-    }
-    if (AdviseOnGluedCondition(it, *token)) {
         return;
     }
     if (AdviseOnNearName(it, *token) || AdviseOnMisspeltRegister(it, true)) {

@@ -97,6 +97,8 @@ std::string_view NearWords::Find(std::string_view word,
             if (rank < best || (rank == best && entry.word.starts_with(word))) {
                 best = rank;
                 found = entry.word;
+            } else if (rank == best) {  // either may be meant
+                found = {};
             }
         }
     }

@@ -24,8 +24,8 @@ class NearWords {
 
     /// The word nearest to `word`, at a distance of at most a third of its length; empty if there
     /// is none. Among words at the same distance, a `preferred` one wins, then one with the same
-    /// first letter, then one with the same letters, then one that `word` is the beginning of, then
-    /// the first one in the set.
+    /// first letter, then one with the same letters, then one that `word` is the beginning of. If
+    /// that leaves several, either may be meant, and the result is empty.
     [[nodiscard]] std::string_view Find(
         std::string_view word, const std::function<bool(std::string_view)>& preferred = {});
 

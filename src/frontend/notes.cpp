@@ -142,14 +142,18 @@ std::string Adviser::UnusedName(const std::string& name) {
 
 Advice Adviser::AdviceFor(const FaultView& fault) {
     Advice advice;
-    if (fault.number == MSG_UNKNOWN_INSTRUCTION) {
-        advice = AdviseOnWord(*this, fault);
-    } else if (IsAboutOperands(fault.number) || IsAboutExpression(fault.number)) {
-        advice = AdviseOnOperands(*this, fault);
-    } else {
-        advice = AdviseOnRest(*this, fault);
+    const bool isAboutStatement = fault.number == MSG_UNKNOWN_INSTRUCTION ||
+                                  IsAboutOperands(fault.number) || IsAboutExpression(fault.number);
+    if (fault.isError && isAboutStatement && slipBudget > 0) {
+        --slipBudget;
+        advice = AdviseOnSlip(facts, fault);
     }
-    CheckProposal(facts, fault, &advice);
+    if (advice.edits.empty()) {
+        advice = fault.number == MSG_UNKNOWN_INSTRUCTION ? AdviseOnWord(*this, fault)
+                 : isAboutStatement                      ? AdviseOnOperands(*this, fault)
+                                                         : AdviseOnRest(*this, fault);
+        CheckProposal(facts, fault, &advice);
+    }
     if (advice.note.empty() && advice.edits.size() == 1 && !advice.edits[0].text.empty()) {
         advice.note = "write " + advice.edits[0].text;
     }

@@ -136,6 +136,7 @@ class Adviser {
     std::int32_t refusedConditions = 0;             // IFs that were refused and are still open
     std::int32_t refusedEnds = 0;                   // of conditions that are open
     bool hasRefusedEnd = false;                     // of one that may be false
+    std::int32_t slipBudget = 1000;                 // messages that may still be tried as slips
     bool hasRefusedTest = false;                    // a condition that has no spelling here
     bool hasRefusedBranch = false;                  // an IF or ELSE: both branches are assembled
     std::int32_t skippedFile = 0;      // of a refused macro or comment of several lines

@@ -85,8 +85,6 @@ struct OperandCase {
 [[nodiscard]] bool AdviseOnMisspeltRegister(OperandCase* it, bool isSure = false);
 /// Advises on a register or a name with a blank in it.
 [[nodiscard]] bool AdviseOnSplitWord(OperandCase* it);
-/// Advises on two operands in one word, as in "LD DEHELLO".
-[[nodiscard]] bool AdviseOnGluedOperands(OperandCase* it);
 /// Advises on two operands in the wrong order.
 [[nodiscard]] bool AdviseOnSwappedOperands(OperandCase* it);
 /// Advises on data with a double quote too few.

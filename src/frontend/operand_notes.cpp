@@ -259,7 +259,7 @@ void AdviseOnOperandCase(OperandCase* it) {
     }
     if (AdviseOnOddQuotes(it) || AdviseOnSet(it) || AdviseOnSplitWord(it) || AdviseOnComma(it) ||
         AdviseOnSecondInstruction(it) || AdviseOnLastSign(it) || AdviseOnListBrackets(it) ||
-        AdviseOnSplitBrackets(it) || AdviseOnSeparator(it) || AdviseOnGluedOperands(it) ||
+        AdviseOnSplitBrackets(it) || AdviseOnSeparator(it) ||
         (it->operand != nullptr && it->operand->tokens.size() > 2 && AdviseOnBareText(it)) ||
         AdviseOnIndexHalf(it) || AdviseOnSpelling(it) || AdviseOnUnopenedString(it) ||
         AdviseOnBareText(it) || AdviseOnRegister(it) ||

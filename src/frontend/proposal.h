@@ -13,6 +13,10 @@ namespace korv {
 [[nodiscard]] bool IsSound(const RunFacts& facts, const StatementView& statement,
                            const std::vector<TextEdit>& edits);
 
+/// A statement that one sign makes sound: a comma that is missing, a sign that changed places with
+/// its neighbour, or a bracket for another one. Empty advice for none, or for several.
+[[nodiscard]] Advice AdviseOnSlip(const RunFacts& facts, const FaultView& fault);
+
 /// Completes the change that `advice` proposes if other parts of the statement are foreign too, or
 /// withdraws it, with the note if that names it.
 void CheckProposal(const RunFacts& facts, const FaultView& fault, Advice* advice);

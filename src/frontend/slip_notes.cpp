@@ -28,9 +28,10 @@ std::vector<std::string> NearRegisters(const OperandCase& it, const Token& token
     for (const std::string_view name :
          {"A",  "B",  "C",  "D",  "E", "H",  "L",  "BC", "DE", "HL", "SP",
           "IX", "IY", "AF", "NZ", "Z", "NC", "PO", "PE", "P",  "M"}) {
-        const std::size_t rank = IsSureSlip(token.text, name)       ? 0
-                                 : name.size() == token.text.size() ? 1
-                                                                    : 2;
+        const std::size_t rank = std::ranges::is_permutation(name, token.text) ? 0
+                                 : name.size() == token.text.size() || IsSureSlip(token.text, name)
+                                     ? 1
+                                     : 2;
         const std::vector<TextEdit> edits = {{it.statement.PartOf(token.text), std::string(name)}};
         if (rank > best || (isIndex && !name.starts_with('I')) ||
             EditDistance(token.text, name) != 1 || !HasFormWith(it.statement, edits)) {
@@ -72,7 +73,8 @@ bool AdviseOnMisspeltRegister(OperandCase* it, bool isSure) {
         const bool isName = token != nullptr &&
                             (token->kind == TokenKind::name || token->kind == TokenKind::digitName);
         if (!isName || token->text.size() < 2 || token->text.size() > longest ||
-            token->text == "CC" || it->IsDefined(token->text)) {
+            (token->text == "CC" && HoldsWord("JP JR CALL RET", it->statement.mnemonic)) ||
+            it->IsDefined(token->text)) {
             continue;
         }
         const std::vector<std::string> near = NearRegisters(*it, *token, isIndex);
@@ -114,67 +116,30 @@ bool AdviseOnQuotedRegister(OperandCase* it) {
 
 bool AdviseOnSplitWord(OperandCase* it) {
     const StatementView& statement = it->statement;
-    const auto isSplit = [it, &statement](const Token& left, const Token& right) {
-        const std::string_view part = statement.Span(left.text, right.text);
-        const bool hasComma = part.find(',') != std::string_view::npos;  // "PUSH B,C"
-        const std::string joined =
-            std::string(statement.Typed(left.text)).append(statement.Typed(right.text));
-        const std::string comma = std::string(left.text) + "," + std::string(right.text);
-        const bool isRegister = ClassOf(Raised(joined)).kind != KIND_VALUE &&
-                                !(hasComma && HoldsWord("INC DEC", statement.mnemonic)) &&
-                                HasFormWith(statement, {{statement.PartOf(part), joined}}) &&
-                                !HasFormWith(statement, {{statement.PartOf(part), comma}});
-        const std::string name = hasComma ? "" : NameOf(*it, left.text, right.text);
-        if (isRegister || !name.empty()) {
-            it->PointAt(part);
-            it->Replace(part, isRegister ? joined : name);
-            it->advice.note = !isRegister ? "did you mean " + name + "?"
-                              : hasComma  ? "remove the comma: " + joined
-                                          : "remove the blank: " + joined;
-        }
-        return isRegister || !name.empty();
-    };
-    const auto& operands = statement.operands;
-    for (std::size_t k = 0; k < operands.size(); ++k) {
-        const std::vector<Token>& tokens = operands[k].tokens;
-        for (std::size_t i = 0; i + 1 < tokens.size(); ++i) {
-            const bool isDash = tokens[i + 1].code == OP_MINUS && i + 2 < tokens.size();
-            const Token& right = tokens[i + (isDash ? 2 : 1)];
-            if (tokens[i].IsValue() && right.IsValue() && !(isDash && it->IsDefined(right.text)) &&
-                isSplit(tokens[i], right)) {
+    for (const OperandView& operand : statement.operands) {
+        for (std::size_t i = 0; i + 1 < operand.tokens.size(); ++i) {
+            const Token& left = operand.tokens[i];
+            const bool isDash =
+                operand.tokens[i + 1].code == OP_MINUS && i + 2 < operand.tokens.size();
+            const Token& right = operand.tokens[i + (isDash ? 2 : 1)];
+            if (!left.IsValue() || !right.IsValue() || (isDash && it->IsDefined(right.text))) {
+                continue;
+            }
+            const std::string_view part = statement.Span(left.text, right.text);
+            const std::string joined =
+                std::string(statement.Typed(left.text)).append(statement.Typed(right.text));
+            const std::string comma = std::string(left.text) + "," + std::string(right.text);
+            const bool isRegister = ClassOf(Raised(joined)).kind != KIND_VALUE &&
+                                    HasFormWith(statement, {{statement.PartOf(part), joined}}) &&
+                                    !HasFormWith(statement, {{statement.PartOf(part), comma}});
+            const std::string name = NameOf(*it, left.text, right.text);
+            if (isRegister || !name.empty()) {
+                it->PointAt(part);
+                it->Replace(part, isRegister ? joined : name);
+                it->advice.note =
+                    isRegister ? "remove the blank: " + joined : "did you mean " + name + "?";
                 return true;
             }
-        }
-        const bool isPair = operands.size() <= 3 && k + 1 < operands.size() && tokens.size() == 1 &&
-                            operands[k + 1].tokens.size() == 1;
-        if (isPair && isSplit(tokens[0], operands[k + 1].tokens[0])) {
-            return true;
-        }
-    }
-    return false;
-}
-
-bool AdviseOnGluedOperands(OperandCase* it) {
-    const auto& operands = it->statement.operands;
-    const bool isSum = it->fault.number == MSG_UNRESOLVED && it->statement.mnemonic == "ADD";
-    if ((it->fault.number != MSG_ARGUMENT_EXPECTED && !isSum) || operands.size() != 1) {
-        return false;
-    }
-    const std::string_view text = operands[0].text;
-    const bool isWhole = ClassOf(text).kind != KIND_VALUE;  // "LD DE", without the second one
-    for (const std::size_t size : {std::size_t{2}, std::size_t{1}}) {
-        const std::string_view right = text.substr(std::min(size, text.size()));
-        const std::vector<Token> tokens = CutTokens(right);
-        if (isWhole || tokens.empty() || HasClass(right[0], CC_BLANK) ||
-            ClassOf(text.substr(0, size)).kind == KIND_VALUE) {
-            continue;
-        }
-        const std::vector<TextEdit> edits = {{it->statement.PartOf(right.substr(0, 0)), ","}};
-        const bool isOperand = right.starts_with('(') || right == "AF'" ||
-                               tokens[0].kind == TokenKind::number ||
-                               ClassOf(right).kind != KIND_VALUE || it->IsDefined(tokens[0].text);
-        if (isOperand && HasFormWith(it->statement, edits)) {
-            return it->Propose(right, edits, "add the comma: ");
         }
     }
     return false;

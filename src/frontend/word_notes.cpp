@@ -214,7 +214,7 @@ std::string_view NearestKeyword(const StatementView& statement, std::string_view
         changed.mnemonic = each;
         changed.keyword = FindKeyword(each);
         // END would hide all that follows.
-        return HasForm(changed) &&
+        return HasForm(changed) && (!each.starts_with("DEF") || word.starts_with("DE")) &&
                (each != "END" || word.find_first_of("FI") == std::string_view::npos);
     };
     if (word.size() > (statement.operands.empty() ? 3 : 2)) {

@@ -215,7 +215,6 @@ inline constexpr auto operandTable = std::to_array<OperandRow>({
     {"16", "LD", "I,any R,any", "LD A,%2\n\tLD %1,A", "use A: only A is loaded to %1", " LD I,5"},
     {"16", "LD", "any,I any,R", "LD A,%2\n\tLD %1,A", "use A: %2 is loaded to A only", " LD B,I"},
     // Arithmetic.
-    {"16", "ADD", "gp,n xy,n", "", "load a pair first: only pairs are added to a pair", " ADD HL,5"},
     {"16", "ADD ADC SBC", "HL,xy", "PUSH %2\n\tPOP DE\n\t%w HL,DE", "copy it to DE first: PUSH %2 and POP DE", " ADD HL,IX"},
     {"16", "ADD", "BC DE SP", "ADD HL,%1", "", " ADD DE"},
     {"16", "ADD", "HL xy", "", "add the pair that is to be added: ADD %1,DE", " ADD HL"},

@@ -166,7 +166,8 @@ void SlipSearch::Attempt(std::size_t at, std::size_t length, std::string text) {
     const auto known = facts.FindName(view.label);
     const bool isLabel =
         view.label.empty() || view.label == statement.label || (known && !known->hasValue);
-    if (view.keyword == nullptr || !isLabel || !IsSoundLine(facts, StatementView{}, changed)) {
+    if (view.keyword == nullptr || !isLabel || HoldsWord("INCLUDE BINCLUDE", view.mnemonic) ||
+        !IsSoundLine(facts, StatementView{}, changed)) {
         return;
     }
     isUnsure = isUnsure || (!meant.empty() && meant != changed);

@@ -22,6 +22,17 @@ std::string Definition(const StatementView& statement, std::string_view name,
     return Translate(CutStatement(line, typed)).typed;
 }
 
+// The line as such a definition, for a message at `part`.
+Advice Defined(const StatementView& statement, std::string_view part, std::string_view name,
+               std::string_view value) {
+    Advice advice = Replace(statement, statement.line, Definition(statement, name, value), "");
+    advice.place = statement.PartOf(part);
+    advice.note = "write " + advice.edits[0].text + " from column 1 on";
+    advice.definesName = true;
+    advice.names.emplace_back(name);
+    return advice;
+}
+
 }  // namespace
 
 bool IsNameText(std::string_view text) {
@@ -55,13 +66,7 @@ Advice AdviseOnPreprocessor(const StatementView& statement) {
         const std::string_view name = rest.substr(0, rest.find_first_of(" \t"));
         const std::string_view value = WithoutLeadingBlanks(rest.substr(name.size()));
         if (IsNameText(name) && !value.empty()) {
-            Advice advice =
-                Replace(statement, statement.line, Definition(statement, name, value), "");
-            advice.place = statement.PartOf(word);
-            advice.note = "write " + advice.edits[0].text + " from column 1 on";
-            advice.definesName = true;
-            advice.names.emplace_back(name);
-            return advice;
+            return Defined(statement, word, name, value);
         }
     }
     return AdviseOnNameSecond(statement);
@@ -79,13 +84,7 @@ Advice AdviseOnNameSecond(const StatementView& statement) {
         const std::size_t start = text.find_first_not_of(" \t=,", name.size());
         if (IsNameText(name) && start != std::string_view::npos && name.size() < text.size() &&
             name.size() > 0 && ClassOf(name).kind == KIND_VALUE) {
-            Advice advice = Replace(statement, statement.line,
-                                    Definition(statement, name, text.substr(start)), "");
-            advice.place = statement.PartOf(first);
-            advice.note = "write " + advice.edits[0].text + " from column 1 on";
-            advice.definesName = true;
-            advice.names.emplace_back(name);
-            return advice;
+            return Defined(statement, first, name, text.substr(start));
         }
     }
     return {};
@@ -102,14 +101,16 @@ Advice AdviseOnDefinition(const StatementView& statement) {
         sign = line.substr(name.size(), 1);
         value = statement.PartOf(word).offset < line.size() ? line.substr(name.size() + 1)
                                                             : std::string_view();
-    } else if (name.empty() && !value.empty()) {  // " X EQU 5"
+    } else if (!value.empty() &&
+               (name.empty() || (value.front() == '=' && statement.hasColon &&
+                                 ClassOf(word).kind != KIND_VALUE))) {  // " X EQU 5"
         name = word.ends_with(':') ? word.substr(0, word.size() - 1) : word;
         sign = value.substr(0, value.find_first_of(" \t"));
         value = WithoutLeadingBlanks(value.substr(sign.size()));
     }
-    if (const std::size_t at = word.find('='); statement.label.empty() && value.empty() &&
-                                               at != std::string_view::npos && at > 0 &&
-                                               at + 1 < word.size()) {  // "HL=5"
+    const std::size_t at = std::min(word.find('='), word.size());
+    if (value.empty() && at > 0 && at + 1 < word.size() &&
+        (statement.label.empty() || ClassOf(word.substr(0, at)).kind != KIND_VALUE)) {  // "HL=5"
         name = word.substr(0, at);
         sign = word.substr(at, 1);
         value = word.substr(at + 1);
@@ -119,31 +120,33 @@ Advice AdviseOnDefinition(const StatementView& statement) {
         value = statement.Span(sign.substr(start), value.empty() ? sign : value);  // "X =5"
         sign = sign.substr(0, start);
     }
-    if (sign == "=" && statement.label.empty() && ClassOf(name).kind != KIND_VALUE) {
+    if (sign == "=" && name.data() != statement.label.data() && ClassOf(name).kind != KIND_VALUE) {
         const std::string fix =
             "LD " + std::string(statement.Typed(name)) + "," + std::string(statement.Typed(value));
         const std::string changed = " " + Raised(fix);
-        if (HasForm(CutStatement(changed))) {
+        const StatementView meant = CutStatement(changed);
+        const bool isSum =  // "HL = HL + DE"
+            std::ranges::any_of(meant.operands.back().tokens, [](const Token& token) {
+                return token.kind == TokenKind::registerName;
+            });
+        if (HasForm(meant) && (!isSum || meant.operands.back().what.kind != KIND_VALUE)) {
             const std::string_view last = statement.rest.empty() ? word : statement.rest;
             return Replace(statement, statement.Span(word, last), fix, "write " + fix);
         }
+        return {};
     }
     const bool isSign = HoldsWord(
-        "= := == EQU DEFL SET ASET VAR CONST EQUS EQ EQUALS .EQU .SET .DEFL DEFINE DEFC", sign);
-    if (!isSign || !IsNameText(name) || WithoutLeadingBlanks(value).empty()) {
-        return {};
-    }
-    if (FindKeyword(name) != nullptr) {
-        return {};
-    }
+        "= := == EQU DEFL SET ASET VAR CONST EQUS EQ EQUAL EQUALS .EQU .SET .DEFL DEFINE DEFC",
+        sign);
     value = WithoutLeadingBlanks(value);
-    Advice advice;
-    advice.edits = {{statement.PartOf(line), Definition(statement, name, value)}};
-    advice.place = statement.PartOf(sign);
-    advice.note =
-        "write " + advice.edits[0].text + (statement.label.empty() ? " from column 1 on" : "");
-    advice.definesName = true;
-    advice.names.emplace_back(name);
+    if (!isSign || !IsNameText(name) || value.empty() || ClassOf(value).kind != KIND_VALUE ||
+        FindKeyword(name) != nullptr) {
+        return {};
+    }
+    Advice advice = Defined(statement, sign, name, value);
+    if (!statement.label.empty()) {
+        advice.note = "write " + advice.edits[0].text;
+    }
     return advice;
 }
 

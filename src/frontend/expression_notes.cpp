@@ -47,8 +47,13 @@ bool AdviseOnDots(OperandCase* it, const Token& token) {
     std::string name(part.substr(isGlued ? 0 : 1));
     if (name.find_first_not_of("0123456789.") == std::string::npos) {
         it->PointAt(part);
-        it->advice.note = "use whole numbers: there are no fractions";
+        it->advice.note = "use whole numbers, and commas between them: there are no fractions";
         return true;
+    }
+    const std::size_t dot = name.find('.');
+    if (it->IsDefined(name.substr(0, dot)) && dot != std::string::npos &&
+        it->IsDefined(name.substr(dot + 1))) {  // "DW X.Y"
+        return it->Propose(part, {{it->statement.PartOf(part.substr(dot, 1)), ","}});
     }
     std::ranges::replace(name, '.', '_');
     it->PointAt(part);
@@ -70,6 +75,7 @@ const Token* FindProse(const OperandCase& it) {
                 i > 0 && (tokens[i - 1].IsValue() || tokens[i - 1].code == OP_CLOSE);
             const bool isFirst = i == 0 && tokens.size() > 1 && tokens[1].IsValue();
             if (tokens[i].kind != TokenKind::name || it.IsDefined(tokens[i].text) ||
+                HoldsWord("PLUS MINUS TIMES X IS", tokens[i].text) ||
                 (!isDashed && !isAfterValue && !isFirst)) {
                 continue;
             }
@@ -136,8 +142,7 @@ void AdviseOnTwoValues(OperandCase* it, const Token& token) {
         return;
     }
     if (!comma.empty() && (isName || isKnown) && !isUnknown && HasFormWith(it->statement, comma)) {
-        it->advice.edits = comma;
-        it->advice.note = "add the comma: " + WriteNote(it->statement, comma).substr(6);
+        it->Propose(token.text, comma, "add the comma: ");
         return;
     }
     if (AdviseOnProse(it) ||
@@ -205,7 +210,9 @@ void AdviseOnBracket(OperandCase* it, const Token& token, bool isOpened) {
             "write 0+" + std::string(operand.text) + ": brackets at both ends mean memory";
     } else if (isOpened) {
         it->Replace(operand.text.substr(operand.text.size()), ")");
-        it->advice.note = "close the bracket";
+        it->advice.note = HasFormWith(it->statement, it->advice.edits)
+                              ? "close the bracket"
+                              : "remove the bracket, or close it";
     } else {
         it->Replace(token.text, "");
         it->advice.note = "remove the bracket: it was not opened";
@@ -224,7 +231,9 @@ void AdviseOnNoLeft(OperandCase* it, const Token& token) {
         return;
     }
     if (number.empty()) {
-        it->advice.note = "add a value before " + std::string(token.text);
+        it->advice.note = (it->IsDefined(token.text) ? "choose another name, which is no operator: "
+                                                     : "add a value before ") +
+                          std::string(token.text);
         return;
     }
     const std::string_view part = it->statement.Span(token.text, it->operand->tokens[next].text);
@@ -236,12 +245,17 @@ void AdviseOnNoLeft(OperandCase* it, const Token& token) {
 void AdviseOnLongString(OperandCase* it, const Token& token) {
     const std::string text(token.text.substr(1, token.text.size() - 2));
     const std::string value = EscapeValue(text);
-    if (it->IsDefined(Raised(text))) {
+    if (it->IsDefined(Raised(text)) &&
+        IsSound(it->adviser.Facts(), it->statement,
+                {{it->statement.PartOf(token.text), Raised(text)}})) {
         it->Replace(token.text, Raised(text));
         it->advice.note = "write " + Raised(text) + ": a name has no quotes";
     } else if (!value.empty()) {
         it->Replace(token.text, value);
         it->advice.note = "write " + value + ": there are no escape sequences";
+    } else if (HoldsWord("DM DEFM", it->statement.mnemonic) && it->operand->tokens.size() == 3) {
+        it->Replace(it->operand->text, std::string(token.text));  // DM ("text")
+        it->advice.note = WriteNote(it->statement, it->advice.edits);
     } else {
         it->advice.note = HoldsWord("DB DEFB", it->statement.mnemonic)
                               ? "write a string of several characters as an operand of its own"
@@ -264,7 +278,8 @@ std::string EmptyNumberNote(const OperandCase& it, const Token& token) {
 void AdviseOnBadToken(OperandCase* it, const Token& token) {
     const std::string_view text = token.text;
     const std::string_view stem = text.substr(0, text.size() - 1);
-    const bool isWord = it->IsDefined(stem) || ClassOf(stem).kind != KIND_VALUE;
+    const bool isWord = it->IsDefined(stem) || ClassOf(stem).kind != KIND_VALUE ||
+                        (!stem.empty() && CutTokens(stem)[0].kind == TokenKind::number);
     if (text.ends_with('"') && stem.size() > 1 && isWord) {
         it->Replace(text.substr(stem.size()), "");
         it->advice.note = "remove the quote: it was not opened";

@@ -59,13 +59,12 @@ Advice AdviseOnOddName(Adviser& adviser, const StatementView& statement) {
     Advice advice = Replace(statement, line.substr(0, end), name, note);
     if (word.front() == ':') {
         advice.edits[0].text += ':';
-        advice.names.push_back(Raised(name));
     } else {
         advice.newName = name;
     }
     advice.place = statement.PartOf(word);
     advice.definesName = true;
-    advice.names.emplace_back(word);
+    advice.names = {std::string(word), Raised(name)};
     return advice;
 }
 
@@ -83,8 +82,7 @@ Advice AdviseOnLabelPlace(const Adviser& adviser, const StatementView& statement
     if (isLabel && FindKeyword(word.substr(0, word.size() - 1)) != nullptr) {
         const std::string_view next = statement.rest.substr(0, statement.rest.find_first_of(" \t"));
         if (FindKeyword(next) != nullptr) {  // "EI: RET"
-            return Replace(statement, word.substr(word.size() - 1), "\n\t",
-                           "write one instruction in a line");
+            return Replace(statement, word.substr(word.size() - 1), "\n\t", oneInstructionNote);
         }
         return Replace(statement, word.substr(word.size() - 1), "",
                        "remove the colon: only a label has one");
@@ -117,8 +115,8 @@ Advice AdviseOnLabelPlace(const Adviser& adviser, const StatementView& statement
         return moved;
     }
     const std::string_view next = statement.rest.substr(0, statement.rest.find_first_of(" \t"));
-    if (statement.label.empty() && IsNameText(word) &&
-        FindKeyword(next) != nullptr) {  // " LOOP LD A,5"
+    if (statement.label.empty() && IsNameText(word) && FindKeyword(next) != nullptr &&
+        (adviser.Facts().FindName(word) || !WordAdvice(statement))) {  // " LOOP LD A,5"
         const std::size_t blanks = statement.PartOf(word).offset;
         Advice advice = Say(statement, word, "begin the label in column 1");
         advice.edits = {{LinePart{0, static_cast<std::uint32_t>(blanks)}, ""}};

@@ -205,11 +205,19 @@ void MessageMaker::Take(Advice advice, const Report& report, Message* message) {
 // Replaces the name in all its other uses too. If there are too many lines to search, a label keeps
 // its name.
 void MessageMaker::AddUses(const Advice& advice, Message* message) {
-    const Place& at = message->place;
-    for (const Place& use : FindUses(TextOf(message->opening), at.file, advice.names.front(),
-                                     at.line, &renameBudget)) {
-        if (use != message->edits[0].place) {
-            message->edits.push_back({use, advice.newName});
+    const Place at = message->place;
+    const std::string& name = advice.names.front();
+    const bool isLocal = name.starts_with('.') || name.ends_with('$');
+    for (std::int32_t file = 0; std::cmp_less(file, analysis->files.size()); ++file) {
+        const auto& text = analysis->files[static_cast<std::size_t>(file)].text;
+        if (text == nullptr || analysis->files[static_cast<std::size_t>(file)].isBinary ||
+            (isLocal && file != at.file)) {
+            continue;
+        }
+        for (const Place& use : FindUses(*text, file, name, at.line, &renameBudget)) {
+            if (use != message->edits[0].place) {
+                message->edits.push_back({use, advice.newName});
+            }
         }
     }
     if (renameBudget == 0 && message->number != MSG_UNRESOLVED) {

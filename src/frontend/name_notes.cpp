@@ -83,26 +83,6 @@ bool AdviseOnGluedOperator(OperandCase* it, const Token& token) {
 
 namespace {
 
-// "JR NZLOOP": a condition without its comma.
-bool AdviseOnGluedCondition(OperandCase* it, const Token& token) {
-    if (!HoldsWord("JP JR CALL", it->statement.mnemonic) || it->statement.operands.size() != 1) {
-        return false;
-    }
-    for (const std::size_t size : {std::size_t{2}, std::size_t{1}}) {
-        const std::string_view text = token.text;
-        const std::vector<TextEdit> edits = {
-            {it->statement.PartOf(text.substr(std::min(size, text.size()), 0)), ","}};
-        const bool isDouble = size == 1 && text[0] == text[1];  // "PPRINT"
-        if (text.size() > size + 1 && !isDouble && ClassOf(text.substr(0, size)).condition >= 0 &&
-            it->IsDefined(text.substr(size)) && HasFormWith(it->statement, edits)) {
-            it->advice.edits = edits;
-            it->advice.note = "add the comma: " + WriteNote(it->statement, edits).substr(6);
-            return true;
-        }
-    }
-    return false;
-}
-
 // A defined name that differs from `name` by 1 for L or 0 for O, or vice versa.
 std::string NameThatLooksLike(const OperandCase& it, const std::string& name) {
     constexpr std::string_view signs = "L1O0";
@@ -157,10 +137,7 @@ bool AdviseOnNamedRegister(OperandCase* it, const Token& token) {
     const std::vector<TextEdit> memory = {
         {it->statement.PartOf(sum), "(" + std::string(it->statement.Typed(sum)) + ")"}};
     if (isSum && sum.starts_with('I') && HasFormWith(it->statement, memory)) {  // "IX+5"
-        it->PointAt(sum);
-        it->advice.edits = memory;
-        it->advice.note = WriteNote(it->statement, memory);
-        return true;
+        return it->Propose(sum, memory);
     }
     it->advice.note = (isSum ? "add with ADD, INC, SUB or DEC: " : "use a number or a name: ") +
                       std::string(token.text) +
@@ -168,14 +145,18 @@ bool AdviseOnNamedRegister(OperandCase* it, const Token& token) {
     return true;
 }
 
-// "OFFH" and "LO", which begin with a letter in place of a digit.
+// "OFFH", "LO" and "1O0", which have a letter in place of a digit.
 bool AdviseOnLetterForDigit(OperandCase* it, const Token& token) {
     std::string digits(token.text);
-    if (digits.front() != 'O' && digits.front() != 'L') {
+    const std::size_t letter = digits.find_first_of("OLI");
+    if (letter != 0 && token.kind != TokenKind::digitName) {
         return false;
     }
-    digits.front() = digits.front() == 'O' ? '0' : '1';
     std::ranges::replace(digits, 'O', '0');
+    const auto end =
+        digits.begin() + (letter == 0 ? 1 : static_cast<std::ptrdiff_t>(digits.size()));
+    std::replace_if(
+        digits.begin(), end, [](char c) { return c == 'L' || c == 'I'; }, '1');
     if (const std::string spelled = NumberSpelling(digits); digits.starts_with("0X")) {
         digits = spelled;
     }
@@ -185,7 +166,7 @@ bool AdviseOnLetterForDigit(OperandCase* it, const Token& token) {
     }
     it->Replace(token.text, digits);
     it->advice.note =
-        "write " + digits + ": " + std::string(token.text.substr(0, 1)) + " is a letter";
+        "write " + digits + ": " + std::string(token.text.substr(letter, 1)) + " is a letter";
     return true;
 }
 
@@ -235,26 +216,21 @@ void AdviseOnUnknownName(OperandCase* it) {
                " needs its value at once";
         return;
     }
-    if (AdviseOnGluedCondition(it, *token)) {
+    if (AdviseOnNearName(it, *token) || AdviseOnMisspeltRegister(it, true)) {
         return;
     }
-    if (AdviseOnNearName(it, *token) || AdviseOnMisspeltRegister(it, true)) {
+    if (AdviseOnLetterForDigit(it, *token)) {
         return;
     }
     if (token->kind == TokenKind::digitName) {
         note = numberNote;
         return;
     }
-    if (AdviseOnLetterForDigit(it, *token)) {
-        return;
-    }
-    if (const std::string number = NumberSpelling("0X" + name);
-        !number.empty() && name.size() % 2 == 0) {
+    const bool isMarked = name.front() == 'H' && name.size() > 2;  // "H100"
+    if (const std::string number = NumberSpelling("0X" + name.substr(isMarked ? 1 : 0));
+        !number.empty() && (isMarked || name.size() % 2 == 0)) {
         it->Replace(token->text, number);
         note = "write " + number + " if it is hexadecimal";
-        return;
-    }
-    if (AdviseOnMisspeltRegister(it)) {
         return;
     }
     if (it->fault.number == MSG_NOT_IMMEDIATE || HoldsWord("IF COND", it->statement.mnemonic)) {

@@ -20,11 +20,13 @@ std::uint64_t LettersOf(std::string_view word) {
     return letters;
 }
 
-// Numbered names such as ROUT1 and ROUT2 are not misspellings of each other.
+// Names such as ROUT1 and ROUT2, or POS_X and POS_Y, are not misspellings of each other.
 bool DifferInDigit(std::string_view a, std::string_view b) {
     const auto [one, other] = std::ranges::mismatch(a, b);
-    return a.size() == b.size() && one != a.end() && HasClass(*one, CC_DIGIT) &&
-           HasClass(*other, CC_DIGIT);
+    const bool isSuffix =
+        one != a.end() && one + 1 == a.end() && one != a.begin() && one[-1] == '_';
+    return a.size() == b.size() && one != a.end() &&
+           (isSuffix || (HasClass(*one, CC_DIGIT) && HasClass(*other, CC_DIGIT)));
 }
 
 }  // namespace
@@ -84,7 +86,10 @@ std::string_view NearWords::Find(std::string_view word,
             budget -= costOfComparison;
             const bool isOther = word.front() != entry.word.front();
             const std::size_t steps = EditDistance(word, entry.word);
-            if (steps > limit || DifferInDigit(word, entry.word)) {
+            const bool isFar =  // two different slips in a short word
+                steps == 2 && word.size() < 9 && entry.letters != letters &&
+                word.size() + 2 != length && word.size() != length + 2;
+            if (steps > limit || isFar || DifferInDigit(word, entry.word)) {
                 continue;
             }
             const std::size_t rank = 8 * steps + (preferred && !preferred(entry.word) ? 4 : 0) +
@@ -92,6 +97,8 @@ std::string_view NearWords::Find(std::string_view word,
             if (rank < best || (rank == best && entry.word.starts_with(word))) {
                 best = rank;
                 found = entry.word;
+            } else if (rank == best) {  // either may be meant
+                found = {};
             }
         }
     }

@@ -24,8 +24,8 @@ class NearWords {
 
     /// The word nearest to `word`, at a distance of at most a third of its length; empty if there
     /// is none. Among words at the same distance, being `preferred` counts most, then having the
-    /// same letters, then having the same first letter. If that leaves a tie, one that `word` is
-    /// the beginning of wins, otherwise the first one in the set.
+    /// same first letter, then having the same letters, then beginning with `word`. If that leaves
+    /// a tie, any of them may be meant, and the result is empty.
     [[nodiscard]] std::string_view Find(
         std::string_view word, const std::function<bool(std::string_view)>& preferred = {});
 

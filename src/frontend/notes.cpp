@@ -145,14 +145,18 @@ std::string Adviser::UnusedName(const std::string& name) {
 
 Advice Adviser::AdviceFor(const FaultView& fault) {
     Advice advice;
-    if (fault.number == MSG_UNKNOWN_INSTRUCTION) {
-        advice = AdviseOnWord(*this, fault);
-    } else if (IsAboutOperands(fault.number) || IsAboutExpression(fault.number)) {
-        advice = AdviseOnOperands(*this, fault);
-    } else {
-        advice = AdviseOnRest(*this, fault);
+    const bool isAboutStatement = fault.number == MSG_UNKNOWN_INSTRUCTION ||
+                                  IsAboutOperands(fault.number) || IsAboutExpression(fault.number);
+    if (fault.isError && isAboutStatement && slipBudget > 0) {
+        --slipBudget;
+        advice = AdviseOnSlip(facts, fault);
     }
-    CheckProposal(facts, fault, &advice);
+    if (advice.edits.empty()) {
+        advice = fault.number == MSG_UNKNOWN_INSTRUCTION ? AdviseOnWord(*this, fault)
+                 : isAboutStatement                      ? AdviseOnOperands(*this, fault)
+                                                         : AdviseOnRest(*this, fault);
+        CheckProposal(facts, fault, &advice);
+    }
     if (advice.note.empty() && advice.edits.size() == 1 && !advice.edits[0].text.empty()) {
         advice.note = "write " + advice.edits[0].text;
     }
@@ -232,13 +236,15 @@ bool Adviser::IsFollowOn(const FaultView& fault, const Advice& advice) {
     if (fault.number == MSG_UNKNOWN_INSTRUCTION) {
         return refusedNames.contains(std::string(statement.mnemonic));
     }
-    if (fault.number == MSG_REDEFINITION && advice.isRepeated) {
-        return std::exchange(hasRepeatedFile, true);
+    if (fault.number == MSG_REDEFINITION && (advice.isRepeated || hasRefusedBranch)) {
+        return hasRefusedBranch || std::exchange(hasRepeatedFile, true);
     }
     if (fault.number == MSG_UNRESOLVED && (hasRefusedFile || (hasRefusedEnd && fault.isLate))) {
         return true;
     }
-    return IsAboutValue(fault.number) && UsesOneOf(refusedNames, fault);
+    return IsAboutValue(fault.number) &&
+           (UsesOneOf(refusedNames, fault) ||
+            (fault.number != MSG_UNRESOLVED && UsesOneOf(unsureNames, fault)));
 }
 
 bool Adviser::UsesOneOf(const std::unordered_set<std::string>& names, const FaultView& fault) {
@@ -272,7 +278,9 @@ void Adviser::Remember(const FaultView& fault, const Advice& advice) {
     if (advice.isFollowOn) {
         return;
     }
-    answeredNames.insert(UnknownName(fault, advice));
+    const bool isSecond =  // "DB NAME 5": a name that was to be defined
+        fault.number == MSG_UNKNOWN_INSTRUCTION && !statement.label.empty() && !statement.hasColon;
+    answeredNames.insert(isSecond ? std::string(statement.mnemonic) : UnknownName(fault, advice));
     renamedLabels.insert(advice.explains.begin(), advice.explains.end());
     RememberCondition(fault, advice, isRefused);
     const bool isImport = HoldsWord(importDirectives, Plain(statement.mnemonic));
@@ -308,16 +316,20 @@ void Adviser::Remember(const FaultView& fault, const Advice& advice) {
 
 void Adviser::RememberCondition(const FaultView& fault, const Advice& advice, bool isRefused) {
     const StatementView& statement = fault.statement;
-    if (IsCondition(statement.mnemonic) && HoldsEnd(statement)) {  // "IF X NOP ENDIF"
+    if (IsCondition(statement.mnemonic) &&
+        (HoldsEnd(statement) || advice.note == oneInstructionNote)) {  // "IF X NOP ENDIF"
         ++refusedEnds;
     }
     const std::string meant = MeantMnemonic(fault, advice);
     const bool isSlip = fault.number == MSG_UNKNOWN_INSTRUCTION && advice.edits.empty() &&
                         statement.mnemonic.size() <= 3 &&
                         EditDistance(statement.mnemonic, "IF") == 1;
+    hasRefusedBranch = hasRefusedBranch || HoldsWord("ELSE ELSEIF ELSIF ELIF", Plain(meant));
     if ((isRefused || fault.number == MSG_RESERVED_NAME) &&
-        (IsCondition(statement.mnemonic) || IsCondition(meant) || isSlip)) {
+        (IsCondition(statement.mnemonic) || HoldsWord("IFDEF IFNDEF", statement.label) ||
+         IsCondition(meant) || isSlip)) {
         ++refusedConditions;
+        hasRefusedBranch = true;
         hasRefusedTest = hasRefusedTest || advice.edits.empty();
     }
     if (HoldsWord("ENDIF ENDC", meant) && fault.number != MSG_NOT_IN_CONDITION &&

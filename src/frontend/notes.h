@@ -137,7 +137,9 @@ class Adviser {
     std::int32_t refusedConditions = 0;             // IFs that were refused and are still open
     std::int32_t refusedEnds = 0;                   // refused ENDIFs of open IFs
     bool hasRefusedEnd = false;                     // of an IF that may be false
+    std::int32_t slipBudget = 1000;                 // messages that may still be tried as slips
     bool hasRefusedTest = false;                    // a refused IF without a proposed change
+    bool hasRefusedBranch = false;                  // an IF or ELSE: both branches are assembled
     std::int32_t skippedFile = 0;      // with a refused macro or comment of several lines
     std::int32_t skippedAfter = 0;     // its first line
     std::int32_t skippedTo = 0;        // its last line

@@ -9,10 +9,19 @@
 #include "codegen/keywords.h"
 #include "frontend/expression_fault.h"
 #include "frontend/instruction_forms.h"
+#include "frontend/note_rows.h"
 #include "frontend/note_steps.h"
 #include "source/char_class.h"
 
 namespace korv {
+
+bool OperandCase::Propose(std::string_view part, std::vector<TextEdit> edits, std::string_view head,
+                          std::string_view tail) {
+    PointAt(part);
+    advice.note = std::string(head).append(WriteNote(statement, edits).substr(6)).append(tail);
+    advice.edits = std::move(edits);
+    return true;
+}
 
 bool OperandCase::ProposesUnknownName() const {
     const bool isFile = HoldsWord("INCLUDE BINCLUDE", statement.mnemonic);

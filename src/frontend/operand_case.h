@@ -30,6 +30,10 @@ struct OperandCase {
     void Insert(std::string_view part, std::string text) {
         Replace(part.substr(0, 0), std::move(text));
     }
+    /// Proposes `edits`, in a note with the changed statement between `head` and `tail`. Result:
+    /// true.
+    bool Propose(std::string_view part, std::vector<TextEdit> edits,
+                 std::string_view head = "write ", std::string_view tail = "");
     /// True if the change contains an undefined name, so that it would only lead to an error about
     /// that name.
     [[nodiscard]] bool ProposesUnknownName() const;
@@ -63,7 +67,7 @@ struct OperandCase {
                                      const std::vector<TextEdit>& commas);
 /// Advises on brackets around the values of a data directive.
 [[nodiscard]] bool AdviseOnListBrackets(OperandCase* it);
-/// Advises on a sign after a register.
+/// Advises on a sign after a register or a number.
 [[nodiscard]] bool AdviseOnLastSign(OperandCase* it);
 /// Advises on brackets with a comma in them.
 [[nodiscard]] bool AdviseOnSplitBrackets(OperandCase* it);
@@ -84,8 +88,6 @@ struct OperandCase {
 [[nodiscard]] bool AdviseOnMisspeltRegister(OperandCase* it, bool isSure = false);
 /// Advises on a register or a name with a blank in it.
 [[nodiscard]] bool AdviseOnSplitWord(OperandCase* it);
-/// Advises on two operands in one word, as in "LD DEHELLO".
-[[nodiscard]] bool AdviseOnGluedOperands(OperandCase* it);
 /// Advises on two operands in the wrong order.
 [[nodiscard]] bool AdviseOnSwappedOperands(OperandCase* it);
 /// Advises on data with a missing double quote.

@@ -49,29 +49,24 @@ bool AdviseOnSet(OperandCase* it) {
 bool AdviseOnIndexHalf(OperandCase* it) {
     for (const OperandView& operand : it->statement.operands) {
         const Token* const token = operand.OnlyToken();
-        if (token != nullptr && !it->IsDefined(token->text) &&
-            HoldsWord("AX BX CX DX AL AH BL BH CL CH DL DH SI DI BP EAX EBX ECX EDX",
+        if (token == nullptr || it->IsDefined(token->text)) {
+            continue;
+        }
+        if (HoldsWord("AX BX CX DX AL AH BL BH CL CH DL DH SI DI BP EAX EBX ECX EDX",
                       token->text)) {
-            it->PointAt(token->text);
             it->advice.note = "use the registers of the Z80: " + std::string(token->text) +
                               " is of another processor";
-            return true;
-        }
-        const bool isHalf =
-            token != nullptr &&
-            HoldsWord("IXH IXL IYH IYL HX LX HY LY XH XL YH YL IXU IYU", token->text);
-        if (token != nullptr && token->text == "PC" && !it->IsDefined("PC")) {
-            it->PointAt(token->text);
+        } else if (token->text == "PC") {
             it->advice.note = "use JP, CALL or $: the program counter is no operand";
-            return true;
-        }
-        if (isHalf && !it->IsDefined(token->text)) {
-            it->PointAt(token->text);
+        } else if (HoldsWord("IXH IXL IYH IYL HX LX HY LY XH XL YH YL IXU IYU", token->text)) {
             it->advice.note =
                 "use another register: the halves of IX and IY are not in the published "
                 "instruction set";
-            return true;
+        } else {
+            continue;
         }
+        it->PointAt(token->text);
+        return true;
     }
     return false;
 }
@@ -113,12 +108,10 @@ bool AdviseOnRegister(OperandCase* it) {
     }
     const std::string name(token->text);
     it->PointAt(operand->text);
-    if (it->IsDefined(name)) {
-        it->advice.note = "choose another name: " + name + " alone is a register or condition";
-    } else {
-        it->advice.note =
-            "use a number, a string or a name: " + name + " is a register or condition";
-    }
+    it->advice.note =
+        it->IsDefined(name)
+            ? "choose another name: " + name + " alone is a register or condition"
+            : "use a number, a string or a name: " + name + " is a register or condition";
     return true;
 }
 
@@ -127,31 +120,34 @@ bool AdviseOnM(OperandCase* it) {
     for (const OperandView& operand : it->statement.operands) {
         const std::vector<TextEdit> edits = {{it->statement.PartOf(operand.text), "(HL)"}};
         if (operand.text == "M" && HasFormWith(it->statement, edits)) {
-            it->PointAt(operand.text);
-            it->advice.edits = edits;
-            it->advice.note = WriteNote(it->statement, edits) + ": M is a condition";
-            return true;
+            return it->Propose(operand.text, edits, "write ", ": M is a condition");
         }
     }
     return false;
 }
 
-// "DM HELLO": the quotes are missing.
+// "DM HELLO", "DB HELLO WORLD,0": the quotes are missing.
 bool AdviseOnBareText(OperandCase* it) {
-    const bool isText = HoldsWord("DM DEFM", it->statement.mnemonic) && it->operand != nullptr &&
-                        it->statement.operands.size() == 1;
-    const Token* const token = isText ? it->operand->OnlyToken() : nullptr;
-    if (token == nullptr || token->kind != TokenKind::name || it->IsDefined(token->text)) {
+    const bool isText = HoldsWord("DM DEFM", it->statement.mnemonic);
+    const bool isData = isText || HoldsWord("DB DEFB", it->statement.mnemonic);
+    if (!isData || it->operand == nullptr || it->operand->tokens.size() < (isText ? 1 : 2) ||
+        (isText && it->statement.operands.size() > 1) ||
+        std::ranges::any_of(it->operand->tokens, [it](const Token& token) {
+            const bool isWord =
+                token.kind == TokenKind::name ||
+                (ClassOf(token.text).kind != KIND_VALUE && &token != it->operand->tokens.data());
+            return !isWord || it->IsDefined(token.text);
+        })) {
         return false;
     }
-    const std::string fix = "\"" + std::string(it->statement.Typed(token->text)) + "\"";
+    const std::string fix = "\"" + std::string(it->statement.Typed(it->operand->text)) + "\"";
     it->Replace(it->operand->text, fix);
     it->advice.note = "put the text in double quotes: " + fix;
     return true;
 }
 
 bool AdviseOnShape(OperandCase* it) {
-    if (AdviseOnBareText(it) || AdviseOnLabelName(it) || AdviseOnQuotedRegister(it) ||
+    if (AdviseOnLabelName(it) || AdviseOnQuotedRegister(it) ||
         (it->fault.number != MSG_TOO_MANY_ARGUMENTS && AdviseOnMisspeltRegister(it))) {
         return true;
     }
@@ -184,6 +180,9 @@ bool AdviseOnShape(OperandCase* it) {
             it->advice.note.clear();
             return false;
         }
+        if (it->fault.number != MSG_TOO_MANY_ARGUMENTS && it->advice.note.starts_with("write ")) {
+            it->advice.note = FormsNote(it->statement);
+        }
     }
     return true;
 }
@@ -201,7 +200,16 @@ void AimAt(OperandCase* it, bool isCount) {
         const ExpressionFault kind = FindExpressionFault(operand).fault;
         if (kind == ExpressionFault::openBracket || kind == ExpressionFault::closeBracket) {
             it->operand = &operand;
+        } else if (operand.text.starts_with('\'') && operand.text.find('\'', 1) == npos) {
+            it->operand = &operand;  // a string up to a later operand
+            break;
         }
+    }
+    const auto& operands = it->statement.operands;
+    if (HoldsWord("CALL JR", it->statement.mnemonic) && operands.size() == 2 &&
+        operands[0].what.kind == KIND_VALUE && operands[1].what.kind == KIND_VALUE &&
+        (operands[0].tokens.size() > 1 || !operands[0].tokens[0].IsValue())) {  // "CALL !Z,X"
+        it->operand = operands.data();
     }
     if (it->operand != nullptr) {
         it->PointAt(it->operand->text);
@@ -253,9 +261,11 @@ void AdviseOnOperandCase(OperandCase* it) {
     }
     if (AdviseOnOddQuotes(it) || AdviseOnSet(it) || AdviseOnSplitWord(it) || AdviseOnComma(it) ||
         AdviseOnSecondInstruction(it) || AdviseOnLastSign(it) || AdviseOnListBrackets(it) ||
-        AdviseOnSplitBrackets(it) || AdviseOnSeparator(it) || AdviseOnGluedOperands(it) ||
+        AdviseOnSplitBrackets(it) || AdviseOnSeparator(it) ||
+        (it->operand != nullptr && it->operand->tokens.size() > 2 && AdviseOnBareText(it)) ||
         AdviseOnIndexHalf(it) || AdviseOnSpelling(it) || AdviseOnUnopenedString(it) ||
-        AdviseOnRegister(it) || (fault.number == MSG_TOO_MANY_ARGUMENTS && AdviseOnProse(it))) {
+        AdviseOnBareText(it) || AdviseOnRegister(it) ||
+        (fault.number == MSG_TOO_MANY_ARGUMENTS && AdviseOnProse(it))) {
         return;
     }
     const Keyword* const keyword = fault.statement.keyword;
@@ -273,8 +283,8 @@ void AdviseOnOperandCase(OperandCase* it) {
                           kind == ExpressionFault::closeBracket;
     const bool isData = HoldsWord("DB DEFB DW DEFW DS DEFS", fault.statement.mnemonic);
     if (isValue &&
-        ((isCount && kind != ExpressionFault::longString) || isData || isBroken ||
-         fault.number != MSG_ILLEGAL_ARGUMENT) &&
+        (isData || isBroken ||
+         (isCount ? kind != ExpressionFault::longString : fault.number != MSG_ILLEGAL_ARGUMENT)) &&
         AdviseOnExpression(it)) {
         return;
     }

@@ -43,10 +43,10 @@ std::int32_t ValueOf(const RunFacts& facts, const OperandView& operand) {
     return known && known->hasValue ? known->value : 0;
 }
 
-bool IsOutOfRange(const StatementView& statement, std::size_t index) {
-    const Token* const token = statement.operands[index].OnlyToken();
-    return token != nullptr && token->kind == TokenKind::number && token->value > largestByte &&
-           TakesByte(statement, index);
+bool IsOutOfRange(const RunFacts& facts, const StatementView& statement, std::size_t index) {
+    const bool isBit = index == 0 && HoldsWord("BIT SET RES", statement.mnemonic);
+    return ValueOf(facts, statement.operands[index]) > (isBit ? 7 : largestByte) &&
+           (isBit || TakesByte(statement, index));
 }
 
 // A string that is a whole operand of DB or DM, a file name and AF' are not expressions.
@@ -63,8 +63,11 @@ bool IsSoundOperand(const RunFacts& facts, const StatementView& before,
     if (!IsExpression(statement, operand)) {
         return true;
     }
+    const bool isProduct =  // of a character: "x"*3
+        std::ranges::find(operand.tokens, OP_MULTIPLY, &Token::code) != operand.tokens.end() &&
+        operand.text.find('"') != std::string_view::npos;
     if (FindExpressionFault(operand).fault != ExpressionFault::none ||
-        IsOutOfRange(statement, index)) {
+        IsOutOfRange(facts, statement, index) || (isProduct && TakesByte(statement, index))) {
         return false;
     }
     return std::ranges::all_of(operand.tokens, [&](const Token& token) {
@@ -94,7 +97,7 @@ bool IsSoundLine(const RunFacts& facts, const StatementView& before, std::string
 
 bool HasLargeName(const RunFacts& facts, const StatementView& statement) {
     for (std::size_t i = 0; i < statement.operands.size(); ++i) {
-        if (ValueOf(facts, statement.operands[i]) > largestByte && TakesByte(statement, i)) {
+        if (IsOutOfRange(facts, statement, i)) {
             return true;
         }
     }
@@ -112,6 +115,100 @@ bool IsSound(const RunFacts& facts, const StatementView& statement,
         start = end + 1;
     }
     return true;
+}
+
+namespace {
+
+// The search for a sign that makes a statement sound.
+struct SlipSearch {
+    const RunFacts& facts;
+    const StatementView& statement;
+    Advice advice = {};
+    std::string meant = {};
+    bool isUnsure = false;  // several would
+
+    [[nodiscard]] bool IsNameAt(std::size_t at) const {
+        return at < statement.line.size() && HasClass(statement.line[at], CC_NAME);
+    }
+    // Whether a register or condition, without its first `skipped` characters, is at `at`.
+    [[nodiscard]] bool IsInWord(std::size_t at, std::size_t skipped) const {
+        return std::ranges::any_of(statement.operands, [&](const OperandView& each) {
+            const LinePart part = statement.PartOf(each.text);
+            return each.what.kind != KIND_VALUE && at >= part.offset + skipped &&
+                   at < part.offset + part.length;
+        });
+    }
+    // Whether the characters at `at` and after it may have changed places.
+    [[nodiscard]] bool MaySwap(std::size_t at) const {
+        const std::string_view line = statement.line;
+        const bool isFirst = !IsNameAt(at);  // the sign is the first of them
+        const std::size_t sign = isFirst ? at : at + 1;
+        if (sign >= line.size() || !IsNameAt(isFirst ? at + 1 : at)) {
+            return false;
+        }
+        if (HasClass(line[sign], CC_BLANK)) {  // else there would only be a blank less
+            return at == 0 || IsNameAt(isFirst ? at + 2 : at - 1);
+        }
+        const bool isData = HoldsWord("DB DEFB DW DEFW DM DEFM", statement.mnemonic);
+        return line[sign] == ':' ||
+               (HoldsWord(", ( )", line.substr(sign, 1)) && !isData &&
+                line.substr(sign, 2) != "()" && !IsInWord(isFirst ? at + 1 : at, 0));
+    }
+    void Attempt(std::size_t at, std::size_t length, std::string text);
+};
+
+void SlipSearch::Attempt(std::size_t at, std::size_t length, std::string text) {
+    const std::vector<TextEdit> edits = {
+        {{static_cast<std::uint32_t>(at), static_cast<std::uint32_t>(length)}, std::move(text)}};
+    const std::string changed =
+        Raised(Applied(statement.typed.substr(0, statement.line.size()), edits));
+    const StatementView view = CutStatement(changed);
+    const auto known = facts.FindName(view.label);
+    const bool isLabel =
+        view.label.empty() || view.label == statement.label || (known && !known->hasValue);
+    if (view.keyword == nullptr || !isLabel || HoldsWord("INCLUDE BINCLUDE", view.mnemonic) ||
+        !IsSoundLine(facts, StatementView{}, changed)) {
+        return;
+    }
+    isUnsure = isUnsure || (!meant.empty() && meant != changed);
+    meant = changed;
+    advice.place = LinePart{edits[0].part.offset, std::max(edits[0].part.length, 1U)};
+    advice.edits = edits;
+    const bool isSame = view.label.empty() || view.label == statement.label;
+    const std::string whole =
+        isSame ? WriteNote(statement, edits).substr(6) : Applied(statement.typed, edits);
+    advice.note = length == 0 ? "add the comma: " + whole : "did you mean " + whole + "?";
+    advice.definesName = view.mnemonic == "EQU" || view.label != statement.label;
+    advice.names = {std::string(view.label)};
+}
+
+}  // namespace
+
+Advice AdviseOnSlip(const RunFacts& facts, const FaultView& fault) {
+    constexpr std::size_t longest = 80;  // a bound for the work on one message
+    const StatementView& statement = fault.statement;
+    const std::string_view line = statement.line;
+    const bool isInstruction =
+        statement.keyword != nullptr && statement.keyword->group == KeywordGroup::instruction;
+    SlipSearch search{facts, statement};
+    for (std::size_t at = 0; at < line.size() && line.size() <= longest; ++at) {
+        const char c = line[at];
+        const char before = at == 0 ? ' ' : line[at - 1];
+        const bool isAfterName = HasClass(before, CC_NAME);
+        if (search.MaySwap(at)) {
+            search.Attempt(at, 2, {statement.typed[at + 1], statement.typed[at]});
+        }
+        if (c == '(' || (c == '0' && isAfterName && !HasClass(before, CC_DIGIT))) {
+            search.Attempt(at, 1, ")");
+        } else if (c == ')' || (c == '9' && !isAfterName && search.IsNameAt(at + 1))) {
+            search.Attempt(at, 1, "(");
+        }
+        if (isInstruction && (isAfterName || before == ')') && before != c &&
+            (search.IsNameAt(at) || c == '(') && !search.IsInWord(at, 1)) {
+            search.Attempt(at, 0, ",");
+        }
+    }
+    return search.isUnsure ? Advice{} : search.advice;
 }
 
 std::string MeantMnemonic(const FaultView& fault, const Advice& advice) {
@@ -154,7 +251,8 @@ void Withdraw(const FaultView& fault, Advice* advice) {
     if (isNamed && !isRename) {
         const std::string meant = MeantMnemonic(fault, *advice);
         const bool isWord = fault.number == MSG_UNKNOWN_INSTRUCTION;
-        advice->note = !isWord ? FormsNote(statement)
+        advice->note = advice->note.starts_with("use double quotes") ? doubleQuoteNote
+                       : !isWord                                     ? FormsNote(statement)
                        : isQuestion || FindKeyword(meant) == nullptr
                            ? ""
                            : "use " + std::string(meant) + checkOperands;

@@ -13,6 +13,10 @@ namespace korv {
 [[nodiscard]] bool IsSound(const RunFacts& facts, const StatementView& statement,
                            const std::vector<TextEdit>& edits);
 
+/// Advice on a statement with one mistyped sign: a missing comma, a sign swapped with its
+/// neighbour, or a wrong bracket. Empty if no such change, or more than one, makes it sound.
+[[nodiscard]] Advice AdviseOnSlip(const RunFacts& facts, const FaultView& fault);
+
 /// If the change that `advice` proposes is not sound, extends it to other foreign parts of the
 /// statement, or else withdraws it, together with a note that names it.
 void CheckProposal(const RunFacts& facts, const FaultView& fault, Advice* advice);

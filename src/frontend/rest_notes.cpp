@@ -16,20 +16,19 @@ namespace {
 // A keyword as a label: an instruction in column 1, or a name that is taken.
 Advice AdviseOnReservedName(Adviser& adviser, const StatementView& statement) {
     const std::string_view label = statement.label;
-    Advice advice;
-    advice.place = statement.PartOf(statement.label);
     const bool isName =
         statement.hasColon || (statement.keyword != nullptr && statement.mnemonic == "EQU");
     if (isName) {
         const std::string name = adviser.UnusedName(std::string(statement.Typed(label)) + "1");
-        advice.edits = {{*advice.place, name}};
-        advice.note = "choose another name here and where it is used, such as " + name;
+        Advice advice = Replace(statement, label, name,
+                                "choose another name here and where it is used, such as " + name);
         advice.names.emplace_back(label);
         advice.newName = name;
         return advice;
     }
+    Advice advice =
+        Say(statement, label, "indent " + std::string(label) + ": only labels begin in column 1");
     advice.edits = {{LinePart{0, 0}, " "}};
-    advice.note = "indent " + std::string(label) + ": only labels begin in column 1";
     return advice;
 }
 
@@ -95,25 +94,20 @@ Advice AdviseOnFile(const RunFacts& facts, const FaultView& fault) {
 
 Advice AdviseOnFarJump(const StatementView& statement) {
     Advice advice;
+    const std::string_view target =
+        statement.operands.empty() ? statement.rest : statement.operands.back().text;
     if (IsNumberedLabel(statement)) {
-        advice.place = statement.PartOf(statement.rest);
-        advice.note = std::string(numberedLabelNote);
-        return advice;
+        return Say(statement, target, std::string(numberedLabelNote));
     }
-    const std::string target(statement.operands.empty() ? std::string_view()
-                                                        : statement.operands.back().text);
     if (target.starts_with('+') || target.starts_with('-')) {  // a distance
-        const std::string_view part = statement.operands.back().text;
-        advice.place = statement.PartOf(part);
-        advice.edits = {{*advice.place, "$" + target}};
-        advice.note = "write $" + target + ": a relative jump takes an address";
-        return advice;
+        const std::string address = "$" + std::string(target);
+        return Replace(statement, target, address,
+                       "write " + address + ": a relative jump takes an address");
     }
     if (target.ends_with("-$")) {  // a distance
-        const std::string_view part = statement.operands.back().text;
-        advice.place = statement.PartOf(part);
-        advice.edits = {{statement.PartOf(part.substr(part.size() - 2)), ""}};
+        advice = Replace(statement, target.substr(target.size() - 2), "", "");
         advice.note = WriteNote(statement, advice.edits) + ": a relative jump takes an address";
+        advice.place = statement.PartOf(target);
         return advice;
     }
     if (statement.mnemonic == "JR") {
@@ -133,13 +127,10 @@ Advice AdviseOnFarJump(const StatementView& statement) {
 
 // A label in front of IF, ELSE or ENDIF.
 Advice AdviseOnLabel(const StatementView& statement) {
-    Advice advice;
-    const std::string_view label = statement.label;
-    advice.place = statement.PartOf(label);
-    const std::uint32_t end = advice.place->length + (statement.hasColon ? 1 : 0);
-    advice.edits = {{LinePart{0, end}, std::string(label) + ":\n"}};
-    advice.note = "put the label on a line of its own";
-    return advice;
+    const std::size_t end = statement.label.size() + (statement.hasColon ? 1 : 0);
+    return Replace(statement, statement.line.substr(0, end),
+                   std::string(statement.Typed(statement.label)) + ":\n",
+                   "put the label on a line of its own");
 }
 
 Advice AdviseOnRedefinition(const RunFacts& facts, const FaultView& fault) {
@@ -163,18 +154,16 @@ Advice AdviseOnRedefinition(const RunFacts& facts, const FaultView& fault) {
 
 // Brackets with nothing in them.
 Advice AdviseOnEmptyBrackets(const StatementView& statement) {
-    Advice advice;
     for (const OperandView& operand : statement.operands) {
         const bool isEmpty = operand.text.size() > 1 && operand.text.front() == '(' &&
                              WithoutLeadingBlanks(operand.text.substr(1)) == ")";
         if (isEmpty) {
-            advice.place = statement.PartOf(operand.text);
+            Advice advice = Say(statement, operand.text, "add the address or the register");
             advice.text = "nothing between the brackets";
-            advice.note = "add the address or the register";
             return advice;
         }
     }
-    return advice;
+    return {};
 }
 
 // "LD A,(X)+1", which does not read memory.

@@ -5,6 +5,7 @@
 #include "codegen/keywords.h"
 #include "frontend/instruction_forms.h"
 #include "frontend/note_rows.h"
+#include "frontend/note_steps.h"
 #include "frontend/operand_case.h"
 #include "source/char_class.h"
 
@@ -41,10 +42,7 @@ bool AdviseOnComma(OperandCase* it) {
                   static_cast<std::uint32_t>(statement.PartOf(next).offset - comma)},
                  "+"}};
             if (HasFormWith(statement, edits)) {
-                it->PointAt(text);
-                it->advice.edits = edits;
-                it->advice.note = WriteNote(statement, edits);
-                return true;
+                return it->Propose(text, edits);
             }
         }
     }
@@ -77,7 +75,8 @@ bool AdviseOnSeparator(OperandCase* it) {
         return false;
     }
     const std::string_view text = operands.size() == 1 ? operands[0].text : it->operand->text;
-    const std::size_t at = text.find_first_of(":.=<-;/");
+    const bool isSum = HoldsWord("ADD ADC SBC", it->statement.mnemonic);  // "ADD HL+DE"
+    const std::size_t at = text.find_first_of(isSum ? ":.=<-;/+" : ":.=<-;/");
     const std::string_view sign = text.substr(std::min(at, text.size()), 2);
     const bool isNegative = at + 2 < text.size() && HasClass(text[at + 2], CC_DIGIT);  // "A<-5"
     const std::size_t size = sign == "->" || (sign == "<-" && !isNegative) ? 2 : 1;
@@ -93,11 +92,14 @@ bool AdviseOnSeparator(OperandCase* it) {
         return false;
     }
     const std::vector<TextEdit> edits = {{it->statement.PartOf(text.substr(at, size)), ","}};
-    if (HasFormWith(it->statement, edits)) {
-        it->PointAt(text.substr(at, size));
-        it->advice.edits = edits;
-        it->advice.note = WriteNote(it->statement, edits);
+    if (size == 1 && sign[0] == '-' && HasClass(text[at + 1], CC_DIGIT) &&
+        ClassOf(text.substr(0, at)).kind != KIND_VALUE) {  // "LD DE-10"
+        it->PointAt(text.substr(at, 1));
+        it->advice.note = "separate the operands with a comma";
         return true;
+    }
+    if (HasFormWith(it->statement, edits)) {
+        return it->Propose(text.substr(at, size), edits);
     }
     const std::string_view next = text.substr(at + size);
     return ClassOf(text.substr(0, at)).kind != KIND_VALUE &&
@@ -129,20 +131,22 @@ bool AdviseOnListBrackets(OperandCase* it) {
     return true;
 }
 
-// A sign after the name of a register, as in "PUSH HL.".
+// A sign after a register or number, as in "PUSH HL." and "LD A,5.".
 bool AdviseOnLastSign(OperandCase* it) {
     for (const OperandView& operand : it->statement.operands) {
         const std::string_view text = operand.text;
         const std::size_t size = text.find_last_not_of(".:;!") + 1;
-        if (size == 0 || size == text.size() || ClassOf(text.substr(0, size)).kind == KIND_VALUE) {
+        const std::vector<Token> tokens = CutTokens(text.substr(0, size));
+        const bool isValue = tokens.size() == 1 ? tokens[0].kind == TokenKind::number
+                                                : size > 0 && text[size - 1] == ')';
+        if (size == 0 || size == text.size() ||
+            ((!isValue || text.back() == ':') &&
+             ClassOf(text.substr(0, size)).kind == KIND_VALUE)) {
             continue;
         }
         const std::vector<TextEdit> edits = {{it->statement.PartOf(text.substr(size)), ""}};
         if (HasFormWith(it->statement, edits)) {
-            it->PointAt(text);
-            it->advice.edits = edits;
-            it->advice.note = WriteNote(it->statement, edits);
-            return true;
+            return it->Propose(text, edits);
         }
     }
     return false;
@@ -194,15 +198,18 @@ bool AdviseOnSecondInstruction(OperandCase* it) {
     const auto& operands = it->statement.operands;
     for (std::size_t i = 1; i < operands.size(); ++i) {  // "PUSH HL, POP DE"
         const std::string_view before = operands[i - 1].text;
-        const bool isKeyword = operands[i].tokens.size() > 1 && operands[i].tokens[1].IsValue() &&
-                               FindKeyword(operands[i].tokens[0].text) != nullptr;
+        const std::vector<Token>& tokens = operands[i].tokens;
+        const Keyword* const keyword = tokens.empty() ? nullptr : FindKeyword(tokens[0].text);
+        const bool isKeyword =
+            keyword != nullptr && !it->IsDefined(tokens[0].text) &&
+            (tokens.size() > 1 ? tokens[1].IsValue() : keyword->operands.fewest == 0);
         const std::size_t end = it->statement.PartOf(before).offset + before.size();
         if (isKeyword && HasForm(CutStatement(it->statement.line.substr(0, end)))) {
             const std::string_view word = operands[i].tokens[0].text;
             it->PointAt(word);
             const auto start = static_cast<std::uint32_t>(end);
             it->advice.edits = {{{start, it->statement.PartOf(word).offset - start}, "\n\t"}};
-            it->advice.note = "write one instruction in a line";
+            it->advice.note = oneInstructionNote;
             return true;
         }
     }
@@ -213,7 +220,7 @@ bool AdviseOnSecondInstruction(OperandCase* it) {
         return false;
     }
     it->advice.place = it->advice.edits[0].part;
-    it->advice.note = "write one instruction in a line";
+    it->advice.note = oneInstructionNote;
     return true;
 }
 

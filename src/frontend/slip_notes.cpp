@@ -11,13 +11,13 @@
 namespace korv {
 namespace {
 
-// True if `text` is `name` with two letters swapped or one doubled.
+// True if `text` is `name` with two letters swapped, one doubled, or a digit in place of one.
 bool IsSureSlip(std::string_view text, std::string_view name) {
     const bool isDoubled =
         text.size() == name.size() + 1 && std::ranges::all_of(text, [name](char c) {
             return name.find(c) != std::string_view::npos;
         });
-    return isDoubled || std::ranges::is_permutation(name, text);
+    return isDoubled || std::ranges::is_permutation(name, text) || (name == "HL" && text == "H1");
 }
 
 // The registers and conditions of which `token` may be a misspelling: only sure slips if there are
@@ -28,9 +28,10 @@ std::vector<std::string> NearRegisters(const OperandCase& it, const Token& token
     for (const std::string_view name :
          {"A",  "B",  "C",  "D",  "E", "H",  "L",  "BC", "DE", "HL", "SP",
           "IX", "IY", "AF", "NZ", "Z", "NC", "PO", "PE", "P",  "M"}) {
-        const std::size_t rank = IsSureSlip(token.text, name)       ? 0
-                                 : name.size() == token.text.size() ? 1
-                                                                    : 2;
+        const std::size_t rank = std::ranges::is_permutation(name, token.text) ? 0
+                                 : name.size() == token.text.size() || IsSureSlip(token.text, name)
+                                     ? 1
+                                     : 2;
         const std::vector<TextEdit> edits = {{it.statement.PartOf(token.text), std::string(name)}};
         if (rank > best || (isIndex && !name.starts_with('I')) ||
             EditDistance(token.text, name) != 1 || !HasFormWith(it.statement, edits)) {
@@ -72,6 +73,7 @@ bool AdviseOnMisspeltRegister(OperandCase* it, bool isSure) {
         const bool isName = token != nullptr &&
                             (token->kind == TokenKind::name || token->kind == TokenKind::digitName);
         if (!isName || token->text.size() < 2 || token->text.size() > longest ||
+            (token->text == "CC" && HoldsWord("JP JR CALL RET", it->statement.mnemonic)) ||
             it->IsDefined(token->text)) {
             continue;
         }
@@ -106,10 +108,7 @@ bool AdviseOnQuotedRegister(OperandCase* it) {
         const std::string name(isString ? text.substr(1, text.size() - 2) : "");
         const std::vector<TextEdit> edits = {{it->statement.PartOf(text), name}};
         if (ClassOf(Raised(name)).kind != KIND_VALUE && HasFormWith(it->statement, edits)) {
-            it->PointAt(text);
-            it->advice.edits = edits;
-            it->advice.note = WriteNote(it->statement, edits) + ": a register has no quotes";
-            return true;
+            return it->Propose(text, edits, "write ", ": a register has no quotes");
         }
     }
     return false;
@@ -120,8 +119,10 @@ bool AdviseOnSplitWord(OperandCase* it) {
     for (const OperandView& operand : statement.operands) {
         for (std::size_t i = 0; i + 1 < operand.tokens.size(); ++i) {
             const Token& left = operand.tokens[i];
-            const Token& right = operand.tokens[i + 1];
-            if (!left.IsValue() || !right.IsValue()) {
+            const bool isDash =
+                operand.tokens[i + 1].code == OP_MINUS && i + 2 < operand.tokens.size();
+            const Token& right = operand.tokens[i + (isDash ? 2 : 1)];
+            if (!left.IsValue() || !right.IsValue() || (isDash && it->IsDefined(right.text))) {
                 continue;
             }
             const std::string_view part = statement.Span(left.text, right.text);
@@ -139,34 +140,6 @@ bool AdviseOnSplitWord(OperandCase* it) {
                     isRegister ? "remove the blank: " + joined : "did you mean " + name + "?";
                 return true;
             }
-        }
-    }
-    return false;
-}
-
-bool AdviseOnGluedOperands(OperandCase* it) {
-    const auto& operands = it->statement.operands;
-    if (it->fault.number != MSG_ARGUMENT_EXPECTED || operands.size() != 1) {
-        return false;
-    }
-    const std::string_view text = operands[0].text;
-    const bool isWhole = ClassOf(text).kind != KIND_VALUE;  // "LD DE", without its second operand
-    for (const std::size_t size : {std::size_t{2}, std::size_t{1}}) {
-        const std::string_view right = text.substr(std::min(size, text.size()));
-        const std::vector<Token> tokens = CutTokens(right);
-        if (isWhole || tokens.empty() || HasClass(right[0], CC_BLANK) ||
-            ClassOf(text.substr(0, size)).kind == KIND_VALUE) {
-            continue;
-        }
-        const std::vector<TextEdit> edits = {{it->statement.PartOf(right.substr(0, 0)), ","}};
-        const bool isOperand = right.starts_with('(') || right == "AF'" ||
-                               tokens[0].kind == TokenKind::number ||
-                               ClassOf(right).kind != KIND_VALUE || it->IsDefined(tokens[0].text);
-        if (isOperand && HasFormWith(it->statement, edits)) {
-            it->PointAt(right);
-            it->advice.edits = edits;
-            it->advice.note = "add the comma: " + WriteNote(it->statement, edits).substr(6);
-            return true;
         }
     }
     return false;

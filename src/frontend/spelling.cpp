@@ -79,16 +79,10 @@ Foreign Bracketed(std::string_view operand, std::string_view typed) {
         isString = isString != (c == '"');
         fix += isString ? c : c == '[' || c == '{' ? '(' : c == ']' || c == '}' ? ')' : c;
     }
-    const std::string raised = Raised(fix);
-    for (const std::string_view step : {"(HL+)", "(HLI)", "(HL-)", "(HLD)"}) {
-        if (raised == step) {
-            const bool isUp = step[3] == '+' || step[3] == 'I';
-            return {operand, "",
-                    std::string("write (HL), then ") + (isUp ? "INC" : "DEC") +
-                        " HL: this form is of another processor"};
-        }
-    }
-    return {operand, fix, "use parentheses for memory: " + fix};
+    const bool isStep = HoldsWord("(HLI) (HLD)", Raised(fix));
+    return {operand, isStep ? "" : fix,
+            isStep ? "write (HL), then INC HL or DEC HL: this form is of another processor"
+                   : "use parentheses for memory: " + fix};
 }
 
 // A number in a foreign notation, or with a wrong digit.
@@ -97,8 +91,10 @@ Foreign ForeignNumber(const StatementView& statement, const Token& token) {
     const std::string typed(statement.Typed(text));
     const std::size_t letter = text.find_first_not_of("0123456789");
     if (letter == text.size() - 1 && letter > 2 && text.ends_with('B')) {  // "102B"
+        const bool isEither = text.size() < 5;
         return {text, "",
-                "use the digits 0 and 1 before B, or write " + typed + "H if it is hexadecimal"};
+                "use the digits 0 and 1 before B" +
+                    (isEither ? ", or write " + typed + "H if it is hexadecimal" : "")};
     }
     if (letter == text.size() - 1 && letter > 0 && text.ends_with('O')) {  // "8O"
         return {text, "", "use the digits 0 to 7 before O"};
@@ -129,7 +125,7 @@ Foreign ForeignColon(const StatementView& statement, const Token& token) {
         const char* const restEnd = statement.rest.data() + statement.rest.size();
         const std::string_view after = WithoutLeadingBlanks({text.data() + text.size(), restEnd});
         if (!after.empty() && HasClass(after.front(), CC_LETTER)) {  // "LD A,1: INC A"
-            return {text.substr(text.size() - 1), "\n\t", "write one instruction in a line"};
+            return {text.substr(text.size() - 1), "\n\t", oneInstructionNote};
         }
         return {text, typed.substr(0, typed.size() - 1),
                 "remove the colon: only the definition of a label has one"};
@@ -139,7 +135,7 @@ Foreign ForeignColon(const StatementView& statement, const Token& token) {
     }
     const std::size_t colon = text.find(':');
     if (colon != std::string_view::npos && FindKeyword(text.substr(colon + 1)) != nullptr) {
-        return {text.substr(colon, 1), "\n\t", "write one instruction in a line"};
+        return {text.substr(colon, 1), "\n\t", oneInstructionNote};
     }
     return {};
 }
@@ -149,10 +145,10 @@ Foreign ForeignToken(const StatementView& statement, const Token& token) {
     if (Foreign number = ForeignNumber(statement, token); number.part.data() != nullptr) {
         return number;
     }
-    if (token.kind != TokenKind::other) {
+    const std::string_view text = token.text;
+    if (token.kind != TokenKind::other || text.find('"') != std::string_view::npos) {
         return {};
     }
-    const std::string_view text = token.text;
     const std::string typed(statement.Typed(text));
     const std::size_t percent = text.find('%', 1);
     if (percent != std::string_view::npos && percent + 1 < text.size()) {
@@ -175,7 +171,7 @@ Foreign ForeignToken(const StatementView& statement, const Token& token) {
     if (text.front() == '%') {
         return {text, "", "use the digits 0 and 1 after %, and MOD for the remainder"};
     }
-    if (text.starts_with("IX.") || text.starts_with("IY.")) {
+    if ((text.starts_with("IX") || text.starts_with("IY")) && HoldsWord(". :", text.substr(2, 1))) {
         const std::string fix = typed.substr(0, 2) + "+" + typed.substr(3);
         const bool isOpen = text.data() > statement.line.data() && text.data()[-1] == '(';
         return {text, isOpen ? fix : "(" + fix + ")", ""};
@@ -184,7 +180,7 @@ Foreign ForeignToken(const StatementView& statement, const Token& token) {
         return {text, "", "write the values one by one: there are no ranges"};
     }
     if (HasClass(text.front(), CC_DIGIT) && text.find('.') != std::string_view::npos) {
-        return {text, "", "use whole numbers: there are no fractions"};
+        return {text, "", "use whole numbers, and commas between them: there are no fractions"};
     }
     if (text.ends_with('\'') && statement.mnemonic != "EX") {
         return {text, "", "use EX AF,AF' or EXX: the second set of registers has no names"};
@@ -206,7 +202,7 @@ Foreign ForeignToken(const StatementView& statement, const Token& token) {
 // A register in parentheses with blanks beside it, or an index register without a displacement.
 Foreign ForeignMemory(const StatementView& statement, const OperandView& operand) {
     const bool isWhole = operand.what.reg == REG_IX_INDIRECT || operand.what.reg == REG_IY_INDIRECT;
-    if (isWhole && statement.mnemonic != "JP") {
+    if (isWhole && !HoldsWord("JP JR CALL", statement.mnemonic)) {
         const std::string fix = std::string(statement.Typed(operand.text.substr(0, 3))) + "+0)";
         return {operand.text, fix, "write the displacement: " + fix};
     }
@@ -279,6 +275,9 @@ Foreign FindForeign(const StatementView& statement, const OperandView& operand) 
         return found;
     }
     for (const Token& token : operand.tokens) {
+        if (&token != &operand.tokens.back() && (&token)[1].text == "H") {  // "0FF H"
+            continue;
+        }
         if (Foreign found = ForeignToken(statement, token); found.part.data() != nullptr) {
             return found;
         }

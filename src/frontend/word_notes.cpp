@@ -47,7 +47,9 @@ Advice AdviseOnComment(const StatementView& statement) {
         }
     }
     const bool isLabel = statement.label == "REM" && !statement.hasColon;
-    if (isLabel || HoldsWord("# * / REM |", word)) {
+    const bool isLine =
+        word.size() > 3 && word.find_first_not_of("-=*+#~_.") == std::string_view::npos;
+    if (isLabel || isLine || HoldsWord("# * / REM |", word)) {
         return Replace(statement, isLabel ? statement.label : word, ";",
                        "begin the comment with a semicolon");
     }
@@ -73,7 +75,7 @@ Advice AdviseOnOrigin(const StatementView& statement) {
 // Data without a directive, as in "MSG: "text"" and "VAR: 5".
 Advice AdviseOnData(const StatementView& statement) {
     const std::string_view word = statement.mnemonic;
-    const std::vector<Token> tokens = CutTokens(word);
+    const std::vector<Token> tokens = CutTokens(word.substr(0, word.find(',')));
     const bool isValue = !tokens.empty() && (tokens[0].kind == TokenKind::string ||
                                              tokens[0].kind == TokenKind::number ||
                                              tokens[0].kind == TokenKind::openString);
@@ -85,10 +87,12 @@ Advice AdviseOnData(const StatementView& statement) {
     if (!HasForm(CutStatement(line))) {
         return {};
     }
-    Advice advice;
-    advice.place = statement.PartOf(word);
-    advice.edits = edits;
-    advice.note = WriteNote(statement, edits);
+    Advice advice = Say(statement, word, WriteNote(statement, edits));
+    if (tokens[0].kind == TokenKind::number && word.find(',') == std::string_view::npos) {
+        advice.note += ", or EQU in place of DB for a constant";
+    } else {
+        advice.edits = edits;
+    }
     return advice;
 }
 
@@ -96,7 +100,7 @@ Advice AdviseOnData(const StatementView& statement) {
 Advice AdviseOnAnonymousLabel(const StatementView& statement) {
     const std::string_view word = statement.mnemonic;
     const std::string_view next = statement.rest.substr(0, statement.rest.find_first_of(" \t"));
-    const bool isSigns = word.find_first_not_of("+-") == std::string_view::npos;
+    const bool isSigns = word.size() < 4 && word.find_first_not_of("+-") == std::string_view::npos;
     const bool isLabel = isSigns && (next.empty() || FindKeyword(next) != nullptr);
     return isLabel || word == "@@:" ? Say(statement, word, anonymousLabelNote) : Advice{};
 }
@@ -113,7 +117,7 @@ Advice AdviseOnMark(const StatementView& statement) {
     const std::string_view word = statement.mnemonic;
     const std::string_view plain = word.substr(std::min<std::size_t>(1, word.size()));
     const bool isOwn = FindKeyword(plain) != nullptr || plain == "IFDEF" || plain == "IFNDEF";
-    if (word.front() == '#' && !isOwn) {
+    if (word.front() == '#' && !isOwn && !word.ends_with(':')) {
         return Say(statement, word, "use NAME: EQU 5, INCLUDE and IF: there is no preprocessor");
     }
     return {};
@@ -157,10 +161,8 @@ Advice AdviseOnJoinedWords(const RunFacts& facts, const StatementView& statement
                 return operand.text == "AF'" || HasKnownNames(facts, operand);
             });
         if (HasForm(changed) && !changed.operands.empty() && (!isWord || isPlain)) {
-            Advice advice;
-            advice.place = statement.PartOf(word);
+            Advice advice = Say(statement, word, WriteNote(statement, edits));
             advice.edits = edits;
-            advice.note = WriteNote(statement, edits);
             return advice;
         }
     }
@@ -175,20 +177,19 @@ Advice AdviseOnSign(const StatementView& statement) {
     const std::string_view second = word.substr(std::min(sign, word.size() - 1) + 1);
     if (first != nullptr && first->operands.fewest == 0 &&
         FindKeyword(second.substr(0, second.find_first_of(",:"))) != nullptr) {  // "DI,EI"
-        Advice advice =
-            Replace(statement, word.substr(sign, 1), "\n\t", "write one instruction in a line");
+        Advice advice = Replace(statement, word.substr(sign, 1), "\n\t", oneInstructionNote);
         advice.place = statement.PartOf(word);
         return advice;
     }
-    const std::string_view stem = word.substr(0, word.find_last_not_of(",;.-") + 1);
+    const std::string_view stem = word.substr(0, word.find_last_not_of(",;.-()") + 1);
     const Keyword* const keyword = FindKeyword(stem);
     if (stem.size() == word.size() || keyword == nullptr) {
         return {};
     }
     const std::string_view next = statement.rest.substr(0, statement.rest.find_first_of(" \t"));
     const bool isSecond = keyword->operands.fewest == 0 && FindKeyword(next) != nullptr;
-    Advice advice = Replace(statement, word.substr(stem.size()), isSecond ? "\n\t" : "",
-                            "write one instruction in a line");
+    Advice advice =
+        Replace(statement, word.substr(stem.size()), isSecond ? "\n\t" : "", oneInstructionNote);
     advice.place = statement.PartOf(word);
     if (!isSecond) {
         advice.note = WriteNote(statement, advice.edits);
@@ -213,24 +214,18 @@ std::string_view NearestKeyword(const StatementView& statement, std::string_view
         changed.mnemonic = each;
         changed.keyword = FindKeyword(each);
         // END would hide everything after it.
-        return HasForm(changed) &&
+        return HasForm(changed) && (!each.starts_with("DEF") || word.starts_with("DE")) &&
                (each != "END" || word.find_first_of("FI") == std::string_view::npos);
     };
-    const std::string_view near = NearWords(words).Find(word, isForm);
-    if (!near.empty() || word.size() > 2 || statement.operands.empty()) {
-        return near;
+    if (word.size() > (statement.operands.empty() ? 3 : 2)) {
+        return NearWords(words).Find(word, isForm);
     }
     // Many keywords are near so short a word: exactly one of them must accept the operands.
-    std::string_view only;
-    for (const std::string_view each : words) {
-        if (each.size() <= 3 && EditDistance(word, each) == 1 && isForm(each)) {
-            if (!only.empty()) {
-                return {};
-            }
-            only = each;
-        }
-    }
-    return only;
+    const auto isNear = [word, isForm](std::string_view each) {
+        return EditDistance(word, each) == 1 && isForm(each);
+    };
+    const auto near = std::ranges::find_if(words, isNear);
+    return std::ranges::count_if(words, isNear) == 1 ? *near : "";
 }
 
 // A statement that begins in column 1, where only labels do.
@@ -243,10 +238,8 @@ Advice AdviseOnColumn(const StatementView& statement) {
     if (statement.hasColon) {  // "LD: A,5"
         const std::vector<TextEdit> edits = {{{0, static_cast<std::uint32_t>(label.size()) + 1},
                                               " " + std::string(statement.Typed(label))}};
-        Advice advice;
-        advice.place = statement.PartOf(label);
+        Advice advice = Say(statement, label, WriteNote(statement, edits) + ", not in column 1");
         advice.edits = edits;
-        advice.note = WriteNote(statement, edits) + ", not in column 1";
         return advice;
     }
     const std::string line = " " + std::string(statement.line);
@@ -260,6 +253,10 @@ Advice AdviseOnColumn(const StatementView& statement) {
                                 std::string(rest.substr(1, rest.size() - 2));
         advice.edits = {{statement.PartOf(statement.line), " " + fix}};
         advice.note = "write " + fix + ", not in column 1";
+        return advice;
+    }
+    if (HoldsWord("MACRO PROC ENDP", label)) {
+        advice.note = macroNote;
         return advice;
     }
     if (indented.keyword != nullptr) {
@@ -289,8 +286,9 @@ Advice AdviseOnColumn(const StatementView& statement) {
 bool IsAssignment(const StatementView& statement) {
     const std::string_view word = statement.mnemonic;
     const std::size_t sign = word.find_first_of("+-=");
-    return ClassOf(word.substr(0, sign)).kind != KIND_VALUE &&
-           (sign != std::string_view::npos || statement.rest.find_first_of("+-=*") == 0);
+    return statement.rest.starts_with('=') ||
+           (ClassOf(word.substr(0, sign)).kind != KIND_VALUE &&
+            (sign != std::string_view::npos || statement.rest.find_first_of("+-*") == 0));
 }
 
 Advice AdviseOnUnknownWord(Adviser& adviser, const FaultView& fault) {

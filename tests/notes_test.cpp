@@ -74,9 +74,12 @@ std::string ErrorsAfterChange(const std::string& source) {
 TEST(NotesTest, EachRowHasItsExampleAndProposesWhatAssembles) {
     const TempDir directory;
     WriteFile("defs.kor", "");
-    const auto check = [](std::string_view row, const std::string& example, std::string_view fix,
-                          std::string_view note) {
+    std::set<std::string> examples;
+    const auto check = [&examples](std::string_view row, const std::string& example, std::string_view fix,
+                                   std::string_view note) {
         const std::string printed = example.empty() ? "" : Printed(example);
+        EXPECT_TRUE(example.empty() || examples.insert(example).second)
+            << "this is the example of two rows:" << example;
         EXPECT_EQ(example.empty() ? 0 : 1, std::ranges::count(printed, '\n')) << row << example << "\n" << printed;
         const std::string_view start = note.empty() ? "write " : note.substr(0, note.find('%'));
         EXPECT_TRUE(example.empty() || Contains(printed, std::string(start))) << example << "\n" << printed;

@@ -63,10 +63,10 @@ std::string TakeStandardInput(FileStore* store) {
     std::string bytes;
     std::array<char, 65536> block;
     while (const std::size_t count = std::fread(block.data(), 1, block.size(), stdin)) {
-        bytes.append(block.data(), count);
-        if (bytes.size() > FileStore::longestFile) {
+        if (bytes.size() + count > FileStore::longestFile) {
             return "File too large";
         }
+        bytes.append(block.data(), count);
     }
     if (std::ferror(stdin) != 0) {
         return std::generic_category().message(errno);

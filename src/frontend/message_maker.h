@@ -114,7 +114,7 @@ class MessageMaker : private RunFacts {
     StatementView view;
     bool isOneLine = false;  // `view` is one physical line, without dropped bytes
     std::vector<std::variant<Report, Message>> pending;
-    std::int32_t renameBudget = 200'000;        // lines that may still be searched for uses
+    std::int32_t renameBudget = 50'000;         // lines that may still be searched for uses
     std::unordered_set<std::string> explained;  // names of labels that errors are about
     // By the core's file and line: the number of each statement with a report, and how many reports
     // it has had.

@@ -83,7 +83,7 @@ std::vector<Case> CasesOf(const std::string& table) {
 class FrontendPromiseTest : public testing::TestWithParam<std::string> {};
 
 // For every source of the tables, korv-as must make the same image as korv or none. It may make none only if korv makes
-// none, or if it reports an error that korv does not have.
+// none, or if it reports an error that korv does not report.
 TEST_P(FrontendPromiseTest, EverySourceGivesTheImageOfKorvOrNone) {
     const std::regex stricter("error: .*(\\[(open-if|max-image)\\]|\n *(IF|COND) )", std::regex::icase);
     int images = 0;

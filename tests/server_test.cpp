@@ -184,7 +184,7 @@ TEST(ServerTest, UrisArePathsAndBack) {
     }
 }
 
-// For each file, the messages of korv-as must be those that the server publishes.
+// For each file, the server must publish the same messages as korv-as.
 TEST(ServerTest, DiagnosticsAreTheMessagesOfKorvAs) {
     std::size_t count = 0;
     for (const std::string folder : {"cases", "frontend"}) {

@@ -40,8 +40,8 @@ struct Case {
     bool hasError = false;                       ///< whether an error is expected
     std::optional<std::string> bytes;            ///< the target in hexadecimal, or "none"
     std::map<std::string, std::string> outputs;  ///< expected contents by name; "console" as in README.md
-    /// For each expectation, the offsets in it and the lines of the table that they come from. Messages that are
-    /// expected by marks have the name "messages".
+    /// For each expectation, by name: the offsets at which lines of the table begin in it, with the places of these
+    /// lines. Messages that are expected by marks have the name "messages".
     std::map<std::string, std::vector<std::pair<std::size_t, std::string>>> places;
     std::string title;  ///< the first line of the case, and its place
 };

@@ -1,5 +1,5 @@
-// Single bits, rotates and shifts: the group with the prefix CB, distinguished by a number in bits
-// 5 to 3.
+// Bit instructions, rotates and shifts: the opcodes with the prefix CB. Bits 5 to 3 hold the number
+// of the bit, or the kind of rotate or shift.
 
 #include "codegen/handlers.h"
 #include "codegen/operand_forms.h"

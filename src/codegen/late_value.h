@@ -26,7 +26,7 @@ enum class PatchText {
 };
 
 /// Emits the value of `arg` in the width of `kind`, and files a patch if it is not known yet.
-/// Result: 0, or the failure of its expression; in that case 0 has been emitted.
+/// Result: 0, or the status of the expression if that failed; a zero has then been emitted.
 template <std::uint32_t kind>
 Status EmitValue(CAssembler* assembler, CStatement* statement, const lsArg& arg, PatchText text);
 

@@ -22,8 +22,8 @@ struct lsArg : OperandClass {
     std::int32_t value = 0;  ///< of its expression; 0 unless `status` is 0
     std::string_view text;   ///< the operand as written
     /// The part of `text` that is evaluated. This and `fault` are valid only if `status` is not 0;
-    /// otherwise they are left over from an earlier line. Clearing them for every operand costs 5 %
-    /// of all instructions.
+    /// otherwise they are left over from an earlier line. Clearing them for every operand would add
+    /// 5 % to the instructions of a run.
     std::string_view expression;
     /// The token at which the evaluation failed. With MSG_UNRESOLVED, the name that has no value
     /// yet. Empty if the tokens are good and their calculation failed.

@@ -100,7 +100,8 @@ class Adviser {
     /// from it.
     void ExpectRefusal(std::string_view name) { refusedNames.emplace(name); }
 
-    /// Prepares for a source that ends inside a skipped block: what that would define is unknown.
+    /// Records that the source ends inside a skipped block. The names that this would define are
+    /// unknown, so a late error about an undefined name only follows from it.
     void ExpectSkippedEnd() { hasRefusedEnd = true; }
 
     /// True if the definition of `name` was refused.

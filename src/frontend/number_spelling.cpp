@@ -33,7 +33,7 @@ std::string Spelled(std::string_view digits, char base) {
     return "";
 }
 
-// The same for a number that only its suffix or its digits distinguish.
+// The same for a number that can be recognised only by its suffix or its digits.
 std::string SuffixSpelling(std::string_view token) {
     const std::size_t size = token.size();
     if (token.empty() || !HasClass(token[0], CC_DIGIT)) {

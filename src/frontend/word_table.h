@@ -1,5 +1,5 @@
-/// Mnemonics and directives of other assemblers, with what to write instead. As in note_table.h,
-/// which explains the templates, every row has an example that produces it.
+/// Mnemonics and directives of other assemblers, with what to write instead. Every row has an
+/// example that produces its note; note_table.h explains the templates.
 #pragma once
 
 #include <array>

@@ -32,7 +32,7 @@ using AllocationFailureHook = int (*)(std::size_t size);
 /// Installs `hook` (null: none). Result: the previous one.
 AllocationFailureHook SetAllocationFailureHook(AllocationFailureHook hook);
 
-/// Memory from the general allocator; null, after a call of the hook, if there is none. A size of 0
+/// Memory from the general allocator; null, after a call to the hook, if there is none. A size of 0
 /// means 1.
 [[nodiscard]] void* Allocate(std::size_t size);
 /// Like `Allocate`; all bytes are 0, and there is at least one.
@@ -199,9 +199,9 @@ class InputFile {
     [[nodiscard]] std::uint64_t Size() const { return size; }
     /// The identity of the open file.
     [[nodiscard]] const FileIdentity& Identity() const { return identity; }
-    /// Reads up to `count` bytes. Result: the number read. It is 0 at the end of the file, whose
-    /// size counts as fixed once it is open; after a read error, which ends the file; and if a
-    /// console event occurs while there is nothing to read.
+    /// Reads up to `count` bytes. Result: the number read. It is 0 at the end of the file, after a
+    /// read error, and if a console event occurs while there is nothing to read. Bytes that are
+    /// appended to a file after it was opened are not read.
     std::size_t Read(void* buffer, std::size_t count);
     /// Whether `Open` or a read has failed. The end of the file and a console event are not
     /// failures.
@@ -218,12 +218,12 @@ class InputFile {
     FileIdentity identity;
 };
 
-/// A file that is written. Its bytes go into a new file in the same directory, which `Commit`
-/// renames in one step. Until then, and if anything fails, nothing appears under the name, and an
-/// old file stays whole. The new file gets the permissions of the old one. Some files are written
-/// in place, from the first `Write` on: devices, pipes, and files that cannot be replaced because
-/// the directory does not allow it or the owner would change. No unfinished file is left when the
-/// process ends, unless it is killed outright.
+/// A file that is written. The bytes are written to a new file in the same directory, and `Commit`
+/// gives it the final name in one step. Until then, and if anything fails, no file appears under
+/// that name, and an old one stays unchanged. The new file gets the permissions of the old one.
+/// Some files are written in place, from the first `Write` on: devices, pipes, and files that
+/// cannot be replaced because the directory does not allow it or the owner would change. No
+/// unfinished file is left when the process ends, unless it is killed outright.
 class OutputFile {
   public:
     enum class Kind {
@@ -255,8 +255,8 @@ class OutputFile {
 // ----------------------------------------------------------------------------------------------------
 // console
 
-/// Opens the standard streams that are missing, since a file that got the number of one would
-/// receive its output. Also makes sure that no write ends the process.
+/// Opens any standard stream that is closed; otherwise the next file to be opened would get its
+/// number, and receive its output. Also makes sure that a failed write does not end the process.
 void OpenStandardStreams();
 
 /// Whether `stream` goes to a terminal, which would obey control characters.

@@ -112,9 +112,9 @@ class Listing {
             std::free(entries[i]);
         }
         std::free(entries);
-        // The time of a directory is as coarse as a clock tick, on some file systems a second or
-        // two. A change after the reading does not show if it falls in the same tick as the last
-        // change before it.
+        // The modification time of a directory has the resolution of a clock tick, which is a
+        // second or two on some file systems. A change after the reading does not show if it falls
+        // in the same tick as the last change before it.
         const nanoseconds time = TimeOfChange(status);
         const auto tick = time % seconds(1) == seconds(0) ? milliseconds(2000) : milliseconds(20);
         const bool isSettled = count >= 0 && time + tick < now;

@@ -73,7 +73,7 @@ template <typename Request>
     }
 }
 
-/// The text that a call of the system writes to a buffer; empty for a failure. `call` takes the
+/// The text that a system call writes to a buffer; empty for a failure. `call` takes the
 /// size and the buffer. It returns the length of the text, or the size needed if the buffer is too
 /// small.
 template <typename Call>

@@ -45,7 +45,7 @@ struct LineCleaner {
         return isComment ? commentStart : end == 0 ? size : end;
     }
 
-    /// Terminates the text. A backslash that nothing follows is not part of it.
+    /// Terminates the text. If nothing follows a backslash at its end, the backslash is dropped.
     void Finish() {
         line[size] = '\0';
         line[Length()] = '\0';

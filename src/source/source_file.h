@@ -24,10 +24,10 @@ class CSourceFile {
     static constexpr std::size_t leastRoom = 32;
 
     /// Reads the next logical line into `line` as terminated text. There must be room for
-    /// `maxLength` + 1 characters and for `leastRoom`. Letters outside double quotes are converted
-    /// to upper case; the comment, carriage returns and trailing blanks are removed; physical lines
-    /// that end in a backslash are joined. A line of only blanks keeps them. Result: 0,
-    /// `endOfFile`, or MSG_LINE_TOO_LONG when the line takes more than `maxLength` bytes of the
+    /// `maxLength` + 1 characters, and at least for `leastRoom`. Letters outside double quotes are
+    /// converted to upper case; the comment, carriage returns and trailing blanks are removed;
+    /// physical lines that end in a backslash are joined. A line of only blanks keeps them. Result:
+    /// 0, `endOfFile`, or MSG_LINE_TOO_LONG when the line takes more than `maxLength` bytes of the
     /// file. `bytesOut` receives the bytes taken from the file and `linesOut` the line feeds among
     /// them, unless the line is too long.
     [[nodiscard]] Status ReadLine(char* line, std::uint32_t maxLength, std::uint32_t* bytesOut,

@@ -72,14 +72,14 @@ class CIdentifierManager {
     }
 
     /// Takes over `patch`, which waits for `name`, and adds it to the chain of that name, which is
-    /// entered if it is new. The text of `name` must not have changed since the call of `FindID`.
+    /// entered if it is new. The text of `name` must not have changed since the call to `FindID`.
     /// Result: 0, or the result of `Backpatch` if the name has a value.
     Status AddPatch(std::string_view name, CPatchInfo* patch);
 
     /// Takes the chain of patches from `identifier`. Result: the chain, which the caller owns.
     [[nodiscard]] CPatchInfo* TakePatches(CIdentifier* identifier);
 
-    /// Evaluates a patch whose identifier has got a value. The caller has taken it from its chain
+    /// Evaluates a patch whose identifier now has a value. The caller has taken it from its chain
     /// and still owns it. Writes the result, or gives it to a waiting EQU and continues with
     /// everything that waits for that. If another name has no value yet, a copy of the patch waits
     /// for it. Result: 0; 20 (MSG_BAD_EXPRESSION); 28 (MSG_OFFSET_TOO_BIG); `patchFailed` for a

@@ -61,7 +61,7 @@ template <typename Word>
 }
 
 /// Whether the characters at `other` are those of `text`, which has more than 8. Compares 8 at a
-/// time: the call of the general routine would cost more than the comparison.
+/// time: a call to the general routine would cost more than the comparison.
 [[nodiscard]] inline bool EqualTexts(const char* other, std::string_view text) {
     const auto differAt = [&](std::size_t i) {
         return LoadWord<std::uint64_t>(other + i) != LoadWord<std::uint64_t>(text.data() + i);
@@ -94,7 +94,7 @@ struct HashedName {
 };
 
 /// Lets a container take its memory from a pool. All names of a source may be in the container, and
-/// each would cost a call of the general allocator.
+/// each would cost a call to the general allocator.
 template <typename T>
 struct PoolAllocator {
     using value_type = T;

@@ -1,5 +1,6 @@
-// Whole runs from any bytes: a line of switches, the main source, and another file after each of the first bytes FE.
-// The sanitizers detect faults within a run; the checks below examine the files that it leaves.
+// Whole runs of korv on arbitrary bytes. The first line holds the switches. The rest is the main source and a few more
+// files, which bytes FE separate. The sanitizers detect faults within a run; the checks below examine the files that it
+// leaves.
 
 #include <unistd.h>
 

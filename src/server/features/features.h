@@ -1,6 +1,5 @@
 /// The features: each is a function from a request about a place in a snapshot to its result, in
-/// the form of the protocol. A feature throws a `RequestError` to show a reason instead of a
-/// result.
+/// the form of the protocol. A feature that has no result throws a `RequestError` with the reason.
 #pragma once
 
 #include <string_view>
@@ -51,7 +50,7 @@ struct Query {
 [[nodiscard]] Json Signatures(const Query& query);
 
 // outline.cpp
-/// The labels and constants of the file, in the order of the text. The list is flat: it is not
+/// The labels and constants of the file, in the order of the source. The list is flat: it is not
 /// certain which labels are routines and which are places inside one.
 [[nodiscard]] Json DocumentSymbols(const Query& query);
 /// Adds the names of the whole program that contain `text`, without regard to case.
@@ -64,7 +63,7 @@ void AddSymbolsLike(const Snapshot& snapshot, std::string_view text, Json* symbo
 
 // tokens.cpp: the kind of each word. A skipped line is a comment.
 [[nodiscard]] Json SemanticTokens(const Query& query);
-/// The names of the types and modifiers of tokens.
+/// The names of the token types and token modifiers.
 [[nodiscard]] Json SemanticTokensLegend();
 
 // actions.cpp

@@ -37,7 +37,8 @@ std::string MessagesIn(const std::string& console) {
 // except after the help.
 std::string Console(const std::string& lines) {
     const bool isHelp = lines.find("[Korv] HELP!\n") != std::string::npos;
-    return "Brelloc Korv v2.00.025 *FAST*\n" + lines + (isHelp ? "" : std::string(26, ' ') + "\r");
+    const std::string wiped(isHelp ? 0 : 26, ' ');  // GCC 12 warns about a condition with a sum
+    return "Brelloc Korv v2.00.025 *FAST*\n" + lines + wiped + (isHelp ? "" : "\r");
 }
 
 std::vector<Block> AllBlocks() {

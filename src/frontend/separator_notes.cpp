@@ -55,7 +55,9 @@ bool AdviseOnSeparated(OperandCase* it, std::string_view part,
         Applied(it->statement.typed.substr(0, it->statement.line.size()), commas);
     const std::string line = Raised(typed);
     const StatementView changed = CutStatement(line, typed);
-    auto row = OperandAdvice(changed, FormMessage(changed));
+    auto row = changed.keyword == nullptr  // the line is cut anew
+                   ? std::nullopt
+                   : OperandAdvice(changed, FormMessage(changed));
     if (!row) {
         return false;
     }

@@ -163,6 +163,7 @@ TEST(FrontendTest, WarnsAboutTheseLinesAndNoOthers) {
 
 TEST(FrontendTest, BytesAtTheEndsOfLinesAndFilesHideNothing) {
     EXPECT_EQ("", PrintedFor(" NOP\r|; c\r\r|\r| NOP\r|\x1A\x1A"));
+    EXPECT_TRUE(Contains(PrintedFor(std::string(" INCLUDE\0 B.KOR", 15)), "warning: a byte 0 hides the rest of its line"));
 }
 
 TEST(FrontendTest, RefusesAFaultyCommandLineAndWritesNothing) {

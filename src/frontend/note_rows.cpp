@@ -269,6 +269,9 @@ std::optional<RowAdvice> AdviceOnRest(std::string_view text) {
 }  // namespace
 
 Status FormMessage(const StatementView& statement, Status number) {
+    if (statement.keyword == nullptr) {  // a byte 0 ends the mnemonic only for the core
+        return number;
+    }
     const auto count = static_cast<std::int32_t>(statement.operands.size());
     return count > statement.keyword->operands.most     ? MSG_TOO_MANY_ARGUMENTS
            : count < statement.keyword->operands.fewest ? MSG_ARGUMENT_EXPECTED

@@ -208,6 +208,7 @@ void AimAt(OperandCase* it, bool isCount) {
     const auto& operands = it->statement.operands;
     if (HoldsWord("CALL JR", it->statement.mnemonic) && operands.size() == 2 &&
         operands[0].what.kind == KIND_VALUE && operands[1].what.kind == KIND_VALUE &&
+        !operands[0].tokens.empty() &&
         (operands[0].tokens.size() > 1 || !operands[0].tokens[0].IsValue())) {  // "CALL !Z,X"
         it->operand = operands.data();
     }

@@ -179,7 +179,9 @@ void SlipSearch::Attempt(std::size_t at, std::size_t length, std::string text) {
         isSame ? WriteNote(statement, edits).substr(6) : Applied(statement.typed, edits);
     advice.note = length == 0 ? "add the comma: " + whole : "did you mean " + whole + "?";
     advice.definesName = view.mnemonic == "EQU" || view.label != statement.label;
-    advice.names = {std::string(view.label)};
+    if (!view.label.empty()) {
+        advice.names = {std::string(view.label)};
+    }
 }
 
 }  // namespace

@@ -21,7 +21,7 @@ namespace korv {
 /// statement, or else withdraws it, together with a note that names it.
 void CheckProposal(const RunFacts& facts, const FaultView& fault, Advice* advice);
 
-/// The mnemonic that was meant: that of the statement with the proposed changes, or of an
+/// The mnemonic that was meant: the one after the proposed changes, or the one of an
 /// instruction in column 1.
 [[nodiscard]] std::string MeantMnemonic(const FaultView& fault, const Advice& advice);
 

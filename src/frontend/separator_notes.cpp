@@ -55,9 +55,7 @@ bool AdviseOnSeparated(OperandCase* it, std::string_view part,
         Applied(it->statement.typed.substr(0, it->statement.line.size()), commas);
     const std::string line = Raised(typed);
     const StatementView changed = CutStatement(line, typed);
-    auto row = changed.keyword == nullptr  // the line is cut anew
-                   ? std::nullopt
-                   : OperandAdvice(changed, FormMessage(changed));
+    auto row = OperandAdvice(changed, FormMessage(changed));
     if (!row) {
         return false;
     }
@@ -94,7 +92,7 @@ bool AdviseOnSeparator(OperandCase* it) {
         return false;
     }
     const std::vector<TextEdit> edits = {{it->statement.PartOf(text.substr(at, size)), ","}};
-    if (size == 1 && sign[0] == '-' && HasClass(text[at + 1], CC_DIGIT) &&
+    if (size == 1 && sign.size() == 2 && sign[0] == '-' && HasClass(sign[1], CC_DIGIT) &&
         ClassOf(text.substr(0, at)).kind != KIND_VALUE) {  // "LD DE-10"
         it->PointAt(text.substr(at, 1));
         it->advice.note = "separate the operands with a comma";

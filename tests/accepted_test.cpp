@@ -1,6 +1,6 @@
 // Combines every keyword with every pair of operands. The statements in encodings/ must be accepted, with other numbers
 // too; refusals.txt describes the bytes and messages of all other statements. Bytes and messages are compared for each
-// statement, so that none silently assembles to another one.
+// statement, so that none can silently assemble as if it were another.
 
 #include <gtest/gtest.h>
 

@@ -44,7 +44,7 @@ class BinBlock {
         return start;
     }
     std::uint32_t PutBytes(std::span<const std::uint8_t> bytes);
-    /// Appends `count` zero bytes, like that many calls of `PutByte`.
+    /// Appends `count` zero bytes, as that many calls to `PutByte` would.
     std::uint32_t PutZeros(std::uint32_t count);
 
     /// These overwrite, without moving `Position`. Result: `at`. If all bits of `at` are set, a

@@ -27,7 +27,7 @@ Status With(CAssembler* assembler, CStatement* statement) {
     return handler(assembler, statement, facts...);
 }
 
-/// For a handler that fails with `status`, which is not 0, because of `arg`: the report will be
+/// Called by a handler that fails with a nonzero `status` because of `arg`, so that the report is
 /// about that operand. Result: `status`.
 [[gnu::cold]] Status Refuse(CStatement* statement, const lsArg& arg, Status status);
 

@@ -32,7 +32,7 @@ Status AssembleBit(CAssembler* assembler, CStatement* statement, char kind);
 HandlerFunction AssembleCall, AssembleDjnz, AssembleJp, AssembleJr, AssembleRet, AssembleRst;
 
 // codegen/stack_and_ports.cpp
-/// PUSH and POP: the opcode with BC.
+/// PUSH and POP: `opcode` is the one for BC.
 Status AssembleStack(CAssembler* assembler, CStatement* statement, std::uint8_t opcode);
 HandlerFunction AssembleEx, AssembleIm;
 /// IN and OUT: the place of the register among the operands, the opcodes with B and with A.

@@ -63,8 +63,8 @@ Status AssembleJr(CAssembler* assembler, CStatement* statement) {
     return EmitRelative(assembler, statement, target, MSG_OFFSET_TOO_BIG);
 }
 
-// Uses its operand as text: registers have no meaning here, and DJNZ A jumps to the label A. So an
-// operand that was not read as a value without parentheses is scanned again as one.
+// Uses its operand as text: registers have no meaning here, and DJNZ A jumps to the label A. So a
+// register, a condition or an operand in parentheses is scanned again as an expression.
 Status AssembleDjnz(CAssembler* assembler, CStatement* statement) {
     lsArg& target = statement->args.First();
     if (!target.IsValue() || target.reg != REG_NONE) {

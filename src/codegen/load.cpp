@@ -1,5 +1,5 @@
-// LD: one mnemonic for the whole load group. The destination decides which sources are possible, as
-// listed in the processor's load group.
+// LD: one mnemonic for the whole load group. The destination determines which sources are
+// allowed.
 
 #include "codegen/handlers.h"
 #include "codegen/late_value.h"

@@ -7,8 +7,8 @@
 
 namespace korv {
 
-// No report overwrites an input. A target may, unless `platform::IsProtectedFrom` protects the
-// source from its name.
+// No report overwrites an input. A target may, unless `platform::IsProtectedFrom` forbids it for
+// the names of both.
 bool CAssembler::OpenOutput(platform::OutputFile* file, const std::string& name,
                             platform::OutputFile::Kind kind) {
     const bool isKept =

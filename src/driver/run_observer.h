@@ -25,8 +25,8 @@ class RunObserver : public MessageReceiver {
     /// The bytes of the file `path` are about to be included.
     virtual void OnIncludedBytes(const std::string& path) = 0;
 
-    /// `statement`, of `lineCount` physical lines, has been assembled or skipped. It may have no
-    /// text.
+    /// `statement`, which spans `lineCount` physical lines, has been assembled or skipped. It may
+    /// have no text.
     virtual void OnStatement(CStatement& statement, std::uint32_t lineCount) = 0;
 
   protected:

@@ -1,5 +1,5 @@
-/// The operands of a statement. Each is classified as register, condition or value and evaluated
-/// when it is added.
+/// The operands of a statement. Each is classified as a register, condition or value, and is
+/// evaluated when it is added.
 #pragma once
 
 #include <array>

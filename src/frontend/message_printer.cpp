@@ -46,7 +46,7 @@ struct Excerpt {
     bool hasMoreBefore = false, hasMoreAfter = false;
 };
 
-// The first offset not below `offset` at which a UTF-8 character begins.
+// The first offset at or after `offset` at which a UTF-8 character begins.
 std::size_t CharacterStart(std::string_view line, std::size_t offset) {
     while (offset < line.size() && (static_cast<unsigned char>(line[offset]) & 0xC0) == 0x80) {
         ++offset;

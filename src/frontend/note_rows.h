@@ -30,8 +30,8 @@ struct RowAdvice {
                                                    const OperandView& operand);
 [[nodiscard]] std::optional<RowAdvice> OperandAdvice(const StatementView& statement, Status number);
 
-/// The number of the message about the operands of `statement`: too many, too few, or illegal;
-/// `number` if that is about a condition.
+/// The number of the message about the operands of `statement`: too many, too few, or else illegal.
+/// In the last case, MSG_ILLEGAL_CONDITION is kept if `number` is that.
 [[nodiscard]] Status FormMessage(const StatementView& statement,
                                  Status number = MSG_ILLEGAL_ARGUMENT);
 
@@ -39,7 +39,7 @@ struct RowAdvice {
 [[nodiscard]] std::string WriteNote(const StatementView& statement,
                                     const std::vector<TextEdit>& edits);
 
-/// The edit that replaces the mnemonic and its operands by `text`.
+/// The edit that replaces the mnemonic and its operands with `text`.
 [[nodiscard]] TextEdit NewStatement(const StatementView& statement, std::string text);
 
 }  // namespace korv

@@ -58,7 +58,7 @@ inline constexpr std::string_view numberedLabelNote =
 /// Advice at `part` without a change.
 [[nodiscard]] Advice Say(const StatementView& statement, std::string_view part, std::string note);
 
-/// Advice to replace `part` by `text`.
+/// Advice to replace `part` with `text`.
 [[nodiscard]] Advice Replace(const StatementView& statement, std::string_view part,
                              std::string text, std::string note);
 

@@ -14,11 +14,12 @@ namespace korv {
 /// operands, %m1 operand 1 with M as (HL) and without #, %p1 with B, D, H, PSW as BC, DE, HL, AF,
 /// %f the statement with the change. An empty note is "write %f". In an example, "|" ends a line.
 
-/// Adjacent tokens of one operand. The terms are separated by blanks. "%k" is a kind, which a
-/// pattern for its text may follow; any other term is a pattern, which matches no string. "^" is
-/// the start of the operand, ";" its end. If there is an "@", the place begins after it. Kinds: n
-/// number, e number without digits, l too large, s string, u open string, i name, d name that
-/// begins with a digit, r register, c condition, x other, v anything but an operator.
+/// Adjacent tokens of one operand. The terms are separated by blanks. "%" and the letter of a kind
+/// match a token of that kind; a pattern after them must match its text too. Any other term is a
+/// pattern for the text of a token that is not a string. "^" is the start of the operand, ";" its
+/// end. If there is an "@", the place begins after it. Kinds: n number, e number without digits, l
+/// too large, s string, u open string, i name, d name that begins with a digit, r register, c
+/// condition, x other, v anything but an operator.
 struct TokenRow {
     std::string_view words;  ///< mnemonics, "*" for all
     std::string_view tokens;

@@ -1,6 +1,6 @@
-// Advice on operands that do not fit the mnemonic or have no value. First the operand at fault is
-// found, from the place that the core reported or from the forms; then the first explanation that
-// fits is used.
+// Advice on operands that do not fit the mnemonic or have no value. First finds the
+// operand at fault, from the place that the core reported or from the forms of the mnemonic; then
+// uses the first explanation that fits.
 
 #include <algorithm>
 #include <array>

@@ -1,4 +1,4 @@
-/// Warnings about statements that have been assembled: finds what is odd in one, and passes it to
+/// Warnings about assembled statements: finds anything suspicious in a statement and passes it to
 /// the `MessageMaker`.
 #pragma once
 

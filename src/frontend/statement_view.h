@@ -55,7 +55,7 @@ struct Token {
     }
 };
 
-/// Cuts the tokens of one expression or operand.
+/// Splits one expression or operand into tokens.
 class TokenCutter {
   public:
     explicit TokenCutter(std::string_view text) : text(text), reader(text) {}

@@ -23,7 +23,7 @@ struct Translation {
 
     /// Views of `typed` and `line`.
     [[nodiscard]] StatementView View() const { return CutStatement(line, typed); }
-    /// The edit that replaces `statement`, from its mnemonic on, by `text`.
+    /// The edit that replaces `statement`, from its mnemonic on, with `text`.
     [[nodiscard]] TextEdit Whole(const StatementView& statement, std::string text) const;
 };
 

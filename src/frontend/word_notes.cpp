@@ -28,7 +28,8 @@ Advice AdviseOnEncoding(const StatementView& statement) {
         return Replace(statement, {&*control, 1}, "", "remove the control character");
     }
     if (const std::size_t at = line.find("\xC2\xA0"); at != std::string_view::npos) {
-        return Replace(statement, line.substr(at, 2), " ", "replace the no-break space by a blank");
+        return Replace(statement, line.substr(at, 2), " ",
+                       "replace the no-break space with a blank");
     }
     return {};
 }

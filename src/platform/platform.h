@@ -109,15 +109,16 @@ struct PathParts {
 /// drives.
 [[nodiscard]] bool IsFileNotSwitch(const char* word);
 
-/// Whether `name` does not depend on the current directory, except for its drive.
+/// Whether `name` is independent of the current directory. A name with a drive, or one that begins
+/// with a separator, counts as independent.
 [[nodiscard]] bool IsAbsolutePath(std::string_view name);
 
 /// Whether the file that was read as `source` must not be overwritten under the name `target`,
-/// which leads to the same file. Always true on systems that ignore case; otherwise true if the
+/// which refers to the same file. Always true on systems that ignore case; otherwise true if the
 /// names differ at most in case and separators.
 [[nodiscard]] bool IsProtectedFrom(std::string_view source, std::string_view target);
 
-/// Whether `name` leads to a regular file. Does not open it.
+/// Whether `name` refers to a regular file. Does not open it.
 [[nodiscard]] bool IsRegularFile(std::string_view name);
 
 /// The result of looking for a file to be read.
@@ -139,15 +140,15 @@ class CurrentDirectory {
     /// typed.
     [[nodiscard]] FoundPath FullPath(std::string_view name);
 
-    /// Makes the directory of `file`, a result of `FullPath`, the current one. That directory is
-    /// found without regard to case. False: it does not exist or cannot be entered, and the current
+    /// Changes to the directory of `file`, which is a result of `FullPath`. That directory is found
+    /// without regard to case. False: it does not exist or cannot be entered, and the current
     /// directory is unchanged. Each call needs a `Leave`, whatever its result.
     [[nodiscard]] bool EnterDirectoryOf(const FoundPath& file);
     /// Goes back to the directory before the last `EnterDirectoryOf`, even if that cannot be read
     /// or has no name any more. If that fails, the result is the path of that directory, empty if
     /// it has none.
     [[nodiscard]] std::optional<std::string> Leave();
-    /// Whether `name` leads to the right file. A relative name does not once a `Leave` has failed.
+    /// Whether `name` refers to the right file. A relative name does not once a `Leave` has failed.
     [[nodiscard]] bool Reaches(std::string_view name) const {
         return !isLost || IsAbsolutePath(name);
     }
@@ -233,7 +234,7 @@ class OutputFile {
 
     ~OutputFile() { GiveUp(); }  ///< Gives up the file if it has not been committed.
 
-    /// Opens `name`, exactly as spelled, unless it leads to one of the files of `kept`. Called
+    /// Opens `name`, exactly as spelled, unless it refers to one of the files of `kept`. Called
     /// once. False: the file cannot be opened, or it may not be written, even if it could be
     /// replaced. No other member may be called then.
     [[nodiscard]] bool Open(std::string_view name, Kind kind, const FileSet& kept);

@@ -45,7 +45,7 @@ nanoseconds TimeOfChange(const struct stat& status) {
     return std::chrono::seconds(status.st_mtim.tv_sec) + nanoseconds(status.st_mtim.tv_nsec);
 }
 
-// False: `path` leads to nothing, or the call has failed.
+// False: `path` refers to nothing, or the call has failed.
 bool Ask(const std::string& path, struct stat* status) {
     return Requested([&] { return stat(path.c_str(), status); }) == 0;
 }

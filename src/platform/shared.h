@@ -32,7 +32,7 @@ inline constexpr std::size_t mostAtOnce = 0x10000000;
 
 // The operations that `OutputFile` needs from a system.
 
-/// The place that the name of an output leads to.
+/// What the name of an output refers to: the path to write, and the existing file if there is one.
 struct OutputPlace {
     OutputFile::Kind kind{};
     std::string path;           ///< the name as typed; after `FindPlace`, the path to write
@@ -44,7 +44,7 @@ struct OutputPlace {
     unsigned mode = 0;          ///< permissions or attributes of a new file, in the system's bits
 };
 
-/// Finds the place that `place->path` leads to, and completes `place`. False: the place may not be
+/// Finds what `place->path` refers to, and completes `place`. False: the place may not be
 /// written, is one of the files of `kept`, or cannot be determined.
 [[nodiscard]] bool FindPlace(const FileSet& kept, OutputPlace* place);
 

@@ -1,5 +1,5 @@
-// The methods of the protocol: those that change the state of the server, and the table of the
-// features.
+// The methods of the protocol: handlers for those that change the state of the server, and the
+// table of the features.
 
 #include <algorithm>
 #include <iterator>

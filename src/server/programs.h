@@ -2,7 +2,7 @@
 ///
 /// A document belongs to the first of these that reads it: the program of its configuration; a
 /// program that has read it before; the program of the file that includes it. Otherwise it is a
-/// program by itself. This depends on analyses, so it is decided again at each update.
+/// program of its own. This depends on analyses, so it is decided again at each update.
 #pragma once
 
 #include <map>
@@ -51,7 +51,8 @@ class Programs {
     /// The snapshot of the program that the file at `path` is part of, as of the last `Update`;
     /// null for none. It is valid until the next one.
     [[nodiscard]] const Snapshot* SnapshotOf(const std::string& path) const;
-    /// By path, for files that have any and for all documents.
+    /// The diagnostics of each file that has any, by path. Every open document has an entry, even
+    /// an empty one.
     [[nodiscard]] DiagnosticsByPath Diagnostics() const;
 
   private:

@@ -43,8 +43,7 @@ void MessageStream::TakeField(std::string_view line) {
     }
 }
 
-// Reads the header of the next message. Result: false if it is faulty or has not arrived
-// completely.
+// Reads the header of the next message. Result: false if it is malformed or incomplete.
 bool MessageStream::TakeHeader() {
     constexpr std::size_t longestHeader = 4096;
     constexpr std::string_view lineEnd = "\r\n";

@@ -32,8 +32,8 @@ Chunk All(char c) {
     return Chunk{} + static_cast<std::uint8_t>(c);
 }
 
-// Marks the bytes from `first` to `last`. They are moved to the lowest signed numbers first, since
-// vector instructions compare signed numbers.
+// Marks the bytes whose values are from `first` to `last`. This range is first moved to the lowest
+// signed numbers, since vector instructions compare signed numbers.
 template <char first, char last>
 auto Between(Chunk bytes) {
     constexpr int lowest = -128;

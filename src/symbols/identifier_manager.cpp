@@ -74,8 +74,8 @@ void CIdentifierManager::ApplyPatches(CIdentifier* identifier) {
 }
 
 Status CIdentifierManager::AddPatch(std::string_view name, CPatchInfo* patch) {
-    // This is usually the name that has just been found without a value. Looking it up again costs
-    // 1 % of all instructions.
+    // This is usually the name that has just been found without a value. Looking it up again would
+    // cost 1 % of all instructions.
     const bool isMissing = name.data() == missing.text.data() && name.size() == missing.text.size();
     const HashedName hashed = isMissing ? missing : HashedName(name);
     CIdentifier* const known = isMissing && waiting != nullptr ? waiting : index.Find(hashed);

@@ -71,9 +71,9 @@ class CIdentifierManager {
         return 0;
     }
 
-    /// Takes over `patch`, which waits for `name`, and adds it to the chain of that name, which is
-    /// entered if it is new. The text of `name` must not have changed since the call to `FindID`.
-    /// Result: 0, or the result of `Backpatch` if the name has a value.
+    /// Takes ownership of `patch`, which waits for `name`, and adds it to the chain of that name. A
+    /// new name is entered first. The text of `name` must not have changed since the call to
+    /// `FindID`. Result: 0, or the result of `Backpatch` if the name has a value.
     Status AddPatch(std::string_view name, CPatchInfo* patch);
 
     /// Takes the chain of patches from `identifier`. Result: the chain, which the caller owns.

@@ -1,5 +1,6 @@
-// Runs of korv-as from any bytes. The input has the form of that of fuzz_run.cpp, with options instead of switches. All
-// files are texts in memory, and so are all outputs. For comparison, the core alone assembles the same texts.
+// Runs of korv-as from any bytes. The input has the same format as in fuzz_run.cpp, but with options instead of
+// switches. All files are texts in memory, and so are all outputs. For comparison, the core alone assembles the same
+// texts.
 
 #include <algorithm>
 #include <cstdio>

@@ -1,4 +1,4 @@
-// Sessions of korv-ls from any bytes. The input has the form of that of fuzz_run.cpp. Its switches are the settings,
+// Sessions of korv-ls from any bytes. The input has the same format as in fuzz_run.cpp. Its switches are the settings,
 // and its last file controls what a client does with the other three: edits and requests at any place, documents that
 // are opened and closed. After each batch, every request must have had its reply, and the published messages must be
 // those of a fresh analysis of the same texts.
@@ -241,8 +241,8 @@ class Client : public korv::platform::Connection {
         return korv::Analyse(options, &store, wanted);
     }
 
-    // A document that is not part of the program is a program by itself, whose messages may come first. Such a state is
-    // not checked.
+    // A document that is not part of the program is a program of its own, and its messages may come first. Such a state
+    // is not checked.
     void CheckDiagnostics() {
         if (texts.empty()) {
             return;

@@ -17,7 +17,7 @@ namespace korv::platform {
 /// True if the open file `handle` is a terminal.
 [[nodiscard]] bool IsTerminalAt(int handle);
 
-/// True if two paths from `FindPlace`, neither of which exists yet, lead to the same place.
+/// True if two paths from `FindPlace`, neither of which exists yet, refer to the same place.
 [[nodiscard]] bool AreOnePlace(const std::string& a, const std::string& b);
 
 /// While it exists, blocked signals that ask the process to end do end it; the unfinished files are

@@ -43,7 +43,7 @@ class StagedOutput {
     /// Writes `contents` to the stream. A signal that asks the process to end takes effect even
     /// while the stream blocks.
     [[nodiscard]] bool Send(std::string_view contents);
-    /// Puts the new file in place, or replaces the bytes of the old one by `contents`.
+    /// Puts the new file in place, or replaces the bytes of the old one with `contents`.
     [[nodiscard]] bool Put(std::string_view contents);
     /// Undoes what was done since `Open`. Result: false if `Put` cannot be undone.
     bool TakeBack();

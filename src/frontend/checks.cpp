@@ -110,7 +110,10 @@ void CheckOperands(CStatement* statement, std::span<const std::uint8_t> bytes, F
             }
         } else if (HoldsLocation(arg)) {
             findings->push_back({Warning::lateLocation, arg.text, Quoted(arg.text),
-                                 "put a label in front of this line and use it instead of the $"});
+                                 arg.text.starts_with("$-")
+                                     ? "move the line below the data: $ is the address here"
+                                     : "put a label in front of this line and use it instead of "
+                                       "the $"});
         }
     }
 }

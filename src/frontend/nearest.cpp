@@ -20,13 +20,16 @@ std::uint64_t LettersOf(std::string_view word) {
     return letters;
 }
 
-// Names such as ROUT1 and ROUT2, or POS_X and POS_Y, are not misspellings of each other.
-bool DifferInDigit(std::string_view a, std::string_view b) {
+// Names such as ROUT1 and ROUT2, PORTA and PORTB, or XPOS and YPOS are not misspellings of each
+// other.
+bool AreOfOneFamily(std::string_view a, std::string_view b) {
     const auto [one, other] = std::ranges::mismatch(a, b);
-    const bool isSuffix =
-        one != a.end() && one + 1 == a.end() && one != a.begin() && one[-1] == '_';
-    return a.size() == b.size() && one != a.end() &&
-           (isSuffix || (HasClass(*one, CC_DIGIT) && HasClass(*other, CC_DIGIT)));
+    if (a.size() != b.size() || one == a.end()) {
+        return false;
+    }
+    const bool isAtEdge = one == a.begin() || one + 1 == a.end();
+    return (HasClass(*one, CC_DIGIT) && HasClass(*other, CC_DIGIT)) ||
+           (isAtEdge && std::equal(one + 1, a.end(), other + 1));
 }
 
 }  // namespace
@@ -89,7 +92,7 @@ std::string_view NearWords::Find(std::string_view word,
             const bool isFar =  // two different slips in a short word
                 steps == 2 && word.size() < 9 && entry.letters != letters &&
                 word.size() + 2 != length && word.size() != length + 2;
-            if (steps > limit || isFar || DifferInDigit(word, entry.word)) {
+            if (steps > limit || isFar || (!preferred && AreOfOneFamily(word, entry.word))) {
                 continue;
             }
             const std::size_t rank = 8 * steps + (preferred && !preferred(entry.word) ? 4 : 0) +

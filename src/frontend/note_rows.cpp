@@ -314,6 +314,7 @@ std::optional<RowAdvice> WordAdvice(const StatementView& statement) {
             const bool isFirst = statement.PartOf(statement.mnemonic).offset == 0;
             found.edits = {
                 translation.Whole(statement, (isFirst ? " " : "") + found.edits[0].text)};
+            found.note += isFirst && found.note.starts_with("write ") ? ", not in column 1" : "";
         }
         return found;
     };
@@ -322,7 +323,7 @@ std::optional<RowAdvice> WordAdvice(const StatementView& statement) {
             break;
         }
         word.remove_prefix(strips ? 1 : 0);
-        const bool isImmediate = count == 1 && changed.rest.starts_with('#');
+        const bool isImmediate = count == 1 && statement.rest.starts_with('#');
         const std::string marked = std::string(word) + "#";  // for the 6502
         if (strips && HoldsWord("MACRO PROC ENDP ENDM", word)) {
             return RowAdvice{std::string(macroNote), {}, {}};

@@ -58,6 +58,10 @@ inline constexpr std::string_view numberedLabelNote =
 /// Advice at `part` without a change.
 [[nodiscard]] Advice Say(const StatementView& statement, std::string_view part, std::string note);
 
+/// Registers of other processors that beginners and translated programs use.
+inline constexpr std::string_view foreignRegisters =
+    "AX BX CX DX AL AH BL BH CL CH DL DH SI DI BP EAX EBX ECX EDX";
+
 /// Advice to replace `part` with `text`.
 [[nodiscard]] Advice Replace(const StatementView& statement, std::string_view part,
                              std::string text, std::string note);

@@ -239,6 +239,10 @@ bool Adviser::IsFollowOn(const FaultView& fault, const Advice& advice) {
     if (fault.number == MSG_REDEFINITION && (advice.isRepeated || hasRefusedBranch)) {
         return hasRefusedBranch || std::exchange(hasRepeatedFile, true);
     }
+    if (fault.number == MSG_UNRESOLVED && namelessDefinitions > 0) {
+        --namelessDefinitions;
+        return true;
+    }
     if (fault.number == MSG_UNRESOLVED && (hasRefusedFile || (hasRefusedEnd && fault.isLate))) {
         return true;
     }
@@ -283,6 +287,7 @@ void Adviser::Remember(const FaultView& fault, const Advice& advice) {
     answeredNames.insert(isSecond ? std::string(statement.mnemonic) : UnknownName(fault, advice));
     renamedLabels.insert(advice.explains.begin(), advice.explains.end());
     RememberCondition(fault, advice, isRefused);
+    namelessDefinitions += fault.number == MSG_NO_LABEL && advice.names.empty() ? 1 : 0;
     const bool isImport = HoldsWord(importDirectives, Plain(statement.mnemonic));
     if (fault.number == MSG_UNKNOWN_INSTRUCTION && (isImport || advice.edits.empty())) {
         for (const OperandView& operand : statement.operands) {  // perhaps names to define
@@ -325,6 +330,10 @@ void Adviser::RememberCondition(const FaultView& fault, const Advice& advice, bo
                         statement.mnemonic.size() <= 3 &&
                         EditDistance(statement.mnemonic, "IF") == 1;
     hasRefusedBranch = hasRefusedBranch || HoldsWord("ELSE ELSEIF ELSIF ELIF", Plain(meant));
+    if (statement.mnemonic == "ELSE") {  // without an IF, or in place of the ENDIF
+        refusedConditions += fault.number == MSG_NOT_IN_CONDITION ? 1 : 0;
+        refusedEnds += fault.number == MSG_ILLEGAL_ELSE ? 1 : 0;
+    }
     if ((isRefused || fault.number == MSG_RESERVED_NAME) &&
         (IsCondition(statement.mnemonic) || HoldsWord("IFDEF IFNDEF", statement.label) ||
          IsCondition(meant) || isSlip)) {

@@ -137,6 +137,7 @@ class Adviser {
     std::unordered_set<std::string> renamedLabels;  // that a note proposes to rename
     std::int32_t refusedConditions = 0;             // IFs that were refused and are still open
     std::int32_t refusedEnds = 0;                   // refused ENDIFs of open IFs
+    std::int32_t namelessDefinitions = 0;           // EQUs without a label
     bool hasRefusedEnd = false;                     // of an IF that may be false
     std::int32_t slipBudget = 1000;                 // messages that may still be tried as slips
     bool hasRefusedTest = false;                    // a refused IF without a proposed change

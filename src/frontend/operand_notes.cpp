@@ -52,8 +52,7 @@ bool AdviseOnIndexHalf(OperandCase* it) {
         if (token == nullptr || it->IsDefined(token->text)) {
             continue;
         }
-        if (HoldsWord("AX BX CX DX AL AH BL BH CL CH DL DH SI DI BP EAX EBX ECX EDX",
-                      token->text)) {
+        if (HoldsWord(foreignRegisters, token->text)) {
             it->advice.note = "use the registers of the Z80: " + std::string(token->text) +
                               " is of another processor";
         } else if (token->text == "PC") {
@@ -206,6 +205,10 @@ void AimAt(OperandCase* it, bool isCount) {
         }
     }
     const auto& operands = it->statement.operands;
+    if (it->statement.mnemonic == "ADD" && operands.size() == 2 &&
+        !HoldsWord("A HL IX IY", operands[0].text)) {
+        it->operand = operands.data();  // ADD B alone is a form
+    }
     if (HoldsWord("CALL JR", it->statement.mnemonic) && operands.size() == 2 &&
         operands[0].what.kind == KIND_VALUE && operands[1].what.kind == KIND_VALUE &&
         !operands[0].tokens.empty() &&

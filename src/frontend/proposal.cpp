@@ -73,7 +73,8 @@ bool IsSoundOperand(const RunFacts& facts, const StatementView& before,
     return std::ranges::all_of(operand.tokens, [&](const Token& token) {
         const bool isName = token.kind == TokenKind::name || token.kind == TokenKind::digitName;
         return !operand.HoldsAsName(token) || HasValue(facts, token.text) ||
-               (isName && before.line.find(token.text) != std::string_view::npos);
+               (isName && !HoldsWord(foreignRegisters, token.text) &&
+                before.line.find(token.text) != std::string_view::npos);
     });
 }
 
@@ -204,6 +205,12 @@ Advice AdviseOnSlip(const RunFacts& facts, const FaultView& fault) {
             search.Attempt(at, 1, ")");
         } else if (c == ')' || (c == '9' && !isAfterName && search.IsNameAt(at + 1))) {
             search.Attempt(at, 1, "(");
+        }
+        const std::string_view next = line.substr(at + 1);
+        const bool isGroup = HasClass(before, CC_DIGIT) && next.size() == 3;  // "16,384"
+        if (c == ',' && isInstruction && !next.empty() &&
+            (isGroup || !HasClass(next[0], CC_DIGIT))) {
+            search.Attempt(at, 1, "");
         }
         if (isInstruction && (isAfterName || before == ')') && before != c &&
             (search.IsNameAt(at) || c == '(') && !search.IsInWord(at, 1)) {

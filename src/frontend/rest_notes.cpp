@@ -224,7 +224,7 @@ constexpr auto fixedNotes = std::to_array<FixedNote>({
     {MSG_FILES_TOO_DEEP, "check whether the file includes itself"},
     {MSG_CONDITIONS_TOO_DEEP, "check for a missing ENDIF"},
     {MSG_NOT_IN_CONDITION, "add the IF, or remove the line: no condition is open"},
-    {MSG_ILLEGAL_ELSE, "remove it, or add the ENDIF before it: an IF has one ELSE"},
+    {MSG_ILLEGAL_ELSE, "write ENDIF, or remove it: an IF has one ELSE"},
     {MSG_LABEL_TOO_LONG, "shorten the name to 256 characters", true},
     {MSG_LINE_TOO_LONG,
      "break the line, or accept more by --line-length: the comment and the line end count too"},
@@ -265,7 +265,9 @@ Advice AdviseOnRest(Adviser& adviser, const FaultView& fault) {
             return AdviseOnRange(statement, fault.number);
         case MSG_TEXT_AFTER_STRING:
             advice.note =
-                "use DB for several operands: a double quote in a string is the number 34";
+                statement.rest.find_first_of("+|") != std::string_view::npos
+                    ? "write the last character by itself, as in DB \"H\",\"i\"+128"
+                    : "use DB for several operands: a double quote in a string is the number 34";
             return advice;
         case MSG_NOT_IMPLEMENTED:
             return Say(statement, statement.mnemonic,

@@ -132,12 +132,15 @@ bool AdviseOnSplitWord(OperandCase* it) {
             const bool isRegister = ClassOf(Raised(joined)).kind != KIND_VALUE &&
                                     HasFormWith(statement, {{statement.PartOf(part), joined}}) &&
                                     !HasFormWith(statement, {{statement.PartOf(part), comma}});
+            const bool isNumber =  // "$ 10"
+                HoldsWord("$ # %", left.text) && (i == 0 || !operand.tokens[i - 1].IsValue()) &&
+                CutTokens(joined)[0].kind == TokenKind::number;
             const std::string name = NameOf(*it, left.text, right.text);
-            if (isRegister || !name.empty()) {
+            if (isRegister || isNumber || !name.empty()) {
                 it->PointAt(part);
-                it->Replace(part, isRegister ? joined : name);
+                it->Replace(part, name.empty() ? joined : name);
                 it->advice.note =
-                    isRegister ? "remove the blank: " + joined : "did you mean " + name + "?";
+                    name.empty() ? "remove the blank: " + joined : "did you mean " + name + "?";
                 return true;
             }
         }

@@ -96,6 +96,11 @@ Foreign ForeignNumber(const StatementView& statement, const Token& token) {
                 "use the digits 0 and 1 before B" +
                     (isEither ? ", or write " + typed + "H if it is hexadecimal" : "")};
     }
+    if (text.starts_with("0B") && text.size() > 2 &&
+        text.find_first_not_of("0123456789", 2) == std::string_view::npos &&
+        text.find_first_not_of("01", 2) != std::string_view::npos) {  // "0B12"
+        return {text, "", "use the digits 0 and 1 after 0B"};
+    }
     if (letter == text.size() - 1 && letter > 0 && text.ends_with('O')) {  // "8O"
         return {text, "", "use the digits 0 to 7 before O"};
     }

@@ -60,6 +60,9 @@ void StatementChecks::LookAtOpenConditions() {
         message.opening = maker->OpeningOf(place.file);
         message.text = "this IF has no ENDIF";
         message.code = "open-if";
+        if (assembler->flags.Has(RF_END)) {
+            message.note = "write ENDIF in place of the END, or before it: END ends the source";
+        }
         maker->Add(std::move(message));
     }
 }

@@ -143,6 +143,9 @@ Advice AdviseOnJoinedWords(const RunFacts& facts, const StatementView& statement
         const bool isSign = std::string_view("=:,.").find(word[size]) !=
                             std::string_view::npos;                       // "ORG=100H", "LD,A,5"
         const bool isSize = HoldsWord(".B .W .L .S", word.substr(size));  // "DS.B 5"
+        if (isSize && HoldsWord("DS DEFS", word.substr(0, size)) && !word.ends_with(".B")) {
+            return Say(statement, word, "use DS with the number of bytes");
+        }
         const LinePart gap{statement.PartOf(word).offset + static_cast<std::uint32_t>(size),
                            isSize   ? std::uint32_t{2}
                            : isSign ? std::uint32_t{1}

@@ -1,5 +1,4 @@
-// LD: one mnemonic for the whole load group. The destination determines which sources are
-// allowed.
+// LD: one mnemonic for the whole load group. The destination determines which sources are allowed.
 
 #include "codegen/handlers.h"
 #include "codegen/late_value.h"

@@ -1,6 +1,5 @@
-/// The bounded lists of errors and warnings. Reporting a message neither prints
-/// anything nor stops the run: it only appends a record. The lists are printed when all the source
-/// has been read.
+/// The bounded lists of errors and warnings. Reporting a message neither prints anything nor stops
+/// the run: it only appends a record. The lists are printed when all the source has been read.
 #pragma once
 
 #include <cstdint>

@@ -1,6 +1,6 @@
-// Advice on operands that do not fit the mnemonic or have no value. First finds the
-// operand at fault, from the place that the core reported or from the forms of the mnemonic; then
-// uses the first explanation that fits.
+// Advice on operands that do not fit the mnemonic or have no value. First finds the operand at
+// fault, from the place that the core reported or from the forms of the mnemonic; then uses the
+// first explanation that fits.
 
 #include <algorithm>
 #include <array>

@@ -265,7 +265,8 @@ Advice AdviseOnRest(Adviser& adviser, const FaultView& fault) {
             return AdviseOnRange(statement, fault.number);
         case MSG_TEXT_AFTER_STRING:
             advice.note =
-                statement.rest.find_first_of("+|") != std::string_view::npos
+                statement.rest.find_first_of("+|", statement.rest.rfind('"')) !=
+                        std::string_view::npos
                     ? "write the last character by itself, as in DB \"H\",\"i\"+128"
                     : "use DB for several operands: a double quote in a string is the number 34";
             return advice;

@@ -1,5 +1,6 @@
 // All memory is allocated here, so that the failure hook is called for every allocation that fails,
-// including `new`. Nothing here throws: if `new` has no memory, the process ends after the hook.
+// including those by `new`. Nothing here throws: if `new` fails, the process ends after the call to
+// the hook.
 
 #include <algorithm>
 #include <bit>
@@ -79,8 +80,8 @@ void PrintMemoryFailure(const char* line) {
 
 }  // namespace korv::platform
 
-// All forms in use are replaced. A form left out may come from a sanitizer, which must not free
-// memory that is allocated here.
+// All forms of `new` and `delete` in use are replaced. A form that is left out may be provided by a
+// sanitizer, which must not free memory that was allocated here.
 void* operator new(std::size_t size) {
     void* const memory = korv::platform::Allocate(size);
     if (memory == nullptr) {

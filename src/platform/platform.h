@@ -1,11 +1,11 @@
 /// Everything that the core needs from the operating system. Each system has its own
-/// implementation, in posix*.cpp and win32*.cpp. No other code of the core includes a system header
-/// or tests for a system.
+/// implementation, in posix*.cpp and win32*.cpp. No other core code includes a system header or
+/// checks for a system.
 ///
-/// File names: both `/` and `\` separate components. Texts stay as typed; the separator is
-/// translated for calls to the system only. Files to be read are found without regard to ASCII
+/// File names: both `/` and `\` separate components. Names are kept as typed; separators are
+/// translated only for calls to the system. Files to be read are found without regard to ASCII
 /// case; files to be written get exactly the name that was typed. A file that a run has read is
-/// never overwritten because two names differ in case only. If the system requires an encoding,
+/// never overwritten through a name that differs only in case. If the system requires an encoding,
 /// texts and names are UTF-8.
 #pragma once
 
@@ -25,20 +25,21 @@ namespace korv::platform {
 // ----------------------------------------------------------------------------------------------------
 // memory
 
-/// Called with the size in bytes of every allocation that fails, including `new`. Its result is not
-/// used: the allocation is not repeated.
+/// Called with the size in bytes of every allocation that fails, including those by `new`. Its
+/// result is ignored: the allocation is not retried.
 using AllocationFailureHook = int (*)(std::size_t size);
 
-/// Installs `hook` (null: none). Result: the previous one.
+/// Installs `hook`, or none if it is null. Result: the previous hook.
 AllocationFailureHook SetAllocationFailureHook(AllocationFailureHook hook);
 
-/// Memory from the general allocator; null, after a call to the hook, if there is none. A size of 0
-/// means 1.
+/// Allocates memory from the general allocator. Result: null, after a call to the hook, if there is
+/// no memory. A size of 0 counts as 1.
 [[nodiscard]] void* Allocate(std::size_t size);
-/// Like `Allocate`; all bytes are 0, and there is at least one.
+/// Like `Allocate`, but all bytes are 0. `size` must not be 0.
 [[nodiscard]] void* AllocateZeroed(std::size_t size);
 
-/// Like `Allocate`, keeping the contents. On failure the result is null and `memory` stays valid.
+/// Like `Allocate`, but keeps the contents of `memory`. On failure the result is null and `memory`
+/// stays valid.
 [[nodiscard]] void* Reallocate(void* memory, std::size_t size);
 
 /// Like `Reallocate`, but without the hook, for a caller that can do without the memory. Tests
@@ -47,8 +48,8 @@ AllocationFailureHook SetAllocationFailureHook(AllocationFailureHook hook);
 
 void Free(void* memory);
 
-/// Bytes in one piece of memory, which grows as they are appended. A failure to grow is a result
-/// and does not end the process.
+/// A contiguous buffer that grows as bytes are appended. A failure to grow is returned and does not
+/// end the process.
 class Buffer {
   public:
     Buffer() = default;
@@ -56,14 +57,15 @@ class Buffer {
     Buffer(const Buffer&) = delete;
     Buffer& operator=(const Buffer&) = delete;
 
-    /// The address at which `count` further bytes can be written; null, with the buffer unchanged,
-    /// if there is no memory for them. `Advance` then appends the bytes that have been written.
+    /// Returns the address at which `count` further bytes can be written. If there is no memory for
+    /// them, the result is null and the buffer is unchanged. `Advance` then appends the bytes that
+    /// have been written.
     [[nodiscard]] char* Room(std::size_t count) {
         return count <= capacity - used || Grow(count) ? data + used : nullptr;
     }
     void Advance(std::size_t count) { used += count; }
 
-    /// Valid until the next `Room`.
+    /// Valid until the next call to `Room`.
     [[nodiscard]] std::string_view Bytes() const { return {data, used}; }
 
   private:
@@ -74,16 +76,17 @@ class Buffer {
     std::size_t capacity = 0;
 };
 
-/// Sets the stream of `PrintMemoryFailure`, which is not owned; standard error by default. Result:
-/// the previous one.
+/// Sets the stream for `PrintMemoryFailure`; null means standard error. The stream is not owned.
+/// Result: the previous stream.
 std::FILE* SetMemoryFailureStream(std::FILE* stream);
 
-/// Prints `line`, which names the object for which there was no memory.
+/// Prints `line`, which names the object that could not be allocated.
 void PrintMemoryFailure(const char* line);
 
-/// For tests. Called before each allocation, or before each request that looks for, opens, reads,
-/// writes, closes or renames a file, or changes the directory. If the result is true, that
-/// allocation or request fails. Null: none fails on purpose.
+/// For tests. `allocationFault` is called before each allocation; `requestFault` is called before
+/// each request that looks for, opens, reads, writes, closes or renames a file, or changes the
+/// directory. If the result is true, that allocation or request fails. Null: nothing fails on
+/// purpose.
 using Fault = bool (*)();
 extern Fault allocationFault;
 extern Fault requestFault;
@@ -91,7 +94,7 @@ extern Fault requestFault;
 // ----------------------------------------------------------------------------------------------------
 // paths
 
-/// The pieces of a file name, as views of the given text. Joined, they are that text.
+/// The parts of a file name, as views of the given text. Concatenated, they are the whole text.
 struct PathParts {
     std::string_view directory;  ///< up to and including the last separator, or the colon of
                                  ///< a drive on systems with drives; empty for none
@@ -101,21 +104,21 @@ struct PathParts {
 
 [[nodiscard]] PathParts SplitPath(std::string_view path);
 
-/// The length of the drive at the start of a name, with its colon; 0 if there is none.
+/// The length of the drive at the start of `name`, including the colon; 0 if there is none.
 [[nodiscard]] std::size_t DriveLength(std::string_view name);
 
-/// Whether `word` of the command line, which begins with "/", is an absolute file name and not a
-/// switch: the part before its last "/" is an existing directory. Always false on systems with
-/// drives.
+/// Whether `word`, a word of the command line that begins with "/", is an absolute file name rather
+/// than a switch. It is a file name if the part before its last "/" is an existing directory.
+/// Always false on systems with drives.
 [[nodiscard]] bool IsFileNotSwitch(const char* word);
 
 /// Whether `name` is independent of the current directory. A name with a drive, or one that begins
 /// with a separator, counts as independent.
 [[nodiscard]] bool IsAbsolutePath(std::string_view name);
 
-/// Whether the file that was read as `source` must not be overwritten under the name `target`,
-/// which refers to the same file. Always true on systems that ignore case; otherwise true if the
-/// names differ at most in case and separators.
+/// Whether a file that was read as `source` must not be overwritten as `target`, another name of
+/// that file. Always true on systems that ignore case; otherwise true if the names differ at most
+/// in case and separators.
 [[nodiscard]] bool IsProtectedFrom(std::string_view source, std::string_view target);
 
 /// Whether `name` refers to a regular file. Does not open it.
@@ -123,12 +126,12 @@ struct PathParts {
 
 /// The result of looking for a file to be read.
 struct FoundPath {
-    std::string path;     ///< full; empty: the current directory has no path, or the path is
-                          ///< longer than the system allows
+    std::string path;     ///< full; empty if the current directory has no path, or if the path is
+                          ///< too long for the system or, on Win32, not on a drive
     bool isFile = false;  ///< whether it exists; the path is then spelled as on disk
 };
 
-/// The current directory, which follows the file being read, and the search for files. No other
+/// Searches for files and sets the current directory, which follows the file being read. No other
 /// code changes the current directory during a run.
 class CurrentDirectory {
   public:
@@ -136,19 +139,19 @@ class CurrentDirectory {
     ~CurrentDirectory();
 
     /// The full path of a file to be read: the current directory joined with `name`, with "." and
-    /// ".." resolved in the text alone. It is spelled as on disk if the file is found, else as
-    /// typed.
+    /// ".." resolved lexically. It is spelled as on disk if the file is found, else as typed.
     [[nodiscard]] FoundPath FullPath(std::string_view name);
 
-    /// Changes to the directory of `file`, which is a result of `FullPath`. That directory is found
-    /// without regard to case. False: it does not exist or cannot be entered, and the current
-    /// directory is unchanged. Each call needs a `Leave`, whatever its result.
+    /// Changes to the directory of `file`, a result of `FullPath`. The directory is found without
+    /// regard to case. False: it does not exist or cannot be entered, and the current directory is
+    /// unchanged. Each call needs a `Leave`, whatever its result.
     [[nodiscard]] bool EnterDirectoryOf(const FoundPath& file);
-    /// Goes back to the directory before the last `EnterDirectoryOf`, even if that cannot be read
-    /// or has no name any more. If that fails, the result is the path of that directory, empty if
-    /// it has none.
+    /// Returns to the directory before the last `EnterDirectoryOf`, even if that directory can no
+    /// longer be read or no longer has a name. On failure, the result is the path of that
+    /// directory; it is empty if there is none.
     [[nodiscard]] std::optional<std::string> Leave();
-    /// Whether `name` refers to the right file. A relative name does not once a `Leave` has failed.
+    /// Whether `name` still refers to the right file. Once a `Leave` has failed, a relative name
+    /// does not.
     [[nodiscard]] bool Reaches(std::string_view name) const {
         return !isLost || IsAbsolutePath(name);
     }
@@ -162,7 +165,7 @@ class CurrentDirectory {
 // ----------------------------------------------------------------------------------------------------
 // files
 
-/// The system's numbers for a file, which are the same under all its names.
+/// The system's numbers for a file. They are the same under all names of the file.
 struct FileIdentity {
     std::uint64_t device = 0;
     std::uint64_t number = 0;
@@ -170,7 +173,7 @@ struct FileIdentity {
 };
 using FileSet = std::set<FileIdentity>;
 
-/// The number of an open file, -1 for none. Closes the file when it is destroyed.
+/// Owns the number of an open file; -1 for none. The destructor closes the file.
 class FileHandle {
   public:
     explicit FileHandle(int number = -1) : number(number) {}
@@ -181,7 +184,7 @@ class FileHandle {
     }
     ~FileHandle();
     operator int() const { return number; }
-    /// The number, for a caller that closes the file.
+    /// Gives up the number; the caller must then close the file.
     [[nodiscard]] int Release() { return std::exchange(number, -1); }
 
   private:
@@ -191,7 +194,7 @@ class FileHandle {
 /// A file read as a stream of bytes. A directory cannot be opened.
 class InputFile {
   public:
-    /// Opens `name`, exactly as spelled. Called once.
+    /// Opens `name`, exactly as spelled. May be called only once.
     bool Open(std::string_view name);
     [[nodiscard]] bool IsOpen() const { return handle >= 0; }
     /// Whether the file has a size, unlike a pipe or a device.
@@ -200,14 +203,14 @@ class InputFile {
     [[nodiscard]] std::uint64_t Size() const { return size; }
     /// The identity of the open file.
     [[nodiscard]] const FileIdentity& Identity() const { return identity; }
-    /// Reads up to `count` bytes. Result: the number read. It is 0 at the end of the file, after a
-    /// read error, and if a console event occurs while there is nothing to read. Bytes that are
+    /// Reads up to `count` bytes. Result: the number of bytes read. It is 0 at the end of the file,
+    /// after a read error, and if a console event occurs while there is nothing to read. Bytes
     /// appended to a file after it was opened are not read.
     std::size_t Read(void* buffer, std::size_t count);
     /// Whether `Open` or a read has failed. The end of the file and a console event are not
     /// failures.
     [[nodiscard]] bool Failed() const { return error != 0; }
-    /// The system's number for that failure; 0 for none.
+    /// The system's error number for that failure; 0 for none.
     [[nodiscard]] int Error() const { return error; }
 
   private:
@@ -219,54 +222,55 @@ class InputFile {
     FileIdentity identity;
 };
 
-/// A file that is written. The bytes are written to a new file in the same directory, and `Commit`
-/// gives it the final name in one step. Until then, and if anything fails, no file appears under
-/// that name, and an old one stays unchanged. The new file gets the permissions of the old one.
-/// Some files are written in place, from the first `Write` on: devices, pipes, and files that
-/// cannot be replaced because the directory does not allow it or the owner would change. No
-/// unfinished file is left when the process ends, unless it is killed outright.
+/// A file to be written. Its bytes are written to a new file in the same directory. `Commit`
+/// renames that file to the final name in one step. Until then, and if anything fails, no file
+/// appears under that name, and an old file of that name stays unchanged. The new file gets the
+/// permissions of the old file. Some files are written in place, from the first `Write` on:
+/// devices, pipes, and files that cannot be replaced because the directory does not allow it or the
+/// owner would change. No unfinished file is left when the process ends, unless it is killed
+/// outright.
 class OutputFile {
   public:
     enum class Kind {
         target,  ///< the bytes as they are; a symbolic link of that name is followed
-        report,  ///< text, with the line ends of the system; such a link is replaced
+        report,  ///< text, with the line ends of the system; a symbolic link is replaced
     };
 
-    ~OutputFile() { GiveUp(); }  ///< Gives up the file if it has not been committed.
+    ~OutputFile() { GiveUp(); }  ///< Discards the file if it has not been committed.
 
-    /// Opens `name`, exactly as spelled, unless it refers to one of the files of `kept`. Called
-    /// once. False: the file cannot be opened, or it may not be written, even if it could be
-    /// replaced. No other member may be called then.
+    /// Opens `name`, exactly as spelled, unless it refers to one of the files in `kept`. May be
+    /// called only once. False: the file cannot be opened, or it may not be written, even if it
+    /// could be replaced. In that case, no other member may be called.
     [[nodiscard]] bool Open(std::string_view name, Kind kind, const FileSet& kept);
     /// Appends bytes. A failure is remembered for `Commit`, and later calls do nothing.
     void Write(const void* bytes, std::size_t count);
-    /// Completes the file. True: it has its name and all its bytes.
+    /// Completes the file. True: the file has its final name and all its bytes.
     [[nodiscard]] bool Commit();
 
   private:
     void GiveUp();
 
     FileHandle handle;
-    bool isEmptied = true;   // false: it is written in place, and still has its old bytes
-    bool hasFailed = false;  // some byte has not been written
+    bool isEmptied = true;   // false: the file is written in place and still has its old bytes
+    bool hasFailed = false;  // some bytes have not been written
     std::string path;        // the final path
-    std::string temporary;   // the path before `Commit`; empty: it is written in place
+    std::string temporary;   // the path before `Commit`; empty: the file is written in place
 };
 
 // ----------------------------------------------------------------------------------------------------
 // console
 
 /// Opens any standard stream that is closed; otherwise the next file to be opened would get its
-/// number, and receive its output. Also makes sure that a failed write does not end the process.
+/// number and receive its output. Also makes sure that a failed write does not end the process.
 void OpenStandardStreams();
 
-/// Whether `stream` goes to a terminal, which would obey control characters.
+/// Whether `stream` is a terminal, which would obey control characters.
 [[nodiscard]] bool IsTerminal(std::FILE* stream);
 
-/// Sets the title of the console's window, if there is one.
+/// Sets the title of the console window, if there is one.
 void SetConsoleTitle(const char* title);
 
-/// Events of the console: break keys and requests to end.
+/// Console events: break keys, and requests to end the process.
 inline constexpr int EVENT_CTRL_C = 0;
 inline constexpr int EVENT_CTRL_BREAK = 1;
 inline constexpr int EVENT_CLOSE = 2;
@@ -275,23 +279,23 @@ inline constexpr int EVENT_SHUTDOWN = 6;
 
 /// Called with an event at any moment, either between any two instructions of the program or on a
 /// separate thread. It may use only lock-free atomics and `WriteFromHandler`. Result: 1 if the
-/// event was handled. If the system ends the process after such an event, it waits until the
-/// program has ended.
+/// event was handled. If the system ends the process after such an event, it lets the program
+/// finish first.
 using ConsoleHandler = int (*)(int event);
 
 /// Installs `handler`; null removes it and restores the previous state. If the process was started
 /// with the close event ignored, that event stays ignored.
 void SetConsoleHandler(ConsoleHandler handler);
 
-/// Waits until all handler calls that have begun have returned, so that the objects that they use
-/// can be destroyed.
+/// Waits until all handler calls in progress have returned, so that the objects that they use can
+/// be destroyed.
 void AwaitConsoleHandler();
 
 /// Writes to standard output from a `ConsoleHandler`, unbuffered.
 void WriteFromHandler(std::string_view text);
 
-/// Waits for one key and reads it. On a console, no Return key is needed. From other input, one
-/// byte or the end is read. A console event counts as a key.
+/// Waits for a key and reads it. On a console, the Return key is not needed. From other input, one
+/// byte or the end of the input is read. A console event counts as a key.
 void WaitForKey();
 
 }  // namespace korv::platform

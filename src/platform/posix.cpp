@@ -25,7 +25,7 @@ struct Signal {
 std::atomic<ConsoleHandler> consoleHandler = nullptr;
 std::atomic<bool> hasEventCome = false;
 sigset_t previousMask;  // before the first `HoldSignals`
-int holds = 0;          // calls of it without a `ReleaseSignals` yet
+int holds = 0;          // calls to `HoldSignals` without a `ReleaseSignals` yet
 
 void OnSignal(int number) {
     hasEventCome = true;
@@ -131,7 +131,7 @@ void SetConsoleTitle(const char* title) {
 void SetConsoleHandler(ConsoleHandler handler) {
     if (handler != nullptr) {
         hasEventCome = false;
-        consoleHandler = handler;  // before its first signal
+        consoleHandler = handler;  // set before a signal can call it
     }
     struct sigaction action = {};  // no SA_RESTART: a signal ends a wait for input
     action.sa_handler = OnSignal;
@@ -167,8 +167,8 @@ void WaitForKey() {
     const bool isTerminal = tcgetattr(STDIN_FILENO, &before) == 0;
     if (isTerminal) {
         termios oneKey = before;
-        // A break key counts as a key here: the run is over, and an end by signal would leave the
-        // terminal changed.
+        // The run is over, so a break key counts as any other key: if its signal ended the process,
+        // the terminal would stay changed.
         oneKey.c_lflag &= ~static_cast<tcflag_t>(ICANON | ECHO | ISIG);
         oneKey.c_cc[VMIN] = 1;
         oneKey.c_cc[VTIME] = 0;

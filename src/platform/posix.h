@@ -23,9 +23,9 @@ namespace korv::platform {
 /// Whether a console event has occurred since a handler was installed.
 [[nodiscard]] bool HasEventCome();
 
-/// The result of `request`, a call that returns -1 on failure and sets `errno`. It is repeated if a
-/// signal has interrupted it, but not after a console event: then it fails, since the run has to
-/// end.
+/// Returns the result of `request`, a call that returns -1 and sets `errno` on failure. The call is
+/// repeated if a signal interrupts it, except after a console event: then it fails, since the run
+/// has to end.
 template <typename Request>
 [[nodiscard]] auto Requested(Request request) -> decltype(request()) {
     for (;;) {
@@ -44,14 +44,14 @@ template <typename Request>
 /// the list of these files changes.
 void RemoveUnfinished();
 
-/// Adds `temporary` to the unfinished files. False: there are too many.
+/// Adds `temporary` to the list of unfinished files. False: the list is full.
 [[nodiscard]] bool Remember(const std::string& temporary);
-/// Removes `temporary`, which could not be created, from the unfinished files. Result: the reason,
-/// from `errno`.
+/// Removes `temporary`, which could not be created, from the list of unfinished files. Result: the
+/// reason, from `errno`.
 [[nodiscard]] Creation ForgetRefused(const std::string& temporary);
 
-/// Creates the file `temporary` by `request`, as for `Requested`. It is removed if the process ends
-/// before `PutInPlace` or `Remove`.
+/// Creates the file `temporary` by calling `request` (see `Requested`). The file is removed if the
+/// process ends before `PutInPlace` or `Remove`.
 template <typename Request>
 [[nodiscard]] Creation Created(const std::string& temporary, Request request) {
     if (!Remember(temporary)) {
@@ -63,7 +63,7 @@ template <typename Request>
 /// The signals that were blocked before `HoldSignals`; null if none are held.
 [[nodiscard]] const sigset_t* MaskBeforeHold();
 
-/// The standard streams that were closed when the process was started, by their numbers.
+/// Whether each standard stream was closed when the process started, indexed by its number.
 extern bool wasMissing[3];
 
 }  // namespace korv::platform

@@ -1,8 +1,8 @@
-// Names of files, and the current directory, on POSIX.
+// File names and the current directory on POSIX.
 //
 // A name is looked up without regard to case in a list of its directory's entries. Reading a
 // directory costs more than all other system calls of an INCLUDE, so the list is kept and used
-// until the directory changes. One call is enough to check that.
+// until the directory changes. Checking for a change takes only one call.
 
 #include <dirent.h>
 #include <fcntl.h>
@@ -21,8 +21,8 @@
 
 #include "platform/posix.h"
 
-// For the handle with which a directory is entered again. Where O_PATH exists, that needs no right
-// to read the directory.
+// Used to open the handle through which a directory is entered again. Where O_PATH exists, this
+// needs no permission to read the directory.
 #ifndef O_PATH
 #define O_PATH O_RDONLY
 #endif
@@ -32,8 +32,8 @@ namespace {
 
 using std::chrono::nanoseconds;
 
-// macOS itself ignores case, so a file that is found may be spelled differently. The member for the
-// time of the last change has another name there.
+// macOS itself ignores case, so a file that is found may be spelled differently on disk. On macOS,
+// the member for the time of the last change has another name.
 #ifdef __APPLE__
 #define st_mtim st_mtimespec
 constexpr bool mayFindOtherCase = true;
@@ -76,8 +76,8 @@ std::pair<std::string, std::string> Divided(const std::string& path) {
 class Listing {
   public:
     // Spells `name` like the entry of `directory` that it matches: the one with exactly that name,
-    // or else the first in byte order that matches without regard to case. False: there is none. If
-    // the directory cannot be read, only the exact name is tried.
+    // or else the first in byte order that matches without regard to case. False: no entry matches.
+    // If the directory cannot be read, only the exact name is tried.
     bool Find(const std::string& directory, std::string* name) {
         struct stat status;
         const auto isKnown = [&] {
@@ -99,7 +99,8 @@ class Listing {
     }
 
   private:
-    // `status` was determined before the reading. False: the directory cannot be read.
+    // Reads the names in `directory`. `status` was obtained before the call. False: the directory
+    // cannot be read.
     bool Read(const std::string& directory, const struct stat& status) {
         using namespace std::chrono;
         const auto now = system_clock::now().time_since_epoch();
@@ -113,8 +114,8 @@ class Listing {
         }
         std::free(entries);
         // The modification time of a directory has the resolution of a clock tick, which is a
-        // second or two on some file systems. A change after the reading does not show if it falls
-        // in the same tick as the last change before it.
+        // second or two on some file systems. A change after the directory was read does not show
+        // if it is in the same tick as the last change before.
         const nanoseconds time = TimeOfChange(status);
         const auto tick = time % seconds(1) == seconds(0) ? milliseconds(2000) : milliseconds(20);
         const bool isSettled = count >= 0 && time + tick < now;
@@ -123,8 +124,8 @@ class Listing {
         return count >= 0;
     }
 
-    std::set<std::pair<std::string, std::string>> names;  // in capitals, and as spelled
-    // The directory that was read; none if a later change might not show in its time.
+    std::set<std::pair<std::string, std::string>> names;  // each in capitals, then as spelled
+    // The directory that was read; none if a later change might not show in its modification time.
     FileIdentity identity;
     nanoseconds changed{};
 };
@@ -158,10 +159,10 @@ bool IsRegularFile(std::string_view name) {
 }
 
 struct CurrentDirectory::State {
-    // The directory of a file in the chain of includes, from the first file to the one being read.
+    // The directory of one file in the chain of includes that ends with the file being read.
     struct Level {
-        std::string path{};      // empty: not needed yet, or there is none
-        FileHandle handle{};     // to go back; opened when the directory is first left
+        std::string path{};      // empty: not determined yet, or there is none
+        FileHandle handle{};     // for going back; opened when the directory is first left
         bool isEntered = false;  // false: the same directory as the level below
     };
 
@@ -230,8 +231,9 @@ FoundPath CurrentDirectory::FullPath(std::string_view name) {
 bool CurrentDirectory::EnterDirectoryOf(const FoundPath& file) {
     State::Level& here = state->levels.back();
     std::string directory = Divided(file.path).first;
-    // For a file found in the current directory there is nothing to enter. For one that was not
-    // found, that directory is entered anyway, which can fail: its path need not be passable.
+    // If a file was found in the current directory, there is nothing to enter. If it was not found,
+    // its directory is entered even if it is the current one. That can fail: the path need not be
+    // traversable.
     if (file.isFile && state->HasPath() && here.path == directory) {
         state->levels.push_back({.path = here.path});
         return true;

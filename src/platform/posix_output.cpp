@@ -1,5 +1,5 @@
-// Writing files on POSIX. A temporary file exists from `Open` to the end of `Commit`. Meanwhile the
-// signals that end a process are blocked, and an exit removes the file.
+// Writing files on POSIX. A temporary file exists from `Open` to the end of `Commit`. Meanwhile,
+// the signals that would end the process are blocked, and `exit` removes the file.
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -22,7 +22,8 @@ constexpr mode_t permissions = 07777;
 // process may end anywhere. The size is fixed, since writing a report must not need memory.
 std::array<const std::string*, 16> unfinished{};
 
-// Takes `temporary`, which has been renamed or removed, off the list. It need not be on it.
+// Removes `temporary` from the list if it is there: the file has been renamed or removed, or was
+// never created.
 void Forget(const std::string& temporary) {
     const auto slot = std::ranges::find(unfinished, &temporary);
     if (slot != unfinished.end()) {
@@ -31,8 +32,8 @@ void Forget(const std::string& temporary) {
     }
 }
 
-// Replaces `path` by the target of the symbolic link of that name, if it is one, and repeats that.
-// False: a link cannot be read, or there are 40 of them.
+// As long as `path` names a symbolic link, replaces it with the target of the link. False: a link
+// cannot be read, or there are 40 of them.
 bool FollowLinks(std::string* path) {
     for (int i = 0; i < 40; ++i) {
         std::array<char, PATH_MAX> text;
@@ -66,7 +67,8 @@ void FollowLink(OutputPlace* place, Target* target) {
     target->Ask(stat, place->path);
     std::string path = place->path;
     struct stat status;
-    // Some links are made by the system, for example to an open pipe. Their texts are not names.
+    // Some links are made by the system, for example links to open pipes. Their texts are not file
+    // names.
     place->isReplaceable =
         FollowLinks(&path) &&
         (!target->exists || (Requested([&] { return stat(path.c_str(), &status); }) == 0 &&
@@ -128,7 +130,7 @@ bool Remember(const std::string& temporary) {
 }
 
 // If the directory refuses a new file, or its name would be too long, the old file can still be
-// written. In other cases, such as a full disk, it would only be lost.
+// written. In other cases, such as a full disk, writing it would only destroy it.
 Creation ForgetRefused(const std::string& temporary) {
     const int error = errno;
     Forget(temporary);
@@ -171,7 +173,8 @@ bool EndWriting(FileHandle* handle) {
     if (*handle < 0) {
         return true;
     }
-    // A file is closed even if a signal interrupts the call, and the system has all its bytes.
+    // If a signal interrupts the call, the file is closed nevertheless, and the system has all its
+    // bytes.
     const bool isClosed = close(handle->Release()) == 0 || errno == EINTR;
     if (FailsOnPurpose()) {
         errno = EIO;

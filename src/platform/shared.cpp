@@ -71,7 +71,7 @@ void OutputFile::GiveUp() {
 }
 
 bool OutputFile::Commit() {
-    Write(nullptr, 0);  // creates an empty file
+    Write(nullptr, 0);  // empties a file written in place to which nothing was written
     const bool isWhole = !hasFailed && PutInPlace(&handle, &temporary, path);
     GiveUp();
     return isWhole;

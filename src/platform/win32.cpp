@@ -1,4 +1,4 @@
-// Conversion of texts, and reading files, on Win32.
+// Text conversion and file reading on Win32.
 
 #include "platform/win32.h"
 

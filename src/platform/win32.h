@@ -15,7 +15,7 @@
 #endif
 #define WIN32_LEAN_AND_MEAN
 #include <windows.h>
-#undef SetConsoleTitle  // a macro, which would rename our own
+#undef SetConsoleTitle  // a macro that would rename our function
 
 #include "platform/platform.h"
 #include "platform/shared.h"
@@ -26,7 +26,7 @@ namespace korv::platform {
 [[nodiscard]] std::string Narrow(std::wstring_view wide);
 
 /// The full path of `name`, which the system forms from the current directory of the process. The
-/// path of a device begins with `\\.\`. Empty: there is none.
+/// path of a device begins with `\\.\`. The result is empty if there is no full path.
 [[nodiscard]] std::wstring FullName(const std::wstring& name);
 
 /// A full path in the form that is not limited to 260 characters.
@@ -39,11 +39,11 @@ struct HandleCloser {
         }
     }
 };
-/// The handle of an open file, closed with its owner; an invalid one for none.
+/// Owns the handle of an open file and closes it; an invalid handle stands for none.
 using OwnedHandle = std::unique_ptr<void, HandleCloser>;
 
-/// Like `CreateFileW`, shared with all processes. Does not open a directory. Result: an invalid
-/// handle on failure.
+/// Like `CreateFileW`, but shares the file with all processes. Does not open a directory. Result:
+/// an invalid handle on failure.
 [[nodiscard]] OwnedHandle OpenHandle(const std::wstring& path, DWORD access, DWORD disposition,
                                      DWORD attributes);
 
@@ -58,7 +58,7 @@ using OwnedHandle = std::unique_ptr<void, HandleCloser>;
 /// The identity of an open file. False: the system cannot determine it.
 [[nodiscard]] bool Identify(HANDLE file, FileIdentity* identity, DWORD* attributes = nullptr);
 
-/// The result of `request`, a call that returns 0 or an invalid handle on failure.
+/// Returns the result of `request`, a call that returns 0 or an invalid handle on failure.
 template <typename Request>
 [[nodiscard]] auto Requested(Request request) -> decltype(request()) {
     using Result = decltype(request());
@@ -73,9 +73,9 @@ template <typename Request>
     }
 }
 
-/// The text that a system call writes to a buffer; empty for a failure. `call` takes the
-/// size and the buffer. It returns the length of the text, or the size needed if the buffer is too
-/// small.
+/// The text that the system call `call` writes to a buffer; empty on failure. `call` receives the
+/// size and the buffer. It returns the length of the text, or the required size if the buffer is
+/// too small.
 template <typename Call>
 [[nodiscard]] std::wstring Filled(Call call) {
     std::wstring text(MAX_PATH, L'\0');

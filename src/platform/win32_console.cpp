@@ -12,7 +12,7 @@
 #include "platform/platform.h"
 #include "platform/win32.h"
 
-// Keeps the library from expanding words of the command line as patterns: "/?" is a switch.
+// Keeps the C library from expanding words of the command line as patterns: "/?" is a switch.
 extern "C" int _dowildcard;
 int _dowildcard = 0;
 
@@ -62,8 +62,8 @@ DWORD WINAPI TakeByte(void* input) {
     return ReadFile(input, &key, 1, &count, nullptr) != 0 ? 0 : 1;
 }
 
-// Waits until a key that has a character is pressed. Modifier keys have none, and the release of a
-// key belongs to what was typed before.
+// Waits until a key that has a character is pressed, or a console event occurs. Modifier keys have
+// no character, and the release of a key belongs to an earlier press.
 void TakeKey(HANDLE input) {
     const HANDLE awaited[] = {input, eventHasCome};
     INPUT_RECORD record = {};
@@ -81,9 +81,9 @@ void TakeKey(HANDLE input) {
 }  // namespace
 
 void OpenStandardStreams() {
-    // The library reserves the numbers of missing streams. On a console it would make a system call
-    // for each byte and treat each byte as a character, so there the output is buffered and binary.
-    // The console handles the line ends.
+    // The library reserves the numbers of missing streams. On a console, it would make a system
+    // call for each byte and treat each byte as a character, so output to a console is buffered and
+    // binary. The console handles the line ends.
     static bool isDone = false;
     if (std::exchange(isDone, true)) {
         return;
@@ -104,7 +104,7 @@ bool IsTerminal(std::FILE* stream) {
     return GetConsoleMode(HandleOf(stream), &mode) != 0;
 }
 
-// A temporary file is deleted when the process ends, however that happens.
+// Nothing to hold: a temporary file is deleted when the process ends, however that happens.
 void HoldSignals() {}
 void ReleaseSignals() {}
 
@@ -133,8 +133,8 @@ void AwaitConsoleHandler() {
 }
 
 void WriteFromHandler(std::string_view text) {
-    // Written by the stream's number, which has the setting for line ends. No thread that waits for
-    // a handler holds its lock.
+    // Written through the number of the stream, which has the setting for line ends. A thread that
+    // waits for a handler never holds the lock of that number.
     [[maybe_unused]] const int written =
         _write(_fileno(stdout), text.data(), static_cast<unsigned>(text.size()));
 }
@@ -144,12 +144,12 @@ void WaitForKey() {
     const HANDLE input = HandleOf(stdin);
     DWORD mode = 0;
     if (GetConsoleMode(input, &mode) != 0) {
-        SetConsoleMode(input, ENABLE_PROCESSED_INPUT);  // a break key is an event
+        SetConsoleMode(input, ENABLE_PROCESSED_INPUT);  // makes a break key an event
         TakeKey(input);
         SetConsoleMode(input, mode);
         return;
     }
-    // Read in another thread, since an event counts as a key too.
+    // Read on another thread, since an event counts as a key too.
     const HANDLE reader = CreateThread(nullptr, 0, TakeByte, input, 0, nullptr);
     if (reader != nullptr) {
         const HANDLE awaited[] = {reader, eventHasCome};

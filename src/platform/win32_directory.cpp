@@ -1,7 +1,7 @@
-// Names of files, and the current directory, on Win32.
+// File names and the current directory on Win32.
 //
 // The current directory of the process is never changed: its path is limited to 260 characters,
-// while a full path may have 32767. The current directory of the run is kept as a text instead.
+// while a full path may have 32767. The current directory of the run is kept as text instead.
 
 #include <algorithm>
 #include <cwctype>
@@ -78,7 +78,7 @@ bool IsRegularFile(std::string_view name) {
 }
 
 struct CurrentDirectory::State {
-    // The text from which the system makes the full path of `name`.
+    // The text from which the system forms the full path of `name`.
     [[nodiscard]] std::wstring Joined(const std::wstring& name) const {
         const std::wstring here = Wide(levels.back());
         const bool isRooted = !name.empty() && IsSeparator(name[0]);
@@ -87,7 +87,7 @@ struct CurrentDirectory::State {
             return isShare ? name : here.substr(0, driveLength) + name;
         }
         if (!HasDrive(name)) {
-            // The name of a device means the device in every directory.
+            // The name of a device refers to the device in every directory.
             return FullName(name).starts_with(L"\\\\.\\") ? name : here + L'\\' + name;
         }
         const bool isHere = std::towupper(name[0]) == std::towupper(here[0]) &&
@@ -124,8 +124,7 @@ struct CurrentDirectory::State {
         return true;
     }
 
-    // Full paths of the directories in the chain of includes; the first is the one in which the run
-    // started.
+    // Full paths of the directories in the chain of includes. The run started in the first of them.
     std::vector<std::string> levels{Narrow(FullName(L"."))};
 };
 

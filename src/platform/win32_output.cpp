@@ -16,13 +16,13 @@
 namespace korv::platform {
 namespace {
 
-// The attributes of an old file that a new one in its place gets too. A read-only file is not
+// The attributes that a new file gets from the file that it replaces. A read-only file is not
 // replaced.
 constexpr DWORD keptAttributes = FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM |
                                  FILE_ATTRIBUTE_NOT_CONTENT_INDEXED | FILE_ATTRIBUTE_ENCRYPTED;
 
-// Whether the directory refused a new file. The old file can still be written then. After another
-// error, such as a full disk, writing it would only lose its bytes.
+// Whether the directory refused a new file. In that case, the old file can still be written. After
+// another error, such as a full disk, writing it would only lose its bytes.
 bool IsRefused(DWORD error) {
     return error == ERROR_ACCESS_DENIED || error == ERROR_WRITE_PROTECT;
 }
@@ -67,8 +67,8 @@ bool IsThere(const OwnedHandle& file) {
 
 bool FindPlace(const FileSet& kept, OutputPlace* place) {
     std::wstring path = Unlimited(FullName(Wide(place->path)));
-    // If the name is a symbolic link, a report replaces the link, a target the file that it leads
-    // to.
+    // If the name is a symbolic link, a report replaces the link, and a target replaces the file
+    // that the link refers to.
     const bool isTarget = place->kind == OutputFile::Kind::target;
     const DWORD flags = isTarget ? 0 : FILE_FLAG_OPEN_REPARSE_POINT;
     OwnedHandle file = OpenHandle(path, GENERIC_WRITE | DELETE, OPEN_EXISTING, flags);
@@ -154,7 +154,7 @@ bool PutInPlace(FileHandle* handle, std::string* temporary, const std::string& p
 }
 
 void Remove(std::string* name) {
-    DeleteFileW(Wide(*name).c_str());  // still there only if the mark could not be set
+    DeleteFileW(Wide(*name).c_str());  // the file still exists only if the mark could not be set
     name->clear();
 }
 

@@ -1,5 +1,5 @@
-/// The object that holds a whole run. Every handler, manager and reader reaches what it needs
-/// through it.
+/// The object that holds the state of a run. All handlers, managers and readers get what they need
+/// through this object.
 #pragma once
 
 #include <algorithm>
@@ -44,12 +44,12 @@ inline constexpr std::uint32_t RF_OBSERVED        = 0x8000;  ///< there is an ob
 // clang-format on
 
 /// The flags word. A console event may set a bit at any moment, so every change is one atomic
-/// operation. It orders nothing else: only the bit itself matters.
+/// operation. These operations order no other memory accesses: only the bits themselves matter.
 class FlagsWord {
   public:
     [[nodiscard]] std::uint32_t Load() const { return bits.load(std::memory_order_relaxed); }
     [[nodiscard]] bool Has(std::uint32_t mask) const { return (Load() & mask) != 0; }
-    /// Result of both: the bits as they were before.
+    /// Both return the bits as they were before.
     std::uint32_t Set(std::uint32_t mask) { return bits.fetch_or(mask, std::memory_order_relaxed); }
     std::uint32_t Clear(std::uint32_t mask) {
         return bits.fetch_and(~mask, std::memory_order_relaxed);
@@ -60,18 +60,19 @@ class FlagsWord {
     static_assert(std::atomic<std::uint32_t>::is_always_lock_free);
 };
 
-/// Open source files, the main file included.
+/// The most source files that may be open, including the main file.
 inline constexpr std::int32_t maxFileDepthAllowed = 10;
-/// Open levels of IF.
+/// The most levels of IF that may be open.
 inline constexpr std::int32_t maxConditions = 32;
 /// The load addresses of a .com image, and of a .bin image whose start no ORG has set.
 inline constexpr std::uint32_t comStart = 256;
 inline constexpr std::uint32_t binaryStart = 16384;
 
-/// No ORG has set the start of the target.
+/// Means that no ORG has set the start of the target.
 inline constexpr std::int32_t noStartAddress = -1;
 
-/// The numbers behind the progress meter, in bytes of source. Both wrap in a source above 4 GiB.
+/// The numbers that the progress meter needs, in bytes of source. Both wrap if the source is larger
+/// than 4 GiB.
 struct Meter {
     std::uint32_t bytesRead = 0;   ///< consumed; set by the loop
     std::uint32_t bytesTotal = 0;  ///< sizes of all files opened; set by include files
@@ -79,30 +80,30 @@ struct Meter {
 
 class CAssembler {
   public:
-    /// A run that prints to `stream`, which is not owned, and keeps the first `maxMessages` errors
-    /// and as many warnings.
+    /// Prepares a run that prints to `stream` and keeps the first `maxMessages` errors and the
+    /// first `maxMessages` warnings. `stream` is not owned.
     explicit CAssembler(std::FILE* stream, std::int32_t maxMessages = 50);
     /// Prints the time display and flushes all output streams.
     virtual ~CAssembler();
 
     // ---- driver/run.cpp: the run
 
-    /// Set a size in bytes, if `n` is above 0.
+    /// These set a size in bytes if `n` is above 0.
     void SetFileBufferSize(std::int32_t n) {
         fileBufferSize = n > 0 ? static_cast<std::uint32_t>(n) : fileBufferSize;
     }
     void SetLineBufferSize(std::int32_t n) { lineBufferSize = n > 0 ? n : lineBufferSize; }
     /// Runs with the flags that the letters of `flagString` stand for (see driver/command_line.h).
-    /// An empty source is "Main.Kor", an empty target is derived from the source. Result: that of
-    /// `Run`.
+    /// An empty `source` means "Main.Kor"; an empty `target` is derived from the source. Result:
+    /// the result of `Run`.
     std::int32_t RunFromCommandLine(std::string_view source, std::string_view target,
                                     std::string_view flagString);
-    /// Assembles `sourceName`, once in the life of the object. Result: 0, whatever happened.
+    /// Assembles `sourceName`. May be called only once. Result: 0, whatever happened.
     std::int32_t Run();
 
-    /// For a front end, which handles names, reports and outputs itself: `newObserver`, not owned,
-    /// is notified of the run. `AssembleSource` then does everything that depends on the source, up
-    /// to the last message.
+    /// Called by a front end, which handles names, reports and outputs itself. `newObserver` is
+    /// notified of the steps of the run; it is not owned. `AssembleSource` then does everything
+    /// that depends on the source, up to the last message.
     void Observe(RunObserver* newObserver);
     void AssembleSource();
 
@@ -123,27 +124,29 @@ class CAssembler {
     /// The header of a binary target: a mark, the load address, the last address, the start of the
     /// program.
     using LoadHeader = std::array<std::uint8_t, 7>;
-    /// The start is the identifier EXEC, if there is one; it is marked as used.
+    /// The program starts at the value of the identifier EXEC, if that is defined; this marks EXEC
+    /// as used. Otherwise, the program starts at the load address.
     [[nodiscard]] LoadHeader MakeLoadHeader();
     /// Prints the progress meter.
     virtual void Progress();
-    /// Prints the state of the run and the memory that it holds to `stream`; null stands for the
-    /// run's stream. Result: 0.
+    /// Prints the state of the run and the memory that it holds to `stream`; null means the stream
+    /// of the run. Result: 0.
     std::int32_t StatusDump(std::FILE* stream);
 
     // ---- source/include_files.cpp
 
-    /// Enters the file `name`, the main file or an included one, assembles it and leaves it.
-    /// Result: 0, or why it could not be opened: MSG_CANNOT_OPEN or MSG_OUT_OF_MEMORY.
+    /// Enters, assembles and leaves the source file `name`, which is the main file or an included
+    /// one. Result: 0, or the reason why the file could not be opened: MSG_CANNOT_OPEN or
+    /// MSG_OUT_OF_MEMORY.
     Status AssembleIncludeFile(std::string_view name);
 
     // ---- expr/scanner.cpp
 
-    /// Evaluates the expression `text`. Result: 0 with the value; MSG_UNRESOLVED when a name has no
+    /// Evaluates the expression `text`. Result: 0 with the value; MSG_UNRESOLVED if a name has no
     /// value yet; MSG_BAD_EXPRESSION; MSG_GENERAL_FAILURE for a number without digits;
-    /// MSG_TOO_COMPLEX for too many nodes; MSG_BAD_NUMBER above 65535. `value` is 0 unless the
-    /// result is 0. `fault` is the token at which the evaluation failed, a view of `text`. It is
-    /// empty if the calculation failed. If the closing quote of a name is missing from `text`,
+    /// MSG_TOO_COMPLEX for too many nodes; MSG_BAD_NUMBER for a number above 65535. `value` is 0
+    /// unless the result is 0. `fault` is a view of the token in `text` at which the evaluation
+    /// failed. It is empty if the calculation failed. If `text` lacks the closing quote of a name,
     /// `fault` is valid only until the next scan.
     [[nodiscard]] Status ScanExpression(std::string_view text, std::int32_t* value,
                                         std::string_view* fault);
@@ -153,18 +156,19 @@ class CAssembler {
 
     // ---- symbols/system_identifiers.cpp
 
-    /// Enters the version identifiers, and reserves the words if RF_SYSTEM_IDS is set.
+    /// Enters the version identifiers. Also reserves `reservedWords` if RF_SYSTEM_IDS is set.
     void LoadSystemIdentifiers();
 
     // ---- emission
 
-    /// Append to the image, which nothing else does, and move `location`. Bits beyond the width are
-    /// dropped. Result: the offset in the image of the first byte, for a patch.
+    /// These append to the image and advance `location`; no other code appends. Bits beyond the
+    /// width are dropped. Result: the offset of the first byte in the image, for a patch.
     [[gnu::always_inline]] std::uint32_t EmitByte(std::int32_t value) {
         ++location;
         return binary.PutByte(value);
     }
-    /// An opcode, after its prefix if that is not 0. Result: 0, so that a handler can return it.
+    /// Emits an opcode, after `prefix` if that is not 0. Result: 0, so that a handler can return
+    /// it.
     Status EmitOpcode(std::uint8_t prefix, std::int32_t opcode) {
         if (prefix != 0) {
             EmitByte(prefix);
@@ -176,7 +180,7 @@ class CAssembler {
         location += 2;
         return binary.PutWord(value);
     }
-    /// Emits `bytes`, but at most one more than `maxImage` allows.
+    /// Emits `bytes`, but makes the image at most one byte longer than `maxImage`.
     std::uint32_t EmitBytes(std::span<const std::uint8_t> bytes) {
         bytes = bytes.first(Fitting(bytes.size()));
         location += static_cast<std::uint32_t>(bytes.size());
@@ -188,12 +192,12 @@ class CAssembler {
         return binary.PutZeros(count);
     }
 
-    /// Report to a list, with `text` in brackets, about `part` of the line of `statement`.
+    /// These report a message about `part` of the line of `statement`, with `text` in brackets.
     [[gnu::cold]] void ReportError(const CStatement* statement, std::int32_t number,
                                    std::string_view text, std::string_view part);
     [[gnu::cold]] void ReportWarning(const CStatement* statement, std::int32_t number,
                                      std::string_view text, std::string_view part);
-    /// The same if `text` is that part.
+    /// The same, but `text` is also the part.
     void ReportError(const CStatement* statement, std::int32_t number, std::string_view text) {
         ReportError(statement, number, text, text);
     }
@@ -201,9 +205,9 @@ class CAssembler {
         ReportWarning(statement, number, text, text);
     }
 
-    // ---- the state of the run, and the code that may write it
+    // ---- the state of the run; "by" names the code that may write it
 
-    /// RF_* bits; by the driver and the handlers; RF_ABORT by console events too.
+    /// RF_* bits; by the driver and the handlers; RF_ABORT also by console events.
     FlagsWord flags;
     std::int32_t totalLines = 0;        ///< line counters of finished files; by include files
     std::int32_t fileDepth = 0;         ///< source files open now; by include files
@@ -218,14 +222,13 @@ class CAssembler {
     /// Z80 address of the next byte; by emission, ORG and `AssembleSource`.
     std::uint32_t location = comStart;
     std::uint32_t statementAddress = 0;  ///< `location` at the start of the statement; by the loop
-    /// Full path of the file being read, null if there is none; `fileNames` owns it. By include
-    /// files.
+    /// Full path of the file being read, or null; owned by `fileNames`; by include files.
     const char* currentFileName = nullptr;
     RunObserver* observer = nullptr;  ///< not owned; null for none; by `Observe`
     DiskStore disk{&flags};
-    SourceStore* sources = &disk;  ///< of all files that are read; not owned; by a front end
+    SourceStore* sources = &disk;  ///< supplies all files that are read; not owned; by a front end
     CMessageList errors;           ///< all code that finds an error reports to it
-    CMessageList warnings;         ///< the same
+    CMessageList warnings;         ///< the same for warnings
     CFileNameRegistry fileNames;   ///< by include files
     std::FILE* output;             ///< receives all console reports; not owned; set once
     BinBlock binary;               ///< by emission and patches
@@ -236,7 +239,7 @@ class CAssembler {
     std::uint32_t fileBufferSize = 65536;  ///< most bytes of a read buffer; by its setter
     void* currentMacro = nullptr;          ///< the macro being recorded; no command records one
     std::int32_t startAddress = noStartAddress;  ///< of the target; by ORG
-    /// Most bytes of the image; by a front end, which checks whether there are more.
+    /// The most bytes that the image may have; by a front end, which checks whether it has more.
     std::uint32_t maxImage = std::numeric_limits<std::uint32_t>::max();
     Meter meter;  ///< by the loop and include files
 
@@ -256,7 +259,7 @@ class CAssembler {
     Status EnterFile(std::string_view name);
     Status OpenAndRun(const std::string& path, std::int32_t fileNumber);
 
-    /// A token of the scanner whose closing quote was supplied.
+    /// A token to which the scanner has added the missing closing quote.
     std::array<char, maxWord + 1> closedToken;
 };
 

@@ -17,14 +17,14 @@ namespace {
 enum class Kind { onOff, trace, fileBuffer, lineBuffer, wait, help };
 
 struct Switch {
-    std::string_view word;  // in capitals; selects the switch. If there are bits, its last
-                            // character is the letter in the flag string
+    std::string_view word;  // in capitals; selects the switch. If the switch has bits, the last
+                            // character is its letter in the flag string
     Kind kind;
     const char* form = nullptr;  // as shown in the help; null: not shown
     const char* help = nullptr;
     std::uint32_t bits = 0;    // of the flags word: set by the upper-case letter in the flag
                                // string, cleared by the lower-case one
-    std::uint32_t alsoOn = 0;  // set with them, and not cleared
+    std::uint32_t alsoOn = 0;  // set with them, but not cleared with them
 };
 
 // In the order of the help; a word that begins with another word comes after that one.
@@ -51,8 +51,8 @@ constexpr Switch switches[] = {
 constexpr std::string_view letters = "DSLPTMWBI";
 static_assert(letters.size() == sizeof CommandLine::flagString - 1);
 
-// The switch that `word`, in capitals and without its lead character, selects: the longest one that
-// it begins with. /wait has to be the whole word.
+// The switch that `word` selects: the longest one that `word` begins with. `word` is in capitals
+// and without its lead character. /wait must be the whole word.
 const Switch* FindSwitch(std::string_view word) {
     const Switch* found = nullptr;
     for (const Switch& row : switches) {
@@ -69,8 +69,8 @@ void Put(const Switch& row, bool isOn, CommandLine* result) {
         isOn ? letter : static_cast<char>(letter + ('a' - 'A'));
 }
 
-// The number at the start of `text`: optional blanks, optional sign, digits; 0 without digits, and
-// the nearest value that fits 32 bits. Complains if it is not above 0.
+// Reads the number at the start of `text`: optional blanks, an optional sign, digits. Without
+// digits the number is 0; it is clamped to 32 bits. Prints a message if it is not above 0.
 std::int32_t ReadSize(const char* text, const char* what, std::string_view word) {
     text = SkipBlanks(text);
     // A line end is not a blank here, but the library would skip it as one.

@@ -1,4 +1,4 @@
-/// The words of the command line, and the letters that pass them to a run.
+/// The words of the command line, and the string of letters that passes the switches to a run.
 #pragma once
 
 #include <cstdint>
@@ -9,8 +9,8 @@ namespace korv {
 
 /// The contents of the command line.
 struct CommandLine {
-    /// One character for each switch that is on or off: a blank (not given), its upper-case letter
-    /// (on) or its lower-case letter (off).
+    /// One character for each switch that can be on or off: a blank if the switch is not given, its
+    /// upper-case letter if it is on, its lower-case letter if it is off.
     char flagString[10] = "         ";
     std::string_view sourceArgument;      ///< the first word that is not a switch; null for none
     std::string_view targetArgument;      ///< the second one; null for none
@@ -20,16 +20,16 @@ struct CommandLine {
     bool waitWanted = false;
 };
 
-/// Reads the words after the program's name. A wrong word is reported on standard output, with its
-/// index in the argument vector, and skipped.
+/// Reads the words after the program's name. An invalid word is reported on standard output, with
+/// its index in the argument vector, and skipped.
 [[nodiscard]] CommandLine ParseCommandLine(int argumentCount, char** arguments);
 
 /// Prints all switches.
 void PrintHelp();
 
-/// The flags word (RF_*): the default of a run, changed by the letters of `flagString` from left to
-/// right. `console` receives a message for any character that is neither the letter of a switch nor
-/// a blank.
+/// Returns the flags word (RF_*): the default flags of a run, changed by the letters of
+/// `flagString` from left to right. `console` receives a message for any character that is neither
+/// the letter of a switch nor a blank.
 [[nodiscard]] std::uint32_t FlagsFrom(std::string_view flagString, std::FILE* console);
 
 }  // namespace korv

@@ -1,5 +1,5 @@
-// A record is a start byte, the number of bytes of the target as 32 bits, lowest byte first, the
-// text, and an end byte. There is no escape: a start or end byte within a text counts as one.
+// A record consists of a start byte, the number of target bytes (32 bits, lowest byte first), the
+// text, and an end byte. There is no escape: a start or end byte within the text is read as such.
 
 #include "driver/debug_stream.h"
 
@@ -16,14 +16,16 @@ constexpr char recordStart = '\xAE';
 constexpr char recordEnd = '\xAF';
 constexpr std::size_t headSize = 1 + 4;  // start byte and count
 
-// Takes the text before the first `c` from the start of `text`, all of it if there is none.
+// Removes the text before the first `c` from `text`, or all of it if there is no `c`. Result: the
+// removed text.
 std::string_view TakeUpTo(char c, std::string_view* text) {
     const std::string_view taken = text->substr(0, text->find(c));
     text->remove_prefix(taken.size());
     return taken;
 }
 
-// The number of bytes of the record at `record`. It is signed; one below 0 counts as 0.
+// The number of target bytes in the record at `record`. It is signed; a negative number counts as
+// 0.
 std::uint32_t CountOf(std::string_view record) {
     std::uint32_t count = 0;
     for (std::size_t i = 4; i > 0; --i) {
@@ -32,8 +34,8 @@ std::uint32_t CountOf(std::string_view record) {
     return count < 0x80000000 ? count : 0;
 }
 
-// Bytes of a source can look like a record that claims more bytes than the image has. At most this
-// many are shown after the end of the image.
+// A source can contain bytes that look like a record with more bytes than the image has. At most
+// this many bytes after the end of the image are shown.
 constexpr std::uint64_t mostOutside = 65536;
 
 }  // namespace

@@ -1,4 +1,4 @@
-/// The files of a run on the disk. The current directory follows the source being read.
+/// Reads the files of a run from the disk. The current directory follows the source being read.
 #pragma once
 
 #include "platform/platform.h"
@@ -10,7 +10,7 @@ class FlagsWord;
 
 class DiskStore : public SourceStore {
   public:
-    /// `flags`, not owned, are the flags of the run: RF_ABORT ends the reading of a file.
+    /// `flags` are the flags of the run: RF_ABORT ends the reading of a file. They are not owned.
     explicit DiskStore(const FlagsWord* flags) : flags(flags) {}
 
     [[nodiscard]] Status Find(std::string_view name, platform::FoundPath* file) override;
@@ -25,7 +25,7 @@ class DiskStore : public SourceStore {
     [[nodiscard]] bool Reaches(std::string_view name) const { return directory.Reaches(name); }
     /// The files that have been read.
     [[nodiscard]] const platform::FileSet& FilesRead() const { return filesRead; }
-    /// Adds the file `name` to them, if it is a regular file.
+    /// Adds the file `name` to `FilesRead`, if it is a regular file.
     void Keep(std::string_view name);
 
   private:

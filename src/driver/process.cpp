@@ -34,7 +34,7 @@ constexpr Event events[] = {
     {platform::EVENT_SHUTDOWN, "Shutdown received! Aborting program...\n"},
 };
 
-// Result: the result of the run.
+// Runs the assembler and returns the result of the run.
 std::int32_t RunAssembler(const CommandLine& commandLine) {
     CAssembler assembler(stdout);
     theAssembler = &assembler;
@@ -45,7 +45,7 @@ std::int32_t RunAssembler(const CommandLine& commandLine) {
     assembler.SetLineBufferSize(commandLine.lineBufferRequest);
     const std::int32_t result = assembler.RunFromCommandLine(
         commandLine.sourceArgument, commandLine.targetArgument, commandLine.flagString);
-    // Before the object is destroyed, so that no hook uses it any more.
+    // The object is about to be destroyed, so no hook may use it any more.
     theAssembler = nullptr;
     platform::AwaitConsoleHandler();
     return result;
@@ -103,7 +103,7 @@ int OnConsoleEvent(int event) {
     }
     hasEventCome = true;
     CAssembler* const assembler = theAssembler;
-    // Once it is settled whether there will be a target, nothing is aborted any more.
+    // Once it is decided whether a target is written, the run can no longer be aborted.
     if (assembler == nullptr || (assembler->flags.Set(RF_ABORT) & RF_SETTLED) == 0) {
         platform::WriteFromHandler(row->text);
     }

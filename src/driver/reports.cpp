@@ -7,8 +7,8 @@
 
 namespace korv {
 
-// No report overwrites an input. A target may, unless `platform::IsProtectedFrom` forbids it for
-// the names of both.
+// A report never overwrites an input. A target may, unless `platform::IsProtectedFrom` forbids it
+// for the names of source and target.
 bool CAssembler::OpenOutput(platform::OutputFile* file, const std::string& name,
                             platform::OutputFile::Kind kind) {
     const bool isKept =
@@ -17,8 +17,8 @@ bool CAssembler::OpenOutput(platform::OutputFile* file, const std::string& name,
            file->Open(name, kind, isKept ? disk.FilesRead() : platform::FileSet());
 }
 
-// The last step of each output. Gives it its name if it is whole. Result: whether it has been
-// written.
+// The last step of each output. Commits `file` if its contents are whole. Result: whether the file
+// has been written.
 bool CAssembler::CommitOutput(platform::OutputFile* file, const std::string& name, bool isWhole) {
     const bool isWritten = isWhole && file->Commit();
     if (!isWritten) {
@@ -27,8 +27,8 @@ bool CAssembler::CommitOutput(platform::OutputFile* file, const std::string& nam
     return isWritten;
 }
 
-// Writes the report file `name` by calling `write`, which returns whether it is whole. Prints
-// `confirmation` if it has been written, and `complaint` if it cannot be opened.
+// Writes the report file `name` by calling `write`, which returns whether the report is whole.
+// Prints `confirmation` if the file has been written, or `complaint` if it cannot be opened.
 template <class Write>
 void CAssembler::WriteReport(const std::string& name, const char* complaint,
                              const char* confirmation, Write write) {
@@ -52,7 +52,7 @@ void CAssembler::ReportWarning(const CStatement* statement, std::int32_t number,
 
 void CAssembler::WriteDebugFile() {
     const auto write = [this](platform::OutputFile* file) {
-        // An aborted run gets its listing too. Only an abort during the writing makes it
+        // Even an aborted run gets its listing. Only an abort while the listing is written makes it
         // incomplete.
         const std::uint32_t aborted = flags.Clear(RF_ABORT) & RF_ABORT;
         debugStream.WriteListing(this, file);
@@ -119,8 +119,8 @@ void CAssembler::WriteTarget() {
     platform::OutputFile file;
     const bool isOpen = !gotErrors && !flags.Has(RF_ABORT) &&
                         OpenOutput(&file, targetName, platform::OutputFile::Kind::target);
-    // A break event up to here keeps the target from being written, even one too late for
-    // MSG_ABORTED. A later one has no effect.
+    // A console event up to this point prevents the target from being written, even if the event is
+    // too late for MSG_ABORTED. A later event has no effect.
     const bool isAborted = (flags.Set(RF_SETTLED) & RF_ABORT) != 0;
     if (gotErrors || isAborted) {
         std::fprintf(output, "[Korv] Got errors! Binary output NOT saved to disk!\n");

@@ -92,7 +92,7 @@ void CAssembler::AssembleSource() {
     if (observer != nullptr) {
         observer->OnStart();
     }
-    std::fflush(output);  // a break event prints unbuffered, and must appear after this
+    std::fflush(output);  // a console event prints unbuffered, and must appear after this
 
     const std::int32_t status = AssembleIncludeFile(sourceName);
     if (status != 0) {

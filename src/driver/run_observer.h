@@ -1,5 +1,5 @@
-/// The steps of a run, reported to a front end as they happen. A run without an observer reports
-/// none.
+/// The steps of a run, reported to a front end as they happen. A run without an observer reports no
+/// steps.
 #pragma once
 
 #include <cstdint>
@@ -11,10 +11,10 @@ namespace korv {
 
 struct CStatement;
 
-/// Receives the messages of the run too.
+/// Also receives the messages of the run.
 class RunObserver : public MessageReceiver {
   public:
-    /// The names that every run has are in the table, and nothing has been read yet.
+    /// The built-in names have been entered, and nothing has been read yet.
     virtual void OnStart() = 0;
 
     /// The source file `path` has been opened. Its lines are assembled in `statement` until

@@ -14,7 +14,8 @@ namespace korv {
 inline constexpr std::size_t maxWord = 256;
 
 struct CStatement {
-    /// `line` is the buffer of the logical lines, not owned; `file` the number of the source file.
+    /// `line` is the buffer for the logical lines and is not owned. `file` is the number of the
+    /// source file.
     CStatement(CAssembler* assembler, char* line, std::int32_t file)
         : text(line), fileName(file), args(assembler) {}
 
@@ -26,7 +27,7 @@ struct CStatement {
     std::int32_t fileName;        ///< number of the file, from 1
     std::uint32_t address = 0;    ///< the location counter at its start
     KO_Args args;                 ///< its operands
-    const lsArg* refused = nullptr;  ///< the operand at fault, by `Refuse`; null: the mnemonic is
+    const lsArg* refused = nullptr;  ///< the operand at fault, set by `Refuse`; null: the mnemonic
 
     [[nodiscard]] bool HasLabel() const { return label.data() != nullptr; }
     /// The character that ended `token`; 0 is the end of the line.

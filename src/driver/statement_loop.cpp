@@ -1,7 +1,7 @@
-// The loop over the statements of one file, the heart of the assembler. A logical line is cut in
-// place into label, mnemonic and operand text, and the handler of the mnemonic runs. The loop does
-// the rest: a label that is not defined yet, the message for a bad result, the debug record. On its
-// normal path the loop allocates nothing.
+// The loop over the statements of one file, the heart of the assembler. A logical line is split in
+// place into label, mnemonic and operand text, and the handler of the mnemonic is called. The loop
+// does the rest: it defines the label if the handler has not, reports a bad result, and adds the
+// debug record. On its normal path, the loop allocates nothing.
 
 #include "codegen/handlers.h"
 #include "codegen/recogniser.h"
@@ -13,12 +13,12 @@
 namespace korv {
 namespace {
 
-// `token`, cut to the length of the longest word.
+// `token`, truncated to the length of the longest word.
 std::string_view Word(std::string_view token) {
     return token.substr(0, maxWord);
 }
 
-// Cuts off the label at the start of the line. Result: the text after it.
+// Splits off the label at the start of the line. Result: the text after it.
 const char* CutLabel(CAssembler* assembler, CStatement* statement) {
     const char* const start = statement->text;
     const char* end = start + 1;
@@ -45,13 +45,13 @@ const char* CutLabel(CAssembler* assembler, CStatement* statement) {
     assembler->ReportError(statement, MSG_UNKNOWN_INSTRUCTION, Word(statement->token));
 }
 
-// Only these run while a condition skips statements.
+// Only these handlers run while a condition skips statements.
 bool RunsWhileSkipping(InstructionHandler handler) {
     return handler == AssembleIf || handler == AssembleElse || handler == AssembleEndif;
 }
 
-// Runs the handler of the mnemonic at `start`, after its frame. Result: the result of the handler;
-// 0 if there is nothing to run.
+// Performs the frame of the mnemonic at `start`, then calls its handler. Result: the failure of the
+// frame, or else the result of the handler; 0 if there is nothing to run.
 Status RunHandler(CAssembler* assembler, CStatement* statement, const char* start) {
     const Keyword* const keyword = RecogniseInstruction(start);
     if (keyword == nullptr) [[unlikely]] {
@@ -96,8 +96,8 @@ constexpr std::uint32_t stops = RF_ABORT | RF_END;
 // All flags that need work after a statement, so that the normal path has only one test.
 constexpr std::uint32_t extras = stops | RF_DEBUG | RF_NO_DEBUG_RECORD | RF_PROGRESS | RF_OBSERVED;
 
-// The work after a statement of `lineCount` physical lines and `byteCount` bytes if `bits`, the
-// flags after it, contain any of `extras`. Result: whether to read on.
+// Called after a statement of `lineCount` physical lines and `byteCount` bytes if `bits`, the flags
+// of the run, contain any of `extras`. Does the work for these flags. Result: whether to read on.
 bool FinishStatement(CAssembler* assembler, CStatement* statement, std::uint32_t bits,
                      std::uint32_t lineCount, std::uint32_t byteCount) {
     if ((bits & RF_OBSERVED) != 0) {

@@ -1,5 +1,5 @@
-/// The classes of characters for the reader, the statement loop, the operands and the scanner. They
-/// do not depend on the locale. Bytes from 0x80 up have no class.
+/// The character classes that the reader, the statement loop, the operands and the scanner use.
+/// They do not depend on the locale. Bytes from 0x80 up have no class.
 #pragma once
 
 #include <array>
@@ -16,7 +16,7 @@ inline constexpr std::uint8_t CC_LOWER = 0x10;   ///< a to z
 
 /// The characters of labels, and of names after the first character.
 inline constexpr std::uint8_t CC_NAME = CC_LETTER | CC_DIGIT | CC_HEX;
-/// The first character of a name: letters, digits, "?", "@" and "_".
+/// The characters that can begin a name: letters, digits, "?", "@" and "_".
 inline constexpr std::uint8_t CC_NAME_START = CC_LETTER | CC_HEX;
 
 /// Bits CC_*, indexed by the character as an unsigned byte.
@@ -30,7 +30,7 @@ inline constexpr auto charClass = [] {
     add("ABCDEFGHIJKLMNOPQRSTUVWXYZ", CC_LETTER);
     add("abcdefghijklmnopqrstuvwxyz", CC_LETTER | CC_LOWER);
     add("0123456789", CC_DIGIT | CC_HEX);
-    add("ABCDEFabcdefghi?@_", CC_HEX);  // up to i, unlike A to F
+    add("ABCDEFabcdefghi?@_", CC_HEX);  // small letters up to i, capitals only up to F
     add("\t\v ", CC_BLANK);
     return table;
 }();
@@ -44,7 +44,7 @@ inline constexpr auto charClass = [] {
     return HasClass(c, CC_LOWER) ? static_cast<char>(c - ('a' - 'A')) : c;
 }
 
-/// Skips the blanks at `text`, which is terminated.
+/// Skips the blanks at the start of `text`, which is terminated.
 [[nodiscard]] constexpr const char* SkipBlanks(const char* text) noexcept {
     while (HasClass(*text, CC_BLANK)) {
         ++text;
@@ -52,7 +52,7 @@ inline constexpr auto charClass = [] {
     return text;
 }
 
-/// The end of the text from `start` to `end` without the blanks at its end.
+/// The end of the text from `start` to `end` without its trailing blanks.
 template <typename Character>
 [[nodiscard]] constexpr Character* WithoutBlanks(Character* start, Character* end) noexcept {
     while (end != start && HasClass(end[-1], CC_BLANK)) {
@@ -61,7 +61,7 @@ template <typename Character>
     return end;
 }
 
-/// `text` without the blanks at its start.
+/// `text` without its leading blanks.
 [[nodiscard]] constexpr std::string_view WithoutLeadingBlanks(std::string_view text) noexcept {
     while (!text.empty() && HasClass(text.front(), CC_BLANK)) {
         text.remove_prefix(1);

@@ -20,16 +20,16 @@ class CFileNameRegistry {
     CFileNameRegistry(const CFileNameRegistry&) = delete;
     CFileNameRegistry& operator=(const CFileNameRegistry&) = delete;
 
-    /// Keeps a copy of `name`. Result: its number, from 1. If there is no memory for it, the number
-    /// is 0. If it is the table that cannot grow, that is printed as a memory failure.
+    /// Stores a copy of `name`. Result: its number, from 1; 0 if there is no memory. If the table
+    /// of names cannot grow, a memory failure is printed.
     std::int32_t AddName(std::string_view name);
 
-    /// The text for a message, valid as long as the registry: the name, or a phrase for 0 (no file)
-    /// or for a number that no file has.
+    /// The text that a message shows for `number`: the name of the file, or a phrase for 0 (no
+    /// file) or for a number that no file has. Valid as long as the registry.
     [[nodiscard]] const char* NameOf(std::int32_t number) const;
 
   private:
-    platform::Buffer names;  // owned pointers; the one of number n has the index n - 1
+    platform::Buffer names;  // owned pointers; the name of file n has the index n - 1
     std::int32_t count = 0;
 };
 

@@ -1,4 +1,4 @@
-// Entering and leaving source files. The main file and an include file are entered the same way.
+// Enters and leaves source files. The main file and an included file are entered in the same way.
 
 #include <algorithm>
 #include <memory>
@@ -31,7 +31,7 @@ Status CAssembler::AssembleIncludeFile(std::string_view name) {
     return status;
 }
 
-// Result: that of `AssembleIncludeFile`.
+// Result: as for `AssembleIncludeFile`.
 Status CAssembler::EnterFile(std::string_view name) {
     platform::FoundPath file;
     if (const Status status = sources->Find(name, &file); status != 0) {
@@ -85,8 +85,8 @@ Status CAssembler::OpenAndRun(const std::string& path, std::int32_t fileNumber) 
 }
 
 Status AssembleInclude(CAssembler* assembler, CStatement* statement) {
-    // The text as written: its value as an expression does not matter, and quotes are part of the
-    // name.
+    // The operand as written: its value as an expression does not matter, and quotes are part of
+    // the name.
     const lsArg& arg = statement->args.First();
     const std::string_view name = arg.text;
     TraceFile(assembler, "INCLUDING", name);

@@ -13,14 +13,15 @@ inline constexpr char endOfText = 0x1A;
 
 /// The key to the rules is the last significant character. It decides where trailing blanks begin
 /// and whether the line is continued. It is not updated for each byte, but found when it is needed,
-/// by walking back over blanks from the end of the stored text. After a continuation it is the
-/// backslash, which remains there until something overwrites it. So an empty line after a
-/// continuation continues the line again.
+/// by walking back over blanks from the end of the stored text. After a continuation, it is the
+/// backslash until other text overwrites that, so an empty line after a continuation continues the
+/// line again.
 ///
-/// A caller can map characters of the line to the file by `size`: before a byte is taken, it is the
-/// index at which the byte will be stored, and it does not grow if the byte is dropped.
+/// A caller can use `size` to map characters of the line to the file. Before a byte is taken,
+/// `size` is the index at which the byte will be stored; if the byte is dropped, `size` does not
+/// grow.
 struct LineCleaner {
-    /// Takes the next byte of the file. False: it is the line feed that ends the line.
+    /// Processes the next byte of the file. False: it is the line feed that ends the line.
     bool Take(char c) {
         ++taken;
         if (c == '\n') {
@@ -39,13 +40,13 @@ struct LineCleaner {
         return end == line + segment ? endBefore : static_cast<std::size_t>(end - line);
     }
 
-    /// Length of the text.
+    /// The length of the cleaned text.
     [[nodiscard]] std::size_t Length() const {
         const std::size_t end = SignificantEnd();
         return isComment ? commentStart : end == 0 ? size : end;
     }
 
-    /// Terminates the text. If nothing follows a backslash at its end, the backslash is dropped.
+    /// Terminates the text. If no text follows the last continuation, its backslash is dropped.
     void Finish() {
         line[size] = '\0';
         line[Length()] = '\0';
@@ -73,7 +74,7 @@ struct LineCleaner {
         line[size++] = isComment || isString ? c : Raised(c);
     }
 
-    // Whether the line is continued after a line feed. The text that follows replaces the
+    // Whether the line continues after a line feed. If it does, the text that follows replaces the
     // backslash.
     bool Continues() {
         const std::size_t end = SignificantEnd();

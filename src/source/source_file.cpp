@@ -1,7 +1,7 @@
-// The reader. Nearly every line is plain text in one piece, perhaps with strings and a comment. It
-// is copied in chunks and converted to upper case in the same step; only a chunk with a byte that
-// needs attention is examined more closely. All other lines are read byte by byte: those with
-// continuations or odd bytes, and those at the end of a block.
+// The reader. Nearly every line is plain text in one piece, perhaps with strings and a comment.
+// Such a line is copied in chunks and converted to upper case in the same step; only a chunk with a
+// byte that needs attention is examined more closely. All other lines are read byte by byte: those
+// with continuations or unusual bytes, and those at the end of a block.
 
 #include "source/source_file.h"
 
@@ -25,14 +25,14 @@ enum class Run { plain, string, comment };
 constexpr std::size_t chunkSize = 16;
 using Chunk __attribute__((vector_size(chunkSize))) = std::uint8_t;
 using SignedChunk __attribute__((vector_size(chunkSize))) = std::int8_t;
-// Targets differ in how a call passes them, but all these calls are within this file.
+// Targets differ in how calls pass these vectors, but all such calls are within this file.
 #pragma GCC diagnostic ignored "-Wpsabi"
 
 Chunk All(char c) {
     return Chunk{} + static_cast<std::uint8_t>(c);
 }
 
-// Marks the bytes whose values are from `first` to `last`. This range is first moved to the lowest
+// Marks the bytes whose values are from `first` to `last`. The range is first shifted to the lowest
 // signed numbers, since vector instructions compare signed numbers.
 template <char first, char last>
 auto Between(Chunk bytes) {
@@ -54,7 +54,7 @@ auto AttentionIn(Chunk bytes) {
     return attention;
 }
 
-// Index of the first byte that is not 0; the size of a chunk for none.
+// The index of the first byte that is not 0; the size of a chunk if all bytes are 0.
 template <typename Mask>
 std::size_t FirstIn(Mask mask) {
 #ifdef __SSE2__
@@ -72,10 +72,10 @@ std::size_t FirstIn(Mask mask) {
 #endif
 }
 
-// Copies the bytes at `from` up to the first one that needs attention, at most a chunk, with the
-// letters of plain text in upper case. Comments are not copied. Always reads a whole chunk, and
-// writes one unless it is in a comment. Result: the number of bytes before the one that needs
-// attention.
+// Copies the bytes at `from` up to the first one that needs attention, but at most a chunk. Letters
+// of plain text are converted to upper case; comments are not copied. Always reads a whole chunk
+// and, except in a comment, writes a whole chunk. Result: the number of bytes before the one that
+// needs attention.
 template <Run run>
 std::size_t CopyChunk(const std::uint8_t* from, char* to) {
     Chunk bytes;
@@ -90,8 +90,9 @@ std::size_t CopyChunk(const std::uint8_t* from, char* to) {
     return length;
 }
 
-// Copies chunks from `*next` to `*out`, and advances both, up to a byte that needs attention.
-// False: there is none up to `lastChunk`, the last position at which a whole chunk may be read.
+// Copies chunks from `*next` to `*out` up to a byte that needs attention, and advances both
+// pointers. `lastChunk` is the last position at which a whole chunk may be read. False: no byte
+// that needs attention was found by then.
 template <Run run>
 bool CopyRun(const std::uint8_t** next, char** out, const std::uint8_t* lastChunk) {
     while (*next <= lastChunk) {
@@ -105,8 +106,8 @@ bool CopyRun(const std::uint8_t** next, char** out, const std::uint8_t* lastChun
     return false;
 }
 
-// The characters that need attention at the end of a line: blanks, and the backslash that continues
-// it. A table, since every line is checked.
+// The characters that need attention at the end of a line: blanks, and the backslash of a
+// continuation. They are in a table, since every line is checked.
 constexpr auto isOddEnd = [] {
     std::array<bool, 256> table{};
     for (std::size_t byte = 0; byte < table.size(); ++byte) {
@@ -148,7 +149,7 @@ void CSourceFile::TakeBlock(const std::uint8_t* block, std::size_t count) {
     endOfChunks = block + (count > chunkSize ? count - chunkSize : 0);
 }
 
-// False: there are no more.
+// Reads the next block. False: there are no more bytes.
 bool CSourceFile::ReadBlock() {
     if (isInMemory) {
         return false;
@@ -164,8 +165,8 @@ Status CSourceFile::ReadLine(char* line, std::uint32_t maxLength, std::uint32_t*
                : ReadAnyLine(line, maxLength, bytesOut, linesOut);
 }
 
-// Reads the next line in the usual case: it is in one piece in the buffer and is not continued.
-// False: it is another case, and nothing has been read.
+// Reads the next line in the usual case: the line is in one piece in the buffer and is not
+// continued. False: this is not the usual case, and nothing has been read.
 inline bool CSourceFile::ReadPlainLine(char* line, std::uint32_t maxLength, std::uint32_t* bytesOut,
                                        std::uint32_t* linesOut) {
     const std::uint8_t* next = readPosition;
@@ -200,8 +201,9 @@ inline bool CSourceFile::ReadPlainLine(char* line, std::uint32_t maxLength, std:
 }
 
 // Copies the rest of a line that does not end in its first chunk: strings, a comment, the carriage
-// return at the end. Chunks are read and written whole, so it gives up near the end of the buffer
-// or of the longest line. False: it has given up there, or at another byte that it does not handle.
+// return at the end. Chunks are read and written whole, so this function gives up near the end of
+// the buffer and near the longest length of a line. False: it has given up there, or at a byte that
+// it does not handle.
 bool CSourceFile::CopyToLineFeed(const std::uint8_t** next, char** out, std::uint32_t maxLength,
                                  bool* hasComment) {
     if (maxLength < chunkSize) {

@@ -1,5 +1,5 @@
-/// One source file as logical lines. It is read in large blocks, and cleaned in the same pass that
-/// cuts the lines.
+/// Reads one source file as logical lines. The file is read in large blocks; one pass splits it
+/// into lines and cleans them.
 #pragma once
 
 #include <cstddef>
@@ -17,23 +17,23 @@ class CSourceFile {
     /// Opens the file `name`, exactly as spelled, with a read buffer of at most `maxBufferSize`
     /// bytes. A file without a size, such as a pipe, gets a buffer of that size.
     CSourceFile(std::string_view name, std::uint32_t maxBufferSize);
-    /// A file that has been read already, with the contents `text`, which is not owned.
+    /// A file that has already been read. `text` has its contents and is not owned.
     [[nodiscard]] static CSourceFile OfText(std::string_view text);
 
-    /// The least room for a line, even if the longest line allowed is shorter.
+    /// The least room that a line buffer must have, even if the longest line allowed is shorter.
     static constexpr std::size_t leastRoom = 32;
 
     /// Reads the next logical line into `line` as terminated text. There must be room for
-    /// `maxLength` + 1 characters, and at least for `leastRoom`. Letters outside double quotes are
+    /// `maxLength` + 1 characters, and for at least `leastRoom`. Letters outside double quotes are
     /// converted to upper case; the comment, carriage returns and trailing blanks are removed;
     /// physical lines that end in a backslash are joined. A line of only blanks keeps them. Result:
-    /// 0, `endOfFile`, or MSG_LINE_TOO_LONG when the line takes more than `maxLength` bytes of the
-    /// file. `bytesOut` receives the bytes taken from the file and `linesOut` the line feeds among
-    /// them, unless the line is too long.
+    /// 0, `endOfFile`, or MSG_LINE_TOO_LONG if the line has more than `maxLength` bytes in the
+    /// file. Unless the line is too long, `bytesOut` receives the number of bytes read from the
+    /// file, and `linesOut` the number of line feeds among them.
     [[nodiscard]] Status ReadLine(char* line, std::uint32_t maxLength, std::uint32_t* bytesOut,
                                   std::uint32_t* linesOut);
 
-    /// Size of the file in bytes when it was opened; 0 when it is not open or has no size.
+    /// Size of the file in bytes when it was opened; 0 if it is not open or has no size.
     [[nodiscard]] std::uint32_t FileSize() const { return fileSize; }
     /// 1 if the file is open and has its buffer, else 0.
     [[nodiscard]] std::int32_t IsOpen() const { return OpenStatus() == 0 ? 1 : 0; }
@@ -58,7 +58,8 @@ class CSourceFile {
     std::uint32_t bufferSize = 0;  // bytes
     const std::uint8_t* readPosition = nullptr;
     const std::uint8_t* endOfData = nullptr;
-    // A chunk that starts before this is in the buffer, with one more byte after it.
+    // A chunk that starts before this position is wholly in the buffer, and so is the byte after
+    // it.
     const std::uint8_t* endOfChunks = nullptr;
     std::uint32_t fileSize = 0;
     bool isInMemory = false;  // the whole text is in memory; there is no stream and no buffer

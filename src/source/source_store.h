@@ -1,4 +1,4 @@
-/// The interface through which a run gets its files: from the disk (`driver/disk_store.h`), or from
+/// The interface through which a run gets its files: from the disk (`driver/disk_store.h`) or from
 /// texts in memory.
 #pragma once
 
@@ -15,12 +15,12 @@ namespace korv {
 /// All bytes of a file that is not a source.
 struct FileBytes {
     platform::FoundPath found;
-    std::string_view bytes;  ///< in `buffer`, or in the store until its next call
+    std::string_view bytes;  ///< in `buffer`, or in the store until the next call to it
     platform::Buffer buffer;
 };
 
-/// Resolves the names of files in a source, and opens the files. `Enter` and `Leave` nest: a name
-/// is relative to the file that was entered last; the name of the main file is relative to the
+/// Resolves the file names in a source, and opens the files. `Enter` and `Leave` nest: a name is
+/// relative to the file that was entered last; the name of the main file is relative to the
 /// directory in which the run began.
 class SourceStore {
   public:
@@ -33,8 +33,8 @@ class SourceStore {
     /// Enters the source `file`, a result of `Find`. False: its directory cannot be entered. Each
     /// call needs a `Leave`, whatever its result.
     [[nodiscard]] virtual bool Enter(const platform::FoundPath& file) = 0;
-    /// Opens the source entered last, by its `path`, with a read buffer of at most `bufferSize`
-    /// bytes if it needs one.
+    /// Opens the source entered last, which has the path `path`. If it needs a read buffer, that
+    /// has at most `bufferSize` bytes.
     [[nodiscard]] virtual CSourceFile Open(const std::string& path, std::uint32_t bufferSize) = 0;
     /// Leaves the source entered last. If that fails, the result is the directory that cannot be
     /// entered again.

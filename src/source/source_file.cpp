@@ -202,8 +202,8 @@ inline bool CSourceFile::ReadPlainLine(char* line, std::uint32_t maxLength, std:
 
 // Copies the rest of a line that does not end in its first chunk: strings, a comment, the carriage
 // return at the end. Chunks are read and written whole, so this function gives up near the end of
-// the buffer and near the longest length of a line. False: it has given up there, or at a byte that
-// it does not handle.
+// the buffer and near `maxLength`. False: it has given up there, or at a byte that it does not
+// handle.
 bool CSourceFile::CopyToLineFeed(const std::uint8_t** next, char** out, std::uint32_t maxLength,
                                  bool* hasComment) {
     if (maxLength < chunkSize) {

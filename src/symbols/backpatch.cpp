@@ -1,12 +1,13 @@
-// Resolves forward references. A patch is evaluated. If that gives an EQU its value, everything
-// that waited for the EQU is evaluated next, including further EQUs. This is recursive, as deep as
-// the source makes it; so the recursion does not use the call stack.
+// Resolves forward references by evaluating patches. If a patch gives an EQU its value, everything
+// that waited for the EQU is evaluated next, including further EQUs. The source determines the
+// depth of this recursion, so the recursion does not use the call stack.
 //
-// - A chain owns its patches. The code that takes a chain from its identifier becomes their owner,
-//   processes each once and then frees it; so `next` is read before a patch is freed.
-// - The patches in progress form a stack through `parent`, from a patch to the EQU patch whose
-//   value released it. The first patch of a chain gets its `parent` when the chain is released,
-//   each further one just before it is processed.
+// - A chain owns its patches. The code that removes a chain from its identifier takes ownership of
+//   the patches, processes each patch once and then frees it. So `next` is read before a patch is
+//   freed.
+// - The patches in progress form a stack: the `parent` of a patch is the EQU patch that released
+//   it. The first patch of a chain gets its `parent` when the chain is released; each further patch
+//   gets it just before it is processed.
 // - The caller owns and frees the root.
 
 #include <string>
@@ -41,7 +42,7 @@ class Backpatcher {
 
     CAssembler* const assembler;
     CIdentifierManager& identifiers;
-    CPatchInfo* released = nullptr;  // owned; the chain that the last EQU has released
+    CPatchInfo* released = nullptr;  // owned; the chain that the last EQU released
 };
 
 // Processes the chain that the EQU patch `root` has released, and everything that follows from it.
@@ -54,7 +55,8 @@ Status Backpatcher::WorkReleased(CPatchInfo* root) {
     return result;
 }
 
-// Evaluates one patch and writes its value, or gives it to an EQU, which may release a chain.
+// Evaluates one patch and writes its value, or assigns the value to an EQU, which may release a
+// chain.
 Status Backpatcher::WorkPatch(CPatchInfo* patch) {
     identifiers.Trace("Backpatching: [", patch->identifier->Name(), "]\n");
     std::int32_t value = patch->identifier->value;
@@ -83,9 +85,10 @@ Status Backpatcher::EvaluatePatch(const CPatchInfo& patch, std::int32_t* value) 
     return status;
 }
 
-// `patch` has been processed, with `result`. The chain that it has released comes next, or else the
-// next patch of its own chain. At the end of a chain the patch above it is done too. Result: the
-// patch to process next; null when `root` is done.
+// Called when `patch` has been processed with `result`. If `patch` has released a chain, that chain
+// is processed next; otherwise, the next patch of its own chain is. At the end of a chain, the
+// patch that released the chain is done too. Result: the patch to process next; null when `root` is
+// done.
 CPatchInfo* Backpatcher::Next(CPatchInfo* patch, const CPatchInfo* root, Status* result) {
     if (released != nullptr) {
         released->parent = patch;
@@ -103,7 +106,7 @@ CPatchInfo* Backpatcher::Next(CPatchInfo* patch, const CPatchInfo* root, Status*
             }
             identifiers.Trace("\n");
         } else {
-            // The first failure ends the chain: the patches after it are given up.
+            // The first failure ends the chain: the patches after it are discarded.
             identifiers.Trace("Error backpatching!\n");
             while (next != nullptr) {
                 CPatchInfoMemBlock::FreePatchInfo(std::exchange(next, next->next));
@@ -144,7 +147,8 @@ Status Backpatcher::ResolveEqu(const CPatchInfo& patch, std::int32_t value) {
     return 0;
 }
 
-// Overwrites the placeholder of a patch. A value out of range is written too, cut to its low bits.
+// Overwrites the placeholder of a patch. A value out of range is written too, truncated to its low
+// bits.
 Status Backpatcher::WritePatch(const CPatchInfo& patch, std::int32_t value) {
     const ValueRange& range = RangeOf(patch.flags);
     if ((patch.flags & PF_RELATIVE) != 0) {

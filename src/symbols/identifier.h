@@ -1,5 +1,5 @@
 /// The record of a name: label, EQU identifier, reserved word, version identifier, or a name that
-/// was only used.
+/// has only been used.
 #pragma once
 
 #include <cstdint>
@@ -20,7 +20,7 @@ inline constexpr std::uint32_t IDF_RESOLVED = 0x040;  ///< `value` is known
 inline constexpr std::uint32_t IDF_INTERNAL = 0x200;  ///< built in; left out of the listing
 inline constexpr std::uint32_t IDF_RESERVED = 0x800;  ///< may not be defined by a source line
 
-/// The flags with which a record is entered. A name that was only used has none.
+/// The flags with which a record is entered. A name that has only been used has no flags.
 inline constexpr std::uint32_t IDS_LABEL = IDF_LABEL | IDF_16BIT | IDF_RESOLVED;
 inline constexpr std::uint32_t IDS_EQU = IDF_EQU | IDF_16BIT | IDF_RESOLVED;
 inline constexpr std::uint32_t IDS_EQU_WAITING = IDF_EQU | IDF_16BIT;
@@ -28,7 +28,7 @@ inline constexpr std::uint32_t IDS_RESERVED_WORD = IDF_RESERVED | IDF_INTERNAL;
 inline constexpr std::uint32_t IDS_SYSTEM = IDF_RESERVED | IDF_INTERNAL | IDF_RESOLVED;
 
 struct CIdentifier {
-    std::uint32_t bucket = 0;  ///< for the order of the listing; set for sorting
+    std::uint32_t bucket = 0;  ///< for the order of the listing; set by `SortForListing`
     std::uint32_t flags = 0;
     const char* name = nullptr;  ///< in the name pool or constant; never moves
     std::uint32_t nameLength = 0;

@@ -16,8 +16,8 @@ std::uint32_t BucketOf(std::string_view name) {
         h = h * 16 + static_cast<std::uint32_t>(static_cast<signed char>(c));
         const std::uint32_t g = h & 0xF0000000;
         if (g != 0) {
-            // An arithmetic shift, unlike in the published hash: the order of listings depends on
-            // it.
+            // Unlike in the published hash, this shift is arithmetic: the order of listings depends
+            // on it.
             h ^= static_cast<std::uint32_t>(static_cast<std::int32_t>(g) >> 24);
             h ^= g;
         }
@@ -25,7 +25,7 @@ std::uint32_t BucketOf(std::string_view name) {
     return (h & 0x7FFFFFFF) % tableSize;
 }
 
-// A line of the listing.
+// Writes one line of the listing.
 void PutLine(ReportWriter* out, const CIdentifier& record, std::string_view fileName) {
     out->Put(record.Name());
     char* to = PutPadding(out->Room(80), record.nameLength, 15);

@@ -1,4 +1,4 @@
-/// The listing of the identifiers, and its order, which the reports of unresolved names follow too.
+/// The listing of the identifiers. Unresolved names are reported in the order of the listing.
 #pragma once
 
 #include <cstdint>
@@ -11,11 +11,12 @@ namespace korv {
 
 class CFileNameRegistry;
 
-/// Buckets of the listing. The bucket of a name follows from a hash that no lookup uses.
+/// The number of buckets in the listing. The bucket of a name is computed from a hash that no
+/// lookup uses.
 inline constexpr std::uint32_t tableSize = 211;
 
-/// Sorts `records` by bucket, and by name within one. Needs no memory, since reports are made even
-/// if none is left.
+/// Sorts `records` by bucket, and by name within a bucket. Needs no memory, since reports are
+/// written even if none is left.
 void SortForListing(std::span<CIdentifier*> records);
 
 /// Writes the listing of the sorted `records`, without the built-in names.

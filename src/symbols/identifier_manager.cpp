@@ -44,7 +44,7 @@ void CIdentifierManager::AddID(const Definition& definition) {
     }
 }
 
-// Reports that the name of `definition` may not be defined, or not again.
+// Reports that the name of `definition` is reserved or is already defined.
 void CIdentifierManager::Refuse(const Definition& definition, bool isReserved) {
     Trace(isReserved ? "Attempt to use command/instruction as a label! [" : "Label redefinition! [",
           definition.name, "]\n");
@@ -52,7 +52,8 @@ void CIdentifierManager::Refuse(const Definition& definition, bool isReserved) {
                              definition.place);
 }
 
-// `identifier` had only been used and is defined now. If it has a value, its patches are applied.
+// Called when `identifier`, which had only been used, has been defined. Applies its patches if it
+// has a value.
 void CIdentifierManager::ApplyPatches(CIdentifier* identifier) {
     if ((identifier->flags & IDF_RESOLVED) == 0) {
         Trace("Could not backpatch yet! [", identifier->Name(), "]\n");
@@ -74,8 +75,8 @@ void CIdentifierManager::ApplyPatches(CIdentifier* identifier) {
 }
 
 Status CIdentifierManager::AddPatch(std::string_view name, CPatchInfo* patch) {
-    // This is usually the name that has just been found without a value. Looking it up again would
-    // cost 1 % of all instructions.
+    // This is usually the name for which `FindID` has just found no value. Looking it up again
+    // would cost 1 % of all instructions.
     const bool isMissing = name.data() == missing.text.data() && name.size() == missing.text.size();
     const HashedName hashed = isMissing ? missing : HashedName(name);
     CIdentifier* const known = isMissing && waiting != nullptr ? waiting : index.Find(hashed);

@@ -1,5 +1,5 @@
 /// All names of a run in one flat table: labels, EQU identifiers, reserved words, version
-/// identifiers, and names that were only used. A record also has the patches that wait for its
+/// identifiers, and names that have only been used. A record also has the patches that wait for its
 /// value, so that all forward references to a name are filled in when it is defined.
 #pragma once
 
@@ -25,7 +25,7 @@ namespace korv {
 class CAssembler;
 class DebugStream;
 
-/// For `AddID`: a name and its definition. The name must be valid only during the call.
+/// The argument of `AddID`: a name and its definition. The name need only be valid during the call.
 struct Definition {
     std::string_view name;
     SourcePlace place;
@@ -35,16 +35,17 @@ struct Definition {
 
 class CIdentifierManager {
   public:
-    /// An empty table for the run of `assembler`, which is not owned. Patches are evaluated by it
-    /// and written to its image; messages are reported to its lists.
+    /// An empty table. `assembler` evaluates the patches; its image receives their bytes, and its
+    /// lists receive the messages. It is not owned.
     explicit CIdentifierManager(CAssembler* assembler);
     ~CIdentifierManager() { ReleasePatches(); }
 
-    /// Traces patches to `newLog`, not owned; null for no trace. Result: the previous one.
+    /// Traces patches to `newLog`, which is not owned; null turns the trace off. Result: the
+    /// previous log.
     DebugStream* SetLog(DebugStream* newLog) { return std::exchange(log, newLog); }
 
-    /// Defines a name. A name that was only used so far gets its definition, and its patches are
-    /// applied, newest first. Refused definitions and failures of patches are reported here.
+    /// Defines a name. If the name has only been used so far, its patches are applied, newest
+    /// first. Refused definitions and failed patches are reported here.
     void AddID(const Definition& definition);
 
     /// Reserves `words`, which must live as long as the table and must not be in it yet. They count
@@ -56,8 +57,8 @@ class CIdentifierManager {
 
     /// The record of `name`, with or without a value; null if there is none.
     [[nodiscard]] CIdentifier* Find(const HashedName& name) const { return index.Find(name); }
-    /// The value of `name`, which is marked as read. Result: 0 with `value`, or MSG_UNRESOLVED: a
-    /// name that waits and one never seen are not distinguished.
+    /// Reads the value of `name` and marks the name as used. Result: 0 with `value`, or
+    /// MSG_UNRESOLVED if the name has no value yet or has never been seen.
     [[nodiscard]] Status FindID(std::string_view name, std::int32_t* value) {
         const HashedName hashed = name;
         CIdentifier* const record = index.Find(hashed);
@@ -76,17 +77,19 @@ class CIdentifierManager {
     /// `FindID`. Result: 0, or the result of `Backpatch` if the name has a value.
     Status AddPatch(std::string_view name, CPatchInfo* patch);
 
-    /// Takes the chain of patches from `identifier`. Result: the chain, which the caller owns.
+    /// Removes the chain of patches from `identifier`. Result: the chain, which the caller then
+    /// owns.
     [[nodiscard]] CPatchInfo* TakePatches(CIdentifier* identifier);
 
-    /// Evaluates a patch whose identifier now has a value. The caller has taken it from its chain
-    /// and still owns it. Writes the result, or gives it to a waiting EQU and continues with
-    /// everything that waits for that. If another name has no value yet, a copy of the patch waits
-    /// for it. Result: 0; 20 (MSG_BAD_EXPRESSION); 28 (MSG_OFFSET_TOO_BIG); `patchFailed` for a
-    /// failure below an EQU.
+    /// Evaluates a patch whose identifier now has a value. The caller has removed the patch from
+    /// its chain and still owns it. Writes the result, or assigns it to a waiting EQU and continues
+    /// with everything that waits for the EQU. If another name in the expression has no value yet,
+    /// a copy of the patch waits for that name. Result: 0; 20 (MSG_BAD_EXPRESSION); 28
+    /// (MSG_OFFSET_TOO_BIG); `patchFailed` if a patch that waited for an EQU fails, or if the EQU
+    /// is not in the table.
     Status Backpatch(CPatchInfo* patch);
 
-    /// Reports every name that something still waits for.
+    /// Reports every name that a patch still waits for.
     void ReportUnresolved();
 
     /// Releases the patches that still wait. Called at the end of a run, before the pool of their
@@ -100,11 +103,11 @@ class CIdentifierManager {
 
     /// Names in the table, of every kind, including reserved words without a record.
     [[nodiscard]] std::int32_t TotalCount() const { return totalCount; }
-    /// Records that have been made.
+    /// The number of records.
     [[nodiscard]] std::int32_t RecordCount() const {
         return static_cast<std::int32_t>(records.size());
     }
-    /// The record `number`, from 0, in the order of the first uses of the names.
+    /// The record `number`, from 0, in the order in which the names first occurred.
     [[nodiscard]] const CIdentifier& Record(std::int32_t number) const {
         return *records[static_cast<std::size_t>(number)];
     }
@@ -130,8 +133,8 @@ class CIdentifierManager {
     const WordSet* reservedWords = nullptr;  // not owned
     CNamePool namePool;
     CNameIndex index;
-    HashedName missing;              // the last name found without a value; its text may be gone
-    CIdentifier* waiting = nullptr;  // its record, if it had one
+    HashedName missing;              // the last name that had no value; its text may be gone
+    CIdentifier* waiting = nullptr;  // the record of `missing`, if it had one
     CAssembler* assembler;
     DebugStream* log = nullptr;
 };

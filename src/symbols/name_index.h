@@ -17,7 +17,8 @@
 
 namespace korv {
 
-/// The bytes at `from` as a number, in the order of the machine: for hashing and comparing only.
+/// The bytes at `from` as a number, in the byte order of the machine: only for hashing and
+/// comparing.
 template <typename Word>
 [[nodiscard]] constexpr Word LoadWord(const char* from) {
     std::array<char, sizeof(Word)> bytes{};
@@ -25,8 +26,9 @@ template <typename Word>
     return std::bit_cast<Word>(bytes);
 }
 
-/// The `size` bytes at `text`, 0 to 8, as one number: by two loads that may overlap. Each byte of
-/// the text is a byte of the number, so no other text of that length gives the same number.
+/// The `size` bytes at `text`, 0 to 8, as one number. Four bytes or more take two loads, which may
+/// overlap. Each byte of the text is a byte of the number, so no other text of the same length has
+/// the same number.
 [[nodiscard]] constexpr std::uint64_t TailOf(const char* text, std::size_t size) {
     if (size >= 4) {
         return static_cast<std::uint64_t>(LoadWord<std::uint32_t>(text)) << 32 |
@@ -42,9 +44,9 @@ template <typename Word>
 /// listing.
 ///
 /// Two names of the same length, up to 8, never have the same hash: their tails differ, and each
-/// further step can be undone. (The length is the same number for both, an odd factor has an
-/// inverse modulo 2 to the 64, and the shift with exclusive or can be inverted too.) `CNameIndex`
-/// relies on this and compares no text of such names; comparing them too costs 3 % of all
+/// further step can be undone. (The length is the same for both, an odd factor has an inverse
+/// modulo 2 to the 64, and the shift with exclusive or can also be inverted.) `CNameIndex` relies
+/// on this and does not compare the texts of such names; comparing them would cost 3 % of all
 /// instructions.
 [[nodiscard]] constexpr std::uint64_t HashOf(std::string_view name) {
     constexpr std::uint64_t multiplier =
@@ -60,7 +62,7 @@ template <typename Word>
     return hash ^ hash >> 32;
 }
 
-/// Whether the characters at `other` are those of `text`, which has more than 8. Compares 8 at a
+/// Whether the characters at `other` equal those of `text`, which has more than 8. Compares 8 at a
 /// time: a call to the general routine would cost more than the comparison.
 [[nodiscard]] inline bool EqualTexts(const char* other, std::string_view text) {
     const auto differAt = [&](std::size_t i) {
@@ -74,8 +76,8 @@ template <typename Word>
     return !differAt(text.size() - 8);
 }
 
-/// A name with its hash, which is needed again when a name that was not found is entered. Plain
-/// text converts to it.
+/// A name with its hash. If the name is not found and is then entered, its hash is needed again.
+/// Plain text converts to a hashed name.
 struct HashedName {
     constexpr HashedName() = default;
     constexpr HashedName(std::string_view text, std::uint64_t hash) : text(text), hash(hash) {}
@@ -111,15 +113,15 @@ struct PoolAllocator {
     CNamePool* pool;
 };
 
-/// Open addressing, at most half full; nothing is ever removed. The hash is quick and not secret,
-/// so a source can be crafted whose names all have one place. Hence a name is at most
-/// `longestProbe` entries from its place, and names that find no room there are kept in a sorted
-/// tree. So no choice of names makes a lookup slower than a search in that tree, and ordinary names
-/// hardly ever reach it. A secret seed would do as well, but then two runs would not take the same
-/// steps.
+/// A hash table with open addressing, at most half full; nothing is ever removed. The hash is quick
+/// and not secret, so all names of a malicious source may have the same place. Therefore a name is
+/// stored in one of the `longestProbe` entries from its place on. If these are all taken, the name
+/// is kept in a sorted tree. No choice of names makes a lookup slower than a search in that tree,
+/// and ordinary names hardly ever need it. A secret seed would also help, but then two runs would
+/// not take the same steps.
 class CNameIndex {
   public:
-    /// An empty index. Names that hash badly take memory from `pool`, which is not owned.
+    /// An empty index. The tree allocates its memory from `pool`, which is not owned.
     explicit CNameIndex(CNamePool* pool)
         : overflow(PoolAllocator<std::pair<const HashedName, CIdentifier*>>(pool)) {}
     ~CNameIndex();
@@ -140,7 +142,8 @@ class CNameIndex {
         return FindInOverflow(name);
     }
 
-    /// Enters `record`, not owned. Its name must have the given hash and must not be there yet.
+    /// Enters `record`, which is not owned. Its name must have the given hash and must not be in
+    /// the index yet.
     void Insert(CIdentifier* record, std::uint64_t hash) {
         if (left == 0) [[unlikely]] {
             Grow();
@@ -162,15 +165,14 @@ class CNameIndex {
     [[nodiscard]] Entry* PlaceOf(std::uint64_t hash) const {
         return &entries[static_cast<std::uint32_t>(hash) & mask];
     }
-    // Whether the name of `record`, which has the same hash, is `text`. See `HashOf` for short
-    // names.
+    // Whether the name of `record` is `text`; their hashes are equal. See `HashOf` for short names.
     [[nodiscard]] static bool IsName(const CIdentifier& record, std::string_view text) {
         return record.nameLength == text.size() &&
                (text.size() <= 8 || EqualTexts(record.name, text));
     }
     [[nodiscard]] CIdentifier* FindInOverflow(const HashedName& name) const;
     void Grow();
-    // False: there is no room near its place.
+    // Stores `entry` near its place. False: there is no room.
     bool PlaceNear(Entry entry) {
         Entry* at = PlaceOf(entry.hash);
         for (int i = 0; i < longestProbe; ++i, ++at) {
@@ -186,9 +188,9 @@ class CNameIndex {
     static constexpr std::uint32_t firstPlaces = 128;
 
     // There are `longestProbe` more entries than places. The first array is part of the index, so a
-    // run with few names allocates none.
+    // run with few names allocates no array.
     std::array<Entry, firstPlaces + longestProbe> firstEntries{};
-    Entry* entries = firstEntries.data();  // owned unless they are the first ones
+    Entry* entries = firstEntries.data();  // owned unless it is `firstEntries`
     std::uint32_t mask = firstPlaces - 1;  // the number of places, a power of 2, less 1
     std::uint32_t left = firstPlaces / 2;  // places to fill before the table grows
     // Names that found no room: all entries near their place are taken.

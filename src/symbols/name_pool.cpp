@@ -10,7 +10,7 @@ namespace korv {
 
 struct CNamePool::Block {
     Block* next;
-    alignas(std::max_align_t) char memory[1];  // `blockSize` bytes, more for a name that is longer
+    alignas(std::max_align_t) char memory[1];  // `blockSize` bytes, or more for a longer name
 };
 
 CNamePool::CNamePool(std::FILE* console) : console(console) {

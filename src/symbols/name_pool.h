@@ -11,16 +11,16 @@ namespace korv {
 /// Equal texts are not shared.
 class CNamePool {
   public:
-    /// Makes the first block. A failed allocation, here and later, is reported to `console`, which
-    /// is not owned, and ends the process.
+    /// Creates the first block. If an allocation fails, here or later, this is reported to
+    /// `console` and the process ends. `console` is not owned.
     explicit CNamePool(std::FILE* console);
     ~CNamePool();
     CNamePool(const CNamePool&) = delete;
     CNamePool& operator=(const CNamePool&) = delete;
 
-    /// Result: a terminated copy of `name`, valid as long as the pool.
+    /// Returns a terminated copy of `name`, valid as long as the pool.
     const char* Store(std::string_view name);
-    /// Memory of `size` bytes, valid as long as the pool. `alignment` is a power of 2.
+    /// Returns `size` bytes of memory, valid as long as the pool. `alignment` is a power of 2.
     void* Take(std::size_t size, std::size_t alignment);
 
   private:
@@ -30,7 +30,7 @@ class CNamePool {
     static constexpr std::size_t blockSize = 4096;
 
     std::FILE* console;
-    Block* blocks = nullptr;  // owned; the newest first; that is the current one
+    Block* blocks = nullptr;  // owned; the first is the newest and the current one
     std::size_t used = 0;     // bytes used in the current block
 };
 

@@ -25,9 +25,9 @@ inline constexpr std::uint32_t PF_NAME = 0x1000;     ///< the text is just a nam
 /// `position` of a patch that writes nothing.
 inline constexpr std::uint32_t noPosition = 0xFFFFFFFF;
 
-/// Is in a slot of a `CPatchInfoMemBlock`: created by `AllocPatchInfo` and freed by
-/// `FreePatchInfo`, which releases its strings. In between it belongs to the chain of exactly one
-/// identifier, which owns it.
+/// A patch, in a slot of a `CPatchInfoMemBlock`. `AllocPatchInfo` creates it; `FreePatchInfo`
+/// releases its strings and frees it. In between, it belongs to the chain of exactly one
+/// identifier. The chain owns its patches.
 struct CPatchInfo {
     CPatchInfoMemBlock* const owner;  ///< the block that holds the record
     const std::uint16_t slot;         ///< index in `owner`
@@ -40,9 +40,9 @@ struct CPatchInfo {
     const std::uint32_t offset;         ///< of the text in its cleaned line
     CPatchInfo* next = nullptr;         ///< next patch of the identifier's chain
     CIdentifier* identifier = nullptr;  ///< the owner of the chain; not owned
-    CPatchInfo* parent = nullptr;       ///< while an EQU is resolved: the patch above
-    CtmpString expression{};            ///< empty: the text is the name of `identifier`
-    CtmpString name{};  ///< PF_EQU: the identifier that the value defines; else empty
+    CPatchInfo* parent = nullptr;  ///< while an EQU is resolved: the patch that released this one
+    CtmpString expression{};       ///< empty: the text is the name of `identifier`
+    CtmpString name{};             ///< PF_EQU: the identifier that the value defines; else empty
 
     /// The text to evaluate again, terminated.
     [[nodiscard]] std::string_view Text() const {
@@ -55,13 +55,13 @@ struct CPatchInfo {
 };
 
 /// Records for 256 patches, at most 255 of which are in use at a time. A ring holds the free slots;
-/// freed slots are used again in the order in which they were freed. The blocks belong to the
-/// process and live until it ends.
+/// freed slots are reused in the order in which they were freed. The blocks belong to the process
+/// and live until it ends.
 class CPatchInfoMemBlock {
   public:
     static constexpr std::uint32_t slotCount = 256;
 
-    /// Makes a patch without texts. Ends the process when there is no memory for a further block.
+    /// Creates a patch without texts. Ends the process if there is no memory for another block.
     static CPatchInfo* AllocPatchInfo(std::uint32_t position, std::uint32_t flags,
                                       std::uint32_t address, const SourcePlace& place) {
         if (blocksWithRoom == nullptr) [[unlikely]] {
@@ -102,7 +102,7 @@ class CPatchInfoMemBlock {
     static void MakeBlock();
     static void ReleaseBlocks();
 
-    std::uint32_t head = 0;  // ring index of the next free slot; the ring is empty at `tail`
+    std::uint32_t head = 0;  // ring index of the next free slot; at `tail`, no slot is free
     std::uint32_t tail = slotCount - 1;          // ring index of the slot freed last
     std::uint32_t ring[slotCount];               // free slots
     CPatchInfo* records = nullptr;               // owned, raw memory for `slotCount` records

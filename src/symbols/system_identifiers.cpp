@@ -1,6 +1,6 @@
 // The names that a source may not define: the version identifiers, which expressions can read, and
-// the reserved words, which have no value. Reserving a word only keeps it from being a label:
-// mnemonics are found by the recogniser.
+// the reserved words. Reserved words have no value. Reserving a word only keeps it from being a
+// label: mnemonics are found by the recogniser.
 
 #include "symbols/system_identifiers.h"
 
@@ -20,7 +20,7 @@ constexpr Definition versionIdentifiers[] = {
     {"KORV_BUILD", {}, 25, IDS_SYSTEM},
 };
 
-// Keywords that are free as labels. All others are reserved.
+// Keywords that may be labels. All others are reserved.
 constexpr std::string_view freeKeywords[] = {"DEFB", "DEFD", "DEFM",    "DEFS",
                                              "DEFW", "END",  "MAC_OFF", "MAC_ON"};
 

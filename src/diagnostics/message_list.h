@@ -1,5 +1,5 @@
 /// The bounded lists of errors and warnings. Reporting a message neither prints anything nor stops
-/// the run: it only appends a record. The lists are printed when all the source has been read.
+/// the run: it only appends a record. The lists are printed after the whole source has been read.
 #pragma once
 
 #include <cstdint>
@@ -24,11 +24,11 @@ struct CMessage {
 inline constexpr std::int32_t ML_ERROR = 0;
 inline constexpr std::int32_t ML_WARNING = 1;
 
-/// Takes the messages in the order in which they arise, errors and warnings together, without a
-/// limit.
+/// Receives the messages in the order in which they are reported, errors and warnings together,
+/// without a limit.
 class MessageReceiver {
   public:
-    /// `kind` is the kind of the list; the others are the arguments of `Report`.
+    /// `kind` is the kind of the list (ML_*); the other arguments are those of `Report`.
     virtual void OnMessage(std::int32_t kind, std::int32_t number, std::string_view text,
                            const SourcePlace& place) = 0;
 
@@ -39,17 +39,18 @@ class MessageReceiver {
 class CMessageList {
   public:
     /// An empty list of ML_ERROR or ML_WARNING with room for `capacity` messages. The room is
-    /// allocated here: later a report needs memory only for its text, and the list works even if no
-    /// memory is left. `fileNames`, not owned, supplies the names of the files for printing.
+    /// allocated here: a later report needs memory only for its text, and the list works even if no
+    /// memory is left. `fileNames` supplies the names of the files for printing and is not owned.
     CMessageList(std::int32_t capacity, std::int32_t kind, const CFileNameRegistry* fileNames);
 
-    /// Passes all reports to `newReceiver`, not owned, instead of keeping them.
+    /// Passes all reports to `newReceiver`, which is not owned, instead of keeping them.
     void SetReceiver(MessageReceiver* newReceiver) { receiver = newReceiver; }
 
     /// Reports message `number`; `text` is copied. A view without data means no text and no
     /// brackets; an empty text is printed as empty brackets. A full list drops the message.
     void Report(std::int32_t number, std::string_view text, const SourcePlace& place = {}) {
-        // A source may have a warning for each line. Once the list is full, they cost nothing.
+        // A source may cause a warning on each line. Once the list is full, further warnings cost
+        // nothing.
         if (Count() < capacity) {
             Take(number, text, place);
         }
@@ -61,7 +62,8 @@ class CMessageList {
     void Print(ReportWriter&& to) const;
 
   private:
-    // Keeps the report, or passes it to the receiver; in that case the list stays empty.
+    // Keeps the report, or passes it to the receiver if there is one; in that case, the list stays
+    // empty.
     void Take(std::int32_t number, std::string_view text, const SourcePlace& place);
 
     std::int32_t capacity;
@@ -71,7 +73,7 @@ class CMessageList {
     MessageReceiver* receiver = nullptr;  // not owned
 };
 
-/// For `Report`: a message without a text.
+/// Passed to `Report` for a message without a text.
 inline constexpr std::string_view noText{};
 
 }  // namespace korv

@@ -1,6 +1,6 @@
-/// The messages: number, name and text of each. The list that a report is added to decides whether
-/// it is an error or a warning. This header includes no other header of the project, and all
-/// folders may include it.
+/// The messages: number, name and text of each. A report is an error or a warning depending on the
+/// list to which it is added. This header includes no other header of the project, and all folders
+/// may include it.
 #pragma once
 
 #include <algorithm>
@@ -11,8 +11,8 @@
 
 namespace korv {
 
-/// The result of a function that can fail: 0, a row of MESSAGE_TABLE, or -1, which has a separate
-/// name for each such function.
+/// The result of a function that can fail: 0, the number of a row of MESSAGE_TABLE, or -1. -1 has a
+/// separate name for each function that returns it.
 using Status = std::int32_t;
 inline constexpr Status generalFailure = -1;  ///< handlers; reported as MSG_GENERAL_FAILURE
 inline constexpr Status endOfFile = -1;       ///< CSourceFile::ReadLine

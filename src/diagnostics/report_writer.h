@@ -1,5 +1,5 @@
-/// Formats the text of a report without the routines of the library and writes it in blocks, since
-/// a listing has a line for each line of the source.
+/// Formats the text of a report without the formatting routines of the library and writes it in
+/// blocks, since a listing has a line for each line of the source.
 #pragma once
 
 #include <algorithm>
@@ -17,10 +17,10 @@ namespace korv {
 
 /// These write to `to`, which must have room, and return the position after the last character.
 inline char* PutText(char* to, std::string_view text) {
-    return to + text.copy(to, text.size());  // which accepts a view without data too
+    return to + text.copy(to, text.size());  // `copy` also accepts a view without data
 }
 
-/// The two digits of each byte.
+/// The two hexadecimal digits of each byte.
 inline constexpr auto hexadecimal = [] {
     constexpr char digits[] = "0123456789ABCDEF";
     std::array<std::array<char, 2>, 256> table{};
@@ -35,7 +35,7 @@ inline char* PutHexByte(char* to, std::uint8_t value) {
     return to + 2;
 }
 
-/// At least `minDigits` and at most 8 hexadecimal digits. There must be room for 8.
+/// Writes at least `minDigits` and at most 8 hexadecimal digits. There must be room for 8.
 inline char* PutHex(char* to, std::uint32_t value, std::size_t minDigits) {
     std::array<char, 16> all{};
     for (std::size_t i = 0; i < 4; ++i) {
@@ -46,7 +46,7 @@ inline char* PutHex(char* to, std::uint32_t value, std::size_t minDigits) {
     return to + digits;
 }
 
-/// The blanks that pad a text of `size` characters to `width` characters.
+/// Writes the blanks that pad a text of `size` characters to `width` characters.
 inline char* PutPadding(char* to, std::size_t size, std::size_t width) {
     return std::fill_n(to, std::max(size, width) - size, ' ');
 }
@@ -56,7 +56,7 @@ struct PrintableCharacter {
     std::size_t size;  ///< in bytes; 0 for a control character or invalid UTF-8
     char32_t code;
 };
-/// `text` is not empty.
+/// `text` must not be empty.
 [[nodiscard]] PrintableCharacter FirstCharacter(std::string_view text);
 
 class ReportWriter {
@@ -71,8 +71,8 @@ class ReportWriter {
     ReportWriter(const ReportWriter&) = delete;
     ReportWriter& operator=(const ReportWriter&) = delete;
 
-    /// The position at which at least `count` characters, at most a block, can be written.
-    /// `Advance` then appends them, up to `end`.
+    /// Returns the position at which at least `count` characters can be written; `count` is at most
+    /// `blockSize`. `Advance` then appends the characters up to `end`.
     char* Room(std::size_t count) {
         if (count > static_cast<std::size_t>(block.data() + blockSize - next)) [[unlikely]] {
             Flush();
@@ -109,7 +109,7 @@ class ReportWriter {
     char* next = block.data();
 };
 
-/// Prints `format` on the console, with each "%" replaced by one of `texts`, which come from a
+/// Prints `format` on the console, replacing each "%" with one of `texts`. The texts come from a
 /// source or are file names.
 void PrintTexts(std::FILE* console, std::string_view format,
                 std::initializer_list<std::string_view> texts);

@@ -28,7 +28,7 @@ Status AssembleIf(CAssembler* assembler, CStatement* statement) {
     if (!arg.IsValue()) {
         return Refuse(statement, arg, MSG_ILLEGAL_ARGUMENT);
     }
-    if (arg.status != 0) {  // a condition cannot wait: it is false
+    if (arg.status != 0) {  // a condition cannot wait for a value, so it is false
         assembler->ReportWarning(statement, arg.status, arg.text);
     }
     const bool holds = arg.value != 0;

@@ -45,8 +45,8 @@ void DefineByte(CAssembler* assembler, CStatement* statement, const lsArg& arg) 
     }
 }
 
-// Emits one operand of DW. Result: the status of its expression, which has been reported here if it
-// is not 0.
+// Emits one operand of DW. Result: the status of its expression; a nonzero status has already been
+// reported.
 Status DefineWord(CAssembler* assembler, CStatement* statement, const lsArg& arg) {
     const Status status =
         arg.IsValue() ? EmitChecked<wordKind>(assembler, statement, arg, PatchText::operand) : 0;
@@ -103,8 +103,8 @@ Status AssembleDs(CAssembler* assembler, CStatement* statement) {
     return 0;
 }
 
-// The bytes of a file as they are. The file is found like a source, but does not count as one: it
-// has no number and no depth, and the progress meter does not count it. It is read whole before
+// Emits the bytes of a file unchanged. The file is found like a source, but does not count as one:
+// it has no number and no depth, and the progress meter ignores it. The whole file is read before
 // anything is emitted.
 Status AssembleBinclude(CAssembler* assembler, CStatement* statement) {
     const lsArg& arg = statement->args.First();

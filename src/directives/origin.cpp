@@ -1,5 +1,5 @@
 // ORG and EQU. Neither emits a byte. ORG moves the location counter, but leaves no gap in the
-// image. The first one may set the start address.
+// image. The first ORG may set the start address.
 
 #include <cstdio>
 
@@ -37,7 +37,7 @@ Status AssembleEqu(CAssembler* assembler, CStatement* statement) {
     const lsArg& arg = statement->args.First();
     const bool isWaiting = arg.status == MSG_UNRESOLVED;
     if (isWaiting) {
-        // The patch comes first, so an EQU on its own name waits for itself.
+        // The patch is filed first, so an EQU that uses its own name waits for itself.
         FilePatch(assembler, statement, arg, PatchText::operand, noPosition, PF_EQU | PF_16BIT);
     }
     DefineLabel(assembler, statement, isWaiting ? -1 : arg.value,

@@ -12,8 +12,8 @@ constexpr std::uint32_t pairs = ALLOW_BC | ALLOW_DE | ALLOW_SP;
 
 constexpr std::int32_t toImmediate = 0x46;  // from 80 to C6, 88 to CE, 98 to DE
 
-// The form of the pair that is added to HL, IX or IY, or subtracted from HL. It may be the same
-// register.
+// The form of the pair that is added to HL, IX or IY, or subtracted from HL. The destination itself
+// is also allowed.
 constexpr OperandForm PairForm(std::uint8_t prefix, std::uint8_t opcode, std::int32_t to) {
     const std::uint32_t forms = prefix == PREFIX_NONE ? 0 : FORM_PREFIX;
     return {4, opcode, 0, prefix, pairs | AllowedBit(to), forms};

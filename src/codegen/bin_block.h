@@ -1,5 +1,5 @@
-/// The growing buffer into which the whole run assembles. Its positions are offsets in the target,
-/// not addresses: the location counter is a separate number, which the callers move. Neither is
+/// The growing buffer that holds the image of the run. Its positions are offsets in the target, not
+/// addresses: the location counter is a separate number that the callers advance. Neither is
 /// computed from the other.
 #pragma once
 
@@ -14,8 +14,9 @@ namespace korv {
 
 class BinBlock {
   public:
-    /// A buffer of `initialSize` bytes, filled with 0xFF. A failed allocation, here and in every
-    /// other operation, is reported to `stream`, which is not owned, and ends the process.
+    /// Creates a buffer of `initialSize` bytes, filled with 0xFF. If an allocation fails, here or
+    /// in any other operation, this is reported to `stream` and the process ends. `stream` is not
+    /// owned.
     BinBlock(std::uint32_t initialSize, std::FILE* stream);
     ~BinBlock();
     BinBlock(const BinBlock&) = delete;
@@ -47,19 +48,19 @@ class BinBlock {
     /// Appends `count` zero bytes, as that many calls to `PutByte` would.
     std::uint32_t PutZeros(std::uint32_t count);
 
-    /// These overwrite, without moving `Position`. Result: `at`. If all bits of `at` are set, a
-    /// byte is not written; a word must not be put there.
+    /// These overwrite bytes and leave `Position` unchanged. Result: `at`. If all bits of `at` are
+    /// set, `PutByteAt` writes nothing, and `PutWordAt` must not be called.
     std::uint32_t PutByteAt(std::int32_t value, std::uint32_t at);
     std::uint32_t PutWordAt(std::int32_t value, std::uint32_t at);
 
     /// Number of bytes appended so far.
     [[nodiscard]] std::uint32_t Position() const { return position; }
-    /// The byte at `offset`, 0xFF after the last one.
+    /// The byte at `offset`; 0xFF after the last byte.
     [[nodiscard]] std::uint8_t At(std::uint32_t offset) const {
         return offset < position ? data[offset] : 0xFF;
     }
 
-    /// All bytes; valid until the next one is appended.
+    /// All bytes; valid until a further byte is appended.
     [[nodiscard]] std::span<const std::uint8_t> Bytes() const { return {data, position}; }
 
     /// Writes all bytes to `file`, which remembers whether that has failed.
@@ -72,19 +73,20 @@ class BinBlock {
     static constexpr std::uint32_t byteStep = 4096;
     static constexpr std::uint32_t wordStep = 16384;
 
-    // Tries to grow in one allocation, by as many steps of `step` as bring `offset`, which is
-    // outside, inside the buffer. A failure is not reported: single steps follow, and their report
-    // shows how far they got.
+    // Tries to grow in one allocation, by as many steps of `step` bytes as are needed to include
+    // `offset`, which is outside the buffer. A failure is not reported: the caller then grows in
+    // single steps, and the report of their failure shows how far they got.
     void GrowAtOnce(std::uint32_t step, std::uint64_t offset);
-    // Grows in steps of `step` until `offset` is inside the buffer.
+    // Grows in steps of `step` bytes until `offset` is inside the buffer.
     void GrowBy(std::uint32_t step, std::uint64_t offset);
-    // The same, unless `offset` is inside already.
+    // The same, unless `offset` is already inside.
     void Reserve(std::uint32_t step, std::uint64_t offset) {
         if (offset >= size) {
             GrowBy(step, offset);
         }
     }
-    // The rare case of an append is a tail call, so that the usual case contains no call.
+    // The rare case of an append, growing the buffer, is a tail call, so that the usual case
+    // contains no call.
     std::uint32_t GrowAndPutByte(std::int32_t value);
     std::uint32_t GrowAndPutWord(std::int32_t value);
 

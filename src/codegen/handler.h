@@ -1,5 +1,5 @@
 /// The frame that all handlers of instructions and directives share: the steps before the handler
-/// itself, chosen by the row of the keyword.
+/// itself, chosen in the row of the keyword.
 #pragma once
 
 #include <cstdint>
@@ -15,8 +15,8 @@ struct CStatement;
 struct lsArg;
 
 /// Assembles one statement, after its frame. Result: 0; a message number, which the statement loop
-/// reports as an error without a text; or `generalFailure`. Bytes that the statement has emitted by
-/// then stay. Handlers are compared by their addresses.
+/// reports as an error without a text; or `generalFailure`. After a failure, the bytes already
+/// emitted stay in the image. Handlers are compared by their addresses.
 using HandlerFunction = Status(CAssembler* assembler, CStatement* statement);
 using InstructionHandler = HandlerFunction*;
 
@@ -31,7 +31,8 @@ Status With(CAssembler* assembler, CStatement* statement) {
 /// about that operand. Result: `status`.
 [[gnu::cold]] Status Refuse(CStatement* statement, const lsArg& arg, Status status);
 
-/// Defines the label of the line, which must have one, with IDF_* bits, and marks it as defined.
+/// Defines the label of the line with `value` and IDF_* bits, and marks the label as defined. The
+/// line must have a label.
 void DefineLabel(CAssembler* assembler, CStatement* statement, std::int32_t value,
                  std::uint32_t flags);
 /// Defines the label of the line, if there is one, as the address of the statement.
@@ -57,12 +58,12 @@ enum class Frame {
     operandsFirst,  ///< operands, label
     operandsOnly,   ///< operands; the handler defines the label
     noLabel,        ///< operands; a label is an error, but the handler runs
-    // from here on the rest of the line is not read
+    // the following frames do not read the rest of the line
     labelOnly,  ///< label
     nothing,    ///< the label is left to the loop
 };
 
-/// What a statement leaves in the image.
+/// The kind of bytes that a statement adds to the image.
 enum class KeywordGroup : std::uint8_t {
     instruction,  ///< the bytes of an instruction of the processor
     data,         ///< bytes given in the source

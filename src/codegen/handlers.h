@@ -1,5 +1,5 @@
-/// All handlers, by the file that defines them. A handler runs after its frame, with the operands
-/// ready. The keyword table maps words to handlers.
+/// All handlers, grouped by the file that defines them. A handler runs after its frame, with the
+/// operands ready. The keyword table maps words to handlers.
 #pragma once
 
 #include <cstdint>
@@ -8,7 +8,7 @@
 
 namespace korv {
 
-// codegen/implied.cpp: the whole encoding is in the row
+// codegen/implied.cpp: the whole encoding is in the row of the keyword
 Status AssembleImplied(CAssembler* assembler, CStatement* statement, std::uint8_t prefix,
                        std::uint8_t opcode);
 
@@ -35,7 +35,7 @@ HandlerFunction AssembleCall, AssembleDjnz, AssembleJp, AssembleJr, AssembleRet,
 /// PUSH and POP: `opcode` is the one for BC.
 Status AssembleStack(CAssembler* assembler, CStatement* statement, std::uint8_t opcode);
 HandlerFunction AssembleEx, AssembleIm;
-/// IN and OUT: the place of the register among the operands, the opcodes with B and with A.
+/// IN and OUT: the number of the operand that is the register, and the opcodes with B and with A.
 Status AssembleInOut(CAssembler* assembler, CStatement* statement, std::int32_t registerPlace,
                      std::uint8_t registerOpcode, std::uint8_t portOpcode);
 

@@ -1,4 +1,5 @@
-// Jumps, calls and returns. Their operands are forward references more often than any others.
+// Jumps, calls and returns. Their operands are forward references more often than those of any
+// other instructions.
 
 #include "codegen/handlers.h"
 #include "codegen/late_value.h"
@@ -13,7 +14,7 @@ constexpr std::int32_t ConditionField(const lsArg& condition) {
     return condition.condition * 8;
 }
 
-// JP, CALL and JR have a target, and before it a condition if there are two operands.
+// JP, CALL and JR have a target. If there are two operands, the first is a condition.
 bool IsConditional(const CStatement& statement) {
     return statement.args.Count() == 2;
 }
@@ -47,7 +48,7 @@ Status AssembleCall(CAssembler* assembler, CStatement* statement) {
         return Refuse(statement, isRefused ? first : target, MSG_ILLEGAL_ARGUMENT);
     }
     assembler->EmitByte(isConditional ? 0xC4 + ConditionField(first) : 0xCD);
-    // A known value outside 16 bits is cut without a warning.
+    // A known value outside 16 bits is truncated without a warning.
     return EmitValue<wordKind>(assembler, statement, target, PatchText::operand);
 }
 
@@ -63,8 +64,8 @@ Status AssembleJr(CAssembler* assembler, CStatement* statement) {
     return EmitRelative(assembler, statement, target, MSG_OFFSET_TOO_BIG);
 }
 
-// Uses its operand as text: registers have no meaning here, and DJNZ A jumps to the label A. So a
-// register, a condition or an operand in parentheses is scanned again as an expression.
+// DJNZ uses its operand as text: registers have no meaning here, and DJNZ A jumps to the label A.
+// So a register, a condition or an operand in parentheses is scanned again as an expression.
 Status AssembleDjnz(CAssembler* assembler, CStatement* statement) {
     lsArg& target = statement->args.First();
     if (!target.IsValue() || target.reg != REG_NONE) {

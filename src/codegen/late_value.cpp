@@ -24,7 +24,7 @@ void FilePatch(CAssembler* assembler, const CStatement* statement, const lsArg& 
     }
     CPatchInfo* const patch = CPatchInfoMemBlock::AllocPatchInfo(position, kind, statement->address,
                                                                  statement->PlaceIn(expression));
-    if (!isName) {  // otherwise the identifier has the text
+    if (!isName) {  // otherwise, the text is the name of the identifier
         patch->expression.Assign(expression);
     }
     if ((kind & PF_EQU) != 0) {

@@ -1,5 +1,6 @@
-/// Emits the values of operands, known or late. A value that is not known yet leaves a placeholder
-/// and a patch. The same kinds decide how a known value and a patch are checked and written.
+/// Emits the values of operands, whether they are known or not. For a value that is not known yet,
+/// a placeholder is emitted and a patch is filed. The kind of a value determines how the value is
+/// checked and written, now or by the patch.
 #pragma once
 
 #include <cstdint>
@@ -26,7 +27,8 @@ enum class PatchText {
 };
 
 /// Emits the value of `arg` in the width of `kind`, and files a patch if it is not known yet.
-/// Result: 0, or the status of the expression if that failed; a zero has then been emitted.
+/// Result: 0, or the status of the expression if that failed; in that case, a zero has been
+/// emitted.
 template <std::uint32_t kind>
 Status EmitValue(CAssembler* assembler, CStatement* statement, const lsArg& arg, PatchText text);
 
@@ -41,8 +43,9 @@ template <std::uint32_t kind>
 [[nodiscard]] Status EmitRelative(CAssembler* assembler, CStatement* statement, const lsArg& arg,
                                   Status tooFar);
 
-/// Files a patch of `kind` at `position` of the image: `text` of `arg` is evaluated again when the
-/// name that `arg` waits for gets a value. With PF_EQU the result is the value of the label.
+/// Files a patch of `kind` at `position` in the image. The part `text` of `arg` is evaluated again
+/// when the name that `arg` waits for gets a value. With PF_EQU, the result becomes the value of
+/// the label.
 void FilePatch(CAssembler* assembler, const CStatement* statement, const lsArg& arg, PatchText text,
                std::uint32_t position, std::uint32_t kind);
 

@@ -42,7 +42,7 @@ inline constexpr std::uint32_t FORM_PREFIX = 0x100;  ///< `prefix` is emitted fi
 /// The operands that an instruction allows in one place, and their opcodes.
 struct OperandForm {
     std::uint8_t shift = 0;            ///< left shift of the operand's number into the opcode
-    std::uint8_t opcode = 0;           ///< of the register forms, without the number
+    std::uint8_t opcode = 0;           ///< of the register forms, without the operand's number
     std::uint8_t immediateOpcode = 0;  ///< of the immediate form
     std::uint8_t prefix = 0;           ///< emitted first with FORM_PREFIX
     std::uint32_t allowed = 0;         ///< ALLOW_* bits
@@ -61,7 +61,7 @@ struct OperandForm {
             forms};
 }
 
-/// The prefix that selects IX or IY, if `reg` is any code of it; else PREFIX_NONE.
+/// The prefix that selects IX or IY if `reg` is a code of that register; else PREFIX_NONE.
 [[nodiscard]] constexpr std::uint8_t IndexPrefix(std::int32_t reg) {
     switch (reg) {
         case REG_IX:
@@ -77,8 +77,8 @@ struct OperandForm {
     }
 }
 
-/// Whether `reg` is the code of B, C, D, E, H, L, (HL) or A; the code is then the number in the
-/// opcode.
+/// Whether `reg` is the code of B, C, D, E, H, L, (HL) or A. If it is, the code is the number in
+/// the opcode.
 [[nodiscard]] constexpr bool IsFieldRegister(std::int32_t reg) {
     return reg >= 0 && reg <= 7;
 }
@@ -94,7 +94,7 @@ struct OperandForm {
 [[nodiscard]] constexpr bool IsHlOrIndex(std::int32_t reg) {
     return reg >= REG_HL && reg <= REG_IY;
 }
-/// The number of a pair's code in bits 4 and 5 of an opcode.
+/// The number of the pair `reg`, in bits 5 and 4 of an opcode.
 [[nodiscard]] constexpr std::int32_t PairField(std::int32_t reg) {
     return (reg & 0xFF) << 4;
 }
@@ -120,13 +120,13 @@ static_assert(AllowedBit(REG_BC) == ALLOW_BC && AllowedBit(REG_SP) == ALLOW_SP);
 [[nodiscard]] Status EncodeAccumulatorOp(CAssembler* assembler, CStatement* statement,
                                          std::int32_t group);
 
-/// Encodes the group with the prefix CB. `kind` is "B" for BIT, "R" for RES, "S" for SET, with the
-/// operand in place 2, or "X" for rotates and shifts, with the operand in place 1; `field` is the
-/// number in bits 5 to 3.
+/// Encodes an instruction with the prefix CB. `kind` is "B" for BIT, "R" for RES or "S" for SET,
+/// which encode operand 2, or "X" for rotates and shifts, which encode operand 1. `field` is the
+/// number in bits 5 to 3 of the opcode.
 [[nodiscard]] Status ProcessBSR_Ex(CAssembler* assembler, CStatement* statement, char kind,
                                    std::int32_t field);
 
-/// Reports that the expression of `arg` failed, with its text.
+/// Reports that the expression of `arg` failed, with the text of `arg`.
 void ReportFailedOperand(CAssembler* assembler, const CStatement* statement, const lsArg& arg);
 
 }  // namespace korv

@@ -3,8 +3,8 @@
 //
 // A node is a range of the sorted table whose words agree in their first `depth` characters. The
 // next character of the token is read once; a binary decision over the candidates at that depth
-// picks the range of the words that have it. The terminator is a candidate like any other: it
-// distinguishes IN from INC and INCLUDE. After inlining, only comparisons and jumps remain.
+// picks the range of words that have this character. The terminator is a candidate like any other:
+// it distinguishes IN from INC and INCLUDE. After inlining, only comparisons and jumps remain.
 
 #include "codegen/recogniser.h"
 
@@ -27,8 +27,8 @@ static_assert(std::is_sorted(keywords.begin(), keywords.end(),
                              [](const Keyword& a, const Keyword& b) { return a.word <= b.word; }),
               "the keyword table is out of order, or holds a word twice");
 
-// One past the last row from `first` on, below `end`, that has the same character at `depth` as row
-// `first`.
+// The end of the rows from `first` on that have the same character at `depth` as row `first`; at
+// most `end`.
 constexpr std::size_t EndOfBranch(std::size_t first, std::size_t end, std::size_t depth) {
     std::size_t row = first;
     while (row < end && CharacterAt(row, depth) == CharacterAt(first, depth)) {

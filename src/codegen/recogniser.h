@@ -5,8 +5,8 @@
 
 namespace korv {
 
-/// The row of the keyword at the start of `text`, which is in upper case, up to a blank or the
-/// terminator; null for none. The match is exact and whole.
+/// The row of the keyword at the start of `text`, which is in upper case; null for none. The whole
+/// word, up to a blank or the terminator, must match exactly.
 [[nodiscard]] const Keyword* RecogniseInstruction(const char* text);
 
 }  // namespace korv

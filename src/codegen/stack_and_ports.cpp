@@ -54,7 +54,7 @@ Status AssembleIm(CAssembler* assembler, CStatement* statement) {
     return 0;
 }
 
-// The port is (C) with any byte register or F, or (n) only with A. A number out of range is an
+// The port is (C), with any byte register or F, or (n), with A only. A number out of range is an
 // error, and its byte is not emitted.
 Status AssembleInOut(CAssembler* assembler, CStatement* statement, std::int32_t registerPlace,
                      std::uint8_t registerOpcode, std::uint8_t portOpcode) {

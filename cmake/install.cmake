@@ -1,6 +1,6 @@
-# The places of the files that `cmake --install` installs, and `cpack` for a .deb. Vim searches share/vim/vimfiles of
-# its own prefix (/usr on Debian, Fedora and Arch). No other editor has a folder shared by all its users: files for
-# these are in share/korv, and the manual explains how to use them. The doc folder contains the manual and example
+# The places where `cmake --install` installs files, and `cpack` for a .deb. Vim searches share/vim/vimfiles of its own
+# prefix (/usr on Debian, Fedora and Arch). No other editor has a folder shared by all its users: files for other
+# editors are in share/korv, and the manual explains how to use them. The doc folder contains the manual and example
 # programs.
 include(GNUInstallDirs)
 install(TARGETS korv)

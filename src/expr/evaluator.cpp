@@ -1,10 +1,10 @@
 // The evaluator: a cursor walks a linked list of nodes, and every operation replaces its operands
-// by its result, until one value is left. There is no stack and no recursion. Precedence is decided
-// by looking ahead at the next operator.
+// with its result, until one value is left. There is no stack and no recursion. Precedence is
+// decided by looking ahead at the next operator.
 //
 // The list is in the order of the text. Every result is stored in the leftmost node involved, so
-// the last node left is node 0. In a malformed expression the cursor could circle for ever; a
-// budget of steps ends that walk.
+// the last node left is node 0. In a malformed expression, the cursor could circle forever; a
+// budget of steps ends such a walk.
 
 #include "expr/evaluator.h"
 
@@ -21,8 +21,8 @@ std::int32_t Wrapped(std::uint32_t value) {
     return static_cast<std::int32_t>(value);
 }
 
-// The low 32 bits of the whole part of e to the power `exponent`; 0 when that part does not fit 64
-// bits.
+// The low 32 bits of the integer part of e to the power `exponent`; 0 if the integer part does not
+// fit in 64 bits.
 std::int32_t Exponential(std::int32_t exponent) {
     constexpr double limit = 9223372036854775808.0;  // 2 to the 63
     const double power = std::exp(static_cast<double>(exponent));
@@ -30,8 +30,8 @@ std::int32_t Exponential(std::int32_t exponent) {
                          : 0;
 }
 
-// The result of an operator; for a unary one, `left` is 0. None: there is no such operator, or no
-// result.
+// The result of the operator `code`; for a unary operator, `left` is 0. None: there is no such
+// operator, or no result.
 std::optional<std::int32_t> Applied(std::int32_t code, std::int32_t left, std::int32_t right) {
     const auto l = static_cast<std::uint32_t>(left);
     const auto r = static_cast<std::uint32_t>(right);
@@ -70,12 +70,13 @@ class NodeList {
         }
     }
 
-    // Whether the value `at` is all that is left.
+    // Whether the node `at` is a value and the only node left.
     [[nodiscard]] bool IsResult(std::int32_t at) const {
         return IsValue(at) && nodes[at].prev == none && nodes[at].next == none;
     }
 
-    // One step at a node. Result: the next node for the cursor; none: the walk fails.
+    // Performs one step at the node `at`. Result: the next node for the cursor; `none` if the walk
+    // fails.
     std::int32_t Step(std::int32_t at) {
         const std::int32_t left = nodes[at].prev;
         const std::int32_t right = nodes[at].next;
@@ -90,7 +91,7 @@ class NodeList {
                           // bracket
         }
         if (!IsValue(right)) {
-            return right;  // a bracket or a sign on the right comes first
+            return right;  // a bracket or a sign on the right is processed first
         }
         const std::int32_t following = nodes[right].next;
         if (following != none && nodes[following].priority > nodes[at].priority) {
@@ -105,8 +106,8 @@ class NodeList {
   private:
     [[nodiscard]] bool IsValue(std::int32_t at) const { return nodes[at].type == NODE_VALUE; }
 
-    // Replaces the bracket that opens at `at`, before the value `right`, by that value. If anything
-    // but its end follows, that is processed first.
+    // Replaces the bracket that opens at `at` with the value `right` inside it. If anything but the
+    // closing bracket follows the value, that is processed first.
     std::int32_t CloseBracket(std::int32_t at, std::int32_t right) {
         const std::int32_t following = nodes[right].next;
         if (following == none || nodes[following].value != OP_CLOSE) {
@@ -118,8 +119,8 @@ class NodeList {
         return at;
     }
 
-    // Applies the operator `at`, before the value `right`. It is unary if it can be and has no
-    // value to its left.
+    // Applies the operator `at`, which precedes the value `right`. The operator is unary if it can
+    // be and has no value to its left.
     std::int32_t Apply(std::int32_t at, std::int32_t left, std::int32_t right) {
         const std::int32_t code = nodes[at].value;
         const bool isBinary = code != OP_NOT && left != none && IsValue(left);
@@ -139,7 +140,7 @@ class NodeList {
         return target;
     }
 
-    // The node keeps its priority.
+    // Makes the node `at` a value. The node keeps its priority.
     void MakeValue(std::int32_t at, std::int32_t value) {
         nodes[at].type = NODE_VALUE;
         nodes[at].value = value;

@@ -7,8 +7,8 @@ namespace {
 
 constexpr std::int32_t maxNumber = 65535;
 
-// In base 16 a digit is any character of class CC_HEX: the values of "?", "@" and "_" follow from
-// their codes, like those of letters. In base 2 dots may separate groups of digits.
+// In base 16, a digit is any character of class CC_HEX: the values of "?", "@" and "_" follow from
+// their codes, like those of letters. In base 2, dots may separate groups of digits.
 Status ReadDigits(std::string_view digits, std::int32_t base, std::int32_t* value) {
     if (digits.empty()) {
         return MSG_GENERAL_FAILURE;
@@ -34,8 +34,8 @@ Status ReadDigits(std::string_view digits, std::int32_t base, std::int32_t* valu
     return 0;
 }
 
-// Reads a token whose last character gives the radix, or a decimal one. "B" is a hexadecimal digit
-// too. "H" and "O" are not: they are a suffix only if nothing but digits precedes them.
+// Reads a number with a suffix for its base, or a decimal number. "B" is also a hexadecimal digit.
+// "H" and "O" are not, and are a suffix only if nothing but digits precedes them.
 Status ReadSuffixed(std::string_view token, std::int32_t* value) {
     const std::size_t last = token.size() - 1;
     const std::string_view digits = token.substr(0, last);

@@ -18,13 +18,13 @@ inline constexpr Status notANumber = -1;
 }
 
 /// Reads `token`, which is not empty and not "$" alone. Result: 0 with the number in `value`;
-/// MSG_GENERAL_FAILURE for a number without digits; MSG_BAD_NUMBER above 65535; MSG_BAD_EXPRESSION
-/// for a string that is not exactly one character; `notANumber`. `value` is set only if the result
-/// is 0.
+/// MSG_GENERAL_FAILURE for a number without digits; MSG_BAD_NUMBER for a number above 65535;
+/// MSG_BAD_EXPRESSION for a string that is not exactly one character; `notANumber`. `value` is set
+/// only if the result is 0.
 [[nodiscard]] Status ReadNumber(std::string_view token, std::int32_t* value);
 
-/// Reads `token`, which is not empty, if it is decimal and has at most four digits, like most
-/// numbers. These need no check of the limit. False: it is something else.
+/// Reads `token`, which is not empty, if it is a decimal number of at most four digits, like most
+/// numbers. Such a number needs no check of the limit. False: `token` is something else.
 [[nodiscard]] inline bool ReadShortDecimal(std::string_view token, std::int32_t* value) {
     if (token.size() > 4) {
         return false;

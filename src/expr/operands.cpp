@@ -15,7 +15,7 @@ namespace korv {
 namespace {
 
 // The REG_* code of the expression `*inner` in parentheses: IX or IY with a displacement, or an
-// address. Leaves the expression in `*inner`; a displacement begins at its sign.
+// address. Reduces `*inner` to the expression to evaluate; a displacement begins with its sign.
 std::int32_t TakeIndex(std::string_view* inner) {
     const char second = inner->size() > 2 && inner->front() == 'I' ? (*inner)[1] : '\0';
     if (second == 'X' || second == 'Y') {

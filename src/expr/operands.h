@@ -25,8 +25,8 @@ struct lsArg : OperandClass {
     /// otherwise they are left over from an earlier line. Clearing them for every operand would add
     /// 5 % to the instructions of a run.
     std::string_view expression;
-    /// The token at which the evaluation failed. With MSG_UNRESOLVED, the name that has no value
-    /// yet. Empty if the tokens are good and their calculation failed.
+    /// The token at which the evaluation failed. With MSG_UNRESOLVED, it is the name that has no
+    /// value yet. It is empty if the tokens are valid but the calculation failed.
     std::string_view fault;
     lsArg* next = nullptr;  ///< record of the next operand, if there is one
 
@@ -66,9 +66,10 @@ class KO_Args {
     KO_Args(const KO_Args&) = delete;
     KO_Args& operator=(const KO_Args&) = delete;
 
-    /// Adds the operand `text`, a part of the line that is not empty and has no blanks at its ends,
-    /// and evaluates it. Result: 0, or `emptyOperand` for "()", which is not added. The status of
-    /// the expression is in the record. Ends the process when there is no memory for a record.
+    /// Adds the operand `text` and evaluates it. `text` is a part of the line that is not empty and
+    /// has no blanks at its ends. Result: 0, or `emptyOperand` for "()", which is not added. The
+    /// status of the expression is in the record. Ends the process if there is no memory for a
+    /// record.
     Status Add(std::string_view text);
     /// The same for a text that is one token (see expr/token.h), alone or in parentheses.
     void AddToken(std::string_view text) {
@@ -87,7 +88,7 @@ class KO_Args {
 
     /// Operand `n`, from 1; null when there is none.
     [[nodiscard]] lsArg* Arg(std::int32_t n);
-    /// Only for a statement that has these operands.
+    /// Called only if the statement has the operand.
     [[nodiscard]] lsArg& First() { return inlineArgs[0]; }
     [[nodiscard]] lsArg& Second() { return inlineArgs[1]; }
     [[nodiscard]] lsArg& Last() { return count == 1 ? inlineArgs[0] : *tail; }
@@ -124,7 +125,7 @@ class KO_Args {
     std::int32_t count = 0;
     std::array<lsArg, 2> inlineArgs;
     lsArg* tail = &inlineArgs[1];  // record of the last operand, if there are two or more
-    lsArg* spare = nullptr;        // owned; kept for later lines, so that few allocate any
+    lsArg* spare = nullptr;  // owned; kept for later lines, so that few lines allocate records
     CAssembler* owner;
 };
 

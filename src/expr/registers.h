@@ -55,7 +55,7 @@ struct OperandClass {
     std::int32_t kind = KIND_NONE;  ///< KIND_*
 };
 
-/// A word in an operand, bare and in parentheses.
+/// The classes of a word as an operand, bare and in parentheses.
 struct OperandName {
     std::string_view name;
     OperandClass bare;
@@ -108,10 +108,10 @@ inline constexpr std::array operandNames = {
 };
 // clang-format on
 
-/// The lookup. Words of two characters index a table by the low bits of both, which are different
-/// for all letters; words of one character index a further part of it. So an operand that is not a
-/// name costs a load and a comparison. A plain search of the table costs 30 % more instructions in
-/// total.
+/// The lookup. Words of two characters index a table by the low bits of both characters, which are
+/// different for all letters. Words of one character index another part of the table. So an operand
+/// that is not in the table costs a load and a comparison. A plain search would cost 30 % more
+/// instructions in total.
 namespace operand_class {
 
 inline constexpr std::size_t letters = 32;
@@ -153,8 +153,8 @@ static_assert(operandNames[noRow].name.empty() && operandNames[longRow].name == 
 }  // namespace operand_class
 
 /// The class of the operand `token`, bare and in parentheses. A word that is not in the table is a
-/// value. Always inlined: the front end uses it too, so the compiler would make it a call, which
-/// costs 1 % of a run of korv-as.
+/// value. Always inlined: since the front end uses this function too, the compiler would otherwise
+/// emit a call, which costs 1 % of a run of korv-as.
 [[nodiscard, gnu::always_inline]] inline const OperandClass& ClassOf(std::string_view token) {
     return operandNames[operand_class::RowOf(token)].bare;
 }

@@ -1,6 +1,6 @@
-// Evaluates the text of an expression. One pass from left to right cuts it into tokens and turns
-// each value token into a number; at the end the nodes are passed to the evaluator. A name without
-// a value ends the scan; the whole text is scanned again when the name has a value.
+// Evaluates the text of an expression. One pass from left to right splits the text into tokens and
+// turns each value token into a number. At the end, the nodes are passed to the evaluator. A name
+// without a value ends the scan; the whole text is scanned again when the name has a value.
 
 #include <array>
 

@@ -1,7 +1,7 @@
-/// Text that outlives its statement: handles of strings in blocks of 16384 bytes, which are filled
-/// from front to back. A string needs no separate allocation and never moves. A block counts its
-/// live references. It is freed when it is full and the last of them has been released. All handles
-/// of the process share one pool.
+/// Text that outlives its statement. A handle refers to a string in a block of 16384 bytes. Blocks
+/// are filled from front to back; a string needs no separate allocation and never moves. A block
+/// counts the handles that refer to it, and is freed when it is full and the last reference has
+/// been released. All handles of the process share one pool.
 #pragma once
 
 #include <cstddef>
@@ -14,25 +14,25 @@
 namespace korv {
 
 struct CtmpStringBlock {
-    std::int32_t refCount = 0;  ///< handles with a reference on this block
-    char* data = nullptr;       ///< owned
-    std::size_t used = 0;       ///< bytes handed out; only grows
-    std::size_t size = 0;  ///< bytes of `data`: 16384, more for a string that is longer than that
+    std::int32_t refCount = 0;            ///< handles that refer to this block
+    char* data = nullptr;                 ///< owned
+    std::size_t used = 0;                 ///< bytes handed out; only grows
+    std::size_t size = 0;                 ///< bytes of `data`: 16384, or more for a longer string
     CtmpStringBlock* next = nullptr;      ///< the next older block
     CtmpStringBlock* previous = nullptr;  ///< the next newer block
-    std::int32_t isFull = 0;              ///< 1 once a request did not fit
+    std::int32_t isFull = 0;              ///< 1 after a request that did not fit
 };
 
 /// The pool, which alone changes the state of its blocks. Process-wide: all runs share it, in one
 /// thread.
 class CtmpStringManager {
   public:
-    /// Takes `count` bytes from the current block or from a new one. Returns that block, with one
-    /// more reference, in `block`. Result: the bytes. Ends the process when there is no memory for
-    /// a block.
+    /// Allocates `count` bytes in the current block or in a new one. Adds a reference to that block
+    /// and returns the block in `block`. Result: the bytes. Ends the process if there is no memory
+    /// for a block.
     static char* Alloc(std::size_t count, CtmpStringBlock** block);
 
-    /// Drops a reference on `block`.
+    /// Drops a reference to `block`.
     static void Release(CtmpStringBlock* block);
 
     /// Frees every block, whatever its count. All handles must have been destroyed before.
@@ -48,7 +48,7 @@ class CtmpStringManager {
     static constexpr std::size_t blockSize = 16384;
 
     inline static CtmpStringBlock* head = nullptr;     // the newest block
-    inline static CtmpStringBlock* current = nullptr;  // the block that takes new strings
+    inline static CtmpStringBlock* current = nullptr;  // the block for new strings
     inline static std::int32_t blockCount = 0;
 };
 
@@ -59,8 +59,8 @@ class CtmpString {
     CtmpString& operator=(const CtmpString&) = delete;
     ~CtmpString() { Release(); }
 
-    /// Copies `source` into the pool, terminated. Does nothing if it has no data. The handle must
-    /// be empty.
+    /// Copies `source` into the pool, terminated. Does nothing if `source` has no data. The handle
+    /// must be empty.
     void Assign(std::string_view source);
 
     /// Drops the reference; the handle is empty afterwards.

@@ -84,7 +84,7 @@ void TokenReader::Next() {
 // Ends the token at the character `c`.
 bool TokenReader::TakeEnd(char c) {
     tokenEnd = position++;
-    op = symbolOf[static_cast<std::uint8_t>(c)];  // none for a blank and a quote
+    op = symbolOf[static_cast<std::uint8_t>(c)];  // no operator for a blank or a quote
     if (c == '"') {
         TakeString();
     } else if (position != end && *position == '=' && (c == '<' || c == '>')) {
@@ -94,7 +94,7 @@ bool TokenReader::TakeEnd(char c) {
     return true;
 }
 
-// A string belongs to the token, whatever precedes it, and ends it.
+// Reads a string. It belongs to the token, even after other characters, and ends the token.
 void TokenReader::TakeString() {
     while (position != end && *position != '"') {
         ++position;

@@ -1,7 +1,7 @@
 /// The tokens of an expression: the effect of each character, the operators, and the reader that
-/// cuts a text into tokens. Tokens are views of the text. If the text ends within a string, the
-/// closing quote is missing from the last one. Letters arrive in upper case, so the word operators
-/// exist in upper case only.
+/// splits a text into tokens. Tokens are views of the text. If the text ends within a string, the
+/// closing quote is missing from the last token. Letters outside quotes are already in upper case,
+/// so the word operators are listed in upper case only.
 #pragma once
 
 #include <array>
@@ -36,7 +36,7 @@ inline constexpr std::array symbolOperators = {
 };
 
 /// The effect of a character on the token that is being read. Characters of the first two kinds
-/// belong to it; but when a line is cut into operands, a separator ends the operand.
+/// belong to the token; but when a line is split into operands, a separator ends the operand.
 enum class TokenAction : std::uint8_t {
     append,
     separator,
@@ -64,7 +64,7 @@ inline constexpr auto tokenActions = [] {
     return tokenActions[static_cast<std::uint8_t>(c)];
 }
 
-/// Skips the characters from `text` on that always belong to a token. `text` is terminated.
+/// Skips the characters at the start of `text` that always belong to a token. `text` is terminated.
 [[nodiscard]] inline const char* SkipToken(const char* text) {
     for (;; text += 4) {  // unrolled, which saves 2 % of all instructions
         for (int i = 0; i < 4; ++i) {
@@ -94,7 +94,7 @@ class TokenReader {
     }
 
     Operator op;                     ///< after the token; none before a blank, a quote or the end
-    bool isAtEnd = false;            ///< the text is used up
+    bool isAtEnd = false;            ///< the end of the text has been reached
     bool lacksClosingQuote = false;  ///< the text ended within the token
 
   private:

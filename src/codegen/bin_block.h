@@ -69,7 +69,7 @@ class BinBlock {
     Status DumpStatus(std::FILE* stream) const;
 
   private:
-    // Single bytes grow the buffer in small steps, everything else in larger ones.
+    // Single bytes and zeros grow the buffer in small steps, words and other bytes in larger steps.
     static constexpr std::uint32_t byteStep = 4096;
     static constexpr std::uint32_t wordStep = 16384;
 

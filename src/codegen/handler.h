@@ -66,7 +66,7 @@ enum class Frame {
 /// The kind of bytes that a statement adds to the image.
 enum class KeywordGroup : std::uint8_t {
     instruction,  ///< the bytes of an instruction of the processor
-    data,         ///< bytes given in the source
+    data,         ///< bytes given in the source, or in a file that it names
     space,        ///< bytes of 0
     directive,    ///< nothing
 };

@@ -29,7 +29,7 @@ Status AssembleJp(CAssembler* assembler, CStatement* statement) {
                            first.reg == REG_IY_INDIRECT)) {
         return assembler->EmitOpcode(IndexPrefix(first.reg), 0xE9);
     }
-    if (isConditional && !first.IsCondition()) {  // it is still assembled, with condition -1
+    if (isConditional && !first.IsCondition()) {  // the jump is still assembled, with condition -1
         assembler->ReportError(statement, MSG_ILLEGAL_CONDITION, first.text);
     }
     if (!target.IsPlainValue()) {

@@ -38,7 +38,7 @@ template <std::uint32_t kind>
                                  PatchText text);
 
 /// Emits the distance from the statement to the address `arg` as a byte. Result: 0; `tooFar` if the
-/// distance is known and does not fit; or the failure of the expression. In the last two cases
+/// distance is known and does not fit; or the failure of the expression. In the last two cases,
 /// nothing has been emitted.
 [[nodiscard]] Status EmitRelative(CAssembler* assembler, CStatement* statement, const lsArg& arg,
                                   Status tooFar);

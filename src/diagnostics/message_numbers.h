@@ -11,8 +11,8 @@
 
 namespace korv {
 
-/// The result of a function that can fail: 0, the number of a row of MESSAGE_TABLE, or -1. -1 has a
-/// separate name for each function that returns it.
+/// The result of a function that can fail: 0, the number of a row of MESSAGE_TABLE, or -1. The
+/// value -1 has a separate name for each function that returns it.
 using Status = std::int32_t;
 inline constexpr Status generalFailure = -1;  ///< handlers; reported as MSG_GENERAL_FAILURE
 inline constexpr Status endOfFile = -1;       ///< CSourceFile::ReadLine

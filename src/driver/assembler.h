@@ -109,8 +109,8 @@ class CAssembler {
 
     // ---- driver/statement_loop.cpp
 
-    /// Assembles the statements of `file` until it ends or something stops the run. Result: the
-    /// number of the next line.
+    /// Assembles the statements of `file` until the file ends or something stops the run. Result:
+    /// the number of the next line.
     std::int32_t RunStatements(CSourceFile* file, CStatement* statement);
 
     // ---- driver/reports.cpp: the results of a run

@@ -17,8 +17,8 @@ bool CAssembler::OpenOutput(platform::OutputFile* file, const std::string& name,
            file->Open(name, kind, isKept ? disk.FilesRead() : platform::FileSet());
 }
 
-// The last step of each output. Commits `file` if its contents are whole. Result: whether the file
-// has been written.
+// The last step of each output. Commits `file` if its contents are complete. Result: whether the
+// file has been written.
 bool CAssembler::CommitOutput(platform::OutputFile* file, const std::string& name, bool isWhole) {
     const bool isWritten = isWhole && file->Commit();
     if (!isWritten) {
@@ -27,7 +27,7 @@ bool CAssembler::CommitOutput(platform::OutputFile* file, const std::string& nam
     return isWritten;
 }
 
-// Writes the report file `name` by calling `write`, which returns whether the report is whole.
+// Writes the report file `name` by calling `write`, which returns whether the report is complete.
 // Prints `confirmation` if the file has been written, or `complaint` if it cannot be opened.
 template <class Write>
 void CAssembler::WriteReport(const std::string& name, const char* complaint,

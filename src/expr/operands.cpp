@@ -1,6 +1,6 @@
-// Reading one operand. The name of a register or condition never reaches the scanner. Everything
-// else is an expression and is evaluated at once. An operand that has no value yet stores the name
-// that it waits for, so that the handler can file a patch.
+// Reads one operand. The name of a register or condition is not evaluated here. Everything else is
+// an expression and is evaluated at once. An operand that has no value yet stores the name that it
+// waits for, so that the handler can file a patch.
 
 #include "expr/operands.h"
 

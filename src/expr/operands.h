@@ -42,7 +42,7 @@ struct lsArg : OperandClass {
     }
 };
 
-/// The operand list of a statement. It holds the records of operands 1 and 2; further ones are
+/// The operand list of a statement. It holds the records of operands 1 and 2; further records are
 /// chained to them, without a limit.
 class KO_Args {
   public:
@@ -67,9 +67,9 @@ class KO_Args {
     KO_Args& operator=(const KO_Args&) = delete;
 
     /// Adds the operand `text` and evaluates it. `text` is a part of the line that is not empty and
-    /// has no blanks at its ends. Result: 0, or `emptyOperand` for "()", which is not added. The
-    /// status of the expression is in the record. Ends the process if there is no memory for a
-    /// record.
+    /// has no blanks at its ends. Result: 0, or `emptyOperand` for empty parentheses, which are not
+    /// added. The status of the expression is in the record. Ends the process if there is no memory
+    /// for a record.
     Status Add(std::string_view text);
     /// The same for a text that is one token (see expr/token.h), alone or in parentheses.
     void AddToken(std::string_view text) {
@@ -86,9 +86,9 @@ class KO_Args {
 
     [[nodiscard]] std::int32_t Count() const { return count; }
 
-    /// Operand `n`, from 1; null when there is none.
+    /// Operand `n`, from 1; null if there is none.
     [[nodiscard]] lsArg* Arg(std::int32_t n);
-    /// Called only if the statement has the operand.
+    /// To be called only if the statement has the operand.
     [[nodiscard]] lsArg& First() { return inlineArgs[0]; }
     [[nodiscard]] lsArg& Second() { return inlineArgs[1]; }
     [[nodiscard]] lsArg& Last() { return count == 1 ? inlineArgs[0] : *tail; }
@@ -125,7 +125,7 @@ class KO_Args {
     std::int32_t count = 0;
     std::array<lsArg, 2> inlineArgs;
     lsArg* tail = &inlineArgs[1];  // record of the last operand, if there are two or more
-    lsArg* spare = nullptr;  // owned; kept for later lines, so that few lines allocate records
+    lsArg* spare = nullptr;        // owned; kept for later lines, so that few allocate records
     CAssembler* owner;
 };
 

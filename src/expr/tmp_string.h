@@ -20,7 +20,7 @@ struct CtmpStringBlock {
     std::size_t size = 0;                 ///< bytes of `data`: 16384, or more for a longer string
     CtmpStringBlock* next = nullptr;      ///< the next older block
     CtmpStringBlock* previous = nullptr;  ///< the next newer block
-    std::int32_t isFull = 0;              ///< 1 after a request that did not fit
+    std::int32_t isFull = 0;              ///< 1 once the block takes no more strings
 };
 
 /// The pool, which alone changes the state of its blocks. Process-wide: all runs share it, in one

@@ -38,7 +38,7 @@ AllocationFailureHook SetAllocationFailureHook(AllocationFailureHook hook);
 /// Like `Allocate`, but all bytes are 0. `size` must not be 0.
 [[nodiscard]] void* AllocateZeroed(std::size_t size);
 
-/// Like `Allocate`, but keeps the contents of `memory`. On failure the result is null and `memory`
+/// Like `Allocate`, but keeps the contents of `memory`. On failure, the result is null and `memory`
 /// stays valid.
 [[nodiscard]] void* Reallocate(void* memory, std::size_t size);
 
@@ -48,8 +48,8 @@ AllocationFailureHook SetAllocationFailureHook(AllocationFailureHook hook);
 
 void Free(void* memory);
 
-/// A contiguous buffer that grows as bytes are appended. A failure to grow is returned and does not
-/// end the process.
+/// A contiguous buffer that grows as bytes are appended. A failure to grow is reported to the
+/// caller and does not end the process.
 class Buffer {
   public:
     Buffer() = default;
@@ -128,7 +128,7 @@ struct PathParts {
 struct FoundPath {
     std::string path;     ///< full; empty if the current directory has no path, or if the path is
                           ///< too long for the system or, on Win32, not on a drive
-    bool isFile = false;  ///< whether it exists; the path is then spelled as on disk
+    bool isFile = false;  ///< whether the file exists; if it does, the path is spelled as on disk
 };
 
 /// Searches for files and sets the current directory, which follows the file being read. No other
@@ -205,7 +205,7 @@ class InputFile {
     [[nodiscard]] const FileIdentity& Identity() const { return identity; }
     /// Reads up to `count` bytes. Result: the number of bytes read. It is 0 at the end of the file,
     /// after a read error, and if a console event occurs while there is nothing to read. Bytes
-    /// appended to a file after it was opened are not read.
+    /// appended to a file after it was opened are not read, unless the file was empty.
     std::size_t Read(void* buffer, std::size_t count);
     /// Whether `Open` or a read has failed. The end of the file and a console event are not
     /// failures.
@@ -227,8 +227,8 @@ class InputFile {
 /// appears under that name, and an old file of that name stays unchanged. The new file gets the
 /// permissions of the old file. Some files are written in place, from the first `Write` on:
 /// devices, pipes, and files that cannot be replaced because the directory does not allow it or the
-/// owner would change. No unfinished file is left when the process ends, unless it is killed
-/// outright.
+/// owner would change. No unfinished file is left when the process ends, unless the process is
+/// killed outright.
 class OutputFile {
   public:
     enum class Kind {
@@ -278,8 +278,8 @@ inline constexpr int EVENT_LOGOFF = 5;
 inline constexpr int EVENT_SHUTDOWN = 6;
 
 /// Called with an event at any moment, either between any two instructions of the program or on a
-/// separate thread. It may use only lock-free atomics and `WriteFromHandler`. Result: 1 if the
-/// event was handled. If the system ends the process after such an event, it lets the program
+/// separate thread. The handler may use only lock-free atomics and `WriteFromHandler`. Result: 1 if
+/// the event was handled. If the system ends the process after such an event, it lets the program
 /// finish first.
 using ConsoleHandler = int (*)(int event);
 

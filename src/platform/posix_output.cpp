@@ -49,7 +49,7 @@ bool FollowLinks(std::string* path) {
     return false;
 }
 
-// The file at a name: whether it exists, and if so its `status`.
+// The file at a path: whether it exists, and its `status` if it does.
 struct Target {
     bool isKnown = true;  // false: the call has failed
     bool exists = false;

@@ -69,7 +69,7 @@ template <typename Character>
     return text;
 }
 
-/// `text`, which is not empty, without the parentheses around it, if it has both.
+/// `text` without the parentheses around it, if it has both. `text` must not be empty.
 [[nodiscard]] constexpr std::string_view WithoutParentheses(std::string_view text) noexcept {
     const bool hasThem = text.front() == '(' && text.back() == ')';
     return hasThem ? std::string_view(text.data() + 1, text.size() - 2) : text;

@@ -1,5 +1,5 @@
-/// The files of a run, numbered in the order of opening, so that messages, identifiers and patches
-/// can refer to a file by its number. A file opened twice has two numbers.
+/// The files of a run, numbered in the order in which they are opened, so that messages,
+/// identifiers and patches can refer to a file by its number. A file opened twice has two numbers.
 #pragma once
 
 #include <cstdint>

@@ -1,6 +1,6 @@
 /// All names of a run in one flat table: labels, EQU identifiers, reserved words, version
 /// identifiers, and names that have only been used. A record also has the patches that wait for its
-/// value, so that all forward references to a name are filled in when it is defined.
+/// value, so that all forward references to a name are filled in when the name is defined.
 #pragma once
 
 #include <cstddef>
@@ -35,8 +35,8 @@ struct Definition {
 
 class CIdentifierManager {
   public:
-    /// An empty table. `assembler` evaluates the patches; its image receives their bytes, and its
-    /// lists receive the messages. It is not owned.
+    /// An empty table for the run of `assembler`, which is not owned. The assembler evaluates the
+    /// patches; its image receives their bytes, and its lists receive the messages.
     explicit CIdentifierManager(CAssembler* assembler);
     ~CIdentifierManager() { ReleasePatches(); }
 

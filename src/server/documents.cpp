@@ -8,8 +8,8 @@
 namespace korv {
 namespace {
 
-// The offset of a position in `text`. A position beyond its line or beyond the text counts as the
-// end of it. The text is not divided into lines, since each of several changes would do that again.
+// The offset of a position in `text`. A position beyond the end of its line, or of the text, counts
+// as that end. The text is not split into lines first, since each change would have to do so again.
 std::size_t OffsetOf(std::string_view text, const Position& at, PositionEncoding encoding) {
     std::size_t start = 0;
     for (std::uint32_t line = 0; line < at.line; ++line) {
@@ -24,7 +24,7 @@ std::size_t OffsetOf(std::string_view text, const Position& at, PositionEncoding
     return start + ColumnOf(line, at.character, encoding);
 }
 
-// Applies a change that the client has sent.
+// Applies one of the changes in a notification.
 void Apply(const Json& change, PositionEncoding encoding, std::string* text) {
     const auto& newText = Get<std::string>(change, "/text");
     if (At(change, "/range").is_null()) {
@@ -73,7 +73,7 @@ void Documents::Change(const std::string& path, const Json& parameters) {
         return;
     }
     Document& document = found->second;
-    std::string bytes = document.bytes;  // a faulty change cancels all of them
+    std::string bytes = document.bytes;  // a malformed change cancels all of them
     for (const Json& change : changes) {
         Apply(change, encoding, &bytes);
     }

@@ -1,4 +1,4 @@
-/// The documents that are open in the editor. Their texts are used instead of those on the disk.
+/// The documents that are open in the editor. Their texts are used instead of the files on disk.
 #pragma once
 
 #include <map>
@@ -18,11 +18,11 @@ struct Document {
 
 class Documents {
   public:
-    /// How the client counts characters, in changes and everywhere else.
+    /// The unit in which the client counts characters, in changes and everywhere else.
     void SetEncoding(PositionEncoding newEncoding) { encoding = newEncoding; }
     [[nodiscard]] PositionEncoding Encoding() const { return encoding; }
 
-    /// By full path.
+    /// All open documents, by full path.
     [[nodiscard]] const std::map<std::string, Document>& All() const { return documents; }
     /// `path` is a full path, here and below. Null if the document is not open.
     [[nodiscard]] const Document* Find(const std::string& path) const;
@@ -35,7 +35,8 @@ class Documents {
     /// `document` is the "textDocument" of the notification. Replaces a document that is already
     /// open.
     void Open(const std::string& path, const Json& document);
-    /// `parameters` are those of the notification. Ignored if the document is not open.
+    /// `parameters` are those of the notification. A change to a document that is not open is
+    /// ignored.
     void Change(const std::string& path, const Json& parameters);
     void Close(const std::string& path) { documents.erase(path); }
 

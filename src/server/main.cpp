@@ -23,8 +23,8 @@ constexpr const char* help =
     "\n"
     "Exit status: 0 ended by the editor; 1 the connection broke; 2 wrong use.\n";
 
-// The size of a text is limited, so it is the machine that is out of memory. The editor restarts
-// the server.
+// The size of a text is limited, so a failed allocation means that the machine is out of memory.
+// The editor restarts the server.
 int OnAllocationFailure(std::size_t) {
     std::fputs("korv-ls: error: out of memory\n", stderr);
     std::_Exit(1);

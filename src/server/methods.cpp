@@ -1,5 +1,5 @@
-// The methods of the protocol: handlers for those that change the state of the server, and the
-// table of the features.
+// The methods of the protocol: the table of the features, and the handlers of notifications and of
+// all other requests.
 
 #include <algorithm>
 #include <iterator>
@@ -12,8 +12,8 @@ namespace korv {
 
 struct Feature {
     std::string_view name;
-    std::string_view provider;  // its capability
-    std::string_view needed;    // the parameter that it needs besides the document
+    std::string_view provider;  // the capability that announces it
+    std::string_view needed;    // the parameter required besides the document
     Json (*reply)(const Query& query);
 };
 
@@ -114,8 +114,8 @@ Json Server::AnswerFeature(const Feature& feature, const Json& parameters) {
                           range.value_or(everything), parameters, workspace});
 }
 
-// A document that is not a file, such as one without a name yet, is treated as a file in the
-// current directory.
+// A document that is not a file, for example a new one that has not been saved, is treated as a
+// file in the current directory.
 std::string Server::PathOf(const std::string& uri) {
     if (const auto path = PathOfUri(uri)) {
         return workspace.FullPath(*path);
@@ -160,13 +160,13 @@ Json Server::Initialize(const Json& parameters) {
     capabilities["positionEncoding"] = isUtf8 ? "utf-8" : "utf-16";
     capabilities["semanticTokensProvider"]["legend"] = SemanticTokensLegend();
     for (const Feature& feature : features) {
-        capabilities.emplace(feature.provider, true);  // unless it is already there, with options
+        capabilities.emplace(feature.provider, true);  // unless it is set above, with options
     }
     return {{"capabilities", capabilities},
             {"serverInfo", {{"name", "korv-ls"}, {"version", version}}}};
 }
 
-// Asks the client to report changes of files on the disk.
+// Asks the client to report changes to files on disk.
 void Server::OnInitialized(const Json&) {
     if (watchesOnRequest) {
         stream.Write(R"({"jsonrpc":"2.0","id":"watch files","method":"client/registerCapability",)"

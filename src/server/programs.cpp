@@ -11,11 +11,11 @@
 namespace korv {
 namespace {
 
-// The limit for the errors of a program and for the messages that are shown: nobody reads more in
-// an editor.
+// The limit on the errors that an analysis collects, and on the messages that are shown for a
+// program: nobody reads more in an editor.
 constexpr std::size_t mostMessages = 1000;
 
-// An error that is not about a line.
+// The diagnostic for an error that is not about a line.
 Json FailureDiagnostic(const std::string& failure) {
     return {{"range", Range()}, {"severity", 1}, {"source", "korv"}, {"message", failure}};
 }
@@ -63,7 +63,7 @@ void Programs::OnConfigurationChanged() {
     programs.clear();
 }
 
-// Analyses the current texts of the program, unless that has been done.
+// Analyses the current texts of the program, unless its last analysis is up to date.
 void Programs::Refresh(Program* program) {
     if (!program->isStale) {
         return;
@@ -75,7 +75,7 @@ void Programs::Refresh(Program* program) {
     }
     documents->AddTo(&store);
     Analysis analysis = Analyse(options, &store, {.statements = true, .names = true, .uses = true});
-    SymbolFileText(options, &analysis);  // for its warning
+    SymbolFileText(options, &analysis);  // called for its warning
     Snapshot& snapshot = program->snapshot;
     snapshot = {
         std::make_shared<const Analysis>(std::move(analysis)), {}, documents->Encoding(), {}};
@@ -94,7 +94,7 @@ Programs::Program& Programs::Need(const Configuration& configuration, const std:
     if (program.isStale) {
         program.main = main;
         program.configuration = configuration;
-        if (main != configuration.source) {  // else it stays as written, for messages
+        if (main != configuration.source) {  // otherwise as written, for messages
             program.configuration.options.source = main;
         }
         program.configuration.options.maxErrors = mostMessages;
@@ -134,7 +134,7 @@ Programs::Program& Programs::ProgramFor(const std::string& path) {
 void Programs::Update() {
     failures.clear();
     programOf.clear();
-    // An analysis in the first round may show that a program reads an earlier document.
+    // An analysis may reveal that a program reads a document handled earlier in the first round.
     for (int round = 0; round < 2; ++round) {
         for (auto& [key, program] : programs) {
             program.isNeeded = false;

@@ -1,8 +1,8 @@
 /// The programs that the open documents are part of, each with the snapshot of its last analysis.
 ///
 /// A document belongs to the first of these that reads it: the program of its configuration; a
-/// program that has read it before; the program of the file that includes it. Otherwise it is a
-/// program of its own. This depends on analyses, so it is decided again at each update.
+/// program that has read it before; the program of the file that includes it. Otherwise it
+/// forms a separate program. The assignment depends on analyses, so it is made anew at each update.
 #pragma once
 
 #include <map>
@@ -21,9 +21,9 @@ class Programs {
         std::string main;             ///< full path
         Configuration configuration;  ///< with `main` as the source in its options
         Snapshot snapshot;            ///< of its last analysis
-        bool isStale = true;          ///< a text has changed since then
-        bool isNeeded = false;        ///< by the last `Update`; also if it turned out not to read
-                                      ///< the document for which it was made
+        bool isStale = true;          ///< a text has changed since that analysis
+        bool isNeeded = false;        ///< set by the last `Update`, even if the program turned out
+                                      ///< not to read the document that it was created for
 
         [[nodiscard]] bool Reads(const std::string& path) const {
             return snapshot.FileOf(path) != noIndex;
@@ -43,16 +43,15 @@ class Programs {
 
     /// True if `Update` has something to do.
     [[nodiscard]] bool IsStale() const { return isStale; }
-    /// Analyses the programs that have changed.
+    /// Assigns the open documents to programs, and analyses the programs that have changed.
     void Update();
 
-    /// By main file and configuration, as of the last `Update`.
+    /// All programs, by main file and configuration, as of the last `Update`.
     [[nodiscard]] const std::map<std::string, Program>& All() const { return programs; }
     /// The snapshot of the program that the file at `path` is part of, as of the last `Update`;
-    /// null for none. It is valid until the next one.
+    /// null if there is none. It is valid until the next `Update`.
     [[nodiscard]] const Snapshot* SnapshotOf(const std::string& path) const;
-    /// The diagnostics of each file that has any, by path. Every open document has an entry, even
-    /// an empty one.
+    /// The diagnostics of each file, by path. Every open document has an entry, which may be empty.
     [[nodiscard]] DiagnosticsByPath Diagnostics() const;
 
   private:
@@ -64,7 +63,7 @@ class Programs {
     Workspace* workspace;
     std::map<std::string, Program> programs;      // see `All`
     std::map<std::string, Program*> programOf;    // by the paths of the documents
-    std::map<std::string, std::string> failures;  // of configurations, by the file to show them in
+    std::map<std::string, std::string> failures;  // of configurations, by the file that shows them
     bool isStale = false;
 };
 

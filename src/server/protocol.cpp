@@ -7,10 +7,10 @@
 namespace korv {
 namespace {
 
-// The bytes of the character at the start of `line`, which is not empty.
+// The number of bytes in the first character of `line`, which must not be empty.
 std::size_t SizeOfFirst(std::string_view line) {
     const PrintableCharacter first = FirstCharacter(line);
-    const bool isControl = line.front() == '\xC2' && first.code < 0xA0;  // one of two bytes
+    const bool isControl = line.front() == '\xC2' && first.code < 0xA0;  // U+0080 to U+009F
     return isControl ? 2 : std::max<std::size_t>(first.size, 1);
 }
 
@@ -70,7 +70,7 @@ Strings StringsOf(const Json& json, const std::string& listPath, const std::stri
 }
 
 std::optional<Position> FindPosition(const Json& json, const std::string& path) {
-    constexpr std::int64_t most = INT32_MAX - 1;  // lines count from 1 elsewhere
+    constexpr std::int64_t most = INT32_MAX - 1;  // elsewhere, lines count from 1
     const auto line = Get<std::int64_t>(json, path + "/line", -1);
     const auto character = Get<std::int64_t>(json, path + "/character", -1);
     if (line < 0 || character < 0) {

@@ -16,7 +16,7 @@ namespace korv {
 using Json = nlohmann::json;
 using Strings = std::vector<std::string>;
 
-/// How a client counts the characters of a line. UTF-16 unless it offers UTF-8.
+/// How a client counts the characters of a line. UTF-16 unless the client offers UTF-8.
 enum class PositionEncoding : std::uint8_t { utf16, utf8 };
 
 /// A place between two characters. Both numbers count from 0.
@@ -35,17 +35,17 @@ struct Range {
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE(Position, line, character)
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE(Range, start, end)
 
-/// The units of the first `column` bytes of `line`. A byte that is not UTF-8 counts as one
-/// character, as an editor shows it.
+/// The number of units in the first `column` bytes of `line`. A byte that is not valid UTF-8 counts
+/// as one character, as an editor shows it.
 [[nodiscard]] std::uint32_t UnitsOf(std::string_view line, std::size_t column,
                                     PositionEncoding encoding);
 
-/// The byte column of `character` in `line`. A position beyond the line is at its end, one inside a
-/// surrogate pair at the start of the pair.
+/// The byte column of `character` in `line`: the end of the line if `character` is beyond it, and
+/// the start of a surrogate pair if `character` is inside it.
 [[nodiscard]] std::size_t ColumnOf(std::string_view line, std::uint32_t character,
                                    PositionEncoding encoding);
 
-/// With the numbers of the protocol.
+/// Numbered as in the protocol.
 enum class ErrorCode : std::int32_t {
     parseError = -32700,
     invalidRequest = -32600,
@@ -67,7 +67,7 @@ struct RequestError {
 
 /// The value at a path, such as "/textDocument/uri"; JSON's null if there is none.
 [[nodiscard]] const Json& At(const Json& json, const std::string& path);
-/// The same for a value of one of the types that a `Json` holds; null if there is none.
+/// The value at a path if its type is `Value`, one of the types that a `Json` holds; else null.
 template <typename Value>
 [[nodiscard]] const Value* Find(const Json& json, const std::string& path) {
     return At(json, path).get_ptr<const Value*>();
@@ -90,7 +90,7 @@ template <typename Value>
 [[nodiscard]] std::optional<Position> FindPosition(const Json& json, const std::string& path);
 [[nodiscard]] std::optional<Range> FindRange(const Json& json, const std::string& path);
 
-/// A change of a text.
+/// A change to a text.
 [[nodiscard]] inline Json TextEdit(const Range& range, std::string_view newText) {
     return {{"range", range}, {"newText", newText}};
 }
@@ -98,7 +98,7 @@ template <typename Value>
     return {{"kind", "markdown"}, {"value", text}};
 }
 
-/// The text to send. Bytes from a source that are not UTF-8 become U+FFFD.
+/// The JSON text to send. Bytes from a source that are not UTF-8 become U+FFFD.
 [[nodiscard]] inline std::string TextOf(const Json& json) {
     return json.dump(/*indent=*/-1, ' ', /*ensure_ascii=*/false, Json::error_handler_t::replace);
 }

@@ -1,4 +1,4 @@
-// The loop of the server: the order in which messages are handled, and when it analyses and
+// The loop of the server: the order in which it handles messages, and when it analyses and
 // publishes.
 
 #include "server/server.h"
@@ -28,8 +28,8 @@ int Server::Run() {
     return status;
 }
 
-// Reads all waiting messages, so that a cancellation is seen before its request is handled. If none
-// is waiting, there is time to analyse before the next one. Result: false if the input has ended.
+// Reads all waiting messages, so that a cancellation is seen before its request is handled. If no
+// message is waiting, analyses and then waits for one. Result: false if the input has ended.
 bool Server::FillQueue() {
     constexpr std::size_t longestQueue = 1000;
     while (queue.size() < longestQueue) {
@@ -57,7 +57,7 @@ bool Server::IsCancelled(const Json& id) const {
 void Server::Take(const Json& message) {
     const bool hasId = message.contains("id");
     if (hasId && (message.contains("result") || message.contains("error"))) {
-        return;  // a reply to the server's own request, which is not needed
+        return;  // a reply to the server's own request; it is not needed
     }
     const bool isIdProper = hasId && (message["id"].is_string() || message["id"].is_number());
     const Json id = isIdProper ? message["id"] : Json();
@@ -86,8 +86,8 @@ void Server::Take(const Json& message) {
     }
 }
 
-// Analyses what has changed. Then publishes the diagnostics of each file for which they, or the
-// version of the document, have changed.
+// Analyses what has changed. Then publishes the diagnostics of each file if they, or the version of
+// its document, have changed.
 void Server::Update() {
     if (!programs.IsStale()) {
         return;

@@ -25,10 +25,10 @@ class Server {
     /// `connection` is not owned.
     Server(platform::Connection* connection, std::string version);
 
-    /// Serves until the client ends it. Result: the exit status, 0 after `shutdown` and `exit`,
-    /// else 1.
+    /// Serves the client until it ends the session. Result: the exit status, 0 after `shutdown` and
+    /// `exit`, else 1.
     [[nodiscard]] int Run();
-    /// Why `Run` ended early; empty if the client ended it.
+    /// The reason why `Run` ended early; empty if the client ended the session.
     [[nodiscard]] const std::string& Failure() const { return stream.Failure(); }
 
   private:
@@ -57,7 +57,7 @@ class Server {
     Workspace workspace{&documents};
     Programs programs{&documents, &workspace};
     std::deque<Json> queue;                 // messages that have been read but not handled
-    std::map<std::string, Json> published;  // parameters with diagnostics, by URI
+    std::map<std::string, Json> published;  // the last parameters sent, by URI
     enum class Phase : std::uint8_t { created, initialized, shutDown, ended };
     Phase phase = Phase::created;
     bool watchesOnRequest = false;  // the client can be asked to watch files

@@ -9,8 +9,8 @@
 namespace korv {
 namespace {
 
-// Adds the label at `start`, the beginning of a line. It need not be the definition of its name: it
-// may have been skipped or refused.
+// Adds the label at `start`, the beginning of a line. The label need not define its name: the line
+// may have been skipped, or the label refused.
 void AddLabel(const Analysis& analysis, Place start, PlaceIndex* index) {
     const std::string_view line = analysis.LineOf(start);
     const auto end = std::ranges::find_if_not(line, [](char c) { return HasClass(c, CC_NAME); });
@@ -33,7 +33,7 @@ PlaceIndex IndexOf(const Analysis& analysis) {
         }
     }
     index.statements.resize(analysis.files.size());
-    std::vector<std::int32_t> first(analysis.files.size(), noIndex);  // opening, by file
+    std::vector<std::int32_t> first(analysis.files.size(), noIndex);  // openings, by file
     for (const Statement& statement : analysis.statements) {
         const Opening& opening = analysis.openings[static_cast<std::size_t>(statement.opening)];
         const auto file = static_cast<std::size_t>(opening.file);
@@ -110,7 +110,7 @@ const Name* FindName(const Analysis& analysis, std::string_view text) {
 
 Statements StatementsIn(const Snapshot& snapshot, std::int32_t file, const Range& range) {
     const Statements all = snapshot.Index().statements[static_cast<std::size_t>(file)];
-    // 64 bits, to hold the largest number that a client can send, plus 1.
+    // 64 bits, so that adding 1 cannot overflow.
     const auto first = std::int64_t{range.start.line} + 1, last = std::int64_t{range.end.line} + 1;
     const auto begin = std::ranges::lower_bound(
         all, first, {}, [](const Statement* each) { return LastLineOf(*each); });

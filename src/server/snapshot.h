@@ -1,5 +1,5 @@
 /// One state of a program in the editor: the analysis of its texts at that moment. Features are
-/// functions of it; it is never changed, only replaced.
+/// functions of a snapshot. A snapshot is never changed, only replaced.
 #pragma once
 
 #include <cstdint>
@@ -15,21 +15,21 @@
 
 namespace korv {
 
-/// A name at a place. In a file that is included twice, there is only one for each place.
+/// An occurrence of a name. A place has only one, even if its file is included twice.
 struct NameAt {
     const Name* name = nullptr;  ///< one of `Analysis::names`
     Place place;
     bool isDefinition = false;  ///< a label or EQU, even a skipped or repeated one
 };
 
-/// An index for finding what is at a place.
+/// An index of the statements and names at each place.
 struct PlaceIndex {
-    /// By file: the statements of its first opening, in the order of the lines.
+    /// For each file, the statements of its first opening, in the order of the lines.
     std::vector<std::vector<const Statement*>> statements;
-    /// By their places, without lengths.
+    /// The occurrences of names, by place without length.
     std::map<Place, NameAt> names;
 
-    /// Adds a name, unless there is one at its place already.
+    /// Adds an occurrence, unless its place already has one.
     void Add(const NameAt& name) {
         names.try_emplace({name.place.file, name.place.line, name.place.column}, name);
     }
@@ -37,7 +37,7 @@ struct PlaceIndex {
 
 struct Snapshot {
     std::shared_ptr<const Analysis> analysis;  ///< with statements, names and uses
-    std::vector<std::string> uris;             ///< of its files, as the client knows them
+    std::vector<std::string> uris;             ///< of the files, as the client spells them
     PositionEncoding encoding = PositionEncoding::utf16;
 
     /// Index in `analysis->files` of the file at the full path `path`; `noIndex` if the program did
@@ -54,29 +54,29 @@ struct Snapshot {
     }
     /// The rest of a line, from `column`.
     [[nodiscard]] Place RestOf(std::int32_t file, std::int32_t line, std::uint32_t column) const;
-    /// The range of `place`, which must be somewhere, as the client counts.
+    /// The range of `place` as the client counts it. `place.IsSomewhere()` must be true.
     [[nodiscard]] Range RangeOf(const Place& place) const;
     [[nodiscard]] Json LocationOf(const Place& place) const {
         return {{"uri", UriOf(place.file)}, {"range", RangeOf(place)}};
     }
-    /// A position of the client as a place with length 0.
+    /// The place of the client's `position`, with length 0.
     [[nodiscard]] Place PlaceOf(std::int32_t file, Position position) const;
-    /// Built when it is first needed. Publishing messages does not need it.
+    /// The index, built when it is first needed. Publishing messages does not need it.
     [[nodiscard]] const PlaceIndex& Index() const;
 
     mutable std::shared_ptr<const PlaceIndex> index;  ///< only for `Index`
 };
 
-/// True if `place` is inside `wide` or at one of its ends: a cursor right after a word counts.
+/// True if `place` is inside `wide` or at one of its ends: a cursor right after a word is on it.
 [[nodiscard]] bool Covers(const Place& wide, const Place& place);
 
-/// The name at `place`, which has length 0; null for none.
+/// The name at `place`, whose length must be 0; null if there is none.
 [[nodiscard]] const NameAt* FindNameAt(const Snapshot& snapshot, const Place& place);
 
-/// All places of `name`, in order.
+/// All occurrences of `name`, in order.
 [[nodiscard]] std::vector<NameAt> OccurrencesOf(const Snapshot& snapshot, const Name* name);
 
-/// The name `text`, which is in upper case; null for none.
+/// The name with the spelling `text`, in upper case; null if there is none.
 [[nodiscard]] const Name* FindName(const Analysis& analysis, std::string_view text);
 
 /// The last physical line of a statement.
@@ -86,8 +86,8 @@ struct Snapshot {
 
 using Statements = std::span<const Statement* const>;
 
-/// The statements in the lines of `range` in `file`, each line once. The first one may begin before
-/// the range.
+/// The statements in the lines of `range` in `file`, each once even if the file is included twice.
+/// The first one may begin before the range.
 [[nodiscard]] Statements StatementsIn(const Snapshot& snapshot, std::int32_t file,
                                       const Range& range);
 

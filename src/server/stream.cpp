@@ -28,7 +28,7 @@ void MessageStream::Fill() {
 void MessageStream::TakeField(std::string_view line) {
     constexpr std::string_view name = "Content-Length:";
     if (!std::ranges::equal(line.substr(0, name.size()), name, {}, Raised, Raised)) {
-        return;  // Content-Type, whose only encoding is UTF-8
+        return;  // Content-Type: UTF-8 is the only encoding
     }
     const std::string_view digits = WithoutLeadingBlanks(line.substr(name.size()));
     std::size_t value = 0;
@@ -86,7 +86,7 @@ std::optional<std::string> MessageStream::Read(Wait wait) {
 
 void MessageStream::Write(std::string_view message) {
     std::string header = "Content-Length: " + std::to_string(message.size()) + "\r\n\r\n";
-    // In one piece, so that a client that reads block by block gets whole messages.
+    // In one piece, so that a client that reads in blocks receives whole messages.
     isAtEnd |= !connection->Write(header.append(message));
 }
 

@@ -1,5 +1,5 @@
-/// The base protocol: messages, each after a header with its length, over a connection. Only this
-/// class reads the input and writes the output of the server.
+/// The base protocol: messages over a connection, each preceded by a header with its length. Only
+/// this class reads the input and writes the output of the server.
 #pragma once
 
 #include <cstddef>
@@ -20,10 +20,10 @@ class MessageStream {
     explicit MessageStream(platform::Connection* connection) : connection(connection) {}
 
     enum class Wait { no, yes };
-    /// The next message, without its header. None: the input has ended, or with `Wait::no` the
-    /// message has not arrived completely.
+    /// The next message, without its header. None if the input has ended or is malformed, or, with
+    /// `Wait::no`, if the message has not arrived completely.
     [[nodiscard]] std::optional<std::string> Read(Wait wait);
-    /// Why the input cannot be divided into messages; empty if it can.
+    /// The reason why the input cannot be split into messages; empty if it can.
     [[nodiscard]] const std::string& Failure() const { return failure; }
 
     void Write(std::string_view message);

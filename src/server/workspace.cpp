@@ -15,13 +15,13 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// Limits of the search through folders, which may contain anything. No source is that long, and no
+// Limits on the search through folders, which may contain anything. No source is that long, and no
 // folder of a program has that many files.
 constexpr std::size_t longestSource = 1024 * 1024;
 constexpr std::size_t mostFiles = 2000;
 constexpr int deepestInclude = 16;
 
-// Through UTF-8: on systems with wide file names, `char` would be in another encoding.
+// By way of UTF-8: on systems with wide file names, a narrow string has another encoding.
 fs::path PathOf(const std::string& name) {
     return std::u8string(name.begin(), name.end());
 }
@@ -31,7 +31,7 @@ std::string NameOf(const fs::path& path) {
     return {name.begin(), name.end()};
 }
 
-// Without a separator at its end, unless it is a root.
+// `folder` without a separator at its end, unless it is a root.
 std::string Trimmed(std::string folder) {
     const bool isRoot = folder.size() <= platform::DriveLength(folder) + 1;
     if (!isRoot && (folder.ends_with('/') || folder.ends_with('\\'))) {
@@ -61,12 +61,12 @@ std::vector<fs::directory_entry> EntriesOf(const fs::path& folder) {
     return entries;
 }
 
-// The names in INCLUDE lines. Whether a line is assembled does not matter here: a program that
-// turns out not to read the file is not used.
+// The names in INCLUDE lines, even in lines that are not assembled: a program that turns out not to
+// read the file is not used.
 Strings IncludedNames(const StoredText& text) {
     Strings names;
     if (text.Bytes().find('\0') != std::string::npos) {
-        return names;  // an image, or another file that is not a text
+        return names;  // an image, or another file that is not text
     }
     for (std::int32_t line = 1; line <= text.LineCount(); ++line) {
         const std::string raised = Raised(text.Line(line));
@@ -120,7 +120,7 @@ void Workspace::Forget() {
     includes.clear();
 }
 
-// The folder of the file, and those above it up to the workspace folder.
+// The folder of the file, and the folders above it, up to the workspace folder.
 Strings Workspace::FoldersUpFrom(const std::string& path) {
     std::string top;  // the innermost workspace folder
     for (const std::string& folder : folders) {
@@ -135,7 +135,7 @@ Strings Workspace::FoldersUpFrom(const std::string& path) {
     return found;
 }
 
-// If the words name no source, they apply to every file that is a program by itself.
+// If the words name no source, they apply to every main file.
 Configuration Workspace::ReadConfiguration(const std::string& argumentFile, const std::string& base,
                                            Strings configured) {
     Configuration configuration;

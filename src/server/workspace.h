@@ -1,5 +1,5 @@
-/// Determines which program a file is part of, from settings, argument files and the sources on the
-/// disk; `Programs` adds what the analyses show. Results are cached until the next `Forget`.
+/// Determines which program a file is part of, from settings, argument files and the sources on
+/// disk; `Programs` also considers which files have been read. Results are cached until `Forget`.
 #pragma once
 
 #include <map>
@@ -15,12 +15,12 @@ namespace korv {
 
 /// The words of a korv-as command line, from an argument file or from the settings.
 struct Configuration {
-    std::string origin;  ///< full path of the argument file; empty: the settings, or nothing at all
+    std::string origin;  ///< full path of the argument file; empty: the settings, or no words
     /// Relative names are relative to this directory. For an argument file it is the folder of the
     /// file, since make and CI run korv-as there; for the settings it is the workspace folder.
     std::string directory;
     std::string source;   ///< full path of the source; empty: the words name none
-    Options options;      ///< without a source, those of each file that is a program by itself
+    Options options;      ///< without a source, the options of every main file
     std::string failure;  ///< why the words cannot be used; else empty
 };
 
@@ -44,19 +44,19 @@ class Workspace {
     /// the current directory if that is empty.
     [[nodiscard]] std::string FullPath(const std::string& name, const std::string& folder = "");
 
-    /// What applies to the file at `path`: the settings if they have words, else the nearest
-    /// argument file, else nothing.
+    /// The configuration for the file at `path`: the settings if they have words, otherwise the
+    /// nearest argument file, if any.
     [[nodiscard]] const Configuration& ConfigurationOf(const std::string& path);
-    /// The file that includes the one at `path`, directly or through others, and that no file
-    /// includes; `path` itself if there is none. Searched: the folder of the file and those above
-    /// it, up to the workspace folder.
+    /// The file that includes `path`, directly or through other files, and is not included itself;
+    /// `path` if there is none. The search covers the folder of `path` and the folders above it, up
+    /// to the workspace folder.
     [[nodiscard]] const std::string& IncluderOf(const std::string& path);
 
     /// The names in the folder `name`, which is relative to the folder of the file at `path`. Names
     /// of folders end with a slash.
     [[nodiscard]] Strings FilesIn(const std::string& path, const std::string& name);
 
-    /// Discards the results: files have been created, changed or removed.
+    /// Discards the cached results, because files, folders or settings have changed.
     void Forget();
 
   private:
@@ -72,7 +72,7 @@ class Workspace {
     Strings folders;                       // full paths
     Strings words;                         // of the settings
     std::string inlayHints;
-    // Cached until something changes.
+    // Cached until `Forget`.
     std::map<std::string, Configuration> configurations;  // by the path of the file
     std::map<std::string, std::string> includers;         // by the path of the file
     std::map<std::string, Strings> includes;              // full paths, by the path of the file

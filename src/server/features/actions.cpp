@@ -8,10 +8,10 @@
 namespace korv {
 namespace {
 
-// The edits of `messages`. An editor rejects edits that overlap, which occur if two messages
-// propose to change the same word. Only the first of them is kept.
+// The edits of `messages`. Edits overlap if two messages propose to change the same word. An editor
+// rejects overlapping edits, so only the first one is kept.
 Json EditOf(const Snapshot& snapshot, const std::vector<const Message*>& messages) {
-    std::map<Place, const Edit*> edits;  // by their starts, without lengths
+    std::map<Place, const Edit*> edits;  // by start, without length
     for (const Message* const message : messages) {
         for (const Edit& each : message->edits) {
             const Place& at = each.place;

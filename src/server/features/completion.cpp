@@ -13,7 +13,7 @@
 namespace korv {
 namespace {
 
-// With the numbers of the protocol.
+// Numbered as in the protocol.
 enum class ItemKind : std::uint8_t {
     function = 3,
     variable = 6,
@@ -23,15 +23,15 @@ enum class ItemKind : std::uint8_t {
     operatorSign = 24,
 };
 
-// A line up to the cursor. It need not assemble.
+// A line up to the cursor. It need not be valid.
 struct LinePrefix {
     explicit LinePrefix(std::string_view typed);
 
     std::string line;    // in upper case outside strings
     StatementView view;  // of `line`
     enum class Part : std::uint8_t { label, mnemonic, operand, string, comment };
-    Part part = Part::operand;          // which contains the cursor
-    std::size_t operand = 0;            // index of the operand that the cursor is in, if any
+    Part part = Part::operand;          // the one with the cursor
+    std::size_t operand = 0;            // index of the operand with the cursor, if any
     std::string_view operandText = {};  // of this operand, as typed
 };
 
@@ -112,7 +112,7 @@ class ItemList {
         }
         return items.emplace_back(std::move(item));
     }
-    // A word of the language, in lower case if the line contains lower-case letters.
+    // Adds a word of the language, in lower case if the line contains lower-case letters.
     Json& AddWord(ItemKind kind, std::string_view word, std::string_view order = "") {
         std::string label(word);
         for (char& c : label) {
@@ -132,7 +132,7 @@ class ItemList {
     }
 
     void AddFiles(std::string_view typed) {
-        const std::size_t end = typed.find_last_of("/\\") + 1;  // 0 if there is none
+        const std::size_t end = typed.find_last_of("/\\") + 1;  // 0 if there is no slash
         const std::string& path = query.snapshot.Text(query.file).Path();
         const std::string folder(typed.substr(0, end));
         for (std::string& name : query.workspace.FilesIn(path, folder)) {
@@ -140,7 +140,7 @@ class ItemList {
         }
     }
 
-    // True if `word` fits as the operand at the cursor, in parentheses if one is open.
+    // True if `word` fits as the operand at the cursor, in parentheses if the operand has a "(".
     [[nodiscard]] bool May(std::string_view word) const {
         std::string tried = prefix.line.substr(0, prefix.line.size() - prefix.operandText.size());
         tried += isOpen ? "(" + std::string(word) + ")" : word;
@@ -162,7 +162,7 @@ class ItemList {
         }
     }
 
-    // Registers and conditions that some form of the statement accepts.
+    // Adds the registers and conditions that some form of the statement accepts.
     void AddRegisters() {
         const auto add = [this](std::string_view name) {
             if (May(name)) {
@@ -246,7 +246,7 @@ Json Signatures(const Query& query) {
     // Further operands of a list are like the first one.
     const bool isList = statement.keyword->operands.most > 2;
     const std::size_t operand = isList ? 0 : prefix.operand;
-    const auto matching =  // forms that also match what has been written of the operand
+    const auto matching =  // the forms that also match the typed part of the operand
         FormsOf(statement, std::min(operand + 1, statement.operands.size()));
     Json signatures = Json::array();
     std::size_t active = 0;

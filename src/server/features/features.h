@@ -1,5 +1,5 @@
-/// The features: each is a function from a request about a place in a snapshot to its result, in
-/// the form of the protocol. A feature that has no result throws a `RequestError` with the reason.
+/// The features. Each is a function from a request about a place in a snapshot to the JSON of its
+/// result. A feature that refuses a request throws a `RequestError` with the reason.
 #pragma once
 
 #include <string_view>
@@ -13,7 +13,7 @@ struct Query {
     const Snapshot& snapshot;
     std::int32_t file;  ///< index of the file that the request is about
     Place place;        ///< the position, with length 0, if the request has one
-    Range range;        ///< the whole file if the request has none
+    Range range;        ///< the whole file if the request has no range
     const Json& parameters;
     Workspace& workspace;
 
@@ -28,37 +28,37 @@ struct Query {
 [[nodiscard]] Json Definition(const Query& query);
 /// All uses and definitions of the name, including those in skipped blocks.
 [[nodiscard]] Json References(const Query& query);
-/// The same within the file.
+/// The same, but only in the file of the request.
 [[nodiscard]] Json Highlights(const Query& query);
-/// The name, or why it cannot be renamed.
+/// The name and its range. Throws the reason if the name cannot be renamed.
 [[nodiscard]] Json PrepareRename(const Query& query);
 [[nodiscard]] Json Rename(const Query& query);
-/// The files of INCLUDE and BINCLUDE.
+/// Links to the files of INCLUDE and BINCLUDE.
 [[nodiscard]] Json Links(const Query& query);
 
 // hover.cpp
-/// For a name its value, kind, definition, comment and uses; for a number its other bases; for a
-/// mnemonic what it does, its address, bytes and T-states; for "$" the address.
+/// For a name, its value, kind, definition, comment and number of uses; for a number, its value in
+/// all bases; for a mnemonic, its meaning, address, bytes and T-states; for "$", the address.
 [[nodiscard]] Json Hover(const Query& query);
 
-// completion.cpp: what may be written at the cursor, in a line that need not assemble.
+// completion.cpp: what may be written at the cursor, in a line that need not be valid.
 /// Mnemonics where one is expected; registers, conditions and names where the forms of the mnemonic
-/// accept them; files after INCLUDE and BINCLUDE. Nothing in comments and other strings.
+/// accept them; files after INCLUDE and BINCLUDE. None in comments and other strings.
 [[nodiscard]] Json Completions(const Query& query);
 /// The forms of the mnemonic that match the operands before the one at the cursor; none if the
 /// cursor is not in an operand.
 [[nodiscard]] Json Signatures(const Query& query);
 
 // outline.cpp
-/// The labels and constants of the file, in the order of the source. The list is flat: it is not
-/// certain which labels are routines and which are places inside one.
+/// The labels and constants of the file, in the order of the source. The list is flat, because
+/// it is not certain which labels are routines and which are places inside a routine.
 [[nodiscard]] Json DocumentSymbols(const Query& query);
 /// Adds the names of the whole program that contain `text`, without regard to case.
 void AddSymbolsLike(const Snapshot& snapshot, std::string_view text, Json* symbols);
-/// Blocks from IF to ENDIF, comments of several lines, and routines: a label that is followed by
-/// code, up to the next such label.
+/// Blocks from IF to ENDIF, comments of several lines, and routines. A routine is a label and its
+/// code, up to the next label.
 [[nodiscard]] Json FoldingRanges(const Query& query);
-/// Address and bytes after the ends of lines, where they move no text.
+/// The address, and optionally the bytes, after the end of each line, where they move no text.
 [[nodiscard]] Json InlayHints(const Query& query);
 
 // tokens.cpp: the kind of each word. A skipped line is a comment.
@@ -69,12 +69,12 @@ void AddSymbolsLike(const Snapshot& snapshot, std::string_view text, Json* symbo
 // actions.cpp
 /// The message as the editor shows it.
 [[nodiscard]] Json DiagnosticOf(const Snapshot& snapshot, const Message& message);
-/// The fixes of the messages in the lines of the range; then, for each of their codes, one action
-/// with all fixes of that code in the program, if there are several.
+/// The fixes of the messages in the lines of the range. Then, for each code among these messages
+/// that has several fixes in the program, one action with all of them.
 [[nodiscard]] Json CodeActions(const Query& query);
 
 // formatting.cpp
-/// The changes that lay out lines in columns. They only replace blanks between the parts of a line,
+/// The edits that lay out lines in columns. They only replace blanks between the parts of a line,
 /// so the image stays the same. Comment lines, continued lines, lines with an unknown mnemonic or
 /// an ambiguous division, and lines that would become too long are not changed.
 [[nodiscard]] Json Formatting(const Query& query);

@@ -15,12 +15,12 @@ namespace {
 // The parts of a physical line, with only blanks between them: label with its colon, mnemonic,
 // operands, comment.
 using LineParts = std::array<std::string_view, 4>;
-// Their columns, from 0. With tabs, the nearest tab stops.
+// Their columns, from 0. With tabs, the nearest tab stops are used instead.
 constexpr std::array<std::size_t, 4> columns = {0, 10, 15, 34};
-// In bytes. A line that would grow beyond it is not changed.
+// In bytes. A line that would become longer is not changed.
 constexpr std::size_t longestLine = 120;
 
-// Divides a line into its parts. None: it must not be changed.
+// Splits a line into its parts. Result: none if the line must not be changed.
 std::optional<LineParts> Cut(std::string_view line) {
     constexpr std::string_view odd("\0\r\x1A", 3);
     const std::size_t comment = CommentStart(line);
@@ -52,7 +52,7 @@ class LineFormatter {
         hasTabs = !Get(query.parameters, "/options/insertSpaces", true);
     }
 
-    // Adds the changes of line `number`.
+    // Adds the edits for line `number`.
     void Format(std::int32_t number, const LineParts& parts, Json::array_t* edits) {
         line = number;
         text = snapshot.Text(file).Line(line);
@@ -71,8 +71,8 @@ class LineFormatter {
     }
 
   private:
-    // Moves `part`, the next one, to column `target`, or to one blank after the previous part if
-    // that ends later.
+    // Moves `part`, which is the next one, to column `target`. If the previous part reaches that
+    // column, one blank separates them.
     void Put(std::string_view part, std::size_t target) {
         if (part.empty()) {
             return;
@@ -85,7 +85,7 @@ class LineFormatter {
         end = start + part.size();
     }
 
-    // The gap before column `target`; at least one blank.
+    // The gap before column `target`: at least one blank or tab.
     [[nodiscard]] std::string GapTo(std::size_t target) const {
         const std::size_t column = Column();
         if (!hasTabs) {
@@ -95,7 +95,7 @@ class LineFormatter {
         return std::string(std::max(stop, column / tabSize + 1) - column / tabSize, '\t');
     }
 
-    // Replaces the text between the end of the last part and `start` by `gap`.
+    // Replaces the text between the end of the last part and `start` with `gap`.
     void Replace(std::size_t start, const std::string& gap) {
         if (text.substr(end, start - end) != gap) {
             const Place place{file, line, static_cast<std::uint32_t>(end),
@@ -133,7 +133,7 @@ Json Formatting(const Query& query) {
     Json::array_t edits;
     Range lines = query.range;
     if (lines.end.character == 0 && lines.end.line > lines.start.line) {
-        --lines.end.line;  // a selection of whole lines ends at the start of the next one
+        --lines.end.line;  // a selection of whole lines ends at the start of the next line
     }
     LineFormatter formatter(query);
     for (const Statement* const statement : StatementsIn(query.snapshot, query.file, lines)) {

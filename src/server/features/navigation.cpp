@@ -10,13 +10,13 @@
 namespace korv {
 namespace {
 
-// All places of the name that the query is about.
+// All occurrences of the name that the query is about.
 std::vector<NameAt> Occurrences(const Query& query) {
     const NameAt* const at = FindNameAt(query.snapshot, query.place);
     return at != nullptr ? OccurrencesOf(query.snapshot, at->name) : std::vector<NameAt>();
 }
 
-// The name at the place of the query, if it can be renamed.
+// The name at the place of the query. Throws the reason if the name cannot be renamed.
 const NameAt& RenamedAt(const Query& query) {
     const NameAt* const at = FindNameAt(query.snapshot, query.place);
     if (at == nullptr) {
@@ -38,7 +38,7 @@ const NameAt& RenamedAt(const Query& query) {
     return *at;
 }
 
-// Why `name`, which is in upper case, cannot be the name of a label; empty if it can.
+// The reason why `name`, in upper case, cannot be the name of a label; empty if it can.
 std::string ReasonAgainst(const Snapshot& snapshot, const std::string& name) {
     constexpr std::size_t longestName = 256;
     std::int32_t value = 0;

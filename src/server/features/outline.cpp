@@ -10,13 +10,13 @@
 namespace korv {
 namespace {
 
-// Numbers of the protocol: function or constant.
+// The protocol's numbers for a function or a constant.
 int SymbolKindOf(const Name& name) {
     return name.kind == NameKind::label ? 12 : 14;
 }
 
-// The names defined in `file`, in the order of the lines. A name that is defined twice appears
-// where its value comes from.
+// The names defined in `file`, in the order of the lines. A name that is defined twice appears at
+// the definition that gave it its value.
 std::vector<const Name*> DefinedIn(const Snapshot& snapshot, std::int32_t file) {
     std::vector<const Name*> names;
     for (const Name& name : snapshot.analysis->names) {
@@ -28,7 +28,7 @@ std::vector<const Name*> DefinedIn(const Snapshot& snapshot, std::int32_t file) 
     return names;
 }
 
-// Adds a range of physical lines, from 1, unless there is nothing to fold.
+// Adds a range of physical lines, counted from 1, unless there is nothing to fold.
 void Add(std::int32_t first, std::int32_t last, const char* kind, Json::array_t* folds) {
     if (first != 0 && last > first) {
         folds->push_back({{"startLine", first - 1}, {"endLine", last - 1}, {"kind", kind}});
@@ -48,7 +48,7 @@ void AddComments(const StoredText& text, Json::array_t* folds) {
 }
 
 void AddConditions(Statements statements, Json::array_t* folds) {
-    std::vector<std::int32_t> open;  // the lines of IF and ELSE
+    std::vector<std::int32_t> open;  // the lines of open IFs and ELSEs
     for (const Statement* const statement : statements) {
         const InstructionHandler handler =
             statement->keyword == nullptr ? nullptr : statement->keyword->handler;

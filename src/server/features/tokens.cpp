@@ -9,7 +9,7 @@
 namespace korv {
 namespace {
 
-// The protocol's names of types and modifiers. In a token, the type is a number and the modifiers
+// The protocol's names for types and modifiers. In a token, the type is a number and the modifiers
 // are bits, both in the order of the legend.
 constexpr std::array typeNames = {"keyword",  "macro",  "variable", "enumMember", "function",
                                   "property", "number", "string",   "comment",    "operator"};
@@ -24,7 +24,7 @@ enum Type : std::uint32_t {
     string,
     comment,
     operatorWord,
-    none,  // is not shown
+    none,  // not shown
 };
 constexpr std::array modifierNames = {"definition", "readonly"};
 constexpr std::uint32_t definition = 1;
@@ -107,12 +107,12 @@ class Painter {
         }
     }
 
-    // The comment at the end of each physical line, which the cleaned line does not contain.
+    // Adds the comments at the ends of the physical lines. The cleaned line does not contain them.
     void PaintComments(const LogicalLine& line) {
-        bool isComment = false;  // one that is continued
+        bool isComment = false;  // continued from the line before
         auto at = line.positions.begin();
         for (std::int32_t each = current->line; each <= LastLineOf(*current); ++each) {
-            std::size_t end = 0;  // of the text in the line
+            std::size_t end = 0;  // of the statement in this line
             for (; at != line.positions.end() && at->line == each; ++at) {
                 end = at->column + 1;
             }
@@ -137,7 +137,7 @@ class Painter {
     void AddRest(std::int32_t line, std::uint32_t column) {
         AddPlace(snapshot.RestOf(file, line, column), comment, 0);
     }
-    // Each token is five numbers; lines and columns count from the previous token.
+    // Each token is five numbers. Its line and column are relative to the previous token.
     void AddPlace(const Place& place, Type type, std::uint32_t modifiers) {
         const auto [start, end] = snapshot.RangeOf(place);
         if (start < end) {

@@ -15,7 +15,7 @@ std::string Hex(std::uint32_t value, std::size_t digits) {
 std::string ValueText(std::int32_t value) {
     const auto bits = static_cast<std::uint32_t>(value);
     const std::string decimal = std::to_string(value);
-    if (value < -0x8000 || value > 0xFFFF) {  // only as a part of an expression
+    if (value < -0x8000 || value > 0xFFFF) {  // possible only as part of an expression
         return Hex(bits, 8) + "H, " + decimal;
     }
     const bool isByte = value >= 0 && value <= 255;

@@ -7,13 +7,13 @@
 
 namespace korv {
 
-/// At least `digits` hexadecimal digits.
+/// `value` in at least `digits` hexadecimal digits.
 [[nodiscard]] std::string Hex(std::uint32_t value, std::size_t digits);
 
-/// `value` in all bases; also as a character if that is visible.
+/// `value` in all bases, and as a character if that is visible.
 [[nodiscard]] std::string ValueText(std::int32_t value);
 
-/// The bytes of `statement`, separated by blanks; at most `most`, then "...".
+/// The bytes of `statement`, separated by blanks. If there are more than `most`, "..." follows.
 [[nodiscard]] std::string BytesText(const Analysis& analysis, const Statement& statement,
                                     std::uint32_t most);
 

@@ -1,6 +1,6 @@
 // Combines every keyword with every pair of operands. The statements in encodings/ must be accepted, with other numbers
 // too; refusals.txt describes the bytes and messages of all other statements. Bytes and messages are compared for each
-// statement, so that none can silently assemble as if it were another.
+// statement, so that no statement can silently assemble as another one.
 
 #include <gtest/gtest.h>
 
@@ -24,7 +24,7 @@
 namespace korv_test {
 namespace {
 
-constexpr std::uint32_t mostBytes = 0x100000;  // of a keyword's statements together
+constexpr std::uint32_t mostBytes = 0x100000;  // of all statements with one keyword
 
 // Added at the end of each source. It defines names late, for operands that have no value at first.
 constexpr const char* lateSource = "SOON: EQU 18\nLATE: EQU 300\nFAR: EQU 65535+1\n";
@@ -34,7 +34,7 @@ const std::map<std::string, int> worth = {{"SOON", 18},   {"+SOON", 18},      {"
 // An operand.
 struct Shape {
     std::string text;
-    std::string group;  // for operands that are not values
+    std::string group;  // of an operand that is not a value
     int status;         // of its expression; -1: the operand is not a value
 };
 using Operands = std::vector<const Shape*>;
@@ -43,7 +43,7 @@ using Operands = std::vector<const Shape*>;
 struct Row {
     std::string line;
     Strings columns;
-    std::vector<std::set<const Shape*>> operands = {};  // the operands that match
+    std::vector<std::set<const Shape*>> operands = {};  // for each operand, the shapes that match it
     Strings fields = {};  // of a named statement, one per operand: byte, word, disp, jump or empty
     bool isUsed = false;
 };
@@ -78,7 +78,7 @@ std::string FormOf(const std::string& text) {
     return cut == 0 ? "n" : cut == 2 ? "(n)" : text.substr(0, 3) + "+n)";
 }
 
-// Whether `pattern` matches the operand. `isBare`: parentheses have no meaning in this statement.
+// True if `pattern` matches the operand. `isBare`: parentheses have no meaning in this statement.
 bool IsLike(const Shape& shape, const std::string& pattern, bool isBare) {
     const bool isInner = isBare && FormOf(shape.text) == "(n)" && shape.group != "(r)";
     const std::string word = isInner ? Inner(shape.text) : shape.text;
@@ -118,7 +118,7 @@ std::string FieldOf(const std::string& operand, const Row& row) {
 
 // The bytes and messages of each line of a source, except error 12, which is reported at the end for undefined names.
 std::vector<Outcome> Assemble(const std::string& source, std::size_t lines) {
-    static std::string first;  // the first statement, since a directive that uses up the memory ends the process
+    static std::string first;  // the first statement; printed if a directive uses up the memory, which ends the process
     [[maybe_unused]] static const int isSet = std::atexit([] {
         std::fputs(first.empty() ? "" : ("mark large counts as undriven in refusals.txt; " + first).c_str(), stderr);
     });
@@ -218,7 +218,7 @@ struct Crossing {
         }
     }
 
-    // The first line for the current keyword that matches.
+    // The first matching line for the current keyword.
     const Row& First(const std::string& about, const Operands& operands) {
         static const Row none{"", {"", "", "", "", "no line decides"}};
         const auto isIn = [](const Shape* shape, const auto& set) { return set.contains(shape); };
@@ -245,7 +245,7 @@ struct Crossing {
         }
     }
 
-    // The outcome of a named statement with the values of `operands` instead of its own.
+    // The outcome of a named statement with the values of `operands` in place of its own.
     Outcome Accept(const Row& row, const Operands& operands) {
         Outcome outcome{row.columns[BYTES], {}, ""};
         Tell(row, operands, shapes[0], &outcome);

@@ -1,5 +1,5 @@
 // The cases in cases/ and the examples in the manual. Each is a separate test, named after its table, line and title.
-// Also tests the reader of the tables.
+// This file also tests the reader of the tables.
 
 #include <gtest/gtest.h>
 
@@ -33,8 +33,8 @@ std::string MessagesIn(const std::string& console) {
     return messages;
 }
 
-// The console output of a case that expects `lines`: the title is first, and the line that erases the meter last,
-// except after the help.
+// The console output of a case that expects `lines`: the title precedes them, and the line that erases the meter
+// follows, except after the help.
 std::string Console(const std::string& lines) {
     const bool isHelp = lines.find("[Korv] HELP!\n") != std::string::npos;
     const std::string wiped(isHelp ? 0 : 26, ' ');  // GCC 12 warns about a condition with a sum
@@ -61,7 +61,7 @@ TEST_P(CaseTest, Holds) {
     }
     const std::string console = RunKorv(test.arguments);
     const auto here = [&](const std::string& text) { return Shown(text, directory.Path()); };
-    // The sources stay as they were, unless the case expects other contents.
+    // The sources must stay as they were, unless the case expects other contents.
     std::map<std::string, std::string> expected = test.files, got = FilesHere();
     for (const auto& [name, contents] : test.outputs) {
         expected[name] = here(name == "console" ? Console(contents) : contents);
@@ -83,7 +83,7 @@ TEST_P(CaseTest, Holds) {
     EXPECT_TRUE(different.empty()) << different;
 }
 
-// "commandline_txt_12_case_a_title".
+// A test is named, for example, "commandline_txt_12_case_a_title".
 INSTANTIATE_TEST_SUITE_P(Tables, CaseTest, testing::ValuesIn(AllBlocks()),
                          [](const auto& test) { return TestName(test.param); });
 

@@ -61,8 +61,8 @@ std::string AllCases() {
 }
 
 // clang-format off
-// Matches the instructions that a form in the manual stands for: "LD r,(IX+d)" matches "LD B,(IY-3)" too. Any other
-// lower-case word is a number.
+// A pattern that matches the instructions that a form in the manual stands for. "LD r,(IX+d)" also stands for
+// "LD B,(IY-3)". A lower-case word that is not in `signs` is a number.
 std::regex PatternOf(const std::string& form) {
     const std::map<std::string, std::string> signs = {
         {"r", "[A-EHL]"}, {"r'", "[A-EHL]"}, {"ss", "(BC|DE|HL|SP)"}, {"qq", "(BC|DE|HL|AF)"}, {"IX", "I[XY]"},
@@ -78,7 +78,7 @@ std::regex PatternOf(const std::string& form) {
 TEST(CompletenessTest, EveryInstructionHasItsTestAndItsRow) {
     const std::string lines = ReplaceAll(AllCases(), "|", "\n     ");  // one line for each alternative
     const auto cases = Found<StringSet>(lines, "\n(?:    |raw )[^\\s;]*[ \t]+\\[?([A-Z_]+)");
-    std::map<std::string, std::pair<std::regex, bool>> forms;  // the bool: whether a test uses it
+    std::map<std::string, std::pair<std::regex, bool>> forms;  // the bool: true if a test uses it
     StringSet listed;
     for (const std::string& row : Rows(Manual("### 5.2", "### 5.8") + Manual("## 6 ", "## 7 "))) {
         for (const std::string& form : Found(row, "`([A-Z][^`]*)`")) {
@@ -125,9 +125,9 @@ TEST(CompletenessTest, EveryMessageHasTheTextOfTheManualAndACase) {
         "error 15",  // needs a signal; tested in process_test.cpp
         "error 26",  // an EQU that waits always has its name
         "error 29",  // a name without a value always has its patches
-        "error 52",  // needs a lack of memory; tested in process_test.cpp
+        "error 52",  // needs memory to run out; tested in process_test.cpp
     };
-    std::map<std::string, StringSet> texts = {{"21", {""}}, {"42", {""}}};  // in the manual
+    std::map<std::string, StringSet> texts = {{"21", {""}}, {"42", {""}}};  // of the manual, by number
     StringSet kinds;                                                        // "error 16"
     for (const std::string& row : Rows(Manual("| -1 ", "## 13"))) {
         const Strings cells = Found(row, "\\| ([^|]*) (?=\\|)");
@@ -240,7 +240,7 @@ TEST(CompletenessTest, EverySwitchIsOnOffOrMalformed) {
 }
 
 TEST(CompletenessTest, EveryOptionAndWarningOfKorvAsIsInItsDocuments) {
-    // The files, and the text before a letter and before a long name in each. A separator follows both.
+    // Each file, with the text before a letter and the text before a long name in it. A separator follows both.
     const std::string texts[][3] = {{Manual("## 13", "### 13.1"), "`-", "`--"},
                                     {"docs/man1/korv-as.1", " Fl ", " Fl Fl "},
                                     {"editors/completions/korv-as.bash", " -", " --"},

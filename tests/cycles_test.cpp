@@ -40,7 +40,7 @@ int Measure(const Bytes& bytes, unsigned af, unsigned bc) {
     return cycles;
 }
 
-// Between all flags clear and all flags set, every condition is met once. With these counters, DJNZ and the block
+// Every condition is met with either all flags clear or all flags set. With these values of BC, DJNZ and the block
 // instructions end once and repeat once.
 korv::Cycles Measured(const Bytes& bytes) {
     std::vector<int> all;

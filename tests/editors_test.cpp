@@ -82,7 +82,7 @@ std::string Matched(const std::string& matcher, const std::string& output) {
     return ReplaceAll(all, "\\", "/");
 }
 
-// The same with the errorformat of a vim compiler, which has a letter as the severity.
+// The same for the errorformat of a vim compiler, in which the severity is a letter.
 std::string MatchedByVim(const std::string& compiler, const std::string& output) {
     WriteFile("output", output);
     WriteFile("script", "set rtp^=" + ProjectPath("editors/vim") + "\ncompiler " + compiler + R"(

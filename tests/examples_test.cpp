@@ -17,10 +17,10 @@ namespace {
 // program prints. At the end of the input, a key is 1AH and a line is empty.
 struct Emulator {
     static constexpr unsigned systemEntry = 5;
-    static constexpr unsigned stackTop = 0xFF00;  // the word there, 0, is the return address
+    static constexpr unsigned stackTop = 0xFF00;  // the word at this address is 0, the return address
     std::string memory = std::string(0x10000, '\0');
     std::string output;
-    std::string_view input;  // the unread part; lines end in a line feed
+    std::string_view input;  // the unread part; lines end with a line feed
     std::unique_ptr<Z80EX_CONTEXT, decltype(&z80ex_destroy)> cpu = {
         z80ex_create(
             [](auto*, Z80EX_WORD at, int, void* ram) { return static_cast<Z80EX_BYTE*>(ram)[at]; }, memory.data(),
@@ -29,7 +29,7 @@ struct Emulator {
             [](auto*, Z80EX_WORD, Z80EX_BYTE, void*) {}, nullptr, nullptr, nullptr),
         z80ex_destroy};
 
-    // Result: false if the program has not returned to address 0 within more steps than any test needs.
+    // Result: false if the program does not return to address 0. The limit is more steps than any test needs.
     bool Run(const std::string& code, unsigned start, unsigned entry) {
         memory.replace(start, code.size(), code).resize(0x10000);
         memory[systemEntry] = '\xC9';
@@ -120,7 +120,7 @@ const Program PROGRAMS[] = {
 std::string Assemble(const std::string& name, const char* format) {
     const TempDir directory;
     const std::string console = RunKorv({ProjectPath("examples/" + name + ".kor"), "OUT.IMG", format});
-    EXPECT_FALSE(Contains(console, " X")) << console;  // " : error X16"
+    EXPECT_FALSE(Contains(console, " X")) << console;  // as in " : error X16"
     return ReadFile("OUT.IMG").value_or("");
 }
 

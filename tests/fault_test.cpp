@@ -1,4 +1,4 @@
-// The files that a run leaves when the system fails at each point of it in turn.
+// Makes the system fail at each point of a run in turn, and checks the files that the run leaves.
 
 #include <gtest/gtest.h>
 
@@ -34,10 +34,10 @@ Files FilesHere() {
     return files;
 }
 
-const std::string none = "none";  // the contents of a file that does not exist
+const std::string none = "none";  // stands for the contents of a file that does not exist
 
-// The files that a run writes, with its message if the file has been written, and if it cannot be opened. There may be
-// no target, and no file of errors.
+// Each file that a run writes, with the message that it has been written, and the message that it cannot be opened. The
+// target and the file of errors need not exist.
 const std::tuple<std::string, std::string, std::string> written[] = {
     {"out/OUT.COM", "Binary target secured. (out/OUT.COM)\n", "Could not open out/OUT.COM.\n"},
     {"out/Debug.Out", "Debugfile written!\n", "Could not open 'debug.out'!\n"},
@@ -46,7 +46,7 @@ const std::tuple<std::string, std::string, std::string> written[] = {
 };
 std::string consoles;  // of all runs
 
-// The last line of the source, the old contents of those files, the fault of a request.
+// The last line of the source, the old contents of the files above, and the fault of a request.
 using Row = std::tuple<std::string, std::string, RequestFault>;
 class FaultTest : public testing::TestWithParam<Row> {
   public:
@@ -125,7 +125,7 @@ TEST_P(FaultTest, LeavesWhatItSays) {
         ASSERT_EQ(sources, files);
         const bool isAborted = Contains(console, "Aborting");
         ASSERT_FALSE(isAborted && Contains(console, "secured"));
-        if (fault == RequestFault::isBroken && !isAborted) {  // it was too late, and is not mentioned
+        if (fault == RequestFault::isBroken && !isAborted) {  // the event was too late, and is not mentioned
             ASSERT_EQ(right, console);
         }
         ASSERT_FALSE(Contains(console, "/main.kor]") && Contains(console, "[FROB]"));
@@ -190,7 +190,7 @@ Ending RunUnder(const Fault& fault, int n) {
     return {printed, FaultFileRequest(0, {})};
 }
 
-// A file with the letters and slashes of names made alike.
+// A file with its contents in lower case and with "/" for "\", so that any spelling of a name compares as equal.
 Files::value_type WithFoldedNames(Files::value_type file) {
     std::ranges::transform(file.second, file.second.begin(),
                            [](unsigned char c) { return c == '\\' ? '/' : static_cast<char>(std::tolower(c)); });
@@ -235,7 +235,8 @@ TEST_P(OutputFaultTest, LeavesAllOutputsOrNone) {
         }
         for (const std::string& name : outputs) {
             const bool isLost = isForGood && Contains(printed, "; cannot restore " + name);
-            const bool isListing = name == "out/a.lst" && Contains(printed, ": error: could not ");  // it shows it
+            // The new listing then shows the error.
+            const bool isListing = name == "out/a.lst" && Contains(printed, ": error: could not ");
             const bool isNew = files[name] != before[name];
             if (isNew != isLost && !(isNew && isListing)) {
                 return false;

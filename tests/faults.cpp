@@ -11,7 +11,7 @@
 namespace korv_test {
 namespace {
 
-// Counts calls. Those from `first` to `last` fail.
+// Counts calls. The calls from `first` to `last` fail.
 struct Calls {
     std::int64_t first = 0, last = 0, count = 0;  // from 1; 0: none fails
 
@@ -28,7 +28,7 @@ Calls allocations;
 Calls requests;
 RequestFault requestFault;
 
-// On Windows, an event is a call on another thread.
+// On Windows, an event is not a signal but a call on another thread.
 void BreakOff() {
     isWindows ? korv::OnConsoleEvent(korv::platform::EVENT_CTRL_C) : std::raise(SIGINT);
 }

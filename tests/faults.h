@@ -8,14 +8,14 @@ namespace korv_test {
 /// Makes the n-th allocation after this call fail, and every later one too if `andAllAfter`. With 0, none fails.
 void FailAllocation(std::int64_t n, bool andAllAfter);
 
-/// The event at the n-th request to the system.
+/// The fault at the n-th request to the system.
 enum class RequestFault {
     failsOnce,
     failsForGood,  ///< this one and all later ones
     isBroken,      ///< a console event occurs just before it
 };
 
-/// Applies `fault` to the n-th request after this call; with 0, to none. Result: whether the request chosen by the
+/// Applies `fault` to the n-th request after this call; with 0, to none. Result: true if the request chosen by the
 /// previous call has been made.
 bool FaultFileRequest(std::int64_t n, RequestFault fault);
 

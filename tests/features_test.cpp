@@ -38,7 +38,7 @@ struct Program {
         korv::FileStore store;
         for (const auto& [name, text] : files) {
             if (!name.starts_with('/')) {
-                WriteFile(name, "");  // the analysis asks the disk whether a file exists
+                WriteFile(name, "");  // the analysis checks on disk whether a file exists
             }
             store.SetText(store.FullPath(name), text);
         }
@@ -67,7 +67,7 @@ struct Program {
     }
 };
 
-// Counted from 1, as in editors. "2:3-5" is within a line.
+// A range, with lines and columns counted from 1, as in editors. "2:3-5" is within a line.
 std::string Shown(const Json& range) {
     const auto shown = [](const Json& at, const char* part) { return std::to_string(at[part].get<int>() + 1); };
     const Json& start = range["start"];
@@ -81,7 +81,7 @@ std::string Shown(const Json& range) {
 std::string At(const Json& location) {
     return std::string(location["uri"]) + " " + Shown(location["range"]);
 }
-// One line for each item, or all on one line if another separator is given.
+// The texts of the items, one per line unless another separator is given.
 template <typename Text>
 std::string Lines(const Json& items, const Text& text, const std::string& separator = "\n") {
     std::string all;
@@ -100,7 +100,7 @@ std::string ShownEdit(const Json& edit) {
     return all;
 }
 
-// The text of `file` with `edits`, which are in order and do not overlap.
+// The text of `file` after `edits`, which must be in order and must not overlap.
 std::string Changed(const korv::Snapshot& snapshot, std::int32_t file, const Json& edits) {
     const korv::StoredText& before = snapshot.Text(file);
     const auto offset = [&](const Json& edit, const char* end) {
@@ -117,7 +117,7 @@ std::string Changed(const korv::Snapshot& snapshot, std::int32_t file, const Jso
     return text.append(before.Bytes().substr(end));
 }
 
-// The signatures, with the current operand in brackets and "*" before the active one.
+// The signatures, with the current operand in brackets and "*" before the active signature.
 std::string Signatures(const Program& program) {
     const Json help = program.Ask(korv::Signatures);
     std::size_t number = 0;
@@ -146,7 +146,7 @@ std::string Tokens(const Program& program) {
     return all.str() + "\n";
 }
 
-// The reply to `request` as text. `word` is the rest of the line of the request.
+// The reply to `request` as text. `word` is the word after it, if there is one.
 std::string Reply(const Program& program, const std::string& request, const std::string& word) {
     if (request == "hover") {
         const Json hover = program.Ask(korv::Hover);
@@ -220,7 +220,7 @@ std::string Reply(const Program& program, const std::string& request, const std:
                  [](const Json& each) { return std::string(each["title"]) + "\n" + ShownEdit(each["edit"]); });
 }
 
-// Replaces each "{HH}" by its byte. `columns` receives the offset of each character of `text`.
+// Replaces each "{HH}" with its byte. `columns` receives the offset of each character of `text`.
 std::string Unescaped(const std::string& text, std::vector<std::size_t>* columns) {
     std::string bytes;
     for (std::size_t i = 0; i < text.size(); ++i) {
@@ -310,7 +310,7 @@ TEST(FeaturesTest, RepliesAreThoseOfTheTables) {
     }
 }
 
-// All sources of the tables and the examples, with blanks and with tabs.
+// Formats all sources of the tables and the examples, with blanks and with tabs.
 TEST(FeaturesTest, FormattingNeverChangesTheImage) {
     int changes = 0;
     const auto check = [&changes](Program program, const std::string& title) {

@@ -1,4 +1,4 @@
-// Tests that need POSIX: programs that die, are interrupted or wait, in a child process; owners, permissions, links.
+// Tests that need POSIX: runs in a child process that fail, are interrupted or wait; owners, permissions, links.
 
 #include "driver/process.h"
 
@@ -38,8 +38,8 @@ using Action = std::function<void(pid_t)>;
 
 void Nothing(pid_t) {}
 
-// Runs the program in a child process: after `prepare`, which runs in the child, and during `meanwhile`, which runs
-// here.
+// Runs the program in a child process, where `prepare` is called first. `meanwhile` is called in this process while the
+// child runs.
 Outcome RunChild(Strings words, const Action& prepare, const Action& meanwhile = Nothing) {
     std::vector<char*> argv;
     for (std::string& word : words) {
@@ -80,7 +80,7 @@ TEST(FaultDeathTest, AnyAllocationMayFailOnceOrForGood) {
     // clang-format on
     const std::string death = "Could not allocate more memory! (Size=4096)\n";
     const std::string firstDeath = "[ERROR!] Failed to allocate 8192 bytes.\n" + dump + death + dump;
-    const std::string use = " DW F0+" + std::string(1100, '0') + "\n";  // no block has room for 15
+    const std::string use = " DW F0+" + std::string(1100, '0') + "\n";  // no block has room for 15 of these
     std::string source =
         "L0: DW F0+0,F1,F2\n" + ReplaceAll(std::string(16, 'x'), "x", use) + " IF 1\n INCLUDE 7\n ENDIF\n";
     const std::string text = " DB \"" + std::string(200, 'x') + "\"\n";
@@ -122,7 +122,7 @@ TEST(FaultDeathTest, AnyAllocationMayFailOnceOrForGood) {
     const std::string line = " : error X52 : Out of Memory.\n", noFile = "\nUhm, I DUNNO! ;p(0)" + line;
     const std::pair<std::string, std::string> rows[] = {
         // the size that could not be allocated, and the output
-        {"", "Could not allocate more memory! (Size=20480)\n"},  // grown for a word
+        {"", "Could not allocate more memory! (Size=20480)\n"},  // the image grows for a word
         {"", "Could not allocate memory for BinBlock.\n"}, {"", "Could not allocate more memory.\n"},
         {"", "Could not allocate memory for CPatchInfoMemBlock!\n"}, {"", "realloc error\n"},
         {"", "Could not allocate memory for CtmpStringBlock!\n"}, {"", "Could not allocate memory for lsArg!\n"},
@@ -274,7 +274,7 @@ TEST(WaitTest, TakesOneKeyOfATerminal) {
     EXPECT_EQ(before.c_lflag, now.c_lflag);
 }
 
-// The superuser has all permissions, so these runs are made as another user, in directories that everybody can use.
+// The superuser has all permissions, so some tests act as another user, in directories that everybody can use.
 class AsNobody {
   public:
     AsNobody() {
@@ -300,7 +300,7 @@ TEST(OutputTest, KeepsWhatIsNotItsOwn) {
     const char* const noReports = "[Korv] Could not open 'debug.out'!\nCould not create file Labels.Out.\n";
     // clang-format off
     // Shell commands before the run, the arguments after the source, a part of the console output, and a shell
-    // condition that is true afterwards.
+    // condition that must be true afterwards.
     const std::tuple<std::string, Strings, const char*, std::string> rows[] = {
         {"chmod 640 old", {"old"}, secured, "test `stat -c %a old` = 640 && ! grep old old"},
         {"chmod 444 old", {"old"}, "[Korv] Could not open old.\n", "grep old old"},
@@ -395,7 +395,7 @@ int RunFrontendOn(
     return korv::RunFrontend(static_cast<int>(argv.size()), argv.data());
 }
 
-// Prints colours if they are wanted, and no control characters from a source.
+// Colours are printed if they are wanted, but control characters from a source never are.
 TEST(TerminalTest, GetsColoursAndNoControlCharactersFromKorvAs) {
     const Terminal terminal;
     if (terminal.screen < 0) {
@@ -432,7 +432,8 @@ TEST(TerminalTest, GetsColoursAndNoControlCharactersFromKorvAs) {
     }
 }
 
-// Standard output is on a full disk. After "|" it is a pipe that nobody reads. After "<" or ">" that stream is closed.
+// Standard output is on a full disk; with "|" before the words, it is a pipe that nobody reads. With "<" or ">" before
+// them, standard input or output is closed.
 TEST(FrontendProcessTest, WhyAFileCannotBeReadOrWrittenIsSaid) {
     const std::string full = ": No space left on device", denied = ": Permission denied";
     const std::pair<std::string, std::string> rows[] = {{"-h", "write standard output" + full},

@@ -19,9 +19,9 @@ inline constexpr bool isWindows = false;
 inline constexpr const char* nullDevice = "/dev/null";
 #endif
 
-/// Runs korv with `arguments` in the current directory. Result: its output, which is also left in a file `console`.
+/// Runs korv with `arguments` in the current directory. Result: its output, which is also left in the file `console`.
 std::string RunKorv(Strings arguments);
-/// Runs korv-as. A file `stdin` in the current directory, if there is one, is its standard input. Result: its output on
+/// Runs korv-as. If the current directory has a file `stdin`, that is its standard input. Result: its output on
 /// both streams, then its exit status if that is not 0. Leaves no file.
 std::string RunKorvAs(Strings arguments);
 /// The same, but stores its standard output in `output`. Result: the rest.

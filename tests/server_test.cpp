@@ -1,4 +1,4 @@
-// korv-ls: whole sessions as the client sees them, and a comparison with korv-as on all sources of the tables.
+// korv-ls: whole sessions as the client sees them, and a comparison with korv-as on all sources in the tables.
 
 #include "server/server.h"
 
@@ -29,7 +29,7 @@ class QueuedClient : public korv::platform::Connection {
 
     bool IsInputWaiting() const override { return true; }
     std::size_t Read(char* buffer, std::size_t count) override {
-        const std::size_t part = std::min({count, input.size(), std::size_t{7}});  // headers and bodies in pieces
+        const std::size_t part = std::min({count, input.size(), std::size_t{7}});  // splits headers and bodies
         input.copy(buffer, part);
         input.erase(0, part);
         return part;
@@ -53,7 +53,7 @@ class QueuedClient : public korv::platform::Connection {
     }
 };
 
-// Adds "jsonrpc" to a message, which the tables leave out.
+// Adds "jsonrpc", which the tables leave out, to a message, and replaces "$URI" with `here`.
 std::string Whole(std::string text, const std::string& here) {
     text = ReplaceAll(text, "$URI", here);
     return text.starts_with("{") ? "{\"jsonrpc\":\"2.0\"," + text.substr(1) : text;
@@ -64,7 +64,7 @@ std::string OpenMessage(const std::string& uri, const std::string& text) {
            text + "\"}}}";
 }
 
-// The contents of a publication, as "shown URI VERSION | 1:2-5 error CODE TEXT <- URI 1:2-5 TEXT", with columns from 1.
+// Published diagnostics as "shown URI VERSION | 1:2-5 error CODE TEXT <- URI 1:2-5 TEXT", with columns counted from 1.
 std::string ShownText(const std::string& body) {
     const korv::Json parameters = korv::Json::parse(body)["params"];
     const auto message = [](const korv::Json& range, const korv::Json& text) {
@@ -184,7 +184,7 @@ TEST(ServerTest, UrisArePathsAndBack) {
     }
 }
 
-// For each file, the server must publish the same messages as korv-as.
+// For each file, the server must publish the messages that korv-as prints.
 TEST(ServerTest, DiagnosticsAreTheMessagesOfKorvAs) {
     std::size_t count = 0;
     for (const std::string folder : {"cases", "frontend"}) {

@@ -49,7 +49,7 @@ bool IsBytes(const std::string& text) {
 }
 
 // Expands a line with alternatives: "LD [B|C],5" yields two lines, each with its alternative. A line without brackets
-// yields itself, with the alternative "=", so that "[=]" in its messages stays.
+// yields itself with the alternative "=", so that "[=]" in its messages does not change.
 std::vector<std::pair<std::string, std::string>> Alternatives(const std::string& line) {
     static const std::regex bracket(R"(\[([^\[\]]*\|[^\[\]]*)\])");
     std::smatch match;
@@ -200,7 +200,7 @@ class CaseReader {
         lines.pop_back();
         for (const std::string& line : Split(lines, '\n')) {
             const std::string marked = ReplaceAll(ReplaceAll(line, ";= ", "\n="), ";!", "\n");
-            auto parts = Split(marked, '\n');  // the source, its marks
+            auto parts = Split(marked, '\n');  // the source, then its marks
             const bool isMarked = parts.size() > 1;
             std::string source = parts[0];
             source.erase(isMarked ? source.find_last_not_of(' ') + 1 : source.size());
@@ -220,7 +220,7 @@ class CaseReader {
         }
     }
 
-    // "1 error 16 [NZ]" for a mark at `place`, or " error 16 B.KOR:7 [NZ]" with an empty `place`.
+    // `text` is, for example, "1 error 16 [NZ]" for a mark at `place`; " error 16 B.KOR:7 [NZ]" if `place` is empty.
     void AddMessage(const std::string& text, std::string place) {
         static const std::regex form(
             R"(([0-9]?) (error|warning) (-?[0-9]{1,3})( (?:([\w.-]+):)?([0-9]+))?( \[.*\])? *)");
@@ -241,15 +241,15 @@ class CaseReader {
     }
 
     Case test;
-    std::string file = "Main.Kor";  // the file being read, without its directory; empty: an output
+    std::string file = "Main.Kor";  // the file being read, without its directory; empty for an output
     std::string* block = &test.files[file];
     std::string output;      // the output being read, if `file` is empty
     std::string takenPlace;  // of the current line
-    // The places in the table and the texts as printed, under "error", "error1", ...
+    // The place in the table and the printed text of each message, by "error", "error1" and so on.
     std::map<std::string, std::vector<std::pair<std::string, std::string>>> messages;
 };
 
-// Converts the blocks "```korv SWITCHES" with a source, "```bytes" and "```messages" to lines of a table.
+// Converts the manual's blocks "```korv SWITCHES" (with a source), "```bytes" and "```messages" to lines of a table.
 std::vector<TableLine> ManualAsTable(const std::vector<TableLine>& manual) {
     const std::map<std::string, std::string> starts = {
         {"```korv", "    "}, {"```bytes", "bytes "}, {"```messages", ""}};

@@ -25,7 +25,7 @@ std::string ProjectPath(const std::string& part);
 /// The files in a folder of tests/, sorted.
 Strings TablesIn(const std::string& folder);
 
-/// The cases of a table, or in the fenced blocks of a manual (.md).
+/// The cases in a table, or in the fenced blocks of a manual (.md).
 std::vector<Block> ReadBlocks(const std::string& path);
 
 /// The name of the test for a case: the table, the line and the title.
@@ -37,7 +37,7 @@ struct Case {
     Strings arguments = {"Main.Kor"};
     std::string target;                          ///< the name of the target that the arguments select
     std::string messages;                        ///< as printed, without directories: errors, then warnings
-    bool hasError = false;                       ///< whether an error is expected
+    bool hasError = false;                       ///< true if an error is expected
     std::optional<std::string> bytes;            ///< the target in hexadecimal, or "none"
     std::map<std::string, std::string> outputs;  ///< expected contents by name; "console" as in README.md
     /// For each expectation, by name: the offsets at which lines of the table begin in it, with the places of these
@@ -49,7 +49,7 @@ struct Case {
 Case ReadCase(const Block& block);
 
 /// Describes the differences between the texts in `got` and `expected`: the title, then for each name the line of the
-/// table, the offset, the two bytes and their lines. Empty: there are none.
+/// table, the offset, the two bytes and their lines. Empty if there are none.
 std::string Differences(const Case& test, std::map<std::string, std::string> expected,
                         std::map<std::string, std::string> got);
 

@@ -1,6 +1,5 @@
-// Runs of korv-as from any bytes. The input has the same format as in fuzz_run.cpp, but with options instead of
-// switches. All files are texts in memory, and so are all outputs. For comparison, the core alone assembles the same
-// texts.
+// Runs korv-as on arbitrary bytes. The input has the same format as in fuzz_run.cpp, but with options instead of
+// switches. All files and outputs are texts in memory. For comparison, the core alone assembles the same texts.
 
 #include <algorithm>
 #include <cstdio>
@@ -32,7 +31,7 @@ void Require(bool isTrue, const char* otherwise) {
     }
 }
 
-// A file that includes itself twice is read a thousand times, which is legal but slow.
+// A file that includes itself twice is read a thousand times, which is legal but slow. So at most 50 files are opened.
 class ShortStore : public korv::FileStore {
   public:
     explicit ShortStore(const Sources& sources) : FileStore("/no-such-directory") {
@@ -160,7 +159,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     CheckData(analysis);
     if (analysis.failure.empty()) {
         MakeOutputs(options, analysis);
-        ShortStore again(sources);  // the parts that are collected must change nothing else
+        ShortStore again(sources);  // the choice of the parts to collect must change nothing else
         const Analysis least = korv::Analyse(options, &again, {});
         Require(least.image == analysis.image, "the image depends on what is wanted");
         Require(least.messages.size() == analysis.messages.size() || !options.debug.empty() ||

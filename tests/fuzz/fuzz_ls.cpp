@@ -1,7 +1,7 @@
-// Sessions of korv-ls from any bytes. The input has the same format as in fuzz_run.cpp. Its switches are the settings,
-// and its last file controls what a client does with the other three: edits and requests at any place, documents that
-// are opened and closed. After each batch, every request must have had its reply, and the published messages must be
-// those of a fresh analysis of the same texts.
+// Runs sessions of korv-ls on arbitrary bytes. The input has the same format as in fuzz_run.cpp. Its switches are the
+// settings, and its last file controls what a client does with the other three: it edits them, sends requests about any
+// place, and opens and closes documents. After each batch, every request must have its reply, and the published
+// messages must equal the messages of a fresh analysis of the same texts.
 
 #include <algorithm>
 #include <cstdio>
@@ -15,8 +15,8 @@
 #include "server/server.h"
 #include "source/source_file.h"
 
-// A file that includes itself twice is read a thousand times, which is legal but slow. So the linker puts these two in
-// front of the functions that they are named after: an analysis reads at most fifty texts.
+// A file that includes itself twice is read a thousand times, which is legal but slow. So the linker calls these two in
+// place of the functions that they are named after: an analysis reads at most fifty texts.
 namespace wrapped {
 korv::CSourceFile RealOfText(std::string_view) asm(
     "__real__ZN4korv11CSourceFile6OfTextESt17basic_string_viewIcSt11char_traitsIcEE");
@@ -51,7 +51,8 @@ void Require(bool isTrue, const std::string& otherwise) {
     }
 }
 
-// Makes UTF-8 from any bytes, since JSON allows nothing else. Bytes from F8H become a character of two units in UTF-16.
+// Converts arbitrary bytes to UTF-8, since JSON allows nothing else. Bytes from F8H up become a character of two units
+// in UTF-16.
 std::string Utf8(std::string_view bytes) {
     std::string text;
     for (const char c : bytes) {
@@ -100,7 +101,7 @@ class Client : public korv::platform::Connection {
     }
 
     bool IsInputWaiting() const override { return !input.empty(); }
-    // Called without input only when all messages sent have been handled.
+    // The server calls this without waiting input only after it has handled all messages.
     std::size_t Read(char* buffer, std::size_t count) override {
         if (input.empty()) {
             Require(waiting.empty(), "a request without reply");
@@ -137,9 +138,9 @@ class Client : public korv::platform::Connection {
         at += size;
         return Utf8(std::string_view(script).substr(at - size, size));
     }
-    // One of the documents, whether it is open or not.
+    // The path of one of the documents, open or not.
     std::string NextPath() { return std::next(sources.begin(), Next() % static_cast<int>(sources.size()))->first; }
-    // The start of a character of `text`; not the one after a carriage return, which has no position at a line end.
+    // The start of a character of `text`, but not of one after a carriage return: at a line end, it has no position.
     std::size_t NextOffset(const std::string& text) {
         std::size_t offset = static_cast<std::size_t>(Next() * 256 + Next()) % (text.size() + 1);
         while (offset < text.size() && (static_cast<unsigned char>(text[offset]) & 0xC0) == 0x80) {
@@ -180,7 +181,7 @@ class Client : public korv::platform::Connection {
     void Change(const std::string& path) {
         std::string& text = texts[path];
         std::size_t start = NextOffset(text), end = NextOffset(text);
-        if (end < start || Next() % 8 != 0) {  // most changes insert, so that a text remains
+        if (end < start || Next() % 8 != 0) {  // most changes insert, so that some text remains
             end = start;
         }
         const Json range = {{"start", PositionOf(text, start)}, {"end", PositionOf(text, end)}};
@@ -241,7 +242,7 @@ class Client : public korv::platform::Connection {
         return korv::Analyse(options, &store, wanted);
     }
 
-    // A document that is not part of the program is a program of its own, and its messages may come first. Such a state
+    // A document that is not part of the program forms a separate program, whose messages may come first. Such a state
     // is not checked.
     void CheckDiagnostics() {
         if (texts.empty()) {
@@ -251,7 +252,7 @@ class Client : public korv::platform::Connection {
         const bool hasNames = options.warnings.IsOn(korv::Warning::unusedLabel) || !options.symbols.empty();
         const auto analysis =
             std::make_shared<korv::Analysis>(AnalysisOf(texts, {.statements = hasAddresses, .names = hasNames}));
-        SymbolFileText(options, analysis.get());  // for its warning
+        SymbolFileText(options, analysis.get());  // called for its warning
         korv::Snapshot snapshot{analysis, {}, Encoding(), nullptr};
         for (const korv::SourceFile& file : analysis->files) {
             snapshot.uris.push_back(UriOf(file.text->Path()));
@@ -300,7 +301,7 @@ class Client : public korv::platform::Connection {
         return isUtf8 ? korv::PositionEncoding::utf8 : korv::PositionEncoding::utf16;
     }
 
-    Texts sources;  // by path, as they are opened
+    Texts sources;  // by path, as opened
     std::string script;
     std::size_t at = 0;  // in `script`
     korv::Options options;

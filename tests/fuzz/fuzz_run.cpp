@@ -1,6 +1,5 @@
-// Whole runs of korv on arbitrary bytes. The first line holds the switches. The rest is the main source and a few more
-// files, which bytes FE separate. The sanitizers detect faults within a run; the checks below examine the files that it
-// leaves.
+// Runs korv on arbitrary bytes. The first line contains the switches. The rest is the main source and a few more files,
+// separated by bytes FE. The sanitizers detect faults within a run; the checks below examine the files that it leaves.
 
 #include <unistd.h>
 
@@ -33,7 +32,7 @@ Files FilesAfterRun(std::vector<std::string> words, const Files& sources) {
     fs::remove_all(directory);
     fs::create_directory(directory);
     fs::current_path(directory);
-    fs::create_symlink(".", "Sub");  // names with a directory lead to the same sources
+    fs::create_symlink(".", "Sub");  // names with a directory refer to the same sources
     for (const auto& [name, contents] : sources) {
         std::ofstream(name, std::ios::binary) << contents;
     }
@@ -57,8 +56,8 @@ Files FilesAfterRun(std::vector<std::string> words, const Files& sources) {
 }  // namespace
 
 extern "C" {
-// One line may ask for gigabytes of zeros, and a file that includes itself twice for a thousand files; both are legal
-// but slow. So the linker puts these two in front of PutZeros and Leave: a block has at most 5000 bytes, and a run is
+// One line may emit gigabytes of zeros, and a file that includes itself twice is read a thousand times; both are legal
+// but slow. So the linker calls these two in place of PutZeros and Leave: a block has at most 5000 bytes, and a run is
 // aborted once it has read 200 files.
 std::uint32_t __real__ZN4korv8BinBlock8PutZerosEj(void*, std::uint32_t);
 std::uint32_t __wrap__ZN4korv8BinBlock8PutZerosEj(void* binary, std::uint32_t count) {
@@ -66,7 +65,7 @@ std::uint32_t __wrap__ZN4korv8BinBlock8PutZerosEj(void* binary, std::uint32_t co
 }
 }
 
-// Not extern "C", which allows only results of C types.
+// Not extern "C", which allows only C types as results.
 std::optional<std::string> RealLeave(void*) __asm__("__real__ZN4korv8platform16CurrentDirectory5LeaveB5cxx11Ev");
 std::optional<std::string> WrapLeave(void*) __asm__("__wrap__ZN4korv8platform16CurrentDirectory5LeaveB5cxx11Ev");
 std::optional<std::string> WrapLeave(void* directory) {
@@ -75,7 +74,7 @@ std::optional<std::string> WrapLeave(void* directory) {
 }
 
 extern "C" {
-// A run may ask for a line buffer of any size. A big one is refused, as if memory were exhausted.
+// A run may ask for a line buffer of any size. A large one is refused, as if memory were exhausted.
 const char* __asan_default_options() {
     return "allocator_may_return_null=1:max_allocation_size_mb=64";
 }
@@ -98,7 +97,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
         words.push_back(isSwitch ? word : "Sub\\OUT.COM");
     }
     Files files = FilesAfterRun(words, sources);
-    // The size of the read buffer must change nothing, and nothing may be left over from the run before.
+    // The size of the read buffer must not change anything, and nothing may be left over from the run before.
     static std::uint32_t runs = 0;
     if (++runs % 64 == 0) {
         words.emplace_back("-f:7");

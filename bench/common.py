@@ -22,12 +22,12 @@ def do(*command, **options):
 
 
 def require(tools):
-    """Installs the Debian packages whose program is missing; `tools` maps program to package."""
+    """Installs the Debian packages of missing programs; `tools` maps each program to its package."""
     do(ROOT / "tools" / "install", *(f"{tool}={package}" for tool, package in tools.items()))
 
 
 def made_by(preset, pattern):
-    """The file that tools/build makes for a preset. It is built if missing; an existing one is used as it is."""
+    """The file that tools/build makes for a preset. It is built if it is missing, but not brought up to date."""
     if not list(ROOT.glob(pattern)):
         do(ROOT / "tools" / "build", preset)
     path, = ROOT.glob(pattern)
@@ -52,7 +52,7 @@ def packaged_programs():
 
 
 def built(helper):
-    """Builds the helper program of that name, which may use the headers of korv."""
+    """Builds the program `helper`, which may use the headers of korv."""
     WORK.mkdir(parents=True, exist_ok=True)
     do("g++", "-O2", "-std=c++20", "-static", f"-I{ROOT / 'src'}", "-o", WORK / helper,
        BENCH / f"{helper}.cpp")
@@ -70,7 +70,7 @@ def source(lines, shape):
 
 
 def counted(command, folder=WORK):
-    """The instructions that a program executes, without those of the kernel, and its standard error.
+    """The number of instructions that a program executes, without the kernel's, and its standard error.
 
     It runs in `folder`, with an empty environment, since the C library reads each variable.
     """

@@ -1,5 +1,5 @@
 // Writes labels whose hashes have the same low bits, so that all of them belong in one place of the
-// index. Uses korv's own hash function, so it stays effective when that changes.
+// index. Uses korv's own hash function, so the labels still collide if that function changes.
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -8,7 +8,7 @@
 #include "symbols/name_index.h"
 
 int main(int argc, char** argv) {
-    constexpr std::uint64_t lowBits = 0xFFFF;  // more than the places for half as many names
+    constexpr std::uint64_t lowBits = 0xFFFF;  // covers an index of 16,384 names
     constexpr std::uint64_t place = 0x1234;
     const int names = argc > 1 ? std::atoi(argv[1]) : 0;
     char name[] = "AAAAAAAA";

@@ -1,4 +1,4 @@
-;; For tools/test_editors: checks what eglot gets from korv-ls in main.kor, which includes lib.kor.
+;; Called by tools/test_editors: checks what eglot receives from korv-ls for main.kor, which includes lib.kor.
 (add-to-list 'load-path (car (file-expand-wildcards "/usr/share/emacs/site-lisp/elpa/eglot-*")))
 (require 'eglot)
 (require 'flymake)
@@ -8,7 +8,7 @@
 (setq eglot-sync-connect t eglot-autoshutdown t)
 
 (defun expect (what test)
-  "Waits until TEST returns something other than nil."
+  "Waits until TEST returns non-nil."
   (let ((rounds 200))
     (while (and (not (funcall test)) (> (setq rounds (1- rounds)) 0))
       (accept-process-output nil 0.05))

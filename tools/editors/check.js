@@ -1,5 +1,5 @@
-// For tools/test_editors: checks what the client of Visual Studio Code's libraries gets from korv-ls in main.kor, which
-// includes lib.kor.
+// Called by tools/test_editors: checks what the client of Visual Studio Code's libraries receives from korv-ls for
+// main.kor, which includes lib.kor.
 const assert = require("assert");
 const { spawn } = require("child_process");
 const fs = require("fs");

@@ -1,4 +1,4 @@
--- For tools/test_editors: checks what Neovim's client gets from korv-ls in main.kor, which includes lib.kor.
+-- Called by tools/test_editors: checks what Neovim's client receives from korv-ls for main.kor, which includes lib.kor.
 local function fail(what, got)
   io.stderr:write("Neovim: " .. what .. ", got: " .. vim.inspect(got) .. "\n")
   vim.cmd("cquit 1")

@@ -1,4 +1,4 @@
-" For tools/test_editors: checks what Vim gets from korv-ls through ALE in main.kor, which includes lib.kor.
+" Called by tools/test_editors: checks what Vim receives from korv-ls through ALE for main.kor, which includes lib.kor.
 set nocompatible nomore hidden
 let g:ale_linters = {'korv': ['korv-ls']}
 let g:ale_lint_delay = 50

@@ -1,4 +1,4 @@
--- For tools/make_picture: runs session.lua in a terminal and draws its screen.
+-- Called by tools/make_picture: runs session.lua in a terminal and draws its screen.
 local width, height, cell, row = 98, 24, 8.4, 19
 vim.opt.termguicolors, vim.opt.laststatus, vim.opt.cmdheight = true, 0, 1
 vim.opt.columns, vim.opt.lines = width, height + 1

@@ -1,4 +1,4 @@
--- For tools/make_picture: the session that the picture shows.
+-- Called by picture.lua: the session that the picture shows.
 vim.opt.runtimepath:append(vim.env.KORV_VIM)
 vim.opt.termguicolors, vim.opt.number, vim.opt.ruler, vim.opt.showmode = true, true, false, false
 vim.opt.laststatus, vim.opt.signcolumn, vim.opt.shortmess, vim.opt.cmdheight = 0, "no", "aoOtTIF", 1

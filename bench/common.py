@@ -1,4 +1,4 @@
-"""Shared by bench/run and bench/check: the folders, the tools, the programs, the counting."""
+"""Shared by bench/run, bench/check and bench/server: the folders, the tools, the programs, the counting."""
 import pathlib
 import re
 import shutil

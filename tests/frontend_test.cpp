@@ -20,7 +20,7 @@ int ModeOf(const std::string& name) {
     return static_cast<int>(fs::status(name).permissions());
 }
 
-// Like a case of korv, but compares everything that is printed, and every file. New files must have the usual
+// Checks a case as for korv, but compares everything that is printed, and every file. New files must have the usual
 // permissions.
 TEST_P(FrontendTest, Holds) {
     const Case test = ReadCase(GetParam());

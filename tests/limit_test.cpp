@@ -71,7 +71,7 @@ TEST(NameIndexTest, FindsEachNameWhereverHashesCrowd) {
     const std::function<std::uint64_t(std::uint64_t)> hashes[] = {
         [](std::uint64_t) { return 7; },                          // all equal
         [](std::uint64_t i) { return i << 32 | (~0U - i % 3); },  // all at the end of the table
-        [](std::uint64_t i) { return i / 2; },                    // two for each place, one after the other
+        [](std::uint64_t i) { return i / 2; },                    // two for each of consecutive places
         [](std::uint64_t i) { return i * 512; },                  // different places only in a large table
     };
     for (const auto& hashOf : hashes) {

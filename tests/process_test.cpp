@@ -65,7 +65,7 @@ void Await(const std::function<bool()>& isReached) {
     }
 }
 
-// The name makes this test run first: the others leave blocks of patches in this process.
+// The name makes this test run first: the other tests leave blocks of patches in this process.
 TEST(FaultDeathTest, AnyAllocationMayFailOnceOrForGood) {
     const TempDir directory;
     // clang-format off

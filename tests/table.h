@@ -17,7 +17,7 @@ struct TableLine {
 };
 using Block = std::vector<TableLine>;  ///< the lines of a case
 
-/// The parts of `text` between the characters `at`: one part more than there are such characters.
+/// The parts of `text` between the characters `at`: one more than there are such characters.
 Strings Split(const std::string& text, char at);
 
 /// The absolute path of a file of the project.

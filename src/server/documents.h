@@ -13,7 +13,7 @@ struct Document {
     std::string uri;  ///< as the client spells it
     Json version;     ///< null if the client sends none
     std::string bytes;
-    FileStore::Text text;  ///< made from `bytes` when it is needed
+    FileStore::Text text;  ///< created from `bytes` when it is needed
 };
 
 class Documents {

@@ -19,7 +19,7 @@ namespace korv {
 struct NameAt {
     const Name* name = nullptr;  ///< one of `Analysis::names`
     Place place;
-    bool isDefinition = false;  ///< a label or EQU, even a skipped or repeated one
+    bool isDefinition = false;  ///< a label or EQU, even if it is skipped or repeated
 };
 
 /// An index of the statements and names at each place.

@@ -19,7 +19,7 @@ struct Configuration {
     /// Relative names are relative to this directory. For an argument file it is the folder of the
     /// file, since make and CI run korv-as there; for the settings it is the workspace folder.
     std::string directory;
-    std::string source;   ///< full path of the source; empty: the words name none
+    std::string source;   ///< full path of the source; empty if the words name none
     Options options;      ///< without a source, the options of every main file
     std::string failure;  ///< why the words cannot be used; else empty
 };

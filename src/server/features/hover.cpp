@@ -30,7 +30,7 @@ std::string CommentIn(std::string_view line) {
     return std::string(WithoutLeadingBlanks(line));
 }
 
-// The comment at the end of line `number`, or else the one in the lines directly above it.
+// The comment at the end of line `number`, or else the comment in the lines directly above.
 std::string CommentOf(const StoredText& text, std::int32_t number) {
     std::string comment = CommentIn(text.Line(number));
     if (!comment.empty()) {

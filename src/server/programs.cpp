@@ -94,7 +94,7 @@ Programs::Program& Programs::Need(const Configuration& configuration, const std:
     if (program.isStale) {
         program.main = main;
         program.configuration = configuration;
-        if (main != configuration.source) {  // otherwise as written, for messages
+        if (main != configuration.source) {  // otherwise the name stays as written, for messages
             program.configuration.options.source = main;
         }
         program.configuration.options.maxErrors = mostMessages;

@@ -64,7 +64,7 @@ std::string UriOfPath(std::string_view path) {
                                                        : "file://";
     const bool hasDrives = platform::DriveLength("c:") != 0;
     for (const char c : path) {
-        if (c == '\\' && hasDrives) {  // on other systems, it is part of a name
+        if (c == '\\' && hasDrives) {  // on other systems, a backslash is part of a name
             uri += '/';
         } else if (IsPlain(c)) {
             uri += c;

@@ -43,7 +43,7 @@ struct Query {
 
 // completion.cpp: what may be written at the cursor, in a line that need not be valid.
 /// Mnemonics where one is expected; registers, conditions and names where the forms of the mnemonic
-/// accept them; files after INCLUDE and BINCLUDE. None in comments and other strings.
+/// accept them; files after INCLUDE and BINCLUDE. Nothing in comments or other strings.
 [[nodiscard]] Json Completions(const Query& query);
 /// The forms of the mnemonic that match the operands before the one at the cursor; none if the
 /// cursor is not in an operand.

@@ -56,7 +56,7 @@ enum class ErrorCode : std::int32_t {
     requestFailed = -32803,
 };
 
-/// Thrown if a request has no result; the client shows the message to the user.
+/// Thrown to refuse a request; the client shows the message to the user.
 struct RequestError {
     ErrorCode code = ErrorCode::requestFailed;
     std::string message;

@@ -118,7 +118,7 @@ void MakeOutputs(const Options& options, const Analysis& analysis) {
     Require(size != 0, "no output");
 }
 
-// Compares with the result of the core for the same files.
+// Compares `analysis` with the result of the core for the same files.
 void CompareWithCore(const Options& options, const Sources& sources, const Analysis& analysis) {
     ShortStore store(sources);
     korv::CAssembler assembler(stderr);

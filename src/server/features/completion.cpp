@@ -218,7 +218,7 @@ class ItemList {
     Json items = Json::array();
 };
 
-// The form with the offsets of its operands.
+// The signature of `form`, with the offsets of its operands.
 Json SignatureOf(const std::string& form, std::string_view documentation) {
     Json parameters = Json::array();
     for (std::size_t at = form.find(' '); at < form.size();) {

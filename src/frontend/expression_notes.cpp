@@ -134,7 +134,7 @@ void AdviseOnTwoValues(OperandCase* it, const Token& token) {
     const bool isName =
         before.kind == TokenKind::registerName || before.kind == TokenKind::condition;
     const bool isKnown = token.kind != TokenKind::name || it->IsDefined(token.text);
-    if (AdviseOnGluedOperator(it, token)) {
+    if (AdviseOnWordOperator(it, token)) {
         return;
     }
     const bool isUnknown = before.kind == TokenKind::name && !it->IsDefined(before.text);
@@ -210,7 +210,9 @@ void AdviseOnBracket(OperandCase* it, const Token& token, bool isOpened) {
             "write 0+" + std::string(operand.text) + ": brackets at both ends mean memory";
     } else if (isOpened) {
         it->Replace(operand.text.substr(operand.text.size()), ")");
-        it->advice.note = HasFormWith(it->statement, it->advice.edits)
+        const bool isEither =
+            operand.tokens.size() > 2 && HoldsWord("LD IN OUT", it->statement.mnemonic);
+        it->advice.note = !isEither && HasFormWith(it->statement, it->advice.edits)
                               ? "close the bracket"
                               : "remove the bracket, or close it";
     } else {

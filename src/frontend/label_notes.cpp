@@ -49,6 +49,12 @@ Advice AdviseOnOddName(Adviser& adviser, const StatementView& statement) {
     if (!isLabel) {
         return {};
     }
+    std::string joined = name;
+    std::erase(joined, '_');
+    const auto used = adviser.Facts().FindName(Raised(joined));
+    if (joined != name && used && !used->hasValue) {  // "A.GAIN", which is used as AGAIN
+        name = joined;
+    }
     name = adviser.UnusedName(HasClass(name.front(), CC_DIGIT) ? "L" + name : name);
     const bool hasDot = word.find('.') != std::string_view::npos;
     const std::string note = word.front() == ':' ? "end the label with its colon: " + name + ":"

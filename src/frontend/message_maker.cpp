@@ -6,6 +6,7 @@
 
 #include "driver/assembler.h"
 #include "frontend/file_store.h"
+#include "frontend/instruction_forms.h"
 #include "frontend/note_steps.h"
 #include "frontend/program_checks.h"
 #include "frontend/renames.h"
@@ -91,6 +92,9 @@ void MessageMaker::Finish() {
             AddWarning(*warnings, std::move(message), analysis);
         }
     }
+    if (leftOut && analysis->errorCount == 0) {  // a run that fails has an error
+        AddMessage(*std::move(leftOut), analysis);
+    }
     RemoveExplained();
 }
 
@@ -147,6 +151,10 @@ void MessageMaker::Make(const Report& report) {
         return;
     }
     const StatementView& statement = StatementAt(report.place);
+    if (report.number == MSG_LABEL_WITHOUT_COLON && HoldsWord("ENDIF ENDC", statement.label) &&
+        assembler->conditionDepth > 0) {
+        message.severity = Severity::error;  // because of it, an IF is still open at the end
+    }
     const FaultView fault{.number = report.number,
                           .isError = message.severity == Severity::error,
                           .isLate = report.isLate,
@@ -159,8 +167,14 @@ void MessageMaker::Make(const Report& report) {
                           .isSkipped = report.isSkipped,
                           .reason = report.reason};
     Advice advice = adviser.AdviceFor(fault);
-    if (!advice.isFollowOn) {
-        Take(std::move(advice), report, &message);
+    const bool isLeftOut = advice.isFollowOn;
+    if (isLeftOut && (leftOut || !fault.isError)) {
+        return;
+    }
+    Take(std::move(advice), report, &message);
+    if (isLeftOut) {
+        leftOut = std::move(message);
+    } else {
         AddMessage(std::move(message), analysis);
     }
 }

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_set>
@@ -116,6 +117,7 @@ class MessageMaker : private RunFacts {
     std::vector<std::variant<Report, Message>> pending;
     std::int32_t renameBudget = 50'000;         // lines that may still be searched for uses
     std::unordered_set<std::string> explained;  // names of labels that errors are about
+    std::optional<Message> leftOut;  // the first error that only followed from another message
     // By the core's file and line: the number of each statement with a report, and how many reports
     // it has had.
     std::map<std::pair<std::int32_t, std::int32_t>, std::pair<std::int32_t, std::int32_t>>

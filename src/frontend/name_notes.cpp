@@ -7,6 +7,7 @@
 #include "frontend/note_rows.h"
 #include "frontend/note_steps.h"
 #include "frontend/operand_case.h"
+#include "frontend/proposal.h"
 #include "source/char_class.h"
 
 namespace korv {
@@ -51,9 +52,17 @@ bool AdviseOnCircle(OperandCase* it, const std::string& name) {
 
 }  // namespace
 
-// "XAND3": a word operator without blanks.
-bool AdviseOnGluedOperator(OperandCase* it, const Token& token) {
+// "XAND3": a word operator without blanks, and "X ADN 3".
+bool AdviseOnWordOperator(OperandCase* it, const Token& token) {
     for (const std::string_view word : {"AND", "XOR", "OR", "SHL", "SHR", "MOD"}) {
+        const std::vector<TextEdit> edits = {{it->statement.PartOf(token.text), std::string(word)}};
+        if (word.size() > 2 && token.text.size() <= longestCompared &&
+            EditDistance(token.text, word) == 1 &&
+            IsSound(it->adviser.Facts(), it->statement, edits)) {
+            it->advice.edits = edits;
+            it->advice.note = "did you mean " + std::string(word) + "?";
+            return true;
+        }
         const std::size_t at = token.text.find(word);
         if (at == std::string_view::npos) {
             continue;
@@ -129,6 +138,11 @@ const Token* FindUnknown(const OperandCase& it) {
 bool AdviseOnNamedRegister(OperandCase* it, const Token& token) {
     if (token.kind != TokenKind::registerName && token.kind != TokenKind::condition) {
         return false;
+    }
+    if (it->statement.Typed(token.text) == "l" && &token != it->operand->tokens.data()) {
+        it->Replace(token.text, "1");
+        it->advice.note = "write 1: L is a letter";
+        return true;
     }
     const bool isSum = std::ranges::any_of(it->operand->tokens, [](const Token& each) {
         return each.code == OP_PLUS || each.code == OP_MINUS;
@@ -208,7 +222,7 @@ void AdviseOnUnknownName(OperandCase* it) {
         note = anonymousLabelNote;
         return;
     }
-    if (AdviseOnCircle(it, name) || AdviseOnGluedOperator(it, *token) || AdviseOnProse(it)) {
+    if (AdviseOnCircle(it, name) || AdviseOnWordOperator(it, *token) || AdviseOnProse(it)) {
         return;
     }
     if (const auto known = it->adviser.Facts().FindName(token->text); known && known->hasValue) {

@@ -172,11 +172,6 @@ Advice Adviser::AdviceFor(const FaultView& fault) {
         }
         Remember(fault, advice);
     } else {
-        if (fault.number == MSG_LABEL_WITHOUT_COLON &&
-            HoldsWord("ENDIF ENDC", fault.statement.label)) {
-            ++refusedEnds;
-            hasRefusedEnd = true;
-        }
         advice.isFollowOn = IsAboutValue(fault.number) &&
                             (UsesOneOf(refusedNames, fault) || UsesOneOf(unsureNames, fault));
     }
@@ -324,6 +319,10 @@ void Adviser::RememberCondition(const FaultView& fault, const Advice& advice, bo
     if (IsCondition(statement.mnemonic) &&
         (HoldsEnd(statement) || advice.note == oneInstructionNote)) {  // "IF X NOP ENDIF"
         ++refusedEnds;
+    }
+    if (fault.number == MSG_LABEL_WITHOUT_COLON && HoldsWord("ENDIF ENDC", statement.label)) {
+        ++refusedEnds;
+        hasRefusedEnd = true;
     }
     const std::string meant = MeantMnemonic(fault, advice);
     const bool isSlip = fault.number == MSG_UNKNOWN_INSTRUCTION && advice.edits.empty() &&

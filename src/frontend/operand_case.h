@@ -56,8 +56,8 @@ struct OperandCase {
 
 /// Advises on the fault that the tokens of the operand show. Result: false if they show none.
 [[nodiscard]] bool AdviseOnExpression(OperandCase* it);
-/// Advises on "XAND3", a word operator without blanks.
-[[nodiscard]] bool AdviseOnGluedOperator(OperandCase* it, const Token& token);
+/// Advises on "XAND3", a word operator without blanks, and on a misspelt one.
+[[nodiscard]] bool AdviseOnWordOperator(OperandCase* it, const Token& token);
 /// Advises on "LD A;5", where a comment ends the operands, and on "(IX,5)".
 [[nodiscard]] bool AdviseOnComma(OperandCase* it);
 /// Advises on another sign instead of a comma, as in "LD A:5".

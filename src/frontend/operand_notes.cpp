@@ -324,8 +324,10 @@ Advice AdviseOnOperands(Adviser& adviser, const FaultView& fault) {
         }
     }
     const Keyword* const keyword = fault.statement.keyword;
+    const auto& operands = fault.statement.operands;
     const bool isExcess = fault.number == MSG_ARGUMENT_EXPECTED && keyword != nullptr &&
-                          std::cmp_greater(fault.statement.operands.size(), keyword->operands.most);
+                          std::cmp_greater(operands.size(), keyword->operands.most) &&
+                          !operands.back().text.empty();
     if (isExcess) {  // ADD reports three operands as too few
         it.advice.text = "too many operands";
     }

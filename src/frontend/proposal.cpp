@@ -178,7 +178,7 @@ void SlipSearch::Attempt(std::size_t at, std::size_t length, std::string text) {
     const bool isSame = view.label.empty() || view.label == statement.label;
     const std::string whole =
         isSame ? WriteNote(statement, edits).substr(6) : Applied(statement.typed, edits);
-    advice.note = length == 0 ? "add the comma: " + whole : "did you mean " + whole + "?";
+    advice.note = edits[0].text == "," ? "add the comma: " + whole : "did you mean " + whole + "?";
     advice.definesName = view.mnemonic == "EQU" || view.label != statement.label;
     if (!view.label.empty()) {
         advice.names = {std::string(view.label)};
@@ -205,6 +205,12 @@ Advice AdviseOnSlip(const RunFacts& facts, const FaultView& fault) {
             search.Attempt(at, 1, ")");
         } else if (c == ')' || (c == '9' && !isAfterName && search.IsNameAt(at + 1))) {
             search.Attempt(at, 1, "(");
+        }
+        if (c == ')' && isAfterName && search.IsNameAt(at + 1)) {  // "2)H"
+            search.Attempt(at, 1, "0");
+        }
+        if (at > 2 && HoldsWord("(IX (IY", line.substr(at - 3, 3))) {  // "(IX5)", "(IX=5)"
+            search.Attempt(at, c == '=' || HasClass(c, CC_BLANK) ? 1 : 0, "+");
         }
         const std::string_view next = line.substr(at + 1);
         const bool isGroup = HasClass(before, CC_DIGIT) && next.size() == 3;  // "16,384"

@@ -198,6 +198,11 @@ Foreign ForeignToken(const StatementView& statement, const Token& token) {
         return {text, typed.substr(1),
                 "remove the #: a value needs no mark, and # begins a hexadecimal number"};
     }
+    if (text.front() == '\\' && text.size() == 2) {
+        if (const std::string value = EscapeValue(typed); HasClass(value[0], CC_DIGIT)) {
+            return {text, value, ""};
+        }
+    }
     if (text.front() == '\\' && text.size() > 1) {
         return {text, "", "write the lines out: there are no macros"};
     }

@@ -53,15 +53,34 @@ void StatementChecks::LookAtBytes(std::int32_t opening) {
     WarnOfBytes(opening, CheckBytes(maker->TextOf(opening)));
 }
 
+namespace {
+
+// The first line after line `after` that holds an END; 0 for none.
+std::int32_t LineOfEnd(const StoredText& text, std::int32_t after) {
+    for (std::int32_t number = after + 1; number <= text.LineCount(); ++number) {
+        const std::string line = Raised(text.Line(number));
+        if (CutStatement(line).mnemonic == "END") {
+            return number;
+        }
+    }
+    return 0;
+}
+
+}  // namespace
+
 void StatementChecks::LookAtOpenConditions() {
-    for (const SourcePlace& place : conditions.Open()) {
+    const std::vector<SourcePlace> open = conditions.Open();
+    for (const SourcePlace& place : open) {
         Message message;
         message.place = maker->PlaceOf(place);
         message.opening = maker->OpeningOf(place.file);
         message.text = "this IF has no ENDIF";
         message.code = "open-if";
-        if (assembler->flags.Has(RF_END)) {
-            message.note = "write ENDIF in place of the END, or before it: END ends the source";
+        const std::int32_t end = &place == &open.back()
+                                     ? LineOfEnd(maker->TextOf(message.opening), message.place.line)
+                                     : 0;
+        if (end != 0) {
+            message.note = "write ENDIF in place of the END in line " + std::to_string(end);
         }
         maker->Add(std::move(message));
     }

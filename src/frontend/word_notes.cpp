@@ -25,7 +25,8 @@ Advice AdviseOnEncoding(const StatementView& statement) {
     const auto* const control = std::ranges::find_if(
         line, [](char c) { return c == 0x7F || (c > 0 && c < ' ' && !HasClass(c, CC_BLANK)); });
     if (control != line.end()) {
-        return Replace(statement, {&*control, 1}, "", "remove the control character");
+        return Replace(statement, {&*control, 1}, "",
+                       "remove the control character, or read data with BINCLUDE");
     }
     if (const std::size_t at = line.find("\xC2\xA0"); at != std::string_view::npos) {
         return Replace(statement, line.substr(at, 2), " ",

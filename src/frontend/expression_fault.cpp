@@ -12,11 +12,6 @@ bool IsSign(std::int32_t code) {
     return code == OP_PLUS || code == OP_MINUS || code == OP_NOT;
 }
 
-bool IsComparison(std::int32_t code) {
-    return code == OP_LESS || code == OP_GREATER || code == OP_EQUAL || code == OP_LESS_EQUAL ||
-           code == OP_GREATER_EQUAL;
-}
-
 // The fault of a single value, regardless of its neighbours.
 ExpressionFault FaultOf(const Token& token) {
     switch (token.kind) {
@@ -43,15 +38,17 @@ ExpressionFault FaultOf(const Token& token) {
 // The tokens without brackets around the whole operand, which mean memory.
 std::span<const Token> ExpressionTokens(const OperandView& operand) {
     const std::span<const Token> tokens = operand.tokens;
-    const bool isMemory =
-        operand.text.size() > 1 && operand.text.front() == '(' && operand.text.back() == ')';
-    return isMemory && tokens.size() > 1 && tokens.front().code == OP_OPEN &&
-                   tokens.back().code == OP_CLOSE
+    return !tokens.empty() && tokens.front().code == OP_OPEN && tokens.back().code == OP_CLOSE
                ? tokens.subspan(1, tokens.size() - 2)
                : tokens;
 }
 
 }  // namespace
+
+bool IsComparison(std::int32_t code) {
+    return code == OP_LESS || code == OP_GREATER || code == OP_EQUAL || code == OP_LESS_EQUAL ||
+           code == OP_GREATER_EQUAL;
+}
 
 FaultyToken FindExpressionFault(const OperandView& operand) {
     const Token* before = nullptr;  // the previous token

@@ -33,4 +33,7 @@ struct FaultyToken {
 /// The first fault that the tokens of `operand` show. Names count as values.
 [[nodiscard]] FaultyToken FindExpressionFault(const OperandView& operand);
 
+/// True if `code`, OP_*, is that of a comparison.
+[[nodiscard]] bool IsComparison(std::int32_t code);
+
 }  // namespace korv

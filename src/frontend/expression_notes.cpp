@@ -33,10 +33,10 @@ std::vector<TextEdit> CommasIn(const OperandCase& it, std::size_t first, std::si
 // A name with a dot before or inside it. A dot inside cuts the name into two tokens.
 bool AdviseOnDots(OperandCase* it, const Token& token) {
     const char* const at = token.text.data();
-    if (token.text.front() != '.' || token.text.size() < 2) {
+    if (token.text.front() != '.') {
         return false;
     }
-    const bool isGlued = at > it->operand->text.data() && HasClass(at[-1], CC_NAME);
+    const bool isGlued = HasClass(at[-1], CC_NAME);
     std::string_view part = token.text;
     if (isGlued) {
         const auto before = std::ranges::find_if(it->operand->tokens, [at](const Token& each) {
@@ -51,7 +51,7 @@ bool AdviseOnDots(OperandCase* it, const Token& token) {
         return true;
     }
     const std::size_t dot = name.find('.');
-    if (it->IsDefined(name.substr(0, dot)) && dot != std::string::npos &&
+    if (dot != std::string::npos && it->IsDefined(name.substr(0, dot)) &&
         it->IsDefined(name.substr(dot + 1))) {  // "DW X.Y"
         return it->Propose(part, {{it->statement.PartOf(part.substr(dot, 1)), ","}});
     }
@@ -68,9 +68,8 @@ const Token* FindProse(const OperandCase& it) {
     for (const OperandView& operand : it.statement.operands) {
         const std::vector<Token>& tokens = operand.tokens;
         for (std::size_t i = 0; i < tokens.size(); ++i) {
-            const bool isDashed = i > 1 && tokens[i - 1].code == OP_MINUS &&
-                                  tokens[i - 2].code == OP_MINUS &&
-                                  tokens[i - 2].text.data() + 1 == tokens[i - 1].text.data();
+            const bool isDashed =
+                i > 1 && it.statement.Span(tokens[i - 2].text, tokens[i - 1].text) == "--";
             const bool isAfterValue =
                 i > 0 && (tokens[i - 1].IsValue() || tokens[i - 1].code == OP_CLOSE);
             const bool isFirst = i == 0 && tokens.size() > 1 && tokens[1].IsValue();
@@ -96,17 +95,11 @@ const Token* FindProse(const OperandCase& it) {
     return nullptr;
 }
 
-// A number with a blank in it, as in "8000 H". In data, two decimal numbers are more likely two
-// values.
+// A number with a blank before its last letter, as in "8000 H".
 bool AdviseOnSplitNumber(OperandCase* it, const Token& before, const Token& token) {
     const std::string number = std::string(before.text) + std::string(token.text);
-    const bool isEnd = token.text.size() == 1 && HasClass(token.text[0], CC_LETTER);
-    const bool isBroken = before.kind == TokenKind::digitName;  // "0FF FFH"
-    const bool isData = HoldsWord(dataDirectives, it->statement.mnemonic);
     const bool isNumber =
-        (isEnd || isBroken || !isData) && (isBroken || before.kind == TokenKind::number) &&
-        HasClass(token.text[0], CC_NAME) && !HasClass(token.text.back(), CC_DIGIT) &&
-        CutTokens(number)[0].kind == TokenKind::number;
+        HoldsWord("B H O", token.text) && CutTokens(number)[0].kind == TokenKind::number;
     if (isNumber) {
         it->PointAt(it->statement.Span(before.text, token.text));
         it->Replace(it->statement.Span(before.text, token.text), number);
@@ -121,7 +114,6 @@ void AdviseOnTwoValues(OperandCase* it, const Token& token) {
     if (AdviseOnDots(it, token) || AdviseOnExtraQuote(it) || (isData && AdviseOnQuotes(it))) {
         return;
     }
-    it->PointAt(token.text);
     if (HoldsWord("# '", token.text)) {
         it->Replace(token.text, ";");
         it->advice.note = "begin the comment with a semicolon";
@@ -145,17 +137,13 @@ void AdviseOnTwoValues(OperandCase* it, const Token& token) {
         it->Propose(token.text, comma, "add the comma: ");
         return;
     }
-    if (AdviseOnProse(it) ||
-        (isName && !comma.empty() && AdviseOnSeparated(it, token.text, comma))) {
+    if (AdviseOnProse(it) || (isName && AdviseOnSeparated(it, token.text, comma))) {
         return;
     }
     const std::string typed(it->statement.Typed(token.text));
     const bool isRegister =
         isName || token.kind == TokenKind::registerName || token.kind == TokenKind::condition;
-    if (token.code == OP_OPEN && &token == &it->operand->tokens.back()) {
-        it->Replace(token.text, "");
-        it->advice.note = "remove the bracket: nothing follows it";
-    } else if (token.code == OP_OPEN && isUnknown) {
+    if (token.code == OP_OPEN && isUnknown) {
         it->advice.note = "write the value out: there are no functions";
     } else if (isRegister && IsSound(it->adviser.Facts(), it->statement,
                                      {{it->statement.PartOf(token.text), ""}})) {
@@ -171,53 +159,49 @@ bool IsAnonymousLabel(const StatementView& statement, std::string_view text) {
            text.find_first_not_of("+-") == std::string_view::npos;
 }
 
-bool IsComparing(const OperandView& operand) {
-    return std::ranges::any_of(operand.tokens, [](const Token& token) {
-        return token.code == OP_LESS || token.code == OP_GREATER || token.code == OP_EQUAL ||
-               token.code == OP_LESS_EQUAL || token.code == OP_GREATER_EQUAL;
-    });
+// A bracket that is not opened, in an operand with `opens` brackets that are.
+void AdviseOnExtraBracket(OperandCase* it, const Token& token, std::ptrdiff_t opens) {
+    const OperandView& operand = *it->operand;
+    const bool isLast = operand.text.ends_with(')');
+    const std::string_view bracket =
+        isLast ? operand.text.substr(operand.text.size() - 1) : token.text;
+    const std::vector<TextEdit> open = {{it->statement.PartOf(operand.text.substr(0, 0)), "("}};
+    const bool isMissing = isLast && opens == 0 && HasFormWith(it->statement, open);
+    it->PointAt(bracket);
+    if (isMissing && operand.tokens.size() > 2 && !HoldsWord("IX IY", operand.tokens[0].text)) {
+        it->advice.note = "remove the bracket, or open it at the start of the operand";
+    } else if (isMissing) {
+        it->PointAt(operand.text);
+        it->advice.edits = open;
+        it->advice.note = "open the bracket";
+    } else {
+        it->Replace(bracket, "");
+        it->advice.note = "remove the bracket: it was not opened";
+    }
 }
 
 // A bracket that is not closed, or not opened.
 void AdviseOnBracket(OperandCase* it, const Token& token, bool isOpened) {
     const OperandView& operand = *it->operand;
-    const bool isMemory = operand.text.front() == '(' && operand.text.back() == ')';
     const auto count = [&operand](std::int32_t code) {
         return std::ranges::count(operand.tokens, code, &Token::code);
     };
-    if (!isOpened && count(OP_CLOSE) > count(OP_OPEN)) {
-        const std::vector<TextEdit> open = {{it->statement.PartOf(operand.text.substr(0, 0)), "("}};
-        const bool isMissing =
-            HasFormWith(it->statement, open) && operand.text.back() == ')' && count(OP_OPEN) == 0;
-        const std::string_view last = operand.text.substr(operand.text.size() - 1);
-        const bool isIndex = operand.text.starts_with("IX") || operand.text.starts_with("IY");
-        if (isMissing && operand.tokens.size() > 2 && !isIndex) {  // "1+2)": either may be meant
-            it->PointAt(last);
-            it->advice.note = "remove the bracket, or open it at the start of the operand";
-            return;
-        }
-        it->PointAt(isMissing ? operand.text : operand.text.back() == ')' ? last : token.text);
-        it->advice.edits = isMissing ? open : std::vector<TextEdit>{{*it->advice.place, ""}};
-        it->advice.note = isMissing ? "open the bracket" : "remove the bracket: it was not opened";
-        return;
-    }
-    if (isMemory && !isOpened && IsComparing(operand)) {
-        it->advice.note = "give each comparison a name by EQU and combine the names";
-    } else if (isMemory && !isOpened && token.text.data() != &operand.text.back()) {
-        it->PointAt(operand.text);
-        it->Insert(operand.text, "0+");
-        it->advice.note =
-            "write 0+" + std::string(operand.text) + ": brackets at both ends mean memory";
-    } else if (isOpened) {
+    if (isOpened) {
         it->Replace(operand.text.substr(operand.text.size()), ")");
         const bool isEither =
             operand.tokens.size() > 2 && HoldsWord("LD IN OUT", it->statement.mnemonic);
         it->advice.note = !isEither && HasFormWith(it->statement, it->advice.edits)
                               ? "close the bracket"
                               : "remove the bracket, or close it";
+    } else if (count(OP_CLOSE) > count(OP_OPEN)) {
+        AdviseOnExtraBracket(it, token, count(OP_OPEN));
+    } else if (std::ranges::any_of(operand.tokens, IsComparison, &Token::code)) {
+        it->advice.note = "give each comparison a name by EQU and combine the names";
     } else {
-        it->Replace(token.text, "");
-        it->advice.note = "remove the bracket: it was not opened";
+        it->PointAt(operand.text);
+        it->Insert(operand.text, "0+");
+        it->advice.note =
+            "write 0+" + std::string(operand.text) + ": brackets at both ends mean memory";
     }
 }
 
@@ -225,22 +209,19 @@ void AdviseOnBracket(OperandCase* it, const Token& token, bool isOpened) {
 void AdviseOnNoLeft(OperandCase* it, const Token& token) {
     const auto next = static_cast<std::size_t>(&token - it->operand->tokens.data()) + 1;
     const bool isPrefix = token.text == "&" && next < it->operand->tokens.size();
-    const std::string number =
-        isPrefix ? NumberSpelling("0X" + std::string(it->operand->tokens[next].text)) : "";
-    if (number.empty() && isPrefix && it->IsDefined(it->operand->tokens[next].text)) {
+    const std::string_view value = isPrefix ? it->operand->tokens[next].text : std::string_view();
+    if (const std::string number = NumberSpelling("0X" + std::string(value)); !number.empty()) {
+        const std::string_view part = it->statement.Span(token.text, value);
+        it->PointAt(part);
+        it->Replace(part, number);
+    } else if (it->IsDefined(value)) {
         it->Replace(token.text, "");  // as for an address in C
         it->advice.note = WriteNote(it->statement, it->advice.edits);
-        return;
-    }
-    if (number.empty()) {
+    } else {
         it->advice.note = (it->IsDefined(token.text) ? "choose another name, which is no operator: "
                                                      : "add a value before ") +
                           std::string(token.text);
-        return;
     }
-    const std::string_view part = it->statement.Span(token.text, it->operand->tokens[next].text);
-    it->PointAt(part);
-    it->Replace(part, number);
 }
 
 // A string of several characters where one value is expected.
@@ -271,7 +252,7 @@ std::string EmptyNumberNote(const OperandCase& it, const Token& token) {
         return "add with ADD, INC, SUB or DEC: " + text +
                " is a register, and expressions have none";
     }
-    return text == "B" || text == "H" || text == "O"
+    return HoldsWord("B H O", text)
                ? "choose another name: " + text + " alone reads as a number without digits"
                : "add the digits after " + text;
 }
@@ -279,17 +260,15 @@ std::string EmptyNumberNote(const OperandCase& it, const Token& token) {
 // A token that the language does not have, perhaps only because of its last character.
 void AdviseOnBadToken(OperandCase* it, const Token& token) {
     const std::string_view text = token.text;
-    const std::string_view stem = text.substr(0, text.size() - 1);
-    const bool isWord = it->IsDefined(stem) || ClassOf(stem).kind != KIND_VALUE ||
-                        (!stem.empty() && CutTokens(stem)[0].kind == TokenKind::number);
-    if (text.ends_with('"') && stem.size() > 1 && isWord) {
-        it->Replace(text.substr(stem.size()), "");
+    const std::string_view last = text.substr(text.size() - 1);
+    if (text.find('"') == text.size() - 1 && text.size() > 2) {
+        it->Replace(last, "");
         it->advice.note = "remove the quote: it was not opened";
-    } else if (text.ends_with('"') && std::ranges::count(text, '"') % 2 == 1) {
+    } else if (text.find('"') == text.size() - 1) {
         it->Insert(text, "\"");
         it->advice.note = "open the string with a double quote";
-    } else if (IsNameText(stem) && (text.ends_with('.') || it->IsDefined(stem))) {
-        it->Replace(text.substr(stem.size()), "");
+    } else if (last == ".") {
+        it->Replace(last, "");
         it->advice.note = WriteNote(it->statement, it->advice.edits);
     } else if (!AdviseOnDots(it, token)) {
         it->advice.note = "use numbers, names, strings in double quotes and operators";
@@ -319,9 +298,6 @@ bool AdviseOnProse(OperandCase* it) {
 
 // An expression that cannot be evaluated.
 bool AdviseOnExpression(OperandCase* it) {
-    if (it->operand == nullptr) {
-        return false;
-    }
     const auto [kind, token] = FindExpressionFault(*it->operand);
     if (kind == ExpressionFault::none) {
         return false;

@@ -16,10 +16,6 @@ namespace {
 // An EQU that depends on itself. A chain of EQUs that ends at an unknown name is reported at that
 // name.
 bool AdviseOnCircle(OperandCase* it, const std::string& name) {
-    if (it->statement.mnemonic == "EQU" && it->statement.label == name) {
-        it->advice.note = "give " + name + " a value: it depends on itself";
-        return true;
-    }
     std::vector<std::string> path;
     for (std::string next = name; !next.empty() && path.size() < 32;) {
         if (std::ranges::find(path, next) != path.end()) {
@@ -29,12 +25,9 @@ bool AdviseOnCircle(OperandCase* it, const std::string& name) {
             return true;
         }
         path.push_back(next);
-        const auto known = it->adviser.Facts().FindName(next);
+        const KnownName known = it->adviser.Facts().FindName(next).value_or(KnownName{});
         next.clear();
-        if (!known || known->waitingLine.empty()) {
-            break;
-        }
-        const StatementView definition = CutStatement(known->waitingLine);
+        const StatementView definition = CutStatement(known.waitingLine);
         for (const OperandView& operand : definition.operands) {
             for (const Token& token : operand.tokens) {
                 const bool isName = token.kind == TokenKind::name ||
@@ -167,10 +160,8 @@ bool AdviseOnLetterForDigit(OperandCase* it, const Token& token) {
         return false;
     }
     std::ranges::replace(digits, 'O', '0');
-    const auto end =
-        digits.begin() + (letter == 0 ? 1 : static_cast<std::ptrdiff_t>(digits.size()));
-    std::replace_if(
-        digits.begin(), end, [](char c) { return c == 'L' || c == 'I'; }, '1');
+    std::ranges::replace(digits, 'L', '1');
+    std::ranges::replace(digits, 'I', '1');
     if (const std::string spelled = NumberSpelling(digits); digits.starts_with("0X")) {
         digits = spelled;
     }
@@ -218,7 +209,7 @@ void AdviseOnUnknownName(OperandCase* it) {
         note = "use a name that is defined: " + name + " is an instruction";
         return;
     }
-    if (name == "@B" || name == "@F" || name == "@@") {
+    if (HoldsWord("@B @F @@", name)) {
         note = anonymousLabelNote;
         return;
     }

@@ -5,37 +5,21 @@
 #include "codegen/keywords.h"
 #include "expr/evaluator.h"
 #include "expr/number.h"
+#include "frontend/expression_fault.h"
 #include "frontend/instruction_forms.h"
 
 namespace korv {
 namespace {
 
-// The offset of the first backslash sequence in `text`, a string with its quotes. A backslash
-// before the last quote counts only if text follows the quote.
-std::size_t EscapeIn(std::string_view text, bool goesOn) {
+// The offset of the first backslash sequence in `text`, a string with its quotes.
+std::size_t EscapeIn(std::string_view text) {
     for (std::size_t i = 1; i + 1 < text.size(); ++i) {
         if (text[i] == '\\' &&
             std::string_view("nrt0x\\").find(text[i + 1]) != std::string_view::npos) {
             return i;
         }
-        if (text[i] == '\\' && i + 2 == text.size() && goesOn) {
-            return i;
-        }
     }
     return std::string_view::npos;
-}
-
-bool IsComparison(const Token& token) {
-    switch (token.code) {
-        case OP_LESS:
-        case OP_GREATER:
-        case OP_EQUAL:
-        case OP_LESS_EQUAL:
-        case OP_GREATER_EQUAL:
-            return true;
-        default:
-            return false;
-    }
 }
 
 bool IsLogical(const Token& token) {
@@ -53,8 +37,7 @@ std::optional<LinePart> FindEscape(const StatementView& statement) {
             if (token.kind != TokenKind::string && token.kind != TokenKind::openString) {
                 continue;
             }
-            const bool goesOn = &token != &operand.tokens.back();
-            if (const std::size_t at = EscapeIn(token.text, goesOn); at != std::string_view::npos) {
+            if (const std::size_t at = EscapeIn(token.text); at != std::string_view::npos) {
                 return statement.PartOf(token.text.substr(at, 2));
             }
         }
@@ -86,7 +69,7 @@ std::string_view SurpriseInCondition(const OperandView& condition) {
         } else if (token.code == OP_CLOSE && levels.size() > 1) {
             levels.pop_back();
         }
-        levels.back().isCompared = levels.back().isCompared || IsComparison(token);
+        levels.back().isCompared = levels.back().isCompared || IsComparison(token.code);
         levels.back().isCombined = levels.back().isCombined || IsLogical(token);
         if (levels.back().isCompared && levels.back().isCombined) {
             return "give each comparison a name by EQU: comparisons bind less than AND, OR and XOR";

@@ -156,7 +156,6 @@ std::vector<ByteFinding> CheckBytes(const StoredText& text) {
             add(Warning::carriageReturn, at);
             break;
         }
-        at = next;
     }
     const std::size_t mark = bytes.find('\x1A');
     if (mark != std::string_view::npos &&

@@ -122,9 +122,6 @@ void MessageMaker::RemoveExplained() {
 }
 
 void MessageMaker::Make(const Report& report) {
-    if (report.warning && !warnings->IsOn(*report.warning)) {
-        return;
-    }
     Message message;
     message.severity =
         report.warning && !warnings->IsError(*report.warning) ? Severity::warning : Severity::error;
@@ -144,10 +141,8 @@ void MessageMaker::Make(const Report& report) {
     // Each piece of advice examines all operands, and nobody reads so many messages about one line.
     constexpr std::int32_t mostAdvised = 50;
     if (++reports > mostAdvised) {
-        if (!adviser.IsRefused(report.text)) {
-            message.place = PlaceOf(report.place);
-            AddMessage(std::move(message), analysis);
-        }
+        message.place = PlaceOf(report.place);
+        AddMessage(std::move(message), analysis);
         return;
     }
     const StatementView& statement = StatementAt(report.place);

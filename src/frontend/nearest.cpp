@@ -69,7 +69,7 @@ std::string_view NearWords::Find(std::string_view word,
     const std::uint64_t letters = LettersOf(word);
     std::string_view found;
     std::size_t best = 8 * (limit + 1);  // distance in eighths
-    if (limit == 0 || word.size() > longestCompared) {
+    if (word.size() > longestCompared) {
         return found;
     }
     const std::size_t longest = std::min(word.size() + limit, longestCompared);

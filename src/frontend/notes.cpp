@@ -75,10 +75,7 @@ bool IsCondition(std::string_view word) {
 // Korv.
 std::string_view EndOfBlock(const StatementView& statement) {
     const std::string_view word = Plain(statement.mnemonic);
-    return HoldsWord("MACRO MAC", word)      ? "endm"
-           : HoldsWord("STRUCT STRUC", word) ? "ends"
-           : word == "LUA"                   ? "endlua"
-                                             : "";
+    return HoldsWord("MACRO MAC", word) ? "endm" : HoldsWord("STRUCT STRUC", word) ? "ends" : "";
 }
 
 // True if the line of a condition also ends it, or if a brace is to end it.
@@ -147,7 +144,7 @@ Advice Adviser::AdviceFor(const FaultView& fault) {
     Advice advice;
     const bool isAboutStatement = fault.number == MSG_UNKNOWN_INSTRUCTION ||
                                   IsAboutOperands(fault.number) || IsAboutExpression(fault.number);
-    if (fault.isError && isAboutStatement && slipBudget > 0) {
+    if (isAboutStatement && slipBudget > 0) {
         --slipBudget;
         advice = AdviseOnSlip(facts, fault);
     }
@@ -223,9 +220,7 @@ bool Adviser::IsFollowOn(const FaultView& fault, const Advice& advice) {
         refusedConditions -= Plain(statement.mnemonic) == "ELSE" ? 0 : 1;
         return true;
     }
-    const bool isEnd =
-        fault.number == MSG_NOT_IN_MACRO || HoldsWord(blockEnds, Plain(statement.mnemonic));
-    if (isEnd && hasRefusedBlock) {
+    if (HoldsWord(blockEnds, Plain(statement.mnemonic)) && hasRefusedBlock) {
         return true;
     }
     if (fault.number == MSG_UNKNOWN_INSTRUCTION) {
@@ -247,9 +242,6 @@ bool Adviser::IsFollowOn(const FaultView& fault, const Advice& advice) {
 }
 
 bool Adviser::UsesOneOf(const std::unordered_set<std::string>& names, const FaultView& fault) {
-    if (names.empty()) {
-        return false;
-    }
     const auto isOne = [&names](std::string_view text) {
         return names.contains(std::string(text));
     };
@@ -334,8 +326,7 @@ void Adviser::RememberCondition(const FaultView& fault, const Advice& advice, bo
         refusedEnds += fault.number == MSG_ILLEGAL_ELSE ? 1 : 0;
     }
     if ((isRefused || fault.number == MSG_RESERVED_NAME) &&
-        (IsCondition(statement.mnemonic) || HoldsWord("IFDEF IFNDEF", statement.label) ||
-         IsCondition(meant) || isSlip)) {
+        (HoldsWord("IFDEF IFNDEF", statement.label) || IsCondition(meant) || isSlip)) {
         ++refusedConditions;
         hasRefusedBranch = true;
         hasRefusedTest = hasRefusedTest || advice.edits.empty();
@@ -359,10 +350,7 @@ void Adviser::RememberBlock(const FaultView& fault, std::string_view end) {
             refusedNames.emplace(token.text);
         }
     }
-    const std::int32_t last = std::max(facts.FindLine(end, 0), facts.FindLine(Raised(end), 0));
-    if (last > fault.line) {
-        SkipTo(last, fault);
-    }
+    SkipTo(std::max(facts.FindLine(end, 0), facts.FindLine(Raised(end), 0)), fault);
 }
 
 void Adviser::SkipTo(std::int32_t line, const FaultView& fault) {

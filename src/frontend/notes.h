@@ -37,14 +37,12 @@ class RunFacts {
     [[nodiscard]] virtual std::optional<KnownName> FindName(std::string_view name) const = 0;
     /// True if INCLUDE or BINCLUDE in the file of the current statement would find `name`.
     [[nodiscard]] virtual bool HasFile(std::string_view name) const = 0;
-    /// The directories that are searched, for a note; empty if they are not known.
-    [[nodiscard]] virtual std::string SearchedDirectories() const { return ""; }
+    /// The directories that are searched, for a note.
+    [[nodiscard]] virtual std::string SearchedDirectories() const = 0;
     /// The first line that contains `text`, searched from `column` of the current statement's line
     /// to the end of its file; 0 if there is none.
-    [[nodiscard]] virtual std::int32_t FindLine(std::string_view /*text*/,
-                                                std::size_t /*column*/) const {
-        return 0;
-    }
+    [[nodiscard]] virtual std::int32_t FindLine(std::string_view text,
+                                                std::size_t column) const = 0;
     /// All names with a value. Called once, for the first unknown name; the views must outlive the
     /// `Adviser`.
     [[nodiscard]] virtual std::vector<std::string_view> DefinedNames() const = 0;
@@ -103,11 +101,6 @@ class Adviser {
     /// Records that the source ends inside a skipped block. The names that this would define are
     /// unknown, so a late error about an undefined name only follows from it.
     void ExpectSkippedEnd() { hasRefusedEnd = true; }
-
-    /// True if the definition of `name` was refused.
-    [[nodiscard]] bool IsRefused(const std::string& name) const {
-        return refusedNames.contains(name);
-    }
 
     /// True if a refused ENDIF explains an open IF. Each explains only one, so it is used up.
     [[nodiscard]] bool TakeRefusedEnd();

@@ -16,9 +16,7 @@ namespace {
 // A keyword as a label: an instruction in column 1, or a name that is taken.
 Advice AdviseOnReservedName(Adviser& adviser, const StatementView& statement) {
     const std::string_view label = statement.label;
-    const bool isName =
-        statement.hasColon || (statement.keyword != nullptr && statement.mnemonic == "EQU");
-    if (isName) {
+    if (statement.hasColon || statement.mnemonic == "EQU") {  // it is meant as a name
         const std::string name = adviser.UnusedName(std::string(statement.Typed(label)) + "1");
         Advice advice = Replace(statement, label, name,
                                 "choose another name here and where it is used, such as " + name);
@@ -43,8 +41,8 @@ Advice AdviseOnFile(const RunFacts& facts, const FaultView& fault) {
     const std::size_t first = std::min(name.find_first_not_of(signs), name.size());
     const std::string inner(name.substr(first, name.find_last_not_of(signs) + 1 - first));
     const bool isWrapped = inner.size() < name.size();
-    const bool isUnquoted = statement.mnemonic == "BINCLUDE" && name.starts_with('"');
-    const std::string_view meant = isUnquoted ? std::string_view(inner) : name;
+    const std::string_view meant =  // a name may be in quotes there
+        statement.mnemonic == "BINCLUDE" ? std::string_view(inner) : name;
     if (!fault.reason.empty() && facts.HasFile(meant)) {
         advice.text = "could not read file " + Quoted(meant) + ": " + std::string(fault.reason);
         return advice;
@@ -72,22 +70,16 @@ Advice AdviseOnFile(const RunFacts& facts, const FaultView& fault) {
             return advice;
         }
     }
-    const bool isJoined = statement.typed.data() == statement.line.data();
-    if (isJoined && inner.find_first_of(" \t") != std::string::npos) {
+    if (statement.typed.data() == statement.line.data()) {  // two lines, joined
         advice.note =
             "check for a backslash at the end of the line: it joins the next line to the name";
         return advice;
     }
-    const std::string directories = facts.SearchedDirectories();
-    const bool isAbsolute = inner.starts_with('/') || inner.starts_with('\\');
-    const std::string quotes = isWrapped && statement.mnemonic == "INCLUDE"
-                                   ? "write the name without quotes or brackets"
-                                   : "check the name";
-    advice.note = quotes;
-    if (!isAbsolute) {
-        advice.note += directories.empty()
-                           ? "; the directory of this file is searched, then those of -I"
-                           : "; searched: " + directories;
+    advice.note = isWrapped && statement.mnemonic == "INCLUDE"
+                      ? "write the name without quotes or brackets"
+                      : "check the name";
+    if (!inner.starts_with('/')) {
+        advice.note += "; searched: " + facts.SearchedDirectories();
     }
     return advice;
 }
@@ -136,18 +128,15 @@ Advice AdviseOnLabel(const StatementView& statement) {
 Advice AdviseOnRedefinition(const RunFacts& facts, const FaultView& fault) {
     const StatementView& statement = fault.statement;
     Advice advice;
-    const auto first = facts.FindName(statement.label);
-    if (first && first->isCommandLine) {
+    const KnownName first = facts.FindName(statement.label).value_or(KnownName{});
+    if (first.isCommandLine) {
         advice.note = "remove the line or the -D: the command line defines the name";
-    } else if (first && first->isHere) {
+    } else if (first.isHere) {
         advice.note = "include the file once: this line has been read before";
         advice.isRepeated = true;
-    } else if (first && !first->where.empty()) {
-        advice.note = "rename one of them: the first definition is " + first->where;
-        advice.first = first->definition;
-    }
-    if (!statement.label.empty()) {
-        advice.place = statement.PartOf(statement.label);
+    } else if (!first.where.empty()) {
+        advice.note = "rename one of them: the first definition is " + first.where;
+        advice.first = first.definition;
     }
     return advice;
 }
@@ -155,9 +144,7 @@ Advice AdviseOnRedefinition(const RunFacts& facts, const FaultView& fault) {
 // Brackets with nothing in them.
 Advice AdviseOnEmptyBrackets(const StatementView& statement) {
     for (const OperandView& operand : statement.operands) {
-        const bool isEmpty = operand.text.size() > 1 && operand.text.front() == '(' &&
-                             WithoutLeadingBlanks(operand.text.substr(1)) == ")";
-        if (isEmpty) {
+        if (operand.text.starts_with('(') && WithoutLeadingBlanks(operand.text.substr(1)) == ")") {
             Advice advice = Say(statement, operand.text, "add the address or the register");
             advice.text = "nothing between the brackets";
             return advice;
@@ -179,16 +166,7 @@ Advice AdviseOnPartInBrackets(const StatementView& statement) {
 
 Advice AdviseOnRange(const StatementView& statement, Status number) {
     Advice advice;
-    if (!statement.operands.empty()) {
-        advice.place = statement.PartOf(statement.operands.back().text);
-    }
     if (number == MSG_NOT_UNSIGNED_BYTE) {
-        advice.place.reset();
-        for (const OperandView& operand : statement.operands) {
-            if (operand.what.reg == REG_DIRECT && HoldsWord("IN OUT", statement.mnemonic)) {
-                advice.place = statement.PartOf(operand.text);
-            }
-        }
         advice.note = HoldsWord("IN OUT", statement.mnemonic)
                           ? "use a port from 0 to 255"
                           : "write words with DW, or X AND 255 for the low byte";
@@ -205,9 +183,6 @@ Advice AdviseOnFailure(const FaultView& fault) {
     if (!advice.place && fault.isLate && statement.mnemonic == "EQU") {
         advice.text = "a value that waits for this name does not fit";
         advice.note = "check the jumps and values that use " + std::string(statement.label);
-    } else if (!advice.place && fault.isLate) {
-        advice = AdviseOnFarJump(statement);
-        advice.text = "the jump is too far";
     }
     return advice;
 }
@@ -215,7 +190,6 @@ Advice AdviseOnFailure(const FaultView& fault) {
 struct FixedNote {
     Status number;
     std::string_view note;
-    bool isAboutLabel = false;
 };
 
 constexpr auto fixedNotes = std::to_array<FixedNote>({
@@ -225,12 +199,12 @@ constexpr auto fixedNotes = std::to_array<FixedNote>({
     {MSG_CONDITIONS_TOO_DEEP, "check for a missing ENDIF"},
     {MSG_NOT_IN_CONDITION, "add the IF, or remove the line: no condition is open"},
     {MSG_ILLEGAL_ELSE, "write ENDIF, or remove it: an IF has one ELSE"},
-    {MSG_LABEL_TOO_LONG, "shorten the name to 256 characters", true},
+    {MSG_LABEL_TOO_LONG, "shorten the name to 256 characters"},
     {MSG_LINE_TOO_LONG,
      "break the line, or accept more by --line-length: the comment and the line end count too"},
     {MSG_NO_CLOSING_QUOTE, closeQuoteNote},
     {MSG_EXPECTED_ARGUMENT, "add the operand, or remove the comma"},
-    {MSG_LABEL_WITHOUT_COLON, "end the label with a colon", true},
+    {MSG_LABEL_WITHOUT_COLON, "end the label with a colon"},
     {MSG_COMMAND_LINE_SKIPPED, "begin the comment with a semicolon"},
 });
 
@@ -288,9 +262,6 @@ Advice AdviseOnRest(Adviser& adviser, const FaultView& fault) {
     const auto* const row = std::ranges::find(fixedNotes, fault.number, &FixedNote::number);
     if (row != fixedNotes.end()) {
         advice.note = row->note;
-        if (row->isAboutLabel) {
-            advice.place = statement.PartOf(statement.label);
-        }
     }
     return advice;
 }

@@ -26,9 +26,7 @@ void StatementChecks::Look(CStatement* statement, std::uint32_t count, bool isFa
     if (HasOddOperand(*statement, count)) {
         CheckOperands(statement, BytesOf(count), &findings);
     }
-    if (!findings.empty()) {
-        Warn(*statement, findings);
-    }
+    Warn(*statement, findings);
     if (hasGaps && assembler->location != statement->address + count &&
         assembler->binary.Position() != 0) {
         CheckOrg(*statement);

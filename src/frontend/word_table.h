@@ -47,7 +47,7 @@ inline constexpr auto wordTable = std::to_array<WordRow>({
     {"DEFL DEFC LET DEFINE XDEFINE UNDEF UNDEFINE", "", "define a constant with NAME: EQU 5", " DEFINE X"},
     // Without a counterpart.
     {"ALIGN BALIGN P2ALIGN EVEN", "", "write DS N-1-($-1 AND N-1) to fill up to a multiple of N: DS 255-($-1 AND 255) for 256", " ALIGN 256"},
-    {"LUA ENUM FUNC FUNCTION SELECT SWITCH CASE REPT REPEAT TIMES DUP EDUP ENDR IRP IRPC EXITM WHILE WEND FOR NEXT LOCAL STRUCT ENDS ENDSTRUCT UNION MACEND MEND ENDMACRO MAC M_ARG", "", "write the lines out, or INCLUDE them from a file: there are no macros, repetitions or structures", " REPT 5"},
+    {"LUA ENUM FUNC FUNCTION SELECT SWITCH CASE REPT REPEAT TIMES DUP EDUP ENDR IRP IRPC EXITM WHILE WEND FOR NEXT LOCAL STRUCT STRUC ENDS ENDSTRUCT UNION MACEND MEND ENDMACRO MAC M_ARG", "", "write the lines out, or INCLUDE them from a file: there are no macros, repetitions or structures", " REPT 5"},
     {"PHASE DISP", "", "write ORG %r, and a second ORG where the block ends: ORG changes addresses and leaves no gap", " DISP 8000H", 1},
     {"DEPHASE UNPHASE", "", "write ORG with the address that the code after it is to have", " DEPHASE"},
     {"SECTION SEGMENT CSEG DSEG ASEG PUBLIC EXTRN EXTERN EXTERNAL GLOBAL GLOBL XDEF XREF EXPORT ENTRYPOINT AREA CODE DATA BSEG USEG COMMON EXTRA GLB EXT LIB XLIB IMPORT TYPE WEAK IDENT", "", "remove the line: one run makes one image and nothing is linked; INCLUDE joins files", " CSEG"},

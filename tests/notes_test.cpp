@@ -35,7 +35,7 @@ korv::Analysis AnalysisOf(const std::string& source) {
 std::string Printed(const korv::Analysis& analysis) {
     std::string printed;
     for (const korv::Message& each : analysis.messages) {
-        if (each.severity == korv::Severity::error && each.number != 0) {
+        if (each.severity == korv::Severity::error) {
             printed += std::to_string(each.place.line) + ":" + std::to_string(each.place.column + 1) + " " +
                        std::to_string(each.number) + " " + each.note + "\n";
         }
@@ -46,8 +46,8 @@ std::string Printed(const std::string& source) {
     return Printed(AnalysisOf(source));
 }
 
-// The errors that remain after making the changes that the notes propose; empty if they propose none.
-std::string ErrorsAfterChange(const std::string& source) {
+// The errors that remain after making the changes that the notes propose; `without` if they propose none.
+std::string ErrorsAfterChange(const std::string& source, const std::string& without = "") {
     const korv::Analysis analysis = AnalysisOf(source);
     std::map<std::pair<std::int32_t, std::uint32_t>, const korv::Edit*> edits;  // by line and column
     std::set<std::int32_t> changed;
@@ -68,7 +68,7 @@ std::string ErrorsAfterChange(const std::string& source) {
     for (const std::string& line : lines) {
         text += (text.empty() ? "" : "|") + line;
     }
-    return edits.empty() ? "" : Printed(text);
+    return edits.empty() ? without : Printed(text);
 }
 
 TEST(NotesTest, EachRowHasItsExampleAndProposesWhatAssembles) {
@@ -108,9 +108,10 @@ TEST(NotesTest, MistakesGetOneMessageAtTheirPlace) {
         const std::size_t cut = line.find(" <- ");
         ASSERT_NE(std::string::npos, cut) << line;
         const std::string source = line.substr(cut + 4);
-        const bool isWhole = line[0] != '?';  // otherwise the proposed change corrects only a part
-        EXPECT_EQ(line.substr(isWhole ? 0 : 1, cut - (isWhole ? 0 : 1)) + "\n", Printed(source)) << source;
-        EXPECT_EQ("", isWhole ? ErrorsAfterChange(source) : "") << source;
+        const std::size_t start = line.find_first_not_of("?+");
+        EXPECT_EQ(line.substr(start, cut - start) + "\n", Printed(source)) << source;
+        const std::string without = line[0] == '+' ? "no change is proposed" : "";
+        EXPECT_EQ("", line[0] == '?' ? "" : ErrorsAfterChange(source, without)) << source;
         ++count;
     }
     EXPECT_LT(100, count);

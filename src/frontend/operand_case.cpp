@@ -26,9 +26,9 @@ bool OperandCase::Propose(std::string_view part, std::vector<TextEdit> edits, st
 bool OperandCase::ProposesUnknownName() const {
     const bool isFile = HoldsWord("INCLUDE BINCLUDE", statement.mnemonic);
     return !isFile && std::ranges::any_of(statement.operands, [this](const OperandView& operand) {
-        return std::ranges::any_of(operand.tokens, [this, &operand](const Token& token) {
+        return std::ranges::any_of(operand.tokens, [this](const Token& token) {
             const bool isName = token.kind == TokenKind::name || token.kind == TokenKind::digitName;
-            return isName && operand.HoldsAsName(token) && !adviser.Facts().FindName(token.text) &&
+            return isName && !adviser.Facts().FindName(token.text) &&
                    std::ranges::any_of(advice.edits, [&token](const TextEdit& edit) {
                        return FindName(Raised(edit.text), token.text) != std::string::npos;
                    });
@@ -42,51 +42,27 @@ const OperandView* FocusOf(const FaultView& fault) {
         const auto it = std::ranges::find_if(operands, isIt);
         return it == operands.end() ? nullptr : &*it;
     };
+    const std::size_t faulty = FindFaultyOperand(fault.statement);
+    const bool isFaulty = faulty < operands.size();
     if (fault.part.length != 0) {
         const OperandView* const at = find([&fault](const OperandView& each) {
             const LinePart part = fault.statement.PartOf(each.text);
             return fault.part.offset >= part.offset &&
                    fault.part.offset < part.offset + part.length;
         });
-        const std::size_t faulty = FindFaultyOperand(fault.statement);
         const bool isNamed =
             at != nullptr && fault.statement.PartOf(at->text).length >= fault.part.length;
         const bool isByForm =
             fault.number == MSG_ILLEGAL_ARGUMENT || fault.number == MSG_TOO_MANY_ARGUMENTS;
-        if (isNamed && (!isByForm || faulty >= operands.size())) {
+        if (isNamed && !(isByForm && isFaulty)) {
             return at;
         }
     }
-    if (const std::size_t excess = FindExcess(fault.statement);
-        fault.number == MSG_TOO_MANY_ARGUMENTS && excess != noFault) {
+    if (const std::size_t excess = FindExcess(fault.statement); excess != noFault) {
         return &operands[excess];
     }
-    switch (fault.number) {
-        case MSG_ILLEGAL_ARGUMENT:
-        case MSG_ILLEGAL_CONDITION:
-        case MSG_TOO_MANY_ARGUMENTS:
-        case MSG_ARGUMENT_EXPECTED:
-            if (const std::size_t i = FindFaultyOperand(fault.statement); i < operands.size()) {
-                return &operands[i];
-            }
-            break;
-        case MSG_UNRESOLVED:
-            if (const OperandView* const it = find([&fault](const OperandView& each) {
-                    const bool isNamed =
-                        each.what.kind == KIND_VALUE || fault.statement.mnemonic == "DJNZ";
-                    return isNamed && FindToken(each, fault.text) != nullptr;
-                })) {
-                return it;
-            }
-            break;
-        case MSG_NOT_IMMEDIATE:
-            if (const OperandView* const it =
-                    find([](const OperandView& each) { return each.what.kind == KIND_VALUE; })) {
-                return it;
-            }
-            break;
-        default:
-            break;
+    if (isFaulty) {
+        return &operands[faulty];
     }
     if (const OperandView* const it = find([](const OperandView& each) {
             return each.what.kind == KIND_VALUE &&
@@ -103,8 +79,7 @@ bool HasFormWith(const StatementView& statement, const std::vector<TextEdit>& ed
 }
 
 const Token* FindToken(const OperandView& operand, std::string_view text) {
-    const auto first = operand.tokens.begin() + (operand.IsIndexed() ? 2 : 0);
-    const auto token = std::ranges::find(first, operand.tokens.end(), text, &Token::text);
+    const auto token = std::ranges::find(operand.tokens, text, &Token::text);
     return token == operand.tokens.end() ? nullptr : &*token;
 }
 

@@ -50,8 +50,7 @@ struct OperandCase {
 /// True if the changed statement matches a form of its mnemonic.
 [[nodiscard]] bool HasFormWith(const StatementView& statement, const std::vector<TextEdit>& edits);
 
-/// The token `text` in the expression of `operand`, not counting the name of an index register;
-/// null if there is none.
+/// The first token `text` of `operand`; null if there is none.
 [[nodiscard]] const Token* FindToken(const OperandView& operand, std::string_view text);
 
 /// Advises on the fault that the tokens of the operand show. Result: false if they show none.

@@ -23,9 +23,6 @@ bool Take(OperandCase* it, std::optional<RowAdvice> row) {
     }
     it->advice.note = std::move(row->note);
     it->advice.edits = std::move(row->edits);
-    if (row->part.data() != nullptr) {
-        it->PointAt(row->part);
-    }
     return true;
 }
 
@@ -97,12 +94,9 @@ bool AdviseOnLabelName(OperandCase* it) {
 // A register or condition where a value is expected, as in data.
 bool AdviseOnRegister(OperandCase* it) {
     const OperandView* const operand = it->operand;
-    if (operand == nullptr || operand->what.kind == KIND_VALUE || operand->tokens.empty() ||
+    const Token* const token = operand == nullptr ? nullptr : operand->OnlyToken();
+    if (token == nullptr || operand->what.kind == KIND_VALUE ||
         !HoldsWord("DB DEFB DW DEFW DS DEFS IF COND EQU ORG RST IM", it->statement.mnemonic)) {
-        return false;
-    }
-    const Token* const token = operand->OnlyToken();
-    if (token == nullptr) {
         return false;
     }
     const std::string name(token->text);
@@ -176,7 +170,6 @@ bool AdviseOnShape(OperandCase* it) {
         const Token* const token = it->operand == nullptr ? nullptr : it->operand->OnlyToken();
         if (token != nullptr && token->kind == TokenKind::name &&
             token->text.size() == 1) {  // probably a register
-            it->advice.note.clear();
             return false;
         }
         if (it->fault.number != MSG_TOO_MANY_ARGUMENTS && it->advice.note.starts_with("write ")) {
@@ -192,14 +185,10 @@ std::string Sentence(const Token& token, std::string_view end) {
     return std::string(token.text) + std::string(end);
 }
 
-// Sets the place in case no better one is found: the operand, preferably one whose brackets do not
-// match.
+// Sets the place in case no better one is found.
 void AimAt(OperandCase* it, bool isCount) {
     for (const OperandView& operand : it->statement.operands) {
-        const ExpressionFault kind = FindExpressionFault(operand).fault;
-        if (kind == ExpressionFault::openBracket || kind == ExpressionFault::closeBracket) {
-            it->operand = &operand;
-        } else if (operand.text.starts_with('\'') && operand.text.find('\'', 1) == npos) {
+        if (operand.text.starts_with('\'') && operand.text.find('\'', 1) == npos) {
             it->operand = &operand;  // a string up to a later operand
             break;
         }
@@ -226,7 +215,6 @@ void AimAt(OperandCase* it, bool isCount) {
 
 std::string FormsNote(const StatementView& statement) {
     const Keyword* const keyword = statement.keyword;
-    const std::int32_t most = keyword == nullptr ? 0 : keyword->operands.most;
     const std::size_t excess = FindExcess(statement);
     const std::size_t faulty = excess == noFault ? FindFaultyOperand(statement) : excess;
     if (faulty == noFault) {
@@ -234,8 +222,9 @@ std::string FormsNote(const StatementView& statement) {
     }
     const std::vector<std::string> choices = ChoicesAt(statement, faulty);
     const std::string word(statement.mnemonic);
-    if ((choices.empty() || excess != noFault) && keyword != nullptr &&
-        faulty < statement.operands.size() && std::cmp_greater(statement.operands.size(), most)) {
+    const std::int32_t most = keyword->operands.most;
+    if ((choices.empty() || excess != noFault) && faulty < statement.operands.size() &&
+        std::cmp_greater(statement.operands.size(), most)) {
         return "remove " + std::string(statement.operands[faulty].text) + ": " + word + " takes " +
                (most == 0   ? "no operand"
                 : most == 1 ? "one operand"
@@ -244,12 +233,9 @@ std::string FormsNote(const StatementView& statement) {
     if (choices.empty()) {
         return "";
     }
-    std::string head = word;
-    for (std::size_t i = 0; i < faulty; ++i) {
-        head += (i == 0 ? " " : ",") + std::string(statement.operands[i].text);
-    }
     std::string note = "use ";  // with +, GCC 12 warns about it at link time
-    return note.append(Listed(choices)).append(faulty == 0 ? " with " : " after ").append(head);
+    note.append(Listed(choices)).append(faulty == 0 ? " with " : " after ").append(word);
+    return faulty == 0 ? note : note.append(" ").append(statement.operands[0].text);
 }
 
 void AdviseOnOperandCase(OperandCase* it) {
@@ -258,9 +244,7 @@ void AdviseOnOperandCase(OperandCase* it) {
         fault.number == MSG_TOO_MANY_ARGUMENTS || fault.number == MSG_ARGUMENT_EXPECTED;
     AimAt(it, isCount);
     if (HoldsWord("INCLUDE BINCLUDE", fault.statement.mnemonic)) {
-        if (!AdviseOnShape(it)) {
-            it->advice.note = FormsNote(it->statement);
-        }
+        AdviseOnShape(it);
         return;
     }
     if (AdviseOnOddQuotes(it) || AdviseOnSet(it) || AdviseOnSplitWord(it) || AdviseOnComma(it) ||

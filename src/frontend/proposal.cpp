@@ -29,8 +29,7 @@ bool TakesByte(const StatementView& statement, std::size_t index) {
     const auto has = [&choices](std::string_view term) {
         return std::ranges::find(choices, term) != choices.end();
     };
-    return statement.operands[index].what.reg == REG_DIRECT ? has("(n)") && !has("(nn)")
-                                                            : has("n") && !has("nn");
+    return statement.operands[index].what.reg == REG_DIRECT ? has("(n)") : has("n") && !has("nn");
 }
 
 // The value of `operand` if it is a single number or name, otherwise 0.
@@ -242,7 +241,7 @@ namespace {
 bool Complete(const RunFacts& facts, const StatementView& statement, Advice* advice) {
     const Translation whole = Translate(statement, advice->edits);
     const std::vector<TextEdit> edits = {{LinePart{0, whole.end}, whole.typed}};
-    if (whole.changes < 2 || !IsSound(facts, statement, edits)) {
+    if (!IsSound(facts, statement, edits)) {
         return false;
     }
     advice->edits = edits;

@@ -140,8 +140,7 @@ bool AdviseOnLastSign(OperandCase* it) {
         const bool isValue = tokens.size() == 1 ? tokens[0].kind == TokenKind::number
                                                 : size > 0 && text[size - 1] == ')';
         if (size == 0 || size == text.size() ||
-            ((!isValue || text.back() == ':') &&
-             ClassOf(text.substr(0, size)).kind == KIND_VALUE)) {
+            (!isValue && ClassOf(text.substr(0, size)).kind == KIND_VALUE)) {
             continue;
         }
         const std::vector<TextEdit> edits = {{it->statement.PartOf(text.substr(size)), ""}};

@@ -150,7 +150,7 @@ bool AdviseOnSplitWord(OperandCase* it) {
 
 bool AdviseOnSwappedOperands(OperandCase* it) {
     const auto& operands = it->statement.operands;
-    if (operands.size() != 2 || operands[0].text.empty() || operands[1].text.empty()) {
+    if (operands.size() != 2) {
         return false;
     }
     const std::string_view first = operands[0].text;

@@ -13,7 +13,7 @@ namespace {
 bool IsApostrophe(std::string_view source, std::size_t at) {
     return at > 0 && at + 1 < source.size() && HasClass(source[at - 1], CC_LETTER) &&
            HasClass(source[at + 1], CC_LETTER) &&
-           source.find('\'', at + 1) < source.find('"', at + 1);
+           source.find('\'', at + 1) != std::string_view::npos;
 }
 
 // The text in single quotes that begins at `start` of the line. Two quotes in a row stand for one.
@@ -28,7 +28,7 @@ Foreign SingleQuoted(const StatementView& statement, std::size_t start) {
             ++end;
         } else if (source[end] == quote && source.substr(end + 1, 1) == "'" && end > start + 1) {
             ++end;
-        } else if (source[end] == quote && IsApostrophe(source, end)) {  // 'don't'
+        } else if (source[end] == '\'' && IsApostrophe(source, end)) {  // 'don't'
             content += '\'';
             continue;
         } else if (source[end] == quote || (quote == '`' && source[end] == '\'')) {
@@ -168,7 +168,7 @@ Foreign ForeignToken(const StatementView& statement, const Token& token) {
     if (text.find('?') != std::string_view::npos) {
         return {text, "", "use IF and ELSE: there is no operator that chooses"};
     }
-    if ((text.front() == '$' || text.front() == '&') && text.size() > 1) {
+    if (text.front() == '$' || text.front() == '&') {
         return {
             text, "",
             "check the digits after " + std::string(text.substr(0, text.front() == '&' ? 2 : 1))};
@@ -178,7 +178,7 @@ Foreign ForeignToken(const StatementView& statement, const Token& token) {
     }
     if ((text.starts_with("IX") || text.starts_with("IY")) && HoldsWord(". :", text.substr(2, 1))) {
         const std::string fix = typed.substr(0, 2) + "+" + typed.substr(3);
-        const bool isOpen = text.data() > statement.line.data() && text.data()[-1] == '(';
+        const bool isOpen = text.data()[-1] == '(';
         return {text, isOpen ? fix : "(" + fix + ")", ""};
     }
     if (text.find("..") != std::string_view::npos) {
@@ -277,7 +277,7 @@ Foreign FindForeign(const StatementView& statement, const OperandView& operand) 
                         ? "add the index to the address with +: there are no arrays"
                         : "compute the address first: no register is added to one here"};
         }
-        if (c == '[' || c == '{' || ((c == ']' || c == '}') && i + 1 == operand.text.size())) {
+        if (std::string_view("[]{}").find(c) != std::string_view::npos) {
             return Bracketed(operand.text, statement.Typed(operand.text));
         }
     }

@@ -69,18 +69,13 @@ void AdviseOnTranslated(OperandCase* it, const Translation& translation) {
     }
 }
 
-// A name in single quotes, or after a sign that other languages put before it.
-bool AdviseOnMarkedName(OperandCase* it, std::string_view part) {
+// A name in single quotes.
+bool AdviseOnQuotedName(OperandCase* it, std::string_view part) {
     const std::string_view inner = part.substr(1, part.size() - 2);
     if (part.size() > 2 && part.front() == '\'' &&
         (it->IsDefined(inner) || ClassOf(inner).kind != KIND_VALUE)) {
         it->Replace(part, std::string(it->statement.Typed(inner)));
         it->advice.note = WriteNote(it->statement, it->advice.edits) + ": a name has no quotes";
-        return true;
-    }
-    if (HoldsWord("& $ %", part.substr(0, 1)) && it->IsDefined(part.substr(1))) {
-        it->Replace(part.substr(0, 1), "");
-        it->advice.note = WriteNote(it->statement, it->advice.edits);
         return true;
     }
     return false;
@@ -97,9 +92,6 @@ void ProposeWhole(OperandCase* it, const Translation& translation) {
             note.replace(at, part.size(), whole);
             break;
         }
-    }
-    if (note.empty()) {
-        note = "write " + whole;
     }
     it->advice.edits = {translation.Whole(it->statement, whole)};
 }
@@ -128,7 +120,7 @@ bool AdviseOnSpelling(OperandCase* it) {
             continue;
         }
         it->PointAt(found.part);
-        if (found.edits.empty() && AdviseOnMarkedName(it, found.part)) {
+        if (found.edits.empty() && AdviseOnQuotedName(it, found.part)) {
             return true;
         }
         it->advice.note = std::move(found.note);

@@ -3,7 +3,6 @@
 // first explanation that fits.
 
 #include <algorithm>
-#include <array>
 
 #include "codegen/keywords.h"
 #include "frontend/expression_fault.h"
@@ -18,7 +17,7 @@ namespace korv {
 namespace {
 
 bool Take(OperandCase* it, std::optional<RowAdvice> row) {
-    if (!row || (row->note.empty() && row->edits.empty())) {
+    if (!row) {
         return false;
     }
     it->advice.note = std::move(row->note);
@@ -75,12 +74,7 @@ bool AdviseOnLabelName(OperandCase* it) {
             !it->IsDefined(token->text)) {
             continue;
         }
-        const bool hasForm = std::ranges::any_of(
-            std::array{"0", "(0)"}, [it, &operand, token](const std::string& value) {
-                const std::string_view part = value == "0" ? token->text : operand.text;
-                return HasFormWith(it->statement, {{it->statement.PartOf(part), value}});
-            });
-        if (hasForm) {
+        if (HasFormWith(it->statement, {{it->statement.PartOf(token->text), "0"}})) {
             it->PointAt(token->text);
             it->advice.note =
                 "choose another name: " + std::string(it->statement.Typed(token->text)) +
@@ -100,7 +94,6 @@ bool AdviseOnRegister(OperandCase* it) {
         return false;
     }
     const std::string name(token->text);
-    it->PointAt(operand->text);
     it->advice.note =
         it->IsDefined(name)
             ? "choose another name: " + name + " alone is a register or condition"
@@ -111,9 +104,9 @@ bool AdviseOnRegister(OperandCase* it) {
 // M, which is the memory at HL on the 8080.
 bool AdviseOnM(OperandCase* it) {
     for (const OperandView& operand : it->statement.operands) {
-        const std::vector<TextEdit> edits = {{it->statement.PartOf(operand.text), "(HL)"}};
-        if (operand.text == "M" && HasFormWith(it->statement, edits)) {
-            return it->Propose(operand.text, edits, "write ", ": M is a condition");
+        if (operand.text == "M") {
+            return it->Propose(operand.text, {{it->statement.PartOf(operand.text), "(HL)"}},
+                               "write ", ": M is a condition");
         }
     }
     return false;
@@ -145,10 +138,10 @@ bool AdviseOnShape(OperandCase* it) {
         return true;
     }
     const auto& operands = it->statement.operands;
-    const bool isCondition =
-        it->fault.number == MSG_ILLEGAL_ARGUMENT && operands.size() == 2 &&
-        HoldsWord("CALL JR", it->statement.mnemonic) && operands[0].tokens.size() == 1 &&
-        operands[0].tokens[0].kind == TokenKind::name && operands[1].what.kind == KIND_VALUE;
+    const bool isCondition = operands.size() == 2 && HoldsWord("CALL JR", it->statement.mnemonic) &&
+                             operands[0].tokens.size() == 1 &&
+                             operands[0].tokens[0].kind == TokenKind::name &&
+                             operands[1].what.kind == KIND_VALUE;
     if (isCondition && !it->IsDefined(operands[0].text)) {
         it->PointAt(operands[0].text);
         it->advice.note = it->statement.mnemonic == "JR"
@@ -186,11 +179,16 @@ std::string Sentence(const Token& token, std::string_view end) {
 }
 
 // Sets the place in case no better one is found.
-void AimAt(OperandCase* it, bool isCount) {
+void AimAt(OperandCase* it) {
     for (const OperandView& operand : it->statement.operands) {
         if (operand.text.starts_with('\'') && operand.text.find('\'', 1) == npos) {
             it->operand = &operand;  // a string up to a later operand
             break;
+        }
+        if (it->fault.number == MSG_ILLEGAL_ARGUMENT && operand.what.reg == REG_DIRECT &&
+            operand.tokens.size() > 1 &&
+            ClassOf(operand.tokens[1].text).kind == KIND_REGISTER) {  // "LD ( HL ),5"
+            it->operand = &operand;
         }
     }
     const auto& operands = it->statement.operands;
@@ -200,14 +198,11 @@ void AimAt(OperandCase* it, bool isCount) {
     }
     if (HoldsWord("CALL JR", it->statement.mnemonic) && operands.size() == 2 &&
         operands[0].what.kind == KIND_VALUE && operands[1].what.kind == KIND_VALUE &&
-        !operands[0].tokens.empty() &&
-        (operands[0].tokens.size() > 1 || !operands[0].tokens[0].IsValue())) {  // "CALL !Z,X"
+        !operands[0].tokens.empty() && !operands[0].tokens[0].IsValue()) {  // "CALL !Z,X"
         it->operand = operands.data();
     }
     if (it->operand != nullptr) {
         it->PointAt(it->operand->text);
-    } else if (isCount && FindFaultyOperand(it->statement) == it->statement.operands.size()) {
-        it->PointAt(it->statement.mnemonic);
     }
 }
 
@@ -223,12 +218,13 @@ std::string FormsNote(const StatementView& statement) {
     const std::vector<std::string> choices = ChoicesAt(statement, faulty);
     const std::string word(statement.mnemonic);
     const std::int32_t most = keyword->operands.most;
+    if (most == 0) {
+        return "check the mnemonic: " + word + " takes no operands";
+    }
     if ((choices.empty() || excess != noFault) && faulty < statement.operands.size() &&
         std::cmp_greater(statement.operands.size(), most)) {
         return "remove " + std::string(statement.operands[faulty].text) + ": " + word + " takes " +
-               (most == 0   ? "no operand"
-                : most == 1 ? "one operand"
-                            : "two operands");
+               (most == 1 ? "one operand" : "two operands");
     }
     if (choices.empty()) {
         return "";
@@ -240,24 +236,18 @@ std::string FormsNote(const StatementView& statement) {
 
 void AdviseOnOperandCase(OperandCase* it) {
     const FaultView& fault = it->fault;
-    const bool isCount =
-        fault.number == MSG_TOO_MANY_ARGUMENTS || fault.number == MSG_ARGUMENT_EXPECTED;
-    AimAt(it, isCount);
-    if (HoldsWord("INCLUDE BINCLUDE", fault.statement.mnemonic)) {
-        AdviseOnShape(it);
-        return;
-    }
+    const bool isExcess = fault.number == MSG_TOO_MANY_ARGUMENTS;
+    AimAt(it);
     if (AdviseOnOddQuotes(it) || AdviseOnSet(it) || AdviseOnSplitWord(it) || AdviseOnComma(it) ||
         AdviseOnSecondInstruction(it) || AdviseOnLastSign(it) || AdviseOnListBrackets(it) ||
         AdviseOnSplitBrackets(it) || AdviseOnSeparator(it) ||
         (it->operand != nullptr && it->operand->tokens.size() > 2 && AdviseOnBareText(it)) ||
         AdviseOnIndexHalf(it) || AdviseOnSpelling(it) || AdviseOnUnopenedString(it) ||
-        AdviseOnBareText(it) || AdviseOnRegister(it) ||
-        (fault.number == MSG_TOO_MANY_ARGUMENTS && AdviseOnProse(it))) {
+        AdviseOnBareText(it) || AdviseOnRegister(it) || (isExcess && AdviseOnProse(it))) {
         return;
     }
     const Keyword* const keyword = fault.statement.keyword;
-    if (isCount && keyword != nullptr && keyword->operands.most == 0) {
+    if (isExcess && keyword != nullptr && keyword->operands.most == 0) {
         it->PointAt(fault.statement.rest);
         if (AdviseOnShape(it)) {
             return;
@@ -272,7 +262,7 @@ void AdviseOnOperandCase(OperandCase* it) {
     const bool isData = HoldsWord("DB DEFB DW DEFW DS DEFS", fault.statement.mnemonic);
     if (isValue &&
         (isData || isBroken ||
-         (isCount ? kind != ExpressionFault::longString : fault.number != MSG_ILLEGAL_ARGUMENT)) &&
+         (isExcess ? kind != ExpressionFault::longString : fault.number != MSG_ILLEGAL_ARGUMENT)) &&
         AdviseOnExpression(it)) {
         return;
     }
@@ -280,7 +270,11 @@ void AdviseOnOperandCase(OperandCase* it) {
         AdviseOnUnknownName(it);
         return;
     }
-    if (fault.number == MSG_BAD_EXPRESSION) {
+    const bool isDivision =  // in data, where a value that cannot be computed is illegal
+        isData && isValue && std::ranges::any_of(it->operand->tokens, [](const Token& token) {
+            return token.code == OP_DIVIDE || token.code == OP_MODULO;
+        });
+    if (fault.number == MSG_BAD_EXPRESSION || isDivision) {
         it->advice.note = "check for a division by 0 and for names that are not values";
         return;
     }
@@ -313,7 +307,7 @@ Advice AdviseOnOperands(Adviser& adviser, const FaultView& fault) {
                           std::cmp_greater(operands.size(), keyword->operands.most) &&
                           !operands.back().text.empty();
     if (isExcess) {  // ADD reports three operands as too few
-        it.advice.text = "too many operands";
+        it.advice.text = "too many arguments";
     }
     return it.advice;
 }

@@ -26,10 +26,8 @@ bool TakesByte(const StatementView& statement, std::size_t index) {
         return true;
     }
     const std::vector<std::string> choices = ChoicesAt(statement, index);
-    const auto has = [&choices](std::string_view term) {
-        return std::ranges::find(choices, term) != choices.end();
-    };
-    return statement.operands[index].what.reg == REG_DIRECT ? has("(n)") : has("n") && !has("nn");
+    const bool isMemory = statement.operands[index].what.reg == REG_DIRECT;
+    return std::ranges::find(choices, isMemory ? "(n)" : "n") != choices.end();
 }
 
 // The value of `operand` if it is a single number or name, otherwise 0.
@@ -70,9 +68,8 @@ bool IsSoundOperand(const RunFacts& facts, const StatementView& before,
         return false;
     }
     return std::ranges::all_of(operand.tokens, [&](const Token& token) {
-        const bool isName = token.kind == TokenKind::name || token.kind == TokenKind::digitName;
         return !operand.HoldsAsName(token) || HasValue(facts, token.text) ||
-               (isName && !HoldsWord(foreignRegisters, token.text) &&
+               (token.kind == TokenKind::name && !HoldsWord(foreignRegisters, token.text) &&
                 before.line.find(token.text) != std::string_view::npos);
     });
 }

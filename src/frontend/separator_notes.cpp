@@ -82,7 +82,7 @@ bool AdviseOnSeparator(OperandCase* it) {
     const std::size_t size = sign == "->" || (sign == "<-" && !isNegative) ? 2 : 1;
     const bool isAfterString = at != std::string_view::npos && at > 1 &&
                                (sign[0] == ':' || sign[0] == '.') && sign != ".." &&
-                               text[0] == '"' && text.find('"', 1) == at - 1;
+                               text.find('"', 1) == at - 1;
     const bool isList = isData && at != std::string_view::npos && sign[0] == ':' &&  // "DW A:B"
                         it->IsDefined(text.substr(0, at));
     const bool isMissing =
@@ -92,7 +92,7 @@ bool AdviseOnSeparator(OperandCase* it) {
         return false;
     }
     const std::vector<TextEdit> edits = {{it->statement.PartOf(text.substr(at, size)), ","}};
-    if (size == 1 && sign.size() == 2 && sign[0] == '-' && HasClass(sign[1], CC_DIGIT) &&
+    if (size == 1 && sign[0] == '-' && HasClass(sign[1], CC_DIGIT) &&
         ClassOf(text.substr(0, at)).kind != KIND_VALUE) {  // "LD DE-10"
         it->PointAt(text.substr(at, 1));
         it->advice.note = "separate the operands with a comma";

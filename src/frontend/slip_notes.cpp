@@ -67,12 +67,11 @@ bool AdviseOnMisspeltRegister(OperandCase* it, bool isSure) {
     constexpr std::size_t longest = 3;
     for (const OperandView& operand : it->statement.operands) {
         const Token* token = operand.OnlyToken();
-        const bool isIndex = token == nullptr && operand.tokens.size() > 3 &&
-                             operand.tokens[0].code == OP_OPEN;  // "(XI+1)"
+        const bool isIndex =
+            operand.tokens.size() > 3 && operand.tokens[0].code == OP_OPEN;  // "(XI+1)"
         token = isIndex ? &operand.tokens[1] : token;
-        const bool isName = token != nullptr &&
-                            (token->kind == TokenKind::name || token->kind == TokenKind::digitName);
-        if (!isName || token->text.size() < 2 || token->text.size() > longest ||
+        if (token == nullptr || token->kind != TokenKind::name || token->text.size() < 2 ||
+            token->text.size() > longest ||
             (token->text == "CC" && HoldsWord("JP JR CALL RET", it->statement.mnemonic)) ||
             it->IsDefined(token->text)) {
             continue;
@@ -128,10 +127,8 @@ bool AdviseOnSplitWord(OperandCase* it) {
             const std::string_view part = statement.Span(left.text, right.text);
             const std::string joined =
                 std::string(statement.Typed(left.text)).append(statement.Typed(right.text));
-            const std::string comma = std::string(left.text) + "," + std::string(right.text);
             const bool isRegister = ClassOf(Raised(joined)).kind != KIND_VALUE &&
-                                    HasFormWith(statement, {{statement.PartOf(part), joined}}) &&
-                                    !HasFormWith(statement, {{statement.PartOf(part), comma}});
+                                    HasFormWith(statement, {{statement.PartOf(part), joined}});
             const bool isNumber =  // "$ 10"
                 HoldsWord("$ # %", left.text) && (i == 0 || !operand.tokens[i - 1].IsValue()) &&
                 CutTokens(joined)[0].kind == TokenKind::number;
@@ -150,7 +147,7 @@ bool AdviseOnSplitWord(OperandCase* it) {
 
 bool AdviseOnSwappedOperands(OperandCase* it) {
     const auto& operands = it->statement.operands;
-    if (operands.size() != 2) {
+    if (operands.size() != 2 || HoldsWord(dataDirectives, it->statement.mnemonic)) {
         return false;
     }
     const std::string_view first = operands[0].text;

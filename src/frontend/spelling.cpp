@@ -31,7 +31,7 @@ Foreign SingleQuoted(const StatementView& statement, std::size_t start) {
         } else if (source[end] == '\'' && IsApostrophe(source, end)) {  // 'don't'
             content += '\'';
             continue;
-        } else if (source[end] == quote || (quote == '`' && source[end] == '\'')) {
+        } else if (source[end] == quote || source[end] == '\'') {
             break;
         }
         content += source[end];
@@ -110,9 +110,6 @@ Foreign ForeignNumber(const StatementView& statement, const Token& token) {
         return {text, "", "write " + typed + "H if it is hexadecimal: there are no exponents"};
     }
     if (const std::string number = NumberSpelling(text); !number.empty()) {
-        if (CutTokens(number)[0].kind == TokenKind::largeNumber) {
-            return {text, "", std::string(largeNumberNote)};
-        }
         const bool isEither = text == number + "D";
         return {text, number,
                 isEither
@@ -160,13 +157,11 @@ Foreign ForeignToken(const StatementView& statement, const Token& token) {
         const std::string fix = typed.substr(0, percent) + " MOD " + typed.substr(percent + 1);
         return {text, fix, ""};
     }
-    if (text.find('?') == std::string_view::npos) {
-        if (Foreign colon = ForeignColon(statement, token); colon.part.data() != nullptr) {
-            return colon;
-        }
-    }
     if (text.find('?') != std::string_view::npos) {
         return {text, "", "use IF and ELSE: there is no operator that chooses"};
+    }
+    if (Foreign colon = ForeignColon(statement, token); colon.part.data() != nullptr) {
+        return colon;
     }
     if (text.front() == '$' || text.front() == '&') {
         return {

@@ -131,17 +131,9 @@ bool AdviseOnSpelling(OperandCase* it) {
             return true;
         }
         const Translation translation = Translate(statement, it->advice.edits);
-        const StatementView changed = translation.View();
-        const bool isBroken = std::ranges::any_of(changed.operands, [](const OperandView& each) {
-            return FindExpressionFault(each).fault != ExpressionFault::none &&
-                   each.what.kind == KIND_VALUE && each.tokens.size() > 1;
-        });
         const bool isSound = IsSound(it->adviser.Facts(), statement,
                                      {{LinePart{0, translation.end}, translation.typed}});
-        if (isBroken || !HasForm(changed) || !isSound) {
-            if (it->operand != nullptr) {
-                it->PointAt(it->operand->text);
-            }
+        if (!isSound) {
             AdviseOnTranslated(it, translation);
             return true;
         }

@@ -1,11 +1,6 @@
 // Advice on operands in the style of another assembler. It proposes the whole statement with
 // everything foreign in it replaced; if that matches no form, it is about what else is wrong.
 
-#include <algorithm>
-
-#include "codegen/keywords.h"
-#include "frontend/expression_fault.h"
-#include "frontend/instruction_forms.h"
 #include "frontend/note_rows.h"
 #include "frontend/note_steps.h"
 #include "frontend/operand_case.h"
@@ -125,8 +120,7 @@ bool AdviseOnSpelling(OperandCase* it) {
         }
         it->advice.note = std::move(found.note);
         it->advice.edits = std::move(found.edits);
-        const bool isWithin = it->advice.edits.size() == 1 && !it->advice.edits[0].text.empty() &&
-                              it->advice.edits[0].text.find_first_of("\n;") != 0;
+        const bool isWithin = it->advice.edits.size() == 1 && IsWithin(it->advice.edits[0]);
         if (!isWithin || statement.keyword == nullptr) {
             return true;
         }

@@ -82,7 +82,7 @@ void CloseString(OperandCase* it, std::string_view text) {
     if (end < 2) {
         return;
     }
-    const bool isSingle = end > 2 && text[end - 1] == '\'';  // "text'
+    const bool isSingle = text[end - 1] == '\'';  // "text'
     it->Replace(isSingle ? text.substr(end - 1, 1) : text.substr(end, 0), "\"");
 }
 
@@ -124,7 +124,7 @@ bool AdviseOnUnopenedString(OperandCase* it) {
 bool AdviseOnOddQuotes(OperandCase* it) {
     const std::string_view rest = it->statement.rest;
     const auto count = std::ranges::count(rest, '"');
-    if (count % 2 == 0 || count < 3 || !HoldsWord("DB DEFB", it->statement.mnemonic)) {
+    if (count < 3 || !HoldsWord("DB DEFB", it->statement.mnemonic)) {
         return false;
     }
     for (const char sign : {'\'', ',', '"'}) {  // 'text", "text,13 and text"

@@ -9,11 +9,6 @@
 namespace korv {
 namespace {
 
-// True if the changed part stays in the statement: it does not become a comment or a second line.
-bool IsWithin(const TextEdit& edit) {
-    return !edit.text.empty() && edit.text.find_first_of("\n;") != 0;
-}
-
 // The first foreign spelling that is replaced within the statement.
 std::optional<TextEdit> FirstChange(const StatementView& statement) {
     for (const OperandView& operand : statement.operands) {
@@ -32,6 +27,10 @@ std::optional<TextEdit> FirstChange(const StatementView& statement) {
 }
 
 }  // namespace
+
+bool IsWithin(const TextEdit& edit) {
+    return !edit.text.empty() && edit.text.find_first_of("\n;") != 0;
+}
 
 TextEdit Translation::Whole(const StatementView& statement, std::string text) const {
     const std::uint32_t start = statement.PartOf(statement.mnemonic).offset;

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "frontend/spelling.h"
@@ -14,6 +15,9 @@ namespace korv {
 /// The offset in `typed` at which the statement ends, before the comment and the blanks in front of
 /// it.
 [[nodiscard]] std::size_t StatementEnd(std::string_view typed);
+
+/// True if the changed part stays in the statement: it does not become a comment or a second line.
+[[nodiscard]] bool IsWithin(const TextEdit& edit);
 
 struct Translation {
     std::string typed;      ///< the line as typed, translated, without its comment

@@ -16,8 +16,8 @@ namespace {
 // The definition in Korv's syntax, with its value translated too.
 std::string Definition(const StatementView& statement, std::string_view name,
                        std::string_view value) {
-    const std::string typed = std::string(statement.Typed(name)) + ": EQU " +
-                              std::string(statement.Typed(WithoutLeadingBlanks(value)));
+    const std::string typed =
+        std::string(statement.Typed(name)) + ": EQU " + std::string(statement.Typed(value));
     const std::string line = Raised(typed);
     return Translate(CutStatement(line, typed)).typed;
 }
@@ -36,8 +36,7 @@ Advice Defined(const StatementView& statement, std::string_view part, std::strin
 }  // namespace
 
 bool IsNameText(std::string_view text) {
-    return !text.empty() && HasClass(text.front(), CC_NAME_START) &&
-           std::ranges::all_of(text, [](char c) { return HasClass(c, CC_NAME); });
+    return !text.empty() && std::ranges::all_of(text, [](char c) { return HasClass(c, CC_NAME); });
 }
 
 Advice Say(const StatementView& statement, std::string_view part, std::string note) {
@@ -58,7 +57,7 @@ Advice Replace(const StatementView& statement, std::string_view part, std::strin
 
 // "#define X 5", and other preprocessor lines.
 Advice AdviseOnPreprocessor(const StatementView& statement) {
-    const bool isFirst = statement.label == "DEFINE" && !statement.hasColon;
+    const bool isFirst = statement.label == "DEFINE";
     const std::string_view word = isFirst ? statement.label : statement.mnemonic;
     const std::string_view rest =
         isFirst ? WithoutLeadingBlanks(statement.line.substr(word.size())) : statement.rest;
@@ -76,14 +75,14 @@ Advice AdviseOnNameSecond(const StatementView& statement) {
     const std::string_view word = statement.mnemonic;
     // "DEFC X = 5", ".EQU X,5": the name comes second, and the first word may be in column 1.
     const std::string_view first =
-        word.empty() || statement.label.empty() || statement.hasColon ? word : statement.label;
+        statement.label.empty() || statement.hasColon ? word : statement.label;
     if (HoldsWord("EQU DEFL DEFC LET CONST .EQU .SET .DEFL VAR .VAR .EQUIV", first)) {
         const std::string_view text = WithoutLeadingBlanks(
             statement.line.substr(statement.PartOf(first).offset + first.size()));
         const std::string_view name = text.substr(0, text.find_first_of(" \t=,"));
         const std::size_t start = text.find_first_not_of(" \t=,", name.size());
-        if (IsNameText(name) && start != std::string_view::npos && name.size() < text.size() &&
-            name.size() > 0 && ClassOf(name).kind == KIND_VALUE) {
+        if (IsNameText(name) && start != std::string_view::npos &&
+            ClassOf(name).kind == KIND_VALUE) {
             return Defined(statement, first, name, text.substr(start));
         }
     }
@@ -96,27 +95,25 @@ Advice AdviseOnDefinition(const StatementView& statement) {
     std::string_view name = statement.label;
     std::string_view sign = word;
     std::string_view value = statement.rest;
-    const bool isEaten = !name.empty() && name.size() < line.size() && line[name.size()] == '=';
-    if (isEaten) {  // "X=5": the core takes the sign for the colon
+    if (line[name.size()] == '=') {  // "X=5": the core takes the sign for the colon
         sign = line.substr(name.size(), 1);
-        value = statement.PartOf(word).offset < line.size() ? line.substr(name.size() + 1)
-                                                            : std::string_view();
+        value = line.substr(name.size() + 1);
     } else if (!value.empty() &&
-               (name.empty() || (value.front() == '=' && statement.hasColon &&
-                                 ClassOf(word).kind != KIND_VALUE))) {  // " X EQU 5"
+               (name.empty() ||
+                (statement.hasColon && ClassOf(word).kind != KIND_VALUE))) {  // " X EQU 5"
         name = word.ends_with(':') ? word.substr(0, word.size() - 1) : word;
         sign = value.substr(0, value.find_first_of(" \t"));
         value = WithoutLeadingBlanks(value.substr(sign.size()));
     }
-    const std::size_t at = std::min(word.find('='), word.size());
-    if (value.empty() && at > 0 && at + 1 < word.size() &&
+    const std::size_t at = std::min(word.find_first_of(":="), word.size());
+    if (at > 0 && word.substr(at).find('=') < 2 &&
         (statement.label.empty() || ClassOf(word.substr(0, at)).kind != KIND_VALUE)) {  // "HL=5"
         name = word.substr(0, at);
-        sign = word.substr(at, 1);
-        value = word.substr(at + 1);
+        sign = word.substr(at);
+        value = statement.rest;
     }
-    const std::size_t start = sign.find_first_not_of(":=.");
-    if (start != 0 && start != std::string_view::npos && sign.find('=') != std::string_view::npos) {
+    const std::size_t start = sign.find_first_not_of(":=");
+    if (start != 0 && start != std::string_view::npos) {
         value = statement.Span(sign.substr(start), value.empty() ? sign : value);  // "X =5"
         sign = sign.substr(0, start);
     }
@@ -133,7 +130,7 @@ Advice AdviseOnDefinition(const StatementView& statement) {
             const std::string_view last = statement.rest.empty() ? word : statement.rest;
             return Replace(statement, statement.Span(word, last), fix, "write " + fix);
         }
-        return {};
+        return Say(statement, word, assignmentNote);
     }
     const bool isSign = HoldsWord(
         "= := == EQU DEFL SET ASET VAR CONST EQUS EQ EQUAL EQUALS .EQU .SET .DEFL DEFINE DEFC",

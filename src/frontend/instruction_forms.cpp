@@ -23,15 +23,12 @@ const FormRow* RowOfWord(std::string_view mnemonic) {
     return row == formTable.end() ? nullptr : row;
 }
 
-// True if `operand` may be a number from 0 to `most` without bits outside `mask`. An expression may
+// True if `operand` may be a number up to `most` without bits outside `mask`. An expression may
 // have any value.
 bool MayBe(const OperandView& operand, std::int32_t most, std::int32_t mask) {
     const Token* const token = operand.OnlyToken();
-    if (token == nullptr ||
-        (token->kind != TokenKind::number && token->kind != TokenKind::string)) {
-        return true;
-    }
-    return token->value >= 0 && token->value <= most && (token->value & ~mask) == 0;
+    return token == nullptr || token->kind != TokenKind::number ||
+           (token->value <= most && (token->value & ~mask) == 0);
 }
 
 // A class of operands; `term` is its name in `formTable` or in shapes.
@@ -41,7 +38,7 @@ struct TermRow {
 };
 
 bool IsDirect(const OperandView& operand, bool = false) {
-    return operand.what.reg == REG_DIRECT && operand.what.kind == KIND_VALUE;
+    return operand.what.reg == REG_DIRECT;
 }
 bool IsBare(const OperandView& operand) {
     return operand.what.reg == REG_NONE && operand.what.kind == KIND_VALUE;
@@ -141,10 +138,12 @@ constexpr auto consists = std::to_array<std::pair<std::string_view, std::string_
     {"p", "0 8 16 24 32 40 48 56"},
 });
 
+// True if `use` returns true for a form of `mnemonic`; its second argument is `ignoresParentheses`.
 template <typename Use>
-bool AnyForm(const FormRow* row, Use use) {
+bool AnyForm(std::string_view mnemonic, Use use) {
+    const FormRow* const row = RowOfWord(mnemonic);
     for (std::string_view forms = row == nullptr ? "-" : row->forms; !forms.empty();) {
-        if (use(TakePart(&forms, ' '))) {
+        if (use(TakePart(&forms, ' '), row != nullptr && row->ignoresParentheses)) {
             return true;
         }
     }
@@ -155,9 +154,7 @@ bool AnyForm(const FormRow* row, Use use) {
 
 std::vector<std::string> FormsOf(const StatementView& statement, std::size_t operandCount) {
     std::vector<std::string> texts;
-    const FormRow* const row = RowOfWord(statement.mnemonic);
-    AnyForm(row, [&](std::string_view form) {
-        const bool ignores = row != nullptr && row->ignoresParentheses;
+    AnyForm(statement.mnemonic, [&](std::string_view form, bool ignores) {
         if (Begins(statement, form, operandCount, ignores, false)) {
             std::string& text = texts.emplace_back(statement.mnemonic);
             if (form != "-") {
@@ -196,10 +193,9 @@ std::vector<std::string> ChoicesAt(const StatementView& statement, std::size_t p
 }
 
 bool HasForm(const StatementView& statement) {
-    const FormRow* const row = RowOfWord(statement.mnemonic);
-    return statement.keyword != nullptr && AnyForm(row, [&](std::string_view form) {
-               return Begins(statement, form, statement.operands.size(),
-                             row != nullptr && row->ignoresParentheses, true);
+    return statement.keyword != nullptr &&
+           AnyForm(statement.mnemonic, [&](std::string_view form, bool ignores) {
+               return Begins(statement, form, statement.operands.size(), ignores, true);
            });
 }
 
@@ -207,10 +203,9 @@ std::size_t FindFaultyOperand(const StatementView& statement) {
     if (statement.keyword == nullptr || HasForm(statement)) {
         return noFault;
     }
-    const FormRow* const row = RowOfWord(statement.mnemonic);
     for (std::size_t i = 0; i < statement.operands.size(); ++i) {
-        const bool isAny = AnyForm(row, [&](std::string_view form) {
-            return Begins(statement, form, i + 1, row != nullptr && row->ignoresParentheses, false);
+        const bool isAny = AnyForm(statement.mnemonic, [&](std::string_view form, bool ignores) {
+            return Begins(statement, form, i + 1, ignores, false);
         });
         if (!isAny) {
             return i;

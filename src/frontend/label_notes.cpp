@@ -8,6 +8,11 @@
 #include "source/char_class.h"
 
 namespace korv {
+namespace {
+
+constexpr const char* oddNameNote = "use letters from A to Z, digits, ?, @ and _ in a name";
+
+}  // namespace
 
 bool HasOddByte(std::string_view text) {
     return std::ranges::any_of(text, [](char c) { return static_cast<signed char>(c) < 0; });
@@ -18,30 +23,27 @@ Advice AdviseOnOddName(Adviser& adviser, const StatementView& statement) {
     const std::size_t blanks = line.size() - WithoutLeadingBlanks(line).size();
     const std::size_t end = std::min(line.find_first_of(" \t:", blanks + 1), line.size());
     const std::string_view word = line.substr(blanks, end - blanks);
-    const bool hasColon = end < line.size() && line[end] == ':';
-    const bool isMarked = !hasColon && (word.starts_with('.') || word.starts_with('!'));
+    const bool hasColon = line.substr(end).starts_with(':');
     const bool isBefore =  // ".LOOP LD A,5"
-        isMarked &&
+        word.starts_with('.') &&
         FindKeyword(statement.rest.substr(0, statement.rest.find_first_of(" \t"))) != nullptr;
-    const bool isWord = isMarked && !isBefore && WordAdvice(statement);
-    if (word.empty() || (!hasColon && !isBefore && blanks > 0) || isWord) {
+    if (!hasColon && !isBefore && (blanks > 0 || WordAdvice(statement))) {
         return {};
     }
     std::string name;
+    bool isApart = false;  // after characters that no name has
     for (const char c : statement.Typed(word)) {
         if (HasClass(c, CC_NAME)) {
-            name += c;
-        } else if (!name.empty() && !name.ends_with('_')) {
-            name += '_';
+            name.append(isApart ? "_" : "").append(1, c);
+            isApart = false;
+        } else {
+            isApart = !name.empty();
         }
     }
-    if (name.ends_with('_') && !word.ends_with('_')) {
-        name.pop_back();
+    if (name.find_first_not_of('_') == std::string::npos) {
+        return HasOddByte(word) ? Say(statement, word, oddNameNote) : Advice{};
     }
-    if (HasOddByte(word) && name.find_first_not_of('_') == std::string::npos) {
-        return Say(statement, word, "use letters from A to Z, digits, ?, @ and _ in a name");
-    }
-    if (Raised(name) == word || name.find_first_not_of('_') == std::string::npos) {
+    if (Raised(name) == word) {
         return {};
     }
     const bool isLabel = hasColon || word.front() == '.' || word.front() == ':' ||
@@ -59,7 +61,7 @@ Advice AdviseOnOddName(Adviser& adviser, const StatementView& statement) {
     const bool hasDot = word.find('.') != std::string_view::npos;
     const std::string note = word.front() == ':' ? "end the label with its colon: " + name + ":"
                              : HasOddByte(word)
-                                 ? "use letters from A to Z, digits, ?, @ and _ in a name"
+                                 ? oddNameNote
                                  : "write " + name + " here and where it is used: a name has " +
                                        (hasDot ? "no dots" : "only letters, digits, ?, @ and _");
     Advice advice = Replace(statement, line.substr(0, end), name, note);
@@ -84,24 +86,14 @@ Advice AdviseOnLabelPlace(const Adviser& adviser, const StatementView& statement
             std::string(statement.Typed(statement.label)) + (word.size() == 1 ? ":" : ": "),
             "end the label with one colon, without a blank before it");
     }
-    const bool isLabel = word.size() > 1 && word.ends_with(':');
-    if (isLabel && FindKeyword(word.substr(0, word.size() - 1)) != nullptr) {
-        const std::string_view next = statement.rest.substr(0, statement.rest.find_first_of(" \t"));
-        if (FindKeyword(next) != nullptr) {  // "EI: RET"
-            return Replace(statement, word.substr(word.size() - 1), "\n\t", oneInstructionNote);
-        }
-        return Replace(statement, word.substr(word.size() - 1), "",
-                       "remove the colon: only a label has one");
-    }
-    if (isLabel && IsNameText(word.substr(0, word.size() - 1))) {
+    const std::string_view stem = word.substr(0, word.size() - 1);
+    if (word.ends_with(':') && IsNameText(stem) && FindKeyword(stem) == nullptr) {
         const std::size_t blanks = statement.PartOf(word).offset;
         if (!statement.label.empty() && !statement.hasColon) {
             const std::string_view both = statement.Span(statement.label, word);
             std::string name(statement.Typed(statement.label));
-            const auto isUsed = adviser.Facts().FindName(
-                std::string(statement.label).append(word.substr(0, word.size() - 1)));
-            name +=
-                (isUsed ? "" : "_") + std::string(statement.Typed(word.substr(0, word.size() - 1)));
+            const auto isUsed = adviser.Facts().FindName(std::string(statement.label).append(stem));
+            name += (isUsed ? "" : "_") + std::string(statement.Typed(stem));
             Advice joined =
                 Replace(statement, both, name + ":",
                         "write " + name + " here and where it is used: a name has no blanks");
@@ -117,7 +109,7 @@ Advice AdviseOnLabelPlace(const Adviser& adviser, const StatementView& statement
         Advice moved = Replace(statement, statement.line.substr(0, blanks + word.size()),
                                std::string(statement.Typed(word)), "begin the label in column 1");
         moved.definesName = true;
-        moved.names.emplace_back(word.substr(0, word.size() - 1));
+        moved.names.emplace_back(stem);
         return moved;
     }
     const std::string_view next = statement.rest.substr(0, statement.rest.find_first_of(" \t"));

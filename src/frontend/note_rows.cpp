@@ -14,8 +14,7 @@ namespace korv {
 namespace {
 
 char Lowered(char c) {
-    return HasClass(c, CC_LETTER) && !HasClass(c, CC_LOWER) ? static_cast<char>(c + ('a' - 'A'))
-                                                            : c;
+    return HasClass(c, CC_LETTER) ? static_cast<char>(c | 0x20) : c;
 }
 
 using Texts = std::vector<std::string_view>;  // what %1, %2 stand for
@@ -26,11 +25,7 @@ std::string_view Inner(std::string_view operand) {
 
 // The pair that is called `name` on the 8080, which names it by its high register.
 std::string_view PairOf8080(std::string_view name) {
-    return name == "B"     ? "BC"
-           : name == "D"   ? "DE"
-           : name == "H"   ? "HL"
-           : name == "PSW" ? "AF"
-                           : name;
+    return name == "B" ? "BC" : name == "D" ? "DE" : name == "H" ? "HL" : name;
 }
 
 // The pair that contains a register.
@@ -67,7 +62,7 @@ std::string Shown(char kind, std::string_view text) {
         case 'i':
             return std::string(Inner(text));
         case 'n':
-            return std::string(text.size() > 2 && (text[0] == '"' || text[0] == '<')
+            return std::string(text.starts_with('"') || text.starts_with('<')
                                    ? text.substr(1, text.size() - 2)
                                    : text);
         case 'x':
@@ -76,7 +71,7 @@ std::string Shown(char kind, std::string_view text) {
             return raised == "M" ? cased("(HL)")
                                  : std::string(text.substr(text.starts_with('#') ? 1 : 0));
         case 'b': {  // a string whose last character is to have bit 7 set
-            const bool isText = text.size() > 2 && text.front() == '"' && text.back() == '"';
+            const bool isText = text.size() > 2 && text.back() == '"';
             if (!isText) {
                 return std::string(text);
             }
@@ -103,13 +98,12 @@ std::string Filled(std::string_view pattern, const StatementView& statement, con
     std::string text;
     const bool isSmall = !fix && statement.IsSmall();
     for (std::size_t i = 0; i < pattern.size(); ++i) {
-        if (pattern[i] != '%' || i + 1 == pattern.size()) {
+        if (pattern[i] != '%') {
             text += isSmall ? Lowered(pattern[i]) : pattern[i];
             continue;
         }
         const char letter = pattern[++i];
-        const bool hasNumber = i + 1 < pattern.size() && HasClass(pattern[i + 1], CC_DIGIT) &&
-                               std::string_view("bimpqhlnx").find(letter) != std::string_view::npos;
+        const bool hasNumber = std::string_view("bimpqhlnx").find(letter) != std::string_view::npos;
         if (letter == 'w') {
             text += statement.Typed(statement.mnemonic);
         } else if (letter == 'r') {
@@ -118,12 +112,10 @@ std::string Filled(std::string_view pattern, const StatementView& statement, con
             text += statement.Typed(ConditionAtEnd(statement.mnemonic));
         } else if (letter == 'f') {
             text += fix.value_or(std::string_view());
-        } else if (HasClass(letter, CC_DIGIT) || hasNumber) {
+        } else {
             const auto number = static_cast<std::size_t>((hasNumber ? pattern[++i] : letter) - '1');
             text += Shown(hasNumber ? letter : ' ',
                           number < texts.size() ? texts[number] : std::string_view());
-        } else {
-            text += letter;
         }
     }
     return text;
@@ -162,7 +154,7 @@ bool MatchesOne(std::string_view text, std::string_view pattern) {
         return MatchesOne(text, pattern.substr(1)) ||
                (!text.empty() && MatchesOne(text.substr(1), pattern));
     }
-    const bool isPlain = pattern.front() == '\\' && pattern.size() > 1;
+    const bool isPlain = pattern.front() == '\\';
     pattern.remove_prefix(isPlain ? 1 : 0);
     const bool isThere =
         !text.empty() && (pattern.front() == '#' && !isPlain ? HasClass(text.front(), CC_DIGIT)
@@ -200,8 +192,7 @@ bool FitsTerm(const Token& token, std::string_view term) {
         return IsOfKind(token, term[1]) &&
                (term.size() == 2 || Matches(token.text, term.substr(2)));
     }
-    const bool isString = token.kind == TokenKind::string || token.kind == TokenKind::openString;
-    return term == "*" ? token.code == '*' : !isString && Matches(token.text, term);
+    return Matches(token.text, term);
 }
 
 // The number of tokens from `start` on that match `terms`; 0 if they do not. Sets `from` to the
@@ -235,7 +226,7 @@ RowAdvice AdviceOf(std::string_view note, std::string_view fix, const StatementV
             NewStatement(statement, Filled(fix, statement, texts, std::nullopt)));
     }
     const std::string shown = fix.empty() ? "" : InOneLine(advice.edits[0].text);
-    advice.note = Filled(note.empty() && !fix.empty() ? "write %f" : note, statement, texts, shown);
+    advice.note = Filled(note.empty() ? "write %f" : note, statement, texts, shown);
     return advice;
 }
 
@@ -248,13 +239,10 @@ std::string FirstWord(std::string_view text) {
     return std::string(text.substr(0, text.find_first_of(" \t")));
 }
 
-// True if a statement that is to be proposed matches a form. Directives match with any operands.
+// True if a statement that is to be proposed matches a form.
 bool IsForm(std::string_view text) {
     const std::string line = " " + Raised(text);
-    const StatementView statement = CutStatement(line);
-    return (HoldsWord("DB DW DS IF ORG INCLUDE BINCLUDE", statement.mnemonic) &&
-            !statement.operands.empty()) ||
-           HasForm(statement);
+    return HasForm(CutStatement(line));
 }
 
 // The advice of the rows on a statement that is to be proposed but matches no form.
@@ -294,8 +282,7 @@ std::string WriteNote(const StatementView& statement, const std::vector<TextEdit
 
 std::optional<RowAdvice> WordAdvice(const StatementView& statement) {
     std::string_view word = statement.mnemonic;
-    const bool isMarked =
-        word.size() > 1 && std::string_view(".#!%").find(word[0]) != std::string_view::npos;
+    const bool isMarked = std::string_view(".#!%").find(word[0]) != std::string_view::npos;
     const Translation translation = Translate(statement);
     StatementView changed = translation.View();
     const auto count = static_cast<int>(changed.operands.size());
@@ -328,7 +315,7 @@ std::optional<RowAdvice> WordAdvice(const StatementView& statement) {
         if (strips && HoldsWord("MACRO PROC ENDP ENDM", word)) {
             return RowAdvice{std::string(macroNote), {}, {}};
         }
-        if (strips && FindKeyword(word) != nullptr) {
+        if (FindKeyword(word) != nullptr) {
             changed.mnemonic.remove_prefix(1);
             return advice("", changed.rest.empty() ? "%w" : word == "INCLUDE" ? "%w %n1" : "%w %r");
         }
@@ -374,8 +361,7 @@ std::optional<RowAdvice> TokenAdvice(const StatementView& statement, const Opera
                                         Filled(row.fix, statement, texts, std::nullopt)});
                 shown = WriteNote(statement, advice.edits).substr(6);
             }
-            advice.note = Filled(row.note.empty() && !row.fix.empty() ? "write %f" : row.note,
-                                 statement, texts, shown);
+            advice.note = Filled(row.note.empty() ? "write %f" : row.note, statement, texts, shown);
             return advice;
         }
     }

@@ -22,6 +22,8 @@ namespace korv {
 inline constexpr const char* braceNote =
     "end a condition with ENDIF and a routine with RET: there are no braces";
 inline constexpr const char* oneInstructionNote = "write one instruction in a line";
+inline constexpr const char* assignmentNote =
+    "write an instruction, such as LD or ADD: there are no assignments";
 inline constexpr const char* numberNote =
     "begin the name with a letter, or write a number as 255, 0FFH, $FF, 1010B or %1010";
 inline constexpr const char* anonymousLabelNote = "name the label: there are no anonymous labels";

@@ -11,7 +11,7 @@
 namespace korv {
 
 /// Templates: %w the mnemonic, %1 to %9 an operand, or in a token row a matched token, %r all
-/// operands, %m1 operand 1 with M as (HL) and without #, %p1 with B, D, H, PSW as BC, DE, HL, AF,
+/// operands, %m1 operand 1 with M as (HL) and without #, %p1 with B, D, H as BC, DE, HL,
 /// %f the statement with the change. An empty note is "write %f". In an example, "|" ends a line.
 
 /// Adjacent tokens of one operand. The terms are separated by blanks. "%" and the letter of a kind
@@ -83,7 +83,7 @@ inline constexpr auto tokenTable = std::to_array<TokenRow>({
     {"*", "%v @ %iLE", "<=", "", "X: EQU 5| IF X LE 5| ENDIF"},
     {"*", "< <", " SHL ", "", "X: EQU 5| LD A,X<<2"},
     {"*", "> >", " SHR ", "", "X: EQU 500| LD A,X>>8"},
-    {"*", "* *", "", "write the multiplications out: there is no power operator, and EXP is e to the power", " LD A,2**3"},
+    {"*", "\\* \\*", "", "write the multiplications out: there is no power operator, and EXP is e to the power", " LD A,2**3"},
     {"*", "^ %v & & %v ;", "%1 AND %4", "", "X: EQU 5| IF X && X| ENDIF"},
     {"*", "^ %v \\| \\| %v ;", "%1 OR %4", "", ""},
     {"*", "%v @ - > %v", "", "add the distance from the start of the data: there are no structures", "X: NOP| LD HL,X->Y"},

@@ -13,7 +13,7 @@ class Labels {
   public:
     explicit Labels(const Analysis& analysis) {
         for (const Name& name : analysis.names) {
-            if (name.kind == NameKind::label && name.opening != noIndex) {
+            if (name.kind == NameKind::label) {
                 labels.push_back({PositionOf(name.opening, name.definition.line), &name});
             }
         }
@@ -70,9 +70,6 @@ std::vector<Routine> RoutinesOf(const Analysis& analysis) {
         routine = {};
     };
     for (const Statement& statement : analysis.statements) {
-        if (statement.isSkipped) {
-            continue;
-        }
         if (const Name* const label = labels.Of(statement); label != nullptr) {
             finish();
             routine = {.label = label, .address = statement.address};

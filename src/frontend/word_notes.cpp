@@ -38,17 +38,17 @@ Advice AdviseOnEncoding(const StatementView& statement) {
 // "//", "/*", "#" and similar marks, and a "*" in column 1, which Korv treats as a blank.
 Advice AdviseOnComment(const StatementView& statement) {
     const std::string_view word = statement.mnemonic;
-    if (statement.line.starts_with('*') && !word.starts_with('=') && word != "*/") {
+    if (statement.line.starts_with('*')) {
         return Replace(statement, statement.line.substr(0, 1), ";",
                        "begin the comment with a semicolon");
     }
-    for (const std::string_view mark : {"//", "/*", "*/", "--", "'", "!!"}) {
-        if (word.starts_with(mark)) {
+    for (const std::string_view mark : {"//", "/*", "*/", "--", "'"}) {
+        if (word.starts_with(mark) && (mark != "'" || statement.label.empty())) {
             return Replace(statement, word.substr(0, mark.size()), ";",
                            "begin the comment with a semicolon");
         }
     }
-    const bool isLabel = statement.label == "REM" && !statement.hasColon;
+    const bool isLabel = statement.label == "REM";
     const bool isLine =
         word.size() > 3 && word.find_first_not_of("-=*+#~_.") == std::string_view::npos;
     if (isLabel || isLine || HoldsWord("# * / REM |", word)) {
@@ -62,8 +62,7 @@ Advice AdviseOnComment(const StatementView& statement) {
 Advice AdviseOnOrigin(const StatementView& statement) {
     const std::string_view line = WithoutLeadingBlanks(statement.line);
     const std::size_t at = line.find('=');
-    const bool isOrigin = at != std::string_view::npos &&
-                          HoldsWord("* . $ *. :", line.substr(0, 1)) &&
+    const bool isOrigin = at != std::string_view::npos && HoldsWord("* . $", line.substr(0, 1)) &&
                           WithoutLeadingBlanks(line.substr(1)).starts_with('=');
     const std::string_view value =
         isOrigin ? WithoutLeadingBlanks(line.substr(at + 1)) : std::string_view();
@@ -78,17 +77,14 @@ Advice AdviseOnOrigin(const StatementView& statement) {
 Advice AdviseOnData(const StatementView& statement) {
     const std::string_view word = statement.mnemonic;
     const std::vector<Token> tokens = CutTokens(word.substr(0, word.find(',')));
-    const bool isValue = !tokens.empty() && (tokens[0].kind == TokenKind::string ||
-                                             tokens[0].kind == TokenKind::number ||
-                                             tokens[0].kind == TokenKind::openString);
-    if (!isValue || ClassOf(tokens[0].text).kind != KIND_VALUE || statement.label.empty()) {
+    const bool isValue =
+        !tokens.empty() &&
+        (tokens[0].kind == TokenKind::string || tokens[0].kind == TokenKind::number ||
+         tokens[0].kind == TokenKind::openString || word.starts_with('\''));
+    if (!isValue || statement.label.empty()) {
         return {};
     }
     const std::vector<TextEdit> edits = {{statement.PartOf(word.substr(0, 0)), "DB "}};
-    const std::string line = Applied(statement.line, edits);
-    if (!HasForm(CutStatement(line))) {
-        return {};
-    }
     Advice advice = Say(statement, word, WriteNote(statement, edits));
     if (tokens[0].kind == TokenKind::number && word.find(',') == std::string_view::npos) {
         advice.note += ", or EQU in place of DB for a constant";
@@ -110,8 +106,9 @@ Advice AdviseOnAnonymousLabel(const StatementView& statement) {
 // A block in braces.
 Advice AdviseOnBrace(const StatementView& statement) {
     const std::string_view word = statement.mnemonic;
-    const bool isBrace = word.starts_with('{') || word.starts_with('}') || word.ends_with('{');
-    return isBrace || statement.rest.ends_with('{') ? Say(statement, word, braceNote) : Advice{};
+    return word.find_first_of("{}") != std::string_view::npos || statement.rest.ends_with('{')
+               ? Say(statement, word, braceNote)
+               : Advice{};
 }
 
 // Preprocessor lines that are not definitions.
@@ -119,7 +116,7 @@ Advice AdviseOnMark(const StatementView& statement) {
     const std::string_view word = statement.mnemonic;
     const std::string_view plain = word.substr(std::min<std::size_t>(1, word.size()));
     const bool isOwn = FindKeyword(plain) != nullptr || plain == "IFDEF" || plain == "IFNDEF";
-    if (word.front() == '#' && !isOwn && !word.ends_with(':')) {
+    if (word.front() == '#' && statement.label.empty() && !isOwn && !word.ends_with(':')) {
         return Say(statement, word, "use NAME: EQU 5, INCLUDE and IF: there is no preprocessor");
     }
     return {};
@@ -128,8 +125,8 @@ Advice AdviseOnMark(const StatementView& statement) {
 // True if all tokens of `operand` are valid and all its names are known.
 bool HasKnownNames(const RunFacts& facts, const OperandView& operand) {
     return std::ranges::all_of(operand.tokens, [&](const Token& token) {
-        const bool isOdd = token.kind == TokenKind::other || token.kind == TokenKind::openString;
-        return !isOdd && (!operand.HoldsAsName(token) || facts.FindName(token.text));
+        return token.kind != TokenKind::other &&
+               (!operand.HoldsAsName(token) || facts.FindName(token.text));
     });
 }
 
@@ -165,7 +162,7 @@ Advice AdviseOnJoinedWords(const RunFacts& facts, const StatementView& statement
             isFile || std::ranges::all_of(changed.operands, [&facts](const OperandView& operand) {
                 return operand.text == "AF'" || HasKnownNames(facts, operand);
             });
-        if (HasForm(changed) && !changed.operands.empty() && (!isWord || isPlain)) {
+        if (HasForm(changed) && (!isWord || isPlain)) {
             Advice advice = Say(statement, word, WriteNote(statement, edits));
             advice.edits = edits;
             return advice;
@@ -176,25 +173,19 @@ Advice AdviseOnJoinedWords(const RunFacts& facts, const StatementView& statement
 
 // A mnemonic with a sign after it, as in "DI, EI" and "LD, A,5".
 Advice AdviseOnSign(const StatementView& statement) {
+    constexpr std::string_view signs = ",:.()";
     const std::string_view word = statement.mnemonic;
-    const std::size_t sign = word.find_first_of(",:");
-    const Keyword* const first = FindKeyword(word.substr(0, sign));
-    const std::string_view second = word.substr(std::min(sign, word.size() - 1) + 1);
-    if (first != nullptr && first->operands.fewest == 0 &&
-        FindKeyword(second.substr(0, second.find_first_of(",:"))) != nullptr) {  // "DI,EI"
-        Advice advice = Replace(statement, word.substr(sign, 1), "\n\t", oneInstructionNote);
-        advice.place = statement.PartOf(word);
-        return advice;
-    }
-    const std::string_view stem = word.substr(0, word.find_last_not_of(",;.-()") + 1);
-    const Keyword* const keyword = FindKeyword(stem);
-    if (stem.size() == word.size() || keyword == nullptr) {
+    const std::size_t start = std::min(word.find_first_of(signs), word.size());
+    const std::size_t end = std::min(word.find_first_not_of(signs, start), word.size());
+    const std::string_view tail = word.substr(end);  // "DI,EI"
+    const std::string_view next =
+        tail.empty() ? statement.rest.substr(0, statement.rest.find_first_of(" \t")) : tail;
+    const bool isSecond = FindKeyword(next) != nullptr;
+    if (FindKeyword(word.substr(0, start)) == nullptr || (!tail.empty() && !isSecond)) {
         return {};
     }
-    const std::string_view next = statement.rest.substr(0, statement.rest.find_first_of(" \t"));
-    const bool isSecond = keyword->operands.fewest == 0 && FindKeyword(next) != nullptr;
-    Advice advice =
-        Replace(statement, word.substr(stem.size()), isSecond ? "\n\t" : "", oneInstructionNote);
+    Advice advice = Replace(statement, word.substr(start, end - start), isSecond ? "\n\t" : "",
+                            oneInstructionNote);
     advice.place = statement.PartOf(word);
     if (!isSecond) {
         advice.note = WriteNote(statement, advice.edits);
@@ -208,7 +199,8 @@ std::string_view NearestKeyword(const StatementView& statement, std::string_view
     static const std::vector<std::string_view> words = [] {
         std::vector<std::string_view> all;
         for (const Keyword& keyword : keywords) {
-            if (!HoldsWord("DD DEFD MACRO ENDM PROC ENDP MAC_ON MAC_OFF", keyword.word)) {
+            // END would hide everything after it.
+            if (!HoldsWord("DD DEFD END ENDC MACRO ENDM PROC ENDP MAC_ON MAC_OFF", keyword.word)) {
                 all.push_back(keyword.word);
             }
         }
@@ -218,9 +210,7 @@ std::string_view NearestKeyword(const StatementView& statement, std::string_view
         StatementView changed = statement;
         changed.mnemonic = each;
         changed.keyword = FindKeyword(each);
-        // END would hide everything after it.
-        return HasForm(changed) && (!each.starts_with("DEF") || word.starts_with("DE")) &&
-               (each != "END" || word.find_first_of("FI") == std::string_view::npos);
+        return HasForm(changed) && (!each.starts_with("DEF") || word.starts_with("DE"));
     };
     if (word.size() > (statement.operands.empty() ? 3 : 2)) {
         return NearWords(words).Find(word, isForm);
@@ -252,8 +242,7 @@ Advice AdviseOnColumn(const StatementView& statement) {
     Advice advice;
     advice.place = statement.PartOf(label);
     const std::string_view rest = indented.rest;
-    if (indented.mnemonic == "INCLUDE" && rest.size() > 2 && rest.starts_with('"') &&
-        rest.ends_with('"')) {
+    if (indented.mnemonic == "INCLUDE" && rest.starts_with('"') && rest.ends_with('"')) {
         const std::string fix = std::string(statement.Typed(label)) + " " +
                                 std::string(rest.substr(1, rest.size() - 2));
         advice.edits = {{statement.PartOf(statement.line), " " + fix}};
@@ -269,8 +258,7 @@ Advice AdviseOnColumn(const StatementView& statement) {
         advice.note = "indent " + std::string(label) + ": only labels begin in column 1";
         return advice;
     }
-    const bool isSign = !statement.mnemonic.empty() && !HasClass(statement.mnemonic[0], CC_NAME) &&
-                        statement.mnemonic[0] != '"';  // not "NAME <- 5"
+    const bool isSign = statement.mnemonic.starts_with('<');  // "NAME <- 5"
     if (const auto foreign = isSign ? std::nullopt : WordAdvice(indented); foreign) {
         advice.note = foreign->note;
         if (!foreign->edits.empty()) {
@@ -296,7 +284,9 @@ bool IsAssignment(const StatementView& statement) {
             (sign != std::string_view::npos || statement.rest.find_first_of("+-*") == 0));
 }
 
-Advice AdviseOnUnknownWord(Adviser& adviser, const FaultView& fault) {
+}  // namespace
+
+Advice AdviseOnWord(Adviser& adviser, const FaultView& fault) {
     const StatementView& statement = fault.statement;
     const std::string_view word = statement.mnemonic;
     for (const auto step :
@@ -332,31 +322,27 @@ Advice AdviseOnUnknownWord(Adviser& adviser, const FaultView& fault) {
         advice.edits = row->edits;
         return advice;
     }
-    const Advice joined = AdviseOnJoinedWords(adviser.Facts(), statement);
-    if (joined.place && FindKeyword(statement.label) == nullptr) {
-        return joined;
+    if (FindKeyword(statement.label) == nullptr) {
+        if (Advice joined = AdviseOnJoinedWords(adviser.Facts(), statement); joined.place) {
+            return joined;
+        }
     }
     for (const auto step : {AdviseOnColumn, AdviseOnData}) {
         if (Advice found = step(statement); found.place) {
             return found;
         }
     }
-    if (joined.place) {
-        return joined;
-    }
     if (const std::string_view near = NearestKeyword(statement, word); !near.empty()) {
         advice.edits = {{statement.PartOf(word), std::string(near)}};
         advice.note = "did you mean " + std::string(near) + "?";
     } else if (IsAssignment(statement)) {
-        advice.note = "write an instruction, such as LD or ADD: there are no assignments";
+        advice.note = assignmentNote;
     } else if (fault.isSkipped) {
         advice.note =
             "begin the line with a semicolon: mnemonics are checked in skipped blocks too";
     }
     return advice;
 }
-
-}  // namespace
 
 Advice AdviseOnSplitMnemonic(const StatementView& statement) {
     const std::string_view word = statement.mnemonic;
@@ -370,15 +356,6 @@ Advice AdviseOnSplitMnemonic(const StatementView& statement) {
     const std::string line = Raised(Applied(statement.line, {{statement.PartOf(part), fix}}));
     return HasForm(CutStatement(line)) ? Replace(statement, part, fix, "remove the blank: " + fix)
                                        : Advice{};
-}
-
-Advice AdviseOnWord(Adviser& adviser, const FaultView& fault) {
-    Advice advice = AdviseOnUnknownWord(adviser, fault);
-    const std::string line = Raised(Applied(fault.statement.line, advice.edits));
-    if (!advice.edits.empty() && !advice.definesName && CutStatement(line).mnemonic == "EQU") {
-        advice.definesName = true;  // "X: EQV 5": uses of X are no further mistakes
-    }
-    return advice;
 }
 
 }  // namespace korv

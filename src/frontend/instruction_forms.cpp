@@ -107,8 +107,7 @@ bool Begins(const StatementView& statement, std::string_view form, std::size_t c
         form = {};
     }
     std::string_view last;
-    std::size_t i = 0;
-    for (; i < count; ++i) {
+    for (std::size_t i = 0; i < count; ++i) {
         if (form.empty()) {
             return false;
         }
@@ -118,7 +117,7 @@ bool Begins(const StatementView& statement, std::string_view form, std::size_t c
             return false;
         }
     }
-    return !isWhole || form.empty() || (form == "*" && i > 0);
+    return !isWhole || form.empty() || form == "*";
 }
 
 // The members of the classes that are written out in notes.

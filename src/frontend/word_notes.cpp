@@ -348,7 +348,7 @@ Advice AdviseOnSplitMnemonic(const StatementView& statement) {
     const std::string_view word = statement.mnemonic;
     const std::string_view next = statement.rest.substr(0, statement.rest.find_first_of(" \t"));
     const bool isOperand = next == statement.rest && statement.keyword != nullptr;  // "LD D"
-    if (next.empty() || isOperand || FindKeyword(std::string(word).append(next)) == nullptr) {
+    if (isOperand || FindKeyword(std::string(word).append(next)) == nullptr) {
         return {};
     }
     const std::string_view part = statement.Span(word, next);

@@ -10,7 +10,6 @@
 #include "driver/statement.h"
 #include "expr/number.h"
 #include "frontend/message_maker.h"
-#include "frontend/statement_record.h"
 #include "frontend/statement_view.h"
 #include "source/char_class.h"
 #include "symbols/identifier_manager.h"
@@ -59,20 +58,13 @@ bool IsOneName(std::string_view word) {
     if (word.empty() || IsDigit(word.front()) || FindWord(word).code != 0) {
         return false;
     }
-    const char last = word.back();
-    const bool maybeNumber = last == 'H' || last == 'B' || last == 'O';
-    return !maybeNumber && std::ranges::all_of(word, [](char c) { return HasClass(c, CC_NAME); });
+    return word.back() != 'H' &&  // perhaps a number such as FFH
+           std::ranges::all_of(word, [](char c) { return HasClass(c, CC_NAME); });
 }
 
 bool IsNumber(std::string_view word) {
     std::int32_t value = 0;
     return !word.empty() && word.front() != '&' && ReadNumber(word, &value) == 0;
-}
-
-// True if nothing follows the mnemonic of `statement`, or its label if it has no mnemonic.
-bool HasNoOperands(const CStatement& statement) {
-    const std::string_view mnemonic = MnemonicOf(statement);
-    return *SkipBlanks(mnemonic.data() + mnemonic.size()) == '\0';
 }
 
 }  // namespace
@@ -82,7 +74,7 @@ void NameCollector::AddUses(CStatement& statement, const Keyword* keyword, bool 
     if (NamesFile(keyword)) {
         return;
     }
-    if (isSkipped || isFaulty || (statement.args.Count() == 0 && !HasNoOperands(statement))) {
+    if (isSkipped || isFaulty) {
         // The core has not evaluated the operands, or not all of them.
         for (const OperandView& operand : CutStatement(statement.text).operands) {
             AddNames(statement, operand.text, operand.what, isSkipped, places);

@@ -105,9 +105,7 @@ Analyser::Analyser(const Options& options, FileStore* store, const Wanted& wante
 
 Analysis Analyser::Run() {
     assembler.AssembleSource();
-    if (analysis.failure.empty()) {
-        Finish();
-    }
+    Finish();
     assembler.identifiers.ReleasePatches();  // they hold temporary strings
     CtmpStringManager::ReleaseAll();
     return std::move(analysis);
@@ -117,7 +115,6 @@ void Analyser::OnStart() {
     assembler.statementAddress = assembler.location;  // the value of $
     isDefining = true;
     for (const std::string& define : options.defines) {
-        defineFailure.clear();
         std::string reason = AddDefinition(define, &assembler);
         if (reason.empty()) {
             reason = defineFailure;
@@ -196,8 +193,8 @@ void Analyser::OnFileEnd() {
     Level& level = levels.back();
     TakeReports(&level);
     if (levels.size() > 1 && assembler.flags.Has(RF_END) && !isStopped) {
-        const StatementView view = CutStatement(level.statement->text);
-        if (view.keyword != nullptr && view.keyword->handler == AssembleEnd) {
+        // The statement is this END, or an INCLUDE whose file has ended.
+        if (CutStatement(level.statement->text).keyword->handler == AssembleEnd) {
             checks.Warn(*level.statement,
                         {{Warning::earlyEnd, {}, "", "use END in the main file only"}});
         }
@@ -227,10 +224,8 @@ void Analyser::OnMessage(std::int32_t kind, std::int32_t number, std::string_vie
     if (isStopped) {
         return;
     }
-    if (place.file == 0) {  // the main file cannot be read, or a message with a place follows
-        if (levels.empty() && analysis.failure.empty()) {
-            analysis.failure = "cannot read " + options.source + ": " + store->Failure();
-        }
+    if (place.file == 0) {  // only if the main file cannot be read
+        analysis.failure = "cannot read " + options.source + ": " + store->Failure();
         return;
     }
     const CStatement* const live = levels.empty() ? nullptr : levels.back().statement;
@@ -252,10 +247,8 @@ void Analyser::OnMessage(std::int32_t kind, std::int32_t number, std::string_vie
                   .place = place,
                   .isLate = isLate};
     report.warning = warning;
-    report.isSkipped = !isLate && assembler.assembling == 0;
-    if (number == MSG_CANNOT_OPEN) {
-        report.reason = store->Failure();
-    }
+    report.isSkipped = assembler.assembling == 0;
+    report.reason = store->Failure();
     if (live != nullptr) {
         levels.back().reports.push_back(std::move(report));
     } else {
@@ -263,11 +256,11 @@ void Analyser::OnMessage(std::int32_t kind, std::int32_t number, std::string_vie
     }
 }
 
-// The front end's name for the core's warning `number`. `statement` is the current one, or null.
+// The front end's name for the core's warning `number`. `statement` is the current one, or null
+// at the end of the run.
 std::optional<Warning> Analyser::WarningFor(std::int32_t number,
                                             const CStatement* statement) const {
-    if (number == MSG_LABEL_WITHOUT_COLON && statement != nullptr &&
-        FindKeyword(statement->label) != nullptr) {
+    if (number == MSG_LABEL_WITHOUT_COLON && FindKeyword(statement->label) != nullptr) {
         return Warning::keywordLabel;
     }
     if (number == MSG_ORG_IN_CODE && assembler.binary.Position() == 0 &&
@@ -298,7 +291,7 @@ void Analyser::Record(const CStatement& statement, std::uint32_t lineCount, std:
     const Statement record{
         .opening = maker.OpeningOf(statement.fileName),
         .line = statement.lineNumber,
-        .lineCount = lineCount,
+        .lineCount = std::max(lineCount, 1U),  // the last line may lack a line feed
         .address = assembler.location - count,
         .offset = imageSize - count,
         .count = count,
@@ -306,11 +299,8 @@ void Analyser::Record(const CStatement& statement, std::uint32_t lineCount, std:
         .isSkipped = assembler.assembling == 0 && !checks.Conditions().HasChanged(assembler),
         .keyword = keyword};
     analysis.statements.push_back(record);
-    if (count != 0) {
-        const Opening& opening = analysis.openings[static_cast<std::size_t>(record.opening)];
-        blocks.Add(record.address, record.offset, count, {opening.file, record.line},
-                   record.opening);
-    }
+    blocks.Add(record.address, record.offset, count, {maker.FileOf(record.opening), record.line},
+               record.opening);
 }
 
 // Called for every statement. Most need no further work, so this path must be short: with 20 more
@@ -331,13 +321,11 @@ void Analyser::OnStatement(CStatement& statement, std::uint32_t lineCount) {
     if (wanted.statements && !std::exchange(level.isRecorded, false)) {
         Record(*statement, lineCount, count);
         if (wanted.uses || wanted.useCounts) {
-            names.AddUses(*statement, analysis.statements.back().keyword, assembler.assembling == 0,
-                          isFaulty, wanted.uses ? &maker : nullptr);
+            names.AddUses(*statement, analysis.statements.back().keyword, isFaulty,
+                          wanted.uses ? &maker : nullptr);
         }
     }
-    if (!level.reports.empty()) {
-        TakeReports(&level);
-    }
+    TakeReports(&level);
     if (lineCount > 1) {
         checks.LookAtComments(*statement);
     }
@@ -370,9 +358,7 @@ void Analyser::Finish() {
     maker.Finish();
     const auto bytes = assembler.binary.Bytes();
     analysis.image.assign(bytes.begin(), bytes.end());
-    if (options.format == ImageFormat::bin) {
-        analysis.header = HeaderOf(assembler.MakeLoadHeader());
-    }
+    analysis.header = HeaderOf(assembler.MakeLoadHeader());
     analysis.blocks = blocks.Take();
     if (wanted.names) {
         analysis.names = names.Take(&maker);

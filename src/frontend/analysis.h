@@ -86,12 +86,6 @@ enum class NameKind : std::uint8_t {
     undefined,    ///< only referred to
 };
 
-/// A use of a name in an expression.
-struct NameUse {
-    Place place;
-    bool isSkipped = false;  ///< in a block that is not assembled
-};
-
 struct Name {
     std::string text;
     NameKind kind = NameKind::undefined;
@@ -100,8 +94,8 @@ struct Name {
     bool isUsed = false;  ///< an expression has read the value
     Place definition;     ///< of the name in its definition; nowhere without one
     std::int32_t opening = noIndex;
-    std::size_t useCount = 0;   ///< with `Wanted::useCounts` or `Wanted::uses` only
-    std::vector<NameUse> uses;  ///< in the order of the source; with `Wanted::uses` only
+    std::size_t useCount = 0;  ///< with `Wanted::useCounts` or `Wanted::uses` only
+    std::vector<Place> uses;   ///< in the order of the source; with `Wanted::uses` only
 };
 
 enum class Severity : std::uint8_t { error, warning };
@@ -156,9 +150,9 @@ struct Analysis {
     std::vector<Message> messages;      ///< in the order in which they are printed
     std::vector<Name> names;            ///< by text; with `Wanted::names` only
     std::vector<Block> blocks;  ///< in the order of the source; with `Wanted::statements` only
-    std::vector<std::uint8_t> image;   ///< without a load header
-    std::optional<LoadHeader> header;  ///< of a .bin
-    std::uint64_t errorCount = 0;      ///< all errors, including those beyond the limit
+    std::vector<std::uint8_t> image;  ///< without a load header
+    LoadHeader header;                ///< for a .bin
+    std::uint64_t errorCount = 0;     ///< all errors, including those beyond the limit
     std::uint64_t warningCount = 0;
     std::uint64_t errorLimit = 0;  ///< after that many errors, no message is kept; 0: no limit
     std::string failure;  ///< why there is no result at all, such as a source that cannot be read

@@ -19,11 +19,8 @@ fs::path PathOf(const std::string& name) {
 
 // The directory of the file at the full path `path`.
 std::string DirectoryOf(const std::string& path) {
-    std::string directory(platform::SplitPath(path).directory);
-    if (directory.size() > 1) {
-        directory.pop_back();  // the separator
-    }
-    return directory;
+    const std::u8string directory = PathOf(path).parent_path().u8string();
+    return {directory.begin(), directory.end()};
 }
 
 // Reads all bytes of `file`, but stops after more than `longestFile` of them.
@@ -117,7 +114,7 @@ platform::FoundPath FileStore::Beside(const std::string& from, std::string_view 
 
 platform::FoundPath FileStore::LocateFrom(const std::string& from, std::string_view name) {
     platform::FoundPath found = Beside(from, name);
-    if (found.isFile || platform::IsAbsolutePath(name)) {
+    if (found.isFile) {
         return found;
     }
     for (const std::string& elsewhere : searched) {
@@ -135,7 +132,6 @@ platform::FoundPath FileStore::Locate(std::string_view name) {
 // The text of the file at the full path `path`. Returns null and sets `failure` if it cannot be
 // read.
 FileStore::Text FileStore::Load(const std::string& path) {
-    failure.clear();
     if (const Text text = TextOf(path)) {
         return text;
     }
@@ -156,7 +152,7 @@ Status FileStore::Find(std::string_view name, platform::FoundPath* file) {
     *file = Locate(name);
     if (file->path.empty()) {
         failure = "its full path cannot be determined";
-        return MSG_CANNOT_GET_DIRECTORY;
+        return MSG_CANNOT_OPEN;
     }
     return 0;
 }

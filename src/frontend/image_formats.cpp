@@ -1,7 +1,6 @@
 #include "frontend/image_formats.h"
 
 #include <algorithm>
-#include <cassert>
 #include <span>
 
 #include "diagnostics/report_writer.h"
@@ -40,10 +39,9 @@ std::string ComImage(const Analysis& analysis) {
 }
 
 std::string BinImage(const Analysis& analysis) {
-    assert(analysis.header);
     std::string text = "\xFE";
     for (const std::uint32_t word :
-         {analysis.header->start, analysis.header->end, analysis.header->exec}) {
+         {analysis.header.start, analysis.header.end, analysis.header.exec}) {
         text += static_cast<char>(word & 0xFF);
         text += static_cast<char>(word >> 8 & 0xFF);
     }

@@ -33,8 +33,7 @@ std::string_view KindText(NameKind kind) {
             return "EQU";
         case NameKind::commandLine:
             return "-D";
-        case NameKind::internal:
-            return "internal";
+        case NameKind::internal:  // not listed
         case NameKind::undefined:
             return "undefined";
     }
@@ -113,9 +112,8 @@ class Listing {
 
     void PutStatement(const Statement& statement) {
         const std::uint32_t rows = (statement.count + bytesPerRow - 1) / bytesPerRow;
-        const std::uint32_t lines = std::max(statement.lineCount, 1U);
-        for (std::uint32_t i = 0; i < std::max(rows, lines); ++i) {
-            PutRow(statement, i, i == 0 || i < rows, i < lines);
+        for (std::uint32_t i = 0; i < std::max(rows, statement.lineCount); ++i) {
+            PutRow(statement, i, i == 0 || i < rows, i < statement.lineCount);
         }
     }
 
@@ -184,9 +182,8 @@ class Listing {
             return;
         }
         const MessageKey first{statement.opening, statement.line};
-        const MessageKey last{
-            statement.opening,
-            statement.line + static_cast<std::int32_t>(std::max(statement.lineCount, 1U)) - 1};
+        const MessageKey last{statement.opening,
+                              statement.line + static_cast<std::int32_t>(statement.lineCount) - 1};
         const auto key = [this](std::size_t i) { return KeyOf(i); };
         auto next = std::ranges::lower_bound(messages, first, {}, key);
         for (; next != messages.end() && KeyOf(*next) <= last; ++next) {

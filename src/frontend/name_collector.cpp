@@ -67,33 +67,39 @@ bool IsNumber(std::string_view word) {
     return !word.empty() && word.front() != '&' && ReadNumber(word, &value) == 0;
 }
 
+// True if nothing follows the mnemonic of `statement`, or its label if it has no mnemonic.
+bool HasNoOperands(const CStatement& statement) {
+    const std::string_view mnemonic = MnemonicOf(statement);
+    return *SkipBlanks(mnemonic.data() + mnemonic.size()) == '\0';
+}
+
 }  // namespace
 
-void NameCollector::AddUses(CStatement& statement, const Keyword* keyword, bool isSkipped,
-                            bool isFaulty, MessageMaker* places) {
+void NameCollector::AddUses(CStatement& statement, const Keyword* keyword, bool isFaulty,
+                            MessageMaker* places) {
     if (NamesFile(keyword)) {
         return;
     }
-    if (isSkipped || isFaulty) {
+    if (isFaulty || (statement.args.Count() == 0 && !HasNoOperands(statement))) {
         // The core has not evaluated the operands, or not all of them.
         for (const OperandView& operand : CutStatement(statement.text).operands) {
-            AddNames(statement, operand.text, operand.what, isSkipped, places);
+            AddNames(statement, operand.text, operand.what, places);
         }
         return;
     }
     for (const lsArg& arg : statement.args) {
         if (arg.IsValue()) {
-            AddNames(statement, arg.text, arg, isSkipped, places);
+            AddNames(statement, arg.text, arg, places);
         }
     }
 }
 
 void NameCollector::AddNames(const CStatement& statement, std::string_view text,
-                             const OperandClass& operand, bool isSkipped, MessageMaker* places) {
+                             const OperandClass& operand, MessageMaker* places) {
     if (operand.kind == KIND_VALUE) {  // usually one name or number, which need not be cut
         const std::string_view word = EvaluatedPart(text, operand);
         if (IsOneName(word)) {
-            AddUse(statement, word, isSkipped, places);
+            AddUse(statement, word, places);
             return;
         }
         if (IsNumber(word)) {
@@ -103,18 +109,18 @@ void NameCollector::AddNames(const CStatement& statement, std::string_view text,
     TokenCutter cutter(text);
     for (std::size_t index = 0; const std::optional<Token> token = cutter.Next(); ++index) {
         if (IsLookedUp(*token, index, operand)) {
-            AddUse(statement, token->text, isSkipped, places);
+            AddUse(statement, token->text, places);
         }
     }
 }
 
-void NameCollector::AddUse(const CStatement& statement, std::string_view name, bool isSkipped,
+void NameCollector::AddUse(const CStatement& statement, std::string_view name,
                            MessageMaker* places) {
     const CIdentifier* const record = table->Find(name);
     Uses& all = record != nullptr ? uses[record] : earlyUses[std::string(name)];
     ++all.count;
     if (places != nullptr) {
-        all.places.push_back({places->PlaceOf(statement.PlaceIn(name)), isSkipped});
+        all.places.push_back(places->PlaceOf(statement.PlaceIn(name)));
     }
 }
 

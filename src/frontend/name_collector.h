@@ -26,7 +26,7 @@ class NameCollector {
 
     /// Adds the names in the operands of `statement`, even if it is skipped or has an error.
     /// `keyword` is its row in the vocabulary, or null. Without `places` the uses are only counted.
-    void AddUses(CStatement& statement, const Keyword* keyword, bool isSkipped, bool isFaulty,
+    void AddUses(CStatement& statement, const Keyword* keyword, bool isFaulty,
                  MessageMaker* places);
     /// Returns all names with their uses, sorted by text, and forgets the uses.
     [[nodiscard]] std::vector<Name> Take(MessageMaker* places);
@@ -34,13 +34,12 @@ class NameCollector {
   private:
     struct Uses {
         std::size_t count = 0;
-        std::vector<NameUse> places;
+        std::vector<Place> places;
     };
     struct Entry;
     void AddNames(const CStatement& statement, std::string_view text, const OperandClass& operand,
-                  bool isSkipped, MessageMaker* places);
-    void AddUse(const CStatement& statement, std::string_view name, bool isSkipped,
-                MessageMaker* places);
+                  MessageMaker* places);
+    void AddUse(const CStatement& statement, std::string_view name, MessageMaker* places);
     void JoinEarlyUses();
     [[nodiscard]] std::vector<Entry> SortedEntries() const;
     [[nodiscard]] Name NameOf(const Entry& entry, MessageMaker* places);

@@ -28,8 +28,8 @@ PlaceIndex IndexOf(const Analysis& analysis) {
         if (name.definition.IsSomewhere()) {
             index.Add({&name, name.definition, /*isDefinition=*/true});
         }
-        for (const NameUse& use : name.uses) {
-            index.Add({&name, use.place, /*isDefinition=*/false});
+        for (const Place& use : name.uses) {
+            index.Add({&name, use, /*isDefinition=*/false});
         }
     }
     index.statements.resize(analysis.files.size());

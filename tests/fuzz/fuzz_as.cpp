@@ -86,8 +86,8 @@ void CheckData(const Analysis& analysis) {
     }
     for (const korv::Name& name : analysis.names) {
         CheckPlace(analysis, name.definition);
-        for (const korv::NameUse& use : name.uses) {
-            CheckPlace(analysis, use.place);
+        for (const korv::Place& use : name.uses) {
+            CheckPlace(analysis, use);
         }
     }
     std::size_t bytes = 0, blockBytes = 0;

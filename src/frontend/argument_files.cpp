@@ -22,16 +22,15 @@ std::string AtLine(std::string_view text, std::size_t offset, std::string_view w
 
 class WordReader {
   public:
-    explicit WordReader(std::string_view text) : text(text) {
-        at = text.starts_with(byteOrderMark) ? byteOrderMark.size() : 0;
-    }
+    explicit WordReader(std::string_view text)
+        : text(text), at(text.starts_with(byteOrderMark) ? byteOrderMark.size() : 0) {}
 
     // Skips blanks and comments. Returns whether another word follows.
     bool Skip() {
         for (bool isLineStart = std::exchange(isAtStart, false); at < text.size(); ++at) {
             isLineStart = isLineStart || text[at] == '\n';
             if (text[at] == '#' && isLineStart) {
-                at = std::min(text.find('\n', at), text.size() - 1);
+                at = std::min(text.find('\n', at), text.size());
             } else if (!IsBlank()) {
                 return true;
             }
@@ -45,8 +44,8 @@ class WordReader {
         char quote = '\0';
         for (; at < text.size() && (quote != '\0' || !IsBlank()); ++at) {
             const char c = text[at];
-            if (c == '\\' && at + 1 < text.size()) {
-                word += text[++at];
+            if (c == '\\') {
+                word += text.substr(++at, 1);
             } else if (c == quote) {
                 quote = '\0';
             } else if (quote == '\0' && (c == '"' || c == '\'')) {
@@ -72,7 +71,7 @@ class WordReader {
     }
 
     std::string_view text;
-    std::size_t at = 0;
+    std::size_t at;
     bool isAtStart = true;  // nothing has been read yet
 };
 
@@ -120,7 +119,7 @@ class Expander {
         platform::InputFile file;
         if (file.Open(isThere ? name : std::string(directory) + "/" + name)) {
             char block[4096];
-            for (std::size_t count = 0; (count = file.Read(block, sizeof block)) != 0;) {
+            while (const std::size_t count = file.Read(block, sizeof block)) {
                 if (count > bytesLeft) {
                     return name + ": the argument files have more than " +
                            std::to_string(mostBytes) + " bytes";

@@ -38,13 +38,12 @@ TextStyle StyleOf(std::FILE* stream, ColorChoice choice) {
     return {.isColored = isColored, .isTerminal = platform::IsTerminal(stream)};
 }
 
-void Print(std::FILE* stream, const std::string& text) {
-    std::fwrite(text.data(), 1, text.size(), stream);
-    std::fflush(stream);
+void Print(const std::string& text) {
+    std::fwrite(text.data(), 1, text.size(), stderr);
 }
 
 int Fail(const std::string& sentence) {
-    Print(stderr, FailureText(sentence, StyleOf(stderr, ColorChoice::never)));
+    Print(FailureText(sentence, StyleOf(stderr, ColorChoice::never)));
     return statusFailure;
 }
 
@@ -149,7 +148,7 @@ int Assemble(const Options& options) {
     if (!options.listing.empty()) {  // it contains the messages, so it is made after them
         outputs.push_back({options.listing, ListingText(analysis), /*isText=*/true});
     }
-    Print(stderr, MessagesText(analysis, StyleOf(stderr, options.color)));
+    Print(MessagesText(analysis, StyleOf(stderr, options.color)));
     if (failure.empty()) {
         failure = WriteOutputs(outputs, store.Identities());
     }

@@ -66,14 +66,10 @@ Place PlaceMap::PlaceOf(std::int32_t file, const StoredText& text, std::int32_t 
                         std::size_t offset, std::size_t length) {
     LogicalLine::Position start{line, static_cast<std::uint32_t>(offset)};
     std::size_t end = offset + length;
-    const std::string_view physical = text.Line(line);
-    if (offset + length != 0 && !IsPlain(text, physical)) {
+    if (!IsPlain(text, text.Line(line))) {
         const auto& positions = LineAt(text, line).positions;
         if (offset < positions.size()) {
             start = positions[offset];
-        } else if (!positions.empty()) {
-            start = positions.back();
-            ++start.column;
         }
         end = start.column + length;
         if (length > 0 && offset + length <= positions.size()) {

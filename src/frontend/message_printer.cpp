@@ -43,7 +43,7 @@ class Pen {
 // The part of a line that is shown, in three pieces: before the caret, above it, and after it.
 struct Excerpt {
     std::string_view before, marked, after;
-    bool hasMoreBefore = false, hasMoreAfter = false;
+    bool hasMoreBefore, hasMoreAfter;
 };
 
 // The first offset at or after `offset` at which a UTF-8 character begins.

@@ -60,14 +60,13 @@ template <typename Choice>
 requires std::is_enum_v<Choice> std::string Take(const OptionRow& row, std::string_view word,
                                                  Choice* choice) {
     const std::vector<std::string_view> words = row.Choices();
-    const auto first = words.begin() + (words[0].empty() ? 1 : 0);
-    const auto found = std::find(first, words.end(), word);
+    const auto found = std::ranges::find(words, word);
     if (found != words.end() || word.empty()) {
-        *choice = word.empty() ? Choice{} : static_cast<Choice>(found - first);
+        *choice = word.empty() ? Choice{} : static_cast<Choice>(found - words.begin());
         return "";
     }
     std::string all;
-    for (const std::string_view& each : words) {  // the empty one stands for no argument
+    for (const std::string_view& each : words) {
         all += all.empty() ? "" : &each == &words.back() ? " or " : ", ";
         all += each;
     }
@@ -126,7 +125,6 @@ std::vector<std::string_view> OptionRow::Choices() const {
     std::vector<std::string_view> words;
     if (rest.starts_with("[=")) {
         rest = rest.substr(2, rest.size() - 3);
-        words.emplace_back();
     }
     for (std::size_t end = 0; end != std::string_view::npos;) {
         end = rest.find('|');

@@ -115,7 +115,8 @@ class Parser {
     }
 
     std::string TakeLetters(std::string_view word) {
-        for (std::size_t i = 1; i < word.size(); ++i) {
+        std::string failure;
+        for (std::size_t i = 1; i < word.size() && failure.empty(); ++i) {
             const OptionRow* const row = RowOf(word[i]);
             const std::string spelled = {'-', word[i]};
             if (row == nullptr) {
@@ -125,11 +126,9 @@ class Parser {
                 const std::string_view rest = word.substr(i + 1);
                 return Take(*row, spelled, rest.empty() ? std::nullopt : std::optional(rest));
             }
-            if (std::string failure = Take(*row, spelled, std::nullopt); !failure.empty()) {
-                return failure;
-            }
+            failure = Take(*row, spelled, std::nullopt);
         }
-        return "";
+        return failure;
     }
 
     // `attached` is the argument if it is in the same word.

@@ -131,9 +131,6 @@ OperandView ViewOf(std::string_view text) {
             operand.what.reg = inner[1] == 'X' ? REG_IX_INDEXED : REG_IY_INDEXED;
         }
     }
-    if (!isIndirect && text.size() > 1 && text.front() == '"' && text.back() == '"') {
-        operand.what.flags |= LA_QUOTED;
-    }
     return operand;
 }
 
@@ -254,11 +251,7 @@ StatementView CutStatement(std::string_view line, std::string_view typed) {
     }
     for (std::size_t start = 0; start <= view.rest.size();) {
         const std::size_t end = OperandEnd(view.rest, start);
-        std::string_view text = view.rest.substr(start, end - start);
-        view.operands.push_back(ViewOf(Trimmed(text)));
-        if (view.operands.back().text.empty()) {
-            view.operands.back().text = text.substr(0, 0);
-        }
+        view.operands.push_back(ViewOf(Trimmed(view.rest.substr(start, end - start))));
         start = end + 1;
     }
     return view;

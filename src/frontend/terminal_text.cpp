@@ -19,8 +19,7 @@ std::size_t WidthOf(const PrintableCharacter& character, bool isEscaped) {
     if (character.size == 0) {
         return isEscaped ? escapedWidth : 1;
     }
-    return character.size == 1                      ? 1
-           : IsIn(zeroWidthTable, character.code)   ? 0
+    return IsIn(zeroWidthTable, character.code)     ? 0
            : IsIn(doubleWidthTable, character.code) ? 2
                                                     : 1;
 }

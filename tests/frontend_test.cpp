@@ -110,7 +110,7 @@ INSTANTIATE_TEST_SUITE_P(Tables, FrontendPromiseTest, testing::ValuesIn(AllTable
 // The output of korv-as for a source in which "|" ends a line.
 std::string PrintedFor(const std::string& source, const std::string& words = "") {
     const TempDir directory;
-    WriteFile("defs.kor", "");
+    WriteFile("defs.kor", "\n");
     WriteFile("a.kor", ReplaceAll(source, "|", "\n") + "\n");
     return RunKorvAs(Split("a.kor" + words, ' '));
 }
@@ -132,7 +132,7 @@ TEST(FrontendTest, WarnsAboutTheseLinesAndNoOthers) {
         {" -W no-org-gap", " DB (IX+5)| DW 1,(IY-1)| DS (IX+1)| ORG (IX+1)| BIT 1,(IX+1)", "1:5 register-value, 2:7 register-value, 3:5 register-value, 4:6 register-value"},
         {"", " IF !1| ENDIF| IF 1<2 OR 3| ENDIF| IF 1 AND 2=2| ENDIF", "1:5 condition, 3:5 condition, 5:5 condition"},
         {" -W no-org-gap", " DS 0-1| LD A,\"a| DB 1,2,\"b| DB \"a\"| ORG 35000*2", "1:5 negative-size, 2:7 open-string, 3:9 open-string, 5:6 truncated"},
-        {" -f bin -W no-org", " ORG 5| ORG 5| ORG 7", "3:6 X48"},
+        {" -f bin -W no-org", " ORG 5| ORG 5| ORG 7| NOP| ORG 9", "3:6 X48, 5:6 org-gap"},
         {"", " IF 0| IF 1| IF 1| ENDIF| ENDIF| IF 0| ELSE| ENDIF| ELSE| IF 1| ENDIF| ENDIF", "2:2 nested-if, 3:2 nested-if, 7:2 nested-if"},
         {"", "END|ENDX|Defb:| LD A,300| DM \"a| DB 1,,2| DB 1,", "1:1 keyword-label, 4:7 X40, 5:5 X45, 6:6 X59, 7:6 X59"},
         {" -W error=range -W no-org-gap", " LD A,300| ORG 5| DB 1,", "!1:7 X40, 3:6 X59"},
@@ -140,6 +140,8 @@ TEST(FrontendTest, WarnsAboutTheseLinesAndNoOthers) {
         {"", " DB \"one\\n\"| DB \"C:\\\",0", "1:9 escape"},
         {"", " IF 3 AND 1=2| ENDIF| IF 1=2 OR 1| ENDIF| IF (1 AND 4)=4| ENDIF| IF 1 AND 2| ENDIF", "1:5 condition, 3:5 condition"},
         {" -Werror -W no-error=empty-operand -W no-open-string -W no-skipped-line", "* x| LD A,300| DB 1,| DM \"a", "!2:7 X40, 3:6 X59"},
+        {" -W label-without-colon", "XYZ INCLUDE defs.kor| FROB|Y FROB|W NOP|EACH: FROB", "1:1 X57, !2:2 X33, !3:3 X33, 4:1 X57, !5:7 X33"},
+        {" -W no-keyword-label -W no-org-gap -l l", "END LD A,300| ORG 100H| NOP", "1:10 X40"},
         {" -w -W range", "* x| LD A,300|END| DB 1,", ""},
         {" -W error -W no-error --line-length 19", " LD A,300 ; 567890| LD A,300 ; 5678901|", "1:7 X40, !2:2 X41"},
         {"", " IF 1| IF X| ELSE| ENDIF|Y: IF 1", "!2:5 X12, !5:1 X43, !1:2 open-if, !5:4 open-if"},
@@ -168,18 +170,18 @@ TEST(FrontendTest, BytesAtTheEndsOfLinesAndFilesHideNothing) {
 
 TEST(FrontendTest, RefusesAFaultyCommandLineAndWritesNothing) {
     const std::pair<const char*, const char*> rows[] = {
-        {"", "no source file is given; --help lists the options"}, {"a.kor b.kor", "one source file at a time: 'a.kor' and 'b.kor' are given"}, {"-x a.kor", "unknown option '-x'; --help"},
+        {"", "no source file is given; --help lists the options"}, {"a.kor b.kor", "one source file at a time: 'a.kor' and 'b.kor' are given"}, {"-c a.kor", "unknown option '-c'; --help"},
         {"--form hex a.kor", "unknown option '--form'; did you mean '--format'?"}, {"--lsiting=x a.kor", "'--lsiting'; did you mean '--listing'?"},
-        {"-wv a.kor", "'-v'; did you mean '-V'?"}, {"-symbols x", "'-symbols'; did you mean '--symbols'?"}, {"-- -x", "cannot read -x"},
-        {"a.kor --listing", "missing FILE after '--listing'"}, {"-M -o b a.kor", "missing FILE after '-M'"}, {"-w -I", "missing DIR after '-I'"},
+        {"-wv a.kor", "'-v'; did you mean '-V'?"}, {"-symbols x", "'-symbols'; did you mean '--symbols'?"}, {"-- --", "cannot read --"},
+        {"a.kor --listing", "missing FILE after '--listing'"}, {"-M -o b a.kor", "missing FILE after '-M'"}, {"-l --summary a.kor", "missing FILE after '-l'"}, {"-w -I", "missing DIR after '-I'"},
         {"a.kor -o ", "empty FILE after '-o'"}, {"-w ", "the name of the source is empty"}, {"--help=x", "takes no argument: 'x'"},
         {"none.kor", "cannot read none.kor: No such file or directory"}, {"sub", isWindows ? "cannot read sub" : "cannot read sub: Is a directory"}, {"-I sub x", "cannot read x"},
-        {"-", "use -o"}, {"-f elf a.kor", "-f: 'elf' is not com, bin or hex"}, {"-W foo a.kor", "unknown warning 'foo'; --help lists them"}, {"-W error=rage a.kor", "'rage'; did you mean 'range'?"},
+        {"-", "standard input has no name from which to derive that of the image; use -o"}, {"-f elf a.kor", "-f: 'elf' is not com, bin or hex"}, {"-W foo a.kor", "unknown warning 'foo'; --help lists them"}, {"-W error=rage a.kor", "'rage'; did you mean 'range'?"},
         {"a.kor -o a.kor", "refusing to overwrite a.kor: it is an input of this run"}, {"a.kor -l sub/link", "refusing to overwrite sub/link: it is an input of this run"}, {"a.kor --symbols data.bin", "refusing to overwrite data.bin"},
-        {"a.kor -o b -l ./b", "refusing to write two outputs to one file: b and ./b"}, {"a.kor -o - -l -", "standard output and standard output"}, {"a.kor -o - -M d", "dependencies"},
+        {"a.kor -o b -l ./b", "refusing to write two outputs to one file: b and ./b"}, {"a.kor -o - -l -", "standard output and standard output"}, {"a.kor -o - -M d", "dependencies need a target with a name"}, {"a.kor -o a%b -M d", "would misread the name 'a%b'"},
         {"a.kor --summary -l -", "--summary needs standard output for itself"}, {"a.kor --summary -o /dev/stdout", "--summary needs"},
         {"a.kor -o no/a.com", "cannot write no/a.com: No such file or directory"}, {"a.kor -l sub", isWindows ? "cannot write sub" : "cannot write sub: Is a directory"},
-        {"-D =1 a.kor", "'' is not a name"}, {"-D 1 a.kor", "'1' is not a name"}, {"-D A.B a.kor", "-D A.B: 'A.B' is not a name"}, {"-D A=X a.kor", "-D A=X: could not resolve label: 'X'"}, {"-D A -D A a.kor", "redefinition"},
+        {"-D =1 a.kor", "'' is not a name"}, {"-D 1 a.kor", "'1' is not a name"}, {"-D A.B a.kor", "-D A.B: 'A.B' is not a name"}, {"-D A=X -D =1 none.kor", "-D A=X: could not resolve label: 'X'"}, {"-D A -D A a.kor", "redefinition"},
         {"-D NOP a.kor", "not allowed as label"}, {"--max-errors 9x a.kor", "--max-errors: '9x' is not a number from 0 to 4294967295"}, {"--color red a.kor", "'red' is not auto, always or never"},
         {"--max-image -1 a.kor", "--max-image: '-1' is not a number from 0 to"}, {"--line-length=0 a.kor", "'0' is not a number from 1 to 65536"}, {"--line-length 65537 a.kor", "to 65536"},
         {"a.kor -o new -l sub/to", "two outputs"}, {"a.kor -o - -l /dev/stdout", "two outputs"}, {"@ a.kor", "missing FILE after '@'"},
@@ -213,9 +215,9 @@ TEST(FrontendTest, AFileOfMoreThan256MebibytesIsRefused) {
 
 TEST(FrontendTest, SplitsArgumentFilesLikeGnu) {
     const std::pair<std::string, const char*> rows[] = {
-        {"\xEF\xBB\xBF# all\n -I  lib\t-w\r\n\t# more\n\na#b #c\n#", "-I|lib|-w|a#b|#c|"}, {"ab # c\n#d", "ab|#|c|"}, {"", ""},
+        {"\xEF\xBB\xBF# all\n -I  lib\t-w\r\n\t# more\n\na#b #c\n#", "-I|lib|-w|a#b|#c|"}, {"\xC3\xA4 # c\n#d", "ä|#|c|"}, {"", ""},
         {"'a \"b'c \"d 'e\"f '' \"\\\"\"", "a \"bc|d 'ef||\"|"}, {"a\\ b 'c\\'d' \\\\e \\#", "a b|c'd|\\e|#|"}, {"a \\\n b\\\r\nc\\", "a|b|c|"},
-        {"a\n\n'b\n", "a|b\n|line 3: missing closing quote"}, {std::string("a\n\0", 3), "line 2: byte 0 in a text"}};
+        {"\na\n'b\n", "a|b\n|line 3: missing closing quote"}, {std::string("a\n\0", 3), "line 2: byte 0 in a text"}};
     for (const auto& [text, expected] : rows) {
         Strings words;
         const std::string failure = korv::SplitWords(text, &words);
@@ -238,6 +240,9 @@ TEST(FrontendTest, ArgumentFilesEndAtTenDeepAndAtAMegabyte) {
     WriteFile("a.kor", " RET\n");
     EXPECT_EQ("", RunKorvAs({"@1"}));
     EXPECT_TRUE(Contains(RunKorvAs({"@all/1"}), "the argument files have more than 1048576 bytes")) << "or it would not end";
+    WriteFile("b.kor", ReplaceAll(std::string(70000, 'x'), "x", " INCLUDE all/10\n"));
+    EXPECT_EQ("b.kor:65536:2: error: too many files are included [max-files]\n INCLUDE all/10\n ^~~~~~~\n"
+              "b.kor:65536:2: note: check whether a file includes itself\nkorv-as: 1 error\nexit status 1\n", RunKorvAs({"b.kor"}));
 }
 // clang-format on
 

@@ -22,6 +22,7 @@
 #include "driver/assembler.h"
 #include "faults.h"
 #include "frontend/frontend.h"
+#include "frontend/platform/platform.h"
 #include "platform/platform.h"
 #include "run.h"
 
@@ -414,7 +415,8 @@ TEST(TerminalTest, GetsColoursAndNoControlCharactersFromKorvAs) {
         {"xterm", nullptr, "a.kor", coloured}, {"xterm", "", "a.kor", coloured}, {"xterm", "1", "a.kor", plain},
         {"dumb", nullptr, "a.kor", plain}, {"", nullptr, "a.kor", plain}, {"xterm", nullptr, "a.kor --color never", plain},
         {"dumb", "1", "a.kor --color always", coloured}, {"xterm", "", "--\x1B", "korv-as: error: unknown option '--\\x1B'; --help lists the options\n"},
-        {"xterm", "", "b.kor -l -", " RET ; \\x1B\n"}};
+        {"xterm", "", "b.kor -o /dev/null -l -", " RET ; \\x1B\n"}, {"xterm", "", "b.kor -o -", "\xC9"},
+        {"xterm", "", "b.kor -o - -l -", "two outputs to one file: standard output and standard output\n"}};
     // clang-format on
     for (const auto& [type, noColor, words, shown] : rows) {
         setenv("TERM", type, 1);
@@ -436,18 +438,21 @@ TEST(TerminalTest, GetsColoursAndNoControlCharactersFromKorvAs) {
 // them, standard input or output is closed.
 TEST(FrontendProcessTest, WhyAFileCannotBeReadOrWrittenIsSaid) {
     const std::string full = ": No space left on device", denied = ": Permission denied";
+    const std::string longName(4096, 'x'), noPath = ": its full path cannot be determined";
     const std::pair<std::string, std::string> rows[] = {{"-h", "write standard output" + full},
                                                         {"-V", "write standard output" + full},
                                                         {"| -h", "write standard output: Broken pipe"},
                                                         {"| a.kor -o -", "write standard output: Broken pipe"},
                                                         {"> a.kor -o -", "write standard output: it is closed"},
                                                         {"< - -o old", "read standard input: it is closed"},
+                                                        {". - -o old", "read standard input: Is a directory"},
                                                         {"a.kor -o -", "write standard output" + full},
                                                         {"a.kor -o /dev/full", "write /dev/full" + full},
                                                         {"secret.kor", "read secret.kor" + denied},
                                                         {"SECRET.KOR", "read SECRET.KOR" + denied},
+                                                        {longName, "read " + longName + noPath},
                                                         {"@secret.kor", "read secret.kor" + denied},
-                                                        {"a.kor -o old", "write old" + denied},
+                                                        {"> a.kor -o old", "write old" + denied},
                                                         {"a.kor", "write a.com" + denied}};
     const AsNobody nobody;
     const TempDir directory;
@@ -463,6 +468,7 @@ TEST(FrontendProcessTest, WhyAFileCannotBeReadOrWrittenIsSaid) {
             EXPECT_TRUE(sign != '|' || pipe(ends) == 0);
             EXPECT_TRUE(sign == '|'   ? close(ends[0]) == 0 && dup2(ends[1], STDOUT_FILENO) >= 0
                         : sign == '<' ? close(STDIN_FILENO) == 0
+                        : sign == '.' ? std::freopen(".", "r", stdin) != nullptr  // a directory
                         : sign == '>' ? close(STDOUT_FILENO) == 0
                                       : std::freopen("/dev/full", "w", stdout) != nullptr);
             std::_Exit(RunFrontendOn(line));
@@ -470,6 +476,39 @@ TEST(FrontendProcessTest, WhyAFileCannotBeReadOrWrittenIsSaid) {
         EXPECT_EXIT(run(), testing::ExitedWithCode(2), "korv-as: error: cannot " + message + "\n$") << words;
     }
     EXPECT_EQ(0, std::system("chmod 755 ."));
+}
+
+// A pipe has no size in advance, and a device is not searched for in other directories.
+TEST(FrontendProcessTest, ReadsPipesAndDevices) {
+    const TempDir directory;
+    ASSERT_EQ(0, std::system("mkfifo pipe; (echo ' INCLUDE /dev/null'; printf ' NOP\\n%.0s' `seq 5000`) >pipe &"));
+    std::string rule;
+    EXPECT_EQ("", RunKorvAs({"pipe", "-o", "a", "-M", "-", "-I", "."}, &rule));
+    EXPECT_EQ("a: \\\n  pipe \\\n  /dev/null\n\npipe:\n\n/dev/null:\n", rule);
+    EXPECT_EQ(std::string(5000, '\0'), ReadFile("a"));
+}
+
+// The server keeps standard output for its messages: whatever else is printed goes to standard error.
+TEST(FrontendProcessTest, AConnectionKeepsStandardOutputForItself) {
+    int input[2], output[2];
+    ASSERT_EQ(0, pipe(input) | pipe(output));
+    char bytes[9] = {};
+    const auto run = [&] {
+        dup2(input[0], STDIN_FILENO);
+        dup2(output[1], STDOUT_FILENO);
+        korv::platform::StandardConnection connection;
+        bool isRight = !connection.IsInputWaiting() && write(input[1], "ab", 2) == 2 && connection.IsInputWaiting();
+        isRight = isRight && connection.Read(bytes, sizeof bytes) == 2 && bytes == std::string("ab");
+        close(STDIN_FILENO);
+        isRight = isRight && connection.Read(bytes, sizeof bytes) == 0 && write(STDOUT_FILENO, "stray", 5) == 5;
+        std::_Exit(isRight && connection.Write("reply") ? 0 : 1);
+    };
+    EXPECT_EXIT(run(), testing::ExitedWithCode(0), "^stray$");
+    EXPECT_EQ(5, read(output[0], bytes, sizeof bytes));
+    EXPECT_EQ("reply", std::string(bytes));
+    for (const int end : {input[0], input[1], output[0], output[1]}) {
+        close(end);
+    }
 }
 
 }  // namespace

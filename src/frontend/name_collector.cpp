@@ -10,6 +10,7 @@
 #include "driver/statement.h"
 #include "expr/number.h"
 #include "frontend/message_maker.h"
+#include "frontend/statement_record.h"
 #include "frontend/statement_view.h"
 #include "source/char_class.h"
 #include "symbols/identifier_manager.h"

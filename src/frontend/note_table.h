@@ -102,7 +102,7 @@ inline constexpr auto tokenTable = std::to_array<TokenRow>({
     {"*", "^ %iHIGH|HI|MSB %v ;", "%2 SHR 8", "", "X: EQU 500| LD A,HIGH X"},
     {"*", "^ %iLOW|LO|LSB %v ;", "%2 AND 255", "", "X: EQU 500| LD A,LOW X"},
     {"*", "%iHIGH|LOW \\(", "", "write X SHR 8 for the high byte of X, and X AND 255 for the low one", "X: EQU 500| LD A,HIGH(X+1)"},
-    {"*", "%iHIGH|LOW %v", "", "write X SHR 8 for the high byte of X, and X AND 255 for the low one", "X: EQU 500| LD A,HIGH X+1"},
+    {"*", "^ %iHIGH|LOW %v", "", "write X SHR 8 for the high byte of X, and X AND 255 for the low one", "X: EQU 500| LD A,HIGH X+1"},
     {"*", "^ > %v ;", "%2 SHR 8", "", "X: EQU 500| LD A,>X"},
     {"*", "^ < %v ;", "%2 AND 255", "", "X: EQU 500| LD A,<X"},
     {"*", "^ %e\\# > %v ;", "%3 SHR 8", "", "X: EQU 500| LD A,#>X"},

@@ -210,7 +210,7 @@ Advice AdviseOnSlip(const RunFacts& facts, const FaultView& fault) {
         }
         const std::string_view next = line.substr(at + 1);
         const bool isGroup = HasClass(before, CC_DIGIT) && next.size() == 3;  // "16,384"
-        if (c == ',' && isInstruction && !next.empty() &&
+        if (c == ',' && (isInstruction || statement.mnemonic == "EQU") && !next.empty() &&
             (isGroup || !HasClass(next[0], CC_DIGIT))) {
             search.Attempt(at, 1, "");
         }

@@ -41,8 +41,9 @@ Advice AdviseOnFile(const RunFacts& facts, const FaultView& fault) {
     const std::size_t first = std::min(name.find_first_not_of(signs), name.size());
     const std::string inner(name.substr(first, name.find_last_not_of(signs) + 1 - first));
     const bool isWrapped = inner.size() < name.size();
-    const std::string_view meant =  // a name may be in quotes there
-        statement.mnemonic == "BINCLUDE" ? std::string_view(inner) : name;
+    const bool isQuoted = statement.mnemonic == "BINCLUDE" && name.size() > 2 &&
+                          name.starts_with('"') && name.ends_with('"');
+    const std::string_view meant = isQuoted ? std::string_view(inner) : name;
     if (!fault.reason.empty() && facts.HasFile(meant)) {
         advice.text = "could not read file " + Quoted(meant) + ": " + std::string(fault.reason);
         return advice;

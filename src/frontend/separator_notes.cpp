@@ -172,6 +172,20 @@ bool AdviseOnSplitBrackets(OperandCase* it) {
 
 namespace {
 
+// True if the mnemonic at token `i`, up to the next one or a sign between instructions, is a
+// statement, and not a word of a comment.
+bool IsWholeInstruction(const StatementView& statement, const OperandView& operand, std::size_t i) {
+    const std::size_t start = statement.PartOf(operand.tokens[i].text).offset;
+    std::size_t end = std::min(statement.line.find_first_of("|:\\!", start), statement.line.size());
+    for (std::size_t k = i + 1; k < operand.tokens.size(); ++k) {
+        if (FindKeyword(operand.tokens[k].text) != nullptr) {
+            end = std::min<std::size_t>(end, statement.PartOf(operand.tokens[k].text).offset);
+        }
+    }
+    const std::string text = " " + std::string(statement.line.substr(start, end - start));
+    return HasForm(CutStatement(text));
+}
+
 // Proposes a line break before each instruction within `operand`.
 void AddInstructionBreaks(OperandCase* it, const OperandView& operand) {
     const Keyword* const keyword = it->statement.keyword;
@@ -182,7 +196,8 @@ void AddInstructionBreaks(OperandCase* it, const OperandView& operand) {
         const Token& before = operand.tokens[i == 0 ? 0 : i - 1];
         const bool isSign = HoldsWord("| : \\ !", before.text) && i > 1;
         if (token.kind == TokenKind::name && FindKeyword(token.text) != nullptr &&
-            !it->IsDefined(token.text) && !HoldsWord("IF COND", token.text) &&
+            IsWholeInstruction(it->statement, operand, i) && !it->IsDefined(token.text) &&
+            !HoldsWord("IF COND", token.text) &&
             (isSign || i == 0 || (before.IsValue() && !before.text.ends_with(':')))) {
             it->Replace(isSign ? it->statement.Span(before.text, token.text) : token.text,
                         "\n\t" + std::string(it->statement.Typed(token.text)));

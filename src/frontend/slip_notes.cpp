@@ -106,7 +106,8 @@ bool AdviseOnQuotedRegister(OperandCase* it) {
             operand.tokens.size() == 1 && operand.tokens[0].kind == TokenKind::string;
         const std::string name(isString ? text.substr(1, text.size() - 2) : "");
         const std::vector<TextEdit> edits = {{it->statement.PartOf(text), name}};
-        if (ClassOf(Raised(name)).kind != KIND_VALUE && HasFormWith(it->statement, edits)) {
+        if (it->statement.mnemonic != "OUT" && ClassOf(Raised(name)).kind != KIND_VALUE &&
+            HasFormWith(it->statement, edits)) {
             return it->Propose(text, edits, "write ", ": a register has no quotes");
         }
     }
@@ -147,7 +148,9 @@ bool AdviseOnSplitWord(OperandCase* it) {
 
 bool AdviseOnSwappedOperands(OperandCase* it) {
     const auto& operands = it->statement.operands;
-    if (operands.size() != 2 || HoldsWord(dataDirectives, it->statement.mnemonic)) {
+    const bool hasOrder =  // HL-DE is not DE-HL
+        it->statement.mnemonic == "SBC" || HoldsWord(dataDirectives, it->statement.mnemonic);
+    if (operands.size() != 2 || hasOrder) {
         return false;
     }
     const std::string_view first = operands[0].text;

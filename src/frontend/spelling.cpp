@@ -126,8 +126,11 @@ Foreign ForeignColon(const StatementView& statement, const Token& token) {
     if (text.size() > 1 && text.ends_with(':')) {
         const char* const restEnd = statement.rest.data() + statement.rest.size();
         const std::string_view after = WithoutLeadingBlanks({text.data() + text.size(), restEnd});
-        if (!after.empty() && HasClass(after.front(), CC_LETTER)) {  // "LD A,1: INC A"
+        if (FindKeyword(after.substr(0, after.find_first_of(" \t"))) != nullptr) {  // "5: INC A"
             return {text.substr(text.size() - 1), "\n\t", oneInstructionNote};
+        }
+        if (!after.empty() && HasClass(after.front(), CC_NAME)) {  // a comment
+            return {};
         }
         return {text, typed.substr(0, typed.size() - 1),
                 "remove the colon: only the definition of a label has one"};

@@ -110,7 +110,7 @@ void MakeOutputs(const Options& options, const Analysis& analysis) {
         size += korv::ComImage(analysis).size() + korv::HexImage(analysis).size() + korv::SldText(analysis).size();
         size += korv::SummaryText(analysis).size() + korv::SummaryJson(analysis).size();
         size += korv::DependenciesOf(analysis, options.output).text.size();
-        size += analysis.header ? korv::BinImage(analysis).size() : 0;
+        size += korv::BinImage(analysis).size();
         for (const korv::SymbolFormatRow& row : korv::SymbolFormats()) {
             size += korv::SymbolText(analysis, row.format).text.size();
         }

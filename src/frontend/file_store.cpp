@@ -19,8 +19,11 @@ fs::path PathOf(const std::string& name) {
 
 // The directory of the file at the full path `path`.
 std::string DirectoryOf(const std::string& path) {
-    const std::u8string directory = PathOf(path).parent_path().u8string();
-    return {directory.begin(), directory.end()};
+    std::string directory(platform::SplitPath(path).directory);
+    if (directory.size() > 1) {
+        directory.pop_back();  // the separator
+    }
+    return directory;
 }
 
 // Reads all bytes of `file`, but stops after more than `longestFile` of them.

@@ -176,7 +176,7 @@ TEST(FrontendTest, RefusesAFaultyCommandLineAndWritesNothing) {
         {"a.kor --listing", "missing FILE after '--listing'"}, {"-M -o b a.kor", "missing FILE after '-M'"}, {"-l --summary a.kor", "missing FILE after '-l'"}, {"-w -I", "missing DIR after '-I'"},
         {"a.kor -o ", "empty FILE after '-o'"}, {"-w ", "the name of the source is empty"}, {"--help=x", "takes no argument: 'x'"},
         {"none.kor", "cannot read none.kor: No such file or directory"}, {"sub", isWindows ? "cannot read sub" : "cannot read sub: Is a directory"}, {"-I sub x", "cannot read x"},
-        {"-", "standard input has no name from which to derive that of the image; use -o"}, {"-f elf a.kor", "-f: 'elf' is not com, bin or hex"}, {"-W foo a.kor", "unknown warning 'foo'; --help lists them"}, {"-W error=rage a.kor", "'rage'; did you mean 'range'?"},
+        {"-", "standard input has no name, so the image needs one; use -o"}, {"-f elf a.kor", "-f: 'elf' is not com, bin or hex"}, {"-W foo a.kor", "unknown warning 'foo'; --help lists them"}, {"-W error=rage a.kor", "'rage'; did you mean 'range'?"},
         {"a.kor -o a.kor", "refusing to overwrite a.kor: it is an input of this run"}, {"a.kor -l sub/link", "refusing to overwrite sub/link: it is an input of this run"}, {"a.kor --symbols data.bin", "refusing to overwrite data.bin"},
         {"a.kor -o b -l ./b", "refusing to write two outputs to one file: b and ./b"}, {"a.kor -o - -l -", "standard output and standard output"}, {"a.kor -o - -M d", "dependencies need a target with a name"}, {"a.kor -o a%b -M d", "would misread the name 'a%b'"},
         {"a.kor --summary -l -", "--summary needs standard output for itself"}, {"a.kor --summary -o /dev/stdout", "--summary needs"},

@@ -248,7 +248,9 @@ void Analyser::OnMessage(std::int32_t kind, std::int32_t number, std::string_vie
                   .isLate = isLate};
     report.warning = warning;
     report.isSkipped = assembler.assembling == 0;
-    report.reason = store->Failure();
+    if (number == MSG_CANNOT_OPEN) {
+        report.reason = store->Failure();
+    }
     if (live != nullptr) {
         levels.back().reports.push_back(std::move(report));
     } else {

@@ -192,7 +192,7 @@ std::string Complete(Options* options) {
     }
     if (options->output.empty()) {
         if (options->source == standardStream) {
-            return "standard input has no name from which to derive that of the image; use -o";
+            return "standard input has no name, so the image needs one; use -o";
         }
         const platform::PathParts parts = platform::SplitPath(options->source);
         options->output = std::string(parts.directory) + std::string(parts.baseName) +

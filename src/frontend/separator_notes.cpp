@@ -1,6 +1,7 @@
 // Advice on operands with the wrong separator, and on a second instruction on the line.
 
 #include <algorithm>
+#include <span>
 
 #include "codegen/keywords.h"
 #include "frontend/instruction_forms.h"
@@ -175,12 +176,17 @@ namespace {
 // True if the mnemonic at token `i`, up to the next one or a sign between instructions, is a
 // statement, and not a word of a comment.
 bool IsWholeInstruction(const StatementView& statement, const OperandView& operand, std::size_t i) {
+    constexpr std::size_t longest = 80;  // a bound for the work on one message
     const std::size_t start = statement.PartOf(operand.tokens[i].text).offset;
-    std::size_t end = std::min(statement.line.find_first_of("|:\\!", start), statement.line.size());
-    for (std::size_t k = i + 1; k < operand.tokens.size(); ++k) {
-        if (FindKeyword(operand.tokens[k].text) != nullptr) {
-            end = std::min<std::size_t>(end, statement.PartOf(operand.tokens[k].text).offset);
+    std::size_t end = statement.line.size();
+    for (const Token& token : std::span(operand.tokens).subspan(i + 1)) {
+        if (FindKeyword(token.text) != nullptr || HoldsWord("| : \\ !", token.text)) {
+            end = statement.PartOf(token.text).offset;
+            break;
         }
+    }
+    if (end - start > longest) {
+        return false;
     }
     const std::string text = " " + std::string(statement.line.substr(start, end - start));
     return HasForm(CutStatement(text));

@@ -121,7 +121,7 @@ TEST(NotesTest, NearWordsAreFoundAndNoneThatIsFar) {
     const std::vector<std::string_view> words = {"LOOP1", "HISCORE", "START", "SCREEN_WIDTH", "AB"};
     korv::NearWords near(words);
     for (const auto& [word, found] : std::map<std::string, std::string>{{"LOPO1", "LOOP1"},
-                                                                        {"LOOP", "LOOP1"},
+                                                                        {"LOOP", ""},
                                                                         {"HIGHSCORE", "HISCORE"},
                                                                         {"STRAT", "START"},
                                                                         {"AC", ""},

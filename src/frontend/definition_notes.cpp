@@ -136,6 +136,12 @@ Advice AdviseOnDefinition(const StatementView& statement) {
         "= := == EQU DEFL SET ASET VAR CONST EQUS EQ EQUAL EQUALS .EQU .SET .DEFL DEFINE DEFC",
         sign);
     value = WithoutLeadingBlanks(value);
+    const std::string_view first = value.substr(0, value.find_first_of(" \t"));
+    if (sign == "=" && HoldsWord("DB DEFB DM DEFM DW DEFW DS DEFS", first)) {  // "X = DB 5"
+        const std::string fix = std::string(statement.Typed(name)) + ":";
+        return Replace(statement, statement.Span(name, sign), fix,
+                       "write " + fix + " " + std::string(statement.Typed(value)));
+    }
     if (!isSign || !IsNameText(name) || value.empty() || ClassOf(value).kind != KIND_VALUE ||
         FindKeyword(name) != nullptr) {
         return {};

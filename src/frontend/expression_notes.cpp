@@ -55,6 +55,13 @@ bool AdviseOnDots(OperandCase* it, const Token& token) {
         it->IsDefined(name.substr(dot + 1))) {  // "DW X.Y"
         return it->Propose(part, {{it->statement.PartOf(part.substr(dot, 1)), ","}});
     }
+    const std::string_view head = part.substr(0, std::min(dot, part.size()));
+    const bool isIndex = HoldsWord("IX IY", head);  // "(IX.Y)"
+    const std::vector<TextEdit> edits = {
+        {it->statement.PartOf(part.substr(head.size(), 1)), isIndex ? "+" : " "}};
+    if ((isIndex || it->IsDefined(head)) && IsSound(it->adviser.Facts(), it->statement, edits)) {
+        return it->Propose(part, edits);
+    }
     std::ranges::replace(name, '.', '_');
     it->PointAt(part);
     it->Replace(part, name);
@@ -82,10 +89,11 @@ const Token* FindProse(const OperandCase& it) {
             const StatementView rest =
                 CutStatement(it.statement.line.substr(0, it.statement.PartOf(start.text).offset));
             const bool isWhole = std::ranges::all_of(rest.operands, [&it](const auto& each) {
-                return FindExpressionFault(each).fault == ExpressionFault::none &&
-                       std::ranges::all_of(each.tokens, [&it](const Token& token) {
-                           return token.kind != TokenKind::name || it.IsDefined(token.text);
-                       });
+                return each.what.kind != KIND_VALUE ||
+                       (FindExpressionFault(each).fault == ExpressionFault::none &&
+                        std::ranges::all_of(each.tokens, [&it](const Token& token) {
+                            return token.kind != TokenKind::name || it.IsDefined(token.text);
+                        }));
             });
             if (isWhole && HasForm(rest)) {
                 return &start;
@@ -233,6 +241,9 @@ void AdviseOnLongString(OperandCase* it, const Token& token) {
                 {{it->statement.PartOf(token.text), Raised(text)}})) {
         it->Replace(token.text, Raised(text));
         it->advice.note = "write " + Raised(text) + ": a name has no quotes";
+    } else if (CutTokens(text)[0].kind == TokenKind::number) {
+        it->Replace(token.text, text);
+        it->advice.note = "write " + text + ": a number has no quotes";
     } else if (!value.empty()) {
         it->Replace(token.text, value);
         it->advice.note = "write " + value + ": there are no escape sequences";

@@ -175,8 +175,13 @@ bool AdviseOnLetterForDigit(OperandCase* it, const Token& token) {
     return true;
 }
 
-// A defined name with a similar spelling.
+// A defined name with a similar spelling, or "X_Y" for X-Y.
 bool AdviseOnNearName(OperandCase* it, const Token& token) {
+    const std::size_t dash = token.text.find('_');
+    if (dash != std::string_view::npos && it->IsDefined(token.text.substr(0, dash)) &&
+        it->IsDefined(token.text.substr(dash + 1))) {
+        return it->Propose(token.text, {{it->statement.PartOf(token.text.substr(dash, 1)), "-"}});
+    }
     std::string near = NameThatLooksLike(*it, std::string(token.text));
     if (near.empty()) {
         near = it->adviser.NearestName(token.text);

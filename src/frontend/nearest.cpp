@@ -20,9 +20,14 @@ std::uint64_t LettersOf(std::string_view word) {
     return letters;
 }
 
-// Names such as ROUT1 and ROUT2, PORTA and PORTB, or XPOS and YPOS are not misspellings of each
-// other.
+// Names such as ROUT1 and ROUT2, PORTA and PORTB, XPOS and YPOS, or MUL and MUL2 are not
+// misspellings of each other.
 bool AreOfOneFamily(std::string_view a, std::string_view b) {
+    const std::string_view longer = a.size() > b.size() ? a : b;
+    if (a.size() + b.size() + 1 == 2 * longer.size() && HasClass(longer.back(), CC_DIGIT) &&
+        longer.starts_with(a) && longer.starts_with(b)) {
+        return true;
+    }
     const auto [one, other] = std::ranges::mismatch(a, b);
     if (a.size() != b.size() || one == a.end()) {
         return false;
@@ -95,8 +100,10 @@ std::string_view NearWords::Find(std::string_view word,
             if (steps > limit || isFar || (!preferred && AreOfOneFamily(word, entry.word))) {
                 continue;
             }
+            const bool isSwap = std::ranges::is_permutation(word, entry.word);
+            const bool isDoubled = word.size() != length && entry.letters == letters;
             const std::size_t rank = 8 * steps + (preferred && !preferred(entry.word) ? 4 : 0) +
-                                     (isOther ? 2 : 0) + (entry.letters != letters ? 3 : 0);
+                                     (isOther ? 2 : 0) + (isSwap || isDoubled ? 0 : 5);
             if (rank < best || (rank == best && entry.word.starts_with(word))) {
                 best = rank;
                 found = entry.word;

@@ -326,10 +326,12 @@ std::optional<RowAdvice> WordAdvice(const StatementView& statement) {
         for (const WordRow& row : wordTable) {
             const bool isWord =
                 HoldsWord(row.words, word) || (isImmediate && HoldsWord(row.words, marked));
-            const bool isData =  // unless it is a slip such as "DL A,B"
+            const bool isData =
                 HoldsWord("DB DW DS INCLUDE BINCLUDE", row.fix.substr(0, row.fix.find(' '))) ||
                 row.note.starts_with("write the bytes");
-            if (isWord && (row.operands < 0 || row.operands == count) && !(isData && hasRegister)) {
+            const bool isSlip =  // "DL A,B", "DA" for DAA
+                isData && (hasRegister || (count == 0 && word.size() < 3));
+            if (isWord && (row.operands < 0 || row.operands == count) && !isSlip) {
                 return advice(row.note, row.fix);
             }
         }

@@ -74,7 +74,8 @@ bool IsCondition(std::string_view word) {
 // The word that ends the block that the statement begins, if the lines in between mean nothing to
 // Korv.
 std::string_view EndOfBlock(const StatementView& statement) {
-    const std::string_view word = Plain(statement.mnemonic);
+    const bool isFirst = statement.label == "MACRO" && !statement.hasColon;  // in column 1
+    const std::string_view word = Plain(isFirst ? statement.label : statement.mnemonic);
     return HoldsWord("MACRO MAC", word) ? "endm" : HoldsWord("STRUCT STRUC", word) ? "ends" : "";
 }
 
@@ -342,8 +343,9 @@ void Adviser::RememberCondition(const FaultView& fault, const Advice& advice, bo
 // right once they are written out.
 void Adviser::RememberBlock(const FaultView& fault, std::string_view end) {
     const StatementView& statement = fault.statement;
-    if (!statement.label.empty()) {
-        refusedNames.emplace(statement.label);
+    refusedNames.emplace(statement.label);
+    if (FindKeyword(statement.label) != nullptr) {  // "MACRO X" in column 1
+        refusedNames.emplace(statement.mnemonic);
     }
     for (const OperandView& operand : statement.operands) {
         for (const Token& token : operand.tokens) {

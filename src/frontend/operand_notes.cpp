@@ -48,7 +48,8 @@ bool AdviseOnIndexHalf(OperandCase* it) {
         if (token == nullptr || it->IsDefined(token->text)) {
             continue;
         }
-        if (HoldsWord(foreignRegisters, token->text)) {
+        if (HoldsWord(foreignRegisters, token->text) &&
+            !HoldsWord("JP JR CALL DJNZ", it->statement.mnemonic)) {
             it->advice.note = "use the registers of the Z80: " + std::string(token->text) +
                               " is of another processor";
         } else if (token->text == "PC") {
@@ -253,7 +254,8 @@ void AdviseOnOperandCase(OperandCase* it) {
             return;
         }
     }
-    const bool isValue = it->operand != nullptr && it->operand->what.kind == KIND_VALUE;
+    const bool isValue = it->operand != nullptr && it->operand->what.kind == KIND_VALUE &&
+                         fault.statement.mnemonic != "EX";  // AF' is no expression
     const ExpressionFault kind =
         isValue ? FindExpressionFault(*it->operand).fault : ExpressionFault::none;
     const bool isBroken = kind == ExpressionFault::twoValues ||

@@ -165,9 +165,14 @@ Advice AdviseOnPartInBrackets(const StatementView& statement) {
     return {};
 }
 
-Advice AdviseOnRange(const StatementView& statement, Status number) {
+Advice AdviseOnRange(const FaultView& fault) {
+    const StatementView& statement = fault.statement;
     Advice advice;
-    if (number == MSG_NOT_UNSIGNED_BYTE) {
+    if (fault.text == "$" && HoldsWord("DB DEFB", statement.mnemonic)) {
+        return Replace(statement, statement.line.substr(fault.part.offset, 1), "\"$\"",
+                       "write \"$\" for the character: $ alone is the address");
+    }
+    if (fault.number == MSG_NOT_UNSIGNED_BYTE) {
         advice.note = HoldsWord("IN OUT", statement.mnemonic)
                           ? "use a port from 0 to 255"
                           : "write words with DW, or X AND 255 for the low byte";
@@ -234,10 +239,11 @@ Advice AdviseOnRest(Adviser& adviser, const FaultView& fault) {
             if (statement.mnemonic == "DJNZ") {
                 return AdviseOnFarJump(statement);
             }
-            return fault.isError ? AdviseOnRange(statement, fault.number)
-                                 : AdviseOnPartInBrackets(statement);
+            return fault.isError ? AdviseOnRange(fault) : AdviseOnPartInBrackets(statement);
         case MSG_NOT_UNSIGNED_BYTE:
-            return AdviseOnRange(statement, fault.number);
+            return std::ranges::count(statement.rest, '"') % 2 == 0
+                       ? AdviseOnRange(fault)
+                       : AdviseOnOperands(adviser, fault);
         case MSG_TEXT_AFTER_STRING:
             advice.note =
                 statement.rest.find_first_of("+|", statement.rest.rfind('"')) !=

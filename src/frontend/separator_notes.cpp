@@ -4,6 +4,7 @@
 #include <span>
 
 #include "codegen/keywords.h"
+#include "frontend/expression_fault.h"
 #include "frontend/instruction_forms.h"
 #include "frontend/note_rows.h"
 #include "frontend/note_steps.h"
@@ -218,6 +219,9 @@ bool AdviseOnSecondInstruction(OperandCase* it) {
     const auto& operands = it->statement.operands;
     for (std::size_t i = 1; i < operands.size(); ++i) {  // "PUSH HL, POP DE"
         const std::string_view before = operands[i - 1].text;
+        if (FindExpressionFault(operands[i - 1]).fault != ExpressionFault::none) {
+            break;  // "LD B,5 five, or so"
+        }
         const std::vector<Token>& tokens = operands[i].tokens;
         const Keyword* const keyword = tokens.empty() ? nullptr : FindKeyword(tokens[0].text);
         const bool isKeyword =

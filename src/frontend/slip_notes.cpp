@@ -50,11 +50,12 @@ std::vector<std::string> NearRegisters(const OperandCase& it, const Token& token
     return near;
 }
 
-// The defined name that two words form together, if the first is not a defined name itself.
+// The defined name that two words form together, if the first is not a defined name itself or the
+// second is a number.
 std::string NameOf(const OperandCase& it, std::string_view left, std::string_view right) {
     for (const std::string_view between : {"_", ""}) {
         const std::string name = std::string(left).append(between).append(right);
-        if (!it.IsDefined(left) && it.IsDefined(name)) {
+        if ((!it.IsDefined(left) || HasClass(right.front(), CC_DIGIT)) && it.IsDefined(name)) {
             return name;
         }
     }

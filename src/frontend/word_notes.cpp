@@ -148,11 +148,14 @@ Advice AdviseOnJoinedWords(const RunFacts& facts, const StatementView& statement
                            isSize   ? std::uint32_t{2}
                            : isSign ? std::uint32_t{1}
                                     : 0};
-        const bool isCondition =  // "CALL.NZ X"
-            isSign && !statement.rest.empty() && ClassOf(word.substr(size + 1)).condition >= 0;
+        const bool isOperand =  // "CALL.NZ X", "LDB X"
+            !isSize && !statement.rest.empty() &&
+            ClassOf(word.substr(size + (isSign ? 1 : 0))).kind != KIND_VALUE;
         std::vector<TextEdit> edits = {{gap, isSize ? "" : " "}};
-        if (isCondition) {
-            edits.push_back({statement.PartOf(word.substr(word.size())), ","});
+        if (isOperand) {
+            const LinePart part = statement.PartOf(word);
+            const std::uint32_t end = part.offset + part.length;
+            edits.push_back({{end, statement.PartOf(statement.rest).offset - end}, ","});
         }
         const std::string line = Applied(statement.line, edits);
         const StatementView changed = CutStatement(line);
@@ -215,9 +218,11 @@ std::string_view NearestKeyword(const StatementView& statement, std::string_view
     if (word.size() > (statement.operands.empty() ? 3 : 2)) {
         return NearWords(words).Find(word, isForm);
     }
-    // Many keywords are near so short a word: exactly one of them must accept the operands.
+    // Many keywords are near so short a word: exactly one of them must accept the operands. CAL may
+    // be CALL without its operands.
     const auto isNear = [word, isForm](std::string_view each) {
-        return EditDistance(word, each) == 1 && isForm(each);
+        return EditDistance(word, each) == 1 &&
+               (isForm(each) || (each.starts_with(word) && each.back() == word.back()));
     };
     const auto near = std::ranges::find_if(words, isNear);
     return std::ranges::count_if(words, isNear) == 1 ? *near : "";
@@ -347,7 +352,8 @@ Advice AdviseOnWord(Adviser& adviser, const FaultView& fault) {
 Advice AdviseOnSplitMnemonic(const StatementView& statement) {
     const std::string_view word = statement.mnemonic;
     const std::string_view next = statement.rest.substr(0, statement.rest.find_first_of(" \t"));
-    const bool isOperand = next == statement.rest && statement.keyword != nullptr;  // "LD D"
+    const bool isOperand = next == statement.rest && statement.keyword != nullptr &&
+                           ClassOf(next).kind != KIND_VALUE && word != "RET";  // "LD D"
     if (isOperand || FindKeyword(std::string(word).append(next)) == nullptr) {
         return {};
     }

@@ -241,7 +241,8 @@ void AdviseOnLongString(OperandCase* it, const Token& token) {
                 {{it->statement.PartOf(token.text), Raised(text)}})) {
         it->Replace(token.text, Raised(text));
         it->advice.note = "write " + Raised(text) + ": a name has no quotes";
-    } else if (CutTokens(text)[0].kind == TokenKind::number) {
+    } else if (const std::vector<Token> tokens = CutTokens(text);
+               tokens.size() == 1 && tokens[0].kind == TokenKind::number) {
         it->Replace(token.text, text);
         it->advice.note = "write " + text + ": a number has no quotes";
     } else if (!value.empty()) {

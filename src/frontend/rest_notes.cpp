@@ -168,8 +168,9 @@ Advice AdviseOnPartInBrackets(const StatementView& statement) {
 Advice AdviseOnRange(const FaultView& fault) {
     const StatementView& statement = fault.statement;
     Advice advice;
-    if (fault.text == "$" && HoldsWord("DB DEFB", statement.mnemonic)) {
-        return Replace(statement, statement.line.substr(fault.part.offset, 1), "\"$\"",
+    const std::string_view part = statement.line.substr(fault.part.offset, fault.part.length);
+    if (part == "$" && HoldsWord("DB DEFB", statement.mnemonic)) {
+        return Replace(statement, part, "\"$\"",
                        "write \"$\" for the character: $ alone is the address");
     }
     if (fault.number == MSG_NOT_UNSIGNED_BYTE) {

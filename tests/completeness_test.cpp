@@ -36,7 +36,7 @@ Container Found(const std::string& text, const std::string& pattern) {
     return {std::sregex_token_iterator(text.begin(), text.end(), regex, 1), {}};
 }
 
-// The manual from a line that begins with `from` up to a line that begins with `to`.
+// The part of the manual from a line that begins with `from` up to the next line that begins with `to`.
 std::string Manual(const std::string& from, const std::string& to = "\f") {
     const std::string text = "\n" + ReadFile(ProjectPath("docs/manual.md")).value_or("") + "\n";
     const std::size_t start = text.find("\n" + from);
@@ -296,7 +296,7 @@ TEST(CompletenessTest, TheWidthsOfCharactersAreThoseOfUnicode) {
     EXPECT_TRUE(made == table) << "made by " << tool;
 }
 
-// All runs of two or more letters, in capitals.
+// All runs of two or more letters, in upper case.
 StringSet WordsOf(const std::string& text) {
     StringSet words;
     std::string word;

@@ -17,7 +17,7 @@ namespace {
 enum class Kind { onOff, trace, fileBuffer, lineBuffer, wait, help };
 
 struct Switch {
-    std::string_view word;  // in capitals; selects the switch. If the switch has bits, the last
+    std::string_view word;  // in upper case; selects the switch. If the switch has bits, the last
                             // character is its letter in the flag string
     Kind kind;
     const char* form = nullptr;  // as shown in the help; null: not shown
@@ -51,8 +51,8 @@ constexpr Switch switches[] = {
 constexpr std::string_view letters = "DSLPTMWBI";
 static_assert(letters.size() == sizeof CommandLine::flagString - 1);
 
-// The switch that `word` selects: the longest one that `word` begins with. `word` is in capitals
-// and without its lead character. /wait must be the whole word.
+// The switch that `word` selects: the longest one that `word` begins with. `word` is in upper case
+// and has no leading "/" or "-". /wait must be the whole word.
 const Switch* FindSwitch(std::string_view word) {
     const Switch* found = nullptr;
     for (const Switch& row : switches) {

@@ -19,7 +19,7 @@ struct CStatement {
     CStatement(CAssembler* assembler, char* line, std::int32_t file)
         : text(line), fileName(file), args(assembler) {}
 
-    char* text;                   ///< the logical line, terminated; not owned
+    char* text;                   ///< the logical line, null-terminated; not owned
     std::string_view label;       ///< label of the line, in `text`; without data for none
     std::string_view token;       ///< the word read last, in `text`: the label, then the mnemonic
     std::uint32_t flags = 0;      ///< SF_* bits

@@ -59,8 +59,8 @@ class CtmpString {
     CtmpString& operator=(const CtmpString&) = delete;
     ~CtmpString() { Release(); }
 
-    /// Copies `source` into the pool, terminated. Does nothing if `source` has no data. The handle
-    /// must be empty.
+    /// Copies `source` into the pool and null-terminates it. Does nothing if `source` has no data.
+    /// The handle must be empty.
     void Assign(std::string_view source);
 
     /// Drops the reference; the handle is empty afterwards.
@@ -73,7 +73,7 @@ class CtmpString {
         }
     }
 
-    /// The terminated text, valid as long as the handle holds its reference; null for an empty
+    /// The null-terminated text, valid as long as the handle holds its reference; null for an empty
     /// handle.
     [[nodiscard]] const char* c_str() const { return text; }
     [[nodiscard]] std::string_view View() const { return {text, length}; }

@@ -64,7 +64,8 @@ inline constexpr auto tokenActions = [] {
     return tokenActions[static_cast<std::uint8_t>(c)];
 }
 
-/// Skips the characters at the start of `text` that always belong to a token. `text` is terminated.
+/// Skips the characters at the start of `text` that always belong to a token. `text` is
+/// null-terminated.
 [[nodiscard]] inline const char* SkipToken(const char* text) {
     for (;; text += 4) {  // unrolled, which saves 2 % of all instructions
         for (int i = 0; i < 4; ++i) {

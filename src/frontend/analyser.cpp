@@ -1,6 +1,6 @@
 // Observes a run. Reports are kept until their statement has been assembled, because the first may
-// be a consequence of a later one. Reports that only follow from another are then dropped; the
-// others become messages with a place in the file and a note.
+// be a consequence of a later one. Reports that are only consequences of another are then dropped;
+// the others become messages with a place in the file and a note.
 
 #include "frontend/analyser.h"
 
@@ -193,7 +193,7 @@ void Analyser::OnFileEnd() {
     Level& level = levels.back();
     TakeReports(&level);
     if (levels.size() > 1 && assembler.flags.Has(RF_END) && !isStopped) {
-        // The statement is this END, or an INCLUDE whose file has ended.
+        // The statement is either END itself or an INCLUDE whose file contained it.
         if (CutStatement(level.statement->text).keyword->handler == AssembleEnd) {
             checks.Warn(*level.statement,
                         {{Warning::earlyEnd, {}, "", "use END in the main file only"}});

@@ -1,6 +1,6 @@
 // Names come from sources that the user may not have written, and make runs commands that it finds
 // in a rule. So only characters that both GNU make 4.3 and ninja 1.11 read back unchanged are
-// accepted. Each of them was tried with both programs.
+// accepted. Each of them was tried with make and with ninja.
 
 #include "frontend/dependencies.h"
 
@@ -51,7 +51,7 @@ bool IsWritable(std::string_view name) {
            !name.ends_with(':') && !IsSpecial(name);
 }
 
-// Both programs accept the colon after a drive letter.
+// Both make and ninja accept the colon after a drive letter.
 std::string Escaped(std::string_view name) {
     const std::size_t drive = platform::DriveLength(name);
     std::string text(name.substr(0, drive));

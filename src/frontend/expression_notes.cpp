@@ -30,7 +30,7 @@ std::vector<TextEdit> CommasIn(const OperandCase& it, std::size_t first, std::si
     return edits;
 }
 
-// A name with a dot before or inside it. A dot inside cuts the name into two tokens.
+// A name with a dot before or inside it. A dot inside splits the name into two tokens.
 bool AdviseOnDots(OperandCase* it, const Token& token) {
     const char* const at = token.text.data();
     if (token.text.front() != '.') {

@@ -98,7 +98,7 @@ class MessageMaker : private RunFacts {
     void ExpectRefusal(const SourcePlace& place);
     void Take(Advice advice, const Report& report, Message* message);
     void AddUses(const Advice& advice, Message* message);
-    // The statement at `place`, cut only once for all its messages.
+    // The statement at `place`, split only once for all its messages.
     const StatementView& StatementAt(const SourcePlace& place);
     // Full path of the file of the statement in `view`.
     [[nodiscard]] const std::string& PathInHand() const;
@@ -118,8 +118,8 @@ class MessageMaker : private RunFacts {
     std::int32_t renameBudget = 50'000;         // lines that may still be searched for uses
     std::unordered_set<std::string> explained;  // names of labels that errors are about
     std::optional<Message> leftOut;  // the first error that only followed from another message
-    // By the core's file and line: the number of each statement with a report, and how many reports
-    // it has had.
+    // For each statement with a report, by the core's file and line: the number of the statement,
+    // and how many reports it has had.
     std::map<std::pair<std::int32_t, std::int32_t>, std::pair<std::int32_t, std::int32_t>>
         statements;
     // By file and text: the first line from which `FindLine` has found nothing. Without this, each

@@ -97,7 +97,7 @@ void NameCollector::AddUses(CStatement& statement, const Keyword* keyword, bool 
 
 void NameCollector::AddNames(const CStatement& statement, std::string_view text,
                              const OperandClass& operand, MessageMaker* places) {
-    if (operand.kind == KIND_VALUE) {  // usually one name or number, which need not be cut
+    if (operand.kind == KIND_VALUE) {  // usually one name or number, which need not be split
         const std::string_view word = EvaluatedPart(text, operand);
         if (IsOneName(word)) {
             AddUse(statement, word, places);
@@ -125,7 +125,7 @@ void NameCollector::AddUse(const CStatement& statement, std::string_view name,
     }
 }
 
-// Adds the early uses of names that are in the table by now to the other uses of these names.
+// Moves the early uses of each name that is now in the table to the other uses of that name.
 void NameCollector::JoinEarlyUses() {
     std::erase_if(earlyUses, [this](auto& early) {
         const CIdentifier* const record = table->Find(std::string_view(early.first));

@@ -98,7 +98,7 @@ bool Adviser::TakeRefusedEnd() {
     return true;
 }
 
-// A comment of several lines, as in other assemblers. If nothing ends it, it counts as one line.
+// A multi-line comment, as in other assemblers. If nothing ends it, it counts as one line.
 void Adviser::RememberComment(const FaultView& fault, Advice* advice) {
     const StatementView& statement = fault.statement;
     const LinePart place = advice->place.value_or(LinePart{});

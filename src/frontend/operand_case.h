@@ -61,7 +61,7 @@ struct OperandCase {
 [[nodiscard]] bool AdviseOnComma(OperandCase* it);
 /// Advises on another sign instead of a comma, as in "LD A:5".
 [[nodiscard]] bool AdviseOnSeparator(OperandCase* it);
-/// Advises on a statement that `commas` would cut into operands which do not fit, as in "SUB A:5".
+/// Advises on a statement that `commas` would split into operands which do not fit ("SUB A:5").
 [[nodiscard]] bool AdviseOnSeparated(OperandCase* it, std::string_view part,
                                      const std::vector<TextEdit>& commas);
 /// Advises on brackets around the values of a data directive.

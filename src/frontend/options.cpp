@@ -43,7 +43,7 @@ bool IsOption(std::string_view word) {
 }
 
 // The option that is probably meant by the misspelt `name`, which has no dashes; empty if none is
-// near.
+// close.
 std::string Meant(std::string_view name) {
     std::vector<std::string_view> names;
     std::ranges::transform(optionTable, std::back_inserter(names), &OptionRow::name);

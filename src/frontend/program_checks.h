@@ -7,7 +7,7 @@
 
 namespace korv {
 
-/// Adds `message`, a named warning, to `analysis` if it is on in `choice`, as a warning or as an
+/// Adds the named warning `message` to `analysis` if `choice` enables it, as a warning or as an
 /// error. Fills in its text and code.
 void AddWarning(const WarningChoice& choice, Message message, Analysis* analysis);
 /// Counts `message`, and adds it unless the error limit has been reached.

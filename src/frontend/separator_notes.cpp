@@ -214,7 +214,7 @@ void AddInstructionBreaks(OperandCase* it, const OperandView& operand) {
 
 }  // namespace
 
-// A second instruction on the line, with or without a sign before it.
+// A second instruction on the line, with or without a separator before it.
 bool AdviseOnSecondInstruction(OperandCase* it) {
     const auto& operands = it->statement.operands;
     for (std::size_t i = 1; i < operands.size(); ++i) {  // "PUSH HL, POP DE"

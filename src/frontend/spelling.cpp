@@ -16,7 +16,8 @@ bool IsApostrophe(std::string_view source, std::size_t at) {
            source.find('\'', at + 1) != std::string_view::npos;
 }
 
-// The text in single quotes that begins at `start` of the line. Two quotes in a row stand for one.
+// The text in single quotes that begins at offset `start` of the line. Two quotes in a row stand
+// for one.
 Foreign SingleQuoted(const StatementView& statement, std::size_t start) {
     const std::string_view line = statement.line;
     const std::string_view source = statement.typed;

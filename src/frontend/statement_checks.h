@@ -33,7 +33,7 @@ class StatementChecks {
     /// Warns about what is odd in `statement`. If `isFaulty`, it has been reported already, and
     /// only its effect on open IFs is recorded.
     void Look(CStatement* statement, std::uint32_t count, bool isFaulty);
-    /// Warns about comments that swallow a line, in a statement of several lines.
+    /// Warns about comments that swallow a line, in a multi-line statement.
     void LookAtComments(const CStatement& statement);
     /// Reports each IF that has no ENDIF.
     void LookAtOpenConditions();

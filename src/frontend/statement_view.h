@@ -1,7 +1,7 @@
-/// A cleaned logical line cut into label, mnemonic, operands and tokens, with the core's own tables
-/// and token reader. It needs no live statement: late messages, skipped lines and the incomplete
-/// lines of an editor are cut the same way. Every part is a view of the line, so its place is an
-/// offset and a length.
+/// A cleaned logical line split into label, mnemonic, operands and tokens, with the core's own
+/// tables and token reader. It needs no live statement: late messages, skipped lines and the
+/// incomplete lines of an editor are split the same way. Every part is a view of the line, so its
+/// place is an offset and a length.
 #pragma once
 
 #include <cassert>

@@ -1,5 +1,5 @@
 /// The named warnings: those that the core reports by number, and those that only this front end
-/// gives.
+/// issues.
 #pragma once
 
 #include <array>

@@ -218,8 +218,8 @@ std::string_view NearestKeyword(const StatementView& statement, std::string_view
     if (word.size() > (statement.operands.empty() ? 3 : 2)) {
         return NearWords(words).Find(word, isForm);
     }
-    // Many keywords are near so short a word: exactly one of them must accept the operands. CAL may
-    // be CALL without its operands.
+    // Many keywords are close to such a short word, so exactly one of them must accept the
+    // operands. CAL also matches CALL if the operands are missing.
     const auto isNear = [word, isForm](std::string_view each) {
         return EditDistance(word, each) == 1 &&
                (isForm(each) || (each.starts_with(word) && each.back() == word.back()));

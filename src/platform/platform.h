@@ -173,7 +173,7 @@ struct FileIdentity {
 };
 using FileSet = std::set<FileIdentity>;
 
-/// Owns the number of an open file; -1 for none. The destructor closes the file.
+/// Owns a file descriptor; -1 for none. The destructor closes the file.
 class FileHandle {
   public:
     explicit FileHandle(int number = -1) : number(number) {}
@@ -184,7 +184,7 @@ class FileHandle {
     }
     ~FileHandle();
     operator int() const { return number; }
-    /// Gives up the number; the caller must then close the file.
+    /// Gives up the descriptor; the caller must then close the file.
     [[nodiscard]] int Release() { return std::exchange(number, -1); }
 
   private:

@@ -63,7 +63,7 @@ template <typename Request>
 /// The signals that were blocked before `HoldSignals`; null if none are held.
 [[nodiscard]] const sigset_t* MaskBeforeHold();
 
-/// Whether each standard stream was closed when the process started, indexed by its number.
+/// Whether each standard stream was closed when the process started, indexed by file descriptor.
 extern bool wasMissing[3];
 
 }  // namespace korv::platform

@@ -124,7 +124,7 @@ class Listing {
         return count >= 0;
     }
 
-    std::set<std::pair<std::string, std::string>> names;  // each in capitals, then as spelled
+    std::set<std::pair<std::string, std::string>> names;  // each in upper case, then as spelled
     // The directory that was read; none if a later change might not show in its modification time.
     FileIdentity identity;
     nanoseconds changed{};

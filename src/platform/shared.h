@@ -82,12 +82,12 @@ void Remove(std::string* name);
 void HoldSignals();
 void ReleaseSignals();
 
-/// The number of the process.
+/// The process ID.
 [[nodiscard]] unsigned long ProcessNumber();
 
 /// Calls `create` with names in the directory of `place` until one is free, at most 100 times, and
 /// returns that name in `name`. A name can be taken by a file that a killed process has left, or by
-/// another process with that number.
+/// another process with that ID.
 template <typename Create>
 Creation CreateAtFreeName(const OutputPlace& place, std::string* name, Create create) {
     Creation creation = Creation::nameIsTaken;

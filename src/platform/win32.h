@@ -47,8 +47,8 @@ using OwnedHandle = std::unique_ptr<void, HandleCloser>;
 [[nodiscard]] OwnedHandle OpenHandle(const std::wstring& path, DWORD access, DWORD disposition,
                                      DWORD attributes);
 
-/// Turns the handle of an open file into a number. `mode` is _O_BINARY, or _O_TEXT for the line
-/// ends of the system.
+/// Turns the handle of an open file into a file descriptor. `mode` is _O_BINARY, or _O_TEXT for the
+/// line ends of the system.
 [[nodiscard]] FileHandle Numbered(OwnedHandle file, int mode);
 
 [[nodiscard]] inline HANDLE HandleOf(int number) {

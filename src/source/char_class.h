@@ -44,7 +44,7 @@ inline constexpr auto charClass = [] {
     return HasClass(c, CC_LOWER) ? static_cast<char>(c - ('a' - 'A')) : c;
 }
 
-/// Skips the blanks at the start of `text`, which is terminated.
+/// Skips the blanks at the start of the null-terminated `text`.
 [[nodiscard]] constexpr const char* SkipBlanks(const char* text) noexcept {
     while (HasClass(*text, CC_BLANK)) {
         ++text;

@@ -10,7 +10,7 @@
 
 namespace korv {
 
-/// A terminated copy of `text`; null if there is no memory for it.
+/// A null-terminated copy of `text`; null if there is no memory for it.
 [[nodiscard]] std::unique_ptr<char[]> CopyOf(std::string_view text);
 
 class CFileNameRegistry {

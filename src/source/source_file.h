@@ -23,7 +23,7 @@ class CSourceFile {
     /// The least room that a line buffer must have, even if the longest line allowed is shorter.
     static constexpr std::size_t leastRoom = 32;
 
-    /// Reads the next logical line into `line` as terminated text. There must be room for
+    /// Reads the next logical line into `line` as null-terminated text. There must be room for
     /// `maxLength` + 1 characters, and for at least `leastRoom`. Letters outside double quotes are
     /// converted to upper case; the comment, carriage returns and trailing blanks are removed;
     /// physical lines that end in a backslash are joined. A line of only blanks keeps them. Result:

@@ -18,7 +18,7 @@ class CNamePool {
     CNamePool(const CNamePool&) = delete;
     CNamePool& operator=(const CNamePool&) = delete;
 
-    /// Returns a terminated copy of `name`, valid as long as the pool.
+    /// Returns a null-terminated copy of `name`, valid as long as the pool.
     const char* Store(std::string_view name);
     /// Returns `size` bytes of memory, valid as long as the pool. `alignment` is a power of 2.
     void* Take(std::size_t size, std::size_t alignment);

@@ -44,7 +44,7 @@ struct CPatchInfo {
     CtmpString expression{};       ///< empty: the text is the name of `identifier`
     CtmpString name{};             ///< PF_EQU: the identifier that the value defines; else empty
 
-    /// The text to evaluate again, terminated.
+    /// The text to evaluate again, null-terminated.
     [[nodiscard]] std::string_view Text() const {
         return expression.c_str() == nullptr ? identifier->Name() : expression.View();
     }

@@ -1,5 +1,5 @@
-/// The features. Each is a function from a request about a place in a snapshot to the JSON of its
-/// result. A feature that refuses a request throws a `RequestError` with the reason.
+/// The features. Each is a function that takes a request about a place in a snapshot and returns
+/// the result as JSON. A feature that refuses a request throws a `RequestError` with the reason.
 #pragma once
 
 #include <string_view>
@@ -55,8 +55,8 @@ struct Query {
 [[nodiscard]] Json DocumentSymbols(const Query& query);
 /// Adds the names of the whole program that contain `text`, without regard to case.
 void AddSymbolsLike(const Snapshot& snapshot, std::string_view text, Json* symbols);
-/// Blocks from IF to ENDIF, comments of several lines, and routines. A routine is a label and its
-/// code, up to the next label.
+/// Blocks from IF to ENDIF, multi-line comments, and routines. A routine is a label and its code,
+/// up to the next label.
 [[nodiscard]] Json FoldingRanges(const Query& query);
 /// The address, and optionally the bytes, after the end of each line, where they move no text.
 [[nodiscard]] Json InlayHints(const Query& query);

@@ -1,4 +1,4 @@
-/// Runs the assembler once and makes an `Analysis` of what it reports.
+/// Runs the assembler once and builds an `Analysis` from what it reports.
 #pragma once
 
 #include "frontend/analysis.h"

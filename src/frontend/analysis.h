@@ -100,7 +100,7 @@ struct Name {
 
 enum class Severity : std::uint8_t { error, warning };
 
-/// A change of the text that a note proposes.
+/// A change to the text that a note proposes.
 struct Edit {
     Place place;  ///< what is replaced; an insertion has the length 0
     std::string text;

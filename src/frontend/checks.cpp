@@ -27,8 +27,8 @@ bool HoldsLocation(const lsArg& arg) {
     return false;
 }
 
-// True if `arg`, for which `IsOdd` is true, is of a common and harmless kind: a string without a
-// backslash, or an unresolved expression without a "$".
+// True if `arg` is of a common and harmless kind although `IsOdd` is true for it: a string without
+// a backslash, or an unresolved expression without a "$".
 bool IsUsual(const lsArg& arg) {
     if (IsLateExpression(arg)) {
         return arg.text.find('$') == std::string_view::npos;
@@ -46,8 +46,8 @@ bool IsOpenString(const lsArg& arg) {
     return arg.status == 0 && arg.IsValue() && HasOpenQuote(arg.text);
 }
 
-// Adds what is odd about `arg`, which is resolved. A register that is used as a value counts as 0,
-// and so does the register of an operand with a displacement.
+// Adds what is suspicious about the resolved operand `arg`. A register that is used as a value
+// counts as 0, and so does the register of an operand with a displacement.
 void CheckOperand(const lsArg& arg, const Keyword* keyword, Findings* findings) {
     const InstructionHandler handler = keyword == nullptr ? nullptr : keyword->handler;
     const auto isOneOf = [handler](std::initializer_list<InstructionHandler> handlers) {

@@ -1,4 +1,4 @@
-/// Warnings that only the front end gives, about statements that assemble to something other than
+/// Warnings that only the front end issues, about statements that assemble to something other than
 /// they appear to say. Each function looks at one statement or one file; the caller determines the
 /// place in the file.
 #pragma once
@@ -73,8 +73,7 @@ struct ByteFinding {
 /// file differently from how it is read. Only the first of each kind is reported.
 [[nodiscard]] std::vector<ByteFinding> CheckBytes(const StoredText& text);
 
-/// Comments of `line` that end with a backslash and so swallow the next line, which is not a
-/// comment.
+/// Comments in `line` that end with a backslash and so swallow a next line that is not a comment.
 [[nodiscard]] std::vector<ByteFinding> CheckComments(const StoredText& text,
                                                      const LogicalLine& line);
 

@@ -26,7 +26,7 @@ struct Cycles {
 
 /// Length of the longest text of a `Cycles`, in characters.
 inline constexpr std::size_t longestCycles = 7;
-/// Writes the text of `cycles` to `to`, which has room for the longest. Result: its end.
+/// Writes the text of `cycles` to `to`, which has room for the longest text. Result: its end.
 char* PutCycles(char* to, Cycles cycles);
 
 /// "10", or "17/10" with the longer time first; empty for 0.

@@ -1,5 +1,5 @@
-// Advice on definitions in the style of another assembler: with another sign, with the name after
-// the directive, or as a preprocessor line.
+// Advice on definitions in the style of another assembler: with another operator, with the name
+// after the directive, or as a preprocessor line.
 
 #include <algorithm>
 
@@ -22,7 +22,7 @@ std::string Definition(const StatementView& statement, std::string_view name,
     return Translate(CutStatement(line, typed)).typed;
 }
 
-// The line as such a definition, for a message at `part`.
+// Advice to replace the line with such a definition, for a message at `part`.
 Advice Defined(const StatementView& statement, std::string_view part, std::string_view name,
                std::string_view value) {
     Advice advice = Replace(statement, statement.line, Definition(statement, name, value), "");
@@ -95,7 +95,7 @@ Advice AdviseOnDefinition(const StatementView& statement) {
     std::string_view name = statement.label;
     std::string_view sign = word;
     std::string_view value = statement.rest;
-    if (line[name.size()] == '=') {  // "X=5": the core takes the sign for the colon
+    if (line[name.size()] == '=') {  // "X=5": the core reads "=" as the colon
         sign = line.substr(name.size(), 1);
         value = line.substr(name.size() + 1);
     } else if (!value.empty() &&

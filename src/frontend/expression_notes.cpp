@@ -167,7 +167,7 @@ bool IsAnonymousLabel(const StatementView& statement, std::string_view text) {
            text.find_first_not_of("+-") == std::string_view::npos;
 }
 
-// A bracket that is not opened, in an operand with `opens` brackets that are.
+// A closing bracket without an opening one, in an operand with `opens` opening brackets.
 void AdviseOnExtraBracket(OperandCase* it, const Token& token, std::ptrdiff_t opens) {
     const OperandView& operand = *it->operand;
     const bool isLast = operand.text.ends_with(')');
@@ -188,7 +188,7 @@ void AdviseOnExtraBracket(OperandCase* it, const Token& token, std::ptrdiff_t op
     }
 }
 
-// A bracket that is not closed, or not opened.
+// A bracket without its counterpart.
 void AdviseOnBracket(OperandCase* it, const Token& token, bool isOpened) {
     const OperandView& operand = *it->operand;
     const auto count = [&operand](std::int32_t code) {

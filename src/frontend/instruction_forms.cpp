@@ -100,7 +100,7 @@ bool IsA(const OperandView& operand, std::string_view term, bool ignoresParenthe
 }
 
 // True if the first `count` operands match those of `form`. With `isWhole`, `form` must have no
-// others.
+// further operands.
 bool Begins(const StatementView& statement, std::string_view form, std::size_t count,
             bool ignoresParentheses, bool isWhole) {
     if (form == "-") {

@@ -31,7 +31,7 @@ Advice AdviseOnOddName(Adviser& adviser, const StatementView& statement) {
         return {};
     }
     std::string name;
-    bool isApart = false;  // after characters that no name has
+    bool isApart = false;  // after characters that a name cannot have
     for (const char c : statement.Typed(word)) {
         if (HasClass(c, CC_NAME)) {
             name.append(isApart ? "_" : "").append(1, c);

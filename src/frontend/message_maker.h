@@ -63,7 +63,7 @@ class MessageMaker : private RunFacts {
     void Warn(Warning warning, const Place& place, std::int32_t opening, std::string detail,
               std::string_view note);
     /// Makes messages from what was kept, in the same order, except for warnings that are off and
-    /// reports that only follow from an earlier one.
+    /// reports that are only consequences of an earlier one.
     void Finish();
     /// The place in the file that corresponds to `place`. A whole statement is marked by its
     /// mnemonic, or by its label if it has none.
@@ -79,7 +79,7 @@ class MessageMaker : private RunFacts {
         return analysis->errorLimit == 0 || analysis->errorCount < analysis->errorLimit;
     }
 
-    /// The core's number of the file of opening `opening`.
+    /// The core's number for the file of opening `opening`.
     [[nodiscard]] std::int32_t NumberOf(std::int32_t opening) const {
         return numberByOpening[static_cast<std::size_t>(opening)];
     }
@@ -117,7 +117,7 @@ class MessageMaker : private RunFacts {
     std::vector<std::variant<Report, Message>> pending;
     std::int32_t renameBudget = 50'000;         // lines that may still be searched for uses
     std::unordered_set<std::string> explained;  // names of labels that errors are about
-    std::optional<Message> leftOut;  // the first error that only followed from another message
+    std::optional<Message> leftOut;  // the first error that was only a consequence of another
     // For each statement with a report, by the core's file and line: the number of the statement,
     // and how many reports it has had.
     std::map<std::pair<std::int32_t, std::int32_t>, std::pair<std::int32_t, std::int32_t>>

@@ -245,7 +245,7 @@ bool IsForm(std::string_view text) {
     return HasForm(CutStatement(line));
 }
 
-// The advice of the rows on a statement that is to be proposed but matches no form.
+// The advice from the rows on a statement that is to be proposed but matches no form.
 std::optional<RowAdvice> AdviceOnRest(std::string_view text) {
     const std::string typed = " " + std::string(text);
     const std::string line = Raised(typed);

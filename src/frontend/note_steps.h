@@ -14,7 +14,8 @@ namespace korv {
 /// Advice on operands that do not fit, or have no value.
 [[nodiscard]] Advice AdviseOnOperands(Adviser& adviser, const FaultView& fault);
 
-/// A note with what would fit in place of the first operand that does not; empty if they all fit.
+/// A note that lists what would fit in place of the first operand that does not fit; empty if all
+/// fit.
 [[nodiscard]] std::string FormsNote(const StatementView& statement);
 
 /// True if the operand of a jump is like 1B or 1F, which are numbered labels in other assemblers.
@@ -34,14 +35,14 @@ inline constexpr std::string_view numberedLabelNote =
 /// none.
 [[nodiscard]] Advice AdviseOnNameSecond(const StatementView& statement);
 
-/// Advice on all else: labels, files, conditions, ranges.
+/// Advice on everything else: labels, files, conditions, ranges.
 [[nodiscard]] Advice AdviseOnRest(Adviser& adviser, const FaultView& fault);
 
 /// Advice on a definition in the style of another assembler, or in the wrong column; empty if there
 /// is none.
 [[nodiscard]] Advice AdviseOnDefinition(const StatementView& statement);
 
-/// Advice on "#define X 5"; for other lines, that of `AdviseOnNameSecond`.
+/// Advice on "#define X 5"; for other lines, the result of `AdviseOnNameSecond`.
 [[nodiscard]] Advice AdviseOnPreprocessor(const StatementView& statement);
 
 /// Advice on a name with invalid characters at the start of the line; empty if there is none.
@@ -57,7 +58,7 @@ inline constexpr std::string_view numberedLabelNote =
 /// True if `text` can be a name.
 [[nodiscard]] bool IsNameText(std::string_view text);
 
-/// Advice at `part` without a change.
+/// Advice at `part` that proposes no change.
 [[nodiscard]] Advice Say(const StatementView& statement, std::string_view part, std::string note);
 
 /// Registers of other processors that beginners and translated programs use.

@@ -1,6 +1,6 @@
 // Advice is looked for in this order: the mnemonic; the operand at fault, first its foreign
 // spellings and then its tokens; the operands as a whole; the forms of the mnemonic. A message that
-// only follows from an earlier one is then marked as such.
+// is only a consequence of an earlier one is then marked as such.
 
 #include "frontend/notes.h"
 
@@ -46,8 +46,8 @@ bool IsAboutValue(Status number) {
     return std::ranges::find(numbers, number) != numbers.end();
 }
 
-// Words that begin and end blocks in other assemblers. An error about the end of a block only
-// follows from the one about its start.
+// Words that begin and end blocks in other assemblers. An error about the end of a block is only a
+// consequence of the one about its start.
 constexpr std::string_view blockStarts =
     "MACRO MAC REPT REPEAT DUP IRP IRPC WHILE FOR STRUCT UNION MODULE PHASE DISP SCOPE PROC "
     "NAMESPACE LUA ENUM FUNC FUNCTION SELECT SWITCH";
@@ -340,7 +340,7 @@ void Adviser::RememberCondition(const FaultView& fault, const Advice& advice, bo
 }
 
 // The name and the parameters of a macro mean nothing, and lines that are wrong inside it may be
-// right once they are written out.
+// right once the macro is expanded by hand.
 void Adviser::RememberBlock(const FaultView& fault, std::string_view end) {
     const StatementView& statement = fault.statement;
     refusedNames.emplace(statement.label);

@@ -1,6 +1,6 @@
-/// What to do about a message: the note, the change of the text that it proposes, the exact place,
-/// and whether the message only follows from an earlier one. It is meant for users who are new to
-/// Korv or come from another assembler.
+/// What to do about a message: the note, the change to the text that it proposes, the exact place,
+/// and whether the message is only a consequence of an earlier one. The notes are meant for users
+/// who are new to Korv or come from another assembler.
 #pragma once
 
 #include <cstdint>
@@ -59,7 +59,7 @@ struct FaultView {
     const StatementView& statement;
     LinePart part;          ///< the part that the core reported; length 0: the whole statement
     std::string_view text;  ///< the detail of the message, often the part itself; may be empty
-    std::int32_t file = 0;  ///< the core's number of the opening
+    std::int32_t file = 0;  ///< the core's number for the opening
     std::int32_t line = 0;
     std::int32_t statementId = 0;  ///< the same for all messages of one statement of the run
     bool isSkipped = false;        ///< the statement is not assembled, because of a condition
@@ -67,7 +67,7 @@ struct FaultView {
 };
 
 struct Advice {
-    std::string text;                   ///< replaces the core's text; empty: that stays
+    std::string text;                   ///< replaces the core's text; empty: keeps it
     std::string note;                   ///< what to do, or empty
     std::vector<TextEdit> edits;        ///< in the cleaned line, from left to right
     std::optional<LinePart> place;      ///< more exact than that of the fault
@@ -88,18 +88,18 @@ class Adviser {
 
     [[nodiscard]] Advice AdviceFor(const FaultView& fault);
 
-    /// The name with a value that is nearest to `name`; empty if none is near.
+    /// The name with a value that is nearest to `name`; empty if none is close.
     [[nodiscard]] std::string_view NearestName(std::string_view name);
 
     /// `name`, with a number after it if it is taken. The result counts as taken from now on.
     [[nodiscard]] std::string UnusedName(const std::string& name);
 
-    /// Prepares for the refusal of the definition of `name`: errors about earlier uses only follow
-    /// from it.
+    /// Records that the definition of `name` will be refused: errors about earlier uses are only
+    /// consequences.
     void ExpectRefusal(std::string_view name) { refusedNames.emplace(name); }
 
-    /// Records that the source ends inside a skipped block. The names that this would define are
-    /// unknown, so a late error about an undefined name only follows from it.
+    /// Records that the source ends inside a skipped block. The names that this block would define
+    /// are unknown, so a late error about an undefined name is only a consequence.
     void ExpectSkippedEnd() { hasRefusedEnd = true; }
 
     /// True if a refused ENDIF explains an open IF. Each explains only one, so it is used up.
@@ -135,7 +135,7 @@ class Adviser {
     std::int32_t slipBudget = 1000;                 // messages that may still be tried as slips
     bool hasRefusedTest = false;                    // a refused IF without a proposed change
     bool hasRefusedBranch = false;                  // an IF or ELSE: both branches are assembled
-    std::int32_t skippedFile = 0;      // with a refused macro or comment of several lines
+    std::int32_t skippedFile = 0;      // the file with a refused macro or multi-line comment
     std::int32_t skippedAfter = 0;     // its first line
     std::int32_t skippedTo = 0;        // its last line
     bool hasRepeatedFile = false;      // a file that defines names is read twice

@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::string_view hexDigits = "0123456789ABCDEF";
 
-// How another assembler marks a number, and how Korv does.
+// How another assembler marks the base of a number, and how Korv does.
 struct Notation {
     std::string_view prefix;
     std::string_view suffix;

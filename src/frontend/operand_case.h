@@ -43,8 +43,8 @@ struct OperandCase {
     }
 };
 
-/// The operand that the message is about; null if an operand is missing, or it is about none of
-/// them.
+/// The operand that the message is about; null if an operand is missing, or if the message is not
+/// about an operand.
 [[nodiscard]] const OperandView* FocusOf(const FaultView& fault);
 
 /// True if the changed statement matches a form of its mnemonic.
@@ -59,20 +59,20 @@ struct OperandCase {
 [[nodiscard]] bool AdviseOnWordOperator(OperandCase* it, const Token& token);
 /// Advises on "LD A;5", where a comment ends the operands, and on "(IX,5)".
 [[nodiscard]] bool AdviseOnComma(OperandCase* it);
-/// Advises on another sign instead of a comma, as in "LD A:5".
+/// Advises on another character instead of a comma, as in "LD A:5".
 [[nodiscard]] bool AdviseOnSeparator(OperandCase* it);
 /// Advises on a statement that `commas` would split into operands which do not fit ("SUB A:5").
 [[nodiscard]] bool AdviseOnSeparated(OperandCase* it, std::string_view part,
                                      const std::vector<TextEdit>& commas);
 /// Advises on brackets around the values of a data directive.
 [[nodiscard]] bool AdviseOnListBrackets(OperandCase* it);
-/// Advises on a sign after a register or a number.
+/// Advises on a punctuation mark after a register or a number.
 [[nodiscard]] bool AdviseOnLastSign(OperandCase* it);
 /// Advises on brackets with a comma in them.
 [[nodiscard]] bool AdviseOnSplitBrackets(OperandCase* it);
 /// Advises on an operand without text.
 [[nodiscard]] bool AdviseOnEmptyOperand(OperandCase* it);
-/// Advises on a second instruction on the line, with or without a sign before it.
+/// Advises on a second instruction on the line, with or without a separator before it.
 [[nodiscard]] bool AdviseOnSecondInstruction(OperandCase* it);
 /// Advises on the spellings of other assemblers.
 [[nodiscard]] bool AdviseOnSpelling(OperandCase* it);

@@ -255,7 +255,7 @@ void AdviseOnOperandCase(OperandCase* it) {
         }
     }
     const bool isValue = it->operand != nullptr && it->operand->what.kind == KIND_VALUE &&
-                         fault.statement.mnemonic != "EX";  // AF' is no expression
+                         fault.statement.mnemonic != "EX";  // AF' is not an expression
     const ExpressionFault kind =
         isValue ? FindExpressionFault(*it->operand).fault : ExpressionFault::none;
     const bool isBroken = kind == ExpressionFault::twoValues ||
@@ -293,7 +293,7 @@ Advice AdviseOnOperands(Adviser& adviser, const FaultView& fault) {
     }
     OperandCase it{adviser, fault, fault.statement, FocusOf(fault)};
     AdviseOnOperandCase(&it);
-    const std::string note = Raised(it.advice.note);  // the note has names as they were typed
+    const std::string note = Raised(it.advice.note);  // the note shows names as they were typed
     for (const OperandView& operand : fault.statement.operands) {
         const Token* const token = operand.OnlyToken();
         const bool isCause =

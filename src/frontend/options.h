@@ -54,10 +54,10 @@ struct Options {
 };
 
 /// Reads the words of a command line, without the program name and with no @FILE among them.
-/// Result: empty, or an error message; then `options` is incomplete.
+/// Result: empty, or an error message, in which case `options` is incomplete.
 [[nodiscard]] std::string TakeWords(const std::vector<std::string>& words, Options* options);
 
-/// The same for the arguments of `main`. Replaces each @FILE by its words first.
+/// The same for the arguments of `main`. First replaces each @FILE with its words.
 [[nodiscard]] std::string ReadOptions(int argumentCount, char** arguments, Options* options);
 
 /// The texts of --help and --version.

@@ -116,13 +116,13 @@ bool IsSound(const RunFacts& facts, const StatementView& statement,
 
 namespace {
 
-// The search for a sign that makes a statement sound.
+// The search for a change of one character that makes a statement sound.
 struct SlipSearch {
     const RunFacts& facts;
     const StatementView& statement;
     Advice advice = {};
     std::string meant = {};
-    bool isUnsure = false;  // several would
+    bool isUnsure = false;  // several changes would
 
     [[nodiscard]] bool IsNameAt(std::size_t at) const {
         return at < statement.line.size() && HasClass(statement.line[at], CC_NAME);
@@ -135,15 +135,15 @@ struct SlipSearch {
                    at < part.offset + part.length;
         });
     }
-    // Whether the characters at `at` and after it may have changed places.
+    // Whether the character at `at` may have been swapped with the next one.
     [[nodiscard]] bool MaySwap(std::size_t at) const {
         const std::string_view line = statement.line;
-        const bool isFirst = !IsNameAt(at);  // the sign is the first of them
+        const bool isFirst = !IsNameAt(at);  // the punctuation mark is the first of the two
         const std::size_t sign = isFirst ? at : at + 1;
         if (sign >= line.size() || !IsNameAt(isFirst ? at + 1 : at)) {
             return false;
         }
-        if (HasClass(line[sign], CC_BLANK)) {  // else there would only be a blank less
+        if (HasClass(line[sign], CC_BLANK)) {  // else the swap only removes a blank
             return at == 0 || IsNameAt(isFirst ? at + 2 : at - 1);
         }
         const bool isData = HoldsWord("DB DEFB DW DEFW DM DEFM", statement.mnemonic);
@@ -233,8 +233,8 @@ std::string MeantMnemonic(const FaultView& fault, const Advice& advice) {
 
 namespace {
 
-// Extends the change of one part to everything that is foreign in the statement. Result: true if
-// the changed statement is sound.
+// Extends the change of one part to all foreign parts of the statement. Result: true if the changed
+// statement is sound.
 bool Complete(const RunFacts& facts, const StatementView& statement, Advice* advice) {
     const Translation whole = Translate(statement, advice->edits);
     const std::vector<TextEdit> edits = {{LinePart{0, whole.end}, whole.typed}};

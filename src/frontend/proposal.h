@@ -7,14 +7,14 @@
 
 namespace korv {
 
-/// True if the lines that result from `edits` show no fault: an unknown mnemonic, operands that
-/// match no form, a broken expression, a register in one, a name that neither the statement nor the
-/// run has, a byte out of range.
+/// True if the lines that result from `edits` have none of these faults: an unknown mnemonic,
+/// operands that match no form, a broken expression, a register in an expression, a name that is in
+/// neither the statement nor the run, a byte out of range.
 [[nodiscard]] bool IsSound(const RunFacts& facts, const StatementView& statement,
                            const std::vector<TextEdit>& edits);
 
-/// Advice on a statement with one mistyped sign: a missing comma, a sign swapped with its
-/// neighbour, or a wrong bracket. Empty if no such change, or more than one, makes it sound.
+/// Advice on a statement with one mistyped punctuation mark: a missing comma, a mark swapped with
+/// its neighbour, or a wrong bracket. Empty if no such change, or more than one, makes it sound.
 [[nodiscard]] Advice AdviseOnSlip(const RunFacts& facts, const FaultView& fault);
 
 /// If the change that `advice` proposes is not sound, extends it to other foreign parts of the

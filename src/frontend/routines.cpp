@@ -44,7 +44,7 @@ class Labels {
     static std::uint64_t PositionOf(std::int32_t opening, std::int32_t line) {
         return static_cast<std::uint64_t>(opening) << 32 | static_cast<std::uint32_t>(line);
     }
-    // The first label from `label` on that is not before `position`.
+    // The first label from `label` on that is at or after `position`.
     [[nodiscard]] std::size_t Next(std::size_t label, std::uint64_t position) const {
         while (label != labels.size() && labels[label].position < position) {
             ++label;
@@ -53,7 +53,7 @@ class Labels {
     }
 
     std::vector<Label> labels;
-    std::vector<std::size_t> nextOf;  // by opening: its first label not before the last statement
+    std::vector<std::size_t> nextOf;  // by opening: its first label at or after the last statement
 };
 
 }  // namespace

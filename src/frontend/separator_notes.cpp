@@ -69,7 +69,7 @@ bool AdviseOnSeparated(OperandCase* it, std::string_view part,
     return true;
 }
 
-// Another sign instead of a comma, as in "LD A:5".
+// Another character instead of a comma, as in "LD A:5".
 bool AdviseOnSeparator(OperandCase* it) {
     const auto& operands = it->statement.operands;
     const bool isData = HoldsWord(dataDirectives, it->statement.mnemonic);
@@ -133,7 +133,7 @@ bool AdviseOnListBrackets(OperandCase* it) {
     return true;
 }
 
-// A sign after a register or number, as in "PUSH HL." and "LD A,5.".
+// A punctuation mark after a register or number, as in "PUSH HL." and "LD A,5.".
 bool AdviseOnLastSign(OperandCase* it) {
     for (const OperandView& operand : it->statement.operands) {
         const std::string_view text = operand.text;
@@ -174,8 +174,8 @@ bool AdviseOnSplitBrackets(OperandCase* it) {
 
 namespace {
 
-// True if the mnemonic at token `i`, up to the next one or a sign between instructions, is a
-// statement, and not a word of a comment.
+// True if the text from the mnemonic at token `i` to the next mnemonic or separator is a statement,
+// not part of a comment.
 bool IsWholeInstruction(const StatementView& statement, const OperandView& operand, std::size_t i) {
     constexpr std::size_t longest = 80;  // a bound for the work on one message
     const std::size_t start = statement.PartOf(operand.tokens[i].text).offset;

@@ -10,7 +10,7 @@
 
 namespace korv {
 
-/// A change of the line.
+/// A change to the line.
 struct TextEdit {
     LinePart part;
     std::string text;

@@ -1,5 +1,6 @@
-// Advice on operands in the style of another assembler. It proposes the whole statement with
-// everything foreign in it replaced; if that matches no form, it is about what else is wrong.
+// Advice on operands in the style of another assembler. It proposes the whole statement with all
+// foreign spellings replaced; if the result matches no form, the advice is about what else is
+// wrong.
 
 #include "frontend/note_rows.h"
 #include "frontend/note_steps.h"
@@ -76,7 +77,7 @@ bool AdviseOnQuotedName(OperandCase* it, std::string_view part) {
     return false;
 }
 
-// Proposes the translated statement, which in the note replaces the text of the single change.
+// Proposes the translated statement. In the note, it replaces the text of the single change.
 void ProposeWhole(OperandCase* it, const Translation& translation) {
     const StatementView changed = translation.View();
     const std::string whole(changed.Typed(changed.Span(changed.mnemonic, changed.rest)));

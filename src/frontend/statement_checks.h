@@ -30,14 +30,14 @@ class StatementChecks {
                 assembler->location != statement.address + count ||
                 HasOddOperand(statement, count));
     }
-    /// Warns about what is odd in `statement`. If `isFaulty`, it has been reported already, and
-    /// only its effect on open IFs is recorded.
+    /// Warns about anything suspicious in `statement`. If `isFaulty`, the statement has been
+    /// reported already, and only its effect on open IFs is recorded.
     void Look(CStatement* statement, std::uint32_t count, bool isFaulty);
     /// Warns about comments that swallow a line, in a multi-line statement.
     void LookAtComments(const CStatement& statement);
     /// Reports each IF that has no ENDIF.
     void LookAtOpenConditions();
-    /// Warns about odd bytes in the file of `opening`.
+    /// Warns about suspicious bytes in the file of `opening`.
     void LookAtBytes(std::int32_t opening);
 
     void Warn(const CStatement& statement, const Findings& findings);

@@ -1,5 +1,5 @@
-// Cuts a line as the core does. The line must have no comment, as the reader leaves it: a semicolon
-// is not treated specially.
+// Splits a line as the core does. A semicolon is not treated specially, since the reader has
+// already removed the comment.
 
 #include "frontend/statement_view.h"
 

@@ -21,7 +21,7 @@ char* PutAddress(char* to, std::int32_t value) {
     return PutHex(to, static_cast<std::uint32_t>(value), 4);
 }
 
-// Writes a value as an expression that the source language accepts: its numbers end at 65535.
+// Writes a value as an expression that the source language accepts, where numbers end at 65535.
 char* PutExpression(char* to, std::int32_t value) {
     if (value < 0 && value >= -lastAddress) {
         return PutNumber(to, value);

@@ -1,4 +1,4 @@
-/// The text of an output while it is put together. A listing has a row for each line of the source,
+/// The text of an output while it is being built. A listing has a row for each line of the source,
 /// so its writer requests room once per row, not once per piece.
 #pragma once
 
@@ -17,7 +17,7 @@ namespace korv {
 /// Length of the longest number in decimal.
 inline constexpr std::size_t longestNumber = 20;
 
-/// Writes `value` in decimal to `to`, which must have room for the longest. Result: its end.
+/// Writes `value` in decimal to `to`, which must have room for the longest number. Result: its end.
 template <typename Number>
 char* PutNumber(char* to, Number value) {
     return std::to_chars(to, to + longestNumber, value).ptr;
@@ -35,7 +35,7 @@ inline char* PutBlanks(char* to, char* end) {
 
 class TextBuffer {
   public:
-    /// An empty text with memory for `size` characters, the expected number, since growing copies
+    /// An empty text with memory for the `size` characters that are expected, since growing copies
     /// it.
     explicit TextBuffer(std::size_t size = 0) { text.reserve(size); }
 

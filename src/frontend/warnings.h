@@ -80,8 +80,8 @@ static_assert(warningTable.size() == static_cast<std::size_t>(Warning::symbolRan
     return warningTable[static_cast<std::size_t>(warning)];
 }
 
-/// The named warning for the core's warning `number`. None for the one about an IF whose condition
-/// has no value: that decides what is assembled, so it is an error.
+/// The named warning for the core's warning `number`; none for the warning about an IF whose
+/// condition has no value. The condition decides what is assembled, so that warning is an error.
 [[nodiscard]] std::optional<Warning> WarningOf(std::int32_t number);
 
 /// Which warnings are turned on, and which of them are errors.

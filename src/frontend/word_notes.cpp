@@ -174,7 +174,7 @@ Advice AdviseOnJoinedWords(const RunFacts& facts, const StatementView& statement
     return {};
 }
 
-// A mnemonic with a sign after it, as in "DI, EI" and "LD, A,5".
+// A mnemonic with a punctuation mark after it, as in "DI, EI" and "LD, A,5".
 Advice AdviseOnSign(const StatementView& statement) {
     constexpr std::string_view signs = ",:.()";
     const std::string_view word = statement.mnemonic;
@@ -228,7 +228,7 @@ std::string_view NearestKeyword(const StatementView& statement, std::string_view
     return std::ranges::count_if(words, isNear) == 1 ? *near : "";
 }
 
-// A statement that begins in column 1, where only labels do.
+// A statement that begins in column 1, where only labels may begin.
 Advice AdviseOnColumn(const StatementView& statement) {
     const std::string_view label = statement.label;
     const bool isKeyword = FindKeyword(label) != nullptr;

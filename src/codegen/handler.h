@@ -80,7 +80,7 @@ struct Keyword {
     KeywordGroup group = KeywordGroup::instruction;
 };
 
-/// Performs the frame of `keyword`, which is the token of the statement. Result: 0, or the message
+/// Performs the frame of `keyword`, the row of the statement's mnemonic. Result: 0, or the message
 /// if the number of operands is wrong.
 [[nodiscard]] Status BeginStatement(CAssembler* assembler, CStatement* statement,
                                     const Keyword& keyword);

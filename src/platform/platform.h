@@ -261,7 +261,8 @@ class OutputFile {
 // console
 
 /// Opens any standard stream that is closed; otherwise the next file to be opened would get its
-/// number and receive its output. Also makes sure that a failed write does not end the process.
+/// file descriptor and receive its output. Also makes sure that a failed write does not end the
+/// process.
 void OpenStandardStreams();
 
 /// Whether `stream` is a terminal, which would obey control characters.

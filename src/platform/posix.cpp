@@ -109,7 +109,7 @@ void OpenStandardStreams() {
     for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
         if (fcntl(stream, F_GETFD) < 0) {
             wasMissing[stream] = true;
-            // The file gets the lowest free number, which is the stream's, and stays open.
+            // The file gets the lowest free descriptor, which is the stream's, and stays open.
             [[maybe_unused]] const int opened = open("/dev/null", O_RDWR);
         }
     }

@@ -114,8 +114,8 @@ class Listing {
         }
         std::free(entries);
         // The modification time of a directory has the resolution of a clock tick, which is a
-        // second or two on some file systems. A change after the directory was read does not show
-        // if it is in the same tick as the last change before that.
+        // second or two on some file systems. A change made after the directory was read cannot be
+        // detected if it falls in the same tick as the last change before that.
         const nanoseconds time = TimeOfChange(status);
         const auto tick = time % seconds(1) == seconds(0) ? milliseconds(2000) : milliseconds(20);
         const bool isSettled = count >= 0 && time + tick < now;
@@ -125,7 +125,7 @@ class Listing {
     }
 
     std::set<std::pair<std::string, std::string>> names;  // each in upper case, then as spelled
-    // The directory that was read; none if a later change might not show in its modification time.
+    // The directory that was read; none if its modification time might not reveal a later change.
     FileIdentity identity;
     nanoseconds changed{};
 };

@@ -81,9 +81,9 @@ void TakeKey(HANDLE input) {
 }  // namespace
 
 void OpenStandardStreams() {
-    // The library reserves the numbers of missing streams. On a console, it would make a system
-    // call for each byte and treat each byte as a character, so output to a console is buffered and
-    // binary. The console handles the line ends.
+    // The library reserves the file descriptors of missing streams. On a console, it would make a
+    // system call for each byte and treat each byte as a character, so output to a console is
+    // buffered and binary. The console handles the line ends.
     static bool isDone = false;
     if (std::exchange(isDone, true)) {
         return;

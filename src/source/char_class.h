@@ -30,7 +30,7 @@ inline constexpr auto charClass = [] {
     add("ABCDEFGHIJKLMNOPQRSTUVWXYZ", CC_LETTER);
     add("abcdefghijklmnopqrstuvwxyz", CC_LETTER | CC_LOWER);
     add("0123456789", CC_DIGIT | CC_HEX);
-    add("ABCDEFabcdefghi?@_", CC_HEX);  // small letters up to i, capitals only up to F
+    add("ABCDEFabcdefghi?@_", CC_HEX);  // lower-case letters up to i, others up to F
     add("\t\v ", CC_BLANK);
     return table;
 }();

@@ -62,8 +62,8 @@ template <typename Word>
     return hash ^ hash >> 32;
 }
 
-/// Whether the characters at `other` equal those of `text`, which has more than 8. Compares 8 at a
-/// time: a call to the general routine would cost more than the comparison.
+/// Whether the characters at `other` equal those of `text`, of which there are more than 8.
+/// Compares 8 at a time: a call to the general routine would cost more than the comparison.
 [[nodiscard]] inline bool EqualTexts(const char* other, std::string_view text) {
     const auto differAt = [&](std::size_t i) {
         return LoadWord<std::uint64_t>(other + i) != LoadWord<std::uint64_t>(text.data() + i);
@@ -95,8 +95,8 @@ struct HashedName {
     std::uint64_t hash = 0;
 };
 
-/// Lets a container take its memory from a pool. All names of a source may be in the container, and
-/// each would cost a call to the general allocator.
+/// Lets a container allocate its memory from a pool. All names of a source may be in the container,
+/// and each would cost a call to the general allocator.
 template <typename T>
 struct PoolAllocator {
     using value_type = T;

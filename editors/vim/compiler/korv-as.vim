@@ -6,7 +6,7 @@ let current_compiler = 'korv-as'
 let s:saved_cpo = &cpo
 set cpo&vim
 
-" If there is a Makefile, it says how the program is built.
+" If there is a Makefile, it determines how the program is built.
 if filereadable('Makefile') || filereadable('makefile') || filereadable('GNUmakefile')
   CompilerSet makeprg=make
 else

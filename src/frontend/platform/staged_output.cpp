@@ -9,7 +9,7 @@
 namespace korv::platform {
 namespace {
 
-// The file number of standard output.
+// The file descriptor of standard output.
 constexpr int standardOutput = 1;
 
 std::optional<std::string> BytesOf(const std::string& path) {

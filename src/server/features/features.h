@@ -58,7 +58,8 @@ void AddSymbolsLike(const Snapshot& snapshot, std::string_view text, Json* symbo
 /// Blocks from IF to ENDIF, multi-line comments, and routines. A routine is a label and its code,
 /// up to the next label.
 [[nodiscard]] Json FoldingRanges(const Query& query);
-/// The address, and optionally the bytes, after the end of each line, where they move no text.
+/// The address, and optionally the bytes, after the end of each line, where they do not shift any
+/// text.
 [[nodiscard]] Json InlayHints(const Query& query);
 
 // tokens.cpp: the kind of each word. A skipped line is a comment.

@@ -33,7 +33,7 @@ struct FaultyToken {
 /// The first fault that the tokens of `operand` show. Names count as values.
 [[nodiscard]] FaultyToken FindExpressionFault(const OperandView& operand);
 
-/// True if `code`, one of OP_*, is a comparison operator.
+/// True if `code` (OP_*) is a comparison operator.
 [[nodiscard]] bool IsComparison(std::int32_t code);
 
 }  // namespace korv

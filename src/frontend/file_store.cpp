@@ -12,7 +12,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// On systems with wide file names, a path made from `char` would be in another encoding than UTF-8.
+// On systems with wide file names, a path made from `char` would be in an encoding other than
+// UTF-8.
 fs::path PathOf(const std::string& name) {
     return std::u8string(name.begin(), name.end());
 }

@@ -10,7 +10,8 @@
 namespace korv {
 namespace {
 
-// True if offsets in the cleaned line that begins with the physical line `line` are columns of it.
+// True if offsets in the cleaned line are columns of `line`, the physical line with which it
+// begins.
 bool IsPlain(const StoredText& text, std::string_view line) {
     while (!line.empty() && HasClass(line.back(), CC_BLANK)) {
         line.remove_suffix(1);

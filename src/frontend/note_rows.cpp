@@ -48,7 +48,7 @@ std::string_view ConditionAtEnd(std::string_view mnemonic) {
     return {};
 }
 
-// `text`, an operand or token, as the template letter `kind` shows it.
+// The operand or token `text`, as the template letter `kind` shows it.
 std::string Shown(char kind, std::string_view text) {
     const std::string raised = Raised(text);
     const bool isSmall = raised != text;

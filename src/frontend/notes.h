@@ -102,7 +102,8 @@ class Adviser {
     /// are unknown, so a late error about an undefined name is only a consequence.
     void ExpectSkippedEnd() { hasRefusedEnd = true; }
 
-    /// True if a refused ENDIF explains an open IF. Each explains only one, so it is used up.
+    /// True if a refused ENDIF explains an open IF. Each ENDIF explains only one IF, so it is used
+    /// up.
     [[nodiscard]] bool TakeRefusedEnd();
 
     [[nodiscard]] const RunFacts& Facts() const { return facts; }

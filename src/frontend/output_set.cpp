@@ -1,7 +1,7 @@
 // The order of the steps determines what a failure leaves behind. First, all outputs are opened and
 // checked. Then all files are written under temporary names. Output to pipes and devices cannot be
 // undone, so it is sent next. Last, the files get their final names. Everything needed to undo that
-// is prepared in advance, since a run without memory ends at once.
+// is prepared in advance, since a run that is out of memory ends at once.
 
 #include "frontend/output_set.h"
 

@@ -25,8 +25,8 @@ class Labels {
         }
     }
 
-    // The label of `statement`; null for none. Must be called in order for the statements of a
-    // file.
+    // The label of `statement`; null for none. For each file, must be called in the order of its
+    // statements.
     [[nodiscard]] const Name* Of(const Statement& statement) {
         const std::uint64_t position = PositionOf(statement.opening, statement.line);
         std::size_t& next = nextOf[static_cast<std::size_t>(statement.opening)];

@@ -34,8 +34,8 @@ inline constexpr std::string_view largeNumberNote =
 /// The value of an escape sequence or of a double quote; empty if `content` is neither.
 [[nodiscard]] std::string EscapeValue(std::string_view content);
 
-/// The number `token`, which is in the notation of another assembler, in Korv's notation; empty if
-/// it is not a number.
+/// `token` converted from the notation of another assembler to a number in Korv's notation; empty
+/// if it is not a number.
 [[nodiscard]] std::string NumberSpelling(std::string_view token);
 
 /// The offset of `name` in `text`, at or after `from`, where it is not part of a longer name; npos

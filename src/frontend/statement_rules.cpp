@@ -11,7 +11,7 @@
 namespace korv {
 namespace {
 
-// The offset of the first backslash sequence in `text`, a string with its quotes.
+// The offset of the first backslash sequence in the string `text`, which includes its quotes.
 std::size_t EscapeIn(std::string_view text) {
     for (std::size_t i = 1; i + 1 < text.size(); ++i) {
         if (text[i] == '\\' &&

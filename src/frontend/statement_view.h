@@ -84,7 +84,7 @@ struct OperandView {
     std::vector<Token> tokens;
 
     [[nodiscard]] bool IsIndexed() const { return korv::IsIndexed(what); }
-    /// True if `token`, one of `tokens`, is looked up as a name.
+    /// True if `token` is looked up as a name. It must be one of `tokens`.
     [[nodiscard]] bool HoldsAsName(const Token& token) const {
         return IsLookedUp(token, static_cast<std::size_t>(&token - tokens.data()), what);
     }
@@ -103,13 +103,13 @@ struct StatementView {
     std::vector<OperandView> operands;
     const Keyword* keyword = nullptr;  ///< the row of `mnemonic`; null for none
 
-    /// The place of `text`, a part of `line`.
+    /// The place of the part `text` of `line`.
     [[nodiscard]] LinePart PartOf(std::string_view text) const {
         assert(text.data() >= line.data() && text.data() <= line.data() + line.size());
         return {static_cast<std::uint32_t>(text.data() - line.data()),
                 static_cast<std::uint32_t>(text.size())};
     }
-    /// `text`, a part of `line`, as it was typed.
+    /// The part `text` of `line`, as it was typed.
     [[nodiscard]] std::string_view Typed(std::string_view text) const {
         return typed.substr(PartOf(text).offset, text.size());
     }

@@ -107,7 +107,7 @@ struct PathParts {
 /// The length of the drive at the start of `name`, including the colon; 0 if there is none.
 [[nodiscard]] std::size_t DriveLength(std::string_view name);
 
-/// Whether `word`, a word of the command line that begins with "/", is an absolute file name rather
+/// Whether the command-line word `word`, which begins with "/", is an absolute file name rather
 /// than a switch. It is a file name if the part before its last "/" is an existing directory.
 /// Always false on systems with drives.
 [[nodiscard]] bool IsFileNotSwitch(const char* word);

@@ -14,7 +14,7 @@ namespace korv::platform {
 /// The system's text for an error number, such as "No such file or directory".
 [[nodiscard]] std::string ReasonOf(int error);
 
-/// True if `stream`, a standard stream, was closed when the process was started.
+/// True if the standard stream `stream` was closed when the process was started.
 [[nodiscard]] bool IsMissing(std::FILE* stream);
 
 /// The identity of the file that `stream` writes or reads; none if it is not a regular file.
@@ -23,7 +23,7 @@ namespace korv::platform {
 /// True if `stream` is a terminal that accepts colour sequences; enables them if necessary.
 [[nodiscard]] bool TakesColors(std::FILE* stream);
 
-/// Puts `stream`, a standard stream, into binary mode: line ends are not converted.
+/// Puts the standard stream `stream` into binary mode: line ends are not converted.
 void MakeBinary(std::FILE* stream);
 
 /// A byte connection with another program. Tests have their own implementation.

@@ -54,7 +54,7 @@ class Analyser : public RunObserver {
         std::int32_t opening;
         std::vector<Report> reports = {};  // about that statement
         bool isRecorded = false;           // it is an INCLUDE and has been recorded
-        bool isFaulty = false;  // it is known to assemble to something other than it says
+        bool isFaulty = false;  // it has an error, or a warning about its bytes or its address
     };
     void Stop(const CStatement& statement, std::string text, std::string code, std::string note);
     void StopAtLimit(const CStatement& statement);

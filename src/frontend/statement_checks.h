@@ -60,7 +60,7 @@ class StatementChecks {
 
     CAssembler* const assembler;
     MessageMaker* const maker;
-    const bool hasGaps;  // the image contains no addresses
+    const bool hasGaps;  // an ORG gap is lost: the image contains no addresses
     ConditionWatch conditions;
 };
 

@@ -29,7 +29,7 @@ struct SymbolFormatRow {
 struct SymbolFile {
     std::string text;
     std::size_t droppedNames = 0;   ///< that the format does not allow
-    std::size_t droppedValues = 0;  ///< that the format cannot hold, of names that it allows
+    std::size_t droppedValues = 0;  ///< that the format cannot hold, of allowed names
 
     /// What is missing, for a warning, as "2 values, 1 name"; empty if nothing is.
     [[nodiscard]] std::string Dropped() const;

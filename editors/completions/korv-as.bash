@@ -5,7 +5,7 @@ _korv_as()
     local options="-o -f --format -D -I -M --depfile -l --listing --symbols --symbol-format --debug
         --summary -W -w --line-length --no-reserved --max-errors --max-image --color -h --help -V --version"
     local warnings="late-location truncated continued-comment org-gap number-label register-label register-value escape
-        nested-if condition early-end negative-size keyword-label null-byte carriage-return end-mark
+        nested-if condition early-end negative-size keyword-label hidden-instruction null-byte carriage-return end-mark
         overlap range open-string empty-operand skipped-line label-without-colon org unused-label symbol-range"
     local current=$2 previous=$3 words= kind= warning
 

@@ -1,7 +1,7 @@
 # fish completion for korv-as
 
 set -l warnings late-location truncated continued-comment org-gap number-label register-label register-value escape \
-    nested-if condition early-end negative-size keyword-label null-byte carriage-return end-mark \
+    nested-if condition early-end negative-size keyword-label hidden-instruction null-byte carriage-return end-mark \
     overlap range open-string empty-operand skipped-line label-without-colon org unused-label symbol-range
 set -l words error no-error $warnings no-$warnings error=$warnings no-error=$warnings
 

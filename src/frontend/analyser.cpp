@@ -265,6 +265,12 @@ std::optional<Warning> Analyser::WarningFor(std::int32_t number,
     if (number == MSG_LABEL_WITHOUT_COLON && FindKeyword(statement->label) != nullptr) {
         return Warning::keywordLabel;
     }
+    if (number == MSG_LABEL_WITHOUT_COLON) {
+        const StoredText& text = maker.TextOf(maker.OpeningOf(statement->fileName));
+        if (HidesInstruction(text.Line(statement->lineNumber), statement->label)) {
+            return Warning::hiddenInstruction;
+        }
+    }
     if (number == MSG_ORG_IN_CODE && assembler.binary.Position() == 0 &&
         assembler.startAddress != static_cast<std::int32_t>(assembler.location)) {
         return Warning::orgGap;  // the load header keeps the address of the first ORG

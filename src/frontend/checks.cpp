@@ -9,6 +9,8 @@
 #include "driver/statement.h"
 #include "expr/number.h"
 #include "expr/token.h"
+#include "frontend/expression_fault.h"
+#include "frontend/instruction_forms.h"
 #include "frontend/statement_rules.h"
 #include "frontend/terminal_text.h"
 #include "source/char_class.h"
@@ -80,6 +82,19 @@ void CheckLabel(std::string_view label, Findings* findings) {
     } else if (ReadsAsNumber(label)) {
         findings->push_back({Warning::numberLabel, label, Quoted(label), "give it another name"});
     }
+}
+
+bool HidesInstruction(std::string_view line, std::string_view label) {
+    const std::string_view after = line.substr(std::min(label.size(), line.size()));
+    if (!after.starts_with(';')) {
+        return false;
+    }
+    const std::string hidden = " " + Raised(after.substr(1, CommentStart(after.substr(1))));
+    const StatementView view = CutStatement(hidden);
+    return HasForm(view) && std::ranges::all_of(view.operands, [](const OperandView& operand) {
+               return operand.what.kind != KIND_VALUE ||
+                      FindExpressionFault(operand).fault == ExpressionFault::none;
+           });
 }
 
 void CheckOperands(CStatement* statement, std::span<const std::uint8_t> bytes, Findings* findings) {

@@ -59,6 +59,10 @@ using Findings = std::vector<Finding>;
 /// Checks a label for which `MayBeMisread` is true.
 void CheckLabel(std::string_view label, Findings* findings);
 
+/// True if a semicolon in place of the colon of `label` hides an instruction, as in "LOOP; INC A".
+/// `line` is as it was typed.
+[[nodiscard]] bool HidesInstruction(std::string_view line, std::string_view label);
+
 /// Checks the operands of a statement that has been assembled without an error.
 void CheckOperands(CStatement* statement, std::span<const std::uint8_t> bytes, Findings* findings);
 

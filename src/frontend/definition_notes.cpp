@@ -76,7 +76,10 @@ Advice AdviseOnNameSecond(const StatementView& statement) {
     // "DEFC X = 5", ".EQU X,5": the name comes second, and the first word may be in column 1.
     const std::string_view first =
         statement.label.empty() || statement.hasColon ? word : statement.label;
-    if (HoldsWord("EQU DEFL DEFC LET CONST .EQU .SET .DEFL VAR .VAR .EQUIV", first)) {
+    const bool isSet =  // "SET X,5"
+        first == "SET" && statement.operands.size() == 2 &&
+        statement.operands[1].what.kind == KIND_VALUE;
+    if (isSet || HoldsWord("EQU DEFL DEFC LET CONST .EQU .SET .DEFL VAR .VAR .EQUIV", first)) {
         const std::string_view text = WithoutLeadingBlanks(
             statement.line.substr(statement.PartOf(first).offset + first.size()));
         const std::string_view name = text.substr(0, text.find_first_of(" \t=,"));

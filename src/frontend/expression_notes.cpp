@@ -53,7 +53,8 @@ bool AdviseOnDots(OperandCase* it, const Token& token) {
     const std::size_t dot = name.find('.');
     if (dot != std::string::npos && it->IsDefined(name.substr(0, dot)) &&
         it->IsDefined(name.substr(dot + 1))) {  // "DW X.Y"
-        return it->Propose(part, {{it->statement.PartOf(part.substr(dot, 1)), ","}});
+        const bool isData = HoldsWord(dataDirectives, it->statement.mnemonic);
+        return it->Propose(part, {{it->statement.PartOf(part.substr(dot, 1)), isData ? "," : "+"}});
     }
     const std::string_view head = part.substr(0, std::min(dot, part.size()));
     const bool isIndex = HoldsWord("IX IY", head);  // "(IX.Y)"
@@ -119,7 +120,7 @@ bool AdviseOnSplitNumber(OperandCase* it, const Token& before, const Token& toke
 // Two values without anything between them: a comma, an operator or a semicolon is missing.
 void AdviseOnTwoValues(OperandCase* it, const Token& token) {
     const bool isData = HoldsWord(dataDirectives, it->statement.mnemonic);
-    if (AdviseOnDots(it, token) || AdviseOnExtraQuote(it) || (isData && AdviseOnQuotes(it))) {
+    if (AdviseOnDots(it, token) || (isData && AdviseOnQuotes(it))) {
         return;
     }
     if (HoldsWord("# '", token.text)) {
@@ -134,7 +135,7 @@ void AdviseOnTwoValues(OperandCase* it, const Token& token) {
     const bool isName =
         before.kind == TokenKind::registerName || before.kind == TokenKind::condition;
     const bool isKnown = token.kind != TokenKind::name || it->IsDefined(token.text);
-    if (AdviseOnWordOperator(it, token)) {
+    if (AdviseOnWordOperator(it, token) || AdviseOnWordOperator(it, before)) {
         return;
     }
     const bool isUnknown = before.kind == TokenKind::name && !it->IsDefined(before.text);
@@ -176,7 +177,8 @@ void AdviseOnExtraBracket(OperandCase* it, const Token& token, std::ptrdiff_t op
     const std::vector<TextEdit> open = {{it->statement.PartOf(operand.text.substr(0, 0)), "("}};
     const bool isMissing = isLast && opens == 0 && HasFormWith(it->statement, open);
     it->PointAt(bracket);
-    if (isMissing && operand.tokens.size() > 2 && !HoldsWord("IX IY", operand.tokens[0].text)) {
+    if (!isLast ||
+        (isMissing && operand.tokens.size() > 2 && !HoldsWord("IX IY", operand.tokens[0].text))) {
         it->advice.note = "remove the bracket, or open it at the start of the operand";
     } else if (isMissing) {
         it->PointAt(operand.text);

@@ -188,10 +188,13 @@ void MessageMaker::Take(Advice advice, const Report& report, Message* message) {
     for (const std::string& name : advice.explains) {
         explained.insert(Quoted(name));  // like the detail of a warning
     }
-    if (report.number == MSG_LABEL_WITHOUT_COLON && message->warning == Warning::keywordLabel) {
-        message->text = RowOf(Warning::keywordLabel).meaning;
-        message->code = RowOf(Warning::keywordLabel).name;
-        message->note = "indent it, or end it with a colon if it is a label";
+    if (report.number == MSG_LABEL_WITHOUT_COLON &&
+        message->warning != Warning::labelWithoutColon) {
+        message->text = RowOf(*message->warning).meaning;
+        message->code = RowOf(*message->warning).name;
+        if (message->warning == Warning::keywordLabel) {
+            message->note = "indent it, or end it with a colon if it is a label";
+        }
     } else if (report.number == MSG_ORG_IN_CODE && message->warning == Warning::orgGap) {
         message->note = "remove one ORG: the image is loaded at the address of the first";
     }

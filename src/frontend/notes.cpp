@@ -296,8 +296,8 @@ void Adviser::Remember(const FaultView& fault, const Advice& advice) {
         RememberBlock(fault, end);
     }
     const bool isDefinition = fault.number == MSG_RESERVED_NAME || fault.number == MSG_NO_LABEL ||
-                              (fault.number == MSG_UNRESOLVED && advice.definesName) ||
-                              (isRefused && (advice.definesName || statement.mnemonic == "EQU"));
+                              (statement.mnemonic == "EQU" && fault.number != MSG_REDEFINITION) ||
+                              advice.definesName;
     if (!isDefinition) {
         return;
     }

@@ -89,12 +89,11 @@ struct OperandCase {
 [[nodiscard]] bool AdviseOnSplitWord(OperandCase* it);
 /// Advises on two operands in the wrong order.
 [[nodiscard]] bool AdviseOnSwappedOperands(OperandCase* it);
-/// Advises on data with a missing double quote.
+/// Advises on an extra double quote, and on data with a missing one.
 [[nodiscard]] bool AdviseOnOddQuotes(OperandCase* it);
 /// Advises on a text with double quotes in it.
 [[nodiscard]] bool AdviseOnQuotes(OperandCase* it);
-/// Advises on a string with an extra quote at one end.
-[[nodiscard]] bool AdviseOnExtraQuote(OperandCase* it);
+
 /// Proposes the closing quote of the string `text`, which is the end of an operand.
 void CloseString(OperandCase* it, std::string_view text);
 /// Advises on a string in data whose opening quote is missing.

@@ -25,13 +25,13 @@ bool Take(OperandCase* it, std::optional<RowAdvice> row) {
     return true;
 }
 
-// "X SET 5" and "EQU X,5".
+// "X SET 5", "SET X,5" and "EQU X,5".
 bool AdviseOnSet(OperandCase* it) {
     const StatementView& statement = it->statement;
     Advice advice;
     if (statement.mnemonic == "SET" && statement.operands.size() == 1 && !statement.label.empty()) {
         advice = AdviseOnDefinition(statement);
-    } else if (statement.mnemonic == "EQU" && statement.label.empty()) {
+    } else if (HoldsWord("EQU SET", statement.mnemonic) && statement.label.empty()) {
         advice = AdviseOnNameSecond(statement);
     }
     if (!advice.place) {
@@ -39,6 +39,16 @@ bool AdviseOnSet(OperandCase* it) {
     }
     it->advice = std::move(advice);
     return true;
+}
+
+// "INCLUDE defs,kor".
+bool AdviseOnFileName(OperandCase* it) {
+    const StatementView& statement = it->statement;
+    std::string name(statement.Typed(statement.rest));
+    std::ranges::replace(name, ',', '.');
+    return statement.operands.size() == 2 && HoldsWord("INCLUDE BINCLUDE", statement.mnemonic) &&
+           it->adviser.Facts().HasFile(name) &&
+           it->Propose(statement.rest, {{statement.PartOf(statement.rest), name}});
 }
 
 // A half of an index register, the program counter, or a register of another processor.
@@ -239,9 +249,9 @@ void AdviseOnOperandCase(OperandCase* it) {
     const FaultView& fault = it->fault;
     const bool isExcess = fault.number == MSG_TOO_MANY_ARGUMENTS;
     AimAt(it);
-    if (AdviseOnOddQuotes(it) || AdviseOnSet(it) || AdviseOnSplitWord(it) || AdviseOnComma(it) ||
-        AdviseOnSecondInstruction(it) || AdviseOnLastSign(it) || AdviseOnListBrackets(it) ||
-        AdviseOnSplitBrackets(it) || AdviseOnSeparator(it) ||
+    if (AdviseOnFileName(it) || AdviseOnOddQuotes(it) || AdviseOnSet(it) || AdviseOnSplitWord(it) ||
+        AdviseOnComma(it) || AdviseOnSecondInstruction(it) || AdviseOnLastSign(it) ||
+        AdviseOnListBrackets(it) || AdviseOnSplitBrackets(it) || AdviseOnSeparator(it) ||
         (it->operand != nullptr && it->operand->tokens.size() > 2 && AdviseOnBareText(it)) ||
         AdviseOnIndexHalf(it) || AdviseOnSpelling(it) || AdviseOnUnopenedString(it) ||
         AdviseOnBareText(it) || AdviseOnRegister(it) || (isExcess && AdviseOnProse(it))) {
@@ -254,8 +264,9 @@ void AdviseOnOperandCase(OperandCase* it) {
             return;
         }
     }
-    const bool isValue = it->operand != nullptr && it->operand->what.kind == KIND_VALUE &&
-                         fault.statement.mnemonic != "EX";  // AF' is not an expression
+    const bool isValue =
+        it->operand != nullptr && it->operand->what.kind == KIND_VALUE &&
+        !HoldsWord("EX INCLUDE BINCLUDE", fault.statement.mnemonic);  // AF', a file
     const ExpressionFault kind =
         isValue ? FindExpressionFault(*it->operand).fault : ExpressionFault::none;
     const bool isBroken = kind == ExpressionFault::twoValues ||

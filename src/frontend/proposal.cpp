@@ -207,6 +207,12 @@ Advice AdviseOnSlip(const RunFacts& facts, const FaultView& fault) {
         }
         if (at > 2 && HoldsWord("(IX (IY", line.substr(at - 3, 3))) {  // "(IX5)", "(IX=5)"
             search.Attempt(at, c == '=' || HasClass(c, CC_BLANK) ? 1 : 0, "+");
+            if (c == '_') {
+                search.Attempt(at, 1, "-");
+            }
+        }
+        if (line.substr(at, 2) == ",)") {
+            search.Attempt(at, 2, "),");
         }
         const std::string_view next = line.substr(at + 1);
         const bool isGroup = HasClass(before, CC_DIGIT) && next.size() == 3;  // "16,384"

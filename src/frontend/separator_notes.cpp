@@ -93,7 +93,12 @@ bool AdviseOnSeparator(OperandCase* it) {
         (!isMissing && ClassOf(text.substr(0, at)).kind == KIND_VALUE)) {
         return false;
     }
-    const std::vector<TextEdit> edits = {{it->statement.PartOf(text.substr(at, size)), ","}};
+    std::vector<TextEdit> edits = {{it->statement.PartOf(text.substr(at, size)), ","}};
+    if (sign == "->") {  // "LD B->A", which loads A
+        const std::string first(it->statement.Typed(text.substr(0, at)));
+        const std::string second(it->statement.Typed(text.substr(at + size)));
+        edits = {{it->statement.PartOf(text), second + "," + first}};
+    }
     if (size == 1 && sign[0] == '-' && HasClass(sign[1], CC_DIGIT) &&
         ClassOf(text.substr(0, at)).kind != KIND_VALUE) {  // "LD DE-10"
         it->PointAt(text.substr(at, 1));
@@ -137,10 +142,11 @@ bool AdviseOnListBrackets(OperandCase* it) {
 bool AdviseOnLastSign(OperandCase* it) {
     for (const OperandView& operand : it->statement.operands) {
         const std::string_view text = operand.text;
-        const std::size_t size = text.find_last_not_of(".:;!") + 1;
+        const bool isString = text.starts_with('"') && text.ends_with("\"'");
+        const std::size_t size = isString ? text.size() - 1 : text.find_last_not_of(".:;!") + 1;
         const std::vector<Token> tokens = CutTokens(text.substr(0, size));
-        const bool isValue = tokens.size() == 1 ? tokens[0].kind == TokenKind::number
-                                                : size > 0 && text[size - 1] == ')';
+        const bool isValue = isString || (tokens.size() == 1 ? tokens[0].kind == TokenKind::number
+                                                             : size > 0 && text[size - 1] == ')');
         if (size == 0 || size == text.size() ||
             (!isValue && ClassOf(text.substr(0, size)).kind == KIND_VALUE)) {
             continue;
@@ -245,6 +251,10 @@ bool AdviseOnSecondInstruction(OperandCase* it) {
     }
     it->advice.place = it->advice.edits[0].part;
     it->advice.note = oneInstructionNote;
+    if (it->statement.typed.data() == it->statement.line.data()) {  // two lines, joined
+        it->advice.note = "check for a backslash at the end of the line: it joins the next line";
+        it->advice.edits.clear();
+    }
     return true;
 }
 

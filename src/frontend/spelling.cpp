@@ -261,7 +261,8 @@ Foreign FindForeign(const StatementView& statement, const OperandView& operand) 
             const std::string fix = '"' + std::string(statement.Typed(inner)) + '"';
             return {operand.text, fix, "use double quotes: " + fix};
         }
-        if (c == '{' && HoldsWord("DB DEFB DW DEFW", statement.mnemonic)) {
+        if (c == '{' && HoldsWord("DB DEFB DW DEFW", statement.mnemonic) &&
+            operand.text.find('}') >= operand.text.size() - 1) {
             return {operand.text.substr(i, 1), "",
                     "remove the braces: values follow the directive"};
         }

@@ -51,23 +51,6 @@ bool AdviseOnQuotes(OperandCase* it) {
     return true;
 }
 
-// "A"" and ""A"".
-bool AdviseOnExtraQuote(OperandCase* it) {
-    const std::string_view text = it->operand->text;
-    const std::size_t first = text.find_first_not_of('"');
-    const std::size_t end = text.find_last_not_of('"') + 1;
-    if (first == std::string_view::npos || first == 0 || end == text.size() ||
-        text.substr(first, end - first).find('"') != std::string_view::npos ||
-        first + text.size() - end < 3) {
-        return false;
-    }
-    const std::string fix = '"' + std::string(text.substr(first, end - first)) + '"';
-    it->PointAt(text);
-    it->Replace(text, fix);
-    it->advice.note = "remove the extra quote: " + fix;
-    return true;
-}
-
 // Proposes the closing quote of a string: before any numbers that follow a comma, otherwise at its
 // end.
 void CloseString(OperandCase* it, std::string_view text) {
@@ -124,6 +107,12 @@ bool AdviseOnUnopenedString(OperandCase* it) {
 bool AdviseOnOddQuotes(OperandCase* it) {
     const std::string_view rest = it->statement.rest;
     const auto count = std::ranges::count(rest, '"');
+    for (std::size_t i = 0; count % 2 == 1 && (i = rest.find("\"\"", i)) < rest.size(); ++i) {
+        const std::vector<TextEdit> edits = {{it->statement.PartOf(rest.substr(i, 1)), ""}};
+        if (IsSound(it->adviser.Facts(), it->statement, edits)) {
+            return it->Propose(rest.substr(i, 2), edits, "remove the extra quote: ");
+        }
+    }
     if (count < 3 || !HoldsWord("DB DEFB", it->statement.mnemonic)) {
         return false;
     }

@@ -322,6 +322,15 @@ Advice AdviseOnWord(Adviser& adviser, const FaultView& fault) {
             return found;
         }
     }
+    if (HoldsWord("IMPORT USE", word)) {
+        for (const std::string_view end : {"", ".kor", ".asm", ".inc"}) {
+            const std::string name = std::string(statement.Typed(statement.rest)).append(end);
+            if (adviser.Facts().HasFile(name)) {
+                advice.edits = {NewStatement(statement, "INCLUDE " + name)};
+                return advice;
+            }
+        }
+    }
     if (const auto row = WordAdvice(statement)) {
         advice.note = row->note;
         advice.edits = row->edits;

@@ -66,7 +66,7 @@ inline constexpr auto wordTable = std::to_array<WordRow>({
     {"ASR SAR", "SRA %1", "", " ASR A"},
     {"ROL ROR RCL RCR", "", "write RLC or RRC, or RL or RR to rotate through the carry", " ROL A"},
     {"CLR", "LD %m1,0", "", " CLR A", 1},
-    {"TST TEST", "", "write OR A to test the accumulator, BIT for one bit", " TST A"},
+    {"TST TEST", "", "write OR A to test the accumulator, BIT for one bit, AND for several", " TST A"},
     {"SLL SLI SL1 SLS", "", "use SLA and then SET 0: only the published instructions are in the vocabulary", " SLL A"},
     {"LDIRX LDDRX LDIX SWAP MLT OTIM IN0 OUT0 TSTIO SLP OTDM OTDMR OTIMR MULUB MULUW SWAPNIB NEXTREG MIRROR", "", "use the published instructions of the Z80: this one is of a later processor", " SWAP A"},
     {"MUL MULT MULU MULS DIV DIVU DIVS IMUL IDIV MOD", "", "call a routine: the Z80 does not multiply or divide", " MULT A,B"},

@@ -16,7 +16,7 @@
 #include "source/source_file.h"
 
 // A file that includes itself twice is read a thousand times, which is legal but slow. So the linker calls these two in
-// place of the functions that they are named after: an analysis reads at most fifty texts.
+// place of the functions that they are named after: an analysis reads at most ten texts.
 namespace wrapped {
 korv::CSourceFile RealOfText(std::string_view) asm(
     "__real__ZN4korv11CSourceFile6OfTextESt17basic_string_viewIcSt11char_traitsIcEE");
@@ -29,7 +29,7 @@ korv::Analysis Analyse(const korv::Options&, korv::FileStore*,
 
 int openings = 0;
 korv::CSourceFile OfText(std::string_view text) {
-    return RealOfText(++openings > 50 ? "" : text);
+    return RealOfText(++openings > 10 ? "" : text);
 }
 korv::Analysis Analyse(const korv::Options& options, korv::FileStore* store, const korv::Wanted& wanted) {
     openings = 0;

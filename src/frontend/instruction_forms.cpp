@@ -99,8 +99,8 @@ bool IsA(const OperandView& operand, std::string_view term, bool ignoresParenthe
                                   : row->includes(operand, ignoresParentheses);
 }
 
-// True if the first `count` operands match those of `form`. With `isWhole`, `form` must have no
-// further operands.
+// True if the first `count` operands match those of `form`. If `isWhole` is true, `form` must have
+// no further operands.
 bool Begins(const StatementView& statement, std::string_view form, std::size_t count,
             bool ignoresParentheses, bool isWhole) {
     if (form == "-") {

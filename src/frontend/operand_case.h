@@ -53,7 +53,7 @@ struct OperandCase {
 /// The first token `text` of `operand`; null if there is none.
 [[nodiscard]] const Token* FindToken(const OperandView& operand, std::string_view text);
 
-/// Advises on the fault that the tokens of the operand show. Result: false if they show none.
+/// Advises on a fault in the tokens of the operand. Result: false if they contain none.
 [[nodiscard]] bool AdviseOnExpression(OperandCase* it);
 /// Advises on "XAND3", a word operator without blanks, and on a misspelt one.
 [[nodiscard]] bool AdviseOnWordOperator(OperandCase* it, const Token& token);
@@ -82,7 +82,7 @@ struct OperandCase {
 [[nodiscard]] std::string Listed(const std::vector<std::string>& words);
 /// Advises on a register in double quotes.
 [[nodiscard]] bool AdviseOnQuotedRegister(OperandCase* it);
-/// Advises on a misspelt register or condition. With `isSure`, only if letters are swapped or
+/// Advises on a misspelt register or condition; if `isSure` is true, only if letters are swapped or
 /// doubled.
 [[nodiscard]] bool AdviseOnMisspeltRegister(OperandCase* it, bool isSure = false);
 /// Advises on a register or a name with a blank in it.
@@ -95,7 +95,7 @@ struct OperandCase {
 [[nodiscard]] bool AdviseOnQuotes(OperandCase* it);
 /// Advises on a string with an extra quote at one end.
 [[nodiscard]] bool AdviseOnExtraQuote(OperandCase* it);
-/// Proposes the closing quote of the string `text`, which is the end of an operand.
+/// Proposes a closing quote for the string `text` at the end of an operand.
 void CloseString(OperandCase* it, std::string_view text);
 /// Advises on a string in data whose opening quote is missing.
 [[nodiscard]] bool AdviseOnUnopenedString(OperandCase* it);

@@ -32,8 +32,8 @@ using AllocationFailureHook = int (*)(std::size_t size);
 /// Installs `hook`, or none if it is null. Result: the previous hook.
 AllocationFailureHook SetAllocationFailureHook(AllocationFailureHook hook);
 
-/// Allocates memory from the general allocator. Result: null, after a call to the hook, if there is
-/// no memory. A size of 0 counts as 1.
+/// Allocates memory from the general allocator. If there is no memory, calls the hook and returns
+/// null. A size of 0 counts as 1.
 [[nodiscard]] void* Allocate(std::size_t size);
 /// Like `Allocate`, but all bytes are 0. `size` must not be 0.
 [[nodiscard]] void* AllocateZeroed(std::size_t size);

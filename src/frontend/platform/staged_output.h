@@ -63,8 +63,9 @@ class StagedOutput {
     bool isPut = false;                   // the old contents are replaced, or may be
 };
 
-/// While it exists, signals that would end the process have to wait, so that it never ends between
-/// two outputs of a run. Signals that are already waiting end it before that.
+/// Holds back the signals that end the process while it exists, so that the process never ends
+/// between two outputs of a run. The constructor first lets signals that are already pending end
+/// the process.
 class OutputGuard {
   public:
     OutputGuard();

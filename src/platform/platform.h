@@ -223,12 +223,11 @@ class InputFile {
 };
 
 /// A file to be written. Its bytes are written to a new file in the same directory. `Commit`
-/// renames that file to the final name in one step. Until then, and if anything fails, no file
-/// appears under that name, and an old file of that name stays unchanged. The new file gets the
-/// permissions of the old file. Some files are written in place, from the first `Write` on:
-/// devices, pipes, and files that cannot be replaced because the directory does not allow it or the
-/// owner would change. No unfinished file is left when the process ends, unless the process is
-/// killed outright.
+/// renames that file to the final name in one step. Until then, and if anything fails, no new file
+/// appears under that name, and any old file stays unchanged. The new file gets the permissions of
+/// the old file. Some files are written in place, from the first `Write` on: devices, pipes, and
+/// files that cannot be replaced because the directory does not allow it or the owner would change.
+/// No unfinished file is left when the process ends, unless the process is killed outright.
 class OutputFile {
   public:
     enum class Kind {

@@ -19,7 +19,7 @@ std::string Code(std::string text) {
     return "```korv\n" + text + "\n```";
 }
 
-// By `NameKind`.
+// Indexed by `NameKind`.
 constexpr std::array kindTexts = {"label", "constant", "constant of the command line",
                                   "constant of the assembler", "undefined name"};
 

@@ -137,7 +137,8 @@ constexpr auto consists = std::to_array<std::pair<std::string_view, std::string_
     {"p", "0 8 16 24 32 40 48 56"},
 });
 
-// True if `use` returns true for a form of `mnemonic`; its second argument is `ignoresParentheses`.
+// True if `use` returns true for a form of `mnemonic`; the second argument of `use` is
+// `ignoresParentheses`.
 template <typename Use>
 bool AnyForm(std::string_view mnemonic, Use use) {
     const FormRow* const row = RowOfWord(mnemonic);

@@ -19,7 +19,7 @@ struct OperandCase {
     const FaultView& fault;
     const StatementView& statement;
     const OperandView* operand =
-        nullptr;  ///< the operand at fault; null: one is missing, or none is at fault
+        nullptr;  ///< the operand at fault; null: an operand is missing, or none is at fault
     Advice advice = {};
 
     void PointAt(std::string_view part) { advice.place = statement.PartOf(part); }
@@ -61,7 +61,7 @@ struct OperandCase {
 [[nodiscard]] bool AdviseOnComma(OperandCase* it);
 /// Advises on another character instead of a comma, as in "LD A:5".
 [[nodiscard]] bool AdviseOnSeparator(OperandCase* it);
-/// Advises on a statement that `commas` would split into operands which do not fit ("SUB A:5").
+/// Advises on a statement that `commas` would split into operands that do not fit ("SUB A:5").
 [[nodiscard]] bool AdviseOnSeparated(OperandCase* it, std::string_view part,
                                      const std::vector<TextEdit>& commas);
 /// Advises on brackets around the values of a data directive.
@@ -99,7 +99,7 @@ struct OperandCase {
 void CloseString(OperandCase* it, std::string_view text);
 /// Advises on a string in data whose opening quote is missing.
 [[nodiscard]] bool AdviseOnUnopenedString(OperandCase* it);
-/// Advises on the name without a value.
+/// Advises on a name that has no value.
 void AdviseOnUnknownName(OperandCase* it);
 /// Uses the first explanation that fits.
 void AdviseOnOperandCase(OperandCase* it);

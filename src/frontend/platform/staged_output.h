@@ -32,7 +32,7 @@ class StagedOutput {
     [[nodiscard]] bool IsStream() const;
     /// The identity of the file; none if it does not exist yet, or is not a regular file.
     [[nodiscard]] std::optional<FileIdentity> Identity() const;
-    /// True if this and `other`, files that do not exist yet, have the same path.
+    /// True if this output and `other` have the same path. Neither file exists yet.
     [[nodiscard]] bool LeadsWhere(const StagedOutput& other) const;
     /// True if it is a terminal, which would obey control characters.
     [[nodiscard]] bool IsTerminal() const;

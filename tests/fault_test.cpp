@@ -199,7 +199,7 @@ Files::value_type WithFoldedNames(Files::value_type file) {
 
 class OutputFaultTest : public testing::TestWithParam<std::tuple<Fault, bool>> {};
 
-// All outputs are the new ones, or all are the old ones, and the messages agree with that.
+// Either all outputs are replaced or all keep their old contents, and the messages agree.
 TEST_P(OutputFaultTest, LeavesAllOutputsOrNone) {
     const auto& [fault, isThere] = GetParam();
     const TempDir directory;

@@ -56,7 +56,7 @@ struct Program {
         markedFile = snapshot.FileOf(korv::FileStore().FullPath(mark.file));
         place = {markedFile, mark.line, mark.column, 0};
     }
-    // The result of a feature for the mark and its line.
+    // The reply of `feature` for the mark and its line.
     [[nodiscard]] Json Ask(Json (*feature)(const korv::Query&), const Json& parameters = {}) const {
         korv::Documents documents;
         korv::Workspace workspace(&documents);

@@ -20,8 +20,8 @@ int ModeOf(const std::string& name) {
     return static_cast<int>(fs::status(name).permissions());
 }
 
-// Checks a case as for korv, but compares everything that is printed, and every file. New files must have the usual
-// permissions.
+// Checks a case in the same way as a case of korv, but compares everything that is printed, and every file. New files
+// must have the usual permissions.
 TEST_P(FrontendTest, Holds) {
     const Case test = ReadCase(GetParam());
     const TempDir directory;

@@ -71,7 +71,7 @@ TEST(NameIndexTest, FindsEachNameWhereverHashesCrowd) {
     const std::function<std::uint64_t(std::uint64_t)> hashes[] = {
         [](std::uint64_t) { return 7; },                          // all equal
         [](std::uint64_t i) { return i << 32 | (~0U - i % 3); },  // all at the end of the table
-        [](std::uint64_t i) { return i / 2; },                    // two for each of consecutive places
+        [](std::uint64_t i) { return i / 2; },                    // two at each of consecutive places
         [](std::uint64_t i) { return i * 512; },                  // different places only in a large table
     };
     for (const auto& hashOf : hashes) {
@@ -105,7 +105,7 @@ TEST(PatchTest, ABlockHas255PatchesAndTakesFreedOnesBack) {
             EXPECT_LE(patches.size(), 255U);
             full += patches.size() == 255 ? 1 : 0;
         }
-        EXPECT_GE(full, 2);  // some of the first may have been in use, or free, before
+        EXPECT_GE(full, 2);  // the first block may already hold other patches
         for (const auto& [block, patches] : patchesOf) {
             std::ranges::for_each(patches, korv::CPatchInfoMemBlock::FreePatchInfo);
         }

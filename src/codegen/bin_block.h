@@ -85,7 +85,7 @@ class BinBlock {
             GrowBy(step, offset);
         }
     }
-    // The rare case of an append, growing the buffer, is a tail call, so that the usual case
+    // An append rarely has to grow the buffer. It does so in a tail call, so that the usual case
     // contains no call.
     std::uint32_t GrowAndPutByte(std::int32_t value);
     std::uint32_t GrowAndPutWord(std::int32_t value);

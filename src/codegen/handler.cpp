@@ -53,8 +53,8 @@ const char* FindOperandEnd(const char* next) {
     return end;
 }
 
-// Splits the text after the mnemonic at its commas, evaluates each operand and adds it to the list
-// of the statement. Reports operands that are empty or refused.
+// Splits the text after the mnemonic at its commas, evaluates each operand and adds it to the
+// statement's list. Reports operands that are empty or refused.
 //
 // Nearly every operand is a single token, alone or in parentheses; the scan for the end of the
 // token shows whether it is. Any other operand is then scanned further, up to its comma. `before`

@@ -69,8 +69,8 @@ void Put(const Switch& row, bool isOn, CommandLine* result) {
         isOn ? letter : static_cast<char>(letter + ('a' - 'A'));
 }
 
-// Reads the number at the start of `text`: optional blanks, an optional sign, digits. Without
-// digits the number is 0; it is clamped to 32 bits. Prints a message if it is not above 0.
+// Reads the number at the start of `text`: optional blanks, an optional sign, digits. The number is
+// 0 if there are no digits, and is clamped to 32 bits. Prints a message if it is not above 0.
 std::int32_t ReadSize(const char* text, const char* what, std::string_view word) {
     text = SkipBlanks(text);
     // A line end is not a blank here, but the library would skip it as one.

@@ -20,7 +20,7 @@ struct CStatement {
         : text(line), fileName(file), args(assembler) {}
 
     char* text;                   ///< the logical line, null-terminated; not owned
-    std::string_view label;       ///< label of the line, in `text`; without data for none
+    std::string_view label;       ///< label of the line, in `text`; null data if none
     std::string_view token;       ///< the word read last, in `text`: the label, then the mnemonic
     std::uint32_t flags = 0;      ///< SF_* bits
     std::int32_t lineNumber = 0;  ///< of its first physical line, from 1

@@ -42,7 +42,7 @@ Status CAssembler::ParseValue(std::string_view token, std::int32_t* value) {
 Status CAssembler::ScanExpression(std::string_view text, std::int32_t* value,
                                   std::string_view* fault) {
     constexpr std::int32_t maxNodes = 20;      // the 20th is one too many
-    std::array<ExprNode, maxNodes + 1> nodes;  // one token and its operator may be one too many
+    std::array<ExprNode, maxNodes + 1> nodes;  // a token and its operator are stored together
     std::int32_t count = 0;
     const auto store = [&](std::int32_t type, std::int32_t content, std::int32_t priority) {
         nodes[static_cast<std::size_t>(count++)] = {content, type, priority, -1, -1};

@@ -94,7 +94,8 @@ bool TokenReader::TakeEnd(char c) {
     return true;
 }
 
-// Reads a string. It belongs to the token, even after other characters, and ends the token.
+// Reads a string. It becomes part of the current token, even if other characters precede it, and
+// ends that token.
 void TokenReader::TakeString() {
     while (position != end && *position != '"') {
         ++position;
@@ -107,7 +108,7 @@ void TokenReader::TakeString() {
     tokenEnd = position;
 }
 
-// "&B", "&D", "&H" and "&O" belong to the token, even after other characters.
+// "&B", "&D", "&H" and "&O" become part of the token, even if other characters precede them.
 bool TokenReader::TakeAmpersand() {
     if (end - position > 1 && RadixOf(position[1]) != 0) {
         position += 2;

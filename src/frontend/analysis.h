@@ -115,7 +115,7 @@ struct Message {
     Severity severity = Severity::error;
     std::int32_t number = 0;  ///< row of MESSAGE_TABLE; 0 for a message of the front end alone
     std::optional<Warning> warning;  ///< its name, if -W can select it
-    std::string code;                ///< "X16", or a name; empty for none
+    std::string code;                ///< "X16", or a name; empty if there is none
     Place place;
     std::int32_t opening = noIndex;  ///< in which `place` is; `noIndex` without a place
     std::string text;

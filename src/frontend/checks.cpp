@@ -48,8 +48,8 @@ bool IsOpenString(const lsArg& arg) {
     return arg.status == 0 && arg.IsValue() && HasOpenQuote(arg.text);
 }
 
-// Adds what is suspicious about the resolved operand `arg`. A register that is used as a value
-// counts as 0, and so does the register of an operand with a displacement.
+// Adds the findings about the resolved operand `arg`. A register that is used as a value counts as
+// 0, and so does the register of an operand with a displacement.
 void CheckOperand(const lsArg& arg, const Keyword* keyword, Findings* findings) {
     const InstructionHandler handler = keyword == nullptr ? nullptr : keyword->handler;
     const auto isOneOf = [handler](std::initializer_list<InstructionHandler> handlers) {

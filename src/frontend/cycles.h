@@ -24,7 +24,7 @@ struct Cycles {
 /// The T-states of a statement; 0 if it is not an instruction or has no bytes.
 [[nodiscard]] Cycles CyclesOf(const Analysis& analysis, const Statement& statement);
 
-/// Length of the longest text of a `Cycles`, in characters.
+/// The length in characters of the longest text that `CyclesText` returns.
 inline constexpr std::size_t longestCycles = 7;
 /// Writes the text of `cycles` to `to`, which has room for the longest text. Result: its end.
 char* PutCycles(char* to, Cycles cycles);

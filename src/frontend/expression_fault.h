@@ -30,7 +30,7 @@ struct FaultyToken {
     const Token* token = nullptr;  ///< the token at fault; null if there is no fault
 };
 
-/// The first fault that the tokens of `operand` show. Names count as values.
+/// The first fault in the tokens of `operand`. Names count as values.
 [[nodiscard]] FaultyToken FindExpressionFault(const OperandView& operand);
 
 /// True if `code` (OP_*) is a comparison operator.

@@ -27,7 +27,7 @@ std::string DirectoryOf(const std::string& path) {
     return directory;
 }
 
-// Reads all bytes of `file`, but stops after more than `longestFile` of them.
+// Reads all bytes of `file`, but stops once there are more than `longestFile`.
 StoredText::Block ReadWhole(platform::InputFile* file) {
     constexpr std::size_t leastRoom = 4096;  // for a file of unknown size
     StoredText::Block bytes;

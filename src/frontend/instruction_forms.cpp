@@ -99,8 +99,8 @@ bool IsA(const OperandView& operand, std::string_view term, bool ignoresParenthe
                                   : row->includes(operand, ignoresParentheses);
 }
 
-// True if the first `count` operands match those of `form`. With `isWhole`, `form` must have no
-// further operands.
+// True if the first `count` operands match those of `form`. If `isWhole` is true, `form` must have
+// no further operands.
 bool Begins(const StatementView& statement, std::string_view form, std::size_t count,
             bool ignoresParentheses, bool isWhole) {
     if (form == "-") {
@@ -137,7 +137,8 @@ constexpr auto consists = std::to_array<std::pair<std::string_view, std::string_
     {"p", "0 8 16 24 32 40 48 56"},
 });
 
-// True if `use` returns true for a form of `mnemonic`; its second argument is `ignoresParentheses`.
+// True if `use` returns true for a form of `mnemonic`; the second argument of `use` is
+// `ignoresParentheses`.
 template <typename Use>
 bool AnyForm(std::string_view mnemonic, Use use) {
     const FormRow* const row = RowOfWord(mnemonic);

@@ -7,8 +7,8 @@
 
 namespace korv {
 
-/// Needs `Wanted::statements`, `Wanted::names` and `Wanted::useCounts`. Lists a source with errors
-/// too, each message under its line. Begins with the summary.
+/// Needs `Wanted::statements`, `Wanted::names` and `Wanted::useCounts`. A source with errors is
+/// listed too, with each message under its line. Begins with the summary.
 [[nodiscard]] std::string ListingText(const Analysis& analysis);
 
 }  // namespace korv

@@ -45,8 +45,8 @@ bool NamesFile(const Keyword* keyword) {
            (keyword->handler == AssembleInclude || keyword->handler == AssembleBinclude);
 }
 
-// The part of the operand `text` that is evaluated: what is in its parentheses, or the displacement
-// of IX or IY.
+// The part of the operand `text` that is evaluated: the text in its parentheses, or the
+// displacement of IX or IY.
 std::string_view EvaluatedPart(std::string_view text, const OperandClass& operand) {
     const std::string_view inner = WithoutParentheses(text);
     const bool hasSign =
@@ -142,7 +142,7 @@ void NameCollector::JoinEarlyUses() {
 
 // A name that is to be sorted.
 struct NameCollector::Entry {
-    std::uint64_t piece = 0;              // up to 8 characters, as a number of the same order
+    std::uint64_t piece = 0;              // up to 8 characters, as a number that sorts like them
     const CIdentifier* record = nullptr;  // null for a name with early uses only
     const std::pair<const std::string, Uses>* early = nullptr;
 

@@ -103,8 +103,8 @@ std::string NameThatLooksLike(const OperandCase& it, const std::string& name) {
     return "";
 }
 
-// The name without a value that the message is about; if a value is needed at once, the name may be
-// defined later. Null if there is none.
+// The name whose missing value caused the message. If the value is needed at once, the name may
+// still be defined later in the source. Null if there is none.
 const Token* FindUnknown(const OperandCase& it) {
     if (it.operand == nullptr) {
         return nullptr;

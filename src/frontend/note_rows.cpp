@@ -23,7 +23,7 @@ std::string_view Inner(std::string_view operand) {
     return operand.size() > 2 ? WithoutParentheses(operand) : operand;
 }
 
-// The pair that is called `name` on the 8080, which names it by its high register.
+// The pair that is called `name` on the 8080, which names a pair by its high register.
 std::string_view PairOf8080(std::string_view name) {
     return name == "B" ? "BC" : name == "D" ? "DE" : name == "H" ? "HL" : name;
 }

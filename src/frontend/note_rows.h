@@ -31,7 +31,8 @@ struct RowAdvice {
 [[nodiscard]] std::optional<RowAdvice> OperandAdvice(const StatementView& statement, Status number);
 
 /// The number of the message about the operands of `statement`: too many, too few, or else illegal.
-/// In the last case, MSG_ILLEGAL_CONDITION is kept if `number` is that.
+/// For an illegal operand, the result is MSG_ILLEGAL_CONDITION if `number` is, else
+/// MSG_ILLEGAL_ARGUMENT.
 [[nodiscard]] Status FormMessage(const StatementView& statement,
                                  Status number = MSG_ILLEGAL_ARGUMENT);
 

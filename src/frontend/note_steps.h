@@ -1,4 +1,4 @@
-/// The parts of `Adviser::AdviceFor`, by what a message is about.
+/// The parts of `Adviser::AdviceFor`, by the subject of the message.
 #pragma once
 
 #include "frontend/notes.h"

@@ -339,8 +339,8 @@ void Adviser::RememberCondition(const FaultView& fault, const Advice& advice, bo
     }
 }
 
-// The name and the parameters of a macro mean nothing, and lines that are wrong inside it may be
-// right once the macro is expanded by hand.
+// The core does not know the name and the parameters of a macro, and lines of its body that are
+// wrong now may be right once the macro is expanded by hand.
 void Adviser::RememberBlock(const FaultView& fault, std::string_view end) {
     const StatementView& statement = fault.statement;
     refusedNames.emplace(statement.label);

@@ -24,7 +24,7 @@ struct KnownName {
     bool hasValue = false;
     std::int32_t value = 0;
     bool isCommandLine = false;  ///< defined by -D
-    std::string where;           ///< "file:line" of the definition; empty for none
+    std::string where;           ///< "file:line" of the definition; empty if there is none
     SourcePlace definition;      ///< place of the name; file 0: none
     bool isHere = false;         ///< it is on the line of the current statement
     std::string waitingLine;     ///< the cleaned line of an unresolved EQU; else empty
@@ -109,10 +109,11 @@ class Adviser {
     [[nodiscard]] const RunFacts& Facts() const { return facts; }
 
   private:
-    // The name without a value that `fault` is about; empty for none.
+    // The name whose missing value caused `fault`; empty if there is none.
     [[nodiscard]] std::string UnknownName(const FaultView& fault, const Advice& advice) const;
     [[nodiscard]] bool IsFollowOn(const FaultView& fault, const Advice& advice);
-    // True if the operand at fault, or any operand if that is not known, contains one of `names`.
+    // True if the operand at fault contains one of `names`. If it is not known which operand that
+    // is, any operand counts.
     [[nodiscard]] static bool UsesOneOf(const std::unordered_set<std::string>& names,
                                         const FaultView& fault);
     void Remember(const FaultView& fault, const Advice& advice);

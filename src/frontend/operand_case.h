@@ -19,7 +19,7 @@ struct OperandCase {
     const FaultView& fault;
     const StatementView& statement;
     const OperandView* operand =
-        nullptr;  ///< the operand at fault; null: one is missing, or none is at fault
+        nullptr;  ///< the operand at fault; null: an operand is missing, or none is at fault
     Advice advice = {};
 
     void PointAt(std::string_view part) { advice.place = statement.PartOf(part); }
@@ -53,7 +53,7 @@ struct OperandCase {
 /// The first token `text` of `operand`; null if there is none.
 [[nodiscard]] const Token* FindToken(const OperandView& operand, std::string_view text);
 
-/// Advises on the fault that the tokens of the operand show. Result: false if they show none.
+/// Advises on a fault in the tokens of the operand. Result: false if they contain none.
 [[nodiscard]] bool AdviseOnExpression(OperandCase* it);
 /// Advises on "XAND3", a word operator without blanks, and on a misspelt one.
 [[nodiscard]] bool AdviseOnWordOperator(OperandCase* it, const Token& token);
@@ -61,7 +61,7 @@ struct OperandCase {
 [[nodiscard]] bool AdviseOnComma(OperandCase* it);
 /// Advises on another character instead of a comma, as in "LD A:5".
 [[nodiscard]] bool AdviseOnSeparator(OperandCase* it);
-/// Advises on a statement that `commas` would split into operands which do not fit ("SUB A:5").
+/// Advises on a statement that `commas` would split into operands that do not fit ("SUB A:5").
 [[nodiscard]] bool AdviseOnSeparated(OperandCase* it, std::string_view part,
                                      const std::vector<TextEdit>& commas);
 /// Advises on brackets around the values of a data directive.
@@ -82,7 +82,7 @@ struct OperandCase {
 [[nodiscard]] std::string Listed(const std::vector<std::string>& words);
 /// Advises on a register in double quotes.
 [[nodiscard]] bool AdviseOnQuotedRegister(OperandCase* it);
-/// Advises on a misspelt register or condition. With `isSure`, only if letters are swapped or
+/// Advises on a misspelt register or condition; if `isSure` is true, only if letters are swapped or
 /// doubled.
 [[nodiscard]] bool AdviseOnMisspeltRegister(OperandCase* it, bool isSure = false);
 /// Advises on a register or a name with a blank in it.
@@ -93,12 +93,11 @@ struct OperandCase {
 [[nodiscard]] bool AdviseOnOddQuotes(OperandCase* it);
 /// Advises on a text with double quotes in it.
 [[nodiscard]] bool AdviseOnQuotes(OperandCase* it);
-
-/// Proposes the closing quote of the string `text`, which is the end of an operand.
+/// Proposes a closing quote for the string `text` at the end of an operand.
 void CloseString(OperandCase* it, std::string_view text);
 /// Advises on a string in data whose opening quote is missing.
 [[nodiscard]] bool AdviseOnUnopenedString(OperandCase* it);
-/// Advises on the name without a value.
+/// Advises on a name that has no value.
 void AdviseOnUnknownName(OperandCase* it);
 /// Uses the first explanation that fits.
 void AdviseOnOperandCase(OperandCase* it);

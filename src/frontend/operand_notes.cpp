@@ -193,7 +193,7 @@ std::string Sentence(const Token& token, std::string_view end) {
 void AimAt(OperandCase* it) {
     for (const OperandView& operand : it->statement.operands) {
         if (operand.text.starts_with('\'') && operand.text.find('\'', 1) == npos) {
-            it->operand = &operand;  // a string up to a later operand
+            it->operand = &operand;  // a string that ends in a later operand
             break;
         }
         if (it->fault.number == MSG_ILLEGAL_ARGUMENT && operand.what.reg == REG_DIRECT &&

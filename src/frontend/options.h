@@ -27,7 +27,7 @@ inline constexpr int statusFailure =
 /// Standard input as the source, standard output as an output.
 inline constexpr const char* standardStream = "-";
 
-/// The most bytes that --line-length allows for a line.
+/// The largest value of --line-length, in bytes.
 inline constexpr std::uint32_t longestLine = 0x10000;
 
 struct Options {

@@ -11,7 +11,8 @@
 namespace korv {
 namespace {
 
-// True if `text` is `name` with two letters swapped, one doubled, or a digit in place of one.
+// True if `text` is `name` with its letters in another order or with one of them repeated, or if it
+// is "H1" for HL.
 bool IsSureSlip(std::string_view text, std::string_view name) {
     const bool isDoubled =
         text.size() == name.size() + 1 && std::ranges::all_of(text, [name](char c) {
@@ -20,8 +21,8 @@ bool IsSureSlip(std::string_view text, std::string_view name) {
     return isDoubled || std::ranges::is_permutation(name, text) || (name == "HL" && text == "H1");
 }
 
-// The registers and conditions of which `token` may be a misspelling: only sure slips if there are
-// any, otherwise only those of the same length, otherwise all.
+// The registers and conditions of which `token` may be a misspelling: only those with the same
+// letters if there are any, otherwise only those of the same length and sure slips, otherwise all.
 std::vector<std::string> NearRegisters(const OperandCase& it, const Token& token, bool isIndex) {
     std::vector<std::string> near;
     std::size_t best = 3;

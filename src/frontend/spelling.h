@@ -38,8 +38,8 @@ inline constexpr std::string_view largeNumberNote =
 /// if it is not a number.
 [[nodiscard]] std::string NumberSpelling(std::string_view token);
 
-/// The offset of `name` in `text`, at or after `from`, where it is not part of a longer name; npos
-/// if there is none.
+/// The offset of the first `name` in `text`, at or after `from`, that is not part of a longer name;
+/// npos if there is none.
 [[nodiscard]] std::size_t FindName(std::string_view text, std::string_view name,
                                    std::size_t from = 0);
 

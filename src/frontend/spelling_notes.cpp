@@ -77,7 +77,7 @@ bool AdviseOnQuotedName(OperandCase* it, std::string_view part) {
     return false;
 }
 
-// Proposes the translated statement. In the note, it replaces the text of the single change.
+// Proposes the translated statement, and shows it in the note in place of the single change.
 void ProposeWhole(OperandCase* it, const Translation& translation) {
     const StatementView changed = translation.View();
     const std::string whole(changed.Typed(changed.Span(changed.mnemonic, changed.rest)));

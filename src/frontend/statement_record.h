@@ -12,7 +12,7 @@ namespace korv {
 
 struct CStatement;
 
-/// The mnemonic of `statement`, or the unknown word in its place; empty for none.
+/// The mnemonic of `statement`, or the unknown word in its place; empty if there is neither.
 [[nodiscard]] std::string_view MnemonicOf(const CStatement& statement);
 
 /// The kind of `statement`. `keyword` is the row of its mnemonic, or null.

@@ -19,8 +19,8 @@ namespace korv {
 /// True if `label` as a whole operand is a register or condition, like P and HL.
 [[nodiscard]] bool ReadsAsRegister(std::string_view label);
 
-/// What to write instead of a condition that means something other than in most languages; empty
-/// for other conditions.
+/// The text to write instead of a condition whose meaning is not the one that it has in most
+/// languages; empty for other conditions.
 [[nodiscard]] std::string_view SurpriseInCondition(const OperandView& condition);
 
 }  // namespace korv

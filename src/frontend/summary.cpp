@@ -59,7 +59,8 @@ void Count(const Statement& statement, Sizes* sizes) {
     }
 }
 
-// '#' if most bytes are code, '+' if most are data, '.' if there are none.
+// One character for each KiB: '#' if at least half of its bytes are code, '+' if fewer are, '.' if
+// it has none.
 std::string MapOf(std::span<const Statement> statements) {
     struct Bytes {
         std::uint64_t code = 0, data = 0;

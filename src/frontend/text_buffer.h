@@ -35,8 +35,8 @@ inline char* PutBlanks(char* to, char* end) {
 
 class TextBuffer {
   public:
-    /// An empty text with memory for the `size` characters that are expected, since growing copies
-    /// it.
+    /// Creates an empty text. `size` is the number of characters to expect: growing copies the
+    /// text.
     explicit TextBuffer(std::size_t size = 0) { text.reserve(size); }
 
     /// A place where at least `count` characters can be written. `Advance` then appends them, up to

@@ -32,8 +32,8 @@ using AllocationFailureHook = int (*)(std::size_t size);
 /// Installs `hook`, or none if it is null. Result: the previous hook.
 AllocationFailureHook SetAllocationFailureHook(AllocationFailureHook hook);
 
-/// Allocates memory from the general allocator. Result: null, after a call to the hook, if there is
-/// no memory. A size of 0 counts as 1.
+/// Allocates memory from the general allocator. If there is no memory, calls the hook and returns
+/// null. A size of 0 counts as 1.
 [[nodiscard]] void* Allocate(std::size_t size);
 /// Like `Allocate`, but all bytes are 0. `size` must not be 0.
 [[nodiscard]] void* AllocateZeroed(std::size_t size);
@@ -223,12 +223,11 @@ class InputFile {
 };
 
 /// A file to be written. Its bytes are written to a new file in the same directory. `Commit`
-/// renames that file to the final name in one step. Until then, and if anything fails, no file
-/// appears under that name, and an old file of that name stays unchanged. The new file gets the
-/// permissions of the old file. Some files are written in place, from the first `Write` on:
-/// devices, pipes, and files that cannot be replaced because the directory does not allow it or the
-/// owner would change. No unfinished file is left when the process ends, unless the process is
-/// killed outright.
+/// renames that file to the final name in one step. Until then, and if anything fails, no new file
+/// appears under that name, and any old file stays unchanged. The new file gets the permissions of
+/// the old file. Some files are written in place, from the first `Write` on: devices, pipes, and
+/// files that cannot be replaced because the directory does not allow it or the owner would change.
+/// No unfinished file is left when the process ends, unless the process is killed outright.
 class OutputFile {
   public:
     enum class Kind {

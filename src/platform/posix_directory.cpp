@@ -125,7 +125,7 @@ class Listing {
     }
 
     std::set<std::pair<std::string, std::string>> names;  // each in upper case, then as spelled
-    // The directory that was read; none if its modification time might not reveal a later change.
+    // The directory that was read; unset if its modification time might not reveal a later change.
     FileIdentity identity;
     nanoseconds changed{};
 };

@@ -86,8 +86,8 @@ void ReleaseSignals();
 [[nodiscard]] unsigned long ProcessNumber();
 
 /// Calls `create` with names in the directory of `place` until one is free, at most 100 times, and
-/// returns that name in `name`. A name can be taken by a file that a killed process has left, or by
-/// another process with that ID.
+/// returns that name in `name`. A name may already be taken by a file that a killed process left
+/// behind, or by another process with the same ID.
 template <typename Create>
 Creation CreateAtFreeName(const OutputPlace& place, std::string* name, Create create) {
     Creation creation = Creation::nameIsTaken;

@@ -1,6 +1,6 @@
 /// Shared by the files of the Win32 implementation. The system is called with wide characters,
-/// because only these calls accept every name, however long. All other texts are UTF-8; the
-/// manifest makes that the code page of the process.
+/// because only these calls accept every name, however long. All other texts are UTF-8, which the
+/// manifest makes the code page of the process.
 #pragma once
 
 #include <io.h>
@@ -39,7 +39,7 @@ struct HandleCloser {
         }
     }
 };
-/// Owns the handle of an open file and closes it; an invalid handle stands for none.
+/// Owns the handle of an open file and closes it; an invalid handle means that there is none.
 using OwnedHandle = std::unique_ptr<void, HandleCloser>;
 
 /// Like `CreateFileW`, but shares the file with all processes. Does not open a directory. Result:

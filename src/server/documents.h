@@ -24,7 +24,7 @@ class Documents {
 
     /// All open documents, by full path.
     [[nodiscard]] const std::map<std::string, Document>& All() const { return documents; }
-    /// `path` is a full path, here and below. Null if the document is not open.
+    /// The document at `path`, null if it is not open. Here and below, `path` is a full path.
     [[nodiscard]] const Document* Find(const std::string& path) const;
     /// The URI of the file, as the client spells it.
     [[nodiscard]] std::string UriOf(const std::string& path) const;

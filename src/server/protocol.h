@@ -22,7 +22,7 @@ enum class PositionEncoding : std::uint8_t { utf16, utf8 };
 /// A place between two characters. Both numbers count from 0.
 struct Position {
     std::uint32_t line = 0;
-    std::uint32_t character = 0;  ///< in units of the encoding
+    std::uint32_t character = 0;  ///< in code units of the encoding
     auto operator<=>(const Position&) const = default;
 };
 
@@ -35,8 +35,8 @@ struct Range {
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE(Position, line, character)
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE(Range, start, end)
 
-/// The number of units in the first `column` bytes of `line`. A byte that is not valid UTF-8 counts
-/// as one character, as an editor shows it.
+/// The number of code units in the first `column` bytes of `line`. A byte that is not valid UTF-8
+/// counts as one character, as an editor shows it.
 [[nodiscard]] std::uint32_t UnitsOf(std::string_view line, std::size_t column,
                                     PositionEncoding encoding);
 

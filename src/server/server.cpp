@@ -9,7 +9,7 @@
 namespace korv {
 namespace {
 
-// The reply to the request with that `id`; `key` is "result" or "error".
+// The reply to the request `id`; `key` is "result" or "error".
 std::string ReplyText(const Json& id, const char* key, const Json& value) {
     return R"({"jsonrpc":"2.0","id":)" + TextOf(id) + ",\"" + key + "\":" + TextOf(value) + "}";
 }
@@ -46,7 +46,7 @@ bool Server::FillQueue() {
     return !queue.empty();
 }
 
-// True if a waiting message cancels the request.
+// True if a waiting message cancels the request `id`.
 bool Server::IsCancelled(const Json& id) const {
     const Json method = "$/cancelRequest";
     return std::ranges::any_of(queue, [&](const Json& each) {

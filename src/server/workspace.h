@@ -56,7 +56,7 @@ class Workspace {
     /// of folders end with a slash.
     [[nodiscard]] Strings FilesIn(const std::string& path, const std::string& name);
 
-    /// Discards the cached results, because files, folders or settings have changed.
+    /// Discards the cached results. Called when files, folders or settings have changed.
     void Forget();
 
   private:

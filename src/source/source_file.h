@@ -17,7 +17,8 @@ class CSourceFile {
     /// Opens the file `name`, exactly as spelled, with a read buffer of at most `maxBufferSize`
     /// bytes. A file without a size, such as a pipe, gets a buffer of that size.
     CSourceFile(std::string_view name, std::uint32_t maxBufferSize);
-    /// A file that has already been read. `text` holds its contents and is not owned.
+    /// Creates a source file from `text`, the contents of a file that has already been read. `text`
+    /// is not owned.
     [[nodiscard]] static CSourceFile OfText(std::string_view text);
 
     /// The least room that a line buffer must have, even if the longest line allowed is shorter.

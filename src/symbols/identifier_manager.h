@@ -35,8 +35,8 @@ struct Definition {
 
 class CIdentifierManager {
   public:
-    /// An empty table for the run of `assembler`, which is not owned. The assembler evaluates the
-    /// patches; its image receives their bytes, and its lists receive the messages.
+    /// Creates an empty table. `assembler` evaluates the patches; its image receives their bytes,
+    /// and its lists receive the messages. It is not owned.
     explicit CIdentifierManager(CAssembler* assembler);
     ~CIdentifierManager() { ReleasePatches(); }
 

@@ -121,7 +121,7 @@ struct PoolAllocator {
 /// not take the same steps.
 class CNameIndex {
   public:
-    /// An empty index. The tree allocates its memory from `pool`, which is not owned.
+    /// Creates an empty index. The tree allocates its memory from `pool`, which is not owned.
     explicit CNameIndex(CNamePool* pool)
         : overflow(PoolAllocator<std::pair<const HashedName, CIdentifier*>>(pool)) {}
     ~CNameIndex();

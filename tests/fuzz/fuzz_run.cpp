@@ -1,5 +1,5 @@
 // Runs korv on arbitrary bytes. The first line contains the switches. The rest is the main source and a few more files,
-// separated by bytes FE. The sanitizers detect faults within a run; the checks below examine the files that it leaves.
+// separated by FE bytes. The sanitizers detect faults within a run; the checks below examine the files that it leaves.
 
 #include <unistd.h>
 

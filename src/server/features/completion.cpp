@@ -140,8 +140,8 @@ class ItemList {
         }
     }
 
-    // True if `word` fits as the operand at the cursor, in parentheses if the operand begins with
-    // one.
+    // True if `word` fits as the operand at the cursor. If the operand begins with a parenthesis,
+    // the word is tried in parentheses.
     [[nodiscard]] bool May(std::string_view word) const {
         std::string tried = prefix.line.substr(0, prefix.line.size() - prefix.operandText.size());
         tried += isOpen ? "(" + std::string(word) + ")" : word;

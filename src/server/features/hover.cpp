@@ -13,13 +13,13 @@
 namespace korv {
 namespace {
 
-// `text` as a block of code in Markdown. A backquote in it would end the block.
+// `text` as a Markdown code block. A backquote in it would end the block.
 std::string Code(std::string text) {
     std::ranges::replace(text, '`', '\'');
     return "```korv\n" + text + "\n```";
 }
 
-// By `NameKind`.
+// Indexed by `NameKind`.
 constexpr std::array kindTexts = {"label", "constant", "constant of the command line",
                                   "constant of the assembler", "undefined name"};
 

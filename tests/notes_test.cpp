@@ -109,7 +109,7 @@ TEST(NotesTest, MistakesGetOneMessageAtTheirPlace) {
         ASSERT_NE(std::string::npos, cut) << line;
         const std::string source = line.substr(cut + 4);
         const std::size_t start = line.find_first_not_of("?+");
-        EXPECT_EQ(line.substr(start, cut - start) + "\n", Printed(source)) << source;
+        EXPECT_EQ(ReplaceAll(line.substr(start, cut - start), " && ", "\n") + "\n", Printed(source)) << source;
         const std::string without = line[0] == '+' ? "no change is proposed" : "";
         EXPECT_EQ("", line[0] == '?' ? "" : ErrorsAfterChange(source, without)) << source;
         ++count;

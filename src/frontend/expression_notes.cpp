@@ -60,7 +60,7 @@ bool AdviseOnDots(OperandCase* it, const Token& token) {
     const bool isIndex = HoldsWord("IX IY", head);  // "(IX.Y)"
     const std::vector<TextEdit> edits = {
         {it->statement.PartOf(part.substr(head.size(), 1)), isIndex ? "+" : " "}};
-    if ((isIndex || it->IsDefined(head)) && IsSound(it->adviser.Facts(), it->statement, edits)) {
+    if (IsSound(it->adviser.Facts(), it->statement, edits)) {
         return it->Propose(part, edits);
     }
     std::ranges::replace(name, '.', '_');

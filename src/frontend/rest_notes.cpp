@@ -65,7 +65,7 @@ Advice AdviseOnFile(const RunFacts& facts, const FaultView& fault) {
          {inner, std::string(name.substr(first, std::min(quote, name.size()) - first)), slashed,
           inner + ".kor", inner + ".asm", inner + ".inc", inner + ".z80", stem + ".kor", base,
           "../" + slashed}) {
-        if (candidate != name && facts.HasFile(candidate)) {
+        if (facts.HasFile(candidate)) {
             advice.edits = {{*advice.place, candidate}};
             advice.note = "write " + std::string(statement.mnemonic) + " " + candidate;
             return advice;

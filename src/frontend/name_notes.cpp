@@ -159,6 +159,7 @@ bool AdviseOnLetterForDigit(OperandCase* it, const Token& token) {
     if (letter != 0 && token.kind != TokenKind::digitName) {
         return false;
     }
+    const bool hasSuffix = it->statement.Typed(token.text).ends_with('L');  // "1000L", as in C
     std::ranges::replace(digits, 'O', '0');
     std::ranges::replace(digits, 'L', '1');
     std::ranges::replace(digits, 'I', '1');
@@ -166,7 +167,7 @@ bool AdviseOnLetterForDigit(OperandCase* it, const Token& token) {
         digits = spelled;
     }
     const std::vector<Token> tokens = CutTokens(digits);
-    if (tokens.size() != 1 || tokens[0].kind != TokenKind::number) {
+    if (hasSuffix || tokens.size() != 1 || tokens[0].kind != TokenKind::number) {
         return false;
     }
     it->Replace(token.text, digits);
@@ -181,6 +182,12 @@ bool AdviseOnNearName(OperandCase* it, const Token& token) {
     if (dash != std::string_view::npos && it->IsDefined(token.text.substr(0, dash)) &&
         it->IsDefined(token.text.substr(dash + 1))) {
         return it->Propose(token.text, {{it->statement.PartOf(token.text.substr(dash, 1)), "-"}});
+    }
+    const std::string_view stem =
+        token.text.substr(std::min(token.text.find_first_not_of("0123456789"), token.text.size()));
+    if (stem.size() < token.text.size() && it->IsDefined(stem)) {  // "2WIDTH"
+        it->advice.note = "put an operator before " + std::string(it->statement.Typed(stem));
+        return true;
     }
     std::string near = NameThatLooksLike(*it, std::string(token.text));
     if (near.empty()) {
@@ -238,7 +245,7 @@ void AdviseOnUnknownName(OperandCase* it) {
     }
     const bool isMarked = name.front() == 'H' && name.size() > 2;  // "H100"
     if (const std::string number = NumberSpelling("0X" + name.substr(isMarked ? 1 : 0));
-        !number.empty() && (isMarked || name.size() % 2 == 0)) {
+        !number.empty() && name.front() != '_' && (isMarked || name.size() % 2 == 0)) {
         it->Replace(token->text, number);
         note = "write " + number + " if it is hexadecimal";
         return;

@@ -20,6 +20,18 @@ std::uint64_t LettersOf(std::string_view word) {
     return letters;
 }
 
+// True if the keys of two letters are next to each other.
+bool AreNeighbours(char a, char b) {
+    constexpr std::string_view keys = "QWERTYUIOPASDFGHJKL.ZXCVBNM...";  // in rows of ten
+    const std::size_t one = keys.find(a);
+    const std::size_t other = keys.find(b);
+    if (one >= keys.size() || other >= keys.size()) {
+        return false;
+    }
+    const auto distance = [](std::size_t x, std::size_t y) { return x > y ? x - y : y - x; };
+    return distance(one / 10, other / 10) < 2 && distance(one % 10, other % 10) < 2;
+}
+
 // Names such as ROUT1 and ROUT2, PORTA and PORTB, XPOS and YPOS, or MUL and MUL2 are not
 // misspellings of each other.
 bool AreOfOneFamily(std::string_view a, std::string_view b) {
@@ -34,7 +46,7 @@ bool AreOfOneFamily(std::string_view a, std::string_view b) {
     }
     const bool isAtEdge = one == a.begin() || one + 1 == a.end();
     return (HasClass(*one, CC_DIGIT) && HasClass(*other, CC_DIGIT)) ||
-           (isAtEdge && std::equal(one + 1, a.end(), other + 1));
+           (isAtEdge && std::equal(one + 1, a.end(), other + 1) && !AreNeighbours(*one, *other));
 }
 
 }  // namespace

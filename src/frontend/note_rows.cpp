@@ -239,6 +239,15 @@ std::string FirstWord(std::string_view text) {
     return std::string(text.substr(0, text.find_first_of(" \t")));
 }
 
+// True if a string of `text` contains an escape sequence, which would be two characters.
+bool HasEscape(std::string_view text) {
+    const std::string line = " " + std::string(text);
+    return std::ranges::any_of(CutStatement(line).operands, [](const OperandView& operand) {
+        return operand.text.starts_with('"') && operand.text.size() > 3 &&
+               operand.text.find('\\') != std::string_view::npos;
+    });
+}
+
 // True if a statement that is to be proposed matches a form.
 bool IsForm(std::string_view text) {
     const std::string line = " " + Raised(text);
@@ -296,6 +305,12 @@ std::optional<RowAdvice> WordAdvice(const StatementView& statement) {
             }
             found.note = "write " + InOneLine(rest->edits[0].text);
             found.edits[0].text = rest->edits[0].text;
+        }
+        if (!found.edits.empty() && HasEscape(found.edits[0].text)) {
+            return RowAdvice{"use " + FirstWord(found.edits[0].text) +
+                                 ", and a number for each character after a backslash",
+                             {},
+                             {}};
         }
         if (!found.edits.empty()) {  // it must not be a label
             const bool isFirst = statement.PartOf(statement.mnemonic).offset == 0;

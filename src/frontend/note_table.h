@@ -229,6 +229,7 @@ inline constexpr auto operandTable = std::to_array<OperandRow>({
     {"16", "ADD ADC SBC", "n,A", "%w A,%1", "", " ADD 5,A"},
     {"16", "ADD ADC SBC", "n,any (n),any (HL),any (xy+d),any", "", "add to A and store the result", " ADD (HL),5"},
     {"16", "ADD ADC SBC", "A,(n)", "LD HL,%i2\n\t%w A,(HL)", "load HL with the address and write %w A,(HL)", " ADD A,(1234)"},
+    {"16", "ADD ADC SBC", "L,gp H,gp", "%w HL,%2", "", " ADD L,BC"},
     {"16", "ADD ADC SBC", "B,any C,any D,any E,any H,any L,any", "", "use A: bytes are added to the accumulator only", " ADD B,5"},
     {"16", "ADD SUB AND XOR OR CP INC DEC", "M", "%w (HL)", "", " SUB M"},
     {"16", "SUB AND XOR OR CP", "(n)", "LD HL,%i1\n\t%w (HL)", "load HL with the address and write %w (HL), or leave out the brackets for a number", " CP (5)"},

@@ -165,6 +165,8 @@ Advice Adviser::AdviceFor(const FaultView& fault) {
     }
     if (fault.isError) {
         advice.isFollowOn = IsFollowOn(fault, advice) || advice.isFollowOn;
+        hasSkippedNames = hasSkippedNames || (IsAboutExpression(fault.number) &&
+                                              IsCondition(fault.statement.mnemonic));
         if (!advice.isFollowOn) {
             RememberComment(fault, &advice);
         }
@@ -234,7 +236,7 @@ bool Adviser::IsFollowOn(const FaultView& fault, const Advice& advice) {
         --namelessDefinitions;
         return true;
     }
-    if (fault.number == MSG_UNRESOLVED && (hasRefusedFile || (hasRefusedEnd && fault.isLate))) {
+    if (fault.number == MSG_UNRESOLVED && (hasRefusedFile || (hasSkippedNames && fault.isLate))) {
         return true;
     }
     return IsAboutValue(fault.number) &&
@@ -315,7 +317,7 @@ void Adviser::RememberCondition(const FaultView& fault, const Advice& advice, bo
     }
     if (fault.number == MSG_LABEL_WITHOUT_COLON && HoldsWord("ENDIF ENDC", statement.label)) {
         ++refusedEnds;
-        hasRefusedEnd = true;
+        hasSkippedNames = true;
     }
     const std::string meant = MeantMnemonic(fault, advice);
     const bool isSlip = fault.number == MSG_UNKNOWN_INSTRUCTION && advice.edits.empty() &&
@@ -335,7 +337,7 @@ void Adviser::RememberCondition(const FaultView& fault, const Advice& advice, bo
     if (HoldsWord("ENDIF ENDC", meant) && fault.number != MSG_NOT_IN_CONDITION &&
         fault.number != MSG_LABEL_NOT_ALLOWED) {
         (refusedConditions > 0 ? refusedConditions : refusedEnds) += refusedConditions > 0 ? -1 : 1;
-        hasRefusedEnd = hasRefusedEnd || refusedEnds > 0;
+        hasSkippedNames = hasSkippedNames || refusedEnds > 0;
     }
 }
 

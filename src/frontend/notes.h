@@ -100,7 +100,7 @@ class Adviser {
 
     /// Records that the source ends inside a skipped block. The names that this block would define
     /// are unknown, so a late error about an undefined name is only a consequence.
-    void ExpectSkippedEnd() { hasRefusedEnd = true; }
+    void ExpectSkippedEnd() { hasSkippedNames = true; }
 
     /// True if a refused ENDIF explains an open IF. Each ENDIF explains only one IF, so it is used
     /// up.
@@ -133,7 +133,7 @@ class Adviser {
     std::int32_t refusedConditions = 0;             // IFs that were refused and are still open
     std::int32_t refusedEnds = 0;                   // refused ENDIFs of open IFs
     std::int32_t namelessDefinitions = 0;           // EQUs without a label
-    bool hasRefusedEnd = false;                     // of an IF that may be false
+    bool hasSkippedNames = false;                   // an error decides whether a block is assembled
     std::int32_t slipBudget = 1000;                 // messages that may still be tried as slips
     bool hasRefusedTest = false;                    // a refused IF without a proposed change
     bool hasRefusedBranch = false;                  // an IF or ELSE: both branches are assembled

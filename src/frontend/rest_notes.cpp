@@ -103,6 +103,9 @@ Advice AdviseOnFarJump(const StatementView& statement) {
         advice.place = statement.PartOf(target);
         return advice;
     }
+    if (target.find("-$") != std::string_view::npos) {
+        return Say(statement, target, "write the label alone: a relative jump takes an address");
+    }
     if (statement.mnemonic == "JR") {
         advice.edits = {{statement.PartOf(statement.mnemonic), "JP"}};
         advice.note = "use JP: JR reaches from 126 bytes before to 129 bytes after its own address";

@@ -186,7 +186,8 @@ Foreign ForeignToken(const StatementView& statement, const Token& token) {
     if (HasClass(text.front(), CC_DIGIT) && text.find('.') != std::string_view::npos) {
         return {text, "", "use whole numbers, and commas between them: there are no fractions"};
     }
-    if (text.ends_with('\'') && statement.mnemonic != "EX") {
+    if (text.ends_with('\'') && statement.mnemonic != "EX" &&
+        ClassOf(text.substr(0, text.size() - 1)).kind != KIND_VALUE) {
         return {text, "", "use EX AF,AF' or EXX: the second set of registers has no names"};
     }
     if (HasOddByte(text)) {

@@ -219,10 +219,9 @@ std::string_view NearestKeyword(const StatementView& statement, std::string_view
         return NearWords(words).Find(word, isForm);
     }
     // Many keywords are close to such a short word, so exactly one of them must accept the
-    // operands. CAL also matches CALL if the operands are missing.
+    // operands. A word that is only begun also matches, as CAL does CALL.
     const auto isNear = [word, isForm](std::string_view each) {
-        return EditDistance(word, each) == 1 &&
-               (isForm(each) || (each.starts_with(word) && each.back() == word.back()));
+        return EditDistance(word, each) == 1 && (isForm(each) || each.starts_with(word));
     };
     const auto near = std::ranges::find_if(words, isNear);
     return std::ranges::count_if(words, isNear) == 1 ? *near : "";

@@ -115,6 +115,7 @@ inline constexpr auto tokenTable = std::to_array<TokenRow>({
     {"*", "^ \\* ;", "$", "", "X: EQU *"},
     {"*", "^ \\* +|-", "$%2", "", " JR *+2"},
     {"*", "%x.", "$", "", " JR .+2"},
+    {"*", "^ \\( %rIX|IY +|- @ %r", "", "use a number: a displacement is no register", " LD A,(IX+A)"},
     {"*", "\\( %v + %rIX|IY \\)", "(%4+%2)", "", " LD A,(5+IX)"},
     {"LD", "^ \\( %rHL|DE|BC +|- +|- \\)", "", "write (%2), then INC %2 or DEC %2: this form is of another processor", " LD A,(HL++)"},
     {"*", "^ \\( %rIX|IY \\) +|- %v ;", "(%2%4%5)", "", " LD A,(IX)+5"},
@@ -122,7 +123,6 @@ inline constexpr auto tokenTable = std::to_array<TokenRow>({
     {"LD", "^ \\( %iHLI|HLD \\)", "", "write (HL), then INC HL or DEC HL: this form is of another processor", " LD A,(HLI)"},
     {"*", "^ \\( \\( %rHL|BC|DE|SP|C \\) \\) ;", "(%3)", "", " LD A,((HL))"},
     {"*", "^ \\( @ %rHL|BC|DE|SP +|-", "", "use IX or IY: no other register has a displacement", " LD A,(HL+1)"},
-    {"*", "^ \\( %rIX|IY +|- @ %r", "", "use a number: a displacement is no register", " LD A,(IX+A)"},
     {"*", "^ & %iX* ;", "", "write hexadecimal as 0FFH, $FF or &HFF", " LD A,&XFF"},
 });
 
@@ -156,9 +156,10 @@ inline constexpr auto operandTable = std::to_array<OperandRow>({
     {"13", "EXX", "DE,HL AF,any (SP),any", "EX %r", "did you mean EX? EXX takes no operands", " EXX DE,HL"},
     {"13", "LDI LDD CPI INI IND OUTI OUTD EXX RETI RETN", "*", "", "check the mnemonic: %w takes no operands", " RETI 5"},
     {"13", "LDIR LDDR CPIR CPDR CPD HALT NOP EI DI SCF CCF INIR INDR OTIR OTDR RLD RRD", "*", "%w", "remove the operands: %w takes none, and a comment begins with a semicolon", " LDIR 5"},
+    {"13", "IF COND", "*", "", "combine the conditions with AND or OR: %w takes one operand", " IF 1,1| ENDIF"},
     {"13", "ELSE ENDIF ENDC", "*", "%w", "remove the operand, or begin it with a semicolon if it is a comment", " IF 1| ENDIF X"},
     // ADD reports three operands as too few.
-    {"14", "ADD ADC SBC", "any,any,any", "", "remove the last operand: %w takes two", " ADD A,B,C"},
+    {"14", "ADD ADC SBC", "any,any,any", "", "remove one operand: %w takes two", " ADD A,B,C"},
     {"14", "ADC SBC", "s", "%w A,%m1", "", " ADC B"},
     {"14", "IN", "(C) n (n)", "IN A,(%i1)", "", " IN (C)"},
     {"14", "OUT", "n (n) (C)", "OUT (%i1),A", "", " OUT 5"},

@@ -21,6 +21,7 @@ struct OperandCase {
     const OperandView* operand =
         nullptr;  ///< the operand at fault; null: an operand is missing, or none is at fault
     Advice advice = {};
+    bool isTranslated = false;  ///< the foreign spellings of the statement have been replaced
 
     void PointAt(std::string_view part) { advice.place = statement.PartOf(part); }
     void Replace(std::string_view part, std::string text) {

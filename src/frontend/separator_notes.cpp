@@ -100,7 +100,8 @@ bool AdviseOnSeparator(OperandCase* it) {
         edits = {{it->statement.PartOf(text), second + "," + first}};
     }
     if (size == 1 && sign[0] == '-' && HasClass(sign[1], CC_DIGIT) &&
-        ClassOf(text.substr(0, at)).kind != KIND_VALUE) {  // "LD DE-10"
+        ClassOf(text.substr(0, at)).kind != KIND_VALUE &&
+        HasFormWith(it->statement, edits)) {  // "LD DE-10"
         it->PointAt(text.substr(at, 1));
         it->advice.note = "separate the operands with a comma";
         return true;

@@ -46,6 +46,7 @@ void AdviseOnTranslated(OperandCase* it, const Translation& translation) {
                           .statementId = it->fault.statementId,
                           .isSkipped = it->fault.isSkipped};
     OperandCase inner{it->adviser, fault, changed, FocusOf(fault)};
+    inner.isTranslated = true;  // (IX+IY) would become (IY+IX) and (IX+IY) forever
     AdviseOnOperandCase(&inner);
     if (inner.advice.note.empty() && inner.advice.edits.empty()) {
         return;
@@ -96,6 +97,9 @@ void ProposeWhole(OperandCase* it, const Translation& translation) {
 
 bool AdviseOnSpelling(OperandCase* it) {
     const StatementView& statement = it->statement;
+    if (it->isTranslated) {
+        return false;
+    }
     std::vector<const OperandView*> candidates;
     // An extra operand may be the end of a second instruction on the line.
     if (it->operand != nullptr && it->fault.number != MSG_TOO_MANY_ARGUMENTS) {

@@ -41,7 +41,12 @@ LogicalLine LogicalLineAt(const StoredText& text, std::int32_t number) {
         }
         goesOn = cleaner.Take(bytes[at]);
         if (goesOn && isContinued) {
-            line.continuedComments.push_back(line.positions[end - 1]);
+            const LogicalLine::Position& last = line.positions[end - 1];
+            const std::string_view physical = text.Line(last.line);
+            // A carriage return on an empty line takes the place of the backslash before it.
+            if (last.column < physical.size() && physical[last.column] == '\\') {
+                line.continuedComments.push_back(last);
+            }
         }
         if (goesOn && bytes[at] == '\n') {
             ++number;

@@ -21,8 +21,8 @@ namespace korv {
 /// statement, or else withdraws it, together with a note that names it.
 void CheckProposal(const RunFacts& facts, const FaultView& fault, Advice* advice);
 
-/// The mnemonic that was meant: that of the changed statement, or that of an instruction in column
-/// 1.
+/// The mnemonic of the statement after the proposed change. An instruction in column 1 counts as
+/// indented.
 [[nodiscard]] std::string MeantMnemonic(const FaultView& fault, const Advice& advice);
 
 /// True if an operand that can only be a byte is a number or a name with a larger value.

@@ -105,7 +105,11 @@ bool AdviseOnUnopenedString(OperandCase* it) {
 }
 
 bool AdviseOnOddQuotes(OperandCase* it) {
+    constexpr std::size_t longest = 200;  // a bound for the work on one message
     const std::string_view rest = it->statement.rest;
+    if (rest.size() > longest) {
+        return false;
+    }
     const auto count = std::ranges::count(rest, '"');
     for (std::size_t i = 0; count % 2 == 1 && (i = rest.find("\"\"", i)) < rest.size(); ++i) {
         const std::vector<TextEdit> edits = {{it->statement.PartOf(rest.substr(i, 1)), ""}};

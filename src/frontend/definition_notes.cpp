@@ -16,8 +16,9 @@ namespace {
 // The definition in Korv's syntax, with its value translated too.
 std::string Definition(const StatementView& statement, std::string_view name,
                        std::string_view value) {
-    const std::string typed =
-        std::string(statement.Typed(name)) + ": EQU " + std::string(statement.Typed(value));
+    const bool isText = value.size() > 3 && HoldsWord("\" '", value.substr(0, 1));  // NAME = "text"
+    const std::string typed = std::string(statement.Typed(name)) + (isText ? ": DB " : ": EQU ") +
+                              std::string(statement.Typed(value));
     const std::string line = Raised(typed);
     return Translate(CutStatement(line, typed)).typed;
 }
@@ -84,8 +85,8 @@ Advice AdviseOnNameSecond(const StatementView& statement) {
             statement.line.substr(statement.PartOf(first).offset + first.size()));
         const std::string_view name = text.substr(0, text.find_first_of(" \t=,"));
         const std::size_t start = text.find_first_not_of(" \t=,", name.size());
-        if (IsNameText(name) && start != std::string_view::npos &&
-            ClassOf(name).kind == KIND_VALUE) {
+        if (IsNameText(name) && !HasClass(name.front(), CC_DIGIT) &&
+            start != std::string_view::npos && ClassOf(name).kind == KIND_VALUE) {
             return Defined(statement, first, name, text.substr(start));
         }
     }

@@ -14,17 +14,21 @@
 namespace korv {
 namespace {
 
-// Edits that put commas between adjacent values, for the tokens from `first` up to, but not
-// including, `end`.
+// Edits that put commas between adjacent values, and before "-4" in "3 -4", for the tokens from
+// `first` up to, but not including, `end`.
 std::vector<TextEdit> CommasIn(const OperandCase& it, std::size_t first, std::size_t end) {
     const std::vector<Token>& tokens = it.operand->tokens;
     std::vector<TextEdit> edits;
     for (std::size_t i = first; i < end; ++i) {
         const bool isAfterValue = tokens[i - 1].IsValue() || tokens[i - 1].code == OP_CLOSE;
-        if (isAfterValue && (tokens[i].IsValue() || tokens[i].code == OP_OPEN)) {
-            const LinePart left = it.statement.PartOf(tokens[i - 1].text);
-            const std::uint32_t start = left.offset + left.length;
-            edits.push_back({{start, it.statement.PartOf(tokens[i].text).offset - start}, ","});
+        const LinePart left = it.statement.PartOf(tokens[i - 1].text);
+        const LinePart here = it.statement.PartOf(tokens[i].text);
+        const std::uint32_t start = left.offset + left.length;
+        const bool isSigned =
+            tokens[i].code == OP_MINUS && here.offset > start && i + 1 < end &&
+            it.statement.PartOf(tokens[i + 1].text).offset == here.offset + here.length;
+        if (isAfterValue && (tokens[i].IsValue() || tokens[i].code == OP_OPEN || isSigned)) {
+            edits.push_back({{start, here.offset - start}, ","});
         }
     }
     return edits;
@@ -107,8 +111,11 @@ const Token* FindProse(const OperandCase& it) {
 // A number with a blank before its last letter, as in "8000 H".
 bool AdviseOnSplitNumber(OperandCase* it, const Token& before, const Token& token) {
     const std::string number = std::string(before.text) + std::string(token.text);
-    const bool isNumber =
-        HoldsWord("B H O", token.text) && CutTokens(number)[0].kind == TokenKind::number;
+    const bool isHalf =  // "1010 0101B"
+        !HoldsWord(dataDirectives, it->statement.mnemonic) && token.text.ends_with('B') &&
+        before.text.find_first_not_of("01") == std::string_view::npos;
+    const bool isNumber = (isHalf || HoldsWord("B H O", token.text)) &&
+                          CutTokens(number)[0].kind == TokenKind::number;
     if (isNumber) {
         it->PointAt(it->statement.Span(before.text, token.text));
         it->Replace(it->statement.Span(before.text, token.text), number);

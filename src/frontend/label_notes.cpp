@@ -66,7 +66,7 @@ Advice AdviseOnOddName(Adviser& adviser, const StatementView& statement) {
                                        (hasDot ? "no dots" : "only letters, digits, ?, @ and _");
     Advice advice = Replace(statement, line.substr(0, end), name, note);
     if (word.front() == ':') {
-        advice.edits[0].text += ':';
+        advice.edits[0].text += hasColon ? "" : ":";
     } else {
         advice.newName = name;
     }

@@ -39,8 +39,13 @@ bool AdviseOnCircle(OperandCase* it, const std::string& name) {
             }
         }
     }
-    it->advice.isFollowOn = path.size() > 1;
-    return it->advice.isFollowOn;
+    if (path.size() == 1) {
+        return false;
+    }
+    it->advice.isFollowOn = it->fault.isLate;
+    it->advice.note =
+        "check the EQU of " + path[path.size() - 2] + ": " + path.back() + " has no value here";
+    return true;
 }
 
 }  // namespace

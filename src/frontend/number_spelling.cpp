@@ -69,6 +69,9 @@ std::string EscapeValue(std::string_view content) {
     if (content == "\\\\" || content == "\\'") {
         return "\"" + std::string(content.substr(1)) + "\"";
     }
+    if (content.starts_with("\\x")) {
+        return NumberSpelling(Raised("0" + std::string(content.substr(1))));
+    }
     constexpr std::array controls = {'a', 'b', 't', 'n', 'v', 'f', 'r'};  // 7 to 13
     for (std::size_t i = 0; i < controls.size(); ++i) {
         if (content == std::string{'\\', controls[i]}) {

@@ -198,7 +198,7 @@ void AimAt(OperandCase* it) {
         }
         if (it->fault.number == MSG_ILLEGAL_ARGUMENT && operand.what.reg == REG_DIRECT &&
             operand.tokens.size() > 1 &&
-            ClassOf(operand.tokens[1].text).kind == KIND_REGISTER) {  // "LD ( HL ),5"
+            ClassOf(operand.tokens[1].text).kind != KIND_VALUE) {  // "LD ( HL ),5"
             it->operand = &operand;
         }
     }
@@ -209,7 +209,8 @@ void AimAt(OperandCase* it) {
     }
     if (HoldsWord("CALL JR", it->statement.mnemonic) && operands.size() == 2 &&
         operands[0].what.kind == KIND_VALUE && operands[1].what.kind == KIND_VALUE &&
-        !operands[0].tokens.empty() && !operands[0].tokens[0].IsValue()) {  // "CALL !Z,X"
+        !operands[0].tokens.empty() &&
+        (!operands[0].tokens[0].IsValue() || operands[0].tokens[0].text == "NOT")) {  // "CALL !Z,X"
         it->operand = operands.data();
     }
     if (it->operand != nullptr) {
@@ -291,8 +292,8 @@ void AdviseOnOperandCase(OperandCase* it) {
         it->advice.note = "check for a division by 0 and for names that are not values";
         return;
     }
-    if (AdviseOnEmptyOperand(it) || AdviseOnShape(it) || (isValue && AdviseOnExpression(it)) ||
-        AdviseOnSwappedOperands(it)) {
+    if (AdviseOnEmptyOperand(it) || AdviseOnProse(it) || AdviseOnShape(it) ||
+        (isValue && AdviseOnExpression(it)) || AdviseOnSwappedOperands(it)) {
         return;
     }
     it->advice.note = FormsNote(it->statement);

@@ -74,7 +74,8 @@ bool AdviseOnMisspeltRegister(OperandCase* it, bool isSure) {
         token = isIndex ? &operand.tokens[1] : token;
         if (token == nullptr || token->kind != TokenKind::name || token->text.size() < 2 ||
             token->text.size() > longest ||
-            (token->text == "CC" && HoldsWord("JP JR CALL RET", it->statement.mnemonic)) ||
+            (HoldsWord("CC CS", token->text) &&
+             HoldsWord("JP JR CALL RET", it->statement.mnemonic)) ||
             it->IsDefined(token->text)) {
             continue;
         }

@@ -91,7 +91,11 @@ Foreign ForeignNumber(const StatementView& statement, const Token& token) {
     const std::string_view text = token.text;
     const std::string typed(statement.Typed(text));
     const std::size_t letter = text.find_first_not_of("0123456789");
-    if (letter == text.size() - 1 && letter > 2 && text.ends_with('B')) {  // "102B"
+    const auto has = [text](std::string_view digits) {
+        return text.find_first_of(digits) != std::string_view::npos;
+    };
+    if (letter == text.size() - 1 && letter > 2 && text.ends_with('B') &&
+        has("23456789")) {  // "102B"
         const bool isEither = text.size() < 5;
         return {text, "",
                 "use the digits 0 and 1 before B" +
@@ -102,7 +106,7 @@ Foreign ForeignNumber(const StatementView& statement, const Token& token) {
         text.find_first_not_of("01", 2) != std::string_view::npos) {  // "0B12"
         return {text, "", "use the digits 0 and 1 after 0B"};
     }
-    if (letter == text.size() - 1 && letter > 0 && text.ends_with('O')) {  // "8O"
+    if (letter == text.size() - 1 && letter > 0 && text.ends_with('O') && has("89")) {  // "8O"
         return {text, "", "use the digits 0 to 7 before O"};
     }
     if (letter != std::string_view::npos && letter > 0 && letter + 1 < text.size() &&
@@ -152,10 +156,14 @@ Foreign ForeignToken(const StatementView& statement, const Token& token) {
         return number;
     }
     const std::string_view text = token.text;
+    const std::string typed(statement.Typed(text));
+    if (token.kind == TokenKind::other && text.front() == '#' && text.size() > 1) {
+        return {text, typed.substr(1),
+                "remove the #: a value needs no mark, and # begins a hexadecimal number"};
+    }
     if (token.kind != TokenKind::other || text.find('"') != std::string_view::npos) {
         return {};
     }
-    const std::string typed(statement.Typed(text));
     const std::size_t percent = text.find('%', 1);
     if (percent != std::string_view::npos && percent + 1 < text.size()) {
         const std::string fix = typed.substr(0, percent) + " MOD " + typed.substr(percent + 1);
@@ -194,12 +202,8 @@ Foreign ForeignToken(const StatementView& statement, const Token& token) {
         return {text, "",
                 "replace the characters that are not ASCII, such as typographic quotes and blanks"};
     }
-    if (text.front() == '#' && text.size() > 1) {
-        return {text, typed.substr(1),
-                "remove the #: a value needs no mark, and # begins a hexadecimal number"};
-    }
-    if (text.front() == '\\' && text.size() == 2) {
-        if (const std::string value = EscapeValue(typed); HasClass(value[0], CC_DIGIT)) {
+    if (text.front() == '\\' && text.size() > 1 && !HasClass(text[1], CC_DIGIT)) {
+        if (const std::string value = EscapeValue(typed); !value.empty()) {
             return {text, value, ""};
         }
     }

@@ -31,7 +31,7 @@ inline constexpr auto wordTable = std::to_array<WordRow>({
     {"INCBIN INSERT BINARY LOADBIN IBIN", "BINCLUDE %1", "", " INCBIN defs.kor", 1},
     {"INCBIN INSERT BINARY LOADBIN IBIN", "", "cut the part out of the file: BINCLUDE takes a whole file", " INCBIN defs.kor,1"},
     {"INCL READ GET COPY REQUIRE *INCLUDE *INCL $INCLUDE INC_", "INCLUDE %n1", "", " READ defs.kor", 1},
-    {"ENDIF. FI EIF ENDCOND", "ENDIF", "", " IF 1| FI", 0},
+    {"ENDIF. EIF ENDCOND", "ENDIF", "", " IF 1| EIF", 0},
     {"ELSEIF ELIF ELSIF ELSEIFDEF", "", "write ENDIF and an IF that is false where the first is true: conditions do not nest", " IF 0| ELIF 1| ENDIF"},
     {"LOAD MOVE MOVEA XCH", "LD %r", "", " LOAD A,5", 2},
     {"RETURN RTS", "RET", "", " RETURN", 0},

@@ -101,10 +101,17 @@ TEST(CompletenessTest, EveryInstructionHasItsTestAndItsRow) {
     for (const auto& [form, state] : forms) {
         EXPECT_TRUE(state.second) << form << ": no line in tests/encodings/, no case";
     }
-    StringSet words, helps;
+    StringSet words, helps, accepted, refused;  // the last two: words of lines in tests/cases/
+    for (const std::string& line : Found(AllCases(), "\n(    [^\n]*)")) {
+        const bool isRefused = line.find(";!") != std::string::npos;
+        (isRefused ? refused : accepted).merge(Found<StringSet>(line, "[^A-Z_]([A-Z_]+)(?=[^A-Z_:])"));
+    }
     for (const korv::Keyword& row : korv::keywords) {
         const std::string help(HelpFor(row));
         words.insert(std::string(row.word));
+        const bool isDirective = row.group != korv::KeywordGroup::instruction && !help.starts_with("Reserved");
+        EXPECT_TRUE(!isDirective || (accepted.contains(std::string(row.word)) && refused.contains(std::string(row.word))))
+            << row.word << ": no case in tests/cases/ that accepts it, or none that refuses it";
         EXPECT_TRUE(helps.insert(help).second || help.starts_with("Reserved")) << row.word << ": " << help;
     }
     for (const std::string& word : words) {
@@ -170,9 +177,12 @@ std::string Traces(const std::string& source, const Strings& arguments) {
 TEST(CompletenessTest, TheWordsOfTheManualAreReserved) {
     const std::string own = " KORV KORV_VER KORV_LOW KORV_BUILD";  // these have a value, so they can never be labels
     const auto listed = Found<StringSet>(Manual("ADC ADD AND", "```") + own, "([A-Z_]+)");
+    const auto free = Found<StringSet>(Manual("`DEFB DEFD", "`MACROS_ON"), "([A-Z_]{2,})");
     StringSet words = listed;
     for (const korv::Keyword& keyword : korv::keywords) {
-        words.emplace(keyword.word);
+        const std::string word(keyword.word);
+        words.insert(word);
+        EXPECT_NE(listed.contains(word), free.contains(word)) << word << ": chapter 8 has a list of the words that are free";
     }
     for (const std::string& word : words) {
         for (const std::string toggle : {"/i", "/i-"}) {

@@ -111,9 +111,12 @@ const Token* FindProse(const OperandCase& it) {
 // A number with a blank before its last letter, as in "8000 H".
 bool AdviseOnSplitNumber(OperandCase* it, const Token& before, const Token& token) {
     const std::string number = std::string(before.text) + std::string(token.text);
-    const bool isHalf =  // "1010 0101B"
-        !HoldsWord(dataDirectives, it->statement.mnemonic) && token.text.ends_with('B') &&
-        before.text.find_first_not_of("01") == std::string_view::npos;
+    const bool isBinary =  // "1010 0101B", "%1010 0101"
+        before.text.starts_with('%') != token.text.ends_with('B') &&
+        before.text.find_first_not_of("01", before.text.starts_with('%') ? 1 : 0) ==
+            std::string_view::npos &&
+        token.text.find_first_not_of("01") >= token.text.size() - 1;
+    const bool isHalf = isBinary && !HoldsWord(dataDirectives, it->statement.mnemonic);
     const bool isNumber = (isHalf || HoldsWord("B H O", token.text)) &&
                           CutTokens(number)[0].kind == TokenKind::number;
     if (isNumber) {
@@ -128,6 +131,11 @@ bool AdviseOnSplitNumber(OperandCase* it, const Token& before, const Token& toke
 void AdviseOnTwoValues(OperandCase* it, const Token& token) {
     const bool isData = HoldsWord(dataDirectives, it->statement.mnemonic);
     if (AdviseOnDots(it, token) || (isData && AdviseOnQuotes(it))) {
+        return;
+    }
+    if (token.code == OP_OPEN && &token == &it->operand->tokens.back()) {
+        it->Replace(token.text, "");
+        it->advice.note = "remove the bracket";
         return;
     }
     if (HoldsWord("# '", token.text)) {
@@ -182,7 +190,9 @@ void AdviseOnExtraBracket(OperandCase* it, const Token& token, std::ptrdiff_t op
     const std::string_view bracket =
         isLast ? operand.text.substr(operand.text.size() - 1) : token.text;
     const std::vector<TextEdit> open = {{it->statement.PartOf(operand.text.substr(0, 0)), "("}};
-    const bool isMissing = isLast && opens == 0 && HasFormWith(it->statement, open);
+    const bool isMissing = isLast && opens == 0 &&
+                           !HoldsWord(dataDirectives, it->statement.mnemonic) &&
+                           HasFormWith(it->statement, open);
     it->PointAt(bracket);
     if (!isLast ||
         (isMissing && operand.tokens.size() > 2 && !HoldsWord("IX IY", operand.tokens[0].text))) {
@@ -245,7 +255,7 @@ void AdviseOnNoLeft(OperandCase* it, const Token& token) {
 void AdviseOnLongString(OperandCase* it, const Token& token) {
     const std::string text(token.text.substr(1, token.text.size() - 2));
     const std::string value = EscapeValue(text);
-    if (it->IsDefined(Raised(text)) &&
+    if (it->IsDefined(Raised(text)) && !HoldsWord(dataDirectives, it->statement.mnemonic) &&
         IsSound(it->adviser.Facts(), it->statement,
                 {{it->statement.PartOf(token.text), Raised(text)}})) {
         it->Replace(token.text, Raised(text));
@@ -351,6 +361,11 @@ bool AdviseOnExpression(OperandCase* it) {
             note = "put one character between the quotes";
             break;
         case ExpressionFault::openString:
+            if (it->IsDefined(Raised(text.substr(1)))) {
+                it->Replace(token->text.substr(0, 1), "");
+                note = "remove the quote: " + text.substr(1) + " is a name";
+                break;
+            }
             CloseString(it, token->text);
             note = closeQuoteNote;
             break;

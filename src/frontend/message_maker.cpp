@@ -53,6 +53,14 @@ std::int32_t MessageMaker::AddOpening(std::int32_t number, const Opening& openin
     return index;
 }
 
+void MessageMaker::WithdrawNestedIf(const Place& place) {
+    std::erase_if(pending, [&place](const auto& each) {
+        const auto* const message = std::get_if<Message>(&each);
+        return message != nullptr && message->warning == Warning::nestedIf &&
+               message->place.file == place.file && message->place.line > place.line;
+    });
+}
+
 void MessageMaker::Finish() {
     std::set<std::pair<std::int32_t, std::int32_t>> refusedLines;  // file and line of an error
     auto shortLines = refusedLines;  // of errors that an empty operand may have caused

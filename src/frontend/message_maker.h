@@ -62,6 +62,10 @@ class MessageMaker : private RunFacts {
     void Add(Message message) { pending.emplace_back(std::move(message)); }
     void Warn(Warning warning, const Place& place, std::int32_t opening, std::string detail,
               std::string_view note);
+    /// Removes what was kept about nested conditions after `place`, an IF that nothing ends.
+    void WithdrawNestedIf(const Place& place);
+    /// Has the rest of the source been skipped, its names are not expected to be defined.
+    void ExpectSkippedEnd() { adviser.ExpectSkippedEnd(); }
     /// Makes messages from what was kept, in the same order, except for warnings that are off and
     /// reports that are only consequences of an earlier one.
     void Finish();

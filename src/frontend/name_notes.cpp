@@ -248,7 +248,8 @@ void AdviseOnUnknownName(OperandCase* it) {
         note = numberNote;
         return;
     }
-    const bool isMarked = name.front() == 'H' && name.size() > 2;  // "H100"
+    const bool isMarked = name.front() == 'H' && name.size() > 2 &&  // "H100"
+                          name.find_first_of("0123456789") != std::string::npos;
     if (const std::string number = NumberSpelling("0X" + name.substr(isMarked ? 1 : 0));
         !number.empty() && name.front() != '_' && (isMarked || name.size() % 2 == 0)) {
         it->Replace(token->text, number);

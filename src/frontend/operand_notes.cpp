@@ -41,10 +41,13 @@ bool AdviseOnSet(OperandCase* it) {
     return true;
 }
 
-// "INCLUDE defs,kor".
+// "INCLUDE defs,kor" and "INC defs.kor".
 bool AdviseOnFileName(OperandCase* it) {
     const StatementView& statement = it->statement;
     std::string name(statement.Typed(statement.rest));
+    if (statement.mnemonic == "INC" && it->adviser.Facts().HasFile(name)) {
+        return it->Propose(statement.mnemonic, {{statement.PartOf(statement.mnemonic), "INCLUDE"}});
+    }
     std::ranges::replace(name, ',', '.');
     return statement.operands.size() == 2 && HoldsWord("INCLUDE BINCLUDE", statement.mnemonic) &&
            it->adviser.Facts().HasFile(name) &&
@@ -62,6 +65,11 @@ bool AdviseOnIndexHalf(OperandCase* it) {
             !HoldsWord("JP JR CALL DJNZ", it->statement.mnemonic)) {
             it->advice.note = "use the registers of the Z80: " + std::string(token->text) +
                               " is of another processor";
+        } else if (token->text == "PC" && it->statement.mnemonic == "POP") {
+            return it->Propose(
+                token->text,
+                {{it->statement.PartOf(it->statement.Span(it->statement.mnemonic, token->text)),
+                  "RET"}});
         } else if (token->text == "PC") {
             it->advice.note = "use JP, CALL or $: the program counter is no operand";
         } else if (HoldsWord("IXH IXL IYH IYL HX LX HY LY XH XL YH YL IXU IYU", token->text)) {
@@ -197,9 +205,12 @@ void AimAt(OperandCase* it) {
             break;
         }
         if (it->fault.number == MSG_ILLEGAL_ARGUMENT && operand.what.reg == REG_DIRECT &&
-            operand.tokens.size() > 1 &&
-            ClassOf(operand.tokens[1].text).kind != KIND_VALUE) {  // "LD ( HL ),5"
+            operand.what.kind == KIND_VALUE &&
+            std::ranges::any_of(operand.tokens, [](const Token& token) {
+                return ClassOf(token.text).kind != KIND_VALUE;
+            })) {  // "LD ( HL ),5"
             it->operand = &operand;
+            break;
         }
     }
     const auto& operands = it->statement.operands;

@@ -205,7 +205,8 @@ Advice AdviseOnSlip(const RunFacts& facts, const FaultView& fault) {
         if (c == ')' && isAfterName && search.IsNameAt(at + 1)) {  // "2)H"
             search.Attempt(at, 1, "0");
         }
-        if (at > 2 && HoldsWord("(IX (IY", line.substr(at - 3, 3))) {  // "(IX5)", "(IX=5)"
+        if (at > 2 && c != '+' &&
+            HoldsWord("(IX (IY", line.substr(at - 3, 3))) {  // "(IX5)", "(IX=5)"
             search.Attempt(at, c == '=' || HasClass(c, CC_BLANK) ? 1 : 0, "+");
             if (c == '_') {
                 search.Attempt(at, 1, "-");

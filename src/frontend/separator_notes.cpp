@@ -78,7 +78,7 @@ bool AdviseOnSeparator(OperandCase* it) {
     }
     const std::string_view text = operands.size() == 1 ? operands[0].text : it->operand->text;
     const bool isSum = HoldsWord("ADD ADC SBC", it->statement.mnemonic);  // "ADD HL+DE"
-    const std::size_t at = text.find_first_of(isSum ? ":.=<-;/+" : ":.=<-;/");
+    const std::size_t at = text.find_first_of(isSum ? ":.=<>-;/+" : ":.=<>-;/");
     const std::string_view sign = text.substr(std::min(at, text.size()), 2);
     const bool isNegative = at + 2 < text.size() && HasClass(text[at + 2], CC_DIGIT);  // "A<-5"
     const std::size_t size = sign == "->" || (sign == "<-" && !isNegative) ? 2 : 1;
@@ -87,9 +87,12 @@ bool AdviseOnSeparator(OperandCase* it) {
                                text.find('"', 1) == at - 1;
     const bool isList = isData && at != std::string_view::npos && sign[0] == ':' &&  // "DW A:B"
                         it->IsDefined(text.substr(0, at));
+    const bool isMemory =  // "RLC IX-2"
+        HoldsWord("IX IY", text.substr(0, at)) && it->statement.keyword != nullptr &&
+        it->statement.keyword->operands.most == 1;
     const bool isMissing =
         isAfterString || isList || (it->fault.number == MSG_ARGUMENT_EXPECTED && !isData);
-    if (at == std::string_view::npos || at == 0 || at + size >= text.size() ||
+    if (at == std::string_view::npos || at == 0 || isMemory || at + size >= text.size() ||
         (!isMissing && ClassOf(text.substr(0, at)).kind == KIND_VALUE)) {
         return false;
     }
@@ -224,6 +227,16 @@ void AddInstructionBreaks(OperandCase* it, const OperandView& operand) {
 // A second instruction on the line, with or without a separator before it.
 bool AdviseOnSecondInstruction(OperandCase* it) {
     const auto& operands = it->statement.operands;
+    const std::string_view mnemonic = it->statement.mnemonic;
+    if (const std::string_view rest = it->statement.rest;
+        rest.starts_with(mnemonic) && HasClass(rest.substr(mnemonic.size())[0], CC_BLANK)) {
+        const std::vector<TextEdit> edits = {
+            {it->statement.PartOf(it->statement.Span(mnemonic, rest.substr(0, mnemonic.size()))),
+             std::string(it->statement.Typed(mnemonic))}};  // "LD LD A,5"
+        if (HasFormWith(it->statement, edits)) {
+            return it->Propose(rest.substr(0, mnemonic.size()), edits);
+        }
+    }
     for (std::size_t i = 1; i < operands.size(); ++i) {  // "PUSH HL, POP DE"
         const std::string_view before = operands[i - 1].text;
         if (FindExpressionFault(operands[i - 1]).fault != ExpressionFault::none) {

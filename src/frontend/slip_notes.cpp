@@ -74,7 +74,7 @@ bool AdviseOnMisspeltRegister(OperandCase* it, bool isSure) {
         token = isIndex ? &operand.tokens[1] : token;
         if (token == nullptr || token->kind != TokenKind::name || token->text.size() < 2 ||
             token->text.size() > longest ||
-            (HoldsWord("CC CS", token->text) &&
+            (HoldsWord("CC CS GE LE GT", token->text) &&
              HoldsWord("JP JR CALL RET", it->statement.mnemonic)) ||
             it->IsDefined(token->text)) {
             continue;

@@ -104,7 +104,9 @@ Foreign ForeignNumber(const StatementView& statement, const Token& token) {
     if (text.starts_with("0B") && text.size() > 2 &&
         text.find_first_not_of("0123456789", 2) == std::string_view::npos &&
         text.find_first_not_of("01", 2) != std::string_view::npos) {  // "0B12"
-        return {text, "", "use the digits 0 and 1 after 0B"};
+        const std::string other =
+            text.size() < 5 ? ", or write " + typed + "H if it is hexadecimal" : "";
+        return {text, "", "use the digits 0 and 1 after 0B" + other};
     }
     if (letter == text.size() - 1 && letter > 0 && text.ends_with('O') && has("89")) {  // "8O"
         return {text, "", "use the digits 0 to 7 before O"};
@@ -202,7 +204,10 @@ Foreign ForeignToken(const StatementView& statement, const Token& token) {
         return {text, "",
                 "replace the characters that are not ASCII, such as typographic quotes and blanks"};
     }
-    if (text.front() == '\\' && text.size() > 1 && !HasClass(text[1], CC_DIGIT)) {
+    if (text.front() == '\\' && text.find_first_not_of("0123456789", 1) == text.npos) {
+        return {text, typed.substr(1), ""};
+    }
+    if (text.front() == '\\' && text.size() > 1) {
         if (const std::string value = EscapeValue(typed); !value.empty()) {
             return {text, value, ""};
         }
@@ -281,6 +286,10 @@ Foreign FindForeign(const StatementView& statement, const OperandView& operand) 
                     ClassOf(index).kind == KIND_VALUE
                         ? "add the index to the address with +: there are no arrays"
                         : "compute the address first: no register is added to one here"};
+        }
+        if (c == '[' && statement.rest.find(']') == std::string_view::npos) {
+            return {operand.text.substr(i, 1), "",
+                    "remove the bracket, or use parentheses for memory"};
         }
         if (std::string_view("[]{}").find(c) != std::string_view::npos) {
             return Bracketed(operand.text, statement.Typed(operand.text));

@@ -68,6 +68,9 @@ std::int32_t LineOfEnd(const StoredText& text, std::int32_t after) {
 
 void StatementChecks::LookAtOpenConditions() {
     const std::vector<SourcePlace> open = conditions.Open();
+    if (!open.empty()) {
+        maker->WithdrawNestedIf(maker->PlaceOf(open.front()));
+    }
     for (const SourcePlace& place : open) {
         Message message;
         message.place = maker->PlaceOf(place);
@@ -78,6 +81,7 @@ void StatementChecks::LookAtOpenConditions() {
                                      ? LineOfEnd(maker->TextOf(message.opening), message.place.line)
                                      : 0;
         if (end != 0) {
+            maker->ExpectSkippedEnd();
             message.note = "write ENDIF in place of the END in line " + std::to_string(end);
         }
         maker->Add(std::move(message));

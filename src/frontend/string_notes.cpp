@@ -133,6 +133,13 @@ bool AdviseOnOddQuotes(OperandCase* it) {
             }
         }
     }
+    for (std::size_t i = 1; i + 1 < rest.size() && count == 3 && !rest.ends_with('"'); ++i) {
+        if (rest[i] == '"' && HasClass(rest[i - 1], CC_NAME) && HasClass(rest[i + 1], CC_NAME)) {
+            it->PointAt(rest.substr(i, 1));
+            it->advice.note = "remove this quote, or write the number 34 for it";
+            return true;
+        }
+    }
     return false;
 }
 

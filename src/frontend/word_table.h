@@ -64,6 +64,7 @@ inline constexpr auto wordTable = std::to_array<WordRow>({
     {"SHL ASL LSL", "SLA %1", "", " SHL A"},
     {"SHR LSR", "SRL %1", "", " LSR A"},
     {"ASR SAR", "SRA %1", "", " ASR A"},
+    {"ROL ROR RCL RCR", "", "write RLCA or RRCA, or RLA or RRA to rotate through the carry", " ROR", 0},
     {"ROL ROR RCL RCR", "", "write RLC or RRC, or RL or RR to rotate through the carry", " ROL A"},
     {"CLR", "LD %m1,0", "", " CLR A", 1},
     {"TST TEST", "", "write OR A to test the accumulator, BIT for one bit, AND for several", " TST A"},

@@ -245,10 +245,13 @@ class Terminal {
         close(screen);
         close(keyboard);
     }
-    // The text on the screen.
+    // The text on the screen. It may arrive in parts, so it is read up to a mark.
     [[nodiscard]] std::string Text() const {
-        std::string text(4096, '\0');
-        text.resize(static_cast<std::size_t>(std::max<ssize_t>(0, read(keyboard, text.data(), text.size()))));
+        std::string text;
+        EXPECT_EQ(1, write(screen, "\1", 1));
+        for (char c; read(keyboard, &c, 1) == 1 && c != '\1';) {
+            text += c;
+        }
         return ReplaceAll(text, "\r\n", "\n");
     }
     int keyboard;

@@ -194,8 +194,7 @@ void AdviseOnExtraBracket(OperandCase* it, const Token& token, std::ptrdiff_t op
                            !HoldsWord(dataDirectives, it->statement.mnemonic) &&
                            HasFormWith(it->statement, open);
     it->PointAt(bracket);
-    if (!isLast ||
-        (isMissing && operand.tokens.size() > 2 && !HoldsWord("IX IY", operand.tokens[0].text))) {
+    if (!isLast || (isMissing && ClassOf(operand.tokens[0].text).kind == KIND_VALUE)) {
         it->advice.note = "remove the bracket, or open it at the start of the operand";
     } else if (isMissing) {
         it->PointAt(operand.text);
@@ -361,11 +360,6 @@ bool AdviseOnExpression(OperandCase* it) {
             note = "put one character between the quotes";
             break;
         case ExpressionFault::openString:
-            if (it->IsDefined(Raised(text.substr(1)))) {
-                it->Replace(token->text.substr(0, 1), "");
-                note = "remove the quote: " + text.substr(1) + " is a name";
-                break;
-            }
             CloseString(it, token->text);
             note = closeQuoteNote;
             break;

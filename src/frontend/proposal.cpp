@@ -68,6 +68,9 @@ bool IsSoundOperand(const RunFacts& facts, const StatementView& before,
         return false;
     }
     return std::ranges::all_of(operand.tokens, [&](const Token& token) {
+        if (token.kind == TokenKind::number && HasClass(token.text.front(), CC_LETTER)) {
+            return before.line.find(token.text) != std::string_view::npos;  // "BH", which is 11
+        }
         return !operand.HoldsAsName(token) || HasValue(facts, token.text) ||
                (token.kind == TokenKind::name && !HoldsWord(foreignRegisters, token.text) &&
                 before.line.find(token.text) != std::string_view::npos);

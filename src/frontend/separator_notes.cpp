@@ -102,9 +102,14 @@ bool AdviseOnSeparator(OperandCase* it) {
         const std::string second(it->statement.Typed(text.substr(at + size)));
         edits = {{it->statement.PartOf(text), second + "," + first}};
     }
+    const std::string_view before = text.substr(0, text.find_last_not_of(" \t", at - 1) + 1);
     if (size == 1 && sign[0] == '-' && HasClass(sign[1], CC_DIGIT) &&
-        ClassOf(text.substr(0, at)).kind != KIND_VALUE &&
-        HasFormWith(it->statement, edits)) {  // "LD DE-10"
+        ClassOf(before).kind != KIND_VALUE &&
+        HasFormWith(it->statement, edits)) {  // "LD DE-10", "LD DE -10"
+        if (before.size() < at) {
+            edits[0].text = ",-";
+            return it->Propose(text.substr(at, 1), edits, "add the comma: ");
+        }
         it->PointAt(text.substr(at, 1));
         it->advice.note = "separate the operands with a comma";
         return true;

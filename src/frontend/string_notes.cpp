@@ -104,6 +104,28 @@ bool AdviseOnUnopenedString(OperandCase* it) {
     return true;
 }
 
+// One double quote too many, as in "LD B,"COUNT" and "LD A,B"".
+bool AdviseOnSingleQuote(OperandCase* it) {
+    const StatementView& statement = it->statement;
+    const std::size_t at = statement.rest.find('"');
+    const OperandView& last = statement.operands.back();
+    const bool isLast = at + 1 == statement.rest.size();
+    const bool isData = HoldsWord(dataDirectives, statement.mnemonic);
+    const std::vector<TextEdit> edits = {{statement.PartOf(statement.rest.substr(at, 1)), ""}};
+    if ((isData && (!isLast || last.tokens.size() != 1 || !HasClass(last.text[0], CC_DIGIT))) ||
+        !IsSound(it->adviser.Facts(), statement, edits)) {
+        return false;
+    }
+    it->PointAt(statement.rest.substr(at, 1));
+    it->advice.note = "remove the quote";
+    if (isLast && last.text.size() == 2) {  // "LD A,B""
+        it->advice.note += ", or open the string before it";
+    } else {
+        it->advice.edits = edits;
+    }
+    return true;
+}
+
 bool AdviseOnOddQuotes(OperandCase* it) {
     constexpr std::size_t longest = 200;  // a bound for the work on one message
     const std::string_view rest = it->statement.rest;
@@ -111,6 +133,9 @@ bool AdviseOnOddQuotes(OperandCase* it) {
         return false;
     }
     const auto count = std::ranges::count(rest, '"');
+    if (count == 1 && AdviseOnSingleQuote(it)) {
+        return true;
+    }
     for (std::size_t i = 0; count % 2 == 1 && (i = rest.find("\"\"", i)) < rest.size(); ++i) {
         const std::vector<TextEdit> edits = {{it->statement.PartOf(rest.substr(i, 1)), ""}};
         if (IsSound(it->adviser.Facts(), it->statement, edits)) {

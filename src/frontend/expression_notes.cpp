@@ -194,7 +194,8 @@ void AdviseOnExtraBracket(OperandCase* it, const Token& token, std::ptrdiff_t op
                            !HoldsWord(dataDirectives, it->statement.mnemonic) &&
                            HasFormWith(it->statement, open);
     it->PointAt(bracket);
-    if (!isLast || (isMissing && ClassOf(operand.tokens[0].text).kind == KIND_VALUE)) {
+    if (!isLast || (isMissing && IsSound(it->adviser.Facts(), it->statement,
+                                         {{it->statement.PartOf(bracket), ""}}))) {
         it->advice.note = "remove the bracket, or open it at the start of the operand";
     } else if (isMissing) {
         it->PointAt(operand.text);

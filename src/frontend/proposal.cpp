@@ -192,6 +192,9 @@ Advice AdviseOnSlip(const RunFacts& facts, const FaultView& fault) {
     const std::string_view line = statement.line;
     const bool isInstruction =
         statement.keyword != nullptr && statement.keyword->group == KeywordGroup::instruction;
+    if (AdviseOnSplitMnemonic(statement).place) {  // "R LA" is RLA rather than RL A
+        return {};
+    }
     SlipSearch search{facts, statement};
     for (std::size_t at = 0; at < line.size() && line.size() <= longest; ++at) {
         const char c = line[at];

@@ -251,7 +251,9 @@ bool AdviseOnSecondInstruction(OperandCase* it) {
         const Keyword* const keyword = tokens.empty() ? nullptr : FindKeyword(tokens[0].text);
         const bool isKeyword =
             keyword != nullptr && !it->IsDefined(tokens[0].text) &&
-            (tokens.size() > 1 ? tokens[1].IsValue() : keyword->operands.fewest == 0);
+            (tokens.size() > 1
+                 ? tokens[1].IsValue()
+                 : keyword->operands.fewest == 0 && keyword->group == KeywordGroup::instruction);
         const std::size_t end = it->statement.PartOf(before).offset + before.size();
         if (isKeyword && HasForm(CutStatement(it->statement.line.substr(0, end)))) {
             const std::string_view word = operands[i].tokens[0].text;

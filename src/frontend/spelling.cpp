@@ -20,7 +20,7 @@ bool IsApostrophe(std::string_view source, std::size_t at) {
 // for one.
 Foreign SingleQuoted(const StatementView& statement, std::size_t start) {
     const std::string_view line = statement.line;
-    const std::string_view source = statement.typed;
+    const std::string_view source = statement.typed;  // with what follows a semicolon in the text
     std::size_t end = start + 1;
     std::string content;
     const char quote = source[start];
@@ -45,7 +45,7 @@ Foreign SingleQuoted(const StatementView& statement, std::size_t start) {
     }
     if (const std::size_t other = content.find('"');
         end >= source.size() && other != std::string::npos) {  // 'text"
-        found.part = line.substr(start, other + 1);
+        found.part = {line.data() + start, other + 1};
         found.fix = "\"" + content.substr(0, other);
         return found;
     }

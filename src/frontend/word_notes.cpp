@@ -385,7 +385,8 @@ Advice AdviseOnSplitMnemonic(const StatementView& statement) {
     const std::string_view next = statement.rest.substr(0, statement.rest.find_first_of(" \t"));
     const bool isOperand = next == statement.rest && statement.keyword != nullptr &&
                            ClassOf(next).kind != KIND_VALUE && word != "RET";  // "LD D"
-    if (isOperand || FindKeyword(std::string(word).append(next)) == nullptr) {
+    const bool isCondition = next == "N";  // "RET N" for "RET NZ"
+    if (isOperand || isCondition || FindKeyword(std::string(word).append(next)) == nullptr) {
         return {};
     }
     const std::string_view part = statement.Span(word, next);

@@ -86,7 +86,7 @@ bool AdviseOnSeparator(OperandCase* it) {
                                (sign[0] == ':' || sign[0] == '.') && sign != ".." &&
                                text.find('"', 1) == at - 1;
     const bool isList = isData && at != std::string_view::npos && sign[0] == ':' &&  // "DW A:B"
-                        it->IsDefined(text.substr(0, at));
+                        (it->IsDefined(text.substr(0, at)) || HasClass(text[0], CC_DIGIT));
     const bool isMemory =  // "RLC IX-2"
         HoldsWord("IX IY", text.substr(0, at)) && it->statement.keyword != nullptr &&
         it->statement.keyword->operands.most == 1;

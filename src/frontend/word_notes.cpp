@@ -313,6 +313,11 @@ bool IsAssignment(const StatementView& statement) {
 Advice AdviseOnWord(Adviser& adviser, const FaultView& fault) {
     const StatementView& statement = fault.statement;
     const std::string_view word = statement.mnemonic;
+    if (word.starts_with("IF") && statement.label.empty()) {  // "IFDEBUG" is not a definition
+        if (Advice joined = AdviseOnJoinedWords(adviser.Facts(), statement); joined.place) {
+            return joined;
+        }
+    }
     for (const auto step :
          {AdviseOnEncoding, AdviseOnOrigin, AdviseOnAnonymousLabel, AdviseOnBrace, AdviseOnComment,
           AdviseOnPreprocessor, AdviseOnMark, AdviseOnDefinition}) {

@@ -43,7 +43,7 @@ inline constexpr auto wordTable = std::to_array<WordRow>({
     {"IFNE IFNZ", "IF %1", "", " IFNE 5| ENDIF", 1},
     {"IFEQ", "IF %1=%2", "", " IFEQ 5,5| ENDIF", 2},
     {"IFNE", "IF %1 XOR %2", "", " IFNE 5,6| ENDIF", 2},
-    {"IFN UNLESS WHEN IF1 IF2 IFB IFNB IFIDN IFDIF IFEXIST IFT IFF IFTRUE IFFALSE IFGT IFLT IFGE IFLE", "", "use IF, ELSE and ENDIF: there are no other conditions", " IF1"},
+    {"IFN UNLESS WHEN IF1 IF2 IFB IFNB IFIDN IFDIF IFEXIST IFT IFF IFTRUE IFFALSE IFGT IFLT IFGE IFLE", "", "use IF, ELSE and ENDIF: there are no other conditions", " UNLESS 1"},
     {"DEFL DEFC LET DEFINE XDEFINE UNDEF UNDEFINE", "", "define a constant with NAME: EQU 5", " DEFINE X"},
     // Without a counterpart.
     {"ALIGN BALIGN P2ALIGN EVEN", "", "write DS N-1-($-1 AND N-1) to fill up to a multiple of N: DS 255-($-1 AND 255) for 256", " ALIGN 256"},

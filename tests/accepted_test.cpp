@@ -24,7 +24,7 @@
 namespace korv_test {
 namespace {
 
-constexpr std::uint32_t mostBytes = 0x100000;  // of all statements with one keyword
+constexpr std::uint32_t mostBytes = 0x20000;  // of all statements with one keyword
 
 // Added at the end of each source. It defines names late, for operands that have no value at first.
 constexpr const char* lateSource = "SOON: EQU 18\nLATE: EQU 300\nFAR: EQU 65535+1\n";

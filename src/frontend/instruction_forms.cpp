@@ -5,6 +5,7 @@
 
 #include "codegen/keywords.h"
 #include "codegen/operand_forms.h"
+#include "frontend/form_table.h"
 
 namespace korv {
 namespace {

@@ -32,7 +32,7 @@ struct TokenRow {
 struct OperandRow {
     std::string_view numbers;  ///< of messages, separated by blanks; "*" for all errors
     std::string_view words;    ///< mnemonics, separated by blanks; "*" for all
-    std::string_view shapes;   ///< in the terms of `FormRow` and `HasShape`; "*" for all
+    std::string_view shapes;   ///< as for `HasShape`; "*" for all
     std::string_view fix;      ///< replaces the statement; empty: no proposal
     std::string_view note;
     std::string_view example;

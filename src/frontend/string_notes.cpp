@@ -51,14 +51,15 @@ bool AdviseOnQuotes(OperandCase* it) {
     return true;
 }
 
-// Proposes the closing quote of a string: before any numbers and defined names that follow a comma,
-// otherwise at its end.
+// Proposes the closing quote of a string: before any numbers and names of bytes that follow a
+// comma, otherwise at its end.
 void CloseString(OperandCase* it, std::string_view text) {
     std::size_t end = text.size();
     for (std::size_t comma; (comma = text.substr(0, end).rfind(',')) != std::string_view::npos;) {
         const std::vector<Token> tokens = CutTokens(text.substr(comma + 1, end - comma - 1));
-        if (tokens.size() != 1 ||
-            (tokens[0].kind != TokenKind::number && !it->IsDefined(tokens[0].text))) {
+        const auto known = it->adviser.Facts().FindName(text.substr(comma + 1, end - comma - 1));
+        const bool isByte = known && known->hasValue && known->value < 256;
+        if (tokens.size() != 1 || (tokens[0].kind != TokenKind::number && !isByte)) {
             break;
         }
         end = comma;

@@ -71,7 +71,8 @@ void MessageMaker::Finish() {
     for (const auto& each : pending) {
         if (const auto* const report = std::get_if<Report>(&each); report && !report->warning) {
             refusedLines.insert(lineOf(*report));
-            if (report->number == MSG_UNKNOWN_INSTRUCTION) {
+            if (report->number == MSG_UNKNOWN_INSTRUCTION ||
+                report->number == MSG_ARGUMENT_EXPECTED) {
                 ExpectRefusal(report->place);
             }
             if (report->number == MSG_ARGUMENT_EXPECTED || report->number == MSG_ILLEGAL_ARGUMENT) {
@@ -106,9 +107,14 @@ void MessageMaker::Finish() {
     RemoveExplained();
 }
 
-// Prepares for uses of a label that is not a valid name, as in ".LOOP: NOP": some may precede it.
+// Prepares for uses of a label that is not a valid name, as in ".LOOP: NOP", or that gets no value:
+// some may precede it.
 void MessageMaker::ExpectRefusal(const SourcePlace& place) {
-    const std::string_view line = StatementAt(place).line;
+    const StatementView& statement = StatementAt(place);
+    const std::string_view line = statement.line;
+    if (statement.mnemonic == "EQU") {
+        adviser.ExpectRefusal(statement.label);
+    }
     const std::string_view word = line.substr(0, line.find_first_of(" \t:"));
     if (!word.empty() && !IsNameText(word) && line.substr(word.size()).starts_with(':')) {
         adviser.ExpectRefusal(word);

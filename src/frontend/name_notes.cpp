@@ -42,7 +42,7 @@ bool AdviseOnCircle(OperandCase* it, const std::string& name) {
     if (path.size() == 1) {
         return false;
     }
-    it->advice.isFollowOn = it->fault.isLate;
+    it->advice.isFollowOn = it->fault.isLate || !HoldsWord("IF COND", it->statement.mnemonic);
     it->advice.note =
         "check the EQU of " + path[path.size() - 2] + ": " + path.back() + " has no value here";
     return true;
@@ -181,12 +181,19 @@ bool AdviseOnLetterForDigit(OperandCase* it, const Token& token) {
     return true;
 }
 
-// A defined name with a similar spelling, or "X_Y" for X-Y.
+// A defined name with a similar spelling, or "A_B" for A-B and "AX3" for A*3.
 bool AdviseOnNearName(OperandCase* it, const Token& token) {
-    const std::size_t dash = token.text.find('_');
-    if (dash != std::string_view::npos && it->IsDefined(token.text.substr(0, dash)) &&
-        it->IsDefined(token.text.substr(dash + 1))) {
-        return it->Propose(token.text, {{it->statement.PartOf(token.text.substr(dash, 1)), "-"}});
+    const auto isValue = [it](std::string_view text) {
+        return it->IsDefined(text) ||
+               (!text.empty() && text.find_first_not_of("0123456789") == text.npos);
+    };
+    for (std::size_t i = 1; i + 1 < token.text.size(); ++i) {
+        const char sign = token.text[i] == '_' ? '-' : '*';
+        if ((sign == '-' || token.text[i] == 'X') && isValue(token.text.substr(0, i)) &&
+            isValue(token.text.substr(i + 1))) {
+            return it->Propose(token.text,
+                               {{it->statement.PartOf(token.text.substr(i, 1)), {sign}}});
+        }
     }
     const std::string_view stem =
         token.text.substr(std::min(token.text.find_first_not_of("0123456789"), token.text.size()));

@@ -308,6 +308,12 @@ void AdviseOnOperandCase(OperandCase* it) {
         return;
     }
     it->advice.note = FormsNote(it->statement);
+    const bool isNumber = HoldsWord("BIT SET RES IM RST", it->statement.mnemonic) &&
+                          it->operand == it->statement.operands.data();  // it is out of range
+    if (it->advice.note.empty() && isNumber) {
+        it->advice.note = "use " + Listed(ChoicesAt(it->statement, 0)) + " with " +
+                          std::string(it->statement.mnemonic);
+    }
 }
 
 Advice AdviseOnOperands(Adviser& adviser, const FaultView& fault) {

@@ -118,6 +118,9 @@ Foreign ForeignNumber(const StatementView& statement, const Token& token) {
     }
     if (const std::string number = NumberSpelling(text); !number.empty()) {
         const bool isEither = text == number + "D";
+        if (isEither && text.front() == '0') {  // "0D"
+            return {text, typed + "H", ""};
+        }
         return {text, number,
                 isEither
                     ? "write " + number + ", or " + std::string(text) + "H if it is hexadecimal"

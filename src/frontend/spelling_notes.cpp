@@ -83,6 +83,9 @@ void ProposeWhole(OperandCase* it, const Translation& translation) {
     const StatementView changed = translation.View();
     const std::string whole(changed.Typed(changed.Span(changed.mnemonic, changed.rest)));
     std::string& note = it->advice.note;
+    if (note.find(", or ") != std::string::npos) {  // it has two proposals for the part
+        return;
+    }
     for (const std::string& part :
          {WriteNote(it->statement, it->advice.edits).substr(6), it->advice.edits[0].text}) {
         if (const std::size_t at = note.rfind(part); at != std::string::npos) {

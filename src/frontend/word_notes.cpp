@@ -262,6 +262,10 @@ Advice AdviseOnColumn(const StatementView& statement) {
         advice.note = "indent " + std::string(label) + ": only labels begin in column 1";
         return advice;
     }
+    if (statement.mnemonic.size() > 2 &&
+        !NearestKeyword(statement, statement.mnemonic).empty()) {  // "PRINT PSUH HL"
+        return {};
+    }
     const bool isSign = statement.mnemonic.starts_with('<');  // "NAME <- 5"
     if (const auto foreign = isSign ? std::nullopt : WordAdvice(indented); foreign) {
         advice.note = foreign->note;

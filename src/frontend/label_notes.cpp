@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "codegen/keywords.h"
+#include "frontend/instruction_forms.h"
 #include "frontend/note_rows.h"
 #include "frontend/note_steps.h"
 #include "source/char_class.h"
@@ -74,6 +75,26 @@ Advice AdviseOnOddName(Adviser& adviser, const StatementView& statement) {
     advice.definesName = true;
     advice.names = {std::string(word), Raised(name)};
     return advice;
+}
+
+// "LOOPLD A,5": the colon and the blank after a label are missing.
+Advice AdviseOnGluedLabel(const RunFacts& facts, const StatementView& statement) {
+    const std::string_view both = statement.hasColon ? std::string_view() : statement.label;
+    for (std::size_t size = 1; size + 1 < both.size(); ++size) {
+        const auto known =
+            facts.FindName(both.substr(0, size));  // perhaps used and without a value
+        const std::vector<TextEdit> edits = {{statement.PartOf(both.substr(size, 0)), ": "}};
+        const std::string fix = Applied(statement.typed.substr(0, statement.line.size()), edits);
+        const std::string raised = Raised(fix);
+        if (known && !known->hasValue && HasForm(CutStatement(raised))) {
+            Advice advice = Say(statement, both, "write " + fix);
+            advice.edits = edits;
+            advice.definesName = true;
+            advice.names.emplace_back(both.substr(0, size));
+            return advice;
+        }
+    }
+    return {};
 }
 
 Advice AdviseOnLabelPlace(const Adviser& adviser, const StatementView& statement) {

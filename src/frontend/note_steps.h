@@ -48,6 +48,9 @@ inline constexpr std::string_view numberedLabelNote =
 /// Advice on a name with invalid characters at the start of the line; empty if there is none.
 [[nodiscard]] Advice AdviseOnOddName(Adviser& adviser, const StatementView& statement);
 
+/// Advice on a label that runs into the mnemonic after it; empty if there is none.
+[[nodiscard]] Advice AdviseOnGluedLabel(const RunFacts& facts, const StatementView& statement);
+
 /// Advice on a label that is not in column 1, or whose colon is not right after it; empty if there
 /// is none.
 [[nodiscard]] Advice AdviseOnLabelPlace(const Adviser& adviser, const StatementView& statement);

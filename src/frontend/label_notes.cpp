@@ -133,14 +133,19 @@ Advice AdviseOnLabelPlace(const Adviser& adviser, const StatementView& statement
         moved.names.emplace_back(stem);
         return moved;
     }
-    const std::string_view next = statement.rest.substr(0, statement.rest.find_first_of(" \t"));
-    if (statement.label.empty() && IsNameText(word) && FindKeyword(next) != nullptr &&
-        (adviser.Facts().FindName(word) || !WordAdvice(statement))) {  // " LOOP LD A,5"
+    const std::size_t colon = word.find(':');  // " LOOP:LD A,5"
+    const std::string_view name = word.substr(0, colon);
+    const std::string_view next =
+        colon < word.size() ? word.substr(colon + 1)
+                            : statement.rest.substr(0, statement.rest.find_first_of(" \t"));
+    if (statement.label.empty() && IsNameText(name) && FindKeyword(next) != nullptr &&
+        FindKeyword(name) == nullptr &&
+        (adviser.Facts().FindName(name) || !WordAdvice(statement))) {  // " LOOP LD A,5"
         const std::size_t blanks = statement.PartOf(word).offset;
         Advice advice = Say(statement, word, "begin the label in column 1");
         advice.edits = {{LinePart{0, static_cast<std::uint32_t>(blanks)}, ""}};
         advice.definesName = true;
-        advice.names.emplace_back(word);
+        advice.names.emplace_back(name);
         return advice;
     }
     return {};

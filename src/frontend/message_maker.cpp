@@ -69,7 +69,11 @@ void MessageMaker::Finish() {
         return std::pair(analysis->openings[opening].file, report.place.line);
     };
     for (const auto& each : pending) {
-        if (const auto* const report = std::get_if<Report>(&each); report && !report->warning) {
+        const auto* const report = std::get_if<Report>(&each);
+        if (report != nullptr && report->warning == Warning::hiddenInstruction) {
+            ExpectHiddenValue(report->place);
+        }
+        if (report != nullptr && !report->warning) {
             refusedLines.insert(lineOf(*report));
             if (report->number == MSG_UNKNOWN_INSTRUCTION ||
                 report->number == MSG_ARGUMENT_EXPECTED) {
@@ -118,6 +122,16 @@ void MessageMaker::ExpectRefusal(const SourcePlace& place) {
     const std::string_view word = line.substr(0, line.find_first_of(" \t:"));
     if (!word.empty() && !IsNameText(word) && line.substr(word.size()).starts_with(':')) {
         adviser.ExpectRefusal(word);
+    }
+}
+
+// Prepares for uses of the label of "NAME; EQU 5", which has an address in place of the value.
+void MessageMaker::ExpectHiddenValue(const SourcePlace& place) {
+    const std::string line = Raised(TextOf(OpeningOf(place.file)).Line(place.line));
+    const std::size_t end = line.find(';');
+    const std::string hidden = " " + line.substr(end + 1);
+    if (warnings->IsOn(Warning::hiddenInstruction) && CutStatement(hidden).mnemonic == "EQU") {
+        adviser.ExpectRefusal(std::string_view(line).substr(0, end));
     }
 }
 

@@ -99,6 +99,7 @@ class MessageMaker : private RunFacts {
 
     void Make(const Report& report);
     void RemoveExplained();
+    void ExpectHiddenValue(const SourcePlace& place);
     void ExpectRefusal(const SourcePlace& place);
     void Take(Advice advice, const Report& report, Message* message);
     void AddUses(const Advice& advice, Message* message);

@@ -42,7 +42,8 @@ bool AdviseOnCircle(OperandCase* it, const std::string& name) {
     if (path.size() == 1) {
         return false;
     }
-    it->advice.isFollowOn = it->fault.isLate || !HoldsWord("IF COND", it->statement.mnemonic);
+    it->advice.isFollowOn = it->fault.isLate || it->adviser.IsRefused(path.back()) ||
+                            !HoldsWord("IF COND", it->statement.mnemonic);
     it->advice.note =
         "check the EQU of " + path[path.size() - 2] + ": " + path.back() + " has no value here";
     return true;

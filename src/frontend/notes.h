@@ -98,6 +98,11 @@ class Adviser {
     /// consequences.
     void ExpectRefusal(std::string_view name) { refusedNames.emplace(name); }
 
+    /// True if an error refused the definition of `name`.
+    [[nodiscard]] bool IsRefused(const std::string& name) const {
+        return refusedNames.contains(name);
+    }
+
     /// Records that the source ends inside a skipped block. The names that this block would define
     /// are unknown, so a late error about an undefined name is only a consequence.
     void ExpectSkippedEnd() { hasSkippedNames = true; }

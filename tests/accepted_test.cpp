@@ -245,7 +245,7 @@ struct Crossing {
         }
     }
 
-    // The outcome of a named statement with the values of `operands` in place of its own.
+    // The outcome of the statement in `row`, from encodings/, if its values are replaced with those of `operands`.
     Outcome Accept(const Row& row, const Operands& operands) {
         Outcome outcome{row.columns[BYTES], {}, ""};
         Tell(row, operands, shapes[0], &outcome);

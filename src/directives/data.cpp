@@ -1,6 +1,6 @@
 // Data: DB for bytes and strings, DW for words, DM for one text, DS for a block of zero bytes,
-// BINCLUDE for the bytes of a file. A string is the text of the operand with its quotes; there is
-// no escape character.
+// BINCLUDE for the bytes of a file. A string arrives as the text of its operand, with the quotes.
+// There is no escape character.
 
 #include <algorithm>
 

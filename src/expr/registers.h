@@ -125,7 +125,7 @@ constexpr std::size_t SlotOf(std::string_view name) {
     return first % letters * letters + static_cast<std::uint8_t>(name[1]) % letters;
 }
 
-// Row numbers, indexed by SlotOf. Row 0 is for words without a row.
+// Row numbers, indexed by SlotOf. Row 0 means that the word is not in the table.
 inline constexpr auto rowsBySlot = [] {
     std::array<std::uint8_t, pairs + 256> table{};
     for (std::size_t i = 0; i < operandNames.size(); ++i) {

@@ -14,8 +14,8 @@
 namespace korv {
 namespace {
 
-// Edits that put commas between adjacent values, and before "-4" in "3 -4", for the tokens from
-// `first` up to, but not including, `end`.
+// Edits that insert the missing commas before the tokens from `first` up to, but not including,
+// `end`: between two values, and before the sign of a value, as in "3 -4".
 std::vector<TextEdit> CommasIn(const OperandCase& it, std::size_t first, std::size_t end) {
     const std::vector<Token>& tokens = it.operand->tokens;
     std::vector<TextEdit> edits;

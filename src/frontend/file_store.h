@@ -34,7 +34,7 @@ class FileStore : public SourceStore {
     void SetText(const std::string& path, std::string_view bytes,
                  const platform::FileIdentity& identity = {});
 
-    /// The same for a text that is already stored, under its own path.
+    /// The same for an existing `Text`, which has its own path.
     void SetText(Text text) { Keep(std::move(text)); }
 
     /// The full path of `name`, which is relative to the directory of the run.

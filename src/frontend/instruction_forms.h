@@ -33,14 +33,15 @@ inline constexpr std::size_t noFault = static_cast<std::size_t>(-1);
 /// operands if one is missing after them; `noFault` if a form matches, or the mnemonic is unknown.
 [[nodiscard]] std::size_t FindFaultyOperand(const StatementView& statement);
 
-/// The index of the operand to remove if a mnemonic that takes two has three: the last one whose
-/// removal leaves a valid form, otherwise the last operand. `noFault` for other statements.
+/// The index of the operand to remove if a mnemonic that takes at most two has three: the last one
+/// whose removal leaves a valid form or, if there is none, the last operand. `noFault` for other
+/// statements.
 [[nodiscard]] std::size_t FindExcess(const StatementView& statement);
 
 /// True if the operands match one of `shapes`, which are written like the forms of form_table.h;
-/// empty: no operands.
-/// Further classes: any an operand; v a value, in parentheses or not; gp BC, DE or HL; pair these,
-/// IX, IY, SP or AF; reg a register or condition; (reg), (cc), (any) these in parentheses.
+/// empty: no operands. Further classes: any an operand; v a value, in parentheses or not; gp BC, DE
+/// or HL; pair these, IX, IY, SP or AF; reg a register or condition; (reg), (cc), (any) these in
+/// parentheses.
 [[nodiscard]] bool HasShape(const StatementView& statement, std::string_view shapes);
 
 /// True if `word` is one of `words`, which are separated by blanks; "*" stands for all words.

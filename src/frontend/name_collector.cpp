@@ -140,7 +140,7 @@ void NameCollector::JoinEarlyUses() {
     });
 }
 
-// A name that is to be sorted.
+// A name to be sorted.
 struct NameCollector::Entry {
     std::uint64_t piece = 0;              // up to 8 characters, as a number that sorts like them
     const CIdentifier* record = nullptr;  // null for a name with early uses only

@@ -48,8 +48,8 @@ class NameCollector {
     const CIdentifierManager* table;
     // By record, since the table finds a name faster than a map of texts would.
     std::unordered_map<const CIdentifier*, Uses> uses;
-    // Uses of names that were not in the table yet: in a skipped block, or after the first
-    // unresolved name of an expression.
+    // Uses of names that were not yet in the table, because they are in a skipped block or follow
+    // the first unresolved name of an expression.
     std::unordered_map<std::string, Uses> earlyUses;
 };
 

@@ -129,7 +129,7 @@ Texts TextsOf(const StatementView& statement) {
     return texts;
 }
 
-// A statement as part of a sentence, with several lines joined into one.
+// `text`, one or more lines of source, as part of a sentence: "and" joins the lines.
 std::string InOneLine(std::string_view text) {
     std::string line;
     bool isString = false;

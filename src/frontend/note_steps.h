@@ -1,4 +1,5 @@
-/// The parts of `Adviser::AdviceFor`, by the subject of the message.
+/// The parts of `Adviser::AdviceFor`, one for each subject of a message, and functions that they
+/// share.
 #pragma once
 
 #include "frontend/notes.h"

@@ -1,5 +1,5 @@
-/// A statement with all spellings of other assemblers replaced, so that what a note proposes
-/// assembles even if only one part of it was reported.
+/// A statement with all foreign spellings replaced. A note can then propose a statement that
+/// assembles, even if only one of the spellings was reported.
 #pragma once
 
 #include <cstdint>

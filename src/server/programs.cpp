@@ -134,7 +134,8 @@ Programs::Program& Programs::ProgramFor(const std::string& path) {
 void Programs::Update() {
     failures.clear();
     programOf.clear();
-    // An analysis may reveal that a program reads a document handled earlier in the first round.
+    // There are two rounds: an analysis in the first one may show that its program reads a document
+    // that this round has already assigned.
     for (int round = 0; round < 2; ++round) {
         for (auto& [key, program] : programs) {
             program.isNeeded = false;

@@ -71,8 +71,8 @@ class LineFormatter {
     }
 
   private:
-    // Moves `part`, which is the next one, to column `target`. If the previous part reaches that
-    // column, one blank separates them.
+    // Moves `part`, the next part of the line, to column `target`. If the previous part reaches
+    // that column, one blank separates them.
     void Put(std::string_view part, std::size_t target) {
         if (part.empty()) {
             return;

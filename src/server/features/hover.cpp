@@ -13,7 +13,7 @@
 namespace korv {
 namespace {
 
-// `text` as a Markdown code block. A backquote in it would end the block.
+// `text` as a Markdown code block. Three backquotes in it would end the block.
 std::string Code(std::string text) {
     std::ranges::replace(text, '`', '\'');
     return "```korv\n" + text + "\n```";

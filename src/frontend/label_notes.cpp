@@ -81,12 +81,14 @@ Advice AdviseOnOddName(Adviser& adviser, const StatementView& statement) {
 Advice AdviseOnGluedLabel(const RunFacts& facts, const StatementView& statement) {
     const std::string_view both = statement.hasColon ? std::string_view() : statement.label;
     for (std::size_t size = 1; size + 1 < both.size(); ++size) {
-        const auto known =
-            facts.FindName(both.substr(0, size));  // perhaps used and without a value
+        const auto known = facts.FindName(both.substr(0, size));
+        if (!known || known->hasValue) {  // not a name that waits for its definition
+            continue;
+        }
         const std::vector<TextEdit> edits = {{statement.PartOf(both.substr(size, 0)), ": "}};
         const std::string fix = Applied(statement.typed.substr(0, statement.line.size()), edits);
         const std::string raised = Raised(fix);
-        if (known && !known->hasValue && HasForm(CutStatement(raised))) {
+        if (HasForm(CutStatement(raised))) {
             Advice advice = Say(statement, both, "write " + fix);
             advice.edits = edits;
             advice.definesName = true;

@@ -64,7 +64,7 @@ class MessageMaker : private RunFacts {
               std::string_view note);
     /// Removes what was kept about nested conditions after `place`, an IF that nothing ends.
     void WithdrawNestedIf(const Place& place);
-    /// Has the rest of the source been skipped, its names are not expected to be defined.
+    /// Records that the rest of the source is skipped, so that its names are not defined.
     void ExpectSkippedEnd() { adviser.ExpectSkippedEnd(); }
     /// Makes messages from what was kept, in the same order, except for warnings that are off and
     /// reports that are only consequences of an earlier one.

@@ -234,7 +234,8 @@ bool AdviseOnSecondInstruction(OperandCase* it) {
     const auto& operands = it->statement.operands;
     const std::string_view mnemonic = it->statement.mnemonic;
     if (const std::string_view rest = it->statement.rest;
-        rest.starts_with(mnemonic) && HasClass(rest.substr(mnemonic.size())[0], CC_BLANK)) {
+        rest.starts_with(mnemonic) && rest.size() > mnemonic.size() &&
+        HasClass(rest[mnemonic.size()], CC_BLANK)) {
         const std::vector<TextEdit> edits = {
             {it->statement.PartOf(it->statement.Span(mnemonic, rest.substr(0, mnemonic.size()))),
              std::string(it->statement.Typed(mnemonic))}};  // "LD LD A,5"

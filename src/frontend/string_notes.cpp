@@ -120,7 +120,7 @@ bool AdviseOnSingleQuote(OperandCase* it) {
     }
     it->PointAt(statement.rest.substr(at, 1));
     it->advice.note = "remove the quote";
-    if (at == 1 || HoldsWord(", (", statement.rest.substr(at - 2, 1))) {  // "LD A,B""
+    if (at == 1 || (at > 1 && HoldsWord(", (", statement.rest.substr(at - 2, 1)))) {  // "LD A,B""
         it->advice.note += ", or open the string before it";
     } else {
         it->advice.edits = edits;

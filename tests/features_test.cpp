@@ -166,20 +166,16 @@ std::string Reply(const Program& program, const std::string& request, const std:
         return Lines(program.Ask(korv::Highlights),
                      [](const Json& each) { return Shown(each["range"]) + (each["kind"] == 3 ? " write" : ""); });
     }
-    if (request == "prepare") {
-        const Json name = program.Ask(korv::PrepareRename);
-        return Shown(name["range"]) + " " + std::string(name["placeholder"]) + "\n";
-    }
     if (request == "rename") {
         return ShownEdit(program.Ask(korv::Rename, {{"newName", word}}));
     }
-    if (request == "links") {
-        return Lines(program.Ask(korv::Links),
-                     [](const Json& link) { return Shown(link["range"]) + " -> " + std::string(link["target"]); });
-    }
     if (request == "complete") {
-        const auto shown = [](const Json& item) {
-            return std::string(item["label"]) + (item.contains("detail") ? "=" + std::string(item["detail"]) : "");
+        std::string group;  // the kind and the sort order, shown if they differ from those of the item before
+        const auto shown = [&group](const Json& item) {
+            const std::string next = item["kind"].dump() + "/" + item.value("sortText", "-").substr(0, 1) + ":";
+            const std::string label = (next == group ? "" : next) + std::string(item["label"]);
+            group = next;
+            return label + (item.contains("detail") ? "=" + std::string(item["detail"]) : "");
         };
         return Lines(program.Ask(korv::Completions), shown, " ");
     }
@@ -188,17 +184,6 @@ std::string Reply(const Program& program, const std::string& request, const std:
     }
     if (request == "tokens") {
         return Tokens(program);
-    }
-    if (request == "symbols") {
-        return Lines(program.Ask(korv::DocumentSymbols), [](const Json& symbol) {
-            return Shown(symbol["selectionRange"]) + " " + std::string(symbol["name"]) + " " +
-                   std::string(symbol["detail"]) + (symbol["kind"] == 12 ? " label" : " constant");
-        });
-    }
-    if (request == "workspace") {
-        Json symbols;
-        AddSymbolsLike(program.snapshot, word, &symbols);
-        return Lines(symbols, [](const Json& each) { return std::string(each["name"]) + " " + At(each["location"]); });
     }
     if (request == "folding") {
         return Lines(program.Ask(korv::FoldingRanges), [](const Json& each) {
@@ -216,8 +201,10 @@ std::string Reply(const Program& program, const std::string& request, const std:
         return ReplaceAll(Changed(program.snapshot, program.markedFile, edits), "\t", "{09}");
     }
     EXPECT_EQ("actions", request);
-    return Lines(program.Ask(korv::CodeActions),
-                 [](const Json& each) { return std::string(each["title"]) + "\n" + ShownEdit(each["edit"]); });
+    return Lines(program.Ask(korv::CodeActions), [](const Json& each) {
+        return std::string(each["title"]) + (each["isPreferred"] ? "" : " (not preferred)") + "\n" +
+               ShownEdit(each["edit"]);
+    });
 }
 
 // Replaces each "{HH}" with its byte. `columns` receives the offset of each character of `text`.
@@ -251,20 +238,23 @@ void Check(Program* program, const Strings& words, const std::vector<Request>& r
     for (const Request& request : requests) {
         std::istringstream stream(request.text);
         std::string feature, word;
-        std::size_t mark = 1;
+        std::size_t mark = 1, last = 1;
         stream >> feature;
         if (std::isdigit(static_cast<unsigned char>(feature[0])) != 0) {
             mark = std::stoul(feature);
+            last = std::stoul(feature.substr(feature.find('-') + 1));  // "2-4", or just "2"
             stream >> feature;
         }
         stream >> word;
-        program->GoTo(mark);
-        ASSERT_NE(korv::noIndex, program->markedFile) << request.place;
         std::string reply;
-        try {
-            reply = Reply(*program, feature, word);
-        } catch (const korv::RequestError& error) {
-            reply = "refused: " + error.message + "\n";
+        for (; mark <= last; ++mark) {
+            program->GoTo(mark);
+            ASSERT_NE(korv::noIndex, program->markedFile) << request.place;
+            try {
+                reply += Reply(*program, feature, word);
+            } catch (const korv::RequestError& error) {
+                reply += "refused: " + error.message + "\n";
+            }
         }
         EXPECT_EQ(request.expected, ReplaceAll(reply, "\n", " | ")) << request.place << " " << request.text;
     }

@@ -97,7 +97,7 @@ Json Server::Answer(const std::string& name, const Json& parameters) {
 
 // The result is null for a file that is not part of any program.
 Json Server::AnswerFeature(const Feature& feature, const Json& parameters) {
-    constexpr Range everything = {{0, 0}, {INT32_MAX - 1, 0}};
+    constexpr Range everything = {{}, {UINT32_MAX, UINT32_MAX}};
     const std::string path = PathOfDocument(parameters);
     const auto position = FindPosition(parameters, "/position");
     const auto range = FindRange(parameters, "/range");

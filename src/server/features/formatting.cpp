@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <iterator>
 
 #include "frontend/statement_view.h"
 #include "server/features/features.h"
@@ -12,11 +13,11 @@
 namespace korv {
 namespace {
 
-// The parts of a physical line, with only blanks between them: label with its colon, mnemonic,
-// operands, comment.
-using LineParts = std::array<std::string_view, 4>;
-// Their columns, from 0. With tabs, the nearest tab stops are used instead.
-constexpr std::array<std::size_t, 4> columns = {0, 10, 15, 34};
+// The columns, from 0, of the parts of a physical line: label with its colon, mnemonic, operands,
+// comment. With tabs, the nearest tab stops are used instead.
+constexpr std::size_t columns[] = {0, 10, 15, 34};
+// The parts, with only blanks between them.
+using LineParts = std::array<std::string_view, std::size(columns)>;
 // In bytes. A line that would become longer is not changed.
 constexpr std::size_t longestLine = 120;
 

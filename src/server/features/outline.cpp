@@ -20,7 +20,7 @@ int SymbolKindOf(const Name& name) {
 std::vector<const Name*> DefinedIn(const Snapshot& snapshot, std::int32_t file) {
     std::vector<const Name*> names;
     for (const Name& name : snapshot.analysis->names) {
-        if (name.definition.file == file && name.definition.IsSomewhere()) {
+        if (name.definition.file == file) {
             names.push_back(&name);
         }
     }

@@ -254,4 +254,17 @@ bool HoldsWord(std::string_view words, std::string_view word) {
     return false;
 }
 
+bool IsOneOf(std::string_view words, std::string_view mnemonic) {
+    if (HoldsWord(words, mnemonic)) {
+        return true;
+    }
+    const std::size_t sign = words.find('=');
+    if (sign == std::string_view::npos) {
+        return false;
+    }
+    std::string_view group = words.substr(sign + 1);
+    const FormRow* const row = RowOfWord(TakePart(&group, ' '));
+    return row != nullptr && row == RowOfWord(mnemonic);
+}
+
 }  // namespace korv

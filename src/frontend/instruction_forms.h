@@ -47,4 +47,7 @@ inline constexpr std::size_t noFault = static_cast<std::size_t>(-1);
 /// True if `word` is one of `words`, which are separated by blanks; "*" stands for all words.
 [[nodiscard]] bool HoldsWord(std::string_view words, std::string_view word);
 
+/// The same for mnemonics, where "=" and a mnemonic stands for all that have its forms.
+[[nodiscard]] bool IsOneOf(std::string_view words, std::string_view mnemonic);
+
 }  // namespace korv

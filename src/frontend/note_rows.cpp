@@ -356,7 +356,7 @@ std::optional<RowAdvice> WordAdvice(const StatementView& statement) {
 
 std::optional<RowAdvice> TokenAdvice(const StatementView& statement, const OperandView& operand) {
     for (const TokenRow& row : tokenTable) {
-        if (!HoldsWord(row.words, statement.mnemonic)) {
+        if (!IsOneOf(row.words, statement.mnemonic)) {
             continue;
         }
         for (std::size_t i = 0; i < operand.tokens.size(); ++i) {
@@ -387,7 +387,7 @@ std::optional<RowAdvice> TokenAdvice(const StatementView& statement, const Opera
 
 std::optional<RowAdvice> OperandAdvice(const StatementView& statement, Status number) {
     for (const OperandRow& row : operandTable) {
-        if (HoldsNumber(row.numbers, number) && HoldsWord(row.words, statement.mnemonic) &&
+        if (HoldsNumber(row.numbers, number) && IsOneOf(row.words, statement.mnemonic) &&
             HasShape(statement, row.shapes)) {
             return AdviceOf(row.note, row.fix, statement, TextsOf(statement));
         }

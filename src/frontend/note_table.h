@@ -21,7 +21,7 @@ namespace korv {
 /// too large, s string, u open string, i name, d name that begins with a digit, r register, c
 /// condition, x other, v anything but an operator.
 struct TokenRow {
-    std::string_view words;  ///< mnemonics, "*" for all
+    std::string_view words;  ///< mnemonics; "*" for all, "=RL" for those with the forms of RL
     std::string_view tokens;
     std::string_view fix;  ///< replaces these tokens; empty: no proposal
     std::string_view note;
@@ -31,7 +31,7 @@ struct TokenRow {
 /// Operands that do not fit.
 struct OperandRow {
     std::string_view numbers;  ///< of messages, separated by blanks; "*" for all errors
-    std::string_view words;    ///< mnemonics, separated by blanks; "*" for all
+    std::string_view words;    ///< as for `TokenRow`
     std::string_view shapes;   ///< as for `HasShape`; "*" for all
     std::string_view fix;      ///< replaces the statement; empty: no proposal
     std::string_view note;
@@ -62,7 +62,7 @@ inline constexpr auto tokenTable = std::to_array<TokenRow>({
     {"*", "^ \\* %rHL|DE|BC ;", "(%2)", "", " LD A,*HL"},
     {"*", "^ %i@HL|@DE|@BC ;", "(%x1)", "", " LD A,@HL"},
     {"PUSH POP INC DEC", "%r @ %r", "", "write one instruction for each operand", " PUSH BC DE"},
-    {"INC DEC BIT SET RES RL RLC RR RRC SLA SRA SRL", "^ %rIX|IY +|- %v ;", "(%1%2%3)", "", " INC IX+1"},
+    {"INC DEC BIT SET RES =RL", "^ %rIX|IY +|- %v ;", "(%1%2%3)", "", " INC IX+1"},
     {"INC DEC", "^ %r +|- +|- ;", "%1", "", " INC HL++"},
     {"INC DEC", "^ %r @ +|- %n", "", "repeat the instruction, or use ADD: %w steps by 1", " INC HL+1"},
     {"*", "^ = %v", "%2", "", " LD HL,=5"},
@@ -143,10 +143,10 @@ inline constexpr auto operandTable = std::to_array<OperandRow>({
     {"13 16", "DM DEFM", "*", "DB %r", "", " DM \"a\",\"b\""},
     {"13", "DJNZ", "reg,any", "DJNZ %2", "", "X: DJNZ B,X"},
     {"13", "END", "*", "END", "remove the operand: the start of a .bin is the label EXEC", " END 100H"},
-    {"13", "RL RLC RR RRC SLA SRA SRL", "m,1", "%w %1", "", " SLA A,1"},
-    {"13", "RL RLC RR RRC SLA SRA SRL", "m,n", "", "write %w %1 once for each bit", " SLA A,2"},
-    {"13", "RL RLC RR RRC SLA SRA SRL", "gp,n", "", "shift the halves through the carry, once for each bit: %w takes a byte", " SLA HL,1"},
-    {"13", "RL RLC RR RRC SLA SRA SRL BIT SET RES", "*", "", "use the published form: the result is not copied to a register", " RL (IX+1),B"},
+    {"13", "=RL", "m,1", "%w %1", "", " SLA A,1"},
+    {"13", "=RL", "m,n", "", "write %w %1 once for each bit", " SLA A,2"},
+    {"13", "=RL", "gp,n", "", "shift the halves through the carry, once for each bit: %w takes a byte", " SLA HL,1"},
+    {"13", "=RL BIT SET RES", "*", "", "use the published form: the result is not copied to a register", " RL (IX+1),B"},
     {"13", "LDI", "A,(HL) (HL),A", "LD %r\n\tINC HL", "write LD %r and INC HL: LDI takes no operands", " LDI A,(HL)"},
     {"13", "LDI", "A,(DE) (DE),A", "LD %r\n\tINC DE", "write LD %r and INC DE: LDI takes no operands", " LDI A,(DE)"},
     {"13", "LDD", "A,(HL) (HL),A", "LD %r\n\tDEC HL", "write LD %r and DEC HL: LDD takes no operands", " LDD A,(HL)"},

@@ -31,11 +31,11 @@ korv::Analysis AnalysisOf(const std::string& source) {
     return korv::Analyse(options, &store, {});
 }
 
-// "line:column number note" for each error, one per line.
-std::string Printed(const korv::Analysis& analysis) {
+// "line:column number note" for each message, one per line.
+std::string Printed(const korv::Analysis& analysis, bool takesWarnings = true) {
     std::string printed;
     for (const korv::Message& each : analysis.messages) {
-        if (each.severity == korv::Severity::error) {
+        if (takesWarnings || each.severity == korv::Severity::error) {
             printed += std::to_string(each.place.line) + ":" + std::to_string(each.place.column + 1) + " " +
                        std::to_string(each.number) + " " + each.note + "\n";
         }
@@ -68,7 +68,7 @@ std::string ErrorsAfterChange(const std::string& source, const std::string& with
     for (const std::string& line : lines) {
         text += (text.empty() ? "" : "|") + line;
     }
-    return edits.empty() ? without : Printed(text);
+    return edits.empty() ? without : Printed(AnalysisOf(text), false);
 }
 
 TEST(NotesTest, EachRowHasItsExampleAndProposesWhatAssembles) {

@@ -94,8 +94,7 @@ Foreign ForeignNumber(const StatementView& statement, const Token& token) {
     const auto has = [text](std::string_view digits) {
         return text.find_first_of(digits) != std::string_view::npos;
     };
-    if (letter == text.size() - 1 && letter > 2 && text.ends_with('B') &&
-        has("23456789")) {  // "102B"
+    if (letter == text.size() - 1 && text.ends_with('B') && has("23456789")) {  // "102B"
         const bool isEither = text.size() < 5;
         return {text, "",
                 "use the digits 0 and 1 before B" +

@@ -193,10 +193,6 @@ bool AdviseOnShape(OperandCase* it) {
 
 constexpr std::size_t npos = std::string::npos;
 
-std::string Sentence(const Token& token, std::string_view end) {
-    return std::string(token.text) + std::string(end);
-}
-
 // Sets the place in case no better one is found.
 void AimAt(OperandCase* it) {
     for (const OperandView& operand : it->statement.operands) {
@@ -325,12 +321,10 @@ Advice AdviseOnOperands(Adviser& adviser, const FaultView& fault) {
     AdviseOnOperandCase(&it);
     const std::string note = Raised(it.advice.note);  // the note shows names as they were typed
     for (const OperandView& operand : fault.statement.operands) {
-        const Token* const token = operand.OnlyToken();
-        const bool isCause =
-            token != nullptr && (note.find(Sentence(*token, " ALONE")) != npos ||
-                                 note.find("ANOTHER NAME: " + Sentence(*token, "")) != npos);
-        if (isCause) {
-            it.advice.explains.emplace_back(token->text);
+        for (const Token& token : operand.tokens) {
+            if (note.find("ANOTHER NAME: " + std::string(token.text) + " ALONE") != npos) {
+                it.advice.explains.emplace_back(token.text);
+            }
         }
     }
     const Keyword* const keyword = fault.statement.keyword;

@@ -116,8 +116,10 @@ bool AdviseOnSplitNumber(OperandCase* it, const Token& before, const Token& toke
         before.text.find_first_not_of("01", before.text.starts_with('%') ? 1 : 0) ==
             std::string_view::npos &&
         token.text.find_first_not_of("01") >= token.text.size() - 1;
-    const bool isHalf = isBinary && !HoldsWord(dataDirectives, it->statement.mnemonic);
-    const bool isNumber = (isHalf || HoldsWord("B H O", token.text)) &&
+    const bool isGroup =  // "10 000"
+        token.text.size() == 3 && number.find_first_not_of("0123456789") == std::string::npos;
+    const bool isPart = (isBinary || isGroup) && !HoldsWord(dataDirectives, it->statement.mnemonic);
+    const bool isNumber = (isPart || HoldsWord("B H O", token.text)) &&
                           CutTokens(number)[0].kind == TokenKind::number;
     if (isNumber) {
         it->PointAt(it->statement.Span(before.text, token.text));
@@ -173,7 +175,7 @@ void AdviseOnTwoValues(OperandCase* it, const Token& token) {
                                      {{it->statement.PartOf(token.text), ""}})) {
         it->advice.note = "remove " + typed + ", or begin a comment with a semicolon";
     } else {
-        it->advice.note = "put an operator, a comma or a semicolon before " + typed;
+        it->advice.note = "an operator, a comma or a semicolon is missing before " + typed;
     }
 }
 
@@ -245,9 +247,9 @@ void AdviseOnNoLeft(OperandCase* it, const Token& token) {
         it->Replace(token.text, "");  // as for an address in C
         it->advice.note = WriteNote(it->statement, it->advice.edits);
     } else {
-        it->advice.note = (it->IsDefined(token.text) ? "choose another name, which is no operator: "
-                                                     : "add a value before ") +
-                          std::string(token.text);
+        const std::string text(token.text);
+        it->advice.note = it->IsDefined(text) ? "choose another name, which is no operator: " + text
+                                              : text + " needs a value before it";
     }
 }
 
@@ -344,8 +346,9 @@ bool AdviseOnExpression(OperandCase* it) {
             AdviseOnNoLeft(it, *token);
             break;
         case ExpressionFault::noRight:
-            note = IsAnonymousLabel(it->statement, it->operand->text) ? anonymousLabelNote
-                                                                      : "add a value after " + text;
+            note = IsAnonymousLabel(it->statement, it->operand->text)
+                       ? anonymousLabelNote
+                       : text + " needs a value after it";
             break;
         case ExpressionFault::openBracket:
         case ExpressionFault::closeBracket:

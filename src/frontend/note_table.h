@@ -233,7 +233,7 @@ inline constexpr auto operandTable = std::to_array<OperandRow>({
     {"16", "ADD ADC SBC", "HL,xy", "PUSH %2\n\tPOP DE\n\t%w HL,DE", "copy it to DE first: PUSH %2 and POP DE", " ADD HL,IX"},
     {"16", "ADD", "BC DE SP", "ADD HL,%1", "", " ADD DE"},
     {"16", "ADD", "HL xy", "", "add the pair that is to be added: ADD %1,DE", " ADD HL"},
-    {"16", "ADD ADC SBC", "A,pair", "", "add one half: the accumulator takes bytes", " ADD A,HL"},
+    {"16", "ADD ADC SBC", "A,pair", "", "use HL as the target, or one half of %2: the accumulator takes bytes", " ADD A,HL"},
     {"16", "ADD", "BC,any DE,any SP,any", "", "add to HL, IX or IY: other pairs take no sum", " ADD DE,HL"},
     {"16", "ADD ADC SBC", "n,A", "%w A,%1", "", " ADD 5,A"},
     {"16", "ADD ADC SBC", "n,any (n),any (HL),any (xy+d),any", "", "add to A and store the result", " ADD (HL),5"},

@@ -205,7 +205,8 @@ Advice AdviseOnSlip(const RunFacts& facts, const FaultView& fault) {
         }
         if (c == '(' || (c == '0' && isAfterName && !HasClass(before, CC_DIGIT))) {
             search.Attempt(at, 1, ")");
-        } else if (c == ')' || (c == '9' && !isAfterName && search.IsNameAt(at + 1))) {
+        } else if (c == ')' ||
+                   (c == '9' && isInstruction && !isAfterName && search.IsNameAt(at + 1))) {
             search.Attempt(at, 1, "(");
         }
         if (c == ')' && isAfterName && search.IsNameAt(at + 1)) {  // "2)H"

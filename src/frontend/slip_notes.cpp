@@ -101,17 +101,21 @@ std::string Listed(const std::vector<std::string>& words) {
     return text;
 }
 
-// A register in double quotes.
+// A register in double quotes, or after "#".
 bool AdviseOnQuotedRegister(OperandCase* it) {
     for (const OperandView& operand : it->statement.operands) {
         const std::string_view text = operand.text;
         const bool isString =
             operand.tokens.size() == 1 && operand.tokens[0].kind == TokenKind::string;
-        const std::string name(isString ? text.substr(1, text.size() - 2) : "");
+        const bool isMarked = text.size() > 1 && text.front() == '#';
+        const std::string name(isString   ? text.substr(1, text.size() - 2)
+                               : isMarked ? it->statement.Typed(text.substr(1))
+                                          : "");
         const std::vector<TextEdit> edits = {{it->statement.PartOf(text), name}};
         if (it->statement.mnemonic != "OUT" && ClassOf(Raised(name)).kind != KIND_VALUE &&
             HasFormWith(it->statement, edits)) {
-            return it->Propose(text, edits, "write ", ": a register has no quotes");
+            return it->Propose(text, edits, "write ",
+                               isString ? ": a register has no quotes" : ": a register has no #");
         }
     }
     return false;

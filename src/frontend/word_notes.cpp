@@ -297,6 +297,9 @@ bool IsAssignment(const StatementView& statement) {
 Advice AdviseOnWord(Adviser& adviser, const FaultView& fault) {
     const StatementView& statement = fault.statement;
     const std::string_view word = statement.mnemonic;
+    if (word == "FI" && fault.isSkipped) {
+        return Replace(statement, word, "ENDIF", "write ENDIF");
+    }
     if (word.starts_with("IF") && statement.label.empty()) {  // "IFDEBUG" is not a definition
         if (Advice joined = AdviseOnJoinedWords(adviser.Facts(), statement); joined.place) {
             return joined;

@@ -1,4 +1,4 @@
-/// Outputs of a run, either all or none of which are written.
+/// The outputs of a run: either all of them are written, or none.
 #pragma once
 
 #include <optional>

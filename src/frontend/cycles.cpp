@@ -108,7 +108,7 @@ constexpr bool IsBit(std::uint8_t opcode) {
 constexpr bool IsMemory(std::uint8_t opcode) {
     return (opcode & 7) == 6;
 }
-/// The opcodes between SRA and SRL, which the published tables do not contain.
+/// True for the opcodes between SRA and SRL, which the published tables do not contain.
 constexpr bool IsHole(std::uint8_t opcode) {
     return opcode >> 3 == 6;
 }

@@ -12,11 +12,11 @@
 
 namespace korv {
 
-/// Result of `FindFaultyOperand`: no operand is at fault.
+/// Result of `FindFaultyOperand` and `FindExcess`: no operand is at fault.
 inline constexpr std::size_t noFault = static_cast<std::size_t>(-1);
 
-/// The forms of `mnemonic`, such as "LD A,(nn)"; a word that takes no operands has one form. Forms
-/// whose first `operandCount` operands do not match those of `statement` are left out.
+/// The forms of the mnemonic, such as "LD A,(nn)"; a word that takes no operands has one form.
+/// Forms whose first `operandCount` operands do not match those of `statement` are left out.
 [[nodiscard]] std::vector<std::string> FormsOf(const StatementView& statement,
                                                std::size_t operandCount);
 

@@ -1,6 +1,6 @@
-// Observes a run. Reports are kept until their statement has been assembled, because the first may
-// be a consequence of a later one. Reports that are only consequences of another are then dropped;
-// the others become messages with a place in the file and a note.
+// Observes a run. Reports are kept until their statement has been assembled, because the first
+// report may be a consequence of a later one. Reports that are only consequences of another are
+// then dropped; the others become messages with a place in the file and a note.
 
 #include "frontend/analyser.h"
 
@@ -283,7 +283,7 @@ void Analyser::TakeReports(Level* level) {
     const auto isError = [](const Report& report) { return !report.isWarning && !report.isLate; };
     const bool hasError = std::ranges::any_of(level->reports, isError);
     for (Report& report : level->reports) {
-        // An error in the line explains the missing colon of its label.
+        // If the line has an error, the missing colon is only a consequence.
         if (!hasError || report.number != MSG_LABEL_WITHOUT_COLON) {
             maker.Add(std::move(report));
         }

@@ -8,14 +8,14 @@ namespace korv {
 
 class FileStore;
 
-/// The parts of an analysis besides files, openings, messages and image. A part that is not wanted
-/// costs nothing.
+/// Selects the optional parts of an analysis; files, openings, messages and the image are always
+/// included. A part that is not wanted costs nothing.
 struct Wanted {
     bool statements = false;  ///< and blocks
     bool names = false;
     // Each of these requires `statements` and `names` too.
     bool useCounts = false;  ///< how often each name is used
-    bool uses = false;       ///< the same, and where; also where each file is included
+    bool uses = false;       ///< also the place of each use, and where each file is included
 };
 
 /// Assembles `options.source`. All files are read through `store`; the texts that the analysis

@@ -1,6 +1,6 @@
 /// The result of one run as plain data. Everything that is printed, listed, exported or shown in an
 /// editor is computed from it. It contains no pointers into the assembler, so it is still valid
-/// after the run, and it is never changed once it is made.
+/// after the run, and only warnings about outputs are added to it later.
 #pragma once
 
 #include <compare>
@@ -19,7 +19,7 @@ namespace korv {
 
 struct Keyword;
 
-/// The value of an index into a vector of an `Analysis` if it refers to nothing.
+/// An index that refers to no element of any vector of an `Analysis`.
 inline constexpr std::int32_t noIndex = -1;
 
 /// A part of a physical line: the position of something in the source.
@@ -92,7 +92,7 @@ struct Name {
     bool hasValue = false;  ///< also false for an EQU that was never resolved
     std::int32_t value = 0;
     bool isUsed = false;  ///< an expression has read the value
-    Place definition;     ///< of the name in its definition; nowhere without one
+    Place definition;     ///< the name in its definition; nowhere if it has none
     std::int32_t opening = noIndex;
     std::size_t useCount = 0;  ///< with `Wanted::useCounts` or `Wanted::uses` only
     std::vector<Place> uses;   ///< in the order of the source; with `Wanted::uses` only
@@ -117,7 +117,7 @@ struct Message {
     std::optional<Warning> warning;  ///< its name, if -W can select it
     std::string code;                ///< "X16", or a name; empty if there is none
     Place place;
-    std::int32_t opening = noIndex;  ///< in which `place` is; `noIndex` without a place
+    std::int32_t opening = noIndex;  ///< index in `openings`; `noIndex` without a place
     std::string text;
     std::string detail;            ///< what is at fault, quoted if it is source text; or empty
     std::string note;              ///< what to do about it, or empty

@@ -14,9 +14,9 @@ namespace korv {
 /// skipped. Result: empty, or an error message with the line.
 [[nodiscard]] std::string SplitWords(std::string_view text, std::vector<std::string>* words);
 
-/// Replaces each word @NAME with the words of the file NAME, and does the same with those words. A
-/// relative NAME is relative to `directory`, or to the current directory if that is empty. Result:
-/// empty, or an error message.
+/// Replaces each word @NAME with the words of the file NAME, recursively. A relative NAME is
+/// relative to `directory`, or to the current directory if that is empty. Result: empty, or an
+/// error message.
 [[nodiscard]] std::string ExpandArgumentFiles(std::vector<std::string>* words,
                                               std::string_view directory = {});
 

@@ -77,7 +77,8 @@ struct ByteFinding {
 /// file differently from how it is read. Only the first of each kind is reported.
 [[nodiscard]] std::vector<ByteFinding> CheckBytes(const StoredText& text);
 
-/// Comments in `line` that end with a backslash and so swallow a next line that is not a comment.
+/// Finds each backslash at the end of a comment in `line` that swallows the next line, unless that
+/// line is blank or a comment.
 [[nodiscard]] std::vector<ByteFinding> CheckComments(const StoredText& text,
                                                      const LogicalLine& line);
 

@@ -25,8 +25,7 @@ Findings ConditionWatch::Follow(const CAssembler& assembler, const CStatement& s
             findings.push_back({Warning::condition, view.rest, Quoted(view.rest), surprise});
         }
     }
-    // Whether the lines after an IF are assembled depends on that IF alone, even inside a skipped
-    // block.
+    // An IF alone decides whether the lines after it are assembled, even inside a skipped block.
     Level& level = levels.back();
     level.isLive = level.isLiveOutside && isOn;
     if (isOn && !level.isLiveOutside) {

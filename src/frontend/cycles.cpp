@@ -1,8 +1,8 @@
 // The times are from the published tables, with one table for each prefix. The tests compare every
 // documented opcode with an emulator. If its condition is met, a relative jump takes 5 T-states
 // more, a return 6 and a call 7, but a JP takes no more. A block instruction takes 5 more for each
-// repetition. The published tables do not contain ED 70 and ED 71, IN F,(C) and OUT (C),F, which
-// Korv accepts: they take as long as the neighbouring opcodes.
+// repetition. Korv also accepts ED 70, IN F,(C), and ED 71, OUT (C),F. These are not in the
+// published tables; they take as long as the neighbouring opcodes.
 
 #include "frontend/cycles.h"
 
@@ -108,7 +108,7 @@ constexpr bool IsBit(std::uint8_t opcode) {
 constexpr bool IsMemory(std::uint8_t opcode) {
     return (opcode & 7) == 6;
 }
-/// The opcodes between SRA and SRL, which the published tables do not contain.
+/// True for the opcodes between SRA and SRL, which the published tables do not contain.
 constexpr bool IsHole(std::uint8_t opcode) {
     return opcode >> 3 == 6;
 }

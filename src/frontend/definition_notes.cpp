@@ -23,7 +23,7 @@ std::string Definition(const StatementView& statement, std::string_view name,
     return Translate(CutStatement(line, typed)).typed;
 }
 
-// Advice to replace the line with such a definition, for a message at `part`.
+// Advice to replace the line with the definition of `name` as `value`, for a message at `part`.
 Advice Defined(const StatementView& statement, std::string_view part, std::string_view name,
                std::string_view value) {
     Advice advice = Replace(statement, statement.line, Definition(statement, name, value), "");

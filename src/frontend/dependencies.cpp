@@ -13,8 +13,8 @@
 namespace korv {
 namespace {
 
-// Ninja ends a name at any other character, and "%", "=", "*", "?", "[", "&", ";" and "|" have a
-// meaning for make. Neither program has a way to escape all of them.
+// Characters outside this set end a name in ninja, and "%", "=", "*", "?", "[", "&", ";" and "|"
+// have a meaning for make. Neither program has a way to escape all of them.
 bool IsPlain(char c) {
     constexpr std::string_view signs = "+,-./@_~(){}!]";
     return static_cast<unsigned char>(c) >= 0x80 || (c >= '0' && c <= '9') ||
@@ -45,8 +45,8 @@ bool IsWritable(std::string_view name) {
             return false;
         }
     }
-    // Not a home directory, not a member of an archive, and no backslash before the line end or the
-    // colon.
+    // A leading "~" means a home directory, and a final ")" a member of an archive. The backslash
+    // that escapes a final blank or colon would be misread.
     return !name.starts_with('~') && !name.ends_with(')') && !name.ends_with(' ') &&
            !name.ends_with(':') && !IsSpecial(name);
 }

@@ -99,8 +99,8 @@ std::vector<std::string> FileStore::SearchedDirectories(const std::string& inclu
     return names;
 }
 
-// The file that `name` refers to from the directory with the full path `from`. A text that exists
-// only in the editor counts as a file.
+// The file that `name` refers to, relative to the directory with the full path `from`. A text that
+// exists only in the editor counts as a file.
 platform::FoundPath FileStore::Beside(const std::string& from, std::string_view name) {
     const bool isAbsolute = platform::IsAbsolutePath(name) || from.empty();
     platform::FoundPath found =

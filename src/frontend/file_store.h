@@ -34,7 +34,7 @@ class FileStore : public SourceStore {
     void SetText(const std::string& path, std::string_view bytes,
                  const platform::FileIdentity& identity = {});
 
-    /// The same for an existing `Text`, which has its own path.
+    /// Sets the contents of the file at the path that `text` stores.
     void SetText(Text text) { Keep(std::move(text)); }
 
     /// The full path of `name`, which is relative to the directory of the run.
@@ -49,7 +49,7 @@ class FileStore : public SourceStore {
     [[nodiscard]] const std::string& Failure() const { return failure; }
     /// True if an INCLUDE of `name` in the file at the full path `includer` would find a file.
     [[nodiscard]] bool Has(const std::string& includer, std::string_view name);
-    /// The directories that such an INCLUDE would search, as a user would write them.
+    /// The directories that an INCLUDE in `includer` would search, as a user would write them.
     [[nodiscard]] std::vector<std::string> SearchedDirectories(const std::string& includer) const;
 
     [[nodiscard]] Status Find(std::string_view name, platform::FoundPath* file) override;

@@ -12,11 +12,11 @@
 
 namespace korv {
 
-/// Result of `FindFaultyOperand`: no operand is at fault.
+/// Result of `FindFaultyOperand` and `FindExcess`: no operand is at fault.
 inline constexpr std::size_t noFault = static_cast<std::size_t>(-1);
 
-/// The forms of `mnemonic`, such as "LD A,(nn)"; a word that takes no operands has one form. Forms
-/// whose first `operandCount` operands do not match those of `statement` are left out.
+/// The forms of the mnemonic, such as "LD A,(nn)"; a word that takes no operands has one form.
+/// Forms whose first `operandCount` operands do not match those of `statement` are left out.
 [[nodiscard]] std::vector<std::string> FormsOf(const StatementView& statement,
                                                std::size_t operandCount);
 
@@ -39,15 +39,15 @@ inline constexpr std::size_t noFault = static_cast<std::size_t>(-1);
 [[nodiscard]] std::size_t FindExcess(const StatementView& statement);
 
 /// True if the operands match one of `shapes`, which are written like the forms of form_table.h;
-/// empty: no operands. Further classes: any an operand; v a value, in parentheses or not; gp BC, DE
-/// or HL; pair these, IX, IY, SP or AF; reg a register or condition; (reg), (cc), (any) these in
-/// parentheses.
+/// empty: no operands. There are further classes. any: an operand; v: a value, in parentheses or
+/// not; gp: BC, DE or HL; pair: gp, IX, IY, SP or AF; reg: a register or condition; (reg), (cc),
+/// (any): a register, a condition, any text in parentheses.
 [[nodiscard]] bool HasShape(const StatementView& statement, std::string_view shapes);
 
 /// True if `word` is one of `words`, which are separated by blanks; "*" stands for all words.
 [[nodiscard]] bool HoldsWord(std::string_view words, std::string_view word);
 
-/// The same for mnemonics, where "=" and a mnemonic stands for all that have its forms.
+/// The same for a mnemonic. In `words`, "=RL" stands for all mnemonics with the forms of RL.
 [[nodiscard]] bool IsOneOf(std::string_view words, std::string_view mnemonic);
 
 }  // namespace korv

@@ -151,8 +151,8 @@ class Listing {
             .first(std::min(size, analysis.image.size() - start));
     }
 
-    // Writes the columns to the left of the file and line, padded with blanks up to these. Result:
-    // the end of the text before the blanks.
+    // Writes the columns before `placeColumn`, padded with blanks. Result: the end of the text
+    // before the blanks.
     char* PutColumns(char* start, const Statement& statement, std::uint32_t row,
                      bool hasBytes) const {
         const std::uint32_t done = row * bytesPerRow;

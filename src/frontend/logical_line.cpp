@@ -10,8 +10,7 @@
 namespace korv {
 namespace {
 
-// True if offsets in the cleaned line are columns of `line`, the physical line with which it
-// begins.
+// True if offsets in the cleaned line are columns of `line`, its first physical line.
 bool IsPlain(const StoredText& text, std::string_view line) {
     while (!line.empty() && HasClass(line.back(), CC_BLANK)) {
         line.remove_suffix(1);
@@ -43,7 +42,8 @@ LogicalLine LogicalLineAt(const StoredText& text, std::int32_t number) {
         if (goesOn && isContinued) {
             const LogicalLine::Position& last = line.positions[end - 1];
             const std::string_view physical = text.Line(last.line);
-            // A carriage return on an empty line takes the place of the backslash before it.
+            // The position of a carriage return on an empty line replaces that of the backslash
+            // before it.
             if (last.column < physical.size() && physical[last.column] == '\\') {
                 line.continuedComments.push_back(last);
             }

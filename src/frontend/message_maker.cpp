@@ -105,14 +105,14 @@ void MessageMaker::Finish() {
             AddWarning(*warnings, std::move(message), analysis);
         }
     }
-    if (leftOut && analysis->errorCount == 0) {  // a run that fails has an error
+    if (leftOut && analysis->errorCount == 0) {  // a run that fails must report an error
         AddMessage(*std::move(leftOut), analysis);
     }
     RemoveExplained();
 }
 
-// Prepares for uses of a label that is not a valid name, as in ".LOOP: NOP", or that gets no value:
-// some may precede it.
+// Treats errors about uses of a label as consequences if the label is not a valid name, as in
+// ".LOOP: NOP", or gets no value. The uses may precede it.
 void MessageMaker::ExpectRefusal(const SourcePlace& place) {
     const StatementView& statement = StatementAt(place);
     const std::string_view line = statement.line;
@@ -125,7 +125,7 @@ void MessageMaker::ExpectRefusal(const SourcePlace& place) {
     }
 }
 
-// Prepares for uses of the label of "NAME; EQU 5", which has an address in place of the value.
+// Does the same for the label of "NAME; EQU 5", whose value is an address instead of 5.
 void MessageMaker::ExpectHiddenValue(const SourcePlace& place) {
     const std::string line = Raised(TextOf(OpeningOf(place.file)).Line(place.line));
     const std::size_t end = line.find(';');
@@ -166,7 +166,7 @@ void MessageMaker::Make(const Report& report) {
     const auto count = static_cast<std::int32_t>(statements.size());
     auto& [id, reports] =
         statements.try_emplace({report.place.file, report.place.line}, count, 0).first->second;
-    // Each piece of advice examines all operands, and nobody reads so many messages about one line.
+    // A limit for one line: each piece of advice examines all operands, and nobody reads so many.
     constexpr std::int32_t mostAdvised = 50;
     if (++reports > mostAdvised) {
         message.place = PlaceOf(report.place);
@@ -176,7 +176,7 @@ void MessageMaker::Make(const Report& report) {
     const StatementView& statement = StatementAt(report.place);
     if (report.number == MSG_LABEL_WITHOUT_COLON && HoldsWord("ENDIF ENDC", statement.label) &&
         assembler->conditionDepth > 0) {
-        message.severity = Severity::error;  // because of it, an IF is still open at the end
+        message.severity = Severity::error;  // the IF that it should end is still open
     }
     const FaultView fault{.number = report.number,
                           .isError = message.severity == Severity::error,
@@ -242,8 +242,8 @@ void MessageMaker::Take(Advice advice, const Report& report, Message* message) {
     }
 }
 
-// Replaces the name in all its other uses too. If there are too many lines to search, a label keeps
-// its name.
+// Also replaces all other uses of the name. If there are too many lines to search, no new name is
+// proposed for a label.
 void MessageMaker::AddUses(const Advice& advice, Message* message) {
     const Place at = message->place;
     const std::string& name = advice.names.front();

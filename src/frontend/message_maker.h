@@ -49,7 +49,7 @@ class MessageMaker : private RunFacts {
           adviser(*this) {}
 
     /// Adds the opening of the core's file `number`. The core also numbers files that cannot be
-    /// opened. Result: its index.
+    /// opened. Result: the index of the opening.
     std::int32_t AddOpening(std::int32_t number, const Opening& opening);
     /// Index in `openings` of the core's file `number`.
     [[nodiscard]] std::int32_t OpeningOf(std::int32_t number) const {
@@ -62,7 +62,7 @@ class MessageMaker : private RunFacts {
     void Add(Message message) { pending.emplace_back(std::move(message)); }
     void Warn(Warning warning, const Place& place, std::int32_t opening, std::string detail,
               std::string_view note);
-    /// Removes what was kept about nested conditions after `place`, an IF that nothing ends.
+    /// Removes the warnings about nested conditions after `place`, an IF without an ENDIF.
     void WithdrawNestedIf(const Place& place);
     /// Records that the rest of the source is skipped, so that its names are not defined.
     void ExpectSkippedEnd() { adviser.ExpectSkippedEnd(); }

@@ -109,8 +109,8 @@ std::string NameThatLooksLike(const OperandCase& it, const std::string& name) {
     return "";
 }
 
-// The name whose missing value caused the message. Where a value is needed at once,
-// this may be a name that is defined later in the source. Null if there is none.
+// The name whose missing value caused the message. If a value is needed at once, this may be a name
+// that is defined later in the source. Null if there is none.
 const Token* FindUnknown(const OperandCase& it) {
     if (it.operand == nullptr) {
         return nullptr;

@@ -254,7 +254,7 @@ bool IsForm(std::string_view text) {
     return HasForm(CutStatement(line));
 }
 
-// The advice from the rows on a statement that is to be proposed but matches no form.
+// The advice from the note tables on a statement that is to be proposed but matches no form.
 std::optional<RowAdvice> AdviceOnRest(std::string_view text) {
     const std::string typed = " " + std::string(text);
     const std::string line = Raised(typed);
@@ -312,7 +312,7 @@ std::optional<RowAdvice> WordAdvice(const StatementView& statement) {
                              {},
                              {}};
         }
-        if (!found.edits.empty()) {  // it must not be a label
+        if (!found.edits.empty()) {  // in column 1, it would be a label
             const bool isFirst = statement.PartOf(statement.mnemonic).offset == 0;
             found.edits = {
                 translation.Whole(statement, (isFirst ? " " : "") + found.edits[0].text)};

@@ -10,9 +10,10 @@
 
 namespace korv {
 
-/// Templates: %w the mnemonic, %1 to %9 an operand, or in a token row a matched token, %r all
-/// operands, %m1 operand 1 with M as (HL) and without #, %p1 with B, D, H as BC, DE, HL,
-/// %f the statement with the change. An empty note is "write %f". In an example, "|" ends a line.
+/// Templates: %w is the mnemonic, %r all operands, %k the condition at the end of the mnemonic, %f
+/// the statement with the change, and %1 to %9 an operand or, in a token row, a matched token. A
+/// letter before the number changes that text: %m1 has (HL) for M and no #; `Shown` has the other
+/// letters. An empty note is "write %f". In an example, "|" ends a line.
 
 /// Adjacent tokens of one operand. The terms are separated by blanks. "%" and the letter of a kind
 /// match a token of that kind; a pattern after them must match its text too. Any other term is a

@@ -341,8 +341,8 @@ void Adviser::RememberCondition(const FaultView& fault, const Advice& advice, bo
     }
 }
 
-// The core does not know the name and the parameters of a macro, and lines of its body that are
-// wrong now may be right once the macro is expanded by hand.
+// Treats errors about the name, parameters and body of a macro as consequences: lines of the body
+// may be right once the macro is expanded by hand.
 void Adviser::RememberBlock(const FaultView& fault, std::string_view end) {
     const StatementView& statement = fault.statement;
     refusedNames.emplace(statement.label);

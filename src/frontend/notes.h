@@ -26,7 +26,7 @@ struct KnownName {
     bool isCommandLine = false;  ///< defined by -D
     std::string where;           ///< "file:line" of the definition; empty if there is none
     SourcePlace definition;      ///< place of the name; file 0: none
-    bool isHere = false;         ///< it is on the line of the current statement
+    bool isHere = false;         ///< the definition is on the line of the current statement
     std::string waitingLine;     ///< the cleaned line of an unresolved EQU; else empty
 };
 
@@ -77,7 +77,7 @@ struct Advice {
     SourcePlace first;                  ///< the first definition; file 0: none
     bool definesName = false;           ///< the line was to define its label, or `names`
     std::vector<std::string> names;
-    std::string newName;  ///< for the first of `names`, in its uses too; empty: none
+    std::string newName;  ///< replaces the first of `names` everywhere; empty: none
 };
 
 /// Gives advice on the messages of one run, in the order in which they were reported.
@@ -141,7 +141,7 @@ class Adviser {
     bool hasSkippedNames = false;                   // an error decides whether a block is assembled
     std::int32_t slipBudget = 1000;                 // messages that may still be tried as slips
     bool hasRefusedTest = false;                    // a refused IF without a proposed change
-    bool hasRefusedBranch = false;                  // an IF or ELSE: both branches are assembled
+    bool hasRefusedBranch = false;                  // an IF or ELSE, so both branches are assembled
     std::int32_t skippedFile = 0;      // the file with a refused macro or multi-line comment
     std::int32_t skippedAfter = 0;     // its first line
     std::int32_t skippedTo = 0;        // its last line

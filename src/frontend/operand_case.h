@@ -56,7 +56,7 @@ struct OperandCase {
 
 /// Advises on a fault in the tokens of the operand. Result: false if they contain none.
 [[nodiscard]] bool AdviseOnExpression(OperandCase* it);
-/// Advises on "XAND3", a word operator without blanks, and on a misspelt one.
+/// Advises on "XAND3", a word operator without blanks, and on a misspelt operator.
 [[nodiscard]] bool AdviseOnWordOperator(OperandCase* it, const Token& token);
 /// Advises on "LD A;5", where a comment ends the operands, and on "(IX,5)".
 [[nodiscard]] bool AdviseOnComma(OperandCase* it);
@@ -77,7 +77,7 @@ struct OperandCase {
 [[nodiscard]] bool AdviseOnSecondInstruction(OperandCase* it);
 /// Advises on the spellings of other assemblers.
 [[nodiscard]] bool AdviseOnSpelling(OperandCase* it);
-/// Advises on words after the operands that were meant as a comment.
+/// Advises on words that follow the operands and were meant as a comment.
 [[nodiscard]] bool AdviseOnProse(OperandCase* it);
 /// `words` as "A, B or C".
 [[nodiscard]] std::string Listed(const std::vector<std::string>& words);

@@ -249,7 +249,7 @@ std::string FormsNote(const StatementView& statement) {
     if (choices.empty()) {
         return "";
     }
-    std::string note = "use ";  // with +, GCC 12 warns about it at link time
+    std::string note = "use ";  // GCC 12 warns about + here at link time
     note.append(Listed(choices)).append(faulty == 0 ? " with " : " after ").append(word);
     return faulty == 0 ? note : note.append(" ").append(statement.operands[0].text);
 }

@@ -57,7 +57,7 @@ struct Options {
 /// Result: empty, or an error message, in which case `options` is incomplete.
 [[nodiscard]] std::string TakeWords(const std::vector<std::string>& words, Options* options);
 
-/// The same for the arguments of `main`. First replaces each @FILE with its words.
+/// The same for the arguments of `main`. First replaces each @FILE with the words in that file.
 [[nodiscard]] std::string ReadOptions(int argumentCount, char** arguments, Options* options);
 
 /// The texts of --help and --version.

@@ -125,12 +125,13 @@ struct SlipSearch {
     const StatementView& statement;
     Advice advice = {};
     std::string meant = {};
-    bool isUnsure = false;  // several changes would
+    bool isUnsure = false;  // several changes make the statement sound
 
     [[nodiscard]] bool IsNameAt(std::size_t at) const {
         return at < statement.line.size() && HasClass(statement.line[at], CC_NAME);
     }
-    // Whether a register or condition, without its first `skipped` characters, is at `at`.
+    // True if `at` is in an operand that is a register or condition, after its first `skipped`
+    // characters.
     [[nodiscard]] bool IsInWord(std::size_t at, std::size_t skipped) const {
         return std::ranges::any_of(statement.operands, [&](const OperandView& each) {
             const LinePart part = statement.PartOf(each.text);
@@ -138,7 +139,7 @@ struct SlipSearch {
                    at < part.offset + part.length;
         });
     }
-    // Whether the character at `at` may have been swapped with the next one.
+    // True if the character at `at` may have been swapped with the next one.
     [[nodiscard]] bool MaySwap(std::size_t at) const {
         const std::string_view line = statement.line;
         const bool isFirst = !IsNameAt(at);  // the punctuation mark is the first of the two

@@ -14,7 +14,8 @@ namespace korv {
                            const std::vector<TextEdit>& edits);
 
 /// Advice on a statement with one mistyped punctuation mark: a missing comma, a mark swapped with
-/// its neighbour, or a wrong bracket. Empty if no such change, or more than one, makes it sound.
+/// its neighbour, or a wrong bracket. Empty unless exactly one such change makes the statement
+/// sound.
 [[nodiscard]] Advice AdviseOnSlip(const RunFacts& facts, const FaultView& fault);
 
 /// If the change that `advice` proposes is not sound, extends it to other foreign parts of the

@@ -25,8 +25,8 @@ class Labels {
         }
     }
 
-    // The label of `statement`; null for none. For each file, must be called in the order of its
-    // statements.
+    // The label of `statement`; null for none. Must be called for the statements of each file in
+    // their order.
     [[nodiscard]] const Name* Of(const Statement& statement) {
         const std::uint64_t position = PositionOf(statement.opening, statement.line);
         std::size_t& next = nextOf[static_cast<std::size_t>(statement.opening)];
@@ -53,7 +53,8 @@ class Labels {
     }
 
     std::vector<Label> labels;
-    std::vector<std::size_t> nextOf;  // by opening: its first label at or after the last statement
+    // By opening: the first label at or after the statement last passed to `Of`.
+    std::vector<std::size_t> nextOf;
 };
 
 }  // namespace

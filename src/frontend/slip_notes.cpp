@@ -52,7 +52,7 @@ std::vector<std::string> NearRegisters(const OperandCase& it, const Token& token
 }
 
 // The defined name that two words form together, if the first is not a defined name itself or the
-// second is a number.
+// second begins with a digit.
 std::string NameOf(const OperandCase& it, std::string_view left, std::string_view right) {
     for (const std::string_view between : {"_", ""}) {
         const std::string name = std::string(left).append(between).append(right);

@@ -20,7 +20,7 @@ bool IsApostrophe(std::string_view source, std::size_t at) {
 // for one.
 Foreign SingleQuoted(const StatementView& statement, std::size_t start) {
     const std::string_view line = statement.line;
-    const std::string_view source = statement.typed;  // with what follows a semicolon in the text
+    const std::string_view source = statement.typed;  // not cut off at a semicolon in the text
     std::size_t end = start + 1;
     std::string content;
     const char quote = source[start];

@@ -46,7 +46,7 @@ void AdviseOnTranslated(OperandCase* it, const Translation& translation) {
                           .statementId = it->fault.statementId,
                           .isSkipped = it->fault.isSkipped};
     OperandCase inner{it->adviser, fault, changed, FocusOf(fault)};
-    inner.isTranslated = true;  // (IX+IY) would become (IY+IX) and (IX+IY) forever
+    inner.isTranslated = true;  // (IX+IY) would be changed to (IY+IX) and back forever
     AdviseOnOperandCase(&inner);
     if (inner.advice.note.empty() && inner.advice.edits.empty()) {
         return;
@@ -83,7 +83,7 @@ void ProposeWhole(OperandCase* it, const Translation& translation) {
     const StatementView changed = translation.View();
     const std::string whole(changed.Typed(changed.Span(changed.mnemonic, changed.rest)));
     std::string& note = it->advice.note;
-    if (note.find(", or ") != std::string::npos) {  // it has two proposals for the part
+    if (note.find(", or ") != std::string::npos) {  // the note proposes two spellings
         return;
     }
     for (const std::string& part :
@@ -104,7 +104,8 @@ bool AdviseOnSpelling(OperandCase* it) {
         return false;
     }
     std::vector<const OperandView*> candidates;
-    // An extra operand may be the end of a second instruction on the line.
+    // If there are too many operands, all are searched: the last may be part of a second
+    // instruction.
     if (it->operand != nullptr && it->fault.number != MSG_TOO_MANY_ARGUMENTS) {
         candidates.push_back(it->operand);
     } else {

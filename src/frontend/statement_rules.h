@@ -1,5 +1,5 @@
-/// Finds parts of a statement that assemble to something other than they appear to say, as far as
-/// the statement alone shows it.
+/// Finds parts of a statement that assemble to something other than they appear to say. Only the
+/// statement itself is examined.
 #pragma once
 
 #include <optional>
@@ -19,8 +19,8 @@ namespace korv {
 /// True if `label` as a whole operand is a register or condition, like P and HL.
 [[nodiscard]] bool ReadsAsRegister(std::string_view label);
 
-/// The text to write instead of a condition whose meaning is not the one that it has in most
-/// languages; empty for other conditions.
+/// The note about a condition that has another meaning in most languages; empty for other
+/// conditions.
 [[nodiscard]] std::string_view SurpriseInCondition(const OperandView& condition);
 
 }  // namespace korv

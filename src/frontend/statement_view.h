@@ -28,7 +28,7 @@ struct LinePart {
 };
 
 enum class TokenKind : std::uint8_t {
-    registerName,  ///< a name in the core's table, C included; in an expression it is a name
+    registerName,  ///< in the core's table, C included; a name in expressions
     condition,
     number,
     largeNumber,  ///< above 65535
@@ -65,7 +65,7 @@ class TokenCutter {
   private:
     std::string_view text;
     TokenReader reader;
-    Operator waiting;  // an operator that ended a token and is the next one
+    Operator waiting;  // the operator that ended the last token; it is the next token
 };
 
 /// True if `operand` is (IX+d) or (IY+d).
@@ -80,7 +80,7 @@ class TokenCutter {
 /// An operand, without the blanks around it. It may be empty.
 struct OperandView {
     std::string_view text;
-    OperandClass what;  ///< KIND_NONE if it, or the text in its parentheses, is empty
+    OperandClass what;  ///< KIND_NONE if `text`, or the text in its parentheses, is empty
     std::vector<Token> tokens;
 
     [[nodiscard]] bool IsIndexed() const { return korv::IsIndexed(what); }

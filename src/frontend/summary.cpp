@@ -59,8 +59,8 @@ void Count(const Statement& statement, Sizes* sizes) {
     }
 }
 
-// One character for each KiB: '#' if at least half of its bytes are code, '+' if fewer are, '.' if
-// it has none.
+// One character for each KiB: '#' if at least half of its used bytes are code, '+' if fewer are,
+// '.' if no byte is used.
 std::string MapOf(std::span<const Statement> statements) {
     struct Bytes {
         std::uint64_t code = 0, data = 0;

@@ -11,10 +11,10 @@ class TextBuffer;
 
 /// As tables for people to read. Needs `Wanted::statements` and `Wanted::names`.
 [[nodiscard]] std::string SummaryText(const Analysis& analysis);
-/// Appends the same to `text`.
+/// Appends these tables to `text`.
 void PutSummary(const Analysis& analysis, TextBuffer* text);
 
-/// The same as one line of JSON.
+/// The sizes and T-states as one line of JSON.
 [[nodiscard]] std::string SummaryJson(const Analysis& analysis);
 
 }  // namespace korv

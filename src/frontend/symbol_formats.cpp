@@ -21,7 +21,7 @@ char* PutAddress(char* to, std::int32_t value) {
     return PutHex(to, static_cast<std::uint32_t>(value), 4);
 }
 
-// Writes a value as an expression that the source language accepts, where numbers end at 65535.
+// Writes a value as an expression in the source language, in which no number may exceed 65535.
 char* PutExpression(char* to, std::int32_t value) {
     if (value < 0 && value >= -lastAddress) {
         return PutNumber(to, value);
@@ -35,7 +35,7 @@ char* PutExpression(char* to, std::int32_t value) {
 }
 
 char* PutEqu(char* start, const Name& name) {
-    constexpr std::ptrdiff_t longestReadable = 255;  // a longer one could not be read back
+    constexpr std::ptrdiff_t longestReadable = 255;  // a longer line could not be read back
     constexpr std::size_t valueColumn = 24;
     constexpr std::string_view refusal = "; too long: ";
     std::fill_n(start, valueColumn, ' ');

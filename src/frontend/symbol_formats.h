@@ -31,7 +31,7 @@ struct SymbolFile {
     std::size_t droppedNames = 0;   ///< that the format does not allow
     std::size_t droppedValues = 0;  ///< that the format cannot hold, of allowed names
 
-    /// What is missing, for a warning, as "2 values, 1 name"; empty if nothing is.
+    /// What is missing, for a warning, as "2 values, 1 name"; empty if nothing is missing.
     [[nodiscard]] std::string Dropped() const;
 };
 

@@ -1,5 +1,4 @@
-/// How a text is shown: in quotes and, on a terminal, with some bytes escaped; and how many columns
-/// it takes.
+/// Quotes a text, escapes some of its bytes for a terminal, and counts the columns that it takes.
 #pragma once
 
 #include <cstddef>

@@ -22,7 +22,7 @@ namespace korv {
 struct Translation {
     std::string typed;      ///< the line as typed, translated, without its comment
     std::string line;       ///< the same, cleaned
-    std::uint32_t end = 0;  ///< of the part that it replaces in the line as typed
+    std::uint32_t end = 0;  ///< where the translated part ends in the original line
     std::int32_t changes = 0;
 
     /// Views of `typed` and `line`.

@@ -202,7 +202,7 @@ std::string_view NearestKeyword(const StatementView& statement, std::string_view
     static const std::vector<std::string_view> words = [] {
         std::vector<std::string_view> all;
         for (const Keyword& keyword : keywords) {
-            // END would hide everything after it.
+            // Reserved words, ENDC and END are never proposed. END would hide everything after it.
             if (!HoldsWord("DD DEFD END ENDC MACRO ENDM PROC ENDP MAC_ON MAC_OFF", keyword.word)) {
                 all.push_back(keyword.word);
             }
@@ -218,8 +218,8 @@ std::string_view NearestKeyword(const StatementView& statement, std::string_view
     if (word.size() > (statement.operands.empty() ? 3 : 2)) {
         return NearWords(words).Find(word, isForm);
     }
-    // Many keywords are close to such a short word, so exactly one of them must accept the
-    // operands. A word that is only begun also matches, as CAL does CALL.
+    // Many keywords are close to such a short word, so exactly one of them must accept the operands
+    // or begin with the word, as CALL does with CAL.
     const auto isNear = [word, isForm](std::string_view each) {
         return EditDistance(word, each) == 1 && (isForm(each) || each.starts_with(word));
     };

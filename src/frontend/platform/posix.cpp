@@ -50,7 +50,7 @@ bool TakesColors(std::FILE* stream) {
            IsTerminal(stream);
 }
 
-void MakeBinary(std::FILE*) {}  // all streams are
+void MakeBinary(std::FILE*) {}  // all streams are binary already
 
 StandardConnection::StandardConnection() : output(fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 3)) {
     dup2(STDERR_FILENO, STDOUT_FILENO);

@@ -20,8 +20,8 @@ namespace korv::platform {
 /// True if two paths from `FindPlace`, neither of which exists yet, refer to the same place.
 [[nodiscard]] bool AreOnePlace(const std::string& a, const std::string& b);
 
-/// While it exists, held signals that ask the process to end take effect; the unfinished files are
-/// removed first. Only one may exist.
+/// While a window exists, held signals that ask the process to end take effect; the unfinished
+/// files are removed first. Only one may exist.
 class SignalWindow {
   public:
     SignalWindow();

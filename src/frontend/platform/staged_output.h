@@ -1,4 +1,4 @@
-/// Outputs of a run, either all or none of which are written.
+/// The outputs of a run: either all of them are written, or none.
 #pragma once
 
 #include <optional>
@@ -32,7 +32,7 @@ class StagedOutput {
     [[nodiscard]] bool IsStream() const;
     /// The identity of the file; none if it does not exist yet, or is not a regular file.
     [[nodiscard]] std::optional<FileIdentity> Identity() const;
-    /// True if this output and `other` have the same path. Neither file exists yet.
+    /// True if this output and `other` have the same path. Only for files that do not exist yet.
     [[nodiscard]] bool LeadsWhere(const StagedOutput& other) const;
     /// True if it is a terminal, which would obey control characters.
     [[nodiscard]] bool IsTerminal() const;
@@ -63,7 +63,7 @@ class StagedOutput {
     bool isPut = false;                   // the old contents are replaced, or may be
 };
 
-/// Holds back the signals that end the process while it exists, so that the process never ends
+/// While a guard exists, signals that would end the process are held back, so that it never ends
 /// between two outputs of a run. The constructor first lets signals that are already pending end
 /// the process.
 class OutputGuard {

@@ -1,5 +1,5 @@
-// Arithmetic and logic. The encoders are shared; the mnemonics differ in the spelling that they
-// accept: ADD with or without "A,", ADC and SBC only with it, the others only without.
+// Arithmetic and logic. The encoders are shared; "A," is optional in ADD, required in ADC and SBC,
+// and not allowed in the others.
 
 #include "codegen/handlers.h"
 #include "codegen/operand_forms.h"

@@ -1,4 +1,4 @@
-/// The growing buffer that holds the image of the run. Its positions are offsets in the target, not
+/// The growing buffer that holds the image of the run. Its positions are offsets in the image, not
 /// addresses: the location counter is a separate number that the callers advance. Neither is
 /// computed from the other.
 #pragma once
@@ -23,8 +23,7 @@ class BinBlock {
     BinBlock& operator=(const BinBlock&) = delete;
 
     /// These append the low bits of a value, unchecked. Result: the offset of the first byte.
-    // Inlining is forced, which saves 0.6 % of the instructions of a run, and as much again in
-    // EmitByte.
+    // Forced inlining saves 0.6 % of the instructions of a run here, and as much again in EmitByte.
     [[gnu::always_inline]] std::uint32_t PutByte(std::int32_t value) {
         if (position >= size) [[unlikely]] {
             return GrowAndPutByte(value);
@@ -63,7 +62,7 @@ class BinBlock {
     /// All bytes; valid until a further byte is appended.
     [[nodiscard]] std::span<const std::uint8_t> Bytes() const { return {data, position}; }
 
-    /// Writes all bytes to `file`, which remembers whether that has failed.
+    /// Writes all bytes to `file`, which records any failure.
     void WriteTo(platform::OutputFile* file) const { file->Write(data, position); }
     /// Prints the lines of the status dump. Result: 0, or `noStream`.
     Status DumpStatus(std::FILE* stream) const;
@@ -74,12 +73,12 @@ class BinBlock {
     static constexpr std::uint32_t wordStep = 16384;
 
     // Tries to grow in one allocation, by as many steps of `step` bytes as are needed to include
-    // `offset`, which is outside the buffer. A failure is not reported: the caller then grows in
-    // single steps, and the report of their failure shows how far they got.
+    // `offset`, which is outside the buffer. A failure is not reported: the caller then grows the
+    // buffer in single steps, so that the failure message shows the size that was reached.
     void GrowAtOnce(std::uint32_t step, std::uint64_t offset);
     // Grows in steps of `step` bytes until `offset` is inside the buffer.
     void GrowBy(std::uint32_t step, std::uint64_t offset);
-    // The same, unless `offset` is already inside.
+    // Like `GrowBy`, but does nothing if `offset` is already inside.
     void Reserve(std::uint32_t step, std::uint64_t offset) {
         if (offset >= size) {
             GrowBy(step, offset);

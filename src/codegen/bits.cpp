@@ -1,5 +1,5 @@
-// Bit instructions, rotates and shifts: the opcodes with the prefix CB. Bits 5 to 3 hold the number
-// of the bit, or the kind of rotate or shift.
+// Bit instructions. Like rotates and shifts, they have the prefix CB. Bits 5 to 3 of the opcode
+// hold the number of the bit.
 
 #include "codegen/handlers.h"
 #include "codegen/operand_forms.h"

@@ -1,5 +1,5 @@
 /// The frame that all handlers of instructions and directives share: the steps before the handler
-/// itself, chosen in the row of the keyword.
+/// itself. The row of the keyword selects them.
 #pragma once
 
 #include <cstdint>

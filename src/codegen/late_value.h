@@ -1,6 +1,6 @@
 /// Emits the values of operands, whether they are known or not. For a value that is not known yet,
 /// a placeholder is emitted and a patch is filed. The kind of a value determines how the value is
-/// checked and written, now or by the patch.
+/// checked and written, at once or by the patch.
 #pragma once
 
 #include <cstdint>
@@ -27,12 +27,13 @@ enum class PatchText {
 };
 
 /// Emits the value of `arg` in the width of `kind`, and files a patch if it is not known yet.
-/// Result: 0, or the status of the expression if that failed; in that case, a zero has been
+/// Result: 0, or the status of the expression if it failed. After a failure, a zero has been
 /// emitted.
 template <std::uint32_t kind>
 Status EmitValue(CAssembler* assembler, CStatement* statement, const lsArg& arg, PatchText text);
 
-/// The same, but first warns, with the text of `arg`, about a value outside the range of `kind`.
+/// Like `EmitValue`, but first warns about a value outside the range of `kind`. The warning shows
+/// the text of `arg`.
 template <std::uint32_t kind>
 [[nodiscard]] Status EmitChecked(CAssembler* assembler, CStatement* statement, const lsArg& arg,
                                  PatchText text);

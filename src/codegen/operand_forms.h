@@ -82,7 +82,7 @@ struct OperandForm {
 [[nodiscard]] constexpr bool IsFieldRegister(std::int32_t reg) {
     return reg >= 0 && reg <= 7;
 }
-/// The same without (HL).
+/// Like `IsFieldRegister`, but false for (HL).
 [[nodiscard]] constexpr bool IsByteRegister(std::int32_t reg) {
     return IsFieldRegister(reg) && reg != REG_HL_INDIRECT;
 }
@@ -99,7 +99,7 @@ struct OperandForm {
     return (reg & 0xFF) << 4;
 }
 
-/// The bit of `OperandForm::allowed` that belongs to `reg`; 0 for the codes without one.
+/// The bit of `OperandForm::allowed` that belongs to `reg`; 0 if there is none.
 [[nodiscard]] constexpr std::uint32_t AllowedBit(std::int32_t reg) {
     if (IsFieldRegister(reg)) {
         return reg == REG_A ? ALLOW_A : 2U << reg;

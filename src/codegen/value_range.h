@@ -23,10 +23,10 @@ inline constexpr ValueRange byteRange{-128, 255, MSG_NOT_BYTE};
 inline constexpr ValueRange signedByteRange{-128, 127, MSG_NOT_SIGNED_BYTE};
 inline constexpr ValueRange wordRange{-32768, 65535, MSG_NOT_WORD};
 inline constexpr ValueRange signedWordRange{-32768, 32767, MSG_NOT_SIGNED_WORD};
-/// Data bytes and port numbers: the same values as `byteRange`, but a value outside the range is an
-/// error.
+/// Data bytes and port numbers: the same values as `byteRange`, but a known value outside the range
+/// is an error.
 inline constexpr ValueRange dataByteRange{-128, 255, MSG_NOT_UNSIGNED_BYTE};
-/// Distances of relative jumps, with the message for a patch.
+/// Distances of relative jumps, with the message that a patch reports.
 inline constexpr ValueRange relativeRange{-128, 127, MSG_OFFSET_TOO_BIG};
 
 /// Indexed by the bits PF_8BIT and PF_SIGNED.

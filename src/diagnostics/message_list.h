@@ -38,10 +38,9 @@ class MessageReceiver {
 
 class CMessageList {
   public:
-    /// Creates an empty list of ML_ERROR or ML_WARNING with room for `capacity` messages. The room
-    /// is allocated here: a later report needs memory only for its text, and the list works even if
-    /// no memory is left. `fileNames` supplies the names of the files for printing and is not
-    /// owned.
+    /// Creates an empty list of `kind` (ML_*) with room for `capacity` messages. The room is
+    /// allocated here: a later report needs memory only for its text, and the list works even if no
+    /// memory is left. `fileNames` supplies the names of the files for printing and is not owned.
     CMessageList(std::int32_t capacity, std::int32_t kind, const CFileNameRegistry* fileNames);
 
     /// Passes all reports to `newReceiver`, which is not owned, instead of keeping them.

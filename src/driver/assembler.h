@@ -124,12 +124,12 @@ class CAssembler {
     /// The header of a binary target: a mark, the load address, the last address, the start of the
     /// program.
     using LoadHeader = std::array<std::uint8_t, 7>;
-    /// The program starts at the value of the identifier EXEC, if that is defined; this marks EXEC
-    /// as used. Otherwise, the program starts at the load address.
+    /// The program starts at the value of the identifier EXEC if it is defined, and EXEC is then
+    /// marked as used. Otherwise, the program starts at the load address.
     [[nodiscard]] LoadHeader MakeLoadHeader();
     /// Prints the progress meter.
     virtual void Progress();
-    /// Prints the state of the run and the memory that it holds to `stream`; null means the stream
+    /// Prints to `stream` the state of the run and the memory that it holds; null means the stream
     /// of the run. Result: 0.
     std::int32_t StatusDump(std::FILE* stream);
 
@@ -150,8 +150,8 @@ class CAssembler {
     /// `fault` is valid only until the next scan.
     [[nodiscard]] Status ScanExpression(std::string_view text, std::int32_t* value,
                                         std::string_view* fault);
-    /// The same for a text that is one token (see expr/token.h). `value` is set only if the result
-    /// is 0.
+    /// Like `ScanExpression`, for a text that is one token (see expr/token.h). `value` is set only
+    /// if the result is 0.
     [[nodiscard]] Status ParseValue(std::string_view token, std::int32_t* value);
 
     // ---- symbols/system_identifiers.cpp
@@ -180,7 +180,7 @@ class CAssembler {
         location += 2;
         return binary.PutWord(value);
     }
-    /// Emits `bytes`, but makes the image at most one byte longer than `maxImage`.
+    /// Emits `bytes`, but stops when the image is one byte longer than `maxImage`.
     std::uint32_t EmitBytes(std::span<const std::uint8_t> bytes) {
         bytes = bytes.first(Fitting(bytes.size()));
         location += static_cast<std::uint32_t>(bytes.size());
@@ -197,7 +197,7 @@ class CAssembler {
                                    std::string_view text, std::string_view part);
     [[gnu::cold]] void ReportWarning(const CStatement* statement, std::int32_t number,
                                      std::string_view text, std::string_view part);
-    /// The same, but `text` is also the part.
+    /// These overloads report a message about the part `text`.
     void ReportError(const CStatement* statement, std::int32_t number, std::string_view text) {
         ReportError(statement, number, text, text);
     }
@@ -228,7 +228,7 @@ class CAssembler {
     DiskStore disk{&flags};
     SourceStore* sources = &disk;  ///< supplies all files that are read; not owned; by a front end
     CMessageList errors;           ///< all code that finds an error reports to it
-    CMessageList warnings;         ///< the same for warnings
+    CMessageList warnings;         ///< all code that warns reports to it
     CFileNameRegistry fileNames;   ///< by include files
     std::FILE* output;             ///< receives all console reports; not owned; set once
     BinBlock binary;               ///< by emission and patches

@@ -24,7 +24,7 @@ struct Switch {
     const char* help = nullptr;
     std::uint32_t bits = 0;    // of the flags word: set by the upper-case letter in the flag
                                // string, cleared by the lower-case one
-    std::uint32_t alsoOn = 0;  // set with them, but not cleared with them
+    std::uint32_t alsoOn = 0;  // set with `bits`, but not cleared with them
 };
 
 // In the order of the help; a word that begins with another word comes after that one.

@@ -12,9 +12,9 @@ namespace korv {
 
 class CAssembler;
 
-/// The records are kept in memory, in a buffer that doubles as it fills. If no memory is left, the
-/// failure hook ends the run after the current statement and MSG_ABORTED is reported. The listing
-/// then lacks the records for which there was no room.
+/// The records are kept in memory, in a buffer that doubles in size when full. If no memory is
+/// left, the failure hook ends the run after the current statement and MSG_ABORTED is reported. The
+/// listing then lacks the records for which there was no room.
 class DebugStream {
   public:
     /// Appends free text, given in pieces.

@@ -1,4 +1,4 @@
-/// Reads the files of a run from the disk. The current directory follows the source being read.
+/// Reads the files of a run from the disk. The current directory is that of the source being read.
 #pragma once
 
 #include "platform/platform.h"

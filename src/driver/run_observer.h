@@ -1,5 +1,4 @@
-/// The steps of a run, reported to a front end as they happen. A run without an observer reports no
-/// steps.
+/// The steps of a run, reported to a front end as they happen.
 #pragma once
 
 #include <cstdint>

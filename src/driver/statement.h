@@ -38,8 +38,8 @@ struct CStatement {
         return {fileName, lineNumber, static_cast<std::uint32_t>(part.data() - text),
                 static_cast<std::uint32_t>(part.size())};
     }
-    /// The same for any text. If `part` is not in the line or has no data, the result is the place
-    /// of the whole statement.
+    /// Like `PlaceIn`, for any text. If `part` is not in the line or has no data, the result is the
+    /// place of the whole statement.
     [[nodiscard]] SourcePlace PlaceOf(std::string_view part) const {
         // Compared as numbers, since the part may belong to another text.
         const auto start = reinterpret_cast<std::uintptr_t>(text);

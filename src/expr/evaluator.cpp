@@ -30,7 +30,7 @@ std::int32_t Exponential(std::int32_t exponent) {
                          : 0;
 }
 
-// The result of the operator `code`; for a unary operator, `left` is 0. None: there is no such
+// The result of the operator `code`; for a unary operator, `left` is 0. Empty if there is no such
 // operator, or no result.
 std::optional<std::int32_t> Applied(std::int32_t code, std::int32_t left, std::int32_t right) {
     const auto l = static_cast<std::uint32_t>(left);
@@ -87,8 +87,7 @@ class NodeList {
             return IsValue(right) ? none : right;
         }
         if (right == none || nodes[at].value == OP_CLOSE) {
-            return none;  // every operator needs an operand to its right; a ")" belongs to its
-                          // bracket
+            return none;  // every operator needs a right operand; a ")" is removed with its "("
         }
         if (!IsValue(right)) {
             return right;  // a bracket or a sign on the right is processed first

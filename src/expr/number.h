@@ -24,7 +24,7 @@ inline constexpr Status notANumber = -1;
 [[nodiscard]] Status ReadNumber(std::string_view token, std::int32_t* value);
 
 /// Reads `token`, which is not empty, if it is a decimal number of at most four digits, like most
-/// numbers. Such a number is below the limit. False: `token` is something else.
+/// numbers. Four digits cannot exceed the limit. False: `token` is something else.
 [[nodiscard]] inline bool ReadShortDecimal(std::string_view token, std::int32_t* value) {
     if (token.size() > 4) {
         return false;

@@ -1,5 +1,5 @@
-// Reads one operand. The name of a register or condition is not evaluated here. Everything else is
-// an expression and is evaluated at once. An operand that has no value yet stores the name that it
+// Reads one operand. The name of a register or condition is not evaluated. Everything else is an
+// expression and is evaluated at once. An operand that has no value yet stores the name that it
 // waits for, so that the handler can file a patch.
 
 #include "expr/operands.h"

@@ -46,7 +46,7 @@ struct lsArg : OperandClass {
 /// chained to them, without a limit.
 class KO_Args {
   public:
-    /// For `for (const lsArg& arg : args)`. A step costs the same however many operands there are.
+    /// Supports `for (const lsArg& arg : args)`. A step costs the same for any number of operands.
     struct Iterator {
         lsArg& operator*() const { return *arg; }
         Iterator& operator++() {
@@ -57,7 +57,7 @@ class KO_Args {
         bool operator!=(const Iterator& other) const { return left != other.left; }
 
         lsArg* arg;
-        std::int32_t left;  // operands from this one on
+        std::int32_t left;  // operands from `arg` on
     };
 
     /// `owner` evaluates the expressions; it is not owned.
@@ -71,7 +71,7 @@ class KO_Args {
     /// added. The status of the expression is in the record. Ends the process if there is no memory
     /// for a record.
     Status Add(std::string_view text);
-    /// The same for a text that is one token (see expr/token.h), alone or in parentheses.
+    /// Like `Add`, for a text that is one token (see expr/token.h), alone or in parentheses.
     void AddToken(std::string_view text) {
         if (lsArg* const arg = Append(text, ClassOf(text)); arg->IsValue()) {
             EvaluateToken(arg, text);
@@ -125,7 +125,7 @@ class KO_Args {
     std::int32_t count = 0;
     std::array<lsArg, 2> inlineArgs;
     lsArg* tail = &inlineArgs[1];  // record of the last operand, if there are two or more
-    lsArg* spare = nullptr;        // owned; kept for later lines, so that few allocate records
+    lsArg* spare = nullptr;        // owned; records to be reused by later lines
     CAssembler* owner;
 };
 

@@ -9,9 +9,9 @@
 
 namespace korv {
 
-/// Register codes. The low byte of a bare name's code is its number in the opcode: 0 to 7 for an
-/// 8-bit register, 0 to 3 for a pair, 6 for F. "(HL)" has the code 6, the number of the memory
-/// operand.
+/// Register codes. The low byte of a bare name's code is its number in the opcode, except for I and
+/// R: 0 to 7 for an 8-bit register, 0 to 3 for a pair, 6 for F. "(HL)" has the code 6, the number
+/// of the memory operand.
 inline constexpr std::int32_t REG_NONE = -1;
 inline constexpr std::int32_t REG_C = 1;
 inline constexpr std::int32_t REG_HL_INDIRECT = 6;
@@ -108,8 +108,8 @@ inline constexpr std::array operandNames = {
 };
 // clang-format on
 
-/// The lookup. Words of two characters index a table by the low bits of both characters, which are
-/// different for all letters. Words of one character index another part of the table. So an operand
+/// The lookup. Words of two characters index a table by the low bits of both characters, which
+/// differ for all letters. Words of one character index another part of the table. So an operand
 /// that is not in the table costs a load and a comparison. A plain search would cost 30 % more
 /// instructions in total.
 namespace operand_class {

@@ -23,7 +23,7 @@ struct CtmpStringBlock {
     std::int32_t isFull = 0;              ///< 1 once the block takes no more strings
 };
 
-/// The pool, which alone changes the state of its blocks. Process-wide: all runs share it, in one
+/// The pool. Nothing else changes the state of its blocks. All runs of the process share it, in one
 /// thread.
 class CtmpStringManager {
   public:

@@ -96,7 +96,7 @@ class TokenReader {
 
     Operator op;                     ///< after the token; none before a blank, a quote or the end
     bool isAtEnd = false;            ///< the end of the text has been reached
-    bool lacksClosingQuote = false;  ///< the text ended within the token
+    bool lacksClosingQuote = false;  ///< the text ended within a string
 
   private:
     bool TakeEnd(char c);

@@ -50,7 +50,7 @@ void* Allocate(std::size_t size) {
     return Reallocate(nullptr, size);
 }
 
-// Memory fresh from the system is 0 already, so this may be quicker than clearing it.
+// Memory fresh from the system is 0 already, so `calloc` may be quicker than clearing it.
 void* AllocateZeroed(std::size_t size) {
     return Reported(FailsOnPurpose(allocationFault) ? nullptr : std::calloc(size, 1), size);
 }
@@ -80,8 +80,8 @@ void PrintMemoryFailure(const char* line) {
 
 }  // namespace korv::platform
 
-// All forms of `new` and `delete` in use are replaced. A form that is left out may be provided by a
-// sanitizer, which must not free memory that was allocated here.
+// All forms of `new` and `delete` in use are replaced. A sanitizer might provide a form that is
+// left out, and must not free memory that was allocated here.
 void* operator new(std::size_t size) {
     void* const memory = korv::platform::Allocate(size);
     if (memory == nullptr) {

@@ -117,8 +117,8 @@ struct PathParts {
 [[nodiscard]] bool IsAbsolutePath(std::string_view name);
 
 /// Whether a file that was read as `source` must not be overwritten as `target`, another name of
-/// that file. Always true on systems that ignore case; otherwise true if the names differ at most
-/// in case and separators.
+/// that file. Always true on Win32; otherwise true if the names differ at most in case and
+/// separators.
 [[nodiscard]] bool IsProtectedFrom(std::string_view source, std::string_view target);
 
 /// Whether `name` refers to a regular file. Does not open it.
@@ -131,8 +131,8 @@ struct FoundPath {
     bool isFile = false;  ///< whether the file exists; if it does, the path is spelled as on disk
 };
 
-/// Searches for files and sets the current directory, which follows the file being read. No other
-/// code changes the current directory during a run.
+/// Searches for files, and keeps the directory of the file being read as the current directory. No
+/// other code changes the current directory during a run.
 class CurrentDirectory {
   public:
     CurrentDirectory();
@@ -148,7 +148,7 @@ class CurrentDirectory {
     [[nodiscard]] bool EnterDirectoryOf(const FoundPath& file);
     /// Returns to the directory before the last `EnterDirectoryOf`, even if that directory can no
     /// longer be read or no longer has a name. On failure, the result is the path of that
-    /// directory; it is empty if there is none.
+    /// directory, empty if it has no path.
     [[nodiscard]] std::optional<std::string> Leave();
     /// Whether `name` still refers to the right file. Once a `Leave` has failed, a relative name
     /// does not.
@@ -238,8 +238,8 @@ class OutputFile {
     ~OutputFile() { GiveUp(); }  ///< Discards the file if it has not been committed.
 
     /// Opens `name`, exactly as spelled, unless it refers to one of the files in `kept`. May be
-    /// called only once. False: the file cannot be opened, or it may not be written, even if it
-    /// could be replaced. In that case, no other member may be called.
+    /// called only once. False: the file is in `kept` or cannot be written. A file that may not be
+    /// written is not replaced either. After a failure, no other member may be called.
     [[nodiscard]] bool Open(std::string_view name, Kind kind, const FileSet& kept);
     /// Appends bytes. A failure is remembered for `Commit`, and later calls do nothing.
     void Write(const void* bytes, std::size_t count);

@@ -149,7 +149,7 @@ void SetConsoleHandler(ConsoleHandler handler) {
     consoleHandler = handler;
 }
 
-void AwaitConsoleHandler() {}  // the handler interrupts the program and runs to its end
+void AwaitConsoleHandler() {}  // the handler interrupts the program, so no call is in progress here
 
 void WriteFromHandler(std::string_view text) {
     while (!text.empty()) {
@@ -167,8 +167,8 @@ void WaitForKey() {
     const bool isTerminal = tcgetattr(STDIN_FILENO, &before) == 0;
     if (isTerminal) {
         termios oneKey = before;
-        // The run is over, so a break key counts as any other key: if its signal ended the process,
-        // the terminal would stay changed.
+        // The run is over, so a break key is read like any other key: if its signal ended the
+        // process, the terminal would stay changed.
         oneKey.c_lflag &= ~static_cast<tcflag_t>(ICANON | ECHO | ISIG);
         oneKey.c_cc[VMIN] = 1;
         oneKey.c_cc[VTIME] = 0;

@@ -115,7 +115,7 @@ class Listing {
         std::free(entries);
         // The modification time of a directory has the resolution of a clock tick, which is a
         // second or two on some file systems. A change made after the directory was read cannot be
-        // detected if it falls in the same tick as the last change before that.
+        // detected if it falls in the same tick as the last change before the reading.
         const nanoseconds time = TimeOfChange(status);
         const auto tick = time % seconds(1) == seconds(0) ? milliseconds(2000) : milliseconds(20);
         const bool isSettled = count >= 0 && time + tick < now;
@@ -232,8 +232,8 @@ bool CurrentDirectory::EnterDirectoryOf(const FoundPath& file) {
     State::Level& here = state->levels.back();
     std::string directory = Divided(file.path).first;
     // If a file was found in the current directory, there is nothing to enter. If it was not found,
-    // its directory is entered even if it is the current one. That can fail: the path need not be
-    // traversable.
+    // its directory is entered even if it is the current one: this fails if the path cannot be
+    // traversed.
     if (file.isFile && state->HasPath() && here.path == directory) {
         state->levels.push_back({.path = here.path});
         return true;

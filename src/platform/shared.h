@@ -11,10 +11,11 @@ namespace korv::platform {
 
 inline constexpr std::string_view separators = "/\\";
 
-/// The most bytes that one call can transfer on every system.
+/// The most bytes to transfer in one call; no system has a lower limit.
 inline constexpr std::size_t mostAtOnce = 0x10000000;
 
-/// Whether the next request fails on purpose; with `allocationFault`, the next allocation.
+/// Whether the next request fails on purpose or, if `fault` is `allocationFault`, the next
+/// allocation.
 [[nodiscard]] inline bool FailsOnPurpose(Fault fault = requestFault) {
     return fault != nullptr && fault();
 }
@@ -68,9 +69,9 @@ enum class Creation {
 [[nodiscard]] bool MakeAlike(int handle, const OutputPlace& place);
 /// Writes all of `bytes`. False: some bytes could not be written.
 [[nodiscard]] bool WriteWhole(int handle, std::string_view bytes);
-/// Ends the writing of a file. False: some bytes have not been written.
+/// Finishes writing a file. False: some bytes have not been written.
 [[nodiscard]] bool EndWriting(FileHandle* handle);
-/// Ends the writing of a file. If `temporary` is not empty, renames the file of that name to `path`
+/// Finishes writing a file. If `temporary` is not empty, renames the file of that name to `path`
 /// and clears `temporary`.
 [[nodiscard]] bool PutInPlace(FileHandle* handle, std::string* temporary, const std::string& path);
 /// If `name` is not empty, removes the file of that name and clears `name`.

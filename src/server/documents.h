@@ -26,7 +26,7 @@ class Documents {
     [[nodiscard]] const std::map<std::string, Document>& All() const { return documents; }
     /// The document at `path`, null if it is not open. Here and below, `path` is a full path.
     [[nodiscard]] const Document* Find(const std::string& path) const;
-    /// The URI of the file, as the client spells it.
+    /// The URI of the file at `path`, in the client's spelling if the document is open.
     [[nodiscard]] std::string UriOf(const std::string& path) const;
     /// Adds the texts of all documents to `store`. After a series of changes, a text is created
     /// only once.

@@ -28,7 +28,7 @@ class Server {
     /// Serves the client until it ends the session. Result: the exit status, 0 after `shutdown` and
     /// `exit`, else 1.
     [[nodiscard]] int Run();
-    /// The reason why `Run` ended early; empty if the client ended the session.
+    /// The reason why the input could not be split into messages; empty if it could.
     [[nodiscard]] const std::string& Failure() const { return stream.Failure(); }
 
   private:

@@ -38,7 +38,7 @@ struct PlaceIndex {
 
 struct Snapshot {
     std::shared_ptr<const Analysis> analysis;  ///< with statements, names and uses
-    std::vector<std::string> uris;             ///< of the files, as the client spells them
+    std::vector<std::string> uris;             ///< of the files; see `Documents::UriOf`
     PositionEncoding encoding = PositionEncoding::utf16;
 
     /// Index in `analysis->files` of the file at the full path `path`; `noIndex` if the program did

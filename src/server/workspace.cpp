@@ -21,7 +21,7 @@ constexpr std::size_t longestSource = 1024 * 1024;
 constexpr std::size_t mostFiles = 2000;
 constexpr int deepestInclude = 16;
 
-// By way of UTF-8: on systems with wide file names, a narrow string has another encoding.
+// Converts by way of UTF-8: on systems with wide file names, a narrow string has another encoding.
 fs::path PathOf(const std::string& name) {
     return std::u8string(name.begin(), name.end());
 }
@@ -61,8 +61,8 @@ std::vector<fs::directory_entry> EntriesOf(const fs::path& folder) {
     return entries;
 }
 
-// The names in INCLUDE lines, even in lines that are not assembled: a program that turns out not to
-// read the file is not used.
+// The names in INCLUDE lines, even in lines that are not assembled. This does no harm: a program
+// that turns out not to read the file is not used.
 Strings IncludedNames(const StoredText& text) {
     Strings names;
     if (text.Bytes().find('\0') != std::string::npos) {

@@ -12,10 +12,10 @@ namespace korv {
 inline constexpr char endOfText = 0x1A;
 
 /// The key to the rules is the last significant character. It decides where trailing blanks begin
-/// and whether the line is continued. It is not updated for each byte, but found when it is needed,
-/// by walking back over blanks from the end of the stored text. After a continuation, it is the
-/// backslash until other text overwrites that, so an empty line after a continuation continues the
-/// line again.
+/// and whether the line is continued. It is found only when it is needed, by walking back over
+/// blanks from the end of the stored text. After a continuation, the backslash remains the last
+/// significant character until other text overwrites it, so an empty line after a continuation
+/// continues the line again.
 ///
 /// A caller can use `size` to map characters of the line to the file. Before a byte is taken,
 /// `size` is the index at which the byte will be stored; if the byte is dropped, `size` does not

@@ -25,7 +25,7 @@ enum class Run { plain, string, comment };
 constexpr std::size_t chunkSize = 16;
 using Chunk __attribute__((vector_size(chunkSize))) = std::uint8_t;
 using SignedChunk __attribute__((vector_size(chunkSize))) = std::int8_t;
-// Targets differ in how calls pass these vectors, but all such calls are within this file.
+// Processors differ in how calls pass these vectors, but all such calls are within this file.
 #pragma GCC diagnostic ignored "-Wpsabi"
 
 Chunk All(char c) {
@@ -92,7 +92,7 @@ std::size_t CopyChunk(const std::uint8_t* from, char* to) {
 
 // Copies chunks from `*next` to `*out` up to a byte that needs attention, and advances both
 // pointers. `lastChunk` is the last position at which a whole chunk may be read. False: no byte
-// that needs attention was found by then.
+// that needs attention was found up to there.
 template <Run run>
 bool CopyRun(const std::uint8_t** next, char** out, const std::uint8_t* lastChunk) {
     while (*next <= lastChunk) {

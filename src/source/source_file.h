@@ -15,7 +15,7 @@ namespace korv {
 class CSourceFile {
   public:
     /// Opens the file `name`, exactly as spelled, with a read buffer of at most `maxBufferSize`
-    /// bytes. A file without a size, such as a pipe, gets a buffer of that size.
+    /// bytes. A file without a size, such as a pipe, gets a buffer of `maxBufferSize` bytes.
     CSourceFile(std::string_view name, std::uint32_t maxBufferSize);
     /// Creates a source file from `text`, the contents of a file that has already been read. `text`
     /// is not owned.
@@ -40,7 +40,7 @@ class CSourceFile {
     [[nodiscard]] std::int32_t IsOpen() const { return OpenStatus() == 0 ? 1 : 0; }
     /// The file itself, for its identity and for read failures.
     [[nodiscard]] const platform::InputFile& Stream() const { return stream; }
-    /// MSG_CANNOT_OPEN; MSG_OUT_OF_MEMORY if there is no memory for its buffer; else 0.
+    /// 0; MSG_OUT_OF_MEMORY if there is no memory for the read buffer; else MSG_CANNOT_OPEN.
     [[nodiscard]] Status OpenStatus() const;
 
   private:

@@ -20,7 +20,7 @@ struct FileBytes {
 };
 
 /// Resolves the file names in a source, and opens the files. `Enter` and `Leave` nest: a name is
-/// relative to the file that was entered last; the name of the main file is relative to the
+/// relative to the directory of the file entered last, and the name of the main file to the
 /// directory in which the run began.
 class SourceStore {
   public:

@@ -20,7 +20,7 @@ inline constexpr std::uint32_t IDF_RESOLVED = 0x040;  ///< `value` is known
 inline constexpr std::uint32_t IDF_INTERNAL = 0x200;  ///< built in; left out of the listing
 inline constexpr std::uint32_t IDF_RESERVED = 0x800;  ///< may not be defined by a source line
 
-/// The flags with which a record is entered. A name that has only been used has no flags.
+/// The flags with which a name is defined or reserved. A name that has only been used has no flags.
 inline constexpr std::uint32_t IDS_LABEL = IDF_LABEL | IDF_16BIT | IDF_RESOLVED;
 inline constexpr std::uint32_t IDS_EQU = IDF_EQU | IDF_16BIT | IDF_RESOLVED;
 inline constexpr std::uint32_t IDS_EQU_WAITING = IDF_EQU | IDF_16BIT;

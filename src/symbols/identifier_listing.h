@@ -15,8 +15,8 @@ class CFileNameRegistry;
 /// lookup uses.
 inline constexpr std::uint32_t tableSize = 211;
 
-/// Sorts `records` by bucket, and by name within a bucket. Needs no memory, since reports are
-/// written even if none is left.
+/// Sorts `records` by bucket, and by name within a bucket. Allocates nothing, since reports are
+/// written even if no memory is left.
 void SortForListing(std::span<CIdentifier*> records);
 
 /// Writes the listing of the sorted `records`, without the built-in names.

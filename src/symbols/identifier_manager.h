@@ -101,7 +101,7 @@ class CIdentifierManager {
     /// Prints the lines of the status dump. Result: 0, or `noStream`.
     Status DumpStatus(std::FILE* stream) const;
 
-    /// Names in the table, of every kind, including reserved words without a record.
+    /// The number of names of every kind, including reserved words without a record.
     [[nodiscard]] std::int32_t TotalCount() const { return totalCount; }
     /// The number of records.
     [[nodiscard]] std::int32_t RecordCount() const {

@@ -193,7 +193,7 @@ class CNameIndex {
     Entry* entries = firstEntries.data();  // owned unless it is `firstEntries`
     std::uint32_t mask = firstPlaces - 1;  // the number of places, a power of 2, less 1
     std::uint32_t left = firstPlaces / 2;  // places to fill before the table grows
-    // Names that found no room: all entries near their place are taken.
+    // Names for which there was no room: all entries near their place were taken.
     std::map<HashedName, CIdentifier*, std::less<>,
              PoolAllocator<std::pair<const HashedName, CIdentifier*>>>
         overflow;

@@ -1,5 +1,5 @@
-/// A value that is not known yet: its position in the target, the text to evaluate, and how to
-/// check and write the value.
+/// A value that is not known yet: its position in the image, the text to evaluate, and how to check
+/// and write the value.
 #pragma once
 
 #include <cstdint>
@@ -32,7 +32,7 @@ struct CPatchInfo {
     CPatchInfoMemBlock* const owner;  ///< the block that holds the record
     const std::uint16_t slot;         ///< index in `owner`
     const std::uint16_t flags;        ///< PF_* bits
-    const std::uint32_t position;     ///< offset of the bytes to overwrite in the target
+    const std::uint32_t position;     ///< offset of the bytes to overwrite in the image
     // The place of the reference, for late messages.
     const std::uint32_t address;  ///< location counter at the start of its statement
     const std::int32_t file;

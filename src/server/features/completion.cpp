@@ -30,7 +30,7 @@ struct LinePrefix {
     std::string line;    // in upper case outside strings
     StatementView view;  // of `line`
     enum class Part : std::uint8_t { label, mnemonic, operand, string, comment };
-    Part part = Part::operand;          // the one with the cursor
+    Part part = Part::operand;          // the part with the cursor
     std::size_t operand = 0;            // index of the operand with the cursor, if any
     std::string_view operandText = {};  // of this operand, as typed
 };

@@ -28,7 +28,7 @@ struct Query {
 [[nodiscard]] Json Definition(const Query& query);
 /// All uses and definitions of the name, including those in skipped blocks.
 [[nodiscard]] Json References(const Query& query);
-/// The same, but only in the file of the request.
+/// The uses and definitions of the name in the file of the request.
 [[nodiscard]] Json Highlights(const Query& query);
 /// The name and its range. Throws the reason if the name cannot be renamed.
 [[nodiscard]] Json PrepareRename(const Query& query);
@@ -38,7 +38,7 @@ struct Query {
 
 // hover.cpp
 /// For a name, its value, kind, definition, comment and number of uses; for a number, its value in
-/// all bases; for a mnemonic, its meaning, address, bytes and T-states; for "$", the address.
+/// several bases; for a mnemonic, its meaning, address, bytes and T-states; for "$", the address.
 [[nodiscard]] Json Hover(const Query& query);
 
 // completion.cpp: what may be written at the cursor, in a line that need not be valid.
@@ -62,7 +62,7 @@ void AddSymbolsLike(const Snapshot& snapshot, std::string_view text, Json* symbo
 /// text.
 [[nodiscard]] Json InlayHints(const Query& query);
 
-// tokens.cpp: the kind of each word. A skipped line is a comment.
+// tokens.cpp: the kind of each word. A skipped line is shown as a comment.
 [[nodiscard]] Json SemanticTokens(const Query& query);
 /// The names of the token types and token modifiers.
 [[nodiscard]] Json SemanticTokensLegend();

@@ -18,7 +18,7 @@ namespace {
 constexpr std::size_t columns[] = {0, 10, 15, 34};
 // The parts, with only blanks between them.
 using LineParts = std::array<std::string_view, std::size(columns)>;
-// In bytes. A line that would become longer is not changed.
+// In bytes. No line grows beyond this length.
 constexpr std::size_t longestLine = 120;
 
 // Splits a line into its parts. Result: none if the line must not be changed.

@@ -10,7 +10,7 @@ namespace korv {
 /// `value` in at least `digits` hexadecimal digits.
 [[nodiscard]] std::string Hex(std::uint32_t value, std::size_t digits);
 
-/// `value` in all bases, and as a character if that is visible.
+/// `value` in several bases, and as a character if it is printable.
 [[nodiscard]] std::string ValueText(std::int32_t value);
 
 /// The bytes of `statement`, separated by blanks. If there are more than `most`, "..." follows.

@@ -90,7 +90,7 @@ bool IsLike(const Shape& shape, const std::string& pattern, bool isBare) {
            (pattern == "(xy+n)" && form[1] == 'I');
 }
 
-// A name that is not defined counts as 0.
+// The value of `text` at `address`. An undefined name counts as 0.
 int Evaluate(const std::string& text, int address) {
     if (worth.contains(text)) {
         return worth.at(text);

@@ -89,7 +89,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     }
     sources["DAT"].assign(std::istreambuf_iterator<char>(input), {});
 
-    // A word may be any switch. Other words, and the switches for help, are replaced by a target that may be written.
+    // Switches are kept, except for help. All other words are replaced with a target that may be written.
     std::vector<std::string> words = {"korv", "Main.Kor"};
     std::istringstream lineInput(line);
     for (std::string word; words.size() < 10 && lineInput >> word;) {

@@ -83,7 +83,7 @@ TEST_P(FaultTest, LeavesWhatItSays) {
             contents == none ? fs::remove(name) : false;
         }
         FaultFileRequest(n, what);
-        // If the system ignores case, a file whose directory could not be searched is found under the name as typed.
+        // On Windows, the name is shown as typed if the directory cannot be searched. So the name on the disk is typed.
         RunKorv({isWindows ? "main.kor" : "Main.Kor", "out/OUT.COM", "/d", "/l", "/m", "/f:4"});
         fs::current_path(directory.Path());  // the run may have failed to leave a directory
         console = ReplaceAll(*ReadFile("console"), "\\", "/");

@@ -70,9 +70,9 @@ def source(lines, shape):
 
 
 def counted(command, folder=WORK):
-    """The number of instructions that a program executes, without the kernel's, and its standard error.
+    """The number of instructions that a program executes, without the kernel, and what it prints on standard error.
 
-    It runs in `folder`, with an empty environment, since the C library reads each variable.
+    The program runs in `folder`, with an empty environment, since the C library reads each variable.
     """
     valgrind = [shutil.which("valgrind"), "--tool=callgrind", "--callgrind-out-file=/dev/null"]
     command = [shutil.which(command[0]), *command[1:]]

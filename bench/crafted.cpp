@@ -1,5 +1,5 @@
-// Writes labels whose hashes have the same low bits, so that all of them belong in one place of the
-// index. Uses korv's own hash function, so the labels still collide if that function changes.
+// Writes labels whose hashes have the same low bits, so that all have the same place in the index.
+// Uses korv's own hash function, so the labels still collide if that function changes.
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>

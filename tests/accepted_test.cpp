@@ -1,6 +1,6 @@
-// Combines every keyword with every pair of operands. The statements in encodings/ must be accepted, with other numbers
-// too; refusals.txt describes the bytes and messages of all other statements. Bytes and messages are compared for each
-// statement, so that no statement can silently assemble as another one.
+// Combines every keyword with single operands and pairs of them. The statements in encodings/ must be accepted, with
+// other numbers too; refusals.txt describes the bytes and messages of all other statements. Bytes and messages are
+// compared for each statement, so that no statement can silently assemble as another one.
 
 #include <gtest/gtest.h>
 
@@ -90,7 +90,7 @@ bool IsLike(const Shape& shape, const std::string& pattern, bool isBare) {
            (pattern == "(xy+n)" && form[1] == 'I');
 }
 
-// A name that is not defined counts as 0.
+// The value of `text` at `address`. An undefined name counts as 0.
 int Evaluate(const std::string& text, int address) {
     if (worth.contains(text)) {
         return worth.at(text);

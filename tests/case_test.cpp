@@ -37,7 +37,7 @@ std::string MessagesIn(const std::string& console) {
 // follows, except after the help.
 std::string Console(const std::string& lines) {
     const bool isHelp = lines.find("[Korv] HELP!\n") != std::string::npos;
-    const std::string wiped(isHelp ? 0 : 26, ' ');  // GCC 12 warns about a condition with a sum
+    const std::string wiped(isHelp ? 0 : 26, ' ');  // a variable, since GCC 12 would warn about it in the sum
     return "Brelloc Korv v2.00.025 *FAST*\n" + lines + wiped + (isHelp ? "" : "\r");
 }
 

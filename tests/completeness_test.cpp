@@ -250,7 +250,7 @@ TEST(CompletenessTest, EverySwitchIsOnOffOrMalformed) {
 }
 
 TEST(CompletenessTest, EveryOptionAndWarningOfKorvAsIsInItsDocuments) {
-    // Each file, with the text before a letter and the text before a long name in it. A separator follows both.
+    // Each file, with the texts that precede a short and a long option in it. A separator follows each option.
     const std::string texts[][3] = {{Manual("## 13", "### 13.1"), "`-", "`--"},
                                     {"docs/man1/korv-as.1", " Fl ", " Fl Fl "},
                                     {"editors/completions/korv-as.bash", " -", " --"},

@@ -93,7 +93,7 @@ const std::string NO_NUMBER = "That is no number.\n" + GUESS;
 struct Program {
     const char* name;
     const char* input;
-    std::string output;  // with a line feed for each carriage return and line feed of the program
+    std::string output;  // with a line feed for each pair CR LF that the program prints
 };
 
 // clang-format off

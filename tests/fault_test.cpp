@@ -36,8 +36,8 @@ Files FilesHere() {
 
 const std::string none = "none";  // stands for the contents of a file that does not exist
 
-// Each file that a run writes, with the message that it has been written, and the message that it cannot be opened. The
-// target and the error file may be missing.
+// Each file that a run writes, with the message that it has been written, and the message that it cannot be opened. A
+// run may also end without writing the target or the error file.
 const std::tuple<std::string, std::string, std::string> written[] = {
     {"out/OUT.COM", "Binary target secured. (out/OUT.COM)\n", "Could not open out/OUT.COM.\n"},
     {"out/Debug.Out", "Debugfile written!\n", "Could not open 'debug.out'!\n"},
@@ -83,7 +83,7 @@ TEST_P(FaultTest, LeavesWhatItSays) {
             contents == none ? fs::remove(name) : false;
         }
         FaultFileRequest(n, what);
-        // If the system ignores case, a file whose directory could not be searched is found under the name as typed.
+        // On Windows, the name is shown as typed if the directory cannot be searched. So the name on the disk is typed.
         RunKorv({isWindows ? "main.kor" : "Main.Kor", "out/OUT.COM", "/d", "/l", "/m", "/f:4"});
         fs::current_path(directory.Path());  // the run may have failed to leave a directory
         console = ReplaceAll(*ReadFile("console"), "\\", "/");

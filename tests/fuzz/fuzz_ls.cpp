@@ -1,7 +1,7 @@
-// Runs sessions of korv-ls on arbitrary bytes. The input has the same format as in fuzz_run.cpp. Its switches are the
-// settings, and its last file controls what a client does with the other three: it edits them, sends requests about any
-// place, and opens and closes documents. After each batch, every request must have its reply, and the published
-// messages must equal the messages of a fresh analysis of the same texts.
+// Runs sessions of korv-ls on arbitrary bytes. The input has the same format as in fuzz_run.cpp. Its switches become
+// the setting `arguments`. Its last file controls what a client does with the other three: it edits them, sends
+// requests about any place, and opens and closes documents. After each batch, every request must have its reply, and
+// the published messages must equal the messages of a fresh analysis of the same texts.
 
 #include <algorithm>
 #include <cstdio>
@@ -15,8 +15,8 @@
 #include "server/server.h"
 #include "source/source_file.h"
 
-// A file that includes itself twice is read a thousand times, which is legal but slow. So the linker calls these two in
-// place of the functions that they are named after: an analysis reads at most ten texts.
+// A file that includes itself twice is read a thousand times, which is legal but slow. So the linker replaces the real
+// functions with `OfText` and `Analyse` below: an analysis reads at most ten texts.
 namespace wrapped {
 korv::CSourceFile RealOfText(std::string_view) asm(
     "__real__ZN4korv11CSourceFile6OfTextESt17basic_string_viewIcSt11char_traitsIcEE");
@@ -101,7 +101,7 @@ class Client : public korv::platform::Connection {
     }
 
     bool IsInputWaiting() const override { return !input.empty(); }
-    // The server calls this without waiting input only after it has handled all messages.
+    // When `input` is empty, the server has handled all messages.
     std::size_t Read(char* buffer, std::size_t count) override {
         if (input.empty()) {
             Require(waiting.empty(), "a request without reply");
@@ -140,7 +140,7 @@ class Client : public korv::platform::Connection {
     }
     // The path of one of the documents, open or not.
     std::string NextPath() { return std::next(sources.begin(), Next() % static_cast<int>(sources.size()))->first; }
-    // The start of a character of `text`, but not of one after a carriage return: at a line end, it has no position.
+    // An offset at the start of a character of `text`, but not between CR and LF, where the protocol has no position.
     std::size_t NextOffset(const std::string& text) {
         std::size_t offset = static_cast<std::size_t>(Next() * 256 + Next()) % (text.size() + 1);
         while (offset < text.size() && (static_cast<unsigned char>(text[offset]) & 0xC0) == 0x80) {
@@ -242,8 +242,8 @@ class Client : public korv::platform::Connection {
         return korv::Analyse(options, &store, wanted);
     }
 
-    // A document that is not part of the program forms a separate program, whose messages may come first. Such a state
-    // is not checked.
+    // A document that is not part of the program forms a separate program, whose messages are published too. Such a
+    // state is not checked.
     void CheckDiagnostics() {
         if (texts.empty()) {
             return;

@@ -57,8 +57,8 @@ Files FilesAfterRun(std::vector<std::string> words, const Files& sources) {
 
 extern "C" {
 // One line may emit gigabytes of zeros, and a file that includes itself twice is read a thousand times; both are legal
-// but slow. So the linker calls these two in place of PutZeros and Leave: a block has at most 5000 bytes, and a run is
-// aborted once it has read 200 files.
+// but slow. So the linker replaces PutZeros and Leave with the wrappers below: a block has at most 5000 bytes, and a
+// run is aborted once it has read 200 files.
 std::uint32_t __real__ZN4korv8BinBlock8PutZerosEj(void*, std::uint32_t);
 std::uint32_t __wrap__ZN4korv8BinBlock8PutZerosEj(void* binary, std::uint32_t count) {
     return __real__ZN4korv8BinBlock8PutZerosEj(binary, std::min(count, 5000U));
@@ -89,7 +89,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     }
     sources["DAT"].assign(std::istreambuf_iterator<char>(input), {});
 
-    // A word may be any switch. Other words, and the switches for help, are replaced by a target that may be written.
+    // Switches are kept, except for help. All other words are replaced with a target that may be written.
     std::vector<std::string> words = {"korv", "Main.Kor"};
     std::istringstream lineInput(line);
     for (std::string word; words.size() < 10 && lineInput >> word;) {

@@ -1,5 +1,5 @@
-// Called by tools/test_editors: checks what the client of Visual Studio Code's libraries receives from korv-ls for
-// main.kor, which includes lib.kor.
+// Called by tools/test_editors: checks what a client that uses a library of Visual Studio Code receives from korv-ls
+// for main.kor, which includes lib.kor.
 const assert = require("assert");
 const { spawn } = require("child_process");
 const fs = require("fs");

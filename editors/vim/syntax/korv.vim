@@ -24,7 +24,7 @@ syntax keyword korvCondition M NC NZ P PE PO Z
 syntax keyword korvOperator AND EXP MOD OR SHL SHR XOR
 syntax keyword korvSystem KORV KORV_BUILD KORV_LOW KORV_VER
 
-" What can be read as a number is a number, as EACH is.
+" Anything that can be read as a number is a number, for example EACH.
 syntax match korvNumber /\<\x[0-9A-F?@_]*H\>\|\<[01.]\+B\>\|\<\o\+O\>\|\<\d\+\>/
 syntax match korvNumber /[$#]\x\+\>\|%[01][01.]*\|&H\x\+\>\|&B[01.]\+\>\|&O\o\+\>\|&D\d\+\>/
 syntax match korvHere /\$\(\x\)\@!/

@@ -117,6 +117,7 @@ std::string FieldOf(const std::string& operand, const Row& row) {
 }
 
 // The bytes and messages of each line of a source, except error 12, which is reported at the end for undefined names.
+// Empty if there are too many bytes.
 std::vector<Outcome> Assemble(const std::string& source, std::size_t lines) {
     static std::string first;  // the first statement; printed if a directive uses up the memory, which ends the process
     [[maybe_unused]] static const int isSet = std::atexit([] {
@@ -125,14 +126,19 @@ std::vector<Outcome> Assemble(const std::string& source, std::size_t lines) {
     first = source.substr(0, source.find('\n') + 1);
     WriteFile("Main.Kor", source + lateSource);
     std::FILE* const console = std::fopen("console", "w");
+    bool isTooLarge = false;
     {
         korv::CAssembler assembler(console, static_cast<int>(4 * lines));
         assembler.maxImage = mostBytes;
         assembler.RunFromCommandLine("Main.Kor", "", "D");
         EXPECT_LE(assembler.binary.Position(), mostBytes) << "mark large counts as undriven in refusals.txt; " << first;
+        isTooLarge = assembler.binary.Position() > mostBytes;
     }
     first.clear();
     std::fclose(console);
+    if (isTooLarge) {
+        return {};
+    }
     std::vector<Outcome> outcomes;
     std::ifstream listing("Debug.Out");
     for (std::string line; std::getline(listing, line);) {
@@ -360,6 +366,13 @@ struct Crossing {
             if ((instruction + " ").starts_with(keyword + " ")) {
                 add(instruction, {bytes, {}, place});
             }
+        }
+        std::string sample;  // first, since all statements of a directive that fills memory would take minutes
+        for (std::size_t i = 0; i < all.size(); i += 41) {
+            sample += " " + all[i].first + "\n";
+        }
+        if (Assemble(sample, all.size()).empty()) {
+            return;
         }
         const std::vector<Outcome> outcomes = Assemble(source, all.size());
         for (std::size_t i = 0; i < all.size(); ++i) {

@@ -162,7 +162,9 @@ bool AdviseOnNamedRegister(OperandCase* it, const Token& token) {
 bool AdviseOnLetterForDigit(OperandCase* it, const Token& token) {
     std::string digits(token.text);
     const std::size_t letter = digits.find_first_of("OLI");
-    if (letter != 0 && token.kind != TokenKind::digitName) {
+    const bool isWord = token.text.size() > 2 && !token.text.ends_with('H') &&  // "LOB"
+                        token.text.find_first_of("0123456789") == std::string_view::npos;
+    if (isWord || (letter != 0 && token.kind != TokenKind::digitName)) {
         return false;
     }
     const bool hasSuffix = it->statement.Typed(token.text).ends_with('L');  // "1000L", as in C

@@ -163,6 +163,8 @@ inline constexpr auto operandTable = std::to_array<OperandRow>({
     {"13", "INCLUDE BINCLUDE", "*", "", "remove the rest, or write one line for each file", " BINCLUDE defs.kor,1"},
     {"13", "EXX", "DE,HL AF,any (SP),any", "EX %r", "did you mean EX? EXX takes no operands", " EXX DE,HL"},
     {"13", "LDI LDD CPI INI IND OUTI OUTD EXX RETI RETN", "*", "", "check the mnemonic: %w takes no operands", " RETI 5"},
+    {"13", "RLD", "m", "RL %1", "did you mean RL? RLD takes no operands", " RLD D"},
+    {"13", "RRD", "m", "RR %1", "did you mean RR? RRD takes no operands", " RRD D"},
     {"13", "LDIR LDDR CPIR CPDR CPD HALT NOP EI DI SCF CCF INIR INDR OTIR OTDR RLD RRD", "*", "%w", "remove the operands: %w takes none, and a comment begins with a semicolon", " LDIR 5"},
     {"13", "IF COND", "*", "", "combine the conditions with AND or OR: %w takes one operand", " IF 1,1| ENDIF"},
     {"13", "ELSE ENDIF ENDC", "*", "%w", "remove the operand, or begin it with a semicolon if it is a comment", " IF 1| ENDIF X"},

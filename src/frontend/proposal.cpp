@@ -151,8 +151,9 @@ struct SlipSearch {
             return at == 0 || IsNameAt(isFirst ? at + 2 : at - 1);
         }
         const bool isData = HoldsWord("DB DEFB DW DEFW DM DEFM", statement.mnemonic);
+        const bool isBetween = line[sign] == ')' && IsNameAt(sign - 1) && IsNameAt(sign + 1);
         return line[sign] == ':' ||
-               (HoldsWord(", ( )", line.substr(sign, 1)) && !isData &&
+               (!isBetween && HoldsWord(", ( )", line.substr(sign, 1)) && !isData &&
                 line.substr(sign, 2) != "()" && !IsInWord(isFirst ? at + 1 : at, 0));
     }
     void Attempt(std::size_t at, std::size_t length, std::string text);

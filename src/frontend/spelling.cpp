@@ -161,7 +161,8 @@ Foreign ForeignToken(const StatementView& statement, const Token& token) {
     }
     const std::string_view text = token.text;
     const std::string typed(statement.Typed(text));
-    if (token.kind == TokenKind::other && text.front() == '#' && text.size() > 1) {
+    if (token.kind == TokenKind::other && text.front() == '#' && text.size() > 1 &&
+        CutTokens(text.substr(1))[0].kind != TokenKind::digitName) {
         return {text, typed.substr(1),
                 "remove the #: a value needs no mark, and # begins a hexadecimal number"};
     }

@@ -371,11 +371,9 @@ struct Crossing {
         for (std::size_t i = 0; i < all.size(); i += 41) {
             sample += " " + all[i].first + "\n";
         }
-        if (Assemble(sample, all.size()).empty()) {
-            return;
-        }
-        const std::vector<Outcome> outcomes = Assemble(source, all.size());
-        for (std::size_t i = 0; i < all.size(); ++i) {
+        const bool isSmall = !Assemble(sample, all.size()).empty();
+        const std::vector<Outcome> outcomes = isSmall ? Assemble(source, all.size()) : std::vector<Outcome>();
+        for (std::size_t i = 0; i < all.size() && !outcomes.empty(); ++i) {
             const auto& [text, expected] = all[i];
             const Outcome& got = outcomes.at(i);
             if (expected.bytes != got.bytes || expected.messages != got.messages) {

@@ -1,4 +1,5 @@
-/// Reads the files of a run from the disk. The current directory is that of the source being read.
+/// Reads the files of a run from the disk. While a source is read, its directory is the current
+/// one.
 #pragma once
 
 #include "platform/platform.h"

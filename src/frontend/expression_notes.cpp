@@ -118,7 +118,9 @@ bool AdviseOnSplitNumber(OperandCase* it, const Token& before, const Token& toke
         token.text.find_first_not_of("01") >= token.text.size() - 1;
     const bool isGroup =  // "10 000"
         token.text.size() == 3 && number.find_first_not_of("0123456789") == std::string::npos;
-    const bool isPart = (isBinary || isGroup) && !HoldsWord(dataDirectives, it->statement.mnemonic);
+    const bool isPart =
+        (isBinary && number.size() % 8 == 1) ||
+        ((isBinary || isGroup) && !HoldsWord(dataDirectives, it->statement.mnemonic));
     const bool isNumber = (isPart || HoldsWord("B H O", token.text)) &&
                           CutTokens(number)[0].kind == TokenKind::number;
     if (isNumber) {
@@ -161,6 +163,11 @@ void AdviseOnTwoValues(OperandCase* it, const Token& token) {
     }
     if (!comma.empty() && (isName || isKnown) && !isUnknown && HasFormWith(it->statement, comma)) {
         it->Propose(token.text, comma, "add the comma: ");
+        const bool isDigits =  // "DB 1,2 3"
+            before.kind == TokenKind::number && token.kind == TokenKind::number && isData;
+        if (isDigits && comma.size() == 1 && it->statement.operands.size() > 1) {
+            it->advice.note = "add the comma, or remove the blank";
+        }
         return;
     }
     if (AdviseOnProse(it) || (isName && AdviseOnSeparated(it, token.text, comma))) {

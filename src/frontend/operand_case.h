@@ -58,7 +58,7 @@ struct OperandCase {
 [[nodiscard]] bool AdviseOnExpression(OperandCase* it);
 /// Advises on "XAND3", a word operator without blanks, and on a misspelt operator.
 [[nodiscard]] bool AdviseOnWordOperator(OperandCase* it, const Token& token);
-/// Advises on "LD A;5", where a comment ends the operands, and on "(IX,5)".
+/// Advises on a semicolon, a blank or a bracket in place of a comma, and on "(IX,5)".
 [[nodiscard]] bool AdviseOnComma(OperandCase* it);
 /// Advises on another character instead of a comma, as in "LD A:5".
 [[nodiscard]] bool AdviseOnSeparator(OperandCase* it);

@@ -226,6 +226,11 @@ void AimAt(OperandCase* it) {
     }
 }
 
+// The numbers that the first operand of BIT, SET, RES, IM and RST can be.
+std::string NumbersNote(const StatementView& statement) {
+    return "use " + Listed(ChoicesAt(statement, 0)) + " with " + std::string(statement.mnemonic);
+}
+
 }  // namespace
 
 std::string FormsNote(const StatementView& statement) {
@@ -233,7 +238,7 @@ std::string FormsNote(const StatementView& statement) {
     const std::size_t excess = FindExcess(statement);
     const std::size_t faulty = excess == noFault ? FindFaultyOperand(statement) : excess;
     if (faulty == noFault) {
-        return "";
+        return HoldsWord("IM RST", statement.mnemonic) ? NumbersNote(statement) : "";
     }
     const std::vector<std::string> choices = ChoicesAt(statement, faulty);
     const std::string word(statement.mnemonic);
@@ -278,7 +283,7 @@ void AdviseOnOperandCase(OperandCase* it) {
         !HoldsWord("EX INCLUDE BINCLUDE", fault.statement.mnemonic);  // AF', a file
     const ExpressionFault kind =
         isValue ? FindExpressionFault(*it->operand).fault : ExpressionFault::none;
-    const bool isBroken = kind == ExpressionFault::twoValues ||
+    const bool isBroken = kind == ExpressionFault::twoValues || kind == ExpressionFault::noRight ||
                           kind == ExpressionFault::openBracket ||
                           kind == ExpressionFault::closeBracket;
     const bool isData = HoldsWord("DB DEFB DW DEFW DS DEFS", fault.statement.mnemonic);
@@ -308,8 +313,7 @@ void AdviseOnOperandCase(OperandCase* it) {
     const bool isNumber = HoldsWord("BIT SET RES IM RST", it->statement.mnemonic) &&
                           it->operand == it->statement.operands.data();  // it is out of range
     if (it->advice.note.empty() && isNumber) {
-        it->advice.note = "use " + Listed(ChoicesAt(it->statement, 0)) + " with " +
-                          std::string(it->statement.mnemonic);
+        it->advice.note = NumbersNote(it->statement);
     }
 }
 

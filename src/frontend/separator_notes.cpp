@@ -9,11 +9,12 @@
 #include "frontend/note_rows.h"
 #include "frontend/note_steps.h"
 #include "frontend/operand_case.h"
+#include "frontend/proposal.h"
 #include "source/char_class.h"
 
 namespace korv {
 
-// "LD A;5", where a comment ends the operands, and "(IX,5)".
+// "LD A;5" and "LD ;A,5", where a comment ends the operands, "EX DE HL", "(IX,5)" and "(IX),5".
 bool AdviseOnComma(OperandCase* it) {
     const StatementView& statement = it->statement;
     const std::string_view typed = statement.typed;
@@ -34,10 +35,39 @@ bool AdviseOnComma(OperandCase* it) {
             return true;
         }
     }
+    const std::size_t after = typed.find_first_not_of(" \t;", end);
+    if (statement.rest.empty() && after < typed.size()) {  // "LD ;A,5"
+        const std::size_t start = typed.find(';');
+        const std::vector<TextEdit> edits = {
+            {{static_cast<std::uint32_t>(start), static_cast<std::uint32_t>(after - start)}, " "}};
+        if (IsSound(it->adviser.Facts(), statement, edits)) {
+            it->PointAt(statement.mnemonic);
+            it->advice.edits = edits;
+            it->advice.note = "remove the semicolon: it begins a comment";
+            return true;
+        }
+    }
+    const std::size_t blank = statement.rest.find_first_of(" \t");
+    if (statement.mnemonic == "EX" && blank < statement.rest.size()) {  // "EX DE HL"
+        const std::vector<TextEdit> edits = {
+            {statement.PartOf(statement.rest.substr(blank, 1)), ","}};
+        if (HasFormWith(statement, edits)) {
+            return it->Propose(statement.rest.substr(blank + 1), edits, "add the comma: ");
+        }
+    }
     for (std::size_t i = 0; i + 1 < statement.operands.size(); ++i) {
         const std::string_view text = statement.operands[i].text;
+        const std::string_view next = statement.operands[i + 1].text;
+        if (text == "(IX)" || text == "(IY)") {  // "LD A,(IX),5"
+            const std::string_view gap = statement.Span(text, next);
+            const std::vector<TextEdit> edits = {
+                {statement.PartOf(gap.substr(3, gap.size() - 3 - next.size())), "+"},
+                {statement.PartOf(next.substr(next.size())), ")"}};
+            if (HasFormWith(statement, edits)) {
+                return it->Propose(next, edits);
+            }
+        }
         if (text == "(IX" || text == "(IY") {
-            const std::string_view next = statement.operands[i + 1].text;
             const std::size_t comma = statement.PartOf(text).offset + text.size();
             const std::vector<TextEdit> edits = {
                 {{static_cast<std::uint32_t>(comma),

@@ -185,6 +185,9 @@ Foreign ForeignToken(const StatementView& statement, const Token& token) {
             text, "",
             "check the digits after " + std::string(text.substr(0, text.front() == '&' ? 2 : 1))};
     }
+    if (percent == text.size() - 1 && text.find_first_not_of("01") == percent) {  // "1010%"
+        return {text, "%" + typed.substr(0, percent), ""};
+    }
     if (text.front() == '%') {
         return {text, "", "use the digits 0 and 1 after %, and MOD for the remainder"};
     }

@@ -128,6 +128,25 @@ bool AdviseOnSingleQuote(OperandCase* it) {
     return true;
 }
 
+// True if the changed list of bytes is sound, all names in it are defined, and no string looks like
+// the values between two strings, as in "",13,10,"".
+bool IsLikelyList(const OperandCase& it, const std::vector<TextEdit>& edits) {
+    const std::string line = Raised(Applied(it.statement.typed, edits));
+    const StatementView changed = CutStatement(line);
+    const auto isLikely = [&it](const Token& token) {
+        const std::size_t comma = token.text.find(',');
+        return token.kind == TokenKind::string
+                   ? comma == std::string_view::npos ||
+                         (comma > 1 && !HasClass(token.text[1], CC_DIGIT) &&
+                          !HasClass(token.text[comma + 1], CC_DIGIT))
+                   : token.kind != TokenKind::name || it.IsDefined(token.text);
+    };
+    return IsSound(it.adviser.Facts(), it.statement, edits) &&
+           std::ranges::all_of(changed.operands, [isLikely](const OperandView& operand) {
+               return std::ranges::all_of(operand.tokens, isLikely);
+           });
+}
+
 bool AdviseOnOddQuotes(OperandCase* it) {
     constexpr std::size_t longest = 200;  // a bound for the work on one message
     const std::string_view rest = it->statement.rest;
@@ -147,17 +166,19 @@ bool AdviseOnOddQuotes(OperandCase* it) {
     if (count < 3 || !HoldsWord("DB DEFB", it->statement.mnemonic)) {
         return false;
     }
-    for (const char sign : {'\'', ',', '"'}) {  // 'text", "text,13 and text"
-        for (std::size_t i = 0; i < rest.size(); ++i) {
-            const std::string_view part = rest.substr(sign == '"' ? 0 : i, sign == '\'' ? 1 : 0);
-            const std::vector<TextEdit> edits = {{it->statement.PartOf(part), "\""}};
-            if (rest[i] == sign && IsSound(it->adviser.Facts(), it->statement, edits)) {
-                it->PointAt(rest.substr(sign == '"' ? 0 : i, 1));
-                it->advice.edits = edits;
-                it->advice.note =
-                    sign == '"' ? "open the string with a double quote" : closeQuoteNote;
-                return true;
-            }
+    for (std::size_t i = 0; i <= rest.size(); ++i) {
+        const bool isStart = i == 0 || rest[rest.find_last_not_of(" \t", i - 1)] == ',';
+        const bool isEnd = i == rest.size() || rest[i] == ',';
+        const bool isSingle = i < rest.size() && rest[i] == '\'';  // 'text"
+        const std::vector<TextEdit> edits = {
+            {it->statement.PartOf(rest.substr(i, isSingle ? 1 : 0)), "\""}};
+        if ((isStart || isEnd || isSingle) && IsLikelyList(*it, edits)) {
+            it->PointAt(rest.substr(std::min(i, rest.size() - 1), 1));
+            it->advice.edits = edits;
+            it->advice.note = std::ranges::count(rest.substr(0, i), '"') % 2 == 0
+                                  ? "open the string with a double quote"
+                                  : closeQuoteNote;
+            return true;
         }
     }
     for (std::size_t i = 1; i + 1 < rest.size() && count == 3 && !rest.ends_with('"'); ++i) {

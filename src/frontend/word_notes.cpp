@@ -149,7 +149,7 @@ Advice AdviseOnJoinedWords(const RunFacts& facts, const StatementView& statement
                            : isSign ? std::uint32_t{1}
                                     : 0};
         const bool isOperand =  // "CALL.NZ X", "LDB X"
-            !isSize && !statement.rest.empty() &&
+            !isSize && !statement.rest.empty() && word.substr(size) != word.substr(size - 1, 1) &&
             ClassOf(word.substr(size + (isSign ? 1 : 0))).kind != KIND_VALUE;
         std::vector<TextEdit> edits = {{gap, isSize ? "" : " "}};
         if (isOperand) {

@@ -167,17 +167,17 @@ bool AdviseOnOddQuotes(OperandCase* it) {
         return false;
     }
     for (std::size_t i = 0; i <= rest.size(); ++i) {
-        const bool isStart = i == 0 || rest[rest.find_last_not_of(" \t", i - 1)] == ',';
-        const bool isEnd = i == rest.size() || rest[i] == ',';
+        const bool isOpen = std::ranges::count(rest.substr(0, i), '"') % 2 == 1;
+        const bool isStart = !isOpen && !HasClass(rest[std::min(i, rest.size() - 1)], CC_BLANK) &&
+                             (i == 0 || rest[rest.find_last_not_of(" \t", i - 1)] == ',');
+        const bool isEnd = isOpen && (i == rest.size() || rest[i] == ',');
         const bool isSingle = i < rest.size() && rest[i] == '\'';  // 'text"
         const std::vector<TextEdit> edits = {
             {it->statement.PartOf(rest.substr(i, isSingle ? 1 : 0)), "\""}};
         if ((isStart || isEnd || isSingle) && IsLikelyList(*it, edits)) {
             it->PointAt(rest.substr(std::min(i, rest.size() - 1), 1));
             it->advice.edits = edits;
-            it->advice.note = std::ranges::count(rest.substr(0, i), '"') % 2 == 0
-                                  ? "open the string with a double quote"
-                                  : closeQuoteNote;
+            it->advice.note = isOpen ? closeQuoteNote : "open the string with a double quote";
             return true;
         }
     }

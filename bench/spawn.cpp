@@ -5,9 +5,9 @@
 // longer than the program.
 //
 // There are two reasons why bench/run does not do this in Python. The kernel counts the memory of
-// the process that starts a program as peak memory of the program. The starting process must
-// therefore be smaller than the measured program, so it is linked statically. And starting a
-// process from Python takes longer than the programs need for ten lines.
+// the starting process towards the program's peak. The starting process must therefore be smaller
+// than the measured program, so it is linked statically. And starting a process from Python takes
+// longer than the programs need for ten lines.
 
 #include <fcntl.h>
 #include <spawn.h>

@@ -116,7 +116,7 @@ const Program PROGRAMS[] = {
 };
 // clang-format on
 
-/// The image of an example; `format` is the switch that selects the kind of image.
+/// The image of an example; the switch `format` selects the kind of image.
 std::string Assemble(const std::string& name, const char* format) {
     const TempDir directory;
     const std::string console = RunKorv({ProjectPath("examples/" + name + ".kor"), "OUT.IMG", format});

@@ -1,4 +1,4 @@
-// Tests that need POSIX: runs in a child process that fail, are interrupted or wait; owners, permissions, links.
+// Tests that need POSIX: child processes that fail, are interrupted or wait; owners, permissions, links.
 
 #include "driver/process.h"
 

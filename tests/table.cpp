@@ -23,7 +23,7 @@ void Require(bool isTrue, const std::string& otherwise) {
     }
 }
 
-// Calls `work` for each line, and adds the place of the line to an exception that it throws.
+// Calls `work` for each line, and adds the place of the line to any exception it throws.
 template <typename Work>
 void ForEachLine(const std::vector<TableLine>& lines, const Work& work) {
     for (const TableLine& line : lines) {

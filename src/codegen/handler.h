@@ -1,5 +1,5 @@
 /// The frame that all handlers of instructions and directives share: the steps before the handler
-/// itself. The row of the keyword selects them.
+/// itself, as selected by the keyword's row.
 #pragma once
 
 #include <cstdint>

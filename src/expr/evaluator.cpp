@@ -105,8 +105,8 @@ class NodeList {
   private:
     [[nodiscard]] bool IsValue(std::int32_t at) const { return nodes[at].type == NODE_VALUE; }
 
-    // Replaces the bracket that opens at `at` with the value `right` inside it. If anything but the
-    // closing bracket follows the value, that is processed first.
+    // Replaces the bracket at `at` and its contents, the value `right`, with that value. Anything
+    // between the value and the closing bracket is processed first.
     std::int32_t CloseBracket(std::int32_t at, std::int32_t right) {
         const std::int32_t following = nodes[right].next;
         if (following == none || nodes[following].value != OP_CLOSE) {

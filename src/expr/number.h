@@ -23,8 +23,8 @@ inline constexpr Status notANumber = -1;
 /// only if the result is 0.
 [[nodiscard]] Status ReadNumber(std::string_view token, std::int32_t* value);
 
-/// Reads `token`, which is not empty, if it is a decimal number of at most four digits, like most
-/// numbers. Four digits cannot exceed the limit. False: `token` is something else.
+/// Reads `token`, which is not empty, if it is a decimal number of at most four digits, as most
+/// numbers are. Four digits cannot exceed the limit. False: `token` is something else.
 [[nodiscard]] inline bool ReadShortDecimal(std::string_view token, std::int32_t* value) {
     if (token.size() > 4) {
         return false;

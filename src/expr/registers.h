@@ -110,7 +110,7 @@ inline constexpr std::array operandNames = {
 
 /// The lookup. Words of two characters index a table by the low bits of both characters, which
 /// differ for all letters. Words of one character index another part of the table. So an operand
-/// that is not in the table costs a load and a comparison. A plain search would cost 30 % more
+/// not in the table costs only a load and a comparison. A plain search would cost 30 % more
 /// instructions in total.
 namespace operand_class {
 

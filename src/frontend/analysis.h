@@ -1,6 +1,6 @@
 /// The result of one run as plain data. Everything that is printed, listed, exported or shown in an
 /// editor is computed from it. It contains no pointers into the assembler, so it is still valid
-/// after the run, and only warnings about outputs are added to it later.
+/// after the run. Only warnings about outputs are added to it later.
 #pragma once
 
 #include <compare>

@@ -9,8 +9,8 @@ namespace korv {
 namespace {
 
 constexpr int deepest = 10;
-// The limit for the bytes of all files together; a file counts each time it is read. It also ends
-// the reading of an endless file, and of files that refer to each other endlessly.
+// The limit for the bytes of all files together. A file counts each time it is read, so neither an
+// endless file nor repeated references to a file can exhaust the memory.
 constexpr std::size_t mostBytes = 0x100000;
 
 constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";

@@ -25,7 +25,7 @@ Findings ConditionWatch::Follow(const CAssembler& assembler, const CStatement& s
             findings.push_back({Warning::condition, view.rest, Quoted(view.rest), surprise});
         }
     }
-    // An IF alone decides whether the lines after it are assembled, even inside a skipped block.
+    // Each IF decides on its own whether lines are assembled, even inside a skipped block.
     Level& level = levels.back();
     level.isLive = level.isLiveOutside && isOn;
     if (isOn && !level.isLiveOutside) {

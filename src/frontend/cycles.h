@@ -11,7 +11,7 @@
 
 namespace korv {
 
-/// The two numbers differ if the instruction has a condition or is a repeating block instruction.
+/// The numbers differ only if the instruction has a condition or is a repeating block instruction.
 struct Cycles {
     std::uint8_t least = 0;
     std::uint8_t most = 0;

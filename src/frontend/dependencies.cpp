@@ -13,8 +13,8 @@
 namespace korv {
 namespace {
 
-// Characters outside this set end a name in ninja, and "%", "=", "*", "?", "[", "&", ";" and "|"
-// have a meaning for make. Neither program has a way to escape all of them.
+// Of the characters outside this set, some end a name in ninja, and "%", "=", "*", "?", "[", "&",
+// ";" and "|" have a meaning for make. Neither program can escape all of them.
 bool IsPlain(char c) {
     constexpr std::string_view signs = "+,-./@_~(){}!]";
     return static_cast<unsigned char>(c) >= 0x80 || (c >= '0' && c <= '9') ||

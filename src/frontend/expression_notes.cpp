@@ -108,7 +108,7 @@ const Token* FindProse(const OperandCase& it) {
     return nullptr;
 }
 
-// A number with a blank before its last letter, as in "8000 H".
+// A number with a blank in it, as in "8000 H".
 bool AdviseOnSplitNumber(OperandCase* it, const Token& before, const Token& token) {
     const std::string number = std::string(before.text) + std::string(token.text);
     const bool isBinary =  // "1010 0101B", "%1010 0101"

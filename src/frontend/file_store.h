@@ -1,6 +1,6 @@
 /// The files of a run, each read once: from the disk, from standard input, or from an editor. The
-/// core assembles the texts that are stored here, and messages and outputs quote them, so all use
-/// the same bytes even if the files change meanwhile.
+/// core assembles the texts that are stored here, and messages and outputs quote them, so they all
+/// use the same bytes even if a file changes.
 #pragma once
 
 #include <map>

@@ -143,7 +143,7 @@ int Assemble(const Options& options) {
         failure = MakeOutputs(options, &analysis, &outputs);
     }
     if (analysis.errorCount != 0) {
-        outputs.clear();  // -W may have made a warning about an output an error
+        outputs.clear();  // -W may turn a warning about an output into an error
     }
     if (!options.listing.empty()) {  // it contains the messages, so it is made after them
         outputs.push_back({options.listing, ListingText(analysis), /*isText=*/true});

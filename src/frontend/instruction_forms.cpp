@@ -32,7 +32,7 @@ bool MayBe(const OperandView& operand, std::int32_t most, std::int32_t mask) {
            (token->value <= most && (token->value & ~mask) == 0);
 }
 
-// A class of operands; `term` is its name in `formTable` or in shapes.
+// A class of operands, written as `term` in `formTable` or in shapes.
 struct TermRow {
     std::string_view term;
     bool (*includes)(const OperandView& operand, bool ignoresParentheses);
@@ -138,7 +138,7 @@ constexpr auto consists = std::to_array<std::pair<std::string_view, std::string_
     {"p", "0 8 16 24 32 40 48 56"},
 });
 
-// True if `use` returns true for a form of `mnemonic`; the second argument of `use` is
+// True if `use` returns true for any form of `mnemonic`; its second argument is
 // `ignoresParentheses`.
 template <typename Use>
 bool AnyForm(std::string_view mnemonic, Use use) {

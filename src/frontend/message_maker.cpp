@@ -135,7 +135,7 @@ void MessageMaker::ExpectHiddenValue(const SourcePlace& place) {
     }
 }
 
-// Removes warnings about the names of labels that an error is about: they would be a second message
+// Removes warnings about label names that an error has explained: they would be a second message
 // about the same mistake.
 void MessageMaker::RemoveExplained() {
     const auto isExplained = [this](const Message& message) {
@@ -166,7 +166,7 @@ void MessageMaker::Make(const Report& report) {
     const auto count = static_cast<std::int32_t>(statements.size());
     auto& [id, reports] =
         statements.try_emplace({report.place.file, report.place.line}, count, 0).first->second;
-    // A limit for one line: each piece of advice examines all operands, and nobody reads so many.
+    // The limit for one line: each piece of advice examines all operands, and nobody reads more.
     constexpr std::int32_t mostAdvised = 50;
     if (++reports > mostAdvised) {
         message.place = PlaceOf(report.place);

@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::string_view program = "korv-as: ";
 
-// The numbers of terminal colours and attributes.
+// Codes for terminal colours and attributes.
 constexpr std::string_view plain = "0", bold = "1", red = "31", green = "32", magenta = "35",
                            cyan = "36";
 

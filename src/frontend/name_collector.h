@@ -46,7 +46,7 @@ class NameCollector {
     static void Sort(std::span<Entry> entries, std::size_t offset);
 
     const CIdentifierManager* table;
-    // By record, since the table finds a name faster than a map of texts would.
+    // Keyed by record: the table finds a name faster than a map of texts would.
     std::unordered_map<const CIdentifier*, Uses> uses;
     // Uses of names that were not yet in the table, because they are in a skipped block or follow
     // the first unresolved name of an expression.

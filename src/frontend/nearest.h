@@ -23,9 +23,9 @@ class NearWords {
     explicit NearWords(const std::vector<std::string_view>& words);
 
     /// The word nearest to `word`, at a distance of at most 2 and at most a third of its length;
-    /// empty if there is none. Other letters add 5/8 to the distance, not being `preferred` adds
-    /// 4/8, and another first letter 2/8. In a tie, a word that begins with `word` is returned;
-    /// without one, any may be meant, and the result is empty.
+    /// empty if there is none. Any change but swapped or doubled letters adds 5/8 to the distance,
+    /// not being `preferred` 4/8, and another first letter 2/8. In a tie, a word that begins with
+    /// `word` is returned; without one, the result is empty.
     [[nodiscard]] std::string_view Find(
         std::string_view word, const std::function<bool(std::string_view)>& preferred = {});
 

@@ -91,8 +91,8 @@ std::string Shown(char kind, std::string_view text) {
     }
 }
 
-// `pattern` with its placeholders filled in; `fix` replaces %f. Without `fix`, the pattern is a fix
-// itself, and is put in lower case if the statement is.
+// `pattern` with its placeholders filled in; `fix` replaces %f. If `fix` is none, `pattern` is a
+// fix itself, and is put in lower case if the mnemonic is.
 std::string Filled(std::string_view pattern, const StatementView& statement, const Texts& texts,
                    std::optional<std::string_view> fix) {
     std::string text;
@@ -266,7 +266,7 @@ std::optional<RowAdvice> AdviceOnRest(std::string_view text) {
 }  // namespace
 
 Status FormMessage(const StatementView& statement, Status number) {
-    if (statement.keyword == nullptr) {  // a byte 0 ends the mnemonic only for the core
+    if (statement.keyword == nullptr) {  // only the mnemonic of the core ends at a byte 0
         return number;
     }
     const auto count = static_cast<std::int32_t>(statement.operands.size());

@@ -30,9 +30,8 @@ struct RowAdvice {
                                                    const OperandView& operand);
 [[nodiscard]] std::optional<RowAdvice> OperandAdvice(const StatementView& statement, Status number);
 
-/// The number of the message about the operands of `statement`: too many, too few, or else illegal.
-/// For an illegal operand, the result is MSG_ILLEGAL_CONDITION if `number` is, else
-/// MSG_ILLEGAL_ARGUMENT.
+/// The number of the message about the operands of `statement`: too many, too few, or illegal.
+/// An illegal operand gives MSG_ILLEGAL_CONDITION if that is `number`, else MSG_ILLEGAL_ARGUMENT.
 [[nodiscard]] Status FormMessage(const StatementView& statement,
                                  Status number = MSG_ILLEGAL_ARGUMENT);
 

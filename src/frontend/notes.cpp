@@ -79,7 +79,7 @@ std::string_view EndOfBlock(const StatementView& statement) {
     return HoldsWord("MACRO MAC", word) ? "endm" : HoldsWord("STRUCT STRUC", word) ? "ends" : "";
 }
 
-// True if the line of a condition also ends it, or if a brace is to end it.
+// True if the line of a condition also ends its block, or opens it with a brace.
 bool HoldsEnd(const StatementView& statement) {
     return statement.rest.ends_with('{') ||
            std::ranges::any_of(statement.operands, [](const OperandView& operand) {

@@ -83,8 +83,8 @@ struct OperandCase {
 [[nodiscard]] std::string Listed(const std::vector<std::string>& words);
 /// Advises on a register in double quotes.
 [[nodiscard]] bool AdviseOnQuotedRegister(OperandCase* it);
-/// Advises on a misspelt register or condition; if `isSure` is true, only if letters are swapped or
-/// doubled.
+/// Advises on a misspelt register or condition; if `isSure` is true, only on sure slips, such as
+/// swapped letters.
 [[nodiscard]] bool AdviseOnMisspeltRegister(OperandCase* it, bool isSure = false);
 /// Advises on a register or a name with a blank in it.
 [[nodiscard]] bool AdviseOnSplitWord(OperandCase* it);

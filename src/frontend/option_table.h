@@ -26,8 +26,7 @@ struct OptionRow {
     [[nodiscard]] bool NeedsArgument() const {
         return !argument.empty() && !argument.starts_with('[');
     }
-    /// The words to choose from, beginning with an empty one if the argument is optional. A single
-    /// word means that there is no choice.
+    /// The words to choose from. A single word means that there is no choice.
     [[nodiscard]] std::vector<std::string_view> Choices() const;
 };
 

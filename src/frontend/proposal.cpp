@@ -119,7 +119,7 @@ bool IsSound(const RunFacts& facts, const StatementView& statement,
 
 namespace {
 
-// The search for a change of one character that makes a statement sound.
+// The search for one small change that makes a statement sound.
 struct SlipSearch {
     const RunFacts& facts;
     const StatementView& statement;

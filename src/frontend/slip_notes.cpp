@@ -11,8 +11,7 @@
 namespace korv {
 namespace {
 
-// True if `text` is `name` with its letters in another order or with one of them repeated, or if it
-// is "H1" for HL.
+// True if `text` permutes `name`, has one letter more but no new ones, or is "H1" for HL.
 bool IsSureSlip(std::string_view text, std::string_view name) {
     const bool isDoubled =
         text.size() == name.size() + 1 && std::ranges::all_of(text, [name](char c) {

@@ -51,8 +51,8 @@ bool AdviseOnQuotes(OperandCase* it) {
     return true;
 }
 
-// Proposes the closing quote of a string: before any numbers and names of bytes that follow a
-// comma, otherwise at its end.
+// Proposes the closing quote of a string: at its end, or before a tail of numbers and names of
+// bytes, as in ",13,10".
 void CloseString(OperandCase* it, std::string_view text) {
     std::size_t end = text.size();
     for (std::size_t comma; (comma = text.substr(0, end).rfind(',')) != std::string_view::npos;) {

@@ -80,8 +80,8 @@ void PrintMemoryFailure(const char* line) {
 
 }  // namespace korv::platform
 
-// All forms of `new` and `delete` in use are replaced. A sanitizer might provide a form that is
-// left out, and must not free memory that was allocated here.
+// All forms of `new` and `delete` in use are replaced. A form left out might be a sanitizer's,
+// which must not free memory allocated here.
 void* operator new(std::size_t size) {
     void* const memory = korv::platform::Allocate(size);
     if (memory == nullptr) {

@@ -1,6 +1,6 @@
 /// Everything that the core needs from the operating system. Each system has its own
 /// implementation, in posix*.cpp and win32*.cpp. No other core code includes a system header or
-/// checks for a system.
+/// distinguishes systems.
 ///
 /// File names: both `/` and `\` separate components. Names are kept as typed; separators are
 /// translated only for calls to the system. Files to be read are found without regard to ASCII
@@ -264,7 +264,7 @@ class OutputFile {
 /// process.
 void OpenStandardStreams();
 
-/// Whether `stream` is a terminal, which would obey control characters.
+/// Whether `stream` is a terminal, which would act on control characters.
 [[nodiscard]] bool IsTerminal(std::FILE* stream);
 
 /// Sets the title of the console window, if there is one.

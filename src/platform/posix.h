@@ -60,7 +60,7 @@ template <typename Request>
     return Requested(request) >= 0 ? Creation::done : ForgetRefused(temporary);
 }
 
-/// The signals that were blocked before `HoldSignals`; null if none are held.
+/// The signals that were blocked before `HoldSignals`; null if no hold is active.
 [[nodiscard]] const sigset_t* MaskBeforeHold();
 
 /// Whether each standard stream was closed when the process started, indexed by file descriptor.

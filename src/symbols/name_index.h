@@ -114,7 +114,7 @@ struct PoolAllocator {
 };
 
 /// A hash table with open addressing, at most half full; nothing is ever removed. The hash is quick
-/// and not secret, so all names of a malicious source may have the same place. Therefore a name is
+/// and not secret, so a malicious source can give all its names the same place. So a name is
 /// stored in one of the `longestProbe` entries from its place on. If these are all taken, the name
 /// is kept in a sorted tree. No choice of names makes a lookup slower than a search in that tree,
 /// and ordinary names hardly ever need it. A secret seed would also help, but then two runs would

@@ -34,7 +34,7 @@ class StagedOutput {
     [[nodiscard]] std::optional<FileIdentity> Identity() const;
     /// True if this output and `other` have the same path. Only for files that do not exist yet.
     [[nodiscard]] bool LeadsWhere(const StagedOutput& other) const;
-    /// True if it is a terminal, which would obey control characters.
+    /// True if it is a terminal, which would act on control characters.
     [[nodiscard]] bool IsTerminal() const;
 
     /// Writes `contents` to a new file, and prepares `TakeBack`. If no new file can be created,

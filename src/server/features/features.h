@@ -77,7 +77,7 @@ void AddSymbolsLike(const Snapshot& snapshot, std::string_view text, Json* symbo
 // formatting.cpp
 /// The edits that lay out lines in columns. They only replace blanks between the parts of a line,
 /// so the image stays the same. Comment lines, continued lines, lines with an unknown mnemonic or
-/// an ambiguous division, and lines that would become too long are not changed.
+/// unclear parts, and lines that would become too long are not changed.
 [[nodiscard]] Json Formatting(const Query& query);
 
 }  // namespace korv

@@ -92,8 +92,9 @@ bool HidesInstruction(std::string_view line, std::string_view label) {
     const std::string hidden = " " + Raised(after.substr(1, CommentStart(after.substr(1))));
     const StatementView view = CutStatement(hidden);
     return HasForm(view) && std::ranges::all_of(view.operands, [](const OperandView& operand) {
-               return operand.what.kind != KIND_VALUE ||
-                      FindExpressionFault(operand).fault == ExpressionFault::none;
+               const ExpressionFault fault = FindExpressionFault(operand).fault;
+               return operand.what.kind != KIND_VALUE || fault == ExpressionFault::none ||
+                      (fault == ExpressionFault::longString && operand.tokens.size() == 1);
            });
 }
 

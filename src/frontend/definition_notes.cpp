@@ -150,7 +150,7 @@ Advice AdviseOnDefinition(const StatementView& statement) {
         FindKeyword(name) != nullptr) {
         return {};
     }
-    Advice advice = Defined(statement, sign, name, value);
+    Advice advice = Defined(statement, statement.label.empty() ? name : sign, name, value);
     if (!statement.label.empty()) {
         advice.note = "write " + advice.edits[0].text;
     }

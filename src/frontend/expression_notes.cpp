@@ -61,9 +61,13 @@ bool AdviseOnDots(OperandCase* it, const Token& token) {
         return it->Propose(part, {{it->statement.PartOf(part.substr(dot, 1)), isData ? "," : "+"}});
     }
     const std::string_view head = part.substr(0, std::min(dot, part.size()));
-    const bool isIndex = HoldsWord("IX IY", head);  // "(IX.Y)"
-    const std::vector<TextEdit> edits = {
+    const bool isIndex = HoldsWord("IX IY", head);  // "(IX.Y)", "IX.Y"
+    std::vector<TextEdit> edits = {
         {it->statement.PartOf(part.substr(head.size(), 1)), isIndex ? "+" : " "}};
+    if (isIndex && part == it->operand->text) {
+        edits.insert(edits.begin(), {it->statement.PartOf(part.substr(0, 0)), "("});
+        edits.push_back({it->statement.PartOf(part.substr(part.size())), ")"});
+    }
     if (IsSound(it->adviser.Facts(), it->statement, edits)) {
         return it->Propose(part, edits);
     }

@@ -110,7 +110,11 @@ Advice AdviseOnLabelPlace(const Adviser& adviser, const StatementView& statement
             "end the label with one colon, without a blank before it");
     }
     const std::string_view stem = word.substr(0, word.size() - 1);
-    if (word.ends_with(':') && IsNameText(stem) && FindKeyword(stem) == nullptr) {
+    const std::string_view follower = statement.rest.substr(0, statement.rest.find_first_of(" \t"));
+    const bool isSecond =  // "CON OUT: EQU 2"
+        !statement.label.empty() && !statement.hasColon && FindKeyword(follower) != nullptr &&
+        FindKeyword(statement.label) == nullptr;
+    if (word.ends_with(':') && IsNameText(stem) && (isSecond || FindKeyword(stem) == nullptr)) {
         const std::size_t blanks = statement.PartOf(word).offset;
         if (!statement.label.empty() && !statement.hasColon) {
             const std::string_view both = statement.Span(statement.label, word);
@@ -129,8 +133,11 @@ Advice AdviseOnLabelPlace(const Adviser& adviser, const StatementView& statement
             return Replace(statement, word.substr(0, 0), "\n",
                            "put the second label on a line of its own");
         }
+        const bool isAlone = HoldsWord("IF COND ELSE ENDIF ENDC", follower);
         Advice moved = Replace(statement, statement.line.substr(0, blanks + word.size()),
-                               std::string(statement.Typed(word)), "begin the label in column 1");
+                               std::string(statement.Typed(word)) + (isAlone ? "\n" : ""),
+                               isAlone ? "put the label on a line of its own, from column 1 on"
+                                       : "begin the label in column 1");
         moved.definesName = true;
         moved.names.emplace_back(stem);
         return moved;

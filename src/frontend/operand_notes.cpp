@@ -184,7 +184,11 @@ bool AdviseOnShape(OperandCase* it) {
             token->text.size() == 1) {  // probably a register
             return false;
         }
-        if (it->fault.number != MSG_TOO_MANY_ARGUMENTS && it->advice.note.starts_with("write ")) {
+        if (HoldsWord("IN OUT", it->statement.mnemonic)) {  // "OUT (V),E"
+            it->PointAt(operands[it->statement.mnemonic == "IN" ? 1 : 0].text);
+            it->advice.note = "use (C), or a number with A";
+        } else if (it->fault.number != MSG_TOO_MANY_ARGUMENTS &&
+                   it->advice.note.starts_with("write ")) {
             it->advice.note = FormsNote(it->statement);
         }
     }

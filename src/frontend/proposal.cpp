@@ -244,7 +244,11 @@ std::string MeantMnemonic(const FaultView& fault, const Advice& advice) {
     if (advice.edits.empty() && !statement.hasColon && FindKeyword(statement.label) != nullptr) {
         line.insert(0, " ");
     }
-    return std::string(CutStatement(line.substr(0, line.find('\n'))).mnemonic);
+    const std::string_view first = std::string_view(line).substr(0, line.find('\n'));
+    const StatementView view = CutStatement(first);
+    const bool isLabel = view.mnemonic.empty() && first.size() < line.size();  // alone on its line
+    return std::string(isLabel ? CutStatement(line.substr(first.size() + 1)).mnemonic
+                               : view.mnemonic);
 }
 
 namespace {

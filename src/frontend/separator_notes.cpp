@@ -108,7 +108,8 @@ bool AdviseOnSeparator(OperandCase* it) {
     }
     const std::string_view text = operands.size() == 1 ? operands[0].text : it->operand->text;
     const bool isSum = HoldsWord("ADD ADC SBC", it->statement.mnemonic);  // "ADD HL+DE"
-    const std::size_t at = text.find_first_of(isSum ? ":.=<>-;/+" : ":.=<>-;/");
+    const std::size_t start = text.starts_with('"') ? text.find('"', 1) : 0;
+    const std::size_t at = text.find_first_of(isSum ? ":.=<>-;/+" : ":.=<>-;/", start);
     const std::string_view sign = text.substr(std::min(at, text.size()), 2);
     const bool isNegative = at + 2 < text.size() && HasClass(text[at + 2], CC_DIGIT);  // "A<-5"
     const std::size_t size = sign == "->" || (sign == "<-" && !isNegative) ? 2 : 1;
@@ -317,8 +318,17 @@ bool AdviseOnEmptyOperand(OperandCase* it) {
         return false;
     }
     const std::size_t at = it->statement.PartOf(empty->text).offset;
-    const std::size_t comma = it->statement.line.rfind(',', at);
-    it->PointAt(it->statement.line.substr(std::min(comma, at), 1));
+    const std::string_view line = it->statement.line;
+    const std::string_view comma = line.substr(std::min(line.rfind(',', at), at), 1);
+    const bool isComment =  // "RET , text"
+        empty == it->statement.operands.begin() && HasForm(CutStatement(line.substr(0, at))) &&
+        !HasFormWith(it->statement, {{it->statement.PartOf(comma), ""}});
+    it->PointAt(comma);
+    if (isComment) {
+        it->Replace(comma, ";");
+        it->advice.note = "begin the comment with a semicolon";
+        return true;
+    }
     it->advice.note = "add the operand, or remove the comma";
     return true;
 }

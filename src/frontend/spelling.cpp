@@ -16,6 +16,9 @@ bool IsApostrophe(std::string_view source, std::size_t at) {
            source.find('\'', at + 1) != std::string_view::npos;
 }
 
+constexpr const char* oddCharacterNote =
+    "replace the characters that are not ASCII, such as typographic quotes and blanks";
+
 // The text in single quotes that begins at offset `start` of the line. Two quotes in a row stand
 // for one.
 Foreign SingleQuoted(const StatementView& statement, std::size_t start) {
@@ -115,6 +118,11 @@ Foreign ForeignNumber(const StatementView& statement, const Token& token) {
         text.find_first_not_of("0123456789", letter + 1) == std::string_view::npos) {  // "1E3"
         return {text, "", "write " + typed + "H if it is hexadecimal: there are no exponents"};
     }
+    const std::string_view shorter = text.substr(0, text.size() - 1);  // of "11BB", "0FFHH"
+    if (HoldsWord("B H", text.substr(shorter.size())) && shorter.ends_with(text.back()) &&
+        CutTokens(shorter)[0].kind == TokenKind::number && (text.back() == 'H' || letter > 3)) {
+        return {text, std::string(statement.Typed(shorter)), ""};
+    }
     if (const std::string number = NumberSpelling(text); !number.empty()) {
         const bool isEither = text == number + "D";
         if (isEither && text.front() == '0') {  // "0D"
@@ -206,10 +214,6 @@ Foreign ForeignToken(const StatementView& statement, const Token& token) {
         ClassOf(text.substr(0, text.size() - 1)).kind != KIND_VALUE) {
         return {text, "", "use EX AF,AF' or EXX: the second set of registers has no names"};
     }
-    if (HasOddByte(text)) {
-        return {text, "",
-                "replace the characters that are not ASCII, such as typographic quotes and blanks"};
-    }
     if (text.front() == '\\' && text.find_first_not_of("0123456789", 1) == text.npos) {
         return {text, typed.substr(1), ""};
     }
@@ -257,9 +261,16 @@ Foreign FindForeign(const StatementView& statement, const OperandView& operand) 
         if (isString) {
             continue;
         }
+        if (static_cast<unsigned char>(c) > 126) {
+            return {operand.text, "", oddCharacterNote};
+        }
         const std::size_t at = statement.PartOf(operand.text).offset + i;
         const bool isShadow = i > 0 && (HasClass(operand.text[i - 1], CC_NAME) ||
                                         operand.text[i - 1] == '\'');  // AF', AF'', H'FF'
+        if (c == '\'' && i > 1 && HasClass(operand.text[i - 1], CC_BLANK) &&
+            statement.typed.find(c, at + 1) == std::string_view::npos) {  // "LD A,5 ' text"
+            return {operand.text.substr(i, 1), ";", "begin the comment with a semicolon"};
+        }
         if ((c == '\'' || c == '`') && !isShadow && statement.mnemonic != "EX") {
             Foreign found = SingleQuoted(statement, at);
             if (i > 0 && operand.text[i - 1] == '#') {  // "#'A'"
@@ -288,6 +299,14 @@ Foreign FindForeign(const StatementView& statement, const OperandView& operand) 
             HasClass(operand.text[i - 1], CC_NAME)) {  // "TABLE[2]"
             const std::string_view index =
                 operand.text.substr(i + 1, operand.text.find(']', i) - i - 1);
+            if (i == 2 && HoldsWord("IX IY", operand.text.substr(0, i)) &&
+                operand.text.ends_with(']')) {  // "IX[2]"
+                const std::string_view typed = statement.Typed(operand.text);
+                return {operand.text,
+                        "(" + std::string(typed.substr(0, i)) + "+" +
+                            std::string(typed.substr(i + 1, index.size())) + ")",
+                        ""};
+            }
             return {operand.text, "",
                     ClassOf(index).kind == KIND_VALUE
                         ? "add the index to the address with +: there are no arrays"

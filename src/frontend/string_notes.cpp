@@ -163,7 +163,15 @@ bool AdviseOnOddQuotes(OperandCase* it) {
             return it->Propose(rest.substr(i, 2), edits, "remove the extra quote: ");
         }
     }
-    if (count < 3 || !HoldsWord("DB DEFB", it->statement.mnemonic)) {
+    if (const std::size_t end = rest.find("\"\"", 2); rest.starts_with("\"\"")) {  // ""text""
+        const std::vector<TextEdit> edits = {
+            {it->statement.PartOf(rest.substr(0, 1)), ""},
+            {it->statement.PartOf(rest.substr(std::min(end, rest.size()), 1)), ""}};
+        if (count > 3 && IsSound(it->adviser.Facts(), it->statement, edits)) {
+            return it->Propose(rest.substr(0, 2), edits, "remove the extra quotes: ");
+        }
+    }
+    if (count < 3 || count % 2 == 0 || !HoldsWord("DB DEFB", it->statement.mnemonic)) {
         return false;
     }
     for (std::size_t i = 0; i <= rest.size(); ++i) {

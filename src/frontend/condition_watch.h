@@ -18,7 +18,7 @@ class ConditionWatch {
     }
     /// Records that change. Result: the warnings about `statement`.
     Findings Follow(const CAssembler& assembler, const CStatement& statement);
-    /// The IFs without an ENDIF so far.
+    /// The places of the IFs that have no ENDIF so far.
     [[nodiscard]] std::vector<SourcePlace> Open() const;
 
   private:

@@ -56,7 +56,7 @@ FaultyToken FindExpressionFault(const OperandView& operand) {
     const std::span<const Token> tokens = ExpressionTokens(operand);
     const bool isBalanced = std::ranges::count(tokens, OP_OPEN, &Token::code) ==
                             std::ranges::count(tokens, OP_CLOSE, &Token::code);
-    constexpr std::size_t mostTokens = 19;  // the number of the evaluator's nodes
+    constexpr std::size_t mostTokens = 19;  // the evaluator has this many nodes
     if (tokens.size() > mostTokens) {
         return {ExpressionFault::tooComplex, &tokens[mostTokens]};
     }

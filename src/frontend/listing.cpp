@@ -140,7 +140,7 @@ class Listing {
     }
 
     // Up to `count` bytes of `statement` from its byte `done` on; fewer if the image ends earlier,
-    // as after an error.
+    // as it may after an error.
     std::span<const std::uint8_t> BytesOf(const Statement& statement, std::uint32_t done,
                                           std::uint32_t count) const {
         const std::size_t start =
@@ -273,8 +273,8 @@ class Listing {
 
     const Analysis& analysis;
     std::size_t sourceColumn = 0;  // from 0
-    // For each file, the bytes of its name minus its columns, since a character may have several
-    // bytes.
+    // For each file, the size of its name in bytes minus its width in columns. They differ if a
+    // character has several bytes.
     std::vector<std::size_t> hiddenBytes;
     std::vector<std::size_t> messages;  // their indices, sorted by opening and line
     std::vector<bool> isListed;         // for each message, by index

@@ -24,8 +24,8 @@ struct LogicalLine {
     std::int32_t lastLine = 0;                ///< its last physical line
 };
 
-/// The logical line that begins at physical line `number` of `text`, truncated to `longestLine`,
-/// since no longer line assembles.
+/// The logical line that begins at physical line `number` of `text`. It is truncated to
+/// `longestLine`, since longer lines do not assemble.
 [[nodiscard]] LogicalLine LogicalLineAt(const StoredText& text, std::int32_t number);
 
 /// Converts places in cleaned lines to places in files. Caches the last line, since a line often

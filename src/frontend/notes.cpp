@@ -1,6 +1,6 @@
-// Advice is looked for in this order: the mnemonic; the operand at fault, first its foreign
-// spellings and then its tokens; the operands as a whole; the forms of the mnemonic. A message that
-// is only a consequence of an earlier one is then marked as such.
+// Advice is looked for in this order: one mistyped punctuation mark; the mnemonic; the operand at
+// fault, first its foreign spellings and then its tokens; the operands as a whole; the forms of the
+// mnemonic. A message that is only a consequence of an earlier one is then marked as such.
 
 #include "frontend/notes.h"
 

@@ -51,12 +51,12 @@ struct OperandCase {
 /// True if the changed statement matches a form of its mnemonic.
 [[nodiscard]] bool HasFormWith(const StatementView& statement, const std::vector<TextEdit>& edits);
 
-/// The first token `text` of `operand`; null if there is none.
+/// The first token of `operand` that is equal to `text`; null if there is none.
 [[nodiscard]] const Token* FindToken(const OperandView& operand, std::string_view text);
 
-/// Advises on a fault in the tokens of the operand. Result: false if they contain none.
+/// Advises on a fault in the tokens of the operand. Result: false if there is no fault.
 [[nodiscard]] bool AdviseOnExpression(OperandCase* it);
-/// Advises on "XAND3", a word operator without blanks, and on a misspelt operator.
+/// Advises on a word operator without blanks, as in "XAND3", and on a misspelt one.
 [[nodiscard]] bool AdviseOnWordOperator(OperandCase* it, const Token& token);
 /// Advises on a semicolon, a blank or a bracket in place of a comma, and on "(IX,5)".
 [[nodiscard]] bool AdviseOnComma(OperandCase* it);

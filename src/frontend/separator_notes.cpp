@@ -219,8 +219,8 @@ bool AdviseOnSplitBrackets(OperandCase* it) {
 
 namespace {
 
-// True if the text from the mnemonic at token `i` to the next mnemonic or separator is a statement,
-// not part of a comment.
+// True if the text from the mnemonic at token `i` to the next mnemonic or separator is a valid
+// statement, so that it is not part of a comment.
 bool IsWholeInstruction(const StatementView& statement, const OperandView& operand, std::size_t i) {
     constexpr std::size_t longest = 80;  // a bound for the work on one message
     const std::size_t start = statement.PartOf(operand.tokens[i].text).offset;

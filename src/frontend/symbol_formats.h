@@ -19,7 +19,7 @@ struct SymbolFormatRow {
     std::string_view header;     ///< lines before the first symbol
     bool hasAllValues;           ///< false: only those from 0 to FFFFH
     bool (*allows)(std::string_view name);
-    char* (*put)(char* to, const Name& name);  ///< writes its line; the result is the end
+    char* (*put)(char* to, const Name& name);  ///< writes the line of `name`; returns the end
 };
 
 /// One row for each value of `SymbolFormat`, in its order.
@@ -35,7 +35,7 @@ struct SymbolFile {
     [[nodiscard]] std::string Dropped() const;
 };
 
-/// The names of the source and of -D that have a value, by value, then by name. Needs
+/// The names from the source and from -D that have a value, sorted by value and then by name. Needs
 /// `Wanted::names`.
 [[nodiscard]] SymbolFile SymbolText(const Analysis& analysis, SymbolFormat format);
 

@@ -56,8 +56,8 @@ struct FileUse {
 
 enum class StatementKind : std::uint8_t {
     blank,        ///< nothing, or only a comment
-    label,        ///< a label alone
-    instruction,  ///< of the processor
+    label,        ///< only a label
+    instruction,  ///< a processor instruction
     data,         ///< DB, DW, DM, BINCLUDE
     space,        ///< DS
     directive,    ///< emits no bytes

@@ -26,7 +26,7 @@ struct Finding {
     Warning warning;
     std::string_view part;  ///< of the cleaned line; null data: the mnemonic
     std::string detail;     ///< shown after the text of the warning; may be empty
-    std::string_view note;  ///< a constant that says what to do; may be empty
+    std::string_view note;  ///< what to do about it (a constant); may be empty
 };
 using Findings = std::vector<Finding>;
 

@@ -24,7 +24,7 @@ struct Cycles {
 /// The T-states of a statement; 0 if it is not an instruction or has no bytes.
 [[nodiscard]] Cycles CyclesOf(const Analysis& analysis, const Statement& statement);
 
-/// No text of `CyclesText` is longer than this, in characters.
+/// An upper bound for the length, in characters, of the text that `CyclesText` returns.
 inline constexpr std::size_t longestCycles = 7;
 /// Writes the text of `cycles` to `to`, which must have room for `longestCycles` characters.
 /// Result: the end of the text.

@@ -35,7 +35,7 @@ ExpressionFault FaultOf(const Token& token) {
     }
 }
 
-// The tokens of `operand` without the brackets around the whole operand, which only denote memory.
+// The tokens of `operand`, without brackets around the whole operand: they only denote memory.
 std::span<const Token> ExpressionTokens(const OperandView& operand) {
     const std::span<const Token> tokens = operand.tokens;
     return !tokens.empty() && tokens.front().code == OP_OPEN && tokens.back().code == OP_CLOSE

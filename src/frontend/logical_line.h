@@ -20,7 +20,7 @@ struct LogicalLine {
     };
     std::string text;
     std::vector<Position> positions;          ///< of each character of `text`
-    std::vector<Position> continuedComments;  ///< the backslashes that continue its comment
+    std::vector<Position> continuedComments;  ///< the backslashes that continue the comment
     std::int32_t lastLine = 0;                ///< its last physical line
 };
 

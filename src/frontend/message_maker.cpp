@@ -153,7 +153,7 @@ void MessageMaker::Make(const Report& report) {
     Message message;
     message.severity =
         report.warning && !warnings->IsError(*report.warning) ? Severity::warning : Severity::error;
-    if (!IsOpen()) {  // it is only counted
+    if (!IsOpen()) {  // the message is only counted
         AddMessage(std::move(message), analysis);
         return;
     }

@@ -144,8 +144,8 @@ std::string InOneLine(std::string_view text) {
     return line;
 }
 
-// "*" matches any characters, "#" a digit, "|" separates alternatives, and a backslash makes the
-// next character literal.
+// Matches one alternative of a pattern: "*" matches any characters, "#" a digit, and a backslash
+// makes the next character literal.
 bool MatchesOne(std::string_view text, std::string_view pattern) {
     if (pattern.empty()) {
         return text.empty();
@@ -162,6 +162,7 @@ bool MatchesOne(std::string_view text, std::string_view pattern) {
     return isThere && MatchesOne(text.substr(1), pattern.substr(1));
 }
 
+// True if `text` matches one of the alternatives in `pattern`, which "|" separates.
 bool Matches(std::string_view text, std::string_view pattern) {
     for (std::size_t start = 0;;) {
         std::size_t end = start;

@@ -53,7 +53,7 @@ class RunFacts {
 
 /// A message of the core, as it was reported.
 struct FaultView {
-    Status number = 0;    ///< as reported; negative: it has no row
+    Status number = 0;    ///< row of MESSAGE_TABLE; negative: an internal error
     bool isError = true;  ///< else a warning
     bool isLate = false;  ///< reported after its line was assembled
     const StatementView& statement;
@@ -146,7 +146,7 @@ class Adviser {
     std::int32_t skippedAfter = 0;     // its first line
     std::int32_t skippedTo = 0;        // its last line
     bool hasRepeatedFile = false;      // a file that defines names is read twice
-    bool hasRefusedFile = false;       // of an INCLUDE
+    bool hasRefusedFile = false;       // an INCLUDE failed
     bool hasRefusedBlock = false;      // such as a macro
     std::int32_t lastStatement = -1;   // the last one with an error
     std::vector<LinePart> lastPlaces;  // of its errors

@@ -212,7 +212,7 @@ void AimAt(OperandCase* it) {
     const auto& operands = it->statement.operands;
     if (it->statement.mnemonic == "ADD" && operands.size() == 2 &&
         !HoldsWord("A HL IX IY", operands[0].text)) {
-        it->operand = operands.data();  // ADD B alone is a form
+        it->operand = operands.data();  // "ADD B" alone matches a form
     }
     if (HoldsWord("CALL JR", it->statement.mnemonic) && operands.size() == 2 &&
         operands[0].what.kind == KIND_VALUE && operands[1].what.kind == KIND_VALUE &&

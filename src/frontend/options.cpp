@@ -1,6 +1,6 @@
-// Reads the command line with the table of options. The rules are those of GNU programs: options
-// and the source in any order, combined letters ("-wl list"), "--name=value" or "--name value", and
-// only files after "--".
+// Reads the command line with the table of options. The command line follows the rules of GNU
+// programs: options and the source in any order, combined letters ("-wl list"), "--name=value" or
+// "--name value", and only files after "--".
 
 #include "frontend/options.h"
 

@@ -88,7 +88,7 @@ struct OperandView {
     [[nodiscard]] bool HoldsAsName(const Token& token) const {
         return IsLookedUp(token, static_cast<std::size_t>(&token - tokens.data()), what);
     }
-    /// Its only token, in parentheses or not; null if there are several.
+    /// The only token, in parentheses or not; null unless there is exactly one.
     [[nodiscard]] const Token* OnlyToken() const;
 };
 
@@ -103,7 +103,7 @@ struct StatementView {
     std::vector<OperandView> operands;
     const Keyword* keyword = nullptr;  ///< the row of `mnemonic`; null for none
 
-    /// The place of the part `text` of `line`.
+    /// The place of `text`, which must be a part of `line`.
     [[nodiscard]] LinePart PartOf(std::string_view text) const {
         assert(text.data() >= line.data() && text.data() <= line.data() + line.size());
         return {static_cast<std::uint32_t>(text.data() - line.data()),

@@ -14,7 +14,7 @@ namespace korv {
 
 class StoredText {
   public:
-    /// Bytes as they were read, owned.
+    /// The bytes of a file, owned by the block.
     struct Block {
         std::unique_ptr<char[]> data;
         std::size_t size = 0;

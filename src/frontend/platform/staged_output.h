@@ -24,7 +24,7 @@ class StagedOutput {
     StagedOutput(StagedOutput&&) noexcept = default;
     ~StagedOutput() { static_cast<void>(TakeBack()); }
 
-    /// Opens the file `name`, exactly as spelled, if it exists. Waits for the reader of a named
+    /// Opens the file whose name is exactly `name`, if it exists. Waits for the reader of a named
     /// pipe. If standard output is redirected to the file, opens that stream instead.
     [[nodiscard]] bool Open(std::string_view name);
     [[nodiscard]] bool OpenStandardOutput();

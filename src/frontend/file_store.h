@@ -24,7 +24,7 @@ class FileStore : public SourceStore {
     /// In bytes. A longer file is refused, since assembling it would take too much memory.
     static constexpr std::size_t longestFile = 0x10000000;
 
-    /// Relative names, including that of the main file, are relative to `directory`, or to the
+    /// Relative names, including the name of the main file, are relative to `directory`, or to the
     /// current directory if that is empty.
     explicit FileStore(std::string_view directory = {});
 

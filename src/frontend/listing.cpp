@@ -247,7 +247,7 @@ class Listing {
         text.Advance(to);
     }
 
-    // Writes the columns before the place of a name. Result: where the place is to be written.
+    // Writes the columns before the place of a name. Result: where to write the place.
     char* PutNameColumns(char* start, std::string_view name, std::string_view value,
                          std::string_view kind, std::string_view uses) const {
         char* to = PutText(start, name);

@@ -56,8 +56,8 @@ class MessageMaker : private RunFacts {
         return openingByNumber[static_cast<std::size_t>(number)];
     }
 
-    /// Keeps a report, a message or a warning for `Finish`: its note may depend on names that are
-    /// defined later.
+    /// Keeps a report, a message or a warning for `Finish`, since its note may depend on names that
+    /// are defined later.
     void Add(Report report) { pending.emplace_back(std::move(report)); }
     void Add(Message message) { pending.emplace_back(std::move(message)); }
     void Warn(Warning warning, const Place& place, std::int32_t opening, std::string detail,

@@ -250,13 +250,13 @@ bool HasEscape(std::string_view text) {
     });
 }
 
-// True if a statement that is to be proposed matches a form.
+// True if the proposed statement `text` matches a form.
 bool IsForm(std::string_view text) {
     const std::string line = " " + Raised(text);
     return HasForm(CutStatement(line));
 }
 
-// The advice from the note tables on a statement that is to be proposed but matches no form.
+// The advice from the note tables on the proposed statement `text`, which matches no form.
 std::optional<RowAdvice> AdviceOnRest(std::string_view text) {
     const std::string typed = " " + std::string(text);
     const std::string line = Raised(typed);

@@ -272,7 +272,7 @@ void Adviser::Remember(const FaultView& fault, const Advice& advice) {
     if (advice.isFollowOn) {
         return;
     }
-    const bool isSecond =  // "DB NAME 5": a name that was to be defined
+    const bool isSecond =  // "DB NAME 5": a name that was meant to be defined
         fault.number == MSG_UNKNOWN_INSTRUCTION && !statement.label.empty() && !statement.hasColon;
     answeredNames.insert(isSecond ? std::string(statement.mnemonic) : UnknownName(fault, advice));
     renamedLabels.insert(advice.explains.begin(), advice.explains.end());

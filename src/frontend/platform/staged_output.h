@@ -59,7 +59,7 @@ class StagedOutput {
     FileHandle handle;                    // of the new file
     std::string temporary;                // its name; empty: overwriting, or after `Put`
     std::string backup;                   // a second name of the old file
-    std::optional<std::string> oldBytes;  // of a file that is to be overwritten
+    std::optional<std::string> oldBytes;  // of a file that will be overwritten
     bool isPut = false;                   // the old contents have been replaced, or may have been
 };
 

@@ -31,7 +31,8 @@ LoadHeader HeaderOf(const CAssembler::LoadHeader& bytes) {
     return {word(1), word(3), word(5)};
 }
 
-// More than any real program opens. A file that includes itself several times would open millions.
+// More than any real program opens. A file that includes itself several times could be opened
+// millions of times.
 constexpr std::size_t maxOpenings = 65536;
 
 class Analyser : public RunObserver {
@@ -53,8 +54,8 @@ class Analyser : public RunObserver {
         CStatement* statement;  // the current one
         std::int32_t opening;
         std::vector<Report> reports = {};  // about that statement
-        bool isRecorded = false;           // it is an INCLUDE and has been recorded
-        bool isFaulty = false;  // it has an error, or a warning about its bytes or its address
+        bool isRecorded = false;           // `statement` is an INCLUDE that has been recorded
+        bool isFaulty = false;  // `statement` has an error, or a warning about its bytes or address
     };
     void Stop(const CStatement& statement, std::string text, std::string code, std::string note);
     void StopAtLimit(const CStatement& statement);
@@ -75,15 +76,15 @@ class Analyser : public RunObserver {
     MessageMaker maker;
     StatementChecks checks;
     BlockBuilder blocks;
-    std::vector<Level> levels;  // the last one's statement is being assembled
+    std::vector<Level> levels;  // the statement of the last one is being assembled
     std::unordered_map<std::string, std::int32_t> fileIndex;  // by full path
     NameCollector names{&assembler.identifiers};
     std::vector<Report> unresolved;  // found at the end of the run
     std::string defineFailure;       // reported for the current -D
     bool isDefining = false;
-    bool isStopped = false;                 // by an error, which explains later reports
+    bool isStopped = false;                 // after an error that explains all later reports
     std::uint32_t imageSize = 0;            // after the last statement
-    bool isNextWanted = wanted.statements;  // the current statement needs TakeStatement
+    bool isNextWanted = wanted.statements;  // `TakeStatement` must see the current statement
 };
 
 Analyser::Analyser(const Options& options, FileStore* store, const Wanted& wanted)
@@ -150,7 +151,7 @@ void Analyser::StopAtLimit(const CStatement& statement) {
          "max-image", "use --max-image to allow another length");
 }
 
-// Index in `analysis.files` of the file at `path`, which is added when it is first used.
+// The index in `analysis.files` of the file at `path`. A file is added when it is first used.
 std::int32_t Analyser::FileAt(const std::string& path, bool isBinary) {
     const auto [found, isNew] =
         fileIndex.emplace(path, static_cast<std::int32_t>(analysis.files.size()));
@@ -207,7 +208,7 @@ void Analyser::OnIncludedBytes(const std::string& path) {
     AddFileUse(*levels.back().statement, FileAt(path, /*isBinary=*/true));
 }
 
-// Records that `statement` has read the file that its operand names.
+// Records that `statement` uses `file`, which its operand names.
 void Analyser::AddFileUse(const CStatement& statement, std::int32_t file) {
     if (wanted.uses) {
         const std::string_view name = CutStatement(statement.text).rest;
@@ -311,8 +312,8 @@ void Analyser::Record(const CStatement& statement, std::uint32_t lineCount, std:
                record.opening);
 }
 
-// Called for every statement. Most need no further work, so this path must be short: with 20 more
-// instructions here, the run takes 4 % longer.
+// Called for every statement. Most need no further work, so this path must be short: 20 more
+// instructions here make a run 4 % longer.
 void Analyser::OnStatement(CStatement& statement, std::uint32_t lineCount) {
     const std::uint32_t count = assembler.binary.Position() - imageSize;
     imageSize += count;

@@ -18,8 +18,8 @@ struct Wanted {
     bool uses = false;       ///< also the place of each use, and where each file is included
 };
 
-/// Assembles `options.source`. All files are read through `store`; the texts that the analysis
-/// holds stay valid without it. A process may only have one run at a time.
+/// Assembles `options.source`. All files are read through `store`; the texts in the analysis
+/// outlive the store. A process may have only one run at a time.
 [[nodiscard]] Analysis Analyse(const Options& options, FileStore* store, const Wanted& wanted);
 
 }  // namespace korv

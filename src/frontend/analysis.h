@@ -19,7 +19,7 @@ namespace korv {
 
 struct Keyword;
 
-/// An index that refers to no element of any vector of an `Analysis`.
+/// An index that means "no element", for every vector of an `Analysis`.
 inline constexpr std::int32_t noIndex = -1;
 
 /// A part of a physical line: the position of something in the source.
@@ -27,7 +27,7 @@ struct Place {
     std::int32_t file = noIndex;  ///< index in `Analysis::files`; `noIndex`: no place at all
     std::int32_t line = 0;        ///< from 1
     std::uint32_t column = 0;     ///< in bytes, from 0
-    std::uint32_t length = 0;     ///< in bytes; at most to the end of the line
+    std::uint32_t length = 0;     ///< in bytes; not past the end of the line
 
     [[nodiscard]] bool IsSomewhere() const { return file != noIndex; }
     auto operator<=>(const Place&) const = default;  ///< by file, line and column
@@ -41,7 +41,7 @@ struct SourceFile {
     bool isStandardInput = false;
 };
 
-/// The assembly of a source file, once for the main file and once for each INCLUDE.
+/// One reading of a source file: the main file has one, and each INCLUDE adds one.
 struct Opening {
     std::int32_t file = noIndex;      ///< index in `files`
     std::int32_t includer = noIndex;  ///< index in `openings`; `noIndex` for the main file
@@ -56,8 +56,8 @@ struct FileUse {
 
 enum class StatementKind : std::uint8_t {
     blank,        ///< nothing, or only a comment
-    label,        ///< a label alone
-    instruction,  ///< of the processor
+    label,        ///< only a label
+    instruction,  ///< a processor instruction
     data,         ///< DB, DW, DM, BINCLUDE
     space,        ///< DS
     directive,    ///< emits no bytes
@@ -83,7 +83,7 @@ enum class NameKind : std::uint8_t {
     constant,     ///< defined by EQU
     commandLine,  ///< defined by -D
     internal,     ///< predefined: version identifiers
-    undefined,    ///< only referred to
+    undefined,    ///< used, but not defined
 };
 
 struct Name {
@@ -92,7 +92,7 @@ struct Name {
     bool hasValue = false;  ///< also false for an EQU that was never resolved
     std::int32_t value = 0;
     bool isUsed = false;  ///< an expression has read the value
-    Place definition;     ///< the name in its definition; nowhere if it has none
+    Place definition;     ///< the name in its definition; nowhere if there is none
     std::int32_t opening = noIndex;
     std::size_t useCount = 0;  ///< with `Wanted::useCounts` or `Wanted::uses` only
     std::vector<Place> uses;   ///< in the order of the source; with `Wanted::uses` only
@@ -100,9 +100,9 @@ struct Name {
 
 enum class Severity : std::uint8_t { error, warning };
 
-/// A change to the text that a note proposes.
+/// A change to the source text, proposed by a note.
 struct Edit {
-    Place place;  ///< what is replaced; an insertion has the length 0
+    Place place;  ///< the text to replace; its length is 0 for an insertion
     std::string text;
 };
 
@@ -113,16 +113,16 @@ struct Related {
 
 struct Message {
     Severity severity = Severity::error;
-    std::int32_t number = 0;  ///< row of MESSAGE_TABLE; 0 for a message of the front end alone
-    std::optional<Warning> warning;  ///< its name, if -W can select it
+    std::int32_t number = 0;         ///< row of MESSAGE_TABLE; 0 for the front end's own messages
+    std::optional<Warning> warning;  ///< only if -W can select the message
     std::string code;                ///< "X16", or a name; empty if there is none
     Place place;
-    std::int32_t opening = noIndex;  ///< index in `openings`; `noIndex` without a place
+    std::int32_t opening = noIndex;  ///< index in `openings`; `noIndex` if there is no place
     std::string text;
     std::string detail;            ///< what is at fault, quoted if it is source text; or empty
     std::string note;              ///< what to do about it, or empty
-    std::vector<Related> related;  ///< related places, which an editor links to
-    std::vector<Edit> edits;       ///< the changes to the text that `note` proposes
+    std::vector<Related> related;  ///< places that an editor links to
+    std::vector<Edit> edits;       ///< the changes that `note` proposes
 };
 
 /// A part of the image with consecutive addresses, all of them below 64 KiB.
@@ -143,19 +143,19 @@ struct LoadHeader {
 
 /// The result of one run.
 struct Analysis {
-    std::vector<SourceFile> files;      ///< those that were read; the main file first
+    std::vector<SourceFile> files;      ///< the files that were read, the main file first
     std::vector<Opening> openings;      ///< in the order of opening
     std::vector<FileUse> fileUses;      ///< with `Wanted::uses` only
     std::vector<Statement> statements;  ///< with `Wanted::statements` only
     std::vector<Message> messages;      ///< in the order in which they are printed
-    std::vector<Name> names;            ///< by text; with `Wanted::names` only
+    std::vector<Name> names;            ///< sorted by text; with `Wanted::names` only
     std::vector<Block> blocks;  ///< in the order of the source; with `Wanted::statements` only
     std::vector<std::uint8_t> image;  ///< without a load header
     LoadHeader header;                ///< for a .bin
     std::uint64_t errorCount = 0;     ///< all errors, including those beyond the limit
     std::uint64_t warningCount = 0;
     std::uint64_t errorLimit = 0;  ///< after that many errors, no message is kept; 0: no limit
-    std::string failure;  ///< why there is no result at all, such as a source that cannot be read
+    std::string failure;  ///< why there is no result, for example because the source cannot be read
 
     /// File name and line for a person, as in "sub/a.kor:12".
     [[nodiscard]] std::string LineName(const Place& place) const {

@@ -9,8 +9,8 @@ namespace korv {
 namespace {
 
 constexpr int deepest = 10;
-// The limit for the bytes of all files together. A file counts each time it is read, so neither an
-// endless file nor repeated references to a file can exhaust the memory.
+// The limit for the total size of all files, in bytes. A file counts each time it is read, so
+// neither an endless file nor repeated references to a file can exhaust memory.
 constexpr std::size_t mostBytes = 0x100000;
 
 constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
@@ -81,7 +81,7 @@ class Expander {
 
     std::vector<std::string> result;
 
-    // `depth` is how deeply the file with these words is nested; 0: they are from the command line.
+    // `depth` is the nesting level of the file that contains `words`; 0: the command line.
     std::string Take(const std::vector<std::string>& words, int depth) {
         for (const std::string& word : words) {
             if (!word.starts_with('@')) {

@@ -10,8 +10,8 @@ namespace korv {
 
 /// Appends the words of an argument file to `words`. Blanks and line ends separate words. As in the
 /// argument files of GNU programs, '...' and "..." keep blanks, and a backslash makes the next
-/// character literal, also in quotes. A line that begins with # is a comment. A byte order mark is
-/// skipped. Result: empty, or an error message with the line.
+/// character literal, even in quotes. A line that begins with # is a comment. A byte order mark is
+/// skipped. Result: empty, or an error message with the line number.
 [[nodiscard]] std::string SplitWords(std::string_view text, std::vector<std::string>* words);
 
 /// Replaces each word @NAME with the words of the file NAME, recursively. A relative NAME is

@@ -29,8 +29,8 @@ bool HoldsLocation(const lsArg& arg) {
     return false;
 }
 
-// True if `arg` is of a common and harmless kind although `IsOdd` is true for it: a string without
-// a backslash, or an unresolved expression without a "$".
+// True if `arg` is common and harmless although `IsOdd` is true for it: a string without a
+// backslash, or an unresolved expression without a "$".
 bool IsUsual(const lsArg& arg) {
     if (IsLateExpression(arg)) {
         return arg.text.find('$') == std::string_view::npos;

@@ -26,7 +26,7 @@ struct Finding {
     Warning warning;
     std::string_view part;  ///< of the cleaned line; null data: the mnemonic
     std::string detail;     ///< shown after the text of the warning; may be empty
-    std::string_view note;  ///< what to do about it, a constant; may be empty
+    std::string_view note;  ///< what to do about it (a constant); may be empty
 };
 using Findings = std::vector<Finding>;
 
@@ -60,7 +60,7 @@ using Findings = std::vector<Finding>;
 void CheckLabel(std::string_view label, Findings* findings);
 
 /// True if a semicolon in place of the colon of `label` hides an instruction, as in "LOOP; INC A".
-/// `line` is as it was typed.
+/// `line` is the line as typed.
 [[nodiscard]] bool HidesInstruction(std::string_view line, std::string_view label);
 
 /// Checks the operands of a statement that has been assembled without an error.
@@ -73,8 +73,8 @@ struct ByteFinding {
     std::uint32_t column;  ///< in bytes, from 0
 };
 
-/// Bytes that the reader skips or treats as the end of a line's text, so that an editor shows the
-/// file differently from how it is read. Only the first of each kind is reported.
+/// Finds bytes that the reader skips or treats as the end of a line's text. With such bytes, the
+/// file is not read as an editor shows it. Only the first byte of each kind is reported.
 [[nodiscard]] std::vector<ByteFinding> CheckBytes(const StoredText& text);
 
 /// Finds each backslash at the end of a comment in `line` that swallows the next line, unless that

@@ -16,9 +16,9 @@ class ConditionWatch {
     [[nodiscard]] bool HasChanged(const CAssembler& assembler) const {
         return assembler.assembling != wasAssembling || assembler.conditionDepth != depth;
     }
-    /// Records that change. Result: the warnings about `statement`.
+    /// Records the change that `HasChanged` found. Result: the warnings about `statement`.
     Findings Follow(const CAssembler& assembler, const CStatement& statement);
-    /// The IFs without an ENDIF so far.
+    /// The places of the IFs that have no ENDIF so far.
     [[nodiscard]] std::vector<SourcePlace> Open() const;
 
   private:

@@ -1,8 +1,8 @@
 // The times are from the published tables, with one table for each prefix. The tests compare every
-// documented opcode with an emulator. If its condition is met, a relative jump takes 5 T-states
-// more, a return 6 and a call 7, but a JP takes no more. A block instruction takes 5 more for each
-// repetition. Korv also accepts ED 70, IN F,(C), and ED 71, OUT (C),F. These are not in the
-// published tables; they take as long as the neighbouring opcodes.
+// documented opcode with an emulator. If the condition is met, a relative jump takes 5 more
+// T-states, a return 6 and a call 7; a JP always takes the same time. A block instruction takes 5
+// more for each repetition. Korv also accepts ED 70, IN F,(C), and ED 71, OUT (C),F. These are not
+// in the published tables; they take as long as the neighbouring opcodes.
 
 #include "frontend/cycles.h"
 

@@ -24,9 +24,10 @@ struct Cycles {
 /// The T-states of a statement; 0 if it is not an instruction or has no bytes.
 [[nodiscard]] Cycles CyclesOf(const Analysis& analysis, const Statement& statement);
 
-/// The length in characters of the longest text that `CyclesText` returns.
+/// An upper bound for the length, in characters, of the text that `CyclesText` returns.
 inline constexpr std::size_t longestCycles = 7;
-/// Writes the text of `cycles` to `to`, which has room for the longest text. Result: its end.
+/// Writes the text of `cycles` to `to`, which must have room for `longestCycles` characters.
+/// Result: the end of the text.
 char* PutCycles(char* to, Cycles cycles);
 
 /// "10", or "17/10" with the longer time first; empty for 0.

@@ -1,4 +1,4 @@
-// Advice on definitions in the style of another assembler: with another operator, with the name
+// Advice on definitions in the style of another assembler: with a different operator, with the name
 // after the directive, or as a preprocessor line.
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 // Names come from sources that the user may not have written, and make runs commands that it finds
 // in a rule. So only characters that both GNU make 4.3 and ninja 1.11 read back unchanged are
-// accepted. Each of them was tried with make and with ninja.
+// accepted. Each of them was tested with both.
 
 #include "frontend/dependencies.h"
 
@@ -13,8 +13,8 @@
 namespace korv {
 namespace {
 
-// Of the characters outside this set, some end a name in ninja, and "%", "=", "*", "?", "[", "&",
-// ";" and "|" have a meaning for make. Neither program can escape all of them.
+// This set excludes characters that end a name in ninja or are special to make, such as "%", "=",
+// "*", "?", "[", "&", ";" and "|". Neither program can escape all of them.
 bool IsPlain(char c) {
     constexpr std::string_view signs = "+,-./@_~(){}!]";
     return static_cast<unsigned char>(c) >= 0x80 || (c >= '0' && c <= '9') ||

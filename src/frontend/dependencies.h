@@ -12,9 +12,9 @@ struct Dependencies {
     std::string failure;  ///< why there is no text; else empty
 };
 
-/// A rule that makes `target`, named as in the Makefile, depend on all files that were read, and an
-/// empty rule for each of these files, so that make continues if one has been deleted. Fails for a
-/// name that make or ninja would misread.
+/// A rule that makes `target` depend on all files that were read, and an empty rule for each of
+/// these files, so that make continues if one has been deleted. `target` must be spelled as in the
+/// Makefile. Fails for a name that make or ninja would misread.
 [[nodiscard]] Dependencies DependenciesOf(const Analysis& analysis, const std::string& target);
 
 }  // namespace korv

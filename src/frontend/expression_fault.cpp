@@ -35,7 +35,7 @@ ExpressionFault FaultOf(const Token& token) {
     }
 }
 
-// The tokens of `operand` without the brackets around the whole operand, which only denote memory.
+// The tokens of `operand`, without brackets around the whole operand: they only denote memory.
 std::span<const Token> ExpressionTokens(const OperandView& operand) {
     const std::span<const Token> tokens = operand.tokens;
     return !tokens.empty() && tokens.front().code == OP_OPEN && tokens.back().code == OP_CLOSE
@@ -56,7 +56,7 @@ FaultyToken FindExpressionFault(const OperandView& operand) {
     const std::span<const Token> tokens = ExpressionTokens(operand);
     const bool isBalanced = std::ranges::count(tokens, OP_OPEN, &Token::code) ==
                             std::ranges::count(tokens, OP_CLOSE, &Token::code);
-    constexpr std::size_t mostTokens = 19;  // the number of the evaluator's nodes
+    constexpr std::size_t mostTokens = 19;  // the evaluator has this many nodes
     if (tokens.size() > mostTokens) {
         return {ExpressionFault::tooComplex, &tokens[mostTokens]};
     }

@@ -1,4 +1,4 @@
-/// Finds out why an expression has no value, and at which token.
+/// Finds out why an expression has no value, and which token is at fault.
 #pragma once
 
 #include <cstdint>

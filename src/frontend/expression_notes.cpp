@@ -245,7 +245,7 @@ void AdviseOnBracket(OperandCase* it, const Token& token, bool isOpened) {
     }
 }
 
-// An operator without a value before it, such as the "&" of "&FF" for a number.
+// An operator without a value before it, such as the "&" in "&FF", which is meant as a number.
 void AdviseOnNoLeft(OperandCase* it, const Token& token) {
     const auto next = static_cast<std::size_t>(&token - it->operand->tokens.data()) + 1;
     const bool isPrefix = token.text == "&" && next < it->operand->tokens.size();
@@ -255,7 +255,7 @@ void AdviseOnNoLeft(OperandCase* it, const Token& token) {
         it->PointAt(part);
         it->Replace(part, number);
     } else if (it->IsDefined(value)) {
-        it->Replace(token.text, "");  // as for an address in C
+        it->Replace(token.text, "");  // "&NAME", an address in C
         it->advice.note = WriteNote(it->statement, it->advice.edits);
     } else {
         const std::string text(token.text);

@@ -12,8 +12,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// On systems with wide file names, a path made from `char` would be in an encoding other than
-// UTF-8.
+// On systems with wide file names, a path made from `char` would not be read as UTF-8.
 fs::path PathOf(const std::string& name) {
     return std::u8string(name.begin(), name.end());
 }
@@ -34,7 +33,7 @@ StoredText::Block ReadWhole(platform::InputFile* file) {
     std::size_t room = 0;
     for (std::size_t count = 1; count != 0 && bytes.size <= FileStore::longestFile;) {
         if (bytes.size == room) {
-            // One byte more than the size, so that the read that finds the end needs no larger
+            // One byte more than the file size, so that the read that finds the end needs no larger
             // buffer.
             const std::uint64_t wanted = std::max<std::uint64_t>(2 * room, file->Size() + 1);
             room = static_cast<std::size_t>(

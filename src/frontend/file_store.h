@@ -1,6 +1,6 @@
 /// The files of a run, each read once: from the disk, from standard input, or from an editor. The
-/// core assembles the texts that are stored here, and messages and outputs quote them, so they all
-/// use the same bytes even if a file changes.
+/// core assembles the stored bytes, and messages and outputs quote the same bytes, even if a file
+/// is changed during the run.
 #pragma once
 
 #include <map>
@@ -24,7 +24,7 @@ class FileStore : public SourceStore {
     /// In bytes. A longer file is refused, since assembling it would take too much memory.
     static constexpr std::size_t longestFile = 0x10000000;
 
-    /// Relative names, including that of the main file, are relative to `directory`, or to the
+    /// Relative names, including the name of the main file, are relative to `directory`, or to the
     /// current directory if that is empty.
     explicit FileStore(std::string_view directory = {});
 
@@ -45,7 +45,7 @@ class FileStore : public SourceStore {
     [[nodiscard]] Text TextOf(const std::string& path) const;
     /// The files that were read, so that no output overwrites them.
     [[nodiscard]] const platform::FileSet& Identities() const { return identities; }
-    /// Why the last file could not be read, in the words of the system.
+    /// Why the last file could not be read, usually in the system's words.
     [[nodiscard]] const std::string& Failure() const { return failure; }
     /// True if an INCLUDE of `name` in the file at the full path `includer` would find a file.
     [[nodiscard]] bool Has(const std::string& includer, std::string_view name);

@@ -10,7 +10,7 @@
 namespace korv {
 namespace {
 
-// Removes the front of `text` up to `separator`, and returns it.
+// Removes the first part of `text` and the `separator` after it. Returns the part.
 std::string_view TakePart(std::string_view* text, char separator) {
     const std::size_t end = std::min(text->find(separator), text->size());
     const std::string_view part = text->substr(0, end);
@@ -32,7 +32,7 @@ bool MayBe(const OperandView& operand, std::int32_t most, std::int32_t mask) {
            (token->value <= most && (token->value & ~mask) == 0);
 }
 
-// A class of operands, written as `term` in `formTable` or in shapes.
+// A class of operands. Forms and shapes refer to it by its `term`.
 struct TermRow {
     std::string_view term;
     bool (*includes)(const OperandView& operand, bool ignoresParentheses);
@@ -121,7 +121,7 @@ bool Begins(const StatementView& statement, std::string_view form, std::size_t c
     return !isWhole || form.empty() || form == "*";
 }
 
-// The members of the classes that are written out in notes.
+// The classes that notes replace with their members.
 constexpr auto consists = std::to_array<std::pair<std::string_view, std::string_view>>({
     {"s", "r (HL) (IX+d) (IY+d) n"},
     {"m", "r (HL) (IX+d) (IY+d)"},
@@ -138,8 +138,7 @@ constexpr auto consists = std::to_array<std::pair<std::string_view, std::string_
     {"p", "0 8 16 24 32 40 48 56"},
 });
 
-// True if `use` returns true for any form of `mnemonic`; its second argument is
-// `ignoresParentheses`.
+// True if `use(form, ignoresParentheses)` returns true for any form of `mnemonic`.
 template <typename Use>
 bool AnyForm(std::string_view mnemonic, Use use) {
     const FormRow* const row = RowOfWord(mnemonic);

@@ -1,4 +1,4 @@
-/// Compares operands with the forms that each mnemonic takes: which operand is at fault, and which
+/// Compares operands with the forms that each mnemonic takes, to find the operand at fault and the
 /// forms to propose instead. Messages use this, and so do hover, completion and signatures in an
 /// editor.
 #pragma once
@@ -29,8 +29,8 @@ inline constexpr std::size_t noFault = static_cast<std::size_t>(-1);
 /// that are part of an opcode.
 [[nodiscard]] bool HasForm(const StatementView& statement);
 
-/// The index of the first operand such that no form matches the operands up to it; the number of
-/// operands if one is missing after them; `noFault` if a form matches, or the mnemonic is unknown.
+/// The index of the first operand that no form accepts after the operands before it; the number of
+/// operands if another one is missing; `noFault` if a form matches, or if the mnemonic is unknown.
 [[nodiscard]] std::size_t FindFaultyOperand(const StatementView& statement);
 
 /// The index of the operand to remove if a mnemonic that takes at most two has three: the last one
@@ -39,9 +39,9 @@ inline constexpr std::size_t noFault = static_cast<std::size_t>(-1);
 [[nodiscard]] std::size_t FindExcess(const StatementView& statement);
 
 /// True if the operands match one of `shapes`, which are written like the forms of form_table.h;
-/// empty: no operands. There are further classes. any: an operand; v: a value, in parentheses or
-/// not; gp: BC, DE or HL; pair: gp, IX, IY, SP or AF; reg: a register or condition; (reg), (cc),
-/// (any): a register, a condition, any text in parentheses.
+/// empty: no operands. Shapes may also contain these classes. any: an operand; v: a value, in
+/// parentheses or not; gp: BC, DE or HL; pair: gp, IX, IY, SP or AF; reg: a register or condition;
+/// (reg), (cc), (any): a register, a condition, any text in parentheses.
 [[nodiscard]] bool HasShape(const StatementView& statement, std::string_view shapes);
 
 /// True if `word` is one of `words`, which are separated by blanks; "*" stands for all words.

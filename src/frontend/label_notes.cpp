@@ -82,7 +82,7 @@ Advice AdviseOnGluedLabel(const RunFacts& facts, const StatementView& statement)
     const std::string_view both = statement.hasColon ? std::string_view() : statement.label;
     for (std::size_t size = 1; size + 1 < both.size(); ++size) {
         const auto known = facts.FindName(both.substr(0, size));
-        if (!known || known->hasValue) {  // not a name that waits for its definition
+        if (!known || known->hasValue) {  // not a name that is used but undefined
             continue;
         }
         const std::vector<TextEdit> edits = {{statement.PartOf(both.substr(size, 0)), ": "}};

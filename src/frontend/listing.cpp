@@ -140,7 +140,7 @@ class Listing {
     }
 
     // Up to `count` bytes of `statement` from its byte `done` on; fewer if the image ends earlier,
-    // as after an error.
+    // as it may after an error.
     std::span<const std::uint8_t> BytesOf(const Statement& statement, std::uint32_t done,
                                           std::uint32_t count) const {
         const std::size_t start =
@@ -247,7 +247,7 @@ class Listing {
         text.Advance(to);
     }
 
-    // Writes the columns before the place of a name. Result: where the place is to be written.
+    // Writes the columns before the place of a name. Result: where to write the place.
     char* PutNameColumns(char* start, std::string_view name, std::string_view value,
                          std::string_view kind, std::string_view uses) const {
         char* to = PutText(start, name);
@@ -273,8 +273,8 @@ class Listing {
 
     const Analysis& analysis;
     std::size_t sourceColumn = 0;  // from 0
-    // For each file, the bytes of its name minus its columns, since a character may have several
-    // bytes.
+    // For each file, the size of its name in bytes minus its width in columns. They differ if a
+    // character has several bytes.
     std::vector<std::size_t> hiddenBytes;
     std::vector<std::size_t> messages;  // their indices, sorted by opening and line
     std::vector<bool> isListed;         // for each message, by index

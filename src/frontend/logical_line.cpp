@@ -42,8 +42,8 @@ LogicalLine LogicalLineAt(const StoredText& text, std::int32_t number) {
         if (goesOn && isContinued) {
             const LogicalLine::Position& last = line.positions[end - 1];
             const std::string_view physical = text.Line(last.line);
-            // If an empty line with a carriage return follows, the last position is not that of
-            // the backslash.
+            // If an empty line with a carriage return follows, `last` is not the place of the
+            // backslash.
             if (last.column < physical.size() && physical[last.column] == '\\') {
                 line.continuedComments.push_back(last);
             }

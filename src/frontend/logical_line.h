@@ -20,12 +20,12 @@ struct LogicalLine {
     };
     std::string text;
     std::vector<Position> positions;          ///< of each character of `text`
-    std::vector<Position> continuedComments;  ///< the backslashes that continue its comment
+    std::vector<Position> continuedComments;  ///< the backslashes that continue the comment
     std::int32_t lastLine = 0;                ///< its last physical line
 };
 
-/// The logical line that begins at physical line `number` of `text`, truncated to `longestLine`,
-/// since no longer line assembles.
+/// The logical line that begins at physical line `number` of `text`. It is truncated to
+/// `longestLine`, since longer lines do not assemble.
 [[nodiscard]] LogicalLine LogicalLineAt(const StoredText& text, std::int32_t number);
 
 /// Converts places in cleaned lines to places in files. Caches the last line, since a line often

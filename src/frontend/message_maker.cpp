@@ -112,7 +112,7 @@ void MessageMaker::Finish() {
 }
 
 // Treats errors about uses of a label as consequences if the label is not a valid name, as in
-// ".LOOP: NOP", or gets no value. The uses may precede it.
+// ".LOOP: NOP", or gets no value. The uses may precede the label.
 void MessageMaker::ExpectRefusal(const SourcePlace& place) {
     const StatementView& statement = StatementAt(place);
     const std::string_view line = statement.line;
@@ -135,8 +135,8 @@ void MessageMaker::ExpectHiddenValue(const SourcePlace& place) {
     }
 }
 
-// Removes warnings about label names that an error has explained: they would be a second message
-// about the same mistake.
+// Removes warnings about label names that an error has already explained: they would report the
+// same mistake again.
 void MessageMaker::RemoveExplained() {
     const auto isExplained = [this](const Message& message) {
         const bool isAboutName =
@@ -153,7 +153,7 @@ void MessageMaker::Make(const Report& report) {
     Message message;
     message.severity =
         report.warning && !warnings->IsError(*report.warning) ? Severity::warning : Severity::error;
-    if (!IsOpen()) {  // it is only counted
+    if (!IsOpen()) {  // the message is only counted
         AddMessage(std::move(message), analysis);
         return;
     }
@@ -166,7 +166,8 @@ void MessageMaker::Make(const Report& report) {
     const auto count = static_cast<std::int32_t>(statements.size());
     auto& [id, reports] =
         statements.try_emplace({report.place.file, report.place.line}, count, 0).first->second;
-    // The limit for one line: each piece of advice examines all operands, and nobody reads more.
+    // The limit for one line: each piece of advice examines all operands, and nobody reads more
+    // messages.
     constexpr std::int32_t mostAdvised = 50;
     if (++reports > mostAdvised) {
         message.place = PlaceOf(report.place);

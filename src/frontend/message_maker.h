@@ -56,23 +56,23 @@ class MessageMaker : private RunFacts {
         return openingByNumber[static_cast<std::size_t>(number)];
     }
 
-    /// Keeps a report, a message or a warning for `Finish`: its note may depend on names that are
-    /// defined later.
+    /// Keeps a report, a message or a warning for `Finish`, since its note may depend on names that
+    /// are defined later.
     void Add(Report report) { pending.emplace_back(std::move(report)); }
     void Add(Message message) { pending.emplace_back(std::move(message)); }
     void Warn(Warning warning, const Place& place, std::int32_t opening, std::string detail,
               std::string_view note);
-    /// Removes the warnings about nested conditions after `place`, an IF without an ENDIF.
+    /// Removes the warnings about nested conditions after the IF at `place`, which has no ENDIF.
     void WithdrawNestedIf(const Place& place);
     /// Records that the rest of the source is skipped, so that its names are not defined.
     void ExpectSkippedEnd() { adviser.ExpectSkippedEnd(); }
-    /// Makes messages from what was kept, in the same order, except for warnings that are off and
+    /// Turns everything kept into messages, in the same order. Drops warnings that are off, and
     /// reports that are only consequences of an earlier one.
     void Finish();
     /// The place in the file that corresponds to `place`. A whole statement is marked by its
-    /// mnemonic, or by its label if it has none.
+    /// mnemonic, or by its label if it has no mnemonic.
     [[nodiscard]] Place PlaceOf(const SourcePlace& place);
-    /// The file of opening `opening`: index in `files`.
+    /// The index in `files` of the file of `opening`.
     [[nodiscard]] std::int32_t FileOf(std::int32_t opening) const {
         return analysis->openings[static_cast<std::size_t>(opening)].file;
     }
@@ -121,7 +121,7 @@ class MessageMaker : private RunFacts {
     bool isOneLine = false;  // `view` is one physical line, without dropped bytes
     std::vector<std::variant<Report, Message>> pending;
     std::int32_t renameBudget = 50'000;         // lines that may still be searched for uses
-    std::unordered_set<std::string> explained;  // names of labels that errors are about
+    std::unordered_set<std::string> explained;  // quoted names of labels that caused errors
     std::optional<Message> leftOut;  // the first error that was only a consequence of another
     // For each statement with a report, by the core's file and line: the number of the statement,
     // and how many reports it has had.

@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::string_view program = "korv-as: ";
 
-// Codes for terminal colours and attributes.
+// ANSI codes for colours and text attributes.
 constexpr std::string_view plain = "0", bold = "1", red = "31", green = "32", magenta = "35",
                            cyan = "36";
 
@@ -126,7 +126,7 @@ class MessagePrinter {
   private:
     Pen NewPen() { return {&text, style}; }
 
-    // Prints the chain of includes, innermost first, once for each time that a file is opened.
+    // Prints the chain of includes, innermost first, but only once for each opening of a file.
     void PrintIncluded(std::int32_t number) {
         const auto index = static_cast<std::size_t>(number);
         if (isIntroduced[index]) {

@@ -12,7 +12,7 @@ namespace korv {
 /// How a text is printed.
 struct TextStyle {
     bool isColored = false;   ///< colours are wanted
-    bool isTerminal = false;  ///< control characters take effect, so those of sources are escaped
+    bool isTerminal = false;  ///< control characters take effect, so those in sources are escaped
 };
 
 /// All messages and their counts; empty if there are none.

@@ -54,7 +54,7 @@ std::string_view EvaluatedPart(std::string_view text, const OperandClass& operan
     return inner.substr(hasSign ? 3 : 0);
 }
 
-// True if `word` is certainly a single name. False: it may be a number or an expression.
+// True if `word` is certainly a single name, not a number or an expression. May miss some names.
 bool IsOneName(std::string_view word) {
     if (word.empty() || IsDigit(word.front()) || FindWord(word).code != 0) {
         return false;

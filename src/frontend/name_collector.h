@@ -25,7 +25,8 @@ class NameCollector {
     explicit NameCollector(const CIdentifierManager* table) : table(table) {}
 
     /// Adds the names in the operands of `statement`, even if it is skipped or has an error.
-    /// `keyword` is its row in the vocabulary, or null. Without `places` the uses are only counted.
+    /// `keyword` is its row in the vocabulary, or null. Without `places`, the uses are only
+    /// counted.
     void AddUses(CStatement& statement, const Keyword* keyword, bool isFaulty,
                  MessageMaker* places);
     /// Returns all names with their uses, sorted by text, and forgets the uses.
@@ -46,7 +47,7 @@ class NameCollector {
     static void Sort(std::span<Entry> entries, std::size_t offset);
 
     const CIdentifierManager* table;
-    // Keyed by record: the table finds a name faster than a map of texts would.
+    // The keys are records, since `table` finds a name faster than a map with text keys would.
     std::unordered_map<const CIdentifier*, Uses> uses;
     // Uses of names that were not yet in the table, because they are in a skipped block or follow
     // the first unresolved name of an expression.

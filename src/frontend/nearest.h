@@ -9,23 +9,23 @@
 
 namespace korv {
 
-/// The number of edits from one word to another: a character inserted, deleted or changed, or two
-/// neighbours swapped. The words may have at most `longestCompared` characters.
+/// The number of edits from one word to another. An edit inserts, deletes or changes a character,
+/// or swaps two neighbours. The words may have at most `longestCompared` characters.
 inline constexpr std::size_t longestCompared = 32;
 [[nodiscard]] std::size_t EditDistance(std::string_view a, std::string_view b);
 
-/// Words sorted by length, each with a bit for every letter and digit in it: comparing the bits
-/// rules out most words. The cost of all searches together is limited, since only the first
-/// messages of a run are read. Beyond the limit, nothing is found.
+/// Words sorted by length, each with a set of bits for its characters: comparing these bits rules
+/// out most words. The total cost of all searches is limited, since only the first messages of a
+/// run are read. Beyond the limit, nothing is found.
 class NearWords {
   public:
     /// The words are not copied.
     explicit NearWords(const std::vector<std::string_view>& words);
 
     /// The word nearest to `word`, at a distance of at most 2 and at most a third of its length;
-    /// empty if there is none. Any change but swapped or doubled letters adds 5/8 to the distance,
-    /// not being `preferred` 4/8, and another first letter 2/8. In a tie, a word that begins with
-    /// `word` is returned; without one, the result is empty.
+    /// empty if there is none. The distance grows by 5/8 unless letters were only swapped or
+    /// doubled, by 4/8 if the result is not `preferred`, and by 2/8 if the first letters differ. In
+    /// a tie, a word that begins with `word` wins; if there is none, the result is empty.
     [[nodiscard]] std::string_view Find(
         std::string_view word, const std::function<bool(std::string_view)>& preferred = {});
 

@@ -23,7 +23,7 @@ std::string_view Inner(std::string_view operand) {
     return operand.size() > 2 ? WithoutParentheses(operand) : operand;
 }
 
-// The pair that is called `name` on the 8080, which names a pair by its high register.
+// The pair that is called `name` on the 8080, where a pair has the name of its high register.
 std::string_view PairOf8080(std::string_view name) {
     return name == "B" ? "BC" : name == "D" ? "DE" : name == "H" ? "HL" : name;
 }
@@ -48,7 +48,7 @@ std::string_view ConditionAtEnd(std::string_view mnemonic) {
     return {};
 }
 
-// The operand or token `text`, as the template letter `kind` shows it.
+// The operand or token `text`, as changed by the template letter `kind`.
 std::string Shown(char kind, std::string_view text) {
     const std::string raised = Raised(text);
     const bool isSmall = raised != text;
@@ -91,8 +91,8 @@ std::string Shown(char kind, std::string_view text) {
     }
 }
 
-// `pattern` with its placeholders filled in; `fix` replaces %f. If `fix` is none, `pattern` is a
-// fix itself, and is put in lower case if the mnemonic is.
+// `pattern` with its placeholders filled in; `fix` replaces %f. Without `fix`, `pattern` is itself
+// a fix, and is written in lower case if the mnemonic is.
 std::string Filled(std::string_view pattern, const StatementView& statement, const Texts& texts,
                    std::optional<std::string_view> fix) {
     std::string text;
@@ -129,7 +129,7 @@ Texts TextsOf(const StatementView& statement) {
     return texts;
 }
 
-// `text`, one or more lines of source, as part of a sentence: "and" joins the lines.
+// Turns the source lines in `text` into one line, joined by "and".
 std::string InOneLine(std::string_view text) {
     std::string line;
     bool isString = false;
@@ -144,8 +144,8 @@ std::string InOneLine(std::string_view text) {
     return line;
 }
 
-// "*" matches any characters, "#" a digit, "|" separates alternatives, and a backslash makes the
-// next character literal.
+// Matches one alternative of a pattern: "*" matches any characters, "#" a digit, and a backslash
+// makes the next character literal.
 bool MatchesOne(std::string_view text, std::string_view pattern) {
     if (pattern.empty()) {
         return text.empty();
@@ -162,6 +162,7 @@ bool MatchesOne(std::string_view text, std::string_view pattern) {
     return isThere && MatchesOne(text.substr(1), pattern.substr(1));
 }
 
+// True if `text` matches one of the alternatives in `pattern`, which "|" separates.
 bool Matches(std::string_view text, std::string_view pattern) {
     for (std::size_t start = 0;;) {
         std::size_t end = start;
@@ -178,7 +179,8 @@ bool Matches(std::string_view text, std::string_view pattern) {
     }
 }
 
-// The letter for each kind of token in a term, in the order of `TokenKind`; a blank for none.
+// The letters that denote kinds of tokens in terms, in the order of `TokenKind`. A blank means that
+// the kind has no letter.
 constexpr std::string_view kindLetters = "rcnlesuid   x";
 static_assert(kindLetters[static_cast<std::size_t>(TokenKind::other)] == 'x');
 
@@ -196,7 +198,7 @@ bool FitsTerm(const Token& token, std::string_view term) {
 }
 
 // The number of tokens from `start` on that match `terms`; 0 if they do not. Sets `from` to the
-// token after "@", or to `start` if `terms` has none.
+// token after the "@" in `terms`, or to `start` if there is no "@".
 std::size_t FitLength(const std::vector<Token>& tokens, std::size_t start, std::string_view terms,
                       std::size_t* from) {
     std::size_t at = *from = start;
@@ -239,7 +241,7 @@ std::string FirstWord(std::string_view text) {
     return std::string(text.substr(0, text.find_first_of(" \t")));
 }
 
-// True if a string of `text` contains an escape sequence, which would be two characters.
+// True if a string in `text` contains an escape sequence, which Korv would read as two characters.
 bool HasEscape(std::string_view text) {
     const std::string line = " " + std::string(text);
     return std::ranges::any_of(CutStatement(line).operands, [](const OperandView& operand) {
@@ -248,13 +250,13 @@ bool HasEscape(std::string_view text) {
     });
 }
 
-// True if a statement that is to be proposed matches a form.
+// True if the proposed statement `text` matches a form.
 bool IsForm(std::string_view text) {
     const std::string line = " " + Raised(text);
     return HasForm(CutStatement(line));
 }
 
-// The advice from the note tables on a statement that is to be proposed but matches no form.
+// The advice from the note tables on the proposed statement `text`, which matches no form.
 std::optional<RowAdvice> AdviceOnRest(std::string_view text) {
     const std::string typed = " " + std::string(text);
     const std::string line = Raised(typed);
@@ -266,7 +268,7 @@ std::optional<RowAdvice> AdviceOnRest(std::string_view text) {
 }  // namespace
 
 Status FormMessage(const StatementView& statement, Status number) {
-    if (statement.keyword == nullptr) {  // only the mnemonic of the core ends at a byte 0
+    if (statement.keyword == nullptr) {  // unlike this one, the core's mnemonic ends at a byte 0
         return number;
     }
     const auto count = static_cast<std::int32_t>(statement.operands.size());

@@ -30,8 +30,9 @@ struct RowAdvice {
                                                    const OperandView& operand);
 [[nodiscard]] std::optional<RowAdvice> OperandAdvice(const StatementView& statement, Status number);
 
-/// The number of the message about the operands of `statement`: too many, too few, or illegal.
-/// An illegal operand gives MSG_ILLEGAL_CONDITION if that is `number`, else MSG_ILLEGAL_ARGUMENT.
+/// The message number for the operands of `statement`: too many, too few, or illegal. For illegal
+/// operands, `number` is returned if it is MSG_ILLEGAL_CONDITION; otherwise, the result is
+/// MSG_ILLEGAL_ARGUMENT.
 [[nodiscard]] Status FormMessage(const StatementView& statement,
                                  Status number = MSG_ILLEGAL_ARGUMENT);
 

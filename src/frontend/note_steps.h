@@ -15,8 +15,7 @@ namespace korv {
 /// Advice on operands that do not fit, or have no value.
 [[nodiscard]] Advice AdviseOnOperands(Adviser& adviser, const FaultView& fault);
 
-/// A note that lists what would fit in place of the first operand that does not fit; empty if all
-/// fit.
+/// A note on the first operand that does not fit, usually a list of what would fit; may be empty.
 [[nodiscard]] std::string FormsNote(const StatementView& statement);
 
 /// True if the operand of a jump is like 1B or 1F, which are numbered labels in other assemblers.

@@ -12,15 +12,15 @@ namespace korv {
 
 /// Templates: %w is the mnemonic, %r all operands, %k the condition at the end of the mnemonic, %f
 /// the statement with the change, and %1 to %9 an operand or, in a token row, a matched token. A
-/// letter before the number changes that text: %m1 has (HL) for M and no #; `Shown` has the other
-/// letters. An empty note is "write %f". In an example, "|" ends a line.
+/// letter before the number changes that text: %m1 has (HL) for M and no #; see `Shown` for the
+/// other letters. An empty note means "write %f". In an example, "|" ends a line.
 
 /// Adjacent tokens of one operand. The terms are separated by blanks. "%" and the letter of a kind
 /// match a token of that kind; a pattern after them must match its text too. Any other term is a
-/// pattern for the text of a token that is not a string. "^" is the start of the operand, ";" its
-/// end. If there is an "@", the place begins after it. Kinds: n number, e number without digits, l
-/// too large, s string, u open string, i name, d name that begins with a digit, r register, c
-/// condition, x other, v anything but an operator.
+/// pattern for the text of a token. "^" is the start of the operand, ";" its end. If there is an
+/// "@", the part to report and to replace begins after it. Kinds: n number, e number without
+/// digits, l too large, s string, u open string, i name, d name that begins with a digit, r
+/// register, c condition, x other, v anything but an operator.
 struct TokenRow {
     std::string_view words;  ///< mnemonics; "*" for all, "=RL" for those with the forms of RL
     std::string_view tokens;

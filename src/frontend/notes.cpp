@@ -1,6 +1,6 @@
-// Advice is looked for in this order: the mnemonic; the operand at fault, first its foreign
-// spellings and then its tokens; the operands as a whole; the forms of the mnemonic. A message that
-// is only a consequence of an earlier one is then marked as such.
+// Advice is looked for in this order: one mistyped punctuation mark; the mnemonic; the operand at
+// fault, first its foreign spellings and then its tokens; the operands as a whole; the forms of the
+// mnemonic. A message that is only a consequence of an earlier one is then marked as such.
 
 #include "frontend/notes.h"
 
@@ -272,7 +272,7 @@ void Adviser::Remember(const FaultView& fault, const Advice& advice) {
     if (advice.isFollowOn) {
         return;
     }
-    const bool isSecond =  // "DB NAME 5": a name that was to be defined
+    const bool isSecond =  // "DB NAME 5": a name that was meant to be defined
         fault.number == MSG_UNKNOWN_INSTRUCTION && !statement.label.empty() && !statement.hasColon;
     answeredNames.insert(isSecond ? std::string(statement.mnemonic) : UnknownName(fault, advice));
     renamedLabels.insert(advice.explains.begin(), advice.explains.end());

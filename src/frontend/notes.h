@@ -37,7 +37,7 @@ class RunFacts {
     [[nodiscard]] virtual std::optional<KnownName> FindName(std::string_view name) const = 0;
     /// True if INCLUDE or BINCLUDE in the file of the current statement would find `name`.
     [[nodiscard]] virtual bool HasFile(std::string_view name) const = 0;
-    /// The directories that are searched, for a note.
+    /// The directories that are searched for files, as the text for a note.
     [[nodiscard]] virtual std::string SearchedDirectories() const = 0;
     /// The first line that contains `text`, searched from `column` of the current statement's line
     /// to the end of its file; 0 if there is none.
@@ -53,7 +53,7 @@ class RunFacts {
 
 /// A message of the core, as it was reported.
 struct FaultView {
-    Status number = 0;    ///< as reported; negative: without a row
+    Status number = 0;    ///< row of MESSAGE_TABLE; negative: an internal error
     bool isError = true;  ///< else a warning
     bool isLate = false;  ///< reported after its line was assembled
     const StatementView& statement;
@@ -70,12 +70,12 @@ struct Advice {
     std::string text;                   ///< replaces the core's text; empty: keeps it
     std::string note;                   ///< what to do, or empty
     std::vector<TextEdit> edits;        ///< in the cleaned line, from left to right
-    std::optional<LinePart> place;      ///< more exact than that of the fault
+    std::optional<LinePart> place;      ///< more exact than the place of the fault
     bool isFollowOn = false;            ///< an earlier message explains it: do not print it
     std::vector<std::string> explains;  ///< labels whose names are the cause
     bool isRepeated = false;            ///< the file has been read before
     SourcePlace first;                  ///< the first definition; file 0: none
-    bool definesName = false;           ///< the line was to define its label, or `names`
+    bool definesName = false;           ///< the line was meant to define its label or `names`
     std::vector<std::string> names;
     std::string newName;  ///< replaces the first of `names` everywhere; empty: none
 };
@@ -88,7 +88,7 @@ class Adviser {
 
     [[nodiscard]] Advice AdviceFor(const FaultView& fault);
 
-    /// The name with a value that is nearest to `name`; empty if none is close.
+    /// The defined name that is nearest to `name`; empty if none is close.
     [[nodiscard]] std::string_view NearestName(std::string_view name);
 
     /// `name`, with a number after it if it is taken. The result counts as taken from now on.
@@ -98,7 +98,7 @@ class Adviser {
     /// consequences.
     void ExpectRefusal(std::string_view name) { refusedNames.emplace(name); }
 
-    /// True if an error refused the definition of `name`.
+    /// True if the definition of `name` was refused.
     [[nodiscard]] bool IsRefused(const std::string& name) const {
         return refusedNames.contains(name);
     }
@@ -107,8 +107,8 @@ class Adviser {
     /// are unknown, so a late error about an undefined name is only a consequence.
     void ExpectSkippedEnd() { hasSkippedNames = true; }
 
-    /// True if a refused ENDIF explains an open IF. Each ENDIF explains only one IF, so it is used
-    /// up.
+    /// True if a refused ENDIF explains an open IF. Each ENDIF explains only one IF, so the call
+    /// uses it up.
     [[nodiscard]] bool TakeRefusedEnd();
 
     [[nodiscard]] const RunFacts& Facts() const { return facts; }
@@ -124,7 +124,7 @@ class Adviser {
     void Remember(const FaultView& fault, const Advice& advice);
     void RememberCondition(const FaultView& fault, const Advice& advice, bool isRefused);
     void RememberBlock(const FaultView& fault, std::string_view end);
-    // Makes errors after the line of `fault`, up to `line`, consequences of it.
+    // Treats errors after the line of `fault`, up to `line`, as consequences of it.
     void SkipTo(std::int32_t line, const FaultView& fault);
     void RememberComment(const FaultView& fault, Advice* advice);
 
@@ -138,15 +138,15 @@ class Adviser {
     std::int32_t refusedConditions = 0;             // IFs that were refused and are still open
     std::int32_t refusedEnds = 0;                   // refused ENDIFs of open IFs
     std::int32_t namelessDefinitions = 0;           // EQUs without a label
-    bool hasSkippedNames = false;                   // an error decides whether a block is assembled
-    std::int32_t slipBudget = 1000;                 // messages that may still be tried as slips
-    bool hasRefusedTest = false;                    // a refused IF without a proposed change
-    bool hasRefusedBranch = false;                  // an IF or ELSE, so both branches are assembled
+    bool hasSkippedNames = false;      // an error may have caused a block to be skipped
+    std::int32_t slipBudget = 1000;    // messages that may still be checked for slips
+    bool hasRefusedTest = false;       // a refused IF without a proposed change
+    bool hasRefusedBranch = false;     // a refused IF or ELSE, so both branches are assembled
     std::int32_t skippedFile = 0;      // the file with a refused macro or multi-line comment
     std::int32_t skippedAfter = 0;     // its first line
     std::int32_t skippedTo = 0;        // its last line
     bool hasRepeatedFile = false;      // a file that defines names is read twice
-    bool hasRefusedFile = false;       // of an INCLUDE
+    bool hasRefusedFile = false;       // an INCLUDE failed
     bool hasRefusedBlock = false;      // such as a macro
     std::int32_t lastStatement = -1;   // the last one with an error
     std::vector<LinePart> lastPlaces;  // of its errors

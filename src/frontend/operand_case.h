@@ -35,8 +35,8 @@ struct OperandCase {
     /// true.
     bool Propose(std::string_view part, std::vector<TextEdit> edits,
                  std::string_view head = "write ", std::string_view tail = "");
-    /// True if the change contains an undefined name, so that it would only lead to an error about
-    /// that name.
+    /// True if the proposed change contains an undefined name, so that it would only lead to
+    /// another error.
     [[nodiscard]] bool ProposesUnknownName() const;
     [[nodiscard]] bool IsDefined(std::string_view name) const {
         const auto known = adviser.Facts().FindName(name);
@@ -51,14 +51,14 @@ struct OperandCase {
 /// True if the changed statement matches a form of its mnemonic.
 [[nodiscard]] bool HasFormWith(const StatementView& statement, const std::vector<TextEdit>& edits);
 
-/// The first token `text` of `operand`; null if there is none.
+/// The first token of `operand` that is equal to `text`; null if there is none.
 [[nodiscard]] const Token* FindToken(const OperandView& operand, std::string_view text);
 
-/// Advises on a fault in the tokens of the operand. Result: false if they contain none.
+/// Advises on a fault in the tokens of the operand. Result: false if there is no fault.
 [[nodiscard]] bool AdviseOnExpression(OperandCase* it);
-/// Advises on "XAND3", a word operator without blanks, and on a misspelt operator.
+/// Advises on a word operator without blanks, as in "XAND3", and on a misspelt one.
 [[nodiscard]] bool AdviseOnWordOperator(OperandCase* it, const Token& token);
-/// Advises on a semicolon, a blank or a bracket in place of a comma, and on "(IX,5)".
+/// Advises on a misplaced semicolon, on a blank in place of a comma, and on "(IX,5)" and "(IX),5".
 [[nodiscard]] bool AdviseOnComma(OperandCase* it);
 /// Advises on another character instead of a comma, as in "LD A:5".
 [[nodiscard]] bool AdviseOnSeparator(OperandCase* it);
@@ -71,7 +71,7 @@ struct OperandCase {
 [[nodiscard]] bool AdviseOnLastSign(OperandCase* it);
 /// Advises on brackets with a comma in them.
 [[nodiscard]] bool AdviseOnSplitBrackets(OperandCase* it);
-/// Advises on an operand without text.
+/// Advises on an empty operand.
 [[nodiscard]] bool AdviseOnEmptyOperand(OperandCase* it);
 /// Advises on a second instruction on the line, with or without a separator before it.
 [[nodiscard]] bool AdviseOnSecondInstruction(OperandCase* it);
@@ -81,12 +81,12 @@ struct OperandCase {
 [[nodiscard]] bool AdviseOnProse(OperandCase* it);
 /// `words` as "A, B or C".
 [[nodiscard]] std::string Listed(const std::vector<std::string>& words);
-/// Advises on a register in double quotes.
+/// Advises on a register in double quotes or after "#".
 [[nodiscard]] bool AdviseOnQuotedRegister(OperandCase* it);
 /// Advises on a misspelt register or condition; if `isSure` is true, only on sure slips, such as
 /// swapped letters.
 [[nodiscard]] bool AdviseOnMisspeltRegister(OperandCase* it, bool isSure = false);
-/// Advises on a register or a name with a blank in it.
+/// Advises on a register, a number or a name with a blank in it.
 [[nodiscard]] bool AdviseOnSplitWord(OperandCase* it);
 /// Advises on two operands in the wrong order.
 [[nodiscard]] bool AdviseOnSwappedOperands(OperandCase* it);

@@ -197,7 +197,7 @@ bool AdviseOnShape(OperandCase* it) {
 
 constexpr std::size_t npos = std::string::npos;
 
-// Sets the place in case no better one is found.
+// Sets the operand and the place, in case no better ones are found.
 void AimAt(OperandCase* it) {
     for (const OperandView& operand : it->statement.operands) {
         if (operand.text.starts_with('\'') && operand.text.find('\'', 1) == npos) {
@@ -216,7 +216,7 @@ void AimAt(OperandCase* it) {
     const auto& operands = it->statement.operands;
     if (it->statement.mnemonic == "ADD" && operands.size() == 2 &&
         !HoldsWord("A HL IX IY", operands[0].text)) {
-        it->operand = operands.data();  // ADD B alone is a form
+        it->operand = operands.data();  // "ADD B" alone matches a form
     }
     if (HoldsWord("CALL JR", it->statement.mnemonic) && operands.size() == 2 &&
         operands[0].what.kind == KIND_VALUE && operands[1].what.kind == KIND_VALUE &&
@@ -230,7 +230,7 @@ void AimAt(OperandCase* it) {
     }
 }
 
-// The numbers that the first operand of BIT, SET, RES, IM and RST can be.
+// A note that lists the numbers allowed as the first operand of BIT, SET, RES, IM or RST.
 std::string NumbersNote(const StatementView& statement) {
     return "use " + Listed(ChoicesAt(statement, 0)) + " with " + std::string(statement.mnemonic);
 }

@@ -16,7 +16,7 @@ struct OptionRow {
     char letter;                ///< the short form; 0: there is none
     std::string_view name;      ///< the long form, without its dashes; empty: there is none
     std::string_view argument;  ///< FILE, DIR, NAME, N, or the words to choose from ("com|bin");
-                                ///< empty: it takes none; "[=a|b]": only after "=", and optional
+                                ///< empty: no argument; "[=a|b]": optional, and only after "="
     std::string_view help;
     /// Stores the argument `word`. Result: empty, or an error message.
     std::string (*take)(const OptionRow& row, std::string_view word, Options* options);

@@ -1,6 +1,6 @@
-// Reads the command line with the table of options. The rules are those of GNU programs: options
-// and the source in any order, combined letters ("-wl list"), "--name=value" or "--name value", and
-// only files after "--".
+// Reads the command line with the table of options. The command line follows the rules of GNU
+// programs: options and the source in any order, combined letters ("-wl list"), "--name=value" or
+// "--name value", and only files after "--".
 
 #include "frontend/options.h"
 
@@ -42,8 +42,7 @@ bool IsOption(std::string_view word) {
                                 : word.size() > 1 && word[0] == '-' && RowOf(word[1]) != nullptr);
 }
 
-// The option that is probably meant by the misspelt `name`, which has no dashes; empty if none is
-// close.
+// The option that the misspelt `name` probably means; empty if none is close. `name` has no dashes.
 std::string Meant(std::string_view name) {
     std::vector<std::string_view> names;
     std::ranges::transform(optionTable, std::back_inserter(names), &OptionRow::name);
@@ -183,7 +182,7 @@ std::string Complete(Options* options) {
     options->format = options->wantedFormat.value_or(FormatOf(options->output));
     for (std::string* const name : {&options->output, &options->depfile, &options->listing,
                                     &options->symbols, &options->debug}) {
-        if (*name == "/dev/stdout") {  // other text that is written there must not be lost
+        if (*name == "/dev/stdout") {  // opening it as a file could lose other text written there
             *name = standardStream;
         }
         if (options->summary && *name == standardStream) {

@@ -31,7 +31,7 @@ inline constexpr const char* standardStream = "-";
 inline constexpr std::uint32_t longestLine = 0x10000;
 
 struct Options {
-    Request request = Request::assemble;  ///< otherwise all other options are ignored
+    Request request = Request::assemble;  ///< unless `assemble`, all other options are ignored
     std::string source;
     std::string output;                       ///< the image; never empty
     std::optional<ImageFormat> wantedFormat;  ///< none: determined by the extension of `output`
@@ -53,8 +53,8 @@ struct Options {
     ColorChoice color = ColorChoice::automatic;
 };
 
-/// Reads the words of a command line, without the program name and with no @FILE among them.
-/// Result: empty, or an error message, in which case `options` is incomplete.
+/// Reads the words of a command line. They must not contain the program name or an @FILE. Result:
+/// empty, or an error message, in which case `options` is incomplete.
 [[nodiscard]] std::string TakeWords(const std::vector<std::string>& words, Options* options);
 
 /// The same for the arguments of `main`. First replaces each @FILE with the words in that file.

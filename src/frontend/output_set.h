@@ -15,8 +15,9 @@ struct Output {
 };
 
 /// Writes `outputs`; the first one gets its final name last. `inputs` are the regular files that
-/// the run has read; none of them is overwritten. Result: empty, or why the outputs are not
-/// written. Bytes that were already sent to standard output, a device or a pipe are not taken back.
+/// the run has read; none of them is overwritten. Result: empty, or why the outputs were not
+/// written. Bytes that were already sent to standard output, a device or a pipe cannot be taken
+/// back.
 [[nodiscard]] std::string WriteOutputs(const std::vector<Output>& outputs,
                                        const platform::FileSet& inputs);
 

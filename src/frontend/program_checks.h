@@ -13,7 +13,7 @@ void AddWarning(const WarningChoice& choice, Message message, Analysis* analysis
 /// Counts `message`, and adds it unless the error limit has been reached.
 void AddMessage(Message message, Analysis* analysis);
 
-/// Warns about blocks that overlap, at the one that is later in the source.
+/// Warns about overlapping blocks, at the one that is later in the source.
 [[nodiscard]] std::vector<Message> OverlapWarnings(const Analysis& analysis);
 
 /// Warns about each label or EQU that no expression uses, in the order of the source.

@@ -8,8 +8,8 @@
 namespace korv {
 
 /// True if the lines that result from `edits` have none of these faults: an unknown mnemonic,
-/// operands that match no form, a broken expression, a register in an expression, a name that is in
-/// neither the statement nor the run, a byte out of range.
+/// operands that match no form, a broken expression, a register in an expression, a name that is
+/// neither defined nor already in the statement, a byte out of range.
 [[nodiscard]] bool IsSound(const RunFacts& facts, const StatementView& statement,
                            const std::vector<TextEdit>& edits);
 

@@ -1,5 +1,5 @@
-/// Finds the uses of a name that is to be changed: renaming a label without its uses would lead to
-/// another error.
+/// Finds the uses of a name that is being renamed: renaming only the label would lead to another
+/// error.
 #pragma once
 
 #include <cstdint>

@@ -25,8 +25,8 @@ class Labels {
         }
     }
 
-    // The label of `statement`; null for none. Must be called for the statements of each file in
-    // their order.
+    // The label of `statement`; null if it has none. Must be called for the statements of each
+    // opening in order.
     [[nodiscard]] const Name* Of(const Statement& statement) {
         const std::uint64_t position = PositionOf(statement.opening, statement.line);
         std::size_t& next = nextOf[static_cast<std::size_t>(statement.opening)];

@@ -13,8 +13,8 @@ struct Routine {
     const Name* label = nullptr;
     std::uint32_t address = 0;
     std::uint32_t count = 0;  ///< bytes; more than 0
-    std::uint64_t least = 0;  ///< T-states, each instruction executed once, no condition met
-    std::uint64_t most = 0;   ///< the same with every condition met
+    std::uint64_t least = 0;  ///< T-states if each instruction runs once and no condition is met
+    std::uint64_t most = 0;   ///< the same if every condition is met
 };
 
 /// In the order of the source. Needs `Wanted::statements` and `Wanted::names`.

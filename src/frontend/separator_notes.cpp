@@ -14,7 +14,8 @@
 
 namespace korv {
 
-// "LD A;5" and "LD ;A,5", where a comment ends the operands, "EX DE HL", "(IX,5)" and "(IX),5".
+// A semicolon that begins a comment by mistake, as in "LD A;5" and "LD ;A,5"; "EX DE HL"; "(IX,5)"
+// and "(IX),5".
 bool AdviseOnComma(OperandCase* it) {
     const StatementView& statement = it->statement;
     const std::string_view typed = statement.typed;
@@ -220,8 +221,8 @@ bool AdviseOnSplitBrackets(OperandCase* it) {
 
 namespace {
 
-// True if the text from the mnemonic at token `i` to the next mnemonic or separator is a statement,
-// not part of a comment.
+// True if the text from the mnemonic at token `i` to the next mnemonic or separator is a valid
+// statement rather than part of a comment.
 bool IsWholeInstruction(const StatementView& statement, const OperandView& operand, std::size_t i) {
     constexpr std::size_t longest = 80;  // a bound for the work on one message
     const std::size_t start = statement.PartOf(operand.tokens[i].text).offset;

@@ -105,7 +105,7 @@ class SldWriter {
     const Analysis& analysis;
     TextBuffer text;
     std::vector<std::string> fileFields;
-    std::vector<bool> holdsKeyword;  // by file; true for few
+    std::vector<bool> holdsKeyword;  // by file; rarely true
 };
 
 // A comment begins at a semicolon outside double quotes. The rest of the statement belongs to it,

@@ -1,4 +1,5 @@
-// Advice on slips in operands: misspelt registers, a missing comma, the wrong order.
+// Advice on slips in operands: misspelt or quoted registers, words with a blank in them, the wrong
+// order.
 
 #include <algorithm>
 
@@ -11,7 +12,8 @@
 namespace korv {
 namespace {
 
-// True if `text` permutes `name`, has one letter more but no new ones, or is "H1" for HL.
+// True if `text` is `name` with its letters rearranged, or is one letter longer but has no other
+// letters, or is "H1" for HL.
 bool IsSureSlip(std::string_view text, std::string_view name) {
     const bool isDoubled =
         text.size() == name.size() + 1 && std::ranges::all_of(text, [name](char c) {
@@ -20,8 +22,8 @@ bool IsSureSlip(std::string_view text, std::string_view name) {
     return isDoubled || std::ranges::is_permutation(name, text) || (name == "HL" && text == "H1");
 }
 
-// The registers and conditions of which `token` may be a misspelling: only those with the same
-// letters if there are any, otherwise only those of the same length and sure slips, otherwise all.
+// The registers and conditions that `token` may misspell. Only the best group is returned: those
+// with the same letters, else those of the same length and sure slips, else all others.
 std::vector<std::string> NearRegisters(const OperandCase& it, const Token& token, bool isIndex) {
     std::vector<std::string> near;
     std::size_t best = 3;

@@ -43,7 +43,7 @@ inline constexpr std::string_view largeNumberNote =
 [[nodiscard]] std::size_t FindName(std::string_view text, std::string_view name,
                                    std::size_t from = 0);
 
-/// `line` with `edits` applied; they must be in order of their offsets.
+/// `line` with `edits` applied. The edits must be sorted by offset.
 [[nodiscard]] std::string Applied(std::string_view line, const std::vector<TextEdit>& edits);
 
 }  // namespace korv

@@ -53,7 +53,7 @@ void StatementChecks::LookAtBytes(std::int32_t opening) {
 
 namespace {
 
-// The first line after line `after` that holds an END; 0 for none.
+// The first line after line `after` that contains an END; 0 if there is none.
 std::int32_t LineOfEnd(const StoredText& text, std::int32_t after) {
     for (std::int32_t number = after + 1; number <= text.LineCount(); ++number) {
         const std::string line = Raised(text.Line(number));

@@ -30,10 +30,10 @@ class StatementChecks {
                 assembler->location != statement.address + count ||
                 HasOddOperand(statement, count));
     }
-    /// Warns about anything suspicious in `statement`. If `isFaulty`, the statement has been
-    /// reported already, and only its effect on open IFs is recorded.
+    /// Warns about anything suspicious in `statement`. If `isFaulty` is true, a fault in it has
+    /// already been reported, and only its effect on open IFs is recorded.
     void Look(CStatement* statement, std::uint32_t count, bool isFaulty);
-    /// Warns about comments that swallow a line, in a multi-line statement.
+    /// Warns about comments in a multi-line statement that swallow the line after them.
     void LookAtComments(const CStatement& statement);
     /// Reports each IF that has no ENDIF.
     void LookAtOpenConditions();

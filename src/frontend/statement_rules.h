@@ -16,10 +16,10 @@ namespace korv {
 /// True if an expression reads `label` as a number, like 1B, EACH, B and 7.
 [[nodiscard]] bool ReadsAsNumber(std::string_view label);
 
-/// True if `label`, as a whole operand, is a register or condition, like P or HL.
+/// True if `label`, used alone as an operand, is read as a register or condition, like P or HL.
 [[nodiscard]] bool ReadsAsRegister(std::string_view label);
 
-/// The note about a condition that has another meaning in most languages; empty for other
+/// The note about a condition that means something else in most languages; empty for other
 /// conditions.
 [[nodiscard]] std::string_view SurpriseInCondition(const OperandView& condition);
 

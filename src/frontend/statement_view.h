@@ -28,7 +28,7 @@ struct LinePart {
 };
 
 enum class TokenKind : std::uint8_t {
-    registerName,  ///< in the core's table, C included; a name in expressions
+    registerName,  ///< in the core's table, including C; in an expression, it is a name
     condition,
     number,
     largeNumber,  ///< above 65535
@@ -88,7 +88,7 @@ struct OperandView {
     [[nodiscard]] bool HoldsAsName(const Token& token) const {
         return IsLookedUp(token, static_cast<std::size_t>(&token - tokens.data()), what);
     }
-    /// Its only token, in parentheses or not; null if there are several.
+    /// The only token, in parentheses or not; null unless there is exactly one.
     [[nodiscard]] const Token* OnlyToken() const;
 };
 
@@ -103,7 +103,7 @@ struct StatementView {
     std::vector<OperandView> operands;
     const Keyword* keyword = nullptr;  ///< the row of `mnemonic`; null for none
 
-    /// The place of the part `text` of `line`.
+    /// The place of `text`, which must be a part of `line`.
     [[nodiscard]] LinePart PartOf(std::string_view text) const {
         assert(text.data() >= line.data() && text.data() <= line.data() + line.size());
         return {static_cast<std::uint32_t>(text.data() - line.data()),
@@ -115,7 +115,7 @@ struct StatementView {
     }
     /// True if the mnemonic was typed in lower case.
     [[nodiscard]] bool IsSmall() const;
-    /// From the first character of `first` to the last one of `last`.
+    /// The text from the first character of `first` to the last character of `last`.
     [[nodiscard]] std::string_view Span(std::string_view first, std::string_view last) const {
         return {first.data(), static_cast<std::size_t>(last.data() + last.size() - first.data())};
     }
@@ -128,7 +128,7 @@ struct StatementView {
 /// `typed` with letters outside strings converted to upper case, as by the core's reader.
 [[nodiscard]] std::string Raised(std::string_view typed);
 
-/// The offset of the comment in a physical line; its size if it has none.
+/// The offset of the comment in a physical line; the size of the line if there is no comment.
 [[nodiscard]] std::size_t CommentStart(std::string_view typed);
 
 /// The tokens of one expression or operand.

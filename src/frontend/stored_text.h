@@ -14,12 +14,12 @@ namespace korv {
 
 class StoredText {
   public:
-    /// Bytes as they were read, owned.
+    /// The bytes of a file, owned by the block.
     struct Block {
         std::unique_ptr<char[]> data;
         std::size_t size = 0;
     };
-    /// `path` is the full path of the file, or any other name for a text.
+    /// `path` is the full path of the file, or any name for a text that is not a file.
     StoredText(std::string path, Block bytes, const platform::FileIdentity& identity = {});
     /// The same with a copy of `bytes`.
     StoredText(std::string path, std::string_view bytes,

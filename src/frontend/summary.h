@@ -9,7 +9,8 @@ namespace korv {
 
 class TextBuffer;
 
-/// As tables for people to read. Needs `Wanted::statements` and `Wanted::names`.
+/// The sizes and T-states as tables for people to read. Needs `Wanted::statements` and
+/// `Wanted::names`.
 [[nodiscard]] std::string SummaryText(const Analysis& analysis);
 /// Appends these tables to `text`.
 void PutSummary(const Analysis& analysis, TextBuffer* text);

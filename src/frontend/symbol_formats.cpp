@@ -82,7 +82,7 @@ bool AllowsPlain(std::string_view name) {
 }
 
 // openMSX recognises this format only by the beginning of the first line; readers for the Game Boy
-// look for the section.
+// look for "[labels]".
 constexpr std::string_view symHeader =
     "; this file was created with wlalink's format, by korv-as\n[labels]\n";
 
@@ -110,7 +110,7 @@ const SymbolFormatRow& RowOf(SymbolFormat format) {
 
 SymbolFile SymbolText(const Analysis& analysis, SymbolFormat format) {
     const SymbolFormatRow& row = RowOf(format);
-    std::vector<std::pair<std::int32_t, const Name*>> names;  // pointers sort by text
+    std::vector<std::pair<std::int32_t, const Name*>> names;  // pointers are in text order
     names.reserve(analysis.names.size());
     for (const Name& name : analysis.names) {
         if (name.hasValue && name.kind != NameKind::internal) {

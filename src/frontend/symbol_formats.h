@@ -14,12 +14,12 @@ namespace korv {
 struct SymbolFormatRow {
     SymbolFormat format;
     std::string_view name;       ///< as on the command line
-    std::string_view extension;  ///< which its readers expect, without the dot
+    std::string_view extension;  ///< the one that the readers expect, without the dot
     std::string_view readers;    ///< programs, separated by commas
     std::string_view header;     ///< lines before the first symbol
-    bool hasAllValues;           ///< false: only those from 0 to FFFFH
+    bool hasAllValues;           ///< false: only values from 0 to FFFFH
     bool (*allows)(std::string_view name);
-    char* (*put)(char* to, const Name& name);  ///< writes its line; the result is the end
+    char* (*put)(char* to, const Name& name);  ///< writes the line of `name`; returns the end
 };
 
 /// One row for each value of `SymbolFormat`, in its order.
@@ -28,14 +28,14 @@ struct SymbolFormatRow {
 
 struct SymbolFile {
     std::string text;
-    std::size_t droppedNames = 0;   ///< that the format does not allow
-    std::size_t droppedValues = 0;  ///< that the format cannot hold, of allowed names
+    std::size_t droppedNames = 0;   ///< names that the format does not allow
+    std::size_t droppedValues = 0;  ///< allowed names whose values the format cannot hold
 
     /// What is missing, for a warning, as "2 values, 1 name"; empty if nothing is missing.
     [[nodiscard]] std::string Dropped() const;
 };
 
-/// The names of the source and of -D that have a value, by value, then by name. Needs
+/// The names from the source and from -D that have a value, sorted by value and then by name. Needs
 /// `Wanted::names`.
 [[nodiscard]] SymbolFile SymbolText(const Analysis& analysis, SymbolFormat format);
 

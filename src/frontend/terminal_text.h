@@ -1,4 +1,5 @@
-/// Quotes a text, escapes some of its bytes for a terminal, and counts the columns that it takes.
+/// Quotes a text, escapes some of its bytes for a terminal, and counts the columns that it
+/// occupies.
 #pragma once
 
 #include <cstddef>

@@ -24,7 +24,8 @@ char* PutNumber(char* to, Number value) {
 }
 
 /// Writes blanks up to `end` if that is after `to`, and up to 15 more after it: writing whole
-/// pieces is faster than a call for the few that are needed. Result: the later of `to` and `end`.
+/// pieces is faster than a call to `memset` with the exact number. Result: the later of `to` and
+/// `end`.
 inline char* PutBlanks(char* to, char* end) {
     constexpr std::size_t piece = 16;
     for (char* at = to; at < end; at += piece) {

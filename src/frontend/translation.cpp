@@ -9,7 +9,7 @@
 namespace korv {
 namespace {
 
-// The first foreign spelling that is replaced within the statement.
+// The first replacement of a foreign spelling that stays within the statement.
 std::optional<TextEdit> FirstChange(const StatementView& statement) {
     for (const OperandView& operand : statement.operands) {
         const Foreign found = FindForeign(statement, operand);

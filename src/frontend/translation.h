@@ -25,7 +25,7 @@ struct Translation {
     std::uint32_t end = 0;  ///< where the translated part ends in the original line
     std::int32_t changes = 0;
 
-    /// Views of `typed` and `line`.
+    /// The translated statement, as views of `typed` and `line`.
     [[nodiscard]] StatementView View() const { return CutStatement(line, typed); }
     /// The edit that replaces `statement`, from its mnemonic on, with `text`.
     [[nodiscard]] TextEdit Whole(const StatementView& statement, std::string text) const;

@@ -7,7 +7,7 @@
 
 namespace korv::platform {
 
-// The C++ library has the same text on all systems for the errors that it knows.
+// The C++ library has the same text on all systems for the errors that it defines.
 std::string ReasonOf(int error) {
     return std::error_code(error, std::system_category()).default_error_condition().message();
 }

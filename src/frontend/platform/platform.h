@@ -39,9 +39,9 @@ class Connection {
     [[nodiscard]] virtual bool Write(std::string_view bytes) = 0;
 };
 
-/// Standard input and output, without the buffers of the library. Once it is constructed,
+/// Standard input and output, without the buffers of the library. Once an instance exists,
 /// everything else that the process prints on standard output is written to standard error. Only
-/// one may exist.
+/// one instance may exist.
 class StandardConnection : public Connection {
   public:
     StandardConnection();

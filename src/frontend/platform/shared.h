@@ -21,7 +21,7 @@ namespace korv::platform {
 [[nodiscard]] bool AreOnePlace(const std::string& a, const std::string& b);
 
 /// While a window exists, held signals that ask the process to end take effect; the unfinished
-/// files are removed first. Only one may exist.
+/// files are removed first. Only one window may exist.
 class SignalWindow {
   public:
     SignalWindow();

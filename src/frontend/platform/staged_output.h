@@ -12,19 +12,19 @@ namespace korv::platform {
 /// Why the last request to the system failed, such as "No such file or directory".
 [[nodiscard]] std::string ErrorText();
 
-/// One of several outputs. A file is replaced by a new one of the same name; if that is impossible,
-/// its bytes are overwritten. Standard output, a device or a pipe is a stream. Each step is
-/// performed for all outputs before the next step: `Open`; `Stage` for files, `Send` for streams,
-/// `Put` for files, `Keep`. Destroying an output before `Keep` restores what was there before
-/// `Open`, except for what was sent to a stream. If a step fails, `ErrorText` returns the reason.
-/// If memory runs out, the process may end in any step except `Put`, which needs none.
+/// One of several outputs. A file is replaced with a new one of the same name; if that is
+/// impossible, its bytes are overwritten. Standard output, a device or a pipe is a stream. Each
+/// step is performed for all outputs before the next step: `Open`; `Stage` for files, `Send` for
+/// streams, `Put` for files, `Keep`. Destroying an output before `Keep` restores what was there
+/// before `Open`, except for what was sent to a stream. If a step fails, `ErrorText` returns the
+/// reason. If memory runs out, the process may end in any step except `Put`, which needs none.
 class StagedOutput {
   public:
     StagedOutput() = default;
     StagedOutput(StagedOutput&&) noexcept = default;
     ~StagedOutput() { static_cast<void>(TakeBack()); }
 
-    /// Opens the file `name`, exactly as spelled, if it exists. Waits for the reader of a named
+    /// Opens the file whose name is exactly `name`, if it exists. Waits for the reader of a named
     /// pipe. If standard output is redirected to the file, opens that stream instead.
     [[nodiscard]] bool Open(std::string_view name);
     [[nodiscard]] bool OpenStandardOutput();
@@ -34,7 +34,7 @@ class StagedOutput {
     [[nodiscard]] std::optional<FileIdentity> Identity() const;
     /// True if this output and `other` have the same path. Only for files that do not exist yet.
     [[nodiscard]] bool LeadsWhere(const StagedOutput& other) const;
-    /// True if it is a terminal, which would act on control characters.
+    /// True if this output is a terminal, where control characters take effect.
     [[nodiscard]] bool IsTerminal() const;
 
     /// Writes `contents` to a new file, and prepares `TakeBack`. If no new file can be created,
@@ -59,8 +59,8 @@ class StagedOutput {
     FileHandle handle;                    // of the new file
     std::string temporary;                // its name; empty: overwriting, or after `Put`
     std::string backup;                   // a second name of the old file
-    std::optional<std::string> oldBytes;  // of a file that is to be overwritten
-    bool isPut = false;                   // the old contents are replaced, or may be
+    std::optional<std::string> oldBytes;  // of a file that will be overwritten
+    bool isPut = false;                   // the old contents have been replaced, or may have been
 };
 
 /// While a guard exists, signals that would end the process are held back, so that it never ends

@@ -172,7 +172,7 @@ Ending RunUnder(const Fault& fault, int n) {
             std::string words[] = {"korv-as", "@words"};
             char* arguments[] = {words[0].data(), words[1].data()};
             EXPECT_NE(nullptr, std::freopen("console", "w", stderr));
-            std::signal(SIGINT, SIG_DFL);  // ignored if the tests run in the background
+            std::signal(SIGINT, SIG_DFL);  // it is ignored if the tests run in the background
             fault.cause(n);
             std::exit(korv::RunFrontend(2, arguments));
         }

@@ -273,7 +273,7 @@ TEST(WaitTest, TakesOneKeyOfATerminal) {
     termios now = before;
     const auto type = [&](pid_t) {
         Await([&] { return tcgetattr(terminal.screen, &now) == 0 && now.c_lflag != before.c_lflag; });
-        EXPECT_EQ(1, write(terminal.keyboard, "x", 1));  // without a Return
+        EXPECT_EQ(1, write(terminal.keyboard, "x", 1));  // without Return
     };
     const auto fromTerminal = [&](pid_t) { dup2(terminal.screen, STDIN_FILENO); };
     EXPECT_EQ(0, RunChild({"korv", "/wait"}, fromTerminal, type).status);

@@ -1,4 +1,4 @@
-"""Shared by bench/run, bench/check and bench/server: the folders, the tools, the programs, the counting."""
+"""What bench/run, bench/check and bench/server share: folders, tools, programs, counting."""
 import pathlib
 import re
 import shutil
@@ -27,7 +27,7 @@ def require(tools):
 
 
 def made_by(preset, pattern):
-    """The file that tools/build makes for a preset. It is built if it is missing, but not brought up to date."""
+    """The file that tools/build makes for a preset. It is built if it is missing, but not if it is out of date."""
     if not list(ROOT.glob(pattern)):
         do(ROOT / "tools" / "build", preset)
     path, = ROOT.glob(pattern)
@@ -70,7 +70,7 @@ def source(lines, shape):
 
 
 def counted(command, folder=WORK):
-    """The number of instructions that a program executes, without the kernel, and what it prints on standard error.
+    """The number of instructions that a program executes outside the kernel, and its standard error output.
 
     The program runs in `folder`, with an empty environment, since the C library reads each variable.
     """

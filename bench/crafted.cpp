@@ -1,4 +1,4 @@
-// Writes labels whose hashes have the same low bits, so that all have the same place in the index.
+// Writes labels whose hashes have the same low bits, so that all share one place in the index.
 // Uses korv's own hash function, so the labels still collide if that function changes.
 #include <cstdint>
 #include <cstdio>

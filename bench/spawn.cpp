@@ -2,7 +2,7 @@
 // one line per run: wall time in nanoseconds, processor time in microseconds (user and system),
 // peak memory in KiB, exit status. FILE is the output file of the program. It is removed before
 // each run, because a file system may write a replaced file to the disk immediately, which takes
-// longer than the program.
+// longer than the program itself.
 //
 // There are two reasons why bench/run does not do this in Python. The kernel counts the memory of
 // the starting process towards the program's peak. The starting process must therefore be smaller

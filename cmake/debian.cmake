@@ -19,7 +19,7 @@ file(WRITE ${changes}.Debian "korv (${CPACK_PACKAGE_VERSION}-${CPACK_DEBIAN_PACK
 file(GLOB pages ${share}/man/man1/*.1)
 execute_process(COMMAND gzip -9n ${pages} ${changes} ${changes}.Debian COMMAND_ERROR_IS_FATAL ANY)
 
-# Static programs contain parts of other works, so their licences are included.
+# Static programs contain parts of other works, so the licences of those works are included.
 set(overrides ${share}/lintian/overrides/korv)
 file(WRITE ${overrides} "# Built from the sources, not an upload that answers a request for a package.
 korv: initial-upload-closes-no-bugs [usr/share/doc/korv/changelog.Debian.gz:1]

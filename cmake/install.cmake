@@ -1,4 +1,4 @@
-# The places where `cmake --install`, and `cpack` for a .deb, install files. Vim searches share/vim/vimfiles in its own
+# `cmake --install` and, for a .deb, `cpack` install files in these places. Vim searches share/vim/vimfiles in its own
 # prefix (/usr on Debian, Fedora and Arch). No other editor has a folder shared by all its users: files for other
 # editors are in share/korv, and the manual explains how to use them. The doc folder contains the manual and example
 # programs.

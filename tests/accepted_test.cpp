@@ -24,9 +24,9 @@
 namespace korv_test {
 namespace {
 
-constexpr std::uint32_t mostBytes = 0x20000;  // of all statements with one keyword
+constexpr std::uint32_t mostBytes = 0x20000;  // the limit for all statements with one keyword together
 
-// Added at the end of each source. It defines names late, for operands that have no value at first.
+// Added at the end of each source. It defines the names that have no value when an operand uses them.
 constexpr const char* lateSource = "SOON: EQU 18\nLATE: EQU 300\nFAR: EQU 65535+1\n";
 const std::map<std::string, int> worth = {{"SOON", 18},   {"+SOON", 18},      {"LATE", 300}, {"-LATE", -300},
                                           {"FAR", 65536}, {"65535+1", 65536}, {"\"A\"", 65}};
@@ -34,8 +34,8 @@ const std::map<std::string, int> worth = {{"SOON", 18},   {"+SOON", 18},      {"
 // An operand.
 struct Shape {
     std::string text;
-    std::string group;  // of an operand that is not a value
-    int status;         // of its expression; -1: the operand is not a value
+    std::string group;  // the group of an operand that is not a value; otherwise the status
+    int status;         // the status of the expression; -1: the operand is not a value
 };
 using Operands = std::vector<const Shape*>;
 
@@ -44,7 +44,7 @@ struct Row {
     std::string line;
     Strings columns;
     std::vector<std::set<const Shape*>> operands = {};  // for each operand, the shapes that match it
-    Strings fields = {};  // of a named statement, one per operand: byte, word, disp, jump or empty
+    Strings fields = {};  // for each operand of a named statement: byte, word, disp, jump or empty
     bool isUsed = false;
 };
 enum Column { ABOUT, MNEMONICS, OPERANDS, BYTES, MESSAGES };
@@ -101,8 +101,8 @@ int Evaluate(const std::string& text, int address) {
     return static_cast<int>(number) + (isHere ? address : 0);
 }
 
-// The field of a named statement's bytes that holds the number of an operand; empty if the number is part of the
-// opcode.
+// The field of a named statement's bytes that holds the number of `operand`. Empty if the operand is not a number, or
+// if the number is part of the opcode.
 std::string FieldOf(const std::string& operand, const Row& row) {
     const int value = Evaluate(Inner(operand), korv::comStart);
     const int distance = value - static_cast<int>(korv::comStart) - 2;
@@ -160,7 +160,7 @@ std::vector<Outcome> Assemble(const std::string& source, std::size_t lines) {
 
 struct Crossing {
     std::deque<Shape> shapes;
-    std::string bareMnemonics;  // of statements in which parentheses have no meaning
+    std::string bareMnemonics;  // instructions for which parentheses have no meaning
     std::deque<Row> rows;
     std::vector<Row*> rowsOfKeyword;
     int address = 0;
@@ -224,7 +224,7 @@ struct Crossing {
         }
     }
 
-    // The first matching line for the current keyword.
+    // The first row for the current keyword that has the subject `about` and matches `operands`.
     const Row& First(const std::string& about, const Operands& operands) {
         static const Row none{"", {"", "", "", "", "no line decides"}};
         const auto isIn = [](const Shape* shape, const auto& set) { return set.contains(shape); };
@@ -251,7 +251,7 @@ struct Crossing {
         }
     }
 
-    // The outcome of the statement in `row`, from encodings/, if its values are replaced with those of `operands`.
+    // The outcome of the accepted statement in `row`, with the values of `operands` in place of its own.
     Outcome Accept(const Row& row, const Operands& operands) {
         Outcome outcome{row.columns[BYTES], {}, ""};
         Tell(row, operands, shapes[0], &outcome);
@@ -367,7 +367,7 @@ struct Crossing {
                 add(instruction, {bytes, {}, place});
             }
         }
-        std::string sample;  // first, since all statements of a directive that fills memory would take minutes
+        std::string sample;  // assembled first: all statements of a directive that fills memory would take minutes
         for (std::size_t i = 0; i < all.size(); i += 41) {
             sample += " " + all[i].first + "\n";
         }

@@ -33,11 +33,11 @@ std::string MessagesIn(const std::string& console) {
     return messages;
 }
 
-// The console output of a case that expects `lines`: the title precedes them, and the line that erases the meter
-// follows, except after the help.
+// The console output of a case that expects `lines`: the title precedes these lines, and the line that erases the meter
+// follows, except after the help text.
 std::string Console(const std::string& lines) {
     const bool isHelp = lines.find("[Korv] HELP!\n") != std::string::npos;
-    const std::string wiped(isHelp ? 0 : 26, ' ');  // a variable, since GCC 12 would warn about it in the sum
+    const std::string wiped(isHelp ? 0 : 26, ' ');  // a variable, because GCC 12 warns if this is part of the sum
     return "Brelloc Korv v2.00.025 *FAST*\n" + lines + wiped + (isHelp ? "" : "\r");
 }
 
@@ -61,7 +61,7 @@ TEST_P(CaseTest, Holds) {
     }
     const std::string console = RunKorv(test.arguments);
     const auto here = [&](const std::string& text) { return Shown(text, directory.Path()); };
-    // The sources must stay as they were, unless the case expects other contents.
+    // The sources must be unchanged, unless the case expects other contents.
     std::map<std::string, std::string> expected = test.files, got = FilesHere();
     for (const auto& [name, contents] : test.outputs) {
         expected[name] = here(name == "console" ? Console(contents) : contents);

@@ -29,7 +29,7 @@ namespace {
 
 using StringSet = std::set<std::string>;
 
-// All texts that the first group of `pattern` matches.
+// The texts that the first group of `pattern` matches.
 template <class Container = Strings>
 Container Found(const std::string& text, const std::string& pattern) {
     const std::regex regex(pattern);
@@ -61,8 +61,8 @@ std::string AllCases() {
 }
 
 // clang-format off
-// A pattern that matches the instructions that a form in the manual stands for. "LD r,(IX+d)" also stands for
-// "LD B,(IY-3)". A lower-case word that is not in `signs` is a number.
+// A pattern for the instructions that a form in the manual stands for. "LD r,(IX+d)" also stands for "LD B,(IY-3)". A
+// lower-case word that is not in `signs` is a number.
 std::regex PatternOf(const std::string& form) {
     const std::map<std::string, std::string> signs = {
         {"r", "[A-EHL]"}, {"r'", "[A-EHL]"}, {"ss", "(BC|DE|HL|SP)"}, {"qq", "(BC|DE|HL|AF)"}, {"IX", "I[XY]"},
@@ -78,7 +78,7 @@ std::regex PatternOf(const std::string& form) {
 TEST(CompletenessTest, EveryInstructionHasItsTestAndItsRow) {
     const std::string lines = ReplaceAll(AllCases(), "|", "\n     ");  // one line for each alternative
     const auto cases = Found<StringSet>(lines, "\n(?:    |raw )[^\\s;]*[ \t]+\\[?([A-Z_]+)");
-    std::map<std::string, std::pair<std::regex, bool>> forms;  // the bool: true if a test uses it
+    std::map<std::string, std::pair<std::regex, bool>> forms;  // the bool is true if a test uses the form
     StringSet listed;
     for (const std::string& row : Rows(Manual("### 5.2", "### 5.8") + Manual("## 6 ", "## 7 "))) {
         for (const std::string& form : Found(row, "`([A-Z][^`]*)`")) {
@@ -101,7 +101,7 @@ TEST(CompletenessTest, EveryInstructionHasItsTestAndItsRow) {
     for (const auto& [form, state] : forms) {
         EXPECT_TRUE(state.second) << form << ": no line in tests/encodings/, no case";
     }
-    StringSet words, helps, accepted, refused;  // the last two: words of lines in tests/cases/
+    StringSet words, helps, accepted, refused;  // the last two: words in lines of tests/cases/
     for (const std::string& line : Found(AllCases(), "\n(    [^\n]*)")) {
         const bool isRefused = line.find(";!") != std::string::npos;
         (isRefused ? refused : accepted).merge(Found<StringSet>(line, "[^A-Z_]([A-Z_]+)(?=[^A-Z_:])"));
@@ -134,7 +134,7 @@ TEST(CompletenessTest, EveryMessageHasTheTextOfTheManualAndACase) {
         "error 29",  // a name without a value always has its patches
         "error 52",  // needs memory to run out; tested in process_test.cpp
     };
-    std::map<std::string, StringSet> texts = {{"21", {""}}, {"42", {""}}};  // of the manual, by number
+    std::map<std::string, StringSet> texts = {{"21", {""}}, {"42", {""}}};  // the texts in the manual, by number
     StringSet kinds;                                                        // "error 16"
     for (const std::string& row : Rows(Manual("| -1 ", "## 13"))) {
         const Strings cells = Found(row, "\\| ([^|]*) (?=\\|)");
@@ -250,7 +250,8 @@ TEST(CompletenessTest, EverySwitchIsOnOffOrMalformed) {
 }
 
 TEST(CompletenessTest, EveryOptionAndWarningOfKorvAsIsInItsDocuments) {
-    // Each file, with the texts that precede a short and a long option in it. A separator follows each option.
+    // Each file, with the text that precedes a short option in it, and the text that precedes a long one. A separator
+    // follows each option.
     const std::string texts[][3] = {{Manual("## 13", "### 13.1"), "`-", "`--"},
                                     {"docs/man1/korv-as.1", " Fl ", " Fl Fl "},
                                     {"editors/completions/korv-as.bash", " -", " --"},

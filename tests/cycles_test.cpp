@@ -17,7 +17,7 @@ namespace {
 
 using Bytes = std::vector<std::uint8_t>;
 
-/// The T-states of the instruction with these registers. In AF, only the flags matter.
+/// The T-states of an instruction that starts with these registers. In AF, only the flags matter.
 int Measure(const Bytes& bytes, unsigned af, unsigned bc) {
     std::array<Z80EX_BYTE, 0x10000> memory{};
     std::ranges::copy(bytes, memory.begin());

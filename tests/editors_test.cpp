@@ -60,7 +60,7 @@ TEST(EditorsTest, HighlightEveryWordAndNoOther) {
     }
 }
 
-// The result of a JSON problem matcher for `output`: "file|line|column|severity|code|message" for each line that its
+// The result of a JSON problem matcher for `output`: "file|line|column|severity|code|message" for each line that the
 // pattern matches.
 std::string Matched(const std::string& matcher, const std::string& output) {
     const auto group = [&](const std::string& key, const std::string& form) {
@@ -136,7 +136,7 @@ TEST(EditorsTest, PatternsMatchTheMessages) {
         MatchedByVim("korv-as", ofKorvAs + RunKorvAs({"none.kor"})));
 }
 
-// The words that bash proposes to complete the last word of a command line. Bash splits words at "=" and "@".
+// Checks what bash proposes as the last word of a command line. Bash splits words at "=" and "@".
 TEST(EditorsTest, BashCompletesOptionsArgumentsAndFiles) {
     if (std::system("bash -c 'type mapfile compgen' >/dev/null 2>&1") != 0) {
         GTEST_SKIP() << "bash is not installed";

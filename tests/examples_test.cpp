@@ -20,7 +20,7 @@ struct Emulator {
     static constexpr unsigned stackTop = 0xFF00;  // the word at this address is 0, the return address
     std::string memory = std::string(0x10000, '\0');
     std::string output;
-    std::string_view input;  // the unread part; lines end with a line feed
+    std::string_view input;  // the input not read yet; lines end with a line feed
     std::unique_ptr<Z80EX_CONTEXT, decltype(&z80ex_destroy)> cpu = {
         z80ex_create(
             [](auto*, Z80EX_WORD at, int, void* ram) { return static_cast<Z80EX_BYTE*>(ram)[at]; }, memory.data(),
@@ -29,7 +29,7 @@ struct Emulator {
             [](auto*, Z80EX_WORD, Z80EX_BYTE, void*) {}, nullptr, nullptr, nullptr),
         z80ex_destroy};
 
-    // Result: false if the program does not return to address 0. The limit is more steps than any test needs.
+    // Result: false if the program does not return to address 0 within a number of steps that no test needs.
     bool Run(const std::string& code, unsigned start, unsigned entry) {
         memory.replace(start, code.size(), code).resize(0x10000);
         memory[systemEntry] = '\xC9';
@@ -52,7 +52,7 @@ struct Emulator {
         }
         std::size_t used = 0;
         if (call == 0) {
-            z80ex_set_reg(cpu.get(), regSP, stackTop);  // the RET then ends the program
+            z80ex_set_reg(cpu.get(), regSP, stackTop);  // so the RET ends the program
         } else if (call == 1) {
             const unsigned key = input.empty() ? 0x1AU : static_cast<Z80EX_BYTE>(input[0]);
             z80ex_set_reg(cpu.get(), regAF, static_cast<Z80EX_WORD>(key << 8));
@@ -93,7 +93,7 @@ const std::string NO_NUMBER = "That is no number.\n" + GUESS;
 struct Program {
     const char* name;
     const char* input;
-    std::string output;  // with a line feed for each pair CR LF that the program prints
+    std::string output;  // with a line feed for each CR LF that the program prints
 };
 
 // clang-format off

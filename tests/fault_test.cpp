@@ -36,17 +36,17 @@ Files FilesHere() {
 
 const std::string none = "none";  // stands for the contents of a file that does not exist
 
-// Each file that a run writes, with the message that it has been written, and the message that it cannot be opened. A
-// run may also end without writing the target or the error file.
+// Each file that a run writes, the message printed when it has been written, and the message printed when it cannot be
+// opened. A run may also end without writing the target or the error file.
 const std::tuple<std::string, std::string, std::string> written[] = {
     {"out/OUT.COM", "Binary target secured. (out/OUT.COM)\n", "Could not open out/OUT.COM.\n"},
     {"out/Debug.Out", "Debugfile written!\n", "Could not open 'debug.out'!\n"},
     {"out/Labels.Out", "Labels.Out written.\n", "Could not create file Labels.Out.\n"},
     {"Errors.Out", "Errors.Out written!\n", ""},
 };
-std::string consoles;  // of all runs
+std::string consoles;  // the output of all runs
 
-// The last line of the source, the old contents of the files above, and the fault of a request.
+// The last line of the source, the old contents of the files above, and the kind of fault at a request.
 using Row = std::tuple<std::string, std::string, RequestFault>;
 class FaultTest : public testing::TestWithParam<Row> {
   public:
@@ -83,7 +83,7 @@ TEST_P(FaultTest, LeavesWhatItSays) {
             contents == none ? fs::remove(name) : false;
         }
         FaultFileRequest(n, what);
-        // On Windows, the name is shown as typed if the directory cannot be searched. So the name on the disk is typed.
+        // On Windows, a name is shown as typed if the directory cannot be searched, so the actual name is typed.
         RunKorv({isWindows ? "main.kor" : "Main.Kor", "out/OUT.COM", "/d", "/l", "/m", "/f:4"});
         fs::current_path(directory.Path());  // the run may have failed to leave a directory
         console = ReplaceAll(*ReadFile("console"), "\\", "/");
@@ -125,7 +125,7 @@ TEST_P(FaultTest, LeavesWhatItSays) {
         ASSERT_EQ(sources, files);
         const bool isAborted = Contains(console, "Aborting");
         ASSERT_FALSE(isAborted && Contains(console, "secured"));
-        if (fault == RequestFault::isBroken && !isAborted) {  // the event was too late, and is not mentioned
+        if (fault == RequestFault::isBroken && !isAborted) {  // the event was too late, so it is not reported
             ASSERT_EQ(right, console);
         }
         ASSERT_FALSE(Contains(console, "/main.kor]") && Contains(console, "[FROB]"));
@@ -138,12 +138,12 @@ INSTANTIATE_TEST_SUITE_P(Any, FaultTest,
                                           testing::Values(RequestFault::failsOnce, RequestFault::failsForGood,
                                                           RequestFault::isBroken)));
 
-// A fault at the n-th point of a run, and whether it ends the process.
+// A fault at the n-th point of a run. `isEnd`: the fault may end the process.
 struct Fault {
     const char* name;
     void (*cause)(int n);
     bool isEnd;
-    int step = 1;  // of n: a run has a thousand allocations, and each fault needs a process
+    int step = 1;  // between values of n: a run makes a thousand allocations, and each fault needs a process
 };
 std::ostream& operator<<(std::ostream& out, const Fault& fault) {
     return out << fault.name;
@@ -158,7 +158,7 @@ const Fault faults[] = {
 #endif
 };
 
-// The end of a run, and whether its fault has occurred.
+// The output and exit status of a run, and whether its fault has occurred.
 struct Ending {
     std::string printed;
     bool hasCome;
@@ -172,7 +172,7 @@ Ending RunUnder(const Fault& fault, int n) {
             std::string words[] = {"korv-as", "@words"};
             char* arguments[] = {words[0].data(), words[1].data()};
             EXPECT_NE(nullptr, std::freopen("console", "w", stderr));
-            std::signal(SIGINT, SIG_DFL);  // ignored if the tests run in the background
+            std::signal(SIGINT, SIG_DFL);  // it is ignored if the tests run in the background
             fault.cause(n);
             std::exit(korv::RunFrontend(2, arguments));
         }
@@ -190,7 +190,7 @@ Ending RunUnder(const Fault& fault, int n) {
     return {printed, FaultFileRequest(0, {})};
 }
 
-// A file with its contents in lower case and with "/" for "\", so that any spelling of a name compares as equal.
+// A file whose contents are in lower case, with "/" for "\", so that all spellings of a name compare equal.
 Files::value_type WithFoldedNames(Files::value_type file) {
     std::ranges::transform(file.second, file.second.begin(),
                            [](unsigned char c) { return c == '\\' ? '/' : static_cast<char>(std::tolower(c)); });
@@ -199,7 +199,7 @@ Files::value_type WithFoldedNames(Files::value_type file) {
 
 class OutputFaultTest : public testing::TestWithParam<std::tuple<Fault, bool>> {};
 
-// Either all outputs are replaced or all keep their old contents, and the messages agree.
+// Either all outputs are replaced or all keep their old contents, and the messages agree with this.
 TEST_P(OutputFaultTest, LeavesAllOutputsOrNone) {
     const auto& [fault, isThere] = GetParam();
     const TempDir directory;

@@ -13,7 +13,7 @@ namespace {
 
 // Counts calls. The calls from `first` to `last` fail.
 struct Calls {
-    std::int64_t first = 0, last = 0, count = 0;  // from 1; 0: none fails
+    std::int64_t first = 0, last = 0, count = 0;  // counted from 1; if 0, none fails
 
     bool Fails() {
         ++count;

@@ -8,7 +8,7 @@ namespace korv_test {
 /// Makes the n-th allocation after this call fail, and every later one too if `andAllAfter`. With 0, none fails.
 void FailAllocation(std::int64_t n, bool andAllAfter);
 
-/// The fault at the n-th request to the system.
+/// What happens at the n-th request to the system.
 enum class RequestFault {
     failsOnce,
     failsForGood,  ///< this one and all later ones

@@ -23,7 +23,7 @@ constexpr korv::Range wholeFile{{0, 0}, {0xFFFFFFFF, 0}};
 // The files of a case, with their analysis.
 struct Program {
     std::map<std::string, std::string> files;  // by name
-    Strings names;                             // of the files; the main one first
+    Strings names;                             // the names of the files, the main one first
     struct Mark {
         std::string file;
         std::int32_t line;
@@ -32,13 +32,13 @@ struct Program {
     std::vector<Mark> marks = {};
     korv::Snapshot snapshot = {};
     std::int32_t markedFile = 0;
-    korv::Place place = {};  // of the mark of the current request
+    korv::Place place = {};  // the place of the mark in the current request
 
     void Analyse(korv::PositionEncoding encoding) {
         korv::FileStore store;
         for (const auto& [name, text] : files) {
             if (!name.starts_with('/')) {
-                WriteFile(name, "");  // the analysis checks on disk whether a file exists
+                WriteFile(name, "");  // the analysis looks on the disk for a file
             }
             store.SetText(store.FullPath(name), text);
         }
@@ -207,7 +207,7 @@ std::string Reply(const Program& program, const std::string& request, const std:
     });
 }
 
-// Replaces each "{HH}" with its byte. `columns` receives the offset of each character of `text`.
+// Replaces each "{HH}" with its byte. Appends to `columns` the offset in the result of each character of `text`.
 std::string Unescaped(const std::string& text, std::vector<std::size_t>* columns) {
     std::string bytes;
     for (std::size_t i = 0; i < text.size(); ++i) {

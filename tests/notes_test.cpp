@@ -46,7 +46,7 @@ std::string Printed(const std::string& source) {
     return Printed(AnalysisOf(source));
 }
 
-// The errors that remain after making the changes that the notes propose; `without` if they propose none.
+// The errors that remain after the changes that the notes propose; `without` if the notes propose no change.
 std::string ErrorsAfterChange(const std::string& source, const std::string& without = "") {
     const korv::Analysis analysis = AnalysisOf(source);
     std::map<std::pair<std::int32_t, std::uint32_t>, const korv::Edit*> edits;  // by line and column

@@ -65,7 +65,7 @@ TEST(PlaceTest, IsThePartAtFault) {
     }
 }
 
-// A line without an end, as in a binary file, must not cost memory for each of its characters.
+// A very long line, as in a binary file, must not be stored whole.
 TEST(PlaceTest, ALineIsCutAtTheMostThatCanAssemble) {
     const korv::StoredText text("a", std::string(0x10001, 'X'));
     EXPECT_EQ(std::string(0x10000, 'X'), korv::LogicalLineAt(text, 1).text);

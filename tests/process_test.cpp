@@ -32,7 +32,7 @@ namespace {
 namespace fs = std::filesystem;
 
 struct Outcome {
-    int status;  // of wait()
+    int status;  // as set by waitpid()
     std::string console;
 };
 
@@ -127,7 +127,7 @@ TEST(FaultDeathTest, AnyAllocationMayFailOnceOrForGood) {
     const std::string line = " : error X52 : Out of Memory.\n", noFile = "\nUhm, I DUNNO! ;p(0)" + line;
     const std::pair<std::string, std::string> rows[] = {
         // the size that could not be allocated, and the output
-        {"", "Could not allocate more memory! (Size=20480)\n"},  // the image grows for a word
+        {"", "Could not allocate more memory! (Size=20480)\n"},  // the image grows to hold a word
         {"", "Could not allocate memory for BinBlock.\n"}, {"", "Could not allocate more memory.\n"},
         {"", "Could not allocate memory for CPatchInfoMemBlock!\n"}, {"", "realloc error\n"},
         {"", "Could not allocate memory for CtmpStringBlock!\n"}, {"", "Could not allocate memory for lsArg!\n"},
@@ -273,7 +273,7 @@ TEST(WaitTest, TakesOneKeyOfATerminal) {
     termios now = before;
     const auto type = [&](pid_t) {
         Await([&] { return tcgetattr(terminal.screen, &now) == 0 && now.c_lflag != before.c_lflag; });
-        EXPECT_EQ(1, write(terminal.keyboard, "x", 1));  // without a Return
+        EXPECT_EQ(1, write(terminal.keyboard, "x", 1));  // without Return
     };
     const auto fromTerminal = [&](pid_t) { dup2(terminal.screen, STDIN_FILENO); };
     EXPECT_EQ(0, RunChild({"korv", "/wait"}, fromTerminal, type).status);
@@ -282,7 +282,7 @@ TEST(WaitTest, TakesOneKeyOfATerminal) {
     EXPECT_EQ(before.c_lflag, now.c_lflag);
 }
 
-// The superuser has all permissions, so some tests act as another user, in directories that everybody can use.
+// The superuser has all permissions, so some tests run as another user, in directories that everyone can use.
 class AsNobody {
   public:
     AsNobody() {
@@ -356,7 +356,7 @@ TEST(OutputTest, LeavesNothingWhenTheProcessEnds) {
         if (child == 0) {
             korv::platform::OutputFile files[2];
             bool isRight = files[0].Open("a", {}, {}) && files[1].Open("b", {}, {});
-            std::raise(SIGUSR1);  // delayed while a file is unfinished
+            std::raise(SIGUSR1);  // the signal is delayed while a file is unfinished
             files[0].Write("text", 4);
             isRight = isRight && files[0].Commit() && (!isLast || files[1].Commit());
             std::exit(isRight ? 0 : 1);
@@ -403,7 +403,7 @@ int RunFrontendOn(
     return korv::RunFrontend(static_cast<int>(argv.size()), argv.data());
 }
 
-// Colours are printed if they are wanted, but control characters from a source never are.
+// Colours are printed if they are wanted, but control characters from a source are never printed.
 TEST(TerminalTest, GetsColoursAndNoControlCharactersFromKorvAs) {
     const Terminal terminal;
     if (terminal.screen < 0) {
@@ -441,8 +441,8 @@ TEST(TerminalTest, GetsColoursAndNoControlCharactersFromKorvAs) {
     }
 }
 
-// Standard output is on a full disk; with "|" before the words, it is a pipe that nobody reads. With "<" or ">" before
-// them, standard input or output is closed.
+// Standard output is a full disk, or a pipe that nobody reads if "|" precedes the words. With "<" or ">" before them,
+// standard input or output is closed; with ".", standard input is a directory.
 TEST(FrontendProcessTest, WhyAFileCannotBeReadOrWrittenIsSaid) {
     const std::string full = ": No space left on device", denied = ": Permission denied";
     const std::string longName(4096, 'x'), noPath = ": its full path cannot be determined";
@@ -485,7 +485,7 @@ TEST(FrontendProcessTest, WhyAFileCannotBeReadOrWrittenIsSaid) {
     EXPECT_EQ(0, std::system("chmod 755 ."));
 }
 
-// A pipe has no size in advance, and a device is not searched for in other directories.
+// The size of a pipe is not known in advance, and a device is not searched for in other directories.
 TEST(FrontendProcessTest, ReadsPipesAndDevices) {
     const TempDir directory;
     ASSERT_EQ(0, std::system("mkfifo pipe; (echo ' INCLUDE /dev/null'; printf ' NOP\\n%.0s' `seq 5000`) >pipe &"));
@@ -495,7 +495,7 @@ TEST(FrontendProcessTest, ReadsPipesAndDevices) {
     EXPECT_EQ(std::string(5000, '\0'), ReadFile("a"));
 }
 
-// The server keeps standard output for its messages: whatever else is printed goes to standard error.
+// The server reserves standard output for its messages; anything else that is printed goes to standard error.
 TEST(FrontendProcessTest, AConnectionKeepsStandardOutputForItself) {
     int input[2], output[2];
     ASSERT_EQ(0, pipe(input) | pipe(output));

@@ -1,4 +1,4 @@
-/// Runs the programs from a test: in this process, in an empty directory, with their output captured.
+/// Runs the programs in the process of a test and captures their output. Also provides an empty directory for the test.
 #pragma once
 
 #include <map>
@@ -21,10 +21,10 @@ inline constexpr const char* nullDevice = "/dev/null";
 
 /// Runs korv with `arguments` in the current directory. Result: its output, which is also left in the file `console`.
 std::string RunKorv(Strings arguments);
-/// Runs korv-as. If the current directory has a file `stdin`, that is its standard input. Result: its output on
+/// Runs korv-as. If the current directory contains a file `stdin`, it becomes standard input. Result: its output on
 /// both streams, then its exit status if that is not 0. Leaves no file.
 std::string RunKorvAs(Strings arguments);
-/// The same, but stores its standard output in `output`. Result: the rest.
+/// The same, but stores standard output in `output`. Result: standard error, then the exit status.
 std::string RunKorvAs(Strings arguments, std::string* output);
 
 /// Enters a new empty directory. The destructor leaves and removes it.
@@ -44,11 +44,11 @@ class TempDir {
 /// `text` with each "$DIR" replaced by `directory`, and with the system's separators in "$DIR/a/b" and in `names`.
 std::string Shown(std::string text, const std::string& directory, Strings names = {});
 
-/// The contents of a file, if there is one. Line ends of a report (*.Out) are converted to line feeds.
+/// The contents of a file, if it exists. Line ends of a report (*.Out) are converted to line feeds.
 std::optional<std::string> ReadFile(const std::string& name);
 /// The contents of all files in the current directory and below it, by name.
 std::map<std::string, std::string> FilesHere();
-/// Also creates the directories in `name`.
+/// Writes a file, and creates the directories in `name` if they are missing.
 void WriteFile(const std::string& name, std::string_view contents);
 
 /// Redirects the standard output of this process to the file `console`.

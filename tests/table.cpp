@@ -108,7 +108,7 @@ std::string Expanded(std::string text, bool isRaw) {
 
 class CaseReader {
   public:
-    // "case TITLE; korv WORDS".
+    // Reads the first line of a case: "case TITLE; korv WORDS".
     void Begin(const std::string& line) {
         const std::size_t command = line.find("; korv");
         Require(line.starts_with("case "), "outside a case, or a title of another case");
@@ -241,10 +241,10 @@ class CaseReader {
     }
 
     Case test;
-    std::string file = "Main.Kor";  // the file being read, without its directory; empty for an output
+    std::string file = "Main.Kor";  // the name of the file being read, without its directory; empty for an output
     std::string* block = &test.files[file];
     std::string output;      // the output being read, if `file` is empty
-    std::string takenPlace;  // of the current line
+    std::string takenPlace;  // the place of the current line
     // The place in the table and the printed text of each message, by "error", "error1" and so on.
     std::map<std::string, std::vector<std::pair<std::string, std::string>>> messages;
 };

@@ -17,7 +17,7 @@ struct TableLine {
 };
 using Block = std::vector<TableLine>;  ///< the lines of a case
 
-/// The parts of `text` between the characters `at`: one more than there are such characters.
+/// Splits `text` at each `at`. The result has one part more than there are such characters.
 Strings Split(const std::string& text, char at);
 
 /// The absolute path of a file of the project.
@@ -40,8 +40,8 @@ struct Case {
     bool hasError = false;                       ///< true if an error is expected
     std::optional<std::string> bytes;            ///< the target in hexadecimal, or "none"
     std::map<std::string, std::string> outputs;  ///< expected contents by name; "console" as in README.md
-    /// For each expectation, by name: the offsets at which lines of the table begin in it, with the places of these
-    /// lines. Messages that are expected by marks have the name "messages".
+    /// For each expectation, by name: the offset in it at which each line of the table begins, and the place of that
+    /// line. The name of the expected messages is "messages".
     std::map<std::string, std::vector<std::pair<std::size_t, std::string>>> places;
     std::string title;  ///< the first line of the case, and its place
 };
@@ -56,7 +56,7 @@ std::string Differences(const Case& test, std::map<std::string, std::string> exp
 struct Encoding {
     std::string instruction;
     std::string bytes;       ///< hexadecimal, without blanks
-    std::string place = {};  ///< of the line in its table
+    std::string place = {};  ///< "TABLE:LINE"
 };
 
 /// Reads a table of encodings. The line "LD [B|C],5 = 06 05|0E 05" stands for two encodings.

@@ -159,7 +159,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     CheckData(analysis);
     if (analysis.failure.empty()) {
         MakeOutputs(options, analysis);
-        ShortStore again(sources);  // the choice of the parts to collect must change nothing else
+        ShortStore again(sources);  // the choice of parts to collect must affect nothing else
         const Analysis least = korv::Analyse(options, &again, {});
         Require(least.image == analysis.image, "the image depends on what is wanted");
         Require(least.messages.size() == analysis.messages.size() || !options.debug.empty() ||

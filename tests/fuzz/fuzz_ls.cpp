@@ -149,7 +149,7 @@ class Client : public korv::platform::Connection {
         return offset - (offset != 0 && text[offset - 1] == '\r' ? 1 : 0);
     }
 
-    // `offset` as the client counts it.
+    // The position at `offset`, in the units that the client counts.
     Json PositionOf(const std::string& text, std::size_t offset) const {
         const std::size_t start = offset == 0 ? 0 : text.rfind('\n', offset - 1) + 1;
         return {{"line", std::count(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(start), '\n')},
@@ -198,7 +198,7 @@ class Client : public korv::platform::Connection {
             "signatureHelp", "documentSymbol", "semanticTokens/full", "semanticTokens/range", "foldingRange",
             "inlayHint", "codeAction", "formatting", "rangeFormatting", "documentLink"};
         // clang-format on
-        const std::string& text = sources[path];  // the text as opened: positions beyond the current end are possible
+        const std::string& text = sources[path];  // the text as opened, so positions beyond the current end occur too
         const Json position = PositionOf(text, NextOffset(text));
         Request(std::string("textDocument/") + methods[Next() % static_cast<int>(std::size(methods))],
                 {{"textDocument", {{"uri", UriOf(path)}}},
@@ -301,18 +301,18 @@ class Client : public korv::platform::Connection {
         return isUtf8 ? korv::PositionEncoding::utf8 : korv::PositionEncoding::utf16;
     }
 
-    Texts sources;  // by path, as opened
+    Texts sources;  // the texts with which documents are opened, by path
     std::string script;
     std::size_t at = 0;  // in `script`
     korv::Options options;
     bool isUtf8 = false;
     std::string input;
-    Texts texts;  // of the open documents
+    Texts texts;  // the current texts of the open documents
     std::map<std::string, std::int64_t> versions;
     std::int64_t version = 0;
     int lastId = 0;
     std::map<int, std::string> waiting;     // methods, by the id of the request
-    std::map<std::string, Json> published;  // last parameters, by URI
+    std::map<std::string, Json> published;  // the last parameters, by URI
     std::string formatted;
 };
 

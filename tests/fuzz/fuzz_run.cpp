@@ -74,7 +74,7 @@ std::optional<std::string> WrapLeave(void* directory) {
 }
 
 extern "C" {
-// A run may ask for a line buffer of any size. A large one is refused, as if memory were exhausted.
+// A run may ask for a line buffer of any size. A request for a large one fails, as if memory were exhausted.
 const char* __asan_default_options() {
     return "allocator_may_return_null=1:max_allocation_size_mb=64";
 }
@@ -97,7 +97,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
         words.push_back(isSwitch ? word : "Sub\\OUT.COM");
     }
     Files files = FilesAfterRun(words, sources);
-    // The size of the read buffer must not change anything, and nothing may be left over from the run before.
+    // The size of the read buffer must not matter, and nothing may be left over from the run before.
     static std::uint32_t runs = 0;
     if (++runs % 64 == 0) {
         words.emplace_back("-f:7");

@@ -6,7 +6,7 @@ endif
 syntax case ignore
 syntax iskeyword @,48-57,?,64,_
 
-" A word in column 1 is a label, even if it is an instruction, so it is shown as one.
+" A word in column 1 is a label, even if it is an instruction, so it is shown as a label.
 syntax match korvLabel /^[0-9A-Za-z?@_]\+:\=/ nextgroup=korvInstruction,korvDirective,korvReserved skipwhite
 syntax match korvIndent /^\s\+/ nextgroup=korvInstruction,korvDirective,korvReserved
 

@@ -5,7 +5,7 @@
 
 namespace korv {
 
-/// A part of a logical line. The default means no place.
+/// A part of a logical line. The default value means no place.
 struct SourcePlace {
     std::int32_t file = 0;     ///< file number, 0 for none
     std::int32_t line = 0;     ///< its first physical line, 0 for none

@@ -37,7 +37,7 @@ inline constexpr std::uint32_t RF_MESSAGES        = 0x0100;  ///< print the resu
 inline constexpr std::uint32_t RF_END             = 0x0200;  ///< END was executed: all reading stops
 inline constexpr std::uint32_t RF_NO_WARNINGS     = 0x0400;  ///< warnings are collected, not printed
 inline constexpr std::uint32_t RF_BINARY          = 0x0800;  ///< .bin target with a load header
-inline constexpr std::uint32_t RF_MACRO_BODY      = 0x1000;  ///< a macro body is recorded; nothing sets it
+inline constexpr std::uint32_t RF_MACRO_BODY      = 0x1000;  ///< a macro body is being recorded; never set
 inline constexpr std::uint32_t RF_SYSTEM_IDS      = 0x2000;  ///< load the reserved words
 inline constexpr std::uint32_t RF_SETTLED         = 0x4000;  ///< the target is written or refused: too late to abort
 inline constexpr std::uint32_t RF_OBSERVED        = 0x8000;  ///< there is an observer
@@ -49,7 +49,7 @@ class FlagsWord {
   public:
     [[nodiscard]] std::uint32_t Load() const { return bits.load(std::memory_order_relaxed); }
     [[nodiscard]] bool Has(std::uint32_t mask) const { return (Load() & mask) != 0; }
-    /// Both return the bits as they were before.
+    /// Both return the previous bits.
     std::uint32_t Set(std::uint32_t mask) { return bits.fetch_or(mask, std::memory_order_relaxed); }
     std::uint32_t Clear(std::uint32_t mask) {
         return bits.fetch_and(~mask, std::memory_order_relaxed);
@@ -60,9 +60,9 @@ class FlagsWord {
     static_assert(std::atomic<std::uint32_t>::is_always_lock_free);
 };
 
-/// The most source files that may be open, including the main file.
+/// The maximum number of source files open at a time, including the main file.
 inline constexpr std::int32_t maxFileDepthAllowed = 10;
-/// The most levels of IF that may be open.
+/// The maximum number of open levels of IF.
 inline constexpr std::int32_t maxConditions = 32;
 /// The load addresses of a .com image, and of a .bin image whose start no ORG has set.
 inline constexpr std::uint32_t comStart = 256;
@@ -83,7 +83,7 @@ class CAssembler {
     /// Prepares a run that prints to `stream` and keeps the first `maxMessages` errors and the
     /// first `maxMessages` warnings. `stream` is not owned.
     explicit CAssembler(std::FILE* stream, std::int32_t maxMessages = 50);
-    /// Prints the time display and flushes all output streams.
+    /// Prints the time display if RF_TIME is set, and flushes all output streams.
     virtual ~CAssembler();
 
     // ---- driver/run.cpp: the run
@@ -98,7 +98,7 @@ class CAssembler {
     /// the result of `Run`.
     std::int32_t RunFromCommandLine(std::string_view source, std::string_view target,
                                     std::string_view flagString);
-    /// Assembles `sourceName`. May be called only once. Result: 0, whatever happened.
+    /// Assembles `sourceName`. May be called only once. Result: always 0.
     std::int32_t Run();
 
     /// Called by a front end, which handles names, reports and outputs itself. `newObserver` is
@@ -129,13 +129,13 @@ class CAssembler {
     [[nodiscard]] LoadHeader MakeLoadHeader();
     /// Prints the progress meter.
     virtual void Progress();
-    /// Prints to `stream` the state of the run and the memory that it holds; null means the stream
-    /// of the run. Result: 0.
+    /// Prints the state of the run and its memory use to `stream`; null means the stream of the
+    /// run. Result: always 0.
     std::int32_t StatusDump(std::FILE* stream);
 
     // ---- source/include_files.cpp
 
-    /// Enters, assembles and leaves the source file `name`, which is the main file or an included
+    /// Enters, assembles and leaves the source file `name`, either the main file or an included
     /// one. Result: 0, or the reason why the file could not be opened: MSG_CANNOT_OPEN or
     /// MSG_OUT_OF_MEMORY.
     Status AssembleIncludeFile(std::string_view name);
@@ -167,7 +167,7 @@ class CAssembler {
         ++location;
         return binary.PutByte(value);
     }
-    /// Emits an opcode, after `prefix` if that is not 0. Result: 0, so that a handler can return
+    /// Emits `prefix`, unless it is 0, and then an opcode. Result: 0, so that a handler can return
     /// it.
     Status EmitOpcode(std::uint8_t prefix, std::int32_t opcode) {
         if (prefix != 0) {

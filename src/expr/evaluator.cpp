@@ -3,7 +3,7 @@
 // decided by looking ahead at the next operator.
 //
 // The list is in the order of the text. Every result is stored in the leftmost node involved, so
-// the last node left is node 0. In a malformed expression, the cursor could circle forever; a
+// the node that remains is node 0. In a malformed expression, the cursor could circle forever; a
 // budget of steps ends such a walk.
 
 #include "expr/evaluator.h"

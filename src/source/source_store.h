@@ -20,8 +20,8 @@ struct FileBytes {
 };
 
 /// Resolves the file names in a source, and opens the files. `Enter` and `Leave` nest: a name is
-/// relative to the directory of the file entered last, and the name of the main file to the
-/// directory in which the run began.
+/// relative to the directory of the file entered last, and the name of the main file is relative to
+/// the directory in which the run began.
 class SourceStore {
   public:
     virtual ~SourceStore() = default;

@@ -48,8 +48,8 @@ class CIdentifierManager {
     /// first. Refused definitions and failed patches are reported here.
     void AddID(const Definition& definition);
 
-    /// Reserves `words`, which must live as long as the table and must not be in it yet. They count
-    /// as entered, but only those that a source uses get a record.
+    /// Reserves `words`, which must live as long as the table and must not be in it yet. The words
+    /// count as entered, but only those that a source uses get records.
     void Reserve(const WordSet& words) {
         reservedWords = &words;
         totalCount += words.Count();

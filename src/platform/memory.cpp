@@ -1,6 +1,6 @@
 // All memory is allocated here, so that the failure hook is called for every allocation that fails,
-// including those by `new`. Nothing here throws: if `new` fails, the process ends after the call to
-// the hook.
+// including those made by `new`. Nothing here throws: if `new` fails, the process ends after the
+// call to the hook.
 
 #include <algorithm>
 #include <bit>

@@ -24,10 +24,9 @@ struct NameAt {
 
 /// An index of the statements and names at each place.
 struct PlaceIndex {
-    /// For each file, the statements from the first time that it was opened, in the order of the
-    /// lines.
+    /// For each file, the statements from the first time it was opened, in the order of the lines.
     std::vector<std::vector<const Statement*>> statements;
-    /// The occurrences of names, by place without length.
+    /// The occurrences of names, keyed by place without length.
     std::map<Place, NameAt> names;
 
     /// Adds an occurrence, unless its place already has one.

@@ -124,7 +124,7 @@ Json Rename(const Query& query) {
 }
 
 Json Links(const Query& query) {
-    std::map<Place, std::int32_t> files;  // a file that is included twice has each link twice
+    std::map<Place, std::int32_t> files;  // a file included twice has each link twice
     for (const FileUse& use : query.snapshot.analysis->fileUses) {
         if (use.place.file == query.file) {
             files[use.place] = use.file;

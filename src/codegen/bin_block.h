@@ -59,7 +59,7 @@ class BinBlock {
         return offset < position ? data[offset] : 0xFF;
     }
 
-    /// All bytes; valid until a further byte is appended.
+    /// All bytes; valid until another byte is appended.
     [[nodiscard]] std::span<const std::uint8_t> Bytes() const { return {data, position}; }
 
     /// Writes all bytes to `file`, which records any failure.

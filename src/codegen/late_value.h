@@ -39,14 +39,14 @@ template <std::uint32_t kind>
                                  PatchText text);
 
 /// Emits the distance from the statement to the address `arg` as a byte. Result: 0; `tooFar` if the
-/// distance is known and does not fit; or the failure of the expression. In the last two cases,
-/// nothing has been emitted.
+/// distance is known and does not fit; or the status of the expression if it failed. In the last
+/// two cases, nothing has been emitted.
 [[nodiscard]] Status EmitRelative(CAssembler* assembler, CStatement* statement, const lsArg& arg,
                                   Status tooFar);
 
 /// Files a patch of `kind` at `position` in the image. The part `text` of `arg` is evaluated again
-/// when the name that `arg` waits for gets a value. With PF_EQU, the result becomes the value of
-/// the label.
+/// once the name that `arg` waits for has a value. With PF_EQU, the result becomes the value of the
+/// label.
 void FilePatch(CAssembler* assembler, const CStatement* statement, const lsArg& arg, PatchText text,
                std::uint32_t position, std::uint32_t kind);
 

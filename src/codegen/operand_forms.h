@@ -128,7 +128,7 @@ static_assert(AllowedBit(REG_BC) == ALLOW_BC && AllowedBit(REG_SP) == ALLOW_SP);
 [[nodiscard]] Status ProcessBSR_Ex(CAssembler* assembler, CStatement* statement, char kind,
                                    std::int32_t field);
 
-/// Reports that the expression of `arg` failed, with the text of `arg`.
+/// Reports that the expression of `arg` failed, and shows the text of `arg`.
 void ReportFailedOperand(CAssembler* assembler, const CStatement* statement, const lsArg& arg);
 
 }  // namespace korv

@@ -16,7 +16,7 @@ class CFileNameRegistry;
 class ReportWriter;
 
 struct CMessage {
-    std::int32_t number = 0;  ///< row of MESSAGE_TABLE; below 0: an internal error without a row
+    std::int32_t number = 0;  ///< row of MESSAGE_TABLE; negative: an internal error without a row
     std::unique_ptr<char[]> text;  ///< the detail shown in brackets, or null
     SourcePlace place;
 };

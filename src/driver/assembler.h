@@ -93,9 +93,9 @@ class CAssembler {
         fileBufferSize = n > 0 ? static_cast<std::uint32_t>(n) : fileBufferSize;
     }
     void SetLineBufferSize(std::int32_t n) { lineBufferSize = n > 0 ? n : lineBufferSize; }
-    /// Runs with the flags that the letters of `flagString` stand for (see driver/command_line.h).
-    /// An empty `source` means "Main.Kor"; an empty `target` is derived from the source. Result:
-    /// the result of `Run`.
+    /// Runs with the flags given by the letters of `flagString` (see driver/command_line.h). An
+    /// empty `source` means "Main.Kor"; an empty `target` is derived from the source. Result: as
+    /// for `Run`.
     std::int32_t RunFromCommandLine(std::string_view source, std::string_view target,
                                     std::string_view flagString);
     /// Assembles `sourceName`. May be called only once. Result: always 0.
@@ -197,7 +197,7 @@ class CAssembler {
                                    std::string_view text, std::string_view part);
     [[gnu::cold]] void ReportWarning(const CStatement* statement, std::int32_t number,
                                      std::string_view text, std::string_view part);
-    /// These overloads report a message about the part `text`.
+    /// These overloads report a message about the part `text`, and show it in brackets.
     void ReportError(const CStatement* statement, std::int32_t number, std::string_view text) {
         ReportError(statement, number, text, text);
     }
@@ -236,10 +236,10 @@ class CAssembler {
     DebugStream debugStream;      ///< with RF_DEBUG; by the loop and the traces
     std::string targetDirectory;  ///< of `targetName`, with its separator; by `AssembleSource`
     std::time_t startTime;        ///< for the time display; set once
-    std::uint32_t fileBufferSize = 65536;  ///< most bytes of a read buffer; by its setter
+    std::uint32_t fileBufferSize = 65536;  ///< limit of a read buffer in bytes; by its setter
     void* currentMacro = nullptr;          ///< the macro being recorded; no command records one
     std::int32_t startAddress = noStartAddress;  ///< of the target; by ORG
-    /// The most bytes that the image may have; by a front end, which checks whether it has more.
+    /// The maximum size of the image in bytes; by a front end, which checks for a larger one.
     std::uint32_t maxImage = std::numeric_limits<std::uint32_t>::max();
     Meter meter;  ///< by the loop and include files
 

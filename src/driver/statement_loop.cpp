@@ -93,7 +93,8 @@ void Assemble(CAssembler* assembler, CStatement* statement) {
 }
 
 constexpr std::uint32_t stops = RF_ABORT | RF_END;
-// All flags that need work after a statement, combined so that the normal path has only one test.
+// All flags that require work after a statement, combined so that the normal path has only one
+// test.
 constexpr std::uint32_t extras = stops | RF_DEBUG | RF_NO_DEBUG_RECORD | RF_PROGRESS | RF_OBSERVED;
 
 // Called after a statement of `lineCount` physical lines and `byteCount` bytes if any of `extras`

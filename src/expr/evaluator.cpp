@@ -31,7 +31,7 @@ std::int32_t Exponential(std::int32_t exponent) {
 }
 
 // The result of the operator `code`; for a unary operator, `left` is 0. Empty if there is no such
-// operator, or no result.
+// operator or it has no result.
 std::optional<std::int32_t> Applied(std::int32_t code, std::int32_t left, std::int32_t right) {
     const auto l = static_cast<std::uint32_t>(left);
     const auto r = static_cast<std::uint32_t>(right);

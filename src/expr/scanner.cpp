@@ -77,7 +77,7 @@ Status CAssembler::ScanExpression(std::string_view text, std::int32_t* value,
         } else if (!token.empty()) {
             std::int32_t number = 0;
             if (const Status status = ParseValue(token, &number); status != 0) {
-                *fault = status == MSG_UNRESOLVED ? token : *fault;  // the name with its quote
+                *fault = status == MSG_UNRESOLVED ? token : *fault;  // the name, quote added
                 return status;
             }
             store(NODE_VALUE, number, 0);

@@ -28,7 +28,7 @@ struct CtmpStringBlock {
 class CtmpStringManager {
   public:
     /// Allocates `count` bytes in the current block or in a new one. Adds a reference to that block
-    /// and returns the block in `block`. Result: the bytes. Ends the process if there is no memory
+    /// and stores the block in `block`. Result: the bytes. Ends the process if there is no memory
     /// for a block.
     static char* Alloc(std::size_t count, CtmpStringBlock** block);
 

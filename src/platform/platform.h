@@ -57,7 +57,7 @@ class Buffer {
     Buffer(const Buffer&) = delete;
     Buffer& operator=(const Buffer&) = delete;
 
-    /// Returns the address at which `count` further bytes can be written. If there is no memory for
+    /// Returns the address at which another `count` bytes can be written. If there is no memory for
     /// them, the result is null and the buffer is unchanged. `Advance` then appends the bytes that
     /// have been written.
     [[nodiscard]] char* Room(std::size_t count) {

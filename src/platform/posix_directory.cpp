@@ -99,8 +99,8 @@ class Listing {
     }
 
   private:
-    // Reads the names in `directory`. `status` was obtained before the call. False: the directory
-    // cannot be read.
+    // Reads the names in `directory`. `status` is the directory's status from before the call.
+    // False: the directory cannot be read.
     bool Read(const std::string& directory, const struct stat& status) {
         using namespace std::chrono;
         const auto now = system_clock::now().time_since_epoch();

@@ -33,7 +33,7 @@ void Forget(const std::string& temporary) {
 }
 
 // As long as `path` names a symbolic link, replaces it with the target of the link. False: a link
-// cannot be read, or the chain has 40 links.
+// cannot be read, or the chain has 40 links or more.
 bool FollowLinks(std::string* path) {
     for (int i = 0; i < 40; ++i) {
         std::array<char, PATH_MAX> text;

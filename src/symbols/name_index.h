@@ -17,7 +17,7 @@
 
 namespace korv {
 
-/// The bytes at `from` as a number, in the byte order of the machine: only for hashing and
+/// The bytes at `from` as a number, in the byte order of the machine; used only for hashing and
 /// comparing.
 template <typename Word>
 [[nodiscard]] constexpr Word LoadWord(const char* from) {

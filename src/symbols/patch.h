@@ -102,7 +102,7 @@ class CPatchInfoMemBlock {
     static void MakeBlock();
     static void ReleaseBlocks();
 
-    std::uint32_t head = 0;  // ring index of the next free slot; at `tail`, no slot is free
+    std::uint32_t head = 0;  // ring index of the next free slot; equal to `tail` if no slot is free
     std::uint32_t tail = slotCount - 1;          // ring index of the slot freed last
     std::uint32_t ring[slotCount];               // free slots
     CPatchInfo* records = nullptr;               // owned, raw memory for `slotCount` records

@@ -90,7 +90,7 @@ Json References(const Query& query) {
 }
 
 Json Highlights(const Query& query) {
-    constexpr int readKind = 2, writeKind = 3;  // numbers of the protocol
+    constexpr int readKind = 2, writeKind = 3;  // as numbered in the protocol
     Json highlights = Json::array();
     for (const NameAt& each : Occurrences(query)) {
         if (each.place.file == query.file) {

@@ -64,7 +64,7 @@ class FlagsWord {
 inline constexpr std::int32_t maxFileDepthAllowed = 10;
 /// The maximum number of open levels of IF.
 inline constexpr std::int32_t maxConditions = 32;
-/// The load addresses of a .com image, and of a .bin image whose start no ORG has set.
+/// The load addresses of a .com image, and of a .bin image if no ORG has set its start.
 inline constexpr std::uint32_t comStart = 256;
 inline constexpr std::uint32_t binaryStart = 16384;
 

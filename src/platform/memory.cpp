@@ -50,7 +50,7 @@ void* Allocate(std::size_t size) {
     return Reallocate(nullptr, size);
 }
 
-// Memory fresh from the system is 0 already, so `calloc` may be quicker than clearing it.
+// Memory fresh from the system is already zero, so `calloc` may be quicker than clearing it.
 void* AllocateZeroed(std::size_t size) {
     return Reported(FailsOnPurpose(allocationFault) ? nullptr : std::calloc(size, 1), size);
 }

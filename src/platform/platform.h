@@ -164,7 +164,7 @@ class CurrentDirectory {
 // ----------------------------------------------------------------------------------------------------
 // files
 
-/// The system's numbers for a file. They are the same for all names of the file.
+/// The numbers by which the system identifies a file. They are the same for all names of the file.
 struct FileIdentity {
     std::uint64_t device = 0;
     std::uint64_t number = 0;

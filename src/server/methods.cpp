@@ -1,5 +1,5 @@
-// The methods of the protocol: the table of the features, and the handlers of notifications and of
-// all other requests.
+// The methods of the protocol: the table of features, and the handlers of notifications and of all
+// other requests.
 
 #include <algorithm>
 #include <iterator>

@@ -30,7 +30,7 @@ class Programs {
         }
     };
 
-    /// Owns neither argument.
+    /// Neither argument is owned.
     Programs(Documents* documents, Workspace* workspace)
         : documents(documents), workspace(workspace) {}
 

@@ -20,7 +20,7 @@
 namespace korv {
 namespace {
 
-// The walk over one patch and everything that its value releases.
+// Processes one patch and everything that its value releases.
 class Backpatcher {
   public:
     explicit Backpatcher(CAssembler* assembler)

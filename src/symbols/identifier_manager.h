@@ -1,6 +1,6 @@
 /// All names of a run in one flat table: labels, EQU identifiers, reserved words, version
-/// identifiers, and names that have only been used. A record also has the patches that wait for its
-/// value, so that all forward references to a name are filled in when the name is defined.
+/// identifiers, and names that have only been used. A record also holds the patches that wait for
+/// its value, so that all forward references to a name are filled in when the name is defined.
 #pragma once
 
 #include <cstddef>
@@ -40,8 +40,8 @@ class CIdentifierManager {
     explicit CIdentifierManager(CAssembler* assembler);
     ~CIdentifierManager() { ReleasePatches(); }
 
-    /// Traces patches to `newLog`, which is not owned; null turns the trace off. Result: the
-    /// previous log.
+    /// Traces patches to `newLog`, which is not owned; null turns tracing off. Result: the previous
+    /// log.
     DebugStream* SetLog(DebugStream* newLog) { return std::exchange(log, newLog); }
 
     /// Defines a name. If the name has only been used so far, its patches are applied, newest
@@ -92,8 +92,8 @@ class CIdentifierManager {
     /// Reports every name that a patch still waits for.
     void ReportUnresolved();
 
-    /// Releases the patches that still wait. Called at the end of a run, before the pool of their
-    /// texts is released.
+    /// Releases the patches that are still waiting. Called at the end of a run, before the pool of
+    /// their texts is released.
     void ReleasePatches();
 
     /// Writes the listing of identifiers, in the order of the buckets.

@@ -1,5 +1,5 @@
-// Arithmetic and logic. The encoders are shared; "A," is optional in ADD, required in ADC and SBC,
-// and not allowed in the others.
+// Arithmetic and logic, built on the shared encoders. "A," is optional in ADD, required in ADC and
+// SBC, and not allowed in the others.
 
 #include "codegen/handlers.h"
 #include "codegen/operand_forms.h"
@@ -10,10 +10,10 @@ namespace {
 
 constexpr std::uint32_t pairs = ALLOW_BC | ALLOW_DE | ALLOW_SP;
 
-constexpr std::int32_t toImmediate = 0x46;  // from 80 to C6, 88 to CE, 98 to DE
+constexpr std::int32_t toImmediate = 0x46;  // turns 80 into C6, 88 into CE, 98 into DE
 
-// The form of the pair that is added to HL, IX or IY, or subtracted from HL. The destination itself
-// is also allowed.
+// The form of a pair added to HL, IX or IY, or subtracted from HL. The pair may be the destination
+// itself.
 constexpr OperandForm PairForm(std::uint8_t prefix, std::uint8_t opcode, std::int32_t to) {
     const std::uint32_t forms = prefix == PREFIX_NONE ? 0 : FORM_PREFIX;
     return {4, opcode, 0, prefix, pairs | AllowedBit(to), forms};

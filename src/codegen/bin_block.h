@@ -1,6 +1,6 @@
-/// The growing buffer that holds the image of the run. Its positions are offsets in the image, not
-/// addresses: the location counter is a separate number that the callers advance. Neither is
-/// computed from the other.
+/// The buffer that holds the image of the run; it grows as needed. Its positions are offsets in the
+/// image, not addresses: callers keep the location counter separately, and neither is computed from
+/// the other.
 #pragma once
 
 #include <cstdint>
@@ -15,8 +15,8 @@ namespace korv {
 class BinBlock {
   public:
     /// Creates a buffer of `initialSize` bytes, filled with 0xFF. If an allocation fails, here or
-    /// in any other operation, this is reported to `stream` and the process ends. `stream` is not
-    /// owned.
+    /// in any other operation, the failure is reported to `stream` and the process ends. `stream`
+    /// is not owned.
     BinBlock(std::uint32_t initialSize, std::FILE* stream);
     ~BinBlock();
     BinBlock(const BinBlock&) = delete;
@@ -59,7 +59,7 @@ class BinBlock {
         return offset < position ? data[offset] : 0xFF;
     }
 
-    /// All bytes; valid until a further byte is appended.
+    /// All bytes; valid until another byte is appended.
     [[nodiscard]] std::span<const std::uint8_t> Bytes() const { return {data, position}; }
 
     /// Writes all bytes to `file`, which records any failure.
@@ -68,7 +68,8 @@ class BinBlock {
     Status DumpStatus(std::FILE* stream) const;
 
   private:
-    // Single bytes and zeros grow the buffer in small steps, words and other bytes in larger steps.
+    // Single bytes and zeros grow the buffer in small steps; words and blocks of bytes, in larger
+    // ones.
     static constexpr std::uint32_t byteStep = 4096;
     static constexpr std::uint32_t wordStep = 16384;
 
@@ -84,8 +85,8 @@ class BinBlock {
             GrowBy(step, offset);
         }
     }
-    // An append rarely has to grow the buffer. It does so in a tail call, so that the usual case
-    // contains no call.
+    // An append rarely has to grow the buffer. When it does, it makes a tail call, so that the
+    // usual case contains no call.
     std::uint32_t GrowAndPutByte(std::int32_t value);
     std::uint32_t GrowAndPutWord(std::int32_t value);
 

@@ -1,5 +1,5 @@
 // Bit instructions. Like rotates and shifts, they have the prefix CB. Bits 5 to 3 of the opcode
-// hold the number of the bit.
+// hold the bit number.
 
 #include "codegen/handlers.h"
 #include "codegen/operand_forms.h"

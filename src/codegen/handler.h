@@ -14,14 +14,14 @@ class CAssembler;
 struct CStatement;
 struct lsArg;
 
-/// Assembles one statement, after its frame. Result: 0; a message number, which the statement loop
-/// reports as an error without a text; or `generalFailure`. After a failure, the bytes already
-/// emitted stay in the image. Handlers are compared by their addresses.
+/// Assembles one statement; its frame has already run. Result: 0; a message number, which the
+/// statement loop reports as an error without a text; or `generalFailure`. After a failure, the
+/// bytes already emitted stay in the image. Handlers are compared by address.
 using HandlerFunction = Status(CAssembler* assembler, CStatement* statement);
 using InstructionHandler = HandlerFunction*;
 
-/// A handler that serves several instructions, distinguished by `facts`: opcodes, fields, operand
-/// numbers.
+/// Adapts a handler shared by several instructions. `facts` distinguish them: opcodes, fields,
+/// operand numbers.
 template <auto handler, auto... facts>
 Status With(CAssembler* assembler, CStatement* statement) {
     return handler(assembler, statement, facts...);
@@ -31,8 +31,8 @@ Status With(CAssembler* assembler, CStatement* statement) {
 /// about that operand. Result: `status`.
 [[gnu::cold]] Status Refuse(CStatement* statement, const lsArg& arg, Status status);
 
-/// Defines the label of the line with `value` and IDF_* bits, and marks the label as defined. The
-/// line must have a label.
+/// Defines the label of the line with `value` and the IDF_* bits `flags`, and marks the label as
+/// defined. The line must have a label.
 void DefineLabel(CAssembler* assembler, CStatement* statement, std::int32_t value,
                  std::uint32_t flags);
 /// Defines the label of the line, if there is one, as the address of the statement.
@@ -51,12 +51,12 @@ inline constexpr OperandCount oneOrTwoOperands{1, 2};
 inline constexpr OperandCount twoOperands{2, 2};
 inline constexpr OperandCount anyOperands{1, std::numeric_limits<std::int32_t>::max()};
 
-/// The steps before a handler, in their order. The number of operands is checked last: even if it
-/// is wrong, the label is defined and the operands are read.
+/// The steps before a handler, in order. The number of operands is checked last: even if it is
+/// wrong, the label is defined and the operands are read.
 enum class Frame {
     labelFirst,     ///< label, operands: a label can be an operand of its own line
     operandsFirst,  ///< operands, label
-    operandsOnly,   ///< operands; the handler defines the label
+    operandsOnly,   ///< operands; the handler or the loop defines the label
     noLabel,        ///< operands; a label is an error, but the handler runs
     // the following frames do not read the rest of the line
     labelOnly,  ///< label
@@ -75,8 +75,8 @@ enum class KeywordGroup : std::uint8_t {
 struct Keyword {
     std::string_view word;
     InstructionHandler handler;
-    OperandCount operands;            ///< ignored if the frame reads none
-    Frame frame = Frame::labelFirst;  ///< nearly all instructions and the data directives
+    OperandCount operands;            ///< ignored if the frame reads no operands
+    Frame frame = Frame::labelFirst;  ///< instructions with operands, data directives
     KeywordGroup group = KeywordGroup::instruction;
 };
 

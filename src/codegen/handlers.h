@@ -8,7 +8,7 @@
 
 namespace korv {
 
-// codegen/implied.cpp: the whole encoding is in the row of the keyword
+// codegen/implied.cpp: the whole encoding is in the keyword's row
 Status AssembleImplied(CAssembler* assembler, CStatement* statement, std::uint8_t prefix,
                        std::uint8_t opcode);
 
@@ -17,7 +17,7 @@ HandlerFunction AssembleLd;
 
 // codegen/arithmetic.cpp; AND, CP, OR, SUB, XOR are EncodeAccumulatorOp
 HandlerFunction AssembleAdd;
-/// ADC and SBC: the opcodes with B and with BC as second operand.
+/// ADC and SBC: the opcodes with B and with BC as the second operand.
 Status AssembleWithCarry(CAssembler* assembler, CStatement* statement, std::uint8_t byteOpcode,
                          std::uint8_t pairOpcode);
 /// INC and DEC: the opcodes with B and with BC.
@@ -35,7 +35,7 @@ HandlerFunction AssembleCall, AssembleDjnz, AssembleJp, AssembleJr, AssembleRet,
 /// PUSH and POP: `opcode` is the one for BC.
 Status AssembleStack(CAssembler* assembler, CStatement* statement, std::uint8_t opcode);
 HandlerFunction AssembleEx, AssembleIm;
-/// IN and OUT: the number of the operand that is the register, and the opcodes with B and with A.
+/// IN and OUT: the number of the register operand, and the opcodes for B with (C) and A with (n).
 Status AssembleInOut(CAssembler* assembler, CStatement* statement, std::int32_t registerPlace,
                      std::uint8_t registerOpcode, std::uint8_t portOpcode);
 

@@ -1,4 +1,4 @@
-// The instructions without operands. After the frame, only one or two bytes have to be emitted.
+// Instructions without operands. After the frame, only one or two bytes remain to be emitted.
 
 #include "codegen/handlers.h"
 #include "driver/assembler.h"

@@ -1,5 +1,5 @@
-// Jumps, calls and returns. Their operands are forward references more often than those of any
-// other instructions.
+// Jumps, calls and returns. Their operands are forward references more often than any other
+// operands.
 
 #include "codegen/handlers.h"
 #include "codegen/late_value.h"
@@ -64,8 +64,8 @@ Status AssembleJr(CAssembler* assembler, CStatement* statement) {
     return EmitRelative(assembler, statement, target, MSG_OFFSET_TOO_BIG);
 }
 
-// DJNZ uses its operand as text: registers have no meaning here, and DJNZ A jumps to the label A.
-// So a register, a condition or an operand in parentheses is scanned again as an expression.
+// To DJNZ, every operand is an expression: DJNZ A jumps to the label A. So a register, a condition
+// or an operand in parentheses is scanned again as an expression.
 Status AssembleDjnz(CAssembler* assembler, CStatement* statement) {
     lsArg& target = statement->args.First();
     if (!target.IsValue() || target.reg != REG_NONE) {

@@ -1,7 +1,7 @@
 /// The vocabulary: every mnemonic with its frame, its number of operands, and its handler with the
 /// facts that distinguish it within its group. To add an instruction, add its row. The rows are
-/// sorted by the characters of their words. The compiler builds the recogniser's tree from this
-/// table, and rejects a table that is out of order or has a word twice.
+/// sorted by word. The compiler builds the recogniser's tree from this table, and rejects a table
+/// that is out of order or has a word twice.
 #pragma once
 
 #include <array>
@@ -19,8 +19,8 @@ template <std::uint8_t opcode, std::uint8_t prefix = PREFIX_NONE>
 constexpr Keyword Implied(std::string_view word) {
     return {word, With<AssembleImplied, prefix, opcode>, noOperand, Frame::operandsFirst};
 }
-/// The group of AND, and the rotates and shifts. Each is selected by the number in bits 5 to 3 of
-/// its opcode.
+/// The AND group, and the rotates and shifts. Each is selected by the number in bits 5 to 3 of its
+/// opcode.
 template <std::int32_t group>
 constexpr Keyword AccumulatorOp(std::string_view word) {
     return {word, With<EncodeAccumulatorOp, group>, oneOperand};
@@ -29,7 +29,7 @@ template <std::int32_t field>
 constexpr Keyword Shift(std::string_view word) {
     return {word, With<ProcessBSR_Ex, 'X', field>, oneOperand};
 }
-/// Commands that are reserved and always fail with the message `answer`.
+/// Reserved commands, which always fail with the message `answer`.
 template <Status answer>
 constexpr Keyword Reserved(std::string_view word, Frame frame = Frame::labelOnly) {
     return {word, With<AnswerOnly, answer>, noOperand, frame, KeywordGroup::directive};

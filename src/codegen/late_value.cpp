@@ -8,7 +8,7 @@
 namespace korv {
 namespace {
 
-// Whether two views of one line are the same part of it.
+// Whether two views of a line cover the same part of it.
 bool IsSamePart(std::string_view a, std::string_view b) {
     return a.data() == b.data() && a.size() == b.size();
 }

@@ -1,6 +1,6 @@
-/// Emits the values of operands, whether they are known or not. For a value that is not known yet,
-/// a placeholder is emitted and a patch is filed. The kind of a value determines how the value is
-/// checked and written, at once or by the patch.
+/// Emits the values of operands, known or not. For a value not known yet, a placeholder is emitted
+/// and a patch is filed. The kind of a value determines how it is checked and written, whether at
+/// once or by the patch.
 #pragma once
 
 #include <cstdint>
@@ -26,8 +26,8 @@ enum class PatchText {
     expression,  ///< the part that is evaluated
 };
 
-/// Emits the value of `arg` in the width of `kind`, and files a patch if it is not known yet.
-/// Result: 0, or the status of the expression if it failed. After a failure, a zero has been
+/// Emits the value of `arg` in the width of `kind`, and files a patch if the value is not known
+/// yet. Result: 0, or the status of the expression if it failed. After a failure, a zero has been
 /// emitted.
 template <std::uint32_t kind>
 Status EmitValue(CAssembler* assembler, CStatement* statement, const lsArg& arg, PatchText text);
@@ -39,14 +39,14 @@ template <std::uint32_t kind>
                                  PatchText text);
 
 /// Emits the distance from the statement to the address `arg` as a byte. Result: 0; `tooFar` if the
-/// distance is known and does not fit; or the failure of the expression. In the last two cases,
-/// nothing has been emitted.
+/// distance is known and does not fit; or the status of the expression if it failed. In the last
+/// two cases, nothing has been emitted.
 [[nodiscard]] Status EmitRelative(CAssembler* assembler, CStatement* statement, const lsArg& arg,
                                   Status tooFar);
 
 /// Files a patch of `kind` at `position` in the image. The part `text` of `arg` is evaluated again
-/// when the name that `arg` waits for gets a value. With PF_EQU, the result becomes the value of
-/// the label.
+/// once the name that `arg` waits for has a value. With PF_EQU, the result becomes the value of the
+/// label.
 void FilePatch(CAssembler* assembler, const CStatement* statement, const lsArg& arg, PatchText text,
                std::uint32_t position, std::uint32_t kind);
 

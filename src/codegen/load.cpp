@@ -76,7 +76,7 @@ Status StoreIndexed(CAssembler* assembler, CStatement* statement, const lsArg& d
         result != 0 || !isImmediate) {
         return result;
     }
-    if (!byteRange.Holds(src.value)) {  // an error here, a warning everywhere else
+    if (!byteRange.Holds(src.value)) {  // an error here, a warning for other immediate bytes
         return Refuse(statement, src, byteRange.message);
     }
     if (EmitValue<byteKind>(assembler, statement, src, PatchText::operand) != 0) {

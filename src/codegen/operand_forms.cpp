@@ -7,7 +7,7 @@
 namespace korv {
 namespace {
 
-// The FORM_* bit of an operand that holds an expression in parentheses.
+// The FORM_* bit of an operand with an expression in parentheses; 0 for other operands.
 constexpr std::uint32_t FormBit(std::int32_t reg) {
     return reg == REG_IX_INDEXED   ? FORM_IX
            : reg == REG_IY_INDEXED ? FORM_IY

@@ -1,5 +1,6 @@
-/// The encoders that groups of instructions share. Each turns one classified operand into bytes,
-/// with its checks, messages and patch. A handler calls one of them last and returns its result.
+/// The encoders shared by groups of instructions. Each turns one classified operand into bytes, and
+/// takes care of its checks, messages and patch. A handler calls one of them last and returns its
+/// result.
 #pragma once
 
 #include <cstdint>
@@ -11,7 +12,8 @@ namespace korv {
 class CAssembler;
 struct CStatement;
 
-/// Prefixes of the processor's opcode tables. 0 means none: no instruction has that prefix.
+/// Prefixes of the processor's opcode tables. 0 stands for no prefix, since no instruction has the
+/// prefix 0.
 inline constexpr std::uint8_t PREFIX_NONE = 0x00;
 inline constexpr std::uint8_t PREFIX_IX = 0xDD;
 inline constexpr std::uint8_t PREFIX_IY = 0xFD;
@@ -77,8 +79,8 @@ struct OperandForm {
     }
 }
 
-/// Whether `reg` is the code of B, C, D, E, H, L, (HL) or A. If it is, the code is the number in
-/// the opcode.
+/// Whether `reg` is the code of B, C, D, E, H, L, (HL) or A. If it is, the code is also the
+/// operand's number in the opcode.
 [[nodiscard]] constexpr bool IsFieldRegister(std::int32_t reg) {
     return reg >= 0 && reg <= 7;
 }
@@ -90,7 +92,7 @@ struct OperandForm {
 [[nodiscard]] constexpr bool IsPair(std::int32_t reg) {
     return reg >= REG_BC && reg <= REG_AF;
 }
-/// Whether `reg` is the code of HL, or of IX or IY, which replace it after a prefix.
+/// Whether `reg` is the code of HL, IX or IY. IX and IY are encoded as HL with a prefix.
 [[nodiscard]] constexpr bool IsHlOrIndex(std::int32_t reg) {
     return reg >= REG_HL && reg <= REG_IY;
 }
@@ -107,7 +109,7 @@ struct OperandForm {
     if (!IsPair(reg)) {
         return 0;
     }
-    return reg == REG_AF ? ALLOW_AF : ALLOW_AF << (reg >> 8);  // the high byte counts the pairs
+    return reg == REG_AF ? ALLOW_AF : ALLOW_AF << (reg >> 8);  // the high byte numbers the pairs
 }
 static_assert(AllowedBit(REG_HL_INDIRECT) == ALLOW_HL_INDIRECT && AllowedBit(0) == 0x0002);
 static_assert(AllowedBit(REG_BC) == ALLOW_BC && AllowedBit(REG_SP) == ALLOW_SP);
@@ -126,7 +128,7 @@ static_assert(AllowedBit(REG_BC) == ALLOW_BC && AllowedBit(REG_SP) == ALLOW_SP);
 [[nodiscard]] Status ProcessBSR_Ex(CAssembler* assembler, CStatement* statement, char kind,
                                    std::int32_t field);
 
-/// Reports that the expression of `arg` failed, with the text of `arg`.
+/// Reports that the expression of `arg` failed, and shows the text of `arg`.
 void ReportFailedOperand(CAssembler* assembler, const CStatement* statement, const lsArg& arg);
 
 }  // namespace korv

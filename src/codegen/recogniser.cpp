@@ -1,10 +1,10 @@
-// The decision tree of the vocabulary. The compiler builds it from the keyword table, so it needs
-// no generator and cannot differ from the table.
+// The decision tree that recognises keywords. The compiler builds it from the keyword table, so it
+// needs no generator and cannot differ from the table.
 //
 // A node is a range of the sorted table whose words agree in their first `depth` characters. The
 // next character of the token is read once; a binary decision over the candidates at that depth
-// picks the range of words that have this character. The terminator is a candidate like any other:
-// it distinguishes IN from INC and INCLUDE. After inlining, only comparisons and jumps remain.
+// picks the range of words with this character. The terminator is a candidate like any other: it
+// distinguishes IN from INC and INCLUDE. After inlining, only comparisons and jumps remain.
 
 #include "codegen/recogniser.h"
 

@@ -1,5 +1,5 @@
-// Stack, exchange, interrupt mode and ports. IN and OUT have the only undocumented forms that are
-// accepted: IN F,(C) and OUT (C),F, with 6 in the register field.
+// Stack, exchange, interrupt mode and ports. The only undocumented forms accepted are IN F,(C) and
+// OUT (C),F, with 6 in the register field.
 
 #include <array>
 
@@ -54,8 +54,8 @@ Status AssembleIm(CAssembler* assembler, CStatement* statement) {
     return 0;
 }
 
-// The port is (C), with any byte register or F, or (n), with A only. A number out of range is an
-// error, and its byte is not emitted.
+// The port is either (C), with any byte register or F, or (n), with A only. A port number out of
+// range is an error, and no byte is emitted for it.
 Status AssembleInOut(CAssembler* assembler, CStatement* statement, std::int32_t registerPlace,
                      std::uint8_t registerOpcode, std::uint8_t portOpcode) {
     const bool isInput = registerPlace == 1;

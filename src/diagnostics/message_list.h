@@ -16,7 +16,7 @@ class CFileNameRegistry;
 class ReportWriter;
 
 struct CMessage {
-    std::int32_t number = 0;  ///< row of MESSAGE_TABLE; below 0: an internal error without a row
+    std::int32_t number = 0;  ///< row of MESSAGE_TABLE; negative: an internal error without a row
     std::unique_ptr<char[]> text;  ///< the detail shown in brackets, or null
     SourcePlace place;
 };
@@ -24,8 +24,7 @@ struct CMessage {
 inline constexpr std::int32_t ML_ERROR = 0;
 inline constexpr std::int32_t ML_WARNING = 1;
 
-/// Receives the messages in the order in which they are reported, errors and warnings together,
-/// without a limit.
+/// Receives errors and warnings together, in the order in which they are reported, without a limit.
 class MessageReceiver {
   public:
     /// `kind` is the kind of the list (ML_*); the other arguments are those of `Report`.
@@ -39,17 +38,18 @@ class MessageReceiver {
 class CMessageList {
   public:
     /// Creates an empty list of `kind` (ML_*) with room for `capacity` messages. The room is
-    /// allocated here: a later report needs memory only for its text, and the list works even if no
-    /// memory is left. `fileNames` supplies the names of the files for printing and is not owned.
+    /// allocated here, so a later report needs memory only for its text, and the list works even
+    /// when memory has run out. `fileNames` supplies the names of the files for printing and is not
+    /// owned.
     CMessageList(std::int32_t capacity, std::int32_t kind, const CFileNameRegistry* fileNames);
 
-    /// Passes all reports to `newReceiver`, which is not owned, instead of keeping them.
+    /// Passes all reports to `newReceiver` instead of keeping them. The receiver is not owned.
     void SetReceiver(MessageReceiver* newReceiver) { receiver = newReceiver; }
 
     /// Reports message `number`; `text` is copied. A view without data means no text and no
     /// brackets; an empty text is printed as empty brackets. A full list drops the message.
     void Report(std::int32_t number, std::string_view text, const SourcePlace& place = {}) {
-        // A source may cause a warning on each line. Once the list is full, further warnings cost
+        // A source can cause a warning on each line. Once the list is full, further warnings cost
         // nothing.
         if (Count() < capacity) {
             Take(number, text, place);

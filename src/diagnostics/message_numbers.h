@@ -1,5 +1,5 @@
-/// The messages: number, name and text of each. A report is an error or a warning depending on the
-/// list to which it is added. This header includes no other header of the project, and all folders
+/// The messages: number, name and text of each. A report is an error or a warning, depending on the
+/// list to which it is added. This header includes no other header of the project, so all folders
 /// may include it.
 #pragma once
 

@@ -1,5 +1,5 @@
-/// Formats the text of a report without the formatting routines of the library and writes it in
-/// blocks, since a listing has a line for each line of the source.
+/// Formats the text of a report without the library's formatting routines and writes it in blocks,
+/// since a listing has a line for each source line.
 #pragma once
 
 #include <algorithm>
@@ -63,7 +63,7 @@ class ReportWriter {
   public:
     static constexpr std::size_t blockSize = 16384;
 
-    /// Writes to a file or to the console. Neither is owned; both must outlive the writer.
+    /// Writes to a file or to the console, which is not owned and must outlive the writer.
     explicit ReportWriter(platform::OutputFile* file) : file(file) {}
     explicit ReportWriter(std::FILE* console)
         : console(console), isTerminal(platform::IsTerminal(console)) {}
@@ -71,8 +71,8 @@ class ReportWriter {
     ReportWriter(const ReportWriter&) = delete;
     ReportWriter& operator=(const ReportWriter&) = delete;
 
-    /// Returns the position at which at least `count` characters can be written; `count` is at most
-    /// `blockSize`. `Advance` then appends the characters up to `end`.
+    /// Returns a position with room for `count` characters, at most `blockSize`. `Advance` then
+    /// appends the characters up to `end`.
     char* Room(std::size_t count) {
         if (count > static_cast<std::size_t>(block.data() + blockSize - next)) [[unlikely]] {
             Flush();
@@ -109,8 +109,8 @@ class ReportWriter {
     char* next = block.data();
 };
 
-/// Prints `format` on the console, replacing each "%" with one of `texts`. The texts come from a
-/// source or are file names.
+/// Prints `format` on the console, replacing each "%" with the next of `texts`. The texts come from
+/// a source or are file names.
 void PrintTexts(std::FILE* console, std::string_view format,
                 std::initializer_list<std::string_view> texts);
 

@@ -1,6 +1,6 @@
 // Data: DB for bytes and strings, DW for words, DM for one text, DS for a block of zero bytes,
-// BINCLUDE for the bytes of a file. A string arrives as the text of its operand, with the quotes.
-// There is no escape character.
+// BINCLUDE for the bytes of a file. A string is passed as the text of its operand, including the
+// quotes. There is no escape character.
 
 #include <algorithm>
 
@@ -90,7 +90,7 @@ Status AssembleDm(CAssembler* assembler, CStatement* statement) {
 
 Status AssembleDs(CAssembler* assembler, CStatement* statement) {
     const lsArg& size = statement->args.First();
-    if (size.status != 0 || !size.IsValue()) {  // a patched size would move what follows
+    if (size.status != 0 || !size.IsValue()) {  // a later patch would move the bytes that follow
         return Refuse(statement, size,
                       size.status == MSG_UNRESOLVED ? MSG_NOT_IMMEDIATE : MSG_ILLEGAL_ARGUMENT);
     }
@@ -104,8 +104,8 @@ Status AssembleDs(CAssembler* assembler, CStatement* statement) {
 }
 
 // Emits the bytes of a file unchanged. The file is found like a source, but does not count as one:
-// it has no number and no depth, and the progress meter ignores it. The whole file is read before
-// anything is emitted.
+// it gets no number, adds nothing to the file depth, and is ignored by the progress meter. The
+// whole file is read before anything is emitted.
 Status AssembleBinclude(CAssembler* assembler, CStatement* statement) {
     const lsArg& arg = statement->args.First();
     std::string_view name = arg.text;

@@ -37,7 +37,7 @@ inline constexpr std::uint32_t RF_MESSAGES        = 0x0100;  ///< print the resu
 inline constexpr std::uint32_t RF_END             = 0x0200;  ///< END was executed: all reading stops
 inline constexpr std::uint32_t RF_NO_WARNINGS     = 0x0400;  ///< warnings are collected, not printed
 inline constexpr std::uint32_t RF_BINARY          = 0x0800;  ///< .bin target with a load header
-inline constexpr std::uint32_t RF_MACRO_BODY      = 0x1000;  ///< a macro body is recorded; nothing sets it
+inline constexpr std::uint32_t RF_MACRO_BODY      = 0x1000;  ///< a macro body is being recorded; never set
 inline constexpr std::uint32_t RF_SYSTEM_IDS      = 0x2000;  ///< load the reserved words
 inline constexpr std::uint32_t RF_SETTLED         = 0x4000;  ///< the target is written or refused: too late to abort
 inline constexpr std::uint32_t RF_OBSERVED        = 0x8000;  ///< there is an observer
@@ -49,7 +49,7 @@ class FlagsWord {
   public:
     [[nodiscard]] std::uint32_t Load() const { return bits.load(std::memory_order_relaxed); }
     [[nodiscard]] bool Has(std::uint32_t mask) const { return (Load() & mask) != 0; }
-    /// Both return the bits as they were before.
+    /// Both return the previous bits.
     std::uint32_t Set(std::uint32_t mask) { return bits.fetch_or(mask, std::memory_order_relaxed); }
     std::uint32_t Clear(std::uint32_t mask) {
         return bits.fetch_and(~mask, std::memory_order_relaxed);
@@ -60,11 +60,11 @@ class FlagsWord {
     static_assert(std::atomic<std::uint32_t>::is_always_lock_free);
 };
 
-/// The most source files that may be open, including the main file.
+/// The maximum number of source files open at a time, including the main file.
 inline constexpr std::int32_t maxFileDepthAllowed = 10;
-/// The most levels of IF that may be open.
+/// The maximum number of open levels of IF.
 inline constexpr std::int32_t maxConditions = 32;
-/// The load addresses of a .com image, and of a .bin image whose start no ORG has set.
+/// The load addresses of a .com image, and of a .bin image if no ORG has set its start.
 inline constexpr std::uint32_t comStart = 256;
 inline constexpr std::uint32_t binaryStart = 16384;
 
@@ -83,7 +83,7 @@ class CAssembler {
     /// Prepares a run that prints to `stream` and keeps the first `maxMessages` errors and the
     /// first `maxMessages` warnings. `stream` is not owned.
     explicit CAssembler(std::FILE* stream, std::int32_t maxMessages = 50);
-    /// Prints the time display and flushes all output streams.
+    /// Prints the time display if RF_TIME is set, and flushes all output streams.
     virtual ~CAssembler();
 
     // ---- driver/run.cpp: the run
@@ -93,12 +93,12 @@ class CAssembler {
         fileBufferSize = n > 0 ? static_cast<std::uint32_t>(n) : fileBufferSize;
     }
     void SetLineBufferSize(std::int32_t n) { lineBufferSize = n > 0 ? n : lineBufferSize; }
-    /// Runs with the flags that the letters of `flagString` stand for (see driver/command_line.h).
-    /// An empty `source` means "Main.Kor"; an empty `target` is derived from the source. Result:
-    /// the result of `Run`.
+    /// Runs with the flags given by the letters of `flagString` (see driver/command_line.h). An
+    /// empty `source` means "Main.Kor"; an empty `target` is derived from the source. Result: as
+    /// for `Run`.
     std::int32_t RunFromCommandLine(std::string_view source, std::string_view target,
                                     std::string_view flagString);
-    /// Assembles `sourceName`. May be called only once. Result: 0, whatever happened.
+    /// Assembles `sourceName`. May be called only once. Result: always 0.
     std::int32_t Run();
 
     /// Called by a front end, which handles names, reports and outputs itself. `newObserver` is
@@ -129,13 +129,13 @@ class CAssembler {
     [[nodiscard]] LoadHeader MakeLoadHeader();
     /// Prints the progress meter.
     virtual void Progress();
-    /// Prints to `stream` the state of the run and the memory that it holds; null means the stream
-    /// of the run. Result: 0.
+    /// Prints the state of the run and its memory use to `stream`; null means the stream of the
+    /// run. Result: always 0.
     std::int32_t StatusDump(std::FILE* stream);
 
     // ---- source/include_files.cpp
 
-    /// Enters, assembles and leaves the source file `name`, which is the main file or an included
+    /// Enters, assembles and leaves the source file `name`, either the main file or an included
     /// one. Result: 0, or the reason why the file could not be opened: MSG_CANNOT_OPEN or
     /// MSG_OUT_OF_MEMORY.
     Status AssembleIncludeFile(std::string_view name);
@@ -167,7 +167,7 @@ class CAssembler {
         ++location;
         return binary.PutByte(value);
     }
-    /// Emits an opcode, after `prefix` if that is not 0. Result: 0, so that a handler can return
+    /// Emits `prefix`, unless it is 0, and then an opcode. Result: 0, so that a handler can return
     /// it.
     Status EmitOpcode(std::uint8_t prefix, std::int32_t opcode) {
         if (prefix != 0) {
@@ -197,7 +197,7 @@ class CAssembler {
                                    std::string_view text, std::string_view part);
     [[gnu::cold]] void ReportWarning(const CStatement* statement, std::int32_t number,
                                      std::string_view text, std::string_view part);
-    /// These overloads report a message about the part `text`.
+    /// These overloads report a message about the part `text`, and show it in brackets.
     void ReportError(const CStatement* statement, std::int32_t number, std::string_view text) {
         ReportError(statement, number, text, text);
     }
@@ -236,10 +236,10 @@ class CAssembler {
     DebugStream debugStream;      ///< with RF_DEBUG; by the loop and the traces
     std::string targetDirectory;  ///< of `targetName`, with its separator; by `AssembleSource`
     std::time_t startTime;        ///< for the time display; set once
-    std::uint32_t fileBufferSize = 65536;  ///< most bytes of a read buffer; by its setter
+    std::uint32_t fileBufferSize = 65536;  ///< limit of a read buffer in bytes; by its setter
     void* currentMacro = nullptr;          ///< the macro being recorded; no command records one
     std::int32_t startAddress = noStartAddress;  ///< of the target; by ORG
-    /// The most bytes that the image may have; by a front end, which checks whether it has more.
+    /// The maximum size of the image in bytes; by a front end, which checks for a larger one.
     std::uint32_t maxImage = std::numeric_limits<std::uint32_t>::max();
     Meter meter;  ///< by the loop and include files
 

@@ -27,7 +27,7 @@ struct Switch {
     std::uint32_t alsoOn = 0;  // set with `bits`, but not cleared with them
 };
 
-// In the order of the help; a word that begins with another word comes after that one.
+// In the order of the help; a word that begins with another one comes after it.
 // clang-format off
 constexpr Switch switches[] = {
     {"D", Kind::onOff, "/d[+|-]", "Enable/disable debug.out file.", RF_DEBUG},

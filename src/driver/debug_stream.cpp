@@ -1,5 +1,6 @@
 // A record consists of a start byte, the number of target bytes (32 bits, lowest byte first), the
-// text, and an end byte. There is no escape: a start or end byte within the text is read as such.
+// text, and an end byte. Bytes are not escaped: a start or end byte within the text is read as
+// such.
 
 #include "driver/debug_stream.h"
 

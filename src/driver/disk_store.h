@@ -1,5 +1,5 @@
-/// Reads the files of a run from the disk. While a source is read, its directory is the current
-/// one.
+/// Reads the files of a run from the disk. While a source is being read, its directory is the
+/// current directory.
 #pragma once
 
 #include "platform/platform.h"

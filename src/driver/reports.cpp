@@ -52,8 +52,8 @@ void CAssembler::ReportWarning(const CStatement* statement, std::int32_t number,
 
 void CAssembler::WriteDebugFile() {
     const auto write = [this](platform::OutputFile* file) {
-        // Even an aborted run gets its listing. Only an abort while the listing is written makes it
-        // incomplete.
+        // Even an aborted run gets its listing. Only an abort while the listing is being written
+        // makes it incomplete.
         const std::uint32_t aborted = flags.Clear(RF_ABORT) & RF_ABORT;
         debugStream.WriteListing(this, file);
         return (flags.Set(aborted) & RF_ABORT) == 0;

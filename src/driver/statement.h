@@ -10,7 +10,7 @@
 
 namespace korv {
 
-/// Longest label, mnemonic or token of an expression, in characters.
+/// Maximum length of a label, a mnemonic or a token of an expression, in characters.
 inline constexpr std::size_t maxWord = 256;
 
 struct CStatement {

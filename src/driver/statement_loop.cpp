@@ -13,7 +13,7 @@
 namespace korv {
 namespace {
 
-// `token`, truncated to the length of the longest word.
+// `token`, truncated to the maximum length of a word.
 std::string_view Word(std::string_view token) {
     return token.substr(0, maxWord);
 }
@@ -93,11 +93,12 @@ void Assemble(CAssembler* assembler, CStatement* statement) {
 }
 
 constexpr std::uint32_t stops = RF_ABORT | RF_END;
-// All flags that need work after a statement, combined so that the normal path has only one test.
+// All flags that require work after a statement, combined so that the normal path has only one
+// test.
 constexpr std::uint32_t extras = stops | RF_DEBUG | RF_NO_DEBUG_RECORD | RF_PROGRESS | RF_OBSERVED;
 
-// Called after a statement of `lineCount` physical lines and `byteCount` bytes if `bits` contain
-// any of `extras`. Does the work for these flags. Result: false if the run must stop.
+// Called after a statement of `lineCount` physical lines and `byteCount` bytes if any of `extras`
+// is set in `bits`. Does the work for those flags. Result: false if the run must stop.
 bool FinishStatement(CAssembler* assembler, CStatement* statement, std::uint32_t bits,
                      std::uint32_t lineCount, std::uint32_t byteCount) {
     if ((bits & RF_OBSERVED) != 0) {

@@ -3,7 +3,7 @@
 // decided by looking ahead at the next operator.
 //
 // The list is in the order of the text. Every result is stored in the leftmost node involved, so
-// the last node left is node 0. In a malformed expression, the cursor could circle forever; a
+// the node that remains is node 0. In a malformed expression, the cursor could circle forever; a
 // budget of steps ends such a walk.
 
 #include "expr/evaluator.h"
@@ -31,7 +31,7 @@ std::int32_t Exponential(std::int32_t exponent) {
 }
 
 // The result of the operator `code`; for a unary operator, `left` is 0. Empty if there is no such
-// operator, or no result.
+// operator or it has no result.
 std::optional<std::int32_t> Applied(std::int32_t code, std::int32_t left, std::int32_t right) {
     const auto l = static_cast<std::uint32_t>(left);
     const auto r = static_cast<std::uint32_t>(right);

@@ -42,7 +42,7 @@ struct ExprNode {
 
 /// Works in place on the first `count` of the `capacity` elements at `nodes`. They are in source
 /// order, with `value`, `type` and `priority` set. Result: 0 with the value in `nodes[0].value`, or
-/// MSG_BAD_EXPRESSION. Numbers are signed 32-bit and wrap.
+/// MSG_BAD_EXPRESSION. Values are signed 32-bit numbers and wrap around.
 [[nodiscard]] Status ReduceNodes(ExprNode* nodes, std::int32_t capacity, std::int32_t count);
 
 }  // namespace korv

@@ -7,8 +7,8 @@ namespace {
 
 constexpr std::int32_t maxNumber = 65535;
 
-// In base 16, a digit is any character of class CC_HEX: the values of "?", "@" and "_" follow from
-// their codes, like those of letters. In base 2, dots may separate groups of digits.
+// In base 16, any character of class CC_HEX is a digit: "?", "@" and "_" get their values from
+// their codes, as letters do. In base 2, dots may separate groups of digits.
 Status ReadDigits(std::string_view digits, std::int32_t base, std::int32_t* value) {
     if (digits.empty()) {
         return MSG_GENERAL_FAILURE;
@@ -35,7 +35,7 @@ Status ReadDigits(std::string_view digits, std::int32_t base, std::int32_t* valu
 }
 
 // Reads a number with a suffix for its base, or a decimal number. "B" is also a hexadecimal digit.
-// "H" and "O" are not, and are a suffix only if nothing but digits precedes them.
+// "H" and "O" are not; each is a suffix only if nothing but digits precedes it.
 Status ReadSuffixed(std::string_view token, std::int32_t* value) {
     const std::size_t last = token.size() - 1;
     const std::string_view digits = token.substr(0, last);

@@ -1,4 +1,4 @@
-/// The notations of numbers: with a prefix, with a suffix, decimal, or as a character.
+/// Reads numbers in all notations: with a prefix, with a suffix, decimal, or as a character.
 #pragma once
 
 #include <cstdint>
@@ -17,14 +17,14 @@ inline constexpr Status notANumber = -1;
     return letter == 'B' ? 2 : letter == 'O' ? 8 : letter == 'D' ? 10 : letter == 'H' ? 16 : 0;
 }
 
-/// Reads `token`, which is not empty and not "$" alone. Result: 0 with the number in `value`;
+/// Reads `token`, which must be neither empty nor just "$". Result: 0 with the number in `value`;
 /// MSG_GENERAL_FAILURE for a number without digits; MSG_BAD_NUMBER for a number above 65535;
 /// MSG_BAD_EXPRESSION for a string that is not exactly one character; `notANumber`. `value` is set
 /// only if the result is 0.
 [[nodiscard]] Status ReadNumber(std::string_view token, std::int32_t* value);
 
-/// Reads `token`, which is not empty, if it is a decimal number of at most four digits, as most
-/// numbers are. Four digits cannot exceed the limit. False: `token` is something else.
+/// Reads `token` if it is a decimal number of at most four digits, as most numbers are. Four digits
+/// cannot exceed the limit. `token` must not be empty. False: `token` is something else.
 [[nodiscard]] inline bool ReadShortDecimal(std::string_view token, std::int32_t* value) {
     if (token.size() > 4) {
         return false;

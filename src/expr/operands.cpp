@@ -31,7 +31,7 @@ std::int32_t TakeIndex(std::string_view* inner) {
     return REG_DIRECT;
 }
 
-// Stores the outcome of the evaluation of `expression`.
+// Stores the outcome of evaluating `expression`.
 inline void TakeStatus(lsArg* arg, std::string_view expression, Status status) {
     arg->status = status;
     if (status == 0) [[likely]] {
@@ -50,7 +50,7 @@ KO_Args::~KO_Args() {
     }
 }
 
-// A record for operand 3 or later.
+// A record for any operand after the second.
 lsArg* KO_Args::NewRecord() {
     lsArg* arg = spare;
     if (arg != nullptr) {

@@ -15,15 +15,15 @@ namespace korv {
 
 class CAssembler;
 
-/// One operand. Its texts are views of the line; copy them for anything that outlives the
-/// statement.
+/// One operand. Its texts are views of the line; anything that outlives the statement must copy
+/// them.
 struct lsArg : OperandClass {
     Status status = 0;       ///< of its expression; 0 if that succeeded or there is none
     std::int32_t value = 0;  ///< of its expression; 0 unless `status` is 0
     std::string_view text;   ///< the operand as written
-    /// The part of `text` that is evaluated. This and `fault` are valid only if `status` is not 0;
-    /// otherwise they are left over from an earlier line. Clearing them for every operand would add
-    /// 5 % to the instructions of a run.
+    /// The part of `text` that is evaluated. This and `fault` are valid only if `status` is
+    /// nonzero; otherwise, they are left over from an earlier line. Clearing them for every operand
+    /// would add 5 % to the instructions of a run.
     std::string_view expression;
     /// The token at which the evaluation failed. With MSG_UNRESOLVED, it is the name that has no
     /// value yet. It is empty if the tokens are valid but the calculation failed.
@@ -36,7 +36,7 @@ struct lsArg : OperandClass {
     [[nodiscard]] bool IsIndirect() const { return (flags & LA_INDIRECT) != 0; }
     /// Whether this is (IX+d) or (IY+d).
     [[nodiscard]] bool IsIndexed() const { return reg == REG_IX_INDEXED || reg == REG_IY_INDEXED; }
-    /// Whether `value` is a plain number, with or without parentheses.
+    /// Whether this is an expression, with or without parentheses, but not (IX+d) or (IY+d).
     [[nodiscard]] bool IsPlainValue() const {
         return IsValue() && (reg == REG_NONE || reg == REG_DIRECT);
     }
@@ -66,10 +66,10 @@ class KO_Args {
     KO_Args(const KO_Args&) = delete;
     KO_Args& operator=(const KO_Args&) = delete;
 
-    /// Adds the operand `text` and evaluates it. `text` is a part of the line that is not empty and
-    /// has no blanks at its ends. Result: 0, or `emptyOperand` for empty parentheses, which are not
-    /// added. The status of the expression is in the record. Ends the process if there is no memory
-    /// for a record.
+    /// Adds the operand `text` and evaluates it. `text` is a nonempty part of the line without
+    /// blanks at its ends. Result: 0, or `emptyOperand` for empty parentheses, which are not added.
+    /// The status of the expression is in the record. Ends the process if there is no memory for a
+    /// record.
     Status Add(std::string_view text);
     /// Like `Add`, for a text that is one token (see expr/token.h), alone or in parentheses.
     void AddToken(std::string_view text) {
@@ -88,7 +88,7 @@ class KO_Args {
 
     /// Operand `n`, from 1; null if there is none.
     [[nodiscard]] lsArg* Arg(std::int32_t n);
-    /// To be called only if the statement has the operand.
+    /// These may be called only if the statement has that operand.
     [[nodiscard]] lsArg& First() { return inlineArgs[0]; }
     [[nodiscard]] lsArg& Second() { return inlineArgs[1]; }
     [[nodiscard]] lsArg& Last() { return count == 1 ? inlineArgs[0] : *tail; }

@@ -9,9 +9,9 @@
 
 namespace korv {
 
-/// Register codes. The low byte of a bare name's code is its number in the opcode, except for I and
-/// R: 0 to 7 for an 8-bit register, 0 to 3 for a pair, 6 for F. "(HL)" has the code 6, the number
-/// of the memory operand.
+/// Register codes. In the code of a bare name, the low byte is the register's number in the opcode,
+/// except for I and R: 0 to 7 for an 8-bit register, 0 to 3 for a pair, 6 for F. "(HL)" has the
+/// code 6, the number of the memory operand.
 inline constexpr std::int32_t REG_NONE = -1;
 inline constexpr std::int32_t REG_C = 1;
 inline constexpr std::int32_t REG_HL_INDIRECT = 6;
@@ -32,16 +32,15 @@ inline constexpr std::int32_t REG_DE_INDIRECT = 0x3001;
 inline constexpr std::int32_t REG_IX_INDIRECT = 0x4002;
 inline constexpr std::int32_t REG_IY_INDIRECT = 0x5002;
 inline constexpr std::int32_t REG_SP_INDIRECT = 0x6003;
-/// Codes of operands that hold an expression: (IX+d), (IY+d), and any other expression in
-/// parentheses.
+/// Codes of operands with an expression: (IX+d), (IY+d), and any other expression in parentheses.
 inline constexpr std::int32_t REG_IX_INDEXED = 0x7007;
 inline constexpr std::int32_t REG_IY_INDEXED = 0x8008;
 inline constexpr std::int32_t REG_DIRECT = 0x900F;
 
 /// Bits of `OperandClass::flags`.
-inline constexpr std::uint32_t LA_INDIRECT = 0x01;  ///< in parentheses; also on every register name
+inline constexpr std::uint32_t LA_INDIRECT = 0x01;  ///< in parentheses, or any register name
 inline constexpr std::uint32_t LA_QUOTED = 0x02;    ///< begins and ends with a double quote
-inline constexpr std::uint32_t LA_CONSTANT = 0x04;  ///< has a value; also on conditions
+inline constexpr std::uint32_t LA_CONSTANT = 0x04;  ///< has a value, or is a condition
 inline constexpr std::int32_t KIND_NONE = 0;
 inline constexpr std::int32_t KIND_REGISTER = 1;
 inline constexpr std::int32_t KIND_VALUE = 2;
@@ -104,7 +103,7 @@ inline constexpr std::array operandNames = {
     operand_class::ConditionRow("NZ", 0),
     operand_class::ConditionRow("PE", 5),
     operand_class::ConditionRow("PO", 4),
-    OperandName{"FLAGS", operand_class::Register(REG_F), operand_class::direct},  // F, in the long spelling
+    OperandName{"FLAGS", operand_class::Register(REG_F), operand_class::direct},  // F, spelled out
 };
 // clang-format on
 

@@ -1,6 +1,6 @@
 // Evaluates the text of an expression. One pass from left to right splits the text into tokens and
 // turns each value token into a number. At the end, the nodes are passed to the evaluator. A name
-// without a value ends the scan; the whole text is scanned again when the name has a value.
+// without a value ends the scan; the whole text is scanned again once the name has a value.
 
 #include <array>
 
@@ -48,7 +48,8 @@ Status CAssembler::ScanExpression(std::string_view text, std::int32_t* value,
         nodes[static_cast<std::size_t>(count++)] = {content, type, priority, -1, -1};
     };
     *value = 0;
-    // Most displacements are a sign and one token; without this shortcut, a run costs 1 % more.
+    // Most displacements consist of a sign and one token; without this shortcut, a run costs 1 %
+    // more.
     const bool hasSign = text.starts_with('+') || text.starts_with('-');
     *fault = text.substr(hasSign ? 1 : 0);
     if (!fault->empty() && SkipToken(fault->data()) == text.data() + text.size()) {
@@ -76,7 +77,7 @@ Status CAssembler::ScanExpression(std::string_view text, std::int32_t* value,
         } else if (!token.empty()) {
             std::int32_t number = 0;
             if (const Status status = ParseValue(token, &number); status != 0) {
-                *fault = status == MSG_UNRESOLVED ? token : *fault;  // the name with its quote
+                *fault = status == MSG_UNRESOLVED ? token : *fault;  // the name, quote added
                 return status;
             }
             store(NODE_VALUE, number, 0);

@@ -23,19 +23,19 @@ struct CtmpStringBlock {
     std::int32_t isFull = 0;              ///< 1 once the block takes no more strings
 };
 
-/// The pool. Nothing else changes the state of its blocks. All runs of the process share it, in one
-/// thread.
+/// The pool. Nothing else changes the state of its blocks. All runs of the process share it, so
+/// they must be in one thread.
 class CtmpStringManager {
   public:
     /// Allocates `count` bytes in the current block or in a new one. Adds a reference to that block
-    /// and returns the block in `block`. Result: the bytes. Ends the process if there is no memory
+    /// and stores the block in `block`. Result: the bytes. Ends the process if there is no memory
     /// for a block.
     static char* Alloc(std::size_t count, CtmpStringBlock** block);
 
     /// Drops a reference to `block`.
     static void Release(CtmpStringBlock* block);
 
-    /// Frees every block, whatever its count. All handles must have been destroyed before.
+    /// Frees every block, whatever its count. All handles must already have been destroyed.
     static void ReleaseAll();
 
     /// Writes the number of blocks and a line for each, the newest first. Result: 0, or `noStream`.

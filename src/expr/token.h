@@ -35,8 +35,8 @@ inline constexpr std::array symbolOperators = {
     OperatorRow{">", {OP_GREATER, 2}}, OperatorRow{"=", {OP_EQUAL, 1}},
 };
 
-/// The effect of a character on the token that is being read. Characters of the first two kinds
-/// belong to the token; but when a line is split into operands, a separator ends the operand.
+/// The effect of a character on the token being read. Characters of the first two kinds belong to
+/// the token; but when a line is split into operands, a separator ends the operand.
 enum class TokenAction : std::uint8_t {
     append,
     separator,
@@ -78,7 +78,7 @@ inline constexpr auto tokenActions = [] {
 
 inline constexpr std::size_t longestWordOperator = 3;  // without its dots
 
-/// The operator that is spelled `token`, with or without dots, as in ".AND.".
+/// The operator spelled `token`, such as "AND" or ".AND."; code 0 if there is none.
 [[nodiscard]] Operator FindWord(std::string_view token);
 
 /// Reads the tokens of one text.

@@ -1,6 +1,6 @@
 // All memory is allocated here, so that the failure hook is called for every allocation that fails,
-// including those by `new`. Nothing here throws: if `new` fails, the process ends after the call to
-// the hook.
+// including those made by `new`. Nothing here throws: if `new` fails, the process ends after the
+// call to the hook.
 
 #include <algorithm>
 #include <bit>
@@ -50,7 +50,7 @@ void* Allocate(std::size_t size) {
     return Reallocate(nullptr, size);
 }
 
-// Memory fresh from the system is 0 already, so `calloc` may be quicker than clearing it.
+// Memory fresh from the system is already zero, so `calloc` may be quicker than clearing it.
 void* AllocateZeroed(std::size_t size) {
     return Reported(FailsOnPurpose(allocationFault) ? nullptr : std::calloc(size, 1), size);
 }

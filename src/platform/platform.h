@@ -25,7 +25,7 @@ namespace korv::platform {
 // ----------------------------------------------------------------------------------------------------
 // memory
 
-/// Called with the size in bytes of every allocation that fails, including those by `new`. Its
+/// Called with the size in bytes of every allocation that fails, including those made by `new`. Its
 /// result is ignored: the allocation is not retried.
 using AllocationFailureHook = int (*)(std::size_t size);
 
@@ -57,7 +57,7 @@ class Buffer {
     Buffer(const Buffer&) = delete;
     Buffer& operator=(const Buffer&) = delete;
 
-    /// Returns the address at which `count` further bytes can be written. If there is no memory for
+    /// Returns the address at which another `count` bytes can be written. If there is no memory for
     /// them, the result is null and the buffer is unchanged. `Advance` then appends the bytes that
     /// have been written.
     [[nodiscard]] char* Room(std::size_t count) {
@@ -116,9 +116,8 @@ struct PathParts {
 /// with a separator, counts as independent.
 [[nodiscard]] bool IsAbsolutePath(std::string_view name);
 
-/// Whether a file that was read as `source` must not be overwritten as `target`, another name of
-/// that file. Always true on Win32; otherwise true if the names differ at most in case and
-/// separators.
+/// Whether a file that was read as `source` must not be overwritten under its other name `target`.
+/// Always true on Win32; otherwise true if the names differ at most in case and separators.
 [[nodiscard]] bool IsProtectedFrom(std::string_view source, std::string_view target);
 
 /// Whether `name` refers to a regular file. Does not open it.
@@ -146,9 +145,9 @@ class CurrentDirectory {
     /// regard to case. False: it does not exist or cannot be entered, and the current directory is
     /// unchanged. Each call needs a `Leave`, whatever its result.
     [[nodiscard]] bool EnterDirectoryOf(const FoundPath& file);
-    /// Returns to the directory before the last `EnterDirectoryOf`, even if that directory can no
-    /// longer be read or no longer has a name. On failure, the result is the path of that
-    /// directory, empty if it has no path.
+    /// Returns to the directory that was current before the last `EnterDirectoryOf`, even if that
+    /// directory can no longer be read or no longer has a name. On failure, the result is the path
+    /// of that directory, empty if it has no path.
     [[nodiscard]] std::optional<std::string> Leave();
     /// Whether `name` still refers to the right file. Once a `Leave` has failed, a relative name
     /// does not.
@@ -165,7 +164,7 @@ class CurrentDirectory {
 // ----------------------------------------------------------------------------------------------------
 // files
 
-/// The system's numbers for a file. They are the same under all names of the file.
+/// The numbers by which the system identifies a file. They are the same for all names of the file.
 struct FileIdentity {
     std::uint64_t device = 0;
     std::uint64_t number = 0;
@@ -287,8 +286,8 @@ using ConsoleHandler = int (*)(int event);
 /// with the close event ignored, that event stays ignored.
 void SetConsoleHandler(ConsoleHandler handler);
 
-/// Waits until all handler calls in progress have returned, so that the objects that they use can
-/// be destroyed.
+/// Waits until all handler calls in progress have returned, so that the objects they use can be
+/// destroyed.
 void AwaitConsoleHandler();
 
 /// Writes to standard output from a `ConsoleHandler`, unbuffered.

@@ -1,6 +1,6 @@
 // File names and the current directory on POSIX.
 //
-// A name is looked up without regard to case in a list of its directory's entries. Reading a
+// Names are looked up, without regard to case, in a list of their directory's entries. Reading a
 // directory costs more than all other system calls of an INCLUDE, so the list is kept and used
 // until the directory changes. Checking for a change takes only one call.
 
@@ -21,8 +21,8 @@
 
 #include "platform/posix.h"
 
-// Used to open the handle through which a directory is entered again. Where O_PATH exists, this
-// needs no permission to read the directory.
+// The mode in which a directory is opened to return to it later. Where O_PATH exists, this needs no
+// permission to read the directory.
 #ifndef O_PATH
 #define O_PATH O_RDONLY
 #endif
@@ -99,8 +99,8 @@ class Listing {
     }
 
   private:
-    // Reads the names in `directory`. `status` was obtained before the call. False: the directory
-    // cannot be read.
+    // Reads the names in `directory`. `status` is the directory's status from before the call.
+    // False: the directory cannot be read.
     bool Read(const std::string& directory, const struct stat& status) {
         using namespace std::chrono;
         const auto now = system_clock::now().time_since_epoch();

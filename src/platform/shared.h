@@ -14,8 +14,7 @@ inline constexpr std::string_view separators = "/\\";
 /// The most bytes to transfer in one call; no system has a lower limit.
 inline constexpr std::size_t mostAtOnce = 0x10000000;
 
-/// Whether the next request fails on purpose or, if `fault` is `allocationFault`, the next
-/// allocation.
+/// Whether the next request, or with `allocationFault` the next allocation, must fail on purpose.
 [[nodiscard]] inline bool FailsOnPurpose(Fault fault = requestFault) {
     return fault != nullptr && fault();
 }

@@ -1,4 +1,4 @@
-// The console on Win32. The system delivers its events on separate threads.
+// The console on Win32. The system delivers console events on separate threads.
 
 #include <fcntl.h>
 #include <io.h>

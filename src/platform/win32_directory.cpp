@@ -1,7 +1,7 @@
 // File names and the current directory on Win32.
 //
 // The current directory of the process is never changed: its path is limited to 260 characters,
-// while a full path may have 32767. The current directory of the run is kept as text instead.
+// while a full path may have up to 32767. The current directory of the run is kept as text instead.
 
 #include <algorithm>
 #include <cwctype>
@@ -47,7 +47,7 @@ bool Spell(const std::wstring& path, std::wstring* component) {
     const HANDLE search =
         Requested([&] { return FindFirstFileW(Unlimited(path).c_str(), &entry); });
     if (search == INVALID_HANDLE_VALUE) {
-        // The directory may be traversed but not read.
+        // Perhaps the directory can be traversed but not read.
         return GetLastError() == ERROR_ACCESS_DENIED &&
                AttributesOf(path) != INVALID_FILE_ATTRIBUTES;
     }

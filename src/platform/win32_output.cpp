@@ -22,7 +22,7 @@ constexpr DWORD keptAttributes = FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM |
                                  FILE_ATTRIBUTE_NOT_CONTENT_INDEXED | FILE_ATTRIBUTE_ENCRYPTED;
 
 // Whether the directory refused a new file. In that case, the old file can still be written. After
-// another error, such as a full disk, writing it would only lose its bytes.
+// another error, such as a full disk, writing it would only destroy it.
 bool IsRefused(DWORD error) {
     return error == ERROR_ACCESS_DENIED || error == ERROR_WRITE_PROTECT;
 }

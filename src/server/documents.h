@@ -18,17 +18,17 @@ struct Document {
 
 class Documents {
   public:
-    /// The unit in which the client counts characters, in changes and everywhere else.
+    /// Sets the unit in which the client counts characters, in changes and everywhere else.
     void SetEncoding(PositionEncoding newEncoding) { encoding = newEncoding; }
     [[nodiscard]] PositionEncoding Encoding() const { return encoding; }
 
     /// All open documents, by full path.
     [[nodiscard]] const std::map<std::string, Document>& All() const { return documents; }
-    /// The document at `path`, null if it is not open. Here and below, `path` is a full path.
+    /// The document at `path`; null if it is not open. Here and below, `path` is a full path.
     [[nodiscard]] const Document* Find(const std::string& path) const;
     /// The URI of the file at `path`, in the client's spelling if the document is open.
     [[nodiscard]] std::string UriOf(const std::string& path) const;
-    /// Adds the texts of all documents to `store`; first creates those that have changed.
+    /// Adds the texts of all documents to `store`, after creating those that have changed.
     void AddTo(FileStore* store);
 
     /// `document` is the "textDocument" of the notification. Replaces a document that is already

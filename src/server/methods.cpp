@@ -1,5 +1,5 @@
-// The methods of the protocol: the table of the features, and the handlers of notifications and of
-// all other requests.
+// The methods of the protocol: the table of features, and the handlers of notifications and of all
+// other requests.
 
 #include <algorithm>
 #include <iterator>
@@ -114,8 +114,8 @@ Json Server::AnswerFeature(const Feature& feature, const Json& parameters) {
                           range.value_or(everything), parameters, workspace});
 }
 
-// A document that is not a file, for example a new one that has not been saved, is treated as a
-// file in the current directory.
+// A document that is not a file, such as a new one that has not been saved, is treated as a file in
+// the current directory.
 std::string Server::PathOf(const std::string& uri) {
     if (const auto path = PathOfUri(uri)) {
         return workspace.FullPath(*path);

@@ -1,9 +1,8 @@
 /// The programs that the open documents are part of, each with the snapshot of its last analysis.
 ///
 /// A document belongs to the first of these that reads it: the program of its configuration; a
-/// program that has read it before; the program of the file that includes it. Otherwise it
-/// forms a separate program. The assignment depends on analyses, so it is made again at each
-/// update.
+/// program that has read it before; the program of the file that includes it. Otherwise, it forms a
+/// separate program. The assignment depends on analyses, so it is made again at each update.
 #pragma once
 
 #include <map>
@@ -31,7 +30,7 @@ class Programs {
         }
     };
 
-    /// Owns neither argument.
+    /// Neither argument is owned.
     Programs(Documents* documents, Workspace* workspace)
         : documents(documents), workspace(workspace) {}
 

@@ -62,7 +62,7 @@ struct RequestError {
     std::string message;
 };
 
-/// The refusal of a request that lacks the parameter at `path`.
+/// The error that refuses a request without the parameter at `path`.
 [[nodiscard]] RequestError Missing(std::string path);
 
 /// The value at a path, such as "/textDocument/uri"; JSON's null if there is none.

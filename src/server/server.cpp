@@ -1,4 +1,4 @@
-// The loop of the server: the order in which it handles messages, and when it analyses and
+// The server's main loop: the order in which it handles messages, and when it analyses and
 // publishes.
 
 #include "server/server.h"

@@ -22,12 +22,11 @@ struct NameAt {
     bool isDefinition = false;  ///< a label or EQU, even if it is skipped or repeated
 };
 
-/// An index of the statements and names at each place.
+/// An index of statements and names by place.
 struct PlaceIndex {
-    /// For each file, the statements from the first time that it was opened, in the order of the
-    /// lines.
+    /// For each file, the statements from the first time it was opened, in the order of the lines.
     std::vector<std::vector<const Statement*>> statements;
-    /// The occurrences of names, by place without length.
+    /// The occurrences of names, keyed by place without length.
     std::map<Place, NameAt> names;
 
     /// Adds an occurrence, unless its place already has one.

@@ -1,5 +1,5 @@
-/// The character classes that the reader, the statement loop, the operands and the scanner use.
-/// They do not depend on the locale. Bytes from 0x80 up have no class.
+/// The character classes used by the reader, the statement loop, the operands and the scanner. They
+/// do not depend on the locale. Bytes from 0x80 up have no class.
 #pragma once
 
 #include <array>

@@ -25,7 +25,7 @@ class CFileNameRegistry {
     std::int32_t AddName(std::string_view name);
 
     /// The text that a message shows for `number`: the name of the file, or a phrase for 0 (no
-    /// file) or for a number that no file has. Valid as long as the registry.
+    /// file) or for a number that no file has. Valid as long as the registry exists.
     [[nodiscard]] const char* NameOf(std::int32_t number) const;
 
   private:

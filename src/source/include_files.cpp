@@ -1,4 +1,4 @@
-// Enters and leaves source files. The main file and an included file are entered in the same way.
+// Enters and leaves source files. The main file and included files are entered in the same way.
 
 #include <algorithm>
 #include <memory>

@@ -185,7 +185,7 @@ inline bool CSourceFile::ReadPlainLine(char* line, std::uint32_t maxLength, std:
         if (last != line && last[-1] == '\\' && !hasComment) {
             return false;
         }
-        if (last != line || hasComment) {  // a line of only blanks keeps them
+        if (last != line || hasComment) {  // a line that is all blanks keeps them
             out = last;
         }
     }

@@ -21,15 +21,15 @@ class CSourceFile {
     /// is not owned.
     [[nodiscard]] static CSourceFile OfText(std::string_view text);
 
-    /// The least room that a line buffer must have, even if the longest line allowed is shorter.
+    /// The minimum size of a line buffer, even if the longest line allowed is shorter.
     static constexpr std::size_t leastRoom = 32;
 
     /// Reads the next logical line into `line` as null-terminated text. There must be room for
     /// `maxLength` + 1 characters, and for at least `leastRoom`. Letters outside double quotes are
     /// converted to upper case; the comment, carriage returns and trailing blanks are removed;
-    /// physical lines that end in a backslash are joined. A line of only blanks keeps them. Result:
-    /// 0, `endOfFile`, or MSG_LINE_TOO_LONG if the line has more than `maxLength` bytes in the
-    /// file. Unless the line is too long, `bytesOut` receives the number of bytes read from the
+    /// physical lines that end in a backslash are joined. A line that is all blanks keeps them.
+    /// Result: 0, `endOfFile`, or MSG_LINE_TOO_LONG if the line has more than `maxLength` bytes in
+    /// the file. Unless the line is too long, `bytesOut` receives the number of bytes read from the
     /// file, and `linesOut` the number of line feeds among them.
     [[nodiscard]] Status ReadLine(char* line, std::uint32_t maxLength, std::uint32_t* bytesOut,
                                   std::uint32_t* linesOut);

@@ -20,8 +20,8 @@ struct FileBytes {
 };
 
 /// Resolves the file names in a source, and opens the files. `Enter` and `Leave` nest: a name is
-/// relative to the directory of the file entered last, and the name of the main file to the
-/// directory in which the run began.
+/// relative to the directory of the file entered last, and the name of the main file is relative to
+/// the directory in which the run began.
 class SourceStore {
   public:
     virtual ~SourceStore() = default;
@@ -33,8 +33,8 @@ class SourceStore {
     /// Enters the source `file`, a result of `Find`. False: its directory cannot be entered. Each
     /// call needs a `Leave`, whatever its result.
     [[nodiscard]] virtual bool Enter(const platform::FoundPath& file) = 0;
-    /// Opens the source that was entered last; `path` is its path. Its read buffer, if it needs
-    /// one, has at most `bufferSize` bytes.
+    /// Opens the source entered last; `path` is its path. Its read buffer, if it needs one, has at
+    /// most `bufferSize` bytes.
     [[nodiscard]] virtual CSourceFile Open(const std::string& path, std::uint32_t bufferSize) = 0;
     /// Leaves the source entered last. If that fails, the result is the directory that cannot be
     /// entered again.

@@ -20,7 +20,7 @@
 namespace korv {
 namespace {
 
-// The walk over one patch and everything that its value releases.
+// Processes one patch and everything that its value releases.
 class Backpatcher {
   public:
     explicit Backpatcher(CAssembler* assembler)
@@ -86,9 +86,9 @@ Status Backpatcher::EvaluatePatch(const CPatchInfo& patch, std::int32_t* value) 
 }
 
 // Called when `patch` has been processed with `result`. If `patch` has released a chain, that chain
-// is processed next; otherwise, the patch after `patch` in its chain is. At the end of a chain, the
-// patch that released the chain is done too. Result: the patch to process next; null when `root` is
-// done.
+// is processed next; otherwise, the patch after `patch` in its chain follows. At the end of a
+// chain, the patch that released the chain is done too. Result: the patch to process next; null
+// when `root` is done.
 CPatchInfo* Backpatcher::Next(CPatchInfo* patch, const CPatchInfo* root, Status* result) {
     if (released != nullptr) {
         released->parent = patch;

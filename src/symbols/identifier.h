@@ -1,5 +1,5 @@
-/// The record of a name: label, EQU identifier, reserved word, version identifier, or a name that
-/// has only been used.
+/// The record of a name: a label, an EQU identifier, a reserved word, a version identifier, or a
+/// name that has only been used.
 #pragma once
 
 #include <cstdint>
@@ -32,9 +32,9 @@ struct CIdentifier {
     std::uint32_t flags = 0;
     const char* name = nullptr;  ///< in the name pool or constant; never moves
     std::uint32_t nameLength = 0;
-    std::int32_t line = 0;          ///< of the definition; 0 for a name only referred to
-    std::int32_t file = 0;          ///< of the definition; 0 for a name only referred to
-    std::int32_t value = 0;         ///< meaningful with IDF_RESOLVED; -1 in an EQU that waits
+    std::int32_t line = 0;          ///< of the definition; 0 if there is none
+    std::int32_t file = 0;          ///< of the definition; 0 if there is none
+    std::int32_t value = 0;         ///< meaningful with IDF_RESOLVED; -1 for an EQU that waits
     CPatchInfo* patches = nullptr;  ///< owned; the patches that wait for this name, newest first
     void* macro = nullptr;          ///< body of a macro; always null, as no command records one
 

@@ -1,6 +1,6 @@
 /// All names of a run in one flat table: labels, EQU identifiers, reserved words, version
-/// identifiers, and names that have only been used. A record also has the patches that wait for its
-/// value, so that all forward references to a name are filled in when the name is defined.
+/// identifiers, and names that have only been used. A record also holds the patches that wait for
+/// its value, so that all forward references to a name are filled in when the name is defined.
 #pragma once
 
 #include <cstddef>
@@ -40,16 +40,16 @@ class CIdentifierManager {
     explicit CIdentifierManager(CAssembler* assembler);
     ~CIdentifierManager() { ReleasePatches(); }
 
-    /// Traces patches to `newLog`, which is not owned; null turns the trace off. Result: the
-    /// previous log.
+    /// Traces patches to `newLog`, which is not owned; null turns tracing off. Result: the previous
+    /// log.
     DebugStream* SetLog(DebugStream* newLog) { return std::exchange(log, newLog); }
 
     /// Defines a name. If the name has only been used so far, its patches are applied, newest
     /// first. Refused definitions and failed patches are reported here.
     void AddID(const Definition& definition);
 
-    /// Reserves `words`, which must live as long as the table and must not be in it yet. They count
-    /// as entered, but only those that a source uses get a record.
+    /// Reserves `words`, which must live as long as the table and must not be in it yet. The words
+    /// count as entered, but only those that a source uses get records.
     void Reserve(const WordSet& words) {
         reservedWords = &words;
         totalCount += words.Count();
@@ -92,8 +92,8 @@ class CIdentifierManager {
     /// Reports every name that a patch still waits for.
     void ReportUnresolved();
 
-    /// Releases the patches that still wait. Called at the end of a run, before the pool of their
-    /// texts is released.
+    /// Releases the patches that are still waiting. Called at the end of a run, before the pool of
+    /// their texts is released.
     void ReleasePatches();
 
     /// Writes the listing of identifiers, in the order of the buckets.

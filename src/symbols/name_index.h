@@ -17,7 +17,7 @@
 
 namespace korv {
 
-/// The bytes at `from` as a number, in the byte order of the machine: only for hashing and
+/// The bytes at `from` as a number, in the byte order of the machine; used only for hashing and
 /// comparing.
 template <typename Word>
 [[nodiscard]] constexpr Word LoadWord(const char* from) {
@@ -62,8 +62,8 @@ template <typename Word>
     return hash ^ hash >> 32;
 }
 
-/// Whether the characters at `other` equal those of `text`, of which there are more than 8.
-/// Compares 8 at a time: a call to the general routine would cost more than the comparison.
+/// Whether the characters at `other` equal those of `text`, which has more than 8. Compares 8 at a
+/// time: a call to the general routine would cost more than the comparison.
 [[nodiscard]] inline bool EqualTexts(const char* other, std::string_view text) {
     const auto differAt = [&](std::size_t i) {
         return LoadWord<std::uint64_t>(other + i) != LoadWord<std::uint64_t>(text.data() + i);
@@ -76,8 +76,8 @@ template <typename Word>
     return !differAt(text.size() - 8);
 }
 
-/// A name with its hash. If the name is not found and is then entered, its hash is needed again.
-/// Plain text converts to a hashed name.
+/// A name with its hash, since entering a name that was not found needs the hash again. Plain text
+/// converts to a hashed name.
 struct HashedName {
     constexpr HashedName() = default;
     constexpr HashedName(std::string_view text, std::uint64_t hash) : text(text), hash(hash) {}
@@ -96,7 +96,7 @@ struct HashedName {
 };
 
 /// Lets a container allocate its memory from a pool. All names of a source may be in the container,
-/// and each would cost a call to the general allocator.
+/// and each would otherwise cost a call to the general allocator.
 template <typename T>
 struct PoolAllocator {
     using value_type = T;
@@ -114,11 +114,11 @@ struct PoolAllocator {
 };
 
 /// A hash table with open addressing, at most half full; nothing is ever removed. The hash is quick
-/// and not secret, so a malicious source can give all its names the same place. So a name is
-/// stored in one of the `longestProbe` entries from its place on. If these are all taken, the name
-/// is kept in a sorted tree. No choice of names makes a lookup slower than a search in that tree,
-/// and ordinary names hardly ever need it. A secret seed would also help, but then two runs would
-/// not take the same steps.
+/// and not secret, so a malicious source can give all its names the same place. Therefore, a name
+/// is stored in one of the `longestProbe` entries from its place on. If these are all taken, the
+/// name is kept in a sorted tree. No choice of names makes a lookup slower than a search in that
+/// tree, and ordinary names hardly ever need it. A secret seed would also help, but then two runs
+/// would not take the same steps.
 class CNameIndex {
   public:
     /// Creates an empty index. The tree allocates its memory from `pool`, which is not owned.

@@ -11,16 +11,17 @@ namespace korv {
 /// Equal texts are not shared.
 class CNamePool {
   public:
-    /// Creates the first block. If an allocation fails, here or later, this is reported to
+    /// Creates the first block. If an allocation fails, here or later, the failure is reported to
     /// `console` and the process ends. `console` is not owned.
     explicit CNamePool(std::FILE* console);
     ~CNamePool();
     CNamePool(const CNamePool&) = delete;
     CNamePool& operator=(const CNamePool&) = delete;
 
-    /// Returns a null-terminated copy of `name`, valid as long as the pool.
+    /// Returns a null-terminated copy of `name`, valid as long as the pool exists.
     const char* Store(std::string_view name);
-    /// Returns `size` bytes of memory, valid as long as the pool. `alignment` is a power of 2.
+    /// Returns `size` bytes of memory, valid as long as the pool exists. `alignment` is a power of
+    /// 2.
     void* Take(std::size_t size, std::size_t alignment);
 
   private:

@@ -26,8 +26,8 @@ inline constexpr std::uint32_t PF_NAME = 0x1000;     ///< the text is just a nam
 inline constexpr std::uint32_t noPosition = 0xFFFFFFFF;
 
 /// A patch, in a slot of a `CPatchInfoMemBlock`. `AllocPatchInfo` creates it; `FreePatchInfo`
-/// releases its strings and frees it. In between, it belongs to the chain of exactly one
-/// identifier. The chain owns its patches.
+/// releases its strings and frees it. Until it is processed, the chain of exactly one identifier
+/// owns it.
 struct CPatchInfo {
     CPatchInfoMemBlock* const owner;  ///< the block that holds the record
     const std::uint16_t slot;         ///< index in `owner`
@@ -102,7 +102,7 @@ class CPatchInfoMemBlock {
     static void MakeBlock();
     static void ReleaseBlocks();
 
-    std::uint32_t head = 0;  // ring index of the next free slot; at `tail`, no slot is free
+    std::uint32_t head = 0;  // ring index of the next free slot; equal to `tail` if no slot is free
     std::uint32_t tail = slotCount - 1;          // ring index of the slot freed last
     std::uint32_t ring[slotCount];               // free slots
     CPatchInfo* records = nullptr;               // owned, raw memory for `slotCount` records

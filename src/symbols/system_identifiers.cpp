@@ -1,5 +1,5 @@
 // The names that a source may not define: the version identifiers, which expressions can read, and
-// the reserved words. Reserved words have no value. Reserving a word only keeps it from being a
+// the reserved words. Reserved words have no value. Reserving a word only keeps it from becoming a
 // label: mnemonics are found by the recogniser.
 
 #include "symbols/system_identifiers.h"

@@ -34,7 +34,7 @@ class WordSet {
         return place;
     }
 
-    std::array<HashedName, 512> words{};  // free where the hash is 0
+    std::array<HashedName, 512> words{};  // a place is free if its hash is 0
     std::int32_t count = 0;
 };
 

@@ -11,7 +11,7 @@ namespace {
 // The edits of `messages`. Edits overlap if two messages propose to change the same word. An editor
 // rejects overlapping edits, so only the first one is kept.
 Json EditOf(const Snapshot& snapshot, const std::vector<const Message*>& messages) {
-    std::map<Place, const Edit*> edits;  // by start, without length
+    std::map<Place, const Edit*> edits;  // keyed by start, without length
     for (const Message* const message : messages) {
         for (const Edit& each : message->edits) {
             const Place& at = each.place;
@@ -72,7 +72,7 @@ Json CodeActions(const Query& query) {
     std::set<std::string_view> codesHere;
     std::set<std::pair<Place, std::string_view>> seen;
     for (const Message& message : snapshot.analysis->messages) {
-        // A file that is included twice has each of its messages twice.
+        // A file included twice has each of its messages twice.
         if (message.edits.empty() || !seen.emplace(message.place, message.note).second) {
             continue;
         }

@@ -52,7 +52,7 @@ LinePrefix::LinePrefix(std::string_view typed) : line(Raised(typed)), view(CutSt
     }
 }
 
-// The forms of `mnemonic` in one line.
+// The forms of `mnemonic` on one line.
 std::string FormsText(std::string_view mnemonic) {
     const std::string line = " " + std::string(mnemonic);
     std::string text;

@@ -43,7 +43,8 @@ struct Query {
 
 // completion.cpp: what may be written at the cursor, in a line that need not be valid.
 /// Mnemonics where one is expected; registers, conditions and names where the forms of the mnemonic
-/// accept them; files after INCLUDE and BINCLUDE. Nothing in comments or other strings.
+/// accept them; files after INCLUDE and BINCLUDE. Nothing in comments, or in strings that are not
+/// file names.
 [[nodiscard]] Json Completions(const Query& query);
 /// The forms of the mnemonic that match the operands before the one at the cursor; none if the
 /// cursor is not in an operand.
@@ -55,11 +56,10 @@ struct Query {
 [[nodiscard]] Json DocumentSymbols(const Query& query);
 /// Adds the names of the whole program that contain `text`, without regard to case.
 void AddSymbolsLike(const Snapshot& snapshot, std::string_view text, Json* symbols);
-/// Blocks from IF to ENDIF, multi-line comments, and routines. A routine is a label and its code,
-/// up to the next label.
+/// The blocks between IF, ELSE and ENDIF, multi-line comments, and routines. A routine is a label
+/// and its code, up to the next label.
 [[nodiscard]] Json FoldingRanges(const Query& query);
-/// The address, and optionally the bytes, after the end of each line, where they do not shift any
-/// text.
+/// The address, and optionally the bytes, after the end of each line, where they shift no text.
 [[nodiscard]] Json InlayHints(const Query& query);
 
 // tokens.cpp: the kind of each word. A skipped line is shown as a comment.
@@ -70,8 +70,8 @@ void AddSymbolsLike(const Snapshot& snapshot, std::string_view text, Json* symbo
 // actions.cpp
 /// The message as the editor shows it.
 [[nodiscard]] Json DiagnosticOf(const Snapshot& snapshot, const Message& message);
-/// The fixes of the messages in the lines of the range. Then, for each code among these messages
-/// that has several fixes in the program, one action with all of them.
+/// The fixes for the messages in the lines of the range. Then, for each of their codes that has
+/// several fixes in the program, one action that applies them all.
 [[nodiscard]] Json CodeActions(const Query& query);
 
 // formatting.cpp

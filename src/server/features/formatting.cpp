@@ -1,5 +1,5 @@
 // Only blanks between the parts of a line are replaced, so strings, comments and operands cannot
-// change. The reader accepts a limited number of bytes per line, so lines may only grow up to a
+// change. The reader accepts a limited number of bytes per line, so no line may grow beyond a
 // limit.
 
 #include <algorithm>

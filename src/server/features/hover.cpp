@@ -76,7 +76,7 @@ std::string StatementText(const Snapshot& snapshot, const Statement& statement) 
     return cycles.empty() ? text : text + "\n" + cycles + " T-states";
 }
 
-// The text about a token; empty if there is nothing to show.
+// The text to show for a token; empty if there is none.
 std::string TokenText(const Token& token, const Statement& statement) {
     const bool isCharacter = token.kind == TokenKind::string && token.text.size() == 3;
     if (token.kind == TokenKind::number || isCharacter) {

@@ -90,7 +90,7 @@ Json References(const Query& query) {
 }
 
 Json Highlights(const Query& query) {
-    constexpr int readKind = 2, writeKind = 3;  // numbers of the protocol
+    constexpr int readKind = 2, writeKind = 3;  // as numbered in the protocol
     Json highlights = Json::array();
     for (const NameAt& each : Occurrences(query)) {
         if (each.place.file == query.file) {
@@ -124,7 +124,7 @@ Json Rename(const Query& query) {
 }
 
 Json Links(const Query& query) {
-    std::map<Place, std::int32_t> files;  // a file that is included twice has each link twice
+    std::map<Place, std::int32_t> files;  // a file included twice has each link twice
     for (const FileUse& use : query.snapshot.analysis->fileUses) {
         if (use.place.file == query.file) {
             files[use.place] = use.file;

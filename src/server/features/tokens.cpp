@@ -60,7 +60,7 @@ Type TypeOf(const Token& token) {
     return none;
 }
 
-// Adds the tokens of one statement after another, in the order of the text.
+// Collects the tokens statement by statement, in the order of the text.
 class Painter {
   public:
     Painter(const Snapshot& snapshot, std::int32_t file)
@@ -137,7 +137,8 @@ class Painter {
     void AddRest(std::int32_t line, std::uint32_t column) {
         AddPlace(snapshot.RestOf(file, line, column), comment, 0);
     }
-    // Each token is five numbers. Its line and column are relative to the previous token.
+    // Each token is five numbers. Its line is relative to the previous token, and so is its column
+    // if both are on the same line.
     void AddPlace(const Place& place, Type type, std::uint32_t modifiers) {
         const auto [start, end] = snapshot.RangeOf(place);
         if (start < end) {

@@ -112,29 +112,6 @@ const Token* FindProse(const OperandCase& it) {
     return nullptr;
 }
 
-// A number with a blank in it, as in "8000 H".
-bool AdviseOnSplitNumber(OperandCase* it, const Token& before, const Token& token) {
-    const std::string number = std::string(before.text) + std::string(token.text);
-    const bool isBinary =  // "1010 0101B", "%1010 0101"
-        before.text.starts_with('%') != token.text.ends_with('B') &&
-        before.text.find_first_not_of("01", before.text.starts_with('%') ? 1 : 0) ==
-            std::string_view::npos &&
-        token.text.find_first_not_of("01") >= token.text.size() - 1;
-    const bool isGroup =  // "10 000"
-        token.text.size() == 3 && number.find_first_not_of("0123456789") == std::string::npos;
-    const bool isPart =
-        (isBinary && number.size() % 8 == 1) ||
-        ((isBinary || isGroup) && !HoldsWord(dataDirectives, it->statement.mnemonic));
-    const bool isNumber = (isPart || HoldsWord("B H O", token.text)) &&
-                          CutTokens(number)[0].kind == TokenKind::number;
-    if (isNumber) {
-        it->PointAt(it->statement.Span(before.text, token.text));
-        it->Replace(it->statement.Span(before.text, token.text), number);
-        it->advice.note = "remove the blank: " + number;
-    }
-    return isNumber;
-}
-
 // Two values without anything between them: a comma, an operator or a semicolon is missing.
 void AdviseOnTwoValues(OperandCase* it, const Token& token) {
     const bool isData = HoldsWord(dataDirectives, it->statement.mnemonic);

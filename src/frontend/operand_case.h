@@ -88,6 +88,8 @@ struct OperandCase {
 [[nodiscard]] bool AdviseOnMisspeltRegister(OperandCase* it, bool isSure = false);
 /// Advises on a register, a number or a name with a blank in it.
 [[nodiscard]] bool AdviseOnSplitWord(OperandCase* it);
+/// Advises on a number with a blank in it, as in "8000 H" and "1010 0101B".
+[[nodiscard]] bool AdviseOnSplitNumber(OperandCase* it, const Token& before, const Token& token);
 /// Advises on two operands in the wrong order.
 [[nodiscard]] bool AdviseOnSwappedOperands(OperandCase* it);
 /// Advises on an extra double quote, and on data with a missing one.

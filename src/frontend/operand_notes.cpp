@@ -207,8 +207,8 @@ void AimAt(OperandCase* it) {
         if (it->fault.number == MSG_ILLEGAL_ARGUMENT && operand.what.reg == REG_DIRECT &&
             operand.what.kind == KIND_VALUE &&
             std::ranges::any_of(operand.tokens, [](const Token& token) {
-                return ClassOf(token.text).kind != KIND_VALUE;
-            })) {  // "LD ( HL ),5"
+                return ClassOf(token.text).kind != KIND_VALUE || token.kind == TokenKind::other;
+            })) {  // "LD ( HL ),5", "LD (IX.1),5"
             it->operand = &operand;
             break;
         }

@@ -38,7 +38,7 @@ inline constexpr auto wordTable = std::to_array<WordRow>({
     {"RETURN", "RET %r", "", " RETURN Z", 1},
     {"ENT ENTRY RUN START", "", "define the label EXEC: it is the start of a .bin", " ENT $"},
     // Conditions and names.
-    {"IFDEF IFNDEF IFUSED IFNUSED", "", "use IF, with a name that has a value by EQU or -D: no word tests whether a name is defined", " IFDEF X| ENDIF"},
+    {"IFDEF IFNDEF IFUSED IFNUSED", "", "use IF with a name that EQU or -D gives a value: a name cannot be tested", " IFDEF X| ENDIF"},
     {"IFEQ IFE IFZ", "IF %1=0", "", " IFE 5| ENDIF", 1},
     {"IFNE IFNZ", "IF %1", "", " IFNE 5| ENDIF", 1},
     {"IFEQ", "IF %1=%2", "", " IFEQ 5,5| ENDIF", 2},

@@ -95,6 +95,13 @@ qa!
     return ReadFile("matched").value_or("");
 }
 
+TEST(EditorsTest, ExtensionHasTheVersionOfThePrograms) {
+    const std::string package = Editor("vscode/package.json");
+    std::smatch version;
+    ASSERT_TRUE(std::regex_search(package, version, std::regex("\"version\": \"(.*)\"")));
+    EXPECT_EQ(std::regex_replace(RunKorvAs({"--version"}), std::regex("korv-as |\\b0+(?=\\d)|\n"), ""), version[1]);
+}
+
 TEST(EditorsTest, PatternsMatchTheMessages) {
     const TempDir directory;
     WriteFile("Main.Kor", " INCLUDE sub/b (1).kor\n DB 1,\n LD A,()\n");

@@ -33,8 +33,8 @@ std::string MessagesIn(const std::string& console) {
     return messages;
 }
 
-// The console output of a case that expects `lines`: the title precedes these lines, and the line that erases the meter
-// follows, except after the help text.
+// The console output of a case that expects `lines`: the title, these lines and, except after the help text, the line
+// that erases the meter.
 std::string Console(const std::string& lines) {
     const bool isHelp = lines.find("[Korv] HELP!\n") != std::string::npos;
     const std::string wiped(isHelp ? 0 : 26, ' ');  // a variable, because GCC 12 warns if this is part of the sum

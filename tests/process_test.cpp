@@ -441,7 +441,7 @@ TEST(TerminalTest, GetsColoursAndNoControlCharactersFromKorvAs) {
     }
 }
 
-// Standard output is a full disk, or a pipe that nobody reads if "|" precedes the words. With "<" or ">" before them,
+// Standard output is a full disk or, if "|" precedes the words, a pipe that nobody reads. With "<" or ">" before them,
 // standard input or output is closed; with ".", standard input is a directory.
 TEST(FrontendProcessTest, WhyAFileCannotBeReadOrWrittenIsSaid) {
     const std::string full = ": No space left on device", denied = ": Permission denied";

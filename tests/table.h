@@ -41,7 +41,7 @@ struct Case {
     std::optional<std::string> bytes;            ///< the target in hexadecimal, or "none"
     std::map<std::string, std::string> outputs;  ///< expected contents by name; "console" as in README.md
     /// For each expectation, by name: the offset in it at which each line of the table begins, and the place of that
-    /// line. The name of the expected messages is "messages".
+    /// line. The expected messages have the key "messages".
     std::map<std::string, std::vector<std::pair<std::size_t, std::string>>> places;
     std::string title;  ///< the first line of the case, and its place
 };

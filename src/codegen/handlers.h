@@ -17,10 +17,10 @@ HandlerFunction AssembleLd;
 
 // codegen/arithmetic.cpp; AND, CP, OR, SUB, XOR are EncodeAccumulatorOp
 HandlerFunction AssembleAdd;
-/// ADC and SBC: the opcodes with B and with BC as the second operand.
+/// ADC and SBC: the opcodes for B and for BC as the second operand.
 Status AssembleWithCarry(CAssembler* assembler, CStatement* statement, std::uint8_t byteOpcode,
                          std::uint8_t pairOpcode);
-/// INC and DEC: the opcodes with B and with BC.
+/// INC and DEC: the opcodes for B and for BC.
 Status AssembleStep(CAssembler* assembler, CStatement* statement, std::uint8_t byteOpcode,
                     std::uint8_t pairOpcode);
 

@@ -109,8 +109,8 @@ class ReportWriter {
     char* next = block.data();
 };
 
-/// Prints `format` on the console, replacing each "%" with the next of `texts`. The texts come from
-/// a source or are file names.
+/// Prints `format` on the console, replacing each "%" with the next of `texts`. The texts are
+/// written with `PutForeign`.
 void PrintTexts(std::FILE* console, std::string_view format,
                 std::initializer_list<std::string_view> texts);
 

@@ -1,5 +1,5 @@
-/// Argument files: a project keeps the words of its command line in a file, which `korv-as @FILE`,
-/// CI and the language server read.
+/// Argument files, which hold the command-line arguments of a project for `korv-as @FILE` and the
+/// language server.
 #pragma once
 
 #include <string>

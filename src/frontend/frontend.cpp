@@ -96,8 +96,8 @@ std::string ImageText(const Analysis& analysis, ImageFormat format) {
     return "";
 }
 
-// Collects the outputs of a run without errors in `outputs`, the image first. Result: empty, or why
-// an output cannot be made.
+// Adds to `outputs` the outputs of a run without errors, the image first. Result: empty, or why an
+// output cannot be made.
 std::string MakeOutputs(const Options& options, Analysis* analysis, std::vector<Output>* outputs) {
     const auto add = [outputs](const std::string& name, std::string text) {
         outputs->push_back({name, std::move(text), /*isText=*/true});

@@ -55,7 +55,7 @@ std::string Take(const OptionRow&, std::string_view word, WarningChoice* warning
 }
 
 // The choices are in the order of the enumerators. If an optional argument is left out, the first
-// one is chosen.
+// choice is taken.
 template <typename Choice>
 requires std::is_enum_v<Choice> std::string Take(const OptionRow& row, std::string_view word,
                                                  Choice* choice) {

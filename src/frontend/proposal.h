@@ -13,9 +13,8 @@ namespace korv {
 [[nodiscard]] bool IsSound(const RunFacts& facts, const StatementView& statement,
                            const std::vector<TextEdit>& edits);
 
-/// Advice on a statement with one mistyped punctuation mark, such as a missing comma, a wrong
-/// bracket, or a mark swapped with its neighbour. Empty unless exactly one change makes the
-/// statement sound.
+/// Advice on a statement with one punctuation mistake, such as a missing comma, a wrong bracket,
+/// or a mark swapped with its neighbour. Empty unless exactly one change makes the statement sound.
 [[nodiscard]] Advice AdviseOnSlip(const RunFacts& facts, const FaultView& fault);
 
 /// If the change that `advice` proposes is not sound, extends it to other foreign parts of the

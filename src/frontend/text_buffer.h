@@ -40,7 +40,7 @@ class TextBuffer {
     /// text.
     explicit TextBuffer(std::size_t size = 0) { text.reserve(size); }
 
-    /// A place where at least `count` characters can be written. `Advance` then appends them, up to
+    /// Room for at least `count` characters. After they are written, `Advance` appends those before
     /// `end`.
     char* Room(std::size_t count) {
         if (count > text.size() - used) [[unlikely]] {

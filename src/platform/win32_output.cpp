@@ -1,5 +1,5 @@
-// Writing files on Win32. A temporary file is marked as deleted as soon as it exists: no other
-// process can open it, and it disappears when its handle is closed, however the process ends.
+// Writing files on Win32. A temporary file is marked for deletion as soon as it exists: no
+// other process can open it, and it disappears when its handle is closed, however the process ends.
 // `Commit` removes the mark and renames the file.
 
 #include <fcntl.h>

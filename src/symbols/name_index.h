@@ -165,7 +165,7 @@ class CNameIndex {
     [[nodiscard]] Entry* PlaceOf(std::uint64_t hash) const {
         return &entries[static_cast<std::uint32_t>(hash) & mask];
     }
-    // Whether the name of `record` is `text`; their hashes are equal. See `HashOf` for short names.
+    // Whether the name of `record` is `text`, given equal hashes. See `HashOf` for short names.
     [[nodiscard]] static bool IsName(const CIdentifier& record, std::string_view text) {
         return record.nameLength == text.size() &&
                (text.size() <= 8 || EqualTexts(record.name, text));

@@ -20,8 +20,8 @@ namespace korv::platform {
 /// True if two paths from `FindPlace`, neither of which exists yet, refer to the same place.
 [[nodiscard]] bool AreOnePlace(const std::string& a, const std::string& b);
 
-/// While a window exists, held signals that ask the process to end take effect; the unfinished
-/// files are removed first. Only one window may exist.
+/// While a window exists, held termination signals take effect: the unfinished files are removed,
+/// and the process ends. Only one window may exist.
 class SignalWindow {
   public:
     SignalWindow();

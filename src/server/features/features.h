@@ -59,7 +59,7 @@ void AddSymbolsLike(const Snapshot& snapshot, std::string_view text, Json* symbo
 /// The blocks between IF, ELSE and ENDIF, multi-line comments, and routines. A routine is a label
 /// and its code, up to the next label.
 [[nodiscard]] Json FoldingRanges(const Query& query);
-/// The address, and optionally the bytes, after the end of each line, where they shift no text.
+/// The address, and optionally the bytes, after each line that emits any, so that no text moves.
 [[nodiscard]] Json InlayHints(const Query& query);
 
 // tokens.cpp: the kind of each word. A skipped line is shown as a comment.

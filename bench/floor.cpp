@@ -8,8 +8,7 @@
 
 namespace {
 
-// Upper case, lower case, digits, blanks and delimiters have a class each, with an arbitrary
-// number.
+// Capitals, small letters, digits, blanks and delimiters each have a class, numbered arbitrarily.
 constexpr auto charClass = [] {
     std::array<std::uint8_t, 256> table{};
     for (unsigned c = 0; c < 26; ++c) {

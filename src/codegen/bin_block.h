@@ -64,7 +64,7 @@ class BinBlock {
 
     /// Writes all bytes to `file`, which records any failure.
     void WriteTo(platform::OutputFile* file) const { file->Write(data, position); }
-    /// Prints the lines of the status dump. Result: 0, or `noStream`.
+    /// Prints its part of the status dump. Result: 0, or `noStream`.
     Status DumpStatus(std::FILE* stream) const;
 
   private:

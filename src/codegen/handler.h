@@ -27,8 +27,8 @@ Status With(CAssembler* assembler, CStatement* statement) {
     return handler(assembler, statement, facts...);
 }
 
-/// Called by a handler that fails with a nonzero `status` because of `arg`, so that the report is
-/// about that operand. Result: `status`.
+/// Records that `arg` is the reason for the nonzero `status`, so that the report is about that
+/// operand. Result: `status`.
 [[gnu::cold]] Status Refuse(CStatement* statement, const lsArg& arg, Status status);
 
 /// Defines the label of the line with `value` and the IDF_* bits `flags`, and marks the label as
@@ -80,8 +80,8 @@ struct Keyword {
     KeywordGroup group = KeywordGroup::instruction;
 };
 
-/// Performs the frame of `keyword`, the row of the statement's mnemonic. Result: 0, or the message
-/// if the number of operands is wrong.
+/// Runs the frame of `keyword`, the row of the statement's mnemonic. Result: 0, or the message if
+/// the number of operands is wrong.
 [[nodiscard]] Status BeginStatement(CAssembler* assembler, CStatement* statement,
                                     const Keyword& keyword);
 

@@ -15,16 +15,16 @@ Status AssembleImplied(CAssembler* assembler, CStatement* statement, std::uint8_
 // codegen/load.cpp
 HandlerFunction AssembleLd;
 
-// codegen/arithmetic.cpp; AND, CP, OR, SUB, XOR are EncodeAccumulatorOp
+// codegen/arithmetic.cpp; AND, CP, OR, SUB, XOR use EncodeAccumulatorOp
 HandlerFunction AssembleAdd;
-/// ADC and SBC: the opcodes for B and for BC as the second operand.
+/// ADC and SBC; the opcodes are for B and BC as the second operand.
 Status AssembleWithCarry(CAssembler* assembler, CStatement* statement, std::uint8_t byteOpcode,
                          std::uint8_t pairOpcode);
-/// INC and DEC: the opcodes for B and for BC.
+/// INC and DEC; the opcodes are for B and BC.
 Status AssembleStep(CAssembler* assembler, CStatement* statement, std::uint8_t byteOpcode,
                     std::uint8_t pairOpcode);
 
-// codegen/bits.cpp; rotates and shifts are ProcessBSR_Ex
+// codegen/bits.cpp; rotates and shifts use ProcessBSR_Ex
 /// BIT, RES and SET; `kind` as for ProcessBSR_Ex.
 Status AssembleBit(CAssembler* assembler, CStatement* statement, char kind);
 
@@ -35,7 +35,7 @@ HandlerFunction AssembleCall, AssembleDjnz, AssembleJp, AssembleJr, AssembleRet,
 /// PUSH and POP: `opcode` is the one for BC.
 Status AssembleStack(CAssembler* assembler, CStatement* statement, std::uint8_t opcode);
 HandlerFunction AssembleEx, AssembleIm;
-/// IN and OUT: the number of the register operand, and the opcodes for B with (C) and A with (n).
+/// IN and OUT; operand `registerPlace` is the register. Opcodes: B with (C), and A with (n).
 Status AssembleInOut(CAssembler* assembler, CStatement* statement, std::int32_t registerPlace,
                      std::uint8_t registerOpcode, std::uint8_t portOpcode);
 

@@ -1,5 +1,4 @@
-// Jumps, calls and returns. Their operands are forward references more often than any other
-// operands.
+// Jumps, calls and returns. Their operands are forward references more often than any others.
 
 #include "codegen/handlers.h"
 #include "codegen/late_value.h"
@@ -64,8 +63,8 @@ Status AssembleJr(CAssembler* assembler, CStatement* statement) {
     return EmitRelative(assembler, statement, target, MSG_OFFSET_TOO_BIG);
 }
 
-// To DJNZ, every operand is an expression: DJNZ A jumps to the label A. So a register, a condition
-// or an operand in parentheses is scanned again as an expression.
+// DJNZ treats every operand as an expression: DJNZ A jumps to the label A. So a register, a
+// condition or an operand in parentheses is scanned again.
 Status AssembleDjnz(CAssembler* assembler, CStatement* statement) {
     lsArg& target = statement->args.First();
     if (!target.IsValue() || target.reg != REG_NONE) {

@@ -19,7 +19,7 @@ template <std::uint8_t opcode, std::uint8_t prefix = PREFIX_NONE>
 constexpr Keyword Implied(std::string_view word) {
     return {word, With<AssembleImplied, prefix, opcode>, noOperand, Frame::operandsFirst};
 }
-/// The AND group, and the rotates and shifts. The argument is bits 5 to 3 of the opcode.
+/// The AND group, and the rotates and shifts, given bits 5 to 3 of the opcode.
 template <std::int32_t group>
 constexpr Keyword AccumulatorOp(std::string_view word) {
     return {word, With<EncodeAccumulatorOp, group>, oneOperand};

@@ -38,9 +38,9 @@ template <std::uint32_t kind>
 [[nodiscard]] Status EmitChecked(CAssembler* assembler, CStatement* statement, const lsArg& arg,
                                  PatchText text);
 
-/// Emits the distance from the statement to the address `arg` as a byte. Result: 0; `tooFar` if the
-/// distance is known and does not fit; or the status of the expression if it failed. In the last
-/// two cases, nothing has been emitted.
+/// Emits the offset of a relative jump to the address `arg` as a byte. Result: 0; `tooFar` if the
+/// offset is known and does not fit; or the status of the expression if it failed. In the last two
+/// cases, nothing has been emitted.
 [[nodiscard]] Status EmitRelative(CAssembler* assembler, CStatement* statement, const lsArg& arg,
                                   Status tooFar);
 

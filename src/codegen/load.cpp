@@ -40,8 +40,8 @@ Status LoadAccumulator(CAssembler* assembler, CStatement* statement, const lsArg
     }
 }
 
-// Loads a pair from an immediate word or from memory, and SP also from HL, IX or IY. A value
-// outside 16 bits is truncated without a warning.
+// Loads a pair from an immediate word or memory, and SP also from HL, IX or IY. A known value
+// outside 16 bits is truncated without warning.
 Status LoadPair(CAssembler* assembler, CStatement* statement, const lsArg& dst, const lsArg& src) {
     if (dst.reg == REG_SP && IsHlOrIndex(src.reg)) {
         return assembler->EmitOpcode(IndexPrefix(src.reg), 0xF9);

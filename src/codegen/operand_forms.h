@@ -122,9 +122,9 @@ static_assert(AllowedBit(REG_BC) == ALLOW_BC && AllowedBit(REG_SP) == ALLOW_SP);
 [[nodiscard]] Status EncodeAccumulatorOp(CAssembler* assembler, CStatement* statement,
                                          std::int32_t group);
 
-/// Encodes an instruction with the prefix CB. `kind` is "B" for BIT, "R" for RES or "S" for SET,
-/// which encode operand 2, or "X" for rotates and shifts, which encode operand 1. `field` is the
-/// number in bits 5 to 3 of the opcode.
+/// Encodes an instruction with the prefix CB. Operand 2 is encoded if `kind` is "B" (BIT), "R"
+/// (RES) or "S" (SET); operand 1 if it is "X" (rotates and shifts). `field` is the number in bits 5
+/// to 3 of the opcode.
 [[nodiscard]] Status ProcessBSR_Ex(CAssembler* assembler, CStatement* statement, char kind,
                                    std::int32_t field);
 

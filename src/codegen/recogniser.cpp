@@ -27,7 +27,7 @@ static_assert(std::is_sorted(keywords.begin(), keywords.end(),
                              [](const Keyword& a, const Keyword& b) { return a.word <= b.word; }),
               "the keyword table is out of order, or holds a word twice");
 
-// The end, at most `end`, of the rows from `first` on that share its character at `depth`.
+// The end of the rows in [first, end) that share the character of `first` at `depth`.
 constexpr std::size_t EndOfBranch(std::size_t first, std::size_t end, std::size_t depth) {
     std::size_t row = first;
     while (row < end && CharacterAt(row, depth) == CharacterAt(first, depth)) {

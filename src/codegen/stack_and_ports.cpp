@@ -54,8 +54,8 @@ Status AssembleIm(CAssembler* assembler, CStatement* statement) {
     return 0;
 }
 
-// The port is either (C), with any byte register or F, or (n), with A only. A port number out of
-// range is an error, and no byte is emitted for it.
+// The port is either (C), with any byte register or F, or (n), with A only. A known port number out
+// of range is an error and is not emitted.
 Status AssembleInOut(CAssembler* assembler, CStatement* statement, std::int32_t registerPlace,
                      std::uint8_t registerOpcode, std::uint8_t portOpcode) {
     const bool isInput = registerPlace == 1;

@@ -41,8 +41,7 @@ inline constexpr ValueRange widthRanges[2][2] = {{wordRange, signedWordRange},
     return widthRanges[kind / PF_8BIT % 2][kind / PF_SIGNED % 2];
 }
 
-/// The distance of a relative jump at `address` to `target`, counted from the end of the jump's two
-/// bytes.
+/// The distance to `target` of a relative jump at `address`, counted from the end of its two bytes.
 [[nodiscard]] constexpr std::int32_t RelativeOffset(std::int32_t target, std::uint32_t address) {
     return static_cast<std::int32_t>(static_cast<std::uint32_t>(target) - address - 2);
 }

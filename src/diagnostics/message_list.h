@@ -38,9 +38,8 @@ class MessageReceiver {
 class CMessageList {
   public:
     /// Creates an empty list of `kind` (ML_*) with room for `capacity` messages. The room is
-    /// allocated here, so a later report needs memory only for its text, and the list works even
-    /// when memory has run out. `fileNames` supplies the names of the files for printing and is not
-    /// owned.
+    /// allocated here: even when memory has run out, a message is kept, though without its text.
+    /// `fileNames` supplies the names of the files for printing and is not owned.
     CMessageList(std::int32_t capacity, std::int32_t kind, const CFileNameRegistry* fileNames);
 
     /// Passes all reports to `newReceiver` instead of keeping them. The receiver is not owned.

@@ -17,8 +17,8 @@ PrintableCharacter FirstCharacter(std::string_view text) {
         }
         code = code << 6 | (byteAt(i) & 0x3F);
     }
-    // Excludes the control characters from 0x80 to 0x9F, overlong forms, halves of surrogate pairs,
-    // and codes above U+10FFFF.
+    // Excludes the control characters from 0x80 to 0x9F, overlong forms, surrogates, and codes
+    // above U+10FFFF.
     constexpr char32_t lowest[] = {~0U, ~0U, 0xA0, 0x800, 0x10000};
     const bool isHalf = code >= 0xD800 && code < 0xE000;
     const bool isCharacter = size != 0 && code >= lowest[size] && !isHalf && code < 0x110000;

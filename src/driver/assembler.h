@@ -239,7 +239,7 @@ class CAssembler {
     std::uint32_t fileBufferSize = 65536;  ///< limit of a read buffer in bytes; by its setter
     void* currentMacro = nullptr;          ///< the macro being recorded; no command records one
     std::int32_t startAddress = noStartAddress;  ///< of the target; by ORG
-    /// The maximum size of the image in bytes; by a front end, which checks for a larger one.
+    /// The maximum size of the image in bytes; by a front end, which reports a larger image.
     std::uint32_t maxImage = std::numeric_limits<std::uint32_t>::max();
     Meter meter;  ///< by the loop and include files
 

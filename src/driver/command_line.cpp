@@ -27,7 +27,7 @@ struct Switch {
     std::uint32_t alsoOn = 0;  // set with `bits`, but not cleared with them
 };
 
-// In the order of the help; a word that begins with another one comes after it.
+// In the order of the help; a word comes after any other word that it begins with.
 // clang-format off
 constexpr Switch switches[] = {
     {"D", Kind::onOff, "/d[+|-]", "Enable/disable debug.out file.", RF_DEBUG},
@@ -47,12 +47,12 @@ constexpr Switch switches[] = {
 };
 // clang-format on
 
-// The letters in the order of the flag string.
+// The letters of the flag string, in order.
 constexpr std::string_view letters = "DSLPTMWBI";
 static_assert(letters.size() == sizeof CommandLine::flagString - 1);
 
-// The switch that `word` selects: the longest one that `word` begins with. `word` is in upper case
-// and has no leading "/" or "-". /wait must be the whole word.
+// The switch whose word is the longest prefix of `word`; null for none. `word` is in upper case and
+// has no leading "/" or "-". /wait must be the whole word.
 const Switch* FindSwitch(std::string_view word) {
     const Switch* found = nullptr;
     for (const Switch& row : switches) {
@@ -70,10 +70,10 @@ void Put(const Switch& row, bool isOn, CommandLine* result) {
 }
 
 // Reads the number at the start of `text`: optional blanks, an optional sign, digits. The number is
-// 0 if there are no digits, and is clamped to 32 bits. Prints a message if it is not above 0.
+// 0 if there are no digits, and is clamped to 32 bits. Prints a message unless it is positive.
 std::int32_t ReadSize(const char* text, const char* what, std::string_view word) {
     text = SkipBlanks(text);
-    // A line end is not a blank here, but the library would skip it as one.
+    // A line end is not a blank here, but `strtoll` would skip it.
     const long long number = *text < ' ' ? 0 : std::strtoll(text, nullptr, 10);
     using Limits = std::numeric_limits<std::int32_t>;
     const auto size = std::clamp<long long>(number, Limits::min(), Limits::max());

@@ -20,8 +20,8 @@ struct CommandLine {
     bool waitWanted = false;
 };
 
-/// Reads the words after the program's name. An invalid word is reported on standard output, with
-/// its index in the argument vector, and skipped.
+/// Reads the words after the program's name. Reports an invalid word on standard output and goes on
+/// with the next one.
 [[nodiscard]] CommandLine ParseCommandLine(int argumentCount, char** arguments);
 
 /// Prints all switches.

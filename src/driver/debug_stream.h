@@ -26,7 +26,7 @@ class DebugStream {
     /// Called instead of `AddRecord` for a line that gets no record.
     void PassOver(std::uint32_t position) { binarySizeAtLineStart = position; }
 
-    /// Writes all records as lines of the listing, with the bytes of the image of `assembler`.
+    /// Writes all records as lines of the listing, with bytes from the image of `assembler`.
     /// RF_ABORT ends the writing early.
     void WriteListing(const CAssembler* assembler, platform::OutputFile* listing) const;
 

@@ -11,7 +11,7 @@ class FlagsWord;
 
 class DiskStore : public SourceStore {
   public:
-    /// `flags` are the flags of the run: RF_ABORT ends the reading of a file. They are not owned.
+    /// `flags` are the flags of the run and are not owned. RF_ABORT makes `Read` stop early.
     explicit DiskStore(const FlagsWord* flags) : flags(flags) {}
 
     [[nodiscard]] Status Find(std::string_view name, platform::FoundPath* file) override;
@@ -26,7 +26,7 @@ class DiskStore : public SourceStore {
     [[nodiscard]] bool Reaches(std::string_view name) const { return directory.Reaches(name); }
     /// The files that have been read.
     [[nodiscard]] const platform::FileSet& FilesRead() const { return filesRead; }
-    /// Adds the file `name` to `FilesRead`, if it is a regular file.
+    /// Adds the file `name` to `FilesRead` if it is a regular file.
     void Keep(std::string_view name);
 
   private:

@@ -103,7 +103,7 @@ int OnConsoleEvent(int event) {
     }
     hasEventCome = true;
     CAssembler* const assembler = theAssembler;
-    // Once it is decided whether a target is written, the run can no longer be aborted.
+    // Once the run has decided whether to write a target, it can no longer be aborted.
     if (assembler == nullptr || (assembler->flags.Set(RF_ABORT) & RF_SETTLED) == 0) {
         platform::WriteFromHandler(row->text);
     }

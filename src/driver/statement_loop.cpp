@@ -50,8 +50,8 @@ bool RunsWhileSkipping(InstructionHandler handler) {
     return handler == AssembleIf || handler == AssembleElse || handler == AssembleEndif;
 }
 
-// Performs the frame of the mnemonic at `start`, then calls its handler. Result: the failure of the
-// frame, or else the result of the handler; 0 if there is nothing to run.
+// Runs the frame of the mnemonic at `start`, then its handler. Result: the status of the frame if
+// it fails, else that of the handler; 0 if there is nothing to run.
 Status RunHandler(CAssembler* assembler, CStatement* statement, const char* start) {
     const Keyword* const keyword = RecogniseInstruction(start);
     if (keyword == nullptr) [[unlikely]] {

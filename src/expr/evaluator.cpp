@@ -105,8 +105,8 @@ class NodeList {
   private:
     [[nodiscard]] bool IsValue(std::int32_t at) const { return nodes[at].type == NODE_VALUE; }
 
-    // Replaces the bracket at `at` and its contents, the value `right`, with that value. Anything
-    // between the value and the closing bracket is processed first.
+    // Replaces the bracket at `at` and the value `right` in it with that value. Anything between
+    // the value and the closing bracket is processed first.
     std::int32_t CloseBracket(std::int32_t at, std::int32_t right) {
         const std::int32_t following = nodes[right].next;
         if (following == none || nodes[following].value != OP_CLOSE) {
@@ -118,8 +118,8 @@ class NodeList {
         return at;
     }
 
-    // Applies the operator `at`, which precedes the value `right`. The operator is unary if it can
-    // be and has no value to its left.
+    // Applies the operator `at`, which precedes the value `right`. OP_NOT is always unary; a sign
+    // is unary if no value precedes it.
     std::int32_t Apply(std::int32_t at, std::int32_t left, std::int32_t right) {
         const std::int32_t code = nodes[at].value;
         const bool isBinary = code != OP_NOT && left != none && IsValue(left);

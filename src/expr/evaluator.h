@@ -10,8 +10,7 @@ namespace korv {
 inline constexpr std::int32_t NODE_VALUE = 0x23;
 inline constexpr std::int32_t NODE_OPERATOR = 0x21;
 
-/// Operator codes: the operator's character, or a letter for the words and the forms of two
-/// characters.
+/// Operator codes: the operator's one-character form, or a letter if it has none.
 inline constexpr std::int32_t OP_OPEN = '(';
 inline constexpr std::int32_t OP_CLOSE = ')';
 inline constexpr std::int32_t OP_EXP = 'E';

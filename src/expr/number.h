@@ -19,7 +19,7 @@ inline constexpr Status notANumber = -1;
 
 /// Reads `token`, which must be neither empty nor just "$". Result: 0 with the number in `value`;
 /// MSG_GENERAL_FAILURE for a number without digits; MSG_BAD_NUMBER for a number above 65535;
-/// MSG_BAD_EXPRESSION for a string that is not exactly one character; `notANumber`. `value` is set
+/// MSG_BAD_EXPRESSION for a string that is not one character; else `notANumber`. `value` is set
 /// only if the result is 0.
 [[nodiscard]] Status ReadNumber(std::string_view token, std::int32_t* value);
 

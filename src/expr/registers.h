@@ -9,8 +9,8 @@
 
 namespace korv {
 
-/// Register codes. In the code of a bare name, the low byte is the register's number in the opcode,
-/// except for I and R: 0 to 7 for an 8-bit register, 0 to 3 for a pair, 6 for F. "(HL)" has the
+/// Register codes. In the code of a bare name other than I and R, the low byte is the register's
+/// number in the opcode: 0 to 7 for an 8-bit register, 0 to 3 for a pair, 6 for F. "(HL)" has the
 /// code 6, the number of the memory operand.
 inline constexpr std::int32_t REG_NONE = -1;
 inline constexpr std::int32_t REG_C = 1;
@@ -46,7 +46,7 @@ inline constexpr std::int32_t KIND_REGISTER = 1;
 inline constexpr std::int32_t KIND_VALUE = 2;
 inline constexpr std::int32_t KIND_CONDITION = 4;
 
-/// The class of an operand, before its evaluation.
+/// The class of an operand before it is evaluated.
 struct OperandClass {
     std::int32_t reg = REG_NONE;    ///< REG_* code
     std::int32_t condition = -1;    ///< condition number 0 to 7, or -1

@@ -48,8 +48,7 @@ Status CAssembler::ScanExpression(std::string_view text, std::int32_t* value,
         nodes[static_cast<std::size_t>(count++)] = {content, type, priority, -1, -1};
     };
     *value = 0;
-    // Most displacements consist of a sign and one token; without this shortcut, a run costs 1 %
-    // more.
+    // Most displacements consist of a sign and one token; this shortcut saves 1 % of a run.
     const bool hasSign = text.starts_with('+') || text.starts_with('-');
     *fault = text.substr(hasSign ? 1 : 0);
     if (!fault->empty() && SkipToken(fault->data()) == text.data() + text.size()) {

@@ -157,7 +157,7 @@ struct Analysis {
     std::uint64_t errorLimit = 0;  ///< after that many errors, no message is kept; 0: no limit
     std::string failure;  ///< why there is no result, for example because the source cannot be read
 
-    /// File name and line for a person, as in "sub/a.kor:12".
+    /// File name and line for display, as in "sub/a.kor:12".
     [[nodiscard]] std::string LineName(const Place& place) const {
         return files[static_cast<std::size_t>(place.file)].name + ":" + std::to_string(place.line);
     }

@@ -73,12 +73,12 @@ struct ByteFinding {
     std::uint32_t column;  ///< in bytes, from 0
 };
 
-/// Finds bytes that the reader skips or treats as the end of a line's text. With such bytes, the
-/// file is not read as an editor shows it. Only the first byte of each kind is reported.
+/// Finds bytes that the reader skips or treats as the end of a line's text. Such a file is not read
+/// the way an editor shows it. Only the first byte of each kind is reported.
 [[nodiscard]] std::vector<ByteFinding> CheckBytes(const StoredText& text);
 
-/// Finds each backslash at the end of a comment in `line` that swallows the next line, unless that
-/// line is blank or a comment.
+/// Finds each backslash that ends a comment in `line` and swallows the next line, unless that line
+/// is blank or a comment.
 [[nodiscard]] std::vector<ByteFinding> CheckComments(const StoredText& text,
                                                      const LogicalLine& line);
 

@@ -1,8 +1,8 @@
-// The times are from the published tables, with one table for each prefix. The tests compare every
-// documented opcode with an emulator. If the condition is met, a relative jump takes 5 more
-// T-states, a return 6 and a call 7; a JP always takes the same time. A block instruction takes 5
-// more for each repetition. Korv also accepts ED 70, IN F,(C), and ED 71, OUT (C),F. These are not
-// in the published tables; they take as long as the neighbouring opcodes.
+// The times are from the published tables, arranged by prefix. The tests compare every documented
+// opcode with an emulator. If the condition is met, a relative jump takes 5 more T-states, a return
+// 6 and a call 7; a JP always takes the same time. A block instruction takes 5 more for each
+// repetition. Korv also accepts IN F,(C) (ED 70) and OUT (C),F (ED 71). These are not in the
+// published tables; they take as long as the neighbouring opcodes.
 
 #include "frontend/cycles.h"
 
@@ -41,7 +41,7 @@ constexpr void Extend(Table* table, std::uint8_t extra,
 }
 
 // clang-format off
-/// The shortest times of the opcodes without a prefix, 16 in a row; 0 for the prefixes.
+/// The shortest times of the opcodes without a prefix, 16 to a row; 0 for the prefixes.
 constexpr std::uint8_t plainLeast[] = {
     4, 10,  7,  6,  4,  4,  7,  4,  4, 11,  7,  6,  4,  4,  7,  4,
     8, 10,  7,  6,  4,  4,  7,  4, 12, 11,  7,  6,  4,  4,  7,  4,

@@ -1,5 +1,5 @@
 /// T-states of the processor's instructions as published by its manufacturer, that is, without
-/// wait states, contended memory and interrupts.
+/// wait states, contended memory or interrupts.
 #pragma once
 
 #include <cstddef>

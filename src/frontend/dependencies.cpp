@@ -1,6 +1,6 @@
-// Names come from sources that the user may not have written, and make runs commands that it finds
-// in a rule. So only characters that both GNU make 4.3 and ninja 1.11 read back unchanged are
-// accepted. Each of them was tested with both.
+// Names come from sources that the user may not have written, and GNU make runs any command in a
+// rule. So only characters that both GNU make 4.3 and ninja 1.11 read back unchanged are accepted.
+// Each of them was tested with both.
 
 #include "frontend/dependencies.h"
 

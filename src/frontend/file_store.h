@@ -43,7 +43,7 @@ class FileStore : public SourceStore {
     [[nodiscard]] std::string ShownName(const std::string& path) const;
     /// The text of the file at the full path `path`; null if it was not read.
     [[nodiscard]] Text TextOf(const std::string& path) const;
-    /// The files that were read, so that no output overwrites them.
+    /// The files that were read; no output may overwrite them.
     [[nodiscard]] const platform::FileSet& Identities() const { return identities; }
     /// Why the last file could not be read, usually in the system's words.
     [[nodiscard]] const std::string& Failure() const { return failure; }

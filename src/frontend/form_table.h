@@ -6,11 +6,11 @@
 
 namespace korv {
 
-/// The operand forms of some mnemonics. Terms that begin with a lower-case letter are classes. r: A
-/// to L; s: r, n, (HL) or (xy+d); m: s without n; dd: BC, DE, HL, SP; qq: BC, DE, HL, AF; xy: IX or
-/// IY; cc: a condition; c4: NZ, Z, NC, C; n: a byte, nn: a word, e: the target of a relative jump
-/// (all three match any value); b: 0 to 7; p: 0, 8 .. 56; i: 0 to 2; x: a value or string; str: a
-/// string; name: a file. "*" repeats the operand before it. All other terms match literally.
+/// The operand forms of some mnemonics. Terms in lower case are classes. r: A to L; s: r, n, (HL)
+/// or (xy+d); m: s without n; dd: BC, DE, HL, SP; qq: BC, DE, HL, AF; xy: IX or IY; cc: a
+/// condition; c4: NZ, Z, NC, C; n: a byte, nn: a word, e: the target of a relative jump (all three
+/// match any value); b: 0 to 7; p: 0, 8 .. 56; i: 0 to 2; x: a value or string; str: a string;
+/// name: a file. "*" repeats the operand before it. All other terms match literally.
 struct FormRow {
     std::string_view words;           ///< mnemonics, separated by blanks
     std::string_view forms;           ///< separated by blanks; "-" is the form without operands

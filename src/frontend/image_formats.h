@@ -1,4 +1,4 @@
-/// The image as the bytes of a file, in each of the formats of `korv-as`.
+/// The image as file contents, in each output format of `korv-as`.
 #pragma once
 
 #include <string>

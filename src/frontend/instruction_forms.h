@@ -1,5 +1,5 @@
 /// Compares operands with the forms that each mnemonic takes, to find the operand at fault and the
-/// forms to propose instead. Messages use this, and so do hover, completion and signatures in an
+/// forms to propose instead. Used for messages, and for hover, completion and signatures in an
 /// editor.
 #pragma once
 

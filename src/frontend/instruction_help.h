@@ -7,7 +7,7 @@ namespace korv {
 
 struct Keyword;
 
-/// What an instruction or directive does: a sentence with a capital letter and a full stop.
+/// What an instruction or directive does: a capitalized sentence with a full stop.
 [[nodiscard]] std::string_view HelpFor(const Keyword& keyword);
 
 }  // namespace korv

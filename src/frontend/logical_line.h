@@ -1,6 +1,6 @@
-/// A logical line after cleaning by the reader, with the place of each character in the file.
-/// Needed only if an offset in the cleaned line differs from the column: after a continuation, or
-/// after a byte that the reader drops.
+/// A logical line as cleaned by the reader, with the place of each character in the file. The
+/// places matter only if an offset in the cleaned line differs from the column: after a
+/// continuation, or after a byte that the reader drops.
 #pragma once
 
 #include <cstdint>

@@ -166,8 +166,7 @@ void MessageMaker::Make(const Report& report) {
     const auto count = static_cast<std::int32_t>(statements.size());
     auto& [id, reports] =
         statements.try_emplace({report.place.file, report.place.line}, count, 0).first->second;
-    // The limit for one line: each piece of advice examines all operands, and nobody reads more
-    // messages.
+    // Limit per line: each piece of advice examines all operands, and nobody reads more messages.
     constexpr std::int32_t mostAdvised = 50;
     if (++reports > mostAdvised) {
         message.place = PlaceOf(report.place);

@@ -64,10 +64,10 @@ class MessageMaker : private RunFacts {
               std::string_view note);
     /// Removes the warnings about nested conditions after the IF at `place`, which has no ENDIF.
     void WithdrawNestedIf(const Place& place);
-    /// Records that the rest of the source is skipped, so that its names are not defined.
+    /// Records that the rest of the source is skipped, so its names are not defined.
     void ExpectSkippedEnd() { adviser.ExpectSkippedEnd(); }
     /// Turns everything kept into messages, in the same order. Drops warnings that are off, and
-    /// reports that are only consequences of an earlier one.
+    /// reports that are only consequences of others.
     void Finish();
     /// The place in the file that corresponds to `place`. A whole statement is marked by its
     /// mnemonic, or by its label if it has no mnemonic.
@@ -127,8 +127,8 @@ class MessageMaker : private RunFacts {
     // and how many reports it has had.
     std::map<std::pair<std::int32_t, std::int32_t>, std::pair<std::int32_t, std::int32_t>>
         statements;
-    // By file and text: the first line from which `FindLine` has found nothing. Without this, each
-    // of many messages would search the rest of the file again.
+    // By file and text: a line from which `FindLine` finds nothing. Without this, each of many
+    // messages would search the rest of the file again.
     mutable std::map<std::pair<std::int32_t, std::string>, std::int32_t> absentFrom;
 };
 

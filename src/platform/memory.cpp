@@ -1,6 +1,5 @@
-// All memory is allocated here, so that the failure hook is called for every allocation that fails,
-// including those made by `new`. Nothing here throws: if `new` fails, the process ends after the
-// call to the hook.
+// All memory is allocated here, so that the failure hook is called even for an allocation made by
+// `new`. Nothing here throws: if `new` fails, the process ends after the call to the hook.
 
 #include <algorithm>
 #include <bit>

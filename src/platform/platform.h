@@ -25,8 +25,8 @@ namespace korv::platform {
 // ----------------------------------------------------------------------------------------------------
 // memory
 
-/// Called with the size in bytes of every allocation that fails, including those made by `new`. Its
-/// result is ignored: the allocation is not retried.
+/// Called with the size in bytes of an allocation that fails, even one made by `new`. Its result is
+/// ignored: the allocation is not retried.
 using AllocationFailureHook = int (*)(std::size_t size);
 
 /// Installs `hook`; null means none. Result: the previous hook.

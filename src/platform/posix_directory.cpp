@@ -1,6 +1,6 @@
 // File names and the current directory on POSIX.
 //
-// Names are looked up, without regard to case, in a list of their directory's entries. Reading a
+// A name typed in another case is looked up in a list of its directory's entries. Reading a
 // directory costs more than all other system calls of an INCLUDE, so the list is kept and used
 // until the directory changes. Checking for a change takes only one call.
 

@@ -59,7 +59,7 @@ void AddSymbolsLike(const Snapshot& snapshot, std::string_view text, Json* symbo
 /// The blocks between IF, ELSE and ENDIF, multi-line comments, and routines. A routine is a label
 /// and its code, up to the next label.
 [[nodiscard]] Json FoldingRanges(const Query& query);
-/// After each line that emits bytes, so that no text moves: the address, optionally with the bytes.
+/// After each line that emits bytes, so no text moves: its address, optionally with the bytes.
 [[nodiscard]] Json InlayHints(const Query& query);
 
 // tokens.cpp: the kind of each word. A skipped line is shown as a comment.

@@ -293,8 +293,8 @@ void AwaitConsoleHandler();
 /// Writes to standard output from a `ConsoleHandler`, unbuffered.
 void WriteFromHandler(std::string_view text);
 
-/// Waits for a key and reads it. On a console, the Return key is not needed. From other input, one
-/// byte or the end of the input is read. A console event counts as a key.
+/// Waits for a key and reads it. On a console, the Return key is not needed. From other input,
+/// reads one byte or the end of input. A console event counts as a key.
 void WaitForKey();
 
 }  // namespace korv::platform

@@ -1,6 +1,5 @@
-// All memory is allocated here, so that the failure hook is called for every allocation that fails,
-// including those made by `new`. Nothing here throws: if `new` fails, the process ends after the
-// call to the hook.
+// All memory is allocated here, so that the failure hook is called even for an allocation made by
+// `new`. Nothing here throws: if `new` fails, the process ends after the call to the hook.
 
 #include <algorithm>
 #include <bit>
@@ -17,8 +16,7 @@ namespace {
 AllocationFailureHook failureHook = nullptr;
 std::FILE* failureStream = nullptr;  // null: standard error
 
-// Calls the hook if `memory` is null. An allocation that fails inside the hook is not reported
-// again.
+// Calls the hook if `memory` is null. A failure inside the hook is not reported.
 void* Reported(void* memory, std::size_t size) {
     if (memory == nullptr && failureHook != nullptr) {
         const AllocationFailureHook hook = std::exchange(failureHook, nullptr);
@@ -80,8 +78,8 @@ void PrintMemoryFailure(const char* line) {
 
 }  // namespace korv::platform
 
-// All forms of `new` and `delete` in use are replaced. A form left out might be a sanitizer's,
-// which must not free memory allocated here.
+// Replaces every form of `new` and `delete` in use: any other might be a sanitizer's, which must
+// not free memory allocated here.
 void* operator new(std::size_t size) {
     void* const memory = korv::platform::Allocate(size);
     if (memory == nullptr) {

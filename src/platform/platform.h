@@ -25,15 +25,15 @@ namespace korv::platform {
 // ----------------------------------------------------------------------------------------------------
 // memory
 
-/// Called with the size in bytes of every allocation that fails, including those made by `new`. Its
-/// result is ignored: the allocation is not retried.
+/// Called with the size in bytes of an allocation that fails, even one made by `new`. Its result is
+/// ignored: the allocation is not retried.
 using AllocationFailureHook = int (*)(std::size_t size);
 
-/// Installs `hook`, or none if it is null. Result: the previous hook.
+/// Installs `hook`; null means none. Result: the previous hook.
 AllocationFailureHook SetAllocationFailureHook(AllocationFailureHook hook);
 
-/// Allocates memory from the general allocator. If there is no memory, calls the hook and returns
-/// null. A size of 0 counts as 1.
+/// Allocates memory from the general allocator. On failure, calls the hook and returns null. A size
+/// of 0 counts as 1.
 [[nodiscard]] void* Allocate(std::size_t size);
 /// Like `Allocate`, but all bytes are 0. `size` must not be 0.
 [[nodiscard]] void* AllocateZeroed(std::size_t size);
@@ -116,8 +116,8 @@ struct PathParts {
 /// with a separator, counts as independent.
 [[nodiscard]] bool IsAbsolutePath(std::string_view name);
 
-/// Whether a file that was read as `source` must not be overwritten under its other name `target`.
-/// Always true on Win32; otherwise true if the names differ at most in case and separators.
+/// Whether a file read as `source` must not be overwritten through its other name `target`. Always
+/// true on Win32; otherwise true if the names differ at most in case and separators.
 [[nodiscard]] bool IsProtectedFrom(std::string_view source, std::string_view target);
 
 /// Whether `name` refers to a regular file. Does not open it.
@@ -223,7 +223,7 @@ class InputFile {
 
 /// A file to be written. Its bytes are written to a new file in the same directory. `Commit`
 /// renames that file to the final name in one step. Until then, and if anything fails, no new file
-/// appears under that name, and any old file stays unchanged. The new file gets the permissions of
+/// appears under that name, and the old file stays unchanged. The new file gets the permissions of
 /// the old file. Some files are written in place, from the first `Write` on: devices, pipes, and
 /// files that cannot be replaced because the directory does not allow it or the owner would change.
 /// No unfinished file is left when the process ends, unless the process is killed outright.
@@ -278,8 +278,8 @@ inline constexpr int EVENT_SHUTDOWN = 6;
 
 /// Called with an event at any moment, either between any two instructions of the program or on a
 /// separate thread. The handler may use only lock-free atomics and `WriteFromHandler`. Result: 1 if
-/// the event was handled. If the system ends the process after such an event, it lets the program
-/// finish first.
+/// the event was handled. If such an event ends the process, the program is allowed to finish
+/// first.
 using ConsoleHandler = int (*)(int event);
 
 /// Installs `handler`; null removes it and restores the previous state. If the process was started
@@ -293,8 +293,8 @@ void AwaitConsoleHandler();
 /// Writes to standard output from a `ConsoleHandler`, unbuffered.
 void WriteFromHandler(std::string_view text);
 
-/// Waits for a key and reads it. On a console, the Return key is not needed. From other input, one
-/// byte or the end of the input is read. A console event counts as a key.
+/// Waits for a key and reads it. On a console, the Return key is not needed. From other input,
+/// reads one byte or the end of input. A console event counts as a key.
 void WaitForKey();
 
 }  // namespace korv::platform

@@ -168,7 +168,7 @@ void WaitForKey() {
     if (isTerminal) {
         termios oneKey = before;
         // The run is over, so a break key is read like any other key: if its signal ended the
-        // process, the terminal would stay changed.
+        // process, the terminal would keep this mode.
         oneKey.c_lflag &= ~static_cast<tcflag_t>(ICANON | ECHO | ISIG);
         oneKey.c_cc[VMIN] = 1;
         oneKey.c_cc[VTIME] = 0;

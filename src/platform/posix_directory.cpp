@@ -1,6 +1,6 @@
 // File names and the current directory on POSIX.
 //
-// Names are looked up, without regard to case, in a list of their directory's entries. Reading a
+// A name typed in another case is looked up in a list of its directory's entries. Reading a
 // directory costs more than all other system calls of an INCLUDE, so the list is kept and used
 // until the directory changes. Checking for a change takes only one call.
 
@@ -115,7 +115,7 @@ class Listing {
         std::free(entries);
         // The modification time of a directory has the resolution of a clock tick, which is a
         // second or two on some file systems. A change made after the directory was read cannot be
-        // detected if it falls in the same tick as the last change before the reading.
+        // detected if it falls in the same tick as the last change before that.
         const nanoseconds time = TimeOfChange(status);
         const auto tick = time % seconds(1) == seconds(0) ? milliseconds(2000) : milliseconds(20);
         const bool isSettled = count >= 0 && time + tick < now;

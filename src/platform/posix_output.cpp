@@ -19,7 +19,7 @@ namespace {
 constexpr mode_t permissions = 07777;
 
 // The names of the temporary files that exist now; null in free slots. Process-wide, since the
-// process may end at any point. The size is fixed, since writing a report must not need memory.
+// process may end at any point. The size is fixed, so adding a name needs no memory.
 std::array<const std::string*, 16> unfinished{};
 
 // Removes `temporary` from the list if it is there: the file has been renamed or removed, or was
@@ -32,8 +32,8 @@ void Forget(const std::string& temporary) {
     }
 }
 
-// As long as `path` names a symbolic link, replaces it with the target of the link. False: a link
-// cannot be read, or the chain has 40 links or more.
+// While `path` names a symbolic link, replaces it with the target of the link. False: a link cannot
+// be read, or the chain has 40 links or more.
 bool FollowLinks(std::string* path) {
     for (int i = 0; i < 40; ++i) {
         std::array<char, PATH_MAX> text;

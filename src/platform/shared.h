@@ -59,8 +59,8 @@ enum class Creation {
 /// in between. At most 16 such files may exist at a time.
 [[nodiscard]] Creation Create(const std::string& temporary, const OutputPlace& place,
                               FileHandle* handle);
-/// Creates a file that can replace the one at `place`, under the first free name. If `temporary` is
-/// empty afterwards, the existing file has to be written in place. False: neither is possible.
+/// Creates, under the first free name, a file that can replace the one at `place`. If `temporary`
+/// is empty afterwards, the existing file has to be written in place. False: neither is possible.
 [[nodiscard]] bool CreateReplacement(const OutputPlace& place, std::string* temporary,
                                      FileHandle* handle);
 /// Gives a new file the owner and the permissions of the file at `place`. False: this is not
@@ -86,7 +86,7 @@ void ReleaseSignals();
 [[nodiscard]] unsigned long ProcessNumber();
 
 /// Calls `create` with names in the directory of `place` until one is free, at most 100 times, and
-/// returns that name in `name`. A name may already be taken by a file that a killed process left
+/// stores that name in `name`. A name may already be taken by a file that a killed process left
 /// behind, or by another process with the same ID.
 template <typename Create>
 Creation CreateAtFreeName(const OutputPlace& place, std::string* name, Create create) {

@@ -1,6 +1,6 @@
-// Writing files on Win32. A temporary file is marked for deletion as soon as it exists: no
-// other process can open it, and it disappears when its handle is closed, however the process ends.
-// `Commit` removes the mark and renames the file.
+// Writing files on Win32. A temporary file is marked for deletion on creation, so no other process
+// can open it, and it disappears when its handle is closed, however the process ends. `Commit`
+// removes the mark and renames the file.
 
 #include <fcntl.h>
 #include <io.h>

@@ -9,7 +9,7 @@ namespace korv {
 namespace {
 
 // The offset of a position in `text`. A position beyond the end of its line, or of the text, counts
-// as that end. The text is not split into lines, since that would be repeated for each change.
+// as that end. The text is not split into lines: each change would require a new split.
 std::size_t OffsetOf(std::string_view text, const Position& at, PositionEncoding encoding) {
     std::size_t start = 0;
     for (std::uint32_t line = 0; line < at.line; ++line) {

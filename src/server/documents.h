@@ -28,7 +28,7 @@ class Documents {
     [[nodiscard]] const Document* Find(const std::string& path) const;
     /// The URI of the file at `path`, in the client's spelling if the document is open.
     [[nodiscard]] std::string UriOf(const std::string& path) const;
-    /// Adds the texts of all documents to `store`, after creating those that have changed.
+    /// Adds the texts of all documents to `store`, creating any that do not exist yet.
     void AddTo(FileStore* store);
 
     /// `document` is the "textDocument" of the notification. Replaces a document that is already

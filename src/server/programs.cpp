@@ -85,8 +85,8 @@ void Programs::Refresh(Program* program) {
     program->isStale = false;
 }
 
-// Returns the program with the source `main`, and marks it as needed. Its options are set again
-// before each analysis, since the argument file may have changed along with other files.
+// Returns the program with the source `main`, and marks it as needed. If it is stale, its options
+// are set again, since the argument file may have changed along with other files.
 Programs::Program& Programs::Need(const Configuration& configuration, const std::string& main) {
     Program& program =
         programs[main + '\n' + configuration.origin + '\n' + configuration.directory];
@@ -134,8 +134,8 @@ Programs::Program& Programs::ProgramFor(const std::string& path) {
 void Programs::Update() {
     failures.clear();
     programOf.clear();
-    // There are two rounds: an analysis in the first one may show that its program reads a document
-    // that this round has already assigned.
+    // There are two rounds: an analysis in the first may show that its program reads a document
+    // already assigned.
     for (int round = 0; round < 2; ++round) {
         for (auto& [key, program] : programs) {
             program.isNeeded = false;

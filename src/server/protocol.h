@@ -1,5 +1,5 @@
-/// The protocol: positions in a text as editors count them, the refusal of a request, and the
-/// reading of parameters. A parameter of the wrong type counts as missing.
+/// The protocol: positions in a text as editors count them, refusals of requests, and access to
+/// parameters. A parameter of the wrong type counts as missing.
 #pragma once
 
 #include <compare>
@@ -62,12 +62,12 @@ struct RequestError {
     std::string message;
 };
 
-/// The error that refuses a request without the parameter at `path`.
+/// The error for a request that lacks the parameter at `path`.
 [[nodiscard]] RequestError Missing(std::string path);
 
-/// The value at a path, such as "/textDocument/uri"; JSON's null if there is none.
+/// The value at a path, such as "/textDocument/uri"; JSON null if there is none.
 [[nodiscard]] const Json& At(const Json& json, const std::string& path);
-/// The value at a path if its type is `Value`, one of the types that a `Json` holds; else null.
+/// The value at a path if it is a `Value`, one of the types that a `Json` can hold; else null.
 template <typename Value>
 [[nodiscard]] const Value* Find(const Json& json, const std::string& path) {
     return At(json, path).get_ptr<const Value*>();

@@ -86,8 +86,8 @@ void Server::Take(const Json& message) {
     }
 }
 
-// Analyses the programs that have changed. Then publishes the diagnostics of each file if they, or
-// the version of its document, have changed.
+// Analyses the programs that have changed. Then publishes each file's diagnostics if they or the
+// version of its document have changed.
 void Server::Update() {
     if (!programs.IsStale()) {
         return;

@@ -24,7 +24,7 @@ struct NameAt {
 
 /// An index of statements and names by place.
 struct PlaceIndex {
-    /// For each file, the statements from the first time it was opened, in the order of the lines.
+    /// For each file, the statements from the first time it was opened, in line order.
     std::vector<std::vector<const Statement*>> statements;
     /// The occurrences of names, keyed by place without length.
     std::map<Place, NameAt> names;

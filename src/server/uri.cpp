@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::string_view scheme = "file:";
 
-// A "%" without two digits after it is left unchanged.
+// A "%" without two hex digits after it is unchanged.
 std::string Unescaped(std::string_view text) {
     std::string plain;
     while (!text.empty()) {

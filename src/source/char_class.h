@@ -39,7 +39,7 @@ inline constexpr auto charClass = [] {
     return (charClass[static_cast<unsigned char>(c)] & mask) != 0;
 }
 
-/// `c`, with a lower-case letter converted to upper case.
+/// `c`, in upper case if it is a lower-case letter.
 [[nodiscard]] constexpr char Raised(char c) noexcept {
     return HasClass(c, CC_LOWER) ? static_cast<char>(c - ('a' - 'A')) : c;
 }
@@ -52,7 +52,7 @@ inline constexpr auto charClass = [] {
     return text;
 }
 
-/// The end of the text from `start` to `end` without its trailing blanks.
+/// The end, without trailing blanks, of the text from `start` to `end`.
 template <typename Character>
 [[nodiscard]] constexpr Character* WithoutBlanks(Character* start, Character* end) noexcept {
     while (end != start && HasClass(end[-1], CC_BLANK)) {

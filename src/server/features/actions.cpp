@@ -72,7 +72,7 @@ Json CodeActions(const Query& query) {
     std::set<std::string_view> codesHere;
     std::set<std::pair<Place, std::string_view>> seen;
     for (const Message& message : snapshot.analysis->messages) {
-        // A file included twice has each of its messages twice.
+        // A file included twice yields each of its messages twice.
         if (message.edits.empty() || !seen.emplace(message.place, message.note).second) {
             continue;
         }

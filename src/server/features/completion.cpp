@@ -244,7 +244,7 @@ Json Signatures(const Query& query) {
     if (!isInOperands || statement.keyword == nullptr) {
         return nullptr;
     }
-    // Further operands of a list are like the first one.
+    // All operands of a list are like the first.
     const bool isList = statement.keyword->operands.most > 2;
     const std::size_t operand = isList ? 0 : prefix.operand;
     const auto matching =  // the forms that also match the typed part of the operand

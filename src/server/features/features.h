@@ -51,15 +51,15 @@ struct Query {
 [[nodiscard]] Json Signatures(const Query& query);
 
 // outline.cpp
-/// The labels and constants of the file, in the order of the source. The list is flat, because
-/// it is not certain which labels are routines and which are places inside a routine.
+/// The labels and constants of the file, in source order. The list is flat, because it is not
+/// certain which labels are routines and which are places inside a routine.
 [[nodiscard]] Json DocumentSymbols(const Query& query);
 /// Adds the names of the whole program that contain `text`, without regard to case.
 void AddSymbolsLike(const Snapshot& snapshot, std::string_view text, Json* symbols);
 /// The blocks between IF, ELSE and ENDIF, multi-line comments, and routines. A routine is a label
 /// and its code, up to the next label.
 [[nodiscard]] Json FoldingRanges(const Query& query);
-/// The address, and optionally the bytes, after each line that emits any, so that no text moves.
+/// After each line that emits bytes, so no text moves: its address, optionally with the bytes.
 [[nodiscard]] Json InlayHints(const Query& query);
 
 // tokens.cpp: the kind of each word. A skipped line is shown as a comment.

@@ -1,6 +1,5 @@
 // Only blanks between the parts of a line are replaced, so strings, comments and operands cannot
-// change. The reader accepts a limited number of bytes per line, so no line may grow beyond a
-// limit.
+// change. The reader limits the length of a line, so no line grows beyond `longestLine`.
 
 #include <algorithm>
 #include <array>

@@ -23,7 +23,7 @@ std::string Code(std::string text) {
 constexpr std::array kindTexts = {"label", "constant", "constant of the command line",
                                   "constant of the assembler", "undefined name"};
 
-// The comment in a line, without its semicolons; empty if there is none.
+// A line's comment, without leading semicolons; empty if there is none.
 std::string CommentIn(std::string_view line) {
     line.remove_prefix(CommentStart(line));
     line.remove_prefix(std::min(line.find_first_not_of(';'), line.size()));

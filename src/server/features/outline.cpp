@@ -10,13 +10,13 @@
 namespace korv {
 namespace {
 
-// The protocol's numbers for a function or a constant.
+// The protocol's number for a function or a constant.
 int SymbolKindOf(const Name& name) {
     return name.kind == NameKind::label ? 12 : 14;
 }
 
-// The names defined in `file`, in the order of the lines. A name that is defined twice appears at
-// the definition that gave it its value.
+// The names defined in `file`, in line order. A name that is defined twice appears at the
+// definition that gave it its value.
 std::vector<const Name*> DefinedIn(const Snapshot& snapshot, std::int32_t file) {
     std::vector<const Name*> names;
     for (const Name& name : snapshot.analysis->names) {

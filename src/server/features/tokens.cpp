@@ -60,7 +60,7 @@ Type TypeOf(const Token& token) {
     return none;
 }
 
-// Collects the tokens statement by statement, in the order of the text.
+// Collects the tokens statement by statement, in text order.
 class Painter {
   public:
     Painter(const Snapshot& snapshot, std::int32_t file)

@@ -1,5 +1,5 @@
-// Combines every keyword with single operands and pairs of them. The statements in encodings/ must be accepted, with
-// other numbers too; refusals.txt describes the bytes and messages of all other statements. Bytes and messages are
+// Combines every keyword with single operands, pairs and some triples. The statements in encodings/ must be accepted,
+// with other numbers too; refusals.txt describes the bytes and messages of all other statements. Bytes and messages are
 // compared for each statement, so that no statement can silently assemble as another one.
 
 #include <gtest/gtest.h>
@@ -101,7 +101,7 @@ int Evaluate(const std::string& text, int address) {
     return static_cast<int>(number) + (isHere ? address : 0);
 }
 
-// The field of a named statement's bytes that holds the number of `operand`. Empty if the operand is not a number, or
+// The field for the number of `operand` in the bytes of a named statement. Empty if the operand is not a number, or
 // if the number is part of the opcode.
 std::string FieldOf(const std::string& operand, const Row& row) {
     const int value = Evaluate(Inner(operand), korv::comStart);

@@ -26,7 +26,7 @@ namespace {
 
 constexpr std::uint32_t mostBytes = 0x20000;  // the limit for all statements with one keyword together
 
-// Added at the end of each source. It defines the names that have no value when an operand uses them.
+// Added at the end of each source, to define the names that have no value yet when an operand uses them.
 constexpr const char* lateSource = "SOON: EQU 18\nLATE: EQU 300\nFAR: EQU 65535+1\n";
 const std::map<std::string, int> worth = {{"SOON", 18},   {"+SOON", 18},      {"LATE", 300}, {"-LATE", -300},
                                           {"FAR", 65536}, {"65535+1", 65536}, {"\"A\"", 65}};

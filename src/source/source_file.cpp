@@ -1,7 +1,7 @@
 // The reader. Nearly every line is plain text in one piece, perhaps with strings and a comment.
 // Such a line is copied in chunks and converted to upper case in the same step; only a chunk with a
-// byte that needs attention is examined more closely. All other lines are read byte by byte: those
-// with continuations or unusual bytes, and those at the end of a block.
+// byte that needs attention is examined more closely. All other lines, such as those with
+// continuations or unusual bytes and those at the end of a block, are read byte by byte.
 
 #include "source/source_file.h"
 

@@ -39,7 +39,7 @@ class CSourceFile {
     [[nodiscard]] std::uint32_t FileSize() const { return fileSize; }
     /// 1 if the file can be read, else 0.
     [[nodiscard]] std::int32_t IsOpen() const { return OpenStatus() == 0 ? 1 : 0; }
-    /// The file itself, for its identity and for read failures.
+    /// The file itself, to identify it and to detect read failures.
     [[nodiscard]] const platform::InputFile& Stream() const { return stream; }
     /// 0, MSG_OUT_OF_MEMORY if there is no memory for the read buffer, or MSG_CANNOT_OPEN.
     [[nodiscard]] Status OpenStatus() const;

@@ -45,7 +45,7 @@ class Backpatcher {
     CPatchInfo* released = nullptr;  // owned; the chain that the last EQU released
 };
 
-// Processes the chain that the EQU patch `root` has released, and everything that follows from it.
+// Processes the chain that the EQU patch `root` has released, and all chains released in turn.
 Status Backpatcher::WorkReleased(CPatchInfo* root) {
     Status result = 0;
     CPatchInfo* patch = root;

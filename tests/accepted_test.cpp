@@ -1,5 +1,5 @@
-// Combines every keyword with single operands and pairs of them. The statements in encodings/ must be accepted, with
-// other numbers too; refusals.txt describes the bytes and messages of all other statements. Bytes and messages are
+// Combines every keyword with single operands, pairs and some triples. The statements in encodings/ must be accepted,
+// with other numbers too; refusals.txt describes the bytes and messages of all other statements. Bytes and messages are
 // compared for each statement, so that no statement can silently assemble as another one.
 
 #include <gtest/gtest.h>
@@ -26,7 +26,7 @@ namespace {
 
 constexpr std::uint32_t mostBytes = 0x20000;  // the limit for all statements with one keyword together
 
-// Added at the end of each source. It defines the names that have no value when an operand uses them.
+// Added at the end of each source, to define the names that have no value yet when an operand uses them.
 constexpr const char* lateSource = "SOON: EQU 18\nLATE: EQU 300\nFAR: EQU 65535+1\n";
 const std::map<std::string, int> worth = {{"SOON", 18},   {"+SOON", 18},      {"LATE", 300}, {"-LATE", -300},
                                           {"FAR", 65536}, {"65535+1", 65536}, {"\"A\"", 65}};
@@ -101,7 +101,7 @@ int Evaluate(const std::string& text, int address) {
     return static_cast<int>(number) + (isHere ? address : 0);
 }
 
-// The field of a named statement's bytes that holds the number of `operand`. Empty if the operand is not a number, or
+// The field for the number of `operand` in the bytes of a named statement. Empty if the operand is not a number, or
 // if the number is part of the opcode.
 std::string FieldOf(const std::string& operand, const Row& row) {
     const int value = Evaluate(Inner(operand), korv::comStart);

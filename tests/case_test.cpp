@@ -33,8 +33,8 @@ std::string MessagesIn(const std::string& console) {
     return messages;
 }
 
-// The console output of a case that expects `lines`: the title, these lines and, except after the help text, the line
-// that erases the meter.
+// The console output of a case that expects `lines`: the title, these lines and, except after the help text, the
+// blanks that erase the meter.
 std::string Console(const std::string& lines) {
     const bool isHelp = lines.find("[Korv] HELP!\n") != std::string::npos;
     const std::string wiped(isHelp ? 0 : 26, ' ');  // a variable, because GCC 12 warns if this is part of the sum
@@ -83,7 +83,7 @@ TEST_P(CaseTest, Holds) {
     EXPECT_TRUE(different.empty()) << different;
 }
 
-// A test is named, for example, "commandline_txt_12_case_a_title".
+// The name of a test looks like "commandline_txt_12_case_a_title".
 INSTANTIATE_TEST_SUITE_P(Tables, CaseTest, testing::ValuesIn(AllBlocks()),
                          [](const auto& test) { return TestName(test.param); });
 

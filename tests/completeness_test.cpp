@@ -250,8 +250,7 @@ TEST(CompletenessTest, EverySwitchIsOnOffOrMalformed) {
 }
 
 TEST(CompletenessTest, EveryOptionAndWarningOfKorvAsIsInItsDocuments) {
-    // Each file, with the text that precedes a short option in it, and the text that precedes a long one. A separator
-    // follows each option.
+    // Each file, with the texts in it that precede a short and a long option. A separator follows each option.
     const std::string texts[][3] = {{Manual("## 13", "### 13.1"), "`-", "`--"},
                                     {"docs/man1/korv-as.1", " Fl ", " Fl Fl "},
                                     {"editors/completions/korv-as.bash", " -", " --"},
@@ -307,7 +306,7 @@ TEST(CompletenessTest, TheWidthsOfCharactersAreThoseOfUnicode) {
     EXPECT_TRUE(made == table) << "made by " << tool;
 }
 
-// All runs of two or more letters, in upper case.
+// The words of two or more letters, in upper case.
 StringSet WordsOf(const std::string& text) {
     StringSet words;
     std::string word;

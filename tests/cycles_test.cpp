@@ -1,4 +1,4 @@
-// Compares the T-states in the tables with the T-states of an emulated Z80.
+// Compares the T-states in the tables with those of an emulated Z80.
 
 #include "frontend/cycles.h"
 
@@ -17,7 +17,7 @@ namespace {
 
 using Bytes = std::vector<std::uint8_t>;
 
-/// The T-states of an instruction that starts with these registers. In AF, only the flags matter.
+/// The T-states of an instruction, given these register values. In AF, only the flags matter.
 int Measure(const Bytes& bytes, unsigned af, unsigned bc) {
     std::array<Z80EX_BYTE, 0x10000> memory{};
     std::ranges::copy(bytes, memory.begin());

@@ -29,7 +29,7 @@ struct Emulator {
             [](auto*, Z80EX_WORD, Z80EX_BYTE, void*) {}, nullptr, nullptr, nullptr),
         z80ex_destroy};
 
-    // Result: false if the program does not return to address 0 within a number of steps that no test needs.
+    // Result: false if the program has not returned to address 0 after more steps than any test needs.
     bool Run(const std::string& code, unsigned start, unsigned entry) {
         memory.replace(start, code.size(), code).resize(0x10000);
         memory[systemEntry] = '\xC9';

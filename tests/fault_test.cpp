@@ -83,7 +83,7 @@ TEST_P(FaultTest, LeavesWhatItSays) {
             contents == none ? fs::remove(name) : false;
         }
         FaultFileRequest(n, what);
-        // On Windows, a name is shown as typed if the directory cannot be searched, so the actual name is typed.
+        // On Windows, a name is shown as typed if the directory cannot be searched, so the exact name is used.
         RunKorv({isWindows ? "main.kor" : "Main.Kor", "out/OUT.COM", "/d", "/l", "/m", "/f:4"});
         fs::current_path(directory.Path());  // the run may have failed to leave a directory
         console = ReplaceAll(*ReadFile("console"), "\\", "/");

@@ -207,7 +207,7 @@ std::string Reply(const Program& program, const std::string& request, const std:
     });
 }
 
-// Replaces each "{HH}" with its byte. Appends to `columns` the offset in the result of each character of `text`.
+// Replaces each "{HH}" with its byte. For each character of `text`, appends its offset in the result to `columns`.
 std::string Unescaped(const std::string& text, std::vector<std::size_t>* columns) {
     std::string bytes;
     for (std::size_t i = 0; i < text.size(); ++i) {

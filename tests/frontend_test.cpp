@@ -82,8 +82,8 @@ std::vector<Case> CasesOf(const std::string& table) {
 
 class FrontendPromiseTest : public testing::TestWithParam<std::string> {};
 
-// For every source in the tables, korv-as must write the same image as korv, or none. It may write none only if korv
-// writes none, or if korv-as reports an error that korv does not report.
+// For every source in the tables, korv-as must write either the same image as korv or none. It may write none only if
+// korv writes none, or if korv-as reports an error that korv does not report.
 TEST_P(FrontendPromiseTest, EverySourceGivesTheImageOfKorvOrNone) {
     const std::regex stricter("error: .*(\\[(open-if|max-image)\\]|\n *(IF|COND) )", std::regex::icase);
     int images = 0;

@@ -441,8 +441,8 @@ TEST(TerminalTest, GetsColoursAndNoControlCharactersFromKorvAs) {
     }
 }
 
-// Standard output is a full disk or, if "|" precedes the words, a pipe that nobody reads. With "<" or ">" before them,
-// standard input or output is closed; with ".", standard input is a directory.
+// Standard output is a full disk, unless a sign precedes the words: with "|", it is a pipe that nobody reads; with "<"
+// or ">", standard input or output is closed; with ".", standard input is a directory.
 TEST(FrontendProcessTest, WhyAFileCannotBeReadOrWrittenIsSaid) {
     const std::string full = ": No space left on device", denied = ": Permission denied";
     const std::string longName(4096, 'x'), noPath = ": its full path cannot be determined";

@@ -71,7 +71,7 @@ std::string Short(const std::string& body) {
     return std::regex_replace(std::regex_replace(ReplaceAll(body, "\"", ""), position, "$2:$1"), range, "$2-$1");
 }
 
-// Published diagnostics as "shown URI VERSION | 1:2-5 error CODE TEXT <- URI 1:2-5 TEXT", with columns counted from 1.
+// Published diagnostics as "shown URI VERSION | 1:2-5 error CODE TEXT <- URI 1:2-5 TEXT", counted from 1.
 std::string ShownText(const std::string& body) {
     const korv::Json parameters = korv::Json::parse(body)["params"];
     const auto message = [](const korv::Json& range, const korv::Json& text) {

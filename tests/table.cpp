@@ -220,7 +220,7 @@ class CaseReader {
         }
     }
 
-    // `text` is, for example, "1 error 16 [NZ]" for a mark at `place`; " error 16 B.KOR:7 [NZ]" if `place` is empty.
+    // Examples of `text`: "1 error 16 [NZ]" for a mark at `place`; " error 16 B.KOR:7 [NZ]" if `place` is empty.
     void AddMessage(const std::string& text, std::string place) {
         static const std::regex form(
             R"(([0-9]?) (error|warning) (-?[0-9]{1,3})( (?:([\w.-]+):)?([0-9]+))?( \[.*\])? *)");

@@ -40,8 +40,8 @@ struct Case {
     bool hasError = false;                       ///< true if an error is expected
     std::optional<std::string> bytes;            ///< the target in hexadecimal, or "none"
     std::map<std::string, std::string> outputs;  ///< expected contents by name; "console" as in README.md
-    /// For each expectation, by name: the offset in it at which each line of the table begins, and the place of that
-    /// line. The expected messages have the key "messages".
+    /// By the name of an expectation, or "messages": the offset in it at which each line of the table begins, and the
+    /// place of that line.
     std::map<std::string, std::vector<std::pair<std::size_t, std::string>>> places;
     std::string title;  ///< the first line of the case, and its place
 };

@@ -1,7 +1,7 @@
 // The reader. Nearly every line is plain text in one piece, perhaps with strings and a comment.
 // Such a line is copied in chunks and converted to upper case in the same step; only a chunk with a
-// byte that needs attention is examined more closely. All other lines are read byte by byte: those
-// with continuations or unusual bytes, and those at the end of a block.
+// byte that needs attention is examined more closely. All other lines, such as those with
+// continuations or unusual bytes and those at the end of a block, are read byte by byte.
 
 #include "source/source_file.h"
 
@@ -32,8 +32,8 @@ Chunk All(char c) {
     return Chunk{} + static_cast<std::uint8_t>(c);
 }
 
-// Marks the bytes whose values are from `first` to `last`. The range is first shifted to the lowest
-// signed numbers, since vector instructions compare signed numbers.
+// Marks the bytes with values from `first` to `last`. The range is shifted to start at the lowest
+// signed number, since vector instructions compare signed numbers.
 template <char first, char last>
 auto Between(Chunk bytes) {
     constexpr int lowest = -128;
@@ -107,7 +107,7 @@ bool CopyRun(const std::uint8_t** next, char** out, const std::uint8_t* lastChun
 }
 
 // The characters that need attention at the end of a line: blanks, and the backslash of a
-// continuation. They are in a table, since every line is checked.
+// continuation. This is a table for speed, since every line is checked.
 constexpr auto isOddEnd = [] {
     std::array<bool, 256> table{};
     for (std::size_t byte = 0; byte < table.size(); ++byte) {
@@ -200,10 +200,9 @@ inline bool CSourceFile::ReadPlainLine(char* line, std::uint32_t maxLength, std:
     return true;
 }
 
-// Copies the rest of a line that does not end in its first chunk: strings, a comment, the carriage
-// return at the end. Chunks are read and written whole, so this function gives up near the end of
-// the buffer and near `maxLength`. False: it has given up there, or at a byte that it does not
-// handle.
+// Copies the rest of a line, up to the line feed; a comment and a final carriage return are
+// skipped. Chunks are read and written whole, so this function gives up near the end of the buffer
+// and near `maxLength`. False: it has given up there, or at a byte that it does not handle.
 bool CSourceFile::CopyToLineFeed(const std::uint8_t** next, char** out, std::uint32_t maxLength,
                                  bool* hasComment) {
     if (maxLength < chunkSize) {

@@ -29,18 +29,19 @@ class CSourceFile {
     /// converted to upper case; the comment, carriage returns and trailing blanks are removed;
     /// physical lines that end in a backslash are joined. A line that is all blanks keeps them.
     /// Result: 0, `endOfFile`, or MSG_LINE_TOO_LONG if the line has more than `maxLength` bytes in
-    /// the file. Unless the line is too long, `bytesOut` receives the number of bytes read from the
-    /// file, and `linesOut` the number of line feeds among them.
+    /// the file, not counting the backslashes that join lines and the blanks after them. Unless the
+    /// line is too long, `bytesOut` receives the number of bytes read from the file, and `linesOut`
+    /// the number of line feeds among them.
     [[nodiscard]] Status ReadLine(char* line, std::uint32_t maxLength, std::uint32_t* bytesOut,
                                   std::uint32_t* linesOut);
 
     /// Size of the file in bytes when it was opened; 0 if it is not open or has no size.
     [[nodiscard]] std::uint32_t FileSize() const { return fileSize; }
-    /// 1 if the file is open and has its buffer, else 0.
+    /// 1 if the file can be read, else 0.
     [[nodiscard]] std::int32_t IsOpen() const { return OpenStatus() == 0 ? 1 : 0; }
-    /// The file itself, for its identity and for read failures.
+    /// The file itself, to identify it and to detect read failures.
     [[nodiscard]] const platform::InputFile& Stream() const { return stream; }
-    /// 0; MSG_OUT_OF_MEMORY if there is no memory for the read buffer; else MSG_CANNOT_OPEN.
+    /// 0, MSG_OUT_OF_MEMORY if there is no memory for the read buffer, or MSG_CANNOT_OPEN.
     [[nodiscard]] Status OpenStatus() const;
 
   private:

@@ -3,7 +3,7 @@
 // depth of this recursion, so the recursion does not use the call stack.
 //
 // - A chain owns its patches. The code that removes a chain from its identifier takes ownership of
-//   the patches, processes each patch once and then frees it. So `next` is read before a patch is
+//   the patches, processes each at most once and then frees it. So `next` is read before a patch is
 //   freed.
 // - The patches in progress form a stack: the `parent` of a patch is the EQU patch that released
 //   it. The first patch of a chain gets its `parent` when the chain is released; each further patch
@@ -45,7 +45,7 @@ class Backpatcher {
     CPatchInfo* released = nullptr;  // owned; the chain that the last EQU released
 };
 
-// Processes the chain that the EQU patch `root` has released, and everything that follows from it.
+// Processes the chain that the EQU patch `root` has released, and all chains released in turn.
 Status Backpatcher::WorkReleased(CPatchInfo* root) {
     Status result = 0;
     CPatchInfo* patch = root;
@@ -86,9 +86,9 @@ Status Backpatcher::EvaluatePatch(const CPatchInfo& patch, std::int32_t* value) 
 }
 
 // Called when `patch` has been processed with `result`. If `patch` has released a chain, that chain
-// is processed next; otherwise, the patch after `patch` in its chain follows. At the end of a
-// chain, the patch that released the chain is done too. Result: the patch to process next; null
-// when `root` is done.
+// is processed next; otherwise, the next patch in its own chain is. At the end of a chain, the
+// patch that released the chain is done too. Result: the patch to process next; null when `root` is
+// done.
 CPatchInfo* Backpatcher::Next(CPatchInfo* patch, const CPatchInfo* root, Status* result) {
     if (released != nullptr) {
         released->parent = patch;

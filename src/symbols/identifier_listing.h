@@ -11,8 +11,8 @@ namespace korv {
 
 class CFileNameRegistry;
 
-/// The number of buckets in the listing. The bucket of a name is computed from a hash that no
-/// lookup uses.
+/// The number of buckets in the listing. The bucket of a name is computed from a hash that is not
+/// used for lookups.
 inline constexpr std::uint32_t tableSize = 211;
 
 /// Sorts `records` by bucket, and by name within a bucket. Allocates nothing, since reports are
@@ -23,7 +23,7 @@ void SortForListing(std::span<CIdentifier*> records);
 void WriteListing(std::span<CIdentifier* const> records, const CFileNameRegistry& fileNames,
                   platform::OutputFile* file);
 
-/// Writes the listing's column of flags to `text`: six characters and a terminator.
+/// Writes the flags column of the listing to `text`: six characters and a terminator.
 void FlagString(std::uint32_t flags, char* text);
 
 }  // namespace korv

@@ -62,8 +62,8 @@ template <typename Word>
     return hash ^ hash >> 32;
 }
 
-/// Whether the characters at `other` equal those of `text`, which has more than 8. Compares 8 at a
-/// time: a call to the general routine would cost more than the comparison.
+/// Whether the text at `other` equals `text`, which has more than 8 characters. Compares 8 at a
+/// time: a call to `memcmp` would cost more than the comparison.
 [[nodiscard]] inline bool EqualTexts(const char* other, std::string_view text) {
     const auto differAt = [&](std::size_t i) {
         return LoadWord<std::uint64_t>(other + i) != LoadWord<std::uint64_t>(text.data() + i);
@@ -76,7 +76,7 @@ template <typename Word>
     return !differAt(text.size() - 8);
 }
 
-/// A name with its hash, since entering a name that was not found needs the hash again. Plain text
+/// A name with its hash, which is needed again to enter a name that was not found. Plain text
 /// converts to a hashed name.
 struct HashedName {
     constexpr HashedName() = default;
@@ -115,10 +115,10 @@ struct PoolAllocator {
 
 /// A hash table with open addressing, at most half full; nothing is ever removed. The hash is quick
 /// and not secret, so a malicious source can give all its names the same place. Therefore, a name
-/// is stored in one of the `longestProbe` entries from its place on. If these are all taken, the
-/// name is kept in a sorted tree. No choice of names makes a lookup slower than a search in that
-/// tree, and ordinary names hardly ever need it. A secret seed would also help, but then two runs
-/// would not take the same steps.
+/// is stored in one of the `longestProbe` entries starting at its place. If these are all taken,
+/// the name is kept in a sorted tree. No choice of names makes a lookup slower than a search in
+/// that tree, and ordinary names hardly ever need it. A secret seed would also help, but then two
+/// runs would not take the same steps.
 class CNameIndex {
   public:
     /// Creates an empty index. The tree allocates its memory from `pool`, which is not owned.
@@ -165,7 +165,7 @@ class CNameIndex {
     [[nodiscard]] Entry* PlaceOf(std::uint64_t hash) const {
         return &entries[static_cast<std::uint32_t>(hash) & mask];
     }
-    // Whether the name of `record` is `text`, given equal hashes. See `HashOf` for short names.
+    // Whether `record` is named `text`, if the hashes are equal. See `HashOf` for short names.
     [[nodiscard]] static bool IsName(const CIdentifier& record, std::string_view text) {
         return record.nameLength == text.size() &&
                (text.size() <= 8 || EqualTexts(record.name, text));

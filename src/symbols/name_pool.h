@@ -7,8 +7,8 @@
 
 namespace korv {
 
-/// Blocks of 4096 bytes, filled from front to back and released together; nothing in them moves.
-/// Equal texts are not shared.
+/// Blocks of 4096 or more bytes, filled from front to back and released together; nothing in them
+/// moves. Equal texts are not shared.
 class CNamePool {
   public:
     /// Creates the first block. If an allocation fails, here or later, the failure is reported to

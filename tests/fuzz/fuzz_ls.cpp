@@ -1,7 +1,7 @@
 // Runs sessions of korv-ls on arbitrary bytes. The input has the same format as in fuzz_run.cpp. Its switches become
-// the setting `arguments`. Its last file controls what a client does with the other three: it edits them, sends
-// requests about any place, and opens and closes documents. After each batch, every request must have its reply, and
-// the published messages must equal the messages of a fresh analysis of the same texts.
+// the setting `arguments`. Its last file controls a client, which edits the other three, sends requests about any
+// place, and opens and closes documents. After each batch, every request must have its reply, and the published
+// messages must equal those of a fresh analysis of the same texts.
 
 #include <algorithm>
 #include <cstdio>

@@ -57,7 +57,7 @@ Files FilesAfterRun(std::vector<std::string> words, const Files& sources) {
 
 extern "C" {
 // One line may emit gigabytes of zeros, and a file that includes itself twice is read a thousand times; both are legal
-// but slow. So the linker replaces PutZeros and Leave with the wrappers below: a block has at most 5000 bytes, and a
+// but slow. So the linker replaces PutZeros and Leave with the wrappers below: a call emits at most 5000 zeros, and a
 // run is aborted once it has read 200 files.
 std::uint32_t __real__ZN4korv8BinBlock8PutZerosEj(void*, std::uint32_t);
 std::uint32_t __wrap__ZN4korv8BinBlock8PutZerosEj(void* binary, std::uint32_t count) {

@@ -39,7 +39,7 @@ bool IsDigit(char c) {
     return HasClass(c, CC_DIGIT);
 }
 
-// True if the operand of a statement is the name of a file.
+// True if the operand of `keyword` is the name of a file.
 bool NamesFile(const Keyword* keyword) {
     return keyword != nullptr &&
            (keyword->handler == AssembleInclude || keyword->handler == AssembleBinclude);
@@ -82,7 +82,7 @@ void NameCollector::AddUses(CStatement& statement, const Keyword* keyword, bool 
         return;
     }
     if (isFaulty || (statement.args.Count() == 0 && !HasNoOperands(statement))) {
-        // The core has not evaluated the operands, or not all of them.
+        // The core has evaluated only some of the operands, or none.
         for (const OperandView& operand : CutStatement(statement.text).operands) {
             AddNames(statement, operand.text, operand.what, places);
         }
@@ -125,7 +125,7 @@ void NameCollector::AddUse(const CStatement& statement, std::string_view name,
     }
 }
 
-// Moves the early uses of each name that is now in the table to the other uses of that name.
+// Moves the early uses of each name that is now in the table to its other uses.
 void NameCollector::JoinEarlyUses() {
     std::erase_if(earlyUses, [this](auto& early) {
         const CIdentifier* const record = table->Find(std::string_view(early.first));

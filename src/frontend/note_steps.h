@@ -18,7 +18,7 @@ namespace korv {
 /// A note on the first operand that does not fit, usually a list of what would fit; may be empty.
 [[nodiscard]] std::string FormsNote(const StatementView& statement);
 
-/// True if the operand of a jump is like 1B or 1F, which are numbered labels in other assemblers.
+/// True if a jump has an operand like 1B or 1F, a numbered label in other assemblers.
 [[nodiscard]] bool IsNumberedLabel(const StatementView& statement);
 inline constexpr const char* braceNote =
     "end a condition with ENDIF and a routine with RET: there are no braces";

@@ -37,10 +37,10 @@ class RunFacts {
     [[nodiscard]] virtual std::optional<KnownName> FindName(std::string_view name) const = 0;
     /// True if INCLUDE or BINCLUDE in the file of the current statement would find `name`.
     [[nodiscard]] virtual bool HasFile(std::string_view name) const = 0;
-    /// The directories that are searched for files, as the text for a note.
+    /// The directories that are searched for files, as text for a note.
     [[nodiscard]] virtual std::string SearchedDirectories() const = 0;
-    /// The first line that contains `text`, searched from `column` of the current statement's line
-    /// to the end of its file; 0 if there is none.
+    /// The first line that contains `text`, from `column` of the current statement's line to the
+    /// end of its file; 0 if there is none.
     [[nodiscard]] virtual std::int32_t FindLine(std::string_view text,
                                                 std::size_t column) const = 0;
     /// All names with a value. Called once, for the first unknown name; the views must outlive the

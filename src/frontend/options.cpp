@@ -171,7 +171,7 @@ ImageFormat FormatOf(std::string_view name) {
     return ImageFormat::com;
 }
 
-// Completes the options that depend on several words, and checks them.
+// Completes the options that depend on others, and checks them.
 std::string Complete(Options* options) {
     if (options->source.empty()) {
         return "no source file is given" + std::string(seeHelp);

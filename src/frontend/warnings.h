@@ -91,8 +91,8 @@ class WarningChoice {
   public:
     WarningChoice();
 
-    /// Applies the argument of -W: NAME, no-NAME, error, error=NAME, no-error=NAME. Result: false
-    /// if there is no such warning.
+    /// Applies the argument of -W: [no-]NAME, [no-]error or [no-]error=NAME. Result: false if there
+    /// is no such warning.
     [[nodiscard]] bool Take(std::string_view word);
     /// Turns all warnings off, for -w.
     void TakeNone();

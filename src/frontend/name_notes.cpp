@@ -51,7 +51,7 @@ bool AdviseOnCircle(OperandCase* it, const std::string& name) {
 
 }  // namespace
 
-// A word operator without blanks ("XAND3"), or misspelt ("X ADN 3").
+// A glued or misspelt word operator: "XAND3" or "X ADN 3".
 bool AdviseOnWordOperator(OperandCase* it, const Token& token) {
     for (const std::string_view word : {"AND", "XOR", "OR", "SHL", "SHR", "MOD"}) {
         const std::vector<TextEdit> edits = {{it->statement.PartOf(token.text), std::string(word)}};

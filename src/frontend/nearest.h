@@ -9,8 +9,8 @@
 
 namespace korv {
 
-/// The number of edits from one word to another. An edit inserts, deletes or changes a character,
-/// or swaps two neighbours. The words may have at most `longestCompared` characters.
+/// The fewest edits from one word to another. An edit inserts, deletes or changes a character, or
+/// swaps two neighbours. The words may have at most `longestCompared` characters.
 inline constexpr std::size_t longestCompared = 32;
 [[nodiscard]] std::size_t EditDistance(std::string_view a, std::string_view b);
 

@@ -64,7 +64,7 @@ inline constexpr std::string_view numberedLabelNote =
 /// Advice at `part` that proposes no change.
 [[nodiscard]] Advice Say(const StatementView& statement, std::string_view part, std::string note);
 
-/// Registers of other processors that beginners and translated programs use.
+/// Foreign registers that beginners and translated programs use.
 inline constexpr std::string_view foreignRegisters =
     "AX BX CX DX AL AH BL BH CL CH DL DH SI DI BP EAX EBX ECX EDX";
 

@@ -12,8 +12,8 @@ namespace korv {
 
 /// Templates: %w is the mnemonic, %r all operands, %k the condition at the end of the mnemonic, %f
 /// the statement with the change, and %1 to %9 an operand or, in a token row, a matched token. A
-/// letter before the number changes that text: %m1 turns M into (HL), or drops a #; see `Shown` for
-/// the other letters. An empty note means "write %f". In an example, "|" ends a line.
+/// letter before the number changes the text: %m1 turns M into (HL), or drops a #; see `Shown` for
+/// the others. An empty note means "write %f". In an example, "|" ends a line.
 
 /// Adjacent tokens of one operand. The terms are separated by blanks. "%" and the letter of a kind
 /// match a token of that kind; a pattern after them must match its text too. Any other term is a
@@ -169,7 +169,7 @@ inline constexpr auto operandTable = std::to_array<OperandRow>({
     {"13", "LDIR LDDR CPIR CPDR CPD HALT NOP EI DI SCF CCF INIR INDR OTIR OTDR RLD RRD", "*", "%w", "remove the operands: %w takes none, and a comment begins with a semicolon", " LDIR 5"},
     {"13", "IF COND", "*", "", "combine the conditions with AND or OR: %w takes one operand", " IF 1,1| ENDIF"},
     {"13", "ELSE ENDIF ENDC", "*", "%w", "remove the operand, or begin it with a semicolon if it is a comment", " IF 1| ENDIF X"},
-    // Given three operands, ADD reports a missing one.
+    // ADD reports three operands as too few.
     {"14", "ADD ADC SBC", "any,any,any", "", "remove one operand: %w takes two", " ADD A,B,C"},
     {"14", "ADC SBC", "A", "%w A,A", "write %f, or add the second operand", " ADC A"},
     {"14", "ADC SBC", "s", "%w A,%m1", "", " ADC B"},

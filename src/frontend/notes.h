@@ -19,7 +19,7 @@
 
 namespace korv {
 
-/// What the run stores about a name.
+/// What is known about a name.
 struct KnownName {
     bool hasValue = false;
     std::int32_t value = 0;
@@ -51,7 +51,7 @@ class RunFacts {
     ~RunFacts() = default;
 };
 
-/// A message of the core, as it was reported.
+/// A message from the core, as reported.
 struct FaultView {
     Status number = 0;    ///< row of MESSAGE_TABLE; negative: an internal error
     bool isError = true;  ///< else a warning

@@ -340,7 +340,7 @@ Advice AdviseOnOperands(Adviser& adviser, const FaultView& fault) {
     const bool isExcess = fault.number == MSG_ARGUMENT_EXPECTED && keyword != nullptr &&
                           std::cmp_greater(operands.size(), keyword->operands.most) &&
                           !operands.back().text.empty();
-    if (isExcess) {  // given three operands, ADD reports a missing one
+    if (isExcess) {  // ADD reports three operands as too few
         it.advice.text = "too many arguments";
     }
     return it.advice;

@@ -1,4 +1,4 @@
-// Reads the command line with the table of options. The command line follows the rules of GNU
+// Parses the command line using the option table. The command line follows the rules of GNU
 // programs: options and the source in any order, combined letters ("-wl list"), "--name=value" or
 // "--name value", and only files after "--".
 

@@ -110,8 +110,7 @@ class OutputSet {
         return {};
     }
 
-    // Undoes all outputs. Result: an addition to the error message that lists the files whose old
-    // contents are lost.
+    // Undoes all outputs. Result: for the error message, the files whose old contents are lost.
     std::string TakeAllBack() {
         std::string failure;
         for (std::size_t i = 0; i < outputs.size(); ++i) {

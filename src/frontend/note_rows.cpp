@@ -197,8 +197,8 @@ bool FitsTerm(const Token& token, std::string_view term) {
     return Matches(token.text, term);
 }
 
-// The number of tokens from `start` on that match `terms`; 0 if they do not. Sets `from` to the
-// token after the "@" in `terms`, or to `start` if there is no "@".
+// The number of tokens from `start` on that match `terms`; 0 for no match. Sets `from` to the token
+// after the "@" in `terms`, or to `start` if there is no "@".
 std::size_t FitLength(const std::vector<Token>& tokens, std::size_t start, std::string_view terms,
                       std::size_t* from) {
     std::size_t at = *from = start;

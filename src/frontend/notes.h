@@ -1,6 +1,6 @@
-/// What to do about a message: the note, the change to the text that it proposes, the exact place,
-/// and whether the message is only a consequence of an earlier one. The notes are meant for users
-/// who are new to Korv or come from another assembler.
+/// What to do about a message: the note, the change that it proposes, the exact place, and whether
+/// the message is only a consequence of an earlier one. The notes are meant for users who are new
+/// to Korv or come from another assembler.
 #pragma once
 
 #include <cstdint>

@@ -156,7 +156,7 @@ class Parser {
     Options* options;
 };
 
-// The extension of a format is the same as its word on the command line.
+// The extension of a format is its name on the command line.
 std::string ExtensionOf(ImageFormat format) {
     return "." + std::string(RowOf("format")->Choices()[static_cast<std::size_t>(format)]);
 }

@@ -132,7 +132,7 @@ class Table {
         AddDigits(start, PutHex(start, value, 4));
     }
 
-    // Writes the table, unless it has no row below its headings.
+    // Writes the table unless it has only headings.
     void PutTo(TextBuffer* out) const {
         if (cells.size() <= widths.size()) {
             return;

@@ -83,7 +83,7 @@ static_assert(warningTable.size() == static_cast<std::size_t>(Warning::symbolRan
 }
 
 /// The named warning for the core's warning `number`; none for the warning about an IF whose
-/// condition has no value. The condition decides what is assembled, so that warning is an error.
+/// condition has no value. The condition decides what is assembled, so this warning is an error.
 [[nodiscard]] std::optional<Warning> WarningOf(std::int32_t number);
 
 /// Which warnings are turned on, and which of them are errors.

@@ -39,7 +39,7 @@ bool IsDigit(char c) {
     return HasClass(c, CC_DIGIT);
 }
 
-// True if the operand of a statement is the name of a file.
+// True if the operand of `keyword` is the name of a file.
 bool NamesFile(const Keyword* keyword) {
     return keyword != nullptr &&
            (keyword->handler == AssembleInclude || keyword->handler == AssembleBinclude);
@@ -68,7 +68,7 @@ bool IsNumber(std::string_view word) {
     return !word.empty() && word.front() != '&' && ReadNumber(word, &value) == 0;
 }
 
-// True if nothing follows the mnemonic of `statement`, or its label if it has no mnemonic.
+// True if nothing follows the mnemonic of `statement` (or its label if it has no mnemonic).
 bool HasNoOperands(const CStatement& statement) {
     const std::string_view mnemonic = MnemonicOf(statement);
     return *SkipBlanks(mnemonic.data() + mnemonic.size()) == '\0';
@@ -82,7 +82,7 @@ void NameCollector::AddUses(CStatement& statement, const Keyword* keyword, bool 
         return;
     }
     if (isFaulty || (statement.args.Count() == 0 && !HasNoOperands(statement))) {
-        // The core has not evaluated the operands, or not all of them.
+        // The core has evaluated only some of the operands, or none.
         for (const OperandView& operand : CutStatement(statement.text).operands) {
             AddNames(statement, operand.text, operand.what, places);
         }
@@ -125,7 +125,7 @@ void NameCollector::AddUse(const CStatement& statement, std::string_view name,
     }
 }
 
-// Moves the early uses of each name that is now in the table to the other uses of that name.
+// Moves the early uses of each name that is now in the table to its other uses.
 void NameCollector::JoinEarlyUses() {
     std::erase_if(earlyUses, [this](auto& early) {
         const CIdentifier* const record = table->Find(std::string_view(early.first));
@@ -149,7 +149,7 @@ struct NameCollector::Entry {
     [[nodiscard]] std::string_view Text() const {
         return record != nullptr ? record->Name() : early->first;
     }
-    // Sets `piece` to up to 8 characters from `offset` on.
+    // Loads up to 8 characters at `offset` into `piece`.
     void TakePiece(std::size_t offset) {
         const std::string_view text = Text();
         const std::size_t size =
@@ -161,8 +161,8 @@ struct NameCollector::Entry {
     }
 };
 
-// Sorts names whose first `offset` characters are equal, 8 characters at a time, since comparing
-// numbers is several times as fast as comparing texts.
+// Sorts names with equal first `offset` characters, 8 characters at a time: comparing numbers is
+// several times as fast as comparing texts.
 void NameCollector::Sort(std::span<Entry> entries, std::size_t offset) {
     for (Entry& entry : entries) {
         entry.TakePiece(offset);

@@ -1,4 +1,4 @@
-/// The names of a program with their uses.
+/// The names in a program and their uses.
 #pragma once
 
 #include <cstddef>

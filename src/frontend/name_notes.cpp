@@ -51,7 +51,7 @@ bool AdviseOnCircle(OperandCase* it, const std::string& name) {
 
 }  // namespace
 
-// "XAND3": a word operator without blanks, and "X ADN 3".
+// A glued or misspelt word operator: "XAND3" or "X ADN 3".
 bool AdviseOnWordOperator(OperandCase* it, const Token& token) {
     for (const std::string_view word : {"AND", "XOR", "OR", "SHL", "SHR", "MOD"}) {
         const std::vector<TextEdit> edits = {{it->statement.PartOf(token.text), std::string(word)}};
@@ -91,7 +91,7 @@ bool AdviseOnWordOperator(OperandCase* it, const Token& token) {
 
 namespace {
 
-// A defined name that differs from `name` by 1 for L or 0 for O, or vice versa.
+// A defined name that has 1 for an L in `name`, or 0 for an O, or vice versa.
 std::string NameThatLooksLike(const OperandCase& it, const std::string& name) {
     constexpr std::string_view signs = "L1O0";
     std::string other = name;

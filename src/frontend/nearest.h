@@ -1,4 +1,4 @@
-/// Finds the word of a set that is nearest to a misspelt word.
+/// Finds the word nearest to a misspelt one.
 #pragma once
 
 #include <cstddef>
@@ -9,8 +9,8 @@
 
 namespace korv {
 
-/// The number of edits from one word to another. An edit inserts, deletes or changes a character,
-/// or swaps two neighbours. The words may have at most `longestCompared` characters.
+/// The fewest edits from one word to another. An edit inserts, deletes or changes a character, or
+/// swaps two neighbours. The words may have at most `longestCompared` characters.
 inline constexpr std::size_t longestCompared = 32;
 [[nodiscard]] std::size_t EditDistance(std::string_view a, std::string_view b);
 
@@ -22,10 +22,10 @@ class NearWords {
     /// The words are not copied.
     explicit NearWords(const std::vector<std::string_view>& words);
 
-    /// The word nearest to `word`, at a distance of at most 2 and at most a third of its length;
-    /// empty if there is none. The distance grows by 5/8 unless letters were only swapped or
-    /// doubled, by 4/8 if the result is not `preferred`, and by 2/8 if the first letters differ. In
-    /// a tie, a word that begins with `word` wins; if there is none, the result is empty.
+    /// The word nearest to `word`, at most 2 edits and a third of its length away; empty if there
+    /// is none. Another 5/8 of an edit is added unless letters were only swapped or doubled, 4/8 if
+    /// the result is not `preferred`, and 2/8 if the first letters differ. In a tie, the last word
+    /// wins if it begins with `word`; otherwise, the result is empty.
     [[nodiscard]] std::string_view Find(
         std::string_view word, const std::function<bool(std::string_view)>& preferred = {});
 

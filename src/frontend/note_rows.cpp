@@ -129,7 +129,7 @@ Texts TextsOf(const StatementView& statement) {
     return texts;
 }
 
-// Turns the source lines in `text` into one line, joined by "and".
+// Joins the source lines in `text` with "and" to form one line.
 std::string InOneLine(std::string_view text) {
     std::string line;
     bool isString = false;
@@ -162,7 +162,7 @@ bool MatchesOne(std::string_view text, std::string_view pattern) {
     return isThere && MatchesOne(text.substr(1), pattern.substr(1));
 }
 
-// True if `text` matches one of the alternatives in `pattern`, which "|" separates.
+// True if `text` matches one of the alternatives in `pattern`, separated by "|".
 bool Matches(std::string_view text, std::string_view pattern) {
     for (std::size_t start = 0;;) {
         std::size_t end = start;
@@ -179,8 +179,8 @@ bool Matches(std::string_view text, std::string_view pattern) {
     }
 }
 
-// The letters that denote kinds of tokens in terms, in the order of `TokenKind`. A blank means that
-// the kind has no letter.
+// The letters for token kinds in a term, in the order of `TokenKind`. A blank means that the kind
+// has no letter.
 constexpr std::string_view kindLetters = "rcnlesuid   x";
 static_assert(kindLetters[static_cast<std::size_t>(TokenKind::other)] == 'x');
 
@@ -197,8 +197,8 @@ bool FitsTerm(const Token& token, std::string_view term) {
     return Matches(token.text, term);
 }
 
-// The number of tokens from `start` on that match `terms`; 0 if they do not. Sets `from` to the
-// token after the "@" in `terms`, or to `start` if there is no "@".
+// The number of tokens from `start` on that match `terms`; 0 for no match. Sets `from` to the token
+// after the "@" in `terms`, or to `start` if there is no "@".
 std::size_t FitLength(const std::vector<Token>& tokens, std::size_t start, std::string_view terms,
                       std::size_t* from) {
     std::size_t at = *from = start;

@@ -18,7 +18,7 @@ namespace korv {
 /// A note on the first operand that does not fit, usually a list of what would fit; may be empty.
 [[nodiscard]] std::string FormsNote(const StatementView& statement);
 
-/// True if the operand of a jump is like 1B or 1F, which are numbered labels in other assemblers.
+/// True if a jump has an operand like 1B or 1F, a numbered label in other assemblers.
 [[nodiscard]] bool IsNumberedLabel(const StatementView& statement);
 inline constexpr const char* braceNote =
     "end a condition with ENDIF and a routine with RET: there are no braces";
@@ -64,7 +64,7 @@ inline constexpr std::string_view numberedLabelNote =
 /// Advice at `part` that proposes no change.
 [[nodiscard]] Advice Say(const StatementView& statement, std::string_view part, std::string note);
 
-/// Registers of other processors that beginners and translated programs use.
+/// Foreign registers that beginners and translated programs use.
 inline constexpr std::string_view foreignRegisters =
     "AX BX CX DX AL AH BL BH CL CH DL DH SI DI BP EAX EBX ECX EDX";
 

@@ -12,8 +12,8 @@ namespace korv {
 
 /// Templates: %w is the mnemonic, %r all operands, %k the condition at the end of the mnemonic, %f
 /// the statement with the change, and %1 to %9 an operand or, in a token row, a matched token. A
-/// letter before the number changes that text: %m1 has (HL) for M and no #; see `Shown` for the
-/// other letters. An empty note means "write %f". In an example, "|" ends a line.
+/// letter before the number changes the text: %m1 turns M into (HL), or drops a #; see `Shown` for
+/// the others. An empty note means "write %f". In an example, "|" ends a line.
 
 /// Adjacent tokens of one operand. The terms are separated by blanks. "%" and the letter of a kind
 /// match a token of that kind; a pattern after them must match its text too. Any other term is a

@@ -1,5 +1,5 @@
-// Advice is looked for in this order: one mistyped punctuation mark; the mnemonic; the operand at
-// fault, first its foreign spellings and then its tokens; the operands as a whole; the forms of the
+// Advice is looked for in this order: one punctuation mistake; the mnemonic; the operand at fault,
+// first its foreign spellings and then its tokens; the operands as a whole; the forms of the
 // mnemonic. A message that is only a consequence of an earlier one is then marked as such.
 
 #include "frontend/notes.h"
@@ -71,8 +71,7 @@ bool IsCondition(std::string_view word) {
     return Plain(word).starts_with("IF") || HoldsWord("COND UNLESS WHEN", word);
 }
 
-// The word that ends the block that the statement begins, if the lines in between mean nothing to
-// Korv.
+// The word that ends the block begun by `statement`, if the lines in between mean nothing to Korv.
 std::string_view EndOfBlock(const StatementView& statement) {
     const bool isFirst = statement.label == "MACRO" && !statement.hasColon;  // in column 1
     const std::string_view word = Plain(isFirst ? statement.label : statement.mnemonic);

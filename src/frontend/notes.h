@@ -1,6 +1,6 @@
-/// What to do about a message: the note, the change to the text that it proposes, the exact place,
-/// and whether the message is only a consequence of an earlier one. The notes are meant for users
-/// who are new to Korv or come from another assembler.
+/// What to do about a message: the note, the change that it proposes, the exact place, and whether
+/// the message is only a consequence of an earlier one. The notes are meant for users who are new
+/// to Korv or come from another assembler.
 #pragma once
 
 #include <cstdint>
@@ -19,7 +19,7 @@
 
 namespace korv {
 
-/// What the run stores about a name.
+/// What is known about a name.
 struct KnownName {
     bool hasValue = false;
     std::int32_t value = 0;
@@ -37,10 +37,10 @@ class RunFacts {
     [[nodiscard]] virtual std::optional<KnownName> FindName(std::string_view name) const = 0;
     /// True if INCLUDE or BINCLUDE in the file of the current statement would find `name`.
     [[nodiscard]] virtual bool HasFile(std::string_view name) const = 0;
-    /// The directories that are searched for files, as the text for a note.
+    /// The directories that are searched for files, as text for a note.
     [[nodiscard]] virtual std::string SearchedDirectories() const = 0;
-    /// The first line that contains `text`, searched from `column` of the current statement's line
-    /// to the end of its file; 0 if there is none.
+    /// The first line that contains `text`, from `column` of the current statement's line to the
+    /// end of its file; 0 if there is none.
     [[nodiscard]] virtual std::int32_t FindLine(std::string_view text,
                                                 std::size_t column) const = 0;
     /// All names with a value. Called once, for the first unknown name; the views must outlive the
@@ -51,7 +51,7 @@ class RunFacts {
     ~RunFacts() = default;
 };
 
-/// A message of the core, as it was reported.
+/// A message from the core, as reported.
 struct FaultView {
     Status number = 0;    ///< row of MESSAGE_TABLE; negative: an internal error
     bool isError = true;  ///< else a warning

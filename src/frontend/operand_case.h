@@ -60,7 +60,7 @@ struct OperandCase {
 [[nodiscard]] bool AdviseOnWordOperator(OperandCase* it, const Token& token);
 /// Advises on a misplaced semicolon, on a blank in place of a comma, and on "(IX,5)" and "(IX),5".
 [[nodiscard]] bool AdviseOnComma(OperandCase* it);
-/// Advises on another character instead of a comma, as in "LD A:5".
+/// Advises on a wrong separator, as in "LD A:5".
 [[nodiscard]] bool AdviseOnSeparator(OperandCase* it);
 /// Advises on a statement that `commas` would split into operands that do not fit ("SUB A:5").
 [[nodiscard]] bool AdviseOnSeparated(OperandCase* it, std::string_view part,

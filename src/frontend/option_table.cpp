@@ -13,7 +13,7 @@ namespace {
 constexpr std::uint64_t mostOf32Bits = 0xFFFFFFFF;
 
 // Each `Take` stores an argument in a member of `Options`; there is one for each type. If an option
-// is repeated, the last one counts, unless its member is a list.
+// is repeated, the last one counts, except for lists and warnings.
 std::string Take(const OptionRow&, std::string_view, bool* isOn) {
     *isOn = true;
     return "";
@@ -54,8 +54,8 @@ std::string Take(const OptionRow&, std::string_view word, WarningChoice* warning
            (meant.empty() ? "; --help lists them" : "; did you mean " + Quoted(meant) + "?");
 }
 
-// The choices are in the order of the enumerators. If an optional argument is left out, the first
-// choice is taken.
+// The choices are in the order of the enumerators. Omitting an optional argument selects the first
+// choice.
 template <typename Choice>
 requires std::is_enum_v<Choice> std::string Take(const OptionRow& row, std::string_view word,
                                                  Choice* choice) {

@@ -1,4 +1,4 @@
-// Reads the command line with the table of options. The command line follows the rules of GNU
+// Parses the command line using the option table. The command line follows the rules of GNU
 // programs: options and the source in any order, combined letters ("-wl list"), "--name=value" or
 // "--name value", and only files after "--".
 
@@ -156,7 +156,7 @@ class Parser {
     Options* options;
 };
 
-// The extension of a format is the same as its word on the command line.
+// The extension of a format is its name on the command line.
 std::string ExtensionOf(ImageFormat format) {
     return "." + std::string(RowOf("format")->Choices()[static_cast<std::size_t>(format)]);
 }
@@ -171,7 +171,7 @@ ImageFormat FormatOf(std::string_view name) {
     return ImageFormat::com;
 }
 
-// Completes the options that depend on several words, and checks them.
+// Completes the options that depend on others, and checks them.
 std::string Complete(Options* options) {
     if (options->source.empty()) {
         return "no source file is given" + std::string(seeHelp);

@@ -1,6 +1,6 @@
 // The order of the steps determines what a failure leaves behind. First, all outputs are opened and
 // checked. Then all files are written under temporary names. Output to pipes and devices cannot be
-// undone, so it is sent next. Last, the files get their final names. Everything needed to undo that
+// undone, so it is sent next. Last, the files get their final names. Everything needed to undo this
 // is prepared in advance, since a run that is out of memory ends at once.
 
 #include "frontend/output_set.h"
@@ -110,8 +110,7 @@ class OutputSet {
         return {};
     }
 
-    // Undoes all outputs. Result: an addition to the error message that lists the files whose old
-    // contents are lost.
+    // Undoes all outputs. Result: for the error message, the files whose old contents are lost.
     std::string TakeAllBack() {
         std::string failure;
         for (std::size_t i = 0; i < outputs.size(); ++i) {

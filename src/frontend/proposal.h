@@ -18,14 +18,14 @@ namespace korv {
 [[nodiscard]] Advice AdviseOnSlip(const RunFacts& facts, const FaultView& fault);
 
 /// If the change that `advice` proposes is not sound, extends it to other foreign parts of the
-/// statement, or else withdraws it, together with a note that names it.
+/// statement, or else withdraws it and any note that names it.
 void CheckProposal(const RunFacts& facts, const FaultView& fault, Advice* advice);
 
 /// The mnemonic of the statement after the proposed change. An instruction in column 1 counts as
 /// indented.
 [[nodiscard]] std::string MeantMnemonic(const FaultView& fault, const Advice& advice);
 
-/// True if an operand that can only be a byte is a number or a name with a larger value.
+/// True if a number or name exceeds the range of its operand: a byte, or a bit number.
 [[nodiscard]] bool HasLargeName(const RunFacts& facts, const StatementView& statement);
 
 }  // namespace korv

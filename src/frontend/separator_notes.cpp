@@ -100,7 +100,7 @@ bool AdviseOnSeparated(OperandCase* it, std::string_view part,
     return true;
 }
 
-// Another character instead of a comma, as in "LD A:5".
+// A wrong separator, as in "LD A:5".
 bool AdviseOnSeparator(OperandCase* it) {
     const auto& operands = it->statement.operands;
     const bool isData = HoldsWord(dataDirectives, it->statement.mnemonic);

@@ -1,6 +1,5 @@
 // Advice on operands in the style of another assembler. It proposes the whole statement with all
-// foreign spellings replaced; if the result matches no form, the advice is about what else is
-// wrong.
+// foreign spellings replaced; if that is still not sound, the advice is about what else is wrong.
 
 #include "frontend/note_rows.h"
 #include "frontend/note_steps.h"

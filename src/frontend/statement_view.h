@@ -74,7 +74,7 @@ class TokenCutter {
 }
 
 /// True if `token`, at `index` in `operand`, is looked up as a name. A register or condition is a
-/// name only as a part of an expression.
+/// name only as part of an expression.
 [[nodiscard]] bool IsLookedUp(const Token& token, std::size_t index, const OperandClass& operand);
 
 /// An operand, without the blanks around it. It may be empty.

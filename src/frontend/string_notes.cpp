@@ -51,8 +51,8 @@ bool AdviseOnQuotes(OperandCase* it) {
     return true;
 }
 
-// Proposes the closing quote of a string: at its end, or before a tail of numbers and names of
-// bytes, as in ",13,10".
+// Proposes the closing quote of a string: at its end, or before trailing numbers and names with
+// byte values, as in ",13,10".
 void CloseString(OperandCase* it, std::string_view text) {
     std::size_t end = text.size();
     for (std::size_t comma; (comma = text.substr(0, end).rfind(',')) != std::string_view::npos;) {
@@ -129,7 +129,7 @@ bool AdviseOnSingleQuote(OperandCase* it) {
 }
 
 // True if the changed list of bytes is sound, all names in it are defined, and no string looks like
-// the values between two strings, as in "",13,10,"".
+// the values between two strings: ",13,10,".
 bool IsLikelyList(const OperandCase& it, const std::vector<TextEdit>& edits) {
     const std::string line = Raised(Applied(it.statement.typed, edits));
     const StatementView changed = CutStatement(line);

@@ -101,7 +101,7 @@ Summary Summarise(const Analysis& analysis) {
     summary.room = addressCount - end;
     summary.routines = RoutinesOf(analysis);
     summary.largest.resize(std::min(largestCount, summary.routines.size()));
-    // Routines of equal size are in the order of their addresses.
+    // Routines of equal size are ordered by address.
     const auto isLarger = [](const Routine& a, const Routine& b) {
         return a.count != b.count ? a.count > b.count : a.address < b.address;
     };
@@ -132,7 +132,7 @@ class Table {
         AddDigits(start, PutHex(start, value, 4));
     }
 
-    // Writes the table, unless it has no row below its headings.
+    // Writes the table unless it has only headings.
     void PutTo(TextBuffer* out) const {
         if (cells.size() <= widths.size()) {
             return;

@@ -31,7 +31,7 @@ struct SymbolFile {
     std::size_t droppedNames = 0;   ///< names that the format does not allow
     std::size_t droppedValues = 0;  ///< allowed names whose values the format cannot hold
 
-    /// What is missing, for a warning, as "2 values, 1 name"; empty if nothing is missing.
+    /// What is missing, as "2 values, 1 name" for a warning; empty if nothing is.
     [[nodiscard]] std::string Dropped() const;
 };
 

@@ -12,7 +12,7 @@ namespace korv {
     return "'" + std::string(text) + "'";
 }
 
-/// `text` with "\xHH" for control characters and bytes that are not UTF-8, so that a text cannot
+/// `text` with "\xHH" for control characters and bytes that are not UTF-8, so that it cannot
 /// control the terminal. Tabs and line feeds are kept.
 [[nodiscard]] std::string EscapedText(std::string_view text);
 

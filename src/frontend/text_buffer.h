@@ -40,8 +40,7 @@ class TextBuffer {
     /// text.
     explicit TextBuffer(std::size_t size = 0) { text.reserve(size); }
 
-    /// Room for at least `count` characters. After they are written, `Advance` appends those before
-    /// `end`.
+    /// Room for at least `count` characters. After writing them, pass their end to `Advance`.
     char* Room(std::size_t count) {
         if (count > text.size() - used) [[unlikely]] {
             constexpr std::size_t step = 1024;  // small, since resize() fills it with zeros

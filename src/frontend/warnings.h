@@ -83,7 +83,7 @@ static_assert(warningTable.size() == static_cast<std::size_t>(Warning::symbolRan
 }
 
 /// The named warning for the core's warning `number`; none for the warning about an IF whose
-/// condition has no value. The condition decides what is assembled, so that warning is an error.
+/// condition has no value. The condition decides what is assembled, so this warning is an error.
 [[nodiscard]] std::optional<Warning> WarningOf(std::int32_t number);
 
 /// Which warnings are turned on, and which of them are errors.
@@ -91,8 +91,8 @@ class WarningChoice {
   public:
     WarningChoice();
 
-    /// Applies the argument of -W: NAME, no-NAME, error, error=NAME, no-error=NAME. Result: false
-    /// if there is no such warning.
+    /// Applies the argument of -W: [no-]NAME, [no-]error or [no-]error=NAME. Result: false if there
+    /// is no such warning.
     [[nodiscard]] bool Take(std::string_view word);
     /// Turns all warnings off, for -w.
     void TakeNone();

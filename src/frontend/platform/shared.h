@@ -7,7 +7,7 @@
 
 namespace korv::platform {
 
-/// Gives the file `path` a second name, `name`, which is removed if the process ends before
+/// Gives `path` a second name, `name`; on POSIX, it is removed if the process ends before
 /// `PutInPlace` or `Remove`.
 [[nodiscard]] Creation Link(const std::string& path, const std::string& name);
 

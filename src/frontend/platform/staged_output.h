@@ -63,9 +63,9 @@ class StagedOutput {
     bool isPut = false;                   // the old contents have been replaced, or may have been
 };
 
-/// While a guard exists, signals that would end the process are held back, so that it never ends
-/// between two outputs of a run. The constructor first lets signals that are already pending end
-/// the process.
+/// While a guard exists, POSIX signals that would end the process are held back, so that none ends
+/// it between two outputs. The constructor first lets signals that are already pending end the
+/// process.
 class OutputGuard {
   public:
     OutputGuard();

@@ -79,7 +79,8 @@ Advice AdviseOnNameSecond(const StatementView& statement) {
         statement.label.empty() || statement.hasColon ? word : statement.label;
     const bool isSet =  // "SET X,5"
         first == "SET" && statement.operands.size() == 2 &&
-        statement.operands[1].what.kind == KIND_VALUE;
+        statement.operands[1].what.kind == KIND_VALUE &&
+        !statement.operands[1].text.starts_with('(');
     if (isSet || HoldsWord("EQU DEFL DEFC LET CONST .EQU .SET .DEFL VAR .VAR .EQUIV", first)) {
         const std::string_view text = WithoutLeadingBlanks(
             statement.line.substr(statement.PartOf(first).offset + first.size()));

@@ -88,9 +88,11 @@ const Token* FindProse(const OperandCase& it) {
                 i > 1 && it.statement.Span(tokens[i - 2].text, tokens[i - 1].text) == "--";
             const bool isAfterValue =
                 i > 0 && (tokens[i - 1].IsValue() || tokens[i - 1].code == OP_CLOSE);
+            const bool isInList = HoldsWord(dataDirectives, it.statement.mnemonic) &&
+                                  &operand != &it.statement.operands.back();
             const bool isFirst = i == 0 && tokens.size() > 1 && tokens[1].IsValue();
             if (tokens[i].kind != TokenKind::name || it.IsDefined(tokens[i].text) ||
-                HoldsWord("PLUS MINUS TIMES X IS", tokens[i].text) ||
+                HoldsWord("PLUS MINUS TIMES X IS", tokens[i].text) || isInList ||
                 (!isDashed && !isAfterValue && !isFirst)) {
                 continue;
             }
@@ -288,7 +290,13 @@ void AdviseOnBadToken(OperandCase* it, const Token& token) {
     } else if (text.find('"') == text.size() - 1) {
         it->Insert(text, "\"");
         it->advice.note = "open the string with a double quote";
-    } else if (last == ".") {
+    } else if (const std::size_t quote = text.find('"');
+               HasClass(text.front(), CC_DIGIT) && text.ends_with('"')) {  // "34"text""
+        it->Insert(text.substr(quote), ",");
+        it->advice.note =
+            "add the comma: " + std::string(it->statement.Typed(text.substr(0, quote))) + "," +
+            std::string(text.substr(quote));
+    } else if (HoldsWord(". '", last)) {
         it->Replace(last, "");
         it->advice.note = WriteNote(it->statement, it->advice.edits);
     } else if (!AdviseOnDots(it, token)) {

@@ -54,7 +54,8 @@ Advice AdviseOnOddName(Adviser& adviser, const StatementView& statement) {
     }
     std::string joined = name;
     std::erase(joined, '_');
-    const auto used = adviser.Facts().FindName(Raised(joined));
+    const std::string other = Raised(joined);
+    const auto used = adviser.Facts().FindName(other);
     if (joined != name && used && !used->hasValue) {  // "A.GAIN", which is used as AGAIN
         name = joined;
     }
@@ -73,7 +74,7 @@ Advice AdviseOnOddName(Adviser& adviser, const StatementView& statement) {
     }
     advice.place = statement.PartOf(word);
     advice.definesName = true;
-    advice.names = {std::string(word), Raised(name)};
+    advice.names = {std::string(word), Raised(name), other};
     return advice;
 }
 

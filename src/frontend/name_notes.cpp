@@ -42,7 +42,7 @@ bool AdviseOnCircle(OperandCase* it, const std::string& name) {
     if (path.size() == 1) {
         return false;
     }
-    it->advice.isFollowOn = it->fault.isLate || it->adviser.IsRefused(path.back()) ||
+    it->advice.isFollowOn = it->fault.isLate || it->adviser.IsExplained(path.back()) ||
                             !HoldsWord("IF COND", it->statement.mnemonic);
     it->advice.note =
         "check the EQU of " + path[path.size() - 2] + ": " + path.back() + " has no value here";
@@ -53,6 +53,10 @@ bool AdviseOnCircle(OperandCase* it, const std::string& name) {
 
 // A glued or misspelt word operator: "XAND3" or "X ADN 3".
 bool AdviseOnWordOperator(OperandCase* it, const Token& token) {
+    if (HoldsWord("SRL SRA SLA", token.text) && &token != it->operand->tokens.data()) {
+        return it->Propose(
+            token.text, {{it->statement.PartOf(token.text), token.text == "SLA" ? "SHL" : "SHR"}});
+    }
     for (const std::string_view word : {"AND", "XOR", "OR", "SHL", "SHR", "MOD"}) {
         const std::vector<TextEdit> edits = {{it->statement.PartOf(token.text), std::string(word)}};
         if (word.size() > 2 && token.text.size() <= longestCompared &&

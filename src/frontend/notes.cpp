@@ -320,7 +320,7 @@ void Adviser::RememberCondition(const FaultView& fault, const Advice& advice, bo
     }
     const std::string meant = MeantMnemonic(fault, advice);
     const bool isSlip = fault.number == MSG_UNKNOWN_INSTRUCTION && advice.edits.empty() &&
-                        statement.mnemonic.size() <= 3 &&
+                        statement.mnemonic.size() <= 3 && statement.mnemonic != "FI" &&
                         EditDistance(statement.mnemonic, "IF") == 1;
     hasRefusedBranch = hasRefusedBranch || HoldsWord("ELSE ELSEIF ELSIF ELIF", Plain(meant));
     if (statement.mnemonic == "ELSE") {  // without an IF, or in place of the ENDIF
@@ -333,7 +333,7 @@ void Adviser::RememberCondition(const FaultView& fault, const Advice& advice, bo
         hasRefusedBranch = true;
         hasRefusedTest = hasRefusedTest || advice.edits.empty();
     }
-    if (HoldsWord("ENDIF ENDC", meant) && fault.number != MSG_NOT_IN_CONDITION &&
+    if (HoldsWord("ENDIF ENDC FI", meant) && fault.number != MSG_NOT_IN_CONDITION &&
         fault.number != MSG_LABEL_NOT_ALLOWED) {
         (refusedConditions > 0 ? refusedConditions : refusedEnds) += refusedConditions > 0 ? -1 : 1;
         hasSkippedNames = hasSkippedNames || refusedEnds > 0;

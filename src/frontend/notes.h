@@ -98,9 +98,9 @@ class Adviser {
     /// consequences.
     void ExpectRefusal(std::string_view name) { refusedNames.emplace(name); }
 
-    /// True if the definition of `name` was refused.
-    [[nodiscard]] bool IsRefused(const std::string& name) const {
-        return refusedNames.contains(name);
+    /// True if a message has explained why `name` has no value.
+    [[nodiscard]] bool IsExplained(const std::string& name) const {
+        return refusedNames.contains(name) || answeredNames.contains(name);
     }
 
     /// Records that the source ends inside a skipped block. The names that this block would define

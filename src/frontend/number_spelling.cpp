@@ -99,6 +99,9 @@ std::string NumberSpelling(std::string_view token) {
                    std::string(notation.ownSuffix);
         }
     }
+    if (token.size() > 4 && token.starts_with('B') && IsOf(token.substr(1), "01")) {  // "b11110000"
+        return "%" + std::string(token.substr(1));
+    }
     const bool isUnmarked = !token.empty() && HasClass(token[0], CC_DIGIT) &&
                             IsOf(token, hexDigits) && ReadNumber(token, &value) == notANumber;
     return isUnmarked ? std::string(token) + "H" : "";

@@ -124,7 +124,9 @@ bool AdviseOnSeparator(OperandCase* it) {
         it->statement.keyword->operands.most == 1;
     const bool isMissing =
         isAfterString || isList || (it->fault.number == MSG_ARGUMENT_EXPECTED && !isData);
-    if (at == std::string_view::npos || at == 0 || isMemory || at + size >= text.size() ||
+    if (at == std::string_view::npos || at == 0 || isMemory ||
+        text.find_first_not_of("+-", at) ==
+            std::string_view::npos ||  // "DEC HL--" at + size >= text.size() ||
         (!isMissing && ClassOf(text.substr(0, at)).kind == KIND_VALUE)) {
         return false;
     }

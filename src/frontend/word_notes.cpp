@@ -70,7 +70,10 @@ Advice AdviseOnOrigin(const StatementView& statement) {
         return {};
     }
     const std::string fix = "ORG " + std::string(value);
-    return Replace(statement, statement.line, " " + fix, "write " + fix + ", not in column 1");
+    Advice advice =
+        Replace(statement, statement.line, " " + fix, "write " + fix + ", not in column 1");
+    advice.place = statement.PartOf(line);
+    return advice;
 }
 
 // Data without a directive, as in "MSG: "text"" and "VAR: 5".
@@ -202,8 +205,8 @@ std::string_view NearestKeyword(const StatementView& statement, std::string_view
     static const std::vector<std::string_view> words = [] {
         std::vector<std::string_view> all;
         for (const Keyword& keyword : keywords) {
-            // Reserved words, ENDC and END are never proposed. END would hide everything after it.
-            if (!HoldsWord("DD DEFD END ENDC MACRO ENDM PROC ENDP MAC_ON MAC_OFF", keyword.word)) {
+            // Reserved words and END are never proposed. END would hide everything after it.
+            if (!HoldsWord("DD DEFD END MACRO ENDM PROC ENDP MAC_ON MAC_OFF", keyword.word)) {
                 all.push_back(keyword.word);
             }
         }
@@ -213,7 +216,8 @@ std::string_view NearestKeyword(const StatementView& statement, std::string_view
         StatementView changed = statement;
         changed.mnemonic = each;
         changed.keyword = FindKeyword(each);
-        return HasForm(changed) && (!each.starts_with("DEF") || word.starts_with("DE"));
+        return HasForm(changed) && each != "ENDC" &&
+               (!each.starts_with("DEF") || word.starts_with("DE"));
     };
     if (word.size() > (statement.operands.empty() ? 3 : 2)) {
         return NearWords(words).Find(word, isForm);
@@ -297,8 +301,9 @@ bool IsAssignment(const StatementView& statement) {
 Advice AdviseOnWord(Adviser& adviser, const FaultView& fault) {
     const StatementView& statement = fault.statement;
     const std::string_view word = statement.mnemonic;
-    if (word == "FI" && fault.isSkipped) {
-        return Replace(statement, word, "ENDIF", "write ENDIF");
+    if (word == "FI") {
+        return fault.isSkipped ? Replace(statement, word, "ENDIF", "write ENDIF")
+                               : Say(statement, word, "did you mean ENDIF, DI or EI?");
     }
     if (word.starts_with("IF") && statement.label.empty()) {  // "IFDEBUG" is not a definition
         if (Advice joined = AdviseOnJoinedWords(adviser.Facts(), statement); joined.place) {

@@ -40,8 +40,8 @@ int Measure(const Bytes& bytes, unsigned af, unsigned bc) {
     return cycles;
 }
 
-// Every condition is met with either all flags clear or all flags set. With these values of BC, DJNZ and the block
-// instructions end once and repeat once.
+// Every condition is met with either all flags clear or all flags set. One value of BC ends DJNZ and the block
+// instructions; the other makes them repeat.
 korv::Cycles Measured(const Bytes& bytes) {
     std::vector<int> all;
     for (const unsigned af : {0x5500U, 0x55FFU}) {

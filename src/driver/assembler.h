@@ -207,7 +207,7 @@ class CAssembler {
 
     // ---- the state of the run; "by" names the code that may write it
 
-    /// RF_* bits; by the driver and the handlers; RF_ABORT also by console events.
+    /// RF_* bits; by driver, handlers, front end; RF_ABORT also by console events.
     FlagsWord flags;
     std::int32_t totalLines = 0;        ///< line counters of finished files; by include files
     std::int32_t fileDepth = 0;         ///< source files open now; by include files

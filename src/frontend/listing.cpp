@@ -50,7 +50,7 @@ char* PutValue(char* to, const Name& name) {
                   : PutNumber(to, name.value);
 }
 
-// An estimate in bytes, which suffices for a typical program of one file.
+// The estimated size in bytes, enough for a typical program of one file.
 std::size_t UsualSize(const Analysis& analysis) {
     constexpr std::size_t usualColumns = 64, usualName = 80;
     return analysis.statements.size() * usualColumns + analysis.names.size() * usualName +

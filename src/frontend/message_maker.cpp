@@ -242,8 +242,8 @@ void MessageMaker::Take(Advice advice, const Report& report, Message* message) {
     }
 }
 
-// Also replaces all other uses of the name. If there are too many lines to search, no new name is
-// proposed for a label.
+// Also replaces all other uses of the name. If there are too many lines to search, a label's edits
+// are dropped.
 void MessageMaker::AddUses(const Advice& advice, Message* message) {
     const Place at = message->place;
     const std::string& name = advice.names.front();

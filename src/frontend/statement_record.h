@@ -1,4 +1,4 @@
-/// What an analysis stores about a statement, and the blocks of the image.
+/// The mnemonic and kind of a statement, and the blocks of the image.
 #pragma once
 
 #include <cstdint>

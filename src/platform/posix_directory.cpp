@@ -114,8 +114,8 @@ class Listing {
         }
         std::free(entries);
         // The modification time of a directory has the resolution of a clock tick, which is a
-        // second or two on some file systems. A change made after the directory was read cannot be
-        // detected if it falls in the same tick as the last change before that.
+        // second or two on some file systems. A change made after the read cannot be detected if
+        // it falls in the same tick as the last change before the read.
         const nanoseconds time = TimeOfChange(status);
         const auto tick = time % seconds(1) == seconds(0) ? milliseconds(2000) : milliseconds(20);
         const bool isSettled = count >= 0 && time + tick < now;

@@ -133,7 +133,7 @@ void AwaitConsoleHandler() {
 }
 
 void WriteFromHandler(std::string_view text) {
-    // Written to the stream's file descriptor, which has the setting for line ends. A thread that
+    // Written to the stream's file descriptor, whose mode determines the line ends. A thread that
     // waits for a handler never holds the lock of that descriptor.
     [[maybe_unused]] const int written =
         _write(_fileno(stdout), text.data(), static_cast<unsigned>(text.size()));

@@ -21,7 +21,7 @@ constexpr std::size_t longestSource = 1024 * 1024;
 constexpr std::size_t mostFiles = 2000;
 constexpr int deepestInclude = 16;
 
-// Converts via UTF-8: on systems with wide file names, a narrow string has another encoding.
+// Converts via UTF-8: where file names are wide, fs::path may expect another encoding.
 fs::path PathOf(const std::string& name) {
     return std::u8string(name.begin(), name.end());
 }

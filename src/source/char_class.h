@@ -39,7 +39,7 @@ inline constexpr auto charClass = [] {
     return (charClass[static_cast<unsigned char>(c)] & mask) != 0;
 }
 
-/// `c`, in upper case if it is a lower-case letter.
+/// `c`, converted to upper case if it is a letter.
 [[nodiscard]] constexpr char Raised(char c) noexcept {
     return HasClass(c, CC_LOWER) ? static_cast<char>(c - ('a' - 'A')) : c;
 }

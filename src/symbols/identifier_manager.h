@@ -107,7 +107,7 @@ class CIdentifierManager {
     [[nodiscard]] std::int32_t RecordCount() const {
         return static_cast<std::int32_t>(records.size());
     }
-    /// The record `number`, from 0, in the order in which the names first occurred.
+    /// Record `number`, counted from 0 in the order in which names first occur.
     [[nodiscard]] const CIdentifier& Record(std::int32_t number) const {
         return *records[static_cast<std::size_t>(number)];
     }

@@ -292,9 +292,10 @@ void AdviseOnBadToken(OperandCase* it, const Token& token) {
         it->advice.note = "open the string with a double quote";
     } else if (const std::size_t quote = text.find('"');
                HasClass(text.front(), CC_DIGIT) && text.ends_with('"')) {  // "34"text""
-        it->Insert(text.substr(quote), ",");
+        const std::size_t end = text[quote - 1] == '.' ? quote - 1 : quote;  // "34."text""
+        it->Replace(text.substr(end, quote - end), ",");
         it->advice.note =
-            "add the comma: " + std::string(it->statement.Typed(text.substr(0, quote))) + "," +
+            "add the comma: " + std::string(it->statement.Typed(text.substr(0, end))) + "," +
             std::string(text.substr(quote));
     } else if (HoldsWord(". '", last)) {
         it->Replace(last, "");

@@ -65,7 +65,7 @@ inline constexpr auto tokenTable = std::to_array<TokenRow>({
     {"PUSH POP INC DEC", "%r @ %r", "", "write one instruction for each operand", " PUSH BC DE"},
     {"INC DEC BIT SET RES =RL", "^ %rIX|IY +|- %v ;", "(%1%2%3)", "", " INC IX+1"},
     {"INC DEC", "^ %r +|- +|- ;", "%1", "", " INC HL++"},
-    {"INC DEC", "^ %r @ +|- %n", "", "repeat the instruction, or use ADD: %w steps by 1", " INC HL+1"},
+    {"INC DEC", "^ %r @ +|- %n", "", "remove it, repeat the instruction or use ADD: %w steps by 1", " INC HL+1"},
     {"*", "^ = %v", "%2", "", " LD HL,=5"},
     {"*", "%v @ %iDIV", "/", "", " DB 7 DIV 2"},
     {"*", "%v %iX %v", "%1*%3", "", " DB 7 X 2"},

@@ -110,7 +110,7 @@ bool AdviseOnSeparator(OperandCase* it) {
     const std::string_view text = operands.size() == 1 ? operands[0].text : it->operand->text;
     const bool isSum = HoldsWord("ADD ADC SBC", it->statement.mnemonic);  // "ADD HL+DE"
     const std::size_t start = text.starts_with('"') ? text.find('"', 1) : 0;
-    const std::size_t at = text.find_first_of(isSum ? ":.=<>-;/+" : ":.=<>-;/", start);
+    const std::size_t at = text.find_first_of(isSum ? ":.=<>-;/&+" : ":.=<>-;/&", start);
     const std::string_view sign = text.substr(std::min(at, text.size()), 2);
     const bool isNegative = at + 2 < text.size() && HasClass(text[at + 2], CC_DIGIT);  // "A<-5"
     const std::size_t size = sign == "->" || (sign == "<-" && !isNegative) ? 2 : 1;

@@ -58,8 +58,7 @@ struct Program {
     }
     // The reply of `feature` for the mark and its line.
     [[nodiscard]] Json Ask(Json (*feature)(const korv::Query&), const Json& parameters = {}) const {
-        korv::Documents documents;
-        korv::Workspace workspace(&documents);
+        korv::Workspace workspace;
         workspace.SetSettings(parameters);
         const auto line = static_cast<std::uint32_t>(place.line - 1);
         const korv::Range range = marks.empty() ? wholeFile : korv::Range{{line, 0}, {line, 0}};
@@ -202,7 +201,7 @@ std::string Reply(const Program& program, const std::string& request, const std:
     }
     EXPECT_EQ("actions", request);
     return Lines(program.Ask(korv::CodeActions), [](const Json& each) {
-        return std::string(each["title"]) + (each["isPreferred"] ? "" : " (not preferred)") + "\n" +
+        return std::string(each["title"]) + (each.contains("isPreferred") ? "" : " (not preferred)") + "\n" +
                ShownEdit(each["edit"]);
     });
 }
@@ -245,16 +244,18 @@ void Check(Program* program, const Strings& words, const std::vector<Request>& r
             last = std::stoul(feature.substr(feature.find('-') + 1));  // "2-4", or just "2"
             stream >> feature;
         }
-        stream >> word;
         std::string reply;
         for (; mark <= last; ++mark) {
             program->GoTo(mark);
             ASSERT_NE(korv::noIndex, program->markedFile) << request.place;
-            try {
-                reply += Reply(*program, feature, word);
-            } catch (const korv::RequestError& error) {
-                reply += "refused: " + error.message + "\n";
-            }
+            do {
+                stream >> word;
+                try {
+                    reply += Reply(*program, feature, word);
+                } catch (const korv::RequestError& error) {
+                    reply += "refused: " + error.message + "\n";
+                }
+            } while (stream >> std::ws && !stream.eof());
         }
         EXPECT_EQ(request.expected, ReplaceAll(reply, "\n", " | ")) << request.place << " " << request.text;
     }

@@ -30,6 +30,11 @@ Json EditOf(const Snapshot& snapshot, const std::vector<const Message*>& message
     return {{"changes", changes}};
 }
 
+Json ActionOf(const Snapshot& snapshot, const std::string& title,
+              const std::vector<const Message*>& messages) {
+    return {{"title", title}, {"kind", "quickfix"}, {"edit", EditOf(snapshot, messages)}};
+}
+
 }  // namespace
 
 Json DiagnosticOf(const Snapshot& snapshot, const Message& message) {
@@ -81,20 +86,16 @@ Json CodeActions(const Query& query) {
         if (message.place.file == query.file && line >= query.range.start.line &&
             line <= query.range.end.line) {
             codesHere.insert(message.code);
-            actions.push_back({{"title", message.note},
-                               {"kind", "quickfix"},
-                               {"edit", EditOf(snapshot, {&message})},
-                               {"isPreferred", true},
-                               {"diagnostics", Json::array({DiagnosticOf(snapshot, message)})}});
+            actions.push_back(ActionOf(snapshot, message.note, {&message}));
+            actions.back()["isPreferred"] = true;
+            actions.back()["diagnostics"] = Json::array({DiagnosticOf(snapshot, message)});
         }
     }
     for (const std::string_view code : codesHere) {
         if (kinds[code].size() > 1) {
-            actions.push_back(
-                {{"title", "fix all messages [" + std::string(code) + "] that have a fix"},
-                 {"kind", "quickfix"},
-                 {"edit", EditOf(snapshot, kinds[code])},
-                 {"isPreferred", false}});
+            const std::string title =
+                "fix all messages [" + std::string(code) + "] that have a fix";
+            actions.push_back(ActionOf(snapshot, title, kinds[code]));
         }
     }
     return actions;

@@ -200,10 +200,12 @@ std::string Reply(const Program& program, const std::string& request, const std:
         return ReplaceAll(Changed(program.snapshot, program.markedFile, edits), "\t", "{09}");
     }
     EXPECT_EQ("actions", request);
-    return Lines(program.Ask(korv::CodeActions), [](const Json& each) {
-        return std::string(each["title"]) + (each.contains("isPreferred") ? "" : " (not preferred)") + "\n" +
-               ShownEdit(each["edit"]);
-    });
+    std::string actions;
+    for (const Json& each : program.Ask(korv::CodeActions)) {
+        const std::string end = each.contains("isPreferred") ? "\n" : " (not preferred)\n";
+        actions += std::string(each["title"]) + end + ShownEdit(each["edit"]);
+    }
+    return actions;
 }
 
 // Replaces each "{HH}" with its byte. `columns` receives the offset of each character of `text`.

@@ -9,7 +9,7 @@ namespace korv {
 namespace {
 
 // The edits of `messages`. Edits overlap if two messages propose to change the same word. An editor
-// rejects overlapping edits, so only the first one is kept.
+// rejects overlapping edits, so only the first one is kept, also of two that touch.
 Json EditOf(const Snapshot& snapshot, const std::vector<const Message*>& messages) {
     std::map<Place, const Edit*> edits;  // by start, without length
     for (const Message* const message : messages) {
@@ -21,7 +21,7 @@ Json EditOf(const Snapshot& snapshot, const std::vector<const Message*>& message
     Json changes;
     Place last;
     for (const auto& [start, edit] : edits) {
-        if (!Covers(last, start) || start.column == last.column + last.length) {
+        if (!Covers(last, start)) {
             changes[snapshot.UriOf(start.file)].push_back(
                 TextEdit(snapshot.RangeOf(edit->place), edit->text));
             last = edit->place;

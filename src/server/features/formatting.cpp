@@ -27,8 +27,7 @@ std::optional<LineParts> Cut(std::string_view line) {
     const std::size_t comment = CommentStart(line);
     const std::string statement = Raised(line.substr(0, comment));
     const bool isStringOpen = std::ranges::count(statement, '"') % 2 != 0;
-    const bool isContinued = line.substr(0, line.find_last_not_of("\t\v ") + 1).ends_with('\\');
-    if (isStringOpen || isContinued || line.find_first_of(odd) != std::string_view::npos) {
+    if (isStringOpen || line.find_first_of(odd) != std::string_view::npos) {
         return std::nullopt;
     }
     const StatementView view = CutStatement(statement, line);

@@ -176,7 +176,8 @@ std::string Reply(const Program& program, const std::string& request, const std:
             group = next;
             return label + (item.contains("detail") ? "=" + std::string(item["detail"]) : "");
         };
-        return Lines(program.Ask(korv::Completions), shown, " ");
+        const Json items = program.Ask(korv::Completions);
+        return items.size() > 50 ? std::to_string(items.size()) + " words\n" : Lines(items, shown, " ");
     }
     if (request == "signatures") {
         return Signatures(program);
@@ -314,7 +315,8 @@ TEST(FeaturesTest, FormattingNeverChangesTheImage) {
             const auto& files = program.snapshot.analysis->files;
             for (std::size_t i = 0; i < files.size(); ++i) {
                 program.markedFile = static_cast<std::int32_t>(i);
-                const Json edits = program.Ask(korv::Formatting, {{"options", {{"insertSpaces", insertSpaces}}}});
+                const Json options = {{"insertSpaces", insertSpaces}, {"tabSize", 0}};
+                const Json edits = program.Ask(korv::Formatting, {{"options", options}});
                 changes += static_cast<int>(edits.size());
                 formatted.files[files[i].text->Path()] = Changed(program.snapshot, program.markedFile, edits);
             }

@@ -145,7 +145,8 @@ TEST_P(ServerSessionTest, Holds) {
             const std::string shown = ReplaceAll(line, "shown ", "shown " + here + "/");
             expected.push_back(ReplaceAll(shown, "<- ", "<- " + here + "/"));
         } else if (words[0] == "file") {
-            WriteFile(words.at(1), ReplaceAll(text.substr(words[1].size() + 1), "|", "\n") + "\n");
+            const std::string plain = ReplaceAll(text.substr(words[1].size() + 1), "|", "\n");
+            WriteFile(words.at(1), ReplaceAll(plain, "\\0", std::string(1, '\0')) + "\n");
         } else if (words[0] == "status") {
             end = line;
         } else {

@@ -64,10 +64,10 @@ std::vector<fs::directory_entry> EntriesOf(const fs::path& folder) {
 // The names in INCLUDE lines, even in lines that are not assembled. This does no harm: a program
 // that turns out not to read the file is not used.
 Strings IncludedNames(const StoredText& text) {
-    Strings names;
     if (text.Bytes().find('\0') != std::string::npos) {
-        return names;  // an image, or another file that is not text
+        return {};  // an image, or another file that is not text
     }
+    Strings names;
     for (std::int32_t line = 1; line <= text.LineCount(); ++line) {
         const std::string raised = Raised(text.Line(line));
         if (raised.find("INCLUDE") == std::string::npos) {

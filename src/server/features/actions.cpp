@@ -60,10 +60,8 @@ Json DiagnosticOf(const Snapshot& snapshot, const Message& message) {
     Json diagnostic = {{"range", hasPlace ? snapshot.RangeOf(message.place) : Range()},
                        {"severity", message.severity == Severity::error ? 1 : 2},
                        {"source", "korv"},
+                       {"code", message.code},
                        {"message", text}};
-    if (!message.code.empty()) {
-        diagnostic["code"] = message.code;
-    }
     if (!related.empty()) {
         diagnostic["relatedInformation"] = std::move(related);
     }

@@ -115,8 +115,8 @@ class ItemList {
     // Adds a word of the language, in lower case if the line contains lower-case letters.
     Json& AddWord(ItemKind kind, std::string_view word, std::string_view order = "") {
         std::string label(word);
-        for (char& c : label) {
-            c = isSmall && HasClass(c, CC_LETTER) ? static_cast<char>(c | 0x20) : c;
+        for (char& c : label) {  // other characters of these words have the bit
+            c = isSmall ? static_cast<char>(c | 0x20) : c;
         }
         return Add(kind, std::move(label), order);
     }

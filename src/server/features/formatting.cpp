@@ -48,7 +48,7 @@ class LineFormatter {
   public:
     explicit LineFormatter(const Query& query) : snapshot(query.snapshot), file(query.file) {
         const auto size = Get<std::int64_t>(query.parameters, "/options/tabSize", 8);
-        tabSize = static_cast<std::size_t>(std::clamp<std::int64_t>(size, 1, 16));
+        tabSize = static_cast<std::size_t>(std::max<std::int64_t>(size, 1));
         hasTabs = !Get(query.parameters, "/options/insertSpaces", true);
     }
 

@@ -188,6 +188,7 @@ TEST(ServerTest, EndsAfterAFaultyHeaderOrOption) {
         {"-h", "", "Usage: korv-ls(.*\n)*Exit status: .*\n"}, {"--stdio --help", "", "Usage: korv-ls(.*\n)*"},
         {"-V", "", "korv-ls .*\n"}, {"--version", "", "korv-ls .*\n"}, {"-x", "", "korv-ls: error: unknown option '-x'; .*\n.*2\n"},
         {"", std::string(4096, 'x'), "exit status 1\n"}, {"", std::string(4097, 'x'), "korv-ls: error: the input is not .*\n.*1\n"},
+        {"", "Content-Length: 17\r\n\r\n{\"method\":\"exit\"}", "exit status 1\n"},
         {"", "Content-Length: 67108864\r\n\r\n{}", "exit status 1\n"},
         {"", "Content-Type: x\r\n\r\nContent-Length: 2\r\n\r\n{}", "korv-ls: error: a message has no Content-Length\n.*1\n"},
         {"", "content-length:  33\r\nContent-Type: x\r\n\r\n{\"id\":1,\"method\":\"initialize\"}   Content-Length: 67108865\r\n\r\n{}",

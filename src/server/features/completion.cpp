@@ -247,8 +247,8 @@ Json Signatures(const Query& query) {
     // Further operands of a list are like the first one.
     const bool isList = statement.keyword->operands.most > 2;
     const std::size_t operand = isList ? 0 : prefix.operand;
-    const auto matching =  // the forms that also match the typed part of the operand
-        FormsOf(statement, std::min(operand + 1, statement.operands.size()));
+    // The forms that also match the typed part of the operand.
+    const auto matching = FormsOf(statement, statement.operands.size());
     Json signatures = Json::array();
     std::size_t active = 0;
     for (const std::string& form : FormsOf(statement, operand)) {

@@ -206,7 +206,7 @@ std::optional<std::string> Workspace::FindIncluder(const std::string& path) {
 
 const std::string& Workspace::IncluderOf(const std::string& path) {
     const auto [at, isNew] = includers.try_emplace(path, path);
-    if (isNew) {  // false for the second time if files include each other
+    if (isNew) {  // so that files that include each other are searched for only once
         if (const auto includer = FindIncluder(path)) {
             at->second = IncluderOf(*includer);
         }

@@ -190,7 +190,7 @@ TEST(ServerTest, EndsAfterAFaultyHeaderOrOption) {
         {"", std::string(4096, 'x'), "exit status 1\n"}, {"", std::string(4097, 'x'), "korv-ls: error: the input is not .*\n.*1\n"},
         {"", "Content-Length: 17\r\n\r\n{\"method\":\"exit\"}", "exit status 1\n"},
         {"", "Content-Length: 67108864\r\n\r\n{}", "exit status 1\n"},
-        {"", "Content-Type: x\r\n\r\nContent-Length: 2\r\n\r\n{}", "korv-ls: error: a message has no Content-Length\n.*1\n"},
+        {"", "Content-Type: x\r\n\r\n" + std::string(70000, 'x'), "korv-ls: error: a message has no Content-Length\n.*1\n"},
         {"", "content-length:  33\r\nContent-Type: x\r\n\r\n{\"id\":1,\"method\":\"initialize\"}   Content-Length: 67108865\r\n\r\n{}",
          "Content-Length: \\d+\r\n\r\n.\"jsonrpc\":\"2.0\",\"id\":1,.*korv-ls: error: a message is longer than 64 MiB\n.*1\n"},
         {"", "Content-Length: \r\n\r\n", "korv-ls: error: Content-Length is not a number\n.*1\n"},

@@ -58,8 +58,7 @@ struct Program {
     }
     // The reply of `feature` for the mark and its line.
     [[nodiscard]] Json Ask(Json (*feature)(const korv::Query&), const Json& parameters = {}) const {
-        korv::Documents documents;
-        korv::Workspace workspace(&documents);
+        korv::Workspace workspace;
         workspace.SetSettings(parameters);
         const auto line = static_cast<std::uint32_t>(place.line - 1);
         const korv::Range range = marks.empty() ? wholeFile : korv::Range{{line, 0}, {line, 0}};
@@ -177,7 +176,8 @@ std::string Reply(const Program& program, const std::string& request, const std:
             group = next;
             return label + (item.contains("detail") ? "=" + std::string(item["detail"]) : "");
         };
-        return Lines(program.Ask(korv::Completions), shown, " ");
+        const Json items = program.Ask(korv::Completions);
+        return items.size() > 50 ? std::to_string(items.size()) + " words\n" : Lines(items, shown, " ");
     }
     if (request == "signatures") {
         return Signatures(program);
@@ -201,10 +201,12 @@ std::string Reply(const Program& program, const std::string& request, const std:
         return ReplaceAll(Changed(program.snapshot, program.markedFile, edits), "\t", "{09}");
     }
     EXPECT_EQ("actions", request);
-    return Lines(program.Ask(korv::CodeActions), [](const Json& each) {
-        return std::string(each["title"]) + (each["isPreferred"] ? "" : " (not preferred)") + "\n" +
-               ShownEdit(each["edit"]);
-    });
+    std::string actions;
+    for (const Json& each : program.Ask(korv::CodeActions)) {
+        const std::string end = each.contains("isPreferred") ? "\n" : " (not preferred)\n";
+        actions += std::string(each["title"]) + end + ShownEdit(each["edit"]);
+    }
+    return actions;
 }
 
 // Replaces each "{HH}" with its byte. For each character of `text`, appends its offset in the result to `columns`.
@@ -245,16 +247,18 @@ void Check(Program* program, const Strings& words, const std::vector<Request>& r
             last = std::stoul(feature.substr(feature.find('-') + 1));  // "2-4", or just "2"
             stream >> feature;
         }
-        stream >> word;
         std::string reply;
         for (; mark <= last; ++mark) {
             program->GoTo(mark);
             ASSERT_NE(korv::noIndex, program->markedFile) << request.place;
-            try {
-                reply += Reply(*program, feature, word);
-            } catch (const korv::RequestError& error) {
-                reply += "refused: " + error.message + "\n";
-            }
+            do {
+                stream >> word;
+                try {
+                    reply += Reply(*program, feature, word);
+                } catch (const korv::RequestError& error) {
+                    reply += "refused: " + error.message + "\n";
+                }
+            } while (stream >> std::ws && !stream.eof());
         }
         EXPECT_EQ(request.expected, ReplaceAll(reply, "\n", " | ")) << request.place << " " << request.text;
     }
@@ -311,7 +315,8 @@ TEST(FeaturesTest, FormattingNeverChangesTheImage) {
             const auto& files = program.snapshot.analysis->files;
             for (std::size_t i = 0; i < files.size(); ++i) {
                 program.markedFile = static_cast<std::int32_t>(i);
-                const Json edits = program.Ask(korv::Formatting, {{"options", {{"insertSpaces", insertSpaces}}}});
+                const Json options = {{"insertSpaces", insertSpaces}, {"tabSize", 0}};
+                const Json edits = program.Ask(korv::Formatting, {{"options", options}});
                 changes += static_cast<int>(edits.size());
                 formatted.files[files[i].text->Path()] = Changed(program.snapshot, program.markedFile, edits);
             }

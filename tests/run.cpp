@@ -12,7 +12,6 @@
 #include <iterator>
 
 #include "driver/process.h"
-#include "frontend/frontend.h"
 
 #ifndef O_BINARY
 #define O_BINARY 0
@@ -51,7 +50,7 @@ std::string RunKorvAs(Strings arguments) {
     return output + rest;
 }
 
-std::string RunKorvAs(Strings arguments, std::string* output) {
+std::string RunKorvAs(Strings arguments, std::string* output, int (*run)(int, char**)) {
     std::string program = "korv-as";
     std::vector<char*> argv = {program.data()};
     std::ranges::transform(arguments, std::back_inserter(argv), [](std::string& word) { return word.data(); });
@@ -62,7 +61,7 @@ std::string RunKorvAs(Strings arguments, std::string* output) {
     dup2(streams[0], STDOUT_FILENO);
     dup2(streams[1], STDERR_FILENO);
     EXPECT_NE(nullptr, std::freopen(fs::exists("stdin") ? "stdin" : nullDevice, "r", stdin));
-    const int status = korv::RunFrontend(static_cast<int>(argv.size()), argv.data());
+    const int status = run(static_cast<int>(argv.size()), argv.data());
     std::fflush(nullptr);
     dup2(saved[0], STDOUT_FILENO);
     dup2(saved[1], STDERR_FILENO);

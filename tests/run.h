@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "frontend/frontend.h"
 #include "table.h"
 
 namespace korv_test {
@@ -24,8 +25,9 @@ std::string RunKorv(Strings arguments);
 /// Runs korv-as. If the current directory contains a file `stdin`, it becomes standard input. Result: its output on
 /// both streams, then its exit status if that is not 0. Leaves no file.
 std::string RunKorvAs(Strings arguments);
-/// The same, but stores standard output in `output`. Result: standard error, then the exit status.
-std::string RunKorvAs(Strings arguments, std::string* output);
+/// The same, but stores standard output in `output`. Result: standard error, then the exit status. `run` may also be
+/// RunServer of korv-ls.
+std::string RunKorvAs(Strings arguments, std::string* output, int (*run)(int, char**) = korv::RunFrontend);
 
 /// Enters a new empty directory. The destructor leaves and removes it.
 class TempDir {

@@ -5,7 +5,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <filesystem>
+#include <functional>
 #include <regex>
 #include <set>
 #include <span>
@@ -15,6 +17,7 @@
 #include "frontend/message_printer.h"
 #include "run.h"
 #include "server/programs.h"
+#include "server/run_server.h"
 #include "server/uri.h"
 
 namespace korv_test {
@@ -22,14 +25,16 @@ namespace {
 
 using korv::Programs;
 
-// A client that has sent all its messages before the server reads the first one.
+// A client that sends further messages only when the server waits for one.
 class QueuedClient : public korv::platform::Connection {
   public:
     std::string input;
     std::string output;
+    std::function<void()> refill;  // adds them to `input`
 
-    bool IsInputWaiting() const override { return true; }
+    bool IsInputWaiting() const override { return !input.empty(); }
     std::size_t Read(char* buffer, std::size_t count) override {
+        input.empty() ? refill() : void();
         const std::size_t part = std::min({count, input.size(), std::size_t{7}});  // splits headers and bodies
         input.copy(buffer, part);
         input.erase(0, part);
@@ -46,7 +51,7 @@ class QueuedClient : public korv::platform::Connection {
         Strings bodies;
         for (std::size_t at = 0; at < output.size();) {
             const std::size_t end = output.find("\r\n\r\n", at);
-            const std::size_t size = std::stoul(output.substr(at + 16, end - at - 16));
+            const std::size_t size = std::stoul(output.substr(output.find("Content-Length: ", at) + 16));
             bodies.push_back(output.substr(end + 4, size));
             at = end + 4 + size;
         }
@@ -109,7 +114,7 @@ TEST_P(ServerSessionTest, Holds) {
     QueuedClient client;
     Strings expected;
     std::string end = "status 1";
-    for (const auto& [place, line] : lines) {
+    const auto take = [&](const auto& place, const std::string& line) {
         const Strings words = Split(line, ' ');
         const std::string text = line.substr(std::min(line.size(), words[0].size() + 1));
         if (words[0] == ">") {
@@ -118,14 +123,20 @@ TEST_P(ServerSessionTest, Holds) {
             client.Send(Whole(R"({"id":1,"method":"initialize","params":)" + text + "}", here));
             expected.emplace_back(R"({"id":1,"result":...)");
         } else if (words[0] == "ask") {
-            const std::string at = R"({"line":)" + ReplaceAll(words.at(2), ":", R"(,"character":)") + "}";
-            const std::string both = R"(,"position":)" + at + R"(,"range":{"start":)" + at + R"(,"end":)" + at + "}";
-            client.Send(Whole(R"({"id":2,"method":")" + words[1] + R"(","params":{"newName":"new","query":"o",)" +
-                                  R"("textDocument":{"uri":"$URI/a.kor"})" + (words[2] == "=" ? "" : both) + "}}",
-                              here));
-            expected.push_back("{id:2,result:" + ReplaceAll(line.substr(line.find(" = ") + 3), "$URI", here) + "}");
-        } else if (words[0] == "!") {
-            client.input += ReplaceAll(text, "|", "\r\n");
+            static const std::regex position(R"((\d+):(\d+))"), range("(.+)-(.+)");
+            const std::string at = std::regex_replace(words.at(2), position, R"({"line":$1,"character":$2})");
+            const std::string kind = Contains(at, "-") ? "range" : "position";
+            const auto ask = [&](const std::string& parameter, const std::string& reply) {
+                client.Send(Whole(R"({"id":2,"method":")" + words[1] + R"(","params":{"newName":"new","query":"o",)" +
+                                      R"("textDocument":{"uri":"$URI/a.kor"})" + parameter + "}}",
+                                  here));
+                expected.push_back("{id:2," + ReplaceAll(reply, "$URI", here) + "}");
+            };
+            ask(at == "=" ? "" : ",\"" + kind + "\":" + std::regex_replace(at, range, R"({"start":$1,"end":$2})"),
+                (Contains(line, " = error:") ? "" : "result:") + line.substr(line.find(" = ") + 3));
+            if (at != "=") {
+                ask("", "error:{code:-32602,message:missing or wrong: " + kind + "}");
+            }
         } else if (words[0] == "<") {
             expected.push_back(ReplaceAll(text, "$URI", here));
         } else if (words[0] == "open") {
@@ -134,16 +145,23 @@ TEST_P(ServerSessionTest, Holds) {
             const std::string shown = ReplaceAll(line, "shown ", "shown " + here + "/");
             expected.push_back(ReplaceAll(shown, "<- ", "<- " + here + "/"));
         } else if (words[0] == "file") {
-            WriteFile(words.at(1), ReplaceAll(text.substr(words[1].size() + 1), "|", "\n") + "\n");
+            const std::string plain = ReplaceAll(text.substr(words[1].size() + 1), "|", "\n");
+            WriteFile(words.at(1), ReplaceAll(plain, "\\0", std::string(1, '\0')) + "\n");
         } else if (words[0] == "status") {
             end = line;
         } else {
             ASSERT_EQ("case", words[0]) << place;
         }
-    }
+    };
+    auto next = lines.begin();
+    client.refill = [&] {
+        for (; next != lines.end() && (client.input.empty() || !next->text.starts_with("file ")); ++next) {
+            take(next->place, next->text);
+        }
+    };
     korv::Server server(&client, "VERSION");
-    const std::string status = "status " + std::to_string(server.Run());
-    EXPECT_EQ(end, status + (server.Failure().empty() ? "" : " " + server.Failure()));
+    EXPECT_EQ(end, "status " + std::to_string(server.Run()));
+    EXPECT_EQ("", server.Failure());
     Strings got;
     for (const std::string& body : client.Received()) {
         const bool isShown = got.size() < expected.size() && expected[got.size()].starts_with("shown ");
@@ -164,8 +182,31 @@ TEST_P(ServerSessionTest, Holds) {
 INSTANTIATE_TEST_SUITE_P(Tables, ServerSessionTest, testing::ValuesIn(ReadBlocks(ProjectPath("tests/sessions.txt"))),
                          [](const auto& test) { return TestName(test.param); });
 
+TEST(ServerTest, EndsAfterAFaultyHeaderOrOption) {
+    // clang-format off
+    const std::array<std::string, 3> rows[] = {
+        {"-h", "", "Usage: korv-ls(.*\n)*Exit status: .*\n"}, {"--stdio --help", "", "Usage: korv-ls(.*\n)*"},
+        {"-V", "", "korv-ls .*\n"}, {"--version", "", "korv-ls .*\n"}, {"-x", "", "korv-ls: error: unknown option '-x'; .*\n.*2\n"},
+        {"", std::string(4096, 'x'), "exit status 1\n"}, {"", std::string(4097, 'x'), "korv-ls: error: the input is not .*\n.*1\n"},
+        {"", "Content-Length: 17\r\n\r\n{\"method\":\"exit\"}", "exit status 1\n"},
+        {"", "Content-Length: 67108864\r\n\r\n{}", "exit status 1\n"},
+        {"", "Content-Type: x\r\n\r\n" + std::string(70000, 'x'), "korv-ls: error: a message has no Content-Length\n.*1\n"},
+        {"", "content-length:  33\r\nContent-Type: x\r\n\r\n{\"id\":1,\"method\":\"initialize\"}   Content-Length: 67108865\r\n\r\n{}",
+         "Content-Length: \\d+\r\n\r\n.\"jsonrpc\":\"2.0\",\"id\":1,.*korv-ls: error: a message is longer than 64 MiB\n.*1\n"},
+        {"", "Content-Length: \r\n\r\n", "korv-ls: error: Content-Length is not a number\n.*1\n"},
+        {"", "Content-Length: 5x\r\n\r\n{}", "korv-ls: error: Content-Length is not a number\n.*1\n"}};
+    // clang-format on
+    for (const auto& [words, input, printed] : rows) {
+        const TempDir directory;
+        WriteFile("stdin", input);
+        std::string output;
+        output += RunKorvAs(words.empty() ? Strings() : Split(words, ' '), &output, korv::RunServer);
+        EXPECT_TRUE(std::regex_match(output, std::regex(printed))) << output;
+    }
+}
+
 TEST(ServerTest, UrisArePathsAndBack) {
-    const char* rows[][2] = {{"file:///a%20b/%C3%A4.kor", "/a b/\xC3\xA4.kor"},
+    const char* rows[][2] = {{"file:///a%20b/%C3%A4~_.kor", "/a b/\xC3\xA4~_.kor"},
                              {"file://host/a", "//host/a"},
                              {"FILE:/a%zz", "/a%zz"},
                              {"file://localhost/a", "/a"}};
@@ -179,6 +220,8 @@ TEST(ServerTest, UrisArePathsAndBack) {
         EXPECT_EQ("c:/a", korv::PathOfUri("file:///c%3A/a"));
         EXPECT_EQ("file:///C%3A/a/b", korv::UriOfPath("C:\\a\\b"));
         EXPECT_EQ("file://host/a", korv::UriOfPath("\\\\host\\a"));
+    } else {
+        EXPECT_EQ("file:///a%20~_%5Cb", korv::UriOfPath("/a ~_\\b"));
     }
 }
 
@@ -199,7 +242,7 @@ TEST(ServerTest, DiagnosticsAreTheMessagesOfKorvAs) {
                 }
                 const std::string path = directory.Path() + "/Main.Kor";
                 korv::Documents documents;
-                korv::Workspace workspace(&documents);
+                korv::Workspace workspace;
                 Programs programs(&documents, &workspace);
                 documents.Open(path, {{"uri", korv::UriOfPath(path)}, {"text", main->second}});
                 programs.OnFilesChanged();

@@ -33,7 +33,7 @@ void Apply(const Json& change, PositionEncoding encoding, std::string* text) {
     }
     const auto range = FindRange(change, "/range");
     if (!range) {
-        throw Missing("/range");
+        throw RequestError{};  // not shown: a notification has no reply
     }
     const std::size_t start = OffsetOf(*text, range->start, encoding);
     const std::size_t end = std::max(start, OffsetOf(*text, range->end, encoding));

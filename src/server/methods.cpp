@@ -47,13 +47,11 @@ constexpr Feature features[] = {
 Json Server::Answer(const std::string& name, const Json& parameters) {
     struct Notification {
         std::string_view name;
-        void (Server::*take)(const Json& parameters);  // null: nothing to do
+        void (Server::*take)(const Json& parameters);
     };
+    // Others are ignored: a notification has no reply. For "$/cancelRequest", see `IsCancelled`.
     static constexpr Notification notifications[] = {
         {"initialized", &Server::OnInitialized},
-        {"$/setTrace", nullptr},
-        {"$/cancelRequest", nullptr},  // see `IsCancelled`
-        {"window/workDoneProgress/cancel", nullptr},
         {"textDocument/didOpen", &Server::OnOpened},
         {"textDocument/didChange", &Server::OnChanged},
         {"textDocument/didClose", &Server::OnClosed},
@@ -89,9 +87,7 @@ Json Server::Answer(const std::string& name, const Json& parameters) {
     if (notification == std::end(notifications)) {
         throw RequestError{ErrorCode::methodNotFound, "unknown method " + name};
     }
-    if (notification->take != nullptr) {
-        (this->*notification->take)(parameters);
-    }
+    (this->*notification->take)(parameters);
     return nullptr;
 }
 
@@ -200,9 +196,8 @@ void Server::OnFilesChanged(const Json& parameters) {
 }
 
 void Server::OnSettingsChanged(const Json& parameters) {
-    if (workspace.SetSettings(At(parameters, "/settings"))) {
-        programs.OnConfigurationChanged();
-    }
+    workspace.SetSettings(At(parameters, "/settings"));
+    programs.OnConfigurationChanged();
 }
 
 void Server::OnFoldersChanged(const Json& parameters) {

@@ -8,6 +8,7 @@
 #include <map>
 #include <string>
 
+#include "server/documents.h"
 #include "server/snapshot.h"
 #include "server/workspace.h"
 

@@ -70,7 +70,7 @@ Strings StringsOf(const Json& json, const std::string& listPath, const std::stri
 }
 
 std::optional<Position> FindPosition(const Json& json, const std::string& path) {
-    constexpr std::int64_t most = INT32_MAX - 1;  // so that the line still fits when counted from 1
+    constexpr std::int64_t most = UINT32_MAX;
     const auto line = Get<std::int64_t>(json, path + "/line", -1);
     const auto character = Get<std::int64_t>(json, path + "/character", -1);
     if (line < 0 || character < 0) {

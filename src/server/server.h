@@ -54,7 +54,7 @@ class Server {
     MessageStream stream;
     std::string version;
     Documents documents;
-    Workspace workspace{&documents};
+    Workspace workspace;
     Programs programs{&documents, &workspace};
     std::deque<Json> queue;                 // messages that have been read but not handled
     std::map<std::string, Json> published;  // the last parameters sent, by URI

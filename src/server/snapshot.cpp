@@ -16,7 +16,7 @@ void AddLabel(const Analysis& analysis, Place start, PlaceIndex* index) {
     const auto end = std::ranges::find_if_not(line, [](char c) { return HasClass(c, CC_NAME); });
     const std::string label = Raised({line.begin(), end});
     const Name* const name = FindName(analysis, label);
-    if (name != nullptr && FindKeyword(label) == nullptr) {
+    if (name != nullptr) {
         start.length = static_cast<std::uint32_t>(label.size());
         index->Add({name, start, /*isDefinition=*/true});
     }

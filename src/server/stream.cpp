@@ -18,10 +18,8 @@ void MessageStream::Fill() {
     std::array<char, 65536> block;
     const std::size_t count = connection->Read(block.data(), block.size());
     isAtEnd = count == 0;
-    if (taken > input.size() / 2) {
-        input.erase(0, taken);
-        taken = 0;
-    }
+    input.erase(0, taken);
+    taken = 0;
     input.append(block.data(), count);
 }
 
@@ -31,12 +29,12 @@ void MessageStream::TakeField(std::string_view line) {
         return;  // Content-Type: UTF-8 is the only encoding
     }
     const std::string_view digits = WithoutLeadingBlanks(line.substr(name.size()));
-    std::size_t value = 0;
+    std::size_t value = SIZE_MAX;  // unchanged if the number is even larger
     const char* const end = digits.data() + digits.size();
-    const auto [stop, error] = std::from_chars(digits.data(), end, value);
-    if (error == std::errc::invalid_argument || !WithoutLeadingBlanks({stop, end}).empty()) {
+    const char* const stop = std::from_chars(digits.data(), end, value).ptr;
+    if (stop == digits.data() || !WithoutLeadingBlanks({stop, end}).empty()) {
         Fail("Content-Length is not a number");
-    } else if (error != std::errc() || value > longestMessage) {
+    } else if (value > longestMessage) {
         Fail("a message is longer than 64 MiB");
     } else {
         length = value;
@@ -52,11 +50,11 @@ bool MessageStream::TakeHeader() {
     if (std::min(size, rest.size()) > longestHeader) {
         Fail("the input is not in messages with a Content-Length");
     }
-    if (isAtEnd || size == std::string_view::npos) {
+    if (size == std::string_view::npos) {
         return false;
     }
     std::string_view header = rest.substr(0, size + lineEnd.size());
-    while (!header.empty() && !isAtEnd) {
+    while (!header.empty()) {
         const std::size_t end = header.find(lineEnd);
         TakeField(header.substr(0, end));
         header.remove_prefix(end + lineEnd.size());

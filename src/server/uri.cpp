@@ -51,8 +51,7 @@ std::optional<std::string> PathOfUri(std::string_view uri) {
     } else if (path.starts_with(localHost)) {
         path.erase(0, localHost.size() - 1);
     }
-    const std::string_view afterSlash = std::string_view(path).substr(path.empty() ? 0 : 1);
-    if (path.starts_with('/') && platform::DriveLength(afterSlash) != 0) {
+    if (path.starts_with('/') && platform::DriveLength(path.substr(1)) != 0) {
         path.erase(0, 1);
     }
     return path;

@@ -7,6 +7,7 @@
 #include "codegen/handlers.h"
 #include "codegen/keywords.h"
 #include "frontend/argument_files.h"
+#include "frontend/file_store.h"
 #include "frontend/statement_view.h"
 #include "source/char_class.h"
 
@@ -19,7 +20,6 @@ namespace fs = std::filesystem;
 // folder of a program has that many files.
 constexpr std::size_t longestSource = 1024 * 1024;
 constexpr std::size_t mostFiles = 2000;
-constexpr int deepestInclude = 16;
 
 // Converts via UTF-8: where file names are wide, fs::path may expect another encoding.
 fs::path PathOf(const std::string& name) {
@@ -64,10 +64,10 @@ std::vector<fs::directory_entry> EntriesOf(const fs::path& folder) {
 // The names in INCLUDE lines, even in lines that are not assembled. This does no harm: a program
 // that turns out not to read the file is not used.
 Strings IncludedNames(const StoredText& text) {
-    Strings names;
     if (text.Bytes().find('\0') != std::string::npos) {
-        return names;  // an image, or another file that is not text
+        return {};  // an image, or another file that is not text
     }
+    Strings names;
     for (std::int32_t line = 1; line <= text.LineCount(); ++line) {
         const std::string raised = Raised(text.Line(line));
         if (raised.find("INCLUDE") == std::string::npos) {
@@ -92,26 +92,22 @@ std::string Workspace::FullPath(const std::string& name, const std::string& fold
 
 void Workspace::AddFolder(const std::string& path) {
     folders.push_back(Trimmed(path));
-    Forget();
 }
 
 void Workspace::RemoveFolder(const std::string& path) {
     std::erase(folders, Trimmed(path));
-    Forget();
 }
 
-bool Workspace::SetSettings(const Json& settings) {
+void Workspace::SetSettings(const Json& settings) {
     const Json& section = settings.contains("korv") ? settings["korv"] : settings;
     if (!section.is_object()) {
-        return false;
+        return;
     }
     words = StringsOf(section, "/arguments");
     if (const auto main = Get<std::string>(section, "/main", ""); !main.empty()) {
         words.push_back(main);
     }
-    inlayHints = Get<std::string>(section, "/inlayHints", "none");
-    Forget();
-    return true;
+    inlayHints = Get<std::string>(section, "/inlayHints", "");
 }
 
 void Workspace::Forget() {
@@ -183,8 +179,7 @@ const Strings& Workspace::IncludesOf(const std::string& path) {
     const auto [at, isNew] = includes.try_emplace(path);
     if (isNew) {
         FileStore store;
-        documents->AddTo(&store);
-        (void)store.Open(path, 0);  // reads it, if it is not open
+        (void)store.Open(path, 0);  // reads it
         const FileStore::Text text = store.TextOf(path);
         for (const std::string& name : text == nullptr ? Strings() : IncludedNames(*text)) {
             at->second.push_back(FullPath(name, DirectoryOf(path)));
@@ -211,13 +206,9 @@ std::optional<std::string> Workspace::FindIncluder(const std::string& path) {
 
 const std::string& Workspace::IncluderOf(const std::string& path) {
     const auto [at, isNew] = includers.try_emplace(path, path);
-    if (isNew) {
-        for (int depth = 0; depth < deepestInclude; ++depth) {
-            const auto includer = FindIncluder(at->second);
-            if (!includer || *includer == path) {
-                break;
-            }
-            at->second = *includer;
+    if (isNew) {  // so that files that include each other are searched for only once
+        if (const auto includer = FindIncluder(path)) {
+            at->second = IncluderOf(*includer);
         }
     }
     return at->second;

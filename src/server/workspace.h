@@ -9,7 +9,7 @@
 
 #include "frontend/options.h"
 #include "platform/platform.h"
-#include "server/documents.h"
+#include "server/protocol.h"
 
 namespace korv {
 
@@ -29,14 +29,11 @@ class Workspace {
     /// The name of an argument file.
     static constexpr const char* argumentFileName = "korv-as.args";
 
-    /// `documents` is not owned.
-    explicit Workspace(Documents* documents) : documents(documents) {}
-
     /// `path` is a full path.
     void AddFolder(const std::string& path);
     void RemoveFolder(const std::string& path);
-    /// `settings` is the client's section "korv", or contains it. Result: false if neither.
-    bool SetSettings(const Json& settings);
+    /// `settings` is the client's section "korv", or contains it; ignored if neither.
+    void SetSettings(const Json& settings);
     /// "none", "address" or "addressAndBytes".
     [[nodiscard]] const std::string& InlayHints() const { return inlayHints; }
 
@@ -56,7 +53,7 @@ class Workspace {
     /// of folders end with a slash.
     [[nodiscard]] Strings FilesIn(const std::string& path, const std::string& name);
 
-    /// Discards the cached results. Called when files, folders or settings have changed.
+    /// Discards the cached results. Must be called when files, folders or settings have changed.
     void Forget();
 
   private:
@@ -67,7 +64,6 @@ class Workspace {
     [[nodiscard]] std::optional<std::string> FindIncluder(const std::string& path);
     [[nodiscard]] const Strings& IncludesOf(const std::string& path);
 
-    Documents* documents;
     platform::CurrentDirectory directory;  // never changed
     Strings folders;                       // full paths
     Strings words;                         // of the settings

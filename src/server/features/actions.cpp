@@ -9,7 +9,7 @@ namespace korv {
 namespace {
 
 // The edits of `messages`. Edits overlap if two messages propose to change the same word. An editor
-// rejects overlapping edits, so only the first one is kept.
+// rejects overlapping edits, so only the first one is kept, also of two that touch.
 Json EditOf(const Snapshot& snapshot, const std::vector<const Message*>& messages) {
     std::map<Place, const Edit*> edits;  // keyed by start, without length
     for (const Message* const message : messages) {
@@ -21,13 +21,18 @@ Json EditOf(const Snapshot& snapshot, const std::vector<const Message*>& message
     Json changes;
     Place last;
     for (const auto& [start, edit] : edits) {
-        if (!Covers(last, start) || start.column == last.column + last.length) {
+        if (!Covers(last, start)) {
             changes[snapshot.UriOf(start.file)].push_back(
                 TextEdit(snapshot.RangeOf(edit->place), edit->text));
             last = edit->place;
         }
     }
     return {{"changes", changes}};
+}
+
+Json ActionOf(const Snapshot& snapshot, const std::string& title,
+              const std::vector<const Message*>& messages) {
+    return {{"title", title}, {"kind", "quickfix"}, {"edit", EditOf(snapshot, messages)}};
 }
 
 }  // namespace
@@ -55,10 +60,8 @@ Json DiagnosticOf(const Snapshot& snapshot, const Message& message) {
     Json diagnostic = {{"range", hasPlace ? snapshot.RangeOf(message.place) : Range()},
                        {"severity", message.severity == Severity::error ? 1 : 2},
                        {"source", "korv"},
+                       {"code", message.code},
                        {"message", text}};
-    if (!message.code.empty()) {
-        diagnostic["code"] = message.code;
-    }
     if (!related.empty()) {
         diagnostic["relatedInformation"] = std::move(related);
     }
@@ -81,20 +84,16 @@ Json CodeActions(const Query& query) {
         if (message.place.file == query.file && line >= query.range.start.line &&
             line <= query.range.end.line) {
             codesHere.insert(message.code);
-            actions.push_back({{"title", message.note},
-                               {"kind", "quickfix"},
-                               {"edit", EditOf(snapshot, {&message})},
-                               {"isPreferred", true},
-                               {"diagnostics", Json::array({DiagnosticOf(snapshot, message)})}});
+            actions.push_back(ActionOf(snapshot, message.note, {&message}));
+            actions.back()["isPreferred"] = true;
+            actions.back()["diagnostics"] = Json::array({DiagnosticOf(snapshot, message)});
         }
     }
     for (const std::string_view code : codesHere) {
         if (kinds[code].size() > 1) {
-            actions.push_back(
-                {{"title", "fix all messages [" + std::string(code) + "] that have a fix"},
-                 {"kind", "quickfix"},
-                 {"edit", EditOf(snapshot, kinds[code])},
-                 {"isPreferred", false}});
+            const std::string title =
+                "fix all messages [" + std::string(code) + "] that have a fix";
+            actions.push_back(ActionOf(snapshot, title, kinds[code]));
         }
     }
     return actions;

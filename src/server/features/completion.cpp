@@ -115,8 +115,8 @@ class ItemList {
     // Adds a word of the language, in lower case if the line contains lower-case letters.
     Json& AddWord(ItemKind kind, std::string_view word, std::string_view order = "") {
         std::string label(word);
-        for (char& c : label) {
-            c = isSmall && HasClass(c, CC_LETTER) ? static_cast<char>(c | 0x20) : c;
+        for (char& c : label) {  // other characters of these words have the bit
+            c = isSmall ? static_cast<char>(c | 0x20) : c;
         }
         return Add(kind, std::move(label), order);
     }
@@ -247,8 +247,8 @@ Json Signatures(const Query& query) {
     // All operands of a list are like the first.
     const bool isList = statement.keyword->operands.most > 2;
     const std::size_t operand = isList ? 0 : prefix.operand;
-    const auto matching =  // the forms that also match the typed part of the operand
-        FormsOf(statement, std::min(operand + 1, statement.operands.size()));
+    // The forms that also match the typed part of the operand.
+    const auto matching = FormsOf(statement, statement.operands.size());
     Json signatures = Json::array();
     std::size_t active = 0;
     for (const std::string& form : FormsOf(statement, operand)) {

@@ -26,8 +26,7 @@ std::optional<LineParts> Cut(std::string_view line) {
     const std::size_t comment = CommentStart(line);
     const std::string statement = Raised(line.substr(0, comment));
     const bool isStringOpen = std::ranges::count(statement, '"') % 2 != 0;
-    const bool isContinued = line.substr(0, line.find_last_not_of("\t\v ") + 1).ends_with('\\');
-    if (isStringOpen || isContinued || line.find_first_of(odd) != std::string_view::npos) {
+    if (isStringOpen || line.find_first_of(odd) != std::string_view::npos) {
         return std::nullopt;
     }
     const StatementView view = CutStatement(statement, line);
@@ -48,7 +47,7 @@ class LineFormatter {
   public:
     explicit LineFormatter(const Query& query) : snapshot(query.snapshot), file(query.file) {
         const auto size = Get<std::int64_t>(query.parameters, "/options/tabSize", 8);
-        tabSize = static_cast<std::size_t>(std::clamp<std::int64_t>(size, 1, 16));
+        tabSize = static_cast<std::size_t>(std::max<std::int64_t>(size, 1));
         hasTabs = !Get(query.parameters, "/options/insertSpaces", true);
     }
 

@@ -291,7 +291,7 @@ void AdviseOnBadToken(OperandCase* it, const Token& token) {
         it->Insert(text, "\"");
         it->advice.note = "open the string with a double quote";
     } else if (const std::size_t quote = text.find('"');
-               HasClass(text.front(), CC_DIGIT) && text.ends_with('"')) {  // "34"text""
+               HasClass(text.front(), CC_DIGIT) && text.ends_with('"')) {    // "34"text""
         const std::size_t end = text[quote - 1] == '.' ? quote - 1 : quote;  // "34."text""
         it->Replace(text.substr(end, quote - end), ",");
         it->advice.note =

@@ -184,7 +184,7 @@ bool AdviseOnShape(OperandCase* it) {
             token->text.size() == 1) {  // probably a register
             return false;
         }
-        if (HoldsWord("IN OUT", it->statement.mnemonic)) {  // "OUT (V),E"
+        if (HoldsWord("IN OUT", it->statement.mnemonic) && operands.size() == 2) {  // "OUT (V),E"
             it->PointAt(operands[it->statement.mnemonic == "IN" ? 1 : 0].text);
             it->advice.note = "use (C), or a number with A";
         } else if (it->fault.number != MSG_TOO_MANY_ARGUMENTS &&

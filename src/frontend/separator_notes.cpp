@@ -125,8 +125,7 @@ bool AdviseOnSeparator(OperandCase* it) {
     const bool isMissing =
         isAfterString || isList || (it->fault.number == MSG_ARGUMENT_EXPECTED && !isData);
     if (at == std::string_view::npos || at == 0 || isMemory ||
-        text.find_first_not_of("+-", at) ==
-            std::string_view::npos ||  // "DEC HL--" at + size >= text.size() ||
+        text.find_first_not_of("+-", at + size) == std::string_view::npos ||  // "DEC HL--"
         (!isMissing && ClassOf(text.substr(0, at)).kind == KIND_VALUE)) {
         return false;
     }

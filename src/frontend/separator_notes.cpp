@@ -37,8 +37,8 @@ bool AdviseOnComma(OperandCase* it) {
         }
     }
     const std::size_t after = typed.find_first_not_of(" \t;", end);
-    if (statement.rest.empty() && after < typed.size()) {  // "LD ;A,5"
-        const std::size_t start = typed.find(';');
+    const std::size_t start = typed.find(';');
+    if (statement.rest.empty() && start < after && after < typed.size()) {  // "LD ;A,5"
         const std::vector<TextEdit> edits = {
             {{static_cast<std::uint32_t>(start), static_cast<std::uint32_t>(after - start)}, " "}};
         if (IsSound(it->adviser.Facts(), statement, edits)) {

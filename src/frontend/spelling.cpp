@@ -261,7 +261,7 @@ Foreign FindForeign(const StatementView& statement, const OperandView& operand) 
         if (isString) {
             continue;
         }
-        if (static_cast<unsigned char>(c) > 126) {
+        if (static_cast<unsigned char>(c) > 127) {
             return {operand.text, "", oddCharacterNote};
         }
         const std::size_t at = statement.PartOf(operand.text).offset + i;

@@ -120,7 +120,12 @@ Programs::Program& Programs::ProgramFor(const std::string& path) {
         if (program.main == path || !program.Reads(path)) {
             continue;
         }
-        Refresh(&program);
+        if (program.configuration.origin == configuration.origin &&
+            program.configuration.directory == configuration.directory) {
+            Need(configuration, program.main);  // with the words that the argument file has now
+        } else {
+            Refresh(&program);
+        }
         if (program.Reads(path)) {
             program.isNeeded = true;
             return program;

@@ -8,6 +8,7 @@
 #include <map>
 #include <sstream>
 
+#include "codegen/keywords.h"
 #include "frontend/analyser.h"
 #include "frontend/file_store.h"
 #include "run.h"
@@ -177,7 +178,12 @@ std::string Reply(const Program& program, const std::string& request, const std:
             return label + (item.contains("detail") ? "=" + std::string(item["detail"]) : "");
         };
         const Json items = program.Ask(korv::Completions);
-        return items.size() > 50 ? std::to_string(items.size()) + " words\n" : Lines(items, shown, " ");
+        std::string others;  // the keywords that are not offered: a new one changes nothing here
+        for (const korv::Keyword& each : korv::keywords) {
+            const auto isIt = [&each](const Json& item) { return item["label"] == each.word; };
+            others += std::ranges::none_of(items, isIt) ? " " + std::string(each.word) : "";
+        }
+        return items.size() > 50 ? "all but" + others + "\n" : Lines(items, shown, " ");
     }
     if (request == "signatures") {
         return Signatures(program);

@@ -103,7 +103,7 @@ Foreign ForeignNumber(const StatementView& statement, const Token& token) {
                 "use the digits 0 and 1 before B" +
                     (isEither ? ", or write " + typed + "H if it is hexadecimal" : "")};
     }
-    if (text.starts_with("0B") && text.size() > 2 &&
+    if (text.starts_with("0B") &&
         text.find_first_not_of("0123456789", 2) == std::string_view::npos &&
         text.find_first_not_of("01", 2) != std::string_view::npos) {  // "0B12"
         const std::string other =

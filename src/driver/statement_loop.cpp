@@ -51,7 +51,7 @@ bool RunsWhileSkipping(InstructionHandler handler) {
 }
 
 // Runs the frame of the mnemonic at `start`, then its handler. Result: the status of the frame if
-// it fails, else that of the handler; 0 if there is nothing to run.
+// the frame fails, otherwise the status of the handler; 0 if there is nothing to run.
 Status RunHandler(CAssembler* assembler, CStatement* statement, const char* start) {
     const Keyword* const keyword = RecogniseInstruction(start);
     if (keyword == nullptr) [[unlikely]] {

@@ -86,14 +86,11 @@ const Token* FindProse(const OperandCase& it) {
         for (std::size_t i = 0; i < tokens.size(); ++i) {
             const bool isDashed =
                 i > 1 && it.statement.Span(tokens[i - 2].text, tokens[i - 1].text) == "--";
-            const bool isAfterValue =
-                i > 0 && (tokens[i - 1].IsValue() || tokens[i - 1].code == OP_CLOSE);
             const bool isInList = HoldsWord(dataDirectives, it.statement.mnemonic) &&
                                   &operand != &it.statement.operands.back();
-            const bool isFirst = i == 0 && tokens.size() > 1 && tokens[1].IsValue();
+            const bool isExpected = i == 0 && (tokens.size() == 1 || !tokens[1].IsValue());
             if (tokens[i].kind != TokenKind::name || it.IsDefined(tokens[i].text) ||
-                HoldsWord("PLUS MINUS TIMES X IS", tokens[i].text) || isInList ||
-                (!isDashed && !isAfterValue && !isFirst)) {
+                HoldsWord("PLUS MINUS TIMES X IS", tokens[i].text) || isInList || isExpected) {
                 continue;
             }
             const Token& start = tokens[isDashed ? i - 2 : i];

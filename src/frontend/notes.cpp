@@ -57,10 +57,6 @@ constexpr std::string_view blockEnds =
     "ENDSCOPE ENDP ENDNAMESPACE ENT EXITM UNTIL ENDREPEAT ENDREP ENDREPT ENDWHILE ENDFOR ENDU "
     "ENDSTRUC ENDPROC ENDLUA ENDE ENDENUM ENDFUNC ENDFUNCTION ENDSELECT ENDSWITCH CASE DEFAULT }";
 
-// Directives of other assemblers whose operands are names defined in other files.
-constexpr std::string_view importDirectives =
-    "EXTRN EXTERN EXTERNAL EXT XREF GLOBAL GLOBL XLIB IMPORT";
-
 // `word` without the marks that other assemblers put before directives.
 std::string_view Plain(std::string_view word) {
     const std::size_t start = word.find_first_not_of(".#!%");
@@ -157,11 +153,6 @@ Advice Adviser::AdviceFor(const FaultView& fault) {
     if (advice.note.empty() && advice.edits.size() == 1 && !advice.edits[0].text.empty()) {
         advice.note = "write " + advice.edits[0].text;
     }
-    if (!advice.place && fault.part.length == 0) {
-        const StatementView& statement = fault.statement;
-        advice.place =
-            statement.PartOf(statement.mnemonic.empty() ? statement.label : statement.mnemonic);
-    }
     if (fault.isError) {
         advice.isFollowOn = IsFollowOn(fault, advice) || advice.isFollowOn;
         hasSkippedNames = hasSkippedNames || (IsAboutExpression(fault.number) &&
@@ -182,7 +173,7 @@ std::string Adviser::UnknownName(const FaultView& fault, const Advice& advice) c
     const std::string_view name = fault.statement.line.substr(place.offset, place.length);
     const auto known = facts.FindName(name);
     const bool isUnknown = fault.number == MSG_UNRESOLVED || fault.number == MSG_NOT_IMMEDIATE;
-    return isUnknown && IsNameText(name) && !(known && known->hasValue) ? std::string(name) : "";
+    return isUnknown && !(known && known->hasValue) ? std::string(name) : "";
 }
 
 bool Adviser::IsFollowOn(const FaultView& fault, const Advice& advice) {
@@ -197,8 +188,7 @@ bool Adviser::IsFollowOn(const FaultView& fault, const Advice& advice) {
         const bool isAgain = std::ranges::any_of(
             lastPlaces,
             [&place, isWhole](const LinePart& each) { return isWhole || Overlap(each, place); });
-        const bool isOpen =
-            lastNote == closeQuoteNote || lastNote == doubleQuoteNote;  // the rest is a string
+        const bool isOpen = lastNote == doubleQuoteNote;  // the rest is a string
         if (isAgain || isOpen || lastNumber == MSG_ILLEGAL_CONDITION ||
             (!advice.note.empty() && advice.note == lastNote)) {
             return true;
@@ -277,8 +267,7 @@ void Adviser::Remember(const FaultView& fault, const Advice& advice) {
     renamedLabels.insert(advice.explains.begin(), advice.explains.end());
     RememberCondition(fault, advice, isRefused);
     namelessDefinitions += fault.number == MSG_NO_LABEL && advice.names.empty() ? 1 : 0;
-    const bool isImport = HoldsWord(importDirectives, Plain(statement.mnemonic));
-    if (fault.number == MSG_UNKNOWN_INSTRUCTION && (isImport || advice.edits.empty())) {
+    if (fault.number == MSG_UNKNOWN_INSTRUCTION && advice.edits.empty()) {
         for (const OperandView& operand : statement.operands) {  // perhaps names to define
             const auto known = facts.FindName(operand.text);
             if (!known || !known->hasValue) {
@@ -289,8 +278,7 @@ void Adviser::Remember(const FaultView& fault, const Advice& advice) {
     if (fault.number == MSG_UNKNOWN_INSTRUCTION && !statement.label.empty()) {
         unsureNames.emplace(statement.label);
     }
-    hasRefusedFile = hasRefusedFile || MeantMnemonic(fault, advice) == "INCLUDE" ||
-                     (fault.number == MSG_CANNOT_OPEN && statement.mnemonic == "INCLUDE");
+    hasRefusedFile = hasRefusedFile || MeantMnemonic(fault, advice) == "INCLUDE";
     hasRefusedBlock = hasRefusedBlock || HoldsWord(blockStarts, Plain(statement.mnemonic)) ||
                       statement.rest.ends_with('{');
     if (const std::string_view end = EndOfBlock(statement); !end.empty()) {
@@ -310,13 +298,9 @@ void Adviser::Remember(const FaultView& fault, const Advice& advice) {
 
 void Adviser::RememberCondition(const FaultView& fault, const Advice& advice, bool isRefused) {
     const StatementView& statement = fault.statement;
-    if (IsCondition(statement.mnemonic) &&
-        (HoldsEnd(statement) || advice.note == oneInstructionNote)) {  // "IF X NOP ENDIF"
+    if ((IsCondition(statement.mnemonic) && HoldsEnd(statement)) ||  // "IF X NOP ENDIF"
+        HoldsWord("ENDIF ENDC", statement.label)) {
         ++refusedEnds;
-    }
-    if (fault.number == MSG_LABEL_WITHOUT_COLON && HoldsWord("ENDIF ENDC", statement.label)) {
-        ++refusedEnds;
-        hasSkippedNames = true;
     }
     const std::string meant = MeantMnemonic(fault, advice);
     const bool isSlip = fault.number == MSG_UNKNOWN_INSTRUCTION && advice.edits.empty() &&
@@ -327,8 +311,7 @@ void Adviser::RememberCondition(const FaultView& fault, const Advice& advice, bo
         refusedConditions += fault.number == MSG_NOT_IN_CONDITION ? 1 : 0;
         refusedEnds += fault.number == MSG_ILLEGAL_ELSE ? 1 : 0;
     }
-    if ((isRefused || fault.number == MSG_RESERVED_NAME) &&
-        (HoldsWord("IFDEF IFNDEF", statement.label) || IsCondition(meant) || isSlip)) {
+    if (isRefused && (HoldsWord("IFDEF IFNDEF", statement.label) || IsCondition(meant) || isSlip)) {
         ++refusedConditions;
         hasRefusedBranch = true;
         hasRefusedTest = hasRefusedTest || advice.edits.empty();
@@ -336,7 +319,6 @@ void Adviser::RememberCondition(const FaultView& fault, const Advice& advice, bo
     if (HoldsWord("ENDIF ENDC FI", meant) && fault.number != MSG_NOT_IN_CONDITION &&
         fault.number != MSG_LABEL_NOT_ALLOWED) {
         (refusedConditions > 0 ? refusedConditions : refusedEnds) += refusedConditions > 0 ? -1 : 1;
-        hasSkippedNames = hasSkippedNames || refusedEnds > 0;
     }
 }
 

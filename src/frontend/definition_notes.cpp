@@ -75,8 +75,7 @@ Advice AdviseOnPreprocessor(const StatementView& statement) {
 Advice AdviseOnNameSecond(const StatementView& statement) {
     const std::string_view word = statement.mnemonic;
     // "DEFC X = 5", ".EQU X,5": the name comes second, and the first word may be in column 1.
-    const std::string_view first =
-        statement.label.empty() || statement.hasColon ? word : statement.label;
+    const std::string_view first = statement.label.empty() ? word : statement.label;
     const bool isSet =  // "SET X,5"
         first == "SET" && statement.operands.size() == 2 &&
         statement.operands[1].what.kind == KIND_VALUE &&
@@ -104,14 +103,13 @@ Advice AdviseOnDefinition(const StatementView& statement) {
         sign = line.substr(name.size(), 1);
         value = line.substr(name.size() + 1);
     } else if (!value.empty() &&
-               (name.empty() ||
-                (statement.hasColon && ClassOf(word).kind != KIND_VALUE))) {  // " X EQU 5"
+               (name.empty() || ClassOf(word).kind != KIND_VALUE)) {  // " X EQU 5"
         name = word.ends_with(':') ? word.substr(0, word.size() - 1) : word;
         sign = value.substr(0, value.find_first_of(" \t"));
         value = WithoutLeadingBlanks(value.substr(sign.size()));
     }
     const std::size_t at = std::min(word.find_first_of(":="), word.size());
-    if (at > 0 && word.substr(at).find('=') < 2 &&
+    if (word.substr(at).find('=') < 2 &&
         (statement.label.empty() || ClassOf(word.substr(0, at)).kind != KIND_VALUE)) {  // "HL=5"
         name = word.substr(0, at);
         sign = word.substr(at);

@@ -96,7 +96,7 @@ void MessageMaker::Finish() {
         }
         auto& message = std::get<Message>(each);
         if (!message.warning) {
-            if (message.code != "open-if" || !adviser.TakeRefusedEnd()) {
+            if (!adviser.TakeRefusedEnd()) {  // an IF without an ENDIF
                 AddMessage(std::move(message), analysis);
             }
         } else if ((message.warning != Warning::condition &&
@@ -120,7 +120,7 @@ void MessageMaker::ExpectRefusal(const SourcePlace& place) {
         adviser.ExpectRefusal(statement.label);
     }
     const std::string_view word = line.substr(0, line.find_first_of(" \t:"));
-    if (!word.empty() && !IsNameText(word) && line.substr(word.size()).starts_with(':')) {
+    if (!IsNameText(word) && line.substr(word.size()).starts_with(':')) {
         adviser.ExpectRefusal(word);
     }
 }
@@ -130,7 +130,7 @@ void MessageMaker::ExpectHiddenValue(const SourcePlace& place) {
     const std::string line = Raised(TextOf(OpeningOf(place.file)).Line(place.line));
     const std::size_t end = line.find(';');
     const std::string hidden = " " + line.substr(end + 1);
-    if (warnings->IsOn(Warning::hiddenInstruction) && CutStatement(hidden).mnemonic == "EQU") {
+    if (CutStatement(hidden).mnemonic == "EQU") {
         adviser.ExpectRefusal(std::string_view(line).substr(0, end));
     }
 }
@@ -174,8 +174,7 @@ void MessageMaker::Make(const Report& report) {
         return;
     }
     const StatementView& statement = StatementAt(report.place);
-    if (report.number == MSG_LABEL_WITHOUT_COLON && HoldsWord("ENDIF ENDC", statement.label) &&
-        assembler->conditionDepth > 0) {
+    if (HoldsWord("ENDIF ENDC", statement.label) && assembler->conditionDepth > 0) {
         message.severity = Severity::error;  // the IF that it should end is still open
     }
     const FaultView fault{.number = report.number,
@@ -223,7 +222,7 @@ void MessageMaker::Take(Advice advice, const Report& report, Message* message) {
         if (message->warning == Warning::keywordLabel) {
             message->note = "indent it, or end it with a colon if it is a label";
         }
-    } else if (report.number == MSG_ORG_IN_CODE && message->warning == Warning::orgGap) {
+    } else if (message->warning == Warning::orgGap) {
         message->note = "remove one ORG: the image is loaded at the address of the first";
     }
     if (!advice.text.empty()) {
@@ -321,7 +320,7 @@ std::optional<KnownName> MessageMaker::FindName(std::string_view name) const {
     KnownName known;
     known.hasValue = (record->flags & IDF_RESOLVED) != 0;
     known.value = record->value;
-    known.isCommandLine = (record->flags & IDF_EQU) != 0 && record->file == 0;
+    known.isCommandLine = record->file == 0;
     if (record->file != 0) {
         const Opening& opening =
             analysis->openings[static_cast<std::size_t>(OpeningOf(record->file))];

@@ -42,8 +42,8 @@ bool AdviseOnCircle(OperandCase* it, const std::string& name) {
     if (path.size() == 1) {
         return false;
     }
-    it->advice.isFollowOn = it->fault.isLate || it->adviser.IsExplained(path.back()) ||
-                            !HoldsWord("IF COND", it->statement.mnemonic);
+    it->advice.isFollowOn =
+        it->adviser.IsExplained(path.back()) || !HoldsWord("IF COND", it->statement.mnemonic);
     it->advice.note =
         "check the EQU of " + path[path.size() - 2] + ": " + path.back() + " has no value here";
     return true;
@@ -59,8 +59,7 @@ bool AdviseOnWordOperator(OperandCase* it, const Token& token) {
     }
     for (const std::string_view word : {"AND", "XOR", "OR", "SHL", "SHR", "MOD"}) {
         const std::vector<TextEdit> edits = {{it->statement.PartOf(token.text), std::string(word)}};
-        if (word.size() > 2 && token.text.size() <= longestCompared &&
-            EditDistance(token.text, word) == 1 &&
+        if (token.text.size() <= longestCompared && EditDistance(token.text, word) == 1 &&
             IsSound(it->adviser.Facts(), it->statement, edits)) {
             it->advice.edits = edits;
             it->advice.note = "did you mean " + std::string(word) + "?";
@@ -191,8 +190,7 @@ bool AdviseOnLetterForDigit(OperandCase* it, const Token& token) {
 // A defined name with a similar spelling, or "A_B" for A-B and "AX3" for A*3.
 bool AdviseOnNearName(OperandCase* it, const Token& token) {
     const auto isValue = [it](std::string_view text) {
-        return it->IsDefined(text) ||
-               (!text.empty() && text.find_first_not_of("0123456789") == text.npos);
+        return it->IsDefined(text) || text.find_first_not_of("0123456789") == text.npos;
     };
     for (std::size_t i = 1; i + 1 < token.text.size(); ++i) {
         const char sign = token.text[i] == '_' ? '-' : '*';
@@ -204,7 +202,7 @@ bool AdviseOnNearName(OperandCase* it, const Token& token) {
     }
     const std::string_view stem =
         token.text.substr(std::min(token.text.find_first_not_of("0123456789"), token.text.size()));
-    if (stem.size() < token.text.size() && it->IsDefined(stem)) {  // "2WIDTH"
+    if (it->IsDefined(stem)) {  // "2WIDTH"
         it->advice.note = "put an operator before " + std::string(it->statement.Typed(stem));
         return true;
     }

@@ -329,7 +329,7 @@ std::optional<RowAdvice> WordAdvice(const StatementView& statement) {
         word.remove_prefix(strips ? 1 : 0);
         const bool isImmediate = count == 1 && statement.rest.starts_with('#');
         const std::string marked = std::string(word) + "#";  // for the 6502
-        if (strips && HoldsWord("MACRO PROC ENDP ENDM", word)) {
+        if (HoldsWord("MACRO PROC ENDP ENDM", word)) {
             return RowAdvice{std::string(macroNote), {}, {}};
         }
         if (FindKeyword(word) != nullptr) {

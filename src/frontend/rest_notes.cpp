@@ -52,7 +52,7 @@ Advice AdviseOnFile(const RunFacts& facts, const FaultView& fault) {
     std::ranges::replace(slashed, '\\', '/');
     const std::string base = slashed.substr(slashed.find_last_of('/') + 1);
     const std::string stem = inner.substr(0, inner.find_last_of('.'));
-    if (HoldsWord(". ..", base) || base.empty()) {
+    if (base.empty()) {
         advice.note = "write the name of a file, not of a directory";
         return advice;
     }
@@ -266,7 +266,7 @@ Advice AdviseOnRest(Adviser& adviser, const FaultView& fault) {
         default:
             break;
     }
-    if (fault.number == MSG_COMMAND_LINE_SKIPPED && statement.mnemonic.starts_with('=')) {
+    if (statement.mnemonic.starts_with('=')) {
         advice.note = "write ORG and the address in place of *=";
         return advice;
     }

@@ -299,7 +299,7 @@ void Adviser::Remember(const FaultView& fault, const Advice& advice) {
 void Adviser::RememberCondition(const FaultView& fault, const Advice& advice, bool isRefused) {
     const StatementView& statement = fault.statement;
     if ((IsCondition(statement.mnemonic) && HoldsEnd(statement)) ||  // "IF X NOP ENDIF"
-        HoldsWord("ENDIF ENDC", statement.label)) {
+        (fault.number == MSG_LABEL_WITHOUT_COLON && HoldsWord("ENDIF ENDC", statement.label))) {
         ++refusedEnds;
     }
     const std::string meant = MeantMnemonic(fault, advice);

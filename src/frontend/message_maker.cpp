@@ -248,12 +248,11 @@ void MessageMaker::AddUses(const Advice& advice, Message* message) {
     const std::string& name = advice.names.front();
     const bool isLocal = name.starts_with('.') || name.ends_with('$');
     for (std::int32_t file = 0; std::cmp_less(file, analysis->files.size()); ++file) {
-        const auto& text = analysis->files[static_cast<std::size_t>(file)].text;
-        if (text == nullptr || analysis->files[static_cast<std::size_t>(file)].isBinary ||
-            (isLocal && file != at.file)) {
+        const SourceFile& source = analysis->files[static_cast<std::size_t>(file)];
+        if (source.isBinary || (isLocal && file != at.file)) {
             continue;
         }
-        for (const Place& use : FindUses(*text, file, name, at.line, &renameBudget)) {
+        for (const Place& use : FindUses(*source.text, file, name, at.line, &renameBudget)) {
             if (use != message->edits[0].place) {
                 message->edits.push_back({use, advice.newName});
             }

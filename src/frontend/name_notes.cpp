@@ -138,13 +138,10 @@ const Token* FindUnknown(const OperandCase& it) {
 
 // A register or condition in an expression.
 bool AdviseOnNamedRegister(OperandCase* it, const Token& token) {
-    if (token.kind != TokenKind::registerName && token.kind != TokenKind::condition) {
+    const bool isOne =  // "5+l"
+        it->statement.Typed(token.text) == "l" && &token != it->operand->tokens.data();
+    if (isOne || (token.kind != TokenKind::registerName && token.kind != TokenKind::condition)) {
         return false;
-    }
-    if (it->statement.Typed(token.text) == "l" && &token != it->operand->tokens.data()) {
-        it->Replace(token.text, "1");
-        it->advice.note = "write 1: L is a letter";
-        return true;
     }
     const bool isSum = std::ranges::any_of(it->operand->tokens, [](const Token& each) {
         return each.code == OP_PLUS || each.code == OP_MINUS;

@@ -130,7 +130,7 @@ void MessageMaker::ExpectHiddenValue(const SourcePlace& place) {
     const std::string line = Raised(TextOf(OpeningOf(place.file)).Line(place.line));
     const std::size_t end = line.find(';');
     const std::string hidden = " " + line.substr(end + 1);
-    if (CutStatement(hidden).mnemonic == "EQU") {
+    if (warnings->IsOn(Warning::hiddenInstruction) && CutStatement(hidden).mnemonic == "EQU") {
         adviser.ExpectRefusal(std::string_view(line).substr(0, end));
     }
 }

@@ -173,7 +173,7 @@ std::string Adviser::UnknownName(const FaultView& fault, const Advice& advice) c
     const std::string_view name = fault.statement.line.substr(place.offset, place.length);
     const auto known = facts.FindName(name);
     const bool isUnknown = fault.number == MSG_UNRESOLVED || fault.number == MSG_NOT_IMMEDIATE;
-    return isUnknown && !(known && known->hasValue) ? std::string(name) : "";
+    return isUnknown && IsNameText(name) && !(known && known->hasValue) ? std::string(name) : "";
 }
 
 bool Adviser::IsFollowOn(const FaultView& fault, const Advice& advice) {

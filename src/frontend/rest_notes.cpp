@@ -52,7 +52,7 @@ Advice AdviseOnFile(const RunFacts& facts, const FaultView& fault) {
     std::ranges::replace(slashed, '\\', '/');
     const std::string base = slashed.substr(slashed.find_last_of('/') + 1);
     const std::string stem = inner.substr(0, inner.find_last_of('.'));
-    if (base.empty()) {
+    if (HoldsWord(". ..", base) || base.empty()) {
         advice.note = "write the name of a file, not of a directory";
         return advice;
     }

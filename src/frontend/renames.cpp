@@ -20,9 +20,6 @@ bool HasLabel(std::string_view line) {
 void AddUsesIn(std::string_view typed, const Place& start, std::string_view name,
                std::vector<Place>* uses) {
     const std::string line = Raised(typed.substr(0, StatementEnd(typed)));
-    if (line.find(name) == std::string::npos) {
-        return;
-    }
     const StatementView statement = CutStatement(line);
     const std::string_view rest = statement.rest;
     bool isString = false;

@@ -38,16 +38,12 @@ TextEdit Translation::Whole(const StatementView& statement, std::string text) co
 }
 
 std::size_t StatementEnd(std::string_view typed) {
-    std::size_t end = CommentStart(typed);
-    while (end > 0 && HasClass(typed[end - 1], CC_BLANK)) {
-        --end;
-    }
-    return end;
+    const char* const start = typed.data();
+    return static_cast<std::size_t>(WithoutBlanks(start, start + CommentStart(typed)) - start);
 }
 
 Translation Translate(const StatementView& statement, const std::vector<TextEdit>& first) {
-    constexpr std::int32_t mostChanges = 32;
-    constexpr std::size_t longest = 400;  // a bound for the work on one message
+    constexpr std::int32_t mostChanges = 32;  // a bound for the work on one message
     Translation result;
     std::string typed = Applied(statement.typed, first);
     for (result.changes = first.empty() ? 0 : 1;; ++result.changes) {
@@ -55,7 +51,7 @@ Translation Translate(const StatementView& statement, const std::vector<TextEdit
         result.end = static_cast<std::uint32_t>(statement.typed.size() - (typed.size() - end));
         result.typed = typed.substr(0, end);
         result.line = Raised(result.typed);
-        const auto change = end > longest || result.changes == mostChanges
+        const auto change = result.changes == mostChanges
                                 ? std::nullopt
                                 : FirstChange(CutStatement(result.line, typed));
         if (!change) {

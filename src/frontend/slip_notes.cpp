@@ -52,12 +52,11 @@ std::vector<std::string> NearRegisters(const OperandCase& it, const Token& token
     return near;
 }
 
-// The defined name that two words form together, if the first is not a defined name itself or the
-// second begins with a digit.
+// The defined name that two words form together.
 std::string NameOf(const OperandCase& it, std::string_view left, std::string_view right) {
     for (const std::string_view between : {"_", ""}) {
         const std::string name = std::string(left).append(between).append(right);
-        if ((!it.IsDefined(left) || HasClass(right.front(), CC_DIGIT)) && it.IsDefined(name)) {
+        if (it.IsDefined(name)) {
             return name;
         }
     }
@@ -106,9 +105,8 @@ std::string Listed(const std::vector<std::string>& words) {
 bool AdviseOnQuotedRegister(OperandCase* it) {
     for (const OperandView& operand : it->statement.operands) {
         const std::string_view text = operand.text;
-        const bool isString =
-            operand.tokens.size() == 1 && operand.tokens[0].kind == TokenKind::string;
-        const bool isMarked = text.size() > 1 && text.front() == '#';
+        const bool isString = text.starts_with('"');
+        const bool isMarked = text.starts_with('#');
         const std::string name(isString   ? text.substr(1, text.size() - 2)
                                : isMarked ? it->statement.Typed(text.substr(1))
                                           : "");
@@ -196,7 +194,6 @@ bool AdviseOnSwappedOperands(OperandCase* it) {
         it->advice.edits.clear();
         return false;
     }
-    it->PointAt(first);
     it->advice.note = WriteNote(it->statement, edits) + ": the target is the first operand";
     return true;
 }

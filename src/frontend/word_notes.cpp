@@ -118,7 +118,7 @@ Advice AdviseOnBrace(const StatementView& statement) {
 Advice AdviseOnMark(const StatementView& statement) {
     const std::string_view word = statement.mnemonic;
     const std::string_view plain = word.substr(std::min<std::size_t>(1, word.size()));
-    const bool isOwn = FindKeyword(plain) != nullptr || plain == "IFDEF" || plain == "IFNDEF";
+    const bool isOwn = FindKeyword(plain) != nullptr || HoldsWord("IFDEF IFNDEF", plain);
     if (word.front() == '#' && statement.label.empty() && !isOwn && !word.ends_with(':')) {
         return Say(statement, word, "use NAME: EQU 5, INCLUDE and IF: there is no preprocessor");
     }
@@ -137,9 +137,6 @@ bool HasKnownNames(const RunFacts& facts, const OperandView& operand) {
 Advice AdviseOnJoinedWords(const RunFacts& facts, const StatementView& statement) {
     const std::string_view word = statement.mnemonic;
     for (std::size_t size = word.size() - 1; size >= 2; --size) {
-        if (FindKeyword(word.substr(0, size)) == nullptr) {
-            continue;
-        }
         const bool isWord = HasClass(word[size], CC_LETTER);
         const bool isSign = std::string_view("=:,.").find(word[size]) !=
                             std::string_view::npos;                       // "ORG=100H", "LD,A,5"

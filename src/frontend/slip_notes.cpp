@@ -128,7 +128,7 @@ bool AdviseOnSplitWord(OperandCase* it) {
             const bool isDash =
                 operand.tokens[i + 1].code == OP_MINUS && i + 2 < operand.tokens.size();
             const Token& right = operand.tokens[i + (isDash ? 2 : 1)];
-            if (!left.IsValue() || !right.IsValue() || (isDash && it->IsDefined(right.text))) {
+            if (!left.IsValue() || (isDash && it->IsDefined(right.text))) {
                 continue;
             }
             const std::string_view part = statement.Span(left.text, right.text);

@@ -21,9 +21,6 @@ bool AreNeighbours(char a, char b) {
     constexpr std::string_view keys = "QWERTYUIOPASDFGHJKL.ZXCVBNM...";  // in rows of ten
     const std::size_t one = keys.find(a);
     const std::size_t other = keys.find(b);
-    if (one >= keys.size() || other >= keys.size()) {
-        return false;
-    }
     const auto distance = [](std::size_t x, std::size_t y) { return x > y ? x - y : y - x; };
     return distance(one / 10, other / 10) < 2 && distance(one % 10, other % 10) < 2;
 }
@@ -95,7 +92,7 @@ std::string_view NearWords::Find(std::string_view word,
             const bool isFar =  // two different slips in a short word
                 steps == 2 && word.size() < 9 && entry.letters != letters &&
                 word.size() + 2 != length && word.size() != length + 2;
-            if (steps > limit || isFar || (!preferred && AreOfOneFamily(word, entry.word))) {
+            if (isFar || (!preferred && AreOfOneFamily(word, entry.word))) {
                 continue;
             }
             const bool isSwap = std::ranges::is_permutation(word, entry.word);

@@ -161,9 +161,7 @@ bool AdviseOnSplitNumber(OperandCase* it, const Token& before, const Token& toke
         token.text.find_first_not_of("01") >= token.text.size() - 1;
     const bool isGroup =  // "10 000"
         token.text.size() == 3 && number.find_first_not_of("0123456789") == std::string::npos;
-    const bool isPart =
-        (isBinary && number.size() % 8 == 1) ||
-        ((isBinary || isGroup) && !HoldsWord(dataDirectives, it->statement.mnemonic));
+    const bool isPart = isBinary || (isGroup && !HoldsWord(dataDirectives, it->statement.mnemonic));
     const bool isNumber = (isPart || HoldsWord("B H O", token.text)) &&
                           CutTokens(number)[0].kind == TokenKind::number;
     if (isNumber) {

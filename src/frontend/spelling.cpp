@@ -41,7 +41,6 @@ Foreign SingleQuoted(const StatementView& statement, std::size_t start) {
     }
     Foreign found{line.substr(start, end + 1 - start), "", doubleQuoteNote};
     if (end >= source.size() && content.size() == 1) {  // 'A
-        found.part = line.substr(start, 2);
         found.fix = "\"" + content + "\"";
         return found;
     }
@@ -181,9 +180,6 @@ Foreign ForeignToken(const StatementView& statement, const Token& token) {
         const std::string fix = typed.substr(0, percent) + " MOD " + typed.substr(percent + 1);
         return {text, fix, ""};
     }
-    if (text.find('?') != std::string_view::npos) {
-        return {text, "", "use IF and ELSE: there is no operator that chooses"};
-    }
     if (Foreign colon = ForeignColon(statement, token); colon.part.data() != nullptr) {
         return colon;
     }
@@ -272,13 +268,13 @@ Foreign FindForeign(const StatementView& statement, const OperandView& operand) 
         }
         if ((c == '\'' || c == '`') && !isShadow && statement.mnemonic != "EX") {
             Foreign found = SingleQuoted(statement, at);
-            if (i > 0 && operand.text[i - 1] == '#') {  // "#'A'"
+            if (found.part.data()[-1] == '#') {  // "#'A'"
                 found.part = {found.part.data() - 1, found.part.size() + 1};
             }
             return found;
         }
         const bool isSlashed =
-            i == 0 && c == '/' && operand.text.size() > 2 && operand.text.ends_with(c);
+            operand.text.size() > 2 && operand.text.starts_with('/') && operand.text.ends_with('/');
         if (isSlashed && HoldsWord("DB DEFB DM DEFM", statement.mnemonic)) {  // ".ASCII /text/"
             const std::string_view inner = operand.text.substr(1, operand.text.size() - 2);
             const std::string fix = '"' + std::string(statement.Typed(inner)) + '"';

@@ -62,7 +62,7 @@ Advice AdviseOnComment(const StatementView& statement) {
 Advice AdviseOnOrigin(const StatementView& statement) {
     const std::string_view line = WithoutLeadingBlanks(statement.line);
     const std::size_t at = line.find('=');
-    const bool isOrigin = at != std::string_view::npos && HoldsWord("* . $", line.substr(0, 1)) &&
+    const bool isOrigin = HoldsWord("* . $", line.substr(0, 1)) &&
                           WithoutLeadingBlanks(line.substr(1)).starts_with('=');
     const std::string_view value =
         isOrigin ? WithoutLeadingBlanks(line.substr(at + 1)) : std::string_view();
@@ -247,9 +247,9 @@ Advice AdviseOnColumn(const StatementView& statement) {
     Advice advice;
     advice.place = statement.PartOf(label);
     const std::string_view rest = indented.rest;
-    if (indented.mnemonic == "INCLUDE" && rest.starts_with('"') && rest.ends_with('"')) {
-        const std::string fix = std::string(statement.Typed(label)) + " " +
-                                std::string(rest.substr(1, rest.size() - 2));
+    if (indented.mnemonic == "INCLUDE" && rest.starts_with('"')) {
+        std::string fix = std::string(statement.Typed(label)) + " " + std::string(rest);
+        std::erase(fix, '"');
         advice.edits = {{statement.PartOf(statement.line), " " + fix}};
         advice.note = "write " + fix + ", not in column 1";
         return advice;
@@ -332,13 +332,12 @@ Advice AdviseOnWord(Adviser& adviser, const FaultView& fault) {
         return found;
     }
     Advice advice;
-    advice.place = statement.PartOf(word);
     if (FindKeyword(statement.label) != nullptr && !statement.hasColon) {  // "IF WIDTH"
         if (Advice found = AdviseOnColumn(statement); found.place) {
             return found;
         }
     }
-    if (HoldsWord("IMPORT USE", word) && !statement.rest.empty()) {
+    if (HoldsWord("IMPORT USE", word)) {
         for (const std::string_view end : {"", ".kor", ".asm", ".inc"}) {
             const std::string name = std::string(statement.Typed(statement.rest)).append(end);
             if (adviser.Facts().HasFile(name)) {

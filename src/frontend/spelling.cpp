@@ -50,7 +50,7 @@ Foreign SingleQuoted(const StatementView& statement, std::size_t start) {
         found.fix = "\"" + content.substr(0, other);
         return found;
     }
-    if (end >= source.size() || content.empty()) {
+    if (end >= source.size()) {
         return found;
     }
     const bool isLong = content.size() > 1 && EscapeValue(content).empty();
@@ -188,7 +188,7 @@ Foreign ForeignToken(const StatementView& statement, const Token& token) {
             text, "",
             "check the digits after " + std::string(text.substr(0, text.front() == '&' ? 2 : 1))};
     }
-    if (percent == text.size() - 1 && text.find_first_not_of("01") == percent) {  // "1010%"
+    if (text.find_first_not_of("01") == percent) {  // "1010%"
         return {text, "%" + typed.substr(0, percent), ""};
     }
     if (text.front() == '%') {

@@ -332,6 +332,7 @@ Advice AdviseOnWord(Adviser& adviser, const FaultView& fault) {
         return found;
     }
     Advice advice;
+    advice.place = statement.PartOf(word);
     if (FindKeyword(statement.label) != nullptr && !statement.hasColon) {  // "IF WIDTH"
         if (Advice found = AdviseOnColumn(statement); found.place) {
             return found;

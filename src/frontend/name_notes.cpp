@@ -59,7 +59,7 @@ bool AdviseOnWordOperator(OperandCase* it, const Token& token) {
     }
     for (const std::string_view word : {"AND", "XOR", "OR", "SHL", "SHR", "MOD"}) {
         const std::vector<TextEdit> edits = {{it->statement.PartOf(token.text), std::string(word)}};
-        if (token.text.size() <= longestCompared && EditDistance(token.text, word) == 1 &&
+        if (EditDistance(token.text, word) == 1 &&
             IsSound(it->adviser.Facts(), it->statement, edits)) {
             it->advice.edits = edits;
             it->advice.note = "did you mean " + std::string(word) + "?";

@@ -22,18 +22,16 @@ bool IsSureSlip(std::string_view text, std::string_view name) {
     return isDoubled || std::ranges::is_permutation(name, text) || (name == "HL" && text == "H1");
 }
 
-// The registers and conditions that `token` may misspell. Only the best group is returned: those
-// with the same letters, else those of the same length and sure slips, else all others.
+// The registers and conditions that `token` may misspell: those of the same length and sure slips
+// if there are any, else all others.
 std::vector<std::string> NearRegisters(const OperandCase& it, const Token& token, bool isIndex) {
     std::vector<std::string> near;
     std::size_t best = 3;
     for (const std::string_view name :
          {"A",  "B",  "C",  "D",  "E", "H",  "L",  "BC", "DE", "HL", "SP",
           "IX", "IY", "AF", "NZ", "Z", "NC", "PO", "PE", "P",  "M"}) {
-        const std::size_t rank = std::ranges::is_permutation(name, token.text) ? 0
-                                 : name.size() == token.text.size() || IsSureSlip(token.text, name)
-                                     ? 1
-                                     : 2;
+        const std::size_t rank =
+            name.size() == token.text.size() || IsSureSlip(token.text, name) ? 1 : 2;
         const std::vector<TextEdit> edits = {{it.statement.PartOf(token.text), std::string(name)}};
         if (rank > best || (isIndex && !name.starts_with('I')) ||
             EditDistance(token.text, name) != 1 || !HasFormWith(it.statement, edits)) {
@@ -70,8 +68,7 @@ bool AdviseOnMisspeltRegister(OperandCase* it, bool isSure) {
     constexpr std::size_t longest = 3;
     for (const OperandView& operand : it->statement.operands) {
         const Token* token = operand.OnlyToken();
-        const bool isIndex =
-            operand.tokens.size() > 3 && operand.tokens[0].code == OP_OPEN;  // "(XI+1)"
+        const bool isIndex = operand.tokens.size() > 3;  // "(XI+1)"
         token = isIndex ? &operand.tokens[1] : token;
         if (token == nullptr || token->kind != TokenKind::name || token->text.size() < 2 ||
             token->text.size() > longest ||
@@ -106,9 +103,8 @@ std::string Listed(const std::vector<std::string>& words) {
 bool AdviseOnQuotedRegister(OperandCase* it) {
     for (const OperandView& operand : it->statement.operands) {
         const std::string_view text = operand.text;
-        const bool isString =
-            operand.tokens.size() == 1 && operand.tokens[0].kind == TokenKind::string;
-        const bool isMarked = text.size() > 1 && text.front() == '#';
+        const bool isString = text.starts_with('"');
+        const bool isMarked = text.starts_with('#');
         const std::string name(isString   ? text.substr(1, text.size() - 2)
                                : isMarked ? it->statement.Typed(text.substr(1))
                                           : "");
@@ -130,7 +126,7 @@ bool AdviseOnSplitWord(OperandCase* it) {
             const bool isDash =
                 operand.tokens[i + 1].code == OP_MINUS && i + 2 < operand.tokens.size();
             const Token& right = operand.tokens[i + (isDash ? 2 : 1)];
-            if (!left.IsValue() || !right.IsValue() || (isDash && it->IsDefined(right.text))) {
+            if (!left.IsValue() || (isDash && it->IsDefined(right.text))) {
                 continue;
             }
             const std::string_view part = statement.Span(left.text, right.text);
@@ -178,8 +174,7 @@ bool AdviseOnSplitNumber(OperandCase* it, const Token& before, const Token& toke
 
 bool AdviseOnSwappedOperands(OperandCase* it) {
     const auto& operands = it->statement.operands;
-    const bool hasOrder =  // HL-DE is not DE-HL
-        it->statement.mnemonic == "SBC" || HoldsWord(dataDirectives, it->statement.mnemonic);
+    const bool hasOrder = it->statement.mnemonic == "SBC";  // HL-DE is not DE-HL
     if (operands.size() != 2 || hasOrder) {
         return false;
     }
@@ -196,7 +191,6 @@ bool AdviseOnSwappedOperands(OperandCase* it) {
         it->advice.edits.clear();
         return false;
     }
-    it->PointAt(first);
     it->advice.note = WriteNote(it->statement, edits) + ": the target is the first operand";
     return true;
 }

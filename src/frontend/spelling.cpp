@@ -9,11 +9,10 @@
 namespace korv {
 namespace {
 
-// True if the single quote at `at` is inside a word and another single quote follows.
+// True if the single quote at `at`, after another one, is inside a word and one more follows.
 bool IsApostrophe(std::string_view source, std::size_t at) {
-    return at > 0 && at + 1 < source.size() && HasClass(source[at - 1], CC_LETTER) &&
-           HasClass(source[at + 1], CC_LETTER) &&
-           source.find('\'', at + 1) != std::string_view::npos;
+    return source.find('\'', at + 1) != std::string_view::npos &&
+           HasClass(source[at - 1], CC_LETTER) && HasClass(source[at + 1], CC_LETTER);
 }
 
 constexpr const char* oddCharacterNote =
@@ -42,7 +41,6 @@ Foreign SingleQuoted(const StatementView& statement, std::size_t start) {
     }
     Foreign found{line.substr(start, end + 1 - start), "", doubleQuoteNote};
     if (end >= source.size() && content.size() == 1) {  // 'A
-        found.part = line.substr(start, 2);
         found.fix = "\"" + content + "\"";
         return found;
     }
@@ -52,7 +50,7 @@ Foreign SingleQuoted(const StatementView& statement, std::size_t start) {
         found.fix = "\"" + content.substr(0, other);
         return found;
     }
-    if (end >= source.size() || content.empty()) {
+    if (end >= source.size()) {
         return found;
     }
     const bool isLong = content.size() > 1 && EscapeValue(content).empty();
@@ -110,7 +108,7 @@ Foreign ForeignNumber(const StatementView& statement, const Token& token) {
             text.size() < 5 ? ", or write " + typed + "H if it is hexadecimal" : "";
         return {text, "", "use the digits 0 and 1 after 0B" + other};
     }
-    if (letter == text.size() - 1 && letter > 0 && text.ends_with('O') && has("89")) {  // "8O"
+    if (letter == text.size() - 1 && text.ends_with('O') && has("89")) {  // "8O"
         return {text, "", "use the digits 0 to 7 before O"};
     }
     if (letter != std::string_view::npos && letter > 0 && letter + 1 < text.size() &&
@@ -155,8 +153,8 @@ Foreign ForeignColon(const StatementView& statement, const Token& token) {
     if (text.size() > 1 && text.front() == ':') {
         return {text, typed.substr(1), "remove the colon: only the definition of a label has one"};
     }
-    const std::size_t colon = text.find(':');
-    if (colon != std::string_view::npos && FindKeyword(text.substr(colon + 1)) != nullptr) {
+    const std::size_t colon = std::min(text.find(':'), text.size() - 1);
+    if (FindKeyword(text.substr(colon + 1)) != nullptr) {
         return {text.substr(colon, 1), "\n\t", oneInstructionNote};
     }
     return {};
@@ -193,7 +191,7 @@ Foreign ForeignToken(const StatementView& statement, const Token& token) {
             text, "",
             "check the digits after " + std::string(text.substr(0, text.front() == '&' ? 2 : 1))};
     }
-    if (percent == text.size() - 1 && text.find_first_not_of("01") == percent) {  // "1010%"
+    if (text.find_first_not_of("01") == percent) {  // "1010%"
         return {text, "%" + typed.substr(0, percent), ""};
     }
     if (text.front() == '%') {
@@ -236,8 +234,8 @@ Foreign ForeignMemory(const StatementView& statement, const OperandView& operand
         return {operand.text, fix, "write the displacement: " + fix};
     }
     const std::vector<Token>& tokens = operand.tokens;
-    const bool isValue = operand.what.reg == REG_DIRECT && operand.what.kind == KIND_VALUE;
-    if (!isValue || tokens.size() < 3 || ClassOf(tokens[1].text).kind == KIND_VALUE) {
+    if (operand.what.reg != REG_DIRECT || tokens.size() < 3 ||
+        ClassOf(tokens[1].text).kind == KIND_VALUE) {
         return {};
     }
     const bool isIndex = tokens[1].text == "IX" || tokens[1].text == "IY";
@@ -273,16 +271,13 @@ Foreign FindForeign(const StatementView& statement, const OperandView& operand) 
         }
         if ((c == '\'' || c == '`') && !isShadow && statement.mnemonic != "EX") {
             Foreign found = SingleQuoted(statement, at);
-            if (i > 0 && operand.text[i - 1] == '#') {  // "#'A'"
+            if (found.part.data()[-1] == '#') {  // "#'A'"
                 found.part = {found.part.data() - 1, found.part.size() + 1};
             }
             return found;
         }
-        if (c == '{' && i > 0 && i + 1 == operand.text.size()) {  // "IF (X == 1) {"
-            return {operand.text.substr(i), "", braceNote};
-        }
         const bool isSlashed =
-            i == 0 && c == '/' && operand.text.size() > 2 && operand.text.ends_with(c);
+            operand.text.size() > 2 && operand.text.starts_with('/') && operand.text.ends_with('/');
         if (isSlashed && HoldsWord("DB DEFB DM DEFM", statement.mnemonic)) {  // ".ASCII /text/"
             const std::string_view inner = operand.text.substr(1, operand.text.size() - 2);
             const std::string fix = '"' + std::string(statement.Typed(inner)) + '"';
@@ -293,13 +288,16 @@ Foreign FindForeign(const StatementView& statement, const OperandView& operand) 
             return {operand.text.substr(i, 1), "",
                     "remove the braces: values follow the directive"};
         }
+        if (c == '{' && i + 1 == operand.text.size()) {  // "IF (X == 1) {"
+            return {operand.text.substr(i), "", braceNote};
+        }
         const bool isIndexed = operand.text.substr(i).starts_with("[IX]") ||
                                operand.text.substr(i).starts_with("[IY]");
         if (c == '[' && i > 0 && !isIndexed &&
             HasClass(operand.text[i - 1], CC_NAME)) {  // "TABLE[2]"
             const std::string_view index =
                 operand.text.substr(i + 1, operand.text.find(']', i) - i - 1);
-            if (i == 2 && HoldsWord("IX IY", operand.text.substr(0, i)) &&
+            if (HoldsWord("IX IY", operand.text.substr(0, i)) &&
                 operand.text.ends_with(']')) {  // "IX[2]"
                 const std::string_view typed = statement.Typed(operand.text);
                 return {operand.text,

@@ -50,26 +50,21 @@ void AdviseOnTranslated(OperandCase* it, const Translation& translation) {
     if (inner.advice.note.empty() && inner.advice.edits.empty()) {
         return;
     }
-    if (inner.operand != nullptr && fault.number != MSG_ILLEGAL_CONDITION &&
-        changed.operands.size() == it->statement.operands.size()) {
+    if (inner.operand != nullptr && changed.operands.size() == it->statement.operands.size()) {
         it->PointAt(it->statement
                         .operands[static_cast<std::size_t>(inner.operand - changed.operands.data())]
                         .text);
     }
     it->advice.note = std::move(inner.advice.note);
-    it->advice.edits.clear();
-    if (!inner.advice.edits.empty()) {
-        const std::string typed = Applied(translation.typed, inner.advice.edits);
-        const std::size_t start = it->statement.PartOf(it->statement.mnemonic).offset;
-        it->advice.edits = {translation.Whole(it->statement, typed.substr(start))};
-    }
+    const std::string typed = Applied(translation.typed, inner.advice.edits);
+    const std::size_t start = it->statement.PartOf(it->statement.mnemonic).offset;
+    it->advice.edits = {translation.Whole(it->statement, typed.substr(start))};
 }
 
 // A name in single quotes.
 bool AdviseOnQuotedName(OperandCase* it, std::string_view part) {
     const std::string_view inner = part.substr(1, part.size() - 2);
-    if (part.size() > 2 && part.front() == '\'' &&
-        (it->IsDefined(inner) || ClassOf(inner).kind != KIND_VALUE)) {
+    if (part.front() == '\'' && (it->IsDefined(inner) || ClassOf(inner).kind != KIND_VALUE)) {
         it->Replace(part, std::string(it->statement.Typed(inner)));
         it->advice.note = WriteNote(it->statement, it->advice.edits) + ": a name has no quotes";
         return true;
@@ -114,7 +109,6 @@ bool AdviseOnSpelling(OperandCase* it) {
     }
     for (const OperandView* const operand : candidates) {
         if (operand == &statement.operands.back() && IsNumberedLabel(statement)) {
-            it->PointAt(operand->text);
             it->advice.note = numberedLabelNote;
             return true;
         }

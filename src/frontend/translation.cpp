@@ -38,11 +38,8 @@ TextEdit Translation::Whole(const StatementView& statement, std::string text) co
 }
 
 std::size_t StatementEnd(std::string_view typed) {
-    std::size_t end = CommentStart(typed);
-    while (end > 0 && HasClass(typed[end - 1], CC_BLANK)) {
-        --end;
-    }
-    return end;
+    const char* const start = typed.data();
+    return static_cast<std::size_t>(WithoutBlanks(start, start + CommentStart(typed)) - start);
 }
 
 Translation Translate(const StatementView& statement, const std::vector<TextEdit>& first) {

@@ -62,7 +62,7 @@ Advice AdviseOnComment(const StatementView& statement) {
 Advice AdviseOnOrigin(const StatementView& statement) {
     const std::string_view line = WithoutLeadingBlanks(statement.line);
     const std::size_t at = line.find('=');
-    const bool isOrigin = at != std::string_view::npos && HoldsWord("* . $", line.substr(0, 1)) &&
+    const bool isOrigin = HoldsWord("* . $", line.substr(0, 1)) &&
                           WithoutLeadingBlanks(line.substr(1)).starts_with('=');
     const std::string_view value =
         isOrigin ? WithoutLeadingBlanks(line.substr(at + 1)) : std::string_view();
@@ -118,7 +118,7 @@ Advice AdviseOnBrace(const StatementView& statement) {
 Advice AdviseOnMark(const StatementView& statement) {
     const std::string_view word = statement.mnemonic;
     const std::string_view plain = word.substr(std::min<std::size_t>(1, word.size()));
-    const bool isOwn = FindKeyword(plain) != nullptr || plain == "IFDEF" || plain == "IFNDEF";
+    const bool isOwn = FindKeyword(plain) != nullptr || HoldsWord("IFDEF IFNDEF", plain);
     if (word.front() == '#' && statement.label.empty() && !isOwn && !word.ends_with(':')) {
         return Say(statement, word, "use NAME: EQU 5, INCLUDE and IF: there is no preprocessor");
     }
@@ -250,9 +250,9 @@ Advice AdviseOnColumn(const StatementView& statement) {
     Advice advice;
     advice.place = statement.PartOf(label);
     const std::string_view rest = indented.rest;
-    if (indented.mnemonic == "INCLUDE" && rest.starts_with('"') && rest.ends_with('"')) {
-        const std::string fix = std::string(statement.Typed(label)) + " " +
-                                std::string(rest.substr(1, rest.size() - 2));
+    if (indented.mnemonic == "INCLUDE" && rest.starts_with('"')) {
+        std::string fix = std::string(statement.Typed(label)) + " " + std::string(rest);
+        std::erase(fix, '"');
         advice.edits = {{statement.PartOf(statement.line), " " + fix}};
         advice.note = "write " + fix + ", not in column 1";
         return advice;
@@ -341,7 +341,7 @@ Advice AdviseOnWord(Adviser& adviser, const FaultView& fault) {
             return found;
         }
     }
-    if (HoldsWord("IMPORT USE", word) && !statement.rest.empty()) {
+    if (HoldsWord("IMPORT USE", word)) {
         for (const std::string_view end : {"", ".kor", ".asm", ".inc"}) {
             const std::string name = std::string(statement.Typed(statement.rest)).append(end);
             if (adviser.Facts().HasFile(name)) {

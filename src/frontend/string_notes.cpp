@@ -12,7 +12,7 @@ namespace korv {
 // A text with double quotes in it: proposes the number 34 for each.
 bool AdviseOnQuotes(OperandCase* it) {
     const std::string_view text = it->operand->text;
-    const bool isText = text.size() > 3 && text.front() == '"' && text.back() == '"' &&
+    const bool isText = text.size() > 3 && text.back() == '"' &&
                         std::ranges::none_of(it->operand->tokens, [](const Token& token) {
                             return token.text.find('"') == std::string_view::npos;
                         });

@@ -64,7 +64,7 @@ bool AdviseOnDots(OperandCase* it, const Token& token) {
     const bool isIndex = HoldsWord("IX IY", head);  // "(IX.Y)", "IX.Y"
     std::vector<TextEdit> edits = {
         {it->statement.PartOf(part.substr(head.size(), 1)), isIndex ? "+" : " "}};
-    if (isIndex && part == it->operand->text) {
+    if (part == it->operand->text) {
         edits.insert(edits.begin(), {it->statement.PartOf(part.substr(0, 0)), "("});
         edits.push_back({it->statement.PartOf(part.substr(part.size())), ")"});
     }

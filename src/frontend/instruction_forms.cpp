@@ -28,8 +28,7 @@ const FormRow* RowOfWord(std::string_view mnemonic) {
 // have any value.
 bool MayBe(const OperandView& operand, std::int32_t most, std::int32_t mask) {
     const Token* const token = operand.OnlyToken();
-    return token == nullptr || token->kind != TokenKind::number ||
-           (token->value <= most && (token->value & ~mask) == 0);
+    return token == nullptr || (token->value <= most && (token->value & ~mask) == 0);
 }
 
 // A class of operands. Forms and shapes refer to it by its `term`.
@@ -263,7 +262,7 @@ bool IsOneOf(std::string_view words, std::string_view mnemonic) {
     }
     std::string_view group = words.substr(sign + 1);
     const FormRow* const row = RowOfWord(TakePart(&group, ' '));
-    return row != nullptr && row == RowOfWord(mnemonic);
+    return row == RowOfWord(mnemonic);
 }
 
 }  // namespace korv

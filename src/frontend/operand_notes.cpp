@@ -175,7 +175,7 @@ bool AdviseOnShape(OperandCase* it) {
     if (!it->advice.edits.empty() &&
         !IsSound(it->adviser.Facts(), it->statement, it->advice.edits)) {
         it->advice.edits.clear();
-        return AdviseOnM(it);
+        return false;
     }
     if (it->ProposesUnknownName()) {
         it->advice.edits.clear();
@@ -274,8 +274,7 @@ void AdviseOnOperandCase(OperandCase* it) {
         AdviseOnBareText(it) || AdviseOnRegister(it) || (isExcess && AdviseOnProse(it))) {
         return;
     }
-    const Keyword* const keyword = fault.statement.keyword;
-    if (isExcess && keyword->operands.most == 0) {
+    if (fault.statement.keyword->operands.most == 0) {
         it->PointAt(fault.statement.rest);
         if (AdviseOnShape(it)) {
             return;

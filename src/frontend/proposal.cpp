@@ -41,7 +41,7 @@ std::int32_t ValueOf(const RunFacts& facts, const OperandView& operand) {
 }
 
 bool IsOutOfRange(const RunFacts& facts, const StatementView& statement, std::size_t index) {
-    const bool isBit = index == 0 && HoldsWord("BIT SET RES", statement.mnemonic);
+    const bool isBit = HoldsWord("BIT SET RES", statement.mnemonic);
     return ValueOf(facts, statement.operands[index]) > (isBit ? 7 : largestByte) &&
            (isBit || TakesByte(statement, index));
 }
@@ -226,7 +226,7 @@ Advice AdviseOnSlip(const RunFacts& facts, const FaultView& fault) {
             search.Attempt(at, 2, "),");
         }
         const std::string_view next = line.substr(at + 1);
-        const bool isGroup = HasClass(before, CC_DIGIT) && next.size() == 3;  // "16,384"
+        const bool isGroup = next.size() == 3;  // "16,384"
         if (c == ',' && (isInstruction || statement.mnemonic == "EQU") && !next.empty() &&
             (isGroup || !HasClass(next[0], CC_DIGIT))) {
             search.Attempt(at, 1, "");
@@ -242,7 +242,7 @@ Advice AdviseOnSlip(const RunFacts& facts, const FaultView& fault) {
 std::string MeantMnemonic(const FaultView& fault, const Advice& advice) {
     const StatementView& statement = fault.statement;
     std::string line = Raised(Applied(statement.line, advice.edits));
-    if (advice.edits.empty() && FindKeyword(statement.label) != nullptr) {
+    if (FindKeyword(statement.label) != nullptr) {
         line.insert(0, " ");
     }
     const StatementView view = CutStatement(std::string_view(line).substr(0, line.find('\n')));

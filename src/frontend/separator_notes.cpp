@@ -314,7 +314,7 @@ bool AdviseOnEmptyOperand(OperandCase* it) {
     const std::string_view line = it->statement.line;
     const std::string_view comma = line.substr(std::min(line.rfind(',', at), at), 1);
     const bool isComment =  // "RET , text"
-        empty == it->statement.operands.begin() && HasForm(CutStatement(line.substr(0, at))) &&
+        HasForm(CutStatement(line.substr(0, at))) &&
         !HasFormWith(it->statement, {{it->statement.PartOf(comma), ""}});
     it->PointAt(comma);
     if (isComment) {

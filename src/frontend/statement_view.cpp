@@ -69,7 +69,7 @@ Token WordToken(std::string_view text) {
         return token;
     }
     if (const OperandClass& what = ClassOf(text); what.kind != KIND_VALUE) {
-        const bool isRegister = what.kind == KIND_REGISTER || what.reg != REG_NONE;
+        const bool isRegister = what.reg != REG_NONE;
         token.kind = isRegister ? TokenKind::registerName : TokenKind::condition;
         return token;
     }

@@ -93,7 +93,7 @@ bool AdviseOnUnopenedString(OperandCase* it) {
     }
     const auto end = std::ranges::find_if(
         operands, [isEnd](const OperandView& each) { return !each.text.empty() && isEnd(each); });
-    if (end == operands.end() || end->text.front() == '\'') {
+    if (end == operands.end()) {
         return false;
     }
     auto start = end;

@@ -101,6 +101,8 @@ Token StringToken(std::string_view text, bool isOpen) {
     Token token{isOpen ? TokenKind::openString : TokenKind::string, text};
     if (text.front() != '"') {
         token.kind = TokenKind::other;  // joined to the text before it
+    } else if (text.size() == 3) {
+        token.value = static_cast<signed char>(text[1]);
     }
     return token;
 }

@@ -46,7 +46,7 @@ enum class TokenKind : std::uint8_t {
 struct Token {
     TokenKind kind;
     std::string_view text;
-    std::int32_t value = 0;  ///< of a number
+    std::int32_t value = 0;  ///< of a number or a string of one character
     std::int32_t code = 0;   ///< OP_* of an operator
 
     /// True if the core treats it as a value.

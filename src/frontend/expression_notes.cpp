@@ -64,7 +64,7 @@ bool AdviseOnDots(OperandCase* it, const Token& token) {
     const bool isIndex = HoldsWord("IX IY", head);  // "(IX.Y)", "IX.Y"
     std::vector<TextEdit> edits = {
         {it->statement.PartOf(part.substr(head.size(), 1)), isIndex ? "+" : " "}};
-    if (isIndex && part == it->operand->text) {
+    if (part == it->operand->text) {
         edits.insert(edits.begin(), {it->statement.PartOf(part.substr(0, 0)), "("});
         edits.push_back({it->statement.PartOf(part.substr(part.size())), ")"});
     }
@@ -145,7 +145,7 @@ void AdviseOnTwoValues(OperandCase* it, const Token& token) {
         it->Propose(token.text, comma, "add the comma: ");
         const bool isDigits =  // "DB 1,2 3"
             before.kind == TokenKind::number && token.kind == TokenKind::number && isData;
-        if (isDigits && comma.size() == 1 && it->statement.operands.size() > 1) {
+        if (isDigits && it->statement.operands.size() > 1) {
             it->advice.note = "add the comma, or remove the blank";
         }
         return;
@@ -179,8 +179,7 @@ void AdviseOnExtraBracket(OperandCase* it, const Token& token, std::ptrdiff_t op
     const std::string_view bracket =
         isLast ? operand.text.substr(operand.text.size() - 1) : token.text;
     const std::vector<TextEdit> open = {{it->statement.PartOf(operand.text.substr(0, 0)), "("}};
-    const bool isMissing = isLast && opens == 0 &&
-                           !HoldsWord(dataDirectives, it->statement.mnemonic) &&
+    const bool isMissing = opens == 0 && !HoldsWord(dataDirectives, it->statement.mnemonic) &&
                            HasFormWith(it->statement, open);
     it->PointAt(bracket);
     if (!isLast || (isMissing && IsSound(it->adviser.Facts(), it->statement,
@@ -256,7 +255,7 @@ void AdviseOnLongString(OperandCase* it, const Token& token) {
     } else if (!value.empty()) {
         it->Replace(token.text, value);
         it->advice.note = "write " + value + ": there are no escape sequences";
-    } else if (HoldsWord("DM DEFM", it->statement.mnemonic) && it->operand->tokens.size() == 3) {
+    } else if (HoldsWord("DM DEFM", it->statement.mnemonic)) {
         it->Replace(it->operand->text, std::string(token.text));  // DM ("text")
         it->advice.note = WriteNote(it->statement, it->advice.edits);
     } else {
@@ -281,12 +280,9 @@ std::string EmptyNumberNote(const OperandCase& it, const Token& token) {
 void AdviseOnBadToken(OperandCase* it, const Token& token) {
     const std::string_view text = token.text;
     const std::string_view last = text.substr(text.size() - 1);
-    if (text.find('"') == text.size() - 1 && text.size() > 2) {
+    if (text.find('"') == text.size() - 1) {
         it->Replace(last, "");
         it->advice.note = "remove the quote: it was not opened";
-    } else if (text.find('"') == text.size() - 1) {
-        it->Insert(text, "\"");
-        it->advice.note = "open the string with a double quote";
     } else if (const std::size_t quote = text.find('"');
                HasClass(text.front(), CC_DIGIT) && text.ends_with('"')) {    // "34"text""
         const std::size_t end = text[quote - 1] == '.' ? quote - 1 : quote;  // "34."text""

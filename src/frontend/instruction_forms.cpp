@@ -28,8 +28,7 @@ const FormRow* RowOfWord(std::string_view mnemonic) {
 // have any value.
 bool MayBe(const OperandView& operand, std::int32_t most, std::int32_t mask) {
     const Token* const token = operand.OnlyToken();
-    return token == nullptr || token->kind != TokenKind::number ||
-           (token->value <= most && (token->value & ~mask) == 0);
+    return token == nullptr || (token->value <= most && (token->value & ~mask) == 0);
 }
 
 // A class of operands. Forms and shapes refer to it by its `term`.
@@ -38,7 +37,7 @@ struct TermRow {
     bool (*includes)(const OperandView& operand, bool ignoresParentheses);
 };
 
-bool IsDirect(const OperandView& operand, bool = false) {
+bool IsDirect(const OperandView& operand) {
     return operand.what.reg == REG_DIRECT;
 }
 bool IsBare(const OperandView& operand) {
@@ -47,7 +46,7 @@ bool IsBare(const OperandView& operand) {
 bool IsNumber(const OperandView& operand, bool ignoresParentheses) {
     return IsBare(operand) || (ignoresParentheses && IsDirect(operand));
 }
-bool IsMemory(const OperandView& operand, bool = false) {
+bool IsMemory(const OperandView& operand) {
     return IsFieldRegister(operand.what.reg) || operand.IsIndexed();
 }
 bool IsName(const OperandView& operand) {
@@ -61,7 +60,7 @@ bool IsIndex(std::int32_t reg) {
 constexpr auto termTable = std::to_array<TermRow>({
     {"r", [](const OperandView& it, bool) { return IsByteRegister(it.what.reg); }},
     {"s", [](const OperandView& it, bool) { return IsMemory(it) || IsBare(it); }},
-    {"m", IsMemory},
+    {"m", [](const OperandView& it, bool) { return IsMemory(it); }},
     {"dd", [](const OperandView& it, bool) { return IsPair(it.what.reg) && it.what.reg != REG_AF && !IsIndex(it.what.reg); }},
     {"qq", [](const OperandView& it, bool) { return IsPair(it.what.reg) && it.what.reg != REG_SP && !IsIndex(it.what.reg); }},
     {"xy", [](const OperandView& it, bool) { return IsIndex(it.what.reg); }},
@@ -73,8 +72,8 @@ constexpr auto termTable = std::to_array<TermRow>({
     {"nn", IsNumber},
     {"e", IsNumber},
     {"x", IsNumber},
-    {"(n)", IsDirect},
-    {"(nn)", IsDirect},
+    {"(n)", [](const OperandView& it, bool) { return IsDirect(it); }},
+    {"(nn)", [](const OperandView& it, bool) { return IsDirect(it); }},
     {"b", [](const OperandView& it, bool ignores) { return IsNumber(it, ignores) && MayBe(it, 7, 7); }},
     {"p", [](const OperandView& it, bool ignores) { return IsNumber(it, ignores) && MayBe(it, 0x38, 0x38); }},
     {"i", [](const OperandView& it, bool ignores) { return IsNumber(it, ignores) && MayBe(it, 2, 3); }},
@@ -263,7 +262,7 @@ bool IsOneOf(std::string_view words, std::string_view mnemonic) {
     }
     std::string_view group = words.substr(sign + 1);
     const FormRow* const row = RowOfWord(TakePart(&group, ' '));
-    return row != nullptr && row == RowOfWord(mnemonic);
+    return row == RowOfWord(mnemonic);
 }
 
 }  // namespace korv

@@ -44,19 +44,16 @@ const OperandView* FocusOf(const FaultView& fault) {
     };
     const std::size_t faulty = FindFaultyOperand(fault.statement);
     const bool isFaulty = faulty < operands.size();
-    if (fault.part.length != 0) {
-        const OperandView* const at = find([&fault](const OperandView& each) {
-            const LinePart part = fault.statement.PartOf(each.text);
-            return fault.part.offset >= part.offset &&
-                   fault.part.offset < part.offset + part.length;
-        });
-        const bool isNamed =
-            at != nullptr && fault.statement.PartOf(at->text).length >= fault.part.length;
-        const bool isByForm =
-            fault.number == MSG_ILLEGAL_ARGUMENT || fault.number == MSG_TOO_MANY_ARGUMENTS;
-        if (isNamed && !(isByForm && isFaulty)) {
-            return at;
-        }
+    const OperandView* const at = find([&fault](const OperandView& each) {
+        const LinePart part = fault.statement.PartOf(each.text);
+        return fault.part.offset >= part.offset && fault.part.offset < part.offset + part.length;
+    });
+    const bool isNamed =
+        at != nullptr && fault.statement.PartOf(at->text).length >= fault.part.length;
+    const bool isByForm =
+        fault.number == MSG_ILLEGAL_ARGUMENT || fault.number == MSG_TOO_MANY_ARGUMENTS;
+    if (isNamed && !(isByForm && isFaulty)) {
+        return at;
     }
     if (const std::size_t excess = FindExcess(fault.statement); excess != noFault) {
         return &operands[excess];
@@ -84,7 +81,7 @@ const Token* FindToken(const OperandView& operand, std::string_view text) {
 }
 
 bool IsNumberedLabel(const StatementView& statement) {
-    if (!HoldsWord("JP JR CALL DJNZ", statement.mnemonic) || statement.operands.empty()) {
+    if (!HoldsWord("JP JR CALL DJNZ", statement.mnemonic)) {
         return false;
     }
     const std::string_view text = statement.operands.back().text;

@@ -3,6 +3,7 @@
 // first explanation that fits.
 
 #include <algorithm>
+#include <cassert>
 
 #include "codegen/keywords.h"
 #include "frontend/expression_fault.h"
@@ -31,7 +32,7 @@ bool AdviseOnSet(OperandCase* it) {
     Advice advice;
     if (statement.mnemonic == "SET" && statement.operands.size() == 1 && !statement.label.empty()) {
         advice = AdviseOnDefinition(statement);
-    } else if (HoldsWord("EQU SET", statement.mnemonic) && statement.label.empty()) {
+    } else if (statement.label.empty()) {
         advice = AdviseOnNameSecond(statement);
     }
     if (!advice.place) {
@@ -175,7 +176,7 @@ bool AdviseOnShape(OperandCase* it) {
         !IsSound(it->adviser.Facts(), it->statement, it->advice.edits)) {
         it->advice.edits.clear();
         it->advice.note.clear();
-        return AdviseOnM(it);
+        return false;
     }
     if (it->ProposesUnknownName()) {
         it->advice.edits.clear();
@@ -200,17 +201,15 @@ constexpr std::size_t npos = std::string::npos;
 // Sets the operand and the place, in case no better ones are found.
 void AimAt(OperandCase* it) {
     for (const OperandView& operand : it->statement.operands) {
-        if (operand.text.starts_with('\'') && operand.text.find('\'', 1) == npos) {
-            it->operand = &operand;  // a string that ends in a later operand
+        if (operand.text.starts_with('\'')) {
+            it->operand = &operand;  // perhaps a string that ends in a later operand
             break;
         }
-        if (it->fault.number == MSG_ILLEGAL_ARGUMENT && operand.what.reg == REG_DIRECT &&
-            operand.what.kind == KIND_VALUE &&
+        if (operand.what.reg == REG_DIRECT && operand.what.kind == KIND_VALUE &&
             std::ranges::any_of(operand.tokens, [](const Token& token) {
                 return ClassOf(token.text).kind != KIND_VALUE || token.kind == TokenKind::other;
             })) {  // "LD ( HL ),5", "LD (IX.1),5"
             it->operand = &operand;
-            break;
         }
     }
     const auto& operands = it->statement.operands;
@@ -265,6 +264,7 @@ std::string FormsNote(const StatementView& statement) {
 
 void AdviseOnOperandCase(OperandCase* it) {
     const FaultView& fault = it->fault;
+    assert(it->statement.keyword != nullptr);
     const bool isExcess = fault.number == MSG_TOO_MANY_ARGUMENTS;
     AimAt(it);
     if (AdviseOnFileName(it) || AdviseOnOddQuotes(it) || AdviseOnSet(it) || AdviseOnSplitWord(it) ||
@@ -275,8 +275,7 @@ void AdviseOnOperandCase(OperandCase* it) {
         AdviseOnBareText(it) || AdviseOnRegister(it) || (isExcess && AdviseOnProse(it))) {
         return;
     }
-    const Keyword* const keyword = fault.statement.keyword;
-    if (isExcess && keyword != nullptr && keyword->operands.most == 0) {
+    if (fault.statement.keyword->operands.most == 0) {
         it->PointAt(fault.statement.rest);
         if (AdviseOnShape(it)) {
             return;
@@ -287,7 +286,7 @@ void AdviseOnOperandCase(OperandCase* it) {
         !HoldsWord("EX INCLUDE BINCLUDE", fault.statement.mnemonic);  // AF', a file
     const ExpressionFault kind =
         isValue ? FindExpressionFault(*it->operand).fault : ExpressionFault::none;
-    const bool isBroken = kind == ExpressionFault::twoValues || kind == ExpressionFault::noRight ||
+    const bool isBroken = kind == ExpressionFault::noRight ||
                           kind == ExpressionFault::openBracket ||
                           kind == ExpressionFault::closeBracket;
     const bool isData = HoldsWord("DB DEFB DW DEFW DS DEFS", fault.statement.mnemonic);
@@ -322,6 +321,9 @@ void AdviseOnOperandCase(OperandCase* it) {
 }
 
 Advice AdviseOnOperands(Adviser& adviser, const FaultView& fault) {
+    if (fault.statement.keyword == nullptr) {  // a NUL ended the mnemonic for the core
+        return {};
+    }
     if (Advice split = AdviseOnSplitMnemonic(fault.statement); split.place) {  // "IN CLUDE X"
         return split;
     }
@@ -337,7 +339,7 @@ Advice AdviseOnOperands(Adviser& adviser, const FaultView& fault) {
     }
     const Keyword* const keyword = fault.statement.keyword;
     const auto& operands = fault.statement.operands;
-    const bool isExcess = fault.number == MSG_ARGUMENT_EXPECTED && keyword != nullptr &&
+    const bool isExcess = fault.number == MSG_ARGUMENT_EXPECTED &&
                           std::cmp_greater(operands.size(), keyword->operands.most) &&
                           !operands.back().text.empty();
     if (isExcess) {  // ADD reports three operands as too few

@@ -37,11 +37,11 @@ std::int32_t ValueOf(const RunFacts& facts, const OperandView& operand) {
         return token == nullptr ? 0 : token->value;
     }
     const auto known = facts.FindName(token->text);
-    return known && known->hasValue ? known->value : 0;
+    return known ? known->value : 0;
 }
 
 bool IsOutOfRange(const RunFacts& facts, const StatementView& statement, std::size_t index) {
-    const bool isBit = index == 0 && HoldsWord("BIT SET RES", statement.mnemonic);
+    const bool isBit = HoldsWord("BIT SET RES", statement.mnemonic);
     return ValueOf(facts, statement.operands[index]) > (isBit ? 7 : largestByte) &&
            (isBit || TakesByte(statement, index));
 }
@@ -151,7 +151,7 @@ struct SlipSearch {
             return at == 0 || IsNameAt(isFirst ? at + 2 : at - 1);
         }
         const bool isData = HoldsWord("DB DEFB DW DEFW DM DEFM", statement.mnemonic);
-        const bool isBetween = line[sign] == ')' && IsNameAt(sign - 1) && IsNameAt(sign + 1);
+        const bool isBetween = line[sign] == ')' && IsNameAt(sign + 1);
         return line[sign] == ':' ||
                (!isBetween && HoldsWord(", ( )", line.substr(sign, 1)) && !isData &&
                 line.substr(sign, 2) != "()" && !IsInWord(isFirst ? at + 1 : at, 0));
@@ -172,7 +172,9 @@ void SlipSearch::Attempt(std::size_t at, std::size_t length, std::string text) {
         !IsSoundLine(facts, StatementView{}, changed)) {
         return;
     }
-    isUnsure = isUnsure || (!meant.empty() && meant != changed);
+    if (!meant.empty() && meant != changed) {
+        isUnsure = true;
+    }
     meant = changed;
     advice.place = LinePart{edits[0].part.offset, std::max(edits[0].part.length, 1U)};
     advice.edits = edits;
@@ -207,11 +209,10 @@ Advice AdviseOnSlip(const RunFacts& facts, const FaultView& fault) {
         }
         if (c == '(' || (c == '0' && isAfterName && !HasClass(before, CC_DIGIT))) {
             search.Attempt(at, 1, ")");
-        } else if (c == ')' ||
-                   (c == '9' && isInstruction && !isAfterName && search.IsNameAt(at + 1))) {
+        } else if (c == ')' || (c == '9' && isInstruction && !isAfterName)) {
             search.Attempt(at, 1, "(");
         }
-        if (c == ')' && isAfterName && search.IsNameAt(at + 1)) {  // "2)H"
+        if (c == ')' && search.IsNameAt(at + 1)) {  // "2)H", ")FFH"
             search.Attempt(at, 1, "0");
         }
         if (at > 2 && c != '+' &&
@@ -225,7 +226,7 @@ Advice AdviseOnSlip(const RunFacts& facts, const FaultView& fault) {
             search.Attempt(at, 2, "),");
         }
         const std::string_view next = line.substr(at + 1);
-        const bool isGroup = HasClass(before, CC_DIGIT) && next.size() == 3;  // "16,384"
+        const bool isGroup = next.size() == 3;  // "16,384"
         if (c == ',' && (isInstruction || statement.mnemonic == "EQU") && !next.empty() &&
             (isGroup || !HasClass(next[0], CC_DIGIT))) {
             search.Attempt(at, 1, "");
@@ -241,14 +242,14 @@ Advice AdviseOnSlip(const RunFacts& facts, const FaultView& fault) {
 std::string MeantMnemonic(const FaultView& fault, const Advice& advice) {
     const StatementView& statement = fault.statement;
     std::string line = Raised(Applied(statement.line, advice.edits));
-    if (advice.edits.empty() && !statement.hasColon && FindKeyword(statement.label) != nullptr) {
+    if (FindKeyword(statement.label) != nullptr) {
         line.insert(0, " ");
     }
-    const std::string_view first = std::string_view(line).substr(0, line.find('\n'));
-    const StatementView view = CutStatement(first);
-    const bool isLabel = view.mnemonic.empty() && first.size() < line.size();  // alone on its line
-    return std::string(isLabel ? CutStatement(line.substr(first.size() + 1)).mnemonic
-                               : view.mnemonic);
+    const StatementView view = CutStatement(std::string_view(line).substr(0, line.find('\n')));
+    return std::string(
+        view.mnemonic.empty()  // the label is on a line of its own
+            ? CutStatement(std::string_view(line).substr(line.find('\n') + 1)).mnemonic
+            : view.mnemonic);
 }
 
 namespace {

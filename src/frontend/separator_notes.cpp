@@ -42,7 +42,6 @@ bool AdviseOnComma(OperandCase* it) {
         const std::vector<TextEdit> edits = {
             {{static_cast<std::uint32_t>(start), static_cast<std::uint32_t>(after - start)}, " "}};
         if (IsSound(it->adviser.Facts(), statement, edits)) {
-            it->PointAt(statement.mnemonic);
             it->advice.edits = edits;
             it->advice.note = "remove the semicolon: it begins a comment";
             return true;
@@ -59,7 +58,7 @@ bool AdviseOnComma(OperandCase* it) {
     for (std::size_t i = 0; i + 1 < statement.operands.size(); ++i) {
         const std::string_view text = statement.operands[i].text;
         const std::string_view next = statement.operands[i + 1].text;
-        if (text == "(IX)" || text == "(IY)") {  // "LD A,(IX),5"
+        if (HoldsWord("(IX) (IY)", text)) {  // "LD A,(IX),5"
             const std::string_view gap = statement.Span(text, next);
             const std::vector<TextEdit> edits = {
                 {statement.PartOf(gap.substr(3, gap.size() - 3 - next.size())), "+"},
@@ -68,7 +67,7 @@ bool AdviseOnComma(OperandCase* it) {
                 return it->Propose(next, edits);
             }
         }
-        if (text == "(IX" || text == "(IY") {
+        if (HoldsWord("(IX (IY", text)) {
             const std::size_t comma = statement.PartOf(text).offset + text.size();
             const std::vector<TextEdit> edits = {
                 {{static_cast<std::uint32_t>(comma),
@@ -120,10 +119,8 @@ bool AdviseOnSeparator(OperandCase* it) {
     const bool isList = isData && at != std::string_view::npos && sign[0] == ':' &&  // "DW A:B"
                         (it->IsDefined(text.substr(0, at)) || HasClass(text[0], CC_DIGIT));
     const bool isMemory =  // "RLC IX-2"
-        HoldsWord("IX IY", text.substr(0, at)) && it->statement.keyword != nullptr &&
-        it->statement.keyword->operands.most == 1;
-    const bool isMissing =
-        isAfterString || isList || (it->fault.number == MSG_ARGUMENT_EXPECTED && !isData);
+        HoldsWord("IX IY", text.substr(0, at)) && it->statement.keyword->operands.most == 1;
+    const bool isMissing = isAfterString || isList || it->fault.number == MSG_ARGUMENT_EXPECTED;
     if (at == std::string_view::npos || at == 0 || isMemory ||
         text.find_first_not_of("+-", at + size) == std::string_view::npos ||  // "DEC HL--"
         (!isMissing && ClassOf(text.substr(0, at)).kind == KIND_VALUE)) {
@@ -158,18 +155,14 @@ bool AdviseOnSeparator(OperandCase* it) {
 
 // "DB (1,2,3)": brackets around a list of values.
 bool AdviseOnListBrackets(OperandCase* it) {
-    const auto& operands = it->statement.operands;
-    if (operands.size() < 2 || !HoldsWord(dataDirectives, it->statement.mnemonic)) {
+    const std::string_view rest = it->statement.rest;
+    if (rest.find_first_of("([{") != 0 || !HoldsWord(dataDirectives, it->statement.mnemonic)) {
         return false;
     }
-    const std::string_view first = operands.front().text;
-    const std::string_view last = operands.back().text;
-    const std::size_t kind = std::string_view("([{").find(first.substr(0, 1));
-    if (first.empty() || last.empty() || kind == std::string_view::npos) {
-        return false;
-    }
-    const char close = ")]}"[kind];
-    if (last.back() != close || first.find(close) != std::string_view::npos ||
+    const char close = ")]}"[std::string_view("([{").find(rest.front())];
+    const std::string_view first = it->statement.operands.front().text;
+    const std::string_view last = it->statement.operands.back().text;
+    if (!last.ends_with(close) || first.find(close) != std::string_view::npos ||
         last.find(first.front()) != std::string_view::npos) {
         return false;
     }
@@ -188,7 +181,7 @@ bool AdviseOnLastSign(OperandCase* it) {
         const std::size_t size = isString ? text.size() - 1 : text.find_last_not_of(".:;!") + 1;
         const std::vector<Token> tokens = CutTokens(text.substr(0, size));
         const bool isValue = isString || (tokens.size() == 1 ? tokens[0].kind == TokenKind::number
-                                                             : size > 0 && text[size - 1] == ')');
+                                                             : text.substr(0, size).ends_with(')'));
         if (size == 0 || size == text.size() ||
             (!isValue && ClassOf(text.substr(0, size)).kind == KIND_VALUE)) {
             continue;
@@ -251,9 +244,8 @@ void AddInstructionBreaks(OperandCase* it, const OperandView& operand) {
         const Token& before = operand.tokens[i == 0 ? 0 : i - 1];
         const bool isSign = HoldsWord("| : \\ !", before.text) && i > 1;
         if (token.kind == TokenKind::name && FindKeyword(token.text) != nullptr &&
-            IsWholeInstruction(it->statement, operand, i) && !it->IsDefined(token.text) &&
-            !HoldsWord("IF COND", token.text) &&
-            (isSign || i == 0 || (before.IsValue() && !before.text.ends_with(':')))) {
+            IsWholeInstruction(it->statement, operand, i) && !HoldsWord("IF COND", token.text) &&
+            (isSign || (before.IsValue() && !before.text.ends_with(':')))) {
             it->Replace(isSign ? it->statement.Span(before.text, token.text) : token.text,
                         "\n\t" + std::string(it->statement.Typed(token.text)));
         }
@@ -284,12 +276,12 @@ bool AdviseOnSecondInstruction(OperandCase* it) {
         const std::vector<Token>& tokens = operands[i].tokens;
         const Keyword* const keyword = tokens.empty() ? nullptr : FindKeyword(tokens[0].text);
         const bool isKeyword =
-            keyword != nullptr && !it->IsDefined(tokens[0].text) &&
+            keyword != nullptr &&
             (tokens.size() > 1
                  ? tokens[1].IsValue()
                  : keyword->operands.fewest == 0 && keyword->group == KeywordGroup::instruction);
         const std::size_t end = it->statement.PartOf(before).offset + before.size();
-        if (isKeyword && HasForm(CutStatement(it->statement.line.substr(0, end)))) {
+        if (isKeyword) {
             const std::string_view word = operands[i].tokens[0].text;
             it->PointAt(word);
             const auto start = static_cast<std::uint32_t>(end);
@@ -308,7 +300,6 @@ bool AdviseOnSecondInstruction(OperandCase* it) {
     it->advice.note = oneInstructionNote;
     if (it->statement.typed.data() == it->statement.line.data()) {  // two lines, joined
         it->advice.note = "check for a backslash at the end of the line: it joins the next line";
-        it->advice.edits.clear();
     }
     return true;
 }
@@ -323,7 +314,7 @@ bool AdviseOnEmptyOperand(OperandCase* it) {
     const std::string_view line = it->statement.line;
     const std::string_view comma = line.substr(std::min(line.rfind(',', at), at), 1);
     const bool isComment =  // "RET , text"
-        empty == it->statement.operands.begin() && HasForm(CutStatement(line.substr(0, at))) &&
+        HasForm(CutStatement(line.substr(0, at))) &&
         !HasFormWith(it->statement, {{it->statement.PartOf(comma), ""}});
     it->PointAt(comma);
     if (isComment) {

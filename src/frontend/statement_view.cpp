@@ -69,7 +69,7 @@ Token WordToken(std::string_view text) {
         return token;
     }
     if (const OperandClass& what = ClassOf(text); what.kind != KIND_VALUE) {
-        const bool isRegister = what.kind == KIND_REGISTER || what.reg != REG_NONE;
+        const bool isRegister = what.reg != REG_NONE;
         token.kind = isRegister ? TokenKind::registerName : TokenKind::condition;
         return token;
     }
@@ -101,7 +101,7 @@ Token StringToken(std::string_view text, bool isOpen) {
     Token token{isOpen ? TokenKind::openString : TokenKind::string, text};
     if (text.front() != '"') {
         token.kind = TokenKind::other;  // joined to the text before it
-    } else if (!isOpen && text.size() == 3) {
+    } else if (text.size() == 3) {
         token.value = static_cast<signed char>(text[1]);
     }
     return token;
@@ -168,14 +168,17 @@ const Token* OperandView::OnlyToken() const {
 }
 
 std::optional<Token> TokenCutter::Next() {
-    if (waiting.code != 0) {
-        const bool isLong = waiting.code == OP_LESS_EQUAL || waiting.code == OP_GREATER_EQUAL;
-        const std::string_view word = reader.Token();
-        const auto at = static_cast<std::size_t>(word.data() + word.size() - text.data());
-        return Token{TokenKind::op, text.substr(at, isLong ? 2 : 1), 0,
-                     std::exchange(waiting, {}).code};
-    }
-    while (!reader.isAtEnd) {
+    for (;;) {
+        if (waiting.code != 0) {
+            const bool isLong = waiting.code == OP_LESS_EQUAL || waiting.code == OP_GREATER_EQUAL;
+            const std::string_view word = reader.Token();
+            const auto at = static_cast<std::size_t>(word.data() + word.size() - text.data());
+            return Token{TokenKind::op, text.substr(at, isLong ? 2 : 1), 0,
+                         std::exchange(waiting, {}).code};
+        }
+        if (reader.isAtEnd) {
+            return std::nullopt;
+        }
         reader.Next();
         waiting = reader.op;
         const std::string_view word = reader.Token();
@@ -185,11 +188,7 @@ std::optional<Token> TokenCutter::Next() {
         if (!word.empty()) {
             return WordToken(word);
         }
-        if (waiting.code != 0) {
-            return Next();
-        }
     }
-    return std::nullopt;
 }
 
 std::vector<Token> CutTokens(std::string_view text) {
@@ -231,8 +230,7 @@ std::size_t CommentStart(std::string_view typed) {
 StatementView CutStatement(std::string_view line, std::string_view typed) {
     StatementView view;
     view.line = line;
-    const bool isSame = typed.size() >= line.size() && Raised(typed.substr(0, line.size())) == line;
-    view.typed = isSame ? typed : line;
+    view.typed = typed.empty() ? line : typed;
     view.label = line.substr(0, 0);
     if (!line.empty() && HasClass(line.front(), CC_NAME_START)) {
         view.label = Prefix(line, [](char c) { return HasClass(c, CC_NAME); });
@@ -262,7 +260,7 @@ const Keyword* FindKeyword(std::string_view word) {
     static_assert(std::ranges::all_of(
         keywords, [](const Keyword& keyword) { return keyword.word.size() <= longestTail; }));
     const std::size_t letter = word.empty() ? letterCount : LetterOf(word);
-    if (letter >= letterCount || word.size() > longestTail) {
+    if (letter >= letterCount) {
         return nullptr;
     }
     const std::uint64_t tail = TailOf(word.data(), word.size());

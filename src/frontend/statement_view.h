@@ -121,8 +121,8 @@ struct StatementView {
     }
 };
 
-/// The result contains views of both lines, which must outlive it. `typed` is the physical line;
-/// empty if that is not known.
+/// The result contains views of both lines, which must outlive it. `typed` is the physical line,
+/// which begins with `line` before its letters were raised; empty if that is not known.
 [[nodiscard]] StatementView CutStatement(std::string_view line, std::string_view typed = {});
 
 /// `typed` with letters outside strings converted to upper case, as by the core's reader.

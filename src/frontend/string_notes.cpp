@@ -12,7 +12,7 @@ namespace korv {
 // A text with double quotes in it: proposes the number 34 for each.
 bool AdviseOnQuotes(OperandCase* it) {
     const std::string_view text = it->operand->text;
-    const bool isText = text.size() > 3 && text.front() == '"' && text.back() == '"' &&
+    const bool isText = text.size() > 3 && text.back() == '"' &&
                         std::ranges::none_of(it->operand->tokens, [](const Token& token) {
                             return token.text.find('"') == std::string_view::npos;
                         });
@@ -42,7 +42,7 @@ bool AdviseOnQuotes(OperandCase* it) {
             piece.pop_back();
         }
         close(false);
-        i += i + 1 < inner.size() && inner[i + 1] == '"' ? std::size_t{1} : 0;
+        i += inner.substr(i + 1).starts_with('"') ? std::size_t{1} : 0;
     }
     close(true);
     it->PointAt(text);
@@ -93,14 +93,13 @@ bool AdviseOnUnopenedString(OperandCase* it) {
     }
     const auto end = std::ranges::find_if(
         operands, [isEnd](const OperandView& each) { return !each.text.empty() && isEnd(each); });
-    if (end == operands.end() || end->text.front() == '\'') {
+    if (end == operands.end()) {
         return false;
     }
     auto start = end;
     while (start != operands.begin() && isProse(*(start - 1))) {
         --start;
     }
-    it->PointAt(start->text);
     it->Insert(start->text, "\"");
     it->advice.note = "open the string with a double quote";
     return true;
@@ -157,7 +156,7 @@ bool AdviseOnOddQuotes(OperandCase* it) {
     if (count == 1 && AdviseOnSingleQuote(it)) {
         return true;
     }
-    for (std::size_t i = 0; count % 2 == 1 && (i = rest.find("\"\"", i)) < rest.size(); ++i) {
+    for (std::size_t i = 0; (i = rest.find("\"\"", i)) < rest.size(); ++i) {
         const std::vector<TextEdit> edits = {{it->statement.PartOf(rest.substr(i, 1)), ""}};
         if (IsSound(it->adviser.Facts(), it->statement, edits)) {
             return it->Propose(rest.substr(i, 2), edits, "remove the extra quote: ");
@@ -171,15 +170,15 @@ bool AdviseOnOddQuotes(OperandCase* it) {
             return it->Propose(rest.substr(0, 2), edits, "remove the extra quotes: ");
         }
     }
-    if (count < 3 || count % 2 == 0 || !HoldsWord("DB DEFB", it->statement.mnemonic)) {
+    if (count < 3 || !HoldsWord("DB DEFB", it->statement.mnemonic)) {
         return false;
     }
     for (std::size_t i = 0; i <= rest.size(); ++i) {
         const bool isOpen = std::ranges::count(rest.substr(0, i), '"') % 2 == 1;
-        const bool isStart = !isOpen && !HasClass(rest[std::min(i, rest.size() - 1)], CC_BLANK) &&
+        const bool isStart = !HasClass(rest[std::min(i, rest.size() - 1)], CC_BLANK) &&
                              (i == 0 || rest[rest.find_last_not_of(" \t", i - 1)] == ',');
         const bool isEnd = isOpen && (i == rest.size() || rest[i] == ',');
-        const bool isSingle = i < rest.size() && rest[i] == '\'';  // 'text"
+        const bool isSingle = rest.substr(i).starts_with('\'');  // 'text"
         const std::vector<TextEdit> edits = {
             {it->statement.PartOf(rest.substr(i, isSingle ? 1 : 0)), "\""}};
         if ((isStart || isEnd || isSingle) && IsLikelyList(*it, edits)) {

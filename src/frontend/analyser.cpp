@@ -210,10 +210,8 @@ void Analyser::OnIncludedBytes(const std::string& path) {
 
 // Records that `statement` uses `file`, which its operand names.
 void Analyser::AddFileUse(const CStatement& statement, std::int32_t file) {
-    if (wanted.uses) {
-        const std::string_view name = CutStatement(statement.text).rest;
-        analysis.fileUses.push_back({maker.PlaceOf(statement.PlaceOf(name)), file});
-    }
+    const std::string_view name = CutStatement(statement.text).rest;
+    analysis.fileUses.push_back({maker.PlaceOf(statement.PlaceOf(name)), file});
 }
 
 void Analyser::OnMessage(std::int32_t kind, std::int32_t number, std::string_view text,

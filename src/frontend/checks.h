@@ -56,7 +56,7 @@ using Findings = std::vector<Finding>;
     return label.size() <= 2 || last == 'H' || last == 'B' || last == 'O' ||
            (HasClass(last, CC_DIGIT) && HasClass(label.front(), CC_DIGIT));
 }
-/// Checks a label for which `MayBeMisread` is true.
+/// Checks a label, which may be empty.
 void CheckLabel(std::string_view label, Findings* findings);
 
 /// True if a semicolon in place of the colon of `label` hides an instruction, as in "LOOP; INC A".

@@ -149,9 +149,6 @@ class MessagePrinter {
 
     void PrintExcerpt(const Place& place) {
         const std::string_view line = analysis.LineOf(place);
-        if (line.empty()) {
-            return;
-        }
         const Excerpt shown = ExcerptOf(line, place);
         const std::string_view more = "...";
         const std::string_view start = shown.hasMoreBefore ? more : "";

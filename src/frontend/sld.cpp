@@ -72,7 +72,7 @@ class SldWriter {
         const std::int32_t file =
             analysis.openings[static_cast<std::size_t>(statement.opening)].file;
         const std::uint32_t address = statement.address & addressMask;
-        if (statement.kind == StatementKind::instruction && statement.count != 0) {
+        if (statement.kind == StatementKind::instruction) {
             Put({.file = file, .line = statement.line, .value = address});
         }
         if (holdsKeyword[static_cast<std::size_t>(file)]) {

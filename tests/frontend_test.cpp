@@ -171,7 +171,7 @@ TEST(FrontendTest, BytesAtTheEndsOfLinesAndFilesHideNothing) {
 TEST(FrontendTest, RefusesAFaultyCommandLineAndWritesNothing) {
     const std::pair<const char*, const char*> rows[] = {
         {"", "no source file is given; --help lists the options"}, {"a.kor b.kor", "one source file at a time: 'a.kor' and 'b.kor' are given"}, {"-c a.kor", "unknown option '-c'; --help"},
-        {"--form hex a.kor", "unknown option '--form'; did you mean '--format'?"}, {"--lsiting=x a.kor", "'--lsiting'; did you mean '--listing'?"},
+        {"--form hex a.kor", "unknown option '--form'; did you mean '--format'?"}, {"--symbol x a.kor", "did you mean '--symbols'?"}, {"--lsiting=x a.kor", "'--lsiting'; did you mean '--listing'?"},
         {"-wv a.kor", "'-v'; did you mean '-V'?"}, {"-symbols x", "'-symbols'; did you mean '--symbols'?"}, {"-- --", "cannot read --"},
         {"a.kor --listing", "missing FILE after '--listing'"}, {"-M -o b a.kor", "missing FILE after '-M'"}, {"-l --summary a.kor", "missing FILE after '-l'"}, {"-l -- a.kor", "missing FILE after '-l'"}, {"-w -I", "missing DIR after '-I'"},
         {"a.kor -o ", "empty FILE after '-o'"}, {"-w ", "the name of the source is empty"}, {"--help=x", "takes no argument: 'x'"},

@@ -422,7 +422,7 @@ TEST(TerminalTest, GetsColoursAndNoControlCharactersFromKorvAs) {
         {"xterm", nullptr, "a.kor", coloured}, {"xterm", "", "a.kor", coloured}, {"xterm", "1", "a.kor", plain},
         {"dumb", nullptr, "a.kor", plain}, {"", nullptr, "a.kor", plain}, {"xterm", nullptr, "a.kor --color never", plain},
         {"dumb", "1", "a.kor --color always", coloured}, {"xterm", "", "--\x1B", "korv-as: error: unknown option '--\\x1B'; --help lists the options\n"},
-        {"xterm", "", "b.kor -o /dev/null -l -", " RET ; WPMEM \\x1B\n"}, {"xterm", "", "b.kor -o /dev/null --debug -", "|; WPMEM \\x1B\n"}, {"xterm", "", "b.kor -o -", "\xC9"},
+        {"xterm", "", "b.kor -o /dev/null -l -", " RET ; WPMEM \\x1B\n"}, {"xterm", "", "b.kor -o /dev/null --debug -", "|; WPMEM \\x1B\n"}, {"xterm", "", "b.kor -o - -l /dev/null", "\xC9"},
         {"xterm", "", "b.kor -o - -l -", "two outputs to one file: standard output and standard output\n"}};
     // clang-format on
     for (const auto& [type, noColor, words, shown] : rows) {

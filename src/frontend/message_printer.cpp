@@ -157,7 +157,7 @@ class MessagePrinter {
         Pen pen = NewPen();
         pen.Own(start).Foreign(shown.before).Foreign(shown.marked).Foreign(shown.after);
         pen.Own(shown.hasMoreAfter ? more : "").Own("\n");
-        pen.Own(BlankText(start, false)).Own(BlankText(shown.before, style.isTerminal));
+        pen.Own(std::string(start.size(), ' ')).Own(BlankText(shown.before, style.isTerminal));
         pen.Set(green).Own("^" + std::string(std::max<std::size_t>(width, 1) - 1, '~'));
         pen.Set(plain).Own("\n");
     }

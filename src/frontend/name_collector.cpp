@@ -216,8 +216,6 @@ std::vector<Name> NameCollector::Take(MessageMaker* places) {
     for (const Entry& entry : entries) {
         names.push_back(NameOf(entry, places));
     }
-    uses.clear();
-    earlyUses.clear();
     return names;
 }
 

@@ -28,7 +28,7 @@ class NameCollector {
     /// counted.
     void AddUses(CStatement& statement, const Keyword* keyword, bool isFaulty,
                  MessageMaker* places);
-    /// Returns all names with their uses, sorted by text, and forgets the uses.
+    /// Returns all names with their uses, sorted by text. Called once.
     [[nodiscard]] std::vector<Name> Take(MessageMaker* places);
 
   private:

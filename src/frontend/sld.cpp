@@ -82,7 +82,7 @@ class SldWriter {
 
     void PutName(const Name& name) {
         const bool isConstant = name.kind == NameKind::constant;
-        if (!name.hasValue || (!isConstant && name.kind != NameKind::label)) {
+        if (!isConstant && name.kind != NameKind::label) {
             return;
         }
         std::string data = "," + Field(name.text) + ",,";  // no module, no local name

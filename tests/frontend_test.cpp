@@ -119,7 +119,7 @@ std::string PrintedFor(const std::string& source, const std::string& words = "")
 // The place and name of each message for a source, with "!" before errors.
 TEST(FrontendTest, WarnsAboutTheseLinesAndNoOthers) {
     const char* rows[][3] = {
-        {"", " DB FWD-$|FWD: DW $-FWD,FWD-$1|X: EQU LATE*$|LATE: JP NONE+$", "1:5 late-location, 3:8 late-location, !4:10 X12"},
+        {"", " DB FWD-$| DW FWD-$1|FWD: DW $-FWD|X: EQU LATE*$|LATE: JP NONE+$", "1:5 late-location, 4:8 late-location, !5:10 X12"},
         {"", " LD BC,35000*2| LD (35000*2),A| CALL -32769| LD IX,(65535+1)", "1:8 truncated, 2:5 X23, 3:7 truncated, 4:8 truncated"},
         {"", " DS 35000*1| LD HL,65535| LD DE,-32768|X: EQU 35000*2| JP X", "5:5 X23"},
         {"", " NOP ; a \\| HALT|; b \\|  ; c \\||; d \\\r| DB 1|  DB 2, \\|3", "1:10 continued-comment, 6:5 continued-comment"},

@@ -119,12 +119,12 @@ std::string PrintedFor(const std::string& source, const std::string& words = "")
 // The place and name of each message for a source, with "!" before errors.
 TEST(FrontendTest, WarnsAboutTheseLinesAndNoOthers) {
     const char* rows[][3] = {
-        {"", " DB FWD-$|FWD: DW $-FWD,FWD-$1|X: EQU LATE*$|LATE: JP NONE+$", "1:5 late-location, 3:8 late-location, !4:10 X12"},
+        {"", " DB FWD-$| DW FWD-$1|FWD: DW $-FWD|X: EQU LATE*$|LATE: JP NONE+$", "1:5 late-location, 4:8 late-location, !5:10 X12"},
         {"", " LD BC,35000*2| LD (35000*2),A| CALL -32769| LD IX,(65535+1)", "1:8 truncated, 2:5 X23, 3:7 truncated, 4:8 truncated"},
         {"", " DS 35000*1| LD HL,65535| LD DE,-32768|X: EQU 35000*2| JP X", "5:5 X23"},
         {"", " NOP ; a \\| HALT|; b \\|  ; c \\||; d \\\r| DB 1|  DB 2, \\|3", "1:10 continued-comment, 6:5 continued-comment"},
-        {"", " ORG 5| NOP| ORG $| ORG 9000H", "4:6 org-gap"},
-        {" -f hex -o h", " NOP| ORG 200H| NOP| ORG 1FFH| DW 1| ORG 0FFFFH| DW 1| ORG 0| NOP", "9:2 overlap, 5:2 overlap"},
+        {"", " ORG 5| NOP|H: ORG $| ORG 9000H", "3:1 register-label, 4:6 org-gap"},
+        {" -f hex -o h", " DS 9| ORG 101H| NOP| ORG 103H| NOP| ORG 0FFH| DW 1| ORG 0FFFFH| DW 1| ORG 0| NOP", "11:2 overlap, 7:2 overlap, 3:2 overlap, 5:2 overlap"},
         {" -f bin -W org", " NOP| ORG 5| NOP| ORG 7", "2:6 X47, 4:6 X48, 4:6 org-gap"},
         {"", "EACH: NOP|12:|1B: EQU 1|H: EQU 1|EACHX: NOP|A_H: NOP|99999: NOP", "1:1 number-label, 2:1 number-label, 3:1 number-label, 4:1 register-label, 6:1 number-label, 7:1 number-label"},
         {"", "B: EQU 5| RST B|H: NOP", "!2:6 X16, 3:1 register-label"},
@@ -148,7 +148,7 @@ TEST(FrontendTest, WarnsAboutTheseLinesAndNoOthers) {
         {"", " JP B1| JP A1| DB \"B1\",XB1,B1|XB1: EQU 5", "!2:5 X12, !3:14 X12"},
         {" --max-image 3", " DW 1| DS 1| DS 0|", ""},
         {" --max-image 3", " DW 1| DS 65535*32767| FROB", "!2:2 max-image"},
-        {" --max-image 3", " DW 1| DW FWD| FROB", "!2:2 max-image"},
+        {" --max-image 3", " DW 1| DW FWD| FROB|B: NOP", "!2:2 max-image"},
         {" --max-errors 2", " FROB| DB 1,| FROB| DB 1,| FROB", "!1:2 X33, 2:6 X59, !3:2 X33"},
     };
     const std::regex message("a\\.kor:([0-9:]+): (error|warning): .* \\[([\\w-]+)\\]\n");
@@ -171,19 +171,19 @@ TEST(FrontendTest, BytesAtTheEndsOfLinesAndFilesHideNothing) {
 TEST(FrontendTest, RefusesAFaultyCommandLineAndWritesNothing) {
     const std::pair<const char*, const char*> rows[] = {
         {"", "no source file is given; --help lists the options"}, {"a.kor b.kor", "one source file at a time: 'a.kor' and 'b.kor' are given"}, {"-c a.kor", "unknown option '-c'; --help"},
-        {"--form hex a.kor", "unknown option '--form'; did you mean '--format'?"}, {"--lsiting=x a.kor", "'--lsiting'; did you mean '--listing'?"},
+        {"--form hex a.kor", "unknown option '--form'; did you mean '--format'?"}, {"--symbol x a.kor", "did you mean '--symbols'?"}, {"--lsiting=x a.kor", "'--lsiting'; did you mean '--listing'?"},
         {"-wv a.kor", "'-v'; did you mean '-V'?"}, {"-symbols x", "'-symbols'; did you mean '--symbols'?"}, {"-- --", "cannot read --"},
-        {"a.kor --listing", "missing FILE after '--listing'"}, {"-M -o b a.kor", "missing FILE after '-M'"}, {"-l --summary a.kor", "missing FILE after '-l'"}, {"-w -I", "missing DIR after '-I'"},
+        {"a.kor --listing", "missing FILE after '--listing'"}, {"-M -o b a.kor", "missing FILE after '-M'"}, {"-l --summary a.kor", "missing FILE after '-l'"}, {"-l -- a.kor", "missing FILE after '-l'"}, {"-w -I", "missing DIR after '-I'"},
         {"a.kor -o ", "empty FILE after '-o'"}, {"-w ", "the name of the source is empty"}, {"--help=x", "takes no argument: 'x'"},
         {"none.kor", "cannot read none.kor: No such file or directory"}, {"sub", isWindows ? "cannot read sub" : "cannot read sub: Is a directory"}, {"-I sub x", "cannot read x"},
-        {"-", "standard input has no name, so the image needs one; use -o"}, {"-f elf a.kor", "-f: 'elf' is not com, bin or hex"}, {"-W foo a.kor", "unknown warning 'foo'; --help lists them"}, {"-W error=rage a.kor", "'rage'; did you mean 'range'?"},
+        {"-", "standard input has no name, so the image needs one; use -o"}, {"-f elf a.kor", "-f: 'elf' is not com, bin or hex"}, {"-W foo a.kor", "unknown warning 'foo'; --help lists them"}, {"-W error=rage a.kor", "'rage'; did you mean 'range'?"}, {"--=x a.kor", "unknown option '--'"},
         {"a.kor -o a.kor", "refusing to overwrite a.kor: it is an input of this run"}, {"a.kor -l sub/link", "refusing to overwrite sub/link: it is an input of this run"}, {"a.kor --symbols data.bin", "refusing to overwrite data.bin"},
-        {"a.kor -o b -l ./b", "refusing to write two outputs to one file: b and ./b"}, {"a.kor -o - -l -", "standard output and standard output"}, {"a.kor -o - -M d", "dependencies need a target with a name"}, {"a.kor -o a%b -M d", "would misread the name 'a%b'"},
+        {"a.kor -o b -l ./b", "refusing to write two outputs to one file: b and ./b"}, {"data.bin -o a.kor -l sub/link", "two outputs to one file: a.kor and sub/link"}, {"a.kor -o - -l -", "standard output and standard output"}, {"a.kor -o - -M d", "dependencies need a target with a name"}, {"a.kor -o a%b -M d", "would misread the name 'a%b'"},
         {"a.kor --summary -l -", "--summary needs standard output for itself"}, {"a.kor --summary -o /dev/stdout", "--summary needs"},
         {"a.kor -o no/a.com", "cannot write no/a.com: No such file or directory"}, {"a.kor -l sub", isWindows ? "cannot write sub" : "cannot write sub: Is a directory"},
         {"-D =1 a.kor", "'' is not a name"}, {"-D 1 a.kor", "'1' is not a name"}, {"-D A.B a.kor", "-D A.B: 'A.B' is not a name"}, {"-D A=X -D =1 none.kor", "-D A=X: could not resolve label: 'X'"}, {"-D A -D A a.kor", "redefinition"},
         {"-D NOP a.kor", "not allowed as label"}, {"--max-errors 9x a.kor", "--max-errors: '9x' is not a number from 0 to 4294967295"}, {"--color red a.kor", "'red' is not auto, always or never"},
-        {"--max-image -1 a.kor", "--max-image: '-1' is not a number from 0 to"}, {"--line-length=0 a.kor", "'0' is not a number from 1 to 65536"}, {"--line-length 65537 a.kor", "to 65536"},
+        {"--max-image 99999999999999999999 a.kor", "--max-image: '99999999999999999999' is not a number from 0 to"}, {"--line-length=0 a.kor", "'0' is not a number from 1 to 65536"}, {"--line-length 65537 a.kor", "to 65536"},
         {"a.kor -o new -l sub/to", "two outputs"}, {"a.kor -o - -l /dev/stdout", "two outputs"}, {"@ a.kor", "missing FILE after '@'"},
         {"a.kor @none", "cannot read none: No such file or directory"}, {"@sub/x", "sub/x: argument files are nested more than 10 deep"}, {"@open", "open, line 3: missing closing quote"}};
     for (const auto& [words, complaint] : rows) {

@@ -6,6 +6,7 @@
 #include "frontend/dependencies.h"
 #include "frontend/file_store.h"
 #include "frontend/summary.h"
+#include "frontend/symbol_formats.h"
 #include "run.h"
 
 namespace korv_test {
@@ -25,6 +26,12 @@ TEST(OutputsTest, ASummaryIsUtf8WhateverItsNamesAre) {
     korv::Analysis analysis = AnalyseSample();
     analysis.files.at(0).name = "\xFF.kor";
     EXPECT_TRUE(Contains(korv::SummaryJson(analysis), "\"\uFFFD.kor\""));
+}
+
+TEST(OutputsTest, ANameWithoutAValueIsNoSymbol) {
+    korv::Analysis analysis;
+    analysis.names.emplace_back().text = "NONE";
+    EXPECT_EQ("", korv::SymbolText(analysis, korv::SymbolFormat::equ).text);
 }
 
 TEST(OutputsTest, RulesHoldOnlyNamesThatMakeAndNinjaReadBack) {

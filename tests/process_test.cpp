@@ -411,7 +411,7 @@ TEST(TerminalTest, GetsColoursAndNoControlCharactersFromKorvAs) {
     }
     const TempDir directory;
     WriteFile("a.kor", " DB \"\x1B\",FOO\n");
-    WriteFile("b.kor", " RET ; \x1B\n");
+    WriteFile("b.kor", " RET ; WPMEM \x1B\n");
     // clang-format off
     const std::string plain = "a.kor:1:9: error: could not resolve label: 'FOO' [X12]\n DB \"\\x1B\",FOO\n           ^~~\n"
                               "korv-as: 1 error\n";
@@ -422,7 +422,7 @@ TEST(TerminalTest, GetsColoursAndNoControlCharactersFromKorvAs) {
         {"xterm", nullptr, "a.kor", coloured}, {"xterm", "", "a.kor", coloured}, {"xterm", "1", "a.kor", plain},
         {"dumb", nullptr, "a.kor", plain}, {"", nullptr, "a.kor", plain}, {"xterm", nullptr, "a.kor --color never", plain},
         {"dumb", "1", "a.kor --color always", coloured}, {"xterm", "", "--\x1B", "korv-as: error: unknown option '--\\x1B'; --help lists the options\n"},
-        {"xterm", "", "b.kor -o /dev/null -l -", " RET ; \\x1B\n"}, {"xterm", "", "b.kor -o -", "\xC9"},
+        {"xterm", "", "b.kor -o /dev/null -l -", " RET ; WPMEM \\x1B\n"}, {"xterm", "", "b.kor -o /dev/null --debug -", "|; WPMEM \\x1B\n"}, {"xterm", "", "b.kor -o - -l /dev/null", "\xC9"},
         {"xterm", "", "b.kor -o - -l -", "two outputs to one file: standard output and standard output\n"}};
     // clang-format on
     for (const auto& [type, noColor, words, shown] : rows) {
@@ -460,7 +460,7 @@ TEST(FrontendProcessTest, WhyAFileCannotBeReadOrWrittenIsSaid) {
                                                         {longName, "read " + longName + noPath},
                                                         {"@secret.kor", "read secret.kor" + denied},
                                                         {"> a.kor -o old", "write old" + denied},
-                                                        {"a.kor", "write a.com" + denied}};
+                                                        {"< a.kor", "write a.com" + denied}};
     const AsNobody nobody;
     const TempDir directory;
     for (const char* const name : {"a.kor", "secret.kor", "old"}) {

@@ -184,10 +184,6 @@ void Analyser::OnFile(const std::string& path, std::int32_t number, CStatement* 
         }
     }
     levels.push_back({statement, maker.AddOpening(number, opening)});
-    if (wanted.statements && levels.size() == 1) {  // most programs are one file
-        analysis.statements.reserve(
-            static_cast<std::size_t>(maker.TextOf(levels.back().opening).LineCount()));
-    }
 }
 
 void Analyser::OnFileEnd() {
@@ -210,10 +206,8 @@ void Analyser::OnIncludedBytes(const std::string& path) {
 
 // Records that `statement` uses `file`, which its operand names.
 void Analyser::AddFileUse(const CStatement& statement, std::int32_t file) {
-    if (wanted.uses) {
-        const std::string_view name = CutStatement(statement.text).rest;
-        analysis.fileUses.push_back({maker.PlaceOf(statement.PlaceOf(name)), file});
-    }
+    const std::string_view name = CutStatement(statement.text).rest;
+    analysis.fileUses.push_back({maker.PlaceOf(statement.PlaceOf(name)), file});
 }
 
 void Analyser::OnMessage(std::int32_t kind, std::int32_t number, std::string_view text,
@@ -263,10 +257,10 @@ void Analyser::OnMessage(std::int32_t kind, std::int32_t number, std::string_vie
 // at the end of the run.
 std::optional<Warning> Analyser::WarningFor(std::int32_t number,
                                             const CStatement* statement) const {
-    if (number == MSG_LABEL_WITHOUT_COLON && FindKeyword(statement->label) != nullptr) {
-        return Warning::keywordLabel;
-    }
     if (number == MSG_LABEL_WITHOUT_COLON) {
+        if (FindKeyword(statement->label) != nullptr) {
+            return Warning::keywordLabel;
+        }
         const StoredText& text = maker.TextOf(maker.OpeningOf(statement->fileName));
         if (HidesInstruction(text.Line(statement->lineNumber), statement->label)) {
             return Warning::hiddenInstruction;
@@ -379,7 +373,7 @@ void Analyser::Finish() {
             AddWarning(options.warnings, std::move(message), &analysis);
         }
     }
-    if (options.warnings.IsOn(Warning::unusedLabel) && !isStopped) {
+    if (!isStopped) {
         for (Message& message : UnusedLabelWarnings(analysis)) {
             AddWarning(options.warnings, std::move(message), &analysis);
         }

@@ -145,7 +145,7 @@ struct LoadHeader {
 struct Analysis {
     std::vector<SourceFile> files;      ///< the files that were read, the main file first
     std::vector<Opening> openings;      ///< in the order of opening
-    std::vector<FileUse> fileUses;      ///< with `Wanted::uses` only
+    std::vector<FileUse> fileUses;      ///< in the order of the source
     std::vector<Statement> statements;  ///< with `Wanted::statements` only
     std::vector<Message> messages;      ///< in the order in which they are printed
     std::vector<Name> names;            ///< sorted by text; with `Wanted::names` only

@@ -1,6 +1,7 @@
 #include "frontend/checks.h"
 
 #include <algorithm>
+#include <cstring>
 #include <initializer_list>
 
 #include "codegen/handlers.h"
@@ -29,23 +30,8 @@ bool HoldsLocation(const lsArg& arg) {
     return false;
 }
 
-// True if `arg` is common and harmless although `IsOdd` is true for it: a string without a
-// backslash, or an unresolved expression without a "$".
-bool IsUsual(const lsArg& arg) {
-    if (IsLateExpression(arg)) {
-        return arg.text.find('$') == std::string_view::npos;
-    }
-    return arg.text.front() == '"' && arg.text.find('"', 1) == arg.text.size() - 1 &&
-           arg.text.find('\\') == std::string_view::npos;
-}
-
 bool HasOpenQuote(std::string_view text) {
     return std::ranges::count(text, '"') % 2 != 0;
-}
-
-// True if `arg` is a string that is used as a value and has no closing quote.
-bool IsOpenString(const lsArg& arg) {
-    return arg.status == 0 && arg.IsValue() && HasOpenQuote(arg.text);
 }
 
 // Adds the findings about the resolved operand `arg`. A register that is used as a value counts as
@@ -55,14 +41,10 @@ void CheckOperand(const lsArg& arg, const Keyword* keyword, Findings* findings) 
     const auto isOneOf = [handler](std::initializer_list<InstructionHandler> handlers) {
         return std::ranges::find(handlers, handler) != handlers.end();
     };
-    if (IsOpenString(arg) && handler != AssembleDm) {  // DM reports it itself
+    if (HasOpenQuote(arg.text) && handler != AssembleDm) {  // DM reports it itself
         findings->push_back({Warning::openString, arg.text, Quoted(arg.text), ""});
     }
-    const bool isRegister =
-        arg.IsIndexed()
-            ? isOneOf({AssembleDb, AssembleDw, AssembleDs, AssembleEqu, AssembleOrg, AssembleIf})
-            : isOneOf({AssembleEqu, AssembleOrg}) && !arg.IsValue();
-    if (isRegister) {
+    if (arg.IsIndexed() || !arg.IsValue()) {
         findings->push_back({Warning::registerValue, arg.text, Quoted(arg.text), ""});
     } else if (isOneOf({AssembleLd, AssembleCall, AssembleOrg}) && !wordRange.Holds(arg.value)) {
         char value[16];
@@ -92,25 +74,13 @@ bool HidesInstruction(std::string_view line, std::string_view label) {
     const std::string hidden = " " + Raised(after.substr(1, CommentStart(after.substr(1))));
     const StatementView view = CutStatement(hidden);
     return HasForm(view) && std::ranges::all_of(view.operands, [](const OperandView& operand) {
-               const ExpressionFault fault = FindExpressionFault(operand).fault;
-               return operand.what.kind != KIND_VALUE || fault == ExpressionFault::none ||
-                      (fault == ExpressionFault::longString && operand.tokens.size() == 1);
+               return operand.what.kind != KIND_VALUE || operand.tokens.size() == 1 ||
+                      FindExpressionFault(operand).fault == ExpressionFault::none;
            });
 }
 
 void CheckOperands(CStatement* statement, std::span<const std::uint8_t> bytes, Findings* findings) {
-    KO_Args& args = statement->args;
-    bool isOdd = false, hasBackslash = false;
-    for (const lsArg& arg : args) {
-        isOdd = isOdd || (IsOdd(arg, bytes) && !IsUsual(arg));
-    }
-    if (!isOdd) {
-        return;
-    }
-    for (const lsArg& arg : args) {
-        hasBackslash = hasBackslash || arg.text.find('\\') != std::string_view::npos;
-    }
-    if (hasBackslash) {
+    if (std::strchr(statement->text, '\\') != nullptr) {
         const StatementView view = CutStatement(statement->text);
         if (const std::optional<LinePart> escape = FindEscape(view)) {
             const std::string_view part = view.line.substr(escape->offset, escape->length);
@@ -119,7 +89,7 @@ void CheckOperands(CStatement* statement, std::span<const std::uint8_t> bytes, F
         }
     }
     const Keyword* const keyword = FindKeyword(statement->token);
-    for (const lsArg& arg : args) {
+    for (const lsArg& arg : statement->args) {
         if (!IsLateExpression(arg)) {
             if (IsOdd(arg, bytes)) {
                 CheckOperand(arg, keyword, findings);
@@ -163,15 +133,13 @@ std::vector<ByteFinding> CheckBytes(const StoredText& text) {
     if (const std::size_t at = bytes.find('\0'); at != std::string_view::npos) {
         add(Warning::nullByte, at);
     }
-    for (std::size_t at = 0; (at = bytes.find('\r', at)) != std::string_view::npos; ++at) {
+    for (std::size_t at = 0; (at = bytes.find('\r', at)) != std::string_view::npos;) {
         const std::size_t next = bytes.find_first_not_of('\r', at);
-        if (next == std::string_view::npos) {
-            break;
-        }
-        if (bytes[next] != '\n') {
+        if (next != std::string_view::npos && bytes[next] != '\n') {
             add(Warning::carriageReturn, at);
             break;
         }
+        at = next;
     }
     const std::size_t mark = bytes.find('\x1A');
     if (mark != std::string_view::npos &&

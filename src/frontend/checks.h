@@ -45,8 +45,7 @@ using Findings = std::vector<Finding>;
     return IsLateExpression(arg) ||
            (!isUnsigned && (!wordRange.Holds(arg.value) || bytes.empty())) ||
            arg.text.front() == '"' ||
-           (arg.reg != REG_NONE && arg.IsIndexed() &&
-            (bytes.empty() || (bytes[0] != PREFIX_IX && bytes[0] != PREFIX_IY)));
+           (arg.IsIndexed() && (bytes.empty() || (bytes[0] != PREFIX_IX && bytes[0] != PREFIX_IY)));
 }
 
 /// True if a use of `label` may be read as a register or a number. Called for every label, so it
@@ -56,7 +55,7 @@ using Findings = std::vector<Finding>;
     return label.size() <= 2 || last == 'H' || last == 'B' || last == 'O' ||
            (HasClass(last, CC_DIGIT) && HasClass(label.front(), CC_DIGIT));
 }
-/// Checks a label for which `MayBeMisread` is true.
+/// Checks a label, which may be empty.
 void CheckLabel(std::string_view label, Findings* findings);
 
 /// True if a semicolon in place of the colon of `label` hides an instruction, as in "LOOP; INC A".

@@ -159,9 +159,8 @@ Cycles CyclesOf(std::span<const std::uint8_t> bytes) {
 }
 
 Cycles CyclesOf(const Analysis& analysis, const Statement& statement) {
-    const std::size_t end = std::size_t{statement.offset} + statement.count;
-    if (statement.kind != StatementKind::instruction || end > analysis.image.size()) {
-        return {};  // the image of a source with errors may end early
+    if (statement.kind != StatementKind::instruction) {
+        return {};
     }
     return CyclesOf(std::span(analysis.image).subspan(statement.offset, statement.count));
 }

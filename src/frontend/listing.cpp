@@ -139,16 +139,11 @@ class Listing {
         text.Advance(to);
     }
 
-    // Up to `count` bytes of `statement` from its byte `done` on; fewer if the image ends earlier,
-    // as it may after an error.
+    // Up to `count` bytes of `statement` from its byte `done` on.
     std::span<const std::uint8_t> BytesOf(const Statement& statement, std::uint32_t done,
                                           std::uint32_t count) const {
-        const std::size_t start =
-            std::min<std::size_t>(statement.offset + done, analysis.image.size());
-        const std::size_t size = std::min(count, statement.count - done);
         return std::span(analysis.image)
-            .subspan(start)
-            .first(std::min(size, analysis.image.size() - start));
+            .subspan(statement.offset + done, std::min(count, statement.count - done));
     }
 
     // Writes the columns before `placeColumn`, padded with blanks. Result: the end of the text
@@ -170,7 +165,7 @@ class Listing {
                 to = PutHexByte(to, byte);
             }
         }
-        if (row == 0 && statement.kind == StatementKind::instruction) {
+        if (row == 0) {
             to = PutCycles(std::max(to, start + cyclesColumn), CyclesOf(analysis, statement));
         }
         return to;

@@ -32,23 +32,16 @@ LogicalLine LogicalLineAt(const StoredText& text, std::int32_t number) {
             line.text.resize(2 * line.text.size());
             cleaner.line = line.text.data();
         }
-        line.positions.resize(std::max(line.positions.size(), cleaner.size + 1));
-        const bool isContinued = bytes[at] == '\n' && cleaner.isComment;
-        const std::size_t end = isContinued ? cleaner.SignificantEnd() : 0;
-        if (bytes[at] != '\n') {
-            line.positions[cleaner.size] = {number, static_cast<std::uint32_t>(at - start)};
-        }
+        const std::size_t size = cleaner.size;
         goesOn = cleaner.Take(bytes[at]);
-        if (goesOn && isContinued) {
-            const LogicalLine::Position& last = line.positions[end - 1];
-            const std::string_view physical = text.Line(last.line);
-            // If an empty line with a carriage return follows, `last` is not the place of the
-            // backslash.
-            if (last.column < physical.size() && physical[last.column] == '\\') {
-                line.continuedComments.push_back(last);
-            }
+        if (cleaner.size > size) {
+            line.positions.resize(std::max(line.positions.size(), cleaner.size));
+            line.positions[size] = {number, static_cast<std::uint32_t>(at - start)};
         }
         if (goesOn && bytes[at] == '\n') {
+            if (cleaner.isComment) {  // the backslash is still stored after the line
+                line.continuedComments.push_back(line.positions[cleaner.size]);
+            }
             ++number;
             start = at + 1;
         }

@@ -149,9 +149,6 @@ class MessagePrinter {
 
     void PrintExcerpt(const Place& place) {
         const std::string_view line = analysis.LineOf(place);
-        if (line.empty()) {
-            return;
-        }
         const Excerpt shown = ExcerptOf(line, place);
         const std::string_view more = "...";
         const std::string_view start = shown.hasMoreBefore ? more : "";
@@ -160,7 +157,7 @@ class MessagePrinter {
         Pen pen = NewPen();
         pen.Own(start).Foreign(shown.before).Foreign(shown.marked).Foreign(shown.after);
         pen.Own(shown.hasMoreAfter ? more : "").Own("\n");
-        pen.Own(BlankText(start, false)).Own(BlankText(shown.before, style.isTerminal));
+        pen.Own(std::string(start.size(), ' ')).Own(BlankText(shown.before, style.isTerminal));
         pen.Set(green).Own("^" + std::string(std::max<std::size_t>(width, 1) - 1, '~'));
         pen.Set(plain).Own("\n");
     }

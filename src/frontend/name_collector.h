@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstddef>
-#include <span>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -29,7 +28,7 @@ class NameCollector {
     /// counted.
     void AddUses(CStatement& statement, const Keyword* keyword, bool isFaulty,
                  MessageMaker* places);
-    /// Returns all names with their uses, sorted by text, and forgets the uses.
+    /// Returns all names with their uses, sorted by text. Called once.
     [[nodiscard]] std::vector<Name> Take(MessageMaker* places);
 
   private:
@@ -44,7 +43,6 @@ class NameCollector {
     void JoinEarlyUses();
     [[nodiscard]] std::vector<Entry> SortedEntries() const;
     [[nodiscard]] Name NameOf(const Entry& entry, MessageMaker* places);
-    static void Sort(std::span<Entry> entries, std::size_t offset);
 
     const CIdentifierManager* table;
     // The keys are records, since `table` finds a name faster than a map with text keys would.

@@ -23,7 +23,7 @@ constexpr std::string_view seeHelp = "; --help lists the options";
 
 const OptionRow* RowOf(char letter) {
     const auto row = std::ranges::find(optionTable, letter, &OptionRow::letter);
-    return row == optionTable.end() || letter == '\0' ? nullptr : &*row;
+    return row == optionTable.end() ? nullptr : &*row;
 }
 
 const OptionRow* RowOf(std::string_view name) {

@@ -89,13 +89,11 @@ class OutputSet {
     }
 
     bool AreOne(std::size_t a, std::size_t b) const {
-        const auto one = staged[a].Identity(), other = staged[b].Identity();
-        if (one || other) {
-            return one == other;
+        if (const auto identity = staged[a].Identity()) {
+            return identity == staged[b].Identity();
         }
-        const bool areStreams = staged[a].IsStream() || staged[b].IsStream();
-        return areStreams ? outputs[a].name == "-" && outputs[b].name == "-"
-                          : staged[a].LeadsWhere(staged[b]);
+        return staged[a].IsStream() ? outputs[a].name == "-" && outputs[b].name == "-"
+                                    : staged[a].LeadsWhere(staged[b]);
     }
 
     std::string PutAll() {

@@ -72,7 +72,7 @@ class SldWriter {
         const std::int32_t file =
             analysis.openings[static_cast<std::size_t>(statement.opening)].file;
         const std::uint32_t address = statement.address & addressMask;
-        if (statement.kind == StatementKind::instruction && statement.count != 0) {
+        if (statement.kind == StatementKind::instruction) {
             Put({.file = file, .line = statement.line, .value = address});
         }
         if (holdsKeyword[static_cast<std::size_t>(file)]) {
@@ -82,7 +82,7 @@ class SldWriter {
 
     void PutName(const Name& name) {
         const bool isConstant = name.kind == NameKind::constant;
-        if (!name.hasValue || (!isConstant && name.kind != NameKind::label)) {
+        if (!isConstant && name.kind != NameKind::label) {
             return;
         }
         std::string data = "," + Field(name.text) + ",,";  // no module, no local name

@@ -20,12 +20,8 @@ void StatementChecks::Look(CStatement* statement, std::uint32_t count, bool isFa
         return;
     }
     Findings findings;
-    if (statement->HasLabel() && MayBeMisread(statement->label)) {
-        CheckLabel(statement->label, &findings);
-    }
-    if (HasOddOperand(*statement, count)) {
-        CheckOperands(statement, BytesOf(count), &findings);
-    }
+    CheckLabel(statement->label, &findings);
+    CheckOperands(statement, BytesOf(count), &findings);
     Warn(*statement, findings);
     if (hasGaps && assembler->location != statement->address + count &&
         assembler->binary.Position() != 0) {

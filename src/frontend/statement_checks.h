@@ -28,7 +28,7 @@ class StatementChecks {
         return assembler->assembling != 0 &&
                ((statement.HasLabel() && MayBeMisread(statement.label)) ||
                 assembler->location != statement.address + count ||
-                HasOddOperand(statement, count));
+                MayHaveOddOperand(statement, count));
     }
     /// Warns about anything suspicious in `statement`. If `isFaulty` is true, a fault in it has
     /// already been reported, and only its effect on open IFs is recorded.
@@ -47,7 +47,7 @@ class StatementChecks {
     [[nodiscard]] std::span<const std::uint8_t> BytesOf(std::uint32_t count) const {
         return assembler->binary.Bytes().last(count);
     }
-    [[nodiscard]] bool HasOddOperand(CStatement& statement, std::uint32_t count) const {
+    [[nodiscard]] bool MayHaveOddOperand(CStatement& statement, std::uint32_t count) const {
         for (const lsArg& arg : statement.args) {
             if (IsOdd(arg, BytesOf(count))) {
                 return true;

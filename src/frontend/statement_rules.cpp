@@ -34,9 +34,6 @@ std::optional<LinePart> FindEscape(const StatementView& statement) {
     }
     for (const OperandView& operand : statement.operands) {
         for (const Token& token : operand.tokens) {
-            if (token.kind != TokenKind::string && token.kind != TokenKind::openString) {
-                continue;
-            }
             if (const std::size_t at = EscapeIn(token.text); at != std::string_view::npos) {
                 return statement.PartOf(token.text.substr(at, 2));
             }

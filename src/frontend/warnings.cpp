@@ -43,11 +43,11 @@ bool WarningChoice::Take(std::string_view word) {
         return isThere;
     };
     const bool isWanted = !takePrefix("no-");
-    const bool isAboutErrors = word == "error" || takePrefix("error=");
-    if (isAboutErrors && word == "error") {
+    if (word == "error") {
         isWanted ? errors.set() : errors.reset();
         return true;
     }
+    const bool isAboutErrors = takePrefix("error=");
     const auto* const row = std::ranges::find(warningTable, word, &WarningRow::name);
     if (row == warningTable.end()) {
         return false;

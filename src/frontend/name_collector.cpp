@@ -75,6 +75,15 @@ bool HasNoOperands(const CStatement& statement) {
     return *SkipBlanks(mnemonic.data() + mnemonic.size()) == '\0';
 }
 
+// The first characters of `text`, up to 8, as a number that sorts like them.
+std::uint64_t StartOf(std::string_view text) {
+    std::uint64_t start = 0;
+    for (std::size_t i = 0; i < sizeof start; ++i) {
+        start = start << 8 | (i < text.size() ? static_cast<std::uint8_t>(text[i]) : 0);
+    }
+    return start;
+}
+
 }  // namespace
 
 void NameCollector::AddUses(CStatement& statement, const Keyword* keyword, bool isFaulty,
@@ -139,15 +148,6 @@ void NameCollector::JoinEarlyUses() {
                           early.second.places.end());
         return true;
     });
-}
-
-// The first characters of `text`, up to 8, as a number that sorts like them.
-static std::uint64_t StartOf(std::string_view text) {
-    std::uint64_t start = 0;
-    for (std::size_t i = 0; i < sizeof start; ++i) {
-        start = start << 8 | (i < text.size() ? static_cast<std::uint8_t>(text[i]) : 0);
-    }
-    return start;
 }
 
 // A name to be sorted. Comparing numbers first is several times as fast as comparing texts.

@@ -133,15 +133,15 @@ TEST(NotesTest, NearWordsAreFoundAndNoneThatIsFar) {
     }
     EXPECT_EQ("RETI", korv::NearWords({"RET", "RETI"}).Find("RETY", [](std::string_view it) { return it == "RETI"; }));
     std::vector<std::string> many(60000);
-    std::vector<std::string_view> views;
+    std::vector<std::string_view> views = {"LABELHEIGHT"};
     for (std::size_t i = 0; i < many.size(); ++i) {
         many[i] = "LABEL" + std::to_string(100000 + i);
         views.push_back(many[i]);
     }
-    korv::NearWords index(views);
+    korv::NearWords all(views);
     const std::clock_t start = std::clock();  // processor time, since other programs may be running too
     for (int i = 0; i < 10000; ++i) {
-        EXPECT_TRUE(index.Find("LABLE" + std::to_string(200000 + i)).empty() || i < 100);
+        EXPECT_EQ(i < 99 ? "LABELHEIGHT" : "", all.Find(i < 99 ? "LABELHIEGHT" : "LABLE" + std::to_string(200000 + i)));
     }
     EXPECT_GT(2 * CLOCKS_PER_SEC, std::clock() - start);
 }

@@ -79,9 +79,9 @@ class Analyser : public RunObserver {
     std::vector<Level> levels;  // the statement of the last one is being assembled
     std::unordered_map<std::string, std::int32_t> fileIndex;  // by full path
     NameCollector names{&assembler.identifiers};
-    std::vector<Report> unresolved;  // found at the end of the run
-    std::string defineFailure;       // reported for the current -D
-    bool isDefining = false;
+    std::vector<Report> unresolved;         // found at the end of the run
+    std::string defineFailure;              // reported for the current -D
+    bool isDefining = true;                 // until all -D have been taken
     bool isStopped = false;                 // after an error that explains all later reports
     std::uint32_t imageSize = 0;            // after the last statement
     bool isNextWanted = wanted.statements;  // `TakeStatement` must see the current statement
@@ -114,7 +114,6 @@ Analysis Analyser::Run() {
 
 void Analyser::OnStart() {
     assembler.statementAddress = assembler.location;  // the value of $
-    isDefining = true;
     for (const std::string& define : options.defines) {
         std::string reason = AddDefinition(define, &assembler);
         if (reason.empty()) {

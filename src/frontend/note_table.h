@@ -178,7 +178,7 @@ inline constexpr auto operandTable = std::to_array<OperandRow>({
     {"14", "IN", "n (n)", "IN A,(%i1)", "", " IN (5)"},
     {"14", "OUT", "n (n)", "OUT (%i1),A", "", " OUT 5"},
     {"14 16", "EX", "AF AF' AF,any any,AF AF',any", "EX AF,AF'", "", " EX AF,BC"},
-    {"14 16", "EX", "DE HL HL,DE", "EX DE,HL", "", " EX HL,DE"},
+    {"14 16", "EX", "DE HL HL,DE", "EX DE,HL", "", " EX DE"},
     {"14", "RLC RRC RL RR", "", "", "add the operand: RLCA, RRCA, RLA and RRA rotate the accumulator", " RLC"},
     {"14", "JP JR CALL DJNZ", "", "", "add the address to go to", " JP"},
     {"14", "IF COND", "", "", "add the condition", " IF"},

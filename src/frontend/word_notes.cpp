@@ -336,7 +336,7 @@ Advice AdviseOnWord(Adviser& adviser, const FaultView& fault) {
     }
     Advice advice;
     advice.place = statement.PartOf(word);
-    if (FindKeyword(statement.label) != nullptr && !statement.hasColon) {  // "IF WIDTH"
+    if (FindKeyword(statement.label) != nullptr) {  // "IF WIDTH"
         if (Advice found = AdviseOnColumn(statement); found.place) {
             return found;
         }

@@ -11,8 +11,8 @@ namespace korv {
 std::string_view MnemonicOf(const CStatement& statement) {
     const char* start = statement.text;
     if (statement.HasLabel()) {
-        start = statement.label.data() + statement.label.size();
-        start += *start != '\0' ? 1 : 0;
+        const std::string_view rest = statement.label.data() + statement.label.size();
+        start = rest.substr(std::min<std::size_t>(1, rest.size())).data();  // after the colon
     }
     start = SkipBlanks(start);
     const char* end = start;

@@ -8,6 +8,7 @@
 #include <ctime>
 #include <fstream>
 #include <map>
+#include <regex>
 #include <set>
 
 #include "frontend/analyser.h"
@@ -81,8 +82,10 @@ TEST(NotesTest, EachRowHasItsExampleAndProposesWhatAssembles) {
         EXPECT_TRUE(example.empty() || examples.insert(example).second)
             << "this is the example of two rows:" << example;
         EXPECT_EQ(example.empty() ? 0 : 1, std::ranges::count(printed, '\n')) << row << example << "\n" << printed;
-        const std::string_view start = note.empty() ? "write " : note.substr(0, note.find('%'));
-        EXPECT_TRUE(example.empty() || Contains(printed, std::string(start))) << example << "\n" << printed;
+        const std::string plain = std::regex_replace(std::string(note), std::regex(R"([.*+?^$(){}|\[\]\\])"), R"(\$&)");
+        const std::string filled = std::regex_replace(plain, std::regex("%[a-z]?[1-9fkrw]"), ".+");
+        EXPECT_TRUE(example.empty() || std::regex_search(printed, std::regex(filled.empty() ? "write " : filled)))
+            << example + "\n" + printed;
         EXPECT_EQ("", fix.empty() ? "" : ErrorsAfterChange(example)) << example;
     };
     for (const korv::WordRow& row : korv::wordTable) {
@@ -100,7 +103,7 @@ TEST(NotesTest, MistakesGetOneMessageAtTheirPlace) {
     const TempDir directory;
     WriteFile("defs.kor", "");
     std::ifstream table(ProjectPath("tests/frontend/mistakes.txt"));
-    int count = 0;
+    ASSERT_TRUE(table.is_open());
     for (std::string line; std::getline(table, line);) {
         if (line.empty() || line[0] == '~') {
             continue;
@@ -112,9 +115,7 @@ TEST(NotesTest, MistakesGetOneMessageAtTheirPlace) {
         EXPECT_EQ(ReplaceAll(line.substr(start, cut - start), " && ", "\n") + "\n", Printed(source)) << source;
         const std::string without = line[0] == '+' ? "no change is proposed" : "";
         EXPECT_EQ("", line[0] == '?' ? "" : ErrorsAfterChange(source, without)) << source;
-        ++count;
     }
-    EXPECT_LT(100, count);
 }
 
 TEST(NotesTest, NearWordsAreFoundAndNoneThatIsFar) {

@@ -222,7 +222,6 @@ inline constexpr auto operandTable = std::to_array<OperandRow>({
     {"16", "LD", "r,gp", "LD %1,%l2", "load one half: %f for the low byte", " LD B,DE"},
     {"16", "LD", "HL,(HL)", "LD A,(HL)\n\tINC HL\n\tLD H,(HL)\n\tLD L,A", "write LD A,(HL), INC HL, LD H,(HL) and LD L,A", " LD HL,(HL)"},
     {"16", "LD", "gp,(HL)", "LD %l1,(HL)\n\tINC HL\n\tLD %h1,(HL)", "load the halves: LD %l1,(HL), INC HL, LD %h1,(HL)", " LD DE,(HL)"},
-    {"16", "LD", "gp,(xy)", "LD %l1,(%i2+0)\n\tLD %h1,(%i2+1)", "load the halves: LD %l1,(%i2+0) and LD %h1,(%i2+1)", " LD HL,(IX)"},
     {"16", "LD", "gp,(SP) xy,(SP)", "POP %1\n\tPUSH %1", "write POP %1 and PUSH %1", " LD DE,(SP)"},
     {"16", "LD", "gp,(xy+d)", "", "load the halves: LD %l1,%2 and LD %h1 from the next byte", " LD DE,(IX+1)"},
     {"16", "LD", "(HL),HL", "", "copy HL to DE first and store the halves: LD (HL),E, INC HL, LD (HL),D", " LD (HL),HL"},

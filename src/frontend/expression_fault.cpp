@@ -1,6 +1,7 @@
 #include "frontend/expression_fault.h"
 
 #include <algorithm>
+#include <array>
 #include <span>
 
 #include "expr/evaluator.h"
@@ -46,8 +47,9 @@ std::span<const Token> ExpressionTokens(const OperandView& operand) {
 }  // namespace
 
 bool IsComparison(std::int32_t code) {
-    return code == OP_LESS || code == OP_GREATER || code == OP_EQUAL || code == OP_LESS_EQUAL ||
-           code == OP_GREATER_EQUAL;
+    constexpr std::array comparisons = {OP_LESS, OP_GREATER, OP_EQUAL, OP_LESS_EQUAL,
+                                        OP_GREATER_EQUAL};
+    return std::ranges::find(comparisons, code) != comparisons.end();
 }
 
 FaultyToken FindExpressionFault(const OperandView& operand) {

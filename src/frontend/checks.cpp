@@ -21,6 +21,9 @@ namespace {
 
 // True if the unresolved expression of `arg` contains the location counter, "$".
 bool HoldsLocation(const lsArg& arg) {
+    if (arg.text.find('$') == std::string_view::npos) {  // most have none
+        return false;
+    }
     for (TokenReader reader(arg.expression); !reader.isAtEnd;) {
         reader.Next();
         if (reader.Token() == "$") {
@@ -34,24 +37,25 @@ bool HasOpenQuote(std::string_view text) {
     return std::ranges::count(text, '"') % 2 != 0;
 }
 
-// Adds the findings about the resolved operand `arg`. A register that is used as a value counts as
-// 0, and so does the register of an operand with a displacement.
-void CheckOperand(const lsArg& arg, const Keyword* keyword, Findings* findings) {
-    const InstructionHandler handler = keyword == nullptr ? nullptr : keyword->handler;
-    const auto isOneOf = [handler](std::initializer_list<InstructionHandler> handlers) {
-        return std::ranges::find(handlers, handler) != handlers.end();
+// Adds the findings about `arg`, a resolved operand of `statement`. A register that is used as a
+// value counts as 0, and so does the register of an operand with a displacement.
+void CheckOperand(const lsArg& arg, const CStatement& statement, Findings* findings) {
+    const auto isOneOf = [&statement](std::initializer_list<InstructionHandler> handlers) {
+        const Keyword* const keyword = FindKeyword(statement.token);
+        return keyword != nullptr &&
+               std::ranges::find(handlers, keyword->handler) != handlers.end();
     };
-    if (HasOpenQuote(arg.text) && handler != AssembleDm) {  // DM reports it itself
+    if (HasOpenQuote(arg.text) && !isOneOf({AssembleDm})) {  // DM reports it itself
         findings->push_back({Warning::openString, arg.text, Quoted(arg.text), ""});
     }
     if (arg.IsIndexed() || !arg.IsValue()) {
         findings->push_back({Warning::registerValue, arg.text, Quoted(arg.text), ""});
-    } else if (isOneOf({AssembleLd, AssembleCall, AssembleOrg}) && !wordRange.Holds(arg.value)) {
+    } else if (!wordRange.Holds(arg.value) && isOneOf({AssembleLd, AssembleCall, AssembleOrg})) {
         char value[16];
         std::snprintf(value, sizeof value, "%04XH", static_cast<unsigned>(arg.value) & 0xFFFF);
         findings->push_back(
             {Warning::truncated, arg.text, Quoted(arg.text) + " becomes " + value, ""});
-    } else if (handler == AssembleDs && arg.value < 0) {
+    } else if (arg.value < 0 && isOneOf({AssembleDs})) {
         findings->push_back({Warning::negativeSize, arg.text, Quoted(arg.text), ""});
     }
 }
@@ -88,11 +92,10 @@ void CheckOperands(CStatement* statement, std::span<const std::uint8_t> bytes, F
                                  "write the character as a number, as in DB \"one\",10"});
         }
     }
-    const Keyword* const keyword = FindKeyword(statement->token);
     for (const lsArg& arg : statement->args) {
         if (!IsLateExpression(arg)) {
             if (IsOdd(arg, bytes)) {
-                CheckOperand(arg, keyword, findings);
+                CheckOperand(arg, *statement, findings);
             }
         } else if (HoldsLocation(arg)) {
             findings->push_back({Warning::lateLocation, arg.text, Quoted(arg.text),

@@ -45,7 +45,8 @@ using Findings = std::vector<Finding>;
     return IsLateExpression(arg) ||
            (!isUnsigned && (!wordRange.Holds(arg.value) || bytes.empty())) ||
            arg.text.front() == '"' ||
-           (arg.IsIndexed() && (bytes.empty() || (bytes[0] != PREFIX_IX && bytes[0] != PREFIX_IY)));
+           (arg.reg != REG_NONE && arg.IsIndexed() &&
+            (bytes.empty() || (bytes[0] != PREFIX_IX && bytes[0] != PREFIX_IY)));
 }
 
 /// True if a use of `label` may be read as a register or a number. Called for every label, so it

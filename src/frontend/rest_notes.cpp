@@ -190,7 +190,7 @@ Advice AdviseOnRange(const FaultView& fault) {
 Advice AdviseOnFailure(const FaultView& fault) {
     const StatementView& statement = fault.statement;
     Advice advice = AdviseOnEmptyBrackets(statement);
-    if (!advice.place && fault.isLate && statement.mnemonic == "EQU") {
+    if (!advice.place && statement.mnemonic == "EQU") {
         advice.text = "a value that waits for this name does not fit";
         advice.note = "check the jumps and values that use " + std::string(statement.label);
     }

@@ -255,7 +255,7 @@ void AdviseOnLongString(OperandCase* it, const Token& token) {
     } else if (!value.empty()) {
         it->Replace(token.text, value);
         it->advice.note = "write " + value + ": there are no escape sequences";
-    } else if (HoldsWord("DM DEFM", it->statement.mnemonic)) {
+    } else if (HoldsWord("DM DEFM", it->statement.mnemonic) && it->operand->tokens.size() == 3) {
         it->Replace(it->operand->text, std::string(token.text));  // DM ("text")
         it->advice.note = WriteNote(it->statement, it->advice.edits);
     } else {

@@ -212,15 +212,13 @@ Foreign ForeignToken(const StatementView& statement, const Token& token) {
         ClassOf(text.substr(0, text.size() - 1)).kind != KIND_VALUE) {
         return {text, "", "use EX AF,AF' or EXX: the second set of registers has no names"};
     }
-    if (text.front() == '\\' && text.find_first_not_of("0123456789", 1) == text.npos) {
-        return {text, typed.substr(1), ""};
-    }
     if (text.front() == '\\' && text.size() > 1) {
+        if (text.find_first_not_of("0123456789", 1) == text.npos) {
+            return {text, typed.substr(1), ""};
+        }
         if (const std::string value = EscapeValue(typed); !value.empty()) {
             return {text, value, ""};
         }
-    }
-    if (text.front() == '\\' && text.size() > 1) {
         return {text, "", "write the lines out: there are no macros"};
     }
     return {};

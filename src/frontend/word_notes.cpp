@@ -341,7 +341,7 @@ Advice AdviseOnWord(Adviser& adviser, const FaultView& fault) {
             return found;
         }
     }
-    if (HoldsWord("IMPORT USE", word)) {
+    if (HoldsWord("IMPORT USE", word) && !statement.rest.empty()) {
         for (const std::string_view end : {"", ".kor", ".asm", ".inc"}) {
             const std::string name = std::string(statement.Typed(statement.rest)).append(end);
             if (adviser.Facts().HasFile(name)) {

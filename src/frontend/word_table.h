@@ -43,14 +43,14 @@ inline constexpr auto wordTable = std::to_array<WordRow>({
     {"IFNE IFNZ", "IF %1", "", " IFNE 5| ENDIF", 1},
     {"IFEQ", "IF %1=%2", "", " IFEQ 5,5| ENDIF", 2},
     {"IFNE", "IF %1 XOR %2", "", " IFNE 5,6| ENDIF", 2},
-    {"IFN UNLESS WHEN IF1 IF2 IFB IFNB IFIDN IFDIF IFEXIST IFT IFF IFTRUE IFFALSE IFGT IFLT IFGE IFLE", "", "use IF, ELSE and ENDIF: there are no other conditions", " UNLESS 1"},
+    {"IFN UNLESS WHEN IFB IFNB IFIDN IFDIF IFEXIST IFT IFF IFTRUE IFFALSE IFGT IFLT IFGE IFLE", "", "use IF, ELSE and ENDIF: there are no other conditions", " UNLESS"},
     {"DEFL DEFC LET DEFINE XDEFINE UNDEF UNDEFINE", "", "define a constant with NAME: EQU 5", " DEFINE X"},
     // Without a counterpart.
     {"ALIGN BALIGN P2ALIGN EVEN", "", "write DS N-1-($-1 AND N-1) to fill up to a multiple of N: DS 255-($-1 AND 255) for 256", " ALIGN 256"},
     {"LUA ENUM FUNC FUNCTION SELECT SWITCH CASE REPT REPEAT TIMES DUP EDUP ENDR IRP IRPC EXITM WHILE WEND FOR NEXT LOCAL STRUCT STRUC ENDS ENDSTRUCT UNION MACEND MEND ENDMACRO MAC M_ARG", "", "write the lines out, or INCLUDE them from a file: there are no macros, repetitions or structures", " REPT 5"},
     {"PHASE DISP", "", "write ORG %r, and a second ORG where the block ends: ORG changes addresses and leaves no gap", " DISP 8000H", 1},
     {"DEPHASE UNPHASE", "", "write ORG with the address that the code after it is to have", " DEPHASE"},
-    {"SECTION SEGMENT CSEG DSEG ASEG PUBLIC EXTRN EXTERN EXTERNAL GLOBAL GLOBL XDEF XREF EXPORT ENTRYPOINT AREA CODE DATA BSEG USEG COMMON EXTRA GLB EXT LIB XLIB IMPORT TYPE WEAK IDENT", "", "remove the line: one run makes one image and nothing is linked; INCLUDE joins files", " CSEG"},
+    {"SECTION SEGMENT CSEG DSEG ASEG PUBLIC EXTRN EXTERN EXTERNAL GLOBAL GLOBL XDEF XREF EXPORT ENTRYPOINT AREA CODE BSEG USEG COMMON EXTRA GLB EXT LIB XLIB IMPORT TYPE WEAK IDENT", "", "remove the line: one run makes one image and nothing is linked; INCLUDE joins files", " CSEG"},
     {"COMMENT", "", "begin each line of the comment with a semicolon", " COMMENT * text *"},
     {"MODULE ENDMODULE ENDMOD NAMESPACE SCOPE ENDSCOPE", "", "remove the line and choose names that are unique: all labels are global", " MODULE x"},
     {"DEVICE OUTPUT OUTBIN SAVEBIN SAVESNA SAVETAP SAVE EMPTYTAP EMPTYTRD TAPOUT OUTEND OBJECT SIZE BANK PAGE_ SLOT MMU MEMORYMAP ROMBANKMAP", "", "remove the line: the option -o names the output and -f its format", " SAVEBIN \"x\",1,2"},
@@ -141,7 +141,7 @@ inline constexpr auto wordTable = std::to_array<WordRow>({
     {"CLC", "AND A", "", " CLC", 0},
     {"PHA PUSHA PUSHAF", "PUSH AF", "", " PHA", 0},
     {"PLA POPA PUL", "POP AF", "", " PLA", 0},
-    {"LDH LDHL INX DCX INR DCR LDX LDY LDA STA STX STY TAX TXA TAY TYA TXS TSX DEX DEY INY BVC BVS CPX CPY ADDA LDAB CLI SED CLD CLV BRK LEA LDS LDU STS STU REP REPE REPZ REPNE REPNZ INT XLAT CMPA BLS BHI BGT BLE LDD_ PSHS PULS", "", "use the instructions of the Z80: this one is of another processor", " LDX 5"},
+    {"LDH LDHL INX DCX INR DCR LDX LDY LDA STA STX STY TAX TXA TAY TYA TXS TSX DEX DEY INY BVC BVS CPX CPY ADDA LDAB CLI SED CLD CLV BRK LEA LDS LDU STS STU REP REPE REPZ REPNE REPNZ INT XLAT CMPA BLS BHI BGT BLE LDD_ PSHS PULS", "", "use the instructions of the Z80: this one is of another processor", " LDX 5,X"},
 });
 // clang-format on
 

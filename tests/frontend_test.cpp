@@ -126,12 +126,12 @@ TEST(FrontendTest, WarnsAboutTheseLinesAndNoOthers) {
         {"", " ORG 5| NOP|H: ORG $| ORG 9000H", "3:1 register-label, 4:6 org-gap"},
         {" -f hex -o h", " DS 9| ORG 101H| NOP| ORG 103H| NOP| ORG 0FFH| DW 1| ORG 0FFFFH| DW 1| ORG 0| NOP", "11:2 overlap, 7:2 overlap, 3:2 overlap, 5:2 overlap"},
         {" -f bin -W org", " NOP| ORG 5| NOP| ORG 7", "2:6 X47, 4:6 X48, 4:6 org-gap"},
-        {"", "EACH: NOP|12:|1B: EQU 1|H: EQU 1|EACHX: NOP|A_H: NOP|99999: NOP", "1:1 number-label, 2:1 number-label, 3:1 number-label, 4:1 register-label, 6:1 number-label, 7:1 number-label"},
+        {"", "EACH: NOP|12:|1B: EQU 1|H: EQU 1|EACHX: NOP|A_H: NOP|101B: NOP", "1:1 number-label, 2:1 number-label, 3:1 number-label, 4:1 register-label, 6:1 number-label, 7:1 number-label"},
         {"", "B: EQU 5| RST B|H: NOP", "!2:6 X16, 3:1 register-label"},
         {"", "R: EQU HL|S: EQU NZ|T: EQU (C)| ORG B| PUSH HL|U: EQU B+1", "1:1 register-label, 1:8 register-value, 2:8 register-value, 3:8 register-value, 4:6 register-value, !6:8 X24"},
         {" -W no-org-gap", " DB (IX+5)| DW 1,(IY-1)| DS (IX+1)| ORG (IX+1)| BIT 1,(IX+1)", "1:5 register-value, 2:7 register-value, 3:5 register-value, 4:6 register-value"},
         {"", " IF !1| ENDIF| IF 1<2 OR 3| ENDIF| IF 1 AND 2=2| ENDIF", "1:5 condition, 3:5 condition, 5:5 condition"},
-        {" -W no-org-gap", " DS 0-1| LD A,\"a| DB 1,2,\"b| DB \"a\"| ORG 35000*2", "1:5 negative-size, 2:7 open-string, 3:9 open-string, 5:6 truncated"},
+        {" -W no-org-gap", " DS 0-1| LD A,\"a| DB 1,2,\"b| DB \"a\"| ORG 35000*2| DS 1-1", "1:5 negative-size, 2:7 open-string, 3:9 open-string, 5:6 truncated"},
         {" -f bin -W no-org", " ORG 5| ORG 5| ORG 7| NOP| ORG 9", "3:6 X48, 5:6 org-gap"},
         {"", " IF 0| IF 1| IF 1| ENDIF| ENDIF| IF 0| ELSE| ENDIF| ELSE| IF 1| ENDIF| ENDIF", "2:2 nested-if, 3:2 nested-if, 7:2 nested-if"},
         {"", "END|ENDX|Defb:| LD A,300| DM \"a| DB 1,,2| DB 1,", "1:1 keyword-label, 4:7 X40, 5:5 X45, 6:6 X59, 7:6 X59"},
@@ -149,6 +149,7 @@ TEST(FrontendTest, WarnsAboutTheseLinesAndNoOthers) {
         {" --max-image 3", " DW 1| DS 1| DS 0|", ""},
         {" --max-image 3", " DW 1| DS 65535*32767| FROB", "!2:2 max-image"},
         {" --max-image 3", " DW 1| DW FWD| FROB|B: NOP", "!2:2 max-image"},
+        {"", " ENDIF| ENDIF|X: NOP|X: NOP|X: NOP| IFDEF X| .ENDIF| .ENDIF", "!1:2 X34, !2:2 X34, !4:1 X8, !5:1 X8, !6:2 X33, !8:2 X33"},
         {" --max-errors 2", " FROB| DB 1,| FROB| DB 1,| FROB", "!1:2 X33, 2:6 X59, !3:2 X33"},
     };
     const std::regex message("a\\.kor:([0-9:]+): (error|warning): .* \\[([\\w-]+)\\]\n");

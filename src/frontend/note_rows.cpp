@@ -144,22 +144,14 @@ std::string InOneLine(std::string_view text) {
     return line;
 }
 
-// Matches one alternative of a pattern: "*" matches any characters, "#" a digit, and a backslash
+// Matches one alternative of a pattern: "*" at its end matches any characters, and a backslash
 // makes the next character literal.
 bool MatchesOne(std::string_view text, std::string_view pattern) {
-    if (pattern.empty()) {
-        return text.empty();
+    if (pattern.empty() || pattern == "*") {
+        return text.empty() || !pattern.empty();
     }
-    if (pattern.front() == '*') {
-        return MatchesOne(text, pattern.substr(1)) ||
-               (!text.empty() && MatchesOne(text.substr(1), pattern));
-    }
-    const bool isPlain = pattern.front() == '\\';
-    pattern.remove_prefix(isPlain ? 1 : 0);
-    const bool isThere =
-        !text.empty() && (pattern.front() == '#' && !isPlain ? HasClass(text.front(), CC_DIGIT)
-                                                             : text.front() == pattern.front());
-    return isThere && MatchesOne(text.substr(1), pattern.substr(1));
+    pattern.remove_prefix(pattern.front() == '\\' ? 1 : 0);
+    return text.starts_with(pattern.front()) && MatchesOne(text.substr(1), pattern.substr(1));
 }
 
 // True if `text` matches one of the alternatives in `pattern`, separated by "|".
@@ -318,7 +310,7 @@ std::optional<RowAdvice> WordAdvice(const StatementView& statement) {
             const bool isFirst = statement.PartOf(statement.mnemonic).offset == 0;
             found.edits = {
                 translation.Whole(statement, (isFirst ? " " : "") + found.edits[0].text)};
-            found.note += isFirst && found.note.starts_with("write ") ? ", not in column 1" : "";
+            found.note += isFirst ? ", not in column 1" : "";
         }
         return found;
     };

@@ -102,7 +102,7 @@ void Adviser::RememberComment(const FaultView& fault, Advice* advice) {
     if (statement.line.substr(place.offset, 2) == "/*") {
         end = "*/";
         start = place.offset + 2;
-    } else if (Plain(statement.mnemonic) == "COMMENT" && !statement.rest.empty()) {
+    } else if (Plain(statement.mnemonic) == "COMMENT") {
         end = statement.rest.substr(0, 1);
         start = statement.PartOf(end).offset + 1;
     }
@@ -129,7 +129,8 @@ std::string Adviser::UnusedName(const std::string& name) {
         const auto known = facts.FindName(Raised(each));
         return known && known->hasValue && !known->isHere;
     };
-    for (int number = 1; FindKeyword(Raised(unused)) != nullptr || isDefined(unused) ||
+    for (int number = 1; FindKeyword(Raised(unused)) != nullptr ||
+                         ClassOf(Raised(unused)).kind != KIND_VALUE || isDefined(unused) ||
                          !proposedNames.insert(Raised(unused)).second;) {
         unused = name + std::to_string(++number);
     }

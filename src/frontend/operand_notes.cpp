@@ -205,7 +205,7 @@ void AimAt(OperandCase* it) {
             it->operand = &operand;  // perhaps a string that ends in a later operand
             break;
         }
-        if (operand.what.reg == REG_DIRECT && operand.what.kind == KIND_VALUE &&
+        if (operand.what.reg == REG_DIRECT &&
             std::ranges::any_of(operand.tokens, [](const Token& token) {
                 return ClassOf(token.text).kind != KIND_VALUE || token.kind == TokenKind::other;
             })) {  // "LD ( HL ),5", "LD (IX.1),5"
@@ -218,8 +218,7 @@ void AimAt(OperandCase* it) {
         it->operand = operands.data();  // "ADD B" alone matches a form
     }
     if (HoldsWord("CALL JR", it->statement.mnemonic) && operands.size() == 2 &&
-        operands[0].what.kind == KIND_VALUE && operands[1].what.kind == KIND_VALUE &&
-        !operands[0].tokens.empty() &&
+        operands[1].what.kind == KIND_VALUE && !operands[0].tokens.empty() &&
         (!operands[0].tokens[0].IsValue() || operands[0].tokens[0].kind == TokenKind::other ||
          operands[0].tokens[0].text == "NOT")) {  // "CALL !Z,X", "JR .Z,X"
         it->operand = operands.data();

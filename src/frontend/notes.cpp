@@ -185,10 +185,11 @@ bool Adviser::IsFollowOn(const FaultView& fault, const Advice& advice) {
     const LinePart place = advice.place.value_or(fault.part);
     const bool isWhole = fault.part.length == 0 &&
                          !fault.isLate;  // the whole statement failed, after an error in it
-    if (fault.statementId == lastStatement) {
-        const bool isAgain = std::ranges::any_of(
-            lastPlaces,
-            [&place, isWhole](const LinePart& each) { return isWhole || Overlap(each, place); });
+    if (const auto earlier = errors.find(fault.statementId); earlier != errors.end()) {
+        const auto& [places, lastNote, lastNumber] = earlier->second;
+        const bool isAgain = std::ranges::any_of(places, [&place, isWhole](const LinePart& each) {
+            return isWhole || Overlap(each, place);
+        });
         const bool isOpen = lastNote == doubleQuoteNote;  // the rest is a string
         if (isAgain || isOpen || lastNumber == MSG_ILLEGAL_CONDITION ||
             (!advice.note.empty() && advice.note == lastNote)) {
@@ -248,13 +249,10 @@ bool Adviser::UsesOneOf(const std::unordered_set<std::string>& names, const Faul
 
 void Adviser::Remember(const FaultView& fault, const Advice& advice) {
     const StatementView& statement = fault.statement;
-    if (fault.statementId != lastStatement) {
-        lastPlaces.clear();
-        lastStatement = fault.statementId;
-    }
-    lastPlaces.push_back(advice.place.value_or(fault.part));
-    lastNote = advice.note;
-    lastNumber = fault.number;
+    Errors& earlier = errors[fault.statementId];
+    earlier.places.push_back(advice.place.value_or(fault.part));
+    earlier.lastNote = advice.note;
+    earlier.lastNumber = fault.number;
     const bool isRefused =
         fault.number == MSG_UNKNOWN_INSTRUCTION || fault.number == MSG_ARGUMENT_EXPECTED ||
         fault.number == MSG_TOO_MANY_ARGUMENTS || fault.number == MSG_ILLEGAL_ARGUMENT ||

@@ -8,6 +8,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <unordered_set>
 #include <vector>
 
@@ -138,20 +139,22 @@ class Adviser {
     std::int32_t refusedConditions = 0;             // IFs that were refused and are still open
     std::int32_t refusedEnds = 0;                   // refused ENDIFs of open IFs
     std::int32_t namelessDefinitions = 0;           // EQUs without a label
-    bool hasSkippedNames = false;      // an error may have caused a block to be skipped
-    std::int32_t slipBudget = 1000;    // messages that may still be checked for slips
-    bool hasRefusedTest = false;       // a refused IF without a proposed change
-    bool hasRefusedBranch = false;     // a refused IF or ELSE, so both branches are assembled
-    std::int32_t skippedFile = 0;      // the file with a refused macro or multi-line comment
-    std::int32_t skippedAfter = 0;     // its first line
-    std::int32_t skippedTo = 0;        // its last line
-    bool hasRepeatedFile = false;      // a file that defines names is read twice
-    bool hasRefusedFile = false;       // an INCLUDE failed
-    bool hasRefusedBlock = false;      // such as a macro
-    std::int32_t lastStatement = -1;   // the last one with an error
-    std::vector<LinePart> lastPlaces;  // of its errors
-    std::string lastNote;
-    Status lastNumber = 0;
+    bool hasSkippedNames = false;    // an error may have caused a block to be skipped
+    std::int32_t slipBudget = 1000;  // messages that may still be checked for slips
+    bool hasRefusedTest = false;     // a refused IF without a proposed change
+    bool hasRefusedBranch = false;   // a refused IF or ELSE, so both branches are assembled
+    std::int32_t skippedFile = 0;    // the file with a refused macro or multi-line comment
+    std::int32_t skippedAfter = 0;   // its first line
+    std::int32_t skippedTo = 0;      // its last line
+    bool hasRepeatedFile = false;    // a file that defines names is read twice
+    bool hasRefusedFile = false;     // an INCLUDE failed
+    bool hasRefusedBlock = false;    // such as a macro
+    struct Errors {                  // of one statement
+        std::vector<LinePart> places;
+        std::string lastNote;
+        Status lastNumber = 0;
+    };
+    std::unordered_map<std::int32_t, Errors> errors;  // by the statement's ID
 };
 
 }  // namespace korv

@@ -150,7 +150,6 @@ TEST(FrontendTest, WarnsAboutTheseLinesAndNoOthers) {
         {" --max-image 3", " DW 1| DS 65535*32767| FROB", "!2:2 max-image"},
         {" --max-image 3", " DW 1| DW FWD| FROB|B: NOP", "!2:2 max-image"},
         {"", " ENDIF| ENDIF|X: NOP|X: NOP|X: NOP| IFDEF X| .ENDIF| .ENDIF| IFDEF A| FI| ENDIF", "!1:2 X34, !2:2 X34, !4:1 X8, !5:1 X8, !6:2 X33, !8:2 X33, !9:2 X33, !10:2 X33, !11:2 X34"},
-        {" --symbols s --symbol-format sym", "X: EQU 35000*2| FROB", "!2:2 X33"},
         {" --max-errors 2", " FROB| DB 1,| FROB| DB 1,| FROB", "!1:2 X33, 2:6 X59, !3:2 X33"},
     };
     const std::regex message("a\\.kor:([0-9:]+): (error|warning): .* \\[([\\w-]+)\\]\n");

@@ -146,7 +146,7 @@ std::string SymbolFile::Dropped() const {
 }
 
 std::string SymbolFileText(const Options& options, Analysis* analysis) {
-    if (options.symbols.empty() || analysis->errorCount != 0) {
+    if (options.symbols.empty()) {
         return "";
     }
     SymbolFile file = SymbolText(*analysis, options.symbolFormat);

@@ -39,8 +39,8 @@ struct SymbolFile {
 /// `Wanted::names`.
 [[nodiscard]] SymbolFile SymbolText(const Analysis& analysis, SymbolFormat format);
 
-/// The contents of the symbol file that `options` ask for; empty if they ask for none or there are
-/// errors. If names or values are missing from it, adds a warning to `analysis`.
+/// The contents of the symbol file that `options` ask for; empty if they ask for none. If names or
+/// values are missing from it, adds a warning to `analysis`.
 std::string SymbolFileText(const Options& options, Analysis* analysis);
 
 }  // namespace korv

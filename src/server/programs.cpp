@@ -75,7 +75,9 @@ void Programs::Refresh(Program* program) {
     }
     documents->AddTo(&store);
     Analysis analysis = Analyse(options, &store, {.statements = true, .names = true, .uses = true});
-    SymbolFileText(options, &analysis);  // called for its warning
+    if (analysis.errorCount == 0) {
+        SymbolFileText(options, &analysis);  // called for its warning
+    }
     Snapshot& snapshot = program->snapshot;
     snapshot = {
         std::make_shared<const Analysis>(std::move(analysis)), {}, documents->Encoding(), {}};

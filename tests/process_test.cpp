@@ -463,7 +463,7 @@ TEST(FrontendProcessTest, WhyAFileCannotBeReadOrWrittenIsSaid) {
                                                         {"< a.kor", "write a.com" + denied}};
     const AsNobody nobody;
     const TempDir directory;
-    for (const char* const name : {"a.kor", "secret.kor", "old"}) {
+    for (const char* const name : {"a.kor", "secret.kor", "old", "long"}) {
         WriteFile(name, " NOP\n");
     }
     ASSERT_EQ(0, std::system("chmod 0 secret.kor; chmod 444 old; chmod 555 ."));
@@ -482,6 +482,8 @@ TEST(FrontendProcessTest, WhyAFileCannotBeReadOrWrittenIsSaid) {
         };
         EXPECT_EXIT(run(), testing::ExitedWithCode(2), "korv-as: error: cannot " + message + "\n$") << words;
     }
+    EXPECT_EQ("", RunKorvAs({"a.kor", "-o", "long"}));  // which can only be overwritten
+    EXPECT_EQ(std::string(1, '\0'), ReadFile("long"));
     EXPECT_EQ(0, std::system("chmod 755 ."));
 }
 

@@ -147,8 +147,11 @@ std::string InOneLine(std::string_view text) {
 // Matches one alternative of a pattern: "*" at its end matches any characters, and a backslash
 // makes the next character literal.
 bool MatchesOne(std::string_view text, std::string_view pattern) {
-    if (pattern.empty() || pattern == "*") {
-        return text.empty() || !pattern.empty();
+    if (pattern == "*") {
+        return true;
+    }
+    if (pattern.empty()) {
+        return text.empty();
     }
     pattern.remove_prefix(pattern.front() == '\\' ? 1 : 0);
     return text.starts_with(pattern.front()) && MatchesOne(text.substr(1), pattern.substr(1));

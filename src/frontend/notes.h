@@ -149,7 +149,9 @@ class Adviser {
     bool hasRepeatedFile = false;    // a file that defines names is read twice
     bool hasRefusedFile = false;     // an INCLUDE failed
     bool hasRefusedBlock = false;    // such as a macro
-    struct Errors {                  // of one statement
+
+    // The errors of one statement.
+    struct Errors {
         std::vector<LinePart> places;
         std::string lastNote;
         Status lastNumber = 0;

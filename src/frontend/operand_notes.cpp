@@ -218,7 +218,8 @@ void AimAt(OperandCase* it) {
         it->operand = operands.data();  // "ADD B" alone matches a form
     }
     if (HoldsWord("CALL JR", it->statement.mnemonic) && operands.size() == 2 &&
-        operands[1].what.kind == KIND_VALUE && !operands[0].tokens.empty() &&
+        operands[0].what.kind == KIND_VALUE && operands[1].what.kind == KIND_VALUE &&
+        !operands[0].tokens.empty() &&
         (!operands[0].tokens[0].IsValue() || operands[0].tokens[0].kind == TokenKind::other ||
          operands[0].tokens[0].text == "NOT")) {  // "CALL !Z,X", "JR .Z,X"
         it->operand = operands.data();

@@ -142,8 +142,8 @@ static_assert(operandNames[noRow].name.empty() && operandNames[longRow].name == 
     if (token.size() > 2) {
         return token == "FLAGS" ? longRow : noRow;
     }
-    if (token.size() == 1) {
-        return rowsBySlot[SlotOf(token)];
+    if (token.size() < 2) {
+        return token.empty() ? noRow : rowsBySlot[SlotOf(token)];
     }
     const std::size_t row = rowsBySlot[SlotOf(token)];
     const std::string_view name = operandNames[row].name;

@@ -89,7 +89,7 @@ std::string_view NearWords::Find(std::string_view word,
             if (!isNear) {
                 continue;
             }
-            const bool isOther = word.front() != entry.word.front();
+            const bool isOther = word.substr(0, 1) != entry.word.substr(0, 1);
             const std::size_t steps = EditDistance(word, entry.word);
             const bool isFar =  // two different slips in a short word
                 steps == 2 && word.size() < 9 && entry.letters != letters &&

@@ -2,10 +2,7 @@
 // switches. All files and outputs are texts in memory. For comparison, the core alone assembles the same texts.
 
 #include <algorithm>
-#include <cstdio>
-#include <cstdlib>
 #include <sstream>
-#include <vector>
 
 #include "driver/assembler.h"
 #include "expr/tmp_string.h"
@@ -18,18 +15,12 @@
 #include "frontend/sld.h"
 #include "frontend/summary.h"
 #include "frontend/symbol_formats.h"
+#include "fuzz.h"
 
 namespace {
 using korv::Analysis;
 using korv::Options;
 using Sources = std::vector<std::pair<std::string, std::string>>;  // names and contents
-
-void Require(bool isTrue, const char* otherwise) {
-    if (!isTrue) {
-        std::fprintf(stderr, "korv fuzzer: %s\n", otherwise);
-        std::abort();
-    }
-}
 
 // A file that includes itself twice is read a thousand times, which is legal but slow. So at most 50 files are opened.
 class ShortStore : public korv::FileStore {
@@ -49,13 +40,8 @@ class ShortStore : public korv::FileStore {
 };
 
 Options OptionsFrom(const std::string& line) {
-    std::vector<std::string> words = {"MAIN.KOR"};
-    std::istringstream stream(line);
-    for (std::string word; words.size() < 12 && stream >> word;) {
-        words.push_back(word);
-    }
     Options options;
-    if (!TakeWords(words, &options).empty() || options.request != korv::Request::assemble) {
+    if (!TakeWords(WordsIn(line, 12, {"MAIN.KOR"}), &options).empty() || options.request != korv::Request::assemble) {
         options = {};
         (void)TakeWords({"MAIN.KOR"}, &options);
     }

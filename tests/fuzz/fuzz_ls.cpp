@@ -4,13 +4,12 @@
 // messages must equal those of a fresh analysis of the same texts.
 
 #include <algorithm>
-#include <cstdio>
-#include <cstdlib>
 #include <sstream>
 
 #include "frontend/analyser.h"
 #include "frontend/file_store.h"
 #include "frontend/symbol_formats.h"
+#include "fuzz.h"
 #include "server/features/features.h"
 #include "server/server.h"
 #include "source/source_file.h"
@@ -44,13 +43,6 @@ using Texts = std::map<std::string, std::string>;  // by path
 const std::string folder = "/no-such-directory";
 const std::string mainPath = folder + "/MAIN.KOR";
 
-void Require(bool isTrue, const std::string& otherwise) {
-    if (!isTrue) {
-        std::fprintf(stderr, "korv fuzzer: %s\n", otherwise.c_str());
-        std::abort();
-    }
-}
-
 // Converts arbitrary bytes to UTF-8, since JSON allows nothing else. Bytes from F8H up become a character of two units
 // in UTF-16.
 std::string Utf8(std::string_view bytes) {
@@ -77,11 +69,7 @@ class Client : public korv::platform::Connection {
   public:
     Client(const std::string& switches, Texts sources, std::string script)
         : sources(std::move(sources)), script(std::move(script)) {
-        std::istringstream stream(switches);
-        std::vector<std::string> words;
-        for (std::string word; words.size() < 12 && stream >> word;) {
-            words.push_back(word);
-        }
+        std::vector<std::string> words = WordsIn(switches, 12, {});
         words.emplace_back("MAIN.KOR");
         const bool hasFile = std::ranges::any_of(words, [](const std::string& word) { return word[0] == '@'; });
         if (hasFile || !TakeWords(words, &options).empty() || options.request != korv::Request::assemble ||

@@ -9,9 +9,9 @@
 #include <map>
 #include <optional>
 #include <sstream>
-#include <vector>
 
 #include "driver/process.h"
+#include "fuzz.h"
 #include "platform/platform.h"
 
 namespace {
@@ -20,13 +20,6 @@ using Files = std::map<std::string, std::string>;  // contents by name
 
 const fs::path directory = fs::canonical(fs::temp_directory_path()) / ("korv-fuzz-" + std::to_string(getpid()));
 int filesRead = 0;
-
-void Require(bool isTrue, const char* otherwise) {
-    if (!isTrue) {
-        std::fprintf(stderr, "korv fuzzer: %s\n", otherwise);
-        std::abort();
-    }
-}
 
 Files FilesAfterRun(std::vector<std::string> words, const Files& sources) {
     fs::remove_all(directory);
@@ -90,12 +83,10 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     sources["DAT"].assign(std::istreambuf_iterator<char>(input), {});
 
     // Switches are kept, except for help. All other words are replaced with a target that may be written.
-    std::vector<std::string> words = {"korv", "Main.Kor"};
-    std::istringstream lineInput(line);
-    for (std::string word; words.size() < 10 && lineInput >> word;) {
-        const bool isSwitch = word[0] == '-' && word.find_first_of("?hH") != 1;
-        words.push_back(isSwitch ? word : "Sub\\OUT.COM");
-    }
+    std::vector<std::string> words = WordsIn(line, 10, {"korv", "Main.Kor"});
+    std::replace_if(
+        words.begin() + 2, words.end(),
+        [](const auto& word) { return word[0] != '-' || word.find_first_of("?hH") == 1; }, "Sub\\OUT.COM");
     Files files = FilesAfterRun(words, sources);
     // The size of the read buffer must not matter, and nothing may be left over from the run before.
     static std::uint32_t runs = 0;

@@ -258,7 +258,7 @@ void MessageMaker::AddUses(const Advice& advice, Message* message) {
             }
         }
     }
-    if (renameBudget == 0 && message->number != MSG_UNRESOLVED) {
+    if (renameBudget < 0 && message->number != MSG_UNRESOLVED) {
         message->edits.clear();
     }
 }

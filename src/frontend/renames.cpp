@@ -42,7 +42,7 @@ void AddUsesIn(std::string_view typed, const Place& start, std::string_view name
 
 std::vector<Place> FindUses(const StoredText& text, std::int32_t file, std::string_view name,
                             std::int32_t line, std::int32_t* budget) {
-    if (*budget == 0) {
+    if (*budget < 0) {
         return {};
     }
     std::int32_t first = 1, last = text.LineCount();
@@ -56,13 +56,9 @@ std::vector<Place> FindUses(const StoredText& text, std::int32_t file, std::stri
         }
         last = next - 1;
     }
-    std::vector<Place> uses;
-    if (*budget < last - first + 1) {
-        *budget = 0;
-        return uses;
-    }
     *budget -= last - first + 1;
-    for (std::int32_t number = first; number <= last; ++number) {
+    std::vector<Place> uses;
+    for (std::int32_t number = first; number <= last && *budget >= 0; ++number) {
         AddUsesIn(text.Line(number), {file, number, 0, 0}, name, &uses);
     }
     return uses;

@@ -15,7 +15,7 @@ class StoredText;
 /// The places in `text` where an operand contains `name`. `text` is the file with index `file`;
 /// `name` is in upper case. A name such as .LOOP or 1$, which is local in other assemblers, is only
 /// searched for between the labels around `line`. `budget` is the number of lines that may still be
-/// read. If it is too small, it becomes 0 and nothing is found.
+/// read. If it is too small, it becomes negative and nothing is found.
 [[nodiscard]] std::vector<Place> FindUses(const StoredText& text, std::int32_t file,
                                           std::string_view name, std::int32_t line,
                                           std::int32_t* budget);

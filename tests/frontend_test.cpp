@@ -137,14 +137,14 @@ TEST(FrontendTest, WarnsAboutTheseLinesAndNoOthers) {
         {"", "END|ENDX|Defb:| LD A,300| DM \"a| DB 1,,2| DB 1,", "1:1 keyword-label, 4:7 X40, 5:5 X45, 6:6 X59, 7:6 X59"},
         {" -W error=range -W no-org-gap", " LD A,300| ORG 5| DB 1,", "!1:7 X40, 3:6 X59"},
         {" -W error=org -W error -W no-error=range", " LD A,300| ORG 300H", "1:7 X40, !2:6 X60, !2:6 org-gap"},
-        {"", " DB \"one\\n\"| DB \"C:\\\",0", "1:9 escape"},
+        {"", " DB \"one\\n\"| DB \"C:\\\",0| DB \"\\r\"| DB \"\\t\"| DB \"\\0\"| DB \"\\x\"| DB \"\\\\\"|L1; LD A,5 6|L2; LD (IX+1),2*3", "1:9 escape, 3:6 escape, 4:6 escape, 5:6 escape, 6:6 escape, 7:6 escape, 9:1 hidden-instruction"},
         {"", " IF 3 AND 1=2| ENDIF| IF 1=2 OR 1| ENDIF| IF (1 AND 4)=4| ENDIF| IF 1 AND 2| ENDIF", "1:5 condition, 3:5 condition"},
         {" -Werror -W no-error=empty-operand -W no-open-string -W no-skipped-line", "* x| LD A,300| DB 1,| DM \"a", "!2:7 X40, 3:6 X59"},
         {" -W label-without-colon", "XYZ INCLUDE defs.kor| FROB|Y FROB|W NOP|EACH: FROB", "1:1 X57, !2:2 X33, !3:3 X33, 4:1 X57, !5:7 X33"},
         {" -W no-keyword-label -W no-org-gap -l l", "END LD A,300| ORG 100H| NOP", "1:10 X40"},
         {" -w -W range", "* x| LD A,300|END| DB 1,", ""},
         {" -W error -W no-error --line-length 19", " LD A,300 ; 567890| LD A,300 ; 5678901|", "1:7 X40, !2:2 X41"},
-        {"", " IF 1| IF X| ELSE| ENDIF|Y: IF 1", "!2:5 X12, !5:1 X43, !1:2 open-if, !5:4 open-if"},
+        {"", " IF 1| IF X<2 OR 3| ELSE| ENDIF|Y: IF 1", "!2:5 X12, !5:1 X43, !1:2 open-if, !5:4 open-if"},
         {"", " JP B1| JP A1| DB \"B1\",XB1,B1|XB1: EQU 5", "!2:5 X12, !3:14 X12"},
         {" --max-image 3", " DW 1| DS 1| DS 0|", ""},
         {" --max-image 3", " DW 1| DS 65535*32767| FROB", "!2:2 max-image"},
@@ -172,14 +172,14 @@ TEST(FrontendTest, BytesAtTheEndsOfLinesAndFilesHideNothing) {
 TEST(FrontendTest, RefusesAFaultyCommandLineAndWritesNothing) {
     const std::pair<const char*, const char*> rows[] = {
         {"", "no source file is given; --help lists the options"}, {"a.kor b.kor", "one source file at a time: 'a.kor' and 'b.kor' are given"}, {"-c a.kor", "unknown option '-c'; --help"},
-        {"--form hex a.kor", "unknown option '--form'; did you mean '--format'?"}, {"--symbol x a.kor", "did you mean '--symbols'?"}, {"--lsiting=x a.kor", "'--lsiting'; did you mean '--listing'?"},
-        {"-wv a.kor", "'-v'; did you mean '-V'?"}, {"-symbols x", "'-symbols'; did you mean '--symbols'?"}, {"-- --", "cannot read --"},
+        {"--fo hex a.kor", "unknown option '--fo'; did you mean '--format'?"}, {"--symbol x a.kor", "did you mean '--symbols'?"}, {"--lsiting=x a.kor", "'--lsiting'; did you mean '--listing'?"},
+        {"-wvx a.kor", "'-v'; did you mean '-V'?"}, {"-symbols x", "'-symbols'; did you mean '--symbols'?"}, {"-- --", "cannot read --"},
         {"a.kor --listing", "missing FILE after '--listing'"}, {"-M -o b a.kor", "missing FILE after '-M'"}, {"-l --summary a.kor", "missing FILE after '-l'"}, {"-l -- a.kor", "missing FILE after '-l'"}, {"-w -I", "missing DIR after '-I'"},
         {"a.kor -o ", "empty FILE after '-o'"}, {"-w ", "the name of the source is empty"}, {"--help=x", "takes no argument: 'x'"},
         {"none.kor", "cannot read none.kor: No such file or directory"}, {"sub", isWindows ? "cannot read sub" : "cannot read sub: Is a directory"}, {"-I sub x", "cannot read x"},
-        {"-", "standard input has no name, so the image needs one; use -o"}, {"-f elf a.kor", "-f: 'elf' is not com, bin or hex"}, {"-W foo a.kor", "unknown warning 'foo'; --help lists them"}, {"-W error=rage a.kor", "'rage'; did you mean 'range'?"}, {"--=x a.kor", "unknown option '--'"},
+        {"-", "standard input has no name, so the image needs one; use -o"}, {"- -o stdin", "refusing to overwrite stdin: it is an input of this run"}, {"-f elf a.kor", "-f: 'elf' is not com, bin or hex"}, {"-W no-foo a.kor", "unknown warning 'foo'; --help lists them"}, {"-W error=rage a.kor", "'rage'; did you mean 'range'?"}, {"--=x a.kor", "unknown option '--'"},
         {"a.kor -o a.kor", "refusing to overwrite a.kor: it is an input of this run"}, {"a.kor -l sub/link", "refusing to overwrite sub/link: it is an input of this run"}, {"a.kor --symbols data.bin", "refusing to overwrite data.bin"},
-        {"a.kor -o b -l ./b", "refusing to write two outputs to one file: b and ./b"}, {"data.bin -o a.kor -l sub/link", "two outputs to one file: a.kor and sub/link"}, {"a.kor -o - -l -", "standard output and standard output"}, {"a.kor -o - -M d", "dependencies need a target with a name"}, {"a.kor -o a%b -M d", "would misread the name 'a%b'"},
+        {"a.kor -o b -l ./b", "refusing to write two outputs to one file: b and ./b"}, {"data.bin -o a.kor -l sub/link", "two outputs to one file: a.kor and sub/link"}, {"a.kor -o - -l -", "standard output and standard output"}, {"a.kor -o - -M d", "dependencies need a target with a name"}, {"a.kor -o .AZ -M d", "would misread the name '.AZ'"}, {"a.kor -o a%b -M d", "would misread the name 'a%b'"},
         {"a.kor --summary -l -", "--summary needs standard output for itself"}, {"a.kor --summary -o /dev/stdout", "--summary needs"},
         {"a.kor -o no/a.com", "cannot write no/a.com: No such file or directory"}, {"a.kor -l sub", isWindows ? "cannot write sub" : "cannot write sub: Is a directory"},
         {"-D =1 a.kor", "'' is not a name"}, {"-D 1 a.kor", "'1' is not a name"}, {"-D A.B a.kor", "-D A.B: 'A.B' is not a name"}, {"-D A=X -D =1 none.kor", "-D A=X: could not resolve label: 'X'"}, {"-D A -D A a.kor", "redefinition"},
@@ -191,6 +191,7 @@ TEST(FrontendTest, RefusesAFaultyCommandLineAndWritesNothing) {
         const TempDir directory;
         WriteFile("a.kor", " NOP\n BINCLUDE data.bin\n");
         WriteFile("data.bin", "x");
+        WriteFile("stdin", " RET\n");
         WriteFile("sub/x", "@sub/x");
         WriteFile("open", "a.kor\n-o b\nx\"y\n\n");
         fs::create_hard_link("a.kor", "sub/link");

@@ -188,10 +188,11 @@ TEST(NotesTest, MistakesGetOneMessageAtTheirPlace) {
 }
 
 TEST(NotesTest, NearWordsAreFoundAndNoneThatIsFar) {
-    const std::vector<std::string_view> words = {"LOOP1", "HISCORE", "START", "SCREEN_WIDTH", "AB"};
+    const std::vector<std::string_view> words = {"LOOP1", "HISCORE", "START", "SCREEN_WIDTH", "AB", "HERZ", "KURQ"};
     korv::NearWords near(words);
     for (const std::string row : {"LOPO1=LOOP1", "LOOP=", "HIGHSCORE=HISCORE", "STRAT=START",
-                                  "AC=", "STAAAAT=", "LXXP=", "SCREENWIDTH=SCREEN_WIDTH", "LOOP111=LOOP1"}) {
+                                  "AC=", "STAAAAT=", "LXXP=", "SCREENWIDTH=SCREEN_WIDTH", "LOOP111=LOOP1",
+                                  "STARG=START", "STARB=", "STARU=", "HERQ=", "KURZ="}) {
         const Strings parts = Split(row, '=');
         EXPECT_EQ(parts[1], near.Find(parts[0])) << row;
     }

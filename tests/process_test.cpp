@@ -23,6 +23,7 @@
 #include "faults.h"
 #include "frontend/frontend.h"
 #include "frontend/platform/platform.h"
+#include "frontend/platform/shared.h"
 #include "platform/platform.h"
 #include "run.h"
 #include "symbols/system_identifiers.h"
@@ -349,23 +350,45 @@ TEST(OutputTest, KeepsWhatIsNotItsOwn) {
     }
 }
 
+// The status with which a child process ends that calls `run`, which must exit.
+int StatusOf(const std::function<void()>& run) {
+    const pid_t child = fork();
+    child == 0 ? run() : void();
+    int status = 0;
+    waitpid(child, &status, 0);
+    return status;
+}
+
 TEST(OutputTest, LeavesNothingWhenTheProcessEnds) {
     for (const bool isLast : {false, true}) {
         const TempDir directory;
-        const pid_t child = fork();
-        if (child == 0) {
+        const int status = StatusOf([isLast] {
             korv::platform::OutputFile files[2];
-            bool isRight = files[0].Open("a", {}, {}) && files[1].Open("b", {}, {});
+            const bool isOpen = files[0].Open("a", {}, {}) && files[1].Open("b", {}, {});
             std::raise(SIGUSR1);  // the signal is delayed while a file is unfinished
             files[0].Write("text", 4);
-            isRight = isRight && files[0].Commit() && (!isLast || files[1].Commit());
-            std::exit(isRight ? 0 : 1);
-        }
-        int status = 0;
-        waitpid(child, &status, 0);
+            std::exit(isOpen && files[0].Commit() && (!isLast || files[1].Commit()) ? 0 : 1);
+        });
         EXPECT_EQ(isLast ? SIGUSR1 : 0, status);
         EXPECT_EQ("text", ReadFile("a"));
         EXPECT_EQ(isLast ? 2 : 1, std::distance(fs::directory_iterator("."), {}));
+    }
+}
+
+// A run that waits for the reader of a pipe ends at once, except by signals that are ignored, as under nohup.
+TEST(OutputTest, ASignalEndsARunThatWaits) {
+    for (const auto& [handler, end] : {std::pair(SIG_DFL, SIGHUP), {SIG_IGN, SIGTERM}}) {
+        const TempDir directory;
+        const int status = StatusOf([before = handler] {
+            korv::platform::OutputFile file;
+            const bool isOpen = std::signal(SIGHUP, before) != SIG_ERR && file.Open("a", {}, {});
+            std::raise(SIGHUP);
+            { const korv::platform::SignalWindow whileItWaits; }
+            std::raise(SIGTERM);  // is delayed again
+            std::exit(isOpen && file.Commit() ? 0 : 1);
+        });
+        EXPECT_EQ(end, status);
+        EXPECT_EQ(end == SIGHUP, fs::is_empty("."));
     }
 }
 
@@ -378,9 +401,7 @@ TEST(TerminalTest, GetsNoControlCharacters) {
     const std::pair<std::string, std::string> rows[] = {
         {"a\tb\x7F~", "a\\x09b\\x7F~"},
         {"\n[Korv] \x1B[2J", "\\x0A[Korv] \\x1B[2J"},
-        {"gr\xC3\xB6\xC3\x9F"
-         "e \xE2\x82\xAC \xF0\x9F\x98\x80",
-         "größe € 😀"},
+        {"größe € 😀", "größe € 😀"},
         {"\xC2\x9F\xC2\xA0\xC2", "\\xC2\\x9F\u00A0\\xC2"},
         {"\x80\xC1\xBF\xE0\x9F\xBF\xED\xA0\x80", "\\x80\\xC1\\xBF\\xE0\\x9F\\xBF\\xED\\xA0\\x80"},
         {"\xF4\x8F\xBF\xBF\xF4\x90\x80\x80\xFF", "\xF4\x8F\xBF\xBF\\xF4\\x90\\x80\\x80\\xFF"},
@@ -421,7 +442,7 @@ TEST(TerminalTest, GetsColoursAndNoControlCharactersFromKorvAs) {
         // TERM, NO_COLOR, the words of the run, the output
         {"xterm", nullptr, "a.kor", coloured}, {"xterm", "", "a.kor", coloured}, {"xterm", "1", "a.kor", plain},
         {"dumb", nullptr, "a.kor", plain}, {"", nullptr, "a.kor", plain}, {"xterm", nullptr, "a.kor --color never", plain},
-        {"dumb", "1", "a.kor --color always", coloured}, {"xterm", "", "--\x1B", "korv-as: error: unknown option '--\\x1B'; --help lists the options\n"},
+        {"dumb", "1", "a.kor --color always", coloured}, {"xterm", "", "--\x7F", "korv-as: error: unknown option '--\\x7F'; --help lists the options\n"},
         {"xterm", "", "b.kor -o /dev/null -l -", " RET ; WPMEM \\x1B\n"}, {"xterm", "", "b.kor -o /dev/null --debug -", "|; WPMEM \\x1B\n"}, {"xterm", "", "b.kor -o - -l /dev/null", "\xC9"},
         {"xterm", "", "b.kor -o - -l -", "two outputs to one file: standard output and standard output\n"}};
     // clang-format on
@@ -444,23 +465,17 @@ TEST(TerminalTest, GetsColoursAndNoControlCharactersFromKorvAs) {
 // Standard output is a full disk, unless a sign precedes the words: with "|", it is a pipe that nobody reads; with "<"
 // or ">", standard input or output is closed; with ".", standard input is a directory.
 TEST(FrontendProcessTest, WhyAFileCannotBeReadOrWrittenIsSaid) {
-    const std::string full = ": No space left on device", denied = ": Permission denied";
-    const std::string longName(4096, 'x'), noPath = ": its full path cannot be determined";
-    const std::pair<std::string, std::string> rows[] = {{"-h", "write standard output" + full},
-                                                        {"-V", "write standard output" + full},
-                                                        {"| -h", "write standard output: Broken pipe"},
-                                                        {"| a.kor -o -", "write standard output: Broken pipe"},
-                                                        {"> a.kor -o -", "write standard output: it is closed"},
-                                                        {"< - -o old", "read standard input: it is closed"},
-                                                        {". - -o old", "read standard input: Is a directory"},
-                                                        {"a.kor -o -", "write standard output" + full},
-                                                        {"a.kor -o /dev/full", "write /dev/full" + full},
-                                                        {"secret.kor", "read secret.kor" + denied},
-                                                        {"SECRET.KOR", "read SECRET.KOR" + denied},
-                                                        {longName, "read " + longName + noPath},
-                                                        {"@secret.kor", "read secret.kor" + denied},
-                                                        {"> a.kor -o old", "write old" + denied},
-                                                        {"< a.kor", "write a.com" + denied}};
+    const std::string full = ": No space left on device", denied = ": Permission denied", broken = ": Broken pipe";
+    const std::string output = "write standard output", longName(4096, 'x');
+    // clang-format off
+    const std::pair<std::string, std::string> rows[] = {
+        {"-h", output + full}, {"-V", output + full}, {"a.kor -o -", output + full}, {"| -h", output + broken},
+        {"| a.kor -o -", output + broken}, {"> a.kor -o -", output + ": it is closed"}, {"@secret.kor", "read secret.kor" + denied},
+        {"< - -o old", "read standard input: it is closed"}, {". - -o old", "read standard input: Is a directory"},
+        {"secret.kor", "read secret.kor" + denied}, {"SECRET.KOR", "read SECRET.KOR" + denied}, {"> a.kor -o old", "write old" + denied},
+        {"a.kor -o /dev/full", "write /dev/full" + full}, {longName, "read " + longName + ": its full path cannot be determined"},
+        {"< a.kor", "write a.com" + denied}};
+    // clang-format on
     const AsNobody nobody;
     const TempDir directory;
     for (const char* const name : {"a.kor", "secret.kor", "old", "long"}) {

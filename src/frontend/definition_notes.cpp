@@ -63,7 +63,7 @@ Advice AdviseOnPreprocessor(const StatementView& statement) {
     const std::string_view rest =
         isFirst ? WithoutLeadingBlanks(statement.line.substr(word.size())) : statement.rest;
     if (HoldsWord("#DEFINE .DEFINE DEFINE %DEFINE", word)) {
-        const std::string_view name = rest.substr(0, rest.find_first_of(" \t"));
+        const std::string_view name = FirstWord(rest);
         const std::string_view value = WithoutLeadingBlanks(rest.substr(name.size()));
         if (IsNameText(name) && !value.empty()) {
             return Defined(statement, word, name, value);
@@ -105,7 +105,7 @@ Advice AdviseOnDefinition(const StatementView& statement) {
     } else if (!value.empty() &&
                (name.empty() || ClassOf(word).kind != KIND_VALUE)) {  // " X EQU 5"
         name = word.ends_with(':') ? word.substr(0, word.size() - 1) : word;
-        sign = value.substr(0, value.find_first_of(" \t"));
+        sign = FirstWord(value);
         value = WithoutLeadingBlanks(value.substr(sign.size()));
     }
     const std::size_t at = std::min(word.find_first_of(":="), word.size());
@@ -139,7 +139,7 @@ Advice AdviseOnDefinition(const StatementView& statement) {
         "= := == EQU DEFL SET ASET VAR CONST EQUS EQ EQUAL EQUALS .EQU .SET .DEFL DEFINE DEFC",
         sign);
     value = WithoutLeadingBlanks(value);
-    const std::string_view first = value.substr(0, value.find_first_of(" \t"));
+    const std::string_view first = FirstWord(value);
     if (sign == "=" && HoldsWord("DB DEFB DM DEFM DW DEFW DS DEFS", first)) {  // "X = DB 5"
         const std::string fix = std::string(statement.Typed(name)) + ":";
         return Replace(statement, statement.Span(name, sign), fix,

@@ -26,8 +26,7 @@ Advice AdviseOnOddName(Adviser& adviser, const StatementView& statement) {
     const std::string_view word = line.substr(blanks, end - blanks);
     const bool hasColon = line.substr(end).starts_with(':');
     const bool isBefore =  // ".LOOP LD A,5"
-        word.starts_with('.') &&
-        FindKeyword(statement.rest.substr(0, statement.rest.find_first_of(" \t"))) != nullptr;
+        word.starts_with('.') && FindKeyword(FirstWord(statement.rest)) != nullptr;
     if (!hasColon && !isBefore && (blanks > 0 || WordAdvice(statement))) {
         return {};
     }
@@ -111,7 +110,7 @@ Advice AdviseOnLabelPlace(const Adviser& adviser, const StatementView& statement
             "end the label with one colon, without a blank before it");
     }
     const std::string_view stem = word.substr(0, word.size() - 1);
-    const std::string_view follower = statement.rest.substr(0, statement.rest.find_first_of(" \t"));
+    const std::string_view follower = FirstWord(statement.rest);
     const bool isSecond =  // "CON OUT: EQU 2"
         !statement.label.empty() && !statement.hasColon && FindKeyword(follower) != nullptr &&
         FindKeyword(statement.label) == nullptr;
@@ -146,8 +145,7 @@ Advice AdviseOnLabelPlace(const Adviser& adviser, const StatementView& statement
     const std::size_t colon = word.find(':');  // " LOOP:LD A,5"
     const std::string_view name = word.substr(0, colon);
     const std::string_view next =
-        colon < word.size() ? word.substr(colon + 1)
-                            : statement.rest.substr(0, statement.rest.find_first_of(" \t"));
+        colon < word.size() ? word.substr(colon + 1) : FirstWord(statement.rest);
     if (statement.label.empty() && IsNameText(name) && FindKeyword(next) != nullptr &&
         FindKeyword(name) == nullptr &&
         (adviser.Facts().FindName(name) || !WordAdvice(statement))) {  // " LOOP LD A,5"

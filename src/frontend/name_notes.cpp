@@ -163,7 +163,7 @@ bool AdviseOnLetterForDigit(OperandCase* it, const Token& token) {
     std::string digits(token.text);
     const std::size_t letter = digits.find_first_of("OLI");
     const bool isWord = token.text.size() > 2 && !token.text.ends_with('H') &&  // "LOB"
-                        token.text.find_first_of("0123456789") == std::string_view::npos;
+                        token.text.find_first_of(decimalDigits) == std::string_view::npos;
     if (isWord || (letter != 0 && token.kind != TokenKind::digitName)) {
         return false;
     }
@@ -187,7 +187,7 @@ bool AdviseOnLetterForDigit(OperandCase* it, const Token& token) {
 // A defined name with a similar spelling, or "A_B" for A-B and "AX3" for A*3.
 bool AdviseOnNearName(OperandCase* it, const Token& token) {
     const auto isValue = [it](std::string_view text) {
-        return it->IsDefined(text) || text.find_first_not_of("0123456789") == text.npos;
+        return it->IsDefined(text) || text.find_first_not_of(decimalDigits) == text.npos;
     };
     for (std::size_t i = 1; i + 1 < token.text.size(); ++i) {
         const char sign = token.text[i] == '_' ? '-' : '*';
@@ -198,7 +198,7 @@ bool AdviseOnNearName(OperandCase* it, const Token& token) {
         }
     }
     const std::string_view stem =
-        token.text.substr(std::min(token.text.find_first_not_of("0123456789"), token.text.size()));
+        token.text.substr(std::min(token.text.find_first_not_of(decimalDigits), token.text.size()));
     if (it->IsDefined(stem)) {  // "2WIDTH"
         it->advice.note = "put an operator before " + std::string(it->statement.Typed(stem));
         return true;
@@ -258,7 +258,7 @@ void AdviseOnUnknownName(OperandCase* it) {
         return;
     }
     const bool isMarked = name.front() == 'H' && name.size() > 2 &&  // "H100"
-                          name.find_first_of("0123456789") != std::string::npos;
+                          name.find_first_of(decimalDigits) != std::string::npos;
     if (const std::string number = NumberSpelling("0X" + name.substr(isMarked ? 1 : 0));
         !number.empty() && name.front() != '_' && (isMarked || name.size() % 2 == 0)) {
         it->Replace(token->text, number);

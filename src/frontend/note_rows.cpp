@@ -232,10 +232,6 @@ bool HoldsNumber(std::string_view numbers, Status number) {
     return HoldsWord(numbers, std::to_string(number));
 }
 
-std::string FirstWord(std::string_view text) {
-    return std::string(text.substr(0, text.find_first_of(" \t")));
-}
-
 // True if a string in `text` contains an escape sequence, which Korv would read as two characters.
 bool HasEscape(std::string_view text) {
     const std::string line = " " + std::string(text);
@@ -295,7 +291,7 @@ std::optional<RowAdvice> WordAdvice(const StatementView& statement) {
     const auto advice = [&](std::string_view note, std::string_view fix) {
         RowAdvice found = AdviceOf(note, fix, changed, TextsOf(changed));
         if (!found.edits.empty() && !IsForm(found.edits[0].text)) {
-            const std::string start = "use " + FirstWord(found.edits[0].text);
+            const std::string start = "use " + std::string(FirstWord(found.edits[0].text));
             const auto rest = AdviceOnRest(found.edits[0].text);
             if (!rest || rest->edits.empty()) {
                 return RowAdvice{start + (rest ? ": " + rest->note : checkOperands), {}, {}};
@@ -304,7 +300,7 @@ std::optional<RowAdvice> WordAdvice(const StatementView& statement) {
             found.edits[0].text = rest->edits[0].text;
         }
         if (!found.edits.empty() && HasEscape(found.edits[0].text)) {
-            return RowAdvice{"use " + FirstWord(found.edits[0].text) +
+            return RowAdvice{"use " + std::string(FirstWord(found.edits[0].text)) +
                                  ", and a number for each character after a backslash",
                              {},
                              {}};

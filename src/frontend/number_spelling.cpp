@@ -50,7 +50,7 @@ constexpr Notation notations[] = {
     Binary("B'", "'"),
     Octal("0O"),
     Octal("", "Q"),
-    {"", "D", "0123456789", "", ""},
+    {"", "D", decimalDigits, "", ""},
 };
 
 bool IsOf(std::string_view text, std::string_view characters) {

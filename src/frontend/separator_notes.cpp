@@ -149,7 +149,7 @@ bool AdviseOnSeparator(OperandCase* it) {
     }
     const std::string_view next = text.substr(at + size);
     return ClassOf(text.substr(0, at)).kind != KIND_VALUE &&
-           FindKeyword(next.substr(0, next.find_first_of(" \t"))) == nullptr &&
+           FindKeyword(FirstWord(next)) == nullptr &&
            AdviseOnSeparated(it, text.substr(at, size), edits);
 }
 

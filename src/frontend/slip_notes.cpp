@@ -158,7 +158,7 @@ bool AdviseOnSplitNumber(OperandCase* it, const Token& before, const Token& toke
             std::string_view::npos &&
         token.text.find_first_not_of("01") >= token.text.size() - 1;
     const bool isGroup =  // "10 000"
-        token.text.size() == 3 && number.find_first_not_of("0123456789") == std::string::npos;
+        token.text.size() == 3 && number.find_first_not_of(decimalDigits) == std::string::npos;
     const bool isPart =
         (isBinary && number.size() % 8 == 1) ||
         ((isBinary || isGroup) && !HoldsWord(dataDirectives, it->statement.mnemonic));

@@ -91,7 +91,7 @@ Foreign Bracketed(std::string_view operand, std::string_view typed) {
 Foreign ForeignNumber(const StatementView& statement, const Token& token) {
     const std::string_view text = token.text;
     const std::string typed(statement.Typed(text));
-    const std::size_t letter = text.find_first_not_of("0123456789");
+    const std::size_t letter = text.find_first_not_of(decimalDigits);
     const auto has = [text](std::string_view digits) {
         return text.find_first_of(digits) != std::string_view::npos;
     };
@@ -102,7 +102,7 @@ Foreign ForeignNumber(const StatementView& statement, const Token& token) {
                     (isEither ? ", or write " + typed + "H if it is hexadecimal" : "")};
     }
     if (text.starts_with("0B") &&
-        text.find_first_not_of("0123456789", 2) == std::string_view::npos &&
+        text.find_first_not_of(decimalDigits, 2) == std::string_view::npos &&
         text.find_first_not_of("01", 2) != std::string_view::npos) {  // "0B12"
         const std::string other =
             text.size() < 5 ? ", or write " + typed + "H if it is hexadecimal" : "";
@@ -113,7 +113,7 @@ Foreign ForeignNumber(const StatementView& statement, const Token& token) {
     }
     if (letter != std::string_view::npos && letter > 0 && letter + 1 < text.size() &&
         text[letter] == 'E' &&
-        text.find_first_not_of("0123456789", letter + 1) == std::string_view::npos) {  // "1E3"
+        text.find_first_not_of(decimalDigits, letter + 1) == std::string_view::npos) {  // "1E3"
         return {text, "", "write " + typed + "H if it is hexadecimal: there are no exponents"};
     }
     const std::string_view shorter = text.substr(0, text.size() - 1);  // of "11BB", "0FFHH"
@@ -141,7 +141,7 @@ Foreign ForeignColon(const StatementView& statement, const Token& token) {
     if (text.size() > 1 && text.ends_with(':')) {
         const char* const restEnd = statement.rest.data() + statement.rest.size();
         const std::string_view after = WithoutLeadingBlanks({text.data() + text.size(), restEnd});
-        if (FindKeyword(after.substr(0, after.find_first_of(" \t"))) != nullptr) {  // "5: INC A"
+        if (FindKeyword(FirstWord(after)) != nullptr) {  // "5: INC A"
             return {text.substr(text.size() - 1), "\n\t", oneInstructionNote};
         }
         if (!after.empty() && HasClass(after.front(), CC_NAME)) {  // a comment
@@ -213,7 +213,7 @@ Foreign ForeignToken(const StatementView& statement, const Token& token) {
         return {text, "", "use EX AF,AF' or EXX: the second set of registers has no names"};
     }
     if (text.front() == '\\' && text.size() > 1) {
-        if (text.find_first_not_of("0123456789", 1) == text.npos) {
+        if (text.find_first_not_of(decimalDigits, 1) == text.npos) {
             return {text, typed.substr(1), ""};
         }
         if (const std::string value = EscapeValue(typed); !value.empty()) {

@@ -23,6 +23,7 @@ struct Foreign {
     std::string note;  ///< why, or what to do instead; empty: "write " and the spelling
 };
 
+inline constexpr std::string_view decimalDigits = "0123456789";
 inline constexpr const char* doubleQuoteNote = "use double quotes, also for one character";
 inline constexpr const char* closeQuoteNote = "close the string with a double quote";
 inline constexpr std::string_view largeNumberNote =

@@ -218,6 +218,10 @@ std::string Raised(std::string_view typed) {
     return line;
 }
 
+std::string_view FirstWord(std::string_view text) {
+    return text.substr(0, text.find_first_of(" \t"));
+}
+
 std::size_t CommentStart(std::string_view typed) {
     bool isString = false;
     std::size_t at = 0;

@@ -128,6 +128,9 @@ struct StatementView {
 /// `typed` with letters outside strings converted to upper case, as by the core's reader.
 [[nodiscard]] std::string Raised(std::string_view typed);
 
+/// `text` up to its first blank or tab.
+[[nodiscard]] std::string_view FirstWord(std::string_view text);
+
 /// The offset of the comment in a physical line; the size of the line if there is no comment.
 [[nodiscard]] std::size_t CommentStart(std::string_view typed);
 

@@ -100,7 +100,7 @@ Advice AdviseOnData(const StatementView& statement) {
 // "+", "-" and "@@", which are anonymous labels in other assemblers.
 Advice AdviseOnAnonymousLabel(const StatementView& statement) {
     const std::string_view word = statement.mnemonic;
-    const std::string_view next = statement.rest.substr(0, statement.rest.find_first_of(" \t"));
+    const std::string_view next = FirstWord(statement.rest);
     const bool isSigns = word.size() < 4 && word.find_first_not_of("+-") == std::string_view::npos;
     const bool isLabel = isSigns && (next.empty() || FindKeyword(next) != nullptr);
     return isLabel || word == "@@:" ? Say(statement, word, anonymousLabelNote) : Advice{};
@@ -184,8 +184,7 @@ Advice AdviseOnSign(const StatementView& statement) {
     const std::size_t start = std::min(word.find_first_of(signs), word.size());
     const std::size_t end = std::min(word.find_first_not_of(signs, start), word.size());
     const std::string_view tail = word.substr(end);  // "DI,EI"
-    const std::string_view next =
-        tail.empty() ? statement.rest.substr(0, statement.rest.find_first_of(" \t")) : tail;
+    const std::string_view next = tail.empty() ? FirstWord(statement.rest) : tail;
     const bool isSecond = FindKeyword(next) != nullptr;
     if (FindKeyword(word.substr(0, start)) == nullptr || (!tail.empty() && !isSecond)) {
         return {};
@@ -379,7 +378,7 @@ Advice AdviseOnWord(Adviser& adviser, const FaultView& fault) {
 
 Advice AdviseOnSplitMnemonic(const StatementView& statement) {
     const std::string_view word = statement.mnemonic;
-    const std::string_view next = statement.rest.substr(0, statement.rest.find_first_of(" \t"));
+    const std::string_view next = FirstWord(statement.rest);
     const bool isOperand = next == statement.rest && statement.keyword != nullptr &&
                            ClassOf(next).kind != KIND_VALUE && word != "RET";  // "LD D"
     const bool isCondition = next == "N";  // "RET N" for "RET NZ"

@@ -148,7 +148,8 @@ Advice AdviseOnRedefinition(const RunFacts& facts, const FaultView& fault) {
 // Brackets with nothing in them.
 Advice AdviseOnEmptyBrackets(const StatementView& statement) {
     for (const OperandView& operand : statement.operands) {
-        if (operand.text.starts_with('(') && WithoutLeadingBlanks(operand.text.substr(1)) == ")") {
+        if (operand.text.starts_with('(') &&
+            FirstWord(WithoutLeadingBlanks(operand.text.substr(1))) == ")") {
             Advice advice = Say(statement, operand.text, "add the address or the register");
             advice.text = "nothing between the brackets";
             return advice;

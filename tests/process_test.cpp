@@ -432,7 +432,7 @@ TEST(TerminalTest, GetsColoursAndNoControlCharactersFromKorvAs) {
     }
     const TempDir directory;
     WriteFile("a.kor", " DB \"\x1B\",FOO\n");
-    WriteFile("b.kor", " RET ; WPMEM \x1B\n");
+    WriteFile("b.kor", " RET\t; WPMEM \x1B\n");
     // clang-format off
     const std::string plain = "a.kor:1:9: error: could not resolve label: 'FOO' [X12]\n DB \"\\x1B\",FOO\n           ^~~\n"
                               "korv-as: 1 error\n";
@@ -443,7 +443,7 @@ TEST(TerminalTest, GetsColoursAndNoControlCharactersFromKorvAs) {
         {"xterm", nullptr, "a.kor", coloured}, {"xterm", "", "a.kor", coloured}, {"xterm", "1", "a.kor", plain},
         {"dumb", nullptr, "a.kor", plain}, {"", nullptr, "a.kor", plain}, {"xterm", nullptr, "a.kor --color never", plain},
         {"dumb", "1", "a.kor --color always", coloured}, {"xterm", "", "--\x7F", "korv-as: error: unknown option '--\\x7F'; --help lists the options\n"},
-        {"xterm", "", "b.kor -o /dev/null -l -", " RET ; WPMEM \\x1B\n"}, {"xterm", "", "b.kor -o /dev/null --debug -", "|; WPMEM \\x1B\n"}, {"xterm", "", "b.kor -o - -l /dev/null", "\xC9"},
+        {"xterm", "", "b.kor -o /dev/null -l -", " RET\t; WPMEM \\x1B\n"}, {"xterm", "", "b.kor -o /dev/null --debug -", "|; WPMEM \\x1B\n"}, {"xterm", "", "b.kor -o - -l /dev/null", "\xC9"},
         {"xterm", "", "b.kor -o - -l -", "two outputs to one file: standard output and standard output\n"}};
     // clang-format on
     for (const auto& [type, noColor, words, shown] : rows) {

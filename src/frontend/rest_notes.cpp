@@ -115,9 +115,6 @@ Advice AdviseOnFarJump(const StatementView& statement) {
             "use DEC B and JP NZ: DJNZ reaches from 126 bytes before to 129 bytes after its own "
             "address";
     }
-    if (!statement.operands.empty()) {
-        advice.place = statement.PartOf(statement.operands.back().text);
-    }
     return advice;
 }
 
@@ -138,7 +135,7 @@ Advice AdviseOnRedefinition(const RunFacts& facts, const FaultView& fault) {
     } else if (first.isHere) {
         advice.note = "include the file once: this line has been read before";
         advice.isRepeated = true;
-    } else if (!first.where.empty()) {
+    } else {
         advice.note = "rename one of them: the first definition is " + first.where;
         advice.first = first.definition;
     }

@@ -120,7 +120,8 @@ Advice AdviseOnDefinition(const StatementView& statement) {
         value = statement.Span(sign.substr(start), value.empty() ? sign : value);  // "X =5"
         sign = sign.substr(0, start);
     }
-    if (sign == "=" && name.data() != statement.label.data() && ClassOf(name).kind != KIND_VALUE) {
+    if (HoldsWord("= :=", sign) && name.data() != statement.label.data() &&
+        ClassOf(name).kind != KIND_VALUE) {
         const std::string fix =
             "LD " + std::string(statement.Typed(name)) + "," + std::string(statement.Typed(value));
         const std::string changed = " " + Raised(fix);

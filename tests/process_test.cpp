@@ -350,7 +350,7 @@ TEST(OutputTest, KeepsWhatIsNotItsOwn) {
     }
 }
 
-// The status with which a child process ends that calls `run`, which must exit.
+// The status of a child process that calls `run`, which must end the process.
 int StatusOf(const std::function<void()>& run) {
     const pid_t child = fork();
     child == 0 ? run() : void();
@@ -375,7 +375,7 @@ TEST(OutputTest, LeavesNothingWhenTheProcessEnds) {
     }
 }
 
-// A run that waits for the reader of a pipe ends at once, except by signals that are ignored, as under nohup.
+// A signal ends a run that waits for the reader of a pipe, unless the signal is ignored, as under nohup.
 TEST(OutputTest, ASignalEndsARunThatWaits) {
     for (const auto& [handler, end] : {std::pair(SIG_DFL, SIGHUP), {SIG_IGN, SIGTERM}}) {
         const TempDir directory;

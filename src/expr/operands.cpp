@@ -80,7 +80,7 @@ Status KO_Args::Add(std::string_view text) {
     if (expression.empty()) {
         return emptyOperand;
     }
-    OperandClass what = isIndirect ? ClassInParentheses(expression) : ClassOf(expression);
+    OperandClass what = isIndirect ? ClassInParentheses(expression) : ClassOfToken(expression);
     const bool isValue = what.kind == KIND_VALUE;
     if (isValue && isIndirect) {
         what.reg = TakeIndex(&expression);

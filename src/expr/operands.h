@@ -73,7 +73,7 @@ class KO_Args {
     Status Add(std::string_view text);
     /// Like `Add`, for a text that is one token (see expr/token.h), alone or in parentheses.
     void AddToken(std::string_view text) {
-        if (lsArg* const arg = Append(text, ClassOf(text)); arg->IsValue()) {
+        if (lsArg* const arg = Append(text, ClassOfToken(text)); arg->IsValue()) {
             EvaluateToken(arg, text);
         }
     }

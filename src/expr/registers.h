@@ -142,8 +142,8 @@ static_assert(operandNames[noRow].name.empty() && operandNames[longRow].name == 
     if (token.size() > 2) {
         return token == "FLAGS" ? longRow : noRow;
     }
-    if (token.size() < 2) {
-        return token.empty() ? noRow : rowsBySlot[SlotOf(token)];
+    if (token.size() == 1) {
+        return rowsBySlot[SlotOf(token)];
     }
     const std::size_t row = rowsBySlot[SlotOf(token)];
     const std::string_view name = operandNames[row].name;
@@ -151,14 +151,18 @@ static_assert(operandNames[noRow].name.empty() && operandNames[longRow].name == 
 }
 }  // namespace operand_class
 
-/// The class of the operand `token`, bare and in parentheses. A word that is not in the table is a
-/// value. Always inlined: since the front end uses this function too, the compiler would otherwise
-/// emit a call, which costs 1 % of a run of korv-as.
-[[nodiscard, gnu::always_inline]] inline const OperandClass& ClassOf(std::string_view token) {
+/// The class of the operand `token`, which is not empty, bare and in parentheses. A word that is
+/// not in the table is a value. Always inlined: since the front end calls it too, the compiler
+/// would otherwise emit a call, which costs 1 % of a run of korv-as.
+[[nodiscard, gnu::always_inline]] inline const OperandClass& ClassOfToken(std::string_view token) {
     return operandNames[operand_class::RowOf(token)].bare;
 }
 [[nodiscard]] inline const OperandClass& ClassInParentheses(std::string_view token) {
     return operandNames[operand_class::RowOf(token)].indirect;
+}
+/// The class of a word that may be empty, which is a value too.
+[[nodiscard]] inline const OperandClass& ClassOf(std::string_view word) {
+    return word.empty() ? operandNames[operand_class::noRow].bare : ClassOfToken(word);
 }
 
 }  // namespace korv

@@ -16,7 +16,7 @@ inline void Require(bool isTrue, std::string_view otherwise) {
     }
 }
 
-// `words` and those in `line`, at most `count` in all.
+// `words`, followed by the words of `line`; at most `count` in all.
 inline std::vector<std::string> WordsIn(const std::string& line, std::size_t count, std::vector<std::string> words) {
     std::istringstream stream(line);
     for (std::string word; words.size() < count && stream >> word;) {

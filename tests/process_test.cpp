@@ -442,7 +442,7 @@ TEST(TerminalTest, GetsColoursAndNoControlCharactersFromKorvAs) {
         // TERM, NO_COLOR, the words of the run, the output
         {"xterm", nullptr, "a.kor", coloured}, {"xterm", "", "a.kor", coloured}, {"xterm", "1", "a.kor", plain},
         {"dumb", nullptr, "a.kor", plain}, {"", nullptr, "a.kor", plain}, {"xterm", nullptr, "a.kor --color never", plain},
-        {"dumb", "1", "a.kor --color always", coloured}, {"xterm", "", "--\x7F", "korv-as: error: unknown option '--\\x7F'; --help lists the options\n"},
+        {"dumb", "1", "a.kor --color always", coloured}, {"xterm", "", "--\x1B", "korv-as: error: unknown option '--\\x1B'; --help lists the options\n"},
         {"xterm", "", "b.kor -o /dev/null -l -", " RET\t; WPMEM \\x1B\n"}, {"xterm", "", "b.kor -o /dev/null --debug -", "|; WPMEM \\x1B\n"}, {"xterm", "", "b.kor -o - -l /dev/null", "\xC9"},
         {"xterm", "", "b.kor -o - -l -", "two outputs to one file: standard output and standard output\n"}};
     // clang-format on

@@ -43,8 +43,8 @@ const char* FindOperandEnd(const char* next) {
         }
         return end;
     }
-    const char* before = start - 1;  // moves to the comma before the operand, if there is one
-    while (HasClass(*before, CC_BLANK) && before != statement->text) {
+    const char* before = start - 1;  // moves to the comma before the operand, or to the mnemonic
+    while (HasClass(*before, CC_BLANK)) {
         --before;
     }
     if (const char* const comma = *before == ',' ? before : end; *comma == ',') {

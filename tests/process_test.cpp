@@ -375,13 +375,16 @@ TEST(OutputTest, LeavesNothingWhenTheProcessEnds) {
     }
 }
 
-// A signal ends a run that waits for the reader of a pipe, unless the signal is ignored, as under nohup.
+// A signal ends a run that waits for the reader of a pipe, unless it was ignored or blocked before.
 TEST(OutputTest, ASignalEndsARunThatWaits) {
     for (const auto& [handler, end] : {std::pair(SIG_DFL, SIGHUP), {SIG_IGN, SIGTERM}}) {
         const TempDir directory;
         const int status = StatusOf([before = handler] {
             korv::platform::OutputFile file;
-            const bool isOpen = std::signal(SIGHUP, before) != SIG_ERR && file.Open("a", {}, {});
+            sigset_t blocked = {};
+            const bool isOpen = sigaddset(&blocked, SIGINT) == 0 && sigprocmask(SIG_BLOCK, &blocked, nullptr) == 0 &&
+                                std::signal(SIGHUP, before) != SIG_ERR && file.Open("a", {}, {});
+            std::raise(SIGINT);
             std::raise(SIGHUP);
             { const korv::platform::SignalWindow whileItWaits; }
             std::raise(SIGTERM);  // is delayed again

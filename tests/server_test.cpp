@@ -87,7 +87,7 @@ std::string ShownText(const std::string& body) {
     std::string all = "shown " + std::string(parameters["uri"]);
     all += parameters.contains("version") ? " " + parameters["version"].dump() : "";
     for (const korv::Json& each : parameters["diagnostics"]) {
-        const std::string kind = each["severity"] == 1 ? "error " : "warning ";
+        const std::string kind = std::array{"", "error ", "warning "}.at(each["severity"]);
         const std::string code = each.contains("code") ? std::string(each["code"]) + " " : "";
         all += " | " + message(each["range"], kind + code + std::string(each["message"]));
         for (const korv::Json& related : each.value("relatedInformation", korv::Json::array())) {
@@ -251,7 +251,7 @@ TEST(ServerTest, DiagnosticsAreTheMessagesOfKorvAs) {
                 for (const auto& [file, list] : programs.Diagnostics()) {
                     for (const korv::Json& each : list) {
                         shown.insert(file + ":" + std::to_string(each["range"]["start"]["line"].get<int>() + 1) +
-                                     (each["severity"] == 1 ? " error " : " warning ") + std::string(each["message"]));
+                                     " severity " + each["severity"].dump() + " " + std::string(each["message"]));
                     }
                 }
                 korv::FileStore store;
@@ -263,9 +263,9 @@ TEST(ServerTest, DiagnosticsAreTheMessagesOfKorvAs) {
                      std::span(analysis.messages).first(std::min<std::size_t>(analysis.messages.size(), 1000))) {
                     const auto& place = message.place;
                     printed.insert(analysis.files[static_cast<std::size_t>(std::max(place.file, 0))].text->Path() +
-                                   ":" + std::to_string(std::max(place.line, 1)) +
-                                   (message.severity == korv::Severity::error ? " error " : " warning ") +
-                                   SentenceOf(message) + (message.note.empty() ? "" : "\nnote: " + message.note));
+                                   ":" + std::to_string(std::max(place.line, 1)) + " severity " +
+                                   (message.severity == korv::Severity::error ? "1 " : "2 ") + SentenceOf(message) +
+                                   (message.note.empty() ? "" : "\nnote: " + message.note));
                 }
                 EXPECT_EQ(printed, shown) << block.front().place;
                 count += shown.size();

@@ -34,14 +34,12 @@ AllocationFailureHook SetAllocationFailureHook(AllocationFailureHook hook) {
     return std::exchange(failureHook, hook);
 }
 
-void* Reallocate(void* memory, std::size_t size) {
-    return Reported(
-        FailsOnPurpose(allocationFault) ? nullptr : std::realloc(memory, size == 0 ? 1 : size),
-        size);
+void* TryReallocate(void* memory, std::size_t size) {
+    return FailsOnPurpose(allocationFault) ? nullptr : std::realloc(memory, size);
 }
 
-void* TryReallocate(void* memory, std::size_t size) {
-    return std::realloc(memory, size);
+void* Reallocate(void* memory, std::size_t size) {
+    return Reported(TryReallocate(memory, size == 0 ? 1 : size), size);
 }
 
 void* Allocate(std::size_t size) {

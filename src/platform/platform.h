@@ -42,8 +42,8 @@ AllocationFailureHook SetAllocationFailureHook(AllocationFailureHook hook);
 /// stays valid.
 [[nodiscard]] void* Reallocate(void* memory, std::size_t size);
 
-/// Like `Reallocate`, but without the hook, for a caller that can do without the memory. Tests
-/// cannot make it fail.
+/// Like `Reallocate`, but without the hook, for a caller that can do without the memory. `size` is
+/// not 0.
 [[nodiscard]] void* TryReallocate(void* memory, std::size_t size);
 
 void Free(void* memory);

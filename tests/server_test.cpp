@@ -12,6 +12,7 @@
 #include <set>
 #include <span>
 
+#include "faults.h"
 #include "frontend/analyser.h"
 #include "frontend/file_store.h"
 #include "frontend/message_printer.h"
@@ -203,6 +204,8 @@ TEST(ServerTest, EndsAfterAFaultyHeaderOrOption) {
         output += RunKorvAs(words.empty() ? Strings() : Split(words, ' '), &output, korv::RunServer);
         EXPECT_TRUE(std::regex_match(output, std::regex(printed))) << output;
     }
+    const auto serveWithoutMemory = [] { return FailAllocation(1, true), korv::RunServer(1, nullptr); };
+    EXPECT_EXIT(serveWithoutMemory(), testing::ExitedWithCode(1), "^korv-ls: error: out of memory\n$");
 }
 
 TEST(ServerTest, UrisArePathsAndBack) {
